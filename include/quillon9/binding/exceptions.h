@@ -1,0 +1,145 @@
+#pragma once
+
+#include <cstdarg>
+#include <string>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// Root of all failures that the library reports: thrown by value, caught by reference. Used as it is for I/O,
+/// parser and format errors, broken facets and logic errors.
+///
+/// A failure carries a text and, when it was made from another failure on its way up, that failure as inner
+/// exception: a nested read or write gives a chain that leads from the document element down to the fault.
+/// An exception object belongs to the thread that caught it.
+class QUILLON9_API CQnException {
+ public:
+  /// An empty text, no inner exception.
+  CQnException();
+  explicit CQnException(std::string message);
+  /// Keeps a private copy of \p inner, made with Clone(), so \p inner may go out of scope.
+  CQnException(std::string message, CQnException const& inner);
+  /// Copies the text and clones the inner chain. The new object has the class named here, whatever \p other is.
+  CQnException(CQnException const& other);
+  /// Takes text and inner chain over, so that throwing a finished failure copies no chain.
+  CQnException(CQnException&& other) noexcept;
+  CQnException& operator=(CQnException const& other);
+  virtual ~CQnException();
+
+  /// A new heap object of the same dynamic class, with a copy of the inner chain. The caller owns it. Derived
+  /// classes override it, so that a failure keeps its class when it becomes an inner exception.
+  virtual CQnException* Clone() const;
+
+  std::string const& GetMessage() const { return m_message; }
+  /// The failure that caused this one, or null. It stays owned by this object.
+  CQnException const* GetInnerException() const { return m_inner; }
+  /// This text and the texts of all inner exceptions, outermost first, joined by line feeds.
+  std::string GetFullMessage() const;
+
+  /// For code that turns \p cause into another failure: a heap copy of \p cause that takes over its inner chain
+  /// instead of cloning it, so that a fault in a deep document costs the same at each level. \p cause is left
+  /// without inner exception. The caller owns the result; AdoptInner() takes it.
+  static CQnException* DetachToHeap(CQnException& cause);
+  /// Make \p inner the inner exception of this one, which becomes its owner.
+  void AdoptInner(CQnException* inner);
+
+ private:
+  void DeleteInnerChain();
+
+  std::string m_message;
+  CQnException* m_inner = nullptr;
+};
+
+/// A decimal value does not fit.
+class QUILLON9_API CQnOverFlowException : public CQnException {
+ public:
+  CQnOverFlowException();
+  explicit CQnOverFlowException(std::string message);
+  CQnOverFlowException(std::string message, CQnException const& inner);
+  CQnOverFlowException(CQnException const& other);
+  CQnOverFlowException(CQnOverFlowException const& other) = default;
+  CQnOverFlowException(CQnOverFlowException&& other) noexcept = default;
+  CQnOverFlowException& operator=(CQnOverFlowException const& other) = default;
+  ~CQnOverFlowException() override;
+  CQnException* Clone() const override;
+};
+
+/// A bad argument to a public operation: index out of range, null where a value is required, a wrong object.
+class QUILLON9_API CQnInvalidParamException : public CQnException {
+ public:
+  CQnInvalidParamException();
+  explicit CQnInvalidParamException(std::string message);
+  CQnInvalidParamException(std::string message, CQnException const& inner);
+  CQnInvalidParamException(CQnException const& other);
+  CQnInvalidParamException(CQnInvalidParamException const& other) = default;
+  CQnInvalidParamException(CQnInvalidParamException&& other) noexcept = default;
+  CQnInvalidParamException& operator=(CQnInvalidParamException const& other) = default;
+  ~CQnInvalidParamException() override;
+  CQnException* Clone() const override;
+};
+
+/// A public operation that is not allowed now: a choice already taken, options that exclude each other.
+class QUILLON9_API CQnInvalidStateException : public CQnException {
+ public:
+  CQnInvalidStateException();
+  explicit CQnInvalidStateException(std::string message);
+  CQnInvalidStateException(std::string message, CQnException const& inner);
+  CQnInvalidStateException(CQnException const& other);
+  CQnInvalidStateException(CQnInvalidStateException const& other) = default;
+  CQnInvalidStateException(CQnInvalidStateException&& other) noexcept = default;
+  CQnInvalidStateException& operator=(CQnInvalidStateException const& other) = default;
+  ~CQnInvalidStateException() override;
+  CQnException* Clone() const override;
+};
+
+/// The document or the object graph breaks a rule of its schema. Also the class of the wrapper on the way up.
+class QUILLON9_API CQnValidationException : public CQnException {
+ public:
+  CQnValidationException();
+  explicit CQnValidationException(std::string message);
+  CQnValidationException(std::string message, CQnException const& inner);
+  CQnValidationException(CQnException const& other);
+  CQnValidationException(CQnValidationException const& other) = default;
+  CQnValidationException(CQnValidationException&& other) noexcept = default;
+  CQnValidationException& operator=(CQnValidationException const& other) = default;
+  ~CQnValidationException() override;
+  CQnException* Clone() const override;
+};
+
+/// A namespace is not allowed by a wildcard.
+class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException {
+ public:
+  CQnInvalidNamespaceException();
+  explicit CQnInvalidNamespaceException(std::string message);
+  CQnInvalidNamespaceException(std::string message, CQnException const& inner);
+  CQnInvalidNamespaceException(CQnException const& other);
+  CQnInvalidNamespaceException(CQnInvalidNamespaceException const& other) = default;
+  CQnInvalidNamespaceException(CQnInvalidNamespaceException&& other) noexcept = default;
+  CQnInvalidNamespaceException& operator=(CQnInvalidNamespaceException const& other) = default;
+  ~CQnInvalidNamespaceException() override;
+  CQnException* Clone() const override;
+};
+
+/// A text or a value breaks a lexical form.
+class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
+ public:
+  CQnInvalidValueException();
+  explicit CQnInvalidValueException(std::string message);
+  CQnInvalidValueException(std::string message, CQnException const& inner);
+  CQnInvalidValueException(CQnException const& other);
+  CQnInvalidValueException(CQnInvalidValueException const& other) = default;
+  CQnInvalidValueException(CQnInvalidValueException&& other) noexcept = default;
+  CQnInvalidValueException& operator=(CQnInvalidValueException const& other) = default;
+  ~CQnInvalidValueException() override;
+  CQnException* Clone() const override;
+};
+
+/// Build a text as printf does, of any length. The result ends at a NUL byte that a conversion produced. "I64"
+/// before an integer conversion marks a 64-bit argument, as "ll" does. Any thread.
+/// \throws CQnException when libc refuses \p format or an argument.
+QUILLON9_API std::string FormatString(char const* format, ...) __attribute__((format(printf, 1, 2)));
+/// The same with the arguments as a list. \p args is indeterminate afterwards.
+QUILLON9_API std::string FormatV(char const* format, va_list args) __attribute__((format(printf, 1, 0)));
+
+}  // namespace Quillon9

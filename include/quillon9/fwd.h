@@ -1,0 +1,58 @@
+#pragma once
+
+/// Declares every public class of the library. Headers include this one where a name is enough.
+
+template <class T>
+class CSmartPtr;
+class CQNCriticalSection;
+
+namespace Quillon9 {
+
+class CBase64;
+class CBinaryData;
+class CBinaryStream;
+class CClassfactoryBase;
+class CConversions;
+class CEncoder;
+class CFileBinaryStream;
+class CFileTextStream;
+class CLimits;
+class CNamespaceAliasMap;
+class CNode;
+class CPrimitiveRestrictions;
+class CQnException;
+class CQnInvalidNamespaceException;
+class CQnInvalidParamException;
+class CQnInvalidStateException;
+class CQnInvalidValueException;
+class CQnOverFlowException;
+class CQnUtf16Exception;
+class CQnValidationException;
+class CQnZip;
+class CStringBuffer;
+class CTextStream;
+class CWhitespaceUtils;
+class CXmlAttribute;
+class CXmlCollection;
+class CXmlCollectionBase;
+class CXmlDocument;
+class CXmlElement;
+class CXmlGeneratedClass;
+class CXmlObjectBase;
+class CXmlObjectHelper;
+class CXmlSerializationContext;
+class CXmlTextWriter;
+class CXmlWriter;
+class IEventSink;
+class INillable;
+class QnVariant;
+
+}  // namespace Quillon9
+
+namespace Quillon9Data {
+
+class CAttributeInfo;
+class CElementInfo;
+class CParentElementInfo;
+
+}  // namespace Quillon9Data

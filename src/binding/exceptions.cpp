@@ -1,0 +1,134 @@
+#include "quillon9/binding/exceptions.h"
+
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+namespace Quillon9 {
+
+CQnException::CQnException() = default;
+
+CQnException::CQnException(std::string message) : m_message(std::move(message)) {}
+
+CQnException::CQnException(std::string message, CQnException const& inner)
+    : m_message(std::move(message)), m_inner(inner.Clone()) {}
+
+CQnException::CQnException(CQnException const& other)
+    : m_message(other.m_message), m_inner(other.m_inner != nullptr ? other.m_inner->Clone() : nullptr) {}
+
+CQnException::CQnException(CQnException&& other) noexcept
+    : m_message(std::move(other.m_message)), m_inner(std::exchange(other.m_inner, nullptr)) {}
+
+CQnException& CQnException::operator=(CQnException const& other) {
+  if (this == &other) return *this;
+  std::string message = other.m_message;
+  AdoptInner(other.m_inner != nullptr ? other.m_inner->Clone() : nullptr);
+  m_message = std::move(message);
+  return *this;
+}
+
+CQnException::~CQnException() { DeleteInnerChain(); }
+
+CQnException* CQnException::Clone() const { return new CQnException(*this); }
+
+std::string CQnException::GetFullMessage() const {
+  std::string text = m_message;
+  for (CQnException const* inner = m_inner; inner != nullptr; inner = inner->m_inner) {
+    text += '\n';
+    text += inner->m_message;
+  }
+  return text;
+}
+
+CQnException* CQnException::DetachToHeap(CQnException& cause) {
+  CQnException* const chain = std::exchange(cause.m_inner, nullptr);
+  CQnException* copy = nullptr;
+  try {
+    copy = cause.Clone();
+  } catch (...) {
+    cause.m_inner = chain;
+    throw;
+  }
+  copy->AdoptInner(chain);
+  return copy;
+}
+
+void CQnException::AdoptInner(CQnException* inner) {
+  DeleteInnerChain();
+  m_inner = inner;
+}
+
+// A loop, not a recursion through the destructors: the length of the chain is the document's choice.
+void CQnException::DeleteInnerChain() {
+  CQnException* inner = std::exchange(m_inner, nullptr);
+  while (inner != nullptr) {
+    CQnException* const next = std::exchange(inner->m_inner, nullptr);
+    delete inner;
+    inner = next;
+  }
+}
+
+// The six derived classes differ in nothing but their name, their base and the class that Clone() makes.
+#define QN_DEFINE_EXCEPTION(Class, Base)                                                                \
+  Class::Class() = default;                                                                             \
+  Class::Class(std::string message) : Base(std::move(message)) {}                                       \
+  Class::Class(std::string message, CQnException const& inner) : Base(std::move(message), inner) {}     \
+  Class::Class(CQnException const& other) : Base(other) {}                                              \
+  Class::~Class() = default;                                                                            \
+  CQnException* Class::Clone() const { return new Class(*this); }
+
+QN_DEFINE_EXCEPTION(CQnOverFlowException, CQnException)
+QN_DEFINE_EXCEPTION(CQnInvalidParamException, CQnException)
+QN_DEFINE_EXCEPTION(CQnInvalidStateException, CQnException)
+QN_DEFINE_EXCEPTION(CQnValidationException, CQnException)
+QN_DEFINE_EXCEPTION(CQnInvalidNamespaceException, CQnValidationException)
+QN_DEFINE_EXCEPTION(CQnInvalidValueException, CQnValidationException)
+
+#undef QN_DEFINE_EXCEPTION
+
+namespace {
+
+// libc reads "I64" as a flag and a width; formats that were written for it mean a 64-bit argument.
+std::string WithStandardModifiers(char const* format) {
+  std::string text = format;
+  for (std::size_t at = text.find("I64"); at != std::string::npos; at = text.find("I64", at + 2)) {
+    std::size_t const percent = text.find_last_not_of("#*-+ 0123456789.", at == 0 ? 0 : at - 1);
+    if (at != 0 && percent != std::string::npos && text[percent] == '%') text.replace(at, 3, "ll");
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string FormatV(char const* format, va_list args) {
+  if (std::strstr(format, "I64") != nullptr) {
+    std::string const standard = WithStandardModifiers(format);
+    if (standard != format) return FormatV(standard.c_str(), args);
+  }
+  va_list measured;
+  va_copy(measured, args);
+  char buffer[512];
+  int const length = std::vsnprintf(buffer, sizeof buffer, format, measured);
+  va_end(measured);
+  if (length < 0) throw CQnException(std::string("The text [") + format + "] can not be formatted");
+  if (static_cast<std::size_t>(length) < sizeof buffer) return buffer;
+  std::string text(static_cast<std::size_t>(length) + 1, 'X');
+  std::vsnprintf(text.data(), text.size(), format, args);
+  text.resize(std::strlen(text.c_str()));
+  return text;
+}
+
+std::string FormatString(char const* format, ...) {
+  va_list args;
+  va_start(args, format);
+  try {
+    std::string text = FormatV(format, args);
+    va_end(args);
+    return text;
+  } catch (...) {
+    va_end(args);
+    throw;
+  }
+}
+
+}  // namespace Quillon9

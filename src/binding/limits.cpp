@@ -1,0 +1,18 @@
+#include "quillon9/binding/limits.h"
+
+namespace Quillon9 {
+
+namespace {
+
+std::uint32_t maxElementDepth = 1000;
+std::uint32_t maxDecompressedSize = 1024U * 1024U * 1024U;
+
+}  // namespace
+
+std::uint32_t CLimits::GetMaxElementDepth() { return maxElementDepth; }
+void CLimits::SetMaxElementDepth(std::uint32_t depth) { maxElementDepth = depth; }
+
+std::uint32_t CLimits::GetMaxDecompressedSize() { return maxDecompressedSize; }
+void CLimits::SetMaxDecompressedSize(std::uint32_t bytes) { maxDecompressedSize = bytes; }
+
+}  // namespace Quillon9

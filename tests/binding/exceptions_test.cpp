@@ -1,0 +1,71 @@
+#include "quillon9/binding/exceptions.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "expect_failure.h"
+
+namespace Quillon9 {
+namespace {
+
+TEST(Exceptions, FullMessageWalksFromTheOutsideIn) {
+  CQnInvalidValueException const cause("cause");
+  CQnValidationException const middle("middle", cause);
+  CQnException const outer("", middle);
+  EXPECT_EQ("cause", cause.GetFullMessage());
+  EXPECT_EQ("\nmiddle\ncause", outer.GetFullMessage());
+  EXPECT_NE(nullptr, dynamic_cast<CQnInvalidValueException const*>(outer.GetInnerException()->GetInnerException()));
+}
+
+TEST(Exceptions, CopiesAreIndependentAndTakeTheNamedClass) {
+  CQnException first("outer", CQnInvalidParamException("inner"));
+  {
+    CQnOverFlowException const copy(first);
+    EXPECT_EQ("outer\ninner", copy.GetFullMessage());
+    std::unique_ptr<CQnException> const clone(copy.Clone());
+    EXPECT_NE(nullptr, dynamic_cast<CQnOverFlowException*>(clone.get()));
+  }
+  EXPECT_EQ("outer\ninner", first.GetFullMessage());
+  first = *first.GetInnerException();
+  EXPECT_EQ("inner", first.GetFullMessage());
+  CQnException const& self = first;
+  first = self;
+  EXPECT_EQ("inner", first.GetFullMessage());
+}
+
+TEST(Exceptions, DetachedCauseKeepsItsClassAndItsChain) {
+  CQnInvalidNamespaceException cause("cause", CQnException("deep"));
+  CQnException outer("outer");
+  outer.AdoptInner(CQnException::DetachToHeap(cause));
+  EXPECT_EQ("outer\ncause\ndeep", outer.GetFullMessage());
+  EXPECT_NE(nullptr, dynamic_cast<CQnInvalidNamespaceException const*>(outer.GetInnerException()));
+  EXPECT_EQ(nullptr, cause.GetInnerException());
+}
+
+TEST(Exceptions, AChainOfAnyLengthIsFreedWithoutRecursion) {
+  CQnException chain("0");
+  for (int i = 0; i < 1000000; ++i) {
+    CQnException next("n");
+    next.AdoptInner(CQnException::DetachToHeap(chain));
+    chain.AdoptInner(CQnException::DetachToHeap(next));
+  }
+  EXPECT_NE(nullptr, chain.GetInnerException());
+}
+
+TEST(FormatString, HasNoLengthLimitAndKnowsTheOlderModifier) {
+  std::string const longText(10000, 'x');
+  std::string const literal(1000, 'y');
+  EXPECT_EQ(literal + longText, FormatString((literal + "%s").c_str(), longText.c_str()));
+  EXPECT_EQ("", FormatString("%s", ""));
+  EXPECT_EQ("", FormatString("%s", "").substr(0));
+  EXPECT_EQ("7|  007|a", FormatString("%d|%5.3d|%c", 7, 7, 'a'));
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat"
+  EXPECT_EQ("[9000000000] I64d", FormatString("[%I64d] I64d", 9000000000LL));
+#pragma GCC diagnostic pop
+  EXPECT_EQ("ends", FormatString("ends%cnever seen", 0));
+}
+
+}  // namespace
+}  // namespace Quillon9
