@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/export.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/values/whitespace.h"
+
+namespace Quillon9 {
+
+/// Turns primitive values into text and back, a pair of functions for each ItemType. The lexical forms are close
+/// to W3C XML Schema Part 2, and where they differ, what is said here holds.
+///
+/// Every `...FromString` applies its whitespace rule first, and throws CQnException "Unknown WhitespaceRule" when
+/// it is none. Numbers have the point and no grouping whatever the process locale is. Static functions without
+/// state: any thread may call. A failed conversion changes nothing.
+///
+/// The integer parsers accept leading white space (space and the characters 9 to 13) and one sign, and take a text
+/// without digits that is empty as 0. A minus sign on an unsigned kind wraps round: "-1" is the largest ui4 or
+/// ui8. A zero byte ends a number; what follows it is not looked at.
+class QUILLON9_API CConversions {
+ public:
+  using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
+
+  /// A copy.
+  static std::string stringToString(std::string const& value);
+  /// The text after \p rule.
+  static std::string stringFromString(std::string const& text, WhitespaceRule rule);
+
+  /// Print in base 10, with a minus sign where needed and no leading zeros.
+  static std::string i8ToString(std::int64_t value);
+  static std::string i4ToString(std::int32_t value);
+  static std::string i2ToString(std::int16_t value);
+  static std::string i1ToString(std::int8_t value);
+  static std::string ui8ToString(std::uint64_t value);
+  static std::string ui4ToString(std::uint32_t value);
+  static std::string ui2ToString(std::uint16_t value);
+  static std::string ui1ToString(std::uint8_t value);
+
+  /// Parse a 64-bit integer in base 10.
+  /// \throws CQnInvalidValueException "The value [%s] is to large to fit in a i8" (tested first), "The value [%s]
+  ///         can not be converted to a i8" when characters are left over.
+  static std::int64_t i8FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse a 32-bit integer in base 10.
+  /// \throws CQnInvalidValueException as i8FromString() does, with "i4".
+  static std::int32_t i4FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse with i4FromString().
+  /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
+  /// to
+  ///         fit in a i2" below -32,768 and above 32,767.
+  static std::int16_t i2FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse with i4FromString().
+  /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
+  /// to
+  ///         fit in a i1" below -128 and above 127.
+  static std::int8_t i1FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse an unsigned 64-bit integer in base 10.
+  /// \throws CQnInvalidValueException as i8FromString() does, with "ui8".
+  static std::uint64_t ui8FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse an unsigned 32-bit integer in base 10.
+  /// \throws CQnInvalidValueException as i8FromString() does, with "ui4".
+  static std::uint32_t ui4FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse with ui4FromString(), so that small negative numbers wrap round to large ones and do not fit.
+  /// \throws CQnInvalidValueException what ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
+  ///         to fit in a ui2" above 65,535.
+  static std::uint16_t ui2FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse with ui4FromString(), so that small negative numbers wrap round to large ones and do not fit.
+  /// \throws CQnInvalidValueException what ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
+  ///         to fit in a ui1" above 255.
+  static std::uint8_t ui1FromString(std::string const& text, WhitespaceRule rule);
+
+  /// Print "NaN", "INF", "-INF" or the number: through the printf format \p format, the result cut off after 31
+  /// bytes, or as "%.7g" when \p format is null.
+  /// \throws CQnException "The format [%s] does not print one floating-point number" when \p format has another
+  ///         conversion than one of a, e, f and g (upper-case too), or more than one.
+  static std::string r4ToString(float value, char const* format = nullptr);
+  /// The same with the result of \p format cut off after 47 bytes, and "%.16g" when it is null. Sixteen digits do
+  /// not always bring the same double back.
+  static std::string r8ToString(double value, char const* format = nullptr);
+
+  /// Parse as r8FromString() does and round the result to a float, which can make it infinite or zero.
+  /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r4".
+  static float r4FromString(std::string const& text, WhitespaceRule rule);
+  /// Parse a floating-point number. An empty text, "NaN", "-NAN" and "1.#QNAN" are NaN, "INF" and "-INF" the
+  /// infinities; everything else is read as C's strtod reads it, with its wider forms ("inf", "nan", hexadecimal
+  /// floats, leading white space). A number out of range gives infinity or zero.
+  /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r8".
+  static double r8FromString(std::string const& text, WhitespaceRule rule);
+
+  /// "true" or "false".
+  static std::string booleanToString(bool value);
+  /// Parse "true", "false", "1" or "0" in any case.
+  /// \throws CQnInvalidValueException "A Boolean Value read from an XML document was invalid [%s]. Valid values
+  /// are
+  ///         'true', 'false', '1', or '0'", with \p text as it was given.
+  static bool booleanFromString(std::string const& text, WhitespaceRule rule);
+
+  /// A text of this one byte; empty for the character 0.
+  static std::string charToString(char value);
+  /// The only byte of the text.
+  /// \throws CQnInvalidValueException "The value [%s] can not be a char as it is either empty of greater than 1
+  ///         char long".
+  static char charFromString(std::string const& text, WhitespaceRule rule);
+
+  /// CBinaryData::GetAsHexString().
+  static std::string hexBinaryToString(CBinaryData const& value);
+  /// CBinaryData::SetAsHexString().
+  /// \throws CQnException "Invalid char in hex string [%c]".
+  static CBinaryData hexBinaryFromString(std::string const& text, WhitespaceRule rule);
+
+  /// CBinaryData::GetAsBase64().
+  /// \throws CQnException for a value that is too long.
+  static std::string base64BinaryToString(CBinaryData const& value);
+  /// CBinaryData::SetAsBase64(): bad text raises nothing and gives a value of length 0.
+  static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
+};
+
+}  // namespace Quillon9

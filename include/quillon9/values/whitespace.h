@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// Applies the whiteSpace facet (W3C XML Schema Part 2, 4.3.6) to text. White space is space, tab, line feed and
+/// carriage return; unlike the facet, every operation here drops carriage returns and puts nothing in their place.
+/// All functions are static and without state: any thread may call. Nothing throws but ApplyRule().
+class QUILLON9_API CWhitespaceUtils {
+ public:
+  enum WhitespaceRule : int {
+    WhitespaceRule_None = 0,      ///< the text as it stands
+    WhitespaceRule_Preserve = 1,  ///< Preserve()
+    WhitespaceRule_Replace = 2,   ///< Replace()
+    WhitespaceRule_Collapse = 3,  ///< Collapse()
+  };
+
+  /// True for space, tab, line feed and carriage return.
+  static bool IsWhiteSpace(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
+
+  /// The first \p length bytes of \p text without carriage returns; zero bytes stay. Empty when \p text is null
+  /// or \p length is not above 0.
+  static std::string Preserve(char const* text, int length);
+  static std::string Preserve(std::string const& text);
+
+  /// Turn each tab and line feed into a space and drop carriage returns. When \p text holds any white space, the
+  /// result ends before the first zero byte; else it is \p text as it stands.
+  static std::string Replace(std::string const& text);
+
+  /// Turn each run of spaces, tabs and line feeds into one space, drop those at both ends and all carriage returns
+  /// ("a\rb" gives "ab"). The result ends before the first zero byte; a space just before that byte stays.
+  static std::string Collapse(std::string const& text);
+
+  /// Apply \p rule to \p text.
+  /// \throws CQnException "Unknown WhitespaceRule" when \p rule is none of the enumerators.
+  static std::string ApplyRule(WhitespaceRule rule, std::string const& text);
+  /// The same without a copy where the rule changes nothing: the result is then \p text itself, else \p scratch,
+  /// which receives the new text. Both must outlive the result.
+  static std::string const& ApplyRule(WhitespaceRule rule, std::string const& text, std::string& scratch);
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,192 @@
+#include "quillon9/values/conversions.h"
+
+#include <strings.h>
+
+#include <limits>
+
+#include "quillon9/binding/exceptions.h"
+#include "values/number_text.h"
+
+namespace Quillon9 {
+
+namespace {
+
+using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
+
+constexpr std::size_t kR4BufferSize = 32;
+constexpr std::size_t kR8BufferSize = 48;
+
+// `format` has one "%s", which becomes `text` up to its first zero byte.
+[[noreturn]] void ThrowInvalidValue(char const* format, std::string const& text) {
+  throw CQnInvalidValueException(FormatString(format, text.c_str()));
+}
+
+template <class Integer>
+Integer ParseWideInteger(std::string const& text, WhitespaceRule rule, char const* tooLarge,
+                         char const* malformed) {
+  std::string scratch;
+  std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  Integer value = 0;
+  NumberStatus const status = ParseInteger(number, value);
+  if (status == NumberStatus::OutOfRange) ThrowInvalidValue(tooLarge, number);
+  if (status == NumberStatus::Malformed) ThrowInvalidValue(malformed, number);
+  return value;
+}
+
+// `wide` is the number that `text`, as it was given, stands for.
+template <class Narrow, class Wide>
+Narrow NarrowInteger(Wide wide, std::string const& text, char const* tooLarge) {
+  using Limits = std::numeric_limits<Narrow>;
+  if (wide < Limits::min() || wide > Limits::max()) ThrowInvalidValue(tooLarge, text);
+  return static_cast<Narrow>(wide);
+}
+
+double ParseFloating(std::string const& text, WhitespaceRule rule, char const* malformed) {
+  std::string scratch;
+  std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  if (number.empty() || number == "NaN" || number == "1.#QNAN" || number == "-NAN") {
+    return std::numeric_limits<double>::quiet_NaN();
+  }
+  if (number == "-INF") return -std::numeric_limits<double>::infinity();
+  if (number == "INF") return std::numeric_limits<double>::infinity();
+  double value = 0;
+  if (ParseDouble(number, value) != NumberStatus::Ok) ThrowInvalidValue(malformed, number);
+  return value;
+}
+
+template <class Floating>
+std::string FloatingText(Floating value, char const* format, std::size_t bufferSize, int precision) {
+  if (value != value) return "NaN";
+  if (value < std::numeric_limits<Floating>::lowest()) return "-INF";
+  if (value > std::numeric_limits<Floating>::max()) return "INF";
+  double const wide = value;
+  return format != nullptr ? FormattedText(format, wide, bufferSize) : GeneralText(wide, precision);
+}
+
+bool IsSameWord(std::string const& text, std::string_view word) {
+  return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
+}
+
+}  // namespace
+
+// ---- Text
+
+std::string CConversions::stringToString(std::string const& value) { return value; }
+
+std::string CConversions::stringFromString(std::string const& text, WhitespaceRule rule) {
+  return CWhitespaceUtils::ApplyRule(rule, text);
+}
+
+// ---- Integers
+
+std::string CConversions::i8ToString(std::int64_t value) { return IntegerText(value); }
+std::string CConversions::i4ToString(std::int32_t value) { return IntegerText(value); }
+std::string CConversions::i2ToString(std::int16_t value) { return IntegerText(value); }
+std::string CConversions::i1ToString(std::int8_t value) { return IntegerText(static_cast<int>(value)); }
+std::string CConversions::ui8ToString(std::uint64_t value) { return IntegerText(value); }
+std::string CConversions::ui4ToString(std::uint32_t value) { return IntegerText(value); }
+std::string CConversions::ui2ToString(std::uint16_t value) { return IntegerText(value); }
+std::string CConversions::ui1ToString(std::uint8_t value) { return IntegerText(static_cast<unsigned>(value)); }
+
+std::int64_t CConversions::i8FromString(std::string const& text, WhitespaceRule rule) {
+  return ParseWideInteger<std::int64_t>(text, rule, "The value [%s] is to large to fit in a i8",
+                                        "The value [%s] can not be converted to a i8");
+}
+
+std::int32_t CConversions::i4FromString(std::string const& text, WhitespaceRule rule) {
+  return ParseWideInteger<std::int32_t>(text, rule, "The value [%s] is to large to fit in a i4",
+                                        "The value [%s] can not be converted to a i4");
+}
+
+std::int16_t CConversions::i2FromString(std::string const& text, WhitespaceRule rule) {
+  return NarrowInteger<std::int16_t>(i4FromString(text, rule), text, "The value [%s] is to large to fit in a i2");
+}
+
+std::int8_t CConversions::i1FromString(std::string const& text, WhitespaceRule rule) {
+  return NarrowInteger<std::int8_t>(i4FromString(text, rule), text, "The value [%s] is to large to fit in a i1");
+}
+
+std::uint64_t CConversions::ui8FromString(std::string const& text, WhitespaceRule rule) {
+  return ParseWideInteger<std::uint64_t>(text, rule, "The value [%s] is to large to fit in a ui8",
+                                         "The value [%s] can not be converted to a ui8");
+}
+
+std::uint32_t CConversions::ui4FromString(std::string const& text, WhitespaceRule rule) {
+  return ParseWideInteger<std::uint32_t>(text, rule, "The value [%s] is to large to fit in a ui4",
+                                         "The value [%s] can not be converted to a ui4");
+}
+
+std::uint16_t CConversions::ui2FromString(std::string const& text, WhitespaceRule rule) {
+  return NarrowInteger<std::uint16_t>(ui4FromString(text, rule), text,
+                                      "The value [%s] is to large to fit in a ui2");
+}
+
+std::uint8_t CConversions::ui1FromString(std::string const& text, WhitespaceRule rule) {
+  return NarrowInteger<std::uint8_t>(ui4FromString(text, rule), text,
+                                     "The value [%s] is to large to fit in a ui1");
+}
+
+// ---- Floating-point numbers
+
+std::string CConversions::r4ToString(float value, char const* format) {
+  return FloatingText(value, format, kR4BufferSize, 7);
+}
+
+std::string CConversions::r8ToString(double value, char const* format) {
+  return FloatingText(value, format, kR8BufferSize, 16);
+}
+
+float CConversions::r4FromString(std::string const& text, WhitespaceRule rule) {
+  static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
+  return static_cast<float>(ParseFloating(text, rule, "The value [%s] can not be converted to a r4"));
+}
+
+double CConversions::r8FromString(std::string const& text, WhitespaceRule rule) {
+  return ParseFloating(text, rule, "The value [%s] can not be converted to a r8");
+}
+
+// ---- Boolean, character, binary
+
+std::string CConversions::booleanToString(bool value) { return value ? "true" : "false"; }
+
+bool CConversions::booleanFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  std::string const& word = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  if (word == "1" || IsSameWord(word, "true")) return true;
+  if (word == "0" || IsSameWord(word, "false")) return false;
+  ThrowInvalidValue(
+      "A Boolean Value read from an XML document was invalid [%s]. Valid values are 'true', 'false', '1', or '0'",
+      text);
+}
+
+std::string CConversions::charToString(char value) {
+  return value != '\0' ? std::string(1, value) : std::string();
+}
+
+char CConversions::charFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  std::string const& character = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  if (character.size() == 1) return character[0];
+  ThrowInvalidValue("The value [%s] can not be a char as it is either empty of greater than 1 char long",
+                    character);
+}
+
+std::string CConversions::hexBinaryToString(CBinaryData const& value) { return value.GetAsHexString(); }
+
+CBinaryData CConversions::hexBinaryFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  CBinaryData value;
+  value.SetAsHexString(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return value;
+}
+
+std::string CConversions::base64BinaryToString(CBinaryData const& value) { return value.GetAsBase64(); }
+
+CBinaryData CConversions::base64BinaryFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  CBinaryData value;
+  value.SetAsBase64(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return value;
+}
+
+}  // namespace Quillon9

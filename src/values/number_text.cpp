@@ -1,0 +1,167 @@
+#include "values/number_text.h"
+
+#include <locale.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "quillon9/binding/exceptions.h"
+
+namespace Quillon9 {
+
+namespace {
+
+// Made once and never freed: numbers are read and printed until the process ends.
+locale_t NumberLocale() {
+  static locale_t const locale = [] {
+    locale_t const made = newlocale(LC_ALL_MASK, "C", nullptr);
+    if (made == nullptr) throw std::bad_alloc();
+    return made;
+  }();
+  return locale;
+}
+
+// Puts the calling thread, and no other, into the "C" locale.
+class NumberLocaleScope {
+ public:
+  NumberLocaleScope() : m_previous(uselocale(NumberLocale())) {}
+  ~NumberLocaleScope() { uselocale(m_previous); }
+  NumberLocaleScope(NumberLocaleScope const&) = delete;
+  NumberLocaleScope& operator=(NumberLocaleScope const&) = delete;
+
+ private:
+  locale_t m_previous;
+};
+
+bool IsCSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+struct SignedDigits {
+  bool negative = false;
+  std::uint64_t magnitude = 0;
+  NumberStatus status = NumberStatus::Ok;
+};
+
+// Reads up to a magnitude above `limit`, where it stops: the rest of the digits cannot make it smaller.
+SignedDigits ReadSignedDigits(std::string_view text, std::uint64_t positiveLimit, std::uint64_t negativeLimit) {
+  SignedDigits result;
+  char const* at = text.data();
+  char const* const end = at + text.size();
+  while (at != end && IsCSpace(*at)) ++at;
+  if (at != end && (*at == '-' || *at == '+')) result.negative = *at++ == '-';
+  std::uint64_t const limit = result.negative ? negativeLimit : positiveLimit;
+  char const* const firstDigit = at;
+  for (; at != end && IsDigit(*at); ++at) {
+    auto const digit = static_cast<std::uint64_t>(*at - '0');
+    if (result.magnitude > (limit - digit) / 10) {
+      result.status = NumberStatus::OutOfRange;
+      return result;
+    }
+    result.magnitude = result.magnitude * 10 + digit;
+  }
+  if (at == firstDigit) at = text.data();  // no digits, no number: strtol then stays at the start
+  if (at != end && *at != '\0') result.status = NumberStatus::Malformed;
+  return result;
+}
+
+template <class Signed>
+NumberStatus ParseSigned(std::string_view text, Signed& value) {
+  constexpr auto kMax = static_cast<std::uint64_t>(std::numeric_limits<Signed>::max());
+  SignedDigits const digits = ReadSignedDigits(text, kMax, kMax + 1);
+  if (digits.status == NumberStatus::Ok) {
+    value = static_cast<Signed>(digits.negative ? std::uint64_t{0} - digits.magnitude : digits.magnitude);
+  }
+  return digits.status;
+}
+
+template <class Unsigned>
+NumberStatus ParseUnsigned(std::string_view text, Unsigned& value) {
+  constexpr std::uint64_t kMax = std::numeric_limits<Unsigned>::max();
+  SignedDigits const digits = ReadSignedDigits(text, kMax, kMax);
+  if (digits.status == NumberStatus::Ok) {
+    value = static_cast<Unsigned>(digits.negative ? std::uint64_t{0} - digits.magnitude : digits.magnitude);
+  }
+  return digits.status;
+}
+
+// from_chars knows neither blanks, "+" nor hexadecimal floats, and reports what is out of range without a value;
+// what it takes as a whole, it takes as strtod does.
+bool ParsePlainDouble(std::string const& text, double& value) {
+  char const* const begin = text.data();
+  char const* const end = begin + text.size();
+  char const first = text.empty() ? '\0' : text[*begin == '-' ? 1 : 0];
+  if (!IsDigit(first) && first != '.') return false;
+  double parsed = 0;
+  auto const [stop, error] = std::from_chars(begin, end, parsed);
+  if (error != std::errc() || stop != end) return false;
+  value = parsed;
+  return true;
+}
+
+// The address behind the conversion that starts after a percent sign, or null when it does not print a double.
+char const* EndOfDoubleConversion(char const* at) {
+  at += std::strspn(at, "-+ #0'");
+  while (IsDigit(*at)) ++at;
+  if (*at == '.') ++at;
+  while (IsDigit(*at)) ++at;
+  if (*at == 'l') ++at;
+  return *at != '\0' && std::strchr("aAeEfFgG", *at) != nullptr ? at + 1 : nullptr;
+}
+
+bool PrintsOneDouble(char const* format) {
+  int conversions = 0;
+  for (char const* at = std::strchr(format, '%'); at != nullptr; at = std::strchr(at, '%')) {
+    if (at[1] == '%') {
+      at += 2;
+      continue;
+    }
+    at = EndOfDoubleConversion(at + 1);
+    if (at == nullptr || ++conversions > 1) return false;
+  }
+  return true;
+}
+
+[[noreturn]] void ThrowBadFormat(char const* format) {
+  throw CQnException(FormatString("The format [%s] does not print one floating-point number", format));
+}
+
+}  // namespace
+
+NumberStatus ParseInteger(std::string_view text, std::int32_t& value) { return ParseSigned(text, value); }
+NumberStatus ParseInteger(std::string_view text, std::uint32_t& value) { return ParseUnsigned(text, value); }
+NumberStatus ParseInteger(std::string_view text, std::int64_t& value) { return ParseSigned(text, value); }
+NumberStatus ParseInteger(std::string_view text, std::uint64_t& value) { return ParseUnsigned(text, value); }
+
+NumberStatus ParseDouble(std::string const& text, double& value) {
+  if (ParsePlainDouble(text, value)) return NumberStatus::Ok;
+  char* stop = nullptr;
+  double const parsed = strtod_l(text.c_str(), &stop, NumberLocale());
+  if (*stop != '\0') return NumberStatus::Malformed;
+  value = parsed;
+  return NumberStatus::Ok;
+}
+
+std::string GeneralText(double value, int precision) {
+  char buffer[64];
+  auto const end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision);
+  return std::string(buffer, end.ptr);
+}
+
+std::string FixedText(double value, int precision) {
+  char buffer[std::numeric_limits<double>::max_exponent10 + 1016];
+  auto const end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
+  return std::string(buffer, end.ptr);
+}
+
+std::string FormattedText(char const* format, double value, std::size_t bufferSize) {
+  if (!PrintsOneDouble(format)) ThrowBadFormat(format);
+  char buffer[64];
+  NumberLocaleScope const scope;
+  if (std::snprintf(buffer, std::min(bufferSize, sizeof buffer), format, value) < 0) ThrowBadFormat(format);
+  return buffer;
+}
+
+}  // namespace Quillon9

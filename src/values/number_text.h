@@ -1,0 +1,50 @@
+#pragma once
+
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace Quillon9 {
+
+/// What came of reading a number.
+enum class NumberStatus {
+  Ok,
+  OutOfRange,  ///< the number does not fit; what follows it was not looked at
+  Malformed,   ///< characters are left over
+};
+
+/// Read a base 10 integer as strtol, strtoul, strtoll and strtoull do where a long has 32 bits, whatever its width
+/// here: leading white space (that of the "C" locale) and one sign pass, a minus sign on an unsigned kind wraps
+/// round, a text without digits is 0. A zero byte ends the text. \p value is set for NumberStatus::Ok only.
+NumberStatus ParseInteger(std::string_view text, std::int32_t& value);
+NumberStatus ParseInteger(std::string_view text, std::uint32_t& value);
+NumberStatus ParseInteger(std::string_view text, std::int64_t& value);
+NumberStatus ParseInteger(std::string_view text, std::uint64_t& value);
+
+/// Read a floating-point number as strtod does in the "C" locale, with all its forms. A zero byte ends the text,
+/// and a text without digits is 0. Out of range is no failure: it gives infinity, zero or a subnormal number.
+/// \p value is set for NumberStatus::Ok only.
+NumberStatus ParseDouble(std::string const& text, double& value);
+
+/// Print as "%d", "%u", "%lld" or "%llu" does.
+template <class Integer>
+std::string IntegerText(Integer value) {
+  char buffer[24];
+  return std::string(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+}
+
+/// Print as "%.*g" does in the "C" locale; \p precision is 1 to 17.
+std::string GeneralText(double value, int precision);
+
+/// Print as "%.*f" does in the "C" locale, so with a \p precision of 6 as "%f"; \p precision is 0 to 1000.
+std::string FixedText(double value, int precision = 6);
+
+/// Print \p value through the printf format \p format in the "C" locale into a buffer of \p bufferSize bytes (at
+/// most 64), its terminating zero byte included; what does not fit is cut off.
+/// \throws CQnException "The format [%s] does not print one floating-point number" when \p format would read
+///         anything but one double (then printf would read what is not there) or libc refuses it.
+std::string FormattedText(char const* format, double value, std::size_t bufferSize);
+
+}  // namespace Quillon9
