@@ -1,0 +1,213 @@
+#include "quillon9/xmlio/document.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/xmlio/encoder.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::string_view kSchemaInstance = "http://www.w3.org/2001/XMLSchema-instance";
+constexpr std::string_view kNamespaceDeclarations = "http://www.w3.org/2000/xmlns/";
+
+bool IsSchemaMachinery(std::string_view namespaceUri) {
+  return namespaceUri == kSchemaInstance || namespaceUri == kNamespaceDeclarations;
+}
+
+std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
+
+}  // namespace
+
+CXmlAttribute::CXmlAttribute(std::string localName, std::string value, std::string namespaceUri)
+    : m_localName(std::move(localName)), m_value(std::move(value)), m_namespaceUri(std::move(namespaceUri)) {}
+
+CXmlAttribute::~CXmlAttribute() = default;
+
+bool CXmlAttribute::IsNilAttribute() const { return m_localName == "nil" && IsSchemaMachinery(m_namespaceUri); }
+
+bool CXmlAttribute::IsNamespaceAttribute() const {
+  if (!IsSchemaMachinery(m_namespaceUri)) return false;
+  return m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
+         m_localName == "noNamespaceSchemaLocation";
+}
+
+CXmlElement::CXmlElement(CXmlDocument const* document) : m_document(document) {}
+
+CXmlElement::~CXmlElement() {
+  DeleteChildren();
+  for (CXmlAttribute* attribute : m_attributes) delete attribute;
+}
+
+// A loop, since the depth of the tree is the document's choice: each element hands its children over to the chain
+// before it dies.
+void CXmlElement::DeleteChildren() {
+  CXmlElement* chain = std::exchange(m_firstChild, nullptr);
+  while (chain != nullptr) {
+    CXmlElement* element = chain;
+    chain = element->m_nextSibling;
+    if (element->m_firstChild != nullptr) {
+      element->m_lastChild->m_nextSibling = chain;
+      chain = std::exchange(element->m_firstChild, nullptr);
+    }
+    delete element;
+  }
+}
+
+std::string const& CXmlElement::GetAttribute(std::string const& localName, std::string const& namespaceUri) const {
+  static std::string const absent;
+  for (CXmlAttribute const* attribute : m_attributes) {
+    if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri) {
+      return attribute->GetValue();
+    }
+  }
+  return absent;
+}
+
+void CXmlElement::AppendText(char const* text, int length) {
+  if (length > 0) m_text.append(text, static_cast<std::size_t>(length));
+}
+
+void CXmlElement::AppendUtf8TextExcludingCR(std::string_view utf8) {
+  std::size_t const start = m_text.size();
+  CEncoder::AppendUtf8ToLocalCodePage(m_text, utf8.data(), utf8.size());
+  std::size_t const firstCR = m_text.find('\r', start);
+  if (firstCR == std::string::npos) return;
+  auto const from = m_text.begin() + static_cast<std::ptrdiff_t>(firstCR);
+  m_text.erase(std::remove(from, m_text.end(), '\r'), m_text.end());
+}
+
+void CXmlElement::AddAttribute(std::string localName, std::string value, std::string namespaceUri) {
+  auto attribute =
+      std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
+  m_attributes.push_back(attribute.get());
+  attribute.release();
+}
+
+CXmlElement* CXmlElement::CreateNewChildElement() {
+  auto* child = new CXmlElement(m_document);
+  child->m_previousSibling = m_lastChild;
+  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
+  m_lastChild = child;
+  return child;
+}
+
+CXmlElement* CXmlElement::RemoveLastChildElement() {
+  if (m_lastChild == nullptr) return nullptr;
+  CXmlElement* child = std::exchange(m_lastChild, m_lastChild->m_previousSibling);
+  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = nullptr;
+  child->m_previousSibling = nullptr;
+  return child;
+}
+
+CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter)
+    : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(CXmlSerializationContext const& context) : CXmlDocument(nullptr, context) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context)
+    : m_filter(filter), m_context(context) {
+  Init();
+}
+
+CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
+
+void CXmlDocument::Init() {
+  m_inputData = nullptr;
+  m_inputSize = 0;
+  m_documentElement = nullptr;
+  m_schemaType = m_context.GetSchemaType();
+}
+
+void CXmlDocument::Cleanup() {
+  delete std::exchange(m_documentElement, nullptr);
+  delete[] std::exchange(m_inputData, nullptr);
+  m_inputSize = 0;
+  m_elementStack.clear();
+  m_namespaceAliases.clear();
+}
+
+std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
+  auto const found = m_namespaceAliases.find(std::string(TextOrEmpty(prefix)));
+  return found != m_namespaceAliases.end() ? found->second : std::string();
+}
+
+CXmlElement* CXmlDocument::AddDocElement(char const* namespaceUri, char const* localName) {
+  return AddDocElement(TextOrEmpty(namespaceUri), TextOrEmpty(localName));
+}
+
+CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::string_view localName) {
+  if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
+  CheckDepth();
+  m_documentElement = new CXmlElement(this);
+  return Open(m_documentElement, namespaceUri, localName);
+}
+
+CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
+  return AddChildElement(TextOrEmpty(namespaceUri), TextOrEmpty(localName));
+}
+
+CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::string_view localName) {
+  CXmlElement* parent = OpenElementOrThrow();
+  CheckDepth();
+  return Open(parent->CreateNewChildElement(), namespaceUri, localName);
+}
+
+CXmlElement* CXmlDocument::Open(CXmlElement* element, std::string_view namespaceUri, std::string_view localName) {
+  element->SetNamespace(namespaceUri);
+  element->SetElementName(localName);
+  m_elementStack.push_back(element);
+  return element;
+}
+
+void CXmlDocument::EndElement() {
+  CXmlElement* element = OpenElementOrThrow();
+  m_elementStack.pop_back();
+  if (m_filter == nullptr || !m_filter(element)) return;
+  if (!m_elementStack.empty()) delete m_elementStack.back()->RemoveLastChildElement();
+}
+
+CXmlElement* CXmlDocument::OpenElementOrThrow() const {
+  if (m_elementStack.empty()) throw CQnException("No element is open");
+  return m_elementStack.back();
+}
+
+void CXmlDocument::CheckDepth() const {
+  unsigned int const limit = CLimits::GetMaxElementDepth();
+  if (m_elementStack.size() < limit) return;
+  throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+}
+
+void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string localName, std::string value,
+                                       std::string namespaceUri) {
+  element->AddAttribute(std::move(localName), std::move(value), std::move(namespaceUri));
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length) {
+  char const* const end = text + strnlen(text, length);
+  while (text != end) {
+    auto const left = static_cast<std::size_t>(end - text);
+    auto const* const found = static_cast<char const*>(std::memchr(text, '\r', left));
+    char const* const runEnd = found != nullptr ? found : end;
+    if (runEnd != text) element->AppendText({text, static_cast<std::size_t>(runEnd - text)});
+    text = found != nullptr ? found + 1 : end;
+  }
+}
+
+void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text) {
+  AppendTextExcludingCR(element, text, ~0UL);
+}
+
+void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
+  m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,140 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <cwchar>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/document.h"
+#include "xmlio/expat_reader.h"
+
+namespace Quillon9 {
+
+bool ASYNC_FROMXMLFILE = false;
+
+void AsyncFromXmlFile(bool async) { ASYNC_FROMXMLFILE = async; }
+
+long _filelength(std::FILE* file) {
+  long const position = std::ftell(file);
+  if (position == -1) return -1;
+  if (std::fseek(file, 0, SEEK_END) != 0) return -1;
+  long const length = std::ftell(file);
+  if (length == -1) return -1;
+  return std::fseek(file, position, SEEK_SET) == 0 ? length : -1;
+}
+
+namespace {
+
+constexpr unsigned long kLargestInput = 0xFFFFFFFFUL;
+
+struct FileCloser {
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Without blocking, since opening a pipe that nobody writes to would never return; a file is not affected.
+FilePtr OpenFile(char const* path) {
+  int const descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (descriptor == -1) return nullptr;
+  FilePtr file(::fdopen(descriptor, "r"));
+  if (file == nullptr) ::close(descriptor);
+  return file;
+}
+
+/// The length of \p file; -1 and errno for what has none. A directory can be opened and positioned on some file
+/// systems, with a length that means nothing.
+long GetFileSize(std::FILE* file) {
+  struct stat status {};
+  if (::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) {
+    errno = EISDIR;
+    return -1;
+  }
+  return _filelength(file);
+}
+
+/// What an errno says.
+std::string ErrorText(int error) { return std::generic_category().message(error); }
+
+}  // namespace
+
+void CXmlDocument::LoadXml(char const* text) {
+  Cleanup();
+  std::size_t const length = text != nullptr ? std::strlen(text) : 0;
+  if (length == 0) throw CQnException("XML String is empty!");
+  AllocateInput(length);
+  std::memcpy(m_inputData, text, length);
+  ParseText();
+}
+
+void CXmlDocument::LoadXml(wchar_t const* text) {
+  Cleanup();
+  std::size_t const length = text != nullptr ? std::wcslen(text) : 0;
+  if (length == 0) throw CQnException("XML String is empty!");
+  AllocateInput(2 * length + 2);
+  unsigned char* out = m_inputData;
+  *out++ = 0xFF;  // the byte order mark, little-endian
+  *out++ = 0xFE;
+  for (std::size_t i = 0; i < length; ++i) {
+    auto const character = static_cast<unsigned long>(text[i]);
+    *out++ = static_cast<unsigned char>(character & 0xFF);
+    *out++ = static_cast<unsigned char>(character >> 8 & 0xFF);
+  }
+  ParseText();
+}
+
+void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) {
+  Cleanup();
+  if (size == 0 || data == nullptr) throw CQnException("XML Stream is empty!");
+  AllocateInput(size);
+  std::memcpy(m_inputData, data, size);
+  Parse();
+}
+
+void CXmlDocument::Load(char const* path) {
+  Cleanup();
+  if (path == nullptr) path = "";
+  FilePtr file = OpenFile(path);
+  if (file == nullptr) throw CQnException(FormatString("Failed to open the file [%s]", path));
+  long const size = GetFileSize(file.get());
+  if (size < 0) {
+    throw CQnException(
+        FormatString("Failed to get the size of the file [%s] Error [%s]", path, ErrorText(errno).c_str()));
+  }
+  AllocateInput(static_cast<unsigned long>(size));
+  errno = 0;
+  std::size_t const count = std::fread(m_inputData, 1, m_inputSize, file.get());
+  if (count == 0 || count != m_inputSize) {
+    int const error = errno != 0 ? errno : ENODATA;  // an empty file, or one that is shorter now
+    throw CQnException(
+        FormatString("Failed to read the contents of the file [%s] Error [%s]", path, ErrorText(error).c_str()));
+  }
+  file.reset();
+  Parse();
+}
+
+void CXmlDocument::AllocateInput(unsigned long size) {
+  if (size > kLargestInput) {
+    throw CQnException(FormatString("The document exceeds the limit of %lu bytes", kLargestInput));
+  }
+  m_inputData = new unsigned char[size];
+  m_inputSize = size;
+}
+
+void CXmlDocument::Parse() {
+  CQnZip::Decompress(&m_inputData, &m_inputSize);
+  ParseText();
+}
+
+void CXmlDocument::ParseText() {
+  CExpatReader reader(*this);
+  reader.CreateParser();
+  reader.Parse(true);
+}
+
+}  // namespace Quillon9

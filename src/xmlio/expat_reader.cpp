@@ -1,0 +1,159 @@
+#include "xmlio/expat_reader.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/xmlio/encoder.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr char kSeparator = '|';
+
+/// Expat copies the bytes of a call to a buffer of at most 1 GiB; more than that goes to it in slices. Otherwise
+/// it is one call, since a token that spans calls is scanned again from its start in each.
+constexpr unsigned long kLargestCall = 0x3FFF0000UL;
+constexpr unsigned long kSlice = 0x10000000UL;
+
+struct SplitName {
+  std::string_view namespaceUri;
+  std::string_view localName;
+};
+
+SplitName Split(std::string_view name) {
+  std::size_t const separator = name.find(kSeparator);
+  if (separator == std::string_view::npos) return {{}, name};
+  return {name.substr(0, separator), name.substr(separator + 1)};
+}
+
+std::string ToLocal(std::string_view utf8) {
+  std::string local;
+  CEncoder::AppendUtf8ToLocalCodePage(local, utf8.data(), utf8.size());
+  return local;
+}
+
+/// The same with \p scratch as storage of the result.
+std::string_view ToLocal(std::string_view utf8, std::string& scratch) {
+  scratch.clear();
+  CEncoder::AppendUtf8ToLocalCodePage(scratch, utf8.data(), utf8.size());
+  return scratch;
+}
+
+std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
+
+[[noreturn]] void ThrowParserFailure(XML_Parser parser) {
+  auto const line = static_cast<unsigned long>(XML_GetCurrentLineNumber(parser));
+  throw CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(parser)), line));
+}
+
+}  // namespace
+
+CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document) {}
+
+CExpatReader::~CExpatReader() = default;
+
+void CExpatReader::CreateParser() {
+  bool const hasNamespaces = m_document.GetSchemaType() != SchemaType_DTD;
+  m_parser.reset(hasNamespaces ? XML_ParserCreateNS(nullptr, kSeparator) : XML_ParserCreate(nullptr));
+  if (m_parser == nullptr) throw std::bad_alloc();
+  XML_SetUserData(m_parser.get(), this);
+  XML_SetElementHandler(m_parser.get(), FnStartElement, FnEndElement);
+  XML_SetNamespaceDeclHandler(m_parser.get(), FnStartNamespace, FnEndNamespace);
+  XML_SetCharacterDataHandler(m_parser.get(), FnText);
+  if (!m_document.GetContext().GetStripCDATA()) {
+    XML_SetCdataSectionHandler(m_parser.get(), FnStartCDATA, FnEndCDATA);
+  }
+}
+
+void CExpatReader::Parse(bool isFinal) {
+  XML_Status const status = Feed(isFinal);
+  if (m_failure != nullptr) std::rethrow_exception(std::exchange(m_failure, nullptr));
+  if (status != XML_STATUS_OK) ThrowParserFailure(m_parser.get());
+  if (isFinal) m_parser.reset();
+}
+
+XML_Status CExpatReader::Feed(bool isFinal) {
+  auto const* data = reinterpret_cast<char const*>(m_document.GetInputData());
+  unsigned long left = m_document.GetInputSize();
+  unsigned long const perCall = left <= kLargestCall ? left : kSlice;
+  XML_Status status;
+  do {
+    unsigned long const size = std::min(left, perCall);
+    status = XML_Parse(m_parser.get(), data, static_cast<int>(size), isFinal && size == left);
+    data += size;
+    left -= size;
+  } while (status == XML_STATUS_OK && left > 0);
+  return status;
+}
+
+// A stopped parser still makes calls, for the end of an empty element for instance; they find the failure and do
+// nothing.
+template <class Action>
+void CExpatReader::Guarded(void* self, Action action) noexcept {
+  auto& reader = *static_cast<CExpatReader*>(self);
+  if (reader.m_failure != nullptr) return;
+  try {
+    action(reader);
+  } catch (...) {
+    reader.m_failure = std::current_exception();
+    XML_StopParser(reader.m_parser.get(), XML_FALSE);
+  }
+}
+
+void CExpatReader::FnStartElement(void* self, XML_Char const* name, XML_Char const** attributes) {
+  Guarded(self, [=](CExpatReader& reader) { reader.StartElement(name, attributes); });
+}
+
+void CExpatReader::FnEndElement(void* self, XML_Char const*) {
+  Guarded(self, [](CExpatReader& reader) { reader.m_document.EndElement(); });
+}
+
+void CExpatReader::FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri) {
+  Guarded(self, [=](CExpatReader& reader) {
+    reader.m_document.SetNamespaceAlias(ToLocal(TextOrEmpty(prefix)), ToLocal(TextOrEmpty(uri)));
+  });
+}
+
+void CExpatReader::FnEndNamespace(void*, XML_Char const*) {}
+
+void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
+  if (length <= 0) return;
+  Guarded(self, [=](CExpatReader& reader) {
+    std::string_view const run(text, static_cast<std::size_t>(length));
+    reader.m_document.GetOpenElement()->AppendUtf8TextExcludingCR(run);
+  });
+}
+
+void CExpatReader::FnStartCDATA(void* self) {
+  Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("<![CDATA["); });
+}
+
+void CExpatReader::FnEndCDATA(void* self) {
+  Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("]]>"); });
+}
+
+void CExpatReader::StartElement(std::string_view name, XML_Char const** attributes) {
+  SplitName const parts = Split(name);
+  std::string_view const namespaceUri = ToLocal(parts.namespaceUri, m_uriScratch);
+  std::string_view const localName = ToLocal(parts.localName, m_nameScratch);
+  CXmlElement* const element = m_document.GetDocumentElement() == nullptr
+                                   ? m_document.AddDocElement(namespaceUri, localName)
+                                   : m_document.AddChildElement(namespaceUri, localName);
+  AddAttributes(element, attributes);
+}
+
+void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attributes) {
+  std::size_t count = 0;
+  while (attributes[2 * count] != nullptr) ++count;
+  element->ReserveAttributes(count);
+  for (; *attributes != nullptr; attributes += 2) {
+    SplitName const name = Split(attributes[0]);
+    m_document.AddElementAttribute(element, ToLocal(name.localName), ToLocal(attributes[1]),
+                                   ToLocal(name.namespaceUri));
+  }
+}
+
+}  // namespace Quillon9

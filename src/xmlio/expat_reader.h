@@ -1,0 +1,58 @@
+#pragma once
+
+#include <expat.h>
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+/// Feeds a document's input to expat and builds the document's tree from the callbacks. It lives for one parse, on
+/// the stack of the load.
+///
+/// No exception crosses expat's frames: a callback keeps it and stops the parser, and Parse throws it again.
+class CExpatReader {
+ public:
+  explicit CExpatReader(CXmlDocument& document);
+  ~CExpatReader();
+  CExpatReader(CExpatReader const&) = delete;
+  CExpatReader& operator=(CExpatReader const&) = delete;
+
+  /// Make the parser: with namespace processing, unless the schema type has none.
+  void CreateParser();
+  /// Feed the whole input. With \p isFinal the document must end there. After a failure the parser takes no more.
+  /// \throws CQnException "[what expat says] at line [number]"; what a callback threw.
+  void Parse(bool isFinal);
+
+ private:
+  struct ParserDeleter {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  static void XMLCALL FnStartElement(void* self, XML_Char const* name, XML_Char const** attributes);
+  static void XMLCALL FnEndElement(void* self, XML_Char const* name);
+  static void XMLCALL FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri);
+  static void XMLCALL FnEndNamespace(void* self, XML_Char const* prefix);
+  static void XMLCALL FnText(void* self, XML_Char const* text, int length);
+  static void XMLCALL FnStartCDATA(void* self);
+  static void XMLCALL FnEndCDATA(void* self);
+
+  template <class Action>
+  static void Guarded(void* self, Action action) noexcept;
+  XML_Status Feed(bool isFinal);
+  void StartElement(std::string_view name, XML_Char const** attributes);
+  void AddAttributes(CXmlElement* element, XML_Char const** attributes);
+
+  CXmlDocument& m_document;
+  /// Converted names of one element; kept, so that most elements cost no allocation here.
+  std::string m_uriScratch;
+  std::string m_nameScratch;
+  std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
+  std::exception_ptr m_failure;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,325 @@
+#include "quillon9/xmlio/document.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <clocale>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/encoder.h"
+#include "support/expect_failure.h"
+
+namespace Quillon9 {
+namespace {
+
+/// A tree on one line: `{uri}name @{uri}name=value 'text' (children)`, with what is empty left out.
+std::string Dump(CXmlElement const& element) {
+  auto const name = [](std::string const& uri, std::string const& local) {
+    return (uri.empty() ? "" : "{" + uri + "}") + local;
+  };
+  std::string text = name(element.GetNamespaceURI(), element.GetLocalName());
+  for (CXmlAttribute const* attribute : element.GetAttributes()) {
+    text += " @" + name(attribute->GetNamespaceURI(), attribute->GetLocalName()) + "=" + attribute->GetValue();
+  }
+  if (!element.GetText().empty()) text += " '" + element.GetText() + "'";
+  for (auto const* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
+    text += " (" + Dump(*child) + ")";
+  }
+  return text;
+}
+
+std::string Dump(CXmlDocument const& document) { return Dump(*document.GetDocumentElement()); }
+
+/// Switches of the process that a test may change.
+class Document : public testing::Test {
+ protected:
+  ~Document() override {
+    ASCIIOnly(false);
+    std::setlocale(LC_ALL, "C");
+    CLimits::SetMaxElementDepth(m_depth);
+  }
+
+ private:
+  std::uint32_t m_depth = CLimits::GetMaxElementDepth();
+};
+
+TEST_F(Document, TreesOfText) {
+  struct Row {
+    char const* xml;
+    char const* tree;
+    char const* withoutNamespaces = nullptr;
+  } const rows[] = {
+      {"<p:a xmlns:p='u' p:b='1' c='2'/>", "{u}a @{u}b=1 @c=2", "p:a @xmlns:p=u @p:b=1 @c=2"},
+      {"<a xmlns='d'><b c=''/><x:b xmlns:x='' /></a>", nullptr, "a @xmlns=d (b @c=) (x:b @xmlns:x=)"},
+      {"<a>x<b>1</b>y<!-- c --><?p i?><b>2</b>z</a>", "a 'xyz' (b '1') (b '2')"},
+      {"<a>\n\t<b/>\n</a>", "a '\n\t\n' (b)"},
+      {"<a>&#13;b&#13;&#13;c\r\nd&#13;</a>", "a 'bc\nd'"},
+      {"<a b='&#13;&lt;'/>", "a @b=\r<"},
+      {"<!DOCTYPE a [<!ENTITY e 'x<b/>'><!ATTLIST a c CDATA 'd'>]><a>&e;y</a>", "a @c=d 'xy' (b)"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><a b='\xE9'>\xFC</a>", "a @b=\xC3\xA9 '\xC3\xBC'"},
+      {"<\xC3\xA9 xmlns='\xC3\xBC'/>", "{\xC3\xBC}\xC3\xA9"},
+  };
+  ASCIIOnly(true);
+  CXmlSerializationContext plain;
+  plain.SetSchemaType(SchemaType_DTD);
+  CXmlDocument document;
+  CXmlDocument plainDocument(plain);
+  for (Row const& row : rows) {
+    if (row.tree != nullptr) {
+      document.LoadXml(row.xml);
+      EXPECT_EQ(Dump(document), row.tree) << row.xml;
+    }
+    if (row.withoutNamespaces == nullptr) continue;
+    plainDocument.LoadXml(row.xml);
+    EXPECT_EQ(Dump(plainDocument), row.withoutNamespaces) << row.xml;
+  }
+}
+
+TEST_F(Document, CDataIsTextOrKeepsItsMarks) {
+  CXmlSerializationContext keeping;
+  keeping.SetStripCDATA(false);
+  CXmlDocument kept(keeping);
+  kept.LoadXml("<a>x<![CDATA[<y>]]>z</a>");
+  EXPECT_EQ(kept.GetDocumentElement()->GetText(), "x<![CDATA[<y>]]>z");
+  CXmlDocument stripped;
+  stripped.LoadXml("<a>x<![CDATA[<y>]]>z</a>");
+  EXPECT_EQ(stripped.GetDocumentElement()->GetText(), "x<y>z");
+}
+
+TEST_F(Document, TextIsInTheCodePageOfTheLocale) {
+  char const* const xml = "<a b='\xC3\xA9' \xC3\xA9='1'>x\xE2\x82\xACy&#13;z</a>";
+  CXmlDocument document;
+  document.LoadXml(xml);
+  EXPECT_EQ(Dump(document), "a @b=? @?=1 'x?yz'");
+  ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);
+  document.LoadXml(xml);
+  EXPECT_EQ(Dump(document), "a @b=\xC3\xA9 @\xC3\xA9=1 'x\xE2\x82\xACyz'");
+}
+
+TEST_F(Document, WideTextCountsWithSixteenBits) {
+  ASCIIOnly(true);
+  CXmlDocument document;
+  document.LoadXml(L"<a>\u20AC\xD83D\xDE00</a>");
+  EXPECT_EQ(Dump(document), "a '\xE2\x82\xAC\xF0\x9F\x98\x80'");
+  wchar_t const beyond[] = {0x1003C, L'a', L'>', 0x10041, L'<', L'/', L'a', L'>', 0};
+  document.LoadXml(beyond);
+  EXPECT_EQ(Dump(document), "a 'A'");
+}
+
+TEST_F(Document, AliasesHoldTheLastDeclaration) {
+  CXmlDocument document;
+  document.LoadXml("<a xmlns='d' xmlns:p='1'><p:b/><p:b xmlns:p='2'/><c xmlns=''/></a>");
+  EXPECT_EQ(Dump(document), "{d}a ({1}b) ({2}b) (c)");
+  EXPECT_EQ(document.LookupNamespaceFromAlias("p"), "2");
+  EXPECT_EQ(document.LookupNamespaceFromAlias(""), "");
+  EXPECT_EQ(document.LookupNamespaceFromAlias("q"), "");
+  document.LoadXml("<b/>");
+  EXPECT_EQ(Dump(document), "b");
+  EXPECT_EQ(document.LookupNamespaceFromAlias("p"), "");
+}
+
+TEST_F(Document, MalformedTextFailsWithTheParsersText) {
+  CXmlDocument document;
+  EXPECT_FAILURE(CQnException, "XML String is empty!", document.LoadXml(""));
+  EXPECT_FAILURE(CQnException, "XML String is empty!", document.LoadXml(L""));
+  EXPECT_FAILURE(CQnException, "XML Stream is empty!", document.LoadXmlStream(nullptr, 0));
+  EXPECT_EQ(document.GetDocumentElement(), nullptr);
+  EXPECT_FAILURE(CQnException, "mismatched tag at line 3", document.LoadXml("<a>\n<b/>\n</b>"));
+  EXPECT_EQ(Dump(document), "a '\n\n' (b)");
+  EXPECT_FAILURE(CQnException, "no element found at line 1", document.LoadXml(L"<a>"));
+  EXPECT_FAILURE(CQnException, "unbound prefix at line 1", document.LoadXml("<p:a/>"));
+  EXPECT_FAILURE(CQnException, "undefined entity at line 1", document.LoadXml("<a>&e;</a>"));
+  EXPECT_FAILURE(CQnException, "unknown encoding at line 1",
+                 document.LoadXml("<?xml version='1.0' encoding='EUC-JP'?><a/>"));
+  // The separator of the parser's names can not be in a namespace, so it can not forge one.
+  EXPECT_FAILURE(CQnException, "syntax error at line 1", document.LoadXml("<p:a xmlns:p='u|v'/>"));
+}
+
+/// A file in a folder of its own, both removed at the end.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(std::string const& content) {
+    std::string pattern = (std::filesystem::temp_directory_path() / "quillon9-XXXXXX").string();
+    m_folder = ::mkdtemp(pattern.data());
+    m_path = m_folder + "/file";
+    std::ofstream(m_path, std::ios::binary) << content;
+  }
+  ~TemporaryFile() { std::filesystem::remove_all(m_folder); }
+  std::string const& Folder() const { return m_folder; }
+  std::string const& Path() const { return m_path; }
+
+ private:
+  std::string m_folder;
+  std::string m_path;
+};
+
+TEST_F(Document, LoadsFilesAndSaysWhyNot) {
+  TemporaryFile const good("<a>1</a>");
+  CXmlDocument document;
+  document.Load(good.Path().c_str());
+  EXPECT_EQ(Dump(document), "a '1'");
+
+  std::string const& folder = good.Folder();
+  std::string const missing = folder + "/none";
+  EXPECT_FAILURE(CQnException, "Failed to open the file [" + missing + "]", document.Load(missing.c_str()));
+  EXPECT_EQ(document.GetDocumentElement(), nullptr);
+  EXPECT_FAILURE(CQnException, "Failed to get the size of the file [" + folder + "] Error [Is a directory]",
+                 document.Load(folder.c_str()));
+  std::string const pipe = folder + "/pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_FAILURE(CQnException, "Failed to get the size of the file [" + pipe + "] Error [Illegal seek]",
+                 document.Load(pipe.c_str()));
+  std::filesystem::resize_file(good.Path(), 0);
+  EXPECT_FAILURE(CQnException,
+                 "Failed to read the contents of the file [" + good.Path() + "] Error [No data available]",
+                 document.Load(good.Path().c_str()));
+  std::filesystem::resize_file(good.Path(), 0x100000000U);  // takes no room on the disk
+  EXPECT_FAILURE(CQnException, "The document exceeds the limit of 4294967295 bytes",
+                 document.Load(good.Path().c_str()));
+}
+
+TEST_F(Document, OnlyStreamsAndFilesMayBeCompressed) {
+  std::string const xml = "<a>" + std::string(500, 'x') + "</a>";
+  for (CompressionType const type : {CompressionType_GZip, CompressionType_ZLib}) {
+    unsigned long size = xml.size();
+    auto* data = new unsigned char[size];
+    xml.copy(reinterpret_cast<char*>(data), size);
+    CQnZip::Compress(&data, &size, type);
+    std::unique_ptr<unsigned char[]> const owner(data);
+    CXmlDocument document;
+    document.LoadXmlStream(data, size);
+    EXPECT_EQ(Dump(document), "a '" + std::string(500, 'x') + "'");
+    EXPECT_EQ(document.GetInputSize(), xml.size());
+    std::string const bytes(reinterpret_cast<char*>(data), size);
+    document.Load(TemporaryFile(bytes).Path().c_str());
+    EXPECT_EQ(document.GetInputSize(), xml.size());
+    EXPECT_FAILURE(CQnException, "not well-formed (invalid token) at line 1", document.LoadXml(bytes.c_str()));
+  }
+}
+
+std::string Nested(std::size_t depth, bool closed) {
+  std::string xml;
+  for (std::size_t i = 0; i < depth; ++i) xml += "<a>";
+  for (std::size_t i = 0; i < depth && closed; ++i) xml += "</a>";
+  return xml;
+}
+
+TEST_F(Document, NestingIsLimitedAndNeedsNoStack) {
+  CXmlDocument document;
+  document.LoadXml(Nested(1000, true).c_str());
+  for (std::size_t const depth : {1001U, 1000000U}) {
+    for (bool const closed : {true, false}) {
+      EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 1000 levels",
+                     document.LoadXml(Nested(depth, closed).c_str()));
+    }
+  }
+  CLimits::SetMaxElementDepth(1000000);
+  document.LoadXml(Nested(1000000, true).c_str());
+  document.Cleanup();
+  EXPECT_FAILURE(CQnException, "no element found at line 1", document.LoadXml(Nested(1000000, false).c_str()));
+}
+
+TEST_F(Document, FilterSeesCompleteElementsAndRemovesThem) {
+  static std::string seen;
+  seen.clear();
+  CXmlDocument document([](CXmlElement* element) {
+    seen += Dump(*element) + "; ";
+    return element->GetLocalName() != "b";
+  });
+  document.LoadXml("<a>1<b><c/></b><c>2</c><b x='3'/></a>");
+  EXPECT_EQ(seen, "c; b; c '2'; b @x=3; a '1' (b) (b @x=3); ");
+  EXPECT_EQ(Dump(document), "a '1' (b) (b @x=3)");
+
+  CXmlDocument all([](CXmlElement*) { return true; });
+  all.LoadXml("<a><b><c/></b><d/></a>");
+  EXPECT_EQ(Dump(all), "a");
+}
+
+TEST_F(Document, FilterThatKeepsEverySecondOfManyIsFast) {
+  std::string xml = "<r>";
+  for (int i = 0; i < 100000; ++i) xml += "<a/><b/>";
+  CXmlDocument document([](CXmlElement* element) { return element->GetLocalName() == "b"; });
+  document.LoadXml((xml + "</r>").c_str());
+  int kept = 0;
+  CXmlElement const* child = document.GetDocumentElement()->GetFirstElement();
+  for (; child != nullptr; child = child->GetNextSiblingElement()) ++kept;
+  EXPECT_EQ(kept, 100000);
+}
+
+TEST_F(Document, WhatAFilterThrowsPassesThroughTheParser) {
+  CXmlDocument document([](CXmlElement* element) -> bool {
+    if (element->GetLocalName() == "b") throw CQnValidationException("no b");
+    throw std::bad_alloc();
+  });
+  EXPECT_FAILURE(CQnValidationException, "no b", document.LoadXml("<a>\n<b/>more<c/></d>"));
+  EXPECT_THROW(document.LoadXml("<a/>"), std::bad_alloc);
+}
+
+TEST_F(Document, TreesAreBuiltByHand) {
+  CXmlDocument document;
+  EXPECT_FAILURE(CQnException, "No element is open", document.AddChildElement("u", "a"));
+  EXPECT_FAILURE(CQnException, "No element is open", document.EndElement());
+  CXmlElement* const root = document.AddDocElement("u", "a");
+  EXPECT_FAILURE(CQnException, "The document has a document element already", document.AddDocElement("u", "a"));
+  document.AddElementAttribute(document.AddChildElement(nullptr, "b"), "c", "d", "");
+  document.EndElement();
+  document.AppendTextExcludingCR(root, "\rx\r\ry\r");
+  document.AppendTextExcludingCR(root, "12\0003", 4);
+  document.AppendTextExcludingCR(root, "12345", 2);
+  document.AppendTextExcludingCR(root, "no", 0);
+  root->AppendText("z", 1);
+  root->AppendText("no", -1);
+  EXPECT_EQ(Dump(document), "{u}a 'xy1212z' (b @c=d)");
+  EXPECT_EQ(root->GetFirstElement()->GetDocument(), &document);
+
+  CXmlElement* const second = root->CreateNewChildElement();
+  CXmlElement* const third = root->CreateNewChildElement();
+  for (CXmlElement* const expected : {third, second}) {
+    std::unique_ptr<CXmlElement> const removed(root->RemoveLastChildElement());
+    EXPECT_EQ(removed.get(), expected);
+  }
+  std::unique_ptr<CXmlElement> const first(root->RemoveLastChildElement());
+  EXPECT_EQ(root->GetFirstElement(), nullptr);
+  EXPECT_EQ(root->RemoveLastChildElement(), nullptr);
+}
+
+TEST_F(Document, AttributesAreFoundByExactName) {
+  CXmlDocument document;
+  document.LoadXml("<a b='1' p:b='2' xmlns:p='u'/>");
+  CXmlElement const& element = *document.GetDocumentElement();
+  EXPECT_EQ(element.GetAttribute("b", ""), "1");
+  EXPECT_EQ(element.GetAttribute("b", "u"), "2");
+  EXPECT_EQ(element.GetAttribute("B", "u"), "");
+  EXPECT_EQ(&element.GetAttribute("x", ""), &element.GetAttribute("y", "u"));
+
+  char const* const instance = "http://www.w3.org/2001/XMLSchema-instance";
+  char const* const declarations = "http://www.w3.org/2000/xmlns/";
+  for (char const* const uri : {instance, declarations, "", "u"}) {
+    bool const isMachinery = uri == instance || uri == declarations;
+    EXPECT_EQ(CXmlAttribute("nil", "", uri).IsNilAttribute(), isMachinery) << uri;
+    EXPECT_FALSE(CXmlAttribute("nil", "", uri).IsNamespaceAttribute()) << uri;
+    EXPECT_FALSE(CXmlAttribute("type", "", uri).IsNilAttribute()) << uri;
+    for (char const* const name : {"xmlns", "type", "schemaLocation", "noNamespaceSchemaLocation"}) {
+      EXPECT_EQ(CXmlAttribute(name, "", uri).IsNamespaceAttribute(), isMachinery) << name << uri;
+    }
+  }
+}
+
+TEST_F(Document, FileLengthKeepsThePosition) {
+  TemporaryFile const file("12345");
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const open(std::fopen(file.Path().c_str(), "r"), std::fclose);
+  std::fseek(open.get(), 2, SEEK_SET);
+  EXPECT_EQ(_filelength(open.get()), 5);
+  EXPECT_EQ(std::ftell(open.get()), 2);
+}
+
+}  // namespace
+}  // namespace Quillon9
