@@ -86,14 +86,10 @@ std::string CWhitespaceUtils::Collapse(std::string const& text) {
 
 std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text) {
   switch (rule) {
-    case WhitespaceRule_None:
-      return text;
-    case WhitespaceRule_Preserve:
-      return Preserve(text);
-    case WhitespaceRule_Replace:
-      return Replace(text);
-    case WhitespaceRule_Collapse:
-      return Collapse(text);
+    case WhitespaceRule_None: return text;
+    case WhitespaceRule_Preserve: return Preserve(text);
+    case WhitespaceRule_Replace: return Replace(text);
+    case WhitespaceRule_Collapse: return Collapse(text);
   }
   ThrowUnknownRule();
 }
@@ -101,14 +97,11 @@ std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& 
 std::string const& CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text,
                                                std::string& scratch) {
   switch (rule) {
-    case WhitespaceRule_None:
-      return text;
+    case WhitespaceRule_None: return text;
     case WhitespaceRule_Preserve:
       return IsPreserved(text) ? text : scratch = WithoutReturns(text.data(), text.size());
-    case WhitespaceRule_Replace:
-      return IsReplaced(text) ? text : scratch = Replaced(text);
-    case WhitespaceRule_Collapse:
-      return IsCollapsed(text) ? text : scratch = Collapsed(text);
+    case WhitespaceRule_Replace: return IsReplaced(text) ? text : scratch = Replaced(text);
+    case WhitespaceRule_Collapse: return IsCollapsed(text) ? text : scratch = Collapsed(text);
   }
   ThrowUnknownRule();
 }

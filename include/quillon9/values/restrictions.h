@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// The facets that a schema puts on a primitive element or attribute (W3C XML Schema Part 2, 4.3), all but
+/// enumerations, which generated code knows as enumerated types. CXmlObjectHelper checks values against them.
+///
+/// Bounds are text in the lexical form of the value's type and are parsed when a value is checked, so one object
+/// serves every ItemType; a facet that a type does not use is ignored. Threads may share an object that nobody
+/// changes.
+class QUILLON9_API CPrimitiveRestrictions {
+ public:
+  /// Nothing set: every value passes.
+  CPrimitiveRestrictions();
+  /// Generated code's constructor. Empty text and a negative length leave the facet unset.
+  CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength,
+                         std::string minInclusive, std::string maxInclusive, std::string minExclusive,
+                         std::string maxExclusive, std::int32_t length);
+  CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
+  CPrimitiveRestrictions(CPrimitiveRestrictions&&) = default;
+  CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;
+  CPrimitiveRestrictions& operator=(CPrimitiveRestrictions&&) = default;
+  virtual ~CPrimitiveRestrictions();
+
+  std::string pattern;          ///< regular expression in the local code page, for strings; see TestRegEx()
+  std::int32_t minLength = -1;  ///< bytes of a string or of binary data, as for the other two lengths
+  std::int32_t maxLength = -1;
+  std::string minInclusive;  ///< the value must be at or above it; the bounds are for numbers, dates and durations
+  std::string maxInclusive;  ///< the value must be at or below it
+  std::string minExclusive;  ///< the value must be above it
+  std::string maxExclusive;  ///< the value must be below it
+  std::int32_t length = -1;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/export.h"
+#include "quillon9/fwd.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/values/item_type.h"
+#include "quillon9/values/whitespace.h"
+
+namespace Quillon9 {
+
+/// Holds one value of one ItemType, or nothing: the box in which values travel between the properties of generated
+/// classes, the facet checks, and the text of a document.
+///
+/// A variant owns what it holds: a copy of a string or of binary data (whose bytes are shared until somebody
+/// changes them), or a counted reference to an object, which may be null. It belongs to one thread at a time.
+class QUILLON9_API QnVariant {
+ public:
+  /// Holds nothing.
+  QnVariant() = default;
+  QnVariant(QnVariant const& other);
+  /// Take the value of \p other, which then holds nothing.
+  QnVariant(QnVariant&& other) noexcept;
+  /// Clear(), then copy: assigning a variant to itself empties it. \throws CQnException "Unknown Type".
+  QnVariant& operator=(QnVariant const& other);
+  QnVariant& operator=(QnVariant&& other) noexcept;
+  virtual ~QnVariant();
+
+  /// Whether this variant holds a value.
+  bool IsValid() const { return m_type != ItemType_invalid; }
+  ItemType GetItemType() const { return m_type; }
+  /// The name of the held kind, which is that of the enumerator behind its underscore.
+  /// \throws CQnException "Invalid Type %d" when nothing, an object or a collection is held.
+  std::string GetType() const;
+
+  /// Release what is held; the variant then holds nothing.
+  void Clear();
+  void SetInvalid() { Clear(); }
+
+  /// Each setter releases what was held before.
+  void SetHexBinary(CBinaryData const& value);
+  void SetBase64Binary(CBinaryData const& value);
+  void SetI1(std::int8_t value) { SetScalar(ItemType_i1, value); }
+  void SetI2(std::int16_t value) { SetScalar(ItemType_i2, value); }
+  void SetI4(std::int32_t value) { SetScalar(ItemType_i4, value); }
+  void SetI8(std::int64_t value) { SetScalar(ItemType_i8, value); }
+  void SetUI1(std::uint8_t value) { SetScalar(ItemType_ui1, value); }
+  void SetUI2(std::uint16_t value) { SetScalar(ItemType_ui2, value); }
+  void SetUI4(std::uint32_t value) { SetScalar(ItemType_ui4, value); }
+  void SetUI8(std::uint64_t value) { SetScalar(ItemType_ui8, value); }
+  void SetR4(float value) { SetScalar(ItemType_r4, value); }
+  void SetR8(double value) { SetScalar(ItemType_r8, value); }
+  void SetChar(char value) { SetScalar(ItemType_char, value); }
+  void SetString(std::string value);
+  void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
+  /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
+  void SetXmlObject(CXmlObjectBase* object);
+  void SetXmlCollection(CXmlCollectionBase* collection);
+
+  /// The scalar getters do not look at the held kind: what another kind left in the eight bytes of the value is
+  /// read as it stands (GetBoolean: whether the first of them is not 0).
+  std::int8_t GetI1() const { return Load<std::int8_t>(); }
+  std::int16_t GetI2() const { return Load<std::int16_t>(); }
+  std::int32_t GetI4() const { return Load<std::int32_t>(); }
+  std::int64_t GetI8() const { return Load<std::int64_t>(); }
+  std::uint8_t GetUI1() const { return Load<std::uint8_t>(); }
+  std::uint16_t GetUI2() const { return Load<std::uint16_t>(); }
+  std::uint32_t GetUI4() const { return Load<std::uint32_t>(); }
+  std::uint64_t GetUI8() const { return Load<std::uint64_t>(); }
+  float GetR4() const { return Load<float>(); }
+  double GetR8() const { return Load<double>(); }
+  char GetChar() const { return Load<char>(); }
+  bool GetBoolean() const { return Load<unsigned char>() != 0; }
+
+  /// The other getters give an empty value when nothing is held.
+  /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
+  /// held;
+  ///         hexBinary and base64Binary are of the same one.
+  CBinaryData GetHexBinary() const;
+  CBinaryData GetBase64Binary() const;
+  /// The text itself, which lives until this variant changes.
+  std::string const& GetString() const;
+  /// The held object or collection. Null when nothing is held.
+  CSmartPtr<CXmlObjectBase> GetXmlObject() const;
+  /// The held collection, also when it was set as an object. Null when nothing is held.
+  /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is no collection.
+  CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
+
+  /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4 and r8 alone; null
+  /// means their default form.
+  /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held,
+  ///         and for a \p format that prints anything but one number.
+  std::string ToString(char const* format = nullptr) const;
+  /// Parse \p text as a value of the kind \p type with the `...FromString` of CConversions, and hold it. After a
+  /// failure the old value is still held.
+  /// \throws CQnException "Invalid Type %d to convert to string" with the number of the kind that is held now,
+  /// when
+  ///         \p type has no text form; what the conversion throws.
+  void FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
+
+ private:
+  template <class T>
+  T Load() const {
+    T value;
+    std::memcpy(&value, m_value, sizeof value);
+    return value;
+  }
+  template <class T>
+  void Store(ItemType type, T value) {
+    static_assert(sizeof value <= sizeof m_value, "does not fit");
+    std::memcpy(m_value, &value, sizeof value);
+    m_type = type;
+  }
+  template <class T>
+  void SetScalar(ItemType type, T value) {
+    Clear();
+    Store(type, value);
+  }
+  template <class Held>
+  void SetOwned(ItemType type, Held* value);
+  template <class Held>
+  void CopyHeld(ItemType type, QnVariant const& other);
+  template <class Held>
+  void DeleteHeld();
+  void SetReference(ItemType type, CXmlObjectBase* object);
+  CBinaryData GetBinary(char const* kind) const;
+  void TakeFrom(QnVariant& other);
+  [[noreturn]] void ThrowWrongKind(char const* kind) const;
+
+  ItemType m_type = ItemType_invalid;
+  alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to what is owned
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,45 @@
+// The rules of CXmlObjectHelper by which an element is recognised and a wildcard accepts a namespace.
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
+                                            std::string const& name, std::string const& ns) {
+  if (element == nullptr || element->GetLocalName() != name) return false;
+  return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == ns;
+}
+
+// Only the first token of the list is judged for what it says. Behind it every token counts as empty, which admits
+// a namespace that is empty or equal to the whole list; asking again for each of them would change nothing.
+bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const& list,
+                                        std::string const& target) {
+  std::size_t const blank = list.find(' ');
+  std::string const token = list.substr(0, blank);
+  bool const validAsOther = ns.empty() || ns == list;
+  bool valid;
+  if (token == "##any") {
+    valid = true;
+  } else if (token == "##other") {
+    valid = ns != target;
+  } else if (token == "##local") {
+    valid = ns.empty();
+  } else if (token == "##targetNamespace") {
+    valid = ns == target;
+  } else {
+    valid = validAsOther;
+  }
+  return valid || (blank != std::string::npos && validAsOther);
+}
+
+void CXmlObjectHelper::TestNamespace(std::string const& ns, std::string const& list, std::string const& target) {
+  if (IsNamespaceValid(ns, list, target)) return;
+  throw CQnInvalidNamespaceException(
+      FormatString("Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
+                   ns.c_str(), list.c_str(), target.c_str()));
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,172 @@
+// The checks of CXmlObjectHelper that hold values against the facets of their schema.
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/values/conversions.h"
+#include "quillon9/values/restrictions.h"
+#include "quillon9/values/variant.h"
+#include "quillon9/xmlio/encoder.h"
+#include "values/number_text.h"
+#include "values/pattern_matching.h"
+
+namespace Quillon9 {
+
+namespace {
+
+[[noreturn]] void ThrowInvalidValue(char const* name, std::string const& shown) {
+  throw CQnException(FormatString("Invalid Value for %s [%s]", name, shown.c_str()));
+}
+
+// ---- Numbers. Each test says what must hold, so that a NaN breaks it.
+
+template <class Value>
+using BoundParser = Value (*)(std::string const&, CWhitespaceUtils::WhitespaceRule);
+
+template <class Value>
+bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  auto const bound = [parse](std::string const& text) {
+    return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
+  };
+  return (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
+         (r.maxInclusive.empty() || bound(r.maxInclusive) >= value) &&
+         (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
+         (r.maxExclusive.empty() || bound(r.maxExclusive) > value);
+}
+
+// As "%d" prints it.
+template <class Value>
+void CheckInteger(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, IntegerText(static_cast<std::int32_t>(value)));
+}
+
+template <class Value>
+void CheckLongInteger(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, IntegerText(value));
+}
+
+template <class Value>
+void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, FixedText(static_cast<double>(value)));
+}
+
+// ---- Strings and binary data
+
+bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
+  return (r.minLength < 0 || length >= static_cast<std::uint64_t>(r.minLength)) &&
+         (r.maxLength < 0 || length <= static_cast<std::uint64_t>(r.maxLength)) &&
+         (r.length < 0 || length == static_cast<std::uint64_t>(r.length));
+}
+
+bool KeepsPattern(std::string const& value, std::string const& pattern) {
+  if (pattern.empty()) return true;
+  CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(pattern.c_str());
+  return MatchesPattern(std::string(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()), value);
+}
+
+void CheckText(char const* name, std::string const& value, CPrimitiveRestrictions const& r) {
+  if (!IsAllowedLength(value.size(), r) || !KeepsPattern(value, r.pattern)) ThrowInvalidValue(name, value);
+}
+
+void CheckBinary(char const* name, CBinaryData const& value, CPrimitiveRestrictions const& r) {
+  if (!IsAllowedLength(value.GetLength(), r)) ThrowInvalidValue(name, value.GetAsHexString());
+}
+
+}  // namespace
+
+void CXmlObjectHelper::CheckRestrictionForui4(char const* name, std::uint32_t value,
+                                              CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::ui4FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForui2(char const* name, std::uint16_t value,
+                                              CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::ui2FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForui1(char const* name, std::uint8_t value,
+                                              CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::ui1FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFori8(char const* name, std::int64_t value,
+                                             CPrimitiveRestrictions const& r) {
+  CheckLongInteger(name, value, r, CConversions::i8FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFori4(char const* name, std::int32_t value,
+                                             CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::i4FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFori2(char const* name, std::int16_t value,
+                                             CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::i2FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFori1(char const* name, std::int8_t value,
+                                             CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::i1FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForui8(char const* name, std::uint64_t value,
+                                              CPrimitiveRestrictions const& r) {
+  CheckLongInteger(name, value, r, CConversions::ui8FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& r) {
+  CheckFloating(name, value, r, CConversions::r8FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& r) {
+  CheckFloating(name, value, r, CConversions::r4FromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForboolean(char const*, bool, CPrimitiveRestrictions const&) {}
+
+void CXmlObjectHelper::CheckRestrictionForstring(char const* name, std::string value,
+                                                 CPrimitiveRestrictions const& r) {
+  CheckText(name, value, r);
+}
+
+void CXmlObjectHelper::CheckRestrictionForbase64Binary(char const* name, CBinaryData const& value,
+                                                       CPrimitiveRestrictions const& r) {
+  CheckBinary(name, value, r);
+}
+
+void CXmlObjectHelper::CheckRestrictionForhexBinary(char const* name, CBinaryData const& value,
+                                                    CPrimitiveRestrictions const& r) {
+  CheckBinary(name, value, r);
+}
+
+void CXmlObjectHelper::CheckRestriction(char const* name, QnVariant const& value, ItemType type,
+                                        CPrimitiveRestrictions const& r) {
+  // clang-format off
+  switch (type) {
+    case ItemType_hexBinary:    return CheckRestrictionForhexBinary(name, value.GetHexBinary(), r);
+    case ItemType_base64Binary: return CheckRestrictionForbase64Binary(name, value.GetBase64Binary(), r);
+    case ItemType_i1:           return CheckRestrictionFori1(name, value.GetI1(), r);
+    case ItemType_i2:           return CheckRestrictionFori2(name, value.GetI2(), r);
+    case ItemType_i4:           return CheckRestrictionFori4(name, value.GetI4(), r);
+    case ItemType_i8:           return CheckRestrictionFori8(name, value.GetI8(), r);
+    case ItemType_ui1:          return CheckRestrictionForui1(name, value.GetUI1(), r);
+    case ItemType_ui2:          return CheckRestrictionForui2(name, value.GetUI2(), r);
+    case ItemType_ui4:          return CheckRestrictionForui4(name, value.GetUI4(), r);
+    case ItemType_ui8:          return CheckRestrictionForui8(name, value.GetUI8(), r);
+    case ItemType_r4:           return CheckRestrictionForr4(name, value.GetR4(), r);
+    case ItemType_r8:           return CheckRestrictionForr8(name, value.GetR8(), r);
+    case ItemType_string:       return CheckText(name, value.GetString(), r);  // CheckRestrictionForstring would copy
+    case ItemType_boolean:      return CheckRestrictionForboolean(name, value.GetBoolean(), r);
+    case ItemType_duration: case ItemType_yearMonth: case ItemType_monthDay: case ItemType_year: case ItemType_month:
+    case ItemType_day: case ItemType_date: case ItemType_datetime: case ItemType_time: case ItemType_decimal:
+    case ItemType_integer:      // their value classes do not exist
+    case ItemType_invalid: case ItemType_char: case ItemType_xmlObject: case ItemType_xmlCollection: break;
+  }
+  // clang-format on
+  throw CQnInvalidValueException("unknown type [" + value.GetType() + "]");
+}
+
+}  // namespace Quillon9

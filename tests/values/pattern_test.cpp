@@ -1,0 +1,185 @@
+#include "quillon9/values/pattern.h"
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <clocale>
+#include <functional>
+
+#include "expect_failure.h"
+
+namespace Quillon9 {
+namespace {
+
+/// Sets the process locale for the life of a scope.
+class Locale {
+ public:
+  explicit Locale(char const* name) : m_old(std::setlocale(LC_ALL, nullptr)) {
+    if (std::setlocale(LC_ALL, name) == nullptr) ADD_FAILURE() << "no locale " << name;
+  }
+  ~Locale() { std::setlocale(LC_ALL, m_old.c_str()); }
+
+ private:
+  std::string m_old;
+};
+
+void RunOnSmallStack(std::function<void()> work) {
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, 256 * 1024));
+  pthread_t thread;
+  auto const run = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &work));
+  pthread_join(thread, nullptr);
+  pthread_attr_destroy(&attributes);
+}
+
+std::string Repeated(char const* text, std::size_t count) {
+  std::string result;
+  for (std::size_t i = 0; i < count; ++i) result += text;
+  return result;
+}
+
+TEST(Pattern, Matches) {
+  Locale const utf8("C.UTF-8");
+  std::string const zero("a\0b", 3);
+  struct {
+    char const* pattern;
+    std::string value;
+    bool matches;
+  } const rows[] = {{R"(\i\c*)", ":a-b.c1", true},
+                    {R"(\i\c*)", "1a", false},
+                    {R"(\I)", "1", true},
+                    {R"(\I)", "a", false},
+                    {R"(\c\C)", "- ", true},
+                    {R"(\C)", "-", false},
+                    // an escaped backslash and a letter
+                    {R"(\\i)", R"(\i)", true},
+                    {R"(\\\i)", R"(\a)", true},
+                    {R"(\\\\i)", R"(\\i)", true},
+                    {R"([\\c]+)", R"(c\c)", true},
+                    {R"(\p{IsBasicLatin}+)", "abc\x7f", true},
+                    {R"(\p{IsBasicLatin}+)", "ab\u00e9", false},
+                    {R"(\p{IsLatin-1Supplement}+)", "\u00e9\u00ff", true},
+                    {R"(\p{IsLatin-1Supplement}+)", "\u0100", false},
+                    {R"(\p{IsLatinExtended-A}+)", "\u0100\u017f", true},
+                    {R"(\p{IsLatinExtended-A}+)", "\u0180", false},
+                    // one try, from the start to the end
+                    {"a+", "aaab", false},
+                    {"a+", "baaa", false},
+                    {"a|ab", "ab", false},
+                    {"ab|a", "ab", true},
+                    {R"(a\Kb)", "ab", false},
+                    {"a*", "", true},
+                    {"", "", true},
+                    {"", "a", false},
+                    {"(((((((((((a)))))))))))b", "ab", true},
+                    {"[^a]", "\u20ac", true},
+                    {"..", "\u20ac", false},
+                    // what stands behind a zero byte does not count
+                    {"a", zero, true},
+                    {"ab", zero, false}};
+  for (auto const& row : rows) {
+    EXPECT_EQ(row.matches, TestRegEx(row.pattern, row.value)) << row.pattern << " on " << row.value;
+  }
+}
+
+TEST(Pattern, ValueIsInTheCodePageOfTheLocale) {
+  for (int i = 0; i < 2; ++i) {  // what is remembered of a pattern must not hold a locale
+    {
+      Locale const ascii("C");
+      EXPECT_FALSE(TestRegEx(".", "\u00e9"));
+      EXPECT_TRUE(TestRegEx("..", "\u00e9"));
+    }
+    Locale const utf8("C.UTF-8");
+    EXPECT_TRUE(TestRegEx(".", "\u00e9"));
+  }
+}
+
+TEST(Pattern, ThatIsNoneIsAFailure) {
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_FAILURE(CQnException, "Invalid pattern [(a]: missing ) at offset 2", TestRegEx("(a", "a"));
+  }
+  EXPECT_FAILURE(CQnException,
+                 R"(Invalid pattern [\p{IsLatinExtended-B}]: range out of order in character class at offset 9)",
+                 TestRegEx(R"(\p{IsLatinExtended-B})", "\u0180"));
+  EXPECT_FAILURE(CQnException, "Invalid pattern [\xff]: invalid UTF-8 string at offset 0", TestRegEx("\xff", ""));
+}
+
+TEST(Pattern, ManyPatternsAreKeptApart) {
+  for (int i = 0; i < 200; ++i) {
+    std::string const text = "a" + std::to_string(i);
+    EXPECT_TRUE(TestRegEx(text + "b", text + "b"));
+    EXPECT_FALSE(TestRegEx(text + "b", text));
+  }
+}
+
+TEST(Pattern, LongValuesNeitherCrashNorHang) {
+  RunOnSmallStack([] {
+    for (char const* pattern : {R"(\c+)", "(a|b)*", R"(\i\c*)", "((a|b)(a|b))*", "[a-z]+"}) {
+      for (std::size_t length : {10000U, 1U << 20}) {
+        std::string value(length, 'a');
+        EXPECT_TRUE(TestRegEx(pattern, value)) << pattern << " on " << length;
+        value.back() = ' ';
+        EXPECT_FALSE(TestRegEx(pattern, value)) << pattern << " on " << length;
+      }
+    }
+    EXPECT_TRUE(TestRegEx("[a-z]+", std::string(10 << 20, 'a')));
+    EXPECT_FALSE(TestRegEx(R"(\c+)", std::string(10 << 20, 'a')));  // would take too much memory
+  });
+}
+
+TEST(Pattern, WorkIsBounded) {
+  for (char const* pattern :
+       {"(a+)+$", "(a|aa)+$", "(.*)*x", "(a|a|a)*c", "(a*)*(a*)*(a*)*x", "([a-c]*[a-b]*)*d"}) {
+    for (std::size_t length : {30U, 3000U, 100000U}) {
+      EXPECT_FALSE(TestRegEx(pattern, std::string(length, 'a') + "b")) << pattern << " on " << length;
+    }
+  }
+}
+
+// A callout before an assertion is what PCRE cannot compile to machine code, so its interpreter runs, on our
+// stack.
+TEST(Pattern, InterpreterStaysOnItsStack) {
+  char const* const pattern = "(?:(?(?C1)(?=x)x|(a|b)))*";
+  auto const matchAll = [pattern] {
+    EXPECT_TRUE(TestRegEx(pattern, Repeated("abx", 10)));
+    EXPECT_FALSE(TestRegEx(pattern, "abxc"));
+    EXPECT_FALSE(TestRegEx(pattern, std::string(1 << 20, 'a')));  // too deep
+  };
+  matchAll();
+  EXPECT_TRUE(TestRegEx(pattern, Repeated("abx", 300)));
+  RunOnSmallStack(matchAll);
+}
+
+TEST(FindReplace, ReplacesUntilNoneIsLeft) {
+  struct {
+    char const* text;
+    char const* search;
+    char const* replacement;
+    char const* result;
+  } const rows[] = {{"", "a", "b", ""},         {"abcabc", "b", "xy", "axycaxyc"}, {"aaaa", "aa", "a", "a"},
+                    {"aaabbbb", "ab", "", "b"}, {"xaab", "ab", "b", "xb"},         {"aab", "ab", "bba", "bbbbaa"},
+                    {"abc", "x", "xx", "abc"}};
+  for (auto const& row : rows) {
+    std::string text = row.text;
+    FindReplace(text, row.search, row.replacement);
+    EXPECT_EQ(row.result, text) << row.text << ": " << row.search << " to " << row.replacement;
+  }
+  std::wstring wide = L"a\u20acb\u20ac";
+  FindReplace(wide, L"\u20ac", L"EUR");
+  EXPECT_EQ(L"aEURbEUR", wide);
+}
+
+TEST(FindReplace, EndlessIsAFailure) {
+  std::string text = "aXb";
+  EXPECT_FAILURE(CQnException, "Cannot replace an empty text", FindReplace(text, "", "a"));
+  EXPECT_FAILURE(CQnException, "Cannot replace a text by one that contains it", FindReplace(text, "X", "yXy"));
+  EXPECT_EQ("aXb", text);
+}
+
+}  // namespace
+}  // namespace Quillon9
