@@ -26,18 +26,15 @@ inline bool IsTrailByte(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
 inline bool IsLegalSequence(std::uint8_t const* bytes, std::size_t length) {
   std::uint8_t const lead = bytes[0];
   switch (length) {
-    case 1:
-      return lead < 0x80;
-    case 2:
-      return lead >= 0xC2 && lead <= 0xDF && IsTrailByte(bytes[1]);
+    case 1: return lead < 0x80;
+    case 2: return lead >= 0xC2 && lead <= 0xDF && IsTrailByte(bytes[1]);
     case 3:
       return (lead & 0xF0) == 0xE0 && IsTrailByte(bytes[1]) && IsTrailByte(bytes[2]) &&
              (lead != 0xE0 || bytes[1] >= 0xA0) && (lead != 0xED || bytes[1] <= 0x9F);
     case 4:
       return lead >= 0xF0 && lead <= 0xF4 && IsTrailByte(bytes[1]) && IsTrailByte(bytes[2]) &&
              IsTrailByte(bytes[3]) && (lead != 0xF0 || bytes[1] >= 0x90) && (lead != 0xF4 || bytes[1] <= 0x8F);
-    default:
-      return false;
+    default: return false;
   }
 }
 

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+
+#include "quillon9/export.h"
+#include "quillon9/values/item_type.h"
+
+namespace Quillon9 {
+
+/// Abstract target of everything that produces a document; callers never learn which format comes out. The base
+/// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes
+/// (Namespaces in XML 1.0, W3C).
+///
+/// Callers keep this order: Open(); for the document only WritePI(), AddNamespace(), SetDefaultNamespace(); then
+/// for each element WriteStartElement(), all its attributes (on the document element then WriteInlineSchema()),
+/// content and nested elements, WriteEndElement(); at the end Close(). Attributes after content are refused. A
+/// writer serves one document and belongs to one thread. A failure leaves the open elements as they are; the
+/// destructor frees them.
+class QUILLON9_API CXmlWriter {
+ public:
+  class CXmlWriterContext;
+
+  /// The XML namespace name. Every writer is born with it bound to "xml" and never declares it.
+  static constexpr char const* XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
+
+  /// Free the open elements, if any are left. Raises nothing.
+  virtual ~CXmlWriter();
+  CXmlWriter(CXmlWriter const&) = delete;
+  CXmlWriter& operator=(CXmlWriter const&) = delete;
+
+  /// Get ready for output. The base does nothing.
+  virtual void Open();
+  /// End the output. May be called again.
+  /// \throws CQnException "An Element has not been closed." while an element is open.
+  virtual void Close();
+  /// Set the default namespace: of the open element and what is inside it, or of the document element to come.
+  /// Only the latter is declared in the output.
+  virtual void SetDefaultNamespace(std::string const& uri);
+  /// Bind \p uri to the prefix \p alias, replacing the prefix it had: in the open element and what is inside it,
+  /// or on the document element to come. Only the latter is declared in the output. \p alias is taken as it is.
+  virtual void AddNamespace(std::string const& alias, std::string const& uri);
+
+  /// Write a comment, before the document element.
+  virtual void WriteComment(std::string const& text) = 0;
+  /// Write a processing instruction, \p text being the whole of it.
+  virtual void WritePI(std::string const& text) = 0;
+  /// Write \p text, which is attribute text such as a schema location, into the open start tag.
+  virtual void WriteInlineSchema(std::string const& text) = 0;
+  /// Start an element inside the one that is open, or the document element.
+  /// \param namespaceUri empty for no namespace; unbound, it gets a generated prefix for the life of this element.
+  /// \throws CQnException "The element nesting exceeds the limit of %u levels" beyond
+  /// CLimits::GetMaxElementDepth().
+  virtual void WriteStartElement(std::string const& localName, std::string const& namespaceUri) = 0;
+  /// Write text content up to a NUL byte; the writer escapes it. \p type may choose the encoding.
+  virtual void WriteString(std::string const& value, ItemType type) = 0;
+  /// End the open element.
+  /// \throws CQnException "There is no open element to end".
+  virtual void WriteEndElement() = 0;
+  /// Write an attribute of the open element. An unbound \p namespaceUri gets a generated prefix.
+  /// \throws CQnException "Attributes must be added before elements" when no start tag is open.
+  virtual void WriteAttributeString(std::string const& localName, std::string const& namespaceUri,
+                                    std::string const& value, ItemType type) = 0;
+  /// Write the xsi:type attribute for the type \p typeName of \p namespaceUri.
+  /// \throws CQnException as WriteAttributeString().
+  virtual void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) = 0;
+  /// Write xsi:nil="true".
+  /// \throws CQnException as WriteAttributeString().
+  virtual void WriteAttributeNil() = 0;
+
+  /// The first generated prefix that no entry of \p map (namespace URI to prefix) has as its value, compared
+  /// exactly. Prefixes that begin with "xml" in any case are reserved and passed over. Linear in the map's size.
+  static std::string GetUniquePrefix(std::map<std::string, std::string> const& map);
+  /// The generated prefix of number \p number: AA, AB, ... AZ, BA, ... ZZ, then three letters from AAA, and so on.
+  /// \throws CQnException "The prefix number [%d] is negative".
+  static std::string NsIntToString(int number);
+
+ protected:
+  /// \p className names the concrete writer and is not kept.
+  explicit CXmlWriter(char const* className);
+
+  /// A context for an element inside the open one, or for the document element. The caller makes it current; until
+  /// then it must not be deleted with its parent link set, because the link owns.
+  /// \throws CQnException as WriteStartElement() when it lies too deep.
+  CXmlWriterContext* NewContext(std::string const& localName, std::string const& namespaceUri);
+  /// Leave the open element: free its context and make its parent current. There must be one.
+  void PopContext();
+  /// \throws CQnException "Attributes must be added before elements" unless a start tag is open.
+  void RequireOpenTag() const;
+  /// \throws CQnException "There is no open element to end" unless an element is open.
+  void RequireOpenElement() const;
+  /// The prefix bound to \p uri in \p context. An unbound URI gets a generated prefix in the scope of \p context,
+  /// and \p isNew becomes true; otherwise false. The result lives as long as the binding.
+  static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
+  /// The namespace of xsi:type and xsi:nil (XML Schema: Structures, W3C).
+  static std::string const& SchemaInstanceNamespace();
+
+  std::string m_defaultNamespace;                     ///< of the document element, while none is open
+  CXmlWriterContext* m_context = nullptr;             ///< innermost open element, owned; null when none is open
+  std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
+};
+
+/// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
+/// context shares the bindings of its parent until it changes one; then it gets a copy of its own. Belongs to its
+/// writer; the members are for concrete writers.
+class QUILLON9_API CXmlWriter::CXmlWriterContext {
+ public:
+  /// An element inside \p parent, which must not be null and which this context owns while linked to it.
+  CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
+  /// A document element, with copies of \p defaultNamespace and \p map of its own. \p parent, mostly null, is
+  /// owned.
+  CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
+                    std::string const& defaultNamespace, std::map<std::string, std::string> const& map,
+                    CXmlWriterContext* parent);
+  /// Delete the whole chain of parents, however deep, and the own map. A writer clears the link to a parent that
+  /// shall live.
+  virtual ~CXmlWriterContext();
+  CXmlWriterContext(CXmlWriterContext const&) = delete;
+  CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
+
+  /// The default namespace in force, empty for none.
+  std::string const& GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
+  /// The bindings in force, URI to prefix.
+  std::map<std::string, std::string> const& GetNamespaceMap() const { return *Scope()->m_namespaceMap; }
+  /// Set the default namespace for this element and what is inside it.
+  void SetDefaultNamespace(std::string const& uri);
+  /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
+  void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
+  /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
+  /// look into GetNamespaceMap() first.
+  std::string& GetNamespaceMapValue(std::string const& uri) { return (*Scope()->m_namespaceMap)[uri]; }
+  std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
+
+  unsigned long m_childCount = 0;                      ///< child elements started inside this element
+  bool m_tagOpen = true;                               ///< attributes may still come
+  std::uint32_t m_depth = 0;                           ///< 0 for the document element
+  std::string m_namespace;                             ///< URI of this element
+  std::string m_elementName;                           ///< local name of this element
+  CXmlWriterContext* m_parent;                         ///< enclosing element, owned while linked
+  bool m_attributesWritten = false;                    ///< for formats that close a list of attributes
+  std::string m_defaultNamespace;                      ///< meaningful only when not inheriting
+  std::map<std::string, std::string>* m_namespaceMap;  ///< own map, or the one in force where this element started
+  bool m_inherits;                                     ///< default namespace and map are those of the parent
+  bool m_ownsMap;                                      ///< the map is this context's to delete
+
+ private:
+  /// The nearest context, this one included, that has a scope of its own.
+  CXmlWriterContext const* Scope() const {
+    CXmlWriterContext const* context = this;
+    while (context->m_inherits) context = context->m_parent;
+    return context;
+  }
+  void TakeOwnScope();
+};
+
+}  // namespace Quillon9

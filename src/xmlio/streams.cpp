@@ -1,0 +1,120 @@
+#include "quillon9/xmlio/streams.h"
+
+#include <cstddef>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/xmlio/encoder.h"
+
+namespace Quillon9 {
+
+bool ASYNC_TOXMLFILE = false;
+
+void AsyncToXmlFile(bool async) { ASYNC_TOXMLFILE = async; }
+
+namespace {
+
+using FileHandle = std::unique_ptr<std::FILE, detail::CFileCloser>;
+
+[[noreturn]] void ThrowNotWritten(std::string const& path) {
+  throw CQnException(FormatString("Failed to write data to the file [%s]", path.c_str()));
+}
+
+bool IsWide(XmlEncoding encoding) { return encoding == XmlEncoding_UTF16 || encoding == XmlEncoding_Unicode; }
+
+/// Nothing to write counts as not written.
+bool WriteAll(std::FILE* file, unsigned char const* data, std::size_t length) {
+  return length != 0 && std::fwrite(data, 1, length, file) == length;
+}
+
+FileHandle Create(std::string const& path, XmlEncoding encoding) {
+  static constexpr unsigned char kByteOrderMark[] = {0xFF, 0xFE};
+  FileHandle file(std::fopen(path.c_str(), "wt"));
+  if (file == nullptr) ThrowNotWritten(path);
+  if (IsWide(encoding) && !WriteAll(file.get(), kByteOrderMark, sizeof kByteOrderMark)) ThrowNotWritten(path);
+  return file;
+}
+
+/// Closing writes what libc still buffers, so this is where a full disk shows.
+void CloseChecked(FileHandle& file, std::string const& path) {
+  if (std::fclose(file.release()) != 0) ThrowNotWritten(path);
+}
+
+std::string PathText(char const* path) { return path != nullptr ? path : ""; }
+
+}  // namespace
+
+CTextStream::CTextStream() : m_encoding(XmlEncoding_Default) {}
+
+CTextStream::CTextStream(XmlEncoding encoding) : m_encoding(encoding) {}
+
+CTextStream::CTextStream(char const* /*className*/, XmlEncoding encoding) : m_encoding(encoding) {}
+
+CTextStream::~CTextStream() = default;
+
+void CTextStream::Open() { m_buffer.Empty(); }
+
+void CTextStream::Close() {}
+
+void CTextStream::Flush() {}
+
+CBinaryData CTextStream::GetEncodedStream() const {
+  switch (m_encoding) {
+    case XmlEncoding_UTF8: return CEncoder::LocalCodePageToUtf8Binary(GetText());
+    case XmlEncoding_UTF16:
+    case XmlEncoding_Unicode: return CEncoder::LocalCodePageToUnicodeBinary(GetText());
+    case XmlEncoding_Default: break;
+  }
+  throw CQnException("Unknown Encoding, select UTF-8 [For help write to the maintainers of Quillon9]");
+}
+
+CFileTextStream::CFileTextStream(char const* path, XmlEncoding encoding)
+    : CTextStream("CFileTextStream", encoding), m_path(PathText(path)) {}
+
+CFileTextStream::~CFileTextStream() = default;
+
+void CFileTextStream::Open() {
+  CTextStream::Open();
+  m_file.reset();
+  m_file = Create(m_path, GetEncoding());
+}
+
+void CFileTextStream::Close() {
+  Flush();
+  if (m_file != nullptr) CloseChecked(m_file, m_path);
+  CTextStream::Close();
+}
+
+void CFileTextStream::Flush() {
+  if (GetLength() == 0) return;
+  if (m_file == nullptr || !WriteAll(m_file.get(), m_block.GetData(), m_block.GetLength())) {
+    m_file.reset();
+    throw CQnException("Failed to write data to the file");
+  }
+  CTextStream::Open();
+}
+
+CBinaryStream::CBinaryStream() = default;
+
+CBinaryStream::CBinaryStream(CBinaryData const& data) : m_data(data) {}
+
+CBinaryStream::CBinaryStream(char const* /*className*/) {}
+
+CBinaryStream::CBinaryStream(char const* /*className*/, CBinaryData const& data) : m_data(data) {}
+
+CBinaryStream::~CBinaryStream() = default;
+
+CFileBinaryStream::CFileBinaryStream(char const* path, XmlEncoding encoding)
+    : CBinaryStream("CFileBinaryStream"), m_path(PathText(path)), m_encoding(encoding) {}
+
+CFileBinaryStream::CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData const& data)
+    : CBinaryStream("CFileBinaryStream", data), m_path(PathText(path)), m_encoding(encoding) {}
+
+CFileBinaryStream::~CFileBinaryStream() = default;
+
+void CFileBinaryStream::ToFile() {
+  FileHandle file = Create(m_path, m_encoding);
+  if (!WriteAll(file.get(), m_data.GetData(), m_data.GetLength())) ThrowNotWritten(m_path);
+  CloseChecked(file, m_path);
+}
+
+}  // namespace Quillon9

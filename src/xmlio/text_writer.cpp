@@ -1,0 +1,293 @@
+#include "quillon9/xmlio/text_writer.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/xmlio/streams.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr unsigned long kFlushAt = 4096;
+constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
+constexpr std::string_view kCdataStart = "<![CDATA[";
+constexpr std::string_view kTabs = "\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t\t";
+
+/// What PadAndAppend has to do at a byte.
+enum class ByteClass : unsigned char { Plain, End, LineFeed, CarriageReturn, Escaped };
+
+constexpr std::array<ByteClass, 256> MakeByteClasses() {
+  std::array<ByteClass, 256> classes{};
+  classes['\0'] = ByteClass::End;
+  classes['\n'] = ByteClass::LineFeed;
+  classes['\r'] = ByteClass::CarriageReturn;
+  for (char const escaped : {'"', '&', '<', '>'})
+    classes[static_cast<unsigned char>(escaped)] = ByteClass::Escaped;
+  return classes;
+}
+
+constexpr std::array<ByteClass, 256> kByteClasses = MakeByteClasses();
+
+ByteClass ClassOf(char byte) { return kByteClasses[static_cast<unsigned char>(byte)]; }
+
+char const* EntityFor(char byte) {
+  switch (byte) {
+    case '"': return "&quot;";
+    case '&': return "&amp;";
+    case '<': return "&lt;";
+    default: return "&gt;";
+  }
+}
+
+bool StartsWith(std::string const& text, std::string_view start) {
+  return text.compare(0, start.size(), start) == 0;
+}
+
+char const* EncodingDeclaration(XmlEncoding encoding) {
+  switch (encoding) {
+    case XmlEncoding_UTF8: return " encoding=\"UTF-8\"";
+    case XmlEncoding_UTF16: return " encoding=\"UTF-16\"";
+    case XmlEncoding_Default:
+    case XmlEncoding_Unicode: break;
+  }
+  return "";
+}
+
+}  // namespace
+
+CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
+    : CXmlWriter("CXmlTextWriter"), m_lineEnd("\n"), m_eolType(EOLType_LF), m_format(true), m_stream(&stream) {}
+
+CXmlTextWriter::~CXmlTextWriter() = default;
+
+void CXmlTextWriter::Open() {
+  CXmlWriter::Open();
+  m_stream->Open();
+}
+
+void CXmlTextWriter::Close() {
+  m_stream->Close();
+  CXmlWriter::Close();
+}
+
+void CXmlTextWriter::SetEOLType(EOLType type) {
+  switch (type) {
+    case EOLType_CRLF:
+      m_lineEnd = "\r\n";
+      m_eolType = type;
+      return;
+    case EOLType_LF:
+      m_lineEnd = "\n";
+      m_eolType = type;
+      return;
+  }
+  throw CQnException("Invalid EOL type.");
+}
+
+void CXmlTextWriter::WriteStartDocument() {
+  m_stream->Append("<?xml version=\"1.0\"");
+  m_stream->Append(EncodingDeclaration(m_stream->GetEncoding()));
+  m_stream->Append("?>");
+  AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WriteHeaderDirective(std::string const& text) {
+  if (m_context != nullptr) throw CQnException("Headed directives must appear before an Element has been added.");
+  m_stream->Append(text);
+  AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WriteComment(std::string const& text) {
+  m_stream->Append("<!--");
+  PadAndAppend(text.c_str(), false);
+  m_stream->Append("-->");
+  AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WritePI(std::string const& text) {
+  m_stream->Append(text);
+  AppendLineEnd();
+  AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WriteInlineSchema(std::string const& text) {
+  m_stream->Append(' ');
+  AppendLineEnd();
+  m_stream->Append(text);
+  AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::CloseParentElm() {
+  if (m_context == nullptr) return;
+  ++m_context->m_childCount;
+  if (!m_context->m_tagOpen) return;
+  CloseTag();
+  if (m_format) AppendLineEnd();
+}
+
+void CXmlTextWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
+  CloseParentElm();
+  m_context = NewContext(localName, namespaceUri);
+  Indent();
+  m_stream->Append('<');
+  AppendQualifiedStart(localName, namespaceUri);
+  if (m_context->m_depth == 0) AppendDocumentDeclarations();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::AppendQualifiedStart(std::string const& localName, std::string const& namespaceUri) {
+  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) {
+    m_stream->Append(localName);
+    return;
+  }
+  bool isNew = false;
+  std::string const& prefix = FindOrBindPrefix(*m_context, namespaceUri, isNew);
+  m_stream->Append(prefix);
+  m_stream->Append(':');
+  m_stream->Append(localName);
+  if (isNew) AppendDeclaration(prefix, namespaceUri);
+}
+
+void CXmlTextWriter::AppendDocumentDeclarations() {
+  if (!m_defaultNamespace.empty()) {
+    m_stream->Append(" xmlns=\"");
+    m_stream->Append(m_defaultNamespace);
+    m_stream->Append('"');
+  }
+  for (auto const& binding : m_namespaceMap) {
+    if (!StartsWith(binding.first, kXmlNamespace)) AppendDeclaration(binding.second, binding.first);
+  }
+}
+
+void CXmlTextWriter::AppendDeclaration(std::string const& prefix, std::string const& uri) {
+  m_stream->Append(" xmlns:");
+  m_stream->Append(prefix);
+  m_stream->Append("=\"");
+  m_stream->Append(uri);
+  m_stream->Append('"');
+}
+
+void CXmlTextWriter::WriteAttributeString(std::string const& localName, std::string const& namespaceUri,
+                                          std::string const& value, ItemType /*type*/) {
+  RequireOpenTag();
+  if (namespaceUri.empty()) {
+    m_stream->Append(' ');
+  } else {
+    bool isNew = false;
+    std::string const& prefix = FindOrBindPrefix(*m_context, namespaceUri, isNew);
+    if (isNew) AppendDeclaration(prefix, namespaceUri);
+    m_stream->Append(' ');
+    m_stream->Append(prefix);
+    m_stream->Append(':');
+  }
+  m_stream->Append(localName);
+  m_stream->Append("=\"");
+  PadAndAppend(value.c_str(), true);
+  m_stream->Append('"');
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WriteAttributeType(std::string const& namespaceUri, std::string const& typeName,
+                                        ItemType type) {
+  RequireOpenTag();
+  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) {
+    WriteAttributeString("type", SchemaInstanceNamespace(), typeName, type);
+    return;
+  }
+  bool isNew = false;
+  std::string const& prefix = FindOrBindPrefix(*m_context, namespaceUri, isNew);
+  if (isNew) {
+    AppendDeclaration(prefix, namespaceUri);
+    m_stream->Append(' ');
+  }
+  WriteAttributeString("type", SchemaInstanceNamespace(), prefix + ":" + typeName, type);
+}
+
+void CXmlTextWriter::WriteAttributeNil() {
+  RequireOpenTag();
+  WriteAttributeString("nil", SchemaInstanceNamespace(), "true", ItemType_boolean);
+}
+
+void CXmlTextWriter::WriteString(std::string const& value, ItemType /*type*/) {
+  if (value.empty()) return;
+  if (m_context != nullptr && m_context->m_tagOpen) CloseTag();
+  if (StartsWith(value, kCdataStart)) {
+    m_stream->Append(value);
+  } else {
+    PadAndAppend(value.c_str(), false);
+  }
+  FlushIfFull();
+}
+
+void CXmlTextWriter::WriteEndElement() {
+  RequireOpenElement();
+  if (m_context->m_tagOpen) {
+    m_stream->Append("/>");
+  } else {
+    if (m_context->m_childCount != 0) Indent();
+    m_stream->Append("</");
+    std::string const& namespaceUri = m_context->m_namespace;
+    if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
+      m_stream->Append(m_context->GetNamespaceMapValue(namespaceUri));
+      m_stream->Append(':');
+    }
+    m_stream->Append(m_context->m_elementName);
+    m_stream->Append('>');
+  }
+  if (m_format) AppendLineEnd();
+  FlushIfFull();
+  PopContext();
+}
+
+void CXmlTextWriter::WriteRawElement(std::string const& text) {
+  m_stream->Append(text);
+  if (m_format) AppendLineEnd();
+}
+
+void CXmlTextWriter::PadAndAppend(char const* text, bool inAttribute) {
+  if (text == nullptr) return;
+  for (;; ++text) {
+    char const* run = text;
+    while (ClassOf(*text) == ByteClass::Plain) ++text;
+    if (text != run) m_stream->Append(run, static_cast<unsigned long>(text - run));
+    switch (ClassOf(*text)) {
+      case ByteClass::End: return;
+      case ByteClass::LineFeed: m_stream->Append(inAttribute ? "&#xA;" : m_lineEnd.c_str()); break;
+      case ByteClass::Escaped: m_stream->Append(EntityFor(*text)); break;
+      case ByteClass::Plain:
+      case ByteClass::CarriageReturn: break;
+    }
+  }
+}
+
+void CXmlTextWriter::CloseTag() {
+  m_context->m_tagOpen = false;
+  m_stream->Append('>');
+}
+
+/// One tab a level, if formatted.
+void CXmlTextWriter::Indent() {
+  if (!m_format) return;
+  for (std::uint32_t left = m_context->m_depth; left != 0;) {
+    std::uint32_t const count = std::min(left, static_cast<std::uint32_t>(kTabs.size()));
+    m_stream->Append(kTabs.data(), count);
+    left -= count;
+  }
+}
+
+void CXmlTextWriter::AppendLineEnd() { m_stream->Append(m_lineEnd); }
+
+void CXmlTextWriter::FlushIfFull() {
+  if (m_stream->GetLength() >= kFlushAt) m_stream->Flush();
+}
+
+}  // namespace Quillon9

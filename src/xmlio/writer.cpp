@@ -1,0 +1,183 @@
+#include "quillon9/xmlio/writer.h"
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kLetters = 26;
+// Six letters number 300 million prefixes, which stays within an int and beyond any map.
+constexpr std::size_t kLongestGenerated = 6;
+
+/// The number of a generated prefix, the inverse of NsIntToString; \p limit for every other text.
+std::size_t GeneratedNumber(std::string_view prefix, std::size_t limit) {
+  if (prefix.size() < 2 || prefix.size() > kLongestGenerated) return limit;
+  std::size_t number = 0;
+  std::size_t shorter = 0;  // how many prefixes of fewer letters come first
+  std::size_t block = 1;
+  for (std::size_t i = 0; i < prefix.size(); ++i) {
+    if (prefix[i] < 'A' || prefix[i] > 'Z') return limit;
+    number = number * kLetters + static_cast<std::size_t>(prefix[i] - 'A');
+    block *= kLetters;
+    if (i >= 1 && i + 1 < prefix.size()) shorter += block;
+  }
+  return number + shorter;
+}
+
+/// Names that begin with "xml" are reserved to the XML recommendations; generated ones are upper case throughout.
+bool IsReserved(std::string_view generated) { return generated.substr(0, 3) == "XML"; }
+
+}  // namespace
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
+                                                 CXmlWriterContext* parent)
+    : m_depth(parent->m_depth + 1),
+      m_namespace(namespaceUri),
+      m_elementName(localName),
+      m_parent(parent),
+      m_namespaceMap(parent->m_namespaceMap),
+      m_inherits(true),
+      m_ownsMap(false) {}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
+                                                 std::string const& defaultNamespace,
+                                                 std::map<std::string, std::string> const& map,
+                                                 CXmlWriterContext* parent)
+    : m_namespace(namespaceUri),
+      m_elementName(localName),
+      m_parent(parent),
+      m_defaultNamespace(defaultNamespace),
+      m_namespaceMap(new std::map<std::string, std::string>(map)),
+      m_inherits(false),
+      m_ownsMap(true) {}
+
+CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
+  // A loop: how deep the chain is, the document decides.
+  for (CXmlWriterContext* context = m_parent; context != nullptr;) {
+    CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
+    delete std::exchange(context, parent);
+  }
+  if (m_ownsMap) delete m_namespaceMap;
+}
+
+void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
+  if (!m_inherits) return;
+  std::string defaultNamespace = GetDefaultNamespace();
+  m_namespaceMap = new std::map<std::string, std::string>(GetNamespaceMap());
+  m_defaultNamespace = std::move(defaultNamespace);
+  m_ownsMap = true;
+  m_inherits = false;
+}
+
+void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
+  TakeOwnScope();
+  m_defaultNamespace = uri;
+}
+
+void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
+  TakeOwnScope();
+  (*m_namespaceMap)[uri] = prefix;
+}
+
+CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }
+
+CXmlWriter::~CXmlWriter() { delete m_context; }
+
+void CXmlWriter::Open() {}
+
+void CXmlWriter::Close() {
+  if (m_context != nullptr) throw CQnException("An Element has not been closed.");
+}
+
+void CXmlWriter::SetDefaultNamespace(std::string const& uri) {
+  if (m_context != nullptr) {
+    m_context->SetDefaultNamespace(uri);
+  } else {
+    m_defaultNamespace = uri;
+  }
+}
+
+void CXmlWriter::AddNamespace(std::string const& alias, std::string const& uri) {
+  if (m_context != nullptr) {
+    m_context->SetNamespaceMapValue(uri, alias);
+  } else {
+    m_namespaceMap[uri] = alias;
+  }
+}
+
+std::string CXmlWriter::GetUniquePrefix(std::map<std::string, std::string> const& map) {
+  // Far fewer than half of the numbers are reserved, so among these one is free.
+  std::vector<bool> taken(map.size() * 2 + 1);
+  for (auto const& binding : map) {
+    std::size_t const number = GeneratedNumber(binding.second, taken.size());
+    if (number < taken.size()) taken[number] = true;
+  }
+  for (std::size_t number = 0;; ++number) {
+    if (number < taken.size() && taken[number]) continue;
+    std::string prefix = NsIntToString(static_cast<int>(number));
+    if (!IsReserved(prefix)) return prefix;
+  }
+}
+
+std::string CXmlWriter::NsIntToString(int number) {
+  if (number < 0) throw CQnException(FormatString("The prefix number [%d] is negative", number));
+  std::size_t rest = static_cast<std::size_t>(number);
+  std::size_t length = 2;
+  for (std::size_t count = kLetters * kLetters; rest >= count; count *= kLetters) {
+    rest -= count;
+    ++length;
+  }
+  std::string prefix(length, 'A');
+  for (std::size_t i = length; i-- > 0; rest /= kLetters) {
+    prefix[i] = static_cast<char>('A' + static_cast<int>(rest % kLetters));
+  }
+  return prefix;
+}
+
+CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName,
+                                                      std::string const& namespaceUri) {
+  std::uint32_t const limit = CLimits::GetMaxElementDepth();
+  std::uint32_t const enclosing = m_context == nullptr ? 0 : m_context->m_depth + 1;
+  if (enclosing >= limit)
+    throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+  if (m_context != nullptr) return new CXmlWriterContext(localName, namespaceUri, m_context);
+  return new CXmlWriterContext(localName, namespaceUri, m_defaultNamespace, m_namespaceMap, nullptr);
+}
+
+void CXmlWriter::PopContext() {
+  CXmlWriterContext* parent = std::exchange(m_context->m_parent, nullptr);
+  delete std::exchange(m_context, parent);
+}
+
+void CXmlWriter::RequireOpenTag() const {
+  if (m_context == nullptr || !m_context->m_tagOpen)
+    throw CQnException("Attributes must be added before elements");
+}
+
+void CXmlWriter::RequireOpenElement() const {
+  if (m_context == nullptr) throw CQnException("There is no open element to end");
+}
+
+std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew) {
+  std::map<std::string, std::string> const& bindings = context.GetNamespaceMap();
+  auto const found = bindings.find(uri);
+  isNew = found == bindings.end();
+  if (!isNew) return found->second;
+  context.SetNamespaceMapValue(uri, GetUniquePrefix(bindings));
+  return context.GetNamespaceMapValue(uri);
+}
+
+std::string const& CXmlWriter::SchemaInstanceNamespace() {
+  static std::string const uri = "http://www.w3.org/2001/XMLSchema-instance";
+  return uri;
+}
+
+}  // namespace Quillon9

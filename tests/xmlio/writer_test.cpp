@@ -1,0 +1,242 @@
+#include "quillon9/xmlio/writer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "expect_failure.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/xmlio/streams.h"
+#include "quillon9/xmlio/text_writer.h"
+
+namespace Quillon9 {
+namespace {
+
+using Map = std::map<std::string, std::string>;
+using Context = CXmlWriter::CXmlWriterContext;
+
+constexpr bool kFormatted = true;
+
+/// A document in the making, so that a case is one chain of operations beside the text that comes of it.
+class Doc {
+ public:
+  explicit Doc(bool format = false) { m_writer.SetFormat(format); }
+
+  Doc& Eol(EOLType type) { return m_writer.SetEOLType(type), *this; }
+  Doc& Declare() { return m_writer.WriteStartDocument(), *this; }
+  Doc& Directive(char const* text) { return m_writer.WriteHeaderDirective(text), *this; }
+  Doc& Comment(char const* text) { return m_writer.WriteComment(text), *this; }
+  Doc& PI(char const* text) { return m_writer.WritePI(text), *this; }
+  Doc& Alias(char const* alias, char const* uri) { return m_writer.AddNamespace(alias, uri), *this; }
+  Doc& Default(char const* uri) { return m_writer.SetDefaultNamespace(uri), *this; }
+  Doc& Start(char const* name, char const* ns = "") { return m_writer.WriteStartElement(name, ns), *this; }
+  Doc& Attr(char const* name, char const* ns, char const* value) {
+    return m_writer.WriteAttributeString(name, ns, value, ItemType_string), *this;
+  }
+  Doc& Type(char const* ns, char const* name) {
+    return m_writer.WriteAttributeType(ns, name, ItemType_string), *this;
+  }
+  Doc& Nil() { return m_writer.WriteAttributeNil(), *this; }
+  Doc& Schema(char const* text) { return m_writer.WriteInlineSchema(text), *this; }
+  Doc& Text(std::string const& text) { return m_writer.WriteString(text, ItemType_string), *this; }
+  Doc& Raw(std::string const& text) { return m_writer.CloseParentElm(), m_writer.WriteRawElement(text), *this; }
+  Doc& End(int count = 1) {
+    while (count-- > 0) m_writer.WriteEndElement();
+    return *this;
+  }
+  std::string Close() { return m_writer.Close(), SoFar(); }
+  std::string SoFar() const { return m_stream.GetText(); }
+
+ private:
+  CTextStream m_stream{XmlEncoding_UTF8};
+  CXmlTextWriter m_writer{m_stream};
+};
+
+// clang-format off
+TEST(TextWriter, ElementsAndText) {
+  EXPECT_EQ(Doc().Start("a").Text("").End().Close(), "<a/>");
+  // The declaration ends its line, formatted or not.
+  EXPECT_EQ(Doc().Declare().Start("a").Start("b").Text("1").End(2).Close(),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a><b>1</b></a>");
+  EXPECT_EQ(Doc(kFormatted).Declare().Start("a").Start("b").Text("1").End(2).Close(),
+            "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<a>\n\t<b>1</b>\n</a>\n");
+  EXPECT_EQ(Doc().Directive("<!DOCTYPE a>").Comment("1<2--3").PI("<?p x<y?>").Start("a").End().Close(),
+            "<!DOCTYPE a>\n<!--1&lt;2--3-->\n<?p x<y?>\n\n<a/>");
+  EXPECT_EQ(Doc().Start("a").Schema("s='<'").End().Close(), "<a \ns='<'\n/>");
+  // Mixed content gets its line ends and tabs from the elements alone; a raw child counts as a child.
+  EXPECT_EQ(Doc(kFormatted).Start("a").Text("x").Start("b").End().Text("y").End().Close(), "<a>x\t<b/>\ny</a>\n");
+  EXPECT_EQ(Doc(kFormatted).Start("a").Start("b").Raw("<c/>").End(2).Close(),
+            "<a>\n\t<b>\n<c/>\n\t</b>\n</a>\n");
+  EXPECT_EQ(Doc().Start("a").Raw("<b/>").End().Close(), "<a><b/></a>");
+}
+
+TEST(TextWriter, Escapes) {
+  EXPECT_EQ(Doc().Start("a").Text("\"&<>\r\n\t'\xC3\xA4\xFFz").End().Close(),
+            "<a>&quot;&amp;&lt;&gt;\n\t'\xC3\xA4\xFFz</a>");
+  EXPECT_EQ(Doc().Start("a").Attr("n", "", "\"&<>\r\n\t'z").End().Close(),
+            "<a n=\"&quot;&amp;&lt;&gt;&#xA;\t'z\"/>");
+  EXPECT_EQ(Doc(kFormatted).Eol(EOLType_CRLF).Start("a").Attr("n", "", "\n").Start("b").Text("x\r\ny\n")
+                .End(2).Close(),
+            "<a n=\"&#xA;\">\r\n\t<b>x\r\ny\r\n</b>\r\n</a>\r\n");
+  EXPECT_EQ(Doc().Start("a").Text(std::string("x\0y", 3)).End().Close(), "<a>x</a>");
+  // A CDATA section passes at the very start only.
+  EXPECT_EQ(Doc().Start("a").Text("<![CDATA[a<b]]>").Text(" <![CDATA[a]]>").Text("<![CDATA").End().Close(),
+            "<a><![CDATA[a<b]]> &lt;![CDATA[a]]&gt;&lt;![CDATA</a>");
+}
+
+TEST(TextWriter, Namespaces) {
+  EXPECT_EQ(Doc().Start("a", "u").End().Close(), "<AA:a xmlns:AA=\"u\"/>");
+  EXPECT_EQ(Doc().Default("u").Start("a", "u").Start("b").End(2).Close(), "<a xmlns=\"u\"><b/></a>");
+  // Declared in the order of URIs; the last prefix of a URI counts; what begins with the XML namespace stays out.
+  std::string const more = std::string(CXmlWriter::XML_NAMESPACE) + "/more";
+  EXPECT_EQ(Doc().Alias("p", "v").Alias("q", "u").Alias("r", "v").Alias("s", more.c_str())
+                .Start("a", "v").Attr("lang", CXmlWriter::XML_NAMESPACE, "en").End().Close(),
+            "<r:a xmlns:q=\"u\" xmlns:r=\"v\" xml:lang=\"en\"/>");
+  // A generated prefix ends with its element.
+  EXPECT_EQ(Doc().Start("r").Start("a", "u").Start("b", "v").Start("c", "u").Text("1").End(3)
+                .Start("d", "v").End(2).Close(),
+            "<r><AA:a xmlns:AA=\"u\"><AB:b xmlns:AB=\"v\"><AA:c>1</AA:c></AB:b></AA:a><AA:d xmlns:AA=\"v\"/></r>");
+  EXPECT_EQ(Doc().Alias("AA", "x").Alias("ab", "y").Start("a", "u").End().Close(),
+            "<AB:a xmlns:AB=\"u\" xmlns:AA=\"x\" xmlns:ab=\"y\"/>");
+  // Bound inside an element: used, declared by nobody.
+  EXPECT_EQ(Doc().Start("a").Alias("p", "u").Start("b", "u").End(2).Close(), "<a><p:b/></a>");
+  EXPECT_EQ(Doc().Default("u").Start("a", "u").Attr("m", "u", "1").Attr("n", "u", "2").End().Close(),
+            "<a xmlns=\"u\" xmlns:AA=\"u\" AA:m=\"1\" AA:n=\"2\"/>");
+}
+
+TEST(TextWriter, TypeAndNil) {
+  constexpr char kXsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+  EXPECT_EQ(Doc().Start("a").Nil().End().Close(),
+            "<a xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" AA:nil=\"true\"/>");
+  EXPECT_EQ(Doc().Alias("xsi", kXsi).Default("d").Start("a").Type("", "T").Type("d", "T").Type("u", "T")
+                .Type("u", "T").End().Close(),
+            "<a xmlns=\"d\" xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:type=\"T\" xsi:type=\"T\" "
+            "xmlns:AA=\"u\"  xsi:type=\"AA:T\" xsi:type=\"AA:T\"/>");
+}
+
+TEST(TextWriter, RefusesWhatIsOutOfOrder) {
+  constexpr char kLate[] = "Attributes must be added before elements";
+  Doc doc;
+  EXPECT_FAILURE(CQnException, kLate, doc.Attr("n", "", "1"));
+  EXPECT_FAILURE(CQnException, "There is no open element to end", doc.End());
+  EXPECT_FAILURE(CQnException, "Invalid EOL type.", doc.Eol(EOLType_CRLF).Eol(static_cast<EOLType>(2)));
+  doc.Start("a").Start("b").Text("\n");
+  EXPECT_FAILURE(CQnException, kLate, doc.Attr("n", "", "1"));
+  doc.End();
+  EXPECT_FAILURE(CQnException, kLate, doc.Type("u", "T"));
+  EXPECT_FAILURE(CQnException, kLate, doc.Nil());
+  EXPECT_FAILURE(CQnException, "Headed directives must appear before an Element has been added.",
+                 doc.Directive("x"));
+  EXPECT_FAILURE(CQnException, "An Element has not been closed.", doc.Close());
+  doc.End().Close();
+  EXPECT_EQ(doc.Close(), "<a><b>\r\n</b></a>");
+}
+// clang-format on
+
+TEST(TextWriter, IndentsByOneTabALevelHoweverDeep) {
+  Doc doc(kFormatted);
+  std::string starts;
+  std::string ends;
+  for (std::size_t depth = 0; depth < 99; ++depth) {
+    doc.Start("e");
+    starts += std::string(depth, '\t') + "<e>\n";
+    ends.insert(0, std::string(depth, '\t') + "</e>\n");
+  }
+  EXPECT_EQ(doc.Start("e").End(100).Close(), starts + std::string(99, '\t') + "<e/>\n" + ends);
+}
+
+TEST(TextWriter, DeclarationFollowsTheStreamsEncoding) {
+  char const* const encodings[] = {"", " encoding=\"UTF-8\"", " encoding=\"UTF-16\"", ""};
+  for (int encoding = XmlEncoding_Default; encoding <= XmlEncoding_Unicode; ++encoding) {
+    CTextStream stream(static_cast<XmlEncoding>(encoding));
+    CXmlTextWriter(stream).WriteStartDocument();
+    EXPECT_EQ(std::string("<?xml version=\"1.0\"") + encodings[encoding] + "?>\n", stream.GetText());
+  }
+}
+
+TEST(TextWriter, FlushesAFullStreamAfterAPiece) {
+  struct Counting : CTextStream {
+    void Flush() override { m_lengths.push_back(GetLength()); }
+    std::vector<unsigned long> m_lengths;
+  } stream;
+  CXmlTextWriter writer(stream);
+  writer.WriteStartElement("a", "");
+  writer.WriteRawElement(std::string(5000, 'x'));
+  EXPECT_TRUE(stream.m_lengths.empty());
+  writer.WriteAttributeString("n", "", "1", ItemType_string);
+  writer.WriteString("y", ItemType_string);
+  writer.WriteEndElement();
+  EXPECT_EQ((std::vector<unsigned long>{5009, 5011, 5016}), stream.m_lengths);
+}
+
+TEST(Writer, NestingIsLimited) {
+  struct RestoreLimit {
+    std::uint32_t m_limit = CLimits::GetMaxElementDepth();
+    ~RestoreLimit() { CLimits::SetMaxElementDepth(m_limit); }
+  } const restore;
+  CLimits::SetMaxElementDepth(2);
+  Doc doc;
+  doc.Start("a").Start("b");
+  EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 2 levels", doc.Start("c"));
+  EXPECT_EQ(doc.End().Start("d").End(2).Close(), "<a><b></b><d/></a>");
+}
+
+TEST(Writer, GeneratedPrefixes) {
+  static constexpr struct {
+    int number;
+    char const* prefix;
+  } kRows[] = {{0, "AA"},    {1, "AB"},    {25, "AZ"},    {26, "BA"},     {675, "ZZ"},    {676, "AAA"},
+               {677, "AAB"}, {702, "ABA"}, {1352, "BAA"}, {16547, "XML"}, {18251, "ZZZ"}, {18252, "AAAA"}};
+  for (auto const& row : kRows) EXPECT_EQ(row.prefix, CXmlWriter::NsIntToString(row.number));
+  EXPECT_FAILURE(CQnException, "The prefix number [-1] is negative", CXmlWriter::NsIntToString(-1));
+
+  // Map by map, the next free one; XML is passed over.
+  Map map;
+  for (int number = 0; number < 16550; ++number) {
+    std::string const prefix = CXmlWriter::NsIntToString(number);
+    if (prefix == "XML") continue;
+    if (number < 700 || number > 16540) {
+      ASSERT_EQ(prefix, CXmlWriter::GetUniquePrefix(map));
+    }
+    map["urn:" + std::to_string(number)] = prefix;
+  }
+  map.erase("urn:700");
+  map["urn:long"] = "ZZZZZZZZZZZZZZ";
+  map["urn:twice"] = "AA";
+  EXPECT_EQ(CXmlWriter::NsIntToString(700), CXmlWriter::GetUniquePrefix(map));
+}
+
+TEST(WriterContext, SharesTheParentsScopeUntilItChanges) {
+  Map const map{{"u", "p"}};
+  Context* const root = new Context("r", "u", "d", map, nullptr);
+  auto const changed = std::make_unique<Context>("c", "", root);
+  EXPECT_EQ(&root->GetNamespaceMap(), &changed->GetNamespaceMap());
+  EXPECT_EQ("d", changed->GetDefaultNamespace());
+
+  changed->SetNamespaceMapValue("u", "q");
+  EXPECT_EQ((Map{{"u", "q"}}), changed->GetNamespaceMap());
+  EXPECT_EQ("d", changed->GetDefaultNamespace());
+  changed->SetDefaultNamespace("e");
+  EXPECT_EQ("e", changed->GetDefaultNamespace());
+  EXPECT_EQ(map, root->GetNamespaceMap());
+  EXPECT_EQ("d", root->GetDefaultNamespace());
+
+  // A lookup of an unknown URI leaves an empty entry in the scope that it was looked up in.
+  EXPECT_EQ("", changed->GetNamespaceMapValue("v"));
+  EXPECT_EQ((Map{{"u", "q"}, {"v", ""}}), changed->GetNamespaceMap());
+}
+
+TEST(WriterContext, DeepChainIsFreedWithoutRecursion) {
+  auto* context = new Context("a", "", "", Map(), nullptr);
+  for (int i = 0; i < 200000; ++i) context = new Context("a", "", context);
+  EXPECT_EQ(200000U, context->m_depth);
+  delete context;
+}
+
+}  // namespace
+}  // namespace Quillon9
