@@ -69,12 +69,12 @@ void CQnException::DeleteInnerChain() {
 }
 
 // The six derived classes differ in nothing but their name, their base and the class that Clone() makes.
-#define QN_DEFINE_EXCEPTION(Class, Base)                                                                \
-  Class::Class() = default;                                                                             \
-  Class::Class(std::string message) : Base(std::move(message)) {}                                       \
-  Class::Class(std::string message, CQnException const& inner) : Base(std::move(message), inner) {}     \
-  Class::Class(CQnException const& other) : Base(other) {}                                              \
-  Class::~Class() = default;                                                                            \
+#define QN_DEFINE_EXCEPTION(Class, Base)                                                            \
+  Class::Class() = default;                                                                         \
+  Class::Class(std::string message) : Base(std::move(message)) {}                                   \
+  Class::Class(std::string message, CQnException const& inner) : Base(std::move(message), inner) {} \
+  Class::Class(CQnException const& other) : Base(other) {}                                          \
+  Class::~Class() = default;                                                                        \
   CQnException* Class::Clone() const { return new Class(*this); }
 
 QN_DEFINE_EXCEPTION(CQnOverFlowException, CQnException)

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// Holds the prefixes that a written document declares on its root, one for each namespace. They are declared in
+/// the byte order of the namespace URIs. Belongs to one thread at a time, also for const operations: see
+/// GetAliasFromNamespace().
+class QUILLON9_API CNamespaceAliasMap {
+ public:
+  CNamespaceAliasMap();
+  CNamespaceAliasMap(CNamespaceAliasMap const&) = default;
+  CNamespaceAliasMap& operator=(CNamespaceAliasMap const&) = default;
+  virtual ~CNamespaceAliasMap();
+
+  /// Bind \p ns to \p alias, in place of the alias it had. Nothing checks that the alias is free: two namespaces
+  /// can share one.
+  void Add(char const* alias, char const* ns);
+  /// Forget \p ns; an unknown namespace is no failure.
+  void RemoveNamespace(char const* ns);
+
+  int GetNamespaceCount() const;
+  /// The namespace at \p index in byte order of the URIs.
+  /// \throws CQnException when \p index is not between 0 and GetNamespaceCount() - 1.
+  std::string GetNamespaceAt(int index) const;
+  bool DoesNamespaceExist(char const* ns) const;
+  bool DoesAliasExist(char const* alias) const;
+  /// The first namespace, in byte order, that has \p alias.
+  /// \throws CQnException "Namespace alias [%s] not found".
+  std::string GetNamespaceFromAlias(char const* alias) const;
+  /// The alias of \p ns. An unknown namespace is entered with an empty alias, which is returned: the lookup
+  /// changes the map. Ask DoesNamespaceExist() first where that is not wanted.
+  std::string GetAliasFromNamespace(char const* ns) const;
+
+ private:
+  mutable std::map<std::string, std::string> m_map;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,194 @@
+#pragma once
+
+#include <string>
+
+#include "quillon9/binding/critical_section.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/export.h"
+#include "quillon9/fwd.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/output_options.h"
+
+namespace Quillon9 {
+
+/// Receives the change events of collections.
+class QUILLON9_API IEventSink {
+ public:
+  enum MsgType {
+    CollectionChange = 0,         ///< after every change; data is null
+    CollectionAdd = 1,            ///< before an item enters; data is the object, or the address of the value
+    CollectionAddComplete = 2,    ///< after it entered; data as for CollectionAdd
+    CollectionRemove = 3,         ///< before an item leaves; data is the address of its int index, null for -1
+    CollectionRemoveComplete = 4  ///< after it left; data as for CollectionRemove
+  };
+
+  /// \p sender is the collection. \p data is valid for the call only. What it throws stops the change if the event
+  /// comes before it, and reaches the caller of the change.
+  virtual void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) = 0;
+
+ protected:
+  ~IEventSink() = default;
+};
+
+/// Implemented by generated classes for nillable elements. The library finds it by a cast at run time.
+class QUILLON9_API INillable {
+ public:
+  virtual bool IsNil() const = 0;
+  virtual void SetNil(bool nil) = 0;
+
+ protected:
+  ~INillable() = default;
+};
+
+/// Root of all that can be read from XML and written to XML: generated classes, collections, generic content.
+///
+/// Objects are counted. A new one has count 0 and becomes owned when the first CSmartPtr takes it; one on the
+/// stack needs none. Only the count is locked: one object graph belongs to one thread at a time.
+///
+/// Every reading operation fills this object from the document element, whatever its name is, and throws a
+/// CQnException of the family: plain for unreadable input, CQnValidationException "Failed to process the element
+/// [%s]", with the cause as innermost inner exception, for content that does not fit. A failure leaves the object
+/// as far as it was filled; nothing is rolled back.
+///
+/// A derived class that overrides GetBase() writes `using CXmlGeneratedClass::GetBase;` (or its own base) to keep
+/// the const form; one that overrides ToXml_Int() or FromXml_Int() calls the static forms as
+/// `CXmlObjectBase::ToXml_Int`.
+class QUILLON9_API CXmlObjectBase : public IEventSink {
+ public:
+  CXmlObjectBase();
+  CXmlObjectBase(CXmlObjectBase const&) = delete;
+  CXmlObjectBase& operator=(CXmlObjectBase const&) = delete;
+
+  /// For generated classes, to learn of changes in the collections they own. Does nothing here.
+  void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) override;
+
+  /// This object as a CXmlObjectBase.
+  virtual CXmlObjectBase* GetBase() = 0;
+
+  /// Write a document to the file \p path, as ToXmlStream makes it. The file is touched only when the document is
+  /// complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
+  /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
+  ///         "Failed to write data to the file [%s]" when not all of it reached the file.
+  virtual void ToXmlFile(char const* path, bool includeHeader = true, bool formatted = true,
+                         XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                         CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
+                         CompressionType compression = CompressionType_None) const;
+  /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted
+  /// one element a line, indented by tabs. Only where the code page is UTF-8, or the text pure ASCII, can the
+  /// result be read back by FromXml(), which takes undeclared text as UTF-8; ToXmlStream() and FromXmlStream()
+  /// always fit. \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as
+  /// inner exception.
+  virtual std::string ToXml(
+      bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
+      CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const;
+  /// Write a document as encoded bytes, compressed where asked for.
+  /// \throws CQnValidationException as ToXml; CQnException for XmlEncoding_Default, which has no encoded form, and
+  ///         "Failed to compress data. [Error Code: %d]" for a document that compression does not make shorter.
+  virtual CBinaryData ToXmlStream(bool includeHeader = true, bool formatted = true,
+                                  XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
+                                  CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
+                                  CompressionType compression = CompressionType_None) const;
+
+  /// Read the document in the file \p path, which may be compressed by gzip or zlib.
+  virtual void FromXmlFile(char const* path,
+                           CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// Read a document from NUL-terminated text in the encoding that it declares (UTF-8 when it declares none,
+  /// whatever the local code page is).
+  virtual void FromXml(char const* text,
+                       CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// Read a document from NUL-terminated wide text. Characters above U+FFFF are cut to 16 bits.
+  virtual void FromXml(wchar_t const* text,
+                       CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// Read a document from \p length bytes, which may be compressed by gzip or zlib. They are copied.
+  virtual void FromXmlStream(unsigned char* data, unsigned long length,
+                             CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  virtual void FromXmlStream(CBinaryData const& data,
+                             CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// Read from an element of a tree that was loaded already; the tree stays the caller's.
+  virtual void FromXmlElement(CXmlElement const* element,
+                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+
+  virtual ~CXmlObjectBase();
+
+  /// The namespace in which the element of this object is written at the document root.
+  virtual std::string GetTargetNamespace() const = 0;
+  /// The namespace that the element descriptors of this object are given while reading.
+  virtual std::string GetNamespace() const = 0;
+
+ protected:
+  virtual void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
+  virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                         bool inChoice) const = 0;
+  virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                   bool inChoice) = 0;
+
+ public:
+  /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
+  /// reading sets it to the name found.
+  std::string const& GetElementName() const { return m_elementName; }
+  void SetElementName(char const* name) { m_elementName = name; }
+  CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
+
+  /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
+  int AddRef();
+  int Release();
+
+  /// CXmlObjectHelper's operations of the same names, for generated code.
+  bool DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element, char const* name,
+                            char const* ns) const;
+  bool IsNamespaceValid(char const* ns, char const* list, char const* target) const;
+  void TestNamespace(char const* ns, char const* list, char const* target) const;
+
+  /// Ways in to the operations above for generated collections and the like, which hold objects of other classes.
+  static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                  CXmlSerializationContext const& ctx);
+  static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
+                        CXmlSerializationContext const& ctx, bool inChoice);
+  static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                  CXmlSerializationContext const& ctx);
+
+  /// Send one event of \p collection to \p sink, with the collection as sender.
+  static void FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection);
+  static void FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
+  static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
+  static void FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
+  static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
+
+ protected:
+  /// Helpers for generated property setters. \p selected is kept by the generated class, one for each choice: the
+  /// name of the property now set, empty for none.
+
+  /// Note that the member \p name of a choice was set to \p value, or was unset when \p value is null.
+  /// \throws CQnInvalidStateException "The Property [%s] is already set. Only one element within this class bay be
+  ///         set at a time" when another member is set.
+  void Choice_SelectElement(char const* name, CXmlObjectBase* value, std::string& selected);
+  /// Note that the collection \p name, a member of a choice, now holds \p count items.
+  /// \throws CQnInvalidStateException as Choice_SelectElement.
+  void Choice_CollectionChanged(char const* name, long count, std::string& selected);
+  /// Confirm a selection that was made already, or clear it when \p valid is false.
+  /// \throws CQnInvalidStateException "The Property %s is already set. Only one element within this class bay be
+  ///         set at a time" when anything but \p name is selected, nothing included.
+  void Choice_SetElementValid(bool valid, char const* name, std::string& selected);
+  /// Read the items of \p col, a member of a choice, unless \p count says that it had its turn. What was read
+  /// moves \p cursor and raises \p count. \throws CQnValidationException for a count outside the limits of \p col.
+  void Choice_Read_Collection(CXmlCollectionBase* col, CXmlElement* parent, CXmlElement*& cursor, long& count,
+                              CXmlSerializationContext const& ctx);
+  /// \throws CQnInvalidParamException "This property requires an element with the name %s the element being set
+  /// has
+  ///         the element name %s" when \p value is not null and has another name.
+  void Throw_IfElementNameDiffers(CXmlObjectBase* value, char const* name);
+  /// \throws CQnInvalidParamException "The Property [%s] is mandatory, it may node be NULL".
+  void Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name);
+
+ private:
+  friend class Quillon9Data::CElementInfo;  // the descriptors hand children their part of the tree
+  friend class Quillon9Data::CAttributeInfo;
+
+  std::string m_elementName;
+  CQNCriticalSection m_cs;
+  int m_refCount = 0;
+};
+
+}  // namespace Quillon9

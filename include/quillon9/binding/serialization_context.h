@@ -1,0 +1,110 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "quillon9/binding/namespace_alias_map.h"
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// The kind of schema that the generated classes come from. The library tells apart only the kind without
+/// namespaces: under it documents are parsed without namespace processing and names are compared as they stand,
+/// prefix included.
+enum SchemaType {
+  SchemaType_XSD = 0,
+  SchemaType_XDR = 1,
+  SchemaType_DTD = 2,  ///< no namespaces
+};
+
+/// The options of one read or write, filled by the caller and passed by const reference through every call: how
+/// strict reading is, and what the root of a written document gets.
+///
+/// No locks: threads that read or write at the same time use contexts of their own.
+class QUILLON9_API CXmlSerializationContext {
+ public:
+  CXmlSerializationContext();
+  /// Copies every option.
+  CXmlSerializationContext(CXmlSerializationContext const& other);
+  CXmlSerializationContext& operator=(CXmlSerializationContext const& other);
+  virtual ~CXmlSerializationContext();
+
+  /// Drop an attribute that no descriptor takes instead of failing. Default false.
+  bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
+  void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
+
+  /// Skip a child element that no descriptor takes instead of failing. Default false.
+  bool GetIgnoreUnknownElements() const { return m_ignoreUnknownElements; }
+  /// \throws CQnInvalidStateException when \p ignore is true and missing mandatory elements are ignored already:
+  ///         the two exclude each other. The option keeps false.
+  void SetIgnoreUnknownElements(bool ignore);
+
+  /// Accept that a mandatory element is absent. Default false; no effect on an all group.
+  bool GetIgnoreMissingMandatoryElements() const { return m_ignoreMissingMandatoryElements; }
+  /// \throws CQnInvalidStateException when \p ignore is true and unknown elements are ignored already.
+  void SetIgnoreMissingMandatoryElements(bool ignore);
+
+  /// Accept a choice with nothing set or found, on reading and writing. Default false.
+  bool GetIgnoreMissingChoice() const { return m_ignoreMissingChoice; }
+  void SetIgnoreMissingChoice(bool ignore) { m_ignoreMissingChoice = ignore; }
+
+  /// Accept a collection whose count is outside its limits. Default false.
+  bool GetIgnoreInvalidCollectionCounts() const { return m_ignoreInvalidCollectionCounts; }
+  void SetIgnoreInvalidCollectionCounts(bool ignore) { m_ignoreInvalidCollectionCounts = ignore; }
+
+  /// Match elements by local name alone. True when set, and for a schema without namespaces in any case.
+  bool GetIgnoreNamespaces() const { return m_ignoreNamespaces || m_schemaType == SchemaType_DTD; }
+  void SetIgnoreNamespaces(bool ignore) { m_ignoreNamespaces = ignore; }
+
+  /// Do not write an optional attribute whose text equals its default. Default false.
+  bool GetNoOptionalAttributeDefaultOutput() const { return m_noOptionalAttributeDefaultOutput; }
+  void SetNoOptionalAttributeDefaultOutput(bool omit) { m_noOptionalAttributeDefaultOutput = omit; }
+
+  /// Write xsi:type where a class asks for it. Default true.
+  bool GetWriteTypeAttribute() const { return m_writeTypeAttribute; }
+  void SetWriteTypeAttribute(bool write) { m_writeTypeAttribute = write; }
+
+  SchemaType GetSchemaType() const { return m_schemaType; }
+  void SetSchemaType(SchemaType type) { m_schemaType = type; }
+
+  /// Read a CDATA section as plain text (true, the default), or keep its marks in the text (false).
+  bool GetStripCDATA() const { return m_stripCDATA; }
+  void SetStripCDATA(bool strip) { m_stripCDATA = strip; }
+
+  /// Text to write inside the start tag of the root, such as a schema location attribute. It is written as given.
+  std::string const& GetInLineSchema() const { return m_inLineSchema; }
+  void SetInLineSchema(char const* text) { m_inLineSchema = text; }
+
+  /// The default namespace to declare on the root; none when empty.
+  std::string const& GetDefaultNamespaceURI() const { return m_defaultNamespaceURI; }
+  void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri; }
+
+  /// The prefixes to declare on the root, for direct changes. They live as long as this context.
+  CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }
+  CNamespaceAliasMap const* GetNamespaceAliases() const { return &m_namespaceAliases; }
+
+  /// The processing instructions to write before the root, each a whole `<?...?>`, for direct changes.
+  std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
+  std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
+
+  /// The context of callers without wishes: every option at its default. Shared by the whole process.
+  static CXmlSerializationContext m_defaultContext;
+
+ private:
+  std::string m_defaultNamespaceURI;
+  bool m_writeTypeAttribute = true;
+  CNamespaceAliasMap m_namespaceAliases;
+  std::vector<std::string> m_processingInstructions;
+  std::string m_inLineSchema;
+  bool m_ignoreInvalidCollectionCounts = false;
+  bool m_ignoreMissingChoice = false;
+  bool m_ignoreMissingMandatoryElements = false;
+  bool m_ignoreUnknownElements = false;
+  bool m_ignoreUnknownAttributes = false;
+  bool m_ignoreNamespaces = false;
+  SchemaType m_schemaType = SchemaType_XSD;
+  bool m_noOptionalAttributeDefaultOutput = false;
+  bool m_stripCDATA = true;
+};
+
+}  // namespace Quillon9

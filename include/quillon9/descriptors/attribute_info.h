@@ -1,0 +1,100 @@
+#pragma once
+
+#include <string>
+
+#include "quillon9/descriptors/element_info.h"
+
+/// The descriptors of attributes. A generated class lists one for each attribute that its schema declares. They
+/// are immutable, belong to the tables of their class and serve all its instances in all threads.
+namespace Quillon9Data {
+
+using Quillon9::CXmlAttribute;
+
+/// Root of the family.
+class QUILLON9_API CAttributeInfo {
+ public:
+  /// \p name, \p ns and \p defaultValue are copied. A null or empty \p defaultValue means that there is none.
+  CAttributeInfo(char const* name, char const* ns, int index, bool optional, char const* defaultValue);
+  CAttributeInfo(CAttributeInfo const&) = delete;
+  CAttributeInfo& operator=(CAttributeInfo const&) = delete;
+  virtual ~CAttributeInfo();
+
+  /// Write the property, unless it is optional and not set, or equal to its default while \p ctx leaves these out.
+  /// \throws CQnException for a broken facet, and for a required value that is not set.
+  virtual void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                              CXmlWriter* writer) const = 0;
+  /// Store \p attribute when it is this descriptor's own; true when it was. Facets are not checked on reading.
+  /// \throws CQnInvalidValueException for a text that does not convert.
+  virtual bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                CXmlAttribute* attribute) = 0;
+  /// The check after the last attribute. \p found: AttributeFromXml() took one.
+  /// \throws CQnValidationException "Failed to find the required Attribute [%s]".
+  virtual void Validate(CXmlSerializationContext const& ctx, bool found) const = 0;
+
+  /// Whether \p attribute, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
+  bool IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const;
+  void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
+  void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
+
+  static std::string GetTargetNamespace(CXmlObjectBase const* object);
+  static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
+                        CXmlSerializationContext const& ctx);
+  static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
+
+ protected:
+  /// Whether \p text, the default of an optional attribute, is to be left out.
+  bool IsSuppressedDefault(CXmlSerializationContext const& ctx, std::string const& text) const;
+  void ThrowIfRequiredAndMissing(bool found) const;
+
+  std::string m_attributeName;
+  std::string m_namespace;
+  int m_propertyIndex;
+  bool m_optional;
+  std::string m_defaultValue;
+};
+
+/// An attribute that holds a value of some ItemType. It matches by name and namespace exactly, even where the
+/// context ignores namespaces; its enumeration sister does not.
+class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
+ public:
+  /// \p format is kept as it is and must outlive the descriptor; \p restrictions is copied.
+  CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional, ItemType type,
+                          char const* format, CWhitespaceUtils::WhitespaceRule rule,
+                          CPrimitiveRestrictions const& restrictions, char const* defaultValue);
+  ~CAttributeInfoPrimitive() override;
+
+  void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                      CXmlWriter* writer) const override;
+  bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                        CXmlAttribute* attribute) override;
+  void Validate(CXmlSerializationContext const& ctx, bool found) const override;
+
+  /// \throws CQnException for a broken facet.
+  void CheckRestriction(QnVariant value) const;
+
+ private:
+  CPrimitiveRestrictions m_restrictions;
+  ItemType m_itemType;
+  char const* m_format;
+  CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+};
+
+/// An attribute that holds an enumerator. The generated function sees the text as it stood in the document.
+class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
+ public:
+  CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional, EnumToText toText,
+                     EnumFromText fromText, char const* defaultValue);
+  ~CAttributeInfoEnum() override;
+
+  void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                      CXmlWriter* writer) const override;
+  bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                        CXmlAttribute* attribute) override;
+  void Validate(CXmlSerializationContext const& ctx, bool found) const override;
+
+ private:
+  EnumFromText m_fromText;
+  EnumToText m_toText;
+};
+
+}  // namespace Quillon9Data

@@ -1,0 +1,180 @@
+#include "quillon9/binding/collection.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "quillon9/binding/exceptions.h"
+
+namespace Quillon9 {
+
+CXmlCollectionBase::CXmlCollectionBase() = default;
+
+CXmlCollectionBase::CXmlCollectionBase(char const* name, char const* ns, int minOccurs, int maxOccurs)
+    : m_namespace(ns), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+  SetElementName(name);
+}
+
+CXmlCollectionBase::~CXmlCollectionBase() = default;
+
+CXmlObjectBase* CXmlCollectionBase::GetBase() { return this; }
+
+std::string CXmlCollectionBase::GetTargetNamespace() const {
+  throw CQnException(
+      "CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)");
+}
+
+std::string CXmlCollectionBase::GetNamespace() const { return m_namespace; }
+
+void CXmlCollectionBase::ValidateCount(CXmlSerializationContext const& ctx) const {
+  if (ctx.GetIgnoreInvalidCollectionCounts()) return;
+  int const count = GetCount();
+  if (count > m_maxOccurs && m_maxOccurs != -1) {
+    throw CQnValidationException(
+        FormatString("The Maximum number of [%s] elements allowed in this collection is %d",
+                     GetElementName().c_str(), m_maxOccurs));
+  }
+  if (count < m_minOccurs) {
+    throw CQnValidationException(
+        FormatString("The Minimum number of [%s] elements allowed in this collection is %d",
+                     GetElementName().c_str(), m_minOccurs));
+  }
+}
+
+bool CXmlCollectionBase::IsValidCount(CXmlSerializationContext const& ctx) const {
+  if (ctx.GetIgnoreInvalidCollectionCounts()) return true;
+  int const count = GetCount();
+  if (count > m_maxOccurs && m_maxOccurs != -1) return false;
+  return count >= m_minOccurs;
+}
+
+void CXmlCollectionBase::AddEventListener(IEventSink* sink) { m_listeners.push_back(sink); }
+
+void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
+  m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), sink), m_listeners.end());
+}
+
+// By index: a listener may add or remove listeners while it is told.
+template <class Fire>
+void CXmlCollectionBase::ForEachListener(Fire fire) {
+  for (std::size_t i = 0; i < m_listeners.size(); ++i) fire(m_listeners[i]);
+}
+
+void CXmlCollectionBase::FireOnCollectionAdd(void* item) {
+  ForEachListener([&](IEventSink* sink) { FireOnCollectionAddEvent(sink, this, item); });
+}
+
+void CXmlCollectionBase::FireOnCollectionAddComplete(void* item) {
+  ForEachListener([&](IEventSink* sink) { FireOnCollectionAddCompleteEvent(sink, this, item); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemove(int index) {
+  ForEachListener([&](IEventSink* sink) { FireOnCollectionRemoveEvent(sink, this, index); });
+}
+
+void CXmlCollectionBase::FireOnCollectionRemoveComplete(int index) {
+  ForEachListener([&](IEventSink* sink) { FireOnCollectionRemoveCompleteEvent(sink, this, index); });
+}
+
+void CXmlCollectionBase::FireOnCollectionChange() {
+  ForEachListener([&](IEventSink* sink) { FireOnCollectionChangeEvent(sink, this); });
+}
+
+CXmlCollection::CXmlCollection() = default;
+
+CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, int maxOccurs)
+    : CXmlCollectionBase(name, ns, minOccurs, maxOccurs) {}
+
+CXmlCollection::~CXmlCollection() {
+  try {
+    CXmlCollection::Clear();
+  } catch (...) {  // a listener's failure must not end the process, and the items must go all the same
+    while (m_head != nullptr) Unlink(m_head);
+  }
+}
+
+void CXmlCollection::Clear() {
+  while (m_count > 0) Remove(0);
+}
+
+void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
+
+void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
+  for (CNode const* node = m_head; node != nullptr; node = node->m_next) {
+    if (node->m_item) CXmlObjectBase::AttributesToXml_Int(node->m_item->GetBase(), writer, ctx);
+  }
+}
+
+void CXmlCollection::AppendItem(CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  FinishAdd(nullptr, item);
+}
+
+void CXmlCollection::PrependItem(CXmlObjectBase* item) {
+  FireOnCollectionAdd(item);
+  FinishAdd(m_head, item);
+}
+
+void CXmlCollection::AddBeforeItem(CXmlObjectBase const* anchor, CXmlObjectBase* item) {
+  if (anchor == nullptr) return AppendItem(item);
+  FireOnCollectionAdd(item);
+  FinishAdd(GetNodeForItem(anchor), item);
+}
+
+void CXmlCollection::AddAfterItem(CXmlObjectBase const* anchor, CXmlObjectBase* item) {
+  if (anchor == nullptr) return PrependItem(item);
+  FireOnCollectionAdd(item);
+  FinishAdd(GetNodeForItem(anchor)->m_next, item);
+}
+
+void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
+  if (index < 0 || index > m_count) throw CQnInvalidParamException("Index out of range");
+  if (index == m_count) return AppendItem(item);
+  FireOnCollectionAdd(item);
+  FinishAdd(GetNodeAtIndex(index), item);
+}
+
+CNode* CXmlCollection::GetNodeAtIndex(int index) const {
+  if (index < 0 || index >= m_count) {
+    throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, m_count));
+  }
+  CNode* node = m_head;
+  while (index-- > 0) node = node->m_next;
+  return node;
+}
+
+CNode* CXmlCollection::GetNodeForItem(CXmlObjectBase const* item) const {
+  CXmlObjectBase const* const wanted = item != nullptr ? item->GetBase() : nullptr;
+  for (CNode* node = m_head; node != nullptr; node = node->m_next) {
+    if ((node->m_item ? node->m_item->GetBase() : nullptr) == wanted) return node;
+  }
+  throw CQnInvalidParamException("The object was not found in the collection");
+}
+
+void CXmlCollection::RemoveNode(CNode* node) {
+  FireOnCollectionRemove(-1);
+  Unlink(node);
+  FireOnCollectionRemoveComplete(-1);
+  FireOnCollectionChange();
+}
+
+// The add event has been fired, and next, the node to stand in front of (null for the end), was looked up after
+// it: a listener may have changed the list.
+void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
+  auto* const node = new CNode(item);
+  node->m_next = next;
+  node->m_prev = next != nullptr ? next->m_prev : m_tail;
+  (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node;
+  (next != nullptr ? next->m_prev : m_tail) = node;
+  ++m_count;
+  FireOnCollectionAddComplete(item);
+  FireOnCollectionChange();
+}
+
+void CXmlCollection::Unlink(CNode* node) {
+  (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
+  (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;
+  --m_count;
+  delete node;
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,97 @@
+#include "quillon9/binding/generated_class.h"
+
+#include <typeinfo>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/descriptors/attribute_info.h"
+#include "quillon9/descriptors/element_info.h"
+
+namespace Quillon9Data {
+
+CParentElementInfo::CParentElementInfo(XmlElementGroupType groupType, XmlElementType elementType,
+                                       char const* typeName, char const* typeNamespace, int textPropertyIndex,
+                                       bool rejectUnknownAttributes, bool typeAttributeWanted)
+    : m_groupType(groupType),
+      m_elementType(elementType),
+      m_typeName(typeName),
+      m_typeNamespace(typeNamespace),
+      m_textPropertyIndex(textPropertyIndex),
+      m_rejectUnknownAttributes(rejectUnknownAttributes),
+      m_typeAttributeWanted(typeAttributeWanted) {}
+
+CParentElementInfo::~CParentElementInfo() = default;
+
+}  // namespace Quillon9Data
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+CQNCriticalSection CXmlGeneratedClass::m_csInit;
+
+CXmlGeneratedClass::CXmlGeneratedClass() = default;
+CXmlGeneratedClass::~CXmlGeneratedClass() = default;
+
+void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
+  const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);
+}
+
+int CXmlGeneratedClass::GetClassElementInfoCount() const {
+  int count = 0;
+  for (CElementInfo** entry = GetClassElementInfo(); *entry != nullptr; ++entry) ++count;
+  return count;
+}
+
+bool CXmlGeneratedClass::IsElementInList(CXmlSerializationContext const& ctx, CXmlElement* element) const {
+  for (CElementInfo** entry = GetClassElementInfo(); *entry != nullptr; ++entry) {
+    if ((*entry)->IsThisElement(ctx, element)) return true;
+  }
+  return false;
+}
+
+namespace {
+
+// By exact class: a class derived from one of these does not count.
+bool IsRepeatedChoiceMember(CElementInfo const& entry) {
+  std::type_info const& type = typeid(entry);
+  return type == typeid(CElementInfoChoicePrimCol) || type == typeid(CElementInfoChoiceEnumCol) ||
+         type == typeid(CElementInfoChoiceClsCol) || type == typeid(CElementInfoChoiceAbsClsCol);
+}
+
+bool MayStayEmpty(CElementInfo const& entry, CXmlGeneratedClass const* holder) {
+  if (!IsRepeatedChoiceMember(entry)) return false;
+  QnVariant value;
+  entry.ReadProperty(holder, value);
+  CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
+  return collection && collection->GetMinOccurs() == 0;
+}
+
+template <class Entry>
+void DeleteTable(Entry**& table) {
+  if (table == nullptr) return;
+  for (Entry** entry = table; *entry != nullptr; ++entry) {
+    delete *entry;
+    *entry = nullptr;
+  }
+  delete[] table;
+  table = nullptr;
+}
+
+}  // namespace
+
+bool CXmlGeneratedClass::DoesElementContainOptionalElements() const {
+  for (CElementInfo** entry = GetClassElementInfo(); *entry != nullptr; ++entry) {
+    if (MayStayEmpty(**entry, this)) return true;
+  }
+  return false;
+}
+
+void CXmlGeneratedClass::CleanMetaData(CParentElementInfo*& classInfo, CElementInfo**& elements,
+                                       CAttributeInfo**& attributes) {
+  delete classInfo;
+  classInfo = nullptr;
+  DeleteTable(elements);
+  DeleteTable(attributes);
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,190 @@
+// How a generated class is read: the drivers walk the tables, and the descriptors decide.
+
+#include <strings.h>
+
+#include <vector>
+
+#include "binding/failure_wrapping.h"
+#include "quillon9/binding/generated_class.h"
+#include "quillon9/descriptors/attribute_info.h"
+#include "quillon9/descriptors/element_info.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  try {
+    return ReadElement(parent, cursor, ctx, inChoice);
+  } catch (CQnException& cause) {
+    ThrowWrapped<CQnValidationException>(
+        FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+  }
+}
+
+CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  Init();
+  CParentElementInfo const& info = *GetClassInfo();
+  if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
+  ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
+  auto const* const nillable = dynamic_cast<INillable const*>(this);
+  if (nillable != nullptr && nillable->IsNil()) return cursor;
+  CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
+  if (info.m_textPropertyIndex != -1) {
+    QnVariant text;
+    text.SetString(parent->GetText());
+    AccessProperty(info.m_textPropertyIndex, false, text);
+  }
+  return next;
+}
+
+CXmlElement* CXmlGeneratedClass::ReadMembers(CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  CParentElementInfo const& info = *GetClassInfo();
+  switch (info.m_groupType) {
+    case XmlElementGroupType_Sequence: return ProcessElementSeqFromXml(ctx, parent, cursor, info.m_elementType);
+    case XmlElementGroupType_Choice:
+      return ProcessElementChoiceFromXml(ctx, parent, cursor, info.m_elementType, inChoice);
+    case XmlElementGroupType_All: return ProcessElementAllFromXml(ctx, parent, cursor, info.m_elementType);
+  }
+  throw CQnException("Unknow Group Type");
+}
+
+namespace {
+
+[[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const& attribute) {
+  throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
+}
+
+// The place of the descriptor that took the attribute; the end of the table when none did.
+std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
+                           CXmlAttribute* attribute) {
+  std::size_t i = 0;
+  while (table[i] != nullptr && !table[i]->AttributeFromXml(ctx, holder, attribute)) ++i;
+  return i;
+}
+
+}  // namespace
+
+void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
+  auto* const nillable = dynamic_cast<INillable*>(this);
+  if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
+  char const* const value = attribute.GetValue().c_str();
+  if (strcasecmp(value, "true") == 0) {
+    nillable->SetNil(true);
+  } else if (strcasecmp(value, "false") == 0) {
+    nillable->SetNil(false);
+  } else {  // 1 and 0 too, on purpose
+    throw CQnValidationException(
+        FormatString("Unexpected Value for Attribute [%s] found.", attribute.GetLocalName().c_str()));
+  }
+}
+
+void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                  bool reject) {
+  CAttributeInfo** const table = GetClassAttributeInfo();
+  std::size_t count = 0;
+  while (table[count] != nullptr) ++count;
+  std::vector<bool> found(count, false);
+  for (CXmlAttribute* const attribute : parent->GetAttributes()) {
+    if (attribute->IsNamespaceAttribute()) continue;
+    if (attribute->IsNilAttribute()) {
+      ReadNilAttribute(*attribute);
+      continue;
+    }
+    std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
+    if (taker < count) {
+      found[taker] = true;
+    } else if (reject && !ctx.GetIgnoreUnknownAttributes()) {
+      ThrowUnexpectedAttribute(*attribute);
+    }
+  }
+  for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                          CXmlElement* cursor, XmlElementType type) {
+  CXmlElement* const entry = cursor;
+  int const count = GetClassElementInfoCount();
+  for (int i = 0; i < count;) {
+    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type)) {
+      ++i;
+    } else if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) {
+      return entry;
+    } else {
+      cursor = cursor->GetNextSiblingElement();
+    }
+  }
+  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                          CXmlElement* cursor, XmlElementType type) {
+  CXmlElement* const entry = cursor;
+  auto const count = static_cast<std::size_t>(GetClassElementInfoCount());
+  std::vector<bool> found(count, false);
+  CXmlElement const* previous = nullptr;
+  while (cursor != nullptr && cursor != previous) {
+    previous = cursor;
+    for (std::size_t i = 0; i < count; ++i) {
+      if (found[i]) continue;
+      found[i] =
+          GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type);
+    }
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    auto const* const member = dynamic_cast<CElementInfoAll const*>(GetClassElementInfo()[i]);
+    if (member == nullptr) throw CQnException("The table of an all group holds a member of another group");
+    if (!member->Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
+  }
+  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                              CXmlElement** cursor, XmlElementType type) {
+  int const count = GetClassElementInfoCount();
+  for (int i = 0; i < count; ++i) {
+    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, GetNamespace().c_str(), type))
+      return true;
+  }
+  return false;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx,
+                                                             CXmlElement* parent, CXmlElement* cursor,
+                                                             XmlElementType type, bool inChoice) {
+  CXmlElement* const entry = cursor;
+  bool found = OfferToChoiceMembers(ctx, parent, &cursor, type);
+  while (!found && ctx.GetIgnoreUnknownElements() && type == XmlElementType_Element && cursor != nullptr) {
+    cursor = cursor->GetNextSiblingElement();
+    if (cursor != nullptr) found = OfferToChoiceMembers(ctx, parent, &cursor, type);
+  }
+  if (!found && !inChoice) {
+    if (type == XmlElementType_Pseudo && ctx.GetIgnoreUnknownElements()) return entry;
+    if (type == XmlElementType_Element && !DoesElementContainOptionalElements() && !ctx.GetIgnoreMissingChoice()) {
+      throw CQnValidationException(
+          FormatString("No child elements within the element [%s] were populated. The element represents a "
+                       "choice, so one and only "
+                       "one element should be populated. The element contained no sutable child elements",
+                       parent->GetLocalName().c_str()));
+    }
+  }
+  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+void CXmlGeneratedClass::RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent,
+                                        CXmlElement const* cursor) const {
+  if (cursor == nullptr || ctx.GetIgnoreUnknownElements()) return;
+  throw CQnValidationException(
+      FormatString("Failed read all the elements held within the element [%s]. The unexpected element [%s] "
+                   "remains un processed",
+                   parent->GetLocalName().c_str(), cursor->GetLocalName().c_str()));
+}
+
+}  // namespace Quillon9

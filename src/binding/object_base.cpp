@@ -1,0 +1,148 @@
+#include "quillon9/binding/object_base.h"
+
+#include <cstring>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_helper.h"
+
+namespace Quillon9 {
+
+CXmlObjectBase::CXmlObjectBase() = default;
+CXmlObjectBase::~CXmlObjectBase() = default;
+
+void CXmlObjectBase::OnEvent(CXmlObjectBase*, MsgType, void*) {}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
+
+int CXmlObjectBase::AddRef() {
+  CQNCriticalSectionLock const lock(m_cs);
+  return ++m_refCount;
+}
+
+int CXmlObjectBase::Release() {
+  int count;
+  {
+    CQNCriticalSectionLock const lock(m_cs);
+    count = --m_refCount;
+  }
+  if (count == 0) delete this;
+  return count;
+}
+
+bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
+                                          char const* name, char const* ns) const {
+  return CXmlObjectHelper::DoesElementNameMatch(ctx, element, name, ns);
+}
+
+bool CXmlObjectBase::IsNamespaceValid(char const* ns, char const* list, char const* target) const {
+  return CXmlObjectHelper::IsNamespaceValid(ns, list, target);
+}
+
+void CXmlObjectBase::TestNamespace(char const* ns, char const* list, char const* target) const {
+  CXmlObjectHelper::TestNamespace(ns, list, target);
+}
+
+void CXmlObjectBase::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                         CXmlSerializationContext const& ctx) {
+  object->AttributesToXml_Int(writer, ctx);
+}
+
+void CXmlObjectBase::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
+                               CXmlSerializationContext const& ctx, bool inChoice) {
+  object->ToXml_Int(writer, isRoot, ns, ctx, inChoice);
+}
+
+CXmlElement* CXmlObjectBase::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                         CXmlSerializationContext const& ctx) {
+  return object->FromXml_Int(parent, cursor, ctx, false);
+}
+
+void CXmlObjectBase::FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection) {
+  sink->OnEvent(collection->GetBase(), CollectionChange, nullptr);
+}
+
+void CXmlObjectBase::FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item) {
+  sink->OnEvent(collection->GetBase(), CollectionAdd, item);
+}
+
+void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection,
+                                                      void* item) {
+  sink->OnEvent(collection->GetBase(), CollectionAddComplete, item);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* collection, int index) {
+  sink->OnEvent(collection->GetBase(), CollectionRemove, index == -1 ? nullptr : &index);
+}
+
+void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection,
+                                                         int index) {
+  sink->OnEvent(collection->GetBase(), CollectionRemoveComplete, index == -1 ? nullptr : &index);
+}
+
+namespace {
+
+[[noreturn]] void ThrowAlreadySet(std::string const& selected) {
+  throw CQnInvalidStateException(
+      FormatString("The Property [%s] is already set. Only one element within this class bay be set at a time",
+                   selected.c_str()));
+}
+
+}  // namespace
+
+void CXmlObjectBase::Choice_SelectElement(char const* name, CXmlObjectBase* value, std::string& selected) {
+  if (selected == name) {
+    if (value == nullptr) selected.clear();
+  } else if (selected.empty()) {
+    selected = name;
+  } else if (value != nullptr) {
+    ThrowAlreadySet(selected);
+  }
+}
+
+void CXmlObjectBase::Choice_CollectionChanged(char const* name, long count, std::string& selected) {
+  if (selected == name) {
+    if (count == 0) selected.clear();
+  } else if (selected.empty()) {
+    if (count > 0) selected = name;
+  } else if (count != 0) {
+    ThrowAlreadySet(selected);
+  }
+}
+
+void CXmlObjectBase::Choice_SetElementValid(bool valid, char const* name, std::string& selected) {
+  if (!valid) {
+    selected.clear();
+  } else if (selected != name) {
+    throw CQnInvalidStateException(
+        FormatString("The Property %s is already set. Only one element within this class bay be set at a time",
+                     selected.c_str()));
+  }
+}
+
+void CXmlObjectBase::Choice_Read_Collection(CXmlCollectionBase* col, CXmlElement* parent, CXmlElement*& cursor,
+                                            long& count, CXmlSerializationContext const& ctx) {
+  if (count > 0) return;
+  CXmlElement* const next = FromXml_Int(static_cast<CXmlObjectBase*>(col), parent, cursor, ctx);
+  if (next == cursor) return;
+  cursor = next;
+  col->ValidateCount(ctx);
+  ++count;
+}
+
+void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, char const* name) {
+  if (value == nullptr) return;
+  std::string const& actual = value->GetBase()->GetElementName();
+  if (std::strcmp(actual.c_str(), name) == 0) return;
+  throw CQnInvalidParamException(FormatString(
+      "This property requires an element with the name %s the element being set has the element name %s", name,
+      actual.c_str()));
+}
+
+void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name) {
+  if (value == nullptr) {
+    throw CQnInvalidParamException(FormatString("The Property [%s] is mandatory, it may node be NULL", name));
+  }
+}
+
+}  // namespace Quillon9

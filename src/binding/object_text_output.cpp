@@ -1,0 +1,60 @@
+// The text output operations of CXmlObjectBase: each puts a text writer on a stream and hands it to ToXml_Int.
+// They stand apart from the class because they lean on the writer and the streams.
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/xmlio/streams.h"
+#include "quillon9/xmlio/text_writer.h"
+
+namespace Quillon9 {
+
+namespace {
+
+void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHeader, bool formatted, EOLType eol,
+             CXmlSerializationContext const& ctx) {
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  writer.SetFormat(formatted);
+  writer.SetEOLType(eol);
+  if (includeHeader) writer.WriteStartDocument();
+  std::string const targetNamespace = object.GetTargetNamespace();
+  CXmlObjectBase::ToXml_Int(&object, &writer, true, targetNamespace.c_str(), ctx, false);
+  writer.Close();
+}
+
+}  // namespace
+
+std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
+                                  CXmlSerializationContext const& ctx) const {
+  CTextStream stream;
+  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  return std::string(stream.GetText(), stream.GetLength());
+}
+
+CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
+                                        CXmlSerializationContext const& ctx, CompressionType compression) const {
+  CTextStream stream(encoding);
+  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  CBinaryData data = stream.GetEncodedStream();
+  if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
+  return data;
+}
+
+void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool formatted, XmlEncoding encoding,
+                               EOLType eol, CXmlSerializationContext const& ctx,
+                               CompressionType compression) const {
+  if (compression == CompressionType_ZLib) {
+    throw CQnException("ZLIB Compression only available for To Stream methods.");
+  }
+  if (!ASYNC_TOXMLFILE || compression == CompressionType_GZip) {
+    // Qualified: a derived class that overrides the stream form leaves the file form alone.
+    CBinaryData const data =
+        CXmlObjectBase::ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
+    CFileBinaryStream(path, encoding, data).ToFile();
+    return;
+  }
+  CFileTextStream stream(path, encoding);
+  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+}
+
+}  // namespace Quillon9

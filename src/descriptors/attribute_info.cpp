@@ -1,0 +1,137 @@
+#include "quillon9/descriptors/attribute_info.h"
+
+#include <utility>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9Data {
+
+using namespace Quillon9;
+
+CAttributeInfo::CAttributeInfo(char const* name, char const* ns, int index, bool optional,
+                               char const* defaultValue)
+    : m_attributeName(name),
+      m_namespace(ns),
+      m_propertyIndex(index),
+      m_optional(optional),
+      m_defaultValue(defaultValue != nullptr ? defaultValue : "") {}
+
+CAttributeInfo::~CAttributeInfo() = default;
+
+bool CAttributeInfo::IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const {
+  if (attribute == nullptr || attribute->GetLocalName() != m_attributeName) return false;
+  return ctx.GetIgnoreNamespaces() || attribute->GetNamespaceURI() == m_namespace;
+}
+
+void CAttributeInfo::AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const {
+  holder->AccessProperty(m_propertyIndex, read, value);
+}
+
+void CAttributeInfo::ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const {
+  holder->ReadProperty(m_propertyIndex, value);
+}
+
+std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object) {
+  return object->GetTargetNamespace();
+}
+
+void CAttributeInfo::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
+                               CXmlSerializationContext const& ctx) {
+  object->ToXml_Int(writer, isRoot, ns, ctx, false);
+}
+
+void CAttributeInfo::TestNamespace(std::string const& ns, std::string const& list, std::string const& target) {
+  CXmlObjectHelper::TestNamespace(ns, list, target);
+}
+
+bool CAttributeInfo::IsSuppressedDefault(CXmlSerializationContext const& ctx, std::string const& text) const {
+  return m_optional && !m_defaultValue.empty() && ctx.GetNoOptionalAttributeDefaultOutput() &&
+         text == m_defaultValue;
+}
+
+void CAttributeInfo::ThrowIfRequiredAndMissing(bool found) const {
+  if (m_optional || found) return;
+  throw CQnValidationException(
+      FormatString("Failed to find the required Attribute [%s]", m_attributeName.c_str()));
+}
+
+// ---- Primitive
+
+CAttributeInfoPrimitive::CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional,
+                                                 ItemType type, char const* format,
+                                                 CWhitespaceUtils::WhitespaceRule rule,
+                                                 CPrimitiveRestrictions const& restrictions,
+                                                 char const* defaultValue)
+    : CAttributeInfo(name, ns, index, optional, defaultValue),
+      m_restrictions(restrictions),
+      m_itemType(type),
+      m_format(format),
+      m_whitespaceRule(rule) {}
+
+CAttributeInfoPrimitive::~CAttributeInfoPrimitive() = default;
+
+void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                             CXmlWriter* writer) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  if (m_optional && !value.IsValid()) return;
+  std::string const text = value.ToString(m_format);  // also what reports a required value that is not set
+  if (IsSuppressedDefault(ctx, text)) return;
+  ItemType const held = value.GetItemType();
+  CheckRestriction(std::move(value));
+  writer->WriteAttributeString(m_attributeName, m_namespace, text, held);
+}
+
+// Asks for the namespace whatever the context says of namespaces: that is how it differs from IsThisAttribute().
+bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass* holder,
+                                               CXmlAttribute* attribute) {
+  if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
+  QnVariant value;
+  value.FromString(attribute->GetValue(), m_itemType, m_whitespaceRule);
+  AccessProperty(holder, false, value);
+  return true;
+}
+
+void CAttributeInfoPrimitive::Validate(CXmlSerializationContext const&, bool found) const {
+  ThrowIfRequiredAndMissing(found);
+}
+
+void CAttributeInfoPrimitive::CheckRestriction(QnVariant value) const {
+  CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
+}
+
+// ---- Enum
+
+CAttributeInfoEnum::CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional,
+                                       EnumToText toText, EnumFromText fromText, char const* defaultValue)
+    : CAttributeInfo(name, ns, index, optional, defaultValue), m_fromText(fromText), m_toText(toText) {}
+
+CAttributeInfoEnum::~CAttributeInfoEnum() = default;
+
+void CAttributeInfoEnum::AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                        CXmlWriter* writer) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  if (m_optional && !value.IsValid()) return;
+  std::string const text = m_toText(value.GetI4());  // a required value that is not set counts as number 0
+  if (IsSuppressedDefault(ctx, text)) return;
+  writer->WriteAttributeString(m_attributeName, m_namespace, text, ItemType_string);
+}
+
+bool CAttributeInfoEnum::AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                          CXmlAttribute* attribute) {
+  if (!IsThisAttribute(ctx, attribute)) return false;
+  QnVariant value;
+  value.SetI4(m_fromText(attribute->GetValue().c_str()));
+  AccessProperty(holder, false, value);
+  return true;
+}
+
+void CAttributeInfoEnum::Validate(CXmlSerializationContext const&, bool found) const {
+  ThrowIfRequiredAndMissing(found);
+}
+
+}  // namespace Quillon9Data

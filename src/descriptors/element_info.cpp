@@ -1,0 +1,216 @@
+#include "quillon9/descriptors/element_info.h"
+
+#include <cstring>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9Data {
+
+using namespace Quillon9;
+
+CElementInfo::CElementInfo(char const* name, char const* ns, int index, ItemType type, char const* format,
+                           CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+    : m_elementName(name),
+      m_namespace(ns),
+      m_propertyIndex(index),
+      m_restrictions(restrictions),
+      m_itemType(type),
+      m_format(format),
+      m_whitespaceRule(rule),
+      m_primitive(true) {}
+
+CElementInfo::CElementInfo(char const* name, char const* ns, int index)
+    : m_elementName(name), m_namespace(ns), m_propertyIndex(index), m_primitive(false) {}
+
+CElementInfo::~CElementInfo() = default;
+CElementInfoSeq::~CElementInfoSeq() = default;
+CElementInfoAll::~CElementInfoAll() = default;
+CElementInfoChoice::~CElementInfoChoice() = default;
+
+void CElementInfo::PseudoChildAttributeToXml(CXmlSerializationContext const&, CXmlGeneratedClass const*,
+                                             CXmlWriter*) const {}
+
+namespace {
+
+[[noreturn]] void ThrowNeverValidated() { throw CQnException("Not implemented, should never be called"); }
+
+}  // namespace
+
+bool CElementInfoSeq::Validate(CXmlSerializationContext const&, CXmlGeneratedClass const*, bool, bool) const {
+  ThrowNeverValidated();
+}
+
+bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGeneratedClass const*, bool, bool) const {
+  ThrowNeverValidated();
+}
+
+bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
+  if (element == nullptr || element->GetLocalName() != m_elementName) return false;
+  return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace;
+}
+
+void CElementInfo::CheckRestriction(QnVariant const& value) const {
+  if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
+  CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
+}
+
+std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char const* ns,
+                                                 char const* targetNamespace) {
+  std::string const text = restriction;
+  if (text == "##any") return ns;
+  if (text == "##other") return *ns != '\0' ? "" : "DefaultNamespace";
+  if (text == "##local") return "";
+  if (text == "##targetNamespace") return targetNamespace;
+  std::size_t const blank = text.find(' ');
+  if (blank == std::string::npos || text.size() <= 2 || text.compare(0, 2, "##") != 0) return "";
+  return GetAnyDefaultNamespace(text.substr(0, blank).c_str(), ns, targetNamespace);
+}
+
+bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
+                                    CXmlWriter* writer) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  if (!value.IsValid()) return false;
+  CheckRestriction(value);
+  writer->WriteStartElement(m_elementName, m_namespace);
+  writer->WriteString(value.ToString(m_format), value.GetItemType());
+  writer->WriteEndElement();
+  return true;
+}
+
+bool CElementInfo::ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                       CXmlWriter* writer) const {
+  return ElementToXmlPrim(ctx, holder, writer);
+}
+
+bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
+                                    CXmlWriter* writer, EnumToText toText) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  if (!value.IsValid()) return false;
+  int const number = value.GetI4();
+  writer->WriteStartElement(m_elementName, m_namespace);
+  writer->WriteString(toText(number), ItemType_string);
+  writer->WriteEndElement();
+  return true;
+}
+
+bool CElementInfo::ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                       CXmlWriter* writer, EnumToText toText) const {
+  return ElementToXmlEnum(ctx, holder, writer, toText);
+}
+
+bool CElementInfo::ElementToXmlCls(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                   CXmlWriter* writer, bool inChoice) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  CSmartPtr<CXmlObjectBase> const child = value.GetXmlObject();
+  if (!child) return false;
+  CXmlObjectBase::ToXml_Int(child.Get(), writer, false, m_namespace.c_str(), ctx, inChoice);
+  return true;
+}
+
+bool CElementInfo::ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                   CXmlWriter* writer) const {
+  CSmartPtr<CXmlCollectionBase> const collection = ReadCollection(holder);
+  if (collection->GetCount() <= 0) return false;
+  CXmlObjectBase::ToXml_Int(collection->GetBase(), writer, false, m_namespace.c_str(), ctx, false);
+  return true;
+}
+
+void CElementInfo::AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const {
+  holder->AccessProperty(m_propertyIndex, read, value);
+}
+
+void CElementInfo::ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const {
+  holder->ReadProperty(m_propertyIndex, value);
+}
+
+CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
+                                       CXmlSerializationContext const& ctx, bool inChoice) const {
+  return object->FromXml_Int(parent, cursor, ctx, inChoice);
+}
+
+void CElementInfo::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
+                                       CXmlSerializationContext const& ctx) const {
+  CXmlObjectBase::AttributesToXml_Int(object, writer, ctx);
+}
+
+bool CElementInfo::SeekRequiredElement(CXmlSerializationContext const& ctx, CXmlElement** cursor) const {
+  while (!IsThisElement(ctx, *cursor)) {
+    // Asked before unknown elements are: with this option on, none is ever skipped here.
+    if (ctx.GetIgnoreMissingMandatoryElements()) return false;
+    if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) ThrowRequiredElement();
+    *cursor = (*cursor)->GetNextSiblingElement();
+  }
+  return true;
+}
+
+void CElementInfo::ThrowRequiredElement() const {
+  throw CQnValidationException(FormatString("Failed to find a required element [%s]", m_elementName.c_str()));
+}
+
+bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
+  QnVariant value;
+  value.FromString((*cursor)->GetText(), m_itemType, m_whitespaceRule);
+  AccessProperty(holder, false, value);
+  *cursor = (*cursor)->GetNextSiblingElement();
+  return true;
+}
+
+void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child,
+                             CXmlElement** cursor) const {
+  CXmlElement* const element = *cursor;
+  FromXml_Int(child, element, element->GetFirstElement(), ctx, false);
+  *cursor = element->GetNextSiblingElement();
+}
+
+CSmartPtr<CXmlObjectBase> CElementInfo::FetchChild(CXmlGeneratedClass* holder) const {
+  QnVariant value;
+  AccessProperty(holder, true, value);
+  CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
+  if (!child)
+    throw CQnException(FormatString("The class has no object for the element [%s]", m_elementName.c_str()));
+  return child;
+}
+
+CSmartPtr<CXmlCollectionBase> CElementInfo::FetchCollection(CXmlGeneratedClass* holder) const {
+  QnVariant value;
+  AccessProperty(holder, true, value);
+  CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
+  if (!collection) {
+    throw CQnException(FormatString("The class has no collection for the element [%s]", m_elementName.c_str()));
+  }
+  return collection;
+}
+
+CSmartPtr<CXmlCollectionBase> CElementInfo::ReadCollection(CXmlGeneratedClass const* holder) const {
+  return FetchCollection(const_cast<CXmlGeneratedClass*>(holder));  // reading changes nothing, see ReadProperty
+}
+
+void CElementInfo::StoreChild(CXmlGeneratedClass* holder, CXmlObjectBase* child) const {
+  QnVariant value;
+  value.SetXmlObject(child);
+  AccessProperty(holder, false, value);
+}
+
+void CElementInfo::PseudoObjectAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,
+                                               CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
+  if (childType != XmlElementType_Pseudo) return;
+  QnVariant value;
+  ReadProperty(holder, value);
+  CSmartPtr<CXmlObjectBase> const child = value.GetXmlObject();
+  if (child) AttributesToXml_Int(child.Get(), writer, ctx);
+}
+
+void CElementInfo::PseudoItemsAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,
+                                              CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
+  if (childType != XmlElementType_Pseudo) return;
+  AttributesToXml_Int(ReadCollection(holder).Get(), writer, ctx);
+}
+
+}  // namespace Quillon9Data

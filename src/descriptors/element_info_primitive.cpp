@@ -1,0 +1,57 @@
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/descriptors/element_info.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9Data {
+
+using namespace Quillon9;
+
+// ---- PrimMnd
+
+CElementInfoSeqPrimMnd::CElementInfoSeqPrimMnd(char const* name, char const* ns, int index, ItemType type,
+                                               char const* format, CWhitespaceUtils::WhitespaceRule rule,
+                                               CPrimitiveRestrictions const& restrictions)
+    : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
+
+CElementInfoSeqPrimMnd::~CElementInfoSeqPrimMnd() = default;
+
+bool CElementInfoSeqPrimMnd::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                          CXmlWriter* writer) const {
+  return ElementToXmlPrim(ctx, holder, writer);
+}
+
+bool CElementInfoSeqPrimMnd::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                            CXmlElement*, CXmlElement** cursor, char const*,
+                                            XmlElementType holderType) {
+  if (holderType == XmlElementType_Element) {
+    return !SeekRequiredElement(ctx, cursor) || TakePrimitive(holder, cursor);
+  }
+  // In a holder without a tag the whole group may be absent. Unlike its enumeration and class sisters this member
+  // skips unknown elements here, and never excuses a missing one.
+  while (!IsThisElement(ctx, *cursor)) {
+    if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) return false;
+    *cursor = (*cursor)->GetNextSiblingElement();
+  }
+  return TakePrimitive(holder, cursor);
+}
+
+// ---- PrimOpt
+
+CElementInfoSeqPrimOpt::CElementInfoSeqPrimOpt(char const* name, char const* ns, int index, ItemType type,
+                                               char const* format, CWhitespaceUtils::WhitespaceRule rule,
+                                               CPrimitiveRestrictions const& restrictions)
+    : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
+
+CElementInfoSeqPrimOpt::~CElementInfoSeqPrimOpt() = default;
+
+bool CElementInfoSeqPrimOpt::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                          CXmlWriter* writer) const {
+  return ElementToXmlPrimOpt(ctx, holder, writer);
+}
+
+bool CElementInfoSeqPrimOpt::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                            CXmlElement*, CXmlElement** cursor, char const*, XmlElementType) {
+  return !IsThisElement(ctx, *cursor) || TakePrimitive(holder, cursor);  // absent is fine: the cursor stays
+}
+
+}  // namespace Quillon9Data

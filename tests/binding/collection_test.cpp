@@ -1,0 +1,159 @@
+#include "quillon9/binding/collection.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "dynamic_class.h"
+#include "expect_failure.h"
+
+namespace Quillon9 {
+namespace {
+
+using namespace Testing;
+
+/// Writes down the events it hears; throws at the one it is told to.
+class Recorder : public IEventSink {
+ public:
+  explicit Recorder(int throwAt = -1) : m_throwAt(throwAt) {}
+  void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) override {
+    m_sender = sender;
+    m_data = data;
+    m_log += static_cast<char>('0' + type);
+    if (type == m_throwAt) throw CQnException("listener");
+  }
+  std::string Take() { return std::exchange(m_log, ""); }
+
+  CXmlObjectBase* m_sender = nullptr;
+  void* m_data = nullptr;
+
+ private:
+  int m_throwAt;
+  std::string m_log;
+};
+
+class CollectionTest : public testing::Test {
+ protected:
+  std::string Names(DynamicCollection const& collection) {
+    std::string names;
+    for (int i = 0; i < collection.GetCount(); ++i) names += collection.Item(i)->GetElementName();
+    return names;
+  }
+
+  Shape m_shape{{}, {}};
+  CSmartPtr<DynamicClass> a{new DynamicClass(m_shape, "a")};
+  CSmartPtr<DynamicClass> b{new DynamicClass(m_shape, "b")};
+  CSmartPtr<DynamicClass> c{new DynamicClass(m_shape, "c")};
+};
+
+TEST_F(CollectionTest, AddsInEveryPlace) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  list.AppendItem(b.Get());
+  list.PrependItem(a.Get());
+  list.AddItemAt(2, c.Get());
+  EXPECT_EQ("abc", Names(list));
+  list.AddBeforeItem(c.Get(), a.Get());
+  list.AddAfterItem(a.Get(), c.Get());  // the first of the two nodes that hold a
+  list.AddBeforeItem(nullptr, b.Get());
+  list.AddAfterItem(nullptr, b.Get());
+  list.AddItemAt(1, c.Get());
+  EXPECT_EQ("bcacbacb", Names(list));
+  list.Remove(7);
+  list.Remove(0);
+  EXPECT_EQ("cacbac", Names(list));
+}
+
+TEST_F(CollectionTest, FiresBeforeAfterAndChange) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  Recorder listener;
+  list.AddEventListener(&listener);
+  list.Clear();
+  EXPECT_EQ("", listener.Take());
+  list.AppendItem(a.Get());
+  EXPECT_EQ("120", listener.Take());
+  EXPECT_EQ(&list, listener.m_sender);
+  list.Remove(0);
+  EXPECT_EQ("340", listener.Take());
+  list.AddEventListener(&listener);
+  list.AppendItem(a.Get());
+  EXPECT_EQ("112200", listener.Take());
+  list.RemoveEventListener(&listener);
+  list.RemoveEventListener(&listener);
+  list.AppendItem(a.Get());
+  EXPECT_EQ("", listener.Take());
+}
+
+TEST_F(CollectionTest, EventDataOfRemovalIsTheIndexUnlessItIsMinusOne) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  struct IndexSink : IEventSink {
+    void OnEvent(CXmlObjectBase*, MsgType, void* data) override {
+      m_index = data == nullptr ? -1 : *static_cast<int*>(data);
+    }
+    int m_index = -2;
+  } sink;
+  CXmlObjectBase::FireOnCollectionRemoveEvent(&sink, &list, 0);
+  EXPECT_EQ(0, sink.m_index);
+  CXmlObjectBase::FireOnCollectionRemoveEvent(&sink, &list, -1);
+  EXPECT_EQ(-1, sink.m_index);
+}
+
+TEST_F(CollectionTest, FailuresAndWhatTheyLeave) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  Recorder listener;
+  list.AddEventListener(&listener);
+  EXPECT_FAILURE(CQnInvalidParamException, "Index 0 is out of range, use 0 - 0", list.Remove(0));
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", list.AddItemAt(1, a.Get()));
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", list.AddItemAt(-1, a.Get()));
+  EXPECT_EQ("", listener.Take());
+  EXPECT_FAILURE(CQnInvalidParamException, "The object was not found in the collection",
+                 list.AddBeforeItem(b.Get(), a.Get()));
+  EXPECT_EQ("1", listener.Take());
+  EXPECT_EQ(0, list.GetCount());
+  EXPECT_FAILURE(
+      CQnException,
+      "CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic "
+      "error)",
+      list.ToXml());
+}
+
+TEST_F(CollectionTest, AListenerThatRaisesStopsTheAddAndNeverTheDestruction) {
+  Recorder onAdd(IEventSink::CollectionAdd);
+  Recorder onRemove(IEventSink::CollectionRemove);
+  {
+    DynamicCollection list(m_shape, "item", 0, -1);
+    list.AddEventListener(&onAdd);
+    EXPECT_FAILURE(CQnException, "listener", list.AppendItem(a.Get()));
+    EXPECT_EQ(0, list.GetCount());
+    list.RemoveEventListener(&onAdd);
+    list.AppendItem(a.Get());
+    list.AppendItem(nullptr);
+    list.AddEventListener(&onRemove);
+  }
+  EXPECT_EQ("3", onRemove.Take());
+  EXPECT_EQ(2, a->AddRef()) << "the collection gave its reference back";
+  a->Release();
+}
+
+TEST_F(CollectionTest, Limits) {
+  struct Row {
+    int minOccurs, maxOccurs, count;
+    char const* failure;
+  } const rows[] = {
+      {0, -1, 3, ""},
+      {2, 5, 1, "The Minimum number of [item] elements allowed in this collection is 2"},
+      {0, 2, 3, "The Maximum number of [item] elements allowed in this collection is 2"},
+      {4, 2, 3, "The Maximum number of [item] elements allowed in this collection is 2"},
+  };
+  for (Row const& row : rows) {
+    DynamicCollection list(m_shape, "item", row.minOccurs, row.maxOccurs);
+    for (int i = 0; i < row.count; ++i) list.AppendItem(a.Get());
+    bool const valid = *row.failure == '\0';
+    EXPECT_EQ(valid, list.IsValidCount(Ignoring("")));
+    EXPECT_TRUE(list.IsValidCount(Ignoring("I")));
+    EXPECT_NO_THROW(list.ValidateCount(Ignoring("I")));
+    if (!valid) EXPECT_FAILURE(CQnValidationException, row.failure, list.ValidateCount(Ignoring("")));
+  }
+}
+
+}  // namespace
+}  // namespace Quillon9
