@@ -13,12 +13,12 @@ namespace Quillon9 {
   static_assert(ItemType_##stem == (number) && (sizeof(Held) <= 8 || !std::is_arithmetic_v<Held>), #stem);
 #include "values/item_types.def"
 
-// The kinds that no variant can hold, because their value classes do not exist.
+// The kinds that no variant can hold, because their value classes do not exist, to stand between "case" and colon.
 // clang-format off
-#define QN_KINDS_WITHOUT_CLASS                                                                                   \
-  case ItemType_duration: case ItemType_yearMonth: case ItemType_monthDay: case ItemType_year:                   \
-  case ItemType_month: case ItemType_day: case ItemType_date: case ItemType_datetime: case ItemType_time:        \
-  case ItemType_decimal: case ItemType_integer:
+#define QN_KINDS_WITHOUT_CLASS                                                                                \
+  ItemType_duration: case ItemType_yearMonth: case ItemType_monthDay: case ItemType_year: case ItemType_month: \
+  case ItemType_day: case ItemType_date: case ItemType_datetime: case ItemType_time: case ItemType_decimal:   \
+  case ItemType_integer
 // clang-format on
 
 // ---- Ownership
@@ -72,10 +72,8 @@ QnVariant& QnVariant::operator=(QnVariant const& other) {
 #include "values/item_types.def"
     case ItemType_xmlObject:
     case ItemType_xmlCollection: SetReference(other.m_type, other.Load<CXmlObjectBase*>()); return *this;
-    case ItemType_invalid:
-      return *this;
-      QN_KINDS_WITHOUT_CLASS
-      break;
+    case ItemType_invalid: return *this;
+    case QN_KINDS_WITHOUT_CLASS: break;
   }
   m_type = other.m_type;
   throw CQnException("Unknown Type");
@@ -101,7 +99,8 @@ void QnVariant::Clear() {
       if (auto* const object = Load<CXmlObjectBase*>()) object->Release();
       Store<CXmlObjectBase*>(m_type, nullptr);
       break;
-    case ItemType_invalid: QN_KINDS_WITHOUT_CLASS break;
+    case ItemType_invalid:
+    case QN_KINDS_WITHOUT_CLASS: break;
   }
   m_type = ItemType_invalid;
 }
@@ -164,9 +163,12 @@ CSmartPtr<CXmlCollectionBase> QnVariant::GetXmlCollection() const {
 
 std::string QnVariant::GetType() const {
   switch (m_type) {
-#define QN_VALUE_KIND(number, stem, Access, Held) \
-  case ItemType_##stem: return #stem; #include "values/item_types.def"
-    case ItemType_invalid: QN_KINDS_WITHOUT_CLASS
+// clang-format off
+#define QN_VALUE_KIND(number, stem, Access, Held) case ItemType_##stem: return #stem;
+#include "values/item_types.def"
+      // clang-format on
+    case ItemType_invalid:
+    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
@@ -182,7 +184,8 @@ std::string QnVariant::ToString(char const* format) const {
   case ItemType_##stem:                                     \
     return CConversions::stem##ToString(Get##Access(), format);
 #include "values/item_types.def"
-    case ItemType_invalid: QN_KINDS_WITHOUT_CLASS
+    case ItemType_invalid:
+    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
@@ -196,7 +199,8 @@ void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUt
     Set##Access(CConversions::stem##FromString(text, rule)); \
     return;
 #include "values/item_types.def"
-    case ItemType_invalid: QN_KINDS_WITHOUT_CLASS
+    case ItemType_invalid:
+    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }

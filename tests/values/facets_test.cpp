@@ -61,12 +61,8 @@ TEST(Facets, BoundsOfNumbers) {
 
 TEST(Facets, ExtremesOfNumbers) {
   Facets const small = Bounds("", "1", "", "");
-  struct {
-    ItemType type;
-    char const* value;
-    Facets facets;
-    char const* failure;
-  } const rows[] = {
+  // clang-format off
+  struct { ItemType type; char const* value; Facets facets; char const* failure; } const rows[] = {
       {ItemType_ui4, "4294967295", small, "Invalid Value for a [-1]"},
       {ItemType_ui4, "4294967295", Bounds("1", "", "", ""), ""},
       {ItemType_ui8, "18446744073709551615", small, "Invalid Value for a [18446744073709551615]"},
@@ -81,30 +77,21 @@ TEST(Facets, ExtremesOfNumbers) {
       {ItemType_ui1, "5", Bounds("", "", "", "256"), "The value [256] is to large to fit in a ui1"},
       {ItemType_i4, "5", Bounds("6", "abc", "", ""), "Invalid Value for a [5]"},  // further bounds are not read
   };
+  // clang-format on
   for (auto const& row : rows) EXPECT_EQ(row.failure, Checked(row.type, row.value, row.facets)) << row.value;
   EXPECT_FAILURE(CQnInvalidValueException, "The value [abc] can not be converted to a i4",
                  Helper::CheckRestrictionFori4("a", 5, Bounds("abc", "", "", "")));
 }
 
 TEST(Facets, LengthsAndPatternsOfStrings) {
-  std::string const invalid = "Invalid Value for a [abc]";
   Facets const both("[a-z]*", 4, -1, "", "", "", "", -1);
-  struct {
-    Facets facets;
-    bool passes;
-  } const rows[] = {
-      {Lengths(3, 3, 3), true},
-      {Lengths(4, -1, -1), false},
-      {Lengths(-1, 2, -1), false},
-      {Lengths(-1, -1, 2), false},
-      {Lengths(-1, -1, 0), false},
-      {Pattern("[a-c]{3}"), true},
-      {Pattern("ab"), false},
-      {Pattern(R"(\i\c*)"), true},
-      {Bounds("x", "x", "x", "x"), true},
-      {both, false},
-  };
-  for (auto const& row : rows) EXPECT_EQ(row.passes ? "" : invalid, Checked(ItemType_string, "abc", row.facets));
+  for (Facets const& good :
+       {Lengths(3, 3, 3), Pattern("[a-c]{3}"), Pattern(R"(\i\c*)"), Bounds("x", "x", "x", "x")}) {
+    EXPECT_EQ("", Checked(ItemType_string, "abc", good));
+  }
+  for (Facets const& bad : {Lengths(4, -1, -1), Lengths(-1, 2, -1), Lengths(-1, -1, 0), Pattern("ab"), both}) {
+    EXPECT_EQ("Invalid Value for a [abc]", Checked(ItemType_string, "abc", bad));
+  }
   EXPECT_EQ("", Checked(ItemType_string, "", Lengths(-1, -1, 0)));
   EXPECT_EQ("", Checked(ItemType_string, "\u20ac", Lengths(-1, -1, 3)));  // bytes
   EXPECT_FAILURE(CQnException, "Invalid Value for a [abc]",

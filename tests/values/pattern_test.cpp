@@ -46,42 +46,20 @@ std::string Repeated(char const* text, std::size_t count) {
 TEST(Pattern, Matches) {
   Locale const utf8("C.UTF-8");
   std::string const zero("a\0b", 3);
-  struct {
-    char const* pattern;
-    std::string value;
-    bool matches;
-  } const rows[] = {{R"(\i\c*)", ":a-b.c1", true},
-                    {R"(\i\c*)", "1a", false},
-                    {R"(\I)", "1", true},
-                    {R"(\I)", "a", false},
-                    {R"(\c\C)", "- ", true},
-                    {R"(\C)", "-", false},
-                    // an escaped backslash and a letter
-                    {R"(\\i)", R"(\i)", true},
-                    {R"(\\\i)", R"(\a)", true},
-                    {R"(\\\\i)", R"(\\i)", true},
-                    {R"([\\c]+)", R"(c\c)", true},
-                    {R"(\p{IsBasicLatin}+)", "abc\x7f", true},
-                    {R"(\p{IsBasicLatin}+)", "ab\u00e9", false},
-                    {R"(\p{IsLatin-1Supplement}+)", "\u00e9\u00ff", true},
-                    {R"(\p{IsLatin-1Supplement}+)", "\u0100", false},
-                    {R"(\p{IsLatinExtended-A}+)", "\u0100\u017f", true},
-                    {R"(\p{IsLatinExtended-A}+)", "\u0180", false},
-                    // one try, from the start to the end
-                    {"a+", "aaab", false},
-                    {"a+", "baaa", false},
-                    {"a|ab", "ab", false},
-                    {"ab|a", "ab", true},
-                    {R"(a\Kb)", "ab", false},
-                    {"a*", "", true},
-                    {"", "", true},
-                    {"", "a", false},
-                    {"(((((((((((a)))))))))))b", "ab", true},
-                    {"[^a]", "\u20ac", true},
-                    {"..", "\u20ac", false},
-                    // what stands behind a zero byte does not count
-                    {"a", zero, true},
-                    {"ab", zero, false}};
+  // clang-format off
+  struct { char const* pattern; std::string value; bool matches; } const rows[] = {
+      {R"(\i\c*)", ":a-b.c1", true}, {R"(\i\c*)", "1a", false}, {R"(\I)", "1", true}, {R"(\I)", "a", false},
+      {R"(\c\C)", "- ", true}, {R"(\C)", "-", false},
+      {R"(\\i)", R"(\i)", true}, {R"(\\\i)", R"(\a)", true}, {R"(\\\\i)", R"(\\i)", true},  // escaped backslashes
+      {R"([\\c]+)", R"(c\c)", true},
+      {R"(\p{IsBasicLatin}+)", "abc\x7f", true}, {R"(\p{IsBasicLatin}+)", "ab\u00e9", false},
+      {R"(\p{IsLatin-1Supplement}+)", "\u00e9\u00ff", true}, {R"(\p{IsLatin-1Supplement}+)", "\u0100", false},
+      {R"(\p{IsLatinExtended-A}+)", "\u0100\u017f", true}, {R"(\p{IsLatinExtended-A}+)", "\u0180", false},
+      {"a+", "aaab", false}, {"a+", "baaa", false}, {"a|ab", "ab", false}, {"ab|a", "ab", true},  // one try for all
+      {R"(a\Kb)", "ab", false}, {"a*", "", true}, {"", "", true}, {"", "a", false},
+      {"(((((((((((a)))))))))))b", "ab", true}, {"[^a]", "\u20ac", true}, {"..", "\u20ac", false},
+      {"a", zero, true}, {"ab", zero, false}};  // what stands behind a zero byte does not count
+  // clang-format on
   for (auto const& row : rows) {
     EXPECT_EQ(row.matches, TestRegEx(row.pattern, row.value)) << row.pattern << " on " << row.value;
   }
@@ -156,14 +134,11 @@ TEST(Pattern, InterpreterStaysOnItsStack) {
 }
 
 TEST(FindReplace, ReplacesUntilNoneIsLeft) {
-  struct {
-    char const* text;
-    char const* search;
-    char const* replacement;
-    char const* result;
-  } const rows[] = {{"", "a", "b", ""},         {"abcabc", "b", "xy", "axycaxyc"}, {"aaaa", "aa", "a", "a"},
-                    {"aaabbbb", "ab", "", "b"}, {"xaab", "ab", "b", "xb"},         {"aab", "ab", "bba", "bbbbaa"},
-                    {"abc", "x", "xx", "abc"}};
+  // clang-format off
+  struct { char const *text, *search, *replacement, *result; } const rows[] = {
+      {"", "a", "b", ""}, {"abcabc", "b", "xy", "axycaxyc"}, {"aaaa", "aa", "a", "a"}, {"aaabbbb", "ab", "", "b"},
+      {"xaab", "ab", "b", "xb"}, {"aab", "ab", "bba", "bbbbaa"}, {"abc", "x", "xx", "abc"}};
+  // clang-format on
   for (auto const& row : rows) {
     std::string text = row.text;
     FindReplace(text, row.search, row.replacement);

@@ -17,28 +17,18 @@ constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
 TEST(Variant, TextThereAndBack) {
-  struct {
-    ItemType type;
-    char const* name;
-    char const* text;
-    char const* back;
-  } const rows[] = {
-      {ItemType_hexBinary, "hexBinary", "0aFF", "0AFF"},
-      {ItemType_base64Binary, "base64Binary", "TWFu", "TWFu"},
-      {ItemType_i1, "i1", "-128", "-128"},
-      {ItemType_i2, "i2", "-32768", "-32768"},
+  // clang-format off
+  struct { ItemType type; char const *name, *text, *back; } const rows[] = {
+      {ItemType_hexBinary, "hexBinary", "0aFF", "0AFF"}, {ItemType_base64Binary, "base64Binary", "TWFu", "TWFu"},
+      {ItemType_i1, "i1", "-128", "-128"}, {ItemType_i2, "i2", "-32768", "-32768"},
       {ItemType_i4, "i4", "-2147483648", "-2147483648"},
       {ItemType_i8, "i8", "-9223372036854775808", "-9223372036854775808"},
-      {ItemType_ui1, "ui1", "255", "255"},
-      {ItemType_ui2, "ui2", "65535", "65535"},
+      {ItemType_ui1, "ui1", "255", "255"}, {ItemType_ui2, "ui2", "65535", "65535"},
       {ItemType_ui4, "ui4", "4294967295", "4294967295"},
       {ItemType_ui8, "ui8", "18446744073709551615", "18446744073709551615"},
-      {ItemType_r4, "r4", "1.5", "1.5"},
-      {ItemType_r8, "r8", "0.1", "0.1"},
-      {ItemType_char, "char", "x", "x"},
-      {ItemType_string, "string", "a b", "a b"},
-      {ItemType_boolean, "boolean", "1", "true"},
-  };
+      {ItemType_r4, "r4", "1.5", "1.5"}, {ItemType_r8, "r8", "0.1", "0.1"}, {ItemType_char, "char", "x", "x"},
+      {ItemType_string, "string", "a b", "a b"}, {ItemType_boolean, "boolean", "1", "true"}};
+  // clang-format on
   QnVariant value;  // each kind follows another one
   for (auto const& row : rows) {
     value.FromString(row.text, row.type, kNone);

@@ -1,0 +1,63 @@
+# The front door. Everything is done by CMake and the scripts; see CMakePresets.json for more ways to build.
+
+PREFIX ?= /usr/local
+DESTDIR ?=
+FUZZ_SECONDS ?= 60
+
+.PHONY: all run test debug asan tsan fuzz bench install package-test format format-check tidy deps deps-all clean help
+
+all: deps
+	cmake --preset release
+	cmake --build --preset release
+
+run: deps        ## build and run the purchase order example
+	cmake --preset release
+	cmake --build --preset release --target purchase_order
+	build/release/examples/purchase_order
+
+test: all        ## build everything and run the tests
+	ctest --preset release
+
+debug asan tsan: deps   ## the tests without optimisation, or under sanitizers
+	cmake --preset $@
+	cmake --build --preset $@
+	ctest --preset $@
+
+fuzz: deps-all   ## run each fuzz target for FUZZ_SECONDS
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	scripts/fuzz $(FUZZ_SECONDS)
+
+bench: deps      ## build and run the benchmarks
+	cmake --preset release -DQUILLON9_BUILD_BENCHMARKS=ON
+	cmake --build --preset release --target bench
+
+install: deps    ## install under PREFIX (default /usr/local)
+	cmake --preset release
+	cmake --build --preset release --target quillon9
+	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+package-test: all   ## build a program outside the tree against the installed package
+	scripts/package-test build/release
+
+format: deps-all    ## lay out the code
+	scripts/format
+
+format-check: deps-all
+	scripts/format --check
+
+tidy: deps-all      ## run clang-tidy
+	cmake --preset debug
+	scripts/tidy build/debug
+
+deps:            ## install what building and testing need
+	@scripts/install-deps
+
+deps-all:
+	@scripts/install-deps --all
+
+clean:
+	rm -rf build
+
+help:            ## this text
+	@sed -n 's/^\([a-z -]*\):[^#]*## \(.*\)/\1 \2/p' $(MAKEFILE_LIST) | awk '{ t = $$1; $$1 = ""; print "make " t ":" $$0 }'

@@ -1,0 +1,274 @@
+// How fast documents are read into objects and written from them, beside the parser alone on the same octets, and
+// how much memory that takes. Every operation proves its answer before it is timed.
+//
+//   binding_benchmark [--sizes=1,10,100] [--no_memory] [the options of Google Benchmark]
+//
+//   --sizes      sizes of the documents in megabytes (10^6 bytes)
+//   --no_memory  measure speed only
+//
+// Names are operation/size/layout/locale, as "read/10MB/compact/posix", for --benchmark_filter. The table at the
+// end takes the median of --benchmark_repetitions.
+
+#include <benchmark/benchmark.h>
+#include <expat.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "orders/operations.h"
+#include "support/peak_memory.h"
+#include "support/result_collector.h"
+
+namespace {
+
+using namespace Orders;
+
+/// How the process is set up, which decides how text is converted.
+struct Setting {
+  char const* name;
+  char const* locale;
+  bool asciiOnly;
+
+  void Select() const {
+    if (std::setlocale(LC_ALL, locale) == nullptr) throw std::runtime_error(std::string("no locale ") + locale);
+    Quillon9::ASCIIOnly(asciiOnly);
+  }
+};
+constexpr Setting kSettings[] = {{"posix", "C", true}, {"utf8", "C.UTF-8", false}};
+
+/// The documents that are read and written.
+struct Shape {
+  unsigned megabytes;
+  bool indented;
+
+  std::uint64_t Bytes() const { return megabytes * std::uint64_t{1000000}; }
+  std::string Name() const { return std::to_string(megabytes) + (indented ? "MB/indented" : "MB/compact"); }
+  bool operator==(Shape const& other) const { return megabytes == other.megabytes && indented == other.indented; }
+};
+
+constexpr Operation const* kBound[] = {&kLoadTree, &kReadObjects, &kWriteObjects};
+
+std::string Name(Operation const& operation, Shape shape, Setting const* setting) {
+  std::string const name = std::string(operation.name) + '/' + shape.Name();
+  return setting != nullptr ? name + '/' + setting->name : name;
+}
+
+/// Calls \p action; what the library throws becomes a standard exception.
+template <class Action>
+void Translated(Action action) {
+  try {
+    action();
+  } catch (Quillon9::CQnException const& failure) {
+    throw std::runtime_error(failure.GetFullMessage());
+  }
+}
+
+// ---- Speed
+
+bool s_hasFailure = false;
+
+/// The document of this shape, the last one only: benchmarks of one shape follow one another.
+Workload& WorkloadOf(Shape shape) {
+  static std::unique_ptr<Workload> load;
+  static Shape held{};
+  if (load == nullptr || !(held == shape)) {
+    load.reset();
+    load = std::make_unique<Workload>(shape.Bytes(), shape.indented);
+    held = shape;
+  }
+  return *load;
+}
+
+void TimeProven(benchmark::State& state, Operation const& operation, Workload& load) {
+  if (!operation.writes) {
+    load.objects = nullptr;
+  } else if (load.objects == nullptr) {
+    load.ReadObjects();
+  }
+  Sums const sums = operation.prove(load);
+  if (sums != load.document.sums) {
+    throw std::runtime_error("wrong answer: " + sums.ToString() + " instead of " + load.document.sums.ToString());
+  }
+  std::size_t bytes = 0;
+  for ([[maybe_unused]] auto const& iteration : state) bytes += operation.run(load);
+  state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
+}
+
+void Time(benchmark::State& state, Operation const& operation, Shape shape, Setting const& setting) {
+  try {
+    setting.Select();
+    Translated([&] { TimeProven(state, operation, WorkloadOf(shape)); });
+  } catch (std::exception const& failure) {
+    s_hasFailure = true;
+    state.SkipWithError(failure.what());
+  }
+}
+
+void Register(Operation const& operation, Shape shape, Setting const* setting) {
+  benchmark::RegisterBenchmark(Name(operation, shape, setting).c_str(), [=, &operation](benchmark::State& state) {
+    Time(state, operation, shape, setting != nullptr ? *setting : kSettings[0]);
+  })->Unit(benchmark::kMillisecond);
+}
+
+void Register(Shape shape) {
+  Register(kRawExpat, shape, nullptr);  // which does not look at the locale
+  for (Setting const& setting : kSettings) {
+    for (Operation const* const operation : kBound) Register(*operation, shape, &setting);
+  }
+}
+
+// ---- Memory
+
+/// What \p operation needs at a time, in bytes for each byte of the document: with the caller's text for reading;
+/// for writing the objects and the written text.
+std::optional<double> MemoryOf(Operation const& operation, Shape shape) {
+  auto const peak = Benchmarks::PeakMemoryOf([&](Benchmarks::MemoryProbe& probe) {
+    Translated([&] {
+      kSettings[0].Select();
+      Workload small(20000, shape.indented);  // touches the code and builds the tables
+      small.ReadObjects();
+      operation.prove(small);
+      probe.Begin();
+      Workload load(shape.Bytes(), shape.indented);
+      if (operation.writes) {
+        load.ReadObjects();
+        load.document.text = std::string();
+        probe.ForgetPeak();
+      }
+      operation.run(load);
+    });
+  });
+  if (!peak) return std::nullopt;
+  return static_cast<double>(*peak) / static_cast<double>(shape.Bytes());
+}
+
+using MemoryTable = std::map<std::string, double>;
+
+MemoryTable MeasureMemory(std::vector<Shape> const& shapes) {
+  MemoryTable table;
+  for (Shape const shape : shapes) {
+    for (Operation const* const operation : kBound) {
+      if (auto const memory = MemoryOf(*operation, shape)) {
+        table[Name(*operation, shape, nullptr)] = *memory;
+      } else {
+        s_hasFailure = true;
+      }
+    }
+  }
+  return table;
+}
+
+// ---- The tables at the end
+
+/// A number in a column, or a dash for what was not measured.
+void PrintCell(std::optional<double> value, int width, int digits) {
+  if (value) {
+    std::printf("%*.*f", width, digits, *value);
+  } else {
+    std::printf("%*s", width, "-");
+  }
+}
+
+void PrintSpeedRow(Benchmarks::ResultCollector const& results, Shape shape, Setting const& setting) {
+  std::optional<double> const expat = results.Speed(Name(kRawExpat, shape, nullptr));
+  std::printf("%-16s %-6s", shape.Name().c_str(), setting.name);
+  PrintCell(expat ? std::optional(*expat / 1e6) : std::nullopt, 9, 1);
+  for (Operation const* const operation : kBound) {
+    std::optional<double> const speed = results.Speed(Name(*operation, shape, &setting));
+    PrintCell(speed ? std::optional(*speed / 1e6) : std::nullopt, 10, 1);
+    PrintCell(speed && expat ? std::optional(*speed / *expat) : std::nullopt, 7, 2);
+  }
+  std::printf("\n");
+}
+
+void PrintSpeed(Benchmarks::ResultCollector const& results, std::vector<Shape> const& shapes) {
+  std::printf(
+      "\nSpeed: MB of document per second of processor time, and ratio to raw expat on the same document\n\n");
+  std::printf("%-16s %-6s%9s%10s%7s%10s%7s%10s%7s\n", "document", "locale", "expat", "tree", "ratio", "read",
+              "ratio", "write", "ratio");
+  for (Shape const shape : shapes) {
+    for (Setting const& setting : kSettings) PrintSpeedRow(results, shape, setting);
+  }
+}
+
+void PrintMemory(MemoryTable const& table, std::vector<Shape> const& shapes) {
+  std::printf("\nPeak memory: bytes per byte of document, the caller's text included\n\n");
+  std::printf("%-16s%10s%10s%10s\n", "document", "tree", "read", "write");
+  for (Shape const shape : shapes) {
+    std::printf("%-16s", shape.Name().c_str());
+    for (Operation const* const operation : kBound) {
+      auto const cell = table.find(Name(*operation, shape, nullptr));
+      PrintCell(cell != table.end() ? std::optional(cell->second) : std::nullopt, 10, 1);
+    }
+    std::printf("\n");
+  }
+}
+
+// ---- Options
+
+struct Options {
+  std::vector<unsigned> megabytes = {1, 10, 100};
+  bool memory = true;
+};
+
+/// With 0 in it for what is no number.
+std::vector<unsigned> ParseSizes(std::string const& list) {
+  std::vector<unsigned> sizes;
+  std::istringstream items(list);
+  for (std::string item; std::getline(items, item, ',');) {
+    sizes.push_back(static_cast<unsigned>(std::strtoul(item.c_str(), nullptr, 10)));
+  }
+  return sizes;
+}
+
+/// False for what nobody knows. Google Benchmark has taken its own options out already.
+bool Parse(int argc, char** argv, Options& options) {
+  constexpr char kSizes[] = "--sizes=";
+  for (int i = 1; i < argc; ++i) {
+    if (std::strncmp(argv[i], kSizes, sizeof kSizes - 1) == 0) {
+      options.megabytes = ParseSizes(argv[i] + sizeof kSizes - 1);
+      for (unsigned const size : options.megabytes) {
+        if (size == 0 || size > 1000) return false;  // in one call of the parser
+      }
+    } else if (std::strcmp(argv[i], "--no_memory") == 0) {
+      options.memory = false;
+    } else {
+      return false;
+    }
+  }
+  return !options.megabytes.empty();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  Options options;
+  if (!Parse(argc, argv, options)) {
+    std::fprintf(stderr, "usage: %s [--sizes=1,10,100] [--no_memory] [--benchmark_...]\n", argv[0]);
+    return 2;
+  }
+  std::vector<Shape> shapes;
+  for (unsigned const size : options.megabytes) {
+    for (bool const indented : {false, true}) shapes.push_back({size, indented});
+  }
+  // First, while there is nothing in this process that a child would inherit.
+  MemoryTable const memory = options.memory ? MeasureMemory(shapes) : MemoryTable();
+  for (Shape const shape : shapes) Register(shape);
+  benchmark::AddCustomContext("expat", XML_ExpatVersion());
+  Benchmarks::ResultCollector results;
+  benchmark::RunSpecifiedBenchmarks(&results);
+  PrintSpeed(results, shapes);
+  if (options.memory) PrintMemory(memory, shapes);
+  benchmark::Shutdown();
+  return s_hasFailure ? 1 : 0;
+}

@@ -1,0 +1,173 @@
+#include "orders/operations.h"
+
+#include <expat.h>
+
+#include <memory>
+#include <new>
+#include <string_view>
+#include <type_traits>
+
+namespace Orders {
+
+using namespace Quillon9;
+
+namespace {
+
+constexpr char kSeparator = '|';
+
+unsigned char* Bytes(std::string& text) { return reinterpret_cast<unsigned char*>(text.data()); }
+
+// ---- Raw expat
+
+struct ParserDeleter {
+  void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+};
+using ParserPtr = std::unique_ptr<std::remove_pointer_t<XML_Parser>, ParserDeleter>;
+
+void ParseWith(XML_Parser parser, std::string const& text) {
+  if (XML_Parse(parser, text.data(), static_cast<int>(text.size()), XML_TRUE) != XML_STATUS_OK) {
+    throw CQnException(XML_ErrorString(XML_GetErrorCode(parser)));
+  }
+}
+
+ParserPtr CreateParser() {
+  ParserPtr parser(XML_ParserCreateNS(nullptr, kSeparator));
+  if (parser == nullptr) throw std::bad_alloc();
+  return parser;
+}
+
+std::size_t RunExpat(Workload& load) {
+  ParserPtr const parser = CreateParser();
+  XML_SetElementHandler(
+      parser.get(), [](void*, XML_Char const*, XML_Char const**) {}, [](void*, XML_Char const*) {});
+  XML_SetNamespaceDeclHandler(
+      parser.get(), [](void*, XML_Char const*, XML_Char const*) {}, [](void*, XML_Char const*) {});
+  XML_SetCharacterDataHandler(parser.get(), [](void*, XML_Char const*, int) {});
+  ParseWith(parser.get(), load.document.text);
+  return load.document.text.size();
+}
+
+/// Sums up a document from the events of the parser.
+struct EventSums {
+  Sums sums;
+  std::string text;
+
+  void EndElement(std::string_view name) {
+    std::string_view const local = name.substr(name.find(kSeparator) + 1);
+    if (local == "order") ++sums.orders;
+    if (local == "item") ++sums.items;
+    if (local == "quantity") sums.quantity += std::stoull(text);
+    if (local == "price") sums.priceE4 += PriceE4(text);
+  }
+};
+
+Sums ProveExpat(Workload& load) {
+  ParserPtr const parser = CreateParser();
+  EventSums events;
+  XML_SetUserData(parser.get(), &events);
+  XML_SetElementHandler(
+      parser.get(),
+      [](void* data, XML_Char const*, XML_Char const**) { static_cast<EventSums*>(data)->text.clear(); },
+      [](void* data, XML_Char const* name) { static_cast<EventSums*>(data)->EndElement(name); });
+  XML_SetCharacterDataHandler(parser.get(), [](void* data, XML_Char const* text, int length) {
+    static_cast<EventSums*>(data)->text.append(text, static_cast<std::size_t>(length));
+  });
+  ParseWith(parser.get(), load.document.text);
+  return events.sums;
+}
+
+// ---- The tree
+
+void Load(CXmlDocument& tree, std::string& text) { tree.LoadXmlStream(Bytes(text), text.size()); }
+
+std::size_t RunTree(Workload& load) {
+  CXmlDocument tree;
+  Load(tree, load.document.text);
+  return load.document.text.size();
+}
+
+/// Calls \p visit for each child of \p parent with this name.
+template <class Visit>
+void ForEachChild(CXmlElement const& parent, std::string_view name, Visit visit) {
+  for (auto const* child = parent.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
+    if (child->GetLocalName() == name && child->GetNamespaceURI() == kNamespace) visit(*child);
+  }
+}
+
+Sums ProveTree(Workload& load) {
+  CXmlDocument tree;
+  Load(tree, load.document.text);
+  Sums sums;
+  ForEachChild(*tree.GetDocumentElement(), "order", [&](CXmlElement const& order) {
+    ++sums.orders;
+    ForEachChild(order, "item", [&](CXmlElement const& item) {
+      ++sums.items;
+      ForEachChild(item, "quantity",
+                   [&](CXmlElement const& field) { sums.quantity += std::stoull(field.GetText()); });
+      ForEachChild(item, "price", [&](CXmlElement const& field) { sums.priceE4 += PriceE4(field.GetText()); });
+    });
+  });
+  return sums;
+}
+
+// ---- Objects
+
+std::size_t RunRead(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(Bytes(load.document.text), load.document.text.size());
+  return load.document.text.size();
+}
+
+Sums SumUp(COrders const& orders) {
+  Sums sums;
+  for (COrder const& order : *orders.GetOrder()) {
+    ++sums.orders;
+    for (CItem const& item : *order.GetItem()) {
+      ++sums.items;
+      sums.quantity += static_cast<std::uint64_t>(item.GetQuantity());
+      sums.priceE4 += PriceE4(item.GetPrice());
+    }
+  }
+  return sums;
+}
+
+Sums ProveRead(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(Bytes(load.document.text), load.document.text.size());
+  return SumUp(*orders);
+}
+
+/// As the document was: the namespace of the schema is the default one.
+CBinaryData Write(Workload const& load) {
+  static CXmlSerializationContext const context = [] {
+    CXmlSerializationContext ctx;
+    ctx.SetDefaultNamespaceURI(kNamespace);
+    return ctx;
+  }();
+  return load.objects->ToXmlStream(true, load.indented, XmlEncoding_UTF8, EOLType_LF, context);
+}
+
+std::size_t RunWrite(Workload& load) { return Write(load).GetLength(); }
+
+Sums ProveWrite(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(Write(load));
+  return SumUp(*orders);
+}
+
+}  // namespace
+
+Workload::Workload(std::uint64_t bytes, bool isIndented)
+    : indented(isIndented), document(GenerateOrders(bytes, isIndented)) {}
+
+void Workload::ReadObjects() {
+  objects = COrders::CreateInstance();
+  objects->FromXmlStream(Bytes(document.text), document.text.size());
+}
+
+Operation const kRawExpat = {"expat", false, RunExpat, ProveExpat};
+Operation const kLoadTree = {"tree", false, RunTree, ProveTree};
+Operation const kReadObjects = {"read", false, RunRead, ProveRead};
+Operation const kWriteObjects = {"write", true, RunWrite, ProveWrite};
+
+}  // namespace Orders

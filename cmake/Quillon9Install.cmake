@@ -1,0 +1,29 @@
+# What `cmake --install` puts in place: the library, its headers, a CMake package and a pkg-config file. A program
+# needs only these: expat, PCRE and zlib stay inside the library.
+
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon9)
+
+install(TARGETS quillon9 EXPORT quillon9-targets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(EXPORT quillon9-targets NAMESPACE Quillon9:: FILE Quillon9Config.cmake DESTINATION ${package_dir})
+
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake DESTINATION ${package_dir})
+
+# The pkg-config file finds its neighbours from where it lies, so an installed tree may be moved as a whole.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
+  set(pc_prefix ${CMAKE_INSTALL_PREFIX})
+  set(pc_libdir ${CMAKE_INSTALL_FULL_LIBDIR})
+  set(pc_includedir ${CMAKE_INSTALL_FULL_INCLUDEDIR})
+else()
+  file(RELATIVE_PATH way_up /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+  string(REGEX REPLACE "/$" "" way_up "${way_up}")
+  set(pc_prefix "\${pcfiledir}/${way_up}")
+  set(pc_libdir "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
+  set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
+endif()
+configure_file(${PROJECT_SOURCE_DIR}/cmake/quillon9.pc.in ${PROJECT_BINARY_DIR}/quillon9.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/quillon9.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,0 +1,68 @@
+#pragma once
+
+/// Everything that the library offers. A program that reads a document and writes another one from it:
+///
+/// \code
+/// #include <iostream>
+///
+/// #include "quillon9/quillon9.h"
+///
+/// int main() try {
+///   Quillon9::CXmlDocument document;
+///   document.LoadXml("<order xmlns='urn:shop'><item count='2'>ink</item><item count='1'>paper</item></order>");
+///
+///   Quillon9::CTextStream text;
+///   Quillon9::CXmlTextWriter writer(text);
+///   writer.SetFormat(false);
+///   writer.Open();
+///   writer.WriteStartElement("list", "");
+///   auto const* item = document.GetDocumentElement()->GetFirstElement();
+///   for (; item != nullptr; item = item->GetNextSiblingElement()) {
+///     writer.WriteStartElement(item->GetText(), "");
+///     writer.WriteString(item->GetAttribute("count", ""), Quillon9::ItemType_string);
+///     writer.WriteEndElement();
+///   }
+///   writer.WriteEndElement();
+///   writer.Close();
+///   std::cout << text.GetText() << '\n';  // <list><ink>2</ink><paper>1</paper></list>
+/// } catch (Quillon9::CQnException const& failure) {
+///   std::cerr << failure.GetFullMessage() << '\n';
+///   return 1;
+/// }
+/// \endcode
+///
+/// Most programs read into classes of their own instead and write those; see generated_class.h.
+
+#include "quillon9/binding/class_factory.h"
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/critical_section.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/generated_class.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/binding/namespace_alias_map.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/descriptors/attribute_info.h"
+#include "quillon9/descriptors/element_info.h"
+#include "quillon9/export.h"
+#include "quillon9/fwd.h"
+#include "quillon9/values/base64.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/values/conversions.h"
+#include "quillon9/values/item_type.h"
+#include "quillon9/values/pattern.h"
+#include "quillon9/values/restrictions.h"
+#include "quillon9/values/variant.h"
+#include "quillon9/values/whitespace.h"
+#include "quillon9/version.h"
+#include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/encoder.h"
+#include "quillon9/xmlio/output_options.h"
+#include "quillon9/xmlio/streams.h"
+#include "quillon9/xmlio/string_buffer.h"
+#include "quillon9/xmlio/text_writer.h"
+#include "quillon9/xmlio/unicode.h"
+#include "quillon9/xmlio/writer.h"
