@@ -11,7 +11,9 @@ ResultCollector::~ResultCollector() = default;
 
 void ResultCollector::ReportRuns(std::vector<Run> const& runs) {
   for (Run const& run : runs) {
-    if (run.run_type != Run::RT_Iteration) continue;
+    // The median stands in where the single repetitions are not reported.
+    bool const isMedian = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
+    if (run.run_type != Run::RT_Iteration && !isMedian) continue;
     auto const speed = run.counters.find("bytes_per_second");
     if (speed != run.counters.end()) m_speeds[run.run_name.function_name].push_back(speed->second);
   }
