@@ -26,6 +26,7 @@ std::string CClassfactoryBase::GetElementTypeNamespaceUri(CXmlElement* element) 
   std::string const& value = TypeAttribute(*element);
   std::size_t const colon = value.find(':');
   if (colon == std::string::npos) return element->GetNamespaceURI();
+  if (element->GetDocument() == nullptr) return element->GetNamespaceURI();
   std::string ns = element->GetDocument()->LookupNamespaceFromAlias(value.substr(0, colon).c_str());
   return ns.empty() ? element->GetNamespaceURI() : ns;
 }

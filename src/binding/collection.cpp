@@ -53,10 +53,14 @@ void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
   m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), sink), m_listeners.end());
 }
 
-// By index: a listener may add or remove listeners while it is told.
+// Over a copy, since a listener may add or remove listeners while it is told; those removed meanwhile are left out.
 template <class Fire>
 void CXmlCollectionBase::ForEachListener(Fire fire) {
-  for (std::size_t i = 0; i < m_listeners.size(); ++i) fire(m_listeners[i]);
+  if (m_listeners.empty()) return;
+  std::vector<IEventSink*> const listeners = m_listeners;
+  for (IEventSink* const sink : listeners) {
+    if (std::find(m_listeners.begin(), m_listeners.end(), sink) != m_listeners.end()) fire(sink);
+  }
 }
 
 void CXmlCollectionBase::FireOnCollectionAdd(void* item) {
@@ -85,10 +89,13 @@ CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, 
     : CXmlCollectionBase(name, ns, minOccurs, maxOccurs) {}
 
 CXmlCollection::~CXmlCollection() {
-  try {
-    CXmlCollection::Clear();
-  } catch (...) {  // a listener's failure must not end the process, and the items must go all the same
-    while (m_head != nullptr) Unlink(m_head);
+  while (m_head != nullptr) {
+    CNode* const first = m_head;
+    try {
+      RemoveNode(first);
+    } catch (...) {  // a listener's failure must not end the process, and the item must go all the same
+      if (m_head == first) Unlink(first);
+    }
   }
 }
 
@@ -151,7 +158,11 @@ CNode* CXmlCollection::GetNodeForItem(CXmlObjectBase const* item) const {
 }
 
 void CXmlCollection::RemoveNode(CNode* node) {
+  int const count = m_count;
   FireOnCollectionRemove(-1);
+  if (m_count != count && !HoldsNode(node)) {  // a listener was faster
+    throw CQnInvalidParamException("The object was not found in the collection");
+  }
   Unlink(node);
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
@@ -170,6 +181,13 @@ void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
   FireOnCollectionChange();
 }
 
+bool CXmlCollection::HoldsNode(CNode const* node) const {
+  CNode const* held = m_head;
+  while (held != nullptr && held != node) held = held->m_next;
+  return held != nullptr;
+}
+
+// The count is right before the item goes, whose destructor may ask for it.
 void CXmlCollection::Unlink(CNode* node) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;

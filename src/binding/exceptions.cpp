@@ -54,6 +54,7 @@ CQnException* CQnException::DetachToHeap(CQnException& cause) {
 }
 
 void CQnException::AdoptInner(CQnException* inner) {
+  if (inner == m_inner || inner == this) return;
   DeleteInnerChain();
   m_inner = inner;
 }
@@ -89,13 +90,15 @@ QN_DEFINE_EXCEPTION(CQnInvalidValueException, CQnValidationException)
 namespace {
 
 // libc reads "I64" as a flag and a width; formats that were written for it mean a 64-bit argument.
-std::string WithStandardModifiers(char const* format) {
-  std::string text = format;
-  for (std::size_t at = text.find("I64"); at != std::string::npos; at = text.find("I64", at + 2)) {
-    std::size_t const percent = text.find_last_not_of("#*-+ 0123456789.", at == 0 ? 0 : at - 1);
-    if (at != 0 && percent != std::string::npos && text[percent] == '%') text.replace(at, 3, "ll");
+std::string WithStandardModifiers(std::string format) {
+  std::size_t at = 0;
+  while ((at = format.find('%', at)) != std::string::npos) {
+    at = format.find_first_not_of("#*-+ 0123456789.", at + 1);
+    if (at == std::string::npos) break;
+    if (format.compare(at, 3, "I64") == 0) format.replace(at, 3, "ll");
+    ++at;  // behind the conversion, or behind the second of two percent signs
   }
-  return text;
+  return format;
 }
 
 }  // namespace
@@ -110,7 +113,7 @@ std::string FormatV(char const* format, va_list args) {
   char buffer[512];
   int const length = std::vsnprintf(buffer, sizeof buffer, format, measured);
   va_end(measured);
-  if (length < 0) throw CQnException(std::string("The text [") + format + "] can not be formatted");
+  if (length < 0) return format;  // libc refuses an argument: a failure text must not fail itself
   if (static_cast<std::size_t>(length) < sizeof buffer) return buffer;
   std::string text(static_cast<std::size_t>(length) + 1, 'X');
   std::vsnprintf(text.data(), text.size(), format, args);

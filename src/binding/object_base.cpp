@@ -135,7 +135,7 @@ void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, char cons
   std::string const& actual = value->GetBase()->GetElementName();
   if (std::strcmp(actual.c_str(), name) == 0) return;
   throw CQnInvalidParamException(FormatString(
-      "This property requires an element with the name %s the element being set has the element name %s", name,
+      "This property requrires an element with the name %s the element being set has the element name %s", name,
       actual.c_str()));
 }
 

@@ -129,7 +129,7 @@ TEST_F(CollectionTest, AListenerThatRaisesStopsTheAddAndNeverTheDestruction) {
     list.AppendItem(nullptr);
     list.AddEventListener(&onRemove);
   }
-  EXPECT_EQ("3", onRemove.Take());
+  EXPECT_EQ("33", onRemove.Take());  // each item is announced
   EXPECT_EQ(2, a->AddRef()) << "the collection gave its reference back";
   a->Release();
 }

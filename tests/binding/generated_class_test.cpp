@@ -161,7 +161,7 @@ TEST(GeneratedClassReading, ChoicesOfCollections) {
 
 TEST(GeneratedClassReading, UnknownGroupTypesFailInBothDirections) {
   Shape::Options options;
-  options.group = static_cast<XmlElementGroupType>(3);
+  options.group = static_cast<XmlElementGroupType>(9);
   Shape const shape(options, {});
   DynamicClass object(shape);
   EXPECT_EQ("Failed to process the element [r]\nUnknow Group Type", ReadBack(object, "<r/>"));

@@ -13,7 +13,8 @@ class QUILLON9_API CClassfactoryBase {
  public:
   virtual ~CClassfactoryBase();
 
-  /// The local part of the value of xsi:type; empty when \p element has no such attribute.
+  /// What follows the first colon of the value of xsi:type, or the value when it has none; empty when \p element,
+  /// which may not be null, has no such attribute.
   static std::string GetElementType(CXmlElement* element);
   /// The namespace of that type: what the prefix of the value is bound to in the document, or the namespace of
   /// \p element itself when there is no prefix or nothing is known of it.

@@ -88,10 +88,11 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   void Remove(int index) override;
 
  protected:
-  /// Each item adds its attributes to the open element.
+  /// Each item adds its attributes to the open element; null items are passed over.
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
 
-  /// Add \p item, which may be null, at the end or in front.
+  /// Add \p item, which may be null, at the end or in front. When a failure comes before it is in the list (from a
+  /// listener of the add event, or for want of memory), it stays the caller's: hold it in a CSmartPtr meanwhile.
   void AppendItem(CXmlObjectBase* item);
   void PrependItem(CXmlObjectBase* item);
   /// Add \p item in front of or behind the first node that holds \p anchor. A null anchor appends or prepends.
@@ -107,11 +108,13 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   /// \throws CQnInvalidParamException when there is none.
   CNode* GetNodeAtIndex(int index) const;
   CNode* GetNodeForItem(CXmlObjectBase const* item) const;
-  /// Remove \p node, a node of this collection, and free it.
+  /// Remove \p node, which must be a node of this collection, and free it.
+  /// \throws CQnInvalidParamException when a listener of the remove event has removed it already.
   void RemoveNode(CNode* node);
 
  private:
   void FinishAdd(CNode* next, CXmlObjectBase* item);
+  bool HoldsNode(CNode const* node) const;
   void Unlink(CNode* node);
 
   CNode* m_head = nullptr;

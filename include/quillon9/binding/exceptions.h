@@ -41,7 +41,8 @@ class QUILLON9_API CQnException {
   /// instead of cloning it, so that a fault in a deep document costs the same at each level. \p cause is left
   /// without inner exception. The caller owns the result; AdoptInner() takes it.
   static CQnException* DetachToHeap(CQnException& cause);
-  /// Make \p inner the inner exception of this one, which becomes its owner.
+  /// Make \p inner, from `new` or null, the inner exception of this one, which becomes its owner; the former chain is
+  /// deleted.
   void AdoptInner(CQnException* inner);
 
  private:
@@ -121,7 +122,7 @@ class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException 
   CQnException* Clone() const override;
 };
 
-/// A text or a value breaks a lexical form.
+/// A text or a value breaks a format or a facet.
 class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
  public:
   CQnInvalidValueException();
@@ -136,8 +137,8 @@ class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
 };
 
 /// Build a text as printf does, of any length. The result ends at a NUL byte that a conversion produced. "I64"
-/// before an integer conversion marks a 64-bit argument, as "ll" does. Any thread.
-/// \throws CQnException when libc refuses \p format or an argument.
+/// before an integer conversion marks a 64-bit argument, as "ll" does. When libc refuses an argument (a wide character
+/// that the locale does not have), the result is \p format itself. Any thread.
 QUILLON9_API std::string FormatString(char const* format, ...) __attribute__((format(printf, 1, 2)));
 /// The same with the arguments as a list. \p args is indeterminate afterwards.
 QUILLON9_API std::string FormatV(char const* format, va_list args) __attribute__((format(printf, 1, 0)));

@@ -10,14 +10,14 @@
 namespace Quillon9Data {
 
 /// The content model of a generated class. Generated tables carry the numbers.
-enum XmlElementGroupType {
+enum XmlElementGroupType : int {
   XmlElementGroupType_Sequence = 0,  ///< the members occur in table order
   XmlElementGroupType_Choice = 1,    ///< one member occurs
   XmlElementGroupType_All = 2,       ///< the members occur in any order
 };
 
 /// Whether a class has a tag. Generated tables carry the numbers; any other value counts as having no tag.
-enum XmlElementType {
+enum XmlElementType : int {
   XmlElementType_Element = 0,  ///< a tag of its own; its children are the children of that tag
   XmlElementType_Pseudo = 1,   ///< no tag: its content stands among the children of the enclosing element, and its
                                ///< attributes are written on that element

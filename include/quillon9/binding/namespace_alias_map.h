@@ -25,7 +25,7 @@ class QUILLON9_API CNamespaceAliasMap {
 
   int GetNamespaceCount() const;
   /// The namespace at \p index in byte order of the URIs.
-  /// \throws CQnException when \p index is not between 0 and GetNamespaceCount() - 1.
+  /// \throws CQnException "Index %d is out of range" when \p index is not between 0 and GetNamespaceCount() - 1.
   std::string GetNamespaceAt(int index) const;
   bool DoesNamespaceExist(char const* ns) const;
   bool DoesAliasExist(char const* alias) const;

@@ -17,14 +17,15 @@ namespace Quillon9 {
 class QUILLON9_API IEventSink {
  public:
   enum MsgType {
-    CollectionChange = 0,         ///< after every change; data is null
-    CollectionAdd = 1,            ///< before an item enters; data is the object, or the address of the value
+    CollectionChange = 0,  ///< after every change; data is null
+    CollectionAdd = 1,  ///< before an item enters; data is the object, or the address of the value
     CollectionAddComplete = 2,    ///< after it entered; data as for CollectionAdd
     CollectionRemove = 3,         ///< before an item leaves; data is the address of its int index, null for -1
     CollectionRemoveComplete = 4  ///< after it left; data as for CollectionRemove
   };
 
-  /// \p sender is the collection. \p data is valid for the call only. What it throws stops the change if the event
+  /// \p sender is the collection. \p data is valid for the call only; an object that is being added may have no owner
+  /// yet, so a listener takes no CSmartPtr to it. What it throws stops the change if the event
   /// comes before it, and reaches the caller of the change.
   virtual void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) = 0;
 
@@ -35,7 +36,9 @@ class QUILLON9_API IEventSink {
 /// Implemented by generated classes for nillable elements. The library finds it by a cast at run time.
 class QUILLON9_API INillable {
  public:
+  /// Whether the element is nil: written with xsi:nil and without content.
   virtual bool IsNil() const = 0;
+  /// Called on reading when the element carries xsi:nil.
   virtual void SetNil(bool nil) = 0;
 
  protected:
@@ -102,11 +105,14 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   virtual void FromXml(wchar_t const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read a document from \p length bytes, which may be compressed by gzip or zlib. They are copied.
+  /// \throws CQnException "XML Stream is empty!" for none.
   virtual void FromXmlStream(unsigned char* data, unsigned long length,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// The same with the bytes of \p data.
   virtual void FromXmlStream(CBinaryData const& data,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read from an element of a tree that was loaded already; the tree stays the caller's.
+  /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CXmlElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
 
@@ -117,10 +123,16 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The namespace that the element descriptors of this object are given while reading.
   virtual std::string GetNamespace() const = 0;
 
+  // The three operations that the public ones and the descriptors end in.
  protected:
+  /// Write the attributes of this object on the open element. Does nothing here.
   virtual void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
+  /// Write this object as an element in the namespace \p ns. \p isRoot: it is the document element. \p inChoice: it is
+  /// the chosen member of a choice, which may be empty.
   virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                          bool inChoice) const = 0;
+  /// Read this object from \p parent, whose attributes and text it may take, and from \p cursor, the first child that
+  /// nobody took yet (null for none). Returns the first child that this object did not take.
   virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                    bool inChoice) = 0;
 
@@ -128,7 +140,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.
   std::string const& GetElementName() const { return m_elementName; }
-  void SetElementName(char const* name) { m_elementName = name; }
+  /// Null counts as an empty name.
+  void SetElementName(char const* name) { m_elementName = name != nullptr ? name : ""; }
   CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 
   /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
@@ -175,11 +188,10 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// moves \p cursor and raises \p count. \throws CQnValidationException for a count outside the limits of \p col.
   void Choice_Read_Collection(CXmlCollectionBase* col, CXmlElement* parent, CXmlElement*& cursor, long& count,
                               CXmlSerializationContext const& ctx);
-  /// \throws CQnInvalidParamException "This property requires an element with the name %s the element being set
-  /// has
-  ///         the element name %s" when \p value is not null and has another name.
+  /// \throws CQnInvalidParamException "This property requrires an element with the name %s the element being set
+  /// has the element name %s" when \p value is not null and has another name.
   void Throw_IfElementNameDiffers(CXmlObjectBase* value, char const* name);
-  /// \throws CQnInvalidParamException "The Property [%s] is mandatory, it may node be NULL".
+  /// \throws CQnInvalidParamException "The Property [%s] is mandatory, it may node be NULL" when \p value is null.
   void Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name);
 
  private:

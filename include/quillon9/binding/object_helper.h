@@ -26,8 +26,7 @@ class QUILLON9_API CXmlObjectHelper {
   /// the whole list.
   static bool IsNamespaceValid(std::string const& ns, std::string const& list, std::string const& target);
   /// \throws CQnInvalidNamespaceException "Invalid namespace [%s]. The namespace must be one of [%s] where the
-  /// target
-  ///         namespace is [%s]" when IsNamespaceValid() says no.
+  /// target namespace is [%s]" when IsNamespaceValid() says no.
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
   /// Check \p value, read as a value of the kind \p type, with the function below that is made for this kind. \p

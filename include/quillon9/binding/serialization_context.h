@@ -11,7 +11,7 @@ namespace Quillon9 {
 /// The kind of schema that the generated classes come from. The library tells apart only the kind without
 /// namespaces: under it documents are parsed without namespace processing and names are compared as they stand,
 /// prefix included.
-enum SchemaType {
+enum SchemaType : int {
   SchemaType_XSD = 0,
   SchemaType_XDR = 1,
   SchemaType_DTD = 2,  ///< no namespaces
@@ -64,6 +64,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool GetWriteTypeAttribute() const { return m_writeTypeAttribute; }
   void SetWriteTypeAttribute(bool write) { m_writeTypeAttribute = write; }
 
+  /// The kind of schema, SchemaType_XSD by default. Any number is accepted; only SchemaType_DTD is told apart.
   SchemaType GetSchemaType() const { return m_schemaType; }
   void SetSchemaType(SchemaType type) { m_schemaType = type; }
 
@@ -73,11 +74,11 @@ class QUILLON9_API CXmlSerializationContext {
 
   /// Text to write inside the start tag of the root, such as a schema location attribute. It is written as given.
   std::string const& GetInLineSchema() const { return m_inLineSchema; }
-  void SetInLineSchema(char const* text) { m_inLineSchema = text; }
+  void SetInLineSchema(char const* text) { m_inLineSchema = text != nullptr ? text : ""; }
 
   /// The default namespace to declare on the root; none when empty.
   std::string const& GetDefaultNamespaceURI() const { return m_defaultNamespaceURI; }
-  void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri; }
+  void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri != nullptr ? uri : ""; }
 
   /// The prefixes to declare on the root, for direct changes. They live as long as this context.
   CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }

@@ -23,11 +23,15 @@ class CSmartPtr {
   CSmartPtr& operator=(T* object) {
     AddReference(object);  // first, so that assigning the held object to itself never drops it to 0
     T* old = m_object;
-    m_object = object;
+    m_object = object;  // before the old object goes: its destructor may look at this pointer
     ReleaseReference(old);
     return *this;
   }
   CSmartPtr& operator=(CSmartPtr const& other) { return *this = other.m_object; }
+  template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
+  CSmartPtr& operator=(CSmartPtr<U> const& other) {
+    return *this = static_cast<T*>(other.Get());
+  }
   CSmartPtr& operator=(CSmartPtr&& other) noexcept {
     if (this != &other) {
       T* old = m_object;

@@ -62,8 +62,7 @@ class QUILLON9_API CElementInfo {
   /// descriptor, an absent optional element included; false that nothing was taken and this descriptor is not
   /// satisfied. \p holderNamespace and \p holderType are those of \p holder.
   /// \throws CQnValidationException for a missing mandatory element; CQnInvalidValueException for a text that does
-  /// not
-  ///         convert; what the child object throws.
+  /// not convert; what the child object throws.
   virtual bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
                               CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) = 0;
   /// The check of an all group after its last element: whether \p found satisfies this descriptor. \p required
@@ -77,8 +76,7 @@ class QUILLON9_API CElementInfo {
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
   /// \throws CQnException for a broken facet, or "Cannot CheckRestriction for type: " and the type's name when
-  /// this is
-  ///         no primitive descriptor.
+  /// this is no primitive descriptor.
   void CheckRestriction(QnVariant const& value) const;
   /// The namespace that a new untyped element takes under the wildcard \p restriction before anything is read into
   /// it.

@@ -47,13 +47,11 @@ class QUILLON9_API CConversions {
   static std::int32_t i4FromString(std::string const& text, WhitespaceRule rule);
   /// Parse with i4FromString().
   /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
-  /// to
-  ///         fit in a i2" below -32,768 and above 32,767.
+  /// to fit in a i2" below -32,768 and above 32,767.
   static std::int16_t i2FromString(std::string const& text, WhitespaceRule rule);
   /// Parse with i4FromString().
   /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
-  /// to
-  ///         fit in a i1" below -128 and above 127.
+  /// to fit in a i1" below -128 and above 127.
   static std::int8_t i1FromString(std::string const& text, WhitespaceRule rule);
   /// Parse an unsigned 64-bit integer in base 10.
   /// \throws CQnInvalidValueException as i8FromString() does, with "ui8".
@@ -92,8 +90,7 @@ class QUILLON9_API CConversions {
   static std::string booleanToString(bool value);
   /// Parse "true", "false", "1" or "0" in any case.
   /// \throws CQnInvalidValueException "A Boolean Value read from an XML document was invalid [%s]. Valid values
-  /// are
-  ///         'true', 'false', '1', or '0'", with \p text as it was given.
+  /// are 'true', 'false', '1', or '0'", with \p text as it was given.
   static bool booleanFromString(std::string const& text, WhitespaceRule rule);
 
   /// A text of this one byte; empty for the character 0.

@@ -4,7 +4,7 @@ namespace Quillon9 {
 
 /// The kinds of value that a descriptor, a variant or a collection can hold. The numbers are fixed: generated
 /// tables carry them.
-enum ItemType {
+enum ItemType : int {
   ItemType_invalid = 0,         ///< nothing
   ItemType_hexBinary = 1,       ///< CBinaryData
   ItemType_base64Binary = 2,    ///< CBinaryData

@@ -79,8 +79,7 @@ class QUILLON9_API QnVariant {
 
   /// The other getters give an empty value when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
-  /// held;
-  ///         hexBinary and base64Binary are of the same one.
+  /// held; hexBinary and base64Binary are of the same one.
   CBinaryData GetHexBinary() const;
   CBinaryData GetBase64Binary() const;
   /// The text itself, which lives until this variant changes.

@@ -26,8 +26,7 @@ class QUILLON9_API CQnZip {
   /// their number. The buffer stays as long as the old one was. Any other \p type than the two that compress
   /// changes nothing.
   /// \throws CQnException "Failed to compress data. [Error Code: %d]" with the code of zlib: 0 or -5 when the
-  /// result
-  ///         would be longer than what was given, as it is for very short data and for what is compressed already.
+  /// result would be longer than what was given, as it is for very short data and for what is compressed already.
   ///         "The data is too long [%lu bytes]" above 4,294,967,295 bytes. Buffer and size are unchanged then.
   static void Compress(unsigned char** data, unsigned long* size, CompressionType type);
 
