@@ -191,10 +191,9 @@ void PrintSpeedRow(Benchmarks::ResultCollector const& results, Shape shape, Sett
 }
 
 void PrintSpeed(Benchmarks::ResultCollector const& results, std::vector<Shape> const& shapes) {
-  std::printf(
-      "\nSpeed: MB of document per second of processor time, and ratio to raw expat on the same document\n\n");
-  std::printf("%-16s %-6s%9s%10s%7s%10s%7s%10s%7s\n", "document", "locale", "expat", "tree", "ratio", "read",
-              "ratio", "write", "ratio");
+  std::printf("\nSpeed: MB of document per second of processor time, and ratio to raw expat on the same document\n\n");
+  std::printf("%-16s %-6s%9s%10s%7s%10s%7s%10s%7s\n", "document", "locale", "expat", "tree", "ratio", "read", "ratio",
+              "write", "ratio");
   for (Shape const shape : shapes) {
     for (Setting const& setting : kSettings) PrintSpeedRow(results, shape, setting);
   }

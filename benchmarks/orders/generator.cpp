@@ -32,11 +32,10 @@ constexpr std::array kFirm = {
     "Ostrava Střed s.r.o."sv,    "東京商事株式会社"sv,         "Αθηναϊκή Εμπορική"sv,
     "Tools &lt;Direct&gt; BV"sv, "Green Field Organics"sv,     "Northern Paper Mill"sv,
     "Studio Quattro Srl"sv};
-constexpr std::array kStreet = {
-    "Main Street"sv,          "High Street"sv,    "Station Road"sv,  "Mill Lane"sv,
-    "Park Avenue"sv,          "Church Road"sv,    "Lindenweg"sv,     "Hauptstraße"sv,
-    "Rue de la République"sv, "Via Garibaldi"sv,  "Calle Mayor"sv,   "Kungsgatan"sv,
-    "Dorpsstraat"sv,          "Bahnhofstrasse"sv, "Victoria Road"sv, "Quai d&apos;Orsay"sv};
+constexpr std::array kStreet = {"Main Street"sv,          "High Street"sv,    "Station Road"sv,  "Mill Lane"sv,
+                                "Park Avenue"sv,          "Church Road"sv,    "Lindenweg"sv,     "Hauptstraße"sv,
+                                "Rue de la République"sv, "Via Garibaldi"sv,  "Calle Mayor"sv,   "Kungsgatan"sv,
+                                "Dorpsstraat"sv,          "Bahnhofstrasse"sv, "Victoria Road"sv, "Quai d&apos;Orsay"sv};
 
 struct Place {
   std::string_view city;
@@ -105,8 +104,7 @@ std::string Base64(std::string_view bytes) {
     std::uint32_t bits = 0;
     for (std::size_t k = 0; k < 3; ++k)
       bits = bits << 8 | (k < group.size() ? static_cast<unsigned char>(group[k]) : 0U);
-    for (std::size_t k = 0; k < 4; ++k)
-      text.push_back(k <= group.size() ? kBase64[bits >> (18 - 6 * k) & 63] : '=');
+    for (std::size_t k = 0; k < 4; ++k) text.push_back(k <= group.size() ? kBase64[bits >> (18 - 6 * k) & 63] : '=');
   }
   return text;
 }
@@ -245,8 +243,8 @@ bool Sums::operator==(Sums const& other) const {
 }
 
 std::string Sums::ToString() const {
-  return std::to_string(orders) + " orders, " + std::to_string(items) + " items, q" + std::to_string(quantity) +
-         ":p" + std::to_string(priceE4);
+  return std::to_string(orders) + " orders, " + std::to_string(items) + " items, q" + std::to_string(quantity) + ":p" +
+         std::to_string(priceE4);
 }
 
 Document GenerateOrders(std::uint64_t bytes, bool indented, std::uint64_t seed) {

@@ -66,8 +66,7 @@ Sums ProveExpat(Workload& load) {
   EventSums events;
   XML_SetUserData(parser.get(), &events);
   XML_SetElementHandler(
-      parser.get(),
-      [](void* data, XML_Char const*, XML_Char const**) { static_cast<EventSums*>(data)->text.clear(); },
+      parser.get(), [](void* data, XML_Char const*, XML_Char const**) { static_cast<EventSums*>(data)->text.clear(); },
       [](void* data, XML_Char const* name) { static_cast<EventSums*>(data)->EndElement(name); });
   XML_SetCharacterDataHandler(parser.get(), [](void* data, XML_Char const* text, int length) {
     static_cast<EventSums*>(data)->text.append(text, static_cast<std::size_t>(length));
@@ -102,8 +101,7 @@ Sums ProveTree(Workload& load) {
     ++sums.orders;
     ForEachChild(order, "item", [&](CXmlElement const& item) {
       ++sums.items;
-      ForEachChild(item, "quantity",
-                   [&](CXmlElement const& field) { sums.quantity += std::stoull(field.GetText()); });
+      ForEachChild(item, "quantity", [&](CXmlElement const& field) { sums.quantity += std::stoull(field.GetText()); });
       ForEachChild(item, "price", [&](CXmlElement const& field) { sums.priceE4 += PriceE4(field.GetText()); });
     });
   });

@@ -61,8 +61,8 @@ CPrimitiveRestrictions CommentType() { return {"", -1, 400, "", "", "", "", -1};
 CPrimitiveRestrictions LabelType() { return {"", -1, 2048, "", "", "", "", -1}; }
 
 CParentElementInfo* Sequence(char const* typeName) {
-  return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, typeName, kNamespace, -1,
-                                true, false);
+  return new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, typeName, kNamespace, -1, true,
+                                false);
 }
 
 CElementInfo* Mandatory(char const* name, int index, ItemType type, CWhitespaceUtils::WhitespaceRule rule,
@@ -228,9 +228,7 @@ CMetaData s_customer(&BuildCustomer);
 
 }  // namespace
 
-CCustomer::CCustomer(char const* elementName) : m_address(CAddress::CreateInstance()) {
-  SetElementName(elementName);
-}
+CCustomer::CCustomer(char const* elementName) : m_address(CAddress::CreateInstance()) { SetElementName(elementName); }
 
 CCustomer::~CCustomer() = default;
 
@@ -272,8 +270,7 @@ void BuildItem(CMetaData& data) {
   data.m_elements[2] = Mandatory("price", CItem::Property_price, ItemType_string, kCollapse, PriceType());
   data.m_elements[3] = Mandatory("weight", CItem::Property_weight, ItemType_r8, kCollapse, WeightType());
   data.m_elements[4] = Optional("comment", CItem::Property_comment, ItemType_string, kPreserve, CommentType());
-  data.m_elements[5] =
-      Mandatory("gift", CItem::Property_gift, ItemType_boolean, kCollapse, CPrimitiveRestrictions());
+  data.m_elements[5] = Mandatory("gift", CItem::Property_gift, ItemType_boolean, kCollapse, CPrimitiveRestrictions());
   data.m_elements[6] = Optional("label", CItem::Property_label, ItemType_base64Binary, kCollapse, LabelType());
   data.m_attributes = new CAttributeInfo* [1] {};
 }
@@ -339,8 +336,7 @@ void CObjectCol<T>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeri
 
 // Takes the run of siblings that are items, and returns the first that is none.
 template <class T>
-CXmlElement* CObjectCol<T>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx,
-                                        bool) {
+CXmlElement* CObjectCol<T>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
   std::string const ns = GetNamespace();
   while (DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), ns.c_str())) {
     CSmartPtr<T> const item = T::CreateInstance(GetElementName().c_str());
@@ -356,15 +352,13 @@ template class CObjectCol<COrder>;
 
 CItemCol::~CItemCol() = default;
 
-CSmartPtr<CItemCol> CItemCol::CreateInstance(char const* elementName, char const* ns, int minOccurs,
-                                             int maxOccurs) {
+CSmartPtr<CItemCol> CItemCol::CreateInstance(char const* elementName, char const* ns, int minOccurs, int maxOccurs) {
   return new CItemCol(elementName, ns, minOccurs, maxOccurs);
 }
 
 COrderCol::~COrderCol() = default;
 
-CSmartPtr<COrderCol> COrderCol::CreateInstance(char const* elementName, char const* ns, int minOccurs,
-                                               int maxOccurs) {
+CSmartPtr<COrderCol> COrderCol::CreateInstance(char const* elementName, char const* ns, int minOccurs, int maxOccurs) {
   return new COrderCol(elementName, ns, minOccurs, maxOccurs);
 }
 
@@ -375,22 +369,20 @@ namespace {
 void BuildOrder(CMetaData& data) {
   data.m_classInfo = Sequence("OrderType");
   data.m_elements = new CElementInfo* [5] {};
-  data.m_elements[0] =
-      Mandatory("date", COrder::Property_date, ItemType_string, kCollapse, CPrimitiveRestrictions());
+  data.m_elements[0] = Mandatory("date", COrder::Property_date, ItemType_string, kCollapse, CPrimitiveRestrictions());
   data.m_elements[1] =
       Mandatory("placed", COrder::Property_placed, ItemType_string, kCollapse, CPrimitiveRestrictions());
   data.m_elements[2] =
       new CElementInfoSeqClsMnd("customer", kNamespace, COrder::Property_customer, XmlElementType_Element,
                                 &CClassFactory::CreateObject, CClassFactory::ClassId_CustomerType, true);
-  data.m_elements[3] =
-      new CElementInfoSeqClsCol("item", kNamespace, COrder::Property_item, XmlElementType_Element);
+  data.m_elements[3] = new CElementInfoSeqClsCol("item", kNamespace, COrder::Property_item, XmlElementType_Element);
   data.m_attributes = new CAttributeInfo* [4] {};
   data.m_attributes[0] = new CAttributeInfoPrimitive("id", "", COrder::Property_id, false, ItemType_i4, nullptr,
                                                      kCollapse, IdType(), nullptr);
   data.m_attributes[1] = new CAttributeInfoEnum("status", "", COrder::Property_status, false, &StatusTypeToText,
                                                 &StatusTypeFromText, nullptr);
-  data.m_attributes[2] = new CAttributeInfoPrimitive("currency", "", COrder::Property_currency, false,
-                                                     ItemType_string, nullptr, kPreserve, CurrencyType(), nullptr);
+  data.m_attributes[2] = new CAttributeInfoPrimitive("currency", "", COrder::Property_currency, false, ItemType_string,
+                                                     nullptr, kPreserve, CurrencyType(), nullptr);
 }
 
 CMetaData s_order(&BuildOrder);
@@ -447,8 +439,7 @@ namespace {
 void BuildOrders(CMetaData& data) {
   data.m_classInfo = Sequence("OrdersType");
   data.m_elements = new CElementInfo* [2] {};
-  data.m_elements[0] =
-      new CElementInfoSeqClsCol("order", kNamespace, COrders::Property_order, XmlElementType_Element);
+  data.m_elements[0] = new CElementInfoSeqClsCol("order", kNamespace, COrders::Property_order, XmlElementType_Element);
   data.m_attributes = new CAttributeInfo* [1] {};
 }
 

@@ -271,8 +271,7 @@ extern template class CObjectCol<COrder>;
 class COrderCol : public CObjectCol<COrder> {
  public:
   /// \p maxOccurs -1 means no upper limit.
-  static CSmartPtr<COrderCol> CreateInstance(char const* elementName, char const* ns, int minOccurs,
-                                             int maxOccurs);
+  static CSmartPtr<COrderCol> CreateInstance(char const* elementName, char const* ns, int minOccurs, int maxOccurs);
 
  protected:
   using CObjectCol::CObjectCol;
@@ -310,13 +309,7 @@ class COrders : public Quillon9::CXmlGeneratedClass {
 /// Makes the objects that the tables name by number.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
-  enum ClassId {
-    ClassId_OrdersType,
-    ClassId_OrderType,
-    ClassId_CustomerType,
-    ClassId_AddressType,
-    ClassId_ItemType
-  };
+  enum ClassId { ClassId_OrdersType, ClassId_OrderType, ClassId_CustomerType, ClassId_AddressType, ClassId_ItemType };
 
   /// A new object of class \p classId for an element of this name.
   /// \throws Quillon9::CQnInvalidParamException for an unknown number.

@@ -61,8 +61,8 @@ void PrintTable(std::vector<Row> rows, std::vector<bool> const& alignRight) {
 
 std::string AddressText(CUSAddress const* address) {
   if (address == nullptr) return "as above";
-  return address->GetName() + ", " + address->GetStreet() + ", " + address->GetCity() + ", " +
-         address->GetState() + " " + address->GetZip() + ", " + address->GetCountry().value_or("US");
+  return address->GetName() + ", " + address->GetStreet() + ", " + address->GetCity() + ", " + address->GetState() +
+         " " + address->GetZip() + ", " + address->GetCountry().value_or("US");
 }
 
 void PrintOrder(CPurchaseOrderType const& order) {
@@ -74,8 +74,8 @@ void PrintOrder(CPurchaseOrderType const& order) {
   std::printf("\n");
   std::vector<Row> rows = {{"Part", "Product", "Quantity", "Price/USD", "Ships", "Comment"}};
   for (CItem const& item : *order.GetItems()->GetItem()) {
-    rows.push_back({item.GetPartNum(), item.GetProductName(), std::to_string(item.GetQuantity()),
-                    item.GetUSPrice(), item.GetShipDate().value_or("-"), item.GetComment().value_or("")});
+    rows.push_back({item.GetPartNum(), item.GetProductName(), std::to_string(item.GetQuantity()), item.GetUSPrice(),
+                    item.GetShipDate().value_or("-"), item.GetComment().value_or("")});
   }
   PrintTable(rows, {false, false, true, true, false, false});
 }
@@ -177,8 +177,7 @@ void PrintChain(CQnException const& failure) {
 }
 
 /// \p text with the last \p from up to the end of \p to replaced: the item that Change() added is the last one.
-std::string Damage(std::string text, std::string const& from, std::string const& to,
-                   std::string const& replacement) {
+std::string Damage(std::string text, std::string const& from, std::string const& to, std::string const& replacement) {
   std::size_t const begin = text.rfind(from);
   return text.replace(begin, text.find(to, begin) + to.size() - begin, replacement);
 }

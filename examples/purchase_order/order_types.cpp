@@ -80,24 +80,19 @@ CSmartPtr<T> ObjectOf(QnVariant const& value) {
 namespace {
 
 void BuildUSAddress(CMetaData& data) {
-  data.m_classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "USAddress", "",
-                                            -1, true, false);
+  data.m_classInfo =
+      new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "USAddress", "", -1, true, false);
   data.m_elements = new CElementInfo* [6] {};
-  data.m_elements[0] =
-      new CElementInfoSeqPrimMnd("name", "", CUSAddress::Property_name, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[1] =
-      new CElementInfoSeqPrimMnd("street", "", CUSAddress::Property_street, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[2] =
-      new CElementInfoSeqPrimMnd("city", "", CUSAddress::Property_city, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[3] =
-      new CElementInfoSeqPrimMnd("state", "", CUSAddress::Property_state, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[4] =
-      new CElementInfoSeqPrimMnd("zip", "", CUSAddress::Property_zip, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
+  data.m_elements[0] = new CElementInfoSeqPrimMnd("name", "", CUSAddress::Property_name, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
+  data.m_elements[1] = new CElementInfoSeqPrimMnd("street", "", CUSAddress::Property_street, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
+  data.m_elements[2] = new CElementInfoSeqPrimMnd("city", "", CUSAddress::Property_city, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
+  data.m_elements[3] = new CElementInfoSeqPrimMnd("state", "", CUSAddress::Property_state, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
+  data.m_elements[4] = new CElementInfoSeqPrimMnd("zip", "", CUSAddress::Property_zip, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
   data.m_attributes = new CAttributeInfo* [2] {};
   data.m_attributes[0] =
       new CAttributeInfoPrimitive("country", "", CUSAddress::Property_country, true, ItemType_string, nullptr,
@@ -152,15 +147,12 @@ void BuildItem(CMetaData& data) {
   data.m_elements[1] = new CElementInfoSeqPrimMnd("quantity", "", CItem::Property_quantity, ItemType_i4, nullptr,
                                                   CWhitespaceUtils::WhitespaceRule_Collapse,
                                                   CPrimitiveRestrictions("", -1, -1, "1", "", "", "100", -1));
-  data.m_elements[2] =
-      new CElementInfoSeqPrimMnd("USPrice", "", CItem::Property_USPrice, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
-  data.m_elements[3] =
-      new CElementInfoSeqPrimOpt("comment", "", CItem::Property_comment, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[4] =
-      new CElementInfoSeqPrimOpt("shipDate", "", CItem::Property_shipDate, ItemType_string, nullptr,
-                                 CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
+  data.m_elements[2] = new CElementInfoSeqPrimMnd("USPrice", "", CItem::Property_USPrice, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
+  data.m_elements[3] = new CElementInfoSeqPrimOpt("comment", "", CItem::Property_comment, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
+  data.m_elements[4] = new CElementInfoSeqPrimOpt("shipDate", "", CItem::Property_shipDate, ItemType_string, nullptr,
+                                                  CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
   data.m_attributes = new CAttributeInfo* [2] {};
   data.m_attributes[0] =
       new CAttributeInfoPrimitive("partNum", "", CItem::Property_partNum, false, ItemType_string, nullptr,
@@ -209,14 +201,11 @@ CItemCol::CItemCol(char const* elementName, char const* ns, int minOccurs, int m
 
 CItemCol::~CItemCol() = default;
 
-CSmartPtr<CItemCol> CItemCol::CreateInstance(char const* elementName, char const* ns, int minOccurs,
-                                             int maxOccurs) {
+CSmartPtr<CItemCol> CItemCol::CreateInstance(char const* elementName, char const* ns, int minOccurs, int maxOccurs) {
   return new CItemCol(elementName, ns, minOccurs, maxOccurs);
 }
 
-CSmartPtr<CItem> CItemCol::Item(int index) const {
-  return static_cast<CItem*>(GetNodeAtIndex(index)->m_item.Get());
-}
+CSmartPtr<CItem> CItemCol::Item(int index) const { return static_cast<CItem*>(GetNodeAtIndex(index)->m_item.Get()); }
 
 CSmartPtr<CItem> CItemCol::Add() {
   CSmartPtr<CItem> item = CItem::CreateInstance(GetElementName().c_str());
@@ -230,8 +219,7 @@ void CItemCol::Add(CItem* item) {
   AppendItem(item);
 }
 
-void CItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
-                         bool) const {
+void CItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx, bool) const {
   ValidateCount(ctx);
   for (CItem const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
 }
@@ -291,8 +279,8 @@ CAttributeInfo** CItems::GetClassAttributeInfo() const { return s_items.Get().m_
 namespace {
 
 void BuildPurchaseOrderType(CMetaData& data) {
-  data.m_classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element,
-                                            "PurchaseOrderType", "", -1, true, false);
+  data.m_classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "PurchaseOrderType",
+                                            "", -1, true, false);
   data.m_elements = new CElementInfo* [5] {};
   data.m_elements[0] =
       new CElementInfoSeqClsMnd("shipTo", "", CPurchaseOrderType::Property_shipTo, XmlElementType_Element,
@@ -364,9 +352,7 @@ void CPurchaseOrderType::AccessProperty(int index, bool read, QnVariant& value) 
 
 CParentElementInfo* CPurchaseOrderType::GetClassInfo() const { return s_purchaseOrderType.Get().m_classInfo; }
 CElementInfo** CPurchaseOrderType::GetClassElementInfo() const { return s_purchaseOrderType.Get().m_elements; }
-CAttributeInfo** CPurchaseOrderType::GetClassAttributeInfo() const {
-  return s_purchaseOrderType.Get().m_attributes;
-}
+CAttributeInfo** CPurchaseOrderType::GetClassAttributeInfo() const { return s_purchaseOrderType.Get().m_attributes; }
 
 // ---- The factory
 

@@ -18,8 +18,7 @@ class CBook : public CXmlGeneratedClass {
     if (index == Pages) read ? value.SetI4(m_pages) : void(m_pages = value.GetI4());
   }
   CParentElementInfo* GetClassInfo() const override {
-    static CParentElementInfo info(XmlElementGroupType_Sequence, XmlElementType_Element, "Book", "", -1, true,
-                                   false);
+    static CParentElementInfo info(XmlElementGroupType_Sequence, XmlElementType_Element, "Book", "", -1, true, false);
     return &info;
   }
   CElementInfo** GetClassElementInfo() const override {

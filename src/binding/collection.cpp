@@ -29,14 +29,12 @@ void CXmlCollectionBase::ValidateCount(CXmlSerializationContext const& ctx) cons
   if (ctx.GetIgnoreInvalidCollectionCounts()) return;
   int const count = GetCount();
   if (count > m_maxOccurs && m_maxOccurs != -1) {
-    throw CQnValidationException(
-        FormatString("The Maximum number of [%s] elements allowed in this collection is %d",
-                     GetElementName().c_str(), m_maxOccurs));
+    throw CQnValidationException(FormatString("The Maximum number of [%s] elements allowed in this collection is %d",
+                                              GetElementName().c_str(), m_maxOccurs));
   }
   if (count < m_minOccurs) {
-    throw CQnValidationException(
-        FormatString("The Minimum number of [%s] elements allowed in this collection is %d",
-                     GetElementName().c_str(), m_minOccurs));
+    throw CQnValidationException(FormatString("The Minimum number of [%s] elements allowed in this collection is %d",
+                                              GetElementName().c_str(), m_minOccurs));
   }
 }
 

@@ -8,9 +8,9 @@
 
 namespace Quillon9Data {
 
-CParentElementInfo::CParentElementInfo(XmlElementGroupType groupType, XmlElementType elementType,
-                                       char const* typeName, char const* typeNamespace, int textPropertyIndex,
-                                       bool rejectUnknownAttributes, bool typeAttributeWanted)
+CParentElementInfo::CParentElementInfo(XmlElementGroupType groupType, XmlElementType elementType, char const* typeName,
+                                       char const* typeNamespace, int textPropertyIndex, bool rejectUnknownAttributes,
+                                       bool typeAttributeWanted)
     : m_groupType(groupType),
       m_elementType(elementType),
       m_typeName(typeName),

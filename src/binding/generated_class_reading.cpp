@@ -132,8 +132,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
     previous = cursor;
     for (std::size_t i = 0; i < count; ++i) {
       if (found[i]) continue;
-      found[i] =
-          GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type);
+      found[i] = GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type);
     }
   }
   for (std::size_t i = 0; i < count; ++i) {
@@ -149,15 +148,13 @@ bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ct
                                               CXmlElement** cursor, XmlElementType type) {
   int const count = GetClassElementInfoCount();
   for (int i = 0; i < count; ++i) {
-    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, GetNamespace().c_str(), type))
-      return true;
+    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, GetNamespace().c_str(), type)) return true;
   }
   return false;
 }
 
-CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx,
-                                                             CXmlElement* parent, CXmlElement* cursor,
-                                                             XmlElementType type, bool inChoice) {
+CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                             CXmlElement* cursor, XmlElementType type, bool inChoice) {
   CXmlElement* const entry = cursor;
   bool found = OfferToChoiceMembers(ctx, parent, &cursor, type);
   while (!found && ctx.GetIgnoreUnknownElements() && type == XmlElementType_Element && cursor != nullptr) {

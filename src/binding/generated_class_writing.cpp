@@ -12,8 +12,8 @@ namespace Quillon9 {
 
 using namespace Quillon9Data;
 
-void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns,
-                                   CXmlSerializationContext const& ctx, bool inChoice) const {
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                                   bool inChoice) const {
   try {
     WriteElement(writer, isRoot, ns, ctx, inChoice);
   } catch (CQnException& cause) {
@@ -57,14 +57,11 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
-void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx,
-                                      bool inChoice) const {
+void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const {
   CParentElementInfo const& info = *GetClassInfo();
   switch (info.m_groupType) {
     case XmlElementGroupType_Sequence: ProcessElementSeqToXml(ctx, GetClassElementInfo(), writer); break;
-    case XmlElementGroupType_Choice:
-      ProcessElementChoiceToXml(ctx, GetClassElementInfo(), writer, inChoice);
-      break;
+    case XmlElementGroupType_Choice: ProcessElementChoiceToXml(ctx, GetClassElementInfo(), writer, inChoice); break;
     case XmlElementGroupType_All: ProcessElementAllToXml(ctx, GetClassElementInfo(), writer); break;
     default: throw CQnException("Unknown XML Group Type");
   }

@@ -26,8 +26,7 @@ void CNamespaceAliasMap::RemoveNamespace(char const* ns) { m_map.erase(ns); }
 int CNamespaceAliasMap::GetNamespaceCount() const { return static_cast<int>(m_map.size()); }
 
 std::string CNamespaceAliasMap::GetNamespaceAt(int index) const {
-  if (index < 0 || index >= GetNamespaceCount())
-    throw CQnException(FormatString("Index %d is out of range", index));
+  if (index < 0 || index >= GetNamespaceCount()) throw CQnException(FormatString("Index %d is out of range", index));
   return std::next(m_map.begin(), index)->first;
 }
 

@@ -15,8 +15,7 @@ bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& ctx,
 
 // Only the first token of the list is judged for what it says. Behind it every token counts as empty, which admits
 // a namespace that is empty or equal to the whole list; asking again for each of them would change nothing.
-bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const& list,
-                                        std::string const& target) {
+bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const& list, std::string const& target) {
   std::size_t const blank = list.find(' ');
   std::string const token = list.substr(0, blank);
   bool const validAsOther = ns.empty() || ns == list;

@@ -66,8 +66,7 @@ void CXmlObjectBase::FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBa
   sink->OnEvent(collection->GetBase(), CollectionAdd, item);
 }
 
-void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection,
-                                                      void* item) {
+void CXmlObjectBase::FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item) {
   sink->OnEvent(collection->GetBase(), CollectionAddComplete, item);
 }
 
@@ -75,17 +74,15 @@ void CXmlObjectBase::FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectio
   sink->OnEvent(collection->GetBase(), CollectionRemove, index == -1 ? nullptr : &index);
 }
 
-void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection,
-                                                         int index) {
+void CXmlObjectBase::FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index) {
   sink->OnEvent(collection->GetBase(), CollectionRemoveComplete, index == -1 ? nullptr : &index);
 }
 
 namespace {
 
 [[noreturn]] void ThrowAlreadySet(std::string const& selected) {
-  throw CQnInvalidStateException(
-      FormatString("The Property [%s] is already set. Only one element within this class bay be set at a time",
-                   selected.c_str()));
+  throw CQnInvalidStateException(FormatString(
+      "The Property [%s] is already set. Only one element within this class bay be set at a time", selected.c_str()));
 }
 
 }  // namespace
@@ -114,9 +111,8 @@ void CXmlObjectBase::Choice_SetElementValid(bool valid, char const* name, std::s
   if (!valid) {
     selected.clear();
   } else if (selected != name) {
-    throw CQnInvalidStateException(
-        FormatString("The Property %s is already set. Only one element within this class bay be set at a time",
-                     selected.c_str()));
+    throw CQnInvalidStateException(FormatString(
+        "The Property %s is already set. Only one element within this class bay be set at a time", selected.c_str()));
   }
 }
 
@@ -134,9 +130,9 @@ void CXmlObjectBase::Throw_IfElementNameDiffers(CXmlObjectBase* value, char cons
   if (value == nullptr) return;
   std::string const& actual = value->GetBase()->GetElementName();
   if (std::strcmp(actual.c_str(), name) == 0) return;
-  throw CQnInvalidParamException(FormatString(
-      "This property requrires an element with the name %s the element being set has the element name %s", name,
-      actual.c_str()));
+  throw CQnInvalidParamException(
+      FormatString("This property requrires an element with the name %s the element being set has the element name %s",
+                   name, actual.c_str()));
 }
 
 void CXmlObjectBase::Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name) {

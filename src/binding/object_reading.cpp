@@ -36,8 +36,7 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
-void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length,
-                                   CXmlSerializationContext const& ctx) {
+void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
   CXmlDocument document(ctx);
   document.LoadXmlStream(data, length);
   ReadFrom(document.GetDocumentElement(), *this, ctx);

@@ -40,16 +40,14 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
   return data;
 }
 
-void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool formatted, XmlEncoding encoding,
-                               EOLType eol, CXmlSerializationContext const& ctx,
-                               CompressionType compression) const {
+void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
+                               CXmlSerializationContext const& ctx, CompressionType compression) const {
   if (compression == CompressionType_ZLib) {
     throw CQnException("ZLIB Compression only available for To Stream methods.");
   }
   if (!ASYNC_TOXMLFILE || compression == CompressionType_GZip) {
     // Qualified: a derived class that overrides the stream form leaves the file form alone.
-    CBinaryData const data =
-        CXmlObjectBase::ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
+    CBinaryData const data = CXmlObjectBase::ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
     CFileBinaryStream(path, encoding, data).ToFile();
     return;
   }

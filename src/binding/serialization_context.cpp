@@ -21,16 +21,14 @@ CXmlSerializationContext::~CXmlSerializationContext() = default;
 
 void CXmlSerializationContext::SetIgnoreUnknownElements(bool ignore) {
   if (ignore && m_ignoreMissingMandatoryElements) {
-    throw CQnInvalidStateException(
-        FormatString(kExclusive, "IgnoreMissingMandatoryElements", "IgnoreUnknownElements"));
+    throw CQnInvalidStateException(FormatString(kExclusive, "IgnoreMissingMandatoryElements", "IgnoreUnknownElements"));
   }
   m_ignoreUnknownElements = ignore;
 }
 
 void CXmlSerializationContext::SetIgnoreMissingMandatoryElements(bool ignore) {
   if (ignore && m_ignoreUnknownElements) {
-    throw CQnInvalidStateException(
-        FormatString(kExclusive, "IgnoreUnknownElements", "IgnoreMissingMandatoryElements"));
+    throw CQnInvalidStateException(FormatString(kExclusive, "IgnoreUnknownElements", "IgnoreMissingMandatoryElements"));
   }
   m_ignoreMissingMandatoryElements = ignore;
 }

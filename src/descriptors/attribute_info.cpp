@@ -11,8 +11,7 @@ namespace Quillon9Data {
 
 using namespace Quillon9;
 
-CAttributeInfo::CAttributeInfo(char const* name, char const* ns, int index, bool optional,
-                               char const* defaultValue)
+CAttributeInfo::CAttributeInfo(char const* name, char const* ns, int index, bool optional, char const* defaultValue)
     : m_attributeName(name),
       m_namespace(ns),
       m_propertyIndex(index),
@@ -34,9 +33,7 @@ void CAttributeInfo::ReadProperty(CXmlGeneratedClass const* holder, QnVariant& v
   holder->ReadProperty(m_propertyIndex, value);
 }
 
-std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object) {
-  return object->GetTargetNamespace();
-}
+std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object) { return object->GetTargetNamespace(); }
 
 void CAttributeInfo::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                                CXmlSerializationContext const& ctx) {
@@ -48,14 +45,12 @@ void CAttributeInfo::TestNamespace(std::string const& ns, std::string const& lis
 }
 
 bool CAttributeInfo::IsSuppressedDefault(CXmlSerializationContext const& ctx, std::string const& text) const {
-  return m_optional && !m_defaultValue.empty() && ctx.GetNoOptionalAttributeDefaultOutput() &&
-         text == m_defaultValue;
+  return m_optional && !m_defaultValue.empty() && ctx.GetNoOptionalAttributeDefaultOutput() && text == m_defaultValue;
 }
 
 void CAttributeInfo::ThrowIfRequiredAndMissing(bool found) const {
   if (m_optional || found) return;
-  throw CQnValidationException(
-      FormatString("Failed to find the required Attribute [%s]", m_attributeName.c_str()));
+  throw CQnValidationException(FormatString("Failed to find the required Attribute [%s]", m_attributeName.c_str()));
 }
 
 // ---- Primitive
@@ -63,8 +58,7 @@ void CAttributeInfo::ThrowIfRequiredAndMissing(bool found) const {
 CAttributeInfoPrimitive::CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional,
                                                  ItemType type, char const* format,
                                                  CWhitespaceUtils::WhitespaceRule rule,
-                                                 CPrimitiveRestrictions const& restrictions,
-                                                 char const* defaultValue)
+                                                 CPrimitiveRestrictions const& restrictions, char const* defaultValue)
     : CAttributeInfo(name, ns, index, optional, defaultValue),
       m_restrictions(restrictions),
       m_itemType(type),
@@ -105,8 +99,8 @@ void CAttributeInfoPrimitive::CheckRestriction(QnVariant value) const {
 
 // ---- Enum
 
-CAttributeInfoEnum::CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional,
-                                       EnumToText toText, EnumFromText fromText, char const* defaultValue)
+CAttributeInfoEnum::CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional, EnumToText toText,
+                                       EnumFromText fromText, char const* defaultValue)
     : CAttributeInfo(name, ns, index, optional, defaultValue), m_fromText(fromText), m_toText(toText) {}
 
 CAttributeInfoEnum::~CAttributeInfoEnum() = default;

@@ -58,8 +58,7 @@ void CElementInfo::CheckRestriction(QnVariant const& value) const {
   CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
 }
 
-std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char const* ns,
-                                                 char const* targetNamespace) {
+std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace) {
   std::string const text = restriction;
   if (text == "##any") return ns;
   if (text == "##other") return *ns != '\0' ? "" : "DefaultNamespace";
@@ -162,8 +161,7 @@ bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** curso
   return true;
 }
 
-void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child,
-                             CXmlElement** cursor) const {
+void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor) const {
   CXmlElement* const element = *cursor;
   FromXml_Int(child, element, element->GetFirstElement(), ctx, false);
   *cursor = element->GetNextSiblingElement();
@@ -173,8 +171,7 @@ CSmartPtr<CXmlObjectBase> CElementInfo::FetchChild(CXmlGeneratedClass* holder) c
   QnVariant value;
   AccessProperty(holder, true, value);
   CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
-  if (!child)
-    throw CQnException(FormatString("The class has no object for the element [%s]", m_elementName.c_str()));
+  if (!child) throw CQnException(FormatString("The class has no object for the element [%s]", m_elementName.c_str()));
   return child;
 }
 

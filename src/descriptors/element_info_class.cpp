@@ -53,17 +53,15 @@ bool CElementInfoSeqClsMnd::TakeElementChild(CXmlSerializationContext const& ctx
 bool CElementInfoSeqClsMnd::TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                             CXmlElement* parent, CXmlElement** cursor, XmlElementType holderType) {
   CXmlElement* const next = FromXml_Int(FetchChild(holder).Get(), parent, *cursor, ctx, false);
-  if (*cursor != nullptr && next == *cursor && ctx.GetIgnoreUnknownElements() &&
-      holderType == XmlElementType_Element) {
+  if (*cursor != nullptr && next == *cursor && ctx.GetIgnoreUnknownElements() && holderType == XmlElementType_Element) {
     return false;  // the driver skips this element and asks again
   }
   *cursor = next;
   return true;
 }
 
-bool CElementInfoSeqClsMnd::TakeRequiredPseudoChild(CXmlSerializationContext const& ctx,
-                                                    CXmlGeneratedClass* holder, CXmlElement* parent,
-                                                    CXmlElement** cursor) {
+bool CElementInfoSeqClsMnd::TakeRequiredPseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                                    CXmlElement* parent, CXmlElement** cursor) {
   if (*cursor == nullptr) return false;
   CXmlElement* const next = FromXml_Int(FetchChild(holder).Get(), parent, *cursor, ctx, false);
   if (next == *cursor) return false;
@@ -90,8 +88,7 @@ void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(CXmlSerializationContext c
 }
 
 bool CElementInfoSeqClsOpt::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                           CXmlElement* parent, CXmlElement** cursor, char const*,
-                                           XmlElementType) {
+                                           CXmlElement* parent, CXmlElement** cursor, char const*, XmlElementType) {
   if (m_childType == XmlElementType_Element) {
     if (!IsThisElement(ctx, *cursor)) return true;
     CSmartPtr<CXmlObjectBase> const child = m_classFactory(m_classId, m_elementName.c_str());
@@ -122,8 +119,7 @@ bool CElementInfoSeqAbsClsMnd::ElementToXml(CXmlSerializationContext const& ctx,
 }
 
 void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder,
-                                                         CXmlWriter* writer) const {
+                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
   PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
 }
 
@@ -156,8 +152,7 @@ bool CElementInfoSeqAbsClsOpt::ElementToXml(CXmlSerializationContext const& ctx,
 }
 
 void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder,
-                                                         CXmlWriter* writer) const {
+                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
   PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
 }
 

@@ -81,14 +81,12 @@ void CElementInfoSeqClsCol::PseudoChildAttributeToXml(CXmlSerializationContext c
 }
 
 void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder,
-                                                         CXmlWriter* writer) const {
+                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
   PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
 }
 
 void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder,
-                                                         CXmlWriter* writer) const {
+                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
   PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
 }
 
@@ -104,8 +102,7 @@ void CElementInfoAllClsCol::PseudoChildAttributeToXml(CXmlSerializationContext c
 }
 
 void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder,
-                                                         CXmlWriter* writer) const {
+                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
   PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
 }
 

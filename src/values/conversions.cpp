@@ -22,8 +22,7 @@ constexpr std::size_t kR8BufferSize = 48;
 }
 
 template <class Integer>
-Integer ParseWideInteger(std::string const& text, WhitespaceRule rule, char const* tooLarge,
-                         char const* malformed) {
+Integer ParseWideInteger(std::string const& text, WhitespaceRule rule, char const* tooLarge, char const* malformed) {
   std::string scratch;
   std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
   Integer value = 0;
@@ -117,13 +116,11 @@ std::uint32_t CConversions::ui4FromString(std::string const& text, WhitespaceRul
 }
 
 std::uint16_t CConversions::ui2FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::uint16_t>(ui4FromString(text, rule), text,
-                                      "The value [%s] is to large to fit in a ui2");
+  return NarrowInteger<std::uint16_t>(ui4FromString(text, rule), text, "The value [%s] is to large to fit in a ui2");
 }
 
 std::uint8_t CConversions::ui1FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::uint8_t>(ui4FromString(text, rule), text,
-                                     "The value [%s] is to large to fit in a ui1");
+  return NarrowInteger<std::uint8_t>(ui4FromString(text, rule), text, "The value [%s] is to large to fit in a ui1");
 }
 
 // ---- Floating-point numbers
@@ -159,16 +156,13 @@ bool CConversions::booleanFromString(std::string const& text, WhitespaceRule rul
       text);
 }
 
-std::string CConversions::charToString(char value) {
-  return value != '\0' ? std::string(1, value) : std::string();
-}
+std::string CConversions::charToString(char value) { return value != '\0' ? std::string(1, value) : std::string(); }
 
 char CConversions::charFromString(std::string const& text, WhitespaceRule rule) {
   std::string scratch;
   std::string const& character = CWhitespaceUtils::ApplyRule(rule, text, scratch);
   if (character.size() == 1) return character[0];
-  ThrowInvalidValue("The value [%s] can not be a char as it is either empty of greater than 1 char long",
-                    character);
+  ThrowInvalidValue("The value [%s] can not be a char as it is either empty of greater than 1 char long", character);
 }
 
 std::string CConversions::hexBinaryToString(CBinaryData const& value) { return value.GetAsHexString(); }

@@ -77,43 +77,35 @@ void CheckBinary(char const* name, CBinaryData const& value, CPrimitiveRestricti
 
 }  // namespace
 
-void CXmlObjectHelper::CheckRestrictionForui4(char const* name, std::uint32_t value,
-                                              CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionForui4(char const* name, std::uint32_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::ui4FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionForui2(char const* name, std::uint16_t value,
-                                              CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionForui2(char const* name, std::uint16_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::ui2FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionForui1(char const* name, std::uint8_t value,
-                                              CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionForui1(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::ui1FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionFori8(char const* name, std::int64_t value,
-                                             CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionFori8(char const* name, std::int64_t value, CPrimitiveRestrictions const& r) {
   CheckLongInteger(name, value, r, CConversions::i8FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionFori4(char const* name, std::int32_t value,
-                                             CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionFori4(char const* name, std::int32_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::i4FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionFori2(char const* name, std::int16_t value,
-                                             CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionFori2(char const* name, std::int16_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::i2FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionFori1(char const* name, std::int8_t value,
-                                             CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionFori1(char const* name, std::int8_t value, CPrimitiveRestrictions const& r) {
   CheckInteger(name, value, r, CConversions::i1FromString);
 }
 
-void CXmlObjectHelper::CheckRestrictionForui8(char const* name, std::uint64_t value,
-                                              CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionForui8(char const* name, std::uint64_t value, CPrimitiveRestrictions const& r) {
   CheckLongInteger(name, value, r, CConversions::ui8FromString);
 }
 
@@ -127,8 +119,7 @@ void CXmlObjectHelper::CheckRestrictionForr4(char const* name, float value, CPri
 
 void CXmlObjectHelper::CheckRestrictionForboolean(char const*, bool, CPrimitiveRestrictions const&) {}
 
-void CXmlObjectHelper::CheckRestrictionForstring(char const* name, std::string value,
-                                                 CPrimitiveRestrictions const& r) {
+void CXmlObjectHelper::CheckRestrictionForstring(char const* name, std::string value, CPrimitiveRestrictions const& r) {
   CheckText(name, value, r);
 }
 

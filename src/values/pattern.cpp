@@ -161,8 +161,7 @@ CompiledPattern::CompiledPattern(std::string const& pattern) {
 }
 
 int CompiledPattern::Execute(pcre_extra const& extra, char const* subject, int length) {
-  return pcre_exec(m_code.get(), &extra, subject, length, 0, 0, m_offsets.data(),
-                   static_cast<int>(m_offsets.size()));
+  return pcre_exec(m_code.get(), &extra, subject, length, 0, 0, m_offsets.data(), static_cast<int>(m_offsets.size()));
 }
 
 int CompiledPattern::ExecuteOnLargeStack(pcre_extra const& extra, char const* subject, int length) {

@@ -109,17 +109,13 @@ void QnVariant::Clear() {
 
 void QnVariant::SetHexBinary(CBinaryData const& value) { SetOwned(ItemType_hexBinary, new CBinaryData(value)); }
 
-void QnVariant::SetBase64Binary(CBinaryData const& value) {
-  SetOwned(ItemType_base64Binary, new CBinaryData(value));
-}
+void QnVariant::SetBase64Binary(CBinaryData const& value) { SetOwned(ItemType_base64Binary, new CBinaryData(value)); }
 
 void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std::string(std::move(value))); }
 
 void QnVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(ItemType_xmlObject, object); }
 
-void QnVariant::SetXmlCollection(CXmlCollectionBase* collection) {
-  SetReference(ItemType_xmlCollection, collection);
-}
+void QnVariant::SetXmlCollection(CXmlCollectionBase* collection) { SetReference(ItemType_xmlCollection, collection); }
 
 void QnVariant::ThrowWrongKind(char const* kind) const {
   throw CQnException(FormatString("Invalid Type %d to read as %s", static_cast<int>(m_type), kind));
@@ -180,10 +176,9 @@ std::string QnVariant::ToString(char const* format) const {
 #define QN_VALUE_KIND(number, stem, Access, Held) \
   case ItemType_##stem:                           \
     return CConversions::stem##ToString(Get##Access());
-#define QN_FORMATTED_VALUE_KIND(number, stem, Access, Held) \
-  case ItemType_##stem:                                     \
-    return CConversions::stem##ToString(Get##Access(), format);
-#include "values/item_types.def"
+#define QN_FORMATTED_VALUE_KIND(number, stem, Access, Held)                         \
+  case ItemType_##stem: return CConversions::stem##ToString(Get##Access(), format); \
+      #include "values/item_types.def"
     case ItemType_invalid:
     case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:

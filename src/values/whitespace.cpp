@@ -80,9 +80,7 @@ std::string CWhitespaceUtils::Preserve(std::string const& text) {
 
 std::string CWhitespaceUtils::Replace(std::string const& text) { return IsReplaced(text) ? text : Replaced(text); }
 
-std::string CWhitespaceUtils::Collapse(std::string const& text) {
-  return IsCollapsed(text) ? text : Collapsed(text);
-}
+std::string CWhitespaceUtils::Collapse(std::string const& text) { return IsCollapsed(text) ? text : Collapsed(text); }
 
 std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text) {
   switch (rule) {
@@ -94,12 +92,10 @@ std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& 
   ThrowUnknownRule();
 }
 
-std::string const& CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text,
-                                               std::string& scratch) {
+std::string const& CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text, std::string& scratch) {
   switch (rule) {
     case WhitespaceRule_None: return text;
-    case WhitespaceRule_Preserve:
-      return IsPreserved(text) ? text : scratch = WithoutReturns(text.data(), text.size());
+    case WhitespaceRule_Preserve: return IsPreserved(text) ? text : scratch = WithoutReturns(text.data(), text.size());
     case WhitespaceRule_Replace: return IsReplaced(text) ? text : scratch = Replaced(text);
     case WhitespaceRule_Collapse: return IsCollapsed(text) ? text : scratch = Collapsed(text);
   }

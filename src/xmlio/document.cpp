@@ -84,8 +84,7 @@ void CXmlElement::AppendUtf8TextExcludingCR(std::string_view utf8) {
 }
 
 void CXmlElement::AddAttribute(std::string localName, std::string value, std::string namespaceUri) {
-  auto attribute =
-      std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
+  auto attribute = std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
   m_attributes.push_back(attribute.get());
   attribute.release();
 }
@@ -108,8 +107,7 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 
 CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
 
-CXmlDocument::CXmlDocument(ElementFilter filter)
-    : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
+CXmlDocument::CXmlDocument(ElementFilter filter) : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
 
 CXmlDocument::CXmlDocument(CXmlSerializationContext const& context) : CXmlDocument(nullptr, context) {}
 

@@ -18,8 +18,7 @@ bool ASCII_ONLY = false;
 
 void ASCIIOnly(bool asciiOnly) { ASCII_ONLY = asciiOnly; }
 
-CQnUtf16Exception::CQnUtf16Exception(std::string const& message)
-    : CQnException(message), std::logic_error(message) {}
+CQnUtf16Exception::CQnUtf16Exception(std::string const& message) : CQnException(message), std::logic_error(message) {}
 
 CQnUtf16Exception::~CQnUtf16Exception() = default;
 

@@ -25,8 +25,7 @@ constexpr std::array<ByteClass, 256> MakeByteClasses() {
   classes['\0'] = ByteClass::End;
   classes['\n'] = ByteClass::LineFeed;
   classes['\r'] = ByteClass::CarriageReturn;
-  for (char const escaped : {'"', '&', '<', '>'})
-    classes[static_cast<unsigned char>(escaped)] = ByteClass::Escaped;
+  for (char const escaped : {'"', '&', '<', '>'}) classes[static_cast<unsigned char>(escaped)] = ByteClass::Escaped;
   return classes;
 }
 
@@ -43,9 +42,7 @@ char const* EntityFor(char byte) {
   }
 }
 
-bool StartsWith(std::string const& text, std::string_view start) {
-  return text.compare(0, start.size(), start) == 0;
-}
+bool StartsWith(std::string const& text, std::string_view start) { return text.compare(0, start.size(), start) == 0; }
 
 char const* EncodingDeclaration(XmlEncoding encoding) {
   switch (encoding) {
@@ -196,8 +193,7 @@ void CXmlTextWriter::WriteAttributeString(std::string const& localName, std::str
   FlushIfFull();
 }
 
-void CXmlTextWriter::WriteAttributeType(std::string const& namespaceUri, std::string const& typeName,
-                                        ItemType type) {
+void CXmlTextWriter::WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) {
   RequireOpenTag();
   if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) {
     WriteAttributeString("type", SchemaInstanceNamespace(), typeName, type);

@@ -128,8 +128,7 @@ unsigned long Convert(Source const* source, Source const* sourceEnd, Target* tar
 template <class From, class To, class Source, class Target>
 unsigned long ConvertCounted(Source const* source, unsigned long sourceCount, Target* target,
                              unsigned long targetCount) {
-  return Convert<From, To>(source, source + sourceCount, target,
-                           target != nullptr ? target + targetCount : nullptr);
+  return Convert<From, To>(source, source + sourceCount, target, target != nullptr ? target + targetCount : nullptr);
 }
 
 }  // namespace

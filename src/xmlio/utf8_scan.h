@@ -32,8 +32,8 @@ inline bool IsLegalSequence(std::uint8_t const* bytes, std::size_t length) {
       return (lead & 0xF0) == 0xE0 && IsTrailByte(bytes[1]) && IsTrailByte(bytes[2]) &&
              (lead != 0xE0 || bytes[1] >= 0xA0) && (lead != 0xED || bytes[1] <= 0x9F);
     case 4:
-      return lead >= 0xF0 && lead <= 0xF4 && IsTrailByte(bytes[1]) && IsTrailByte(bytes[2]) &&
-             IsTrailByte(bytes[3]) && (lead != 0xF0 || bytes[1] >= 0x90) && (lead != 0xF4 || bytes[1] <= 0x8F);
+      return lead >= 0xF0 && lead <= 0xF4 && IsTrailByte(bytes[1]) && IsTrailByte(bytes[2]) && IsTrailByte(bytes[3]) &&
+             (lead != 0xF0 || bytes[1] >= 0x90) && (lead != 0xF4 || bytes[1] <= 0x8F);
     default: return false;
   }
 }

@@ -142,12 +142,10 @@ std::string CXmlWriter::NsIntToString(int number) {
   return prefix;
 }
 
-CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName,
-                                                      std::string const& namespaceUri) {
+CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName, std::string const& namespaceUri) {
   std::uint32_t const limit = CLimits::GetMaxElementDepth();
   std::uint32_t const enclosing = m_context == nullptr ? 0 : m_context->m_depth + 1;
-  if (enclosing >= limit)
-    throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+  if (enclosing >= limit) throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
   if (m_context != nullptr) return new CXmlWriterContext(localName, namespaceUri, m_context);
   return new CXmlWriterContext(localName, namespaceUri, m_defaultNamespace, m_namespaceMap, nullptr);
 }
@@ -158,8 +156,7 @@ void CXmlWriter::PopContext() {
 }
 
 void CXmlWriter::RequireOpenTag() const {
-  if (m_context == nullptr || !m_context->m_tagOpen)
-    throw CQnException("Attributes must be added before elements");
+  if (m_context == nullptr || !m_context->m_tagOpen) throw CQnException("Attributes must be added before elements");
 }
 
 void CXmlWriter::RequireOpenElement() const {

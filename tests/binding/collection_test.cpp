@@ -109,11 +109,10 @@ TEST_F(CollectionTest, FailuresAndWhatTheyLeave) {
                  list.AddBeforeItem(b.Get(), a.Get()));
   EXPECT_EQ("1", listener.Take());
   EXPECT_EQ(0, list.GetCount());
-  EXPECT_FAILURE(
-      CQnException,
-      "CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic "
-      "error)",
-      list.ToXml());
+  EXPECT_FAILURE(CQnException,
+                 "CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic "
+                 "error)",
+                 list.ToXml());
 }
 
 TEST_F(CollectionTest, AListenerThatRaisesStopsTheAddAndNeverTheDestruction) {

@@ -15,8 +15,7 @@ TEST(Exceptions, FullMessageWalksFromTheOutsideIn) {
   CQnException const outer("", middle);
   EXPECT_EQ("cause", cause.GetFullMessage());
   EXPECT_EQ("\nmiddle\ncause", outer.GetFullMessage());
-  EXPECT_NE(nullptr,
-            dynamic_cast<CQnInvalidValueException const*>(outer.GetInnerException()->GetInnerException()));
+  EXPECT_NE(nullptr, dynamic_cast<CQnInvalidValueException const*>(outer.GetInnerException()->GetInnerException()));
 }
 
 TEST(Exceptions, CopiesAreIndependentAndTakeTheNamedClass) {

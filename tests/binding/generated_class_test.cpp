@@ -27,10 +27,8 @@ TEST(GeneratedClassReading, AttributesByClassAndOption) {
       {true, "", "a='1' c='3'", "Failed to process the element [root]\nUnexpected Attribute [c] found."},
       {true, "A", "a='1' c='3'", "<root a=\"1\"/>"},
       {false, "", "a='1' c='3'", "<root a=\"1\"/>"},
-      {true, "", "a='1' xsi:type='t' xsi:schemaLocation='x y' xsi:noNamespaceSchemaLocation='z'",
-       "<root a=\"1\"/>"},
-      {true, "A", "a='1' xsi:nil='true'",
-       "Failed to process the element [root]\nUnexpected Attribute [nil] found."},
+      {true, "", "a='1' xsi:type='t' xsi:schemaLocation='x y' xsi:noNamespaceSchemaLocation='z'", "<root a=\"1\"/>"},
+      {true, "A", "a='1' xsi:nil='true'", "Failed to process the element [root]\nUnexpected Attribute [nil] found."},
       {true, "N", "x:a='1' xmlns:x='u'", "Failed to process the element [root]\nUnexpected Attribute [a] found."},
   };
   for (Row const& row : rows) {
@@ -58,8 +56,7 @@ TEST(GeneratedClassReading, NilTakesTheWordsOnly) {
   };
   for (Row const& row : rows) {
     NillableClass object(shape);
-    std::string const document =
-        std::string("<root") + kXsi + "xsi:nil='" + row.nil + "'>" + row.content + "</root>";
+    std::string const document = std::string("<root") + kXsi + "xsi:nil='" + row.nil + "'>" + row.content + "</root>";
     std::string back = ReadBack(object, document.c_str());
     std::string const declaration = "xmlns:AA=\"http://www.w3.org/2001/XMLSchema-instance\" ";
     if (back.find(declaration) != std::string::npos) back.erase(back.find(declaration), declaration.size());
@@ -95,15 +92,13 @@ TEST(GeneratedClassReading, Sequences) {
       {"U", "<x/><a>1</a><b>2</b><x/>", "<root><a>1</a><b>2</b></root>"},
       {"U", "<x/>", "Failed to process the element [root]\nFailed to find a required element [a]"},
       {"M", "<b>2</b>", "<root><b>2</b></root>"},
-      {"", "<a xmlns='urn:other'>1</a>",
-       "Failed to process the element [root]\nFailed to find a required element [a]"},
+      {"", "<a xmlns='urn:other'>1</a>", "Failed to process the element [root]\nFailed to find a required element [a]"},
       {"N", "<a xmlns='urn:other'>1</a>", "<root><a>1</a></root>"},
   };
   Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("a", 0), Prim<CElementInfoSeqPrimOpt>("b", 1)});
   for (Row const& row : rows) {
     DynamicClass object(shape);
-    EXPECT_EQ(row.expected,
-              ReadBack(object, ("<root>" + std::string(row.content) + "</root>").c_str(), row.options))
+    EXPECT_EQ(row.expected, ReadBack(object, ("<root>" + std::string(row.content) + "</root>").c_str(), row.options))
         << row.content;
   }
 }
@@ -151,10 +146,8 @@ TEST(GeneratedClassReading, ChoicesOfCollections) {
     Shape const shape(options, {new CElementInfoChoiceClsCol("a", "", 0, XmlElementType_Element),
                                 new CElementInfoChoiceClsCol("b", "", 1, XmlElementType_Element)});
     DynamicClass object(shape);
-    object.With(0, new DynamicCollection(item, "a", row.minOccurs, 2))
-        .With(1, new DynamicCollection(item, "b", 1, 2));
-    EXPECT_EQ(row.expected,
-              ReadBack(object, ("<root>" + std::string(row.content) + "</root>").c_str(), row.options))
+    object.With(0, new DynamicCollection(item, "a", row.minOccurs, 2)).With(1, new DynamicCollection(item, "b", 1, 2));
+    EXPECT_EQ(row.expected, ReadBack(object, ("<root>" + std::string(row.content) + "</root>").c_str(), row.options))
         << row.content;
   }
 }
@@ -250,11 +243,10 @@ TEST(GeneratedClassWriting, AChoiceWritesItsFirstMemberAlone) {
   CSmartPtr<DynamicCollection> const b(new DynamicCollection(item, "b", 1, 9));
   DynamicClass object(shape);
   object.With(0, a.Get()).With(1, b.Get());
-  EXPECT_FAILURE(
-      CQnValidationException,
-      "Failed to convert the element [root] to XML\nThis element is a choice, and as such must have at one "
-      "(and only one) valid item, currently there are none set",
-      object.Text());
+  EXPECT_FAILURE(CQnValidationException,
+                 "Failed to convert the element [root] to XML\nThis element is a choice, and as such must have at one "
+                 "(and only one) valid item, currently there are none set",
+                 object.Text());
   EXPECT_EQ("<root/>", object.Text(Ignoring("C")));
   b->Add(new DynamicClass(item, "b"));
   EXPECT_EQ("<root><b/></root>", object.Text());

@@ -71,10 +71,9 @@ TEST_F(ObjectBaseTest, ChoiceHelpers) {
 TEST_F(ObjectBaseTest, SetterGuards) {
   object.Throw_IfElementNameDiffers(nullptr, "x");
   object.Throw_IfElementNameDiffers(&object, "object");
-  EXPECT_FAILURE(
-      CQnInvalidParamException,
-      "This property requrires an element with the name x the element being set has the element name object",
-      object.Throw_IfElementNameDiffers(&object, "x"));
+  EXPECT_FAILURE(CQnInvalidParamException,
+                 "This property requrires an element with the name x the element being set has the element name object",
+                 object.Throw_IfElementNameDiffers(&object, "x"));
   EXPECT_FAILURE(CQnInvalidParamException, "The Property [p] is mandatory, it may node be NULL",
                  object.Throw_IfPropertyIsNull(nullptr, "p"));
 }

@@ -49,9 +49,7 @@ std::vector<Row> ReadTable(fs::path const& path) {
   return rows;
 }
 
-void AppendCounted(std::string const& text, std::string& form) {
-  form += std::to_string(text.size()) + ":" + text;
-}
+void AppendCounted(std::string const& text, std::string& form) { form += std::to_string(text.size()) + ":" + text; }
 
 void AppendForm(CXmlElement const& element, std::string& form) {
   form += '(';
@@ -167,8 +165,7 @@ TEST_P(Corpus, ConformanceSuiteGivesTheRecordedOutcomes) {
 }
 
 INSTANTIATE_TEST_SUITE_P(TextModels, Corpus,
-                         testing::Values(TextModel{"AsciiOnly", "C", true},
-                                         TextModel{"Utf8Locale", "C.UTF-8", false}),
+                         testing::Values(TextModel{"AsciiOnly", "C", true}, TextModel{"Utf8Locale", "C.UTF-8", false}),
                          [](auto const& model) { return std::string(model.param.name); });
 
 }  // namespace

@@ -26,8 +26,7 @@ inline std::string Sha256(std::string_view text) {
   std::string message(text);
   message += '\x80';
   message.append((120 - message.size() % 64) % 64, '\0');
-  for (int shift = 56; shift >= 0; shift -= 8)
-    message += static_cast<char>(std::uint64_t{text.size()} * 8 >> shift);
+  for (int shift = 56; shift >= 0; shift -= 8) message += static_cast<char>(std::uint64_t{text.size()} * 8 >> shift);
 
   for (std::size_t block = 0; block < message.size(); block += 64) {
     std::array<std::uint32_t, 64> w{};

@@ -32,8 +32,7 @@ TEST(AttributeWriting, UnsetDefaultAndFacet) {
       {Attribute("a", 0, true, ItemType_i4, NoFacets(), "7"), 7, true, "<root/>"},
       {Attribute("a", 0, true, ItemType_i4, NoFacets(), "7.0"), 7, true, "<root a=\"7\"/>"},
       {Attribute("a", 0, false, ItemType_i4, NoFacets(), "7"), 7, true, "<root a=\"7\"/>"},
-      {Attribute("a", 0, true, ItemType_i4, atMost5, "7"), 7, true,
-       "<root/>"},  // a suppressed default is not checked
+      {Attribute("a", 0, true, ItemType_i4, atMost5, "7"), 7, true, "<root/>"},  // a suppressed default is not checked
       {Attribute("a", 0, true, ItemType_i4, atMost5, "7"), 6, true,
        "Failed to convert the element [root] to XML\nFailed to convert attributes to XML\nInvalid Value for a "
        "[6]"},
@@ -67,8 +66,7 @@ TEST(AttributeReading, AnEnumerationMatchesWithoutNamespacesAndSeesTheRawText) {
   DynamicClass object(shape);
   EXPECT_EQ("<r c=\"red\"/>", ReadBack(object, "<r x:c='red' xmlns:x='urn:x'/>", "N"));
   EXPECT_EQ("<r c=\"green\"/>", ReadBack(object, "<r c=' red'/>"));
-  EXPECT_EQ("Failed to process the element [r]\nFailed to find the required Attribute [c]",
-            ReadBack(object, "<r/>"));
+  EXPECT_EQ("Failed to process the element [r]\nFailed to find the required Attribute [c]", ReadBack(object, "<r/>"));
 }
 
 }  // namespace

@@ -53,8 +53,7 @@ void ExpectRows(MakeDescriptor makeDescriptor, Fill fill, std::initializer_list<
   for (Row const& row : rows) {
     Shape::Options options;
     options.rejectUnknownAttributes = false;  // a child without a tag sees the attributes of its holder too
-    Shape const shape(options, {makeDescriptor(), Prim<CElementInfoSeqPrimOpt>("z", 1)},
-                      {Attribute("own", 2, true)});
+    Shape const shape(options, {makeDescriptor(), Prim<CElementInfoSeqPrimOpt>("z", 1)}, {Attribute("own", 2, true)});
     DynamicClass object(shape);
     fill(object);
     std::string const document =
@@ -64,10 +63,9 @@ void ExpectRows(MakeDescriptor makeDescriptor, Fill fill, std::initializer_list<
 }
 void Nothing(DynamicClass&) {}
 
-std::string const kLeftOverX =
-    std::string(kRoot) +
-    "Failed read all the elements held within the element [root]. The unexpected element "
-    "[x] remains un processed";
+std::string const kLeftOverX = std::string(kRoot) +
+                               "Failed read all the elements held within the element [root]. The unexpected element "
+                               "[x] remains un processed";
 std::string const kRequiredC = std::string(kRoot) + "Failed to find a required element [c]";
 
 TEST(SeqClsMnd, WithATag) {
@@ -85,14 +83,13 @@ TEST(SeqClsMnd, WithATag) {
 
 TEST(SeqClsMnd, WithoutATag) {
   auto const fill = [](DynamicClass& object) { object.With(0, new DynamicClass(Group(), "")); };
-  ExpectRows([] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, false); },
-             fill,
-             {{"", " ga='g' own='o'><p>1</p><q>2</q><z>3</z>",
-               "<root own=\"o\" ga=\"g\"><p>1</p><q>2</q><z>3</z></root>"},
-              {"", "><z>3</z>", "<root><z>3</z></root>"},  // an empty group counts as present
-              {"", ">", "<root/>"},
-              {"U", "><x/><p>1</p>", "<root><p>1</p></root>"},
-              {"", "><x/>", kLeftOverX.c_str()}});
+  ExpectRows(
+      [] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, false); }, fill,
+      {{"", " ga='g' own='o'><p>1</p><q>2</q><z>3</z>", "<root own=\"o\" ga=\"g\"><p>1</p><q>2</q><z>3</z></root>"},
+       {"", "><z>3</z>", "<root><z>3</z></root>"},  // an empty group counts as present
+       {"", ">", "<root/>"},
+       {"U", "><x/><p>1</p>", "<root><p>1</p></root>"},
+       {"", "><x/>", kLeftOverX.c_str()}});
   ExpectRows([] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, true); }, fill,
              {{"", "><p>1</p>", "<root><p>1</p></root>"},
               {"", ">", kRequiredC.c_str()},
@@ -120,18 +117,15 @@ TEST(SeqClsOpt, AChildThatFailsLeavesThePropertyAsItWas) {
 
 TEST(SeqAbsCls, TakeTheClassFromTheElement) {
   std::string const noSubstitution = std::string(kRoot) + "Failed to find a suitable substitution element for [c]";
-  ExpectRows([] { return new CElementInfoSeqAbsClsMnd("c", "", 0, XmlElementType_Element, MakeForElement); },
-             Nothing,
+  ExpectRows([] { return new CElementInfoSeqAbsClsMnd("c", "", 0, XmlElementType_Element, MakeForElement); }, Nothing,
              {{"", "><c><v>1</v></c>", "<root><c><v>1</v></c></root>"},
               {"", "><c xsi:type='none'/>", noSubstitution.c_str()},
               {"U", "><x/><c/>", noSubstitution.c_str()},
               {"M", ">", noSubstitution.c_str()}});
-  std::string const leftOverC =
-      std::string(kRoot) +
-      "Failed read all the elements held within the element [root]. The unexpected element "
-      "[c] remains un processed";
-  ExpectRows([] { return new CElementInfoSeqAbsClsOpt("c", "", 0, XmlElementType_Element, MakeForElement); },
-             Nothing,
+  std::string const leftOverC = std::string(kRoot) +
+                                "Failed read all the elements held within the element [root]. The unexpected element "
+                                "[c] remains un processed";
+  ExpectRows([] { return new CElementInfoSeqAbsClsOpt("c", "", 0, XmlElementType_Element, MakeForElement); }, Nothing,
              {{"", "><c><v>1</v></c><z>2</z>", "<root><c><v>1</v></c><z>2</z></root>"},
               {"", "><z>2</z>", "<root><z>2</z></root>"},
               {"", "><c xsi:type='none'/>", leftOverC.c_str()}});
@@ -139,10 +133,8 @@ TEST(SeqAbsCls, TakeTheClassFromTheElement) {
 
 TEST(SeqCol, TakesItsRunAndJudgesTheCount) {
   auto const fill = [](DynamicClass& object) { object.With(0, new DynamicCollection(Leaf(), "c", 1, 2)); };
-  std::string const tooFew =
-      std::string(kRoot) + "The Minimum number of [c] elements allowed in this collection is 1";
-  std::string const tooMany =
-      std::string(kRoot) + "The Maximum number of [c] elements allowed in this collection is 2";
+  std::string const tooFew = std::string(kRoot) + "The Minimum number of [c] elements allowed in this collection is 1";
+  std::string const tooMany = std::string(kRoot) + "The Maximum number of [c] elements allowed in this collection is 2";
   ExpectRows([] { return new CElementInfoSeqClsCol("c", "", 0, XmlElementType_Element); }, fill,
              {{"", "><c><v>1</v></c><c/><z>2</z>", "<root><c><v>1</v></c><c/><z>2</z></root>"},
               {"", "><z>2</z>", tooFew.c_str()},
@@ -171,8 +163,8 @@ void ExpectProbes(MakeDescriptor makeDescriptor, Fill fill, std::initializer_lis
     document.LoadXml(("<r>" + std::string(probe.content) + "</r>").c_str());
     CXmlElement* const parent = document.GetDocumentElement();
     CXmlElement* cursor = parent->GetFirstElement();
-    EXPECT_EQ(probe.satisfied, descriptor->ElementFromXml(Ignoring(probe.options), &holder, parent, &cursor, "",
-                                                          XmlElementType_Pseudo))
+    EXPECT_EQ(probe.satisfied,
+              descriptor->ElementFromXml(Ignoring(probe.options), &holder, parent, &cursor, "", XmlElementType_Pseudo))
         << probe.options << " " << probe.content;
     EXPECT_EQ(probe.cursorAt, cursor != nullptr ? cursor->GetLocalName() : "") << probe.options << probe.content;
   }
@@ -193,8 +185,8 @@ TEST(PseudoHolder, DescriptorsAnswerFalseInsteadOfFailing) {
                withGroup, {{"", "<p/><x/>", true, "x"}, {"", "<x/>", false, "x"}, {"", "", false, ""}});
   ExpectProbes([] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, false); },
                withGroup, {{"U", "<x/>", true, "x"}});
-  ExpectProbes([] { return new CElementInfoSeqAbsClsMnd("c", "", 0, XmlElementType_Element, MakeForElement); },
-               Nothing, {{"", "<x/>", false, "x"}, {"", "<c/>", true, ""}});
+  ExpectProbes([] { return new CElementInfoSeqAbsClsMnd("c", "", 0, XmlElementType_Element, MakeForElement); }, Nothing,
+               {{"", "<x/>", false, "x"}, {"", "<c/>", true, ""}});
   auto const withItems = [](DynamicClass& object) { object.With(0, new DynamicCollection(Leaf(), "c", 1, 2)); };
   ExpectProbes([] { return new CElementInfoSeqClsCol("c", "", 0, XmlElementType_Element); }, withItems,
                {{"", "<x/>", false, "x"}, {"", "<c/><c/><c/><x/>", false, "x"}, {"", "<c/><x/>", true, "x"}});
@@ -205,8 +197,8 @@ TEST(PseudoHolder, DescriptorsAnswerFalseInsteadOfFailing) {
 // ---- Writing and the rest
 
 TEST(PrimitiveWriting, FacetsFailBeforeAnyOutputAndInvalidValuesWriteNothing) {
-  Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("v", 0, ItemType_i4,
-                                                      CPrimitiveRestrictions("", -1, -1, "", "5", "", "", -1))});
+  Shape const shape(
+      {}, {Prim<CElementInfoSeqPrimMnd>("v", 0, ItemType_i4, CPrimitiveRestrictions("", -1, -1, "", "5", "", "", -1))});
   DynamicClass object(shape);
   EXPECT_EQ("<root/>", object.Text());
   EXPECT_EQ("<root><v>5</v></root>", object.With(0, 5).Text());
@@ -250,8 +242,7 @@ TEST(ElementInfo, DefaultNamespaceOfUntypedContent) {
       {"##any ##x", "n", "n"},
   };
   for (auto const& row : rows) {
-    EXPECT_EQ(row.expected, CElementInfo::GetAnyDefaultNamespace(row.restriction, row.ns, "urn:t"))
-        << row.restriction;
+    EXPECT_EQ(row.expected, CElementInfo::GetAnyDefaultNamespace(row.restriction, row.ns, "urn:t")) << row.restriction;
   }
 }
 

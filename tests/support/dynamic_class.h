@@ -130,8 +130,7 @@ class DynamicCollection : public CXmlCollection {
     }
   }
   CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) override {
-    while (cursor != nullptr &&
-           DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
+    while (cursor != nullptr && DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
       CSmartPtr<CXmlObjectBase> const item(new DynamicClass(m_itemShape));
       CXmlObjectBase::FromXml_Int(item.Get(), cursor, cursor->GetFirstElement(), ctx);
       AppendItem(item.Get());
@@ -157,8 +156,8 @@ inline Quillon9Data::CAttributeInfo* Attribute(char const* name, int index, bool
                                                ItemType type = ItemType_string,
                                                CPrimitiveRestrictions const& facets = NoFacets(),
                                                char const* defaultValue = nullptr, char const* ns = "") {
-  return new Quillon9Data::CAttributeInfoPrimitive(
-      name, ns, index, optional, type, nullptr, CWhitespaceUtils::WhitespaceRule_Collapse, facets, defaultValue);
+  return new Quillon9Data::CAttributeInfoPrimitive(name, ns, index, optional, type, nullptr,
+                                                   CWhitespaceUtils::WhitespaceRule_Collapse, facets, defaultValue);
 }
 
 /// Options by one letter each: U unknown elements, M missing mandatory ones, C missing choice, I collection

@@ -169,8 +169,7 @@ TEST(BinaryData, HexDigits) {
   Row const bad[] = {{"ABC", ""}, {"0G", "G]"}, {"00 1", " ]"}, {"00\xE9\x30", "\xE9]"}};
   for (Row const& row : bad) {
     value.SetBuffer("left over");
-    EXPECT_FAILURE(CQnException, "Invalid char in hex string [" + row.other,
-                   value.SetAsHexString(row.text.c_str()));
+    EXPECT_FAILURE(CQnException, "Invalid char in hex string [" + row.other, value.SetAsHexString(row.text.c_str()));
     EXPECT_TRUE(value == CBinaryData()) << row.text;
   }
 }

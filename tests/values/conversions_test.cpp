@@ -109,8 +109,7 @@ TEST(Conversions, IntegerFailures) {
 
 TEST(Conversions, IntegersArePrinted) {
   using C = CConversions;
-  EXPECT_EQ("-9223372036854775808 18446744073709551615",
-            C::i8ToString(INT64_MIN) + " " + C::ui8ToString(UINT64_MAX));
+  EXPECT_EQ("-9223372036854775808 18446744073709551615", C::i8ToString(INT64_MIN) + " " + C::ui8ToString(UINT64_MAX));
   EXPECT_EQ("-2147483648 4294967295", C::i4ToString(INT32_MIN) + " " + C::ui4ToString(UINT32_MAX));
   EXPECT_EQ("-32768 65535", C::i2ToString(INT16_MIN) + " " + C::ui2ToString(UINT16_MAX));
   EXPECT_EQ("-128 65", C::i1ToString(INT8_MIN) + " " + C::ui1ToString(65));
@@ -123,10 +122,9 @@ TEST(Conversions, FloatingPointWords) {
   }
   std::string const withZero("2.5\0x", 5);
   std::string const longOne = "1" + std::string(1000000, '0') + "e-1000000";
-  NumberRow<double> const rows[] = {{"INF", kInfinity},   {"-INF", -kInfinity}, {"inf", kInfinity},
-                                    {"1e999", kInfinity}, {"-1e-999", 0},       {" +1.5", 1.5},
-                                    {"0x1.8p1", 3},       {".5", 0.5},          {"5e-324", 5e-324},
-                                    {withZero, 2.5},      {longOne, 1}};
+  NumberRow<double> const rows[] = {{"INF", kInfinity}, {"-INF", -kInfinity}, {"inf", kInfinity}, {"1e999", kInfinity},
+                                    {"-1e-999", 0},     {" +1.5", 1.5},       {"0x1.8p1", 3},     {".5", 0.5},
+                                    {"5e-324", 5e-324}, {withZero, 2.5},      {longOne, 1}};
   for (auto const& row : rows) EXPECT_EQ(row.value, CConversions::r8FromString(row.text, kNone)) << row.text;
   EXPECT_EQ(std::numeric_limits<float>::infinity(), CConversions::r4FromString("1e39", kNone));
   EXPECT_TRUE(std::signbit(CConversions::r8FromString("-0", kNone)));
@@ -152,8 +150,7 @@ TEST(Conversions, FloatingPointFormats) {
   EXPECT_EQ(std::string(31, '0'), CConversions::r4ToString(1.5f, "%040.1f"));
   EXPECT_EQ(std::string(47, '0'), CConversions::r8ToString(1.5, "%080.1f"));
   for (char const* format : {"%s", "%d", "%n", "%", "%.2", "%*f", "%Lf", "%f%f", "%f %"}) {
-    EXPECT_FAILURE(CQnException,
-                   std::string("The format [") + format + "] does not print one floating-point number",
+    EXPECT_FAILURE(CQnException, std::string("The format [") + format + "] does not print one floating-point number",
                    CConversions::r8ToString(1.5, format));
   }
 }

@@ -13,8 +13,7 @@ namespace {
 using Facets = CPrimitiveRestrictions;
 using Helper = CXmlObjectHelper;
 
-Facets Bounds(char const* minInclusive, char const* maxInclusive, char const* minExclusive,
-              char const* maxExclusive) {
+Facets Bounds(char const* minInclusive, char const* maxInclusive, char const* minExclusive, char const* maxExclusive) {
   return Facets("", -1, -1, minInclusive, maxInclusive, minExclusive, maxExclusive, -1);
 }
 
@@ -85,8 +84,7 @@ TEST(Facets, ExtremesOfNumbers) {
 
 TEST(Facets, LengthsAndPatternsOfStrings) {
   Facets const both("[a-z]*", 4, -1, "", "", "", "", -1);
-  for (Facets const& good :
-       {Lengths(3, 3, 3), Pattern("[a-c]{3}"), Pattern(R"(\i\c*)"), Bounds("x", "x", "x", "x")}) {
+  for (Facets const& good : {Lengths(3, 3, 3), Pattern("[a-c]{3}"), Pattern(R"(\i\c*)"), Bounds("x", "x", "x", "x")}) {
     EXPECT_EQ("", Checked(ItemType_string, "abc", good));
   }
   for (Facets const& bad : {Lengths(4, -1, -1), Lengths(-1, 2, -1), Lengths(-1, -1, 0), Pattern("ab"), both}) {

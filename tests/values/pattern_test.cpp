@@ -111,8 +111,7 @@ TEST(Pattern, LongValuesNeitherCrashNorHang) {
 }
 
 TEST(Pattern, WorkIsBounded) {
-  for (char const* pattern :
-       {"(a+)+$", "(a|aa)+$", "(.*)*x", "(a|a|a)*c", "(a*)*(a*)*(a*)*x", "([a-c]*[a-b]*)*d"}) {
+  for (char const* pattern : {"(a+)+$", "(a|aa)+$", "(.*)*x", "(a|a|a)*c", "(a*)*(a*)*(a*)*x", "([a-c]*[a-b]*)*d"}) {
     for (std::size_t length : {30U, 3000U, 100000U}) {
       EXPECT_FALSE(TestRegEx(pattern, std::string(length, 'a') + "b")) << pattern << " on " << length;
     }

@@ -119,8 +119,8 @@ TEST_F(Encoder, TextConvertsByTheLocaleOfTheCall) {
       {"C", "0123456789abcdefg", "0123456789abcdefg", "0123456789abcdefg", L"0123456789abcdefg"},
       {"C", "x\xE2\x82\xACy", "x?y", "x???y", L"x???y"},
       {"C", "12345678x\xE2\x82", "12345678x", "12345678x??", L"12345678x??"},
-      {"C.UTF-8", "x\xE2\x82\xAC\xF4\x8F\xBF\xBF", "x\xE2\x82\xAC\xF4\x8F\xBF\xBF",
-       "x\xE2\x82\xAC\xF4\x8F\xBF\xBF", L"x\u20AC\U0010FFFF"},
+      {"C.UTF-8", "x\xE2\x82\xAC\xF4\x8F\xBF\xBF", "x\xE2\x82\xAC\xF4\x8F\xBF\xBF", "x\xE2\x82\xAC\xF4\x8F\xBF\xBF",
+       L"x\u20AC\U0010FFFF"},
       {"C.UTF-8", "x\xE2\x82\xAC\xE2\x82", "x\xE2\x82\xAC", "x\xE2\x82\xAC??", L"x\u20AC??"},
       {"C.UTF-8", "\xED\xA0\x80z", "", "???z", L"???z"},
       {"C.UTF-8", "x\xF4\x90\x80\x80z", "x", "x\xEF\xBF\xBDz", L"x\x110000z"},
@@ -159,8 +159,7 @@ TEST_F(Encoder, WideText) {
 }
 
 TEST(Encoding, Utf16IsRefusedInTheFamilyAndAsLogicError) {
-  EXPECT_FAILURE(CQnUtf16Exception, "Text in UTF-16 can not be converted",
-                 CEncoder::Utf16ToLocalCodePage(nullptr, 0));
+  EXPECT_FAILURE(CQnUtf16Exception, "Text in UTF-16 can not be converted", CEncoder::Utf16ToLocalCodePage(nullptr, 0));
   EXPECT_THROW(CEncoder::Utf16ToLocalCodePage(nullptr, 0), std::logic_error);
   CQnException const outer("outer", CQnUtf16Exception("inner"));
   EXPECT_NE(nullptr, dynamic_cast<CQnUtf16Exception const*>(outer.GetInnerException()));

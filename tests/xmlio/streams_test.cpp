@@ -44,8 +44,7 @@ struct AsyncScope {
   ~AsyncScope() { AsyncToXmlFile(false); }
 };
 
-constexpr char kUnknownEncoding[] =
-    "Unknown Encoding, select UTF-8 [For help write to the maintainers of Quillon9]";
+constexpr char kUnknownEncoding[] = "Unknown Encoding, select UTF-8 [For help write to the maintainers of Quillon9]";
 constexpr char kNoDirectory[] = "/no/such/directory/a.xml";
 constexpr char kNotWritten[] = "Failed to write data to the file";
 
@@ -55,8 +54,7 @@ TEST(TextStream, GivesTextAndEncodedBytes) {
   static struct {
     XmlEncoding encoding;
     std::string bytes;
-  } const kRows[] = {
-      {XmlEncoding_UTF8, "ab<"}, {XmlEncoding_UTF16, Wide(L"ab<")}, {XmlEncoding_Unicode, Wide(L"ab<")}};
+  } const kRows[] = {{XmlEncoding_UTF8, "ab<"}, {XmlEncoding_UTF16, Wide(L"ab<")}, {XmlEncoding_Unicode, Wide(L"ab<")}};
   for (auto const& row : kRows) {
     CTextStream stream(row.encoding);
     stream.Append("dropped");
@@ -171,8 +169,7 @@ TEST(ObjectTextOutput, ToText) {
 
 TEST(ObjectTextOutput, ToBytes) {
   Note note;
-  std::string const text =
-      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AA:root xmlns:AA=\"urn:n\">x\ny</AA:root>\n";
+  std::string const text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<AA:root xmlns:AA=\"urn:n\">x\ny</AA:root>\n";
   EXPECT_EQ(text, Bytes(note.ToXmlStream()));
   EXPECT_FAILURE(CQnException, kUnknownEncoding, note.ToXmlStream(true, true, XmlEncoding_Default));
   note.m_text.assign(20000, 'z');
@@ -191,9 +188,8 @@ TEST(ObjectTextOutput, ToFile) {
   TemporaryFile const file("object.xml");
   Note note;
   note.m_text.assign(20000, 'z');
-  EXPECT_FAILURE(
-      CQnException, "ZLIB Compression only available for To Stream methods.",
-      note.ToXmlFile(file.Path(), true, true, XmlEncoding_UTF8, EOLType_LF, kContext, CompressionType_ZLib));
+  EXPECT_FAILURE(CQnException, "ZLIB Compression only available for To Stream methods.",
+                 note.ToXmlFile(file.Path(), true, true, XmlEncoding_UTF8, EOLType_LF, kContext, CompressionType_ZLib));
   EXPECT_FAILURE(CQnException, kUnknownEncoding, note.ToXmlFile(file.Path(), true, true, XmlEncoding_Default));
   EXPECT_FALSE(file.Exists());
 

@@ -38,9 +38,7 @@ class Doc {
   Doc& Attr(char const* name, char const* ns, char const* value) {
     return m_writer.WriteAttributeString(name, ns, value, ItemType_string), *this;
   }
-  Doc& Type(char const* ns, char const* name) {
-    return m_writer.WriteAttributeType(ns, name, ItemType_string), *this;
-  }
+  Doc& Type(char const* ns, char const* name) { return m_writer.WriteAttributeType(ns, name, ItemType_string), *this; }
   Doc& Nil() { return m_writer.WriteAttributeNil(), *this; }
   Doc& Schema(char const* text) { return m_writer.WriteInlineSchema(text), *this; }
   Doc& Text(std::string const& text) { return m_writer.WriteString(text, ItemType_string), *this; }

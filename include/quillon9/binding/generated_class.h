@@ -100,10 +100,10 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
 
   /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return
   /// the first child that was not taken; the cursor as it came in when the group took nothing.
-  CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
-                                        CXmlElement* cursor, Quillon9Data::XmlElementType type);
-  CXmlElement* ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
-                                        CXmlElement* cursor, Quillon9Data::XmlElementType type);
+  CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
+                                        Quillon9Data::XmlElementType type);
+  CXmlElement* ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
+                                        Quillon9Data::XmlElementType type);
   CXmlElement* ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                            CXmlElement* cursor, Quillon9Data::XmlElementType type, bool inChoice);
 
@@ -125,8 +125,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement** cursor,
                             Quillon9Data::XmlElementType type);
-  void RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent,
-                      CXmlElement const* cursor) const;
+  void RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlElement const* cursor) const;
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;

@@ -17,8 +17,8 @@ namespace Quillon9 {
 class QUILLON9_API IEventSink {
  public:
   enum MsgType {
-    CollectionChange = 0,  ///< after every change; data is null
-    CollectionAdd = 1,  ///< before an item enters; data is the object, or the address of the value
+    CollectionChange = 0,         ///< after every change; data is null
+    CollectionAdd = 1,            ///< before an item enters; data is the object, or the address of the value
     CollectionAddComplete = 2,    ///< after it entered; data as for CollectionAdd
     CollectionRemove = 3,         ///< before an item leaves; data is the address of its int index, null for -1
     CollectionRemoveComplete = 4  ///< after it left; data as for CollectionRemove
@@ -81,11 +81,10 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted
   /// one element a line, indented by tabs. Only where the code page is UTF-8, or the text pure ASCII, can the
   /// result be read back by FromXml(), which takes undeclared text as UTF-8; ToXmlStream() and FromXmlStream()
-  /// always fit. \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as
-  /// inner exception.
-  virtual std::string ToXml(
-      bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
-      CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const;
+  /// always fit.
+  /// \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as inner exception.
+  virtual std::string ToXml(bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
+                            CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const;
   /// Write a document as encoded bytes, compressed where asked for.
   /// \throws CQnValidationException as ToXml; CQnException for XmlEncoding_Default, which has no encoded form, and
   ///         "Failed to compress data. [Error Code: %d]" for a document that compression does not make shorter.
@@ -185,7 +184,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   ///         set at a time" when anything but \p name is selected, nothing included.
   void Choice_SetElementValid(bool valid, char const* name, std::string& selected);
   /// Read the items of \p col, a member of a choice, unless \p count says that it had its turn. What was read
-  /// moves \p cursor and raises \p count. \throws CQnValidationException for a count outside the limits of \p col.
+  /// moves \p cursor and raises \p count.
+  /// \throws CQnValidationException for a count outside the limits of \p col.
   void Choice_Read_Collection(CXmlCollectionBase* col, CXmlElement* parent, CXmlElement*& cursor, long& count,
                               CXmlSerializationContext const& ctx);
   /// \throws CQnInvalidParamException "This property requrires an element with the name %s the element being set

@@ -29,36 +29,28 @@ class QUILLON9_API CXmlObjectHelper {
   /// target namespace is [%s]" when IsNamespaceValid() says no.
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
-  /// Check \p value, read as a value of the kind \p type, with the function below that is made for this kind. \p
-  /// name is that of the element or attribute, for the failure text; it is borrowed for the call. \throws
-  /// CQnException when a facet is broken, see below, and where \p value has no text form or holds another
-  ///         class of value than \p type; CQnInvalidValueException "unknown type [%s]", with the name of the kind
-  ///         that is held, for a \p type that has no facets, such as char.
+  /// Check \p value, read as a value of the kind \p type, with the function below that is made for this kind. \p name is
+  /// that of the element or attribute, for the failure text; it is borrowed for the call.
+  /// \throws CQnException when a facet is broken, see below, and where \p value has no text form or holds another class
+  ///         of value than \p type; CQnInvalidValueException "unknown type [%s]", with the name of the kind that is
+  ///         held, for a \p type that has no facets, such as char.
   static void CheckRestriction(char const* name, QnVariant const& value, ItemType type,
                                CPrimitiveRestrictions const& restrictions);
 
-  /// Numbers: check minInclusive, maxInclusive, minExclusive and maxExclusive, in this order. Each bound that is
-  /// set is parsed with the `...FromString` of this kind, white space collapsed. A NaN breaks every bound, as
-  /// value and as bound. \throws CQnException "Invalid Value for %s [%d]", with i8 and ui8 "Invalid Value for %s
-  /// [%s]", with r4 and r8
-  ///         "Invalid Value for %s [%f]". A ui4 above 2,147,483,647 is shown as the negative number of the same
-  ///         bits. CQnInvalidValueException from the parser for a bound that is no such number.
-  static void CheckRestrictionForui4(char const* name, std::uint32_t value,
-                                     CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionForui2(char const* name, std::uint16_t value,
-                                     CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionForui1(char const* name, std::uint8_t value,
-                                     CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionFori8(char const* name, std::int64_t value,
-                                    CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionFori4(char const* name, std::int32_t value,
-                                    CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionFori2(char const* name, std::int16_t value,
-                                    CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionFori1(char const* name, std::int8_t value,
-                                    CPrimitiveRestrictions const& restrictions);
-  static void CheckRestrictionForui8(char const* name, std::uint64_t value,
-                                     CPrimitiveRestrictions const& restrictions);
+  /// Numbers: check minInclusive, maxInclusive, minExclusive and maxExclusive, in this order. Each bound that is set is
+  /// parsed with the `...FromString` of this kind, white space collapsed. A NaN breaks every bound, as value and as
+  /// bound.
+  /// \throws CQnException "Invalid Value for %s [%d]", with i8 and ui8 "Invalid Value for %s [%s]", with r4 and r8
+  ///         "Invalid Value for %s [%f]". A ui4 above 2,147,483,647 is shown as the negative number of the same bits.
+  ///         CQnInvalidValueException from the parser for a bound that is no such number.
+  static void CheckRestrictionForui4(char const* name, std::uint32_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForui2(char const* name, std::uint16_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForui1(char const* name, std::uint8_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFori8(char const* name, std::int64_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFori4(char const* name, std::int32_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFori2(char const* name, std::int16_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFori1(char const* name, std::int8_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForui8(char const* name, std::uint64_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
 

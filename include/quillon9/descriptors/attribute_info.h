@@ -58,9 +58,9 @@ class QUILLON9_API CAttributeInfo {
 class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
  public:
   /// \p format is kept as it is and must outlive the descriptor; \p restrictions is copied.
-  CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional, ItemType type,
-                          char const* format, CWhitespaceUtils::WhitespaceRule rule,
-                          CPrimitiveRestrictions const& restrictions, char const* defaultValue);
+  CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional, ItemType type, char const* format,
+                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions,
+                          char const* defaultValue);
   ~CAttributeInfoPrimitive() override;
 
   void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,

@@ -88,19 +88,17 @@ class QUILLON9_API CElementInfo {
                            CXmlWriter* writer) const;
   bool ElementToXmlEnum(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer,
                         EnumToText toText) const;
-  bool ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                           CXmlWriter* writer, EnumToText toText) const;
+  bool ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer,
+                           EnumToText toText) const;
   bool ElementToXmlCls(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer,
                        bool inChoice) const;
-  bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                       CXmlWriter* writer) const;
+  bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
 
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                            CXmlSerializationContext const& ctx, bool inChoice) const;
-  void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
-                           CXmlSerializationContext const& ctx) const;
+  void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
 
  protected:
   /// Move \p cursor to this mandatory element of a holder with a tag. False when its absence is ignored, with the
@@ -208,8 +206,8 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
                         XmlElementType holderType);
   bool TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
                        CXmlElement** cursor, XmlElementType holderType);
-  bool TakeRequiredPseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                               CXmlElement* parent, CXmlElement** cursor);
+  bool TakeRequiredPseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
+                               CXmlElement** cursor);
 
   XmlElementType m_childType;
   bool m_requiresContent;

@@ -18,9 +18,9 @@ class QUILLON9_API CPrimitiveRestrictions {
   /// Nothing set: every value passes.
   CPrimitiveRestrictions();
   /// Generated code's constructor. Empty text and a negative length leave the facet unset.
-  CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength,
-                         std::string minInclusive, std::string maxInclusive, std::string minExclusive,
-                         std::string maxExclusive, std::int32_t length);
+  CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength, std::string minInclusive,
+                         std::string maxInclusive, std::string minExclusive, std::string maxExclusive,
+                         std::int32_t length);
   CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
   CPrimitiveRestrictions(CPrimitiveRestrictions&&) = default;
   CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;

@@ -26,7 +26,8 @@ class QUILLON9_API QnVariant {
   QnVariant(QnVariant const& other);
   /// Take the value of \p other, which then holds nothing.
   QnVariant(QnVariant&& other) noexcept;
-  /// Clear(), then copy: assigning a variant to itself empties it. \throws CQnException "Unknown Type".
+  /// Clear(), then copy: assigning a variant to itself empties it.
+  /// \throws CQnException "Unknown Type".
   QnVariant& operator=(QnVariant const& other);
   QnVariant& operator=(QnVariant&& other) noexcept;
   virtual ~QnVariant();

@@ -178,8 +178,7 @@ class QUILLON9_API CXmlDocument {
   void EndElement();
   /// The innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back(); }
-  void AddElementAttribute(CXmlElement* element, std::string localName, std::string value,
-                           std::string namespaceUri);
+  void AddElementAttribute(CXmlElement* element, std::string localName, std::string value, std::string namespaceUri);
   /// Append \p text to \p element without its carriage returns, up to its NUL or \p length bytes.
   void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, char const* text);

@@ -47,8 +47,7 @@ class QUILLON9_API CEncoder {
   static std::string Utf8ToLocalCodePage(char const* text);
   /// The same for callers that have scratch memory at hand. The conversion needs none, so any values will do.
   static std::string Utf8ToLocalCodePage(unsigned char const* text, int length, wchar_t* wideBuffer,
-                                         unsigned long wideCapacity, char* narrowBuffer,
-                                         unsigned long narrowCapacity);
+                                         unsigned long wideCapacity, char* narrowBuffer, unsigned long narrowCapacity);
   static std::string Utf8ToLocalCodePage(char const* text, wchar_t* wideBuffer, unsigned long wideCapacity,
                                          char* narrowBuffer, unsigned long narrowCapacity);
   /// The same, put behind what \p target holds, so that a text that arrives in runs is copied once only.

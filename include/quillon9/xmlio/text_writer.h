@@ -38,8 +38,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// An empty \p value leaves the start tag open. A value that begins with "<![CDATA[" is written as it stands.
   void WriteString(std::string const& value, ItemType type) override;
   void WriteEndElement() override;
-  void WriteAttributeString(std::string const& localName, std::string const& namespaceUri,
-                            std::string const& value, ItemType type) override;
+  void WriteAttributeString(std::string const& localName, std::string const& namespaceUri, std::string const& value,
+                            ItemType type) override;
   /// A type of no namespace or of the default namespace gets no prefix.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;

@@ -110,9 +110,8 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
   /// A document element, with copies of \p defaultNamespace and \p map of its own. \p parent, mostly null, is
   /// owned.
-  CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
-                    std::string const& defaultNamespace, std::map<std::string, std::string> const& map,
-                    CXmlWriterContext* parent);
+  CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, std::string const& defaultNamespace,
+                    std::map<std::string, std::string> const& map, CXmlWriterContext* parent);
   /// Delete the whole chain of parents, however deep, and the own map. A writer clears the link to a parent that
   /// shall live.
   virtual ~CXmlWriterContext();
