@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "binding/failure_wrapping.h"
+#include "binding/nesting_guard.h"
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -28,6 +29,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   Init();
   CParentElementInfo const& info = *GetClassInfo();
+  NestingGuard const guard(info.m_elementType);
   if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
   auto const* const nillable = dynamic_cast<INillable const*>(this);

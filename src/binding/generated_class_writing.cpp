@@ -2,6 +2,7 @@
 // object that is wrong fails in the middle of the output.
 
 #include "binding/failure_wrapping.h"
+#include "binding/nesting_guard.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
@@ -25,6 +26,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* 
 void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char const* ns,
                                       CXmlSerializationContext const& ctx, bool inChoice) const {
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
+  NestingGuard const guard(GetClassInfo()->m_elementType);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx);
   auto const* const nillable = dynamic_cast<INillable const*>(this);
   if (nillable != nullptr && nillable->IsNil()) {
@@ -74,6 +76,7 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationConte
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   try {
     CParentElementInfo const& info = *GetClassInfo();
+    NestingGuard const guard(XmlElementType_Pseudo);  // the attributes of groups nest without elements
     if (ctx.GetWriteTypeAttribute() && info.m_typeAttributeWanted && info.m_typeName != GetElementName()) {
       writer->WriteAttributeType(info.m_typeNamespace, info.m_typeName, ItemType_string);
     }

@@ -110,7 +110,13 @@ void CAttributeInfoEnum::AttributeToXml(CXmlSerializationContext const& ctx, CXm
   QnVariant value;
   ReadProperty(holder, value);
   if (m_optional && !value.IsValid()) return;
-  std::string const text = m_toText(value.GetI4());  // a required value that is not set counts as number 0
+  int const number = value.GetI4();  // 0 for a required value that is not set
+  char const* const enumerator = m_toText(number);
+  if (enumerator == nullptr) {
+    throw CQnException(
+        FormatString("The number %d of the attribute [%s] has no text", number, m_attributeName.c_str()));
+  }
+  std::string const text = enumerator;
   if (IsSuppressedDefault(ctx, text)) return;
   writer->WriteAttributeString(m_attributeName, m_namespace, text, ItemType_string);
 }

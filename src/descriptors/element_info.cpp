@@ -92,8 +92,12 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
   int const number = value.GetI4();
+  char const* const text = toText(number);
+  if (text == nullptr) {
+    throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
+  }
   writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(toText(number), ItemType_string);
+  writer->WriteString(text, ItemType_string);
   writer->WriteEndElement();
   return true;
 }
@@ -165,6 +169,20 @@ void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase
   CXmlElement* const element = *cursor;
   FromXml_Int(child, element, element->GetFirstElement(), ctx, false);
   *cursor = element->GetNextSiblingElement();
+}
+
+void CElementInfo::ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                     CXmlObjectBase* child, CXmlElement** cursor) const {
+  FromXml_Int(child, *cursor, (*cursor)->GetFirstElement(), ctx, false);
+  StoreChild(holder, child);
+  *cursor = (*cursor)->GetNextSiblingElement();
+}
+
+CSmartPtr<CXmlObjectBase> CElementInfo::MakeChild(ClassFactory classFactory, int classId) const {
+  CSmartPtr<CXmlObjectBase> child = classFactory(classId, m_elementName.c_str());
+  if (!child)
+    throw CQnException(FormatString("The class factory made no object for the element [%s]", m_elementName.c_str()));
+  return child;
 }
 
 CSmartPtr<CXmlObjectBase> CElementInfo::FetchChild(CXmlGeneratedClass* holder) const {

@@ -91,13 +91,13 @@ bool CElementInfoSeqClsOpt::ElementFromXml(CXmlSerializationContext const& ctx, 
                                            CXmlElement* parent, CXmlElement** cursor, char const*, XmlElementType) {
   if (m_childType == XmlElementType_Element) {
     if (!IsThisElement(ctx, *cursor)) return true;
-    CSmartPtr<CXmlObjectBase> const child = m_classFactory(m_classId, m_elementName.c_str());
+    CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
     ReadChild(ctx, child.Get(), cursor);
     StoreChild(holder, child.Get());  // only now: a child that fails leaves the property as it was
     return true;
   }
   if (*cursor == nullptr) return true;
-  CSmartPtr<CXmlObjectBase> const child = m_classFactory(m_classId, m_elementName.c_str());
+  CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
   CXmlElement* const next = FromXml_Int(child.Get(), parent, *cursor, ctx, false);
   if (next == *cursor) return true;  // it took nothing: the property keeps what it had
   StoreChild(holder, child.Get());
@@ -133,8 +133,7 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(CXmlSerializationContext const& ct
     throw CQnValidationException(
         FormatString("Failed to find a suitable substitution element for [%s]", m_elementName.c_str()));
   }
-  ReadChild(ctx, child.Get(), cursor);
-  StoreChild(holder, child.Get());
+  ReadAndStoreChild(ctx, holder, child.Get(), cursor);
   return true;
 }
 
@@ -161,8 +160,7 @@ bool CElementInfoSeqAbsClsOpt::ElementFromXml(CXmlSerializationContext const& ct
   if (!IsThisElement(ctx, *cursor)) return true;
   CSmartPtr<CXmlObjectBase> const child = m_elementFactory(*cursor);
   if (!child) return true;  // the element stays for the next descriptor, or for the driver's check at the end
-  ReadChild(ctx, child.Get(), cursor);
-  StoreChild(holder, child.Get());
+  ReadAndStoreChild(ctx, holder, child.Get(), cursor);
   return true;
 }
 

@@ -171,14 +171,14 @@ std::string QnVariant::GetType() const {
   throw CQnException(FormatString("Invalid Type %d", static_cast<int>(m_type)));
 }
 
+// clang-format off
 std::string QnVariant::ToString(char const* format) const {
   switch (m_type) {
 #define QN_VALUE_KIND(number, stem, Access, Held) \
-  case ItemType_##stem:                           \
-    return CConversions::stem##ToString(Get##Access());
-#define QN_FORMATTED_VALUE_KIND(number, stem, Access, Held)                         \
-  case ItemType_##stem: return CConversions::stem##ToString(Get##Access(), format); \
-      #include "values/item_types.def"
+    case ItemType_##stem: return CConversions::stem##ToString(Get##Access());
+#define QN_FORMATTED_VALUE_KIND(number, stem, Access, Held) \
+    case ItemType_##stem: return CConversions::stem##ToString(Get##Access(), format);
+#include "values/item_types.def"
     case ItemType_invalid:
     case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
@@ -189,17 +189,17 @@ std::string QnVariant::ToString(char const* format) const {
 
 void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
   switch (type) {
-#define QN_VALUE_KIND(number, stem, Access, Held)            \
-  case ItemType_##stem:                                      \
-    Set##Access(CConversions::stem##FromString(text, rule)); \
-    return;
+#define QN_VALUE_KIND(number, stem, Access, Held) \
+    case ItemType_##stem: Set##Access(CConversions::stem##FromString(text, rule)); return;
 #include "values/item_types.def"
     case ItemType_invalid:
     case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
+  // The number is that of the kind held, not of the one asked for.
   throw CQnException(FormatString("Invalid Type %d to convert to string", static_cast<int>(m_type)));
 }
+// clang-format on
 
 }  // namespace Quillon9

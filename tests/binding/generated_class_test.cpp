@@ -206,6 +206,43 @@ TEST(GeneratedClass, DeepDocumentsGoRoundUpToTheLimitAndFailClearlyBehindIt) {
                  object.FromXml(nested(1000000).c_str()));
 }
 
+/// A group without a tag that holds one of its own kind.
+CSmartPtr<CXmlObjectBase> MakeGroup(int, char const* name);
+Shape const& EndlessGroup() {
+  static Shape const shape({XmlElementGroupType_Sequence, XmlElementType_Pseudo, -1, true, false},
+                           {new CElementInfoSeqClsOpt("g", "", 0, XmlElementType_Pseudo, MakeGroup, 0)});
+  return shape;
+}
+CSmartPtr<CXmlObjectBase> MakeGroup(int, char const* name) { return new DynamicClass(EndlessGroup(), name); }
+
+TEST(GeneratedClass, GroupsAndGraphsWithoutEndFailClearly) {
+  auto const innermost = [](CQnException const& failure) {
+    CQnException const* cause = &failure;
+    while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+    return cause->GetMessage();
+  };
+  std::string const tooDeep = "The element nesting exceeds the limit of 1000 levels";
+  Shape const shape({}, {new CElementInfoSeqClsOpt("g", "", 0, XmlElementType_Pseudo, MakeGroup, 0)});
+  DynamicClass holder(shape);
+  try {
+    holder.FromXml("<r><a/></r>");
+    ADD_FAILURE() << "a group that reads itself came to an end";
+  } catch (CQnValidationException const& failure) {
+    EXPECT_EQ(tooDeep, innermost(failure));
+  }
+  for (Shape const* each : {&EndlessGroup(), &NestedShape()}) {
+    CSmartPtr<DynamicClass> const cyclic(new DynamicClass(*each, "n"));
+    cyclic->With(0, cyclic.Get());
+    try {
+      holder.With(0, cyclic.Get()).Text();
+      ADD_FAILURE() << "a graph that holds itself was written";
+    } catch (CQnValidationException const& failure) {
+      EXPECT_EQ(tooDeep, innermost(failure));
+    }
+    cyclic->m_properties.clear();
+  }
+}
+
 // ---- Writing
 
 TEST(GeneratedClassWriting, RootPrologueInOrder) {

@@ -60,6 +60,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   /// Store \p value in the property number \p index, or, when \p read is true, put the property into \p value: its
   /// current value, or the reference to its object or collection. An unset value leaves \p value invalid.
   virtual void AccessProperty(int index, bool read, QnVariant& value) = 0;
+  /// The record of the class; never null, owned by the class.
   virtual Quillon9Data::CParentElementInfo* GetClassInfo() const = 0;
   /// The descriptors of the elements in schema order, closed by a null pointer.
   virtual Quillon9Data::CElementInfo** GetClassElementInfo() const = 0;
@@ -75,7 +76,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   int GetClassElementInfoCount() const;
   /// Whether some descriptor of the element table recognises \p element. For generated code.
   bool IsElementInList(CXmlSerializationContext const& ctx, CXmlElement* element) const;
-  /// Whether a choice may stay empty: one of its members is optional, or repeated with a minimum of 0.
+  /// Whether a choice may stay empty: one of its members is optional, or repeated with a minimum of 0. Asks for the
+  /// collections of repeated members by ReadProperty().
   bool DoesElementContainOptionalElements() const;
 
   /// Free what a generated class built, and set the references to null. Safe to call twice. No object of the class
@@ -88,18 +90,26 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   static CQNCriticalSection m_csInit;
 
  protected:
+  // What happens inside them is wrapped: a failure leaves with the cause as inner exception as CQnException "Failed to
+  // convert attributes to XML", CQnValidationException "Failed to convert the element [%s] to XML" or
+  // CQnValidationException "Failed to process the element [%s]".
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
-  /// Offer every attribute of \p parent to the attribute descriptors. \p reject makes one that nobody takes a
-  /// failure.
+  /// Offer every attribute of \p parent to the attribute descriptors. \p reject makes one that nobody takes a failure,
+  /// unless \p ctx ignores unknown ones.
+  /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also for xsi:nil on a class that is not nillable,
+  ///         whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
   void ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, bool reject);
 
-  /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return
-  /// the first child that was not taken; the cursor as it came in when the group took nothing.
+  /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return the
+  /// first child that was not taken; the cursor as it came in when the group could not be satisfied (what earlier
+  /// members took stays stored).
+  /// \throws CQnValidationException for a child that is left over and for a choice that found nothing; CQnException for
+  ///         an all group whose table holds a member of another group; what the descriptors throw.
   CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
                                         Quillon9Data::XmlElementType type);
   CXmlElement* ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
@@ -108,6 +118,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                                            CXmlElement* cursor, Quillon9Data::XmlElementType type, bool inChoice);
 
   /// The write drivers.
+  /// \throws CQnValidationException for a choice with nothing set; what the descriptors throw.
   void ProcessAttributesToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,
                               Quillon9Data::CAttributeInfo** attributes, CXmlWriter* writer) const;
   void ProcessElementSeqToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,

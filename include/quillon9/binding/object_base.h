@@ -73,7 +73,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// Write a document to the file \p path, as ToXmlStream makes it. The file is touched only when the document is
   /// complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
   /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
-  ///         "Failed to write data to the file [%s]" when not all of it reached the file.
+  ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToXmlStream() throws.
+  ///         Under AsyncToXmlFile(true) a failure leaves a part-written file.
   virtual void ToXmlFile(char const* path, bool includeHeader = true, bool formatted = true,
                          XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
                          CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,

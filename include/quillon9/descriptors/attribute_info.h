@@ -13,14 +13,16 @@ using Quillon9::CXmlAttribute;
 /// Root of the family.
 class QUILLON9_API CAttributeInfo {
  public:
-  /// \p name, \p ns and \p defaultValue are copied. A null or empty \p defaultValue means that there is none.
+  /// \p name, \p ns and \p defaultValue are copied. \p index is what AccessProperty() of the class knows the property
+  /// by. A null or empty \p defaultValue means that there is none.
   CAttributeInfo(char const* name, char const* ns, int index, bool optional, char const* defaultValue);
   CAttributeInfo(CAttributeInfo const&) = delete;
   CAttributeInfo& operator=(CAttributeInfo const&) = delete;
   virtual ~CAttributeInfo();
 
   /// Write the property, unless it is optional and not set, or equal to its default while \p ctx leaves these out.
-  /// \throws CQnException for a broken facet, and for a required value that is not set.
+  /// \throws CQnException for a broken facet, and for a required value that is not set (a required enumeration that is
+  ///         not set is written as number 0 instead) or has no text.
   virtual void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                               CXmlWriter* writer) const = 0;
   /// Store \p attribute when it is this descriptor's own; true when it was. Facets are not checked on reading.
@@ -33,12 +35,15 @@ class QUILLON9_API CAttributeInfo {
 
   /// Whether \p attribute, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const;
+
+  // The holder's accessors with the index of this property, and ways in to operations of objects.
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
 
   static std::string GetTargetNamespace(CXmlObjectBase const* object);
   static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                         CXmlSerializationContext const& ctx);
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() does.
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
  protected:
@@ -82,6 +87,8 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
 /// An attribute that holds an enumerator. The generated function sees the text as it stood in the document.
 class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
  public:
+  /// \p toText gives the text of a number, \p fromText the number of a text; what \p fromText does with an unknown text,
+  /// failures included, is its own affair.
   CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional, EnumToText toText,
                      EnumFromText fromText, char const* defaultValue);
   ~CAttributeInfoEnum() override;

@@ -59,10 +59,13 @@ class QUILLON9_API CElementInfo {
                             CXmlWriter* writer) const = 0;
   /// Take the element under \p cursor, a child of \p parent, when it is this descriptor's own, and move the cursor
   /// behind it. A null cursor means that no child is left. True means that the driver may go on to the next
-  /// descriptor, an absent optional element included; false that nothing was taken and this descriptor is not
-  /// satisfied. \p holderNamespace and \p holderType are those of \p holder.
-  /// \throws CQnValidationException for a missing mandatory element; CQnInvalidValueException for a text that does
-  /// not convert; what the child object throws.
+  /// descriptor, an absent optional element included; false that this descriptor is not satisfied. Where false is
+  /// returned, the cursor has moved all the same in three cases: a collection in a holder without a tag whose count is
+  /// outside its limits, the collections of all groups, and a mandatory primitive of a holder without a tag that looked
+  /// for its element behind ignored ones. \p holderNamespace and \p holderType are those of \p holder.
+  /// \throws CQnValidationException for a missing mandatory element or a count outside its limits;
+  ///         CQnInvalidValueException for a text that does not convert; CQnException for a factory or a holder that has
+  ///         no object or collection to give; what the child object throws.
   virtual bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
                               CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) = 0;
   /// The check of an all group after its last element: whether \p found satisfies this descriptor. \p required
@@ -75,13 +78,18 @@ class QUILLON9_API CElementInfo {
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
-  /// \throws CQnException for a broken facet, or "Cannot CheckRestriction for type: " and the type's name when
-  /// this is no primitive descriptor.
+  /// \throws CQnException for a broken facet, "Cannot CheckRestriction for type: " and the type's name when this is no
+  ///         primitive descriptor, and "Invalid Type %d" for a value without a name; CQnInvalidValueException for a kind
+  ///         without facets or a bound that does not parse.
   void CheckRestriction(QnVariant const& value) const;
-  /// The namespace that a new untyped element takes under the wildcard \p restriction before anything is read into
-  /// it.
+  /// The namespace that a new untyped element takes under the wildcard \p restriction before anything is read into it:
+  /// \p ns for "##any", the placeholder "DefaultNamespace" for "##other" with an empty \p ns, \p targetNamespace for
+  /// "##targetNamespace", empty for everything else. Of a list that begins with "##" the first token counts.
   static std::string GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace);
 
+  // How the members write their property, by content kind: true when something was written. A value that is not valid,
+  // a null object and an empty collection write nothing. They throw what ElementToXml() tells; for an enumerator without
+  // text CQnException.
   bool ElementToXmlPrim(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                         CXmlWriter* writer) const;
   bool ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -94,6 +102,7 @@ class QUILLON9_API CElementInfo {
                        bool inChoice) const;
   bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
 
+  // The holder's accessors with the index of this property, and ways in to protected operations of objects.
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
@@ -111,6 +120,11 @@ class QUILLON9_API CElementInfo {
   bool TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const;
   /// Let \p child, an object with a tag, read the element under \p cursor, and move on.
   void ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor) const;
+  /// The same for a child that an element factory made, which is stored before the cursor moves.
+  void ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlObjectBase* child,
+                         CXmlElement** cursor) const;
+  /// A new child object. Never null.
+  CSmartPtr<CXmlObjectBase> MakeChild(ClassFactory classFactory, int classId) const;
   /// The child object or the collection that the holder keeps for this property.
   CSmartPtr<CXmlObjectBase> FetchChild(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> FetchCollection(CXmlGeneratedClass* holder) const;
@@ -191,7 +205,7 @@ class QUILLON9_API CElementInfoSeqPrimOpt : public CElementInfoSeq {
 
 // ---- Members with an object of a known class. A null object writes nothing, for Mnd too.
 
-/// The child exists in its owner already. \p requiresContent says of a child without a tag that it counts as
+/// The child exists in its owner already: \p classFactory and \p classId are stored and not used. \p requiresContent says of a child without a tag that it counts as
 /// present only when it took an element.
 class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
  public:
@@ -232,6 +246,8 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
 
 // ---- Members whose object is made by an element factory: abstract types and substitution groups.
 
+/// When the element is absent or no class suits it, reading throws CQnValidationException "Failed to find a suitable
+/// substitution element for [%s]" in a holder with a tag. No option excuses it or skips elements in front of it.
 class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
  public:
   CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
@@ -324,7 +340,7 @@ class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
 /// Abstract: a collection of no kind, which derives from the group class and can neither read nor write.
 class QUILLON9_API CElementInfoSeqNonCol : public CElementInfoSeq {
  public:
-  using CElementInfoSeq::CElementInfoSeq;
+  CElementInfoSeqNonCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   ~CElementInfoSeqNonCol() override;
 };
 
@@ -395,13 +411,13 @@ class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
 /// Not a `Col` class, unlike its sisters.
 class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
  public:
-  using CElementInfoAll::CElementInfoAll;
+  CElementInfoAllEnumCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllEnumCol() override;
 };
 
 class QUILLON9_API CElementInfoAllNonCol : public CElementInfoAll {
  public:
-  using CElementInfoAll::CElementInfoAll;
+  CElementInfoAllNonCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllNonCol() override;
 };
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/descriptors/element_info.h"
+
+namespace Quillon9 {
+
+/// Bounds the recursion of generated classes on this thread: nested elements, and, apart from them, nested groups
+/// without a tag inside one element. A document's elements are counted when its tree is built; this counts what
+/// trees and object graphs made by hand nest, and groups that hold each other without end.
+class NestingGuard {
+ public:
+  explicit NestingGuard(Quillon9Data::XmlElementType type) : m_outer(t_levels) {
+    if (type == Quillon9Data::XmlElementType_Element) {
+      ++t_levels.elements;
+      t_levels.groups = 0;
+    } else {
+      ++t_levels.groups;
+    }
+    std::uint32_t const limit = CLimits::GetMaxElementDepth();
+    if (t_levels.elements <= limit && t_levels.groups <= limit) return;
+    t_levels = m_outer;
+    throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+  }
+  ~NestingGuard() { t_levels = m_outer; }
+  NestingGuard(NestingGuard const&) = delete;
+  NestingGuard& operator=(NestingGuard const&) = delete;
+
+ private:
+  struct Levels {
+    std::uint32_t elements;
+    std::uint32_t groups;
+  };
+  inline static thread_local Levels t_levels = {0, 0};
+
+  Levels m_outer;
+};
+
+}  // namespace Quillon9
