@@ -225,8 +225,8 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
 
   XmlElementType m_childType;
   bool m_requiresContent;
-  ClassFactory m_classFactory;
-  int m_classId;
+  [[maybe_unused]] ClassFactory m_classFactory;
+  [[maybe_unused]] int m_classId;
 };
 
 /// The child is made when its element is there, and stored when it has been read whole.
