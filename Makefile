@@ -43,7 +43,7 @@ package-test: all   ## build a program outside the tree against the installed pa
 format: deps-all    ## lay out the code
 	scripts/format
 
-format-check: deps-all
+format-check: deps-all   ## tell what is not laid out so
 	scripts/format --check
 
 tidy: deps-all      ## run clang-tidy
@@ -56,8 +56,8 @@ deps:            ## install what building and testing need
 deps-all:
 	@scripts/install-deps --all
 
-clean:
+clean:           ## remove build/
 	rm -rf build
 
 help:            ## this text
-	@sed -n 's/^\([a-z -]*\):[^#]*## \(.*\)/\1 \2/p' $(MAKEFILE_LIST) | awk '{ t = $$1; $$1 = ""; print "make " t ":" $$0 }'
+	@sed -n 's/^\([a-z -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)

@@ -4,6 +4,7 @@
 
 #include <vector>
 
+#include "binding/failed_scans.h"
 #include "binding/failure_wrapping.h"
 #include "binding/nesting_guard.h"
 #include "quillon9/binding/generated_class.h"
@@ -109,6 +110,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                           CXmlElement* cursor, XmlElementType type) {
+  FailedScans const scans(type == XmlElementType_Element && ctx.GetIgnoreUnknownElements());
   CXmlElement* const entry = cursor;
   int const count = GetClassElementInfoCount();
   for (int i = 0; i < count;) {

@@ -1,4 +1,4 @@
-#include "quillon9/binding/exceptions.h"
+#include "binding/failed_scans.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/xmlio/document.h"
 
@@ -21,18 +21,24 @@ bool CElementInfoSeqPrimMnd::ElementToXml(CXmlSerializationContext const& ctx, C
 }
 
 bool CElementInfoSeqPrimMnd::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                            CXmlElement*, CXmlElement** cursor, char const*,
+                                            CXmlElement* parent, CXmlElement** cursor, char const*,
                                             XmlElementType holderType) {
   if (holderType == XmlElementType_Element) {
     return !SeekRequiredElement(ctx, cursor) || TakePrimitive(holder, cursor);
   }
   // In a holder without a tag the whole group may be absent. Unlike its enumeration and class sisters this member
   // skips unknown elements here, and never excuses a missing one.
-  while (!IsThisElement(ctx, *cursor)) {
-    if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) return false;
-    *cursor = (*cursor)->GetNextSiblingElement();
+  if (IsThisElement(ctx, *cursor)) return TakePrimitive(holder, cursor);
+  if (!ctx.GetIgnoreUnknownElements()) return false;
+  CXmlElement* const start = *cursor;
+  if (FailedScans::Knows(this, parent, start)) {
+    *cursor = nullptr;
+    return false;
   }
-  return TakePrimitive(holder, cursor);
+  while (*cursor != nullptr && !IsThisElement(ctx, *cursor)) *cursor = (*cursor)->GetNextSiblingElement();
+  if (*cursor != nullptr) return TakePrimitive(holder, cursor);
+  FailedScans::Note(this, parent, start);
+  return false;
 }
 
 // ---- PrimOpt

@@ -89,6 +89,7 @@ TEST(SeqClsMnd, WithoutATag) {
        {"", "><z>3</z>", "<root><z>3</z></root>"},  // an empty group counts as present
        {"", ">", "<root/>"},
        {"U", "><x/><p>1</p>", "<root><p>1</p></root>"},
+       {"U", "><x/><y/><x/><y/>", "<root/>"},
        {"", "><x/>", kLeftOverX.c_str()}});
   ExpectRows([] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, true); }, fill,
              {{"", "><p>1</p>", "<root><p>1</p></root>"},
