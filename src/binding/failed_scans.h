@@ -7,10 +7,10 @@
 
 namespace Quillon9 {
 
-/// Remembers, while one element is read under the option that ignores unknown children, which descriptors looked through
-/// all remaining children in vain. The sequence driver skips one child after a failed group and asks again; without this
-/// the group would look through the rest once for each child, and a document of unknown children would cost the square
-/// of its size. Nobody can tell: the children do not change meanwhile.
+/// Remembers, while one element is read under the option that ignores unknown children, which descriptors looked
+/// through all remaining children in vain. The sequence driver skips one child after a failed group and asks again;
+/// without this the group would look through the rest once for each child, and a document of unknown children would
+/// cost the square of its size. Nobody can tell: the children do not change meanwhile.
 class FailedScans {
  public:
   /// \p active is whether the option is on; otherwise nothing happens here.

@@ -101,8 +101,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
 
   /// Offer every attribute of \p parent to the attribute descriptors. \p reject makes one that nobody takes a failure,
   /// unless \p ctx ignores unknown ones.
-  /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also for xsi:nil on a class that is not nillable,
-  ///         whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
+  /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also for xsi:nil on a class that is not
+  ///         nillable, whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
   void ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, bool reject);
 
   /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return the

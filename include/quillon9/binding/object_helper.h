@@ -29,8 +29,8 @@ class QUILLON9_API CXmlObjectHelper {
   /// target namespace is [%s]" when IsNamespaceValid() says no.
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
-  /// Check \p value, read as a value of the kind \p type, with the function below that is made for this kind. \p name is
-  /// that of the element or attribute, for the failure text; it is borrowed for the call.
+  /// Check \p value, read as a value of the kind \p type, with the function below that is made for this kind. \p name
+  /// is that of the element or attribute, for the failure text; it is borrowed for the call.
   /// \throws CQnException when a facet is broken, see below, and where \p value has no text form or holds another class
   ///         of value than \p type; CQnInvalidValueException "unknown type [%s]", with the name of the kind that is
   ///         held, for a \p type that has no facets, such as char.

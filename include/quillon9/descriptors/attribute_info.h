@@ -87,8 +87,8 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
 /// An attribute that holds an enumerator. The generated function sees the text as it stood in the document.
 class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
  public:
-  /// \p toText gives the text of a number, \p fromText the number of a text; what \p fromText does with an unknown text,
-  /// failures included, is its own affair.
+  /// \p toText gives the text of a number, \p fromText the number of a text; what \p fromText does with an unknown
+  /// text, failures included, is its own affair.
   CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional, EnumToText toText,
                      EnumFromText fromText, char const* defaultValue);
   ~CAttributeInfoEnum() override;

@@ -79,8 +79,8 @@ class QUILLON9_API CElementInfo {
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
   /// \throws CQnException for a broken facet, "Cannot CheckRestriction for type: " and the type's name when this is no
-  ///         primitive descriptor, and "Invalid Type %d" for a value without a name; CQnInvalidValueException for a kind
-  ///         without facets or a bound that does not parse.
+  ///         primitive descriptor, and "Invalid Type %d" for a value without a name; CQnInvalidValueException for a
+  ///         kind without facets or a bound that does not parse.
   void CheckRestriction(QnVariant const& value) const;
   /// The namespace that a new untyped element takes under the wildcard \p restriction before anything is read into it:
   /// \p ns for "##any", the placeholder "DefaultNamespace" for "##other" with an empty \p ns, \p targetNamespace for
@@ -88,8 +88,8 @@ class QUILLON9_API CElementInfo {
   static std::string GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace);
 
   // How the members write their property, by content kind: true when something was written. A value that is not valid,
-  // a null object and an empty collection write nothing. They throw what ElementToXml() tells; for an enumerator without
-  // text CQnException.
+  // a null object and an empty collection write nothing. They throw what ElementToXml() tells; for an enumerator
+  // without text CQnException.
   bool ElementToXmlPrim(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                         CXmlWriter* writer) const;
   bool ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -205,8 +205,8 @@ class QUILLON9_API CElementInfoSeqPrimOpt : public CElementInfoSeq {
 
 // ---- Members with an object of a known class. A null object writes nothing, for Mnd too.
 
-/// The child exists in its owner already: \p classFactory and \p classId are stored and not used. \p requiresContent says of a child without a tag that it counts as
-/// present only when it took an element.
+/// The child exists in its owner already: \p classFactory and \p classId are stored and not used. \p requiresContent
+/// says of a child without a tag that it counts as present only when it took an element.
 class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
  public:
   CElementInfoSeqClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
