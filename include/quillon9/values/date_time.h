@@ -1,0 +1,248 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/export.h"
+#include "quillon9/values/date_time_span.h"
+
+namespace Quillon9 {
+
+constexpr int MIN_YEAR = -9999;
+constexpr int MAX_YEAR = 9999;
+/// The longest that each month can be, and the days in front of each month of a year that is not a leap year.
+QUILLON9_API extern int const g_monthMax[12];
+QUILLON9_API extern int const g_monthDayInYear[13];
+
+/// Whether \p year is a leap year of the Gregorian calendar, carried on backwards.
+QUILLON9_API bool IsLeapYear(int year);
+/// \p a divided by \p b, rounded to single precision, rounded down. Above about sixteen million it is no longer exact;
+/// a result that no 32-bit integer holds is -2,147,483,648.
+QUILLON9_API int GetQuotient(long long a, int b);
+/// \p a less the quotient times \p b: outside 0 to b - 1 where the quotient is not exact.
+QUILLON9_API long long GetModulo(long long a, int b);
+/// \p value in decimal, filled up with zeros to \p width characters.
+QUILLON9_API std::string PadZero(int value, unsigned char width);
+/// \p text without its trailing zeros; its first character stays.
+QUILLON9_API std::string TrimTrainingZeros(std::string text);
+/// The fraction of a second as ".", then groups of three digits up to the last that is not zero, whose trailing zeros
+/// go. Empty when all three are 0.
+QUILLON9_API std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
+
+/// A value of one of the eight date and time types of XML Schema (W3C XML Schema Part 2, 3.2.7 to 3.2.14). The type
+/// says which fields mean something. A plain value; operations that throw CQnInvalidStateException do so for a type
+/// that has not what they ask for.
+///
+/// Where it differs from XML Schema: a year has exactly four digits, and there is no year 0 but in arithmetic; there is
+/// no 24:00:00 and no second 60; a zone may reach 23:59, and one of minus zero hours counts as positive; adding a
+/// duration does not cut the day to the length of the month; months are not compared with each other (see CompareTo()).
+class QUILLON9_API CDateTime {
+ public:
+  enum DTType : int {
+    dt_yearZero = 0,  ///< nothing is set
+    dt_dateTime = 1,
+    dt_date = 2,
+    dt_gYearMonth = 3,
+    dt_gYear = 4,
+    dt_time = 5,
+    dt_gDay = 6,
+    dt_gMonth = 7,
+    dt_gMonthDay = 8,
+  };
+
+  CDateTime();
+  explicit CDateTime(DTType type);
+  /// These leave a clear object, of type 0, when a field is out of its range.
+  CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day);
+  CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
+            std::uint8_t second);
+  CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
+            std::uint8_t second, std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
+  /// From a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear object.
+  explicit CDateTime(long const& time);
+  /// ParseXSDDateTime().
+  explicit CDateTime(char const* text);
+  CDateTime(CDateTime const& other);
+  CDateTime& operator=(CDateTime const& other);
+  /// \throws CQnInvalidStateException when this object is of another type than dateTime; CQnInvalidValueException for a
+  ///         time outside the years of this class.
+  CDateTime& operator=(long const& time);
+  virtual ~CDateTime();
+
+  static CDateTime GetCurrentTime();
+
+  // ---- Setting whole values: all fields, no zone.
+  /// \throws CQnInvalidStateException "Failed to copy CDateTime. Invalid Date Type: %s, expected: %s." when this object
+  ///         is of another type, unless it is clear; CQnInvalidValueException as Validate() does, with the fields
+  ///         stored.
+  void SetDateTime(DTType type, std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour,
+                   std::uint8_t minute, std::uint8_t second, std::uint16_t milli, std::uint16_t micro,
+                   std::uint16_t nano);
+  void SetDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
+                   std::uint8_t second);
+  void SetDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
+                   std::uint8_t second, std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
+  void SetDate(std::int16_t year, std::uint8_t month, std::uint8_t day);
+  void SetTime(std::uint8_t hour, std::uint8_t minute, std::uint8_t second);
+  void SetTime(std::uint8_t hour, std::uint8_t minute, std::uint8_t second, std::uint16_t milli, std::uint16_t micro,
+               std::uint16_t nano);
+  void SetFracTime(std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
+  void SetGDay(std::uint8_t day);
+  void SetGMonth(std::uint8_t month);
+  void SetGMonthDay(std::uint8_t month, std::uint8_t day);
+  void SetGYear(std::int16_t year);
+  void SetGYearMonth(std::int16_t year, std::uint8_t month);
+  /// Take every field of \p source, its zone and those that \p target does not use included, and the type \p target.
+  /// Nothing is validated.
+  /// \throws CQnInvalidValueException when CheckConversion() refuses.
+  void SetDateTime(CDateTime const& source, DTType target);
+  /// Whether a value of type \p source has what one of type \p target needs.
+  /// \throws CQnInvalidValueException "Unknown date type %d." for a \p source above 8.
+  static bool CheckConversion(DTType source, DTType target);
+  /// All fields 0, type 0.
+  void Clear();
+
+  // ---- Fields. Setters throw what their getter throws, store the value and do not validate it.
+  std::int16_t GetYear() const;
+  std::uint8_t GetMonth() const;
+  std::uint8_t GetDay() const;
+  std::uint8_t GetHour() const;
+  std::uint8_t GetMinute() const;
+  std::uint8_t GetSecond() const;
+  std::uint16_t GetMilliSecond() const;
+  std::uint16_t GetMicroSecond() const;
+  std::uint16_t GetNanoSecond() const;
+  /// Second and fraction.
+  double GetRealSecond() const;
+  void SetYear(std::int16_t year);
+  void SetMonth(std::uint8_t month);
+  void SetDay(std::uint8_t day);
+  void SetHour(std::uint8_t hour);
+  void SetMinute(std::uint8_t minute);
+  void SetSecond(std::uint8_t second);
+  void SetMilliSecond(std::uint16_t milli);
+  void SetMicroSecond(std::uint16_t micro);
+  void SetNanoSecond(std::uint16_t nano);
+  /// 1 for the first of January; in January and February of a leap year one more than a calendar counts.
+  /// \throws CQnInvalidValueException for a month that was set outside 1 to 12.
+  int GetDayOfYear() const;
+  /// 1 for Sunday to 7, of GetTime() in the local time zone.
+  int GetDayOfWeek() const;
+  DTType GetType() const { return m_type; }
+  std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
+  /// "dateTime", "date" and so on; empty for an unknown number.
+  static std::string GetTypeAsString(DTType type);
+
+  // ---- Zone
+  /// Whether there is a zone indicator, "Z" or an offset.
+  bool IsUTC() const { return m_isUTC; }
+  /// Whether there is an offset.
+  bool HasTimeZone() const { return m_hasTimeZone; }
+  /// Set "Z".
+  void SetUTC();
+  /// Set an offset, whose sign is that of \p hour.
+  /// \throws CQnInvalidValueException "Invalid TimeZone [%d:%d]" unless -23 to 23 and 0 to 59.
+  void SetTimeZone(std::int16_t hour, std::uint8_t minute);
+  /// \throws CQnInvalidStateException "TimeZone is not been used" without an offset.
+  std::int16_t GetZoneHour() const;
+  std::uint8_t GetZoneMinute() const;
+  /// Set the zone from what follows a date or time: "Z" and anything behind it, "+hh:mm" or "-hh:mm" with hour 24 for
+  /// 0; anything else changes nothing.
+  /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
+  void SetZone(char const* text);
+  /// A copy moved to the offset 0. One without an offset stays as it is.
+  CDateTime GetNormalized() const;
+
+  // ---- Text
+  /// Parse any of the forms without "T": the text decides the type, whatever it was.
+  /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
+  void ParseXSDDate(char const* text);
+  /// Parse "hh:mm:ss", a fraction of up to nine digits, a zone. What follows and is no zone is ignored.
+  /// \throws CQnInvalidValueException
+  void ParseXSDTime(char const* text);
+  /// Parse a date, "T" and a time.
+  /// \throws CQnInvalidValueException
+  void ParseXSDDateTime(char const* text);
+  /// The same without Clear() before it and Validate() behind it.
+  void SetXSDDate(char const* text);
+  void SetXSDTime(char const* text);
+  /// Check every field against the type: those in use for their range, all others for 0. The zone is not looked at. The
+  /// day of a dt_gDay has no upper bound.
+  /// \throws CQnInvalidValueException with the field and its value.
+  void Validate() const;
+  /// The lexical form of the type for \p format "s"; empty for "G" and null; a text that names the format for others.
+  /// \throws CQnInvalidValueException "Date Not Set" for type 0, and when all fields of another type than dt_time are
+  ///         0.
+  std::string ToString(char const* format) const;
+  std::string ToString() const { return ToString("s"); }
+
+  /// The seconds since 1970, of the fields moved to offset 0 and taken as local time, and the local zone's difference.
+  /// \throws CQnInvalidValueException for a type that is not dateTime or date.
+  long GetTime() const;
+
+  // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
+  /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
+  /// In deviation from it the month of the left side stands for that of the right side too, so that months never
+  /// decide: 2001-01-15 is greater than 2001-03-10. Years of different signs are indeterminate.
+  /// \throws CQnInvalidStateException for a left side without a month against a right side with one.
+  int CompareTo(CDateTime const& other) const;
+  bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
+  bool operator!=(CDateTime const& other) const { return CompareTo(other) != 0; }
+  bool operator<(CDateTime const& other) const { return CompareTo(other) == 1; }
+  bool operator>(CDateTime const& other) const { return CompareTo(other) == 2; }
+  bool operator<=(CDateTime const& other) const { return CompareTo(other) <= 1; }
+  bool operator>=(CDateTime const& other) const {
+    int const order = CompareTo(other);
+    return order == 0 || order == 2;
+  }
+
+  // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 and a month is February 31)
+  /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of what does
+  /// not fit. The time it takes does not depend on the length of \p span.
+  /// \throws CQnInvalidValueException when rounding leaves the month outside 1 to 12 and days are to be counted.
+  void AddDateTimeSpan(CDateTimeSpan const& span);
+  CDateTime& operator+=(CDateTimeSpan const& span);
+  /// Subtracts the length of \p span: a negative one moves the value back too.
+  CDateTime& operator-=(CDateTimeSpan const& span);
+  CDateTime operator+(CDateTimeSpan const& span) const;
+  CDateTime operator-(CDateTimeSpan const& span) const;
+  /// An all-zero span, whatever the two values are.
+  CDateTimeSpan operator-(CDateTime const& other) const;
+
+ private:
+  bool HasYear() const;
+  bool HasMonth() const;
+  bool HasDay() const;
+  bool HasTime() const;
+  void Require(bool allowed, char const* operation) const;
+  void ValidateDay() const;
+  void ValidateTime() const;
+  bool ReadShortDate(char const* text, long length);
+  bool ReadFullDate(char const* text, long length, bool negative);
+  void AppendTime(std::string& text) const;
+  void AppendZone(std::string& text) const;
+
+  DTType m_type = dt_yearZero;
+  std::uint8_t m_reserved = 0;
+  std::int16_t m_year = 0;
+  std::uint8_t m_month = 0;
+  std::uint8_t m_day = 0;
+  std::uint8_t m_hour = 0;
+  std::uint8_t m_minute = 0;
+  std::uint8_t m_second = 0;
+  std::uint16_t m_milliSecond = 0;
+  std::uint16_t m_microSecond = 0;
+  std::uint16_t m_nanoSecond = 0;
+  bool m_isUTC = false;
+  bool m_hasTimeZone = false;
+  std::int16_t m_zoneHour = 0;
+  std::uint8_t m_zoneMinute = 0;
+
+  friend QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
+};
+
+/// Compare field by field, from the year to the second, as CompareTo() does once the zones are settled. A field that
+/// only one side has is indeterminate, unless it is 0.
+QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
+
+}  // namespace Quillon9

@@ -1,0 +1,93 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// An xs:duration (W3C XML Schema Part 2, 3.2.6). The fields stay as they were written, without a range and without
+/// being normalised, under one sign for the whole. A plain value.
+///
+/// Where it differs from XML Schema: an all-zero span prints "P", which no parser takes; numbers wrap at 32 bits; of
+/// the seventh to ninth fraction digit only the last is kept, as nanoseconds; spans that differ only in months mostly
+/// compare as equal, since CDateTime::CompareTo() never lets a month decide.
+class QUILLON9_API CDateTimeSpan {
+ public:
+  /// All zero, positive.
+  CDateTimeSpan();
+  CDateTimeSpan(CDateTimeSpan const& other);
+  CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
+                std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
+                std::uint16_t nano);
+  CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
+                std::uint64_t minutes, std::uint64_t seconds);
+  CDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
+  CDateTimeSpan& operator=(CDateTimeSpan const& other);
+  virtual ~CDateTimeSpan();
+
+  /// Set every field, those that are not named to 0. The sign becomes positive. Nothing is checked.
+  void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
+                       std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
+                       std::uint16_t nano);
+  void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
+                       std::uint64_t minutes, std::uint64_t seconds);
+  void SetDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
+
+  std::uint16_t GetYears() const { return m_years; }
+  std::uint32_t GetMonths() const { return m_months; }
+  std::uint32_t GetDays() const { return m_days; }
+  std::uint32_t GetHours() const { return m_hours; }
+  std::uint64_t GetMinutes() const { return m_minutes; }
+  std::uint64_t GetSeconds() const { return m_seconds; }
+  std::uint16_t GetMilliSeconds() const { return m_milliSeconds; }
+  std::uint16_t GetMicroSeconds() const { return m_microSeconds; }
+  std::uint16_t GetNanoSeconds() const { return m_nanoSeconds; }
+  void SetYears(std::uint16_t years) { m_years = years; }
+  void SetMonths(std::uint32_t months) { m_months = months; }
+  void SetDays(std::uint32_t days) { m_days = days; }
+  void SetHours(std::uint32_t hours) { m_hours = hours; }
+  void SetMinutes(std::uint64_t minutes) { m_minutes = minutes; }
+  void SetSeconds(std::uint64_t seconds) { m_seconds = seconds; }
+  void SetMilliSeconds(std::uint16_t milli) { m_milliSeconds = milli; }
+  void SetMicroSeconds(std::uint16_t micro) { m_microSeconds = micro; }
+  void SetNanoSeconds(std::uint16_t nano) { m_nanoSeconds = nano; }
+
+  bool IsNegative() const { return m_negative; }
+  /// Turn the sign round.
+  void Negate() { m_negative = !m_negative; }
+  /// A copy with the sign set: a negative span stays negative.
+  CDateTimeSpan GetAsNegative() const;
+  void Clear();
+
+  /// Parse "[-]P[nY][nM][nD][T[nH][nM][nS.ff]]". A number may be absent, which gives 0, and wraps at 32 bits; years are
+  /// cut to 16; minutes and seconds of 2,147,483,648 and more become very large, their 32 bits being extended by the
+  /// sign. "Y" is taken at any place; a point may end the text in place of "S".
+  /// \throws CQnInvalidValueException; the fields read before it stay.
+  void ParseXSDDuration(char const* text);
+  /// The fields that are not zero, in the form above.
+  std::string ToString() const;
+
+  /// Compare as XML Schema prescribes, by adding both to 1696-09-01, 1697-02-01, 1903-03-01 and 1903-07-01: 0 equal, 1
+  /// less, 2 greater, 3 when the four do not agree.
+  int CompareTo(CDateTimeSpan const& other) const;
+  bool operator==(CDateTimeSpan const& other) const { return CompareTo(other) == 0; }
+  bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }
+  bool operator<(CDateTimeSpan const& other) const { return CompareTo(other) == 1; }
+  bool operator>(CDateTimeSpan const& other) const { return CompareTo(other) == 2; }
+
+ private:
+  std::uint16_t m_years = 0;
+  std::uint32_t m_months = 0;
+  std::uint32_t m_days = 0;
+  std::uint32_t m_hours = 0;
+  std::uint64_t m_minutes = 0;
+  std::uint64_t m_seconds = 0;
+  std::uint16_t m_milliSeconds = 0;
+  std::uint16_t m_microSeconds = 0;
+  std::uint16_t m_nanoSeconds = 0;
+  bool m_negative = false;
+};
+
+}  // namespace Quillon9

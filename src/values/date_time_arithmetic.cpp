@@ -1,0 +1,216 @@
+// The order of dates and times, and durations added to them.
+
+#include <cmath>
+#include <limits>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/values/date_time.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr int kEqual = 0;
+constexpr int kLess = 1;
+constexpr int kGreater = 2;
+constexpr int kIndeterminate = 3;
+
+template <class Number>
+int CompareNumbers(Number left, Number right) {
+  if (left * right < 0) return kIndeterminate;
+  if (left < right) return kLess;
+  return left > right ? kGreater : kEqual;
+}
+
+}  // namespace
+
+int Compare(CDateTime const& left, CDateTime const& right) {
+  int order = CompareNumbers(left.HasYear() ? left.m_year : -1, right.HasYear() ? right.m_year : -1);
+  // The left month stands for the right one: it never decides, and a left side without a month raises.
+  if (order == kEqual) {
+    order = CompareNumbers(left.HasMonth() ? left.m_month : -1, right.HasMonth() ? int{left.GetMonth()} : -1);
+  }
+  if (order == kEqual) order = CompareNumbers(left.HasDay() ? left.m_day : -1, right.HasDay() ? right.m_day : -1);
+  if (order == kEqual) order = CompareNumbers(left.HasTime() ? left.m_hour : -1, right.HasTime() ? right.m_hour : -1);
+  if (order == kEqual) {
+    order = CompareNumbers(left.HasTime() ? left.m_minute : -1, right.HasTime() ? right.m_minute : -1);
+  }
+  if (order == kEqual) {
+    order =
+        CompareNumbers(left.HasTime() ? left.GetRealSecond() : -1.0, right.HasTime() ? right.GetRealSecond() : -1.0);
+  }
+  return order;
+}
+
+CDateTime CDateTime::GetNormalized() const {
+  CDateTime copy(*this);
+  if (!m_hasTimeZone) return copy;
+  auto const hours = static_cast<std::uint32_t>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour);
+  CDateTimeSpan const offset(hours, m_zoneMinute, 0);
+  if (m_zoneHour < 0) {
+    copy += offset;
+  } else {
+    copy -= offset;
+  }
+  copy.SetTimeZone(0, 0);
+  return copy;
+}
+
+namespace {
+
+CDateTime Moved(CDateTime value, std::int16_t zoneHour) {
+  value.SetTimeZone(zoneHour, 0);
+  return value.GetNormalized();
+}
+
+// What holds of `zoned` and `unzoned` in every zone that the latter may be in. `before` and `after` are the results
+// that decide.
+int CompareAcrossZones(CDateTime const& unzoned, CDateTime const& zoned, bool zonedIsLeft) {
+  auto const compare = [&](CDateTime const& moved) {
+    return zonedIsLeft ? Compare(zoned, moved) : Compare(moved, zoned);
+  };
+  int const first = zonedIsLeft ? kLess : kGreater;
+  int const second = zonedIsLeft ? kGreater : kLess;
+  try {
+    CDateTime const earliest = Moved(unzoned, 14);
+    if (compare(earliest) == first) return first;
+    if (compare(Moved(earliest, -14)) == second) return second;
+  } catch (CQnException const&) {
+  }
+  return kIndeterminate;
+}
+
+}  // namespace
+
+int CDateTime::CompareTo(CDateTime const& other) const {
+  CDateTime const left = m_hasTimeZone ? GetNormalized() : *this;
+  CDateTime const right = other.m_hasTimeZone ? other.GetNormalized() : other;
+  if (left.m_isUTC == right.m_isUTC) return Compare(left, right);
+  return left.m_isUTC ? CompareAcrossZones(right, left, true) : CompareAcrossZones(left, right, false);
+}
+
+// ---- Arithmetic
+
+int GetQuotient(long long a, int b) {
+  float const quotient = std::floor(static_cast<float>(static_cast<double>(a) / b));
+  bool const fits = quotient >= -2147483648.0F && quotient < 2147483648.0F;
+  return fits ? static_cast<int>(quotient) : std::numeric_limits<int>::min();
+}
+
+long long GetModulo(long long a, int b) {
+  auto const product = static_cast<unsigned long long>(static_cast<long long>(GetQuotient(a, b)) * b);
+  return static_cast<long long>(static_cast<unsigned long long>(a) - product);
+}
+
+namespace {
+
+constexpr std::int64_t kDaysInCycle = 146097;  // 400 years
+constexpr std::int64_t kYearsInCycle = 400;
+
+// base + value or base - value in 64 bits, wrapping round.
+std::int64_t AddSigned(std::int64_t base, std::uint64_t value, bool negative) {
+  auto const from = static_cast<std::uint64_t>(base);
+  return static_cast<std::int64_t>(negative ? from - value : from + value);
+}
+
+// Leaves what is left below `modulus` in `field` and returns what is carried.
+template <class Field>
+std::int64_t AddField(Field& field, std::uint64_t value, bool negative, std::int64_t carry, int modulus) {
+  std::int64_t const sum = AddSigned(field + carry, value, negative);
+  field = static_cast<Field>(GetModulo(sum, modulus));
+  return GetQuotient(sum, modulus);
+}
+
+int LastDay(std::int64_t year, int month) {
+  if (month == 2 && !IsLeapYear(static_cast<int>(year % kYearsInCycle))) return 28;
+  return g_monthMax[month - 1];
+}
+
+struct Date {
+  std::int64_t year;
+  int month;
+  std::int64_t day;
+};
+
+// Whole months are passed until the day lies in one. After the first step the day is the first or the last of a month,
+// and 400 years further on everything is the same again, so that whole cycles are left out.
+void AddDays(Date& date, std::int64_t days) {
+  bool skipped = false;
+  while (days != 0) {
+    if (days > 0) {
+      int const last = LastDay(date.year, date.month);
+      if (days + date.day <= last) {
+        date.day += days;
+        return;
+      }
+      days += date.day - 1 - last;
+      date.day = 1;
+      if (++date.month == 13) {
+        date.month = 1;
+        ++date.year;
+      }
+    } else {
+      if (date.day - 1 >= -days) {
+        date.day += days;
+        return;
+      }
+      --date.month;
+      days += date.day;
+      date.day = LastDay(date.year, date.month == 0 ? 12 : date.month);
+      if (date.month == 0) {
+        date.month = 12;
+        --date.year;
+      }
+    }
+    if (skipped) continue;
+    skipped = true;
+    date.year += days / kDaysInCycle * kYearsInCycle;
+    days %= kDaysInCycle;
+  }
+}
+
+}  // namespace
+
+void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
+  bool const negative = span.IsNegative();
+  std::int64_t const months = AddSigned(m_month - 1, span.GetMonths(), negative);
+  std::int64_t const month = GetModulo(months, 12) + 1;
+  std::int64_t const year = AddSigned(m_year + GetQuotient(months, 12), span.GetYears(), negative);
+  std::int64_t carry = AddField(m_nanoSecond, span.GetNanoSeconds(), negative, 0, 1000);
+  carry = AddField(m_microSecond, span.GetMicroSeconds(), negative, carry, 1000);
+  carry = AddField(m_milliSecond, span.GetMilliSeconds(), negative, carry, 1000);
+  carry = AddField(m_second, span.GetSeconds(), negative, carry, 60);
+  carry = AddField(m_minute, span.GetMinutes(), negative, carry, 60);
+  carry = AddField(m_hour, span.GetHours(), negative, carry, 24);
+  m_month = static_cast<std::uint8_t>(month);
+  m_year = static_cast<std::int16_t>(year);
+  std::int64_t const days = AddSigned(carry, span.GetDays(), negative);
+  if (days == 0) return;
+  if (month < 1 || month > 12) {
+    throw CQnInvalidValueException(
+        FormatString("Invalid Month [%lld] (1 <= month <= 12)", static_cast<long long>(month)));
+  }
+  Date date{year, static_cast<int>(month), m_day};
+  AddDays(date, days);
+  m_year = static_cast<std::int16_t>(date.year);
+  m_month = static_cast<std::uint8_t>(date.month);
+  m_day = static_cast<std::uint8_t>(date.day);
+}
+
+CDateTime& CDateTime::operator+=(CDateTimeSpan const& span) {
+  AddDateTimeSpan(span);
+  return *this;
+}
+
+CDateTime& CDateTime::operator-=(CDateTimeSpan const& span) {
+  AddDateTimeSpan(span.GetAsNegative());
+  return *this;
+}
+
+CDateTime CDateTime::operator+(CDateTimeSpan const& span) const { return CDateTime(*this) += span; }
+
+CDateTime CDateTime::operator-(CDateTimeSpan const& span) const { return CDateTime(*this) -= span; }
+
+CDateTimeSpan CDateTime::operator-(CDateTime const&) const { return CDateTimeSpan(); }
+
+}  // namespace Quillon9

@@ -1,0 +1,236 @@
+// How dates and times are read from text and printed.
+
+#include <cstring>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/values/date_time.h"
+
+namespace Quillon9 {
+
+namespace {
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Whether `count` digits stand at `text`, and then their number.
+template <class Number>
+bool ReadDigits(char const* text, int count, Number& number) {
+  int value = 0;
+  for (int i = 0; i < count; ++i) {
+    if (!IsDigit(text[i])) return false;
+    value = value * 10 + (text[i] - '0');
+  }
+  number = static_cast<Number>(value);
+  return true;
+}
+
+void AppendPadded(std::string& text, unsigned value, std::size_t width) {
+  char digits[10];
+  std::size_t count = 0;
+  for (; value != 0 || count < width; value /= 10) digits[count++] = static_cast<char>('0' + value % 10);
+  while (count != 0) text += digits[--count];
+}
+
+}  // namespace
+
+// ---- Small helpers
+
+std::string PadZero(int value, unsigned char width) { return FormatString("%0*d", static_cast<int>(width), value); }
+
+std::string TrimTrainingZeros(std::string text) {
+  while (text.size() > 1 && text.back() == '0') text.pop_back();
+  return text;
+}
+
+std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano) {
+  if (milli == 0 && micro == 0 && nano == 0) return "";
+  std::string text = ".";
+  unsigned short const groups[] = {milli, micro, nano};
+  std::size_t const last = nano != 0 ? 2 : micro != 0 ? 1 : 0;
+  for (std::size_t i = 0; i < last; ++i) AppendPadded(text, groups[i], 3);
+  std::string tail;
+  AppendPadded(tail, groups[last], 3);
+  return text + TrimTrainingZeros(tail);
+}
+
+// ---- Printing
+
+std::string CDateTime::ToString(char const* format) const {
+  bool const allZero = m_year == 0 && m_month == 0 && m_day == 0 && m_hour == 0 && m_minute == 0 && m_second == 0 &&
+                       m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0;
+  if (m_type == dt_yearZero || (m_type != dt_time && allZero)) throw CQnInvalidValueException("Date Not Set");
+  if (format == nullptr || std::strcmp(format, "G") == 0) return "";
+  if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
+  std::string text;
+  if (HasYear()) {
+    if (m_year < 0) text += '-';
+    AppendPadded(text, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
+  } else if (m_type != dt_time) {
+    text += HasMonth() ? "--" : "---";
+  }
+  if (HasMonth()) {
+    if (HasYear()) text += '-';
+    AppendPadded(text, m_month, 2);
+  }
+  if (HasDay()) {
+    if (HasMonth()) text += '-';
+    AppendPadded(text, m_day, 2);
+  }
+  if (m_type == dt_dateTime) text += 'T';
+  if (HasTime()) AppendTime(text);
+  AppendZone(text);
+  return text;
+}
+
+void CDateTime::AppendTime(std::string& text) const {
+  AppendPadded(text, m_hour, 2);
+  text += ':';
+  AppendPadded(text, m_minute, 2);
+  text += ':';
+  AppendPadded(text, m_second, 2);
+  if (m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0) {
+    text += ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
+  }
+}
+
+void CDateTime::AppendZone(std::string& text) const {
+  if (!m_isUTC) return;
+  if (!m_hasTimeZone) {
+    text += 'Z';
+    return;
+  }
+  text += m_zoneHour < 0 ? '-' : '+';
+  AppendPadded(text, static_cast<unsigned>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour), 2);
+  text += ':';
+  AppendPadded(text, m_zoneMinute, 2);
+}
+
+// ---- Reading
+
+void CDateTime::SetZone(char const* text) {
+  if (text == nullptr) return;
+  if (*text == 'Z') {
+    SetUTC();
+  } else if (*text == '+' || *text == '-') {
+    int hour = 0;
+    int minute = 0;
+    bool const valid =
+        std::strlen(text) == 6 && ReadDigits(text + 1, 2, hour) && text[3] == ':' && ReadDigits(text + 4, 2, minute);
+    if (!valid) throw CQnInvalidValueException(FormatString("Invalid XSD Time Zone [%s]", text));
+    if (hour == 24) hour = 0;
+    SetTimeZone(static_cast<std::int16_t>(*text == '-' ? -hour : hour), static_cast<std::uint8_t>(minute));
+  }
+}
+
+void CDateTime::SetXSDTime(char const* text) {
+  if (text == nullptr) throw CQnInvalidValueException("Invalid Time (Null String)");
+  if (*text == '\0') throw CQnInvalidValueException("Invalid XSD Time (Empty String)");
+  std::uint8_t hour = 0;
+  std::uint8_t minute = 0;
+  std::uint8_t second = 0;
+  bool const valid = ReadDigits(text, 2, hour) && text[2] == ':' && ReadDigits(text + 3, 2, minute) && text[5] == ':' &&
+                     ReadDigits(text + 6, 2, second) && hour <= 23 && minute <= 59 && second <= 59;
+  if (!valid) {
+    throw CQnInvalidValueException(FormatString("Invalid XSD Time [%s] expected hh:mm:ss[.ff]", text));
+  }
+  m_hour = hour;
+  m_minute = minute;
+  m_second = second;
+  char const* at = text + 8;
+  if (*at == '.') {
+    static constexpr int weights[] = {100, 10, 1};
+    std::uint16_t* const groups[] = {&m_milliSecond, &m_microSecond, &m_nanoSecond};
+    ++at;
+    for (std::size_t count = 0; IsDigit(*at); ++at, ++count) {
+      if (count == 9) {
+        throw CQnInvalidValueException(FormatString("Invalid XSD Time [%s] Fraction part too long", text));
+      }
+      std::uint16_t& group = *groups[count / 3];
+      group = static_cast<std::uint16_t>(group + (*at - '0') * weights[count % 3]);
+    }
+  }
+  SetZone(at);
+  m_type = dt_time;
+}
+
+void CDateTime::SetXSDDate(char const* text) {
+  if (text == nullptr) throw CQnInvalidValueException("Invalid Date (Null String)");
+  if (*text == '\0') throw CQnInvalidValueException("Invalid Date (Empty String)");
+  if (std::strchr(text, 'T') != nullptr) throw CQnInvalidValueException("Invalid Date ('T' not allowed)");
+  auto length = static_cast<long>(std::strlen(text));
+  bool const hasColon = std::strchr(text, ':') != nullptr;
+  bool const endsInZ = text[length - 1] == 'Z';
+  if (endsInZ && hasColon) throw CQnInvalidValueException("Invalid Date (Bad Zone value)");
+  length -= endsInZ ? 1 : hasColon ? 6 : 0;
+  bool const isShort = text[0] == '-' && text[1] == '-';
+  bool const negative = !isShort && text[0] == '-';
+  bool const valid = isShort ? ReadShortDate(text, length) : ReadFullDate(text + negative, length - negative, negative);
+  if (!valid) {
+    throw CQnInvalidValueException(FormatString("Invalid XSD Date [%s] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text));
+  }
+  if (endsInZ || hasColon) SetZone(text + length);
+}
+
+// "--MM", "---DD", "--MM--" (whose last two characters are not looked at) and "--MM-DD", told apart by their length.
+bool CDateTime::ReadShortDate(char const* text, long length) {
+  std::uint8_t month = 0;
+  std::uint8_t day = 0;
+  if (length == 5) {
+    if (text[2] != '-' || !ReadDigits(text + 3, 2, day)) return false;
+    m_type = dt_gDay;
+  } else if (length == 4 || length == 6) {
+    if (!ReadDigits(text + 2, 2, month)) return false;
+    m_type = dt_gMonth;
+  } else if (length == 7) {
+    if (!ReadDigits(text + 2, 2, month) || text[4] != '-' || !ReadDigits(text + 5, 2, day)) return false;
+    m_type = dt_gMonthDay;
+  } else {
+    return false;
+  }
+  if (m_type != dt_gDay) m_month = month;
+  if (m_type != dt_gMonth) m_day = day;
+  return true;
+}
+
+// "CCYY", "CCYY-MM" and "CCYY-MM-DD".
+bool CDateTime::ReadFullDate(char const* text, long length, bool negative) {
+  if (length != 4 && length != 7 && length != 10) return false;
+  std::int16_t year = 0;
+  std::uint8_t month = 0;
+  std::uint8_t day = 0;
+  if (!ReadDigits(text, 4, year)) return false;
+  if (length >= 7 && (text[4] != '-' || !ReadDigits(text + 5, 2, month))) return false;
+  if (length == 10 && (text[7] != '-' || !ReadDigits(text + 8, 2, day))) return false;
+  m_year = static_cast<std::int16_t>(negative ? -year : year);
+  if (length >= 7) m_month = month;
+  if (length == 10) m_day = day;
+  m_type = length == 4 ? dt_gYear : length == 7 ? dt_gYearMonth : dt_date;
+  return true;
+}
+
+void CDateTime::ParseXSDDate(char const* text) {
+  Clear();
+  SetXSDDate(text);
+  Validate();
+}
+
+void CDateTime::ParseXSDTime(char const* text) {
+  Clear();
+  SetXSDTime(text);
+  Validate();
+}
+
+void CDateTime::ParseXSDDateTime(char const* text) {
+  if (text == nullptr) throw CQnInvalidValueException("Invalid DateTime (Null String)");
+  char const* const separator = std::strchr(text, 'T');
+  if (separator == nullptr) throw CQnInvalidValueException(FormatString("Invalid XSD DateTime [%s]", text));
+  Clear();
+  SetXSDDate(std::string(text, separator).c_str());
+  if (m_type != dt_date) {
+    throw CQnInvalidValueException(FormatString("Invalid XSD DateTime [%s] expected CCYY-MM-DDThh:mm:ss[.ff]", text));
+  }
+  SetXSDTime(separator + 1);
+  m_type = dt_dateTime;
+  Validate();
+}
+
+}  // namespace Quillon9
