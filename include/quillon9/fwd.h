@@ -9,10 +9,14 @@ class CQNCriticalSection;
 namespace Quillon9 {
 
 class CBase64;
+class CBigInteger;
 class CBinaryData;
 class CBinaryStream;
 class CClassfactoryBase;
 class CConversions;
+class CDateTime;
+class CDateTimeSpan;
+class CDecimal;
 class CEncoder;
 class CFileBinaryStream;
 class CFileTextStream;
@@ -42,6 +46,7 @@ class CXmlObjectBase;
 class CXmlObjectHelper;
 class CXmlSerializationContext;
 class CXmlTextWriter;
+class CXmlTypeCollection;
 class CXmlWriter;
 class IEventSink;
 class INillable;

@@ -2,6 +2,7 @@
 
 #include <strings.h>
 
+#include <cstdlib>
 #include <limits>
 
 #include "quillon9/binding/exceptions.h"
@@ -180,6 +181,96 @@ CBinaryData CConversions::base64BinaryFromString(std::string const& text, Whites
   std::string scratch;
   CBinaryData value;
   value.SetAsBase64(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return value;
+}
+
+// ---- Integers and decimals of any length
+
+std::string CConversions::integerToString(CBigInteger const& value) { return value.ToString(); }
+
+CBigInteger CConversions::integerFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  return CBigInteger(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+}
+
+std::string CConversions::decimalToString(CDecimal const& value, char const* format) {
+  return format != nullptr ? value.ToString(std::atoi(format)) : value.ToString();
+}
+
+CDecimal CConversions::decimalFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  return CDecimal(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+}
+
+// ---- Dates and times
+
+namespace {
+
+using DateParser = void (CDateTime::*)(char const*);
+
+CDateTime ParseDate(std::string const& text, WhitespaceRule rule, CDateTime::DTType type, DateParser parse) {
+  std::string scratch;
+  CDateTime value(type);
+  (value.*parse)(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return value;
+}
+
+// The prefix and two digits, more where the value has more.
+std::string DateFieldText(char const* prefix, unsigned value) {
+  std::string const digits = IntegerText(value);
+  return std::string(prefix) + (digits.size() < 2 ? "0" : "") + digits;
+}
+
+}  // namespace
+
+std::string CConversions::dateToString(CDateTime const& value) { return value.ToString("s"); }
+std::string CConversions::timeToString(CDateTime const& value) { return value.ToString("s"); }
+std::string CConversions::datetimeToString(CDateTime const& value) { return value.ToString("s"); }
+std::string CConversions::yearMonthToString(CDateTime const& value) { return value.ToString("s"); }
+std::string CConversions::monthDayToString(CDateTime const& value) { return value.ToString("s"); }
+
+CDateTime CConversions::dateFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_date, &CDateTime::ParseXSDDate);
+}
+
+CDateTime CConversions::timeFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_time, &CDateTime::ParseXSDTime);
+}
+
+CDateTime CConversions::datetimeFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_dateTime, &CDateTime::ParseXSDDateTime);
+}
+
+CDateTime CConversions::yearMonthFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_gYearMonth, &CDateTime::ParseXSDDate);
+}
+
+CDateTime CConversions::monthDayFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_gMonthDay, &CDateTime::ParseXSDDate);
+}
+
+std::string CConversions::yearToString(std::uint16_t value) { return IntegerText(static_cast<std::uint32_t>(value)); }
+std::string CConversions::monthToString(std::uint8_t value) { return DateFieldText("--", value); }
+std::string CConversions::dayToString(std::uint8_t value) { return DateFieldText("---", value); }
+
+std::uint16_t CConversions::yearFromString(std::string const& text, WhitespaceRule rule) {
+  return static_cast<std::uint16_t>(ParseDate(text, rule, CDateTime::dt_gYear, &CDateTime::ParseXSDDate).GetYear());
+}
+
+std::uint8_t CConversions::monthFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_gMonth, &CDateTime::ParseXSDDate).GetMonth();
+}
+
+std::uint8_t CConversions::dayFromString(std::string const& text, WhitespaceRule rule) {
+  return ParseDate(text, rule, CDateTime::dt_gDay, &CDateTime::ParseXSDDate).GetDay();
+}
+
+std::string CConversions::durationToString(CDateTimeSpan const& value) { return value.ToString(); }
+
+CDateTimeSpan CConversions::durationFromString(std::string const& text, WhitespaceRule rule) {
+  std::string scratch;
+  CDateTimeSpan value;
+  value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
   return value;
 }
 

@@ -53,6 +53,46 @@ void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& 
   if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, FixedText(static_cast<double>(value)));
 }
 
+// ---- Numbers of any length: each test says what breaks the bound, by the class's own operators.
+
+template <class Value>
+void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  auto const bound = [parse](std::string const& text) {
+    return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
+  };
+  bool const valid = (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
+                     (r.maxInclusive.empty() || value <= bound(r.maxInclusive)) &&
+                     (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
+                     (r.maxExclusive.empty() || value < bound(r.maxExclusive));
+  if (!valid) ThrowInvalidValue(name, value.ToString());
+}
+
+// ---- Dates, times and durations, which are ordered only in part
+
+template <class Value>
+bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  enum { Equal, Less, Greater };  // what CompareTo() gives; everything else is indeterminate and breaks no bound
+  auto const compare = [&](std::string const& text) {
+    return static_cast<int>(value.CompareTo(parse(text, CWhitespaceUtils::WhitespaceRule_Collapse)));
+  };
+  if (!r.minInclusive.empty() && compare(r.minInclusive) == Less) return false;
+  if (!r.maxInclusive.empty() && compare(r.maxInclusive) == Greater) return false;
+  if (!r.minExclusive.empty()) {
+    int const order = compare(r.minExclusive);
+    if (order == Equal || order == Less) return false;
+  }
+  if (!r.maxExclusive.empty()) {
+    int const order = compare(r.maxExclusive);
+    if (order == Equal || order == Greater) return false;
+  }
+  return true;
+}
+
+template <class Value>
+void CheckDate(char const* name, Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+  if (!IsWithinDateBounds(value, r, parse)) ThrowInvalidValue(name, value.ToString());
+}
+
 // ---- Strings and binary data
 
 bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
@@ -117,6 +157,63 @@ void CXmlObjectHelper::CheckRestrictionForr4(char const* name, float value, CPri
   CheckFloating(name, value, r, CConversions::r4FromString);
 }
 
+void CXmlObjectHelper::CheckRestrictionForday(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::dayFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFormonth(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::monthFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForyear(char const* name, std::uint16_t value, CPrimitiveRestrictions const& r) {
+  CheckInteger(name, value, r, CConversions::yearFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForinteger(char const* name, CBigInteger const& value,
+                                                  CPrimitiveRestrictions const& r) {
+  CheckBigNumber(name, value, r, CConversions::integerFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordecimal(char const* name, CDecimal const& value,
+                                                  CPrimitiveRestrictions const& r) {
+  CheckBigNumber(name, value, r, CConversions::decimalFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFortime(char const* name, CDateTime const& value,
+                                               CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::timeFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordatetime(char const* name, CDateTime const& value,
+                                                   CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::datetimeFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFordate(char const* name, CDateTime const& value,
+                                               CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::dateFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
+                                                    CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::yearMonthFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
+                                                   CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::monthDayFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
+                                                    CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::yearMonthFromString);
+}
+
+void CXmlObjectHelper::CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
+                                                   CPrimitiveRestrictions const& r) {
+  CheckDate(name, value, r, CConversions::durationFromString);
+}
+
 void CXmlObjectHelper::CheckRestrictionForboolean(char const*, bool, CPrimitiveRestrictions const&) {}
 
 void CXmlObjectHelper::CheckRestrictionForstring(char const* name, std::string value, CPrimitiveRestrictions const& r) {
@@ -151,9 +248,17 @@ void CXmlObjectHelper::CheckRestriction(char const* name, QnVariant const& value
     case ItemType_r8:           return CheckRestrictionForr8(name, value.GetR8(), r);
     case ItemType_string:       return CheckText(name, value.GetString(), r);  // CheckRestrictionForstring would copy
     case ItemType_boolean:      return CheckRestrictionForboolean(name, value.GetBoolean(), r);
-    case ItemType_duration: case ItemType_yearMonth: case ItemType_monthDay: case ItemType_year: case ItemType_month:
-    case ItemType_day: case ItemType_date: case ItemType_datetime: case ItemType_time: case ItemType_decimal:
-    case ItemType_integer:      // their value classes do not exist
+    case ItemType_duration:     return CheckRestrictionForduration(name, value.GetDuration(), r);
+    case ItemType_yearMonth:    return CheckRestrictionForyearMonth(name, value.GetYearMonth(), r);
+    case ItemType_monthDay:     return CheckRestrictionFormonthDay(name, value.GetMonthDay(), r);
+    case ItemType_year:         return CheckRestrictionForyear(name, value.GetYear(), r);
+    case ItemType_month:        return CheckRestrictionFormonth(name, value.GetMonth(), r);
+    case ItemType_day:          return CheckRestrictionForday(name, value.GetDay(), r);
+    case ItemType_date:         return CheckRestrictionFordate(name, value.GetDate(), r);
+    case ItemType_datetime:     return CheckRestrictionFordatetime(name, value.GetDateTime(), r);
+    case ItemType_time:         return CheckRestrictionFortime(name, value.GetTime(), r);
+    case ItemType_decimal:      return CheckRestrictionFordecimal(name, value.GetDecimal(), r);
+    case ItemType_integer:      return CheckRestrictionForinteger(name, value.GetInteger(), r);
     case ItemType_invalid: case ItemType_char: case ItemType_xmlObject: case ItemType_xmlCollection: break;
   }
   // clang-format on

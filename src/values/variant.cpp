@@ -13,14 +13,6 @@ namespace Quillon9 {
   static_assert(ItemType_##stem == (number) && (sizeof(Held) <= 8 || !std::is_arithmetic_v<Held>), #stem);
 #include "values/item_types.def"
 
-// The kinds that no variant can hold, because their value classes do not exist, to stand between "case" and colon.
-// clang-format off
-#define QN_KINDS_WITHOUT_CLASS                                                                                \
-  ItemType_duration: case ItemType_yearMonth: case ItemType_monthDay: case ItemType_year: case ItemType_month: \
-  case ItemType_day: case ItemType_date: case ItemType_datetime: case ItemType_time: case ItemType_decimal:   \
-  case ItemType_integer
-// clang-format on
-
 // ---- Ownership
 
 template <class Held>
@@ -73,7 +65,6 @@ QnVariant& QnVariant::operator=(QnVariant const& other) {
     case ItemType_xmlObject:
     case ItemType_xmlCollection: SetReference(other.m_type, other.Load<CXmlObjectBase*>()); return *this;
     case ItemType_invalid: return *this;
-    case QN_KINDS_WITHOUT_CLASS: break;
   }
   m_type = other.m_type;
   throw CQnException("Unknown Type");
@@ -99,8 +90,7 @@ void QnVariant::Clear() {
       if (auto* const object = Load<CXmlObjectBase*>()) object->Release();
       Store<CXmlObjectBase*>(m_type, nullptr);
       break;
-    case ItemType_invalid:
-    case QN_KINDS_WITHOUT_CLASS: break;
+    case ItemType_invalid: break;
   }
   m_type = ItemType_invalid;
 }
@@ -110,6 +100,22 @@ void QnVariant::Clear() {
 void QnVariant::SetHexBinary(CBinaryData const& value) { SetOwned(ItemType_hexBinary, new CBinaryData(value)); }
 
 void QnVariant::SetBase64Binary(CBinaryData const& value) { SetOwned(ItemType_base64Binary, new CBinaryData(value)); }
+
+void QnVariant::SetDuration(CDateTimeSpan const& value) { SetOwned(ItemType_duration, new CDateTimeSpan(value)); }
+
+void QnVariant::SetYearMonth(CDateTime const& value) { SetOwned(ItemType_yearMonth, new CDateTime(value)); }
+
+void QnVariant::SetMonthDay(CDateTime const& value) { SetOwned(ItemType_monthDay, new CDateTime(value)); }
+
+void QnVariant::SetDate(CDateTime const& value) { SetOwned(ItemType_date, new CDateTime(value)); }
+
+void QnVariant::SetDateTime(CDateTime const& value) { SetOwned(ItemType_datetime, new CDateTime(value)); }
+
+void QnVariant::SetTime(CDateTime const& value) { SetOwned(ItemType_time, new CDateTime(value)); }
+
+void QnVariant::SetDecimal(CDecimal const& value) { SetOwned(ItemType_decimal, new CDecimal(value)); }
+
+void QnVariant::SetInteger(CBigInteger const& value) { SetOwned(ItemType_integer, new CBigInteger(value)); }
 
 void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std::string(std::move(value))); }
 
@@ -121,16 +127,48 @@ void QnVariant::ThrowWrongKind(char const* kind) const {
   throw CQnException(FormatString("Invalid Type %d to read as %s", static_cast<int>(m_type), kind));
 }
 
-CBinaryData QnVariant::GetBinary(char const* kind) const {
-  if (!IsValid()) return CBinaryData();
-  if (m_type != ItemType_hexBinary && m_type != ItemType_base64Binary) ThrowWrongKind(kind);
-  CBinaryData const* const value = Load<CBinaryData*>();
-  return value != nullptr ? *value : CBinaryData();
+// clang-format off
+// Whether the union of a kind is a pointer to a `Wanted`.
+template <class Wanted>
+static bool IsHeldAs(ItemType type) {
+  switch (type) {
+#define QN_VALUE_KIND(number, stem, Access, Held) case ItemType_##stem: return std::is_same_v<Held, Wanted>;
+#include "values/item_types.def"
+    case ItemType_invalid:
+    case ItemType_xmlObject:
+    case ItemType_xmlCollection: break;
+  }
+  return false;
+}
+// clang-format on
+
+template <class Held>
+Held QnVariant::GetOwned(char const* kind) const {
+  if (!IsValid()) return Held();
+  if (!IsHeldAs<Held>(m_type)) ThrowWrongKind(kind);
+  Held const* const value = Load<Held*>();
+  return value != nullptr ? *value : Held();
 }
 
-CBinaryData QnVariant::GetHexBinary() const { return GetBinary("hexBinary"); }
+CBinaryData QnVariant::GetHexBinary() const { return GetOwned<CBinaryData>("hexBinary"); }
 
-CBinaryData QnVariant::GetBase64Binary() const { return GetBinary("base64Binary"); }
+CBinaryData QnVariant::GetBase64Binary() const { return GetOwned<CBinaryData>("base64Binary"); }
+
+CDateTimeSpan QnVariant::GetDuration() const { return GetOwned<CDateTimeSpan>("duration"); }
+
+CDateTime QnVariant::GetYearMonth() const { return GetOwned<CDateTime>("yearMonth"); }
+
+CDateTime QnVariant::GetMonthDay() const { return GetOwned<CDateTime>("monthDay"); }
+
+CDateTime QnVariant::GetDate() const { return GetOwned<CDateTime>("date"); }
+
+CDateTime QnVariant::GetDateTime() const { return GetOwned<CDateTime>("datetime"); }
+
+CDateTime QnVariant::GetTime() const { return GetOwned<CDateTime>("time"); }
+
+CDecimal QnVariant::GetDecimal() const { return GetOwned<CDecimal>("decimal"); }
+
+CBigInteger QnVariant::GetInteger() const { return GetOwned<CBigInteger>("integer"); }
 
 std::string const& QnVariant::GetString() const {
   static std::string const empty;
@@ -164,7 +202,6 @@ std::string QnVariant::GetType() const {
 #include "values/item_types.def"
       // clang-format on
     case ItemType_invalid:
-    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
@@ -180,7 +217,6 @@ std::string QnVariant::ToString(char const* format) const {
     case ItemType_##stem: return CConversions::stem##ToString(Get##Access(), format);
 #include "values/item_types.def"
     case ItemType_invalid:
-    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
@@ -193,7 +229,6 @@ void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUt
     case ItemType_##stem: Set##Access(CConversions::stem##FromString(text, rule)); return;
 #include "values/item_types.def"
     case ItemType_invalid:
-    case QN_KINDS_WITHOUT_CLASS:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }

@@ -54,6 +54,38 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
 
+  /// Years, months and days, as numbers.
+  static void CheckRestrictionForday(char const* name, std::uint8_t value, CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFormonth(char const* name, std::uint8_t value,
+                                       CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForyear(char const* name, std::uint16_t value,
+                                      CPrimitiveRestrictions const& restrictions);
+
+  /// Numbers of any length: the same four bounds.
+  /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is no number.
+  static void CheckRestrictionForinteger(char const* name, CBigInteger const& value,
+                                         CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFordecimal(char const* name, CDecimal const& value,
+                                         CPrimitiveRestrictions const& restrictions);
+
+  /// Dates, times and durations: the same four bounds by CompareTo(). A comparison that is indeterminate breaks none,
+  /// so a date without a zone passes a bound with a zone that lies within 14 hours.
+  /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is none.
+  static void CheckRestrictionFortime(char const* name, CDateTime const& value,
+                                      CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFordatetime(char const* name, CDateTime const& value,
+                                          CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFordate(char const* name, CDateTime const& value,
+                                      CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
+                                           CPrimitiveRestrictions const& restrictions);  ///< the same as yearMonth
+  static void CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
+                                          CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
+                                           CPrimitiveRestrictions const& restrictions);
+  static void CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
+                                          CPrimitiveRestrictions const& restrictions);
+
   /// Does nothing: no facet applies to a truth value.
   static void CheckRestrictionForboolean(char const* name, bool value, CPrimitiveRestrictions const& restrictions);
 

@@ -8,7 +8,11 @@
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/values/big_integer.h"
 #include "quillon9/values/binary_data.h"
+#include "quillon9/values/date_time.h"
+#include "quillon9/values/date_time_span.h"
+#include "quillon9/values/decimal.h"
 #include "quillon9/values/item_type.h"
 #include "quillon9/values/whitespace.h"
 
@@ -56,9 +60,20 @@ class QUILLON9_API QnVariant {
   void SetUI8(std::uint64_t value) { SetScalar(ItemType_ui8, value); }
   void SetR4(float value) { SetScalar(ItemType_r4, value); }
   void SetR8(double value) { SetScalar(ItemType_r8, value); }
+  void SetDuration(CDateTimeSpan const& value);
+  void SetYearMonth(CDateTime const& value);
+  void SetMonthDay(CDateTime const& value);
+  void SetYear(std::uint16_t value) { SetScalar(ItemType_year, value); }
+  void SetMonth(std::uint8_t value) { SetScalar(ItemType_month, value); }
+  void SetDay(std::uint8_t value) { SetScalar(ItemType_day, value); }
+  void SetDate(CDateTime const& value);
+  void SetDateTime(CDateTime const& value);
+  void SetTime(CDateTime const& value);
   void SetChar(char value) { SetScalar(ItemType_char, value); }
   void SetString(std::string value);
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
+  void SetDecimal(CDecimal const& value);
+  void SetInteger(CBigInteger const& value);
   /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
   void SetXmlObject(CXmlObjectBase* object);
   void SetXmlCollection(CXmlCollectionBase* collection);
@@ -75,14 +90,25 @@ class QUILLON9_API QnVariant {
   std::uint64_t GetUI8() const { return Load<std::uint64_t>(); }
   float GetR4() const { return Load<float>(); }
   double GetR8() const { return Load<double>(); }
+  std::uint16_t GetYear() const { return Load<std::uint16_t>(); }
+  std::uint8_t GetMonth() const { return Load<std::uint8_t>(); }
+  std::uint8_t GetDay() const { return Load<std::uint8_t>(); }
   char GetChar() const { return Load<char>(); }
   bool GetBoolean() const { return Load<unsigned char>() != 0; }
 
   /// The other getters give an empty value when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
-  /// held; hexBinary and base64Binary are of the same one.
+  /// held; hexBinary and base64Binary are of the same one, and so are the five kinds that hold a CDateTime.
   CBinaryData GetHexBinary() const;
   CBinaryData GetBase64Binary() const;
+  CDateTimeSpan GetDuration() const;
+  CDateTime GetYearMonth() const;
+  CDateTime GetMonthDay() const;
+  CDateTime GetDate() const;
+  CDateTime GetDateTime() const;
+  CDateTime GetTime() const;
+  CDecimal GetDecimal() const;
+  CBigInteger GetInteger() const;
   /// The text itself, which lives until this variant changes.
   std::string const& GetString() const;
   /// The held object or collection. Null when nothing is held.
@@ -91,8 +117,8 @@ class QUILLON9_API QnVariant {
   /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is no collection.
   CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
 
-  /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4 and r8 alone; null
-  /// means their default form.
+  /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4, r8 and decimal alone;
+  /// null means their default form.
   /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held,
   ///         and for a \p format that prints anything but one number.
   std::string ToString(char const* format = nullptr) const;
@@ -128,7 +154,8 @@ class QUILLON9_API QnVariant {
   template <class Held>
   void DeleteHeld();
   void SetReference(ItemType type, CXmlObjectBase* object);
-  CBinaryData GetBinary(char const* kind) const;
+  template <class Held>
+  Held GetOwned(char const* kind) const;
   void TakeFrom(QnVariant& other);
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 
