@@ -1,0 +1,395 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/export.h"
+#include "quillon9/values/big_integer.h"
+#include "quillon9/values/conversions.h"
+#include "quillon9/values/date_time.h"
+#include "quillon9/values/date_time_span.h"
+#include "quillon9/values/decimal.h"
+#include "quillon9/values/item_type.h"
+#include "quillon9/values/restrictions.h"
+#include "quillon9/values/whitespace.h"
+
+/// Collections of plain values, for repeating elements of primitive types: C, a kind in XML Schema style, Col. Each
+/// value is tested by the facets as it enters, and not again when it is written. Destroying a collection fires no
+/// event.
+namespace Quillon9 {
+
+/// What all collections of values share: the facets, and how a run of equally named elements is read.
+class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
+ public:
+  /// \p maxOccurs -1 means no upper limit; a negative length and an empty or null text mean that this facet is not set.
+  /// \p format, which decimals and floating-point numbers are written with, is kept as it is and must outlive the
+  /// collection (generated code passes literals or null); everything else is copied.
+  CXmlTypeCollection(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                     int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                     char const* minExclusive, char const* maxExclusive, int length,
+                     CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CXmlTypeCollection() override;
+
+  /// Convert \p text after the collection's white-space rule and add the value.
+  /// \throws what the conversion and Add() throw.
+  virtual void AddFromString(std::string text) = 0;
+
+ protected:
+  /// Add the text of each element from \p cursor on that has this collection's name, however many there are; return the
+  /// first other one.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount().
+  void CheckInsertIndex(int index) const;
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" unless \p index is 0 to GetCount() - 1.
+  void CheckItemIndex(int index) const;
+  void WriteItem(CXmlWriter* writer, std::string const& text, ItemType type) const;
+
+  CPrimitiveRestrictions m_restrictions;
+  ItemType m_itemType;
+  char const* m_format;
+  CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+};
+
+namespace detail {
+
+/// The values of a collection. Removing the first costs as little as removing the last, since that is how Clear()
+/// works.
+template <class Value>
+class ValueList {
+ public:
+  int Count() const { return static_cast<int>(m_items.size() - m_first); }
+  Value At(int index) const { return m_items[m_first + static_cast<std::size_t>(index)]; }
+  void Insert(int index, Value const& value) { m_items.insert(std::next(begin(), index), value); }
+  void Erase(int index) {
+    if (index != 0) {
+      m_items.erase(std::next(begin(), index));
+      return;
+    }
+    m_items[m_first++] = Value();
+    if (m_first <= m_items.size() / 2) return;
+    m_items.erase(m_items.begin(), begin());
+    m_first = 0;
+  }
+  auto begin() const { return std::next(m_items.begin(), static_cast<std::ptrdiff_t>(m_first)); }
+  auto end() const { return m_items.end(); }
+
+ private:
+  std::vector<Value> m_items;
+  std::size_t m_first = 0;  // those in front of it have been removed
+};
+
+/// One family of operations for every kind of value. `Kind` tells the held type, how it is passed, its ItemType, and
+/// the conversion and the facet check that belong to it.
+template <class Kind>
+class CTypedColImpl : public CXmlTypeCollection {
+ public:
+  using Value = typename Kind::Value;
+  using Argument = typename Kind::Argument;
+
+  CTypedColImpl(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+                int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+                char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CTypedColImpl() override;
+
+  /// AddAt() the end.
+  void Add(Argument value);
+  /// Insert \p value at \p index. The add event comes first, before the index and the facets are looked at, with the
+  /// address of the value as data; a failure after it leaves the collection as it was.
+  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a
+  ///         broken facet.
+  void AddAt(int index, Argument value);
+  void AddFromString(std::string text) override;
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
+  Value Item(int index) const;
+
+  int GetCount() const override;
+  /// Remove(0) until nothing is left.
+  void Clear() override;
+  /// The remove event comes before \p index is looked at. The event behind it always tells the index 0.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
+  void Remove(int index) override;
+
+  /// The values in order, for range-for. Valid until the collection changes.
+  auto begin() const { return m_items.begin(); }
+  auto end() const { return m_items.end(); }
+
+ protected:
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+
+ private:
+  ValueList<Value> m_items;
+};
+
+/// A kind whose conversion to text takes no format, and one whose conversion does.
+template <class V, class A, ItemType number, auto fromString, auto toString, auto check>
+struct PlainKind {
+  using Value = V;
+  using Argument = A;
+  static constexpr ItemType kItemType = number;
+  static V FromText(std::string const& text, CWhitespaceUtils::WhitespaceRule rule) { return fromString(text, rule); }
+  static std::string ToText(V const& value, char const*) { return toString(value); }
+  static void Check(char const* name, A value, CPrimitiveRestrictions const& facets) { check(name, value, facets); }
+};
+template <class V, class A, ItemType number, auto fromString, auto toString, auto check>
+struct FormattedKind : PlainKind<V, A, number, fromString, toString, check> {
+  static std::string ToText(V const& value, char const* format) { return toString(value, format); }
+};
+
+// clang-format off
+#define QN_KIND(Style, stem, V, A)                                                                              \
+  struct stem##Kind : Style##Kind<V, A, ItemType_##stem, &CConversions::stem##FromString,                        \
+                                  &CConversions::stem##ToString, &CXmlObjectHelper::CheckRestrictionFor##stem> {}; \
+  extern template class QUILLON9_API CTypedColImpl<stem##Kind>;
+QN_KIND(Plain,     hexBinary,    CBinaryData,   CBinaryData const&)
+QN_KIND(Plain,     base64Binary, CBinaryData,   CBinaryData const&)
+QN_KIND(Plain,     i1,           std::int8_t,   std::int8_t)
+QN_KIND(Plain,     i2,           std::int16_t,  std::int16_t)
+QN_KIND(Plain,     i4,           std::int32_t,  std::int32_t)
+QN_KIND(Plain,     i8,           std::int64_t,  std::int64_t)
+QN_KIND(Plain,     ui1,          std::uint8_t,  std::uint8_t)
+QN_KIND(Plain,     ui2,          std::uint16_t, std::uint16_t)
+QN_KIND(Plain,     ui4,          std::uint32_t, std::uint32_t)
+QN_KIND(Plain,     ui8,          std::uint64_t, std::uint64_t)
+QN_KIND(Formatted, r4,           float,         float)
+QN_KIND(Formatted, r8,           double,        double)
+QN_KIND(Plain,     duration,     CDateTimeSpan, CDateTimeSpan const&)
+QN_KIND(Plain,     year,         std::uint16_t, std::uint16_t)
+QN_KIND(Plain,     month,        std::uint8_t,  std::uint8_t)
+QN_KIND(Plain,     day,          std::uint8_t,  std::uint8_t)
+QN_KIND(Plain,     string,       std::string,   std::string)
+QN_KIND(Plain,     boolean,      bool,          bool)  // a vector of bits: an item has no address of its own
+QN_KIND(Formatted, decimal,      CDecimal,      CDecimal const&)
+QN_KIND(Plain,     integer,      CBigInteger,   CBigInteger const&)
+#undef QN_KIND
+// clang-format on
+
+}  // namespace detail
+
+// The members. They add nothing to their kind but a name.
+
+class QUILLON9_API ChexBinaryCol : public detail::CTypedColImpl<detail::hexBinaryKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~ChexBinaryCol() override;
+};
+
+class QUILLON9_API Cbase64BinaryCol : public detail::CTypedColImpl<detail::base64BinaryKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cbase64BinaryCol() override;
+};
+
+class QUILLON9_API Ci1Col : public detail::CTypedColImpl<detail::i1Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Ci1Col() override;
+};
+
+class QUILLON9_API Ci2Col : public detail::CTypedColImpl<detail::i2Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Ci2Col() override;
+};
+
+class QUILLON9_API Ci4Col : public detail::CTypedColImpl<detail::i4Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Ci4Col() override;
+};
+
+class QUILLON9_API Ci8Col : public detail::CTypedColImpl<detail::i8Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Ci8Col() override;
+};
+
+class QUILLON9_API Cui1Col : public detail::CTypedColImpl<detail::ui1Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cui1Col() override;
+};
+
+class QUILLON9_API Cui2Col : public detail::CTypedColImpl<detail::ui2Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cui2Col() override;
+};
+
+class QUILLON9_API Cui4Col : public detail::CTypedColImpl<detail::ui4Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cui4Col() override;
+};
+
+class QUILLON9_API Cui8Col : public detail::CTypedColImpl<detail::ui8Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cui8Col() override;
+};
+
+class QUILLON9_API Cr4Col : public detail::CTypedColImpl<detail::r4Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cr4Col() override;
+};
+
+class QUILLON9_API Cr8Col : public detail::CTypedColImpl<detail::r8Kind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~Cr8Col() override;
+};
+
+class QUILLON9_API CdurationCol : public detail::CTypedColImpl<detail::durationKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CdurationCol() override;
+};
+
+class QUILLON9_API CyearCol : public detail::CTypedColImpl<detail::yearKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CyearCol() override;
+};
+
+class QUILLON9_API CmonthCol : public detail::CTypedColImpl<detail::monthKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CmonthCol() override;
+};
+
+class QUILLON9_API CdayCol : public detail::CTypedColImpl<detail::dayKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CdayCol() override;
+};
+
+class QUILLON9_API CstringCol : public detail::CTypedColImpl<detail::stringKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CstringCol() override;
+};
+
+class QUILLON9_API CbooleanCol : public detail::CTypedColImpl<detail::booleanKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CbooleanCol() override;
+};
+
+class QUILLON9_API CdecimalCol : public detail::CTypedColImpl<detail::decimalKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CdecimalCol() override;
+};
+
+class QUILLON9_API CintegerCol : public detail::CTypedColImpl<detail::integerKind> {
+ public:
+  using CTypedColImpl::CTypedColImpl;
+  ~CintegerCol() override;
+};
+
+/// The base of the collections of dates and times. Unlike the others, a member first tests the type of the value and
+/// then its facets, so that a value that fails never reaches the listeners, and the index last.
+class QUILLON9_API CdatetimeBaseCol : public CXmlTypeCollection {
+ public:
+  CdatetimeBaseCol(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
+                   int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
+                   char const* minExclusive, char const* maxExclusive, int length,
+                   CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CdatetimeBaseCol() override;
+
+  /// AddAt() the end.
+  virtual void Add(CDateTime const& value);
+  /// Insert \p value at \p index.
+  /// \throws CQnInvalidParamException "Dates added to this collection must be of type %s" for a value of another type,
+  ///         which is not converted; CQnException for a broken facet; CQnInvalidParamException "Index out of range".
+  virtual void AddAt(int index, CDateTime const& value) = 0;
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
+  virtual CDateTime Item(int index) const;
+  /// The text of \p value in the form of this member.
+  virtual std::string ItemToString(CDateTime const& value) const = 0;
+
+  int GetCount() const override;
+  void Clear() override;
+  /// As in the other collections of values.
+  void Remove(int index) override;
+
+  auto begin() const { return m_items.begin(); }
+  auto end() const { return m_items.end(); }
+
+ protected:
+  /// Every member gives its values to the writer as ItemType_datetime.
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// What AddAt() ends in: the add event, the index, the value, the events behind it.
+  void BaseAddAt(int index, CDateTime const& value);
+  /// \throws CQnInvalidParamException when \p value is not of \p type.
+  static void CheckType(CDateTime const& value, CDateTime::DTType type, char const* typeName);
+
+ private:
+  detail::ValueList<CDateTime> m_items;
+};
+
+class QUILLON9_API CdateCol : public CdatetimeBaseCol {
+ public:
+  CdateCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+           int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+           char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CdateCol() override;
+  void AddFromString(std::string text) override;
+  void AddAt(int index, CDateTime const& value) override;
+  std::string ItemToString(CDateTime const& value) const override;
+};
+
+class QUILLON9_API CdatetimeCol : public CdatetimeBaseCol {
+ public:
+  CdatetimeCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+               int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+               char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CdatetimeCol() override;
+  void AddFromString(std::string text) override;
+  void AddAt(int index, CDateTime const& value) override;
+  std::string ItemToString(CDateTime const& value) const override;
+};
+
+class QUILLON9_API CtimeCol : public CdatetimeBaseCol {
+ public:
+  CtimeCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+           int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+           char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CtimeCol() override;
+  void AddFromString(std::string text) override;
+  void AddAt(int index, CDateTime const& value) override;
+  std::string ItemToString(CDateTime const& value) const override;
+};
+
+class QUILLON9_API CyearMonthCol : public CdatetimeBaseCol {
+ public:
+  CyearMonthCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+                int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+                char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CyearMonthCol() override;
+  void AddFromString(std::string text) override;
+  void AddAt(int index, CDateTime const& value) override;
+  std::string ItemToString(CDateTime const& value) const override;
+};
+
+class QUILLON9_API CmonthDayCol : public CdatetimeBaseCol {
+ public:
+  CmonthDayCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
+               int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
+               char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
+  ~CmonthDayCol() override;
+  void AddFromString(std::string text) override;
+  void AddAt(int index, CDateTime const& value) override;
+  std::string ItemToString(CDateTime const& value) const override;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,157 @@
+#include "quillon9/binding/typed_collections.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+
+#include "dynamic_class.h"
+#include "expect_failure.h"
+
+namespace Quillon9 {
+namespace {
+
+using namespace Testing;
+using Quillon9Data::CElementInfoSeqPrimCol;
+
+constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+
+template <class Collection>
+Collection* Make(char const* minInclusive = "", char const* format = nullptr, int minOccurs = 0, int maxOccurs = -1) {
+  return new Collection("v", "", minOccurs, maxOccurs, "", -1, -1, minInclusive, "", "", "", -1, kCollapse, format);
+}
+
+class EventLog : public IEventSink {
+ public:
+  void OnEvent(CXmlObjectBase*, MsgType type, void* data) override {
+    m_log += std::to_string(static_cast<int>(type));
+    if (type >= CollectionRemove) m_log += "(" + std::to_string(*static_cast<int*>(data)) + ")";
+  }
+  std::string Take() { return std::exchange(m_log, ""); }
+
+ private:
+  std::string m_log;
+};
+
+/// <root> with the collection as its only content: what is read, and what is then written.
+std::string RoundTrip(CXmlTypeCollection* collection, char const* content) {
+  Shape const shape({}, {new CElementInfoSeqPrimCol("v", "", 0)});
+  DynamicClass object(shape);
+  object.With(0, collection);
+  return ReadBack(object, ("<root>" + std::string(content) + "</root>").c_str());
+}
+
+TEST(TypedCollections, EveryMemberReadsAndWritesItsKind) {
+  struct {
+    CXmlTypeCollection* collection;
+    char const* content;
+    char const* written;  // null when it is the content again
+  } const rows[] = {
+      {Make<ChexBinaryCol>(), "<v>0AFF</v><v/>", "<v>0AFF</v><v/>"},
+      {Make<Cbase64BinaryCol>(), "<v>TWFu</v>", nullptr},
+      {Make<Ci1Col>(), "<v>-128</v>", nullptr},
+      {Make<Ci2Col>(), "<v>-32768</v>", nullptr},
+      {Make<Ci4Col>(), "<v> 7 </v><v>-2147483648</v>", "<v>7</v><v>-2147483648</v>"},
+      {Make<Ci8Col>(), "<v>9223372036854775807</v>", nullptr},
+      {Make<Cui1Col>(), "<v>255</v>", nullptr},
+      {Make<Cui2Col>(), "<v>65535</v>", nullptr},
+      {Make<Cui4Col>(), "<v>4294967295</v>", nullptr},
+      {Make<Cui8Col>(), "<v>18446744073709551615</v>", nullptr},
+      {Make<Cr4Col>("", "%.2f"), "<v>1.5</v><v>NaN</v>", "<v>1.50</v><v>NaN</v>"},
+      {Make<Cr8Col>(), "<v>0.1</v><v>-INF</v>", nullptr},
+      {Make<CdurationCol>(), "<v>P1DT2H</v>", nullptr},
+      {Make<CyearMonthCol>(), "<v>2001-05</v>", nullptr},
+      {Make<CmonthDayCol>(), "<v>--02-29</v>", nullptr},
+      {Make<CyearCol>(), "<v>2001</v>", nullptr},
+      {Make<CmonthCol>(), "<v>--05</v>", nullptr},
+      {Make<CdayCol>(), "<v>---09</v>", nullptr},
+      {Make<CdateCol>(), "<v>2001-05-06Z</v>", nullptr},
+      {Make<CdatetimeCol>(), "<v>2001-05-06T07:08:09.5+01:00</v>", nullptr},
+      {Make<CtimeCol>(), "<v>07:08:09</v>", nullptr},
+      {Make<CstringCol>(), "<v>a  b</v><v/>", "<v>a b</v><v/>"},
+      {Make<CbooleanCol>(), "<v>1</v><v>false</v>", "<v>true</v><v>false</v>"},
+      {Make<CdecimalCol>(), "<v>1.10</v><v>-0.05</v>", "<v>1.1</v><v>-0.05</v>"},
+      {Make<CintegerCol>(), "<v>123456789012345678901234567890</v>", nullptr},
+  };
+  for (auto const& row : rows) {
+    std::string const expected = row.written != nullptr ? row.written : row.content;
+    EXPECT_EQ("<root>" + expected + "</root>", RoundTrip(row.collection, row.content));
+  }
+}
+
+TEST(TypedCollections, FailuresGoUpAsTheyAre) {
+  std::string const root = "Failed to process the element [root]\n";
+  EXPECT_EQ(root + "The value [x] can not be converted to a i4", RoundTrip(Make<Ci4Col>(), "<v>x</v>"));
+  EXPECT_EQ(root + "Invalid Value for v [4]", RoundTrip(Make<Ci4Col>("5"), "<v>5</v><v>4</v>"));
+  EXPECT_EQ(root + "Dates added to this collection must be of type dt_date",
+            RoundTrip(Make<CdateCol>(), "<v>2001</v>"));
+  EXPECT_EQ(root + "Invalid Value for v [2001-01-01]", RoundTrip(Make<CdateCol>("2001-01-02"), "<v>2001-01-01</v>"));
+  EXPECT_EQ(root + "Invalid Value for v [0.99]", RoundTrip(Make<CdecimalCol>("1"), "<v>0.99</v>"));
+}
+
+TEST(TypedCollections, EventsAndFailuresInOrder) {
+  CSmartPtr<Ci4Col> const numbers(Make<Ci4Col>("5"));
+  EventLog log;
+  numbers->AddEventListener(&log);
+  numbers->Add(5);
+  EXPECT_EQ("120", log.Take());
+  EXPECT_FAILURE(CQnException, "Invalid Value for v [4]", numbers->Add(4));
+  EXPECT_EQ("1", log.Take());
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", numbers->AddAt(2, 4));  // before the facets
+  EXPECT_EQ("1", log.Take());
+  numbers->AddAt(0, 6);
+  numbers->AddAt(1, 7);
+  numbers->AddFromString(" 8 ");
+  log.Take();
+  numbers->Remove(2);
+  EXPECT_EQ("3(2)4(0)0", log.Take());
+  EXPECT_FAILURE(CQnInvalidParamException, "Index 3 is out of range, use 0 - 3", numbers->Remove(3));
+  EXPECT_EQ("3(3)", log.Take());
+  EXPECT_FAILURE(CQnInvalidParamException, "Index -1 is out of range, use 0 - 3", numbers->Item(-1));
+  std::string values;
+  for (std::int32_t const value : *numbers) values += std::to_string(value);
+  EXPECT_EQ("678", values);
+  numbers->Remove(0);
+  numbers->AddAt(0, 9);
+  EXPECT_EQ(9, numbers->Item(0));
+  EXPECT_EQ(7, numbers->Item(1));
+  log.Take();
+  numbers->Clear();
+  EXPECT_EQ("3(0)4(0)03(0)4(0)03(0)4(0)0", log.Take());
+}
+
+TEST(TypedCollections, DatesAreCheckedBeforeAnyEvent) {
+  CSmartPtr<CdateCol> const dates(Make<CdateCol>("2001-01-02"));
+  EventLog log;
+  dates->AddEventListener(&log);
+  CDateTime time;
+  time.SetTime(1, 2, 3);
+  EXPECT_FAILURE(CQnInvalidParamException, "Dates added to this collection must be of type dt_date", dates->Add(time));
+  EXPECT_FAILURE(CQnException, "Invalid Value for v [2001-01-01]", dates->AddAt(9, CDateTime(2001, 1, 1)));
+  EXPECT_EQ("", log.Take());
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", dates->AddAt(9, CDateTime(2001, 1, 3)));
+  EXPECT_EQ("1", log.Take());
+  dates->Add(CDateTime(2001, 1, 3));
+  EXPECT_EQ("2001-01-03", dates->Item(0).ToString());
+}
+
+TEST(TypedCollections, CountIsJudgedBeforeAnythingIsWritten) {
+  Shape const shape({}, {});
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  writer.Open();
+  CSmartPtr<Ci4Col> const numbers(Make<Ci4Col>("", nullptr, 2));
+  numbers->Add(1);
+  EXPECT_FAILURE(CQnValidationException, "The Minimum number of [v] elements allowed in this collection is 2",
+                 CXmlObjectBase::ToXml_Int(numbers.Get(), &writer, false, "", CXmlSerializationContext(), false));
+  EXPECT_EQ(0U, stream.GetLength());
+}
+
+TEST(TypedCollections, ClearingAMillionItemsIsLinear) {
+  CSmartPtr<CstringCol> const texts(Make<CstringCol>());
+  for (int i = 0; i < 1000000; ++i) texts->Add("x");
+  texts->Clear();
+  EXPECT_EQ(0, texts->GetCount());
+}
+
+}  // namespace
+}  // namespace Quillon9
