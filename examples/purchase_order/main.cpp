@@ -65,19 +65,30 @@ std::string AddressText(CUSAddress const* address) {
          " " + address->GetZip() + ", " + address->GetCountry().value_or("US");
 }
 
+std::string DateText(std::optional<CDateTime> const& date, char const* otherwise) {
+  return date ? date->ToString() : otherwise;
+}
+
+std::string SerialText(CstringCol const& serials) {
+  std::string text;
+  for (std::string const& serial : serials) text += (text.empty() ? "" : ", ") + serial;
+  return text;
+}
+
 void PrintOrder(CPurchaseOrderType const& order) {
-  PrintTable({{"Ordered", order.GetOrderDate().value_or("(no date)")},
+  PrintTable({{"Ordered", DateText(order.GetOrderDate(), "(no date)")},
               {"Ship to", AddressText(order.GetShipTo())},
               {"Bill to", AddressText(order.GetBillTo())},
               {"Comment", order.GetComment().value_or("(none)")}},
              {false, false});
   std::printf("\n");
-  std::vector<Row> rows = {{"Part", "Product", "Quantity", "Price/USD", "Ships", "Comment"}};
+  std::vector<Row> rows = {{"Part", "Product", "Quantity", "Price/USD", "Ships", "Serial", "Comment"}};
   for (CItem const& item : *order.GetItems()->GetItem()) {
-    rows.push_back({item.GetPartNum(), item.GetProductName(), std::to_string(item.GetQuantity()), item.GetUSPrice(),
-                    item.GetShipDate().value_or("-"), item.GetComment().value_or("")});
+    rows.push_back({item.GetPartNum(), item.GetProductName(), std::to_string(item.GetQuantity()),
+                    item.GetUSPrice().ToString(), DateText(item.GetShipDate(), "-"), SerialText(*item.GetSerial()),
+                    item.GetComment().value_or("")});
   }
-  PrintTable(rows, {false, false, true, true, false, false});
+  PrintTable(rows, {false, false, true, true, false, false, false});
 }
 
 // ---- Two orders, field by field
@@ -98,7 +109,7 @@ void AppendAddress(std::vector<Field>& fields, std::string const& path, CUSAddre
 }
 
 std::vector<Field> FieldsOf(CPurchaseOrderType const& order) {
-  std::vector<Field> fields = {{"orderDate", order.GetOrderDate()}, {"comment", order.GetComment()}};
+  std::vector<Field> fields = {{"orderDate", DateText(order.GetOrderDate(), "")}, {"comment", order.GetComment()}};
   AppendAddress(fields, "shipTo", order.GetShipTo());
   AppendAddress(fields, "billTo", order.GetBillTo());
   int number = 0;
@@ -107,9 +118,10 @@ std::vector<Field> FieldsOf(CPurchaseOrderType const& order) {
     fields.insert(fields.end(), {{path + "/partNum", item.GetPartNum()},
                                  {path + "/productName", item.GetProductName()},
                                  {path + "/quantity", std::to_string(item.GetQuantity())},
-                                 {path + "/USPrice", item.GetUSPrice()},
+                                 {path + "/USPrice", item.GetUSPrice().ToString()},
                                  {path + "/comment", item.GetComment()},
-                                 {path + "/shipDate", item.GetShipDate()}});
+                                 {path + "/shipDate", DateText(item.GetShipDate(), "")},
+                                 {path + "/serial", SerialText(*item.GetSerial())}});
   }
   return fields;
 }

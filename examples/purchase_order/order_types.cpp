@@ -68,6 +68,22 @@ void AccessI4(std::int32_t& property, bool read, QnVariant& value) {
   }
 }
 
+void AccessDecimal(CDecimal& property, bool read, QnVariant& value) {
+  if (read) {
+    value.SetDecimal(property);
+  } else {
+    property = value.GetDecimal();
+  }
+}
+
+void AccessDate(std::optional<CDateTime>& property, bool read, QnVariant& value) {
+  if (!read) {
+    property = value.GetDate();
+  } else if (property) {
+    value.SetDate(*property);
+  }
+}
+
 template <class T>
 CSmartPtr<T> ObjectOf(QnVariant const& value) {
   return dynamic_cast<T*>(value.GetXmlObject().Get());
@@ -140,19 +156,20 @@ namespace {
 void BuildItem(CMetaData& data) {
   data.m_classInfo =
       new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, "item", "", -1, true, false);
-  data.m_elements = new CElementInfo* [6] {};
+  data.m_elements = new CElementInfo* [7] {};
   data.m_elements[0] =
       new CElementInfoSeqPrimMnd("productName", "", CItem::Property_productName, ItemType_string, nullptr,
                                  CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
   data.m_elements[1] = new CElementInfoSeqPrimMnd("quantity", "", CItem::Property_quantity, ItemType_i4, nullptr,
                                                   CWhitespaceUtils::WhitespaceRule_Collapse,
                                                   CPrimitiveRestrictions("", -1, -1, "1", "", "", "100", -1));
-  data.m_elements[2] = new CElementInfoSeqPrimMnd("USPrice", "", CItem::Property_USPrice, ItemType_string, nullptr,
+  data.m_elements[2] = new CElementInfoSeqPrimMnd("USPrice", "", CItem::Property_USPrice, ItemType_decimal, nullptr,
                                                   CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
   data.m_elements[3] = new CElementInfoSeqPrimOpt("comment", "", CItem::Property_comment, ItemType_string, nullptr,
                                                   CWhitespaceUtils::WhitespaceRule_Preserve, CPrimitiveRestrictions());
-  data.m_elements[4] = new CElementInfoSeqPrimOpt("shipDate", "", CItem::Property_shipDate, ItemType_string, nullptr,
+  data.m_elements[4] = new CElementInfoSeqPrimOpt("shipDate", "", CItem::Property_shipDate, ItemType_date, nullptr,
                                                   CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions());
+  data.m_elements[5] = new CElementInfoSeqPrimCol("serial", "", CItem::Property_serial);
   data.m_attributes = new CAttributeInfo* [2] {};
   data.m_attributes[0] =
       new CAttributeInfoPrimitive("partNum", "", CItem::Property_partNum, false, ItemType_string, nullptr,
@@ -164,7 +181,11 @@ CMetaData s_item(&BuildItem);
 
 }  // namespace
 
-CItem::CItem(char const* elementName) { SetElementName(elementName); }
+CItem::CItem(char const* elementName)
+    : m_serial(new CstringCol("serial", "", 0, -1, "", 1, 20, "", "", "", "", -1,
+                              CWhitespaceUtils::WhitespaceRule_Collapse, nullptr)) {
+  SetElementName(elementName);
+}
 
 CItem::~CItem() = default;
 
@@ -174,9 +195,10 @@ void CItem::Init() {
   m_partNum.clear();
   m_productName.clear();
   m_quantity = 0;
-  m_USPrice.clear();
+  m_USPrice = CDecimal();
   m_comment.reset();
   m_shipDate.reset();
+  m_serial->Clear();
 }
 
 void CItem::AccessProperty(int index, bool read, QnVariant& value) {
@@ -184,9 +206,12 @@ void CItem::AccessProperty(int index, bool read, QnVariant& value) {
     case Property_partNum: return AccessText(m_partNum, read, value);
     case Property_productName: return AccessText(m_productName, read, value);
     case Property_quantity: return AccessI4(m_quantity, read, value);
-    case Property_USPrice: return AccessText(m_USPrice, read, value);
+    case Property_USPrice: return AccessDecimal(m_USPrice, read, value);
     case Property_comment: return AccessText(m_comment, read, value);
-    case Property_shipDate: return AccessText(m_shipDate, read, value);
+    case Property_shipDate: return AccessDate(m_shipDate, read, value);
+    case Property_serial:  // the collection stays; reading fills it
+      if (read) value.SetXmlCollection(m_serial);
+      return;
   }
 }
 
@@ -295,9 +320,9 @@ void BuildPurchaseOrderType(CMetaData& data) {
       new CElementInfoSeqClsMnd("items", "", CPurchaseOrderType::Property_items, XmlElementType_Element,
                                 &CClassFactory::CreateObject, CClassFactory::ClassId_Items, true);
   data.m_attributes = new CAttributeInfo* [2] {};
-  data.m_attributes[0] = new CAttributeInfoPrimitive(
-      "orderDate", "", CPurchaseOrderType::Property_orderDate, true, ItemType_string, nullptr,
-      CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr);
+  data.m_attributes[0] =
+      new CAttributeInfoPrimitive("orderDate", "", CPurchaseOrderType::Property_orderDate, true, ItemType_date, nullptr,
+                                  CWhitespaceUtils::WhitespaceRule_Collapse, CPrimitiveRestrictions(), nullptr);
 }
 
 CMetaData s_purchaseOrderType(&BuildPurchaseOrderType);
@@ -342,7 +367,7 @@ void CPurchaseOrderType::Init() {
 
 void CPurchaseOrderType::AccessProperty(int index, bool read, QnVariant& value) {
   switch (index) {
-    case Property_orderDate: return AccessText(m_orderDate, read, value);
+    case Property_orderDate: return AccessDate(m_orderDate, read, value);
     case Property_shipTo: return read ? value.SetXmlObject(m_shipTo) : SetShipTo(ObjectOf<CUSAddress>(value));
     case Property_billTo: return read ? value.SetXmlObject(m_billTo) : SetBillTo(ObjectOf<CUSAddress>(value));
     case Property_comment: return AccessText(m_comment, read, value);

@@ -73,7 +73,8 @@ class CItem : public Quillon9::CXmlGeneratedClass {
     Property_quantity,
     Property_USPrice,
     Property_comment,
-    Property_shipDate
+    Property_shipDate,
+    Property_serial
   };
 
   static CSmartPtr<CItem> CreateInstance(char const* elementName = "item");
@@ -86,12 +87,14 @@ class CItem : public Quillon9::CXmlGeneratedClass {
   /// 1 to 99.
   std::int32_t GetQuantity() const { return m_quantity; }
   void SetQuantity(std::int32_t value) { m_quantity = value; }
-  std::string const& GetUSPrice() const { return m_USPrice; }
-  void SetUSPrice(std::string value) { m_USPrice = std::move(value); }
+  Quillon9::CDecimal const& GetUSPrice() const { return m_USPrice; }
+  void SetUSPrice(Quillon9::CDecimal const& value) { m_USPrice = value; }
   std::optional<std::string> const& GetComment() const { return m_comment; }
   void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
-  std::optional<std::string> const& GetShipDate() const { return m_shipDate; }
-  void SetShipDate(std::optional<std::string> value) { m_shipDate = std::move(value); }
+  std::optional<Quillon9::CDateTime> const& GetShipDate() const { return m_shipDate; }
+  void SetShipDate(std::optional<Quillon9::CDateTime> const& value) { m_shipDate = value; }
+  /// The serial numbers of the pieces, where they have one. Stays this object's.
+  Quillon9::CstringCol* GetSerial() const { return m_serial; }
 
   using CXmlGeneratedClass::GetBase;
   Quillon9::CXmlObjectBase* GetBase() override { return this; }
@@ -111,9 +114,10 @@ class CItem : public Quillon9::CXmlGeneratedClass {
   std::string m_partNum;
   std::string m_productName;
   std::int32_t m_quantity = 0;
-  std::string m_USPrice;
+  Quillon9::CDecimal m_USPrice;
   std::optional<std::string> m_comment;
-  std::optional<std::string> m_shipDate;
+  std::optional<Quillon9::CDateTime> m_shipDate;
+  CSmartPtr<Quillon9::CstringCol> const m_serial;
 };
 
 /// The items of an order, in document order.
@@ -193,8 +197,8 @@ class CPurchaseOrderType : public Quillon9::CXmlGeneratedClass {
 
   static CSmartPtr<CPurchaseOrderType> CreateInstance(char const* elementName = "purchaseOrder");
 
-  std::optional<std::string> const& GetOrderDate() const { return m_orderDate; }
-  void SetOrderDate(std::optional<std::string> value) { m_orderDate = std::move(value); }
+  std::optional<Quillon9::CDateTime> const& GetOrderDate() const { return m_orderDate; }
+  void SetOrderDate(std::optional<Quillon9::CDateTime> const& value) { m_orderDate = value; }
   std::optional<std::string> const& GetComment() const { return m_comment; }
   void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
 
@@ -224,7 +228,7 @@ class CPurchaseOrderType : public Quillon9::CXmlGeneratedClass {
   ~CPurchaseOrderType() override;
 
  private:
-  std::optional<std::string> m_orderDate;
+  std::optional<Quillon9::CDateTime> m_orderDate;
   CSmartPtr<CUSAddress> m_shipTo;
   CSmartPtr<CUSAddress> m_billTo;
   std::optional<std::string> m_comment;
