@@ -15,13 +15,13 @@ class CDecimal;
 /// Holds a value of xs:integer (W3C XML Schema Part 2, 3.3.13) or of a type derived from it, of any length.
 ///
 /// A value is a sign and decimal digits. Zero may carry either sign (Parse() of "-0", products and quotients):
-/// both zeros are equal and print "0", but the order operators look at the sign first, so that -0 lies below +0 (a
-/// user of XML Schema would not expect it: "-0" breaks minInclusive "0").
+/// both zeros are equal and print "0", but the order operators look at the sign first, so that -0 lies below +0
+/// (a user of XML Schema would not expect it: "-0" breaks minInclusive "0").
 ///
 /// Memory is a byte a digit; numbers of ten thousand digits are multiplied and divided in less than a
 /// millisecond. A plain value: it belongs to one thread at a time, and any number of threads may read it.
-/// Operators leave both operands as they were when they throw. Besides the failures named below, std::bad_alloc. A
-/// value that was moved from may only be assigned to and destroyed.
+/// Operators leave both operands as they were when they throw. Besides the failures named below,
+/// std::bad_alloc. A value that was moved from may only be assigned to and destroyed.
 class QUILLON9_API CBigInteger {
  public:
   static CBigInteger const MAX_LONG;      ///< 2147483647
@@ -61,14 +61,12 @@ class QUILLON9_API CBigInteger {
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator/." when \p divisor is zero (0 / 0 too).
   CBigInteger operator/(CBigInteger const& divisor) const;
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator /=." when \p divisor is below 0 (-0 is), and
-  /// when
-  ///         it is zero and the dividend is not.
+  ///         when it is zero and the dividend is not.
   CBigInteger& operator/=(CBigInteger const& divisor);
-  /// The remainder of a division that cuts towards zero; it has the sign of the dividend: -7 % 2 is -1. A dividend
-  /// of 0 gives +0.
-  /// \throws CQnInvalidValueException "ERROR: Overflow in operator%." when \p divisor is below 0 (-0 is), and when
-  /// it
-  ///         is zero and the dividend is not.
+  /// The remainder of a division that cuts towards zero; it has the sign of the dividend: -7 % 2 is -1. A
+  /// dividend of 0 gives +0.
+  /// \throws CQnInvalidValueException "ERROR: Overflow in operator%." when \p divisor is below 0 (-0 is), and
+  ///         when it is zero and the dividend is not.
   CBigInteger operator%(CBigInteger const& divisor) const;
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator%=.", as operator% does.
   CBigInteger& operator%=(CBigInteger const& divisor);
@@ -99,16 +97,17 @@ class QUILLON9_API CBigInteger {
 
   /// Read \p text up to its zero byte. After a failure the old value is still there.
   ///
-  /// A text of nothing but digits, "-", "+" and white space has its spaces (no other white space) trimmed; a "-"
-  /// in front makes it negative, and the value is the last run of digits, which must reach the end. So more is
-  /// accepted than xs:integer allows: "12-3" is 3, "1 2" is 2, "\t-5" is 5, and "5\t", "-" and an empty text are
-  /// 0. Any other text is that of a CDecimal, which is rounded, an exact half towards zero: "1.6" is 2, "1E3" is
-  /// 1000. \throws CQnInvalidParamException "The text of a BigInteger is null"; what CDecimal::Parse() throws.
+  /// A text of nothing but digits, "-", "+" and white space has its spaces (no other white space) trimmed; a
+  /// "-" in front makes it negative, and the value is the last run of digits, which must reach the end. So more
+  /// is accepted than xs:integer allows: "12-3" is 3, "1 2" is 2, "\t-5" is 5, and "5\t", "-" and an empty text
+  /// are 0. Any other text is that of a CDecimal, which is rounded, an exact half towards zero: "1.6" is 2,
+  /// "1E3" is 1000.
+  /// \throws CQnInvalidParamException "The text of a BigInteger is null"; what CDecimal::Parse() throws.
   void Parse(char const* text);
 
   /// The largest number whose square is not above this one.
-  /// \throws CQnInvalidValueException "ERROR: Negative Number in function SquareRoot()." below 0 (-0 is); "ERROR:
-  ///         Overflow in operator/." for 0.
+  /// \throws CQnInvalidValueException "ERROR: Negative Number in function SquareRoot()." below 0 (-0 is);
+  ///         "ERROR: Overflow in operator/." for 0.
   CBigInteger SquareRoot() const;
 
   /// Ten to the power of \p exponent.
@@ -144,9 +143,10 @@ class QUILLON9_API CBigInteger {
   static void BuildDWORDLONG(unsigned long long value, std::vector<char>& digits);
   /// The last run of digits of \p text, which must reach its end; without one, the digit 0.
   static void Build(std::string const& text, std::vector<char>& digits);
-  /// The digits of the nearest integer, a half rounding down; 0 when that is below 0. Above 2^53 the digits come
-  /// from repeated division by ten and so carry its rounding. \throws CQnInvalidValueException "The value [%s] can
-  /// not be converted to a BigInteger" for an infinity or NaN.
+  /// The digits of the nearest integer, a half rounding down; 0 when that is below 0. Above 2^53 the digits
+  /// come from repeated division by ten and so carry its rounding.
+  /// \throws CQnInvalidValueException "The value [%s] can not be converted to a BigInteger" for an infinity or
+  ///         NaN.
   static void BuildDouble(double value, std::vector<char>& digits);
   /// Ten to the power of \p exponent.
   static void Pow10(unsigned int exponent, std::vector<char>& digits);
@@ -168,8 +168,8 @@ class QUILLON9_API CBigInteger {
   std::vector<char> m_digits;  // as the helpers want them
 };
 
-/// Arithmetic and comparison with an int, in both orders. Without them, `value + 1` could as well mean the sum of
-/// two int values.
+/// Arithmetic and comparison with an int, in both orders. Without them, `value + 1` could as well mean the sum
+/// of two int values.
 template <class A, class B>
 using EnableForIntAndBigInteger = std::enable_if_t<(std::is_same_v<A, CBigInteger> && std::is_same_v<B, int>) ||
                                                    (std::is_same_v<A, int> && std::is_same_v<B, CBigInteger>)>;

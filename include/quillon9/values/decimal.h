@@ -10,20 +10,19 @@
 namespace Quillon9 {
 
 /// Holds a value of xs:decimal (W3C XML Schema Part 2, 3.2.3) exactly: a whole part, a fraction part and the
-/// number of digits that the fraction stands for, its divider. Parsing, multiplying and dividing keep m_maxDivider
-/// fraction digits; sums keep all.
+/// number of digits that the fraction stands for, its divider. Parsing, multiplying and dividing keep
+/// m_maxDivider fraction digits; sums keep all.
 ///
-/// Where digits are cut the value is rounded to the nearest, an exact half towards zero. Two things about it would
-/// surprise a user of XML Schema. A fraction that rounds up to one stays in the fraction: 0.999 to two digits is 0
-/// and 100 hundredths, prints "0.100" and does not equal 1. And the zeros differ in order, as those of CBigInteger
-/// do:
-/// "-0" lies below "0" though it equals it.
+/// Where digits are cut the value is rounded to the nearest, an exact half towards zero. Two things about it
+/// would surprise a user of XML Schema. A fraction that rounds up to one stays in the fraction: 0.999 to two
+/// digits is 0 and 100 hundredths, prints "0.100" and does not equal 1. And the zeros differ in order, as those
+/// of CBigInteger do: "-0" lies below "0" though it equals it.
 ///
 /// Both parts carry the sign of a value; a part that is zero carries the sign of the other one.
 ///
-/// A plain value: it belongs to one thread at a time, and any number of threads may read it. Operators leave both
-/// operands as they were when they throw. Besides the failures named below, std::bad_alloc. A value that was moved
-/// from may only be assigned to and destroyed.
+/// A plain value: it belongs to one thread at a time, and any number of threads may read it. Operators leave
+/// both operands as they were when they throw. Besides the failures named below, std::bad_alloc. A value that
+/// was moved from may only be assigned to and destroyed.
 class QUILLON9_API CDecimal {
  public:
   /// Most fraction digits after parsing, multiplication and division.
@@ -39,8 +38,9 @@ class QUILLON9_API CDecimal {
   CDecimal(char const* text);
   CDecimal(CBigInteger const& whole);
   /// \p whole + \p fraction / 10^\p divider as it stands. For a value as others are, the parts do not differ in
-  /// sign and the fraction has no more than \p divider digits; sums put in order what is otherwise. \param divider
-  /// 1 to 100,000. \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
+  /// sign and the fraction has no more than \p divider digits; sums put in order what is otherwise.
+  /// \param divider 1 to 100,000.
+  /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   CDecimal(CBigInteger const& whole, CBigInteger const& fraction, int divider);
   CDecimal(CDecimal const& other);
   CDecimal(CDecimal&& other) noexcept;
@@ -79,32 +79,33 @@ class QUILLON9_API CDecimal {
 
   /// Read \p text up to its zero byte. After a failure the old value is still there.
   ///
-  /// Whole digits, then "." and fraction digits, then "e" or "E", a sign and exponent digits; each may be missing,
-  /// so that "", "-", "." and "e5" are 0. Beyond what xs:decimal allows, there may be an exponent; white space is
-  /// skipped everywhere but behind the first exponent digit ("1 2" is 12); signs count wherever they stand in
-  /// front of the point and the last one wins ("1-2" is -12), and so they do in front of the exponent digits.
+  /// Whole digits, then "." and fraction digits, then "e" or "E", a sign and exponent digits; each may be
+  /// missing, so that "", "-", "." and "e5" are 0. Beyond what xs:decimal allows, there may be an exponent;
+  /// white space is skipped everywhere but behind the first exponent digit ("1 2" is 12); signs count wherever
+  /// they stand in front of the point and the last one wins ("1-2" is -12), and so they do in front of the
+  /// exponent digits.
   ///
   /// The value is rounded to m_maxDivider fraction digits; with an exponent, after the product with or the
-  /// quotient by that power of ten. \throws CQnInvalidParamException "The text of a Decimal is null".
-  ///         CQnInvalidValueException "The string representing a Decimal, contained an invalid char at position %d
-  ///         [%s]", with the index of the character.
-  ///         CQnOverFlowException, before memory is taken: "The digits of a Decimal exceed the limit of %d [%s]"
+  /// quotient by that power of ten.
+  /// \throws CQnInvalidParamException "The text of a Decimal is null".
+  /// \throws CQnInvalidValueException "The string representing a Decimal, contained an invalid char at position
+  ///         %d [%s]", with the index of the character.
+  /// \throws CQnOverFlowException, before memory is taken: "The digits of a Decimal exceed the limit of %d [%s]"
   ///         for more than 1,000,000 digits before or behind the point, "The exponent of a Decimal exceeds the
-  ///         limit of %d
-  ///         [%s]" above 100,000, and below -100,000 unless the value is rounded to 0. Of a long text they show
-  ///         the beginning.
+  ///         limit of %d [%s]" above 100,000, and below -100,000 unless the value is rounded to 0. Of a long text
+  ///         they show the beginning.
   void Parse(char const* text);
 
   /// The value with all its digits, however long; without a point when the fraction is zero.
   std::string ToString() const;
-  /// The value after half a unit, 0.5, was added to its magnitude, with the fraction cut after \p digits digits.
-  /// The half is not half of the last digit: 1.234 with one digit is "1.7", and 1.5 is "2.0". A fraction shorter
-  /// than \p digits is not padded, and 0 digits leave the point: "1.". \throws CQnInvalidParamException "Invalid
-  /// number of digits [%d]" below 0.
+  /// The value after half a unit, 0.5, was added to its magnitude, with the fraction cut after \p digits
+  /// digits. The half is not half of the last digit: 1.234 with one digit is "1.7", and 1.5 is "2.0". A
+  /// fraction shorter than \p digits is not padded, and 0 digits leave the point: "1.".
+  /// \throws CQnInvalidParamException "Invalid number of digits [%d]" below 0.
   std::string ToString(int digits) const;
   /// The nearest double.
-  /// \throws CQnOverFlowException "The Decimal value if to large to fit into a Double" beyond 1.7E+308, somewhat
-  ///         below the largest double, on either side.
+  /// \throws CQnOverFlowException "The Decimal value if to large to fit into a Double" beyond 1.7E+308,
+  ///         somewhat below the largest double, on either side.
   double ToDouble() const;
   /// Rounded, an exact half towards zero.
   /// \throws CQnOverFlowException "The Decimal value if to large to fit into a LONG" outside 32 bits.
@@ -119,8 +120,9 @@ class QUILLON9_API CDecimal {
   /// dropped.
   void Rationalise();
   /// Change the number of fraction digits, rounding to the nearest, an exact half towards zero, when it becomes
-  /// less. With \p divider 0 the whole part is rounded. \param divider 0 to 100,000. \throws
-  /// CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
+  /// less. With \p divider 0 the whole part is rounded.
+  /// \param divider 0 to 100,000.
+  /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   void ChangeFractionalDivider(int divider);
   /// Give both the larger of their dividers.
   /// \returns that divider.
