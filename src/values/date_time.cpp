@@ -2,6 +2,8 @@
 
 #include <cstring>
 #include <ctime>
+#include <iterator>
+#include <limits>
 
 #include "quillon9/binding/exceptions.h"
 
@@ -57,10 +59,13 @@ CDateTime::CDateTime(char const* text) { ParseXSDDateTime(text); }
 CDateTime& CDateTime::operator=(long const& time) {
   std::time_t const seconds = time;
   std::tm fields{};
-  if (gmtime_r(&seconds, &fields) == nullptr || fields.tm_year > MAX_YEAR || fields.tm_year < MIN_YEAR - 1900) {
+  bool const isKnown = gmtime_r(&seconds, &fields) != nullptr;
+  long const year = fields.tm_year + 1900L;
+  if (!isKnown || year > std::numeric_limits<std::int16_t>::max() || year < std::numeric_limits<std::int16_t>::min()) {
+    RequireTypeOf(dt_dateTime);
     throw CQnInvalidValueException(FormatString("Invalid Time [%ld]", time));
   }
-  SetDateTime(static_cast<std::int16_t>(fields.tm_year + 1900), static_cast<std::uint8_t>(fields.tm_mon + 1),
+  SetDateTime(static_cast<std::int16_t>(year), static_cast<std::uint8_t>(fields.tm_mon + 1),
               static_cast<std::uint8_t>(fields.tm_mday), static_cast<std::uint8_t>(fields.tm_hour),
               static_cast<std::uint8_t>(fields.tm_min), static_cast<std::uint8_t>(fields.tm_sec));
   return *this;
@@ -68,13 +73,17 @@ CDateTime& CDateTime::operator=(long const& time) {
 
 CDateTime CDateTime::GetCurrentTime() { return CDateTime(static_cast<long>(std::time(nullptr))); }
 
+// A value that is set keeps its type.
+void CDateTime::RequireTypeOf(DTType type) const {
+  if (m_type == dt_yearZero || m_type == type) return;
+  throw CQnInvalidStateException(FormatString("Failed to copy CDateTime. Invalid Date Type: %s, expected: %s.",
+                                              GetTypeAsString(type).c_str(), GetTypeAsString().c_str()));
+}
+
 void CDateTime::SetDateTime(DTType type, std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour,
                             std::uint8_t minute, std::uint8_t second, std::uint16_t milli, std::uint16_t micro,
                             std::uint16_t nano) {
-  if (m_type != dt_yearZero && m_type != type) {
-    throw CQnInvalidStateException(FormatString("Failed to copy CDateTime. Invalid Date Type: %s, expected: %s.",
-                                                GetTypeAsString(type).c_str(), GetTypeAsString().c_str()));
-  }
+  RequireTypeOf(type);
   Clear();
   m_type = type;
   m_year = year;
@@ -231,7 +240,7 @@ double CDateTime::GetRealSecond() const {
 
 int CDateTime::GetDayOfYear() const {
   Require(m_type == dt_dateTime || m_type == dt_date, "GetDayOfYear");
-  if (m_month < 1 || m_month > 12) {
+  if (m_month < 1 || m_month > std::size(g_monthDayInYear)) {
     throw CQnInvalidValueException(FormatString("Invalid Month [%d] (1 <= month <= 12)", m_month));
   }
   return g_monthDayInYear[m_month - 1] + m_day + (IsLeapYear(m_year) && m_month <= 2 ? 1 : 0);

@@ -121,49 +121,55 @@ std::int64_t AddField(Field& field, std::uint64_t value, bool negative, std::int
   return GetQuotient(sum, modulus);
 }
 
-int LastDay(std::int64_t year, int month) {
+int LastDay(std::int64_t year, std::int64_t month) {
+  if (month < 1 || month > 12) {
+    throw CQnInvalidValueException(
+        FormatString("Invalid Month [%lld] (1 <= month <= 12)", static_cast<long long>(month)));
+  }
   if (month == 2 && !IsLeapYear(static_cast<int>(year % kYearsInCycle))) return 28;
   return g_monthMax[month - 1];
 }
 
 struct Date {
   std::int64_t year;
-  int month;
+  std::int64_t month;
   std::int64_t day;
 };
 
-// Whole months are passed until the day lies in one. After the first step the day is the first or the last of a month,
-// and 400 years further on everything is the same again, so that whole cycles are left out.
-void AddDays(Date& date, std::int64_t days) {
-  bool skipped = false;
-  while (days != 0) {
-    if (days > 0) {
-      int const last = LastDay(date.year, date.month);
-      if (days + date.day <= last) {
-        date.day += days;
-        return;
-      }
+/// Move \p date by \p days as far as they reach in its month, or to the first or last day of the next one, and return
+/// the days that are left.
+std::int64_t StepDays(Date& date, std::int64_t days) {
+  if (days > 0) {
+    int const last = LastDay(date.year, date.month);
+    if (days + date.day > last) {
       days += date.day - 1 - last;
       date.day = 1;
-      if (++date.month == 13) {
-        date.month = 1;
-        ++date.year;
-      }
-    } else {
-      if (date.day - 1 >= -days) {
-        date.day += days;
-        return;
-      }
-      --date.month;
-      days += date.day;
-      date.day = LastDay(date.year, date.month == 0 ? 12 : date.month);
-      if (date.month == 0) {
-        date.month = 12;
-        --date.year;
-      }
+      ++date.month;
+      return days;
+    }
+  } else if (date.day - 1 < -days) {
+    --date.month;
+    days += date.day;
+    date.day = LastDay(date.year, date.month == 0 ? 12 : date.month);
+    return days;
+  }
+  date.day += days;
+  return 0;
+}
+
+// After the first step the day is the first or the last of a month, and 400 years further on everything is the same
+// again, so that whole cycles are left out.
+void AddDays(Date& date, std::int64_t days) {
+  for (bool skipped = false; days != 0; skipped = true) {
+    days = StepDays(date, days);
+    if (date.month == 0) {
+      date.month = 12;
+      --date.year;
+    } else if (date.month == 13) {
+      date.month = 1;
+      ++date.year;
     }
     if (skipped) continue;
-    skipped = true;
     date.year += days / kDaysInCycle * kYearsInCycle;
     days %= kDaysInCycle;
   }
@@ -186,11 +192,7 @@ void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
   m_year = static_cast<std::int16_t>(year);
   std::int64_t const days = AddSigned(carry, span.GetDays(), negative);
   if (days == 0) return;
-  if (month < 1 || month > 12) {
-    throw CQnInvalidValueException(
-        FormatString("Invalid Month [%lld] (1 <= month <= 12)", static_cast<long long>(month)));
-  }
-  Date date{year, static_cast<int>(month), m_day};
+  Date date{year, month, m_day};
   AddDays(date, days);
   m_year = static_cast<std::int16_t>(date.year);
   m_month = static_cast<std::uint8_t>(date.month);

@@ -1,6 +1,5 @@
 #include "quillon9/values/date_time_span.h"
 
-#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -87,8 +86,10 @@ std::uint32_t ReadNumber(char const*& at) {
   return number;
 }
 
-// Up to nine digits. Those from the seventh on carry no weight: the last one stays.
-void ReadFraction(char const*& at, char const* text, std::array<std::uint16_t, 3>& groups) {
+}  // namespace
+
+// Up to nine digits, added to what the fields hold. Those from the seventh on carry no weight: the last one stays.
+void CDateTimeSpan::ReadFraction(char const*& at, char const* text) {
   static constexpr int weights[] = {100, 10, 1};
   for (std::size_t count = 0; IsDigit(*at); ++at, ++count) {
     int const digit = *at - '0';
@@ -96,14 +97,13 @@ void ReadFraction(char const*& at, char const* text, std::array<std::uint16_t, 3
       throw CQnInvalidValueException(FormatString("Invalid XSD Duration [%s] Fraction part too long", text));
     }
     if (count < 6) {
-      groups[count / 3] = static_cast<std::uint16_t>(groups[count / 3] + digit * weights[count % 3]);
+      std::uint16_t& group = count < 3 ? m_milliSeconds : m_microSeconds;
+      group = static_cast<std::uint16_t>(group + digit * weights[count % 3]);
     } else {
-      groups[2] = static_cast<std::uint16_t>(digit);
+      m_nanoSeconds = static_cast<std::uint16_t>(digit);
     }
   }
 }
-
-}  // namespace
 
 void CDateTimeSpan::ParseXSDDuration(char const* text) {
   Clear();
@@ -141,11 +141,7 @@ void CDateTimeSpan::ParseXSDDuration(char const* text) {
       m_seconds = Extended(number);
       state = Seconds;
       if (designator == 'S' || *at == '\0') continue;
-      std::array<std::uint16_t, 3> groups{};
-      ReadFraction(at, text, groups);
-      m_milliSeconds = groups[0];
-      m_microSeconds = groups[1];
-      m_nanoSeconds = groups[2];
+      ReadFraction(at, text);
       if (*at++ != 'S') ThrowInvalidDuration(text);
       state = Finished;
     } else {

@@ -64,7 +64,7 @@ std::string CDateTime::ToString(char const* format) const {
   if (HasYear()) {
     if (m_year < 0) text += '-';
     AppendPadded(text, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
-  } else if (m_type != dt_time) {
+  } else if (m_type != dt_time && m_type <= dt_gMonthDay) {
     text += HasMonth() ? "--" : "---";
   }
   if (HasMonth()) {

@@ -17,7 +17,7 @@ QUILLON9_API extern int const g_monthDayInYear[13];
 /// Whether \p year is a leap year of the Gregorian calendar, carried on backwards.
 QUILLON9_API bool IsLeapYear(int year);
 /// \p a divided by \p b, rounded to single precision, rounded down. Above about sixteen million it is no longer exact;
-/// a result that no 32-bit integer holds is -2,147,483,648.
+/// a result that no 32-bit integer holds, that of a division by 0 included, is -2,147,483,648.
 QUILLON9_API int GetQuotient(long long a, int b);
 /// \p a less the quotient times \p b: outside 0 to b - 1 where the quotient is not exact.
 QUILLON9_API long long GetModulo(long long a, int b);
@@ -51,7 +51,7 @@ class QUILLON9_API CDateTime {
   };
 
   CDateTime();
-  explicit CDateTime(DTType type);
+  CDateTime(DTType type);
   /// These leave a clear object, of type 0, when a field is out of its range.
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day);
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
@@ -59,19 +59,22 @@ class QUILLON9_API CDateTime {
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
             std::uint8_t second, std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
   /// From a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear object.
-  explicit CDateTime(long const& time);
+  CDateTime(long const& time);
   /// ParseXSDDateTime().
-  explicit CDateTime(char const* text);
+  CDateTime(char const* text);
   CDateTime(CDateTime const& other);
   CDateTime& operator=(CDateTime const& other);
-  /// \throws CQnInvalidStateException when this object is of another type than dateTime; CQnInvalidValueException for a
-  ///         time outside the years of this class.
+  /// Set the dateTime of a time_t, in UTC but without a zone indicator.
+  /// \throws CQnInvalidStateException when this object is of another type, unless it is clear; CQnInvalidValueException as
+  ///         Validate() does for a year outside MIN_YEAR to MAX_YEAR, with the fields stored, and "Invalid Time [%ld]" for
+  ///         one that 16 bits do not hold.
   CDateTime& operator=(long const& time);
   virtual ~CDateTime();
 
+  /// The present second, as from a time_t. Any thread.
   static CDateTime GetCurrentTime();
 
-  // ---- Setting whole values: all fields, no zone.
+  // ---- Setting whole values: all fields, no zone. All but the last throw as the first does.
   /// \throws CQnInvalidStateException "Failed to copy CDateTime. Invalid Date Type: %s, expected: %s." when this object
   ///         is of another type, unless it is clear; CQnInvalidValueException as Validate() does, with the fields
   ///         stored.
@@ -123,10 +126,12 @@ class QUILLON9_API CDateTime {
   void SetMilliSecond(std::uint16_t milli);
   void SetMicroSecond(std::uint16_t micro);
   void SetNanoSecond(std::uint16_t nano);
-  /// 1 for the first of January; in January and February of a leap year one more than a calendar counts.
-  /// \throws CQnInvalidValueException for a month that was set outside 1 to 12.
+  /// 1 for the first of January; in January and February of a leap year one more than a calendar counts. A month of 13
+  /// that was set counts on from December.
+  /// \throws CQnInvalidValueException for a month that was set to 0 or above 13.
   int GetDayOfYear() const;
-  /// 1 for Sunday to 7, of GetTime() in the local time zone.
+  /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the one
+  /// of the fields. Reads the zone from the environment, which no thread may change meanwhile.
   int GetDayOfWeek() const;
   DTType GetType() const { return m_type; }
   std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
@@ -150,20 +155,24 @@ class QUILLON9_API CDateTime {
   /// 0; anything else changes nothing.
   /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
   void SetZone(char const* text);
-  /// A copy moved to the offset 0. One without an offset stays as it is.
+  /// A copy moved to the offset 0 by adding or subtracting the offset, with what AddDateTimeSpan() tells of types without
+  /// a month. One without an offset stays as it is.
   CDateTime GetNormalized() const;
 
   // ---- Text
-  /// Parse any of the forms without "T": the text decides the type, whatever it was.
+  /// Parse any of the forms without "T": the text decides the type, whatever it was. "--05" may have any two characters
+  /// behind it. A text with a ":" has its last six characters taken for the zone, which SetZone() may ignore. A gDay has
+  /// no upper bound.
   /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDate(char const* text);
   /// Parse "hh:mm:ss", a fraction of up to nine digits, a zone. What follows and is no zone is ignored.
-  /// \throws CQnInvalidValueException
+  /// \throws CQnInvalidValueException; what was read before it stays.
   void ParseXSDTime(char const* text);
-  /// Parse a date, "T" and a time.
-  /// \throws CQnInvalidValueException
+  /// Parse a date, "T" and a time, each with a zone or without.
+  /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDateTime(char const* text);
-  /// The same without Clear() before it and Validate() behind it.
+  /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text does
+  /// not name stay, and a fraction is added to the one that is there.
   void SetXSDDate(char const* text);
   void SetXSDTime(char const* text);
   /// Check every field against the type: those in use for their range, all others for 0. The zone is not looked at. The
@@ -177,14 +186,17 @@ class QUILLON9_API CDateTime {
   std::string ToString() const { return ToString("s"); }
 
   /// The seconds since 1970, of the fields moved to offset 0 and taken as local time, and the local zone's difference.
+  /// Reads the zone from the environment, which no thread may change meanwhile.
   /// \throws CQnInvalidValueException for a type that is not dateTime or date.
   long GetTime() const;
 
   // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
   /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
   /// In deviation from it the month of the left side stands for that of the right side too, so that months never
-  /// decide: 2001-01-15 is greater than 2001-03-10. Years of different signs are indeterminate.
-  /// \throws CQnInvalidStateException for a left side without a month against a right side with one.
+  /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and zones
+  /// are settled as GetNormalized() does, so that a gYear with an offset lies a year before the same without.
+  /// \throws CQnInvalidStateException for a left side without a month against a right side with one, when both have a
+  ///         zone or none; otherwise the answer is 3.
   int CompareTo(CDateTime const& other) const;
   bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
   bool operator!=(CDateTime const& other) const { return CompareTo(other) != 0; }
@@ -198,8 +210,10 @@ class QUILLON9_API CDateTime {
 
   // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 and a month is February 31)
   /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of what does
-  /// not fit. The time it takes does not depend on the length of \p span.
-  /// \throws CQnInvalidValueException when rounding leaves the month outside 1 to 12 and days are to be counted.
+  /// not fit. A value without a month counts as December of the year before, also when \p span is zero: a gYear of 2000
+  /// and P0D is 1999. The time it takes does not depend on the length of \p span.
+  /// \throws CQnInvalidValueException when rounding leaves the month outside 1 to 12 and the days of such a month are
+  ///         asked for; everything but the day has changed then. The same for the operators.
   void AddDateTimeSpan(CDateTimeSpan const& span);
   CDateTime& operator+=(CDateTimeSpan const& span);
   /// Subtracts the length of \p span: a negative one moves the value back too.
@@ -210,6 +224,7 @@ class QUILLON9_API CDateTime {
   CDateTimeSpan operator-(CDateTime const& other) const;
 
  private:
+  void RequireTypeOf(DTType type) const;
   bool HasYear() const;
   bool HasMonth() const;
   bool HasDay() const;
@@ -241,8 +256,10 @@ class QUILLON9_API CDateTime {
   friend QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
 };
 
-/// Compare field by field, from the year to the second, as CompareTo() does once the zones are settled. A field that
-/// only one side has is indeterminate, unless it is 0.
+/// Compare field by field, from the year to the second, as CompareTo() does once the zones are settled. A field that a
+/// type does not have counts as -1. Two fields of different signs are indeterminate; so a field that only one side has
+/// is, unless it is 0 there or a negative year. Any thread.
+/// \throws CQnInvalidStateException for a left side without a month against a right side with one.
 QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
 
 }  // namespace Quillon9

@@ -11,8 +11,8 @@ namespace Quillon9 {
 /// being normalised, under one sign for the whole. A plain value.
 ///
 /// Where it differs from XML Schema: an all-zero span prints "P", which no parser takes; numbers wrap at 32 bits; of
-/// the seventh to ninth fraction digit only the last is kept, as nanoseconds; spans that differ only in months mostly
-/// compare as equal, since CDateTime::CompareTo() never lets a month decide.
+/// the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparing goes by calendar days and does
+/// not look at months, see CompareTo().
 class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.
@@ -63,14 +63,18 @@ class QUILLON9_API CDateTimeSpan {
 
   /// Parse "[-]P[nY][nM][nD][T[nH][nM][nS.ff]]". A number may be absent, which gives 0, and wraps at 32 bits; years are
   /// cut to 16; minutes and seconds of 2,147,483,648 and more become very large, their 32 bits being extended by the
-  /// sign. "Y" is taken at any place; a point may end the text in place of "S".
+  /// sign. "Y" is taken at any place, and after it every field may come once more, the fractions adding up; a number in
+  /// front of "T" counts for nothing; a point may end the text in place of "S".
   /// \throws CQnInvalidValueException; the fields read before it stay.
   void ParseXSDDuration(char const* text);
-  /// The fields that are not zero, in the form above.
+  /// The fields that are not zero, in the form above; "P" or "-P", which is none of that form, when all are.
   std::string ToString() const;
 
   /// Compare as XML Schema prescribes, by adding both to 1696-09-01, 1697-02-01, 1903-03-01 and 1903-07-01: 0 equal, 1
-  /// less, 2 greater, 3 when the four do not agree.
+  /// less, 2 greater, 3 when the four do not agree or a sum cannot be built. These are dates without a time, and
+  /// CDateTime::CompareTo() looks at their years and days only, which has consequences: PT1H equals PT2H, months mostly
+  /// do not count, and a negative span is mostly greater than a positive one, since it ends on a later day of the month
+  /// before. The bounds of durations compare by this order.
   int CompareTo(CDateTimeSpan const& other) const;
   bool operator==(CDateTimeSpan const& other) const { return CompareTo(other) == 0; }
   bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }
@@ -78,6 +82,8 @@ class QUILLON9_API CDateTimeSpan {
   bool operator>(CDateTimeSpan const& other) const { return CompareTo(other) == 2; }
 
  private:
+  void ReadFraction(char const*& at, char const* text);
+
   std::uint16_t m_years = 0;
   std::uint32_t m_months = 0;
   std::uint32_t m_days = 0;
