@@ -10,8 +10,8 @@ namespace Quillon9 {
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(char const* name, char const* ns, int minOccurs, int maxOccurs)
-    : m_namespace(ns), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
-  SetElementName(name);
+    : m_namespace(ns != nullptr ? ns : ""), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+  SetElementName(name != nullptr ? name : "");
 }
 
 CXmlCollectionBase::~CXmlCollectionBase() = default;
@@ -81,13 +81,28 @@ void CXmlCollectionBase::FireOnCollectionChange() {
   ForEachListener([&](IEventSink* sink) { FireOnCollectionChangeEvent(sink, this); });
 }
 
+CXmlCollectionBase::ClearGuard::ClearGuard(CXmlCollectionBase const& collection)
+    : m_collection(collection), m_lowest(collection.GetCount()), m_allowance(m_lowest + 1000LL), m_left(m_allowance) {}
+
+void CXmlCollectionBase::ClearGuard::Check() {
+  int const count = m_collection.GetCount();
+  if (count < m_lowest) {
+    m_lowest = count;
+    m_left = m_allowance;
+  } else if (--m_left == 0) {
+    throw CQnException(
+        FormatString("The collection [%s] is filled while it is cleared", m_collection.GetElementName().c_str()));
+  }
+}
+
 CXmlCollection::CXmlCollection() = default;
 
 CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, int maxOccurs)
     : CXmlCollectionBase(name, ns, minOccurs, maxOccurs) {}
 
 CXmlCollection::~CXmlCollection() {
-  while (m_head != nullptr) {
+  for (long long rounds = m_count + 1000LL; m_head != nullptr; --rounds) {
+    if (rounds == 0) RemoveAllListeners();  // one that adds without end must not keep this object alive
     CNode* const first = m_head;
     try {
       RemoveNode(first);
@@ -98,7 +113,11 @@ CXmlCollection::~CXmlCollection() {
 }
 
 void CXmlCollection::Clear() {
-  while (m_count > 0) Remove(0);
+  ClearGuard guard(*this);
+  while (m_count > 0) {
+    Remove(0);
+    guard.Check();
+  }
 }
 
 void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }

@@ -1,5 +1,8 @@
 #include "quillon9/binding/typed_collections.h"
 
+#include <limits>
+#include <utility>
+
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
@@ -10,8 +13,13 @@ namespace {
 
 std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
-// The data of an event is the address of a value that the listener may look at.
-void* AddressOf(void const* value) { return const_cast<void*>(value); }
+// The text is made when the element is open.
+template <class ToText>
+void WriteItem(CXmlWriter* writer, std::string const& name, std::string const& ns, ItemType type, ToText toText) {
+  writer->WriteStartElement(name, ns);
+  writer->WriteString(toText(), type);
+  writer->WriteEndElement();
+}
 
 }  // namespace
 
@@ -39,19 +47,17 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
 }
 
 void CXmlTypeCollection::CheckInsertIndex(int index) const {
-  if (index < 0 || index > GetCount()) throw CQnInvalidParamException("Index out of range");
+  int const count = GetCount();
+  if (index < 0 || index > count) throw CQnInvalidParamException("Index out of range");
+  if (count == std::numeric_limits<int>::max()) {
+    throw CQnException(FormatString("The collection [%s] is full", GetElementName().c_str()));
+  }
 }
 
 void CXmlTypeCollection::CheckItemIndex(int index) const {
   int const count = GetCount();
   if (index >= 0 && index < count) return;
   throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, count));
-}
-
-void CXmlTypeCollection::WriteItem(CXmlWriter* writer, std::string const& text, ItemType type) const {
-  writer->WriteStartElement(GetElementName(), GetNamespace());
-  writer->WriteString(text, type);
-  writer->WriteEndElement();
 }
 
 namespace detail {
@@ -61,62 +67,36 @@ CTypedColImpl<Kind>::CTypedColImpl(char const* name, char const* ns, int minOccu
                                    int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
                                    char const* minExclusive, char const* maxExclusive, int length,
                                    CWhitespaceUtils::WhitespaceRule rule, char const* format)
-    : CXmlTypeCollection(Kind::kItemType, name, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive,
-                         maxInclusive, minExclusive, maxExclusive, length, rule, format) {}
+    : ValueCol<Value>(Kind::kItemType, name, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive,
+                      maxInclusive, minExclusive, maxExclusive, length, rule, format) {}
 
 template <class Kind>
 CTypedColImpl<Kind>::~CTypedColImpl() = default;
 
 template <class Kind>
 void CTypedColImpl<Kind>::Add(Argument value) {
-  AddAt(GetCount(), value);
+  AddAt(this->GetCount(), std::forward<Argument>(value));
 }
 
 template <class Kind>
 void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
-  FireOnCollectionAdd(AddressOf(&value));
-  CheckInsertIndex(index);
-  Kind::Check(GetElementName().c_str(), value, m_restrictions);
-  m_items.Insert(index, value);
-  FireOnCollectionAddComplete(AddressOf(&value));
-  FireOnCollectionChange();
+  this->Insert(index, std::forward<Argument>(value),
+               [this](Value const& held) { Kind::Check(this->GetElementName().c_str(), held, this->m_restrictions); });
 }
 
 template <class Kind>
 void CTypedColImpl<Kind>::AddFromString(std::string text) {
-  Add(Kind::FromText(text, m_whitespaceRule));
-}
-
-template <class Kind>
-typename Kind::Value CTypedColImpl<Kind>::Item(int index) const {
-  CheckItemIndex(index);
-  return m_items.At(index);
-}
-
-template <class Kind>
-int CTypedColImpl<Kind>::GetCount() const {
-  return m_items.Count();
-}
-
-template <class Kind>
-void CTypedColImpl<Kind>::Clear() {
-  while (GetCount() != 0) Remove(0);
-}
-
-template <class Kind>
-void CTypedColImpl<Kind>::Remove(int index) {
-  FireOnCollectionRemove(index);
-  CheckItemIndex(index);
-  m_items.Erase(index);
-  FireOnCollectionRemoveComplete(0);
-  FireOnCollectionChange();
+  Add(Kind::FromText(text, this->m_whitespaceRule));
 }
 
 template <class Kind>
 void CTypedColImpl<Kind>::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const& ctx,
                                     bool) const {
-  ValidateCount(ctx);
-  for (Value const& value : m_items) WriteItem(writer, Kind::ToText(value, m_format), Kind::kItemType);
+  this->ValidateCount(ctx);
+  std::string const ns = this->GetNamespace();
+  for (Value const& value : *this) {
+    WriteItem(writer, this->GetElementName(), ns, Kind::kItemType, [&] { return Kind::ToText(value, this->m_format); });
+  }
 }
 
 template class CTypedColImpl<hexBinaryKind>;
@@ -169,44 +149,26 @@ CdatetimeBaseCol::CdatetimeBaseCol(ItemType type, char const* name, char const* 
                                    char const* pattern, int minLength, int maxLength, char const* minInclusive,
                                    char const* maxInclusive, char const* minExclusive, char const* maxExclusive,
                                    int length, CWhitespaceUtils::WhitespaceRule rule, char const* format)
-    : CXmlTypeCollection(type, name, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive,
-                         maxInclusive, minExclusive, maxExclusive, length, rule, format) {}
+    : ValueCol(type, name, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive, maxInclusive,
+               minExclusive, maxExclusive, length, rule, format) {}
 
 CdatetimeBaseCol::~CdatetimeBaseCol() = default;
 
 void CdatetimeBaseCol::Add(CDateTime const& value) { AddAt(GetCount(), value); }
 
-CDateTime CdatetimeBaseCol::Item(int index) const {
-  CheckItemIndex(index);
-  return m_items.At(index);
-}
-
-int CdatetimeBaseCol::GetCount() const { return m_items.Count(); }
-
-void CdatetimeBaseCol::Clear() {
-  while (GetCount() != 0) Remove(0);
-}
-
-void CdatetimeBaseCol::Remove(int index) {
-  FireOnCollectionRemove(index);
-  CheckItemIndex(index);
-  m_items.Erase(index);
-  FireOnCollectionRemoveComplete(0);
-  FireOnCollectionChange();
-}
+CDateTime CdatetimeBaseCol::Item(int index) const { return ItemAt(index); }
 
 void CdatetimeBaseCol::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const& ctx,
                                  bool) const {
   ValidateCount(ctx);
-  for (CDateTime const& value : m_items) WriteItem(writer, ItemToString(value), ItemType_datetime);
+  std::string const ns = GetNamespace();
+  for (CDateTime const& value : *this) {
+    WriteItem(writer, GetElementName(), ns, ItemType_datetime, [&] { return ItemToString(value); });
+  }
 }
 
 void CdatetimeBaseCol::BaseAddAt(int index, CDateTime const& value) {
-  FireOnCollectionAdd(AddressOf(&value));
-  CheckInsertIndex(index);
-  m_items.Insert(index, value);
-  FireOnCollectionAddComplete(AddressOf(&value));
-  FireOnCollectionChange();
+  Insert(index, value, [](CDateTime const&) {});
 }
 
 void CdatetimeBaseCol::CheckType(CDateTime const& value, CDateTime::DTType type, char const* typeName) {

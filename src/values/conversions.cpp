@@ -194,7 +194,10 @@ CBigInteger CConversions::integerFromString(std::string const& text, WhitespaceR
 }
 
 std::string CConversions::decimalToString(CDecimal const& value, char const* format) {
-  return format != nullptr ? value.ToString(std::atoi(format)) : value.ToString();
+  if (format == nullptr) return value.ToString();
+  long const digits = std::strtol(format, nullptr, 10);  // 0 for a text without digits
+  constexpr int kMost = std::numeric_limits<int>::max();
+  return value.ToString(digits > kMost ? kMost : digits < -kMost ? -kMost : static_cast<int>(digits));
 }
 
 CDecimal CConversions::decimalFromString(std::string const& text, WhitespaceRule rule) {

@@ -103,6 +103,7 @@ bool ParsePlainDouble(std::string const& text, double& value) {
 
 // The address behind the conversion that starts after a percent sign, or null when it does not print a double.
 char const* EndOfDoubleConversion(char const* at) {
+  if (at[0] == '1' && at[1] == '$') at += 2;  // the one argument by its number
   at += std::strspn(at, "-+ #0'");
   while (IsDigit(*at)) ++at;
   if (*at == '.') ++at;

@@ -119,6 +119,30 @@ TEST(TypedCollections, EventsAndFailuresInOrder) {
   EXPECT_EQ("3(0)4(0)03(0)4(0)03(0)4(0)0", log.Take());
 }
 
+TEST(TypedCollections, AddOneOfTheirOwnValuesAndSurviveTheirListeners) {
+  struct Reader : IEventSink {
+    void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) override {
+      if (type == CollectionAdd && m_clears) static_cast<CintegerCol*>(sender)->Clear();
+      if (type == CollectionAddComplete) m_seen = static_cast<CBigInteger*>(data)->ToString();
+      if (type == CollectionRemoveComplete && m_refills) static_cast<CintegerCol*>(sender)->Add(CBigInteger("1"));
+    }
+    bool m_clears = false;
+    bool m_refills = false;
+    std::string m_seen;
+  } reader;
+  CSmartPtr<CintegerCol> const collection(Make<CintegerCol>());
+  collection->AddEventListener(&reader);
+  collection->Add(CBigInteger("123456789012345678901234567890"));
+  for (int i = 0; i < 5; ++i) collection->AddAt(0, *collection->begin());
+  EXPECT_EQ("123456789012345678901234567890", reader.m_seen);
+  reader.m_clears = true;
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", collection->Add(*collection->begin()));
+  reader.m_clears = false;
+  collection->Add(CBigInteger("2"));
+  reader.m_refills = true;
+  EXPECT_FAILURE(CQnException, "The collection [v] is filled while it is cleared", collection->Clear());
+}
+
 TEST(TypedCollections, DatesAreCheckedBeforeAnyEvent) {
   CSmartPtr<CdateCol> const dates(Make<CdateCol>("2001-01-02"));
   EventLog log;

@@ -53,6 +53,23 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   void FireOnCollectionRemoveComplete(int index);
   void FireOnCollectionChange();
 
+ protected:
+  /// Ends a Clear() that a listener makes endless, by adding whenever something is removed.
+  class QUILLON9_API ClearGuard {
+   public:
+    explicit ClearGuard(CXmlCollectionBase const& collection);
+    /// To be called after each removal.
+    /// \throws CQnException "The collection [%s] is filled while it is cleared" when the count does not fall any more.
+    void Check();
+
+   private:
+    CXmlCollectionBase const& m_collection;
+    int m_lowest;
+    long long m_allowance;
+    long long m_left;
+  };
+  void RemoveAllListeners() { m_listeners.clear(); }
+
  private:
   template <class Fire>
   void ForEachListener(Fire fire);
@@ -79,10 +96,13 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
  public:
   CXmlCollection();
   CXmlCollection(char const* name, char const* ns, int minOccurs, int maxOccurs);
-  /// Removes every item; listeners still registered hear of each. What they throw then is dropped.
+  /// Removes every item; listeners still registered hear of each. What they throw then is dropped, and they are no longer
+  /// told when one of them adds without end.
   ~CXmlCollection() override;
 
   int GetCount() const override { return m_count; }
+  /// Remove(0) until nothing is left.
+  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end.
   void Clear() override;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count, before any event.
   void Remove(int index) override;

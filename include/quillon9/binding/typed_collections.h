@@ -26,7 +26,8 @@ namespace Quillon9 {
 /// What all collections of values share: the facets, and how a run of equally named elements is read.
 class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
  public:
-  /// \p maxOccurs -1 means no upper limit; a negative length and an empty or null text mean that this facet is not set.
+  /// \p maxOccurs -1 means no upper limit; a null \p name or \p ns is an empty one; a negative length and an empty or null
+  /// text mean that this facet is not set.
   /// \p format, which decimals and floating-point numbers are written with, is kept as it is and must outlive the
   /// collection (generated code passes literals or null); everything else is copied.
   CXmlTypeCollection(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
@@ -41,7 +42,8 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
 
  protected:
   /// Add the text of each element from \p cursor on that has this collection's name, however many there are; return the
-  /// first other one.
+  /// first other one. The other arguments are not looked at. Values read in front of a failure stay.
+  /// \throws what AddFromString() throws.
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
@@ -49,7 +51,6 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
   void CheckInsertIndex(int index) const;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" unless \p index is 0 to GetCount() - 1.
   void CheckItemIndex(int index) const;
-  void WriteItem(CXmlWriter* writer, std::string const& text, ItemType type) const;
 
   CPrimitiveRestrictions m_restrictions;
   ItemType m_itemType;
@@ -85,14 +86,67 @@ class ValueList {
   std::size_t m_first = 0;  // those in front of it have been removed
 };
 
+/// What the collections of all kinds do alike with the values that they hold.
+template <class Value>
+class QUILLON9_API ValueCol : public CXmlTypeCollection {
+ public:
+  using CXmlTypeCollection::CXmlTypeCollection;
+
+  int GetCount() const override { return m_items.Count(); }
+  /// Remove(0) until nothing is left.
+  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end.
+  void Clear() override {
+    ClearGuard guard(*this);
+    while (GetCount() != 0) {
+      Remove(0);
+      guard.Check();
+    }
+  }
+  /// The remove event comes before \p index is looked at. The event behind it always tells the index 0.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
+  void Remove(int index) override {
+    FireOnCollectionRemove(index);
+    CheckItemIndex(index);
+    m_items.Erase(index);
+    FireOnCollectionRemoveComplete(0);
+    FireOnCollectionChange();
+  }
+
+  /// The values in order, for range-for. Valid until the collection changes.
+  auto begin() const { return m_items.begin(); }
+  auto end() const { return m_items.end(); }
+
+ protected:
+  Value ItemAt(int index) const {
+    CheckItemIndex(index);
+    return m_items.At(index);
+  }
+  /// Insert \p value, a copy that no listener can take away. The add event comes first, before the index is looked at
+  /// and \p check, with the address of the value as data; a failure of these leaves the collection as it was, one of the
+  /// listeners behind them leaves the value in it.
+  template <class Check>
+  void Insert(int index, Value value, Check check) {
+    FireOnCollectionAdd(&value);
+    CheckInsertIndex(index);
+    check(static_cast<Value const&>(value));
+    m_items.Insert(index, value);
+    FireOnCollectionAddComplete(&value);
+    FireOnCollectionChange();
+  }
+
+ private:
+  ValueList<Value> m_items;
+};
+
 /// One family of operations for every kind of value. `Kind` tells the held type, how it is passed, its ItemType, and
 /// the conversion and the facet check that belong to it.
 template <class Kind>
-class CTypedColImpl : public CXmlTypeCollection {
+class CTypedColImpl : public ValueCol<typename Kind::Value> {
  public:
   using Value = typename Kind::Value;
   using Argument = typename Kind::Argument;
 
+  /// The arguments of CXmlTypeCollection without the first.
   CTypedColImpl(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
                 int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
                 char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
@@ -100,32 +154,21 @@ class CTypedColImpl : public CXmlTypeCollection {
 
   /// AddAt() the end.
   void Add(Argument value);
-  /// Insert \p value at \p index. The add event comes first, before the index and the facets are looked at, with the
-  /// address of the value as data; a failure after it leaves the collection as it was.
-  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a
-  ///         broken facet.
+  /// Insert \p value, which may be one of this collection, at \p index. The add event comes first, before the index and
+  /// the facets are looked at, with the address of the value as data; a failure after it leaves the collection as it was.
+  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a broken
+  ///         facet and a pattern that does not compile, CQnInvalidValueException for a bound that does not parse;
+  ///         CQnException "The collection [%s] is full" at 2,147,483,647 values; what a listener throws.
   void AddAt(int index, Argument value);
   void AddFromString(std::string text) override;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
-  Value Item(int index) const;
-
-  int GetCount() const override;
-  /// Remove(0) until nothing is left.
-  void Clear() override;
-  /// The remove event comes before \p index is looked at. The event behind it always tells the index 0.
-  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
-  void Remove(int index) override;
-
-  /// The values in order, for range-for. Valid until the collection changes.
-  auto begin() const { return m_items.begin(); }
-  auto end() const { return m_items.end(); }
+  Value Item(int index) const { return this->ItemAt(index); }
 
  protected:
+  /// \throws CQnValidationException for a count outside its limits, before anything is written; what the conversion to
+  ///         text throws, with the element of this value open.
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
-
- private:
-  ValueList<Value> m_items;
 };
 
 /// A kind whose conversion to text takes no format, and one whose conversion does.
@@ -136,13 +179,21 @@ struct PlainKind {
   static constexpr ItemType kItemType = number;
   static V FromText(std::string const& text, CWhitespaceUtils::WhitespaceRule rule) { return fromString(text, rule); }
   static std::string ToText(V const& value, char const*) { return toString(value); }
-  static void Check(char const* name, A value, CPrimitiveRestrictions const& facets) { check(name, value, facets); }
+  static void Check(char const* name, V const& value, CPrimitiveRestrictions const& facets) {
+    check(name, value, facets);
+  }
 };
 template <class V, class A, ItemType number, auto fromString, auto toString, auto check>
 struct FormattedKind : PlainKind<V, A, number, fromString, toString, check> {
   static std::string ToText(V const& value, char const* format) { return toString(value, format); }
 };
 
+// How the kinds differ: in the type that they hold and in how it is passed (strings by value); whether their conversion
+// to text takes the collection's format (Formatted); and CbooleanCol holds a vector of bits, whose items have no address
+// of their own. The five kinds that hold a CDateTime are a family of their own, CdatetimeBaseCol: there the type of the
+// value and the facets are checked before the first event, a sister's value is never converted, and every value goes to
+// the writer as ItemType_datetime.
+//
 // clang-format off
 #define QN_KIND(Style, stem, V, A)                                                                              \
   struct stem##Kind : Style##Kind<V, A, ItemType_##stem, &CConversions::stem##FromString,                        \
@@ -165,10 +216,16 @@ QN_KIND(Plain,     year,         std::uint16_t, std::uint16_t)
 QN_KIND(Plain,     month,        std::uint8_t,  std::uint8_t)
 QN_KIND(Plain,     day,          std::uint8_t,  std::uint8_t)
 QN_KIND(Plain,     string,       std::string,   std::string)
-QN_KIND(Plain,     boolean,      bool,          bool)  // a vector of bits: an item has no address of its own
+QN_KIND(Plain,     boolean,      bool,          bool)
 QN_KIND(Formatted, decimal,      CDecimal,      CDecimal const&)
 QN_KIND(Plain,     integer,      CBigInteger,   CBigInteger const&)
 #undef QN_KIND
+//      class          stem          must be of type
+//      CdateCol       date          dt_date
+//      CdatetimeCol   datetime      dt_dateTime
+//      CtimeCol       time          dt_time
+//      CyearMonthCol  yearMonth     dt_gYearMonth
+//      CmonthDayCol   monthDay      dt_gMonthDay
 // clang-format on
 
 }  // namespace detail
@@ -297,7 +354,7 @@ class QUILLON9_API CintegerCol : public detail::CTypedColImpl<detail::integerKin
 
 /// The base of the collections of dates and times. Unlike the others, a member first tests the type of the value and
 /// then its facets, so that a value that fails never reaches the listeners, and the index last.
-class QUILLON9_API CdatetimeBaseCol : public CXmlTypeCollection {
+class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
  public:
   CdatetimeBaseCol(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
                    int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
@@ -307,35 +364,28 @@ class QUILLON9_API CdatetimeBaseCol : public CXmlTypeCollection {
 
   /// AddAt() the end.
   virtual void Add(CDateTime const& value);
-  /// Insert \p value at \p index.
+  /// Insert \p value, which may be one of this collection, at \p index.
   /// \throws CQnInvalidParamException "Dates added to this collection must be of type %s" for a value of another type,
-  ///         which is not converted; CQnException for a broken facet; CQnInvalidParamException "Index out of range".
+  ///         which is not converted; CQnException for a broken facet; CQnInvalidParamException "Index out of range"; the
+  ///         rest as in the other collections.
   virtual void AddAt(int index, CDateTime const& value) = 0;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
   virtual CDateTime Item(int index) const;
   /// The text of \p value in the form of this member.
+  /// \throws CQnInvalidValueException "Date Not Set".
   virtual std::string ItemToString(CDateTime const& value) const = 0;
 
-  int GetCount() const override;
-  void Clear() override;
-  /// As in the other collections of values.
-  void Remove(int index) override;
-
-  auto begin() const { return m_items.begin(); }
-  auto end() const { return m_items.end(); }
-
  protected:
-  /// Every member gives its values to the writer as ItemType_datetime.
+  /// Every member gives its values to the writer as ItemType_datetime. Throws as in the other collections.
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
   /// What AddAt() ends in: the add event, the index, the value, the events behind it.
   void BaseAddAt(int index, CDateTime const& value);
   /// \throws CQnInvalidParamException when \p value is not of \p type.
   static void CheckType(CDateTime const& value, CDateTime::DTType type, char const* typeName);
-
- private:
-  detail::ValueList<CDateTime> m_items;
 };
+
+// The members; the arguments are those of CXmlTypeCollection without the first.
 
 class QUILLON9_API CdateCol : public CdatetimeBaseCol {
  public:

@@ -121,7 +121,9 @@ class QUILLON9_API CConversions {
   static std::string integerToString(CBigInteger const& value);
   static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
 
-  /// CDecimal::ToString(); with a \p format, which is the text of a digit count, CDecimal::ToString(int).
+  /// CDecimal::ToString(); with a \p format, which is the text of a digit count (0 for one without digits),
+  /// CDecimal::ToString(int).
+  /// \throws CQnInvalidParamException "Invalid number of digits [%d]" for a negative count.
   static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
   /// \throws CQnInvalidValueException and CQnOverFlowException as CDecimal::Parse() does.
   static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
