@@ -18,7 +18,7 @@ using Digits = std::vector<char>;
 
 // No real value comes near these; eight characters of text must not cost gigabytes. The larger limit is for the
 // digits in front of the point and for those behind it, the other one for the exponent as text and for dividers.
-constexpr std::size_t kMaxDigits = 1000000;
+constexpr std::size_t kMaxDigits = 500000;
 constexpr int kMaxExponent = 100000;
 // Where exponents stop being read: nothing is left of any accepted digits then.
 constexpr std::size_t kHugeExponent = 100000000;
@@ -55,7 +55,7 @@ bool IsSign(char c) { return c == '-' || c == '+'; }
 [[noreturn]] void ThrowBeyondLimit(char const* format, int limit, char const* text) {
   constexpr std::size_t kShown = 64;
   std::string shown(text, strnlen(text, kShown));
-  if (shown.size() == kShown) shown += "...";
+  if (text[shown.size()] != '\0') shown += "...";
   throw CQnOverFlowException(FormatString(format, limit, shown.c_str()));
 }
 
@@ -246,14 +246,21 @@ void CDecimal::ChangeFractionalDivider(int divider) {
 
 void CDecimal::SetDivider(std::size_t divider) {
   auto const current = static_cast<std::size_t>(m_divider);
-  m_divider = static_cast<std::int32_t>(divider);
-  if (divider >= current) return m_fraction.TimesPow10(divider - current);
+  if (divider >= current) {
+    m_fraction.TimesPow10(divider - current);
+    m_divider = static_cast<std::int32_t>(divider);
+    return;
+  }
   std::size_t const dropped = current - divider;
   CBigInteger const remainder = m_fraction.SplitAtPow10(dropped);
-  if (IsAboveHalf(remainder.m_digits, dropped)) {
-    (divider == 0 ? m_whole : m_fraction) += CBigInteger(remainder.m_sign);
+  m_divider = static_cast<std::int32_t>(divider);
+  bool const carries = IsAboveHalf(remainder.m_digits, dropped);
+  if (carries) (divider == 0 ? m_whole : m_fraction) += CBigInteger(remainder.m_sign);
+  if (carries && divider != 0) {
+    AlignSigns();
+  } else {
+    AlignZeros();
   }
-  AlignSigns();
 }
 
 void CDecimal::RoundToLimit() {
@@ -270,6 +277,10 @@ void CDecimal::AlignSigns() {
     m_fraction += unit;
     m_whole -= CBigInteger(sign);
   }
+  AlignZeros();
+}
+
+void CDecimal::AlignZeros() {
   if (m_fraction.IsZero()) {
     m_fraction.m_sign = m_whole.m_sign;
   } else if (m_whole.IsZero()) {

@@ -96,8 +96,8 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
  public:
   CXmlCollection();
   CXmlCollection(char const* name, char const* ns, int minOccurs, int maxOccurs);
-  /// Removes every item; listeners still registered hear of each. What they throw then is dropped, and they are no longer
-  /// told when one of them adds without end.
+  /// Removes every item; listeners still registered hear of each. What they throw then is dropped, and they are no
+  /// longer told when one of them adds without end.
   ~CXmlCollection() override;
 
   int GetCount() const override { return m_count; }

@@ -61,7 +61,8 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForyear(char const* name, std::uint16_t value,
                                       CPrimitiveRestrictions const& restrictions);
 
-  /// Numbers of any length: the same four bounds.
+  /// Numbers of any length: the same four bounds, in the order of CBigInteger and CDecimal, in which "-0" lies below
+  /// "0".
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is no number.
   static void CheckRestrictionForinteger(char const* name, CBigInteger const& value,
                                          CPrimitiveRestrictions const& restrictions);
@@ -71,8 +72,8 @@ class QUILLON9_API CXmlObjectHelper {
   /// Dates, times and durations: the same four bounds by CompareTo(). A comparison that is indeterminate breaks none,
   /// so a date without a zone passes a bound with a zone that lies within 14 hours.
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is none;
-  ///         CQnInvalidStateException for a value without a month and a bound with one; CQnInvalidValueException "Date Not
-  ///         Set" in place of the first for a value that cannot be printed.
+  ///         CQnInvalidStateException for a value without a month and a bound with one; CQnInvalidValueException "Date
+  ///         Not Set" in place of the first for a value that cannot be printed.
   static void CheckRestrictionFortime(char const* name, CDateTime const& value,
                                       CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFordatetime(char const* name, CDateTime const& value,

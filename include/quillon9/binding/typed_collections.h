@@ -26,10 +26,10 @@ namespace Quillon9 {
 /// What all collections of values share: the facets, and how a run of equally named elements is read.
 class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
  public:
-  /// \p maxOccurs -1 means no upper limit; a null \p name or \p ns is an empty one; a negative length and an empty or null
-  /// text mean that this facet is not set.
-  /// \p format, which decimals and floating-point numbers are written with, is kept as it is and must outlive the
-  /// collection (generated code passes literals or null); everything else is copied.
+  /// \p maxOccurs -1 means no upper limit; a null \p name or \p ns is an empty one; a negative length and an empty or
+  /// null text mean that this facet is not set. \p format, which decimals and floating-point numbers are written with,
+  /// is kept as it is and must outlive the collection (generated code passes literals or null); everything else is
+  /// copied.
   CXmlTypeCollection(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
                      int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
                      char const* minExclusive, char const* maxExclusive, int length,
@@ -122,8 +122,8 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     return m_items.At(index);
   }
   /// Insert \p value, a copy that no listener can take away. The add event comes first, before the index is looked at
-  /// and \p check, with the address of the value as data; a failure of these leaves the collection as it was, one of the
-  /// listeners behind them leaves the value in it.
+  /// and \p check, with the address of the value as data; a failure of these leaves the collection as it was, one of
+  /// the listeners behind them leaves the value in it.
   template <class Check>
   void Insert(int index, Value value, Check check) {
     FireOnCollectionAdd(&value);
@@ -155,10 +155,11 @@ class CTypedColImpl : public ValueCol<typename Kind::Value> {
   /// AddAt() the end.
   void Add(Argument value);
   /// Insert \p value, which may be one of this collection, at \p index. The add event comes first, before the index and
-  /// the facets are looked at, with the address of the value as data; a failure after it leaves the collection as it was.
-  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a broken
-  ///         facet and a pattern that does not compile, CQnInvalidValueException for a bound that does not parse;
-  ///         CQnException "The collection [%s] is full" at 2,147,483,647 values; what a listener throws.
+  /// the facets are looked at, with the address of the value as data; a failure after it leaves the collection as it
+  /// was.
+  /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a
+  ///         broken facet and a pattern that does not compile, CQnInvalidValueException for a bound that does not
+  ///         parse; CQnException "The collection [%s] is full" at 2,147,483,647 values; what a listener throws.
   void AddAt(int index, Argument value);
   void AddFromString(std::string text) override;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
@@ -189,10 +190,10 @@ struct FormattedKind : PlainKind<V, A, number, fromString, toString, check> {
 };
 
 // How the kinds differ: in the type that they hold and in how it is passed (strings by value); whether their conversion
-// to text takes the collection's format (Formatted); and CbooleanCol holds a vector of bits, whose items have no address
-// of their own. The five kinds that hold a CDateTime are a family of their own, CdatetimeBaseCol: there the type of the
-// value and the facets are checked before the first event, a sister's value is never converted, and every value goes to
-// the writer as ItemType_datetime.
+// to text takes the collection's format (Formatted); and CbooleanCol holds a vector of bits, whose items have no
+// address of their own. The five kinds that hold a CDateTime are a family of their own, CdatetimeBaseCol: there the
+// type of the value and the facets are checked before the first event, a sister's value is never converted, and every
+// value goes to the writer as ItemType_datetime.
 //
 // clang-format off
 #define QN_KIND(Style, stem, V, A)                                                                              \
@@ -366,8 +367,8 @@ class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
   virtual void Add(CDateTime const& value);
   /// Insert \p value, which may be one of this collection, at \p index.
   /// \throws CQnInvalidParamException "Dates added to this collection must be of type %s" for a value of another type,
-  ///         which is not converted; CQnException for a broken facet; CQnInvalidParamException "Index out of range"; the
-  ///         rest as in the other collections.
+  ///         which is not converted; CQnException for a broken facet; CQnInvalidParamException "Index out of range";
+  ///         the rest as in the other collections.
   virtual void AddAt(int index, CDateTime const& value) = 0;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
   virtual CDateTime Item(int index) const;

@@ -65,9 +65,9 @@ class QUILLON9_API CDateTime {
   CDateTime(CDateTime const& other);
   CDateTime& operator=(CDateTime const& other);
   /// Set the dateTime of a time_t, in UTC but without a zone indicator.
-  /// \throws CQnInvalidStateException when this object is of another type, unless it is clear; CQnInvalidValueException as
-  ///         Validate() does for a year outside MIN_YEAR to MAX_YEAR, with the fields stored, and "Invalid Time [%ld]" for
-  ///         one that 16 bits do not hold.
+  /// \throws CQnInvalidStateException when this object is of another type, unless it is clear; CQnInvalidValueException
+  ///         as Validate() does for a year outside MIN_YEAR to MAX_YEAR, with the fields stored, and "Invalid Time
+  ///         [%ld]" for one that 16 bits do not hold.
   CDateTime& operator=(long const& time);
   virtual ~CDateTime();
 
@@ -130,8 +130,8 @@ class QUILLON9_API CDateTime {
   /// that was set counts on from December.
   /// \throws CQnInvalidValueException for a month that was set to 0 or above 13.
   int GetDayOfYear() const;
-  /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the one
-  /// of the fields. Reads the zone from the environment, which no thread may change meanwhile.
+  /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the
+  /// one of the fields. Reads the zone from the environment, which no thread may change meanwhile.
   int GetDayOfWeek() const;
   DTType GetType() const { return m_type; }
   std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
@@ -155,14 +155,14 @@ class QUILLON9_API CDateTime {
   /// 0; anything else changes nothing.
   /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
   void SetZone(char const* text);
-  /// A copy moved to the offset 0 by adding or subtracting the offset, with what AddDateTimeSpan() tells of types without
-  /// a month. One without an offset stays as it is.
+  /// A copy moved to the offset 0 by adding or subtracting the offset, with what AddDateTimeSpan() tells of types
+  /// without a month. One without an offset stays as it is.
   CDateTime GetNormalized() const;
 
   // ---- Text
   /// Parse any of the forms without "T": the text decides the type, whatever it was. "--05" may have any two characters
-  /// behind it. A text with a ":" has its last six characters taken for the zone, which SetZone() may ignore. A gDay has
-  /// no upper bound.
+  /// behind it. A text with a ":" has its last six characters taken for the zone, which SetZone() may ignore. A gDay
+  /// has no upper bound.
   /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDate(char const* text);
   /// Parse "hh:mm:ss", a fraction of up to nine digits, a zone. What follows and is no zone is ignored.
@@ -171,8 +171,8 @@ class QUILLON9_API CDateTime {
   /// Parse a date, "T" and a time, each with a zone or without.
   /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDateTime(char const* text);
-  /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text does
-  /// not name stay, and a fraction is added to the one that is there.
+  /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text
+  /// does not name stay, and a fraction is added to the one that is there.
   void SetXSDDate(char const* text);
   void SetXSDTime(char const* text);
   /// Check every field against the type: those in use for their range, all others for 0. The zone is not looked at. The
@@ -193,8 +193,8 @@ class QUILLON9_API CDateTime {
   // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
   /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
   /// In deviation from it the month of the left side stands for that of the right side too, so that months never
-  /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and zones
-  /// are settled as GetNormalized() does, so that a gYear with an offset lies a year before the same without.
+  /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and
+  /// zones are settled as GetNormalized() does, so that a gYear with an offset lies a year before the same without.
   /// \throws CQnInvalidStateException for a left side without a month against a right side with one, when both have a
   ///         zone or none; otherwise the answer is 3.
   int CompareTo(CDateTime const& other) const;

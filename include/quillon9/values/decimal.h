@@ -86,12 +86,13 @@ class QUILLON9_API CDecimal {
   /// exponent digits.
   ///
   /// The value is rounded to m_maxDivider fraction digits; with an exponent, after the product with or the
-  /// quotient by that power of ten.
+  /// quotient by that power of ten. A fraction that rounds up to one is not carried: 0.999... with 31 nines is
+  /// "0.1000..." with thirty zeros.
   /// \throws CQnInvalidParamException "The text of a Decimal is null".
   /// \throws CQnInvalidValueException "The string representing a Decimal, contained an invalid char at position
   ///         %d [%s]", with the index of the character.
   /// \throws CQnOverFlowException, before memory is taken: "The digits of a Decimal exceed the limit of %d [%s]"
-  ///         for more than 1,000,000 digits before or behind the point, "The exponent of a Decimal exceeds the
+  ///         for more than 500,000 digits before or behind the point, "The exponent of a Decimal exceeds the
   ///         limit of %d [%s]" above 100,000, and below -100,000 unless the value is rounded to 0. Of a long text
   ///         they show the beginning.
   void Parse(char const* text);
@@ -120,8 +121,8 @@ class QUILLON9_API CDecimal {
   /// dropped.
   void Rationalise();
   /// Change the number of fraction digits, rounding to the nearest, an exact half towards zero, when it becomes
-  /// less. With \p divider 0 the whole part is rounded.
-  /// \param divider 0 to 100,000.
+  /// less. With \p divider 0 the whole part is rounded; otherwise a fraction that rounds up to one stays one: 0.999 to
+  /// two digits prints "0.100". \param divider 0 to 100,000.
   /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   void ChangeFractionalDivider(int divider);
   /// Give both the larger of their dividers.
@@ -140,6 +141,7 @@ class QUILLON9_API CDecimal {
   void SetDivider(std::size_t divider);
   void RoundToLimit();
   void AlignSigns();
+  void AlignZeros();
 
   CBigInteger m_whole;
   CBigInteger m_fraction;

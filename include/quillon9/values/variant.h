@@ -119,14 +119,14 @@ class QUILLON9_API QnVariant {
 
   /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4, r8 and decimal alone;
   /// null means their default form.
-  /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held; what the
-  ///         conversion throws: for a \p format that prints anything but the one number, CQnInvalidValueException "Date Not
-  ///         Set".
+  /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held; what
+  ///         the conversion throws: for a \p format that prints anything but the one number, CQnInvalidValueException
+  ///         "Date Not Set".
   std::string ToString(char const* format = nullptr) const;
   /// Parse \p text as a value of the kind \p type with the `...FromString` of CConversions, and hold it. After a
   /// failure the old value is still held.
-  /// \throws CQnException "Invalid Type %d to convert to string" with the number of the kind that is held now, when \p type
-  ///         has no text form; what the conversion throws.
+  /// \throws CQnException "Invalid Type %d to convert to string" with the number of the kind that is held now, when \p
+  ///         type has no text form; what the conversion throws.
   void FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
 
  private:
