@@ -8,6 +8,8 @@ class CQNCriticalSection;
 
 namespace Quillon9 {
 
+class CAttribute;
+class CAttributeCol;
 class CBase64;
 class CBigInteger;
 class CBinaryData;
@@ -17,9 +19,12 @@ class CConversions;
 class CDateTime;
 class CDateTimeSpan;
 class CDecimal;
+class CElement;
+class CElementCol;
 class CEncoder;
 class CFileBinaryStream;
 class CFileTextStream;
+class CInstanceMonitor;
 class CLimits;
 class CNamespaceAliasMap;
 class CNode;

@@ -51,15 +51,18 @@ bool CXmlGeneratedClass::IsElementInList(CXmlSerializationContext const& ctx, CX
 
 namespace {
 
-// By exact class: a class derived from one of these does not count.
-bool IsRepeatedChoiceMember(CElementInfo const& entry) {
-  std::type_info const& type = typeid(entry);
-  return type == typeid(CElementInfoChoicePrimCol) || type == typeid(CElementInfoChoiceEnumCol) ||
-         type == typeid(CElementInfoChoiceClsCol) || type == typeid(CElementInfoChoiceAbsClsCol);
+/// Whether \p entry is an object of one of these classes, exactly: one of a class derived from them does not count.
+template <class... Members>
+bool IsOneOf(CElementInfo const& entry) {
+  return ((typeid(entry) == typeid(Members)) || ...);
 }
 
 bool MayStayEmpty(CElementInfo const& entry, CXmlGeneratedClass const* holder) {
-  if (!IsRepeatedChoiceMember(entry)) return false;
+  if (!IsOneOf<CElementInfoChoicePrimCol, CElementInfoChoiceClsCol, CElementInfoChoiceAbsClsCol,
+               CElementInfoChoiceEnumCol, CElementInfoChoiceUntpdCol>(entry)) {
+    return IsOneOf<CElementInfoChoicePrimOpt, CElementInfoChoiceClsOpt, CElementInfoChoiceAbsClsOpt,
+                   CElementInfoChoiceEnumOpt, CElementInfoChoiceUntpdOpt>(entry);
+  }
   QnVariant value;
   entry.ReadProperty(holder, value);
   CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();

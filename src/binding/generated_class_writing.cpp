@@ -7,6 +7,7 @@
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
+#include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/writer.h"
 
 namespace Quillon9 {
@@ -27,7 +28,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
                                       CXmlSerializationContext const& ctx, bool inChoice) const {
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(GetClassInfo()->m_elementType);
-  if (hasTag) WriteStart(writer, isRoot, ns, ctx);
+  if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
   auto const* const nillable = dynamic_cast<INillable const*>(this);
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
@@ -52,9 +53,12 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 }  // namespace
 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
-                                    CXmlSerializationContext const& ctx) const {
+                                    CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
   writer->WriteStartElement(GetElementName(), ns);
+  // The collection is not made here where there is none: writing changes no context, which threads may share.
+  CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
+  if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);
   AttributesToXml_Int(writer, ctx);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }

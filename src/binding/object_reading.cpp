@@ -3,6 +3,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_base.h"
+#include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -48,6 +49,12 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationCon
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
   ReadFrom(element, *this, ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationContext const& ctx) {
+  if (element == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
+  std::string const text = element->ToXml(false, false, EOLType_LF, CXmlSerializationContext::m_defaultContext);
+  FromXml(text.c_str(), ctx);
 }
 
 }  // namespace Quillon9

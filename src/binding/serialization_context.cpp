@@ -14,11 +14,6 @@ constexpr char kExclusive[] =
 
 CXmlSerializationContext CXmlSerializationContext::m_defaultContext;
 
-CXmlSerializationContext::CXmlSerializationContext() = default;
-CXmlSerializationContext::CXmlSerializationContext(CXmlSerializationContext const& other) = default;
-CXmlSerializationContext& CXmlSerializationContext::operator=(CXmlSerializationContext const& other) = default;
-CXmlSerializationContext::~CXmlSerializationContext() = default;
-
 void CXmlSerializationContext::SetIgnoreUnknownElements(bool ignore) {
   if (ignore && m_ignoreMissingMandatoryElements) {
     throw CQnInvalidStateException(FormatString(kExclusive, "IgnoreMissingMandatoryElements", "IgnoreUnknownElements"));

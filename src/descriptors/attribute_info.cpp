@@ -4,6 +4,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
+#include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 
@@ -133,5 +134,47 @@ bool CAttributeInfoEnum::AttributeFromXml(CXmlSerializationContext const& ctx, C
 void CAttributeInfoEnum::Validate(CXmlSerializationContext const&, bool found) const {
   ThrowIfRequiredAndMissing(found);
 }
+
+// ---- Any
+
+CAttributeInfoAny::CAttributeInfoAny(char const* name, char const* ns, int index, bool optional,
+                                     char const* restriction, char const* targetNamespace, char const* defaultValue)
+    : CAttributeInfo(name, ns, index, optional, defaultValue),
+      m_namespaceRestriction(restriction),
+      m_targetNamespace(targetNamespace) {}
+
+CAttributeInfoAny::~CAttributeInfoAny() = default;
+
+namespace {
+
+[[noreturn]] void ThrowNoAttributeCollection() {
+  throw CQnException("Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+}
+
+}  // namespace
+
+void CAttributeInfoAny::AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                       CXmlWriter* writer) const {
+  QnVariant value;
+  ReadProperty(holder, value);
+  std::string const ns = GetTargetNamespace(holder);
+  CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
+  if (!collection) ThrowNoAttributeCollection();
+  ToXml_Int(collection.Get(), writer, false, ns.c_str(), ctx);
+}
+
+bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass* holder,
+                                         CXmlAttribute* attribute) {
+  TestNamespace(attribute->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace);
+  QnVariant value;
+  AccessProperty(holder, true, value);
+  auto* const collection = dynamic_cast<CAttributeCol*>(value.GetXmlCollection().Get());
+  if (collection == nullptr) ThrowNoAttributeCollection();
+  collection->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                  attribute->GetNamespaceURI().c_str());
+  return true;
+}
+
+void CAttributeInfoAny::Validate(CXmlSerializationContext const&, bool) const {}
 
 }  // namespace Quillon9Data

@@ -157,6 +157,11 @@ void CElementInfo::ThrowRequiredElement() const {
   throw CQnValidationException(FormatString("Failed to find a required element [%s]", m_elementName.c_str()));
 }
 
+bool CElementInfo::ValidateMandatory(bool found, bool required) const {
+  if (found || !required) return found;
+  throw CQnValidationException(FormatString("Failed to find the mandatory element [%s]", m_elementName.c_str()));
+}
+
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
   QnVariant value;
   value.FromString((*cursor)->GetText(), m_itemType, m_whitespaceRule);
@@ -165,10 +170,27 @@ bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** curso
   return true;
 }
 
-void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor) const {
+bool CElementInfo::TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const {
+  QnVariant value;
+  value.SetI4(fromText((*cursor)->GetText().c_str()));
+  AccessProperty(holder, false, value);
+  *cursor = (*cursor)->GetNextSiblingElement();
+  return true;
+}
+
+void CElementInfo::ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor,
+                             bool inChoice) const {
   CXmlElement* const element = *cursor;
-  FromXml_Int(child, element, element->GetFirstElement(), ctx, false);
+  FromXml_Int(child, element, element->GetFirstElement(), ctx, inChoice);
   *cursor = element->GetNextSiblingElement();
+}
+
+bool CElementInfo::ReadPseudoChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement* parent,
+                                   CXmlElement** cursor) const {
+  CXmlElement* const next = FromXml_Int(child, parent, *cursor, ctx, false);
+  if (next == *cursor) return false;
+  *cursor = next;
+  return true;
 }
 
 void CElementInfo::ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,

@@ -1,39 +1,20 @@
+#include "descriptors/member_signatures.h"
 #include "quillon9/binding/exceptions.h"
-#include "quillon9/descriptors/element_info.h"
 #include "quillon9/xmlio/document.h"
 
+// Members that hold one object: of a known class (Cls), or of a class found from the element (AbsCls).
 namespace Quillon9Data {
 
 using namespace Quillon9;
 
-// ---- ClsMnd
+// ---- Sequence, known class
 
-CElementInfoSeqClsMnd::CElementInfoSeqClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
-                                             ClassFactory classFactory, int classId, bool requiresContent)
-    : CElementInfoSeq(name, ns, index),
-      m_childType(childType),
-      m_requiresContent(requiresContent),
-      m_classFactory(classFactory),
-      m_classId(classId) {}
+QN_ELEMENT_TO_XML(CElementInfoSeqClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
 
-CElementInfoSeqClsMnd::~CElementInfoSeqClsMnd() = default;
-
-bool CElementInfoSeqClsMnd::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                         CXmlWriter* writer) const {
-  return ElementToXmlCls(ctx, holder, writer, false);
-}
-
-void CElementInfoSeqClsMnd::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                      CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-bool CElementInfoSeqClsMnd::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                           CXmlElement* parent, CXmlElement** cursor, char const*,
-                                           XmlElementType holderType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqClsMnd) {
   if (m_childType == XmlElementType_Element) return TakeElementChild(ctx, holder, cursor, holderType);
   if (!m_requiresContent) return TakePseudoChild(ctx, holder, parent, cursor, holderType);
-  if (TakeRequiredPseudoChild(ctx, holder, parent, cursor)) return true;
+  if (*cursor != nullptr && ReadPseudoChild(ctx, FetchChild(holder).Get(), parent, cursor)) return true;
   if (holderType == XmlElementType_Element) ThrowRequiredElement();
   return false;
 }
@@ -45,87 +26,101 @@ bool CElementInfoSeqClsMnd::TakeElementChild(CXmlSerializationContext const& ctx
   } else if (!SeekRequiredElement(ctx, cursor)) {
     return true;
   }
-  ReadChild(ctx, FetchChild(holder).Get(), cursor);
+  ReadChild(ctx, FetchChild(holder).Get(), cursor, false);
   return true;
 }
 
 // A child that may be empty counts as present whether it took something or not.
 bool CElementInfoSeqClsMnd::TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                             CXmlElement* parent, CXmlElement** cursor, XmlElementType holderType) {
-  CXmlElement* const next = FromXml_Int(FetchChild(holder).Get(), parent, *cursor, ctx, false);
-  if (*cursor != nullptr && next == *cursor && ctx.GetIgnoreUnknownElements() && holderType == XmlElementType_Element) {
-    return false;  // the driver skips this element and asks again
-  }
-  *cursor = next;
-  return true;
+  if (ReadPseudoChild(ctx, FetchChild(holder).Get(), parent, cursor) || *cursor == nullptr) return true;
+  // Where unknown elements are ignored the driver skips this one and asks again.
+  return !ctx.GetIgnoreUnknownElements() || holderType != XmlElementType_Element;
 }
 
-bool CElementInfoSeqClsMnd::TakeRequiredPseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                                    CXmlElement* parent, CXmlElement** cursor) {
-  if (*cursor == nullptr) return false;
-  CXmlElement* const next = FromXml_Int(FetchChild(holder).Get(), parent, *cursor, ctx, false);
-  if (next == *cursor) return false;
-  *cursor = next;
-  return true;
-}
+QN_ELEMENT_TO_XML(CElementInfoSeqClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
 
-// ---- ClsOpt
-
-CElementInfoSeqClsOpt::CElementInfoSeqClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
-                                             ClassFactory classFactory, int classId)
-    : CElementInfoSeq(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
-
-CElementInfoSeqClsOpt::~CElementInfoSeqClsOpt() = default;
-
-bool CElementInfoSeqClsOpt::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                         CXmlWriter* writer) const {
-  return ElementToXmlCls(ctx, holder, writer, false);
-}
-
-void CElementInfoSeqClsOpt::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                      CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-bool CElementInfoSeqClsOpt::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                           CXmlElement* parent, CXmlElement** cursor, char const*, XmlElementType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqClsOpt) {
   if (m_childType == XmlElementType_Element) {
     if (!IsThisElement(ctx, *cursor)) return true;
     CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
-    ReadChild(ctx, child.Get(), cursor);
+    ReadChild(ctx, child.Get(), cursor, false);
     StoreChild(holder, child.Get());  // only now: a child that fails leaves the property as it was
     return true;
   }
   if (*cursor == nullptr) return true;
   CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
-  CXmlElement* const next = FromXml_Int(child.Get(), parent, *cursor, ctx, false);
-  if (next == *cursor) return true;  // it took nothing: the property keeps what it had
+  CXmlElement* next = *cursor;
+  if (!ReadPseudoChild(ctx, child.Get(), parent, &next)) return true;  // it took nothing: the property keeps its value
   StoreChild(holder, child.Get());
   *cursor = next;
   return true;
 }
 
-// ---- AbsClsMnd. Neither ignoring option reaches it, and its failure has a text of its own.
+// ---- All, known class
 
-CElementInfoSeqAbsClsMnd::CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index,
-                                                   XmlElementType childType, ElementFactory elementFactory)
-    : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
+QN_ELEMENT_TO_XML(CElementInfoAllClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
 
-CElementInfoSeqAbsClsMnd::~CElementInfoSeqAbsClsMnd() = default;
-
-bool CElementInfoSeqAbsClsMnd::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                            CXmlWriter* writer) const {
-  return ElementToXmlCls(ctx, holder, writer, false);
+QN_ELEMENT_FROM_XML(CElementInfoAllClsMnd) {
+  if (m_childType != XmlElementType_Element) {
+    return ReadPseudoChild(ctx, FetchChild(holder).Get(), parent, cursor);
+  }
+  if (!IsThisElement(ctx, *cursor)) return false;
+  ReadChild(ctx, FetchChild(holder).Get(), cursor, false);
+  return true;
 }
 
-void CElementInfoSeqAbsClsMnd::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
+QN_VALIDATE(CElementInfoAllClsMnd) {
+  if (!found && required && m_childType != XmlElementType_Pseudo && !m_requiresContent) return true;
+  return ValidateMandatory(found, required);
 }
 
-bool CElementInfoSeqAbsClsMnd::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                              CXmlElement*, CXmlElement** cursor, char const*,
-                                              XmlElementType holderType) {
+QN_ELEMENT_TO_XML(CElementInfoAllClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
+
+QN_ELEMENT_FROM_XML(CElementInfoAllClsOpt) {
+  if (m_childType == XmlElementType_Element) {
+    if (!IsThisElement(ctx, *cursor)) return false;
+    CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
+    ReadChild(ctx, child.Get(), cursor, false);
+    StoreChild(holder, child.Get());
+    return true;
+  }
+  if (*cursor == nullptr) return false;
+  CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
+  CXmlElement* next = *cursor;
+  if (!ReadPseudoChild(ctx, child.Get(), parent, &next)) return false;
+  StoreChild(holder, child.Get());
+  *cursor = next;
+  return true;
+}
+
+QN_VALIDATE(CElementInfoAllClsOpt) { return true; }
+
+// ---- Choice, known class: stored before it is read, and cleared again when it took nothing
+
+QN_ELEMENT_TO_XML(CElementInfoChoiceClsOpt) { return ElementToXmlCls(ctx, holder, writer, true); }
+
+QN_ELEMENT_FROM_XML(CElementInfoChoiceClsOpt) {
+  if (m_childType == XmlElementType_Element) {
+    if (!IsThisElement(ctx, *cursor)) return false;
+    CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
+    StoreChild(holder, child.Get());
+    ReadChild(ctx, child.Get(), cursor, true);
+    return true;
+  }
+  if (*cursor == nullptr) return false;
+  CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
+  StoreChild(holder, child.Get());
+  if (ReadPseudoChild(ctx, child.Get(), parent, cursor)) return true;
+  StoreChild(holder, nullptr);
+  return false;
+}
+
+// ---- Sequence, class found from the element. Neither ignoring option reaches Mnd, and its failure has its own text.
+
+QN_ELEMENT_TO_XML(CElementInfoSeqAbsClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
+
+QN_ELEMENT_FROM_XML(CElementInfoSeqAbsClsMnd) {
   CSmartPtr<CXmlObjectBase> child;
   if (IsThisElement(ctx, *cursor)) child = m_elementFactory(*cursor);
   if (!child) {
@@ -137,30 +132,44 @@ bool CElementInfoSeqAbsClsMnd::ElementFromXml(CXmlSerializationContext const& ct
   return true;
 }
 
-// ---- AbsClsOpt
+QN_ELEMENT_TO_XML(CElementInfoSeqAbsClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
 
-CElementInfoSeqAbsClsOpt::CElementInfoSeqAbsClsOpt(char const* name, char const* ns, int index,
-                                                   XmlElementType childType, ElementFactory elementFactory)
-    : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
-
-CElementInfoSeqAbsClsOpt::~CElementInfoSeqAbsClsOpt() = default;
-
-bool CElementInfoSeqAbsClsOpt::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                            CXmlWriter* writer) const {
-  return ElementToXmlCls(ctx, holder, writer, false);
-}
-
-void CElementInfoSeqAbsClsOpt::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-bool CElementInfoSeqAbsClsOpt::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                              CXmlElement*, CXmlElement** cursor, char const*, XmlElementType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqAbsClsOpt) {
   if (!IsThisElement(ctx, *cursor)) return true;
   CSmartPtr<CXmlObjectBase> const child = m_elementFactory(*cursor);
   if (!child) return true;  // the element stays for the next descriptor, or for the driver's check at the end
   ReadAndStoreChild(ctx, holder, child.Get(), cursor);
+  return true;
+}
+
+// ---- All, class found from the element: written, not read
+
+QN_ELEMENT_TO_XML(CElementInfoAllAbsClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
+QN_ELEMENT_FROM_XML(CElementInfoAllAbsClsMnd) {
+  throw CQnException(
+      "CElementInfoAllAbsClsMnd::ElementFromXml, has not been implemented fully, please contact the support of the "
+      "code generator");
+}
+QN_VALIDATE(CElementInfoAllAbsClsMnd) { return ValidateMandatory(found, required); }
+
+QN_ELEMENT_TO_XML(CElementInfoAllAbsClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
+QN_ELEMENT_FROM_XML(CElementInfoAllAbsClsOpt) {
+  throw CQnException(
+      "CElementInfoAllAbsClsOpt::ElementFromXml, has not been implemented fully, please contact the support of the "
+      "code generator");
+}
+QN_VALIDATE(CElementInfoAllAbsClsOpt) { return true; }
+
+// ---- Choice, class found from the element
+
+QN_ELEMENT_TO_XML(CElementInfoChoiceAbsClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
+
+QN_ELEMENT_FROM_XML(CElementInfoChoiceAbsClsOpt) {
+  if (!IsThisElement(ctx, *cursor)) return false;
+  CSmartPtr<CXmlObjectBase> const child = m_elementFactory(*cursor);
+  StoreChild(holder, child.Get());  // null as well: the property tells that this member was tried
+  if (!child) return false;
+  ReadChild(ctx, child.Get(), cursor, false);
   return true;
 }
 

@@ -1,109 +1,80 @@
+#include "descriptors/member_signatures.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
-#include "quillon9/descriptors/element_info.h"
 
 namespace Quillon9Data {
 
 using namespace Quillon9;
 
-CElementInfoSeqCol::~CElementInfoSeqCol() = default;
+// The members that add nothing to their group have their destructors here, and with them their tables of operations.
 CElementInfoSeqPrimCol::~CElementInfoSeqPrimCol() = default;
 CElementInfoSeqEnumCol::~CElementInfoSeqEnumCol() = default;
 CElementInfoSeqClsCol::~CElementInfoSeqClsCol() = default;
 CElementInfoSeqAbsClsCol::~CElementInfoSeqAbsClsCol() = default;
 CElementInfoSeqNonCol::~CElementInfoSeqNonCol() = default;
-CElementInfoChoiceCol::~CElementInfoChoiceCol() = default;
+CElementInfoAllPrimCol::~CElementInfoAllPrimCol() = default;
+CElementInfoAllEnumCol::~CElementInfoAllEnumCol() = default;
+CElementInfoAllClsCol::~CElementInfoAllClsCol() = default;
+CElementInfoAllAbsClsCol::~CElementInfoAllAbsClsCol() = default;
+CElementInfoAllUntpdCol::~CElementInfoAllUntpdCol() = default;
+CElementInfoAllNonCol::~CElementInfoAllNonCol() = default;
 CElementInfoChoicePrimCol::~CElementInfoChoicePrimCol() = default;
 CElementInfoChoiceEnumCol::~CElementInfoChoiceEnumCol() = default;
 CElementInfoChoiceClsCol::~CElementInfoChoiceClsCol() = default;
 CElementInfoChoiceAbsClsCol::~CElementInfoChoiceAbsClsCol() = default;
-CElementInfoAllCol::~CElementInfoAllCol() = default;
-CElementInfoAllPrimCol::~CElementInfoAllPrimCol() = default;
-CElementInfoAllClsCol::~CElementInfoAllClsCol() = default;
-CElementInfoAllAbsClsCol::~CElementInfoAllAbsClsCol() = default;
-CElementInfoAllEnumCol::~CElementInfoAllEnumCol() = default;
-CElementInfoAllNonCol::~CElementInfoAllNonCol() = default;
 
-// ---- Writing: a choice does not judge the count, and its driver goes on when the collection is empty.
-
-bool CElementInfoSeqCol::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                      CXmlWriter* writer) const {
+void CElementInfo::ValidateCountOnWriting(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const {
   if (!ctx.GetIgnoreInvalidCollectionCounts()) ReadCollection(holder)->ValidateCount(ctx);
+}
+
+bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
+                              XmlElementType holderType) {
+  if (holderType != XmlElementType_Element) return collection.IsValidCount(ctx);
+  collection.ValidateCount(ctx);
+  return true;
+}
+
+bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
+                                CXmlElement* next, CXmlElement** cursor, XmlElementType holderType) {
+  if (next == *cursor) return false;                         // an empty collection is not this choice's member
+  if (holderType == XmlElementType_Element) *cursor = next;  // moved before the count may throw
+  if (!JudgeCount(collection, ctx, holderType)) return false;
+  *cursor = next;
+  return true;
+}
+
+// ---- Sequence: the collection takes every following sibling that it recognises, and its count is judged at once
+
+QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
+  ValidateCountOnWriting(ctx, holder);
   return ElementToXmlCol(ctx, holder, writer);
 }
 
-bool CElementInfoAllCol::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                      CXmlWriter* writer) const {
-  if (!ctx.GetIgnoreInvalidCollectionCounts()) ReadCollection(holder)->ValidateCount(ctx);
-  return ElementToXmlCol(ctx, holder, writer);
-}
-
-bool CElementInfoChoiceCol::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                         CXmlWriter* writer) const {
-  return ElementToXmlCol(ctx, holder, writer);
-}
-
-// ---- Reading: the collection takes every following sibling that it recognises.
-
-bool CElementInfoSeqCol::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                        CXmlElement* parent, CXmlElement** cursor, char const*,
-                                        XmlElementType holderType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
   *cursor = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
-  if (holderType != XmlElementType_Element) return collection->IsValidCount(ctx);
-  collection->ValidateCount(ctx);
-  return true;
+  return JudgeCount(*collection, ctx, holderType);
 }
 
-bool CElementInfoChoiceCol::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                           CXmlElement* parent, CXmlElement** cursor, char const*,
-                                           XmlElementType holderType) {
-  CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  CXmlElement* const next = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
-  if (next == *cursor) return false;
-  if (holderType != XmlElementType_Element && !collection->IsValidCount(ctx)) return false;
-  *cursor = next;
-  if (holderType == XmlElementType_Element) collection->ValidateCount(ctx);
-  return true;
+// ---- All: no table holds one
+
+QN_ELEMENT_TO_XML(CElementInfoAllCol) {
+  ValidateCountOnWriting(ctx, holder);
+  return ElementToXmlCol(ctx, holder, writer);
 }
 
-bool CElementInfoAllCol::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                        CXmlElement* parent, CXmlElement** cursor, char const*, XmlElementType) {
+QN_ELEMENT_FROM_XML(CElementInfoAllCol) {
   *cursor = FromXml_Int(FetchCollection(holder).Get(), parent, *cursor, ctx, false);
   return false;
 }
 
-// ---- Attributes of items without a tag
+// ---- Choice: the count is not judged on writing, and the driver goes on when the collection is empty
 
-void CElementInfoSeqClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                      CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
-}
+QN_ELEMENT_TO_XML(CElementInfoChoiceCol) { return ElementToXmlCol(ctx, holder, writer); }
 
-void CElementInfoSeqAbsClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-void CElementInfoChoiceClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-void CElementInfoChoiceAbsClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                            CXmlGeneratedClass const* holder,
-                                                            CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-void CElementInfoAllClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                      CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
-}
-
-void CElementInfoAllAbsClsCol::PseudoChildAttributeToXml(CXmlSerializationContext const& ctx,
-                                                         CXmlGeneratedClass const* holder, CXmlWriter* writer) const {
-  PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);
+QN_ELEMENT_FROM_XML(CElementInfoChoiceCol) {
+  CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
+  return AcceptChosen(*collection, ctx, FromXml_Int(collection.Get(), parent, *cursor, ctx, false), cursor, holderType);
 }
 
 }  // namespace Quillon9Data

@@ -1,28 +1,16 @@
 #include "binding/failed_scans.h"
-#include "quillon9/descriptors/element_info.h"
+#include "descriptors/member_signatures.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9Data {
 
 using namespace Quillon9;
 
-// ---- PrimMnd
+// ---- Sequence
 
-CElementInfoSeqPrimMnd::CElementInfoSeqPrimMnd(char const* name, char const* ns, int index, ItemType type,
-                                               char const* format, CWhitespaceUtils::WhitespaceRule rule,
-                                               CPrimitiveRestrictions const& restrictions)
-    : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
+QN_ELEMENT_TO_XML(CElementInfoSeqPrimMnd) { return ElementToXmlPrim(ctx, holder, writer); }
 
-CElementInfoSeqPrimMnd::~CElementInfoSeqPrimMnd() = default;
-
-bool CElementInfoSeqPrimMnd::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                          CXmlWriter* writer) const {
-  return ElementToXmlPrim(ctx, holder, writer);
-}
-
-bool CElementInfoSeqPrimMnd::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                            CXmlElement* parent, CXmlElement** cursor, char const*,
-                                            XmlElementType holderType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
   if (holderType == XmlElementType_Element) {
     return !SeekRequiredElement(ctx, cursor) || TakePrimitive(holder, cursor);
   }
@@ -41,23 +29,25 @@ bool CElementInfoSeqPrimMnd::ElementFromXml(CXmlSerializationContext const& ctx,
   return false;
 }
 
-// ---- PrimOpt
+QN_ELEMENT_TO_XML(CElementInfoSeqPrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }
 
-CElementInfoSeqPrimOpt::CElementInfoSeqPrimOpt(char const* name, char const* ns, int index, ItemType type,
-                                               char const* format, CWhitespaceUtils::WhitespaceRule rule,
-                                               CPrimitiveRestrictions const& restrictions)
-    : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
-
-CElementInfoSeqPrimOpt::~CElementInfoSeqPrimOpt() = default;
-
-bool CElementInfoSeqPrimOpt::ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
-                                          CXmlWriter* writer) const {
-  return ElementToXmlPrimOpt(ctx, holder, writer);
-}
-
-bool CElementInfoSeqPrimOpt::ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                            CXmlElement*, CXmlElement** cursor, char const*, XmlElementType) {
+QN_ELEMENT_FROM_XML(CElementInfoSeqPrimOpt) {
   return !IsThisElement(ctx, *cursor) || TakePrimitive(holder, cursor);  // absent is fine: the cursor stays
 }
+
+// ---- All: false where the element is absent, it may come later
+
+QN_ELEMENT_TO_XML(CElementInfoAllPrimMnd) { return ElementToXmlPrim(ctx, holder, writer); }
+QN_ELEMENT_FROM_XML(CElementInfoAllPrimMnd) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }
+QN_VALIDATE(CElementInfoAllPrimMnd) { return ValidateMandatory(found, required); }
+
+QN_ELEMENT_TO_XML(CElementInfoAllPrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }
+QN_ELEMENT_FROM_XML(CElementInfoAllPrimOpt) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }
+QN_VALIDATE(CElementInfoAllPrimOpt) { return true; }
+
+// ---- Choice: false where the element is absent, another member may take it
+
+QN_ELEMENT_TO_XML(CElementInfoChoicePrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }
+QN_ELEMENT_FROM_XML(CElementInfoChoicePrimOpt) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }
 
 }  // namespace Quillon9Data

@@ -140,7 +140,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;
-  void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx) const;
+  void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                  bool inChoice) const;
   void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;
 };
 

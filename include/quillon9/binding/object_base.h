@@ -115,6 +115,11 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CXmlElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  /// Read from generic content, by way of the text that \p element writes under the default context: what the local
+  /// code page cannot hold is lost on the way, and one that is neither UTF-8 nor ASCII cannot be read back.
+  /// \throws CQnInvalidParamException "The element to read from may not be NULL".
+  virtual void FromXmlElement(CElement const* element,
+                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
 
   virtual ~CXmlObjectBase();
 

@@ -4,7 +4,9 @@
 #include <vector>
 
 #include "quillon9/binding/namespace_alias_map.h"
+#include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
+#include "quillon9/fwd.h"
 
 namespace Quillon9 {
 
@@ -24,7 +26,7 @@ enum SchemaType : int {
 class QUILLON9_API CXmlSerializationContext {
  public:
   CXmlSerializationContext();
-  /// Copies every option.
+  /// Copies every option. The additional root attributes are shared with the copy if there are any.
   CXmlSerializationContext(CXmlSerializationContext const& other);
   CXmlSerializationContext& operator=(CXmlSerializationContext const& other);
   virtual ~CXmlSerializationContext();
@@ -84,6 +86,12 @@ class QUILLON9_API CXmlSerializationContext {
   CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }
   CNamespaceAliasMap const* GetNamespaceAliases() const { return &m_namespaceAliases; }
 
+  /// The attributes to write on the root in front of its own, for direct changes; made when first asked for, with the
+  /// restriction "##any". Never null.
+  CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
+  /// The same, but null where nobody asked for them yet, for code that must not change a shared context.
+  CAttributeCol const* FindAdditionalRootAttributes() const;
+
   /// The processing instructions to write before the root, each a whole `<?...?>`, for direct changes.
   std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
   std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
@@ -95,6 +103,7 @@ class QUILLON9_API CXmlSerializationContext {
   std::string m_defaultNamespaceURI;
   bool m_writeTypeAttribute = true;
   CNamespaceAliasMap m_namespaceAliases;
+  mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;
   std::string m_inLineSchema;
   bool m_ignoreInvalidCollectionCounts = false;

@@ -104,4 +104,31 @@ class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
   EnumToText m_toText;
 };
 
+/// An attribute wildcard, whose property is a CAttributeCol. It takes or refuses every attribute that is offered to it,
+/// so it stands behind the declared ones in the table.
+class QUILLON9_API CAttributeInfoAny : public CAttributeInfo {
+ public:
+  /// \p restriction says which namespaces the attributes may have, with \p targetNamespace
+  /// (CXmlObjectHelper::IsNamespaceValid() tells its form).
+  CAttributeInfoAny(char const* name, char const* ns, int index, bool optional, char const* restriction,
+                    char const* targetNamespace, char const* defaultValue);
+  ~CAttributeInfoAny() override;
+
+  /// \throws CQnException "Serialization Data Error : The collection should be a CAttributeCol, it was not!" when the
+  ///         property holds no collection.
+  void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                      CXmlWriter* writer) const override;
+  /// Always true.
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace(); CQnException as above when the property
+  ///         holds anything but a CAttributeCol.
+  bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                        CXmlAttribute* attribute) override;
+  /// Does nothing.
+  void Validate(CXmlSerializationContext const& ctx, bool found) const override;
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
 }  // namespace Quillon9Data

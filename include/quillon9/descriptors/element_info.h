@@ -15,8 +15,8 @@
 /// is its own and how it gets into the property and back.
 ///
 /// A class name reads: group (`Seq`, `All`, `Choice`), content (`Prim` a value, `Enum` an enumeration, `Cls` an
-/// object of a known class, `AbsCls` one whose class is found from the element), occurrence (`Mnd` once, `Opt` at
-/// most once, `Col` repeated, held in a collection).
+/// object of a known class, `AbsCls` one whose class is found from the element, `Untpd` any element), occurrence (`Mnd`
+/// once, `Opt` at most once, `Col` repeated, held in a collection).
 ///
 /// Descriptors are immutable, belong to the tables of their class and serve all its instances in all threads.
 namespace Quillon9Data {
@@ -116,13 +116,49 @@ class QUILLON9_API CElementInfo {
   bool SeekRequiredElement(CXmlSerializationContext const& ctx, CXmlElement** cursor) const;
   [[noreturn]] void ThrowRequiredElement() const;
 
+  /// The Validate() of the mandatory members of an all group.
+  /// \throws CQnValidationException "Failed to find the mandatory element [%s]" when it is \p required and not \p
+  ///         found.
+  bool ValidateMandatory(bool found, bool required) const;
+
+  // The steps of reading. Those with a result tell whether they took the element, and moved \p cursor.
+
   /// Convert the text of the element under \p cursor, store it, move on. Always true.
   bool TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const;
+  bool TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const;
   /// Let \p child, an object with a tag, read the element under \p cursor, and move on.
-  void ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor) const;
+  void ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor, bool inChoice) const;
   /// The same for a child that an element factory made, which is stored before the cursor moves.
   void ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlObjectBase* child,
                          CXmlElement** cursor) const;
+  /// Let \p child, an object without a tag, read from \p cursor on, which may be null.
+  bool ReadPseudoChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement* parent,
+                       CXmlElement** cursor) const;
+  /// Whether an untyped member takes elements of this name.
+  bool IsUntypedName(CXmlElement const* element) const;
+  /// Let \p held, a CElement, read the element under \p cursor, which is not null.
+  bool ReadUntyped(CXmlSerializationContext const& ctx, CXmlObjectBase* held, CXmlElement* parent,
+                   CXmlElement** cursor) const;
+  /// A new CElement with the element under \p cursor, which is not null; null when it did not take it.
+  CSmartPtr<CXmlObjectBase> ReadNewUntyped(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                           CXmlElement** cursor, char const* holderNamespace,
+                                           std::string const& restriction, std::string const& targetNamespace) const;
+  /// The first element that the untyped \p collection did not take.
+  CXmlElement* ReadUntypedCollection(CXmlSerializationContext const& ctx, Quillon9::CXmlCollectionBase* collection,
+                                     CXmlElement* parent, CXmlElement* cursor) const;
+
+  // The counts of collections.
+
+  void ValidateCountOnWriting(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const;
+  /// Whether the count is within its limits. In a holder with a tag a wrong one is a CQnValidationException.
+  static bool JudgeCount(Quillon9::CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
+                         XmlElementType holderType);
+  /// Whether a collection of a choice that read up to \p next is the chosen member.
+  static bool AcceptChosen(Quillon9::CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
+                           CXmlElement* next, CXmlElement** cursor, XmlElementType holderType);
+
+  // The objects of the holder.
+
   /// A new child object. Never null.
   CSmartPtr<CXmlObjectBase> MakeChild(ClassFactory classFactory, int classId) const;
   /// The child object or the collection that the holder keeps for this property.
@@ -175,53 +211,163 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
                 bool required) const override;
 };
 
-// The two operations that every concrete member overrides; the third that members with objects override.
+// What the members override. The third and fourth let a child, or the items of a collection, that have no tag put their
+// attributes on the open element.
 #define QN_ELEMENT_OVERRIDES                                                                                   \
   bool ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) \
       const override;                                                                                          \
   bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,    \
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
-#define QN_PSEUDO_CHILD_OVERRIDE                                                                        \
+#define QN_VALIDATE_OVERRIDE                                                                                      \
+  bool Validate(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, bool found, bool required) \
+      const override;
+#define QN_PSEUDO_OBJECT_OVERRIDE                                                                       \
   void PseudoChildAttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, \
-                                 CXmlWriter* writer) const override;
+                                 CXmlWriter* writer) const override {                                   \
+    PseudoObjectAttributesToXml(m_childType, ctx, holder, writer);                                      \
+  }
+#define QN_PSEUDO_ITEMS_OVERRIDE                                                                        \
+  void PseudoChildAttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, \
+                                 CXmlWriter* writer) const override {                                   \
+    PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);                                       \
+  }
 
-// ---- Primitive members: an invalid value writes nothing, for Mnd too. Facets are checked on writing only.
+// The members, by content kind; in each kind first those of a sequence, then of an all group, then of a choice. Which
+// ones there are, and how they differ:
+//
+//            element absent                              a mandatory one missing            property stored
+//   Seq      Opt: true; Mnd: see there                   fails at once                      after the read
+//   All      false                                       fails at the end, by Validate()    after the read
+//   Choice   false (there is no Mnd)                     fails in the driver                before the read
+//
+// In a holder without a tag a missing mandatory element is no failure: the whole group may be absent, so the answer is
+// false. On writing Mnd and Opt are alike: a value that is not valid and a null object write nothing.
+
+// ---- Values. Facets are checked on writing only.
 
 class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
  public:
   CElementInfoSeqPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
-                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions);
-  ~CElementInfoSeqPrimMnd() override;
+                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+      : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_ELEMENT_OVERRIDES
 };
 
 class QUILLON9_API CElementInfoSeqPrimOpt : public CElementInfoSeq {
  public:
   CElementInfoSeqPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
-                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions);
-  ~CElementInfoSeqPrimOpt() override;
+                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+      : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_ELEMENT_OVERRIDES
 };
 
-// ---- Members with an object of a known class. A null object writes nothing, for Mnd too.
+class QUILLON9_API CElementInfoAllPrimMnd : public CElementInfoAll {
+ public:
+  CElementInfoAllPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
+                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+      : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+};
+
+class QUILLON9_API CElementInfoAllPrimOpt : public CElementInfoAll {
+ public:
+  CElementInfoAllPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
+                         CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+      : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+};
+
+class QUILLON9_API CElementInfoChoicePrimOpt : public CElementInfoChoice {
+ public:
+  CElementInfoChoicePrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
+                            CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
+      : CElementInfoChoice(name, ns, index, type, format, rule, restrictions) {}
+  QN_ELEMENT_OVERRIDES
+};
+
+// ---- Enumerations, held as the number of the enumerator. The text reaches \p fromText as it stands in the document;
+// what an unknown one does is its own affair. Writing throws CQnException for a number without text.
+
+class QUILLON9_API CElementInfoSeqEnumMnd : public CElementInfoSeq {
+ public:
+  CElementInfoSeqEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
+      : CElementInfoSeq(name, ns, index), m_fromText(fromText), m_toText(toText) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  EnumFromText m_fromText;
+  EnumToText m_toText;
+};
+
+class QUILLON9_API CElementInfoSeqEnumOpt : public CElementInfoSeq {
+ public:
+  CElementInfoSeqEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
+      : CElementInfoSeq(name, ns, index), m_toText(toText), m_fromText(fromText) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  EnumToText m_toText;
+  EnumFromText m_fromText;
+};
+
+class QUILLON9_API CElementInfoAllEnumMnd : public CElementInfoAll {
+ public:
+  CElementInfoAllEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
+      : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+
+ private:
+  EnumToText m_toText;
+  EnumFromText m_fromText;
+};
+
+class QUILLON9_API CElementInfoAllEnumOpt : public CElementInfoAll {
+ public:
+  CElementInfoAllEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
+      : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+
+ private:
+  EnumToText m_toText;
+  EnumFromText m_fromText;
+};
+
+class QUILLON9_API CElementInfoChoiceEnumOpt : public CElementInfoChoice {
+ public:
+  CElementInfoChoiceEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
+      : CElementInfoChoice(name, ns, index), m_toText(toText), m_fromText(fromText) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  EnumToText m_toText;
+  EnumFromText m_fromText;
+};
+
+// ---- Objects of a known class, with a tag or without.
 
 /// The child exists in its owner already: \p classFactory and \p classId are stored and not used. \p requiresContent
 /// says of a child without a tag that it counts as present only when it took an element.
 class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
  public:
   CElementInfoSeqClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
-                        ClassFactory classFactory, int classId, bool requiresContent);
-  ~CElementInfoSeqClsMnd() override;
+                        ClassFactory classFactory, int classId, bool requiresContent)
+      : CElementInfoSeq(name, ns, index),
+        m_childType(childType),
+        m_requiresContent(requiresContent),
+        m_classFactory(classFactory),
+        m_classId(classId) {}
   QN_ELEMENT_OVERRIDES
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
   bool TakeElementChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement** cursor,
                         XmlElementType holderType);
   bool TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
                        CXmlElement** cursor, XmlElementType holderType);
-  bool TakeRequiredPseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
-                               CXmlElement** cursor);
 
   XmlElementType m_childType;
   bool m_requiresContent;
@@ -233,10 +379,10 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
 class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
  public:
   CElementInfoSeqClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
-                        ClassFactory classFactory, int classId);
-  ~CElementInfoSeqClsOpt() override;
+                        ClassFactory classFactory, int classId)
+      : CElementInfoSeq(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
   QN_ELEMENT_OVERRIDES
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
   XmlElementType m_childType;
@@ -244,17 +390,69 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   int m_classId;
 };
 
-// ---- Members whose object is made by an element factory: abstract types and substitution groups.
+/// As in a sequence; but \p requiresContent counts for a child with a tag: without it the element may be missing.
+class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
+ public:
+  CElementInfoAllClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
+                        ClassFactory classFactory, int classId, bool requiresContent)
+      : CElementInfoAll(name, ns, index),
+        m_childType(childType),
+        m_classFactory(classFactory),
+        m_classId(classId),
+        m_requiresContent(requiresContent) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  [[maybe_unused]] ClassFactory m_classFactory;
+  [[maybe_unused]] int m_classId;
+  bool m_requiresContent;
+};
+
+class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
+ public:
+  CElementInfoAllClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
+                        ClassFactory classFactory, int classId)
+      : CElementInfoAll(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  ClassFactory m_classFactory;
+  int m_classId;
+};
+
+/// The child is stored before it is read, and null when it took nothing. A child with a tag that is itself a choice may
+/// stay empty here, on reading and on writing.
+class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
+ public:
+  CElementInfoChoiceClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
+                           ClassFactory classFactory, int classId)
+      : CElementInfoChoice(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
+  QN_ELEMENT_OVERRIDES
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  ClassFactory m_classFactory;
+  int m_classId;
+};
+
+// ---- Objects whose class is found from the element: abstract types and substitution groups.
 
 /// When the element is absent or no class suits it, reading throws CQnValidationException "Failed to find a suitable
 /// substitution element for [%s]" in a holder with a tag. No option excuses it or skips elements in front of it.
 class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
  public:
   CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
-                           ElementFactory elementFactory);
-  ~CElementInfoSeqAbsClsMnd() override;
+                           ElementFactory elementFactory)
+      : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
   QN_ELEMENT_OVERRIDES
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
   XmlElementType m_childType;
@@ -264,14 +462,137 @@ class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
 class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
  public:
   CElementInfoSeqAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
-                           ElementFactory elementFactory);
-  ~CElementInfoSeqAbsClsOpt() override;
+                           ElementFactory elementFactory)
+      : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
   QN_ELEMENT_OVERRIDES
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
   XmlElementType m_childType;
   ElementFactory m_elementFactory;
+};
+
+/// Can be written, not read: ElementFromXml() throws CQnException, for every child of the holder, whatever it is.
+class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
+ public:
+  CElementInfoAllAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
+                           ElementFactory elementFactory, int classId)
+      : CElementInfoAll(name, ns, index),
+        m_childType(childType),
+        m_elementFactory(elementFactory),
+        m_classId(classId) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  [[maybe_unused]] ElementFactory m_elementFactory;
+  [[maybe_unused]] int m_classId;
+};
+
+/// As for Mnd: written, not read.
+class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
+ public:
+  CElementInfoAllAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
+                           ElementFactory elementFactory)
+      : CElementInfoAll(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  [[maybe_unused]] ElementFactory m_elementFactory;
+};
+
+/// The property is null when no class suits the element, and the next member is asked.
+class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
+ public:
+  CElementInfoChoiceAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
+                              ElementFactory elementFactory)
+      : CElementInfoChoice(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
+  QN_ELEMENT_OVERRIDES
+  QN_PSEUDO_OBJECT_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+  ElementFactory m_elementFactory;
+};
+
+// ---- Untyped content, held as CElement. A \p name of "AnyElement" takes an element of any local name, another name
+// only elements of that name; \p ns takes no part, nor does the option that ignores namespaces. The namespace is judged
+// by the \p restriction of the CElement, with \p targetNamespace (CXmlObjectHelper::IsNamespaceValid tells its form).
+
+/// The CElement exists in its owner already, with a restriction of its own; the one given here is not used. Without an
+/// element left reading throws CQnValidationException "Failed to find a required element [%s]", in a holder without a
+/// tag too; for one it does not take "Failed to find the required element from namespace [%s]", only in a holder with a
+/// tag.
+class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
+ public:
+  CElementInfoSeqUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
+                          char const* targetNamespace)
+      : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
+/// A new CElement is made for each try, and stored when it took the element.
+/// \throws CQnInvalidNamespaceException from every read with an element left when the namespace of
+///         GetAnyDefaultNamespace() does not pass the restriction.
+class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
+ public:
+  CElementInfoSeqUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
+                          char const* targetNamespace)
+      : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
+/// As in a sequence, but absence is judged at the end.
+class QUILLON9_API CElementInfoAllUntpdMnd : public CElementInfoAll {
+ public:
+  CElementInfoAllUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
+                          char const* targetNamespace)
+      : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
+class QUILLON9_API CElementInfoAllUntpdOpt : public CElementInfoAll {
+ public:
+  CElementInfoAllUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
+                          char const* targetNamespace)
+      : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
+  QN_ELEMENT_OVERRIDES
+  QN_VALIDATE_OVERRIDE
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
+/// The property is null after a try that took nothing.
+class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
+ public:
+  CElementInfoChoiceUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
+                             char const* targetNamespace)
+      : CElementInfoChoice(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
+  QN_ELEMENT_OVERRIDES
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
 };
 
 // ---- Repeated members: the property is a collection, which takes its run of siblings and knows its limits.
@@ -280,15 +601,6 @@ class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
 class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
  public:
   CElementInfoSeqCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
-  ~CElementInfoSeqCol() override;
-  QN_ELEMENT_OVERRIDES
-};
-
-/// A collection that took nothing is not this choice's member; the count is not judged on writing.
-class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
- public:
-  CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
-  ~CElementInfoChoiceCol() override;
   QN_ELEMENT_OVERRIDES
 };
 
@@ -296,12 +608,18 @@ class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
 class QUILLON9_API CElementInfoAllCol : public CElementInfoAll {
  public:
   CElementInfoAllCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
-  ~CElementInfoAllCol() override;
   QN_ELEMENT_OVERRIDES
 };
 
-// Collections of values and of enumerators have nothing but their group's behaviour; those of objects store
-// whether the items have tags of their own: items without put their attributes on the open element.
+/// A collection that took nothing is not this choice's member; the count is not judged on writing.
+class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
+ public:
+  CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
+  QN_ELEMENT_OVERRIDES
+};
+
+// Collections of values and of enumerators have nothing but their group's behaviour; those of objects store whether the
+// items have tags of their own, untyped ones look at the name.
 
 class QUILLON9_API CElementInfoSeqPrimCol : public CElementInfoSeqCol {
  public:
@@ -320,7 +638,7 @@ class QUILLON9_API CElementInfoSeqClsCol : public CElementInfoSeqCol {
   CElementInfoSeqClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoSeqCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoSeqClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_ITEMS_OVERRIDE
 
  private:
   XmlElementType m_childType;
@@ -331,10 +649,19 @@ class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
   CElementInfoSeqAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoSeqCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoSeqAbsClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_ITEMS_OVERRIDE
 
  private:
   XmlElementType m_childType;
+};
+
+/// Under a name other than "AnyElement": the run of siblings with that name and the namespace of the first. The
+/// collection must be a CElementCol; CQnException otherwise.
+class QUILLON9_API CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
+ public:
+  using CElementInfoSeqCol::CElementInfoSeqCol;
+  bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
+                      CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
 };
 
 /// Abstract: a collection of no kind, which derives from the group class and can neither read nor write.
@@ -342,6 +669,53 @@ class QUILLON9_API CElementInfoSeqNonCol : public CElementInfoSeq {
  public:
   CElementInfoSeqNonCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   ~CElementInfoSeqNonCol() override;
+};
+
+class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
+ public:
+  using CElementInfoAllCol::CElementInfoAllCol;
+  ~CElementInfoAllPrimCol() override;
+};
+
+/// Not a `Col` class, unlike its sisters.
+class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
+ public:
+  CElementInfoAllEnumCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
+  ~CElementInfoAllEnumCol() override;
+};
+
+class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
+ public:
+  CElementInfoAllClsCol(char const* name, char const* ns, int index, XmlElementType childType)
+      : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
+  ~CElementInfoAllClsCol() override;
+  QN_PSEUDO_ITEMS_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+};
+
+class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
+ public:
+  CElementInfoAllAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
+      : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
+  ~CElementInfoAllAbsClsCol() override;
+  QN_PSEUDO_ITEMS_OVERRIDE
+
+ private:
+  XmlElementType m_childType;
+};
+
+class QUILLON9_API CElementInfoAllUntpdCol : public CElementInfoAllCol {
+ public:
+  using CElementInfoAllCol::CElementInfoAllCol;
+  ~CElementInfoAllUntpdCol() override;
+};
+
+class QUILLON9_API CElementInfoAllNonCol : public CElementInfoAll {
+ public:
+  CElementInfoAllNonCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
+  ~CElementInfoAllNonCol() override;
 };
 
 class QUILLON9_API CElementInfoChoicePrimCol : public CElementInfoChoiceCol {
@@ -361,7 +735,7 @@ class QUILLON9_API CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
   CElementInfoChoiceClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoChoiceCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoChoiceClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_ITEMS_OVERRIDE
 
  private:
   XmlElementType m_childType;
@@ -372,56 +746,22 @@ class QUILLON9_API CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
   CElementInfoChoiceAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoChoiceCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoChoiceAbsClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
+  QN_PSEUDO_ITEMS_OVERRIDE
 
  private:
   XmlElementType m_childType;
 };
 
-// The repeated members of an all group, all abstract.
-
-class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
+class QUILLON9_API CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol {
  public:
-  using CElementInfoAllCol::CElementInfoAllCol;
-  ~CElementInfoAllPrimCol() override;
+  using CElementInfoChoiceCol::CElementInfoChoiceCol;
+  bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
+                      CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
 };
 
-class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
- public:
-  CElementInfoAllClsCol(char const* name, char const* ns, int index, XmlElementType childType)
-      : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
-  ~CElementInfoAllClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
-
- private:
-  XmlElementType m_childType;
-};
-
-class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
- public:
-  CElementInfoAllAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
-      : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
-  ~CElementInfoAllAbsClsCol() override;
-  QN_PSEUDO_CHILD_OVERRIDE
-
- private:
-  XmlElementType m_childType;
-};
-
-/// Not a `Col` class, unlike its sisters.
-class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
- public:
-  CElementInfoAllEnumCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
-  ~CElementInfoAllEnumCol() override;
-};
-
-class QUILLON9_API CElementInfoAllNonCol : public CElementInfoAll {
- public:
-  CElementInfoAllNonCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
-  ~CElementInfoAllNonCol() override;
-};
-
-#undef QN_PSEUDO_CHILD_OVERRIDE
+#undef QN_PSEUDO_ITEMS_OVERRIDE
+#undef QN_PSEUDO_OBJECT_OVERRIDE
+#undef QN_VALIDATE_OVERRIDE
 #undef QN_ELEMENT_OVERRIDES
 
 }  // namespace Quillon9Data

@@ -1,0 +1,318 @@
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <string>
+#include <utility>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/instance_monitor.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/export.h"
+#include "quillon9/fwd.h"
+
+/// Content without generated classes: a generic element, its attributes and its children. Wildcards of generated
+/// classes are read into it, programs build it by hand, and any bound object can be turned into it.
+///
+/// A namespace restriction is "##any", "##other", "##local", "##targetNamespace", a URI or a blank-separated list of
+/// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Everything here belongs to one thread at a time;
+/// only the reference counts are locked. Texts and names are borrowed and copied; null ones are empty where nothing
+/// else is said.
+namespace Quillon9 {
+
+/// One attribute: a name, a value, a namespace.
+class QUILLON9_API CAttribute : public CXmlObjectBase {
+ public:
+  CAttribute(char const* name, char const* value, char const* ns);
+  ~CAttribute() override;
+  CSmartPtr<CAttribute> Clone() const;
+
+  std::string const& GetName() const { return m_name; }
+  void SetName(std::string name) { m_name = std::move(name); }
+  std::string const& GetValue() const { return m_value; }
+  void SetValue(std::string value) { m_value = std::move(value); }
+  /// Nothing tests \p ns against the restriction of a collection that holds this.
+  void SetNamespace(std::string ns) { m_namespace = std::move(ns); }
+
+  using CXmlObjectBase::GetBase;
+  CXmlObjectBase* GetBase() override { return this; }
+  /// Both are the namespace of the attribute.
+  std::string GetTargetNamespace() const override { return m_namespace; }
+  std::string GetNamespace() const override { return m_namespace; }
+
+  // For those who want to learn of changes. Nothing calls them.
+  void FireOnChangeName(char const*) {}
+  void FireOnChangeNamespace(char const*) {}
+
+ protected:
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// \throws CQnException "This should be done by the collection", always.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+ private:
+  std::string m_name;
+  std::string m_value;
+  std::string m_namespace;
+};
+
+namespace detail {
+
+/// A walk over the items of a collection, for range-for. Valid as long as the item it stands on is in the collection.
+template <class Item>
+class NodeIterator {
+ public:
+  using iterator_category = std::forward_iterator_tag;
+  using value_type = Item;
+  using difference_type = std::ptrdiff_t;
+  using pointer = Item*;
+  using reference = Item&;
+
+  NodeIterator() = default;
+  explicit NodeIterator(CNode* node) : m_node(node) {}
+
+  /// \throws CQnException "No More Elements in the Collection" at the end.
+  Item& operator*() const { return *static_cast<Item*>(Node()->m_item.Get()); }
+  Item* operator->() const { return &**this; }
+  /// \throws CQnException "No More Elements in the Collection" at the end.
+  NodeIterator& operator++() {
+    m_node = Node()->m_next;
+    return *this;
+  }
+  NodeIterator operator++(int) {
+    NodeIterator const old = *this;
+    ++*this;
+    return old;
+  }
+  bool operator==(NodeIterator const& other) const { return m_node == other.m_node; }
+  bool operator!=(NodeIterator const& other) const { return m_node != other.m_node; }
+
+ private:
+  CNode* Node() const {
+    if (m_node == nullptr) throw CQnException("No More Elements in the Collection");
+    return m_node;
+  }
+
+  CNode* m_node = nullptr;
+};
+
+}  // namespace detail
+
+/// The attributes of a CElement, the content of an attribute wildcard, the additional root attributes of a context.
+class QUILLON9_API CAttributeCol : public CXmlCollection {
+ public:
+  using iterator = detail::NodeIterator<CAttribute>;
+
+  /// \p ns is the namespace of attributes that are added without one. Where it is empty and \p restriction begins with
+  /// a URI, that URI is. Nothing is tested here.
+  CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace);
+  ~CAttributeCol() override;
+  CSmartPtr<CAttributeCol> Clone() const;
+
+  /// Append \p attribute, whatever its namespace is; it becomes shared with the caller.
+  /// \throws CQnInvalidParamException "The attribute to add may not be NULL".
+  CSmartPtr<CAttribute> Add(CAttribute* attribute);
+  /// Append a new attribute, in the collection's namespace unless \p ns is given.
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses the
+  ///         namespace.
+  CSmartPtr<CAttribute> Add(char const* name);
+  CSmartPtr<CAttribute> Add(char const* name, char const* value);
+  CSmartPtr<CAttribute> Add(char const* name, char const* value, char const* ns);
+
+  /// The attribute at \p index; null when there is none. O(index).
+  CSmartPtr<CAttribute> Item(int index) const;
+  /// The first attribute of this name, and in this namespace unless \p ns is null; null when there is none.
+  CSmartPtr<CAttribute> Find(char const* name, char const* ns = nullptr) const;
+  iterator begin() const { return iterator(GetFirstNode()); }
+  iterator end() const { return iterator(); }
+
+  using CXmlObjectBase::GetBase;
+  CXmlObjectBase* GetBase() override { return this; }
+  /// Both are the namespace of attributes that are added without one.
+  std::string GetTargetNamespace() const override { return GetNamespace(); }
+
+ protected:
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// Append every attribute of \p parent; the result is \p cursor.
+  /// \throws CQnInvalidNamespaceException "Invalid Attribute [%s]. The attributes namespace is Inappropriate."; those
+  ///         in front of it stay.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+ private:
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+};
+
+class CElementCol;
+
+/// An element of any name: text, attributes, children. All text stands in one piece and is written behind the children.
+///
+/// What reads a whole document into one: FromXml(char const*) of this class, or CopyXmlElement() with the root of a
+/// CXmlDocument. The reading operations of CXmlObjectBase (FromXmlStream(), FromXmlFile(), FromXmlElement(), and its
+/// FromXml() through a pointer to the base) hand an object the children of the root, so that one of this class takes
+/// the first child of the root, with its content, and nothing when there is none.
+///
+/// An element that is nested deeper than CLimits::GetMaxElementDepth() can be neither read, copied nor written
+/// (CQnException "The element nesting exceeds the limit of %u levels").
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Woverloaded-virtual"  // FromXml() stands for those of the base on purpose
+class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
+ public:
+  // A null name, restriction or target namespace is a CQnInvalidNamespaceException "Element Name must have a value",
+  // "Namespace Restriction must have a value", "Target Namespace must have a value".
+
+  /// In no namespace, restricted by "##any".
+  explicit CElement(char const* name);
+  /// In the namespace \p ns and restricted to it.
+  /// \throws CQnInvalidNamespaceException "Invalid Namespace [%s]" when \p ns is one of the four wildcards.
+  CElement(char const* name, char const* ns);
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when \p restriction refuses \p ns.
+  CElement(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
+  /// A generic copy of what \p source writes as a document. \p defaultNamespace, unless null, is declared on this
+  /// element when it is written.
+  /// \throws CQnInvalidParamException "The object to copy from may not be NULL"; what writing \p source and parsing
+  ///         that throw.
+  CElement(CXmlObjectBase* source, char const* defaultNamespace);
+  /// Takes constant stack, however deep the children are nested.
+  ~CElement() override;
+
+  /// Read the document \p text, UTF-8 unless it declares another encoding: the element takes the name, the content and
+  /// the namespace of the root, if its restriction admits the latter. What it held stays in front.
+  /// \throws CQnException for unreadable input; CQnValidationException "Invalid Element [%s] found in element [%s]".
+  void FromXml(char const* text);
+  /// Become a copy of \p element and everything below it, in place of what this held. The restriction of this element
+  /// stays and is not asked. A value of an attribute "xmlns" becomes the default namespace.
+  /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
+  void CopyXmlElement(CXmlElement const* element);
+  /// A copy without the default namespace.
+  CSmartPtr<CElement> Clone() const;
+
+  std::string const& GetName() const { return m_name; }
+  void SetName(std::string name) { m_name = std::move(name); }
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses \p ns; the
+  ///         old namespace stays.
+  void SetNamespace(std::string ns);
+  std::string const& GetText() const { return m_text; }
+  void SetText(std::string text) { m_text = std::move(text); }
+  /// The default namespace that this element declares when it is written; none when empty. With one it can be written
+  /// as text only, is written without its attributes, and the context does not reach its children.
+  std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
+  void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
+  std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
+
+  /// The attributes and the children, which live as long as this element; never null. Both admit every namespace,
+  /// whatever the restriction of this element is.
+  CAttributeCol* GetAttributes() const { return m_attributes.Get(); }
+  CElementCol* GetElements() const { return m_elements.Get(); }
+  /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
+  CSmartPtr<CAttribute> FindAttribute(char const* name, char const* ns = nullptr) const;
+  CSmartPtr<CElement> FindElement(char const* name, char const* ns = nullptr) const;
+
+  /// Test whether this element, its attributes and everything below could live under these restrictions. Nothing is
+  /// stored.
+  /// \throws CQnInvalidNamespaceException as a pointer to a new object, which the catcher deletes: "The namespace %s in
+  ///         the class %s is invalid against restriction %s" with the name, the namespace and \p restriction, and the
+  ///         cause as inner exception.
+  void SetNamespaceRestrictions(char const* restriction, char const* targetNamespace);
+
+  using CXmlObjectBase::GetBase;
+  CXmlObjectBase* GetBase() override { return this; }
+  /// Both are the namespace of the element.
+  std::string GetTargetNamespace() const override { return m_namespace; }
+  std::string GetNamespace() const override { return m_namespace; }
+
+  // For those who want to learn of changes. Nothing calls them.
+  void FireOnChangeName(char const*) {}
+  void FireOnChangeNamespace(char const*) {}
+  void FireOnChangeText(char const*) {}
+
+ protected:
+  /// \throws CQnException "An element with a default namespace can only be written as text".
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// Take the element \p cursor, behind what this held, and return its next sibling; \p cursor itself, untouched, when
+  /// it is null or the restriction refuses its namespace.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+ private:
+  void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
+  void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
+  void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
+
+  std::string m_name;
+  std::string m_text;
+  std::string m_namespace;
+  std::string m_namespaceRestriction;
+  std::string m_targetNamespace;
+  CSmartPtr<CAttributeCol> m_attributes;
+  CSmartPtr<CElementCol> m_elements;
+  std::string m_defaultNamespace;
+};
+#pragma GCC diagnostic pop
+
+/// The children of a CElement, or the content of a repeated element wildcard.
+class QUILLON9_API CElementCol : public CXmlCollection {
+ public:
+  using iterator = detail::NodeIterator<CElement>;
+
+  /// \p restriction serves to test \p ns, and as namespace of elements that are added by name when \p ns is empty and
+  /// it is a wildcard ("##any" as it stands: no namespace that a document has). Elements of any namespace are held in
+  /// any case. The two numbers change nothing: there are no limits.
+  /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace().
+  CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
+  ~CElementCol() override;
+  CSmartPtr<CElementCol> Clone() const;
+
+  /// Append \p element, which becomes shared with the caller.
+  /// \throws CQnInvalidParamException "The element to add may not be NULL".
+  CSmartPtr<CElement> Add(CElement* element);
+  /// Append a new element in the collection's namespace.
+  /// \throws CQnInvalidStateException "A Namespace has not been set for this Collection".
+  CSmartPtr<CElement> Add(char const* name);
+  /// Append a new element.
+  CSmartPtr<CElement> Add(char const* name, char const* ns);
+
+  /// The element at \p index; null when there is none. O(index).
+  CSmartPtr<CElement> Item(int index) const;
+  /// The first element of this name, and in this namespace unless \p ns is null; null when there is none.
+  CSmartPtr<CElement> Find(char const* name, char const* ns = nullptr) const;
+  iterator begin() const { return iterator(GetFirstNode()); }
+  iterator end() const { return iterator(); }
+
+  using CXmlObjectBase::GetBase;
+  CXmlObjectBase* GetBase() override { return this; }
+  /// Both are the target namespace.
+  std::string GetTargetNamespace() const override { return m_targetNamespace; }
+  std::string GetNamespace() const override { return m_targetNamespace; }
+
+ protected:
+  /// \throws CQnValidationException for a count outside its limits.
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// Append \p cursor and every sibling behind it, whatever their names are, and return the first that was not taken.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+ public:
+  /// Append the run of siblings from \p cursor on, which may be null, that have this name and this namespace; return
+  /// the first other one. For descriptors.
+  virtual CXmlElement* FromXmlLockElementName_Int(std::string name, std::string ns, CXmlElement* parent,
+                                                  CXmlElement* cursor, CXmlSerializationContext const& ctx);
+
+ private:
+  /// Append an element that takes \p cursor, and return what is behind it; \p cursor when it took nothing.
+  CXmlElement* Take(char const* restriction, CXmlElement* parent, CXmlElement* cursor,
+                    CXmlSerializationContext const& ctx);
+
+  std::string m_namespaceRestriction;
+  std::string m_namespace;
+  std::string m_targetNamespace;
+};
+
+}  // namespace Quillon9

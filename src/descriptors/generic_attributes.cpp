@@ -1,0 +1,107 @@
+#include <utility>
+
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9 {
+
+namespace {
+
+std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
+
+/// The default namespace of a collection of attributes: \p ns, or the URI that \p restriction begins with.
+std::string DefaultNamespace(std::string ns, std::string const& restriction) {
+  if (!ns.empty()) return ns;
+  std::string token = restriction.substr(0, restriction.find(' '));
+  bool const isUri = token.size() > 1 && token[0] != '#' && token[1] != '#';
+  return isUri ? token : ns;
+}
+
+}  // namespace
+
+// ---- CAttribute
+
+CAttribute::CAttribute(char const* name, char const* value, char const* ns)
+    : m_name(OrEmpty(name)), m_value(OrEmpty(value)), m_namespace(OrEmpty(ns)) {}
+
+CAttribute::~CAttribute() = default;
+
+CSmartPtr<CAttribute> CAttribute::Clone() const {
+  return new CAttribute(m_name.c_str(), m_value.c_str(), m_namespace.c_str());
+}
+
+void CAttribute::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const&, bool) const {
+  writer->WriteAttributeString(m_name, m_namespace, m_value, ItemType_string);
+}
+
+CXmlElement* CAttribute::FromXml_Int(CXmlElement*, CXmlElement*, CXmlSerializationContext const&, bool) {
+  throw CQnException("This should be done by the collection");
+}
+
+// ---- CAttributeCol
+
+CAttributeCol::CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace)
+    : CXmlCollection("", DefaultNamespace(OrEmpty(ns), OrEmpty(restriction)).c_str(), 0, -1),
+      m_namespaceRestriction(OrEmpty(restriction)),
+      m_targetNamespace(OrEmpty(targetNamespace)) {}
+
+CAttributeCol::~CAttributeCol() = default;
+
+CSmartPtr<CAttributeCol> CAttributeCol::Clone() const {
+  CSmartPtr<CAttributeCol> copy(
+      new CAttributeCol(GetNamespace().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
+  for (CAttribute const& attribute : *this) copy->Add(attribute.Clone().Get());
+  return copy;
+}
+
+CSmartPtr<CAttribute> CAttributeCol::Add(CAttribute* attribute) {
+  CSmartPtr<CAttribute> held(attribute);
+  if (!held) throw CQnInvalidParamException("The attribute to add may not be NULL");
+  AppendItem(attribute);
+  return held;
+}
+
+CSmartPtr<CAttribute> CAttributeCol::Add(char const* name) { return Add(name, ""); }
+
+CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value) {
+  return Add(name, value, GetNamespace().c_str());
+}
+
+CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value, char const* ns) {
+  CXmlObjectHelper::TestNamespace(OrEmpty(ns), m_namespaceRestriction, m_targetNamespace);
+  return Add(new CAttribute(name, value, ns));
+}
+
+CSmartPtr<CAttribute> CAttributeCol::Item(int index) const {
+  if (index < 0 || index >= GetCount()) return nullptr;
+  return static_cast<CAttribute*>(GetNodeAtIndex(index)->m_item.Get());
+}
+
+CSmartPtr<CAttribute> CAttributeCol::Find(char const* name, char const* ns) const {
+  for (CAttribute& attribute : *this) {
+    if (attribute.GetName() == name && (ns == nullptr || attribute.GetNamespace() == ns)) return &attribute;
+  }
+  return nullptr;
+}
+
+void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
+                              bool) const {
+  for (CAttribute const& attribute : *this) CXmlObjectBase::ToXml_Int(&attribute, writer, false, ns, ctx, false);
+}
+
+CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const&,
+                                        bool) {
+  for (CXmlAttribute const* attribute : parent->GetAttributes()) {
+    std::string const& ns = attribute->GetNamespaceURI();
+    if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {
+      throw CQnInvalidNamespaceException(FormatString(
+          "Invalid Attribute [%s]. The attributes namespace is Inappropriate.", attribute->GetLocalName().c_str()));
+    }
+    Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(), ns.c_str());
+  }
+  return cursor;
+}
+
+}  // namespace Quillon9

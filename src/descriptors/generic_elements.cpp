@@ -1,0 +1,299 @@
+#include <utility>
+#include <vector>
+
+#include "binding/nesting_guard.h"
+#include "quillon9/binding/object_helper.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/streams.h"
+#include "quillon9/xmlio/text_writer.h"
+
+namespace Quillon9 {
+
+namespace {
+
+std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
+
+bool IsWildcard(std::string const& text) {
+  return text == "##any" || text == "##other" || text == "##local" || text == "##targetNamespace";
+}
+
+/// Bounds what recurses over elements within elements.
+NestingGuard Descend() { return NestingGuard(Quillon9Data::XmlElementType_Element); }
+
+/// Children whose parents are being destroyed on this thread. The first parent frees them one after the other, so that
+/// the depth of a tree, which may be the choice of a document, costs no stack.
+thread_local std::vector<CSmartPtr<CElementCol>>* t_orphans = nullptr;
+
+void FreeChildren(CSmartPtr<CElementCol>& children) {
+  if (t_orphans != nullptr) return t_orphans->push_back(children);
+  std::vector<CSmartPtr<CElementCol>> orphans;
+  orphans.push_back(children);
+  children = nullptr;
+  t_orphans = &orphans;
+  while (!orphans.empty()) {
+    CSmartPtr<CElementCol> const next = orphans.back();
+    orphans.pop_back();
+  }
+  t_orphans = nullptr;
+}
+
+}  // namespace
+
+// ---- CElement
+
+CElement::CElement(char const* name) : CInstanceMonitor("CElement") { Init(name, "", "##any", ""); }
+
+CElement::CElement(char const* name, char const* ns) : CInstanceMonitor("CElement") {
+  if (IsWildcard(OrEmpty(ns))) throw CQnInvalidNamespaceException(FormatString("Invalid Namespace [%s]", ns));
+  Init(name, ns, ns, "");
+}
+
+CElement::CElement(char const* name, char const* ns, char const* restriction, char const* targetNamespace)
+    : CInstanceMonitor("CElement") {
+  Init(name, ns, restriction, targetNamespace);
+}
+
+CElement::CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInstanceMonitor("CElement") {
+  Init("", "", "##any", "");
+  if (defaultNamespace != nullptr) m_defaultNamespace = defaultNamespace;
+  if (source == nullptr) throw CQnInvalidParamException("The object to copy from may not be NULL");
+  CXmlSerializationContext context;
+  context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
+  CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
+  CXmlDocument document(context);
+  document.LoadXmlStream(text.GetData(), text.GetLength());
+  CopyXmlElement(document.GetDocumentElement());
+}
+
+CElement::~CElement() {
+  try {
+    FreeChildren(m_elements);
+  } catch (...) {  // no memory for the list: they go with this element, at the cost of stack
+  }
+}
+
+void CElement::Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace) {
+  if (name == nullptr) throw CQnInvalidNamespaceException("Element Name must have a value");
+  if (restriction == nullptr) throw CQnInvalidNamespaceException("Namespace Restriction must have a value");
+  if (targetNamespace == nullptr) throw CQnInvalidNamespaceException("Target Namespace must have a value");
+  CXmlObjectHelper::TestNamespace(OrEmpty(ns), restriction, targetNamespace);
+  m_name = name;
+  m_namespace = OrEmpty(ns);
+  m_namespaceRestriction = restriction;
+  m_targetNamespace = targetNamespace;
+  m_attributes = new CAttributeCol(ns, "##any", targetNamespace);
+  m_elements = new CElementCol(ns, "##any", targetNamespace, 0, -1);
+}
+
+void CElement::SetNamespace(std::string ns) {
+  CXmlObjectHelper::TestNamespace(ns, m_namespaceRestriction, m_targetNamespace);
+  m_namespace = std::move(ns);
+}
+
+CSmartPtr<CAttribute> CElement::FindAttribute(char const* name, char const* ns) const {
+  return m_attributes->Find(name, ns);
+}
+
+CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) const { return m_elements->Find(name, ns); }
+
+void CElement::CopyXmlElement(CXmlElement const* element) {
+  if (element == nullptr) throw CQnInvalidParamException("The element to copy from may not be NULL");
+  NestingGuard const guard = Descend();
+  m_name = element->GetLocalName();
+  m_namespace = element->GetNamespaceURI();
+  m_text = element->GetText();
+  m_attributes->Clear();
+  m_elements->Clear();
+  for (CXmlAttribute const* attribute : element->GetAttributes()) {
+    m_attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                      attribute->GetNamespaceURI().c_str());
+    if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValue();
+  }
+  for (CXmlElement* child = element->GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
+    CSmartPtr<CElement> const copy(new CElement(child->GetLocalName().c_str()));
+    copy->CopyXmlElement(child);
+    m_elements->Add(copy.Get());
+  }
+}
+
+CSmartPtr<CElement> CElement::Clone() const {
+  NestingGuard const guard = Descend();
+  CSmartPtr<CElement> copy(
+      new CElement(m_name.c_str(), m_namespace.c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
+  copy->m_attributes = m_attributes->Clone();
+  copy->m_elements = m_elements->Clone();
+  copy->m_text = m_text;
+  return copy;
+}
+
+void CElement::SetNamespaceRestrictions(char const* restriction, char const* targetNamespace) {
+  std::string const list = OrEmpty(restriction);
+  std::string const target = OrEmpty(targetNamespace);
+  try {
+    NestingGuard const guard = Descend();
+    CXmlObjectHelper::TestNamespace(m_namespace, list, target);
+    for (CAttribute const& attribute : *m_attributes) {
+      CXmlObjectHelper::TestNamespace(attribute.GetNamespace(), list, target);
+    }
+    for (CElement& child : *m_elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
+  } catch (CQnException const& cause) {
+    // A pointer, which callers expect; one from a child passes by, since it is no reference to a failure.
+    throw new CQnInvalidNamespaceException(
+        FormatString("The namespace %s in the class %s is invalid against restriction %s", m_name.c_str(),
+                     m_namespace.c_str(), list.c_str()),
+        cause);
+  }
+}
+
+// ---- Reading
+
+void CElement::FromXml(char const* text) {
+  CXmlDocument document(CXmlSerializationContext::m_defaultContext);
+  document.LoadXml(text);
+  CXmlElement* const root = document.GetDocumentElement();
+  FromXml_Int(root, root, CXmlSerializationContext::m_defaultContext, false);
+}
+
+CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
+  if (cursor == nullptr) return nullptr;
+  if (!CXmlObjectHelper::IsNamespaceValid(cursor->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace)) {
+    return cursor;
+  }
+  NestingGuard const guard = Descend();
+  CXmlObjectBase::FromXml_Int(m_attributes.Get(), cursor, nullptr, ctx);
+  if (CXmlObjectBase::FromXml_Int(m_elements.Get(), cursor, cursor->GetFirstElement(), ctx) != nullptr) {
+    throw CQnValidationException(
+        FormatString("Invalid Element [%s] found in element [%s]", cursor->GetLocalName().c_str(), m_name.c_str()));
+  }
+  m_text = cursor->GetText();
+  m_name = cursor->GetLocalName();
+  m_namespace = cursor->GetNamespaceURI();
+  return cursor->GetNextSiblingElement();
+}
+
+// ---- Writing
+
+void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
+                         bool inChoice) const {
+  NestingGuard const guard = Descend();
+  if (m_defaultNamespace.empty()) return WriteContent(writer, ns, ctx, inChoice);
+  auto* const textWriter = dynamic_cast<CXmlTextWriter*>(writer);
+  if (textWriter == nullptr) throw CQnException("An element with a default namespace can only be written as text");
+  WriteApart(*textWriter, inChoice);
+}
+
+// Text stands behind the children, whatever its place in the document was.
+void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
+                            bool inChoice) const {
+  writer->WriteStartElement(m_name, m_namespace);
+  CXmlObjectBase::ToXml_Int(m_attributes.Get(), writer, false, ns, ctx, false);
+  CXmlObjectBase::ToXml_Int(m_elements.Get(), writer, false, ns, ctx, inChoice);
+  writer->WriteString(m_text, ItemType_string);
+  writer->WriteEndElement();
+}
+
+// With a declaration of its own the element is written by a writer of its own, and put in as it is; without its
+// attributes and the caller's options.
+void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
+  CTextStream stream(XmlEncoding_Default);
+  CXmlTextWriter inner(stream);
+  inner.SetEOLType(writer.GetEOLType());
+  inner.SetFormat(writer.GetFormat());
+  inner.SetDefaultNamespace(m_defaultNamespace);
+  inner.WriteStartElement(m_name, m_namespace);
+  CXmlSerializationContext context;
+  context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
+  CXmlObjectBase::ToXml_Int(m_elements.Get(), &inner, false, m_namespace.c_str(), context, inChoice);
+  inner.WriteString(m_text, ItemType_string);
+  inner.WriteEndElement();
+  stream.Flush();
+  writer.CloseParentElm();
+  writer.WriteRawElement(stream.GetText());
+}
+
+// ---- CElementCol
+
+CElementCol::CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int, int)
+    : m_namespaceRestriction("##any"), m_namespace(OrEmpty(ns)), m_targetNamespace(OrEmpty(targetNamespace)) {
+  std::string const list = OrEmpty(restriction);
+  CXmlObjectHelper::TestNamespace(m_namespace, list, m_targetNamespace);
+  if (m_namespace.empty() && list.compare(0, 2, "##") == 0) m_namespace = list;
+}
+
+CElementCol::~CElementCol() = default;
+
+CSmartPtr<CElementCol> CElementCol::Clone() const {
+  CSmartPtr<CElementCol> copy(new CElementCol(m_namespace.c_str(), m_namespaceRestriction.c_str(),
+                                              m_targetNamespace.c_str(), GetMinOccurs(), GetMaxOccurs()));
+  copy->m_namespace = m_namespace;  // also where it is empty, and stays so
+  for (CElement const& element : *this) copy->Add(element.Clone().Get());
+  return copy;
+}
+
+CSmartPtr<CElement> CElementCol::Add(CElement* element) {
+  CSmartPtr<CElement> held(element);
+  if (!held) throw CQnInvalidParamException("The element to add may not be NULL");
+  CXmlObjectHelper::TestNamespace(element->GetNamespace(), m_namespaceRestriction, m_targetNamespace);
+  AppendItem(element);
+  return held;
+}
+
+CSmartPtr<CElement> CElementCol::Add(char const* name) {
+  if (m_namespace.empty()) throw CQnInvalidStateException("A Namespace has not been set for this Collection");
+  return Add(name, m_namespace.c_str());
+}
+
+CSmartPtr<CElement> CElementCol::Add(char const* name, char const* ns) {
+  CXmlObjectHelper::TestNamespace(OrEmpty(ns), m_namespaceRestriction, m_targetNamespace);
+  return Add(new CElement(name, ns, m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
+}
+
+CSmartPtr<CElement> CElementCol::Item(int index) const {
+  if (index < 0 || index >= GetCount()) return nullptr;
+  return static_cast<CElement*>(GetNodeAtIndex(index)->m_item.Get());
+}
+
+CSmartPtr<CElement> CElementCol::Find(char const* name, char const* ns) const {
+  for (CElement& element : *this) {
+    if (element.GetName() == name && (ns == nullptr || element.GetNamespace() == ns)) return &element;
+  }
+  return nullptr;
+}
+
+void CElementCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx, bool) const {
+  ValidateCount(ctx);
+  for (CElement const& element : *this) CXmlObjectBase::ToXml_Int(&element, writer, false, ns, ctx, false);
+}
+
+CXmlElement* CElementCol::Take(char const* restriction, CXmlElement* parent, CXmlElement* cursor,
+                               CXmlSerializationContext const& ctx) {
+  CSmartPtr<CElement> const element(new CElement(cursor->GetLocalName().c_str(), cursor->GetNamespaceURI().c_str(),
+                                                 restriction, m_targetNamespace.c_str()));
+  CXmlElement* const next = CXmlObjectBase::FromXml_Int(element.Get(), parent, cursor, ctx);
+  if (next != cursor) Add(element.Get());
+  return next;
+}
+
+CXmlElement* CElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                      bool) {
+  while (cursor != nullptr &&
+         CXmlObjectHelper::IsNamespaceValid(cursor->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace)) {
+    CXmlElement* const next = Take(m_namespaceRestriction.c_str(), parent, cursor, ctx);
+    if (next == cursor) break;
+    cursor = next;
+  }
+  return cursor;
+}
+
+CXmlElement* CElementCol::FromXmlLockElementName_Int(std::string name, std::string ns, CXmlElement* parent,
+                                                     CXmlElement* cursor, CXmlSerializationContext const& ctx) {
+  while (cursor != nullptr && cursor->GetLocalName() == name && cursor->GetNamespaceURI() == ns) {
+    CXmlElement* const next = Take("##any", parent, cursor, ctx);
+    if (next == cursor) break;
+    cursor = next;
+  }
+  return cursor;
+}
+
+}  // namespace Quillon9
