@@ -8,7 +8,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
-#include "quillon9/xmlio/encoder.h"
+#include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
 
@@ -23,27 +23,68 @@ bool IsSchemaMachinery(std::string_view namespaceUri) {
 
 std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
 
+CXmlName const& NoName() {
+  static CXmlName const* const name = new CXmlName{"", "", true};  // for nodes of any life time
+  return *name;
+}
+
+void FreeName(CXmlName const* name) {
+  if (!name->isShared) delete name;
+}
+
 }  // namespace
 
 CXmlAttribute::CXmlAttribute(std::string localName, std::string value, std::string namespaceUri)
-    : m_localName(std::move(localName)), m_value(std::move(value)), m_namespaceUri(std::move(namespaceUri)) {}
+    : m_name(new CXmlName{std::move(namespaceUri), std::move(localName)}), m_value(std::move(value)) {}
 
-CXmlAttribute::~CXmlAttribute() = default;
+CXmlAttribute::~CXmlAttribute() { FreeName(m_name); }
 
-bool CXmlAttribute::IsNilAttribute() const { return m_localName == "nil" && IsSchemaMachinery(m_namespaceUri); }
-
-bool CXmlAttribute::IsNamespaceAttribute() const {
-  if (!IsSchemaMachinery(m_namespaceUri)) return false;
-  return m_localName == "xmlns" || m_localName == "type" || m_localName == "schemaLocation" ||
-         m_localName == "noNamespaceSchemaLocation";
+void* CXmlAttribute::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
+void* CXmlAttribute::operator new(std::size_t size, CTreeMemory& memory) { return memory.Allocate(size); }
+void CXmlAttribute::operator delete(void* node, std::size_t size) noexcept { CTreeMemory::Free(node, size); }
+void CXmlAttribute::operator delete(void* node, CTreeMemory&) noexcept {
+  CTreeMemory::Free(node, sizeof(CXmlAttribute));
 }
 
-CXmlElement::CXmlElement(CXmlDocument const* document) : m_document(document) {}
+bool CXmlAttribute::IsNilAttribute() const { return GetLocalName() == "nil" && IsSchemaMachinery(GetNamespaceURI()); }
+
+bool CXmlAttribute::IsNamespaceAttribute() const {
+  if (!IsSchemaMachinery(GetNamespaceURI())) return false;
+  std::string const& name = GetLocalName();
+  return name == "xmlns" || name == "type" || name == "schemaLocation" || name == "noNamespaceSchemaLocation";
+}
+
+CXmlElement::CXmlElement(CXmlDocument const* document) : m_document(document), m_name(&NoName()) {}
+
+CXmlElement::CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept
+    : m_document(document), m_name(&NoName()), m_memory(memory) {}
 
 CXmlElement::~CXmlElement() {
   DeleteChildren();
   for (CXmlAttribute* attribute : m_attributes) delete attribute;
+  FreeName(m_name);
 }
+
+void* CXmlElement::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
+void* CXmlElement::operator new(std::size_t size, CTreeMemory& memory) { return memory.Allocate(size); }
+void CXmlElement::operator delete(void* node, std::size_t size) noexcept { CTreeMemory::Free(node, size); }
+void CXmlElement::operator delete(void* node, CTreeMemory&) noexcept { CTreeMemory::Free(node, sizeof(CXmlElement)); }
+
+void CXmlElement::SetName(CXmlName const* name) {
+  FreeName(m_name);
+  m_name = name;
+}
+
+/// The name as this element's own, which may be changed.
+CXmlName* CXmlElement::OwnName() {
+  auto* const own = new CXmlName{m_name->namespaceUri, m_name->localName};
+  SetName(own);
+  return own;
+}
+
+void CXmlElement::SetElementName(std::string_view localName) { OwnName()->localName.assign(localName); }
+
+void CXmlElement::SetNamespace(std::string_view namespaceUri) { OwnName()->namespaceUri.assign(namespaceUri); }
 
 // A loop, since the depth of the tree is the document's choice: each element hands its children over to the chain
 // before it dies.
@@ -74,23 +115,21 @@ void CXmlElement::AppendText(char const* text, int length) {
   if (length > 0) m_text.append(text, static_cast<std::size_t>(length));
 }
 
-void CXmlElement::AppendUtf8TextExcludingCR(std::string_view utf8) {
-  std::size_t const start = m_text.size();
-  CEncoder::AppendUtf8ToLocalCodePage(m_text, utf8.data(), utf8.size());
-  std::size_t const firstCR = m_text.find('\r', start);
-  if (firstCR == std::string::npos) return;
-  auto const from = m_text.begin() + static_cast<std::ptrdiff_t>(firstCR);
-  m_text.erase(std::remove(from, m_text.end(), '\r'), m_text.end());
-}
-
 void CXmlElement::AddAttribute(std::string localName, std::string value, std::string namespaceUri) {
   auto attribute = std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
   m_attributes.push_back(attribute.get());
   attribute.release();
 }
 
+void CXmlElement::AddAttribute(CXmlName const* name, std::string value) {
+  std::unique_ptr<CXmlAttribute> attribute(m_memory != nullptr ? new (*m_memory) CXmlAttribute(name, std::move(value))
+                                                               : new CXmlAttribute(name, std::move(value)));
+  m_attributes.push_back(attribute.get());
+  attribute.release();
+}
+
 CXmlElement* CXmlElement::CreateNewChildElement() {
-  auto* child = new CXmlElement(m_document);
+  auto* child = m_memory != nullptr ? new (*m_memory) CXmlElement(m_document, m_memory) : new CXmlElement(m_document);
   child->m_previousSibling = m_lastChild;
   (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
   m_lastChild = child;
@@ -118,6 +157,15 @@ CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const&
 
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
+CTreeMemory& CXmlDocument::Memory() {
+  if (m_memory == nullptr) m_memory = new CTreeMemory;
+  return *m_memory;
+}
+
+CXmlName const* CXmlDocument::ShareName(std::string_view namespaceUri, std::string_view localName) {
+  return Memory().ShareName(namespaceUri, localName);
+}
+
 void CXmlDocument::Init() {
   m_inputData = nullptr;
   m_inputSize = 0;
@@ -127,6 +175,7 @@ void CXmlDocument::Init() {
 
 void CXmlDocument::Cleanup() {
   delete std::exchange(m_documentElement, nullptr);
+  if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon();
   delete[] std::exchange(m_inputData, nullptr);
   m_inputSize = 0;
   m_elementStack.clear();
@@ -143,10 +192,17 @@ CXmlElement* CXmlDocument::AddDocElement(char const* namespaceUri, char const* l
 }
 
 CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::string_view localName) {
+  return AddDocElement(ShareName(namespaceUri, localName));
+}
+
+CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
   CheckDepth();
-  m_documentElement = new CXmlElement(this);
-  return Open(m_documentElement, namespaceUri, localName);
+  m_elementStack.reserve(1);
+  m_documentElement = new (Memory()) CXmlElement(this, m_memory);
+  m_documentElement->SetName(name);
+  m_elementStack.push_back(m_documentElement);
+  return m_documentElement;
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
@@ -154,16 +210,16 @@ CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const*
 }
 
 CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::string_view localName) {
-  CXmlElement* parent = OpenElementOrThrow();
-  CheckDepth();
-  return Open(parent->CreateNewChildElement(), namespaceUri, localName);
+  return AddChildElement(ShareName(namespaceUri, localName));
 }
 
-CXmlElement* CXmlDocument::Open(CXmlElement* element, std::string_view namespaceUri, std::string_view localName) {
-  element->SetNamespace(namespaceUri);
-  element->SetElementName(localName);
-  m_elementStack.push_back(element);
-  return element;
+CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
+  CXmlElement* parent = OpenElementOrThrow();
+  CheckDepth();
+  CXmlElement* const child = parent->CreateNewChildElement();
+  child->SetName(name);
+  m_elementStack.push_back(child);
+  return child;
 }
 
 void CXmlDocument::EndElement() {

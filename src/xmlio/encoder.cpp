@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "xmlio/utf8_scan.h"
+#include "xmlio/utf8_to_local.h"
 
 namespace Quillon9 {
 
@@ -170,19 +171,34 @@ std::string CEncoder::Utf8ToLocalCodePage(char const* text, wchar_t*, unsigned l
 
 void CEncoder::AppendUtf8ToLocalCodePage(std::string& target, char const* text, std::size_t length) {
   if (text == nullptr || length == 0) return;
-  if (ASCII_ONLY) {
-    target.append(text, length);
-    return;
+  CUtf8ToLocal().Append(target, {text, length});
+}
+
+CUtf8ToLocal::CUtf8ToLocal() : m_kind(Find()) {}
+
+CUtf8ToLocal::Kind CUtf8ToLocal::Find() {
+  if (ASCII_ONLY) return Kind::kSame;
+  switch (GetLocaleCharset()) {
+    case Charset::kUtf8: return Kind::kUtf8;
+    case Charset::kAscii: return Kind::kAscii;
+    case Charset::kOther: break;
   }
-  Charset const charset = GetLocaleCharset();
-  if (charset == Charset::kUtf8) {
+  return Kind::kOther;
+}
+
+void CUtf8ToLocal::Append(std::string& target, std::string_view utf8) const {
+  if (utf8.empty()) return;
+  char const* const text = utf8.data();
+  if (m_kind == Kind::kSame) {
+    target.append(utf8);
+  } else if (m_kind == Kind::kUtf8) {
     // What is ill-formed ends the text on the long way too, so the sound part before it can be copied all the
     // same.
-    target.append(text, strnlen(text, LegalUtf8Length(Bytes(text), length)));
-  } else if (charset == Charset::kAscii && IsAscii(text, length)) {
-    target.append(text, strnlen(text, length));
+    target.append(text, strnlen(text, LegalUtf8Length(Bytes(text), utf8.size())));
+  } else if (m_kind == Kind::kAscii && IsAscii(text, utf8.size())) {
+    target.append(text, strnlen(text, utf8.size()));
   } else {
-    AppendConverted(target, charset, Bytes(text), length);
+    AppendConverted(target, m_kind == Kind::kAscii ? Charset::kAscii : Charset::kOther, Bytes(text), utf8.size());
   }
 }
 

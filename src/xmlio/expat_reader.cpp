@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
-#include "quillon9/xmlio/encoder.h"
 
 namespace Quillon9 {
 
@@ -27,19 +26,6 @@ SplitName Split(std::string_view name) {
   std::size_t const separator = name.find(kSeparator);
   if (separator == std::string_view::npos) return {{}, name};
   return {name.substr(0, separator), name.substr(separator + 1)};
-}
-
-std::string ToLocal(std::string_view utf8) {
-  std::string local;
-  CEncoder::AppendUtf8ToLocalCodePage(local, utf8.data(), utf8.size());
-  return local;
-}
-
-/// The same with \p scratch as storage of the result.
-std::string_view ToLocal(std::string_view utf8, std::string& scratch) {
-  scratch.clear();
-  CEncoder::AppendUtf8ToLocalCodePage(scratch, utf8.data(), utf8.size());
-  return scratch;
 }
 
 std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
@@ -113,7 +99,7 @@ void CExpatReader::FnEndElement(void* self, XML_Char const*) {
 
 void CExpatReader::FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri) {
   Guarded(self, [=](CExpatReader& reader) {
-    reader.m_document.SetNamespaceAlias(ToLocal(TextOrEmpty(prefix)), ToLocal(TextOrEmpty(uri)));
+    reader.m_document.SetNamespaceAlias(reader.m_toLocal(TextOrEmpty(prefix)), reader.m_toLocal(TextOrEmpty(uri)));
   });
 }
 
@@ -121,10 +107,7 @@ void CExpatReader::FnEndNamespace(void*, XML_Char const*) {}
 
 void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
-  Guarded(self, [=](CExpatReader& reader) {
-    std::string_view const run(text, static_cast<std::size_t>(length));
-    reader.m_document.GetOpenElement()->AppendUtf8TextExcludingCR(run);
-  });
+  Guarded(self, [=](CExpatReader& reader) { reader.AppendText({text, static_cast<std::size_t>(length)}); });
 }
 
 void CExpatReader::FnStartCDATA(void* self) {
@@ -135,24 +118,35 @@ void CExpatReader::FnEndCDATA(void* self) {
   Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("]]>"); });
 }
 
-void CExpatReader::StartElement(std::string_view name, XML_Char const** attributes) {
-  SplitName const parts = Split(name);
-  std::string_view const namespaceUri = ToLocal(parts.namespaceUri, m_uriScratch);
-  std::string_view const localName = ToLocal(parts.localName, m_nameScratch);
-  CXmlElement* const element = m_document.GetDocumentElement() == nullptr
-                                   ? m_document.AddDocElement(namespaceUri, localName)
-                                   : m_document.AddChildElement(namespaceUri, localName);
+// Carriage returns go, those of character references; expat has taken the others.
+void CExpatReader::AppendText(std::string_view utf8) {
+  std::string& text = m_document.GetOpenElement()->GetTextForAppending();
+  std::size_t const start = text.size();
+  m_toLocal.Append(text, utf8);
+  std::size_t const firstCR = text.find('\r', start);
+  if (firstCR != std::string::npos)
+    text.erase(std::remove(text.begin() + static_cast<std::ptrdiff_t>(firstCR), text.end(), '\r'), text.end());
+}
+
+CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {
+  CXmlName const* const known = m_names.Find(whole);
+  if (known != nullptr) return known;
+  SplitName const parts = Split(whole);
+  return m_names.Add(whole, m_document.ShareName(m_toLocal(parts.namespaceUri), m_toLocal(parts.localName)));
+}
+
+void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attributes) {
+  CXmlElement* const element = m_document.GetDocumentElement() == nullptr ? m_document.AddDocElement(NameOf(name))
+                                                                          : m_document.AddChildElement(NameOf(name));
   AddAttributes(element, attributes);
 }
 
 void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attributes) {
   std::size_t count = 0;
   while (attributes[2 * count] != nullptr) ++count;
-  element->ReserveAttributes(count);
+  if (count > 0) element->ReserveAttributes(count);
   for (; *attributes != nullptr; attributes += 2) {
-    SplitName const name = Split(attributes[0]);
-    m_document.AddElementAttribute(element, ToLocal(name.localName), ToLocal(attributes[1]),
-                                   ToLocal(name.namespaceUri));
+    element->AddAttribute(NameOf(attributes[0]), m_toLocal(attributes[1]));
   }
 }
 

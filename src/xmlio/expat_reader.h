@@ -8,6 +8,8 @@
 #include <string_view>
 
 #include "quillon9/xmlio/document.h"
+#include "xmlio/name_cache.h"
+#include "xmlio/utf8_to_local.h"
 
 namespace Quillon9 {
 
@@ -44,13 +46,14 @@ class CExpatReader {
   template <class Action>
   static void Guarded(void* self, Action action) noexcept;
   XML_Status Feed(bool isFinal);
-  void StartElement(std::string_view name, XML_Char const** attributes);
+  void AppendText(std::string_view utf8);
+  CXmlName const* NameOf(XML_Char const* whole);
+  void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
 
   CXmlDocument& m_document;
-  /// Converted names of one element; kept, so that most elements cost no allocation here.
-  std::string m_uriScratch;
-  std::string m_nameScratch;
+  CUtf8ToLocal const m_toLocal;
+  CNameCache m_names;
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
 };

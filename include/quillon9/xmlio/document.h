@@ -1,9 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdio>
 #include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "quillon9/binding/serialization_context.h"
@@ -12,17 +14,31 @@
 
 namespace Quillon9 {
 
+class CTreeMemory;
+
+/// The two names of an element or attribute. The nodes of a document share one object for each pair of names that
+/// occurs: it says who frees it. For readers; callers ask the nodes.
+struct CXmlName {
+  std::string namespaceUri;  ///< empty for none
+  std::string localName;
+  bool isShared = false;  ///< belongs to the document's memory, not to the one node
+};
+
 /// One attribute of a parsed element. Namespace declarations are attributes only for a schema without namespaces.
 /// Immutable; owned by its element.
 class QUILLON9_API CXmlAttribute {
  public:
   CXmlAttribute(std::string localName, std::string value, std::string namespaceUri);
+  /// With a name that lives as long as this, or is this attribute's from now on (see CXmlName::isShared).
+  CXmlAttribute(CXmlName const* name, std::string value) noexcept : m_name(name), m_value(std::move(value)) {}
   virtual ~CXmlAttribute();
+  CXmlAttribute(CXmlAttribute const&) = delete;
+  CXmlAttribute& operator=(CXmlAttribute const&) = delete;
 
-  std::string const& GetLocalName() const { return m_localName; }
+  std::string const& GetLocalName() const { return m_name->localName; }
   std::string const& GetValue() const { return m_value; }
   /// Empty when the attribute is in no namespace.
-  std::string const& GetNamespaceURI() const { return m_namespaceUri; }
+  std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
 
   /// Tell whether this is "nil" of the XML Schema instance namespace or of the namespace of declarations.
   bool IsNilAttribute() const;
@@ -30,10 +46,15 @@ class QUILLON9_API CXmlAttribute {
   /// "noNamespaceSchemaLocation" in one of the same two namespaces), so that no member of a class takes it.
   bool IsNamespaceAttribute() const;
 
+  // From the memory of a document, which knows its nodes again, or alone.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, CTreeMemory& memory);
+  static void operator delete(void* node, std::size_t size) noexcept;
+  static void operator delete(void* node, CTreeMemory& memory) noexcept;
+
  private:
-  std::string m_localName;
+  CXmlName const* m_name;
   std::string m_value;
-  std::string m_namespaceUri;
 };
 
 /// One element of a parsed document: its name, attributes, children, and all character data directly inside it as
@@ -54,9 +75,9 @@ class QUILLON9_API CXmlElement {
   CXmlElement* GetFirstElement() const { return m_firstChild; }
   /// The next child of the same parent, or null.
   CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
-  std::string const& GetLocalName() const { return m_localName; }
+  std::string const& GetLocalName() const { return m_name->localName; }
   /// Empty when the element is in no namespace.
-  std::string const& GetNamespaceURI() const { return m_namespaceUri; }
+  std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
   std::string const& GetText() const { return m_text; }
   /// The attributes in document order.
   std::vector<CXmlAttribute*> const& GetAttributes() const { return m_attributes; }
@@ -64,20 +85,23 @@ class QUILLON9_API CXmlElement {
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
 
-  void SetElementName(std::string_view localName) { m_localName.assign(localName); }
-  void SetNamespace(std::string_view namespaceUri) { m_namespaceUri.assign(namespaceUri); }
+  void SetElementName(std::string_view localName);
+  void SetNamespace(std::string_view namespaceUri);
+  /// Set both names to \p name, which lives as long as this, or is this element's from now on (CXmlName::isShared).
+  void SetName(CXmlName const* name);
 
   /// Append to the text. Appending n bytes in any number of runs costs O(n).
   void AppendText(char const* text) { m_text.append(text); }
   /// The same for the \p length bytes at \p text; a negative length appends nothing.
   void AppendText(char const* text, int length);
   void AppendText(std::string_view text) { m_text.append(text); }
-  /// Append text in UTF-8, converted by CEncoder and without its carriage returns: with one copy, what
-  /// CXmlDocument::AppendTextExcludingCR() does with text that is converted already.
-  void AppendUtf8TextExcludingCR(std::string_view utf8);
+  /// The text, for a reader that appends to it.
+  std::string& GetTextForAppending() { return m_text; }
 
   /// Append an attribute; names are not checked for duplicates.
   void AddAttribute(std::string localName, std::string value, std::string namespaceUri);
+  /// The same with a name that lives as long as this.
+  void AddAttribute(CXmlName const* name, std::string value);
   /// Make room for \p count attributes in all.
   void ReserveAttributes(std::size_t count) { m_attributes.reserve(count); }
 
@@ -86,8 +110,18 @@ class QUILLON9_API CXmlElement {
   /// Detach the last child and hand it to the caller, who owns it then. Null when there is none. O(1).
   CXmlElement* RemoveLastChildElement();
 
+  // From the memory of a document, which knows its nodes again, or alone.
+  static void* operator new(std::size_t size);
+  static void* operator new(std::size_t size, CTreeMemory& memory);
+  static void operator delete(void* node, std::size_t size) noexcept;
+  static void operator delete(void* node, CTreeMemory& memory) noexcept;
+
  private:
+  friend class CXmlDocument;
+  /// An element in \p memory.
+  CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept;
   void DeleteChildren();
+  CXmlName* OwnName();
 
   CXmlDocument const* m_document;
   CXmlElement* m_nextSibling = nullptr;
@@ -95,10 +129,11 @@ class QUILLON9_API CXmlElement {
   CXmlElement* m_lastChild = nullptr;
   std::vector<CXmlAttribute*> m_attributes;
   std::string m_text;
-  std::string m_localName;
-  std::string m_namespaceUri;
+  CXmlName const* m_name;
   /// Makes RemoveLastChildElement constant, so that a filter that drops many of a million siblings stays linear.
   CXmlElement* m_previousSibling = nullptr;
+  /// Where the nodes below this one come from; null where they are made one by one.
+  CTreeMemory* m_memory = nullptr;
 };
 
 /// A document in memory: the bytes it was read from and the tree of its elements. One object can be loaded
@@ -169,10 +204,15 @@ class QUILLON9_API CXmlDocument {
   /// above.
   CXmlElement* AddDocElement(char const* namespaceUri, char const* localName);
   CXmlElement* AddDocElement(std::string_view namespaceUri, std::string_view localName);
+  CXmlElement* AddDocElement(CXmlName const* name);
   /// Create a child of the innermost open element and open it.
   /// \throws CQnException "No element is open"; on nesting beyond the limit, as told above.
   CXmlElement* AddChildElement(char const* namespaceUri, char const* localName);
   CXmlElement* AddChildElement(std::string_view namespaceUri, std::string_view localName);
+  CXmlElement* AddChildElement(CXmlName const* name);
+  /// The name that all nodes of this document with these names share. It lives until Cleanup(), and as long as there is a
+  /// node of this document.
+  CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
   void EndElement();
@@ -193,7 +233,7 @@ class QUILLON9_API CXmlDocument {
   void AllocateInput(unsigned long size);
   CXmlElement* OpenElementOrThrow() const;
   void CheckDepth() const;
-  CXmlElement* Open(CXmlElement* element, std::string_view namespaceUri, std::string_view localName);
+  CTreeMemory& Memory();
 
   CXmlElement* m_documentElement;
   std::vector<CXmlElement*> m_elementStack;
@@ -203,6 +243,8 @@ class QUILLON9_API CXmlDocument {
   SchemaType m_schemaType;
   ElementFilter m_filter;
   CXmlSerializationContext const& m_context;
+  /// Of the nodes; made for the first one.
+  CTreeMemory* m_memory = nullptr;
 };
 
 /// Set by AsyncFromXmlFile(bool); reading is the same either way.

