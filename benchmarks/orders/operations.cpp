@@ -123,7 +123,7 @@ Sums SumUp(COrders const& orders) {
     for (CItem const& item : *order.GetItem()) {
       ++sums.items;
       sums.quantity += static_cast<std::uint64_t>(item.GetQuantity());
-      sums.priceE4 += PriceE4(item.GetPrice());
+      sums.priceE4 += PriceE4(item.GetPrice().ToString());
     }
   }
   return sums;

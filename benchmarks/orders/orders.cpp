@@ -55,7 +55,7 @@ CPrimitiveRestrictions PostalCodeType() { return {"", -1, 12, "", "", "", "", -1
 CPrimitiveRestrictions CountryType() { return {"", -1, -1, "", "", "", "", 2}; }
 CPrimitiveRestrictions SkuType() { return {"\\d{3}-[A-Z]{2}", -1, -1, "", "", "", "", -1}; }
 CPrimitiveRestrictions QuantityType() { return {"", -1, -1, "1", "10000", "", "", -1}; }
-CPrimitiveRestrictions PriceType() { return {"", -1, -1, "0", "", "", "", -1}; }  // without effect on a string
+CPrimitiveRestrictions PriceType() { return {"", -1, -1, "0", "", "", "", -1}; }
 CPrimitiveRestrictions WeightType() { return {"", -1, -1, "", "", "0", "", -1}; }
 CPrimitiveRestrictions CommentType() { return {"", -1, 400, "", "", "", "", -1}; }
 CPrimitiveRestrictions LabelType() { return {"", -1, 2048, "", "", "", "", -1}; }
@@ -115,6 +115,30 @@ void Access(double& property, bool read, QnVariant& value) {
     value.SetR8(property);
   } else {
     property = value.GetR8();
+  }
+}
+
+void Access(CDecimal& property, bool read, QnVariant& value) {
+  if (read) {
+    value.SetDecimal(property);
+  } else {
+    property = value.GetDecimal();
+  }
+}
+
+void AccessDate(CDateTime& property, bool read, QnVariant& value) {
+  if (read) {
+    value.SetDate(property);
+  } else {
+    property = value.GetDate();
+  }
+}
+
+void AccessDateTime(CDateTime& property, bool read, QnVariant& value) {
+  if (read) {
+    value.SetDateTime(property);
+  } else {
+    property = value.GetDateTime();
   }
 }
 
@@ -267,7 +291,7 @@ void BuildItem(CMetaData& data) {
   data.m_elements = new CElementInfo* [8] {};
   data.m_elements[0] = Mandatory("sku", CItem::Property_sku, ItemType_string, kPreserve, SkuType());
   data.m_elements[1] = Mandatory("quantity", CItem::Property_quantity, ItemType_i4, kCollapse, QuantityType());
-  data.m_elements[2] = Mandatory("price", CItem::Property_price, ItemType_string, kCollapse, PriceType());
+  data.m_elements[2] = Mandatory("price", CItem::Property_price, ItemType_decimal, kCollapse, PriceType());
   data.m_elements[3] = Mandatory("weight", CItem::Property_weight, ItemType_r8, kCollapse, WeightType());
   data.m_elements[4] = Optional("comment", CItem::Property_comment, ItemType_string, kPreserve, CommentType());
   data.m_elements[5] = Mandatory("gift", CItem::Property_gift, ItemType_boolean, kCollapse, CPrimitiveRestrictions());
@@ -288,7 +312,7 @@ CSmartPtr<CItem> CItem::CreateInstance(char const* elementName) { return new CIt
 void CItem::Init() {
   m_sku.clear();
   m_quantity = 0;
-  m_price.clear();
+  m_price = CDecimal();
   m_weight = 0;
   m_comment.reset();
   m_gift = false;
@@ -369,9 +393,9 @@ namespace {
 void BuildOrder(CMetaData& data) {
   data.m_classInfo = Sequence("OrderType");
   data.m_elements = new CElementInfo* [5] {};
-  data.m_elements[0] = Mandatory("date", COrder::Property_date, ItemType_string, kCollapse, CPrimitiveRestrictions());
+  data.m_elements[0] = Mandatory("date", COrder::Property_date, ItemType_date, kCollapse, CPrimitiveRestrictions());
   data.m_elements[1] =
-      Mandatory("placed", COrder::Property_placed, ItemType_string, kCollapse, CPrimitiveRestrictions());
+      Mandatory("placed", COrder::Property_placed, ItemType_datetime, kCollapse, CPrimitiveRestrictions());
   data.m_elements[2] =
       new CElementInfoSeqClsMnd("customer", kNamespace, COrder::Property_customer, XmlElementType_Element,
                                 &CClassFactory::CreateObject, CClassFactory::ClassId_CustomerType, true);
@@ -405,8 +429,8 @@ void COrder::SetCustomer(CCustomer* value) {
 }
 
 void COrder::Init() {
-  m_date.clear();
-  m_placed.clear();
+  m_date.Clear();
+  m_placed.Clear();
   m_customer->Init();
   m_item->Clear();
   m_id = 0;
@@ -416,8 +440,8 @@ void COrder::Init() {
 
 void COrder::AccessProperty(int index, bool read, QnVariant& value) {
   switch (index) {
-    case Property_date: return Access(m_date, read, value);
-    case Property_placed: return Access(m_placed, read, value);
+    case Property_date: return AccessDate(m_date, read, value);
+    case Property_placed: return AccessDateTime(m_placed, read, value);
     case Property_customer: return read ? value.SetXmlObject(m_customer) : SetCustomer(ObjectOf<CCustomer>(value));
     case Property_item:
       if (read) value.SetXmlCollection(m_item);

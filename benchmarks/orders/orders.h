@@ -8,7 +8,7 @@
 #include "quillon9/quillon9.h"
 
 /// The classes of orders.xsd, written as a code generator writes them: one for each complex type, one for each
-/// repeated element. Dates and decimals are strings as long as the library has no classes for them.
+/// repeated element.
 ///
 /// Texts are in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). Setters and getters test
 /// no facets: the library does when it writes. Objects live in CSmartPtr; one graph belongs to one thread at a
@@ -123,8 +123,8 @@ class CItem : public Quillon9::CXmlGeneratedClass {
   void SetSku(std::string value) { m_sku = std::move(value); }
   std::int32_t GetQuantity() const { return m_quantity; }
   void SetQuantity(std::int32_t value) { m_quantity = value; }
-  std::string const& GetPrice() const { return m_price; }
-  void SetPrice(std::string value) { m_price = std::move(value); }
+  Quillon9::CDecimal const& GetPrice() const { return m_price; }
+  void SetPrice(Quillon9::CDecimal const& value) { m_price = value; }
   double GetWeight() const { return m_weight; }
   void SetWeight(double value) { m_weight = value; }
   std::optional<std::string> const& GetComment() const { return m_comment; }
@@ -151,7 +151,7 @@ class CItem : public Quillon9::CXmlGeneratedClass {
  private:
   std::string m_sku;
   std::int32_t m_quantity = 0;
-  std::string m_price;
+  Quillon9::CDecimal m_price;
   double m_weight = 0;
   std::optional<std::string> m_comment;
   bool m_gift = false;
@@ -224,10 +224,10 @@ class COrder : public Quillon9::CXmlGeneratedClass {
 
   static CSmartPtr<COrder> CreateInstance(char const* elementName = "order");
 
-  std::string const& GetDate() const { return m_date; }
-  void SetDate(std::string value) { m_date = std::move(value); }
-  std::string const& GetPlaced() const { return m_placed; }
-  void SetPlaced(std::string value) { m_placed = std::move(value); }
+  Quillon9::CDateTime const& GetDate() const { return m_date; }
+  void SetDate(Quillon9::CDateTime const& value) { m_date = value; }
+  Quillon9::CDateTime const& GetPlaced() const { return m_placed; }
+  void SetPlaced(Quillon9::CDateTime const& value) { m_placed = value; }
   /// Never null.
   CCustomer* GetCustomer() const { return m_customer; }
   /// Share \p value with the caller.
@@ -257,8 +257,8 @@ class COrder : public Quillon9::CXmlGeneratedClass {
   ~COrder() override;
 
  private:
-  std::string m_date;
-  std::string m_placed;
+  Quillon9::CDateTime m_date;
+  Quillon9::CDateTime m_placed;
   CSmartPtr<CCustomer> m_customer;
   CSmartPtr<CItemCol> const m_item;
   std::int32_t m_id = 0;
