@@ -1,8 +1,11 @@
-// Arithmetic with numbers of 10,000 digits, and texts of a million.
+// Arithmetic with numbers of 10,000 digits, and texts of a million. Every operation proves its answer before it is
+// timed.
 
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
 #include <random>
+#include <stdexcept>
 #include <string>
 
 #include "quillon9/quillon9.h"
@@ -13,65 +16,97 @@ using namespace Quillon9;
 
 constexpr std::size_t kDigits = 10000;
 
-std::string RandomDigits(std::size_t count) {
-  static std::mt19937 random(9);
-  std::string digits(count, '0');
-  for (char& digit : digits) digit = static_cast<char>('0' + random() % 10);
-  digits.front() = '7';
+/// The same digits for the same arguments. The first and the last one are not 0.
+std::string Digits(std::size_t count, unsigned seed) {
+  std::mt19937 random(seed);
+  std::string digits(count, '7');
+  for (std::size_t i = 1; i + 1 < count; ++i) digits[i] = static_cast<char>('0' + random() % 10);
   return digits;
 }
 
-/// Two operands, the second half as long as the first, so that a quotient has as many digits again.
+/// The text of a Number with this many digits.
+template <class Number>
+std::string Text(std::size_t count, unsigned seed);
+
+template <>
+std::string Text<CBigInteger>(std::size_t count, unsigned seed) {
+  return Digits(count, seed);
+}
+
+/// With as many of them behind the point as a product keeps.
+template <>
+std::string Text<CDecimal>(std::size_t count, unsigned seed) {
+  return Digits(count, seed).insert(count - static_cast<std::size_t>(CDecimal::m_maxDivider), ".");
+}
+
 template <class Number>
 struct Operands {
-  Number a = Number(RandomDigits(kDigits).c_str());
-  Number b = Number(RandomDigits(kDigits / 2).c_str());
+  std::string text = Text<Number>(kDigits, 1);
+  Number a = Number(text.c_str());
+  Number b = Number(Text<Number>(kDigits, 2).c_str());
+  Number divisor = Number(Text<Number>(kDigits / 2, 3).c_str());
+  Number quotient = Number(Text<Number>(kDigits / 2, 4).c_str());
+  Number dividend = divisor * quotient + Number(1);  // the quotient is still the nearest
 };
 
-template <class Number, class Action>
-void Repeat(benchmark::State& state, Action action) {
-  Operands<Number> const operands;
-  for ([[maybe_unused]] auto const& iteration : state) benchmark::DoNotOptimize(action(operands));
-}
-
-void ParseDigits(benchmark::State& state, std::size_t count) {
-  std::string const text = RandomDigits(count);
-  for ([[maybe_unused]] auto const& iteration : state) benchmark::DoNotOptimize(CBigInteger(text.c_str()));
-  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(count));
+/// Times \p action of the operands; \p isRight tells whether what it gave is right.
+template <class Given, class Action, class Proof>
+void Register(std::string const& name, Action action, Proof isRight) {
+  auto const run = [=](benchmark::State& state) {
+    Given const given;
+    if (!isRight(given, action(given))) throw std::runtime_error("wrong answer of " + name);
+    for ([[maybe_unused]] auto const& iteration : state) benchmark::DoNotOptimize(action(given));
+  };
+  benchmark::RegisterBenchmark(name.c_str(), run)->Unit(benchmark::kMicrosecond)->MinTime(0.1);
 }
 
 template <class Number>
-void RegisterOperations(std::string const& prefix) {
-  auto const add = [&](char const* name, auto action) {
-    benchmark::RegisterBenchmark((prefix + name).c_str(),
-                                 [action](benchmark::State& state) { Repeat<Number>(state, action); })
-        ->Unit(benchmark::kMicrosecond)
-        ->MinTime(0.1);
-  };
-  using Pair = Operands<Number>;
-  add("print", [](Pair const& pair) { return pair.a.ToString(); });
-  add("add", [](Pair const& pair) { return pair.a + pair.b; });
-  add("subtract", [](Pair const& pair) { return pair.a - pair.b; });
-  add("multiply", [](Pair const& pair) { return pair.a * pair.b; });
-  add("divide", [](Pair const& pair) { return pair.a / pair.b; });
+void RegisterCommon(std::string const& kind) {
+  using Given = Operands<Number>;
+  Register<Given>(
+      kind + "/parse", [](Given const& given) { return Number(given.text.c_str()); },
+      [](Given const& given, Number const& result) { return result.ToString() == given.text; });
+  Register<Given>(
+      kind + "/print", [](Given const& given) { return given.a.ToString(); },
+      [](Given const& given, std::string const& result) { return result == given.text; });
+  Register<Given>(
+      kind + "/add", [](Given const& given) { return given.a + given.b; },
+      [](Given const& given, Number const& result) { return result - given.b == given.a; });
+  Register<Given>(
+      kind + "/subtract", [](Given const& given) { return given.a - given.b; },
+      [](Given const& given, Number const& result) { return result + given.b == given.a; });
+  Register<Given>(
+      kind + "/multiply", [](Given const& given) { return given.a * given.b; },
+      [](Given const& given, Number const& result) { return result / given.b == given.a; });
+  Register<Given>(
+      kind + "/divide", [](Given const& given) { return given.dividend / given.divisor; },
+      [](Given const& given, Number const& result) { return result == given.quotient; });
 }
 
+void RegisterOfIntegers() {
+  using Given = Operands<CBigInteger>;
+  Register<Given>(
+      "integer/modulo", [](Given const& given) { return given.dividend % given.divisor; },
+      [](Given const&, CBigInteger const& result) { return result == CBigInteger(1); });
+  Register<Given>(
+      "integer/square_root", [](Given const& given) { return given.a.SquareRoot(); },
+      [](Given const& given, CBigInteger const& result) {
+        CBigInteger const next = result + CBigInteger(1);
+        return result * result <= given.a && given.a < next * next;
+      });
+}
+
+struct LongText {
+  std::string text = Digits(1000000, 5);
+};
+
 bool RegisterAll() {
-  for (std::size_t const count : {kDigits, std::size_t{1000000}}) {
-    benchmark::RegisterBenchmark(("integer/parse/" + std::to_string(count)).c_str(),
-                                 [count](benchmark::State& state) { ParseDigits(state, count); })
-        ->Unit(benchmark::kMicrosecond)
-        ->MinTime(0.1);
-  }
-  RegisterOperations<CBigInteger>("integer/");
-  RegisterOperations<CDecimal>("decimal/");
-  benchmark::RegisterBenchmark(
-      "integer/square_root",
-      [](benchmark::State& state) {
-        Repeat<CBigInteger>(state, [](Operands<CBigInteger> const& pair) { return CBigInteger(pair.a).SquareRoot(); });
-      })
-      ->Unit(benchmark::kMicrosecond)
-      ->MinTime(0.1);
+  RegisterCommon<CBigInteger>("integer");
+  RegisterOfIntegers();
+  Register<LongText>(
+      "integer/parse_million", [](LongText const& given) { return CBigInteger(given.text.c_str()); },
+      [](LongText const& given, CBigInteger const& result) { return result.ToString() == given.text; });
+  RegisterCommon<CDecimal>("decimal");
   return true;
 }
 
