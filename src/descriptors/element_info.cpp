@@ -163,8 +163,13 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 }
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
+  std::string scratch;
   QnVariant value;
-  value.FromString((*cursor)->GetText(), m_itemType, m_whitespaceRule);
+  if (m_itemType == ItemType_string) {  // lent to the holder, who makes the one copy that is needed
+    value.BorrowString(CWhitespaceUtils::ApplyRule(m_whitespaceRule, (*cursor)->GetText(), scratch));
+  } else {
+    value.FromString((*cursor)->GetText(), m_itemType, m_whitespaceRule);
+  }
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

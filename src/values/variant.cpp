@@ -34,8 +34,9 @@ void QnVariant::CopyHeld(ItemType type, QnVariant const& other) {
 template <class Held>
 void QnVariant::DeleteHeld() {
   if constexpr (!std::is_arithmetic_v<Held>) {
-    delete Load<Held*>();
+    if (!m_isBorrowed) delete Load<Held*>();
     Store<Held*>(m_type, nullptr);
+    m_isBorrowed = false;
   }
 }
 
@@ -46,13 +47,17 @@ void QnVariant::SetReference(ItemType type, CXmlObjectBase* object) {
 }
 
 void QnVariant::TakeFrom(QnVariant& other) {
+  if (other.m_isBorrowed) {
+    *this = static_cast<QnVariant const&>(other);
+    return other.Clear();
+  }
   std::memcpy(m_value, other.m_value, sizeof m_value);
   m_type = std::exchange(other.m_type, ItemType_invalid);
 }
 
 QnVariant::QnVariant(QnVariant const& other) { *this = other; }
 
-QnVariant::QnVariant(QnVariant&& other) noexcept { TakeFrom(other); }
+QnVariant::QnVariant(QnVariant&& other) { TakeFrom(other); }
 
 QnVariant& QnVariant::operator=(QnVariant const& other) {
   Clear();
@@ -70,7 +75,7 @@ QnVariant& QnVariant::operator=(QnVariant const& other) {
   throw CQnException("Unknown Type");
 }
 
-QnVariant& QnVariant::operator=(QnVariant&& other) noexcept {
+QnVariant& QnVariant::operator=(QnVariant&& other) {
   Clear();
   TakeFrom(other);
   return *this;
@@ -118,6 +123,12 @@ void QnVariant::SetDecimal(CDecimal const& value) { SetOwned(ItemType_decimal, n
 void QnVariant::SetInteger(CBigInteger const& value) { SetOwned(ItemType_integer, new CBigInteger(value)); }
 
 void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std::string(std::move(value))); }
+
+void QnVariant::BorrowString(std::string const& value) {
+  Clear();
+  Store(ItemType_string, &value);
+  m_isBorrowed = true;
+}
 
 void QnVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(ItemType_xmlObject, object); }
 

@@ -29,11 +29,11 @@ class QUILLON9_API QnVariant {
   QnVariant() = default;
   QnVariant(QnVariant const& other);
   /// Take the value of \p other, which then holds nothing.
-  QnVariant(QnVariant&& other) noexcept;
+  QnVariant(QnVariant&& other);
   /// Clear(), then copy: assigning a variant to itself empties it.
   /// \throws CQnException "Unknown Type".
   QnVariant& operator=(QnVariant const& other);
-  QnVariant& operator=(QnVariant&& other) noexcept;
+  QnVariant& operator=(QnVariant&& other);
   virtual ~QnVariant();
 
   /// Whether this variant holds a value.
@@ -71,6 +71,9 @@ class QUILLON9_API QnVariant {
   void SetTime(CDateTime const& value);
   void SetChar(char value) { SetScalar(ItemType_char, value); }
   void SetString(std::string value);
+  /// Hold \p value without a copy, for readers that hand a text on: it must outlive this variant. Copies of the variant are
+  /// whole, and so is what it is moved to.
+  void BorrowString(std::string const& value);
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);
   void SetInteger(CBigInteger const& value);
@@ -160,6 +163,7 @@ class QUILLON9_API QnVariant {
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 
   ItemType m_type = ItemType_invalid;
+  bool m_isBorrowed = false;                 // of a string: somebody else's
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to what is owned
 };
 
