@@ -76,7 +76,11 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   if (!value.IsValid()) return false;
   CheckRestriction(value);
   writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(value.ToString(m_format), value.GetItemType());
+  if (value.GetItemType() == ItemType_string) {
+    writer->WriteString(value.GetString(), ItemType_string);  // as ToString() gives it, without the copy
+  } else {
+    writer->WriteString(value.ToString(m_format), value.GetItemType());
+  }
   writer->WriteEndElement();
   return true;
 }

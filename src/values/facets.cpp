@@ -1,7 +1,10 @@
 // The checks of CXmlObjectHelper that hold values against the facets of their schema.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <unordered_map>
+#include <utility>
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
@@ -23,14 +26,23 @@ namespace {
 
 // ---- Numbers. Each test says what must hold, so that a NaN breaks it.
 
-template <class Value>
-using BoundParser = Value (*)(std::string const&, CWhitespaceUtils::WhitespaceRule);
+/// The value of a bound, which is parsed once in a thread: a schema has few of them and every value written is held
+/// against them. One that does not parse is tried, and raises, each time. Valid until the next call.
+template <auto parse>
+auto const& Bound(std::string const& text) {
+  constexpr std::size_t kMostBounds = 64;
+  using Value = decltype(parse(text, CWhitespaceUtils::WhitespaceRule_Collapse));
+  static thread_local std::unordered_map<std::string, Value> bounds;
+  auto const known = bounds.find(text);
+  if (known != bounds.end()) return known->second;
+  Value value = parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
+  if (bounds.size() >= kMostBounds) bounds.clear();
+  return bounds.emplace(text, std::move(value)).first->second;
+}
 
-template <class Value>
-bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  auto const bound = [parse](std::string const& text) {
-    return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
-  };
+template <auto parse, class Value>
+bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r) {
+  auto const bound = [](std::string const& text) { return Bound<parse>(text); };
   return (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
          (r.maxInclusive.empty() || bound(r.maxInclusive) >= value) &&
          (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
@@ -38,28 +50,26 @@ bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r, BoundParser<Va
 }
 
 // As "%d" prints it.
-template <class Value>
-void CheckInteger(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, IntegerText(static_cast<std::int32_t>(value)));
+template <auto parse, class Value>
+void CheckInteger(char const* name, Value value, CPrimitiveRestrictions const& r) {
+  if (!IsWithinBounds<parse>(value, r)) ThrowInvalidValue(name, IntegerText(static_cast<std::int32_t>(value)));
 }
 
-template <class Value>
-void CheckLongInteger(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, IntegerText(value));
+template <auto parse, class Value>
+void CheckLongInteger(char const* name, Value value, CPrimitiveRestrictions const& r) {
+  if (!IsWithinBounds<parse>(value, r)) ThrowInvalidValue(name, IntegerText(value));
 }
 
-template <class Value>
-void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  if (!IsWithinBounds(value, r, parse)) ThrowInvalidValue(name, FixedText(static_cast<double>(value)));
+template <auto parse, class Value>
+void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& r) {
+  if (!IsWithinBounds<parse>(value, r)) ThrowInvalidValue(name, FixedText(static_cast<double>(value)));
 }
 
 // ---- Numbers of any length: each test says what breaks the bound, by the class's own operators.
 
-template <class Value>
-void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  auto const bound = [parse](std::string const& text) {
-    return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
-  };
+template <auto parse, class Value>
+void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions const& r) {
+  auto const bound = [](std::string const& text) -> Value const& { return Bound<parse>(text); };
   bool const valid = (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
                      (r.maxInclusive.empty() || value <= bound(r.maxInclusive)) &&
                      (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
@@ -69,12 +79,10 @@ void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions
 
 // ---- Dates, times and durations, which are ordered only in part
 
-template <class Value>
-bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
+template <auto parse, class Value>
+bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r) {
   enum { Equal, Less, Greater };  // what CompareTo() gives; everything else is indeterminate and breaks no bound
-  auto const compare = [&](std::string const& text) {
-    return static_cast<int>(value.CompareTo(parse(text, CWhitespaceUtils::WhitespaceRule_Collapse)));
-  };
+  auto const compare = [&](std::string const& text) { return static_cast<int>(value.CompareTo(Bound<parse>(text))); };
   if (!r.minInclusive.empty() && compare(r.minInclusive) == Less) return false;
   if (!r.maxInclusive.empty() && compare(r.maxInclusive) == Greater) return false;
   if (!r.minExclusive.empty()) {
@@ -88,9 +96,9 @@ bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r, Bou
   return true;
 }
 
-template <class Value>
-void CheckDate(char const* name, Value const& value, CPrimitiveRestrictions const& r, BoundParser<Value> parse) {
-  if (!IsWithinDateBounds(value, r, parse)) ThrowInvalidValue(name, value.ToString());
+template <auto parse, class Value>
+void CheckDate(char const* name, Value const& value, CPrimitiveRestrictions const& r) {
+  if (!IsWithinDateBounds<parse>(value, r)) ThrowInvalidValue(name, value.ToString());
 }
 
 // ---- Strings and binary data
@@ -103,6 +111,7 @@ bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
 
 bool KeepsPattern(std::string const& value, std::string const& pattern) {
   if (pattern.empty()) return true;
+  if (CEncoder::IsUtf8SameInLocalCodePage(pattern.data(), pattern.size())) return MatchesPattern(pattern, value);
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(pattern.c_str());
   return MatchesPattern(std::string(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()), value);
 }
@@ -118,100 +127,100 @@ void CheckBinary(char const* name, CBinaryData const& value, CPrimitiveRestricti
 }  // namespace
 
 void CXmlObjectHelper::CheckRestrictionForui4(char const* name, std::uint32_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::ui4FromString);
+  CheckInteger<CConversions::ui4FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForui2(char const* name, std::uint16_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::ui2FromString);
+  CheckInteger<CConversions::ui2FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForui1(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::ui1FromString);
+  CheckInteger<CConversions::ui1FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFori8(char const* name, std::int64_t value, CPrimitiveRestrictions const& r) {
-  CheckLongInteger(name, value, r, CConversions::i8FromString);
+  CheckLongInteger<CConversions::i8FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFori4(char const* name, std::int32_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::i4FromString);
+  CheckInteger<CConversions::i4FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFori2(char const* name, std::int16_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::i2FromString);
+  CheckInteger<CConversions::i2FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFori1(char const* name, std::int8_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::i1FromString);
+  CheckInteger<CConversions::i1FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForui8(char const* name, std::uint64_t value, CPrimitiveRestrictions const& r) {
-  CheckLongInteger(name, value, r, CConversions::ui8FromString);
+  CheckLongInteger<CConversions::ui8FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& r) {
-  CheckFloating(name, value, r, CConversions::r8FromString);
+  CheckFloating<CConversions::r8FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& r) {
-  CheckFloating(name, value, r, CConversions::r4FromString);
+  CheckFloating<CConversions::r4FromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForday(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::dayFromString);
+  CheckInteger<CConversions::dayFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFormonth(char const* name, std::uint8_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::monthFromString);
+  CheckInteger<CConversions::monthFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForyear(char const* name, std::uint16_t value, CPrimitiveRestrictions const& r) {
-  CheckInteger(name, value, r, CConversions::yearFromString);
+  CheckInteger<CConversions::yearFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForinteger(char const* name, CBigInteger const& value,
                                                   CPrimitiveRestrictions const& r) {
-  CheckBigNumber(name, value, r, CConversions::integerFromString);
+  CheckBigNumber<CConversions::integerFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFordecimal(char const* name, CDecimal const& value,
                                                   CPrimitiveRestrictions const& r) {
-  CheckBigNumber(name, value, r, CConversions::decimalFromString);
+  CheckBigNumber<CConversions::decimalFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFortime(char const* name, CDateTime const& value,
                                                CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::timeFromString);
+  CheckDate<CConversions::timeFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFordatetime(char const* name, CDateTime const& value,
                                                    CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::datetimeFromString);
+  CheckDate<CConversions::datetimeFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFordate(char const* name, CDateTime const& value,
                                                CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::dateFromString);
+  CheckDate<CConversions::dateFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFormonthYear(char const* name, CDateTime const& value,
                                                     CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::yearMonthFromString);
+  CheckDate<CConversions::yearMonthFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionFormonthDay(char const* name, CDateTime const& value,
                                                    CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::monthDayFromString);
+  CheckDate<CConversions::monthDayFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForyearMonth(char const* name, CDateTime const& value,
                                                     CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::yearMonthFromString);
+  CheckDate<CConversions::yearMonthFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
                                                    CPrimitiveRestrictions const& r) {
-  CheckDate(name, value, r, CConversions::durationFromString);
+  CheckDate<CConversions::durationFromString>(name, value, r);
 }
 
 void CXmlObjectHelper::CheckRestrictionForboolean(char const*, bool, CPrimitiveRestrictions const&) {}

@@ -207,6 +207,10 @@ CompiledPattern& Compiled(std::string const& pattern) {
 
 bool MatchesPattern(std::string const& utf8Pattern, std::string const& value) {
   CompiledPattern& pattern = Compiled(utf8Pattern);
+  if (CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size())) {
+    std::string_view const same(value);
+    return pattern.Matches(same.data(), std::min(same.find('\0'), same.size()));
+  }
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(value.c_str());
   if (utf8.GetLength() == 0) return pattern.Matches("", 0);
   std::string_view const subject(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength());

@@ -120,7 +120,11 @@ void QnVariant::SetTime(CDateTime const& value) { SetOwned(ItemType_time, new CD
 
 void QnVariant::SetDecimal(CDecimal const& value) { SetOwned(ItemType_decimal, new CDecimal(value)); }
 
+void QnVariant::SetDecimal(CDecimal&& value) { SetOwned(ItemType_decimal, new CDecimal(std::move(value))); }
+
 void QnVariant::SetInteger(CBigInteger const& value) { SetOwned(ItemType_integer, new CBigInteger(value)); }
+
+void QnVariant::SetInteger(CBigInteger&& value) { SetOwned(ItemType_integer, new CBigInteger(std::move(value))); }
 
 void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std::string(std::move(value))); }
 
@@ -161,6 +165,15 @@ Held QnVariant::GetOwned(char const* kind) const {
   return value != nullptr ? *value : Held();
 }
 
+template <class Held>
+Held const& QnVariant::LookAtOwned(char const* kind) const {
+  static Held const empty{};
+  if (!IsValid()) return empty;
+  if (!IsHeldAs<Held>(m_type)) ThrowWrongKind(kind);
+  Held const* const value = Load<Held*>();
+  return value != nullptr ? *value : empty;
+}
+
 CBinaryData QnVariant::GetHexBinary() const { return GetOwned<CBinaryData>("hexBinary"); }
 
 CBinaryData QnVariant::GetBase64Binary() const { return GetOwned<CBinaryData>("base64Binary"); }
@@ -177,17 +190,11 @@ CDateTime QnVariant::GetDateTime() const { return GetOwned<CDateTime>("datetime"
 
 CDateTime QnVariant::GetTime() const { return GetOwned<CDateTime>("time"); }
 
-CDecimal QnVariant::GetDecimal() const { return GetOwned<CDecimal>("decimal"); }
+CDecimal const& QnVariant::GetDecimal() const { return LookAtOwned<CDecimal>("decimal"); }
 
-CBigInteger QnVariant::GetInteger() const { return GetOwned<CBigInteger>("integer"); }
+CBigInteger const& QnVariant::GetInteger() const { return LookAtOwned<CBigInteger>("integer"); }
 
-std::string const& QnVariant::GetString() const {
-  static std::string const empty;
-  if (!IsValid()) return empty;
-  if (m_type != ItemType_string) ThrowWrongKind("string");
-  std::string const* const value = Load<std::string*>();
-  return value != nullptr ? *value : empty;
-}
+std::string const& QnVariant::GetString() const { return LookAtOwned<std::string>("string"); }
 
 CSmartPtr<CXmlObjectBase> QnVariant::GetXmlObject() const {
   if (!IsValid()) return nullptr;

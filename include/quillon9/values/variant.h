@@ -76,7 +76,9 @@ class QUILLON9_API QnVariant {
   void BorrowString(std::string const& value);
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);
+  void SetDecimal(CDecimal&& value);
   void SetInteger(CBigInteger const& value);
+  void SetInteger(CBigInteger&& value);
   /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
   void SetXmlObject(CXmlObjectBase* object);
   void SetXmlCollection(CXmlCollectionBase* collection);
@@ -110,9 +112,9 @@ class QUILLON9_API QnVariant {
   CDateTime GetDate() const;
   CDateTime GetDateTime() const;
   CDateTime GetTime() const;
-  CDecimal GetDecimal() const;
-  CBigInteger GetInteger() const;
-  /// The text itself, which lives until this variant changes.
+  /// These three give the value itself, which lives until this variant changes.
+  CDecimal const& GetDecimal() const;
+  CBigInteger const& GetInteger() const;
   std::string const& GetString() const;
   /// The held object or collection. Null when nothing is held.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
@@ -159,6 +161,8 @@ class QUILLON9_API QnVariant {
   void SetReference(ItemType type, CXmlObjectBase* object);
   template <class Held>
   Held GetOwned(char const* kind) const;
+  template <class Held>
+  Held const& LookAtOwned(char const* kind) const;
   void TakeFrom(QnVariant& other);
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 

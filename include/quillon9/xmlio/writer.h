@@ -99,6 +99,9 @@ class QUILLON9_API CXmlWriter {
   std::string m_defaultNamespace;                     ///< of the document element, while none is open
   CXmlWriterContext* m_context = nullptr;             ///< innermost open element, owned; null when none is open
   std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
+
+ private:
+  CXmlWriterContext* m_spare = nullptr;  ///< contexts to use again, linked as parents
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
@@ -151,6 +154,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
     return context;
   }
   void TakeOwnScope();
+  /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing.
+  void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
+  friend class CXmlWriter;
 };
 
 }  // namespace Quillon9
