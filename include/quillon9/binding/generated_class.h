@@ -37,9 +37,11 @@ class QUILLON9_API CParentElementInfo {
   XmlElementType m_elementType;
   std::string m_typeName;  ///< name of the type in its schema, the text of xsi:type
   std::string m_typeNamespace;
-  int m_textPropertyIndex;         ///< property that holds the text of the element; -1 for none
-  bool m_rejectUnknownAttributes;  ///< an attribute that no descriptor takes is a failure
-  bool m_typeAttributeWanted;      ///< the class may need xsi:type
+  int m_textPropertyIndex;  ///< property that holds the text of the element; -1 for none
+  /// An attribute that no descriptor takes is a failure. A class without a tag is shown the attributes of the element
+  /// around it, and the class of that element those of its groups: both have false where the other has attributes.
+  bool m_rejectUnknownAttributes;
+  bool m_typeAttributeWanted;  ///< the class may need xsi:type
 };
 
 }  // namespace Quillon9Data
@@ -92,7 +94,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
  protected:
   // What happens inside them is wrapped: a failure leaves with the cause as inner exception as CQnException "Failed to
   // convert attributes to XML", CQnValidationException "Failed to convert the element [%s] to XML" or
-  // CQnValidationException "Failed to process the element [%s]".
+  // CQnValidationException "Failed to process the element [%s]", with one line for each class, those without a tag
+  // included.
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;

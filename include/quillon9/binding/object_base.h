@@ -33,7 +33,9 @@ class QUILLON9_API IEventSink {
   ~IEventSink() = default;
 };
 
-/// Implemented by generated classes for nillable elements. The library finds it by a cast at run time.
+/// Implemented by generated classes for nillable elements. The library finds it by a cast at run time. A group without
+/// a tag inside such a class sees xsi:nil="false" too and refuses it unless it is nillable itself. Members that are
+/// values take no notice of xsi:nil.
 class QUILLON9_API INillable {
  public:
   /// Whether the element is nil: written with xsi:nil and without content.

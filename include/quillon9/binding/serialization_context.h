@@ -35,18 +35,24 @@ class QUILLON9_API CXmlSerializationContext {
   bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
   void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
 
-  /// Skip a child element that no descriptor takes instead of failing. Default false.
+  /// Accept child elements that no descriptor takes. Default false. They are skipped where they are left over, in front
+  /// of a mandatory element of a sequence (with whatever else stands there, elements of later members included), and in
+  /// front of the member of a choice. In front of other members they end the reading of the element without a failure,
+  /// as any unknown one does in an all group.
   bool GetIgnoreUnknownElements() const { return m_ignoreUnknownElements; }
   /// \throws CQnInvalidStateException when \p ignore is true and missing mandatory elements are ignored already:
   ///         the two exclude each other. The option keeps false.
   void SetIgnoreUnknownElements(bool ignore);
 
-  /// Accept that a mandatory element is absent. Default false; no effect on an all group.
+  /// Accept that a mandatory element is absent. Default false. It goes for values, enumerations and objects of known
+  /// classes with a tag, in a sequence of an element; not for an all group, abstract types, untyped content and groups
+  /// without a tag.
   bool GetIgnoreMissingMandatoryElements() const { return m_ignoreMissingMandatoryElements; }
   /// \throws CQnInvalidStateException when \p ignore is true and unknown elements are ignored already.
   void SetIgnoreMissingMandatoryElements(bool ignore);
 
-  /// Accept a choice with nothing set or found, on reading and writing. Default false.
+  /// Accept a choice with nothing set or found, on reading and writing. Default false. A choice with a member that is
+  /// not repeated is optional as a whole and needs no option.
   bool GetIgnoreMissingChoice() const { return m_ignoreMissingChoice; }
   void SetIgnoreMissingChoice(bool ignore) { m_ignoreMissingChoice = ignore; }
 
@@ -54,7 +60,8 @@ class QUILLON9_API CXmlSerializationContext {
   bool GetIgnoreInvalidCollectionCounts() const { return m_ignoreInvalidCollectionCounts; }
   void SetIgnoreInvalidCollectionCounts(bool ignore) { m_ignoreInvalidCollectionCounts = ignore; }
 
-  /// Match elements by local name alone. True when set, and for a schema without namespaces in any case.
+  /// Match elements, and attributes that are enumerations, by local name alone. True when set, and for a schema without
+  /// namespaces in any case. Other attributes and untyped content are matched as always.
   bool GetIgnoreNamespaces() const { return m_ignoreNamespaces || m_schemaType == SchemaType_DTD; }
   void SetIgnoreNamespaces(bool ignore) { m_ignoreNamespaces = ignore; }
 

@@ -33,8 +33,9 @@ using Quillon9::QnVariant;
 
 /// Makes an object of the class with this number, bearing this element name. Never null. Generated code.
 using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classId, char const* elementName);
-/// Makes an object of the class that suits the element, by its name or its xsi:type; null when none does.
-/// Generated.
+/// Makes an object of the class that suits the element, by its xsi:type for instance; null when none does. Generated
+/// code. A descriptor asks for elements of its own name only; the members of a substitution group, which have other
+/// names, are a choice, or a collection that knows their names.
 using ElementFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
 /// The two directions of a generated enumeration.
 using EnumToText = char const* (*)(int value);
@@ -542,7 +543,8 @@ class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
 
 /// A new CElement is made for each try, and stored when it took the element.
 /// \throws CQnInvalidNamespaceException from every read with an element left when the namespace of
-///         GetAnyDefaultNamespace() does not pass the restriction.
+///         GetAnyDefaultNamespace() does not pass the restriction: for "##other" with an empty target namespace in a
+///         holder that has a namespace.
 class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
  public:
   CElementInfoSeqUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
@@ -655,8 +657,9 @@ class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
   XmlElementType m_childType;
 };
 
-/// Under a name other than "AnyElement": the run of siblings with that name and the namespace of the first. The
-/// collection must be a CElementCol; CQnException otherwise.
+/// Under the name "AnyElement" it takes everything that is left, so it stands last; under another one the run of
+/// siblings with that name and the namespace of the first, for which the collection must be a CElementCol (CQnException
+/// otherwise). A CElementCol restricts no namespace and has no limits.
 class QUILLON9_API CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
  public:
   using CElementInfoSeqCol::CElementInfoSeqCol;
