@@ -1,0 +1,369 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "quillon9/quillon9.h"
+
+/// The classes of shapes.xsd, one for each of its complex types and for each choice or sequence that is no type's
+/// whole content. The latter have no tag: their content stands among the children of the enclosing element.
+///
+/// Texts are in the code page of the process locale. Values that may be absent are optional, objects that may be are
+/// null. Reading tests no facets; writing does. What getters return stays its object's, and a read replaces it.
+/// Objects live in CSmartPtr; one graph of them belongs to one thread at a time.
+namespace Drawings {
+
+static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
+
+/// The tables that the objects of one class share.
+class CMetaData;
+
+/// The numbers under which the tables know the properties of the classes.
+enum Property {
+  Property_anchor,
+  Property_author,
+  Property_cartesian,
+  Property_colour,
+  Property_created,
+  Property_fill,
+  Property_from,
+  Property_height,
+  Property_id,
+  Property_label,
+  Property_meta,
+  Property_phi,
+  Property_point,
+  Property_polar,
+  Property_position,
+  Property_r,
+  Property_radius,
+  Property_shape,
+  Property_text,
+  Property_to,
+  Property_units,
+  Property_width,
+  Property_x,
+  Property_y
+};
+
+/// What the classes have in common.
+class CDrawingObject : public Quillon9::CXmlGeneratedClass {
+ public:
+  using CXmlGeneratedClass::GetBase;
+  Quillon9::CXmlObjectBase* GetBase() override { return this; }
+  std::string GetTargetNamespace() const override;
+  std::string GetNamespace() const override;
+  Quillon9Data::CParentElementInfo* GetClassInfo() const override;
+  Quillon9Data::CElementInfo** GetClassElementInfo() const override;
+  Quillon9Data::CAttributeInfo** GetClassAttributeInfo() const override;
+
+ protected:
+  CDrawingObject(char const* elementName, CMetaData& metaData) : m_metaData(metaData) { SetElementName(elementName); }
+
+ private:
+  CMetaData& m_metaData;
+};
+
+class CPoint;
+class CShapeType;
+
+/// Objects in document order. It is its owner's for life: reading empties and fills it.
+template <class Item>
+class CItemCol : public Quillon9::CXmlCollection {
+ public:
+  /// Walks the items.
+  class Iterator {
+   public:
+    explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
+    Item& operator*() const { return static_cast<Item&>(*m_node->m_item); }
+    Iterator& operator++() {
+      m_node = m_node->m_next;
+      return *this;
+    }
+    bool operator!=(Iterator const& other) const { return m_node != other.m_node; }
+
+   private:
+    Quillon9::CNode* m_node;
+  };
+
+  /// \p minOccurs or more. Messages call them \p elementName.
+  CItemCol(char const* elementName, int minOccurs);
+
+  Iterator begin() const { return Iterator(GetFirstNode()); }
+  Iterator end() const { return Iterator(nullptr); }
+
+ protected:
+  void ToXml_Int(Quillon9::CXmlWriter* writer, bool isRoot, char const* ns,
+                 Quillon9::CXmlSerializationContext const& ctx, bool inChoice) const override;
+  Quillon9::CXmlElement* FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
+                                     Quillon9::CXmlSerializationContext const& ctx, bool inChoice) override;
+};
+
+// Points read otherwise than shapes.
+template <>
+Quillon9::CXmlElement* CItemCol<CPoint>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
+                                                     Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
+template <>
+Quillon9::CXmlElement* CItemCol<CShapeType>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
+                                                         Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
+
+/// What a drawing tells of itself: an all group.
+class CMeta : public CDrawingObject {
+ public:
+  enum Units { Units_mm, Units_cm, Units_in };
+
+  explicit CMeta(char const* elementName);
+
+  std::string const& GetAuthor() const { return m_author; }
+  std::optional<Quillon9::CDateTime> const& GetCreated() const { return m_created; }
+  Units GetUnits() const { return m_units; }
+  /// The text of a unit in a document; null for a number that is none.
+  static char const* UnitsToText(int units);
+  /// \throws Quillon9::CQnInvalidValueException for a \p text that is none.
+  static int UnitsFromText(char const* text);
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  std::string m_author;
+  std::optional<Quillon9::CDateTime> m_created;
+  Units m_units = Units_mm;
+};
+
+/// A point by its coordinates. No tag.
+class CCartesian : public CDrawingObject {
+ public:
+  explicit CCartesian(char const* elementName);
+
+  double GetX() const { return m_x; }
+  double GetY() const { return m_y; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override { m_x = m_y = 0; }
+
+ private:
+  double m_x = 0;
+  double m_y = 0;
+};
+
+/// A point by distance and direction. No tag.
+class CPolar : public CDrawingObject {
+ public:
+  explicit CPolar(char const* elementName);
+
+  double GetR() const { return m_r; }
+  /// Degrees, counter-clockwise.
+  double GetPhi() const { return m_phi; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override { m_r = m_phi = 0; }
+
+ private:
+  double m_r = 0;
+  double m_phi = 0;
+};
+
+/// A choice: one of its members is set, the other is null. No tag.
+class CPoint : public CDrawingObject {
+ public:
+  explicit CPoint(char const* elementName);
+
+  CCartesian* GetCartesian() const { return m_cartesian; }
+  CPolar* GetPolar() const { return m_polar; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  CSmartPtr<CCartesian> m_cartesian;
+  CSmartPtr<CPolar> m_polar;
+};
+
+/// A choice, and one of its members is a choice again. No tag.
+class CPosition : public CDrawingObject {
+ public:
+  explicit CPosition(char const* elementName);
+
+  /// The id of another shape.
+  std::optional<std::string> const& GetAnchor() const { return m_anchor; }
+  CPoint* GetPoint() const { return m_point; }
+  /// Setters unset the member when \p value is absent or null. SetPoint() shares \p value with the caller.
+  /// \throws Quillon9::CQnInvalidStateException when the other member is set.
+  void SetAnchor(std::optional<std::string> value);
+  void SetPoint(CPoint* value);
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  std::string m_selected;  // the member that is set; empty for none
+  std::optional<std::string> m_anchor;
+  CSmartPtr<CPoint> m_point;
+};
+
+/// A nillable text.
+class CLabel : public CDrawingObject, public Quillon9::INillable {
+ public:
+  explicit CLabel(char const* elementName);
+
+  /// Empty when it is nil.
+  std::string const& GetText() const { return m_text; }
+  bool IsNil() const override { return m_nil; }
+  void SetNil(bool nil) override { m_nil = nil; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  std::string m_text;
+  bool m_nil = false;
+};
+
+/// Abstract: a CSolidFill or a CGradientFill, as xsi:type says.
+class CFillType : public CDrawingObject {
+ protected:
+  using CDrawingObject::CDrawingObject;
+};
+
+class CSolidFill : public CFillType {
+ public:
+  explicit CSolidFill(char const* elementName);
+
+  /// A number sign and six hexadecimal digits in lower case: red, green, blue.
+  std::string const& GetColour() const { return m_colour; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override { m_colour.clear(); }
+
+ private:
+  std::string m_colour;
+};
+
+class CGradientFill : public CFillType {
+ public:
+  explicit CGradientFill(char const* elementName);
+
+  std::string const& GetFrom() const { return m_from; }
+  std::string const& GetTo() const { return m_to; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  std::string m_from;
+  std::string m_to;
+};
+
+/// Abstract: the head of the substitution group.
+class CShapeType : public CDrawingObject {
+ public:
+  std::string const& GetId() const { return m_id; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override { m_id.clear(); }
+
+ protected:
+  using CDrawingObject::CDrawingObject;
+
+ private:
+  std::string m_id;
+};
+
+/// Abstract: a shape that is filled.
+class CAreaType : public CShapeType {
+ public:
+  CLabel* GetLabel() const { return m_label; }
+  /// Never null.
+  CPosition* GetPosition() const { return m_position; }
+  /// Null in a new object alone.
+  CFillType* GetFill() const { return m_fill; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ protected:
+  CAreaType(char const* elementName, CMetaData& metaData);
+
+ private:
+  CSmartPtr<CLabel> m_label;
+  CSmartPtr<CPosition> m_position;
+  CSmartPtr<CFillType> m_fill;
+};
+
+class CCircle : public CAreaType {
+ public:
+  explicit CCircle(char const* elementName);
+
+  double GetRadius() const { return m_radius; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  double m_radius = 0;
+};
+
+class CRectangle : public CAreaType {
+ public:
+  explicit CRectangle(char const* elementName);
+
+  double GetWidth() const { return m_width; }
+  double GetHeight() const { return m_height; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  double m_width = 0;
+  double m_height = 0;
+};
+
+/// A choice of two collections: one of them is empty. (If neither is, the points are written.)
+class CPolyline : public CShapeType {
+ public:
+  explicit CPolyline(char const* elementName);
+
+  CItemCol<CPoint>* GetPoint() const { return m_point; }
+  /// Ids of other shapes.
+  Quillon9::CstringCol* GetAnchor() const { return m_anchor; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  CSmartPtr<CItemCol<CPoint>> const m_point;
+  CSmartPtr<Quillon9::CstringCol> const m_anchor;
+};
+
+/// A whole drawing, the type of the document element.
+class CDrawing : public CDrawingObject {
+ public:
+  explicit CDrawing(char const* elementName = "drawing");
+
+  /// Never null.
+  CMeta* GetMeta() const { return m_meta; }
+  CItemCol<CShapeType>* GetShape() const { return m_shape; }
+
+  void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
+  void Init() override;
+
+ private:
+  CSmartPtr<CMeta> m_meta;
+  CSmartPtr<CItemCol<CShapeType>> const m_shape;
+};
+
+/// Makes objects: of the class that a table names by number, or that an element asks for.
+class CClassFactory : public Quillon9::CClassfactoryBase {
+ public:
+  enum ClassId { ClassId_Meta, ClassId_Cartesian, ClassId_Polar, ClassId_Point, ClassId_Position, ClassId_Label };
+
+  /// \throws Quillon9::CQnInvalidParamException for an unknown number.
+  static CSmartPtr<Quillon9::CXmlObjectBase> CreateObject(int classId, char const* elementName);
+  /// By the name of \p element, which is not null; null when no shape has it.
+  static CSmartPtr<Quillon9::CXmlObjectBase> CreateShape(Quillon9::CXmlElement* element);
+  /// By the xsi:type of \p element, which is not null; null when no fill has it.
+  static CSmartPtr<Quillon9::CXmlObjectBase> CreateFill(Quillon9::CXmlElement* element);
+};
+
+}  // namespace Drawings
