@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <memory>
 
+#include "binding/deferred_release.h"
 #include "quillon9/binding/exceptions.h"
 
 namespace Quillon9 {
@@ -55,6 +56,7 @@ void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
 template <class Fire>
 void CXmlCollectionBase::ForEachListener(Fire fire) {
   if (m_listeners.empty()) return;
+  DeferredRelease::Pause const pause;
   std::vector<IEventSink*> const listeners = m_listeners;
   for (IEventSink* const sink : listeners) {
     if (std::find(m_listeners.begin(), m_listeners.end(), sink) != m_listeners.end()) fire(sink);

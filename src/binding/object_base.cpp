@@ -9,6 +9,12 @@
 
 namespace Quillon9 {
 
+namespace {
+
+char const* OrEmpty(char const* text) { return text != nullptr ? text : ""; }
+
+}  // namespace
+
 CXmlObjectBase::CXmlObjectBase() = default;
 CXmlObjectBase::~CXmlObjectBase() = default;
 
@@ -33,15 +39,15 @@ int CXmlObjectBase::Release() {
 
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
                                           char const* name, char const* ns) const {
-  return IsElementNamed(ctx, element, name, ns);
+  return IsElementNamed(ctx, element, OrEmpty(name), OrEmpty(ns));
 }
 
 bool CXmlObjectBase::IsNamespaceValid(char const* ns, char const* list, char const* target) const {
-  return CXmlObjectHelper::IsNamespaceValid(ns, list, target);
+  return CXmlObjectHelper::IsNamespaceValid(OrEmpty(ns), OrEmpty(list), OrEmpty(target));
 }
 
 void CXmlObjectBase::TestNamespace(char const* ns, char const* list, char const* target) const {
-  CXmlObjectHelper::TestNamespace(ns, list, target);
+  CXmlObjectHelper::TestNamespace(OrEmpty(ns), OrEmpty(list), OrEmpty(target));
 }
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,

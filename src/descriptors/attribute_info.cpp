@@ -140,14 +140,17 @@ void CAttributeInfoEnum::Validate(CXmlSerializationContext const&, bool found) c
 CAttributeInfoAny::CAttributeInfoAny(char const* name, char const* ns, int index, bool optional,
                                      char const* restriction, char const* targetNamespace, char const* defaultValue)
     : CAttributeInfo(name, ns, index, optional, defaultValue),
-      m_namespaceRestriction(restriction),
-      m_targetNamespace(targetNamespace) {}
+      m_namespaceRestriction(restriction != nullptr ? restriction : ""),
+      m_targetNamespace(targetNamespace != nullptr ? targetNamespace : "") {}
 
 CAttributeInfoAny::~CAttributeInfoAny() = default;
 
 namespace {
 
-[[noreturn]] void ThrowNoAttributeCollection() {
+CAttributeCol& AttributesOf(QnVariant const& value) {
+  bool const isObject = value.GetItemType() == ItemType_xmlCollection || value.GetItemType() == ItemType_xmlObject;
+  auto* const attributes = isObject ? dynamic_cast<CAttributeCol*>(value.GetXmlObject().Get()) : nullptr;
+  if (attributes != nullptr) return *attributes;
   throw CQnException("Serialization Data Error : The collection should be a CAttributeCol, it was not!");
 }
 
@@ -158,9 +161,7 @@ void CAttributeInfoAny::AttributeToXml(CXmlSerializationContext const& ctx, CXml
   QnVariant value;
   ReadProperty(holder, value);
   std::string const ns = GetTargetNamespace(holder);
-  CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
-  if (!collection) ThrowNoAttributeCollection();
-  ToXml_Int(collection.Get(), writer, false, ns.c_str(), ctx);
+  ToXml_Int(&AttributesOf(value), writer, false, ns.c_str(), ctx);
 }
 
 bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass* holder,
@@ -168,10 +169,8 @@ bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGe
   TestNamespace(attribute->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace);
   QnVariant value;
   AccessProperty(holder, true, value);
-  auto* const collection = dynamic_cast<CAttributeCol*>(value.GetXmlCollection().Get());
-  if (collection == nullptr) ThrowNoAttributeCollection();
-  collection->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
-                  attribute->GetNamespaceURI().c_str());
+  AttributesOf(value).Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+                          attribute->GetNamespaceURI().c_str());
   return true;
 }
 

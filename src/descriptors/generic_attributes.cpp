@@ -85,8 +85,9 @@ CSmartPtr<CAttribute> CAttributeCol::Item(int index) const {
 }
 
 CSmartPtr<CAttribute> CAttributeCol::Find(char const* name, char const* ns) const {
+  std::string const wanted = OrEmpty(name);
   for (CAttribute& attribute : *this) {
-    if (attribute.GetName() == name && (ns == nullptr || attribute.GetNamespace() == ns)) return &attribute;
+    if (attribute.GetName() == wanted && (ns == nullptr || attribute.GetNamespace() == ns)) return &attribute;
   }
   return nullptr;
 }
@@ -98,6 +99,7 @@ void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeri
 
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const&,
                                         bool) {
+  if (parent == nullptr) return cursor;
   for (CXmlAttribute const* attribute : parent->GetAttributes()) {
     std::string const& ns = attribute->GetNamespaceURI();
     if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {

@@ -1,6 +1,6 @@
 #include <utility>
-#include <vector>
 
+#include "binding/deferred_release.h"
 #include "binding/nesting_guard.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -20,23 +20,6 @@ bool IsWildcard(std::string const& text) {
 
 /// Bounds what recurses over elements within elements.
 NestingGuard Descend() { return NestingGuard(true); }
-
-/// Children whose parents are being destroyed on this thread. The first parent frees them one after the other, so that
-/// the depth of a tree, which may be the choice of a document, costs no stack.
-thread_local std::vector<CSmartPtr<CElementCol>>* t_orphans = nullptr;
-
-void FreeChildren(CSmartPtr<CElementCol>& children) {
-  if (t_orphans != nullptr) return t_orphans->push_back(children);
-  std::vector<CSmartPtr<CElementCol>> orphans;
-  orphans.push_back(children);
-  children = nullptr;
-  t_orphans = &orphans;
-  while (!orphans.empty()) {
-    CSmartPtr<CElementCol> const next = orphans.back();
-    orphans.pop_back();
-  }
-  t_orphans = nullptr;
-}
 
 }  // namespace
 
@@ -68,7 +51,7 @@ CElement::CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInst
 
 CElement::~CElement() {
   try {
-    FreeChildren(m_elements);
+    DeferredRelease::Release(m_elements);
   } catch (...) {  // no memory for the list: they go with this element, at the cost of stack
   }
 }
@@ -130,8 +113,8 @@ CSmartPtr<CElement> CElement::Clone() const {
 void CElement::SetNamespaceRestrictions(char const* restriction, char const* targetNamespace) {
   std::string const list = OrEmpty(restriction);
   std::string const target = OrEmpty(targetNamespace);
+  NestingGuard const guard = Descend();
   try {
-    NestingGuard const guard = Descend();
     CXmlObjectHelper::TestNamespace(m_namespace, list, target);
     for (CAttribute const& attribute : *m_attributes) {
       CXmlObjectHelper::TestNamespace(attribute.GetNamespace(), list, target);
@@ -147,6 +130,10 @@ void CElement::SetNamespaceRestrictions(char const* restriction, char const* tar
 }
 
 // ---- Reading
+
+void CElement::FromXml(char const* text, CXmlSerializationContext const& ctx) { CXmlObjectBase::FromXml(text, ctx); }
+
+void CElement::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) { CXmlObjectBase::FromXml(text, ctx); }
 
 void CElement::FromXml(char const* text) {
   CXmlDocument document(CXmlSerializationContext::m_defaultContext);
@@ -255,8 +242,9 @@ CSmartPtr<CElement> CElementCol::Item(int index) const {
 }
 
 CSmartPtr<CElement> CElementCol::Find(char const* name, char const* ns) const {
+  std::string const wanted = OrEmpty(name);
   for (CElement& element : *this) {
-    if (element.GetName() == name && (ns == nullptr || element.GetNamespace() == ns)) return &element;
+    if (element.GetName() == wanted && (ns == nullptr || element.GetNamespace() == ns)) return &element;
   }
   return nullptr;
 }

@@ -5,8 +5,8 @@
 
 namespace Quillon9 {
 
-/// Converts text from UTF-8 as CEncoder does, with the locale looked at once, for readers that convert many pieces: that
-/// and the search for ASCII in blocks of eight bytes are two fifths of the speed of reading.
+/// Converts text from UTF-8 as CEncoder does, with the locale looked at once, for readers that convert many pieces:
+/// that and the search for ASCII in blocks of eight bytes are two fifths of the speed of reading.
 class CUtf8ToLocal {
  public:
   /// Takes the locale and the switch of ASCIIOnly(bool) as they are now.

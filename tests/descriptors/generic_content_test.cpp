@@ -194,6 +194,33 @@ TEST(AnyAttribute, TakesWhatItsRestrictionAdmits) {
       ReadBack(object, "<root p:x='2' xmlns:p='urn:o'/>"));
 }
 
+TEST(Element, WhatAListenerDropsDuringADestructionIsGoneAtOnce) {
+  struct Counter : IEventSink {
+    void OnEvent(CXmlObjectBase*, MsgType, void*) override { ++m_events; }
+    int m_events = 0;
+  } counter;
+  struct Dropper : IEventSink {
+    void OnEvent(CXmlObjectBase*, MsgType, void*) override {
+      m_other = nullptr;
+      m_seen = m_counter->m_events;
+    }
+    CSmartPtr<CElement> m_other;
+    Counter* m_counter = nullptr;
+    int m_seen = 0;
+  } dropper;
+  dropper.m_counter = &counter;
+  CSmartPtr<CElement> first(new CElement("first"));
+  first->GetElements()->Add("child", "")->GetElements()->AddEventListener(&dropper);
+  first->FindElement("child")->GetElements()->Add("leaf", "");
+  dropper.m_other = new CElement("other");
+  dropper.m_other->GetElements()->Add("inner", "")->GetElements()->AddEventListener(&counter);
+  dropper.m_other->FindElement("inner")->GetElements()->Add("leaf", "");
+  counter.m_events = 0;
+  first = nullptr;
+  EXPECT_EQ(3, dropper.m_seen) << "removal, its completion and the change";
+  EXPECT_EQ(3, counter.m_events);
+}
+
 TEST(Element, DepthCostsNoStackAndIsBounded) {
   CSmartPtr<CElement> root(new CElement("r"));
   CElement* innermost = root.Get();

@@ -115,7 +115,7 @@ class QUILLON9_API CAttributeInfoAny : public CAttributeInfo {
   ~CAttributeInfoAny() override;
 
   /// \throws CQnException "Serialization Data Error : The collection should be a CAttributeCol, it was not!" when the
-  ///         property holds no collection.
+  ///         property holds anything else.
   void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                       CXmlWriter* writer) const override;
   /// Always true.

@@ -18,8 +18,8 @@
 ///
 /// A namespace restriction is "##any", "##other", "##local", "##targetNamespace", a URI or a blank-separated list of
 /// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Everything here belongs to one thread at a time;
-/// only the reference counts are locked. Texts and names are borrowed and copied; null ones are empty where nothing
-/// else is said.
+/// only the reference counts are locked. A `char const*` is borrowed and copied, and a null one is an empty text where
+/// nothing else is said.
 namespace Quillon9 {
 
 /// One attribute: a name, a value, a namespace.
@@ -157,10 +157,10 @@ class CElementCol;
 /// FromXml() through a pointer to the base) hand an object the children of the root, so that one of this class takes
 /// the first child of the root, with its content, and nothing when there is none.
 ///
-/// An element that is nested deeper than CLimits::GetMaxElementDepth() can be neither read, copied nor written
-/// (CQnException "The element nesting exceeds the limit of %u levels").
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Woverloaded-virtual"  // FromXml() stands for those of the base on purpose
+/// An element that is nested deeper than CLimits::GetMaxElementDepth() can be neither read, copied, written nor tested
+/// for its namespaces (CQnException "The element nesting exceeds the limit of %u levels"). The name of the base,
+/// GetElementName(), plays no part here. Events of inner collections in a destruction come after those of the outer
+/// ones.
 class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
  public:
   // A null name, restriction or target namespace is a CQnInvalidNamespaceException "Element Name must have a value",
@@ -190,6 +190,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
   void CopyXmlElement(CXmlElement const* element);
   /// A copy without the default namespace.
+  /// \throws CQnInvalidNamespaceException as the constructor, where CopyXmlElement() brought a namespace that the
+  ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
 
   std::string const& GetName() const { return m_name; }
@@ -205,8 +207,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
   std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
 
-  /// The attributes and the children, which live as long as this element; never null. Both admit every namespace,
-  /// whatever the restriction of this element is.
+  /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
+  /// element; never null. Both admit every namespace, whatever the restriction of this element is.
   CAttributeCol* GetAttributes() const { return m_attributes.Get(); }
   CElementCol* GetElements() const { return m_elements.Get(); }
   /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
@@ -241,6 +243,10 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
                            bool inChoice) override;
 
  private:
+  // Those of the base, which read the first child of the root. Private, lest they are taken for the one above.
+  void FromXml(char const* text, CXmlSerializationContext const& ctx) override;
+  void FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) override;
+
   void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
@@ -254,7 +260,6 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   CSmartPtr<CElementCol> m_elements;
   std::string m_defaultNamespace;
 };
-#pragma GCC diagnostic pop
 
 /// The children of a CElement, or the content of a repeated element wildcard.
 class QUILLON9_API CElementCol : public CXmlCollection {
@@ -272,7 +277,8 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// Append \p element, which becomes shared with the caller.
   /// \throws CQnInvalidParamException "The element to add may not be NULL".
   CSmartPtr<CElement> Add(CElement* element);
-  /// Append a new element in the collection's namespace.
+  /// Append a new element in the collection's namespace. For the children of an element without a namespace that is
+  /// "##any" as it stands, so that Add(name, "") is what is wanted there.
   /// \throws CQnInvalidStateException "A Namespace has not been set for this Collection".
   CSmartPtr<CElement> Add(char const* name);
   /// Append a new element.

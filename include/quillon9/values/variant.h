@@ -71,8 +71,8 @@ class QUILLON9_API QnVariant {
   void SetTime(CDateTime const& value);
   void SetChar(char value) { SetScalar(ItemType_char, value); }
   void SetString(std::string value);
-  /// Hold \p value without a copy, for readers that hand a text on: it must outlive this variant. Copies of the variant are
-  /// whole, and so is what it is moved to.
+  /// Hold \p value without a copy, for readers that hand a text on: it must outlive this variant. Copies of the variant
+  /// are whole, and so is what it is moved to.
   void BorrowString(std::string const& value);
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);

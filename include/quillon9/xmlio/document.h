@@ -210,8 +210,8 @@ class QUILLON9_API CXmlDocument {
   CXmlElement* AddChildElement(char const* namespaceUri, char const* localName);
   CXmlElement* AddChildElement(std::string_view namespaceUri, std::string_view localName);
   CXmlElement* AddChildElement(CXmlName const* name);
-  /// The name that all nodes of this document with these names share. It lives until Cleanup(), and as long as there is a
-  /// node of this document.
+  /// The name that all nodes of this document with these names share. It lives until Cleanup(), and as long as there is
+  /// a node of this document.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
