@@ -233,7 +233,8 @@ void CXmlTextWriter::WriteEndElement() {
     m_stream->Append("</");
     std::string const& namespaceUri = m_context->m_namespace;
     if (!namespaceUri.empty() && namespaceUri != m_context->GetDefaultNamespace()) {
-      m_stream->Append(m_context->GetNamespaceMapValue(namespaceUri));
+      std::string const* const prefix = m_context->FindPrefix(namespaceUri);
+      if (prefix != nullptr) m_stream->Append(*prefix);  // a default namespace that was changed meanwhile leaves none
       m_stream->Append(':');
     }
     m_stream->Append(m_context->m_elementName);

@@ -8,6 +8,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
+#include "xmlio/namespace_scope.h"
 
 namespace Quillon9 {
 
@@ -32,9 +33,6 @@ std::size_t GeneratedNumber(std::string_view prefix, std::size_t limit) {
   return number + shorter;
 }
 
-/// Names that begin with "xml" are reserved to the XML recommendations; generated ones are upper case throughout.
-bool IsReserved(std::string_view generated) { return generated.substr(0, 3) == "XML"; }
-
 }  // namespace
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
@@ -43,9 +41,28 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_namespace(namespaceUri),
       m_elementName(localName),
       m_parent(parent),
-      m_namespaceMap(parent->m_namespaceMap),
-      m_inherits(true),
-      m_ownsMap(false) {}
+      m_scopeInForce(parent->m_scopeInForce),
+      m_inherits(true) {}
+
+CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
+                                                 std::string const& defaultNamespace,
+                                                 std::map<std::string, std::string> const& map,
+                                                 CXmlWriterContext* parent)
+    : m_namespace(namespaceUri),
+      m_elementName(localName),
+      m_parent(parent),
+      m_defaultNamespace(defaultNamespace),
+      m_ownScope(new CNamespaceScope(map)),
+      m_scopeInForce(m_ownScope.get()),
+      m_inherits(false) {}
+
+CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
+  // A loop: how deep the chain is, the document decides.
+  for (CXmlWriterContext* context = m_parent; context != nullptr;) {
+    CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
+    delete std::exchange(context, parent);
+  }
+}
 
 void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::string const& namespaceUri,
                                           CXmlWriterContext* parent) {
@@ -56,37 +73,28 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
   m_namespace = namespaceUri;
   m_elementName = localName;
   m_parent = parent;
-  m_namespaceMap = parent->m_namespaceMap;
-}
-
-CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
-                                                 std::string const& defaultNamespace,
-                                                 std::map<std::string, std::string> const& map,
-                                                 CXmlWriterContext* parent)
-    : m_namespace(namespaceUri),
-      m_elementName(localName),
-      m_parent(parent),
-      m_defaultNamespace(defaultNamespace),
-      m_namespaceMap(new std::map<std::string, std::string>(map)),
-      m_inherits(false),
-      m_ownsMap(true) {}
-
-CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
-  // A loop: how deep the chain is, the document decides.
-  for (CXmlWriterContext* context = m_parent; context != nullptr;) {
-    CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
-    delete std::exchange(context, parent);
-  }
-  if (m_ownsMap) delete m_namespaceMap;
+  m_scopeInForce = parent->m_scopeInForce;
 }
 
 void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
   if (!m_inherits) return;
   std::string defaultNamespace = GetDefaultNamespace();
-  m_namespaceMap = new std::map<std::string, std::string>(GetNamespaceMap());
+  m_ownScope = std::make_unique<CNamespaceScope>(m_scopeInForce);
+  m_scopeInForce = m_ownScope.get();
   m_defaultNamespace = std::move(defaultNamespace);
-  m_ownsMap = true;
   m_inherits = false;
+}
+
+std::map<std::string, std::string> const& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const {
+  return m_scopeInForce->All();
+}
+
+std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& uri) const {
+  return m_scopeInForce->Find(uri);
+}
+
+std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
+  return m_scopeInForce->At(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
@@ -96,7 +104,12 @@ void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) 
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
   TakeOwnScope();
-  (*m_namespaceMap)[uri] = prefix;
+  m_scopeInForce->Bind(uri, prefix);
+}
+
+std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {
+  TakeOwnScope();
+  return m_scopeInForce->BindToGenerated(uri);
 }
 
 CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }
@@ -138,7 +151,7 @@ std::string CXmlWriter::GetUniquePrefix(std::map<std::string, std::string> const
   for (std::size_t number = 0;; ++number) {
     if (number < taken.size() && taken[number]) continue;
     std::string prefix = NsIntToString(static_cast<int>(number));
-    if (!IsReserved(prefix)) return prefix;
+    if (!IsReservedPrefix(prefix)) return prefix;
   }
 }
 
@@ -189,12 +202,9 @@ void CXmlWriter::RequireOpenElement() const {
 }
 
 std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew) {
-  std::map<std::string, std::string> const& bindings = context.GetNamespaceMap();
-  auto const found = bindings.find(uri);
-  isNew = found == bindings.end();
-  if (!isNew) return found->second;
-  context.SetNamespaceMapValue(uri, GetUniquePrefix(bindings));
-  return context.GetNamespaceMapValue(uri);
+  std::string const* const found = context.FindPrefix(uri);
+  isNew = found == nullptr;
+  return isNew ? context.BindToGenerated(uri) : *found;
 }
 
 std::string const& CXmlWriter::SchemaInstanceNamespace() {

@@ -229,6 +229,28 @@ TEST(WriterContext, SharesTheParentsScopeUntilItChanges) {
   EXPECT_EQ((Map{{"u", "q"}, {"v", ""}}), changed->GetNamespaceMap());
 }
 
+// Each namespace gets the prefix that a look through all bindings in force would give it.
+TEST(WriterContext, ManyNamespacesAreBoundInLinearTime) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  writer.SetFormat(false);
+  writer.WriteStartElement("r", "");
+  writer.AddNamespace("AC", "urn:chosen");
+  for (int i = 0; i < 7000; ++i) writer.WriteAttributeString("a", "urn:" + std::to_string(i), "", ItemType_string);
+  for (int i = 0; i < 7000; ++i) {
+    writer.WriteStartElement("e", "urn:child:" + std::to_string(i));
+    writer.WriteEndElement();
+  }
+  for (int i = 0; i < 700; ++i) writer.WriteStartElement("n", "urn:nested:" + std::to_string(i));
+  std::string const text = stream.GetText();
+  EXPECT_NE(std::string::npos, text.find(" xmlns:AB=\"urn:1\" AB:a=\"\" xmlns:AD=\"urn:2\" AD:a"));
+  std::string const next = CXmlWriter::NsIntToString(7001);
+  EXPECT_NE(std::string::npos, text.find("<" + next + ":e xmlns:" + next + "=\"urn:child:6999\"/>"));
+  EXPECT_NE(std::string::npos, text.find("<" + next + ":n xmlns:" + next + "=\"urn:nested:0\">"));
+  EXPECT_NE(std::string::npos, text.find("xmlns:" + CXmlWriter::NsIntToString(7002) + "=\"urn:nested:1\">"));
+  for (int i = 0; i < 701; ++i) writer.WriteEndElement();
+}
+
 TEST(WriterContext, DeepChainIsFreedWithoutRecursion) {
   auto* context = new Context("a", "", "", Map(), nullptr);
   for (int i = 0; i < 200000; ++i) context = new Context("a", "", context);

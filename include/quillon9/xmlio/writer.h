@@ -2,12 +2,15 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
 
 namespace Quillon9 {
+
+class CNamespaceScope;
 
 /// Abstract target of everything that produces a document; callers never learn which format comes out. The base
 /// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes
@@ -124,27 +127,32 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The default namespace in force, empty for none.
   std::string const& GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
   /// The bindings in force, URI to prefix.
-  std::map<std::string, std::string> const& GetNamespaceMap() const { return *Scope()->m_namespaceMap; }
+  std::map<std::string, std::string> const& GetNamespaceMap() const;
+  /// The prefix of \p uri in the bindings in force, or null. Valid until \p uri is bound anew. Cheaper than a look into
+  /// GetNamespaceMap(), which is put together when it is asked for.
+  std::string const* FindPrefix(std::string const& uri) const;
+  /// What stands for the bindings in force: equal pointers mean the same bindings, as long as none is added.
+  void const* GetScope() const { return m_scopeInForce; }
   /// Set the default namespace for this element and what is inside it.
   void SetDefaultNamespace(std::string const& uri);
   /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
   void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
   /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
   /// look into GetNamespaceMap() first.
-  std::string& GetNamespaceMapValue(std::string const& uri) { return (*Scope()->m_namespaceMap)[uri]; }
+  std::string& GetNamespaceMapValue(std::string const& uri);
   std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
 
-  unsigned long m_childCount = 0;                      ///< child elements started inside this element
-  bool m_tagOpen = true;                               ///< attributes may still come
-  std::uint32_t m_depth = 0;                           ///< 0 for the document element
-  std::string m_namespace;                             ///< URI of this element
-  std::string m_elementName;                           ///< local name of this element
-  CXmlWriterContext* m_parent;                         ///< enclosing element, owned while linked
-  bool m_attributesWritten = false;                    ///< for formats that close a list of attributes
-  std::string m_defaultNamespace;                      ///< meaningful only when not inheriting
-  std::map<std::string, std::string>* m_namespaceMap;  ///< own map, or the one in force where this element started
-  bool m_inherits;                                     ///< default namespace and map are those of the parent
-  bool m_ownsMap;                                      ///< the map is this context's to delete
+  unsigned long m_childCount = 0;               ///< child elements started inside this element
+  bool m_tagOpen = true;                        ///< attributes may still come
+  std::uint32_t m_depth = 0;                    ///< 0 for the document element
+  std::string m_namespace;                      ///< URI of this element
+  std::string m_elementName;                    ///< local name of this element
+  CXmlWriterContext* m_parent;                  ///< enclosing element, owned while linked
+  bool m_attributesWritten = false;             ///< for formats that close a list of attributes
+  std::string m_defaultNamespace;               ///< meaningful only when not inheriting
+  std::unique_ptr<CNamespaceScope> m_ownScope;  ///< null as long as this element bound nothing
+  CNamespaceScope* m_scopeInForce;              ///< the own one, or that of the parent
+  bool m_inherits;                              ///< default namespace and bindings are those of the parent
 
  private:
   /// The nearest context, this one included, that has a scope of its own.
@@ -154,6 +162,7 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
     return context;
   }
   void TakeOwnScope();
+  std::string const& BindToGenerated(std::string const& uri);
   /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing.
   void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
   friend class CXmlWriter;
