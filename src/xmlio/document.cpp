@@ -229,6 +229,11 @@ void CXmlDocument::EndElement() {
   if (!m_elementStack.empty()) delete m_elementStack.back()->RemoveLastChildElement();
 }
 
+void CXmlDocument::CloseElement() {
+  OpenElementOrThrow();
+  m_elementStack.pop_back();
+}
+
 CXmlElement* CXmlDocument::OpenElementOrThrow() const {
   if (m_elementStack.empty()) throw CQnException("No element is open");
   return m_elementStack.back();

@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "fastinfoset/reader.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
@@ -128,7 +129,8 @@ void CXmlDocument::AllocateInput(unsigned long size) {
 
 void CXmlDocument::Parse() {
   CQnZip::Decompress(&m_inputData, &m_inputSize);
-  ParseText();
+  CFastInfosetReader reader(*m_context.GetFIContext(), *this);
+  if (!reader.Parse()) ParseText();
 }
 
 void CXmlDocument::ParseText() {

@@ -15,7 +15,8 @@ class QUILLON9_API CLimits {
   static std::uint32_t GetMaxElementDepth();
   static void SetMaxElementDepth(std::uint32_t depth);
 
-  /// Most bytes that one compressed input may grow to. Default 1 GiB: a few megabytes of gzip can hold 4 GiB.
+  /// Most bytes that one compressed input may grow to. Default 1 GiB: a few megabytes of gzip can hold 4 GiB. Also
+  /// the most bytes that the references of one Fast Infoset document to long texts in its tables may repeat.
   static std::uint32_t GetMaxDecompressedSize();
   static void SetMaxDecompressedSize(std::uint32_t bytes);
 };

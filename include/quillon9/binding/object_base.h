@@ -6,6 +6,7 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
+#include "quillon9/fastinfoset/declaration.h"
 #include "quillon9/fwd.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/compression.h"
@@ -81,6 +82,14 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                          XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
                          CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                          CompressionType compression = CompressionType_None) const;
+  /// Write a document to the file \p path, as ToFastInfosetStream() makes it. The file is touched only when the document
+  /// is complete.
+  /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
+  ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToFastInfosetStream()
+  ///         throws.
+  virtual void ToFastInfosetFile(char const* path, FInfoDecl decl = FInfoDecl_None,
+                                 CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
+                                 CompressionType compression = CompressionType_None) const;
   /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted
   /// one element a line, indented by tabs. Only where the code page is UTF-8, or the text pure ASCII, can the
   /// result be read back by FromXml(), which takes undeclared text as UTF-8; ToXmlStream() and FromXmlStream()
@@ -95,8 +104,16 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                                   XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
                                   CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                                   CompressionType compression = CompressionType_None) const;
+  /// Write a document as Fast Infoset (Rec. ITU-T X.891), with the options of the context's GetFIContext(), compressed
+  /// where asked for. \p decl is the XML declaration in front of it.
+  /// \throws CQnValidationException as ToXml(), the cause being one of CFastInfosetWriter for a value that its encoding
+  ///         does not fit; CQnException "Failed to write FastInfoset. Invalid declaration value [%d]", and "Failed to
+  ///         compress data. [Error Code: %d]" for a document that compression does not make shorter.
+  virtual CBinaryData ToFastInfosetStream(
+      FInfoDecl decl = FInfoDecl_None, CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
+      CompressionType compression = CompressionType_None) const;
 
-  /// Read the document in the file \p path, which may be compressed by gzip or zlib.
+  /// Read the document in the file \p path: XML text or Fast Infoset, which may be compressed by gzip or zlib.
   virtual void FromXmlFile(char const* path,
                            CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read a document from NUL-terminated text in the encoding that it declares (UTF-8 when it declares none,
@@ -106,7 +123,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// Read a document from NUL-terminated wide text. Characters above U+FFFF are cut to 16 bits.
   virtual void FromXml(wchar_t const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read a document from \p length bytes, which may be compressed by gzip or zlib. They are copied.
+  /// Read a document from \p length bytes: XML text or Fast Infoset, which may be compressed by gzip or zlib. They are
+  /// copied.
   /// \throws CQnException "XML Stream is empty!" for none.
   virtual void FromXmlStream(unsigned char* data, unsigned long length,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);

@@ -6,6 +6,7 @@
 #include "quillon9/binding/namespace_alias_map.h"
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
+#include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"
 
 namespace Quillon9 {
@@ -89,6 +90,10 @@ class QUILLON9_API CXmlSerializationContext {
   std::string const& GetDefaultNamespaceURI() const { return m_defaultNamespaceURI; }
   void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri != nullptr ? uri : ""; }
 
+  /// The options of Fast Infoset, for direct changes. They live as long as this context.
+  CFastInfosetContext* GetFIContext() { return &m_fiContext; }
+  CFastInfosetContext const* GetFIContext() const { return &m_fiContext; }
+
   /// The prefixes to declare on the root, for direct changes. They live as long as this context.
   CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }
   CNamespaceAliasMap const* GetNamespaceAliases() const { return &m_namespaceAliases; }
@@ -121,6 +126,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_ignoreNamespaces = false;
   SchemaType m_schemaType = SchemaType_XSD;
   bool m_noOptionalAttributeDefaultOutput = false;
+  CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
 };
 

@@ -161,7 +161,7 @@ class QUILLON9_API CXmlDocument {
   CXmlDocument& operator=(CXmlDocument const&) = delete;
 
   /// Load XML text: the bytes of \p text up to its NUL, in the encoding that the document declares, UTF-8 if none.
-  /// Compressed input is not recognised here.
+  /// Compressed input and Fast Infoset are not recognised here.
   ///
   /// All four loads copy their input, and fail with CQnException on malformed XML
   /// ("[what expat says] at line [number]", the elements read so far stay until Cleanup()), beyond
@@ -172,10 +172,14 @@ class QUILLON9_API CXmlDocument {
   /// Load wide text. Each character counts with its low 16 bits, so one beyond the basic plane is to be given as a
   /// surrogate pair. A declared encoding must be UTF-16. Failures as above.
   void LoadXml(wchar_t const* text);
-  /// Load \p size bytes of XML text, as it is or in a gzip or zlib wrapper.
-  /// \throws CQnException "XML Stream is empty!" for no bytes or null; otherwise as above.
+  /// Load \p size bytes of XML text or Fast Infoset (Rec. ITU-T X.891), as they are or in a gzip or zlib wrapper. The
+  /// filter does not see the elements of Fast Infoset.
+  /// \throws CQnException "XML Stream is empty!" for no bytes or null; otherwise as above. For malformed Fast Infoset
+  ///         "Failed to parse FastInfoset. [reason]", also when its indices repeat more than
+  ///         CLimits::GetMaxDecompressedSize() bytes of text, or what CFastInfosetBinaryData says of encoded values.
+  ///         CQnUtf16Exception for a string in UTF-16 in it.
   void LoadXmlStream(unsigned char const* data, unsigned long size);
-  /// Load a file of XML text, as it is or in a gzip or zlib wrapper. It never waits for the writer of a pipe.
+  /// Load a file of XML text or Fast Infoset, as LoadXmlStream() does. It never waits for the writer of a pipe.
   /// \throws CQnException "Failed to open the file [%s]",
   ///         "Failed to get the size of the file [%s] Error [%s]" (a directory, a pipe),
   ///         "Failed to read the contents of the file [%s] Error [%s]" (also an empty file); otherwise as above.
@@ -216,6 +220,9 @@ class QUILLON9_API CXmlDocument {
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
   void EndElement();
+  /// Close the innermost open element, without the filter.
+  /// \throws CQnException "No element is open".
+  void CloseElement();
   /// The innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back(); }
   void AddElementAttribute(CXmlElement* element, std::string localName, std::string value, std::string namespaceUri);

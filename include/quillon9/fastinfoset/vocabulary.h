@@ -1,0 +1,184 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+/// The entries that every vocabulary is born with (Rec. ITU-T X.891, 7.2 and 9).
+inline constexpr char FI_DEFAULT_PREFIX[] = "xml";
+inline constexpr char FI_DEFAULT_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
+/// The built-in restricted alphabets. The exponent of the numeric one is in lower case here, so a number with `E` does
+/// not fit it, and a document that spells one in this alphabet is read with `e`.
+inline constexpr char RESTRICTED_ALPHABET_VALUES_NUMERIC[] = "0123456789-+.e ";
+inline constexpr char RESTRICTED_ALPHABET_VALUES_DATE_TIME[] = "0123456789-:TZ ";
+
+/// Numbers strings from 1 in the order in which they came. Made for the lookups of a writer: entries are never removed,
+/// and looking one up copies nothing. Belongs to one thread while it changes.
+class QUILLON9_API CFIIndexMap {
+ public:
+  /// The index of \p text, 0 when it is not here.
+  unsigned long Find(std::string_view text) const;
+  /// Give \p text the next index, unless it is here already.
+  void Insert(std::string_view text);
+  std::size_t size() const { return m_texts.size(); }
+  /// The index of the name whose key, as MakeQNameKey() makes it, is here; 0 when it is not. A name that was found
+  /// lately is found again without making the key.
+  unsigned long FindName(std::string_view prefix, std::string_view namespaceUri, std::string_view localName);
+  /// Put the key of a name into \p key: local name, a byte 1, namespace URI, a byte 1, prefix.
+  static void MakeQNameKey(std::string_view prefix, std::string_view namespaceUri, std::string_view localName,
+                           std::string& key);
+
+ private:
+  struct Slot {
+    std::uint32_t m_hash = 0;
+    std::uint32_t m_index = 0;  // 0: free
+  };
+
+  std::size_t SlotFor(std::string_view text, std::uint32_t hash) const;
+  void Grow();
+
+  std::vector<std::string> m_texts;
+  std::vector<Slot> m_slots;            // a power of two of them, at most half of them taken
+  std::vector<std::uint32_t> m_recent;  // indices of names, by the hash of the local name
+  std::string m_key;
+};
+
+/// The numbered tables of Fast Infoset (Rec. ITU-T X.891, 8): strings, names and values that a document refers to by
+/// index. Index N of a table is element N - 1 of its vector.
+///
+/// Writers look up values in the index maps and readers look up indices in the vectors. What is added by AddElement(),
+/// AddAttributeValue() and the like goes into both. A map or vector of 2^20 entries is full: it takes no more and says
+/// nothing. Nothing here throws anything but std::bad_alloc. One that nobody changes may be read by any thread.
+class QUILLON9_API CFIVocabulary {
+ public:
+  /// The most entries that a table can have.
+  static constexpr std::size_t kMaxEntries = std::size_t{1} << 20;
+
+  /// A name as three indices; 0 stands for a part that is absent.
+  struct CQNameParts {
+    unsigned long m_prefix = 0;
+    unsigned long m_namespace = 0;
+    unsigned long m_localName = 0;
+  };
+
+  /// A table of strings.
+  class QUILLON9_API CFIStringTable {
+   public:
+    CFIStringTable();
+    CFIStringTable(CFIStringTable const&);
+    CFIStringTable& operator=(CFIStringTable const&);
+    virtual ~CFIStringTable();
+
+    std::vector<std::string>::const_iterator begin() const { return m_strings.begin(); }
+    std::vector<std::string>::const_iterator end() const { return m_strings.end(); }
+    /// The entries themselves. What is changed through the second form is not followed by the index maps.
+    std::vector<std::string> const& GetVector() const { return m_strings; }
+    std::vector<std::string>& GetVector() { return m_strings; }
+
+   private:
+    std::vector<std::string> m_strings;
+  };
+
+  /// A table of qualified names.
+  class QUILLON9_API CFIQNameTable {
+   public:
+    CFIQNameTable();
+    CFIQNameTable(CFIQNameTable const&);
+    CFIQNameTable& operator=(CFIQNameTable const&);
+    virtual ~CFIQNameTable();
+
+    std::vector<CQNameParts>::const_iterator begin() const { return m_names.begin(); }
+    std::vector<CQNameParts>::const_iterator end() const { return m_names.end(); }
+    /// As for CFIStringTable.
+    std::vector<CQNameParts> const& GetVector() const { return m_names; }
+    std::vector<CQNameParts>& GetVector() { return m_names; }
+
+   private:
+    std::vector<CQNameParts> m_names;
+  };
+
+  /// The built-in entries only: one prefix, one namespace name, two restricted alphabets.
+  CFIVocabulary();
+  /// Copies every table.
+  CFIVocabulary(CFIVocabulary const& other);
+  CFIVocabulary& operator=(CFIVocabulary const& other);
+  virtual ~CFIVocabulary();
+
+  /// Add a name, and the strings it is made of where they are not there yet. \p prefix and \p namespaceUri may be
+  /// empty. A name that is there with the same three parts is not added again.
+  void AddElement(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
+  void AddAttribute(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
+
+  /// Add a string to the map and to the vector of its table. The vector takes it again if it is there already, while
+  /// the map keeps the first index: look for it first.
+  void AddElementValue(std::string const& value);
+  void AddAttributeValue(std::string const& value);
+  void AddLocalName(std::string const& value);
+  void AddNamespaceName(std::string const& value);
+  void AddPrefixName(std::string const& value);
+
+  /// Look for \p value. True when it is there, \p index being its index then; otherwise \p index is unchanged.
+  bool FindLocalNameIndex(std::string const& value, unsigned long& index) const;
+  bool FindNamespaceNameIndex(std::string const& value, unsigned long& index) const;
+  bool FindPrefixNameIndex(std::string const& value, unsigned long& index) const;
+  bool FindIndex(CFIIndexMap const& map, std::string_view value, unsigned long& index) const;
+
+  CFIQNameTable const& GetAttributeNamesTable() const { return m_attributeNames; }
+  CFIStringTable const& GetAttributeValuesTable() const { return m_attributeValues; }
+  CFIQNameTable const& GetElementNamesTable() const { return m_elementNames; }
+  CFIStringTable const& GetCharacterChunksTable() const { return m_characterChunks; }
+  CFIStringTable const& GetLocalNamesTable() const { return m_localNames; }
+  CFIStringTable const& GetNamespaceNamesTable() const { return m_namespaceNames; }
+  CFIStringTable const& GetPrefixNamesTable() const { return m_prefixNames; }
+  CFIQNameTable& GetAttributeNamesTable() { return m_attributeNames; }
+  CFIStringTable& GetAttributeValuesTable() { return m_attributeValues; }
+  CFIQNameTable& GetElementNamesTable() { return m_elementNames; }
+  CFIStringTable& GetCharacterChunksTable() { return m_characterChunks; }
+  CFIStringTable& GetLocalNamesTable() { return m_localNames; }
+  CFIStringTable& GetNamespaceNamesTable() { return m_namespaceNames; }
+  CFIStringTable& GetPrefixNamesTable() { return m_prefixNames; }
+  /// The texts of the restricted alphabets.
+  std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
+
+  /// The maps that a writer looks names and values up in. A name's key is CFIIndexMap::MakeQNameKey().
+  CFIIndexMap& GetAttributeNameIndex() { return m_attributeNameIndex; }
+  CFIIndexMap& GetAttributeValueIndex() { return m_attributeValueIndex; }
+  CFIIndexMap& GetElementNameIndex() { return m_elementNameIndex; }
+  CFIIndexMap& GetCharacterChunkIndex() { return m_characterChunkIndex; }
+
+  /// The steps that the operations above are made of, for one map or one vector.
+  void AddValueToMap(std::string_view value, CFIIndexMap& map);
+  void AddValueToVector(std::string const& value, std::vector<std::string>& vector);
+  void AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceIndex, unsigned long localIndex,
+                        std::vector<CQNameParts>& vector);
+  void AddQName(std::string const& prefix, std::string const& namespaceUri, std::string const& localName,
+                CFIIndexMap& map, std::vector<CQNameParts>& vector);
+
+ private:
+  void AddToTable(std::string const& value, CFIIndexMap& map, CFIStringTable& table);
+  unsigned long FindOrAdd(std::string const& value, CFIIndexMap& map, CFIStringTable& table);
+
+  std::vector<std::string> m_restrictedAlphabets;
+  CFIIndexMap m_attributeNameIndex;
+  CFIIndexMap m_attributeValueIndex;
+  CFIIndexMap m_elementNameIndex;
+  CFIIndexMap m_characterChunkIndex;
+  CFIIndexMap m_localNameIndex;
+  CFIIndexMap m_namespaceNameIndex;
+  CFIIndexMap m_prefixNameIndex;
+  CFIQNameTable m_attributeNames;
+  CFIStringTable m_attributeValues;
+  CFIQNameTable m_elementNames;
+  CFIStringTable m_characterChunks;
+  CFIStringTable m_localNames;
+  CFIStringTable m_namespaceNames;
+  CFIStringTable m_prefixNames;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "fastinfoset/constants.h"
+#include "quillon9/fwd.h"
+
+namespace Quillon9 {
+
+/// Fail with "Failed to write FastInfoset. " and \p reason.
+/// \throws CQnException always.
+[[noreturn]] void ThrowFastInfosetWriteFailure(std::string const& reason);
+
+/// The octets of a Fast Infoset document on their way to a stream, and the forms of integers and octet strings in Rec.
+/// ITU-T X.891, C.22 to C.28. A form is named by the bit of its first octet on which it begins, bit 1 being the most
+/// significant; \p leading holds the bits before it.
+class COctetSink {
+ public:
+  /// \p stream is borrowed.
+  explicit COctetSink(CBinaryStream& stream) : m_stream(stream) {}
+  COctetSink(COctetSink const&) = delete;
+  COctetSink& operator=(COctetSink const&) = delete;
+
+  void Octet(std::uint32_t octet) { m_octets += static_cast<char>(static_cast<unsigned char>(octet)); }
+  void Octets(std::string_view octets) { m_octets += octets; }
+  /// Hand over to the stream what has gathered here.
+  void Flush();
+  /// The same once a block of 4,096 octets has gathered. Each append to a stream locks, so octets go there in blocks.
+  void FlushIfFull() {
+    if (m_octets.size() >= kBlockSize) Flush();
+  }
+
+  /// \p value is 1 to 2^20, or from 0 for the last one.
+  void Integer1To2pw20Bit2(std::uint32_t leading, unsigned long value);
+  /// The longest form, above 526,368, stores one more than the standard's; readers of this library do not undo it.
+  void Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value);
+  void Integer1To2pw20Bit4(std::uint32_t leading, unsigned long value);
+  void Integer0To2pw20Bit2(std::uint32_t leading, unsigned long value);
+
+  /// The length and the octets.
+  /// \throws CQnException "Failed to write FastInfoset. An octet string may not be empty.", or
+  ///         "... An octet string is too long [%zu octets]" when the length does not fit in its 32 bits.
+  void NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view octets);
+  void NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets);
+  void NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets);
+
+ private:
+  static constexpr std::size_t kBlockSize = 4096;
+
+  void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
+  void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
+
+  CBinaryStream& m_stream;
+  std::string m_octets;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,293 @@
+#include "fastinfoset/reader.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <utility>
+
+#include "fastinfoset/algorithms.h"
+#include "fastinfoset/restricted_alphabet.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
+#include "quillon9/fastinfoset/context.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/encoder.h"
+
+namespace Quillon9 {
+
+namespace {
+
+/// A repeated text up to this size costs no more than the nodes of the tree that the same octets make.
+constexpr std::size_t kShortText = 256;
+
+constexpr std::uint32_t kBehindCharacterChunks = 0xC0;
+
+char const* Characters(std::uint8_t const* octets) { return reinterpret_cast<char const*>(octets); }
+
+/// Element \p index of a table, counted from 1.
+template <class Value>
+Value const& EntryOf(std::vector<Value> const& table, unsigned long index) {
+  if (index == 0 || index > table.size()) ThrowFastInfosetFailure("Invalid Index beyond its table.");
+  return table[index - 1];
+}
+
+[[noreturn]] void ThrowInvalidElement() { ThrowFastInfosetFailure("Invalid Encoding of Element type."); }
+
+}  // namespace
+
+CFastInfosetReader::CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document)
+    : m_options(options), m_document(document), m_source(document.GetInputData(), document.GetInputSize()) {}
+
+CFastInfosetReader::~CFastInfosetReader() = default;
+
+bool CFastInfosetReader::Parse() {
+  if (!ReadHeader()) return false;
+  if (m_options.GetUseGeneratedVocabulary()) {
+    m_vocabulary.emplace(m_options.GetVocabulary());
+  } else {
+    m_vocabulary.emplace();
+  }
+  ReadOptionalData();
+  ReadChildren();
+  return true;
+}
+
+// A missing last terminator is no failure once the element is complete, and what stands behind a terminator is not
+// looked at.
+void CFastInfosetReader::ReadChildren() {
+  bool hasElement = false;
+  while (!m_doubleTerminator && !(hasElement && m_source.GetLeft() == 0)) {
+    std::uint32_t const octet = m_source.Octet();
+    if (octet == fi::kTerminator || octet == fi::kDoubleTerminator) break;
+    if (octet < fi::kCharacterChunk) {
+      if (hasElement) ThrowFastInfosetFailure("Invalid Document type with more than one Element.");
+      ElementBit2(octet);
+      hasElement = true;
+    } else if (octet == fi::kProcessingInstruction) {
+      ProcessingInstruction();
+    } else if (octet == fi::kComment) {
+      SkipNonIdentifyingStringOrIndex();
+    } else if ((octet & fi::kTopSixBits) == fi::kDocumentTypeDeclaration) {
+      if (hasElement) ThrowFastInfosetFailure("Invalid Document type with Document Type Declaration behind Element.");
+      DocumentTypeDeclarationBit7(octet);
+    }
+  }
+  if (!hasElement) ThrowFastInfosetFailure("Invalid Document type without Element.");
+}
+
+// A loop, since the depth of the nesting is the document's choice: the document keeps the open elements.
+void CFastInfosetReader::ElementBit2(std::uint32_t octet) {
+  StartElement(octet);
+  while (CXmlElement* const element = m_document.GetOpenElement()) ReadContent(element, m_source.Octet());
+}
+
+void CFastInfosetReader::StartElement(std::uint32_t octet) {
+  bool const hasAttributes = (octet & fi::kHasAttributes) != 0;
+  if ((octet & fi::kLiteralElementName) == fi::kHasNamespaceAttributes) {
+    NamespaceAttributes();
+    octet = m_source.Octet();
+  }
+  auto const name = QualifiedNameOrIndexBit3(octet, m_vocabulary->GetElementNamesTable().GetVector());
+  char const* const namespaceUri = NamespaceOf(name).c_str();
+  char const* const localName = LocalNameOf(name).c_str();
+  CXmlElement* const element = m_document.GetDocumentElement() == nullptr
+                                   ? m_document.AddDocElement(namespaceUri, localName)
+                                   : m_document.AddChildElement(namespaceUri, localName);
+  if (hasAttributes) Attributes(element);
+}
+
+void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) {
+  if (octet < fi::kCharacterChunk) {
+    StartElement(octet);
+  } else if (octet < kBehindCharacterChunks) {
+    ReadCharacterChunk(element, octet);
+  } else if (octet == fi::kTerminator) {
+    m_document.CloseElement();
+  } else if (octet == fi::kDoubleTerminator) {
+    m_document.CloseElement();
+    m_doubleTerminator = m_document.GetOpenElement() == nullptr;
+    if (!m_doubleTerminator) m_document.CloseElement();
+  } else if (octet == fi::kProcessingInstruction) {
+    ProcessingInstruction();
+  } else if (octet == fi::kComment) {
+    SkipNonIdentifyingStringOrIndex();
+  } else if ((octet & fi::kTopSixBits) == fi::kUnexpandedEntityReference) {
+    UnexpandedEntityReferenceBit7(octet);
+  } else {
+    ThrowInvalidElement();
+  }
+}
+
+void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t octet) {
+  auto& table = m_vocabulary->GetCharacterChunksTable().GetVector();
+  if ((octet & fi::kIndexBit3) != 0) {
+    std::string const& text = Entry(table, m_source.Integer1To2pw20Bit4(octet));
+    m_document.AppendTextExcludingCR(element, text.data(), text.size());
+    return;
+  }
+  bool const addToTable = (octet & fi::kAddToTableBit3) != 0;
+  EncodedString const source = EncodedCharacterStringBit5(octet);
+  if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
+    char const* const utf8 = Characters(source.m_octets);
+    element->AppendUtf8TextExcludingCR({utf8, strnlen(utf8, source.m_length)});
+    return;
+  }
+  std::string text;
+  Decode(source, text);
+  m_document.AppendTextExcludingCR(element, text.data(), text.size());
+  if (addToTable) table.push_back(std::move(text));
+}
+
+void CFastInfosetReader::NamespaceAttributes() {
+  std::uint32_t octet = m_source.Octet();
+  for (; (octet & fi::kTopSixBits) == fi::kNamespaceAttribute; octet = m_source.Octet()) NamespaceAttributeBit7(octet);
+  if (octet != fi::kTerminator) ThrowInvalidElement();
+}
+
+void CFastInfosetReader::NamespaceAttributeBit7(std::uint32_t octet) {
+  auto& prefixes = m_vocabulary->GetPrefixNamesTable().GetVector();
+  auto& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
+  std::string prefix;
+  std::string namespaceUri;
+  if ((octet & fi::kHasPrefix) != 0) prefix = Entry(prefixes, IdentifyingStringOrIndex(prefixes));
+  if ((octet & fi::kHasNamespaceName) != 0) namespaceUri = Entry(namespaces, IdentifyingStringOrIndex(namespaces));
+  m_document.SetNamespaceAlias(std::move(prefix), std::move(namespaceUri));
+}
+
+void CFastInfosetReader::Attributes(CXmlElement* element) {
+  std::uint32_t octet = m_source.Octet();
+  for (; octet < fi::kCharacterChunk; octet = m_source.Octet()) AtrributeBit2(element, octet);
+  if (octet == fi::kDoubleTerminator) {
+    m_document.CloseElement();  // it ends the attributes and the element, not the element around it
+  } else if (octet != fi::kTerminator) {
+    ThrowInvalidElement();
+  }
+}
+
+void CFastInfosetReader::AtrributeBit2(CXmlElement* element, std::uint32_t octet) {
+  auto const name = QualifiedNameOrIndexBit2(octet, m_vocabulary->GetAttributeNamesTable().GetVector());
+  std::string value = NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable().GetVector());
+  m_document.AddElementAttribute(element, LocalNameOf(name), std::move(value), NamespaceOf(name));
+}
+
+CFIVocabulary::CQNameParts CFastInfosetReader::QualifiedNameOrIndexBit2(std::uint32_t octet, Names& table) {
+  if ((octet & fi::kLiteralAttributeName) == fi::kLiteralAttributeName) return ReadQName(octet, table);
+  return EntryOf(table, m_source.Integer1To2pw20Bit2(octet));
+}
+
+CFIVocabulary::CQNameParts CFastInfosetReader::QualifiedNameOrIndexBit3(std::uint32_t octet, Names& table) {
+  if ((octet & fi::kLiteralElementName) == fi::kLiteralElementName) return ReadQName(octet, table);
+  return EntryOf(table, m_source.Integer1To2pw20Bit3(octet));
+}
+
+CFIVocabulary::CQNameParts CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
+  bool const hasPrefix = (octet & fi::kHasPrefix) != 0;
+  bool const hasNamespace = (octet & fi::kHasNamespaceName) != 0;
+  if (hasPrefix && !hasNamespace) ThrowFastInfosetFailure("Invalid QName type Prefix without Namespace.");
+  CFIVocabulary::CQNameParts name;
+  if (hasPrefix) name.m_prefix = IdentifyingStringOrIndex(m_vocabulary->GetPrefixNamesTable().GetVector());
+  if (hasNamespace) name.m_namespace = IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable().GetVector());
+  name.m_localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable().GetVector());
+  m_vocabulary->AddQNameToVector(name.m_prefix, name.m_namespace, name.m_localName, table);
+  return name;
+}
+
+/// The index of the string, which enters \p table if it is spelled out.
+std::uint32_t CFastInfosetReader::IdentifyingStringOrIndex(Strings& table) {
+  std::uint32_t const octet = m_source.Octet();
+  if ((octet & fi::kIndexBit1) != 0) {
+    std::uint32_t const index = m_source.Integer1To2pw20Bit2(octet);
+    EntryOf(table, index);
+    return index;
+  }
+  std::uint64_t const length = m_source.NonEmptyOctetStringBit2Length(octet);
+  char const* const utf8 = Characters(m_source.Move(length));
+  CEncoder::AppendUtf8ToLocalCodePage(table.emplace_back(), utf8, length);
+  return static_cast<std::uint32_t>(table.size());
+}
+
+std::string CFastInfosetReader::NonIdentifyingStringOrIndexBit1(Strings& table) {
+  std::uint32_t const octet = m_source.Octet();
+  if ((octet & fi::kIndexBit1) != 0) {
+    std::uint32_t const index = m_source.Integer0To2pw20Bit2(octet);
+    return index != 0 ? Entry(table, index) : std::string();
+  }
+  std::string text;
+  Decode(EncodedCharacterStringBit3(octet), text);
+  if ((octet & fi::kAddToTableBit1) != 0) table.push_back(text);
+  return text;
+}
+
+CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3(std::uint32_t octet) {
+  EncodedString string{static_cast<EncodedString::Kind>(octet >> 4 & 0x03), 0, nullptr, 0};
+  if ((octet & fi::kRestrictedAlphabetBit3) != 0) {  // an encoding algorithm has this bit as well
+    std::uint32_t const next = m_source.Octet();
+    string.m_index = ((octet & 0x0F) << 4 | next >> 4) + 1;
+    octet = next;
+  }
+  string.m_length = m_source.NonEmptyOctetStringBit5Length(octet);
+  string.m_octets = m_source.Move(string.m_length);
+  return string;
+}
+
+CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5(std::uint32_t octet) {
+  EncodedString string{static_cast<EncodedString::Kind>(octet >> 2 & 0x03), 0, nullptr, 0};
+  if ((octet & fi::kRestrictedAlphabetBit5) != 0) {
+    std::uint32_t const next = m_source.Octet();
+    string.m_index = ((octet & 0x03) << 6 | next >> 2) + 1;
+    octet = next;
+  }
+  string.m_length = m_source.NonEmptyOctetStringBit7Length(octet);
+  string.m_octets = m_source.Move(string.m_length);
+  return string;
+}
+
+void CFastInfosetReader::Decode(EncodedString const& source, std::string& target) const {
+  if (source.IsUtf8()) {
+    CEncoder::AppendUtf8ToLocalCodePage(target, Characters(source.m_octets), source.m_length);
+    return;
+  }
+  switch (source.m_kind) {
+    case EncodedString::Kind::kUtf8: return;
+    case EncodedString::Kind::kUtf16: {
+      std::size_t const length = std::min<std::size_t>(source.m_length, INT_MAX);
+      target += CEncoder::Utf16ToLocalCodePage(source.m_octets, static_cast<int>(length));
+      return;
+    }
+    case EncodedString::Kind::kRestrictedAlphabet: {
+      auto const& alphabet = EntryOf(m_vocabulary->GetRestrictedAlphabets(), source.m_index);
+      AppendRestrictedAlphabetText(target, source.m_octets, source.m_length, alphabet);
+      return;
+    }
+    case EncodedString::Kind::kEncodingAlgorithm:
+      target += DecodedText(source.m_index, source.m_octets, source.m_length);
+      return;
+  }
+}
+
+/// The text at \p index. A few octets can repeat a long one.
+std::string const& CFastInfosetReader::Entry(Strings const& table, unsigned long index) {
+  std::string const& text = EntryOf(table, index);
+  if (text.size() > kShortText) CountRepeatedText(text.size());
+  return text;
+}
+
+std::string const& CFastInfosetReader::NamespaceOf(CFIVocabulary::CQNameParts const& name) {
+  static std::string const none;
+  if (name.m_namespace == 0) return none;
+  return Entry(m_vocabulary->GetNamespaceNamesTable().GetVector(), name.m_namespace);
+}
+
+std::string const& CFastInfosetReader::LocalNameOf(CFIVocabulary::CQNameParts const& name) {
+  return Entry(m_vocabulary->GetLocalNamesTable().GetVector(), name.m_localName);
+}
+
+void CFastInfosetReader::CountRepeatedText(std::size_t bytes) {
+  std::uint32_t const limit = CLimits::GetMaxDecompressedSize();
+  m_repeatedText += bytes;
+  if (m_repeatedText > limit) {
+    ThrowFastInfosetFailure(FormatString("The repeated text exceeds the limit of %u bytes", limit).c_str());
+  }
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "fastinfoset/octet_source.h"
+#include "quillon9/fastinfoset/vocabulary.h"
+#include "quillon9/fwd.h"
+
+namespace Quillon9 {
+
+/// Recognises a Fast Infoset document (Rec. ITU-T X.891) in a document's input and builds the document's tree from it,
+/// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
+/// these operations get that octet as argument. It lives for one parse, on the stack of the load.
+///
+/// Constructs that have no place in the tree (all components of the header, comments, processing instructions, the
+/// document type, unexpanded entity references) are passed over by their lengths, whatever they hold. A document's own
+/// initial vocabulary is among them, so an index can only mean what the context's vocabulary or the document itself has
+/// put into the tables.
+class CFastInfosetReader {
+ public:
+  /// Both arguments are kept, not copied. \p document must have no tree yet.
+  CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document);
+  virtual ~CFastInfosetReader();
+  CFastInfosetReader(CFastInfosetReader const&) = delete;
+  CFastInfosetReader& operator=(CFastInfosetReader const&) = delete;
+
+  /// Read the document, unless the input is something else.
+  /// \returns false, with the document unchanged, when the input does not begin with the header of version 1 and an
+  ///          octet more, behind one of the nine declarations of the encoding `finf` or by itself.
+  /// \throws CQnException "Failed to parse FastInfoset. [reason]" for malformed input; what an encoding algorithm says
+  ///         of its octets; "The element nesting exceeds the limit of %u levels" beyond
+  ///         CLimits::GetMaxElementDepth(); CQnUtf16Exception for a string in UTF-16. The elements read so far stay.
+  bool Parse();
+
+ private:
+  using Strings = std::vector<std::string>;
+  using Names = std::vector<CFIVocabulary::CQNameParts>;
+
+  /// An encoded character string: what its octets mean, and where they are.
+  struct EncodedString {
+    enum class Kind : std::uint8_t { kUtf8, kUtf16, kRestrictedAlphabet, kEncodingAlgorithm };
+    Kind m_kind;
+    std::uint32_t m_index;  ///< of the alphabet or the algorithm
+    std::uint8_t const* m_octets;
+    std::size_t m_length;
+
+    bool IsUtf8() const {
+      return m_kind == Kind::kUtf8 || (m_kind == Kind::kEncodingAlgorithm && m_index == fi::kCdata);
+    }
+  };
+
+  // The header: reader_header.cpp.
+  bool ReadHeader();
+  bool CheckHeader();
+  bool CheckDeclaration(char const* text);
+  void ReadOptionalData();
+  void AdditionalData();
+  void InitialVocabulary();
+  void Notations();
+  void UnparsedEntities();
+  void SkipSequence(std::uint32_t isPresent, void (CFastInfosetReader::*skipItem)());
+  void SkipNonEmptyOctetString();
+  void SkipEncodedCharacterString();
+  void SkipNameSurrogate();
+
+  // What is passed over in the header and among the elements alike.
+  void SkipIdentifyingStringsOrIndices(std::uint32_t count);
+  void SkipNonIdentifyingStringOrIndex();
+  void ProcessingInstruction();
+  void DocumentTypeDeclarationBit7(std::uint32_t octet);
+  void NotationBit7(std::uint32_t octet);
+  void UnparsedEntityBit8(std::uint32_t octet);
+  void UnexpandedEntityReferenceBit7(std::uint32_t octet);
+
+  // Structure.
+  void ReadChildren();
+  void ElementBit2(std::uint32_t octet);
+  void StartElement(std::uint32_t octet);
+  void ReadContent(CXmlElement* element, std::uint32_t octet);
+  void ReadCharacterChunk(CXmlElement* element, std::uint32_t octet);
+  void NamespaceAttributes();
+  void NamespaceAttributeBit7(std::uint32_t octet);
+  void Attributes(CXmlElement* element);
+  void AtrributeBit2(CXmlElement* element, std::uint32_t octet);
+
+  // Names and strings.
+  CFIVocabulary::CQNameParts QualifiedNameOrIndexBit2(std::uint32_t octet, Names& table);
+  CFIVocabulary::CQNameParts QualifiedNameOrIndexBit3(std::uint32_t octet, Names& table);
+  CFIVocabulary::CQNameParts ReadQName(std::uint32_t octet, Names& table);
+  std::uint32_t IdentifyingStringOrIndex(Strings& table);
+  std::string NonIdentifyingStringOrIndexBit1(Strings& table);
+  EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
+  EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
+  void Decode(EncodedString const& source, std::string& target) const;
+  std::string const& Entry(Strings const& table, unsigned long index);
+  std::string const& NamespaceOf(CFIVocabulary::CQNameParts const& name);
+  std::string const& LocalNameOf(CFIVocabulary::CQNameParts const& name);
+  void CountRepeatedText(std::size_t bytes);
+
+  CFastInfosetContext const& m_options;
+  CXmlDocument& m_document;
+  COctetSource m_source;
+  /// Made when the input has turned out to be Fast Infoset.
+  std::optional<CFIVocabulary> m_vocabulary;
+  /// The last octet ended more than the innermost element: the document, if no other element is open.
+  bool m_doubleTerminator = false;
+  std::uint64_t m_repeatedText = 0;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,161 @@
+#include <cstring>
+
+#include "fastinfoset/reader.h"
+
+namespace Quillon9 {
+
+namespace {
+
+// What items of the header begin with.
+constexpr std::uint32_t kNotation = 0xC0;  // top six bits
+constexpr std::uint32_t kUnparsedEntity = 0xD0;
+constexpr std::uint32_t kTopSevenBits = 0xFE;
+
+constexpr std::uint32_t kHasSystemIdentifier = 0x02;
+constexpr std::uint32_t kHasPublicIdentifier = 0x01;
+
+/// How many of system and public identifier \p octet announces.
+std::uint32_t CountIdentifiers(std::uint32_t octet) {
+  return ((octet & kHasSystemIdentifier) != 0 ? 1U : 0U) + ((octet & kHasPublicIdentifier) != 0 ? 1U : 0U);
+}
+
+}  // namespace
+
+bool CFastInfosetReader::ReadHeader() {
+  if (CheckHeader()) return true;
+  for (char const* declaration : FI_DECLARATION_LIST) {
+    if (CheckDeclaration(declaration)) return CheckHeader();
+  }
+  return false;
+}
+
+bool CFastInfosetReader::CheckHeader() {
+  if (m_source.GetLeft() <= sizeof fi::kHeader) return false;
+  if (std::memcmp(m_source.GetPosition(), fi::kHeader, sizeof fi::kHeader) != 0) return false;
+  m_source.Move(sizeof fi::kHeader);
+  return true;
+}
+
+bool CFastInfosetReader::CheckDeclaration(char const* text) {
+  std::size_t const length = std::strlen(text);
+  if (m_source.GetLeft() <= length || std::memcmp(m_source.GetPosition(), text, length) != 0) return false;
+  m_source.Move(length);
+  return true;
+}
+
+void CFastInfosetReader::ReadOptionalData() {
+  std::uint32_t const components = m_source.Octet();
+  if ((components & fi::kAdditionalData) != 0) AdditionalData();
+  if ((components & fi::kInitialVocabulary) != 0) InitialVocabulary();
+  if ((components & fi::kNotations) != 0) Notations();
+  if ((components & fi::kUnparsedEntities) != 0) UnparsedEntities();
+  if ((components & fi::kCharacterEncodingScheme) != 0) SkipNonEmptyOctetString();
+  if ((components & fi::kStandalone) != 0) m_source.Move(1);
+  if ((components & fi::kVersion) != 0) SkipNonIdentifyingStringOrIndex();
+}
+
+/// Pairs of a URI and data, which both are octet strings.
+void CFastInfosetReader::AdditionalData() {
+  for (std::uint32_t left = m_source.LengthOfSequence(); left > 0; --left) {
+    SkipNonEmptyOctetString();
+    SkipNonEmptyOctetString();
+  }
+}
+
+void CFastInfosetReader::InitialVocabulary() {
+  using Self = CFastInfosetReader;
+  std::uint32_t const first = m_source.Octet();
+  std::uint32_t const second = m_source.Octet();
+  if ((first & fi::kExternalVocabulary) != 0) SkipNonEmptyOctetString();
+  SkipSequence(first & fi::kRestrictedAlphabets, &Self::SkipNonEmptyOctetString);
+  SkipSequence(first & fi::kEncodingAlgorithms, &Self::SkipNonEmptyOctetString);
+  SkipSequence(first & fi::kPrefixes, &Self::SkipNonEmptyOctetString);
+  SkipSequence(first & fi::kNamespaceNames, &Self::SkipNonEmptyOctetString);
+  SkipSequence(second & fi::kLocalNames, &Self::SkipNonEmptyOctetString);
+  SkipSequence(second & fi::kOtherNCNames, &Self::SkipNonEmptyOctetString);
+  SkipSequence(second & fi::kOtherURIs, &Self::SkipNonEmptyOctetString);
+  SkipSequence(second & fi::kAttributeValues, &Self::SkipEncodedCharacterString);
+  SkipSequence(second & fi::kContentCharacterChunks, &Self::SkipEncodedCharacterString);
+  SkipSequence(second & fi::kOtherStrings, &Self::SkipEncodedCharacterString);
+  SkipSequence(second & fi::kElementNameSurrogates, &Self::SkipNameSurrogate);
+  SkipSequence(second & fi::kAttributeNameSurrogates, &Self::SkipNameSurrogate);
+}
+
+void CFastInfosetReader::Notations() {
+  std::uint32_t octet = m_source.Octet();
+  for (; (octet & fi::kTopSixBits) == kNotation; octet = m_source.Octet()) NotationBit7(octet);
+  if (octet != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Notation type.");
+}
+
+void CFastInfosetReader::UnparsedEntities() {
+  std::uint32_t octet = m_source.Octet();
+  for (; (octet & kTopSevenBits) == kUnparsedEntity; octet = m_source.Octet()) UnparsedEntityBit8(octet);
+  if (octet != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Unparsed Entity type.");
+}
+
+void CFastInfosetReader::SkipSequence(std::uint32_t isPresent, void (CFastInfosetReader::*skipItem)()) {
+  if (isPresent == 0) return;
+  for (std::uint32_t left = m_source.LengthOfSequence(); left > 0; --left) (this->*skipItem)();
+}
+
+void CFastInfosetReader::SkipNonEmptyOctetString() {
+  m_source.Move(m_source.NonEmptyOctetStringBit2Length(m_source.Octet()));
+}
+
+void CFastInfosetReader::SkipEncodedCharacterString() { EncodedCharacterStringBit3(m_source.Octet()); }
+
+void CFastInfosetReader::SkipNameSurrogate() {
+  std::uint32_t const parts = m_source.Octet();
+  if ((parts & fi::kHasPrefix) != 0) m_source.Integer1To2pw20Bit2(m_source.Octet());
+  if ((parts & fi::kHasNamespaceName) != 0) m_source.Integer1To2pw20Bit2(m_source.Octet());
+  m_source.Integer1To2pw20Bit2(m_source.Octet());
+}
+
+void CFastInfosetReader::SkipIdentifyingStringsOrIndices(std::uint32_t count) {
+  for (; count > 0; --count) {
+    std::uint32_t const octet = m_source.Octet();
+    if ((octet & fi::kIndexBit1) != 0) {
+      m_source.Integer1To2pw20Bit2(octet);
+    } else {
+      m_source.Move(m_source.NonEmptyOctetStringBit2Length(octet));
+    }
+  }
+}
+
+void CFastInfosetReader::SkipNonIdentifyingStringOrIndex() {
+  std::uint32_t const octet = m_source.Octet();
+  if ((octet & fi::kIndexBit1) != 0) {
+    m_source.Integer0To2pw20Bit2(octet);
+  } else {
+    EncodedCharacterStringBit3(octet);
+  }
+}
+
+/// Target and content.
+void CFastInfosetReader::ProcessingInstruction() {
+  SkipIdentifyingStringsOrIndices(1);
+  SkipNonIdentifyingStringOrIndex();
+}
+
+/// System identifier and public identifier, as far as the octet tells, then processing instructions.
+void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
+  SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
+  std::uint32_t child = m_source.Octet();
+  for (; child == fi::kProcessingInstruction; child = m_source.Octet()) ProcessingInstruction();
+  if (child != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Document Type Declaration type.");
+}
+
+/// Name, then system identifier and public identifier, as far as the octet tells.
+void CFastInfosetReader::NotationBit7(std::uint32_t octet) {
+  SkipIdentifyingStringsOrIndices(1 + CountIdentifiers(octet));
+}
+
+/// Name, system identifier, public identifier if the octet tells of one, name of the notation.
+void CFastInfosetReader::UnparsedEntityBit8(std::uint32_t octet) {
+  SkipIdentifyingStringsOrIndices(3 + (octet & kHasPublicIdentifier));
+}
+
+/// As a notation.
+void CFastInfosetReader::UnexpandedEntityReferenceBit7(std::uint32_t octet) { NotationBit7(octet); }
+
+}  // namespace Quillon9

@@ -1,0 +1,241 @@
+#include "quillon9/fastinfoset/vocabulary.h"
+
+#include <sys/random.h>
+
+#include <chrono>
+#include <cstring>
+#include <utility>
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kFirstSlots = 16;
+constexpr std::size_t kRecentNames = 256;
+constexpr char kKeySeparator = '\x01';
+
+template <class Unsigned>
+std::uint64_t Load(char const* at) {
+  Unsigned word;
+  std::memcpy(&word, at, sizeof word);
+  return word;
+}
+
+// Up to eight bytes: words that overlap spare a loop.
+std::uint64_t LoadShort(char const* at, std::size_t count) {
+  if (count >= 4) return Load<std::uint32_t>(at) << 32 | Load<std::uint32_t>(at + count - 4);
+  if (count == 0) return 0;
+  return Load<std::uint8_t>(at) << 16 | Load<std::uint8_t>(at + count / 2) << 8 | Load<std::uint8_t>(at + count - 1);
+}
+
+// Both halves of the product, so that every bit of either factor has its say.
+std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
+  __extension__ using Wide = unsigned __int128;
+  Wide const product = static_cast<Wide>(a) * b;
+  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+// Drawn once a process, so that nobody can choose strings that crowd in one place of a map.
+std::uint64_t Seed() {
+  static std::uint64_t const seed = [] {
+    std::uint64_t drawn = 0;
+    if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == sizeof drawn) return drawn;
+    auto const now = std::chrono::steady_clock::now().time_since_epoch().count();
+    return static_cast<std::uint64_t>(now) ^ static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&drawn));
+  }();
+  return seed;
+}
+
+// With open addressing, two thirds of the time of std::unordered_map for names, and half of it for short values.
+std::uint32_t Hash(std::string_view text) {
+  constexpr std::uint64_t kOdd1 = 0x9E3779B97F4A7C15U;
+  constexpr std::uint64_t kOdd2 = 0xD1B54A32D192ED03U;
+  char const* at = text.data();
+  std::size_t left = text.size();
+  std::uint64_t hash = Seed() ^ left * kOdd1;
+  for (; left > 16; left -= 16, at += 16) {
+    hash = Mix(hash ^ Load<std::uint64_t>(at) ^ kOdd1, Load<std::uint64_t>(at + 8) ^ kOdd2);
+  }
+  std::uint64_t const low = left > 8 ? Load<std::uint64_t>(at) : LoadShort(at, left);
+  std::uint64_t const high = left > 8 ? Load<std::uint64_t>(at + left - 8) : 0;
+  hash = Mix(hash ^ low ^ kOdd1, high ^ kOdd2);
+  return static_cast<std::uint32_t>(hash ^ hash >> 32);
+}
+
+bool IsAt(char const* at, std::string_view part) {
+  return part.empty() || std::memcmp(at, part.data(), part.size()) == 0;
+}
+
+bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view namespaceUri,
+             std::string_view localName) {
+  if (key.size() != localName.size() + namespaceUri.size() + prefix.size() + 2) return false;
+  char const* const uri = key.data() + localName.size() + 1;
+  char const* const prefixAt = uri + namespaceUri.size() + 1;
+  return uri[-1] == kKeySeparator && prefixAt[-1] == kKeySeparator && IsAt(key.data(), localName) &&
+         IsAt(uri, namespaceUri) && IsAt(prefixAt, prefix);
+}
+
+}  // namespace
+
+// ---- CFIIndexMap
+
+// The slot that has `text`, or the free one where it belongs. There is always a free one.
+std::size_t CFIIndexMap::SlotFor(std::string_view text, std::uint32_t hash) const {
+  std::size_t const mask = m_slots.size() - 1;
+  for (std::size_t at = hash & mask;; at = (at + 1) & mask) {
+    Slot const& slot = m_slots[at];
+    if (slot.m_index == 0 || (slot.m_hash == hash && m_texts[slot.m_index - 1] == text)) return at;
+  }
+}
+
+unsigned long CFIIndexMap::Find(std::string_view text) const {
+  return m_slots.empty() ? 0 : m_slots[SlotFor(text, Hash(text))].m_index;
+}
+
+void CFIIndexMap::Insert(std::string_view text) {
+  if (m_texts.size() * 2 >= m_slots.size()) Grow();
+  std::uint32_t const hash = Hash(text);
+  Slot& slot = m_slots[SlotFor(text, hash)];
+  if (slot.m_index != 0) return;
+  m_texts.emplace_back(text);
+  slot = {hash, static_cast<std::uint32_t>(m_texts.size())};
+}
+
+void CFIIndexMap::MakeQNameKey(std::string_view prefix, std::string_view namespaceUri, std::string_view localName,
+                               std::string& key) {
+  key.assign(localName);
+  key += kKeySeparator;
+  key += namespaceUri;
+  key += kKeySeparator;
+  key += prefix;
+}
+
+// Saves half of the lookup of an element: the key is not made and the namespace is not hashed.
+unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view namespaceUri,
+                                    std::string_view localName) {
+  if (m_recent.empty()) m_recent.resize(kRecentNames);
+  // Two places for each hash, so that two names do not oust each other in turn.
+  std::uint32_t* const recent = &m_recent[Hash(localName) % (kRecentNames / 2) * 2];
+  for (std::uint32_t const index : {recent[0], recent[1]}) {
+    if (index != 0 && IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) return index;
+  }
+  MakeQNameKey(prefix, namespaceUri, localName, m_key);
+  unsigned long const index = Find(m_key);
+  if (index != 0) recent[1] = std::exchange(recent[0], static_cast<std::uint32_t>(index));
+  return index;
+}
+
+void CFIIndexMap::Grow() {
+  std::vector<Slot> larger(m_slots.empty() ? kFirstSlots : m_slots.size() * 2);
+  std::size_t const mask = larger.size() - 1;
+  for (Slot const& slot : m_slots) {
+    if (slot.m_index == 0) continue;
+    std::size_t at = slot.m_hash & mask;
+    while (larger[at].m_index != 0) at = (at + 1) & mask;
+    larger[at] = slot;
+  }
+  m_slots.swap(larger);
+}
+
+// ---- Tables
+
+CFIVocabulary::CFIStringTable::CFIStringTable() = default;
+CFIVocabulary::CFIStringTable::CFIStringTable(CFIStringTable const&) = default;
+CFIVocabulary::CFIStringTable& CFIVocabulary::CFIStringTable::operator=(CFIStringTable const&) = default;
+CFIVocabulary::CFIStringTable::~CFIStringTable() = default;
+
+CFIVocabulary::CFIQNameTable::CFIQNameTable() = default;
+CFIVocabulary::CFIQNameTable::CFIQNameTable(CFIQNameTable const&) = default;
+CFIVocabulary::CFIQNameTable& CFIVocabulary::CFIQNameTable::operator=(CFIQNameTable const&) = default;
+CFIVocabulary::CFIQNameTable::~CFIQNameTable() = default;
+
+// ---- CFIVocabulary
+
+CFIVocabulary::CFIVocabulary()
+    : m_restrictedAlphabets{RESTRICTED_ALPHABET_VALUES_NUMERIC, RESTRICTED_ALPHABET_VALUES_DATE_TIME} {
+  AddPrefixName(FI_DEFAULT_PREFIX);
+  AddNamespaceName(FI_DEFAULT_NAMESPACE);
+}
+
+CFIVocabulary::CFIVocabulary(CFIVocabulary const& other) = default;
+CFIVocabulary& CFIVocabulary::operator=(CFIVocabulary const& other) = default;
+CFIVocabulary::~CFIVocabulary() = default;
+
+void CFIVocabulary::AddValueToMap(std::string_view value, CFIIndexMap& map) {
+  if (map.size() < kMaxEntries) map.Insert(value);
+}
+
+void CFIVocabulary::AddValueToVector(std::string const& value, std::vector<std::string>& vector) {
+  if (vector.size() < kMaxEntries) vector.push_back(value);
+}
+
+void CFIVocabulary::AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceIndex, unsigned long localIndex,
+                                     std::vector<CQNameParts>& vector) {
+  if (vector.size() < kMaxEntries) vector.push_back({prefixIndex, namespaceIndex, localIndex});
+}
+
+void CFIVocabulary::AddToTable(std::string const& value, CFIIndexMap& map, CFIStringTable& table) {
+  AddValueToMap(value, map);
+  AddValueToVector(value, table.GetVector());
+}
+
+void CFIVocabulary::AddElementValue(std::string const& value) {
+  AddToTable(value, m_characterChunkIndex, m_characterChunks);
+}
+void CFIVocabulary::AddAttributeValue(std::string const& value) {
+  AddToTable(value, m_attributeValueIndex, m_attributeValues);
+}
+void CFIVocabulary::AddLocalName(std::string const& value) { AddToTable(value, m_localNameIndex, m_localNames); }
+void CFIVocabulary::AddNamespaceName(std::string const& value) {
+  AddToTable(value, m_namespaceNameIndex, m_namespaceNames);
+}
+void CFIVocabulary::AddPrefixName(std::string const& value) { AddToTable(value, m_prefixNameIndex, m_prefixNames); }
+
+bool CFIVocabulary::FindIndex(CFIIndexMap const& map, std::string_view value, unsigned long& index) const {
+  unsigned long const found = map.Find(value);
+  if (found != 0) index = found;
+  return found != 0;
+}
+
+bool CFIVocabulary::FindLocalNameIndex(std::string const& value, unsigned long& index) const {
+  return FindIndex(m_localNameIndex, value, index);
+}
+bool CFIVocabulary::FindNamespaceNameIndex(std::string const& value, unsigned long& index) const {
+  return FindIndex(m_namespaceNameIndex, value, index);
+}
+bool CFIVocabulary::FindPrefixNameIndex(std::string const& value, unsigned long& index) const {
+  return FindIndex(m_prefixNameIndex, value, index);
+}
+
+unsigned long CFIVocabulary::FindOrAdd(std::string const& value, CFIIndexMap& map, CFIStringTable& table) {
+  if (map.Find(value) == 0) AddToTable(value, map, table);
+  return map.Find(value);
+}
+
+void CFIVocabulary::AddQName(std::string const& prefix, std::string const& namespaceUri, std::string const& localName,
+                             CFIIndexMap& map, std::vector<CQNameParts>& vector) {
+  std::string key;
+  CFIIndexMap::MakeQNameKey(prefix, namespaceUri, localName, key);
+  if (map.Find(key) != 0) return;
+  CQNameParts parts;
+  if (!prefix.empty()) parts.m_prefix = FindOrAdd(prefix, m_prefixNameIndex, m_prefixNames);
+  if (!namespaceUri.empty()) parts.m_namespace = FindOrAdd(namespaceUri, m_namespaceNameIndex, m_namespaceNames);
+  parts.m_localName = FindOrAdd(localName, m_localNameIndex, m_localNames);
+  // A part that a full table did not take cannot be referred to, and 0 would mean that the name has no such part.
+  bool const isComplete = (prefix.empty() || parts.m_prefix != 0) && (namespaceUri.empty() || parts.m_namespace != 0) &&
+                          parts.m_localName != 0;
+  if (!isComplete) return;
+  AddValueToMap(key, map);
+  AddQNameToVector(parts.m_prefix, parts.m_namespace, parts.m_localName, vector);
+}
+
+void CFIVocabulary::AddElement(std::string const& prefix, std::string const& namespaceUri,
+                               std::string const& localName) {
+  AddQName(prefix, namespaceUri, localName, m_elementNameIndex, m_elementNames.GetVector());
+}
+void CFIVocabulary::AddAttribute(std::string const& prefix, std::string const& namespaceUri,
+                                 std::string const& localName) {
+  AddQName(prefix, namespaceUri, localName, m_attributeNameIndex, m_attributeNames.GetVector());
+}
+
+}  // namespace Quillon9

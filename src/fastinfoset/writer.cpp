@@ -1,0 +1,389 @@
+#include "quillon9/fastinfoset/writer.h"
+
+#include <iterator>
+#include <utility>
+
+#include "fastinfoset/algorithms.h"
+#include "fastinfoset/constants.h"
+#include "fastinfoset/octet_sink.h"
+#include "fastinfoset/restricted_alphabet_packing.h"
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/fastinfoset/context.h"
+#include "quillon9/xmlio/encoder.h"
+#include "quillon9/xmlio/streams.h"
+#include "xmlio/utf8_scan.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
+constexpr unsigned long kAlphabets = 2;
+constexpr unsigned long kAlgorithms = 10;
+
+enum Kind : unsigned long { kDefaultEncoding = 0, kRestrictedAlphabet = 1, kEncodingAlgorithm = 2 };
+
+bool StartsWith(std::string const& text, std::string_view start) { return text.compare(0, start.size(), start) == 0; }
+
+std::string const& NoPrefix() {
+  static std::string const none;
+  return none;
+}
+
+void CheckEncoding(CFastInfosetContext const& options, CFastInfosetContext::EncodedCharacterString encoding,
+                   char const* unknownKind) {
+  auto const invalid = [&](char const* what) {
+    ThrowFastInfosetWriteFailure(FormatString("Invalid %s value [%d]", what, static_cast<int>(encoding.m_index)));
+  };
+  bool const isZero = encoding.m_index == 0;
+  switch (encoding.m_kind) {
+    case kDefaultEncoding:
+      if (options.GetDefaultStringEncoding() != 1) return;
+      ThrowFastInfosetWriteFailure("Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
+    case kRestrictedAlphabet:
+      if (isZero || encoding.m_index > kAlphabets) invalid("Restricted Alphabet");
+      return;
+    case kEncodingAlgorithm:
+      if (isZero || encoding.m_index > kAlgorithms) invalid("Encoding Algorithm");
+      return;
+    default: ThrowFastInfosetWriteFailure(FormatString("Unknown encoding in %s.", unknownKind));
+  }
+}
+
+}  // namespace
+
+CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const& options, CBinaryStream& stream)
+    : CXmlWriter("CFastInfosetWriter"),
+      m_output(std::make_unique<COctetSink>(stream)),
+      m_options(&options),
+      m_vocabulary(options.GetUseGeneratedVocabulary() ? options.GetVocabulary() : CFIVocabulary()),
+      m_isAsciiUtf8(CEncoder::IsUtf8SameInLocalCodePage("a", 1)) {}
+
+CFastInfosetWriter::~CFastInfosetWriter() {
+  try {
+    m_output->Flush();
+  } catch (...) {  // out of memory: the document is incomplete in any case
+  }
+  if (m_pendingElement == nullptr) return;
+  m_pendingElement->m_parent = nullptr;
+  delete m_pendingElement;
+}
+
+void CFastInfosetWriter::Close() {
+  if (m_pendingElement != nullptr) throw CQnException("An Element has not been closed.");
+  CXmlWriter::Close();
+  m_output->Flush();
+}
+
+void CFastInfosetWriter::WriteComment(std::string const&) {}
+
+void CFastInfosetWriter::WritePI(std::string const&) {
+  WriteElement(false);
+  m_output->FlushIfFull();
+}
+
+void CFastInfosetWriter::WriteInlineSchema(std::string const&) {}
+
+// ---- Document
+
+void CFastInfosetWriter::WriteStartDocument(FInfoDecl decl) {
+  auto const number = static_cast<unsigned>(decl);
+  if (number > std::size(FI_DECLARATION_LIST)) {
+    ThrowFastInfosetWriteFailure(FormatString("Invalid declaration value [%d]", static_cast<int>(decl)));
+  }
+  if (decl != FInfoDecl_None) m_output->Octets(FI_DECLARATION_LIST[number - 1]);
+  for (unsigned const octet : fi::kHeader) m_output->Octet(octet);
+  if (m_options->GetUseGeneratedVocabulary()) {
+    m_output->Octet(fi::kInitialVocabulary);
+    m_output->Octet(fi::kExternalVocabulary);
+    m_output->Octet(0);
+    std::string const& uri = m_options->GetExternalVocabularyURI();
+    NonEmptyOctetUTF8StringBit2(0, uri.empty() ? QUILLON_URI : uri);
+  } else {
+    m_output->Octet(0);
+  }
+  m_output->Flush();
+}
+
+void CFastInfosetWriter::WriteEndDocument() {
+  m_output->Octet(std::exchange(m_terminatorPending, false) ? fi::kDoubleTerminator : fi::kTerminator);
+  m_output->Flush();
+}
+
+// ---- Elements
+
+void CFastInfosetWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
+  WriteElement(false);
+  if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
+  if (m_context != nullptr) {
+    ++m_context->m_childCount;
+    CloseTag();
+  }
+  m_pendingElement = NewContext(localName, namespaceUri);
+  m_output->FlushIfFull();
+}
+
+void CFastInfosetWriter::WriteElement(bool hasAttributes) {
+  if (m_pendingElement == nullptr) return;
+  std::uint32_t leading = 0;
+  if (hasAttributes) {
+    m_pendingElement->m_attributesWritten = true;
+    leading = fi::kHasAttributes;
+  }
+  if (m_context == nullptr && (!m_defaultNamespace.empty() || !m_namespaceMap.empty())) {
+    m_output->Octet(leading | fi::kHasNamespaceAttributes);
+    WriteNamespaceAttributes();
+    leading = 0;
+  }
+  std::string const& uri = m_pendingElement->m_namespace;
+  bool const isPlain = uri.empty() || uri == m_pendingElement->GetDefaultNamespace();
+  std::string const& prefix = isPlain ? NoPrefix() : PrefixOf(*m_pendingElement, uri);
+  QualifiedNameOrIndexBit3(leading, prefix, uri, m_pendingElement->m_elementName);
+  m_context = std::exchange(m_pendingElement, nullptr);
+}
+
+void CFastInfosetWriter::WriteNamespaceAttributes() {
+  if (!m_defaultNamespace.empty()) {
+    m_output->Octet(fi::kNamespaceAttribute | fi::kHasNamespaceName);
+    NamespaceName(m_defaultNamespace);
+  }
+  for (auto const& binding : m_namespaceMap) {
+    if (StartsWith(binding.first, kXmlNamespace)) continue;
+    m_output->Octet(fi::kNamespaceAttribute | fi::kHasPrefix | fi::kHasNamespaceName);
+    Prefix(binding.second);
+    NamespaceName(binding.first);
+  }
+  m_output->Octet(fi::kTerminator);
+}
+
+// Most elements have the namespace and the bindings of the one before, so that their prefix is known.
+std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {
+  if (m_lastMap != nullptr && m_lastMap == &context.GetNamespaceMap() && uri == m_lastUri) return *m_lastPrefix;
+  bool isNew = false;
+  std::string const& prefix = FindOrBindPrefix(context, uri, isNew);
+  m_lastUri = uri;
+  m_lastPrefix = &prefix;
+  m_lastMap = &context.GetNamespaceMap();
+  return prefix;
+}
+
+// Ends the list of attributes, if it is still open and there is one.
+void CFastInfosetWriter::CloseTag() {
+  if (!std::exchange(m_context->m_tagOpen, false)) return;
+  if (m_context->m_attributesWritten) m_output->Octet(fi::kTerminator);
+}
+
+void CFastInfosetWriter::WriteString(std::string const& value, ItemType type) {
+  std::string_view const text = value.c_str();
+  WriteElement(false);
+  if (m_context != nullptr) {
+    CloseTag();
+  } else if (!text.empty()) {
+    ThrowFastInfosetWriteFailure("There is no open element for the text.");
+  }
+  if (!text.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, text, type);
+  m_output->FlushIfFull();
+}
+
+void CFastInfosetWriter::WriteEndElement() {
+  WriteElement(false);
+  RequireOpenElement();
+  CloseTag();
+  if (m_terminatorPending) m_output->Octet(fi::kDoubleTerminator);
+  m_terminatorPending = !m_terminatorPending;
+  if (m_context->m_ownsMap) m_lastMap = nullptr;  // the bindings go with the element
+  PopContext();
+  m_output->FlushIfFull();
+}
+
+// ---- Attributes
+
+// An element that was written as one without attributes, before a processing instruction, can get none any more.
+void CFastInfosetWriter::OpenAttribute() {
+  WriteElement(true);
+  RequireOpenTag();
+  if (!m_context->m_attributesWritten) throw CQnException("Attributes must be added before elements");
+}
+
+void CFastInfosetWriter::WriteAttributeString(std::string const& localName, std::string const& namespaceUri,
+                                              std::string const& value, ItemType type) {
+  OpenAttribute();
+  std::string const& prefix = namespaceUri.empty() ? NoPrefix() : PrefixOf(*m_context, namespaceUri);
+  QualifiedNameOrIndexBit2(prefix, namespaceUri, localName);
+  NonIdentifyingStringOrIndexBit1(value.c_str(), type);
+  m_output->FlushIfFull();
+}
+
+void CFastInfosetWriter::WriteAttributeNil() {
+  OpenAttribute();
+  WriteAttributeString("nil", SchemaInstanceNamespace(), "true", ItemType_boolean);
+}
+
+void CFastInfosetWriter::WriteAttributeType(std::string const& namespaceUri, std::string const& typeName,
+                                            ItemType type) {
+  OpenAttribute();
+  if (namespaceUri.empty() || namespaceUri == m_context->GetDefaultNamespace()) {
+    WriteAttributeString("type", SchemaInstanceNamespace(), typeName, type);
+    return;
+  }
+  bool isNew = false;
+  std::string const& prefix = FindOrBindPrefix(*m_context, namespaceUri, isNew);
+  if (isNew) {
+    QualifiedNameOrIndexBit2(prefix, namespaceUri, typeName);
+  } else {
+    // The prefix is that of the type, which does no harm: readers go by namespace and local name.
+    QualifiedNameOrIndexBit2(prefix, SchemaInstanceNamespace(), "type");
+  }
+  NonIdentifyingStringOrIndexBit1((prefix + ":" + typeName).c_str(), type);
+  m_output->FlushIfFull();
+}
+
+// ---- Names
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit2(std::string const& prefix, std::string const& uri,
+                                                  std::string const& localName) {
+  CFIIndexMap& map = m_vocabulary.GetAttributeNameIndex();
+  unsigned long const index = map.FindName(prefix, uri, localName);
+  if (index != 0) {
+    m_output->Integer1To2pw20Bit2(0, index);
+  } else {
+    LiteralName(fi::kLiteralAttributeName, prefix, uri, localName, map);
+  }
+}
+
+void CFastInfosetWriter::QualifiedNameOrIndexBit3(std::uint32_t leading, std::string const& prefix,
+                                                  std::string const& uri, std::string const& localName) {
+  CFIIndexMap& map = m_vocabulary.GetElementNameIndex();
+  unsigned long const index = map.FindName(prefix, uri, localName);
+  if (index != 0) {
+    m_output->Integer1To2pw20Bit3(leading, index);
+  } else {
+    LiteralName(leading | fi::kLiteralElementName, prefix, uri, localName, map);
+  }
+}
+
+void CFastInfosetWriter::LiteralName(std::uint32_t leading, std::string const& prefix, std::string const& uri,
+                                     std::string const& localName, CFIIndexMap& map) {
+  if (!prefix.empty()) leading |= fi::kHasPrefix;
+  if (!prefix.empty() || !uri.empty()) leading |= fi::kHasNamespaceName;
+  m_output->Octet(leading);
+  if (!prefix.empty()) Prefix(prefix);
+  if (!uri.empty()) NamespaceName(uri);
+  LocalName(localName);
+  CFIIndexMap::MakeQNameKey(prefix, uri, localName, m_scratch);
+  m_vocabulary.AddValueToMap(m_scratch, map);
+}
+
+void CFastInfosetWriter::Prefix(std::string const& prefix) {
+  unsigned long index = 0;
+  if (m_vocabulary.FindPrefixNameIndex(prefix, index)) {
+    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
+  } else {
+    NonEmptyOctetUTF8StringBit2(0, prefix);
+    m_vocabulary.AddPrefixName(prefix);
+  }
+}
+
+void CFastInfosetWriter::NamespaceName(std::string const& uri) {
+  unsigned long index = 0;
+  if (m_vocabulary.FindNamespaceNameIndex(uri, index)) {
+    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
+  } else {
+    NonEmptyOctetUTF8StringBit2(0, uri);
+    m_vocabulary.AddNamespaceName(uri);
+  }
+}
+
+void CFastInfosetWriter::LocalName(std::string const& localName) {
+  unsigned long index = 0;
+  if (m_vocabulary.FindLocalNameIndex(localName, index)) {
+    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
+  } else {
+    NonEmptyOctetUTF8StringBit2(0, localName);
+    m_vocabulary.AddLocalName(localName);
+  }
+}
+
+// ---- Strings
+
+// The result lives until the next string; text that is UTF-8 already is not copied.
+std::string_view CFastInfosetWriter::Utf8(std::string_view text) {
+  if (m_isAsciiUtf8 && AsciiLength(reinterpret_cast<std::uint8_t const*>(text.data()), text.size()) == text.size()) {
+    return text;
+  }
+  if (CEncoder::IsUtf8SameInLocalCodePage(text.data(), text.size())) return text;
+  m_scratch.clear();
+  AppendEncoded(fi::kCdata, text.data(), m_scratch);
+  return m_scratch;
+}
+
+void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(std::uint32_t leading, std::string const& text) {
+  m_output->NonEmptyOctetStringBit2(leading, Utf8(text.c_str()));
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string_view value, ItemType type) {
+  CFIIndexMap& map = m_vocabulary.GetAttributeValueIndex();
+  unsigned long index = 0;
+  if (value.empty()) {
+    m_output->Integer0To2pw20Bit2(fi::kIndexBit1, 0);
+  } else if (value.size() >= m_options->GetAttributeMaxAddLength()) {
+    EncodedCharacterStringBit3(0, value, type);
+  } else if (m_vocabulary.FindIndex(map, value, index)) {
+    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
+  } else {
+    EncodedCharacterStringBit3(fi::kAddToTableBit1, value, type);
+    m_vocabulary.AddValueToMap(value, map);
+  }
+}
+
+void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, std::string_view value, ItemType type) {
+  CFIIndexMap& map = m_vocabulary.GetCharacterChunkIndex();
+  unsigned long index = 0;
+  if (value.size() >= m_options->GetElementMaxAddLength()) {
+    EncodedCharacterStringBit5(leading, value, type);
+  } else if (m_vocabulary.FindIndex(map, value, index)) {
+    m_output->Integer1To2pw20Bit4(leading | fi::kIndexBit3, index);
+  } else {
+    EncodedCharacterStringBit5(leading | fi::kAddToTableBit3, value, type);
+    m_vocabulary.AddValueToMap(value, map);
+  }
+}
+
+// The octets of a value by alphabet or algorithm, which live until the next string.
+std::string_view CFastInfosetWriter::Encoded(unsigned long kind, unsigned long index, std::string_view value) {
+  m_scratch.clear();
+  if (kind == kRestrictedAlphabet) {
+    AppendRestrictedAlphabetString(m_scratch, value, m_vocabulary.GetRestrictedAlphabets()[index - 1]);
+  } else {
+    AppendEncoded(index, value.data(), m_scratch);
+  }
+  return m_scratch;
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit3(std::uint32_t leading, std::string_view value, ItemType type) {
+  auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
+  CheckEncoding(*m_options, encoding, "EncodedCharacterStringBit5");
+  if (encoding.m_kind == kDefaultEncoding) {
+    m_output->NonEmptyOctetStringBit5(leading, Utf8(value));
+    return;
+  }
+  bool const isAlphabet = encoding.m_kind == kRestrictedAlphabet;
+  auto const stored = static_cast<std::uint32_t>(encoding.m_index - 1);
+  m_output->Octet(leading | (isAlphabet ? fi::kRestrictedAlphabetBit3 : fi::kEncodingAlgorithmBit3) | stored >> 4);
+  m_output->NonEmptyOctetStringBit5(stored << 4, Encoded(encoding.m_kind, encoding.m_index, value));
+}
+
+void CFastInfosetWriter::EncodedCharacterStringBit5(std::uint32_t leading, std::string_view value, ItemType type) {
+  auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
+  CheckEncoding(*m_options, encoding, "EncodedCharacterStringBit7");
+  if (encoding.m_kind == kDefaultEncoding) {
+    m_output->NonEmptyOctetStringBit7(leading, Utf8(value));
+    return;
+  }
+  bool const isAlphabet = encoding.m_kind == kRestrictedAlphabet;
+  auto const stored = static_cast<std::uint32_t>(encoding.m_index - 1);
+  m_output->Octet(leading | (isAlphabet ? fi::kRestrictedAlphabetBit5 : fi::kEncodingAlgorithmBit5) | stored >> 6);
+  m_output->NonEmptyOctetStringBit7(stored << 2, Encoded(encoding.m_kind, encoding.m_index, value));
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,169 @@
+#include "quillon9/fastinfoset/vocabulary.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "expect_failure.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/fastinfoset/context.h"
+#include "quillon9/values/item_type.h"
+
+namespace Quillon9 {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+template <class Table>
+auto Entries(Table const& table) {
+  return std::vector<typename std::decay<decltype(*table.begin())>::type>(table.begin(), table.end());
+}
+
+/// Names as "prefix namespace local" in indices.
+Strings Names(CFIVocabulary::CFIQNameTable const& table) {
+  Strings names;
+  for (auto const& parts : table) {
+    names.push_back(std::to_string(parts.m_prefix) + ' ' + std::to_string(parts.m_namespace) + ' ' +
+                    std::to_string(parts.m_localName));
+  }
+  return names;
+}
+
+TEST(Vocabulary, IsBornWithTheBuiltInEntries) {
+  CFIVocabulary const vocabulary;
+  EXPECT_EQ((Strings{"xml"}), Entries(vocabulary.GetPrefixNamesTable()));
+  EXPECT_EQ((Strings{"http://www.w3.org/XML/1998/namespace"}), Entries(vocabulary.GetNamespaceNamesTable()));
+  EXPECT_EQ((Strings{"0123456789-+.e ", "0123456789-:TZ "}), vocabulary.GetRestrictedAlphabets());
+  unsigned long index = 7;
+  EXPECT_FALSE(vocabulary.FindLocalNameIndex("xml", index));
+  EXPECT_EQ(7U, index);
+  EXPECT_TRUE(vocabulary.FindPrefixNameIndex("xml", index) && index == 1);
+  EXPECT_TRUE(vocabulary.FindNamespaceNameIndex(FI_DEFAULT_NAMESPACE, index) && index == 1);
+}
+
+TEST(Vocabulary, NamesShareTheirParts) {
+  CFIVocabulary vocabulary;
+  vocabulary.AddElement("", "", "a");
+  vocabulary.AddElement("p", "u", "a");
+  vocabulary.AddElement("q", "u", "a");
+  vocabulary.AddElement("p", "u", "a");
+  vocabulary.AddElement("p", "v", "b");
+  vocabulary.AddAttribute("xml", FI_DEFAULT_NAMESPACE, "b");
+  EXPECT_EQ((Strings{"0 0 1", "2 2 1", "3 2 1", "2 3 2"}), Names(vocabulary.GetElementNamesTable()));
+  EXPECT_EQ((Strings{"1 1 2"}), Names(vocabulary.GetAttributeNamesTable()));
+  EXPECT_EQ((Strings{"xml", "p", "q"}), Entries(vocabulary.GetPrefixNamesTable()));
+  EXPECT_EQ((Strings{"a", "b"}), Entries(vocabulary.GetLocalNamesTable()));
+
+  CFIIndexMap& names = vocabulary.GetElementNameIndex();
+  unsigned long index = 0;
+  EXPECT_TRUE(vocabulary.FindIndex(names, std::string("b\1v\1p"), index) && index == 4);
+  for (int twice = 0; twice < 2; ++twice) {  // the second time it is remembered
+    EXPECT_EQ(1U, names.FindName("", "", "a"));
+    EXPECT_EQ(2U, names.FindName("p", "u", "a"));
+    EXPECT_EQ(3U, names.FindName("q", "u", "a"));
+    EXPECT_EQ(0U, names.FindName("", "u", "a"));
+    EXPECT_EQ(0U, names.FindName("u", "p", "a"));
+  }
+}
+
+TEST(Vocabulary, ValuesAddedTwiceLeaveTheMapAtTheFirst) {
+  CFIVocabulary vocabulary;
+  vocabulary.AddLocalName("a");
+  vocabulary.AddLocalName("a");
+  vocabulary.AddElementValue("1");
+  vocabulary.AddAttributeValue("2");
+  EXPECT_EQ((Strings{"a", "a"}), Entries(vocabulary.GetLocalNamesTable()));
+  EXPECT_EQ((Strings{"1"}), Entries(vocabulary.GetCharacterChunksTable()));
+  EXPECT_EQ((Strings{"2"}), Entries(vocabulary.GetAttributeValuesTable()));
+  EXPECT_EQ(1U, vocabulary.GetCharacterChunkIndex().Find("1"));
+  EXPECT_EQ(0U, vocabulary.GetAttributeValueIndex().Find("1"));
+  unsigned long index = 0;
+  EXPECT_TRUE(vocabulary.FindLocalNameIndex("a", index) && index == 1);
+
+  CFIVocabulary copy(vocabulary);
+  copy.AddPrefixName("p");
+  copy.AddElement("", "", "c");
+  EXPECT_TRUE(copy.FindPrefixNameIndex("p", index) && index == 2);
+  EXPECT_FALSE(vocabulary.FindPrefixNameIndex("p", index));
+  EXPECT_EQ(1U, Entries(vocabulary.GetPrefixNamesTable()).size());
+  EXPECT_EQ(0U, vocabulary.GetElementNameIndex().size());
+}
+
+// Strings of all lengths, so that every way through the hash and every growth of the map is taken.
+TEST(Vocabulary, MapFindsWhatItHolds) {
+  CFIIndexMap map;
+  EXPECT_EQ(0U, map.Find(""));
+  Strings texts;
+  for (std::size_t length = 0; length < 40; ++length) {
+    texts.emplace_back(length, 'x');
+    for (std::size_t at = 0; at < length; ++at) {
+      texts.push_back(texts[texts.size() - 1 - at]);
+      texts.back()[at] = '\0';
+    }
+  }
+  for (std::string const& text : texts) map.Insert(text);
+  map.Insert("x");
+  ASSERT_EQ(texts.size(), map.size());
+  for (std::size_t i = 0; i < texts.size(); ++i) ASSERT_EQ(i + 1, map.Find(texts[i]));
+  EXPECT_EQ(0U, map.Find("xxy"));
+}
+
+TEST(Vocabulary, FullTablesTakeNoMoreAndSayNothing) {
+  CFIVocabulary vocabulary;
+  while (vocabulary.GetLocalNamesTable().GetVector().size() < CFIVocabulary::kMaxEntries) {
+    vocabulary.AddLocalName(std::to_string(vocabulary.GetLocalNamesTable().GetVector().size()));
+  }
+  unsigned long index = 0;
+  EXPECT_TRUE(vocabulary.FindLocalNameIndex("1048575", index) && index == 1048576);
+  vocabulary.AddLocalName("x");
+  vocabulary.AddElement("", "", "x");  // its local name has no index
+  vocabulary.AddElement("", "u", "7");
+  EXPECT_FALSE(vocabulary.FindLocalNameIndex("x", index));
+  EXPECT_EQ(1048576U, vocabulary.GetLocalNamesTable().GetVector().size());
+  EXPECT_EQ((Strings{"0 2 8"}), Names(vocabulary.GetElementNamesTable()));
+  EXPECT_EQ(1U, vocabulary.GetElementNameIndex().size());
+
+  std::vector<CFIVocabulary::CQNameParts> names(CFIVocabulary::kMaxEntries - 1);
+  vocabulary.AddQNameToVector(1, 2, 3, names);
+  vocabulary.AddQNameToVector(4, 5, 6, names);
+  EXPECT_EQ(1048576U, names.size());
+  EXPECT_EQ(3U, names.back().m_localName);
+}
+
+TEST(FastInfosetContext, SuggestedValuesAreSetAndOthersLeft) {
+  CFastInfosetContext context;
+  EXPECT_EQ(0, context.GetDefaultStringEncoding());
+  EXPECT_EQ(6U, context.GetAttributeMaxAddLength());
+  EXPECT_EQ(6U, context.GetElementMaxAddLength());
+  EXPECT_FALSE(context.GetUseGeneratedVocabulary());
+  auto const shown = [&context] {  // a digit for the kind and a hexadecimal digit for the index, by item type
+    std::string text;
+    for (unsigned long type = 0; type <= ItemType_xmlCollection; ++type) {
+      auto const encoding = context.GetEncoding(type);
+      text += FormatString("%lu%lX ", encoding.m_kind, encoding.m_index);
+    }
+    return text;
+  };
+  context.SetEncoding(ItemType_string, {2, 10});
+  context.SetEncoding(ItemType_boolean, {1, 1});
+  context.SetSuggestedValues();
+  EXPECT_EQ("00 21 22 23 23 24 25 23 24 25 25 27 28 12 12 12 12 12 12 12 12 12 00 2A 26 11 11 00 00 ", shown());
+  EXPECT_FAILURE(CQnException, "The item type [29] is out of range", context.GetEncoding(29));
+  EXPECT_FAILURE(CQnException, "The item type [29] is out of range", context.SetEncoding(29, {}));
+}
+
+TEST(FastInfosetContext, TravelsInTheSerializationContextAndIsCopiedDeep) {
+  CXmlSerializationContext ctx;
+  ctx.GetFIContext()->GetVocabulary().AddPrefixName("p");
+  ctx.GetFIContext()->SetExternalVocabularyURI("urn:v");
+  ctx.GetFIContext()->SetUseGeneratedVocabulary(true);
+  CXmlSerializationContext const copy(ctx);
+  ctx.GetFIContext()->GetVocabulary().AddPrefixName("q");
+  EXPECT_EQ((Strings{"xml", "p"}), Entries(copy.GetFIContext()->GetVocabulary().GetPrefixNamesTable()));
+  EXPECT_EQ("urn:v", copy.GetFIContext()->GetExternalVocabularyURI());
+  EXPECT_TRUE(copy.GetFIContext()->GetUseGeneratedVocabulary());
+}
+
+}  // namespace
+}  // namespace Quillon9
