@@ -87,12 +87,9 @@ void CFastInfosetReader::StartElement(std::uint32_t octet) {
     NamespaceAttributes();
     octet = m_source.Octet();
   }
-  auto const name = QualifiedNameOrIndexBit3(octet, m_vocabulary->GetElementNamesTable().GetVector());
-  char const* const namespaceUri = NamespaceOf(name).c_str();
-  char const* const localName = LocalNameOf(name).c_str();
-  CXmlElement* const element = m_document.GetDocumentElement() == nullptr
-                                   ? m_document.AddDocElement(namespaceUri, localName)
-                                   : m_document.AddChildElement(namespaceUri, localName);
+  CXmlName const* const name = ElementNameBit3(octet);
+  CXmlElement* const element =
+      m_document.GetDocumentElement() == nullptr ? m_document.AddDocElement(name) : m_document.AddChildElement(name);
   if (hasAttributes) Attributes(element);
 }
 
@@ -129,7 +126,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   EncodedString const source = EncodedCharacterStringBit5(octet);
   if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
     char const* const utf8 = Characters(source.m_octets);
-    element->AppendUtf8TextExcludingCR({utf8, strnlen(utf8, source.m_length)});
+    m_toLocal.AppendExcludingCR(element->GetTextForAppending(), {utf8, strnlen(utf8, source.m_length)});
     return;
   }
   std::string text;
@@ -165,22 +162,40 @@ void CFastInfosetReader::Attributes(CXmlElement* element) {
 }
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, std::uint32_t octet) {
-  auto const name = QualifiedNameOrIndexBit2(octet, m_vocabulary->GetAttributeNamesTable().GetVector());
-  std::string value = NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable().GetVector());
-  m_document.AddElementAttribute(element, LocalNameOf(name), std::move(value), NamespaceOf(name));
+  CXmlName const* const name = AttributeNameBit2(octet);
+  element->AddAttribute(name, NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable().GetVector()));
 }
 
-CFIVocabulary::CQNameParts CFastInfosetReader::QualifiedNameOrIndexBit2(std::uint32_t octet, Names& table) {
-  if ((octet & fi::kLiteralAttributeName) == fi::kLiteralAttributeName) return ReadQName(octet, table);
-  return EntryOf(table, m_source.Integer1To2pw20Bit2(octet));
+CXmlName const* CFastInfosetReader::AttributeNameBit2(std::uint32_t octet) {
+  auto& table = m_vocabulary->GetAttributeNamesTable().GetVector();
+  bool const isLiteral = (octet & fi::kLiteralAttributeName) == fi::kLiteralAttributeName;
+  std::size_t const index = isLiteral ? ReadQName(octet, table) : m_source.Integer1To2pw20Bit2(octet);
+  return SharedName(table, index, m_attributeNames);
 }
 
-CFIVocabulary::CQNameParts CFastInfosetReader::QualifiedNameOrIndexBit3(std::uint32_t octet, Names& table) {
-  if ((octet & fi::kLiteralElementName) == fi::kLiteralElementName) return ReadQName(octet, table);
-  return EntryOf(table, m_source.Integer1To2pw20Bit3(octet));
+CXmlName const* CFastInfosetReader::ElementNameBit3(std::uint32_t octet) {
+  auto& table = m_vocabulary->GetElementNamesTable().GetVector();
+  bool const isLiteral = (octet & fi::kLiteralElementName) == fi::kLiteralElementName;
+  std::size_t const index = isLiteral ? ReadQName(octet, table) : m_source.Integer1To2pw20Bit3(octet);
+  return SharedName(table, index, m_elementNames);
 }
 
-CFIVocabulary::CQNameParts CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
+/// The name that entry \p index of \p table stands for, which \p shared remembers.
+CXmlName const* CFastInfosetReader::SharedName(Names const& table, std::size_t index, SharedNames& shared) {
+  CFIVocabulary::CQNameParts const& parts = EntryOf(table, index);
+  if (shared.size() < table.size()) shared.resize(table.size());
+  CXmlName const*& name = shared[index - 1];
+  if (name == nullptr) {
+    static std::string const none;
+    auto const& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
+    name = m_document.ShareName(parts.m_namespace != 0 ? EntryOf(namespaces, parts.m_namespace) : none,
+                                EntryOf(m_vocabulary->GetLocalNamesTable().GetVector(), parts.m_localName));
+  }
+  return name;
+}
+
+/// The index of the name, which enters \p table.
+std::size_t CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
   bool const hasPrefix = (octet & fi::kHasPrefix) != 0;
   bool const hasNamespace = (octet & fi::kHasNamespaceName) != 0;
   if (hasPrefix && !hasNamespace) ThrowFastInfosetFailure("Invalid QName type Prefix without Namespace.");
@@ -188,8 +203,8 @@ CFIVocabulary::CQNameParts CFastInfosetReader::ReadQName(std::uint32_t octet, Na
   if (hasPrefix) name.m_prefix = IdentifyingStringOrIndex(m_vocabulary->GetPrefixNamesTable().GetVector());
   if (hasNamespace) name.m_namespace = IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable().GetVector());
   name.m_localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable().GetVector());
-  m_vocabulary->AddQNameToVector(name.m_prefix, name.m_namespace, name.m_localName, table);
-  return name;
+  table.push_back(name);
+  return table.size();
 }
 
 /// The index of the string, which enters \p table if it is spelled out.
@@ -202,7 +217,7 @@ std::uint32_t CFastInfosetReader::IdentifyingStringOrIndex(Strings& table) {
   }
   std::uint64_t const length = m_source.NonEmptyOctetStringBit2Length(octet);
   char const* const utf8 = Characters(m_source.Move(length));
-  CEncoder::AppendUtf8ToLocalCodePage(table.emplace_back(), utf8, length);
+  m_toLocal.Append(table.emplace_back(), {utf8, length});
   return static_cast<std::uint32_t>(table.size());
 }
 
@@ -244,7 +259,7 @@ CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5
 
 void CFastInfosetReader::Decode(EncodedString const& source, std::string& target) const {
   if (source.IsUtf8()) {
-    CEncoder::AppendUtf8ToLocalCodePage(target, Characters(source.m_octets), source.m_length);
+    m_toLocal.Append(target, {Characters(source.m_octets), source.m_length});
     return;
   }
   switch (source.m_kind) {
@@ -270,16 +285,6 @@ std::string const& CFastInfosetReader::Entry(Strings const& table, unsigned long
   std::string const& text = EntryOf(table, index);
   if (text.size() > kShortText) CountRepeatedText(text.size());
   return text;
-}
-
-std::string const& CFastInfosetReader::NamespaceOf(CFIVocabulary::CQNameParts const& name) {
-  static std::string const none;
-  if (name.m_namespace == 0) return none;
-  return Entry(m_vocabulary->GetNamespaceNamesTable().GetVector(), name.m_namespace);
-}
-
-std::string const& CFastInfosetReader::LocalNameOf(CFIVocabulary::CQNameParts const& name) {
-  return Entry(m_vocabulary->GetLocalNamesTable().GetVector(), name.m_localName);
 }
 
 void CFastInfosetReader::CountRepeatedText(std::size_t bytes) {

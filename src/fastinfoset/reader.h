@@ -9,6 +9,8 @@
 #include "fastinfoset/octet_source.h"
 #include "quillon9/fastinfoset/vocabulary.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/document.h"
+#include "xmlio/utf8_to_local.h"
 
 namespace Quillon9 {
 
@@ -39,6 +41,7 @@ class CFastInfosetReader {
  private:
   using Strings = std::vector<std::string>;
   using Names = std::vector<CFIVocabulary::CQNameParts>;
+  using SharedNames = std::vector<CXmlName const*>;
 
   /// An encoded character string: what its octets mean, and where they are.
   struct EncodedString {
@@ -88,24 +91,27 @@ class CFastInfosetReader {
   void AtrributeBit2(CXmlElement* element, std::uint32_t octet);
 
   // Names and strings.
-  CFIVocabulary::CQNameParts QualifiedNameOrIndexBit2(std::uint32_t octet, Names& table);
-  CFIVocabulary::CQNameParts QualifiedNameOrIndexBit3(std::uint32_t octet, Names& table);
-  CFIVocabulary::CQNameParts ReadQName(std::uint32_t octet, Names& table);
+  CXmlName const* AttributeNameBit2(std::uint32_t octet);
+  CXmlName const* ElementNameBit3(std::uint32_t octet);
+  CXmlName const* SharedName(Names const& table, std::size_t index, SharedNames& shared);
+  std::size_t ReadQName(std::uint32_t octet, Names& table);
   std::uint32_t IdentifyingStringOrIndex(Strings& table);
   std::string NonIdentifyingStringOrIndexBit1(Strings& table);
   EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
   EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
   void Decode(EncodedString const& source, std::string& target) const;
   std::string const& Entry(Strings const& table, unsigned long index);
-  std::string const& NamespaceOf(CFIVocabulary::CQNameParts const& name);
-  std::string const& LocalNameOf(CFIVocabulary::CQNameParts const& name);
   void CountRepeatedText(std::size_t bytes);
 
   CFastInfosetContext const& m_options;
   CXmlDocument& m_document;
+  CUtf8ToLocal const m_toLocal;
   COctetSource m_source;
   /// Made when the input has turned out to be Fast Infoset.
   std::optional<CFIVocabulary> m_vocabulary;
+  /// The names of the tree for the entries of the vocabulary's tables, null until they are first used.
+  SharedNames m_elementNames;
+  SharedNames m_attributeNames;
   /// The last octet ended more than the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
   std::uint64_t m_repeatedText = 0;

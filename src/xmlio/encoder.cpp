@@ -186,6 +186,15 @@ CUtf8ToLocal::Kind CUtf8ToLocal::Find() {
   return Kind::kOther;
 }
 
+void CUtf8ToLocal::AppendExcludingCR(std::string& target, std::string_view utf8) const {
+  std::size_t const start = target.size();
+  Append(target, utf8);
+  std::size_t const firstCR = target.find('\r', start);
+  if (firstCR == std::string::npos) return;
+  auto const from = target.begin() + static_cast<std::ptrdiff_t>(firstCR);
+  target.erase(std::remove(from, target.end(), '\r'), target.end());
+}
+
 void CUtf8ToLocal::Append(std::string& target, std::string_view utf8) const {
   if (utf8.empty()) return;
   char const* const text = utf8.data();

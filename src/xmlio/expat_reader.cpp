@@ -107,7 +107,11 @@ void CExpatReader::FnEndNamespace(void*, XML_Char const*) {}
 
 void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
-  Guarded(self, [=](CExpatReader& reader) { reader.AppendText({text, static_cast<std::size_t>(length)}); });
+  Guarded(self, [=](CExpatReader& reader) {
+    std::string& target = reader.m_document.GetOpenElement()->GetTextForAppending();
+    // Those of character references; expat has taken the others.
+    reader.m_toLocal.AppendExcludingCR(target, {text, static_cast<std::size_t>(length)});
+  });
 }
 
 void CExpatReader::FnStartCDATA(void* self) {
@@ -116,16 +120,6 @@ void CExpatReader::FnStartCDATA(void* self) {
 
 void CExpatReader::FnEndCDATA(void* self) {
   Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("]]>"); });
-}
-
-// Carriage returns go, those of character references; expat has taken the others.
-void CExpatReader::AppendText(std::string_view utf8) {
-  std::string& text = m_document.GetOpenElement()->GetTextForAppending();
-  std::size_t const start = text.size();
-  m_toLocal.Append(text, utf8);
-  std::size_t const firstCR = text.find('\r', start);
-  if (firstCR != std::string::npos)
-    text.erase(std::remove(text.begin() + static_cast<std::ptrdiff_t>(firstCR), text.end(), '\r'), text.end());
 }
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {

@@ -46,7 +46,6 @@ class CExpatReader {
   template <class Action>
   static void Guarded(void* self, Action action) noexcept;
   XML_Status Feed(bool isFinal);
-  void AppendText(std::string_view utf8);
   CXmlName const* NameOf(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);

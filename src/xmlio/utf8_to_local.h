@@ -14,6 +14,8 @@ class CUtf8ToLocal {
 
   /// Put the converted \p utf8 behind what \p target holds.
   void Append(std::string& target, std::string_view utf8) const;
+  /// The same without its carriage returns.
+  void AppendExcludingCR(std::string& target, std::string_view utf8) const;
   std::string operator()(std::string_view utf8) const {
     std::string local;
     Append(local, utf8);
