@@ -55,7 +55,7 @@ struct Shape {
   bool operator==(Shape const& other) const { return megabytes == other.megabytes && indented == other.indented; }
 };
 
-constexpr Operation const* kBound[] = {&kLoadTree, &kReadObjects, &kWriteObjects};
+constexpr Operation const* kBound[] = {&kLoadTree, &kReadObjects, &kWriteObjects, &kReadInfoset, &kWriteInfoset};
 
 std::string Name(Operation const& operation, Shape shape, Setting const* setting) {
   std::string const name = std::string(operation.name) + '/' + shape.Name();
@@ -89,6 +89,7 @@ Workload& WorkloadOf(Shape shape) {
 }
 
 void TimeProven(benchmark::State& state, Operation const& operation, Workload& load) {
+  if (operation.needsInfoset && load.infoset.GetLength() == 0) load.WriteInfoset();
   if (!operation.writes) {
     load.objects = nullptr;
   } else if (load.objects == nullptr) {
@@ -135,12 +136,14 @@ std::optional<double> MemoryOf(Operation const& operation, Shape shape) {
     Translated([&] {
       kSettings[0].Select();
       Workload small(20000, shape.indented);  // touches the code and builds the tables
-      small.ReadObjects();
+      small.WriteInfoset();
       operation.prove(small);
       probe.Begin();
       Workload load(shape.Bytes(), shape.indented);
-      if (operation.writes) {
-        load.ReadObjects();
+      if (operation.needsInfoset) load.WriteInfoset();
+      if (operation.writes) load.ReadObjects();
+      if (operation.needsInfoset || operation.writes) {
+        if (!operation.writes) load.objects = nullptr;
         load.document.text = std::string();
         probe.ForgetPeak();
       }
@@ -184,16 +187,17 @@ void PrintSpeedRow(Benchmarks::ResultCollector const& results, Shape shape, Sett
   PrintCell(expat ? std::optional(*expat / 1e6) : std::nullopt, 9, 1);
   for (Operation const* const operation : kBound) {
     std::optional<double> const speed = results.Speed(Name(*operation, shape, &setting));
-    PrintCell(speed ? std::optional(*speed / 1e6) : std::nullopt, 10, 1);
-    PrintCell(speed && expat ? std::optional(*speed / *expat) : std::nullopt, 7, 2);
+    PrintCell(speed ? std::optional(*speed / 1e6) : std::nullopt, 11, 1);
+    PrintCell(speed && expat ? std::optional(*speed / *expat) : std::nullopt, 6, 2);
   }
   std::printf("\n");
 }
 
 void PrintSpeed(Benchmarks::ResultCollector const& results, std::vector<Shape> const& shapes) {
   std::printf("\nSpeed: MB of document per second of processor time, and ratio to raw expat on the same document\n\n");
-  std::printf("%-16s %-6s%9s%10s%7s%10s%7s%10s%7s\n", "document", "locale", "expat", "tree", "ratio", "read", "ratio",
-              "write", "ratio");
+  std::printf("%-16s %-6s%9s", "document", "locale", "expat");
+  for (Operation const* const operation : kBound) std::printf("%11s%6s", operation->name, "ratio");
+  std::printf("\n");
   for (Shape const shape : shapes) {
     for (Setting const& setting : kSettings) PrintSpeedRow(results, shape, setting);
   }
@@ -201,15 +205,30 @@ void PrintSpeed(Benchmarks::ResultCollector const& results, std::vector<Shape> c
 
 void PrintMemory(MemoryTable const& table, std::vector<Shape> const& shapes) {
   std::printf("\nPeak memory: bytes per byte of document, the caller's text included\n\n");
-  std::printf("%-16s%10s%10s%10s\n", "document", "tree", "read", "write");
+  std::printf("%-16s", "document");
+  for (Operation const* const operation : kBound) std::printf("%11s", operation->name);
+  std::printf("\n");
   for (Shape const shape : shapes) {
     std::printf("%-16s", shape.Name().c_str());
     for (Operation const* const operation : kBound) {
       auto const cell = table.find(Name(*operation, shape, nullptr));
-      PrintCell(cell != table.end() ? std::optional(cell->second) : std::nullopt, 10, 1);
+      PrintCell(cell != table.end() ? std::optional(cell->second) : std::nullopt, 11, 1);
     }
     std::printf("\n");
   }
+}
+
+void PrintSizes() {
+  Translated([] {
+    kSettings[0].Select();
+    Workload load(1000000, false);
+    std::vector<SizeRow> const rows = SizesOf(load);
+    std::printf("\nSize of a document of 1 MB, and in proportion to XML\n\n");
+    for (SizeRow const& row : rows) {
+      std::printf("%-34s%9zu%6.2f\n", row.form, row.octets,
+                  static_cast<double>(row.octets) / static_cast<double>(rows.front().octets));
+    }
+  });
 }
 
 // ---- Options
@@ -268,6 +287,7 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks(&results);
   PrintSpeed(results, shapes);
   if (options.memory) PrintMemory(memory, shapes);
+  PrintSizes();
   benchmark::Shutdown();
   return s_hasFailure ? 1 : 0;
 }

@@ -153,7 +153,55 @@ Sums ProveWrite(Workload& load) {
   return SumUp(*orders);
 }
 
+CBinaryData WriteAsInfoset(Workload const& load, bool suggested = false,
+                           CompressionType compression = CompressionType_None) {
+  CXmlSerializationContext context;
+  if (suggested) context.GetFIContext()->SetSuggestedValues();
+  return load.objects->ToFastInfosetStream(FInfoDecl_None, context, compression);
+}
+
+std::size_t RunReadInfoset(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(load.infoset);
+  return load.document.text.size();
+}
+
+Sums ProveReadInfoset(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(load.infoset);
+  return SumUp(*orders);
+}
+
+std::size_t RunWriteInfoset(Workload& load) {
+  return WriteAsInfoset(load).GetLength() != 0 ? load.document.text.size() : 0;
+}
+
+Sums ProveWriteInfoset(Workload& load) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(WriteAsInfoset(load));
+  return SumUp(*orders);
+}
+
 }  // namespace
+
+void Workload::WriteInfoset() {
+  if (objects == nullptr) ReadObjects();
+  infoset = WriteAsInfoset(*this);
+}
+
+std::vector<SizeRow> SizesOf(Workload& load) {
+  load.ReadObjects();
+  std::size_t const gzipText = load.objects
+                                   ->ToXmlStream(true, load.indented, XmlEncoding_UTF8, EOLType_LF,
+                                                 CXmlSerializationContext::m_defaultContext, CompressionType_GZip)
+                                   .GetLength();
+  return {{"XML", load.document.text.size()},
+          {"Fast Infoset", WriteAsInfoset(load).GetLength()},
+          {"Fast Infoset, suggested encodings", WriteAsInfoset(load, true).GetLength()},
+          {"XML, gzip", gzipText},
+          {"Fast Infoset, gzip", WriteAsInfoset(load, false, CompressionType_GZip).GetLength()},
+          {"Fast Infoset, suggested, gzip", WriteAsInfoset(load, true, CompressionType_GZip).GetLength()}};
+}
 
 Workload::Workload(std::uint64_t bytes, bool isIndented)
     : indented(isIndented), document(GenerateOrders(bytes, isIndented)) {}
@@ -163,9 +211,11 @@ void Workload::ReadObjects() {
   objects->FromXmlStream(Bytes(document.text), document.text.size());
 }
 
-Operation const kRawExpat = {"expat", false, RunExpat, ProveExpat};
-Operation const kLoadTree = {"tree", false, RunTree, ProveTree};
-Operation const kReadObjects = {"read", false, RunRead, ProveRead};
-Operation const kWriteObjects = {"write", true, RunWrite, ProveWrite};
+Operation const kRawExpat = {"expat", false, false, RunExpat, ProveExpat};
+Operation const kLoadTree = {"tree", false, false, RunTree, ProveTree};
+Operation const kReadObjects = {"read", false, false, RunRead, ProveRead};
+Operation const kWriteObjects = {"write", true, false, RunWrite, ProveWrite};
+Operation const kReadInfoset = {"finf_read", false, true, RunReadInfoset, ProveReadInfoset};
+Operation const kWriteInfoset = {"finf_write", true, false, RunWriteInfoset, ProveWriteInfoset};
 
 }  // namespace Orders

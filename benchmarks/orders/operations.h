@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "orders/generator.h"
 #include "orders/orders.h"
@@ -14,16 +15,20 @@ struct Workload {
 
   bool indented;
   Document document;
-  CSmartPtr<COrders> objects;  ///< null until ReadObjects()
+  CSmartPtr<COrders> objects;     ///< null until ReadObjects()
+  Quillon9::CBinaryData infoset;  ///< the document as Fast Infoset; empty until WriteInfoset()
 
   /// Fill objects from the document.
   void ReadObjects();
+  /// Write the objects, which are read first where there are none, to infoset.
+  void WriteInfoset();
 };
 
 /// One way to go over a whole document.
 struct Operation {
   char const* name;
-  bool writes;  ///< needs objects, not the text
+  bool writes;        ///< needs objects, not the text
+  bool needsInfoset;  ///< reads the document as Fast Infoset
   /// Do the work once, as it is to be timed; the number of octets taken or given.
   std::size_t (*run)(Workload& load);
   /// Do it once and sum up what came of it. Equal sums prove that the work was done.
@@ -38,5 +43,15 @@ extern Operation const kLoadTree;
 extern Operation const kReadObjects;
 /// ToXmlStream(): from objects to octets, indented as the document is.
 extern Operation const kWriteObjects;
+/// The same two for Fast Infoset with the default settings. Their speed counts the octets of the XML document.
+extern Operation const kReadInfoset;
+extern Operation const kWriteInfoset;
+
+/// The forms of one document and how long they are.
+struct SizeRow {
+  char const* form;
+  std::size_t octets;
+};
+std::vector<SizeRow> SizesOf(Workload& load);
 
 }  // namespace Orders
