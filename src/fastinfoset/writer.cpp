@@ -156,15 +156,9 @@ void CFastInfosetWriter::WriteNamespaceAttributes() {
   m_output->Octet(fi::kTerminator);
 }
 
-// Most elements have the namespace and the bindings of the one before, so that their prefix is known.
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {
-  if (m_lastMap != nullptr && m_lastMap == &context.GetNamespaceMap() && uri == m_lastUri) return *m_lastPrefix;
   bool isNew = false;
-  std::string const& prefix = FindOrBindPrefix(context, uri, isNew);
-  m_lastUri = uri;
-  m_lastPrefix = &prefix;
-  m_lastMap = &context.GetNamespaceMap();
-  return prefix;
+  return FindOrBindPrefix(context, uri, isNew);
 }
 
 // Ends the list of attributes, if it is still open and there is one.
@@ -191,7 +185,6 @@ void CFastInfosetWriter::WriteEndElement() {
   CloseTag();
   if (m_terminatorPending) m_output->Octet(fi::kDoubleTerminator);
   m_terminatorPending = !m_terminatorPending;
-  if (m_context->m_ownsMap) m_lastMap = nullptr;  // the bindings go with the element
   PopContext();
   m_output->FlushIfFull();
 }

@@ -78,7 +78,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
  private:
   void WriteElement(bool hasAttributes);
   void WriteNamespaceAttributes();
-  std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
+  static std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
   void CloseTag();
   void OpenAttribute();
   void QualifiedNameOrIndexBit2(std::string const& prefix, std::string const& uri, std::string const& localName);
@@ -102,9 +102,6 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CXmlWriterContext* m_pendingElement = nullptr;  // started, not written, not current; its parent link does not own
   bool m_terminatorPending = false;               // one element's end has been noted, but no octet written for it
   CFIVocabulary m_vocabulary;
-  std::map<std::string, std::string> const* m_lastMap = nullptr;  // the bindings that the last prefix was found in
-  std::string const* m_lastPrefix = nullptr;
-  std::string m_lastUri;
   bool m_isAsciiUtf8;     // in the local code page, which is asked for once a document
   std::string m_scratch;  // octets of the value in hand, or key of a new name
 };
