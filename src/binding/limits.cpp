@@ -5,12 +5,20 @@ namespace Quillon9 {
 namespace {
 
 std::uint32_t maxElementDepth = 1000;
+std::uint64_t maxContentSize = 64U * 1024U * 1024U;
+std::uint32_t maxContentGrowth = 100;
 std::uint32_t maxDecompressedSize = 1024U * 1024U * 1024U;
 
 }  // namespace
 
 std::uint32_t CLimits::GetMaxElementDepth() { return maxElementDepth; }
 void CLimits::SetMaxElementDepth(std::uint32_t depth) { maxElementDepth = depth; }
+
+std::uint64_t CLimits::GetMaxContentSize() { return maxContentSize; }
+void CLimits::SetMaxContentSize(std::uint64_t bytes) { maxContentSize = bytes; }
+
+std::uint32_t CLimits::GetMaxContentGrowth() { return maxContentGrowth; }
+void CLimits::SetMaxContentGrowth(std::uint32_t factor) { maxContentGrowth = factor; }
 
 std::uint32_t CLimits::GetMaxDecompressedSize() { return maxDecompressedSize; }
 void CLimits::SetMaxDecompressedSize(std::uint32_t bytes) { maxDecompressedSize = bytes; }

@@ -8,7 +8,6 @@
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/restricted_alphabet.h"
 #include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/encoder.h"
@@ -16,9 +15,6 @@
 namespace Quillon9 {
 
 namespace {
-
-/// A repeated text up to this size costs no more than the nodes of the tree that the same octets make.
-constexpr std::size_t kShortText = 256;
 
 constexpr std::uint32_t kBehindCharacterChunks = 0xC0;
 
@@ -118,7 +114,7 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
 void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t octet) {
   auto& table = m_vocabulary->GetCharacterChunksTable().GetVector();
   if ((octet & fi::kIndexBit3) != 0) {
-    std::string const& text = Entry(table, m_source.Integer1To2pw20Bit4(octet));
+    std::string const& text = EntryOf(table, m_source.Integer1To2pw20Bit4(octet));
     m_document.AppendTextExcludingCR(element, text.data(), text.size());
     return;
   }
@@ -126,6 +122,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   EncodedString const source = EncodedCharacterStringBit5(octet);
   if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
     char const* const utf8 = Characters(source.m_octets);
+    m_document.CountContent(source.m_length);
     m_toLocal.AppendExcludingCR(element->GetTextForAppending(), {utf8, strnlen(utf8, source.m_length)});
     return;
   }
@@ -146,8 +143,8 @@ void CFastInfosetReader::NamespaceAttributeBit7(std::uint32_t octet) {
   auto& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
   std::string prefix;
   std::string namespaceUri;
-  if ((octet & fi::kHasPrefix) != 0) prefix = Entry(prefixes, IdentifyingStringOrIndex(prefixes));
-  if ((octet & fi::kHasNamespaceName) != 0) namespaceUri = Entry(namespaces, IdentifyingStringOrIndex(namespaces));
+  if ((octet & fi::kHasPrefix) != 0) prefix = EntryOf(prefixes, IdentifyingStringOrIndex(prefixes));
+  if ((octet & fi::kHasNamespaceName) != 0) namespaceUri = EntryOf(namespaces, IdentifyingStringOrIndex(namespaces));
   m_document.SetNamespaceAlias(std::move(prefix), std::move(namespaceUri));
 }
 
@@ -163,7 +160,8 @@ void CFastInfosetReader::Attributes(CXmlElement* element) {
 
 void CFastInfosetReader::AtrributeBit2(CXmlElement* element, std::uint32_t octet) {
   CXmlName const* const name = AttributeNameBit2(octet);
-  element->AddAttribute(name, NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable().GetVector()));
+  m_document.AddElementAttribute(element, name,
+                                 NonIdentifyingStringOrIndexBit1(m_vocabulary->GetAttributeValuesTable().GetVector()));
 }
 
 CXmlName const* CFastInfosetReader::AttributeNameBit2(std::uint32_t octet) {
@@ -225,7 +223,7 @@ std::string CFastInfosetReader::NonIdentifyingStringOrIndexBit1(Strings& table) 
   std::uint32_t const octet = m_source.Octet();
   if ((octet & fi::kIndexBit1) != 0) {
     std::uint32_t const index = m_source.Integer0To2pw20Bit2(octet);
-    return index != 0 ? Entry(table, index) : std::string();
+    return index != 0 ? EntryOf(table, index) : std::string();
   }
   std::string text;
   Decode(EncodedCharacterStringBit3(octet), text);
@@ -277,21 +275,6 @@ void CFastInfosetReader::Decode(EncodedString const& source, std::string& target
     case EncodedString::Kind::kEncodingAlgorithm:
       target += DecodedText(source.m_index, source.m_octets, source.m_length);
       return;
-  }
-}
-
-/// The text at \p index. A few octets can repeat a long one.
-std::string const& CFastInfosetReader::Entry(Strings const& table, unsigned long index) {
-  std::string const& text = EntryOf(table, index);
-  if (text.size() > kShortText) CountRepeatedText(text.size());
-  return text;
-}
-
-void CFastInfosetReader::CountRepeatedText(std::size_t bytes) {
-  std::uint32_t const limit = CLimits::GetMaxDecompressedSize();
-  m_repeatedText += bytes;
-  if (m_repeatedText > limit) {
-    ThrowFastInfosetFailure(FormatString("The repeated text exceeds the limit of %u bytes", limit).c_str());
   }
 }
 

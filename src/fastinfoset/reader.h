@@ -100,8 +100,6 @@ class CFastInfosetReader {
   EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
   EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
   void Decode(EncodedString const& source, std::string& target) const;
-  std::string const& Entry(Strings const& table, unsigned long index);
-  void CountRepeatedText(std::size_t bytes);
 
   CFastInfosetContext const& m_options;
   CXmlDocument& m_document;
@@ -114,7 +112,6 @@ class CFastInfosetReader {
   SharedNames m_attributeNames;
   /// The last octet ended more than the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
-  std::uint64_t m_repeatedText = 0;
 };
 
 }  // namespace Quillon9

@@ -23,6 +23,12 @@ bool IsSchemaMachinery(std::string_view namespaceUri) {
 
 std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
 
+/// What a node counts for besides its texts.
+constexpr std::size_t kNodeCharge = 64;
+
+/// What a node of this name counts for. The name is stored once; but whoever copies the tree copies it with each node.
+std::size_t ContentOf(CXmlName const& name) { return kNodeCharge + name.namespaceUri.size() + name.localName.size(); }
+
 CXmlName const& NoName() {
   static CXmlName const* const name = new CXmlName{"", "", true};  // for nodes of any life time
   return *name;
@@ -198,6 +204,7 @@ CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::str
 CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
   CheckDepth();
+  CountContent(ContentOf(*name));
   m_elementStack.reserve(1);
   m_documentElement = new (Memory()) CXmlElement(this, m_memory);
   m_documentElement->SetName(name);
@@ -216,6 +223,7 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* parent = OpenElementOrThrow();
   CheckDepth();
+  CountContent(ContentOf(*name));
   CXmlElement* const child = parent->CreateNewChildElement();
   child->SetName(name);
   m_elementStack.push_back(child);
@@ -234,6 +242,16 @@ void CXmlDocument::CloseElement() {
   m_elementStack.pop_back();
 }
 
+void CXmlDocument::StartCounting() {
+  m_contentSize = 0;
+  m_contentLimit = std::max(CLimits::GetMaxContentSize(), std::uint64_t{CLimits::GetMaxContentGrowth()} * m_inputSize);
+}
+
+void CXmlDocument::ThrowContentTooLarge() const {
+  throw CQnException(FormatString("The content of the document exceeds the limit of %llu bytes",
+                                  static_cast<unsigned long long>(m_contentLimit)));
+}
+
 CXmlElement* CXmlDocument::OpenElementOrThrow() const {
   if (m_elementStack.empty()) throw CQnException("No element is open");
   return m_elementStack.back();
@@ -247,11 +265,18 @@ void CXmlDocument::CheckDepth() const {
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string localName, std::string value,
                                        std::string namespaceUri) {
+  CountContent(kNodeCharge + localName.size() + value.size() + namespaceUri.size());
   element->AddAttribute(std::move(localName), std::move(value), std::move(namespaceUri));
+}
+
+void CXmlDocument::AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string value) {
+  CountContent(ContentOf(*name) + value.size());
+  element->AddAttribute(name, std::move(value));
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length) {
   char const* const end = text + strnlen(text, length);
+  CountContent(static_cast<std::size_t>(end - text));
   while (text != end) {
     auto const left = static_cast<std::size_t>(end - text);
     auto const* const found = static_cast<char const*>(std::memchr(text, '\r', left));
@@ -266,6 +291,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 }
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
+  CountContent(prefix.size() + namespaceUri.size());
   m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
 }
 

@@ -129,11 +129,13 @@ void CXmlDocument::AllocateInput(unsigned long size) {
 
 void CXmlDocument::Parse() {
   CQnZip::Decompress(&m_inputData, &m_inputSize);
+  StartCounting();
   CFastInfosetReader reader(*m_context.GetFIContext(), *this);
   if (!reader.Parse()) ParseText();
 }
 
 void CXmlDocument::ParseText() {
+  StartCounting();
   CExpatReader reader(*this);
   reader.CreateParser();
   reader.Parse(true);

@@ -108,6 +108,7 @@ void CExpatReader::FnEndNamespace(void*, XML_Char const*) {}
 void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
   Guarded(self, [=](CExpatReader& reader) {
+    reader.m_document.CountContent(static_cast<std::size_t>(length));
     std::string& target = reader.m_document.GetOpenElement()->GetTextForAppending();
     // Those of character references; expat has taken the others.
     reader.m_toLocal.AppendExcludingCR(target, {text, static_cast<std::size_t>(length)});
@@ -140,7 +141,7 @@ void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attribut
   while (attributes[2 * count] != nullptr) ++count;
   if (count > 0) element->ReserveAttributes(count);
   for (; *attributes != nullptr; attributes += 2) {
-    element->AddAttribute(NameOf(attributes[0]), m_toLocal(attributes[1]));
+    m_document.AddElementAttribute(element, NameOf(attributes[0]), m_toLocal(attributes[1]));
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdio>
 #include <map>
 #include <string>
@@ -226,9 +227,17 @@ class QUILLON9_API CXmlDocument {
   /// The innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back(); }
   void AddElementAttribute(CXmlElement* element, std::string localName, std::string value, std::string namespaceUri);
+  void AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string value);
   /// Append \p text to \p element without its carriage returns, up to its NUL or \p length bytes.
   void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, char const* text);
+  /// Note that a reader has put \p bytes of content into the tree by itself. The other operations here do it themselves.
+  /// \throws CQnException "The content of the document exceeds the limit of %llu bytes" when the input that is being loaded
+  ///         has delivered more than CLimits::GetMaxContentSize() tells.
+  void CountContent(std::size_t bytes) {
+    m_contentSize += bytes;
+    if (m_contentSize > m_contentLimit) ThrowContentTooLarge();
+  }
   /// Bind \p prefix to \p namespaceUri, in place of an earlier binding.
   void SetNamespaceAlias(std::string prefix, std::string namespaceUri);
   /// @}
@@ -240,6 +249,8 @@ class QUILLON9_API CXmlDocument {
   void AllocateInput(unsigned long size);
   CXmlElement* OpenElementOrThrow() const;
   void CheckDepth() const;
+  void StartCounting();
+  [[noreturn]] void ThrowContentTooLarge() const;
   CTreeMemory& Memory();
 
   CXmlElement* m_documentElement;
@@ -250,6 +261,8 @@ class QUILLON9_API CXmlDocument {
   SchemaType m_schemaType;
   ElementFilter m_filter;
   CXmlSerializationContext const& m_context;
+  std::uint64_t m_contentSize = 0;
+  std::uint64_t m_contentLimit = ~std::uint64_t{0};  // none for trees that a program builds
   /// Of the nodes; made for the first one.
   CTreeMemory* m_memory = nullptr;
 };
