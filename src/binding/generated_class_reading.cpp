@@ -3,6 +3,7 @@
 #include <strings.h>
 
 #include <string>
+#include <vector>
 
 #include "binding/failed_scans.h"
 #include "binding/failure_wrapping.h"
@@ -47,6 +48,13 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
 
 CXmlElement* CXmlGeneratedClass::ReadMembers(CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
+  if (GetClassInfo()->m_elementType != XmlElementType_Element) return ReadGroup(parent, cursor, ctx, inChoice);
+  FailedScans const scans(ctx.GetIgnoreUnknownElements());
+  return ReadGroup(parent, cursor, ctx, inChoice);
+}
+
+CXmlElement* CXmlGeneratedClass::ReadGroup(CXmlElement* parent, CXmlElement* cursor,
+                                           CXmlSerializationContext const& ctx, bool inChoice) {
   CParentElementInfo const& info = *GetClassInfo();
   switch (info.m_groupType) {
     case XmlElementGroupType_Sequence: return ProcessElementSeqFromXml(ctx, parent, cursor, info.m_elementType);
@@ -63,6 +71,11 @@ namespace {
   throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
 }
 
+std::vector<CXmlAttribute*> const& NoAttributes() {
+  static std::vector<CXmlAttribute*> const none;
+  return none;
+}
+
 // The place of the descriptor that took the attribute; the end of the table when none did.
 std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
                            CXmlAttribute* attribute) {
@@ -76,7 +89,8 @@ std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedCla
 void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
   auto* const nillable = dynamic_cast<INillable*>(this);
   if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
-  char const* const value = attribute.GetValue().c_str();
+  std::string const& text = attribute.GetValue();
+  char const* const value = text.find('\0') == std::string::npos ? text.c_str() : "";
   if (strcasecmp(value, "true") == 0) {
     nillable->SetNil(true);
   } else if (strcasecmp(value, "false") == 0) {
@@ -93,38 +107,53 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
   std::size_t count = 0;
   while (table[count] != nullptr) ++count;
   FlagSet found(count);
-  for (CXmlAttribute* const attribute : parent->GetAttributes()) {
+  bool const isKnown = FailedScans::TakesNoAttribute(table, parent);
+  bool tookSome = false;
+  for (CXmlAttribute* const attribute : isKnown ? NoAttributes() : parent->GetAttributes()) {
     if (attribute->IsNamespaceAttribute()) continue;
     if (attribute->IsNilAttribute()) {
       ReadNilAttribute(*attribute);
+      tookSome = true;
       continue;
     }
     std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
     if (taker < count) {
       found.Set(taker);
+      tookSome = true;
     } else if (reject && !ctx.GetIgnoreUnknownAttributes()) {
       ThrowUnexpectedAttribute(*attribute);
     }
+  }
+  // A group is asked again for each child that is skipped, and each time shown all attributes.
+  if (!isKnown && !tookSome && GetClassInfo()->m_elementType != XmlElementType_Element) {
+    FailedScans::NoteNoAttribute(table, parent);
   }
   for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
 }
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                           CXmlElement* cursor, XmlElementType type) {
-  FailedScans const scans(type == XmlElementType_Element && ctx.GetIgnoreUnknownElements());
+  bool const isGroup = type != XmlElementType_Element;
   CXmlElement* const entry = cursor;
   int const count = GetClassElementInfoCount();
   std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
-  for (int i = 0; i < count;) {
-    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
-      ++i;
-    } else if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) {
-      return entry;
-    } else {
+  for (int i = 0; i < count; ++i) {
+    CElementInfo* const member = GetClassElementInfo()[i];
+    CXmlElement* const start = cursor;
+    unsigned long const takes = FailedScans::Takes();
+    if (isGroup) cursor = FailedScans::Skip(member, parent, cursor);
+    if (cursor == nullptr && start != nullptr) return entry;
+    CXmlElement* at = cursor;
+    while (!member->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
+      bool const isLast = !ctx.GetIgnoreUnknownElements() || cursor == nullptr;
+      if (isLast && isGroup && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, nullptr);
+      if (isLast) return entry;
       cursor = cursor->GetNextSiblingElement();
+      at = cursor;
     }
+    if (isGroup && at != start && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, at);
   }
-  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  if (!isGroup) RejectLeftOver(ctx, parent, cursor);
   return cursor;
 }
 

@@ -7,13 +7,14 @@
 
 namespace Quillon9 {
 
-/// Bounds the recursion of generated classes on this thread: nested elements, and, apart from them, nested groups
-/// without a tag inside one element. A document's elements are counted when its tree is built; this counts what
-/// trees and object graphs made by hand nest, and groups that hold each other without end.
+/// Bounds the recursion of generated classes on this thread: nested elements, nested groups without a tag inside one
+/// element, and both together, of which there may be four times as many. A document's elements are counted when its tree
+/// is built; this counts what trees and object graphs made by hand nest, and groups that hold each other without end.
 class NestingGuard {
  public:
   /// \p hasTag is whether an element is entered, and not a group without a tag.
   explicit NestingGuard(bool hasTag) : m_outer(t_levels) {
+    ++t_levels.all;
     if (hasTag) {
       ++t_levels.elements;
       t_levels.groups = 0;
@@ -21,7 +22,8 @@ class NestingGuard {
       ++t_levels.groups;
     }
     std::uint32_t const limit = CLimits::GetMaxElementDepth();
-    if (t_levels.elements <= limit && t_levels.groups <= limit) return;
+    bool const isWithinTotal = t_levels.all / 4 <= limit;
+    if (t_levels.elements <= limit && t_levels.groups <= limit && isWithinTotal) return;
     t_levels = m_outer;
     throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
   }
@@ -33,8 +35,9 @@ class NestingGuard {
   struct Levels {
     std::uint32_t elements;
     std::uint32_t groups;
+    std::uint32_t all;
   };
-  inline static thread_local Levels t_levels = {0, 0};
+  inline static thread_local Levels t_levels = {0, 0, 0};
 
   Levels m_outer;
 };

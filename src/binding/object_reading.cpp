@@ -1,6 +1,7 @@
 // The reading operations of CXmlObjectBase: each loads a document and hands its root to FromXml_Int. They stand
 // apart from the class because they lean on the document, and with it on the parser.
 
+#include "binding/failed_scans.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -14,6 +15,7 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
   if (root == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
   // The tree is only read, but the cursor that walks it is not const.
   auto* const parent = const_cast<CXmlElement*>(root);
+  FailedScans const scans(false);  // a setter may read another document while its own is read
   CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
 }
 

@@ -1,3 +1,4 @@
+#include "binding/failed_scans.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
@@ -36,7 +37,8 @@ bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializ
 
 bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                                 CXmlElement* next, CXmlElement** cursor, XmlElementType holderType) {
-  if (next == *cursor) return false;                         // an empty collection is not this choice's member
+  if (next == *cursor) return false;  // an empty collection is not this choice's member
+  FailedScans::CountTake();
   if (holderType == XmlElementType_Element) *cursor = next;  // moved before the count may throw
   if (!JudgeCount(collection, ctx, holderType)) return false;
   *cursor = next;
@@ -52,7 +54,9 @@ QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  *cursor = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
+  CXmlElement* const next = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
+  if (next != *cursor) FailedScans::CountTake();
+  *cursor = next;
   return JudgeCount(*collection, ctx, holderType);
 }
 

@@ -19,14 +19,10 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
   if (IsThisElement(ctx, *cursor)) return TakePrimitive(holder, cursor);
   if (!ctx.GetIgnoreUnknownElements()) return false;
   CXmlElement* const start = *cursor;
-  if (FailedScans::Knows(this, parent, start)) {
-    *cursor = nullptr;
-    return false;
-  }
+  *cursor = FailedScans::Skip(this, parent, start);
   while (*cursor != nullptr && !IsThisElement(ctx, *cursor)) *cursor = (*cursor)->GetNextSiblingElement();
-  if (*cursor != nullptr) return TakePrimitive(holder, cursor);
-  FailedScans::Note(this, parent, start);
-  return false;
+  FailedScans::Note(this, parent, start, *cursor);
+  return *cursor != nullptr && TakePrimitive(holder, cursor);
 }
 
 QN_ELEMENT_TO_XML(CElementInfoSeqPrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }

@@ -1,3 +1,4 @@
+#include "binding/failed_scans.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
@@ -116,7 +117,9 @@ QN_ELEMENT_FROM_XML(CElementInfoChoiceUntpdOpt) {
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqUntpdCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  *cursor = ReadUntypedCollection(ctx, collection.Get(), parent, *cursor);
+  CXmlElement* const next = ReadUntypedCollection(ctx, collection.Get(), parent, *cursor);
+  if (next != *cursor) FailedScans::CountTake();
+  *cursor = next;
   return JudgeCount(*collection, ctx, holderType);
 }
 

@@ -8,6 +8,7 @@
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/restricted_alphabet.h"
 #include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/encoder.h"
@@ -82,6 +83,10 @@ void CFastInfosetReader::StartElement(std::uint32_t octet) {
   if ((octet & fi::kLiteralElementName) == fi::kHasNamespaceAttributes) {
     NamespaceAttributes();
     octet = m_source.Octet();
+  }
+  std::uint32_t const limit = CLimits::GetMaxElementDepth();
+  if (m_document.GetOpenElementCount() >= limit) {
+    ThrowFastInfosetFailure(FormatString("The element nesting exceeds the limit of %u levels", limit).c_str());
   }
   CXmlName const* const name = ElementNameBit3(octet);
   CXmlElement* const element =
@@ -166,34 +171,34 @@ void CFastInfosetReader::AtrributeBit2(CXmlElement* element, std::uint32_t octet
 
 CXmlName const* CFastInfosetReader::AttributeNameBit2(std::uint32_t octet) {
   auto& table = m_vocabulary->GetAttributeNamesTable().GetVector();
-  bool const isLiteral = (octet & fi::kLiteralAttributeName) == fi::kLiteralAttributeName;
-  std::size_t const index = isLiteral ? ReadQName(octet, table) : m_source.Integer1To2pw20Bit2(octet);
-  return SharedName(table, index, m_attributeNames);
+  if ((octet & fi::kLiteralAttributeName) == fi::kLiteralAttributeName) return ReadQName(octet, table);
+  return NameInTable(table, m_source.Integer1To2pw20Bit2(octet), m_attributeNames);
 }
 
 CXmlName const* CFastInfosetReader::ElementNameBit3(std::uint32_t octet) {
   auto& table = m_vocabulary->GetElementNamesTable().GetVector();
-  bool const isLiteral = (octet & fi::kLiteralElementName) == fi::kLiteralElementName;
-  std::size_t const index = isLiteral ? ReadQName(octet, table) : m_source.Integer1To2pw20Bit3(octet);
-  return SharedName(table, index, m_elementNames);
+  if ((octet & fi::kLiteralElementName) == fi::kLiteralElementName) return ReadQName(octet, table);
+  return NameInTable(table, m_source.Integer1To2pw20Bit3(octet), m_elementNames);
 }
 
 /// The name that entry \p index of \p table stands for, which \p shared remembers.
-CXmlName const* CFastInfosetReader::SharedName(Names const& table, std::size_t index, SharedNames& shared) {
+CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t index, SharedNames& shared) {
   CFIVocabulary::CQNameParts const& parts = EntryOf(table, index);
   if (shared.size() < table.size()) shared.resize(table.size());
   CXmlName const*& name = shared[index - 1];
-  if (name == nullptr) {
-    static std::string const none;
-    auto const& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
-    name = m_document.ShareName(parts.m_namespace != 0 ? EntryOf(namespaces, parts.m_namespace) : none,
-                                EntryOf(m_vocabulary->GetLocalNamesTable().GetVector(), parts.m_localName));
-  }
+  if (name == nullptr) name = SharedName(parts);
   return name;
 }
 
-/// The index of the name, which enters \p table.
-std::size_t CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
+CXmlName const* CFastInfosetReader::SharedName(CFIVocabulary::CQNameParts const& parts) {
+  static std::string const none;
+  auto const& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
+  return m_document.ShareName(parts.m_namespace != 0 ? EntryOf(namespaces, parts.m_namespace) : none,
+                              EntryOf(m_vocabulary->GetLocalNamesTable().GetVector(), parts.m_localName));
+}
+
+/// The name, which enters \p table, unless that is full.
+CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
   bool const hasPrefix = (octet & fi::kHasPrefix) != 0;
   bool const hasNamespace = (octet & fi::kHasNamespaceName) != 0;
   if (hasPrefix && !hasNamespace) ThrowFastInfosetFailure("Invalid QName type Prefix without Namespace.");
@@ -201,8 +206,8 @@ std::size_t CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
   if (hasPrefix) name.m_prefix = IdentifyingStringOrIndex(m_vocabulary->GetPrefixNamesTable().GetVector());
   if (hasNamespace) name.m_namespace = IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable().GetVector());
   name.m_localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable().GetVector());
-  table.push_back(name);
-  return table.size();
+  m_vocabulary->AddQNameToVector(name.m_prefix, name.m_namespace, name.m_localName, table);
+  return SharedName(name);
 }
 
 /// The index of the string, which enters \p table if it is spelled out.

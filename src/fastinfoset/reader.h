@@ -93,8 +93,9 @@ class CFastInfosetReader {
   // Names and strings.
   CXmlName const* AttributeNameBit2(std::uint32_t octet);
   CXmlName const* ElementNameBit3(std::uint32_t octet);
-  CXmlName const* SharedName(Names const& table, std::size_t index, SharedNames& shared);
-  std::size_t ReadQName(std::uint32_t octet, Names& table);
+  CXmlName const* NameInTable(Names const& table, std::size_t index, SharedNames& shared);
+  CXmlName const* SharedName(CFIVocabulary::CQNameParts const& parts);
+  CXmlName const* ReadQName(std::uint32_t octet, Names& table);
   std::uint32_t IdentifyingStringOrIndex(Strings& table);
   std::string NonIdentifyingStringOrIndexBit1(Strings& table);
   EncodedString EncodedCharacterStringBit3(std::uint32_t octet);

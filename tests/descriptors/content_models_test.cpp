@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <memory>
+#include <vector>
 
 #include "dynamic_class.h"
 #include "expect_failure.h"
@@ -264,6 +266,71 @@ TEST(UntypedMembers, OfAnAllGroupAndRepeated) {
   Expect(kSequence, {new CElementInfoSeqUntpdCol("x", "", 0)},
          {{"", "><x/>", Failure("The collection for the element [x] is none of untyped elements")}},
          [](DynamicClass& object) { object.With(0, new DynamicCollection(ShapeOf(kLeaf), "x", 0, -1)); });
+}
+
+// ---- Unknown children in front of groups: each is passed once, or this would take hours
+
+Shape const& Group(Members members) {
+  static std::vector<std::unique_ptr<Shape>> shapes;
+  shapes.push_back(std::make_unique<Shape>(Of(XmlElementGroupType_Sequence, XmlElementType_Pseudo), members));
+  return *shapes.back();
+}
+
+CElementInfo* GroupMember(int index, int classId, ClassFactory factory, bool requiresContent) {
+  return new CElementInfoSeqClsMnd("", "", index, XmlElementType_Pseudo, factory, classId, requiresContent);
+}
+
+TEST(IgnoredChildren, CostNoSquareInFrontOfGroups) {
+  static Shape const& values = Group({Prim<CElementInfoSeqPrimMnd>("p", 0), Prim<CElementInfoSeqPrimMnd>("q", 1)});
+  static Shape const& enums = Group({new CElementInfoSeqEnumMnd("p", "", 0, ColourText, ColourOf),
+                                     new CElementInfoSeqEnumMnd("q", "", 1, ColourText, ColourOf)});
+  static Shape const& nested = Group({GroupMember(0, 0, nullptr, true)});
+  ClassFactory const make = [](int, char const* name) -> CSmartPtr<CXmlObjectBase> {
+    return new DynamicClass(enums, name);
+  };
+  std::string unknown;
+  for (int i = 0; i < 100000; ++i) unknown += "<x/>";
+  std::string const documents[] = {"<root>" + unknown + "</root>",
+                                   "<root>" + unknown + "<p>red</p>" + unknown + "</root>"};
+  Shape const inSequence(kSequence, {GroupMember(0, 0, nullptr, false), Prim<CElementInfoSeqPrimOpt>("z", 1)});
+  Shape const inChoice(kChoice, {new CElementInfoChoiceClsOpt("", "", 0, XmlElementType_Pseudo, make, 0)});
+  for (std::string const& document : documents) {
+    for (Shape const* const group : {&values, &enums, &nested}) {
+      DynamicClass* const inner = new DynamicClass(*group, "");
+      if (group == &nested) inner->With(0, new DynamicClass(enums, ""));
+      DynamicClass object(inSequence);
+      object.With(0, inner);
+      object.FromXml(document.c_str(), Ignoring("U"));
+    }
+    DynamicClass(inChoice).FromXml(document.c_str(), Ignoring("U"));
+  }
+}
+
+// What is known of one tree says nothing about another that happens to lie at the same addresses.
+TEST(IgnoredChildren, AreForgottenWithTheirDocument) {
+  static Shape const& group = Group({Prim<CElementInfoSeqPrimMnd>("a", 0)});
+  struct Outer : DynamicClass {
+    using DynamicClass::DynamicClass;
+    void AccessProperty(int, bool read, QnVariant& value) override {
+      if (read) return;
+      ClassFactory const make = [](int, char const* name) -> CSmartPtr<CXmlObjectBase> {
+        return new DynamicClass(group, name);
+      };
+      static Shape const inner(kAll, {new CElementInfoAllClsOpt("", "", 0, XmlElementType_Pseudo, make, 0),
+                                      Prim<CElementInfoAllPrimOpt>("b", 1)});
+      DynamicClass object(inner);
+      object.FromXml(value.GetString().c_str(), Ignoring("U"));
+      m_read += object.Text();
+    }
+    std::string m_read;
+  };
+  Shape const shape(kSequence, {Prim<CElementInfoSeqPrimOpt>("first", 0), Prim<CElementInfoSeqPrimOpt>("second", 0)});
+  Outer outer(shape);
+  outer.FromXml(
+      "<root><first>&lt;r>&lt;b/>&lt;b>1&lt;/b>&lt;/r></first><second>&lt;r>&lt;b/>&lt;a>1&lt;/a>&lt;/r></second></"
+      "root>",
+      Ignoring("U"));
+  EXPECT_EQ("<r><b/></r><r><a>1</a></r>", outer.m_read);
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
   } const rows[] = {
       {"depth, text", Repeated("<a>", 5) + Repeated("</a>", 5), Repeated("<a>", 6), depth},
       {"depth, Fast Infoset", Infoset(nested + std::string(1, '\0') + "\xFF\xFF\xFF"),
-       Infoset(nested + std::string(2, '\0')), depth},
+       Infoset(nested + std::string(2, '\0')), "Failed to parse FastInfoset. " + depth},
       {"content, text", text(935), text(936), content},
       {"content, attributes", "<a b='" + std::string(870, 'x') + "'/>", "<a b='" + std::string(871, 'x') + "'/>",
        content},

@@ -136,6 +136,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                            bool inChoice);
   CXmlElement* ReadMembers(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice);
+  CXmlElement* ReadGroup(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool inChoice);
   void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement** cursor,
                             Quillon9Data::XmlElementType type);

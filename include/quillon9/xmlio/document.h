@@ -224,6 +224,7 @@ class QUILLON9_API CXmlDocument {
   /// Close the innermost open element, without the filter.
   /// \throws CQnException "No element is open".
   void CloseElement();
+  std::size_t GetOpenElementCount() const { return m_elementStack.size(); }
   /// The innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back(); }
   void AddElementAttribute(CXmlElement* element, std::string localName, std::string value, std::string namespaceUri);
