@@ -1,0 +1,317 @@
+// Reads feeds and prints each as a list, changes an entry, writes the feed and reads it back, and shows that what the
+// classes do not know came through. A document that is no Atom feed is read, printed and written as generic content.
+// Comments and processing instructions are not kept.
+//
+//   feed [document...]
+
+#include <langinfo.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstddef>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "feed_types.h"
+
+using namespace Atom;
+using namespace Quillon9;
+
+namespace {
+
+// ---- Documents as lists
+
+struct Line {
+  int depth;
+  std::string name;
+  std::string value;
+  bool isGeneric;  // not of the classes
+};
+using Lines = std::vector<Line>;
+
+std::string NameOf(std::string const& name, std::string const& ns) { return ns.empty() ? name : "{" + ns + "}" + name; }
+
+/// The times of a feed are written in the form that the library gives them: a fraction loses its last zeros.
+std::string Normalized(Line const& line) {
+  bool const isTime = line.name == NameOf("updated", kNamespace) || line.name == NameOf("published", kNamespace);
+  try {
+    return isTime ? CDateTime(CWhitespaceUtils::Collapse(line.value).c_str()).ToString() : line.value;
+  } catch (CQnException const&) {
+    return line.value;  // no time, in generic content
+  }
+}
+
+bool operator==(Line const& a, Line const& b) {
+  return a.depth == b.depth && a.name == b.name && (a.value == b.value || Normalized(a) == Normalized(b));
+}
+
+bool IsBlank(std::string const& text) { return CWhitespaceUtils::Collapse(text).empty(); }
+
+/// The text of an element with these children: what only sets them apart counts for nothing.
+std::string Significant(std::string const& text, CElementCol const& children) {
+  return children.GetCount() > 0 && IsBlank(text) ? "" : text;
+}
+
+void AppendAttributes(Lines& lines, int depth, CAttributeCol const& attributes) {
+  std::size_t const first = lines.size();
+  for (CAttribute const& attribute : attributes) {
+    lines.push_back({depth, "@" + NameOf(attribute.GetName(), attribute.GetNamespace()), attribute.GetValue(), true});
+  }
+  // Their order means nothing, and the declared ones are written in front.
+  std::sort(lines.begin() + static_cast<std::ptrdiff_t>(first), lines.end(),
+            [](Line const& a, Line const& b) { return a.name < b.name; });
+}
+
+void Append(Lines& lines, int depth, CElement const& element) {
+  lines.push_back({depth, NameOf(element.GetName(), element.GetNamespace()),
+                   Significant(element.GetText(), *element.GetElements()), true});
+  AppendAttributes(lines, depth + 1, *element.GetAttributes());
+  for (CElement const& child : *element.GetElements()) Append(lines, depth + 1, child);
+}
+
+/// What the list shows of \p object besides its children.
+std::string Shown(CCommonType const& object) {
+  if (auto const* const date = dynamic_cast<CDateType const*>(&object)) return date->GetDateTime().ToString();
+  if (auto const* const link = dynamic_cast<CLinkType const*>(&object)) {
+    return link->GetRel().value_or("alternate") + ", " + link->GetHref();
+  }
+  if (auto const* const category = dynamic_cast<CCategoryType const*>(&object)) return category->GetTerm();
+  if (auto const* const text = dynamic_cast<CTextType const*>(&object)) {
+    std::string const type = text->GetType().value_or("text");
+    return (type == "text" ? "" : "[" + type + "] ") + text->GetSrc().value_or("") +
+           Significant(text->GetText(), *text->GetAny());
+  }
+  auto const* const simple = dynamic_cast<CSimpleType const*>(&object);
+  return simple != nullptr ? simple->GetText() : "";
+}
+
+void Append(Lines& lines, int depth, CCommonType const& object) {
+  lines.push_back({depth, object.GetElementName(), Shown(object), false});
+  AppendAttributes(lines, depth + 1, *object.GetAnyAttribute());
+  if (auto const* const open = dynamic_cast<COpenType const*>(&object)) {
+    for (CElement const& element : *open->GetAny()) Append(lines, depth + 1, element);
+  }
+  auto const* const container = dynamic_cast<CContainerType const*>(&object);
+  if (container == nullptr) return;
+  for (CMember const& member : *container->GetMember()) {
+    if (auto const* const element = dynamic_cast<CElement const*>(member.GetObject())) {
+      Append(lines, depth + 1, *element);
+    } else {
+      Append(lines, depth + 1, dynamic_cast<CCommonType const&>(*member.GetObject()));
+    }
+  }
+}
+
+template <class Object>
+Lines ListOf(Object const& object) {
+  Lines lines;
+  Append(lines, 0, object);
+  return lines;
+}
+
+/// A plus marks what is generic.
+void Print(Lines const& lines) {
+  for (Line const& line : lines) {
+    std::string const value = CWhitespaceUtils::Collapse(line.value);  // a text of several lines takes one here
+    std::printf("%c %*s%s%s%s\n", line.isGeneric ? '+' : ' ', 2 * line.depth, "", line.name.c_str(),
+                value.empty() ? "" : ": ", value.c_str());
+  }
+}
+
+/// Whether both hold the same. Prints the first lines that differ.
+bool Compare(char const* what, Lines const& before, Lines const& after) {
+  auto const [left, right] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+  bool const same = left == before.end() && right == after.end();
+  auto const generic = std::count_if(before.begin(), before.end(), [](Line const& line) { return line.isGeneric; });
+  bool const hasBound = generic != static_cast<std::ptrdiff_t>(before.size());
+  std::printf("%s: %zu names and values%s: %s.\n", what, before.size(),
+              hasBound ? FormatString(", %td of them generic", generic).c_str() : "",
+              same ? "all the same" : "not the same");
+  if (left != before.end()) std::printf("  was %s [%s]\n", left->name.c_str(), left->value.c_str());
+  if (right != after.end()) std::printf("  now %s [%s]\n", right->name.c_str(), right->value.c_str());
+  return same;
+}
+
+/// Tells of the elements whose text stands between their children: all of it is kept in one piece, and written behind
+/// them.
+void PrintMixed(CElement const& element) {
+  if (element.GetElements()->GetCount() > 0 && !IsBlank(element.GetText())) {
+    std::printf("Mixed content: where the text of <%s> stood between its elements is lost.\n",
+                element.GetName().c_str());
+  }
+  for (CElement const& child : *element.GetElements()) PrintMixed(child);
+}
+
+// ---- Writing
+
+bool HasElementWithoutNamespace(CElement const& element) {
+  if (element.GetNamespace().empty()) return true;
+  CElementCol const& children = *element.GetElements();
+  return std::any_of(children.begin(), children.end(), HasElementWithoutNamespace);
+}
+
+/// How to write a feed like \p document: with Atom as the default namespace, unless there is an element that is in
+/// none, since nothing undeclares it; and with some prefixes as they were. All others are made up.
+CXmlSerializationContext ContextFor(CXmlDocument const& document, CElement const& root) {
+  CXmlSerializationContext ctx;
+  if (HasElementWithoutNamespace(root)) {
+    ctx.GetNamespaceAliases()->Add("atom", kNamespace);
+  } else {
+    ctx.SetDefaultNamespaceURI(kNamespace);
+  }
+  for (char const* prefix : {"dc", "georss", "thr", "tide"}) {
+    std::string const ns = document.LookupNamespaceFromAlias(prefix);
+    if (!ns.empty() && ns != kNamespace) ctx.GetNamespaceAliases()->Add(prefix, ns.c_str());
+  }
+  return ctx;
+}
+
+/// Without line ends and tabs, which would become part of texts that stand beside elements.
+std::string Write(CXmlObjectBase const& object, CXmlSerializationContext const& ctx) {
+  return object.ToXml(true, false, EOLType_LF, ctx);
+}
+
+CSmartPtr<CElement> ReadGeneric(std::string const& text) {
+  CSmartPtr<CElement> element = new CElement("");
+  element->FromXml(text.c_str());
+  return element;
+}
+
+// ---- The steps
+
+/// Gives \p entry another title and time; where it has none, they are added.
+void Change(CEntryType& entry) {
+  CSmartPtr<CTextType> title = entry.Find<CTextType>(Property_title);
+  if (!title) {
+    title = new CTextType("title");
+    entry.GetMember()->Add(Property_title, title);
+  }
+  title->SetPlainText("Corrected & shortened");
+  CSmartPtr<CDateType> updated = entry.Find<CDateType>(Property_updated);
+  if (!updated) {
+    updated = new CDateType("updated");
+    entry.GetMember()->Add(Property_updated, updated);
+  }
+  updated->SetDateTime("2024-05-05T06:00:00Z");
+}
+
+/// Prints where two texts differ, in whole tags.
+void PrintChange(std::string const& before, std::string const& after) {
+  if (before == after) return;
+  std::size_t const shorter = std::min(before.size(), after.size());
+  std::size_t first = 0;
+  while (first < shorter && before[first] == after[first]) ++first;
+  std::size_t last = 0;
+  while (last < shorter - first && before[before.size() - last - 1] == after[after.size() - last - 1]) ++last;
+  first = before.rfind('<', first - 1);
+  last = before.size() - before.find('>', before.size() - last) - 1;
+  std::printf("was: %s\n", before.substr(first, before.size() - last - first).c_str());
+  std::printf("now: %s\n", after.substr(first, after.size() - last - first).c_str());
+}
+
+/// Whether \p feed, changed, is read back as it is. Without an entry nothing is changed.
+bool ChangeAndReadAgain(CFeedType& feed, CXmlSerializationContext const& ctx) {
+  auto* const entry = feed.Find<CEntryType>(Property_entry);
+  if (entry == nullptr) return true;
+  std::string const before = Write(feed, ctx);
+  Change(*entry);
+  std::string const after = Write(feed, ctx);
+  std::printf("\nThe first entry is changed:\n");
+  PrintChange(before, after);
+  CSmartPtr<CFeedType> const again = new CFeedType;
+  again->FromXml(after.c_str());
+  bool const same = Write(*again, ctx) == after;
+  std::printf("Read and written again: %s.\n", same ? "the same text" : "another text");
+  return Compare("Read again", ListOf(feed), ListOf(*again)) && same;
+}
+
+bool ProcessFeed(CXmlDocument const& document, CElement const& original) {
+  CSmartPtr<CFeedType> const feed = new CFeedType;
+  feed->FromXmlElement(document.GetDocumentElement());
+  Print(ListOf(*feed));
+  PrintMixed(original);
+  CXmlSerializationContext const ctx = ContextFor(document, original);
+  bool const ok =
+      Compare("Written and read as generic content", ListOf(original), ListOf(*ReadGeneric(Write(*feed, ctx))));
+  return ChangeAndReadAgain(*feed, ctx) && ok;
+}
+
+bool ProcessOther(CElement const& original) {
+  std::printf("No Atom feed: no class is for <%s>, all is generic.\n", original.GetName().c_str());
+  Print(ListOf(original));
+  PrintMixed(original);
+  std::string const text = Write(original, CXmlSerializationContext::m_defaultContext);
+  return Compare("Written and read as generic content", ListOf(original), ListOf(*ReadGeneric(text)));
+}
+
+/// Whether the document \p path could be read, and came through. If not, standard error or the list tells why.
+bool Process(char const* path) {
+  try {
+    CXmlDocument document;
+    document.Load(path);
+    std::printf("%s (+ marks generic content)\n", std::filesystem::path(path).filename().c_str());
+    CSmartPtr<CElement> const original = new CElement("");
+    original->CopyXmlElement(document.GetDocumentElement());
+    bool const isFeed = original->GetName() == "feed" && original->GetNamespace() == kNamespace;
+    return isFeed ? ProcessFeed(document, *original) : ProcessOther(*original);
+  } catch (CQnException const& failure) {
+    std::fprintf(stderr, "%s: %s\n", path, failure.GetFullMessage().c_str());
+  } catch (std::exception const& failure) {
+    std::fprintf(stderr, "%s: %s\n", path, failure.what());
+  }
+  return false;
+}
+
+/// Prints \p failure and what caused it, outermost first.
+void PrintChain(CQnException const& failure) {
+  for (CQnException const* link = &failure; link != nullptr; link = link->GetInnerException()) {
+    std::printf("  %s\n", link->GetMessage().c_str());
+  }
+}
+
+/// Whether reading a feed with this entry fails, as it should.
+bool FailsToRead(char const* what, char const* entry) {
+  std::printf("%s:\n", what);
+  try {
+    CSmartPtr<CFeedType> const feed = new CFeedType;
+    feed->FromXml(
+        ("<feed xmlns='http://www.w3.org/2005/Atom'><entry>" + std::string(entry) + "</entry></feed>").c_str());
+  } catch (CQnException const& failure) {
+    PrintChain(failure);
+    return true;
+  }
+  std::printf("  was read without a failure\n");
+  return false;
+}
+
+bool ShowFailures() {
+  std::printf("\nFailures\n--------\n");
+  bool ok = FailsToRead("A link without its address", "<link rel='related' x:to='a' xmlns:x='urn:x'/>");
+  ok &= FailsToRead("A time that is none", "<x xmlns='urn:x'/><updated>yesterday</updated>");
+  ok &= FailsToRead("An extension that does not end", "<x xmlns='urn:x'><y/>");
+  return ok;
+}
+
+/// The text of all objects is in the code page of the process locale, and what that cannot express becomes "?". So
+/// a program that must not lose anything runs in a UTF-8 locale, also where its environment has none.
+void ChooseLocale() {
+  std::setlocale(LC_ALL, "");
+  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  ChooseLocale();
+  if (argc == 1) return Process(FEED_DOCUMENT) && ShowFailures() ? 0 : 1;
+  bool ok = true;
+  for (int i = 1; i < argc; ++i) {
+    if (i > 1) std::printf("\n");
+    ok &= Process(argv[i]);
+  }
+  return ok ? 0 : 1;
+}
