@@ -34,7 +34,7 @@ bench: deps      ## build and run the benchmarks
 
 install: deps    ## install under PREFIX (default /usr/local)
 	cmake --preset release
-	cmake --build --preset release --target quillon9
+	cmake --build --preset release --target quillon9 quillon9_program
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
 
 package-test: all   ## build a program outside the tree against the installed package

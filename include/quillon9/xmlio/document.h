@@ -192,6 +192,8 @@ class QUILLON9_API CXmlDocument {
   /// The URI that \p prefix (empty for the default namespace) was bound to by its last declaration anywhere in the
   /// document; empty for an unknown prefix.
   std::string LookupNamespaceFromAlias(char const* prefix) const;
+  /// All prefixes, each with that URI. They live until the next change of the document.
+  std::map<std::string, std::string> const& GetNamespaceAliases() const { return m_namespaceAliases; }
 
   CXmlSerializationContext const& GetContext() const { return m_context; }
   /// The schema type that the context had when this document was made.

@@ -1,0 +1,216 @@
+#include <unistd.h>
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "commands.h"
+#include "failure.h"
+#include "files.h"
+#include "input_document.h"
+#include "namespaces.h"
+#include "tree_walk.h"
+#include "utf8.h"
+#include "value_types.h"
+#include "warnings.h"
+
+namespace Quillon9Tool {
+
+using namespace Quillon9;
+
+namespace {
+
+constexpr std::string_view kCdataStart = "<![CDATA[";
+
+bool IsBinary(DocumentKind kind, CompressionType compression) {
+  return kind == DocumentKind::FastInfoset || compression != CompressionType_None;
+}
+
+void RefuseTerminal(ConvertOptions const& options, DocumentKind kind) {
+  if (options.output != "-" || !IsBinary(kind, options.compression) || ::isatty(STDOUT_FILENO) == 0) return;
+  throw UsageError("the result is binary and not for a terminal: name an output file");
+}
+
+/// What has to be known of all elements before the first one is written.
+struct Survey {
+  std::size_t mixedElements = 0;    ///< with text that means something and children
+  bool hasTextAndChildren = false;  ///< in one element, as it is written
+  std::size_t blurredAttributes = 0;
+};
+
+void RequireName(std::string const& name) {
+  if (!IsNcName(name)) throw CQnException("the name " + Quoted(name) + " is none in XML");
+}
+
+Survey Look(CXmlElement const& root, bool keepSpace) {
+  Survey survey;
+  auto const start = [&](CXmlElement const& element) {
+    RequireName(element.GetLocalName());
+    for (CXmlAttribute const* const attribute : element.GetAttributes()) {
+      RequireName(attribute->GetLocalName());
+      if (attribute->GetValue().find_first_of("\t\r") != std::string::npos) ++survey.blurredAttributes;
+    }
+    if (element.GetFirstElement() == nullptr) return;
+    if (!IsBlank(element.GetText())) ++survey.mixedElements;
+    survey.hasTextAndChildren |= !TextOf(element, keepSpace).empty();
+  };
+  Walk(root, start, [](CXmlElement const&) {});
+  return survey;
+}
+
+/// The text writer writes namespace names as they are given.
+std::string EscapedUri(std::string_view uri) {
+  std::string escaped;
+  for (char const character : uri) {
+    switch (character) {
+      case '&': escaped += "&amp;"; break;
+      case '<': escaped += "&lt;"; break;
+      case '"': escaped += "&quot;"; break;
+      case '\t': escaped += "&#x9;"; break;
+      case '\n': escaped += "&#xA;"; break;
+      case '\r': escaped += "&#xD;"; break;
+      default: escaped += character;
+    }
+  }
+  return escaped;
+}
+
+/// Writes a tree with any writer: namespaces on the root, text in front of the children, since behind one Fast Infoset
+/// would make it text of that child.
+class TreeWriter {
+ public:
+  TreeWriter(CXmlWriter& writer, ConvertOptions const& options, DocumentKind kind)
+      : m_writer(writer),
+        m_keepSpace(options.keepSpace),
+        m_isText(kind == DocumentKind::XmlText),
+        m_choosesTypes(!m_isText && options.suggestedEncodings) {}
+
+  void Write(CXmlElement const& root, Namespaces const& namespaces) {
+    if (!namespaces.GetDefault().empty()) m_writer.SetDefaultNamespace(Spelled(namespaces.GetDefault()));
+    for (auto const& [uri, prefix] : namespaces.GetPrefixes()) {
+      if (uri != CXmlWriter::XML_NAMESPACE) m_writer.AddNamespace(prefix, Spelled(uri));
+    }
+    Walk(
+        root, [this](CXmlElement const& element) { Start(element); },
+        [this](CXmlElement const&) { m_writer.WriteEndElement(); });
+  }
+
+ private:
+  void Start(CXmlElement const& element) {
+    m_writer.WriteStartElement(element.GetLocalName(), Spelled(element.GetNamespaceURI()));
+    for (CXmlAttribute const* const attribute : element.GetAttributes()) {
+      m_writer.WriteAttributeString(attribute->GetLocalName(), Spelled(attribute->GetNamespaceURI()),
+                                    attribute->GetValue(), TypeOf(attribute->GetValue()));
+    }
+    WriteText(TextOf(element, m_keepSpace));
+  }
+
+  void WriteText(std::string const& text) {
+    if (text.empty()) return;
+    if (m_isText && text.compare(0, kCdataStart.size(), kCdataStart) == 0) {
+      // In one piece it would be written as a CDATA section.
+      m_writer.WriteString(text.substr(0, 1), ItemType_string);
+      m_writer.WriteString(text.substr(1), ItemType_string);
+    } else {
+      m_writer.WriteString(text, TypeOf(text));
+    }
+  }
+
+  ItemType TypeOf(std::string const& value) const { return m_choosesTypes ? ShortestType(value) : ItemType_string; }
+
+  std::string const& Spelled(std::string const& uri) {
+    if (!m_isText || uri.find_first_of("&<\"\t\n\r") == std::string::npos) return uri;
+    std::string& spelled = m_spelledUris[uri];
+    if (spelled.empty()) spelled = EscapedUri(uri);
+    return spelled;
+  }
+
+  CXmlWriter& m_writer;
+  bool m_keepSpace;
+  bool m_isText;
+  bool m_choosesTypes;
+  std::map<std::string, std::string> m_spelledUris;
+};
+
+/// \throws CQnException for a document that XML text cannot express, such as one with control characters.
+CBinaryData ToXmlText(InputDocument const& document, Namespaces const& namespaces, ConvertOptions const& options,
+                      bool format) {
+  CTextStream stream(XmlEncoding_UTF8);
+  CXmlTextWriter writer(stream);
+  writer.SetFormat(format);
+  writer.Open();
+  if (options.declaration.value_or(true)) writer.WriteStartDocument();
+  TreeWriter(writer, options, DocumentKind::XmlText).Write(document.GetRoot(), namespaces);
+  writer.Close();
+  if (!format) stream.Append('\n');
+  CBinaryData bytes = stream.GetEncodedStream();
+  try {
+    CXmlDocument().LoadXmlStream(bytes.GetData(), bytes.GetLength());
+  } catch (CQnException const& failure) {
+    throw CQnException("XML text cannot express it: " + failure.GetMessage());
+  }
+  return bytes;
+}
+
+CBinaryData ToInfoset(InputDocument const& document, Namespaces const& namespaces, ConvertOptions const& options) {
+  CFastInfosetContext context;
+  if (options.suggestedEncodings) context.SetSuggestedValues();
+  CBinaryStream stream;
+  CFastInfosetWriter writer(context, stream);
+  writer.Open();
+  writer.WriteStartDocument(options.declaration.value_or(false) ? FInfoDecl_Version10 : FInfoDecl_None);
+  TreeWriter(writer, options, DocumentKind::FastInfoset).Write(document.GetRoot(), namespaces);
+  writer.WriteEndDocument();
+  writer.Close();
+  return stream.GetBinaryStream();
+}
+
+void Compress(CBinaryData& bytes, ConvertOptions const& options) {
+  try {
+    CQnZip::CompressData(bytes, options.compression);
+  } catch (CQnException const& failure) {
+    throw Failure(OutputName(options.output),
+                  "it does not become shorter when it is compressed: " + failure.GetMessage());
+  }
+}
+
+void Warn(Warnings& warnings, Survey const& survey, Namespaces const& namespaces, DocumentKind kind) {
+  warnings.Add(survey.mixedElements, "element with text beside child elements: its text now stands in front of them",
+               "elements with text beside child elements: their text now stands in front of them");
+  for (std::string const& prefix : namespaces.GetDroppedPrefixes()) {
+    warnings.Add("the prefix " + Escaped(prefix) + " is left out: its namespace has another one");
+  }
+  if (kind == DocumentKind::FastInfoset) return;
+  warnings.Add(survey.blurredAttributes, "attribute value with tabs or carriage returns, which are lost",
+               "attribute values with tabs or carriage returns, which are lost");
+}
+
+/// The form that \p document is to get; the other one where nothing tells.
+DocumentKind ChooseKind(ConvertOptions const& options, InputDocument const& document) {
+  if (options.to) return *options.to;
+  return document.IsFastInfoset() ? DocumentKind::XmlText : DocumentKind::FastInfoset;
+}
+
+}  // namespace
+
+void Convert(ConvertOptions const& options) {
+  if (options.to) RefuseTerminal(options, *options.to);  // before a long input is read
+  InputDocument const document(options.input);
+  DocumentKind const kind = ChooseKind(options, document);
+  RefuseTerminal(options, kind);
+  Warnings warnings(InputName(options.input));
+  warnings.Add(document.GetLosses());
+  CBinaryData bytes = Named(InputName(options.input), [&] {
+    Survey const survey = Look(document.GetRoot(), options.keepSpace);
+    Namespaces const namespaces(document.GetRoot(), document.GetPrefixes());
+    Warn(warnings, survey, namespaces, kind);
+    if (kind == DocumentKind::FastInfoset) return ToInfoset(document, namespaces, options);
+    return ToXmlText(document, namespaces, options, options.format && !survey.hasTextAndChildren);
+  });
+  Compress(bytes, options);
+  WriteOutput(options.output, View(bytes));
+  if (!options.quiet) warnings.Print();
+}
+
+}  // namespace Quillon9Tool

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <exception>
+#include <new>
+#include <stdexcept>
+#include <string>
+
+#include "quillon9/quillon9.h"
+
+namespace Quillon9Tool {
+
+/// The command line asks for something that there is not; what() tells what.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// A file or document that cannot be read or written; what() begins with its name.
+class Failure : public std::runtime_error {
+ public:
+  Failure(std::string const& name, std::string const& reason) : std::runtime_error(name + ": " + reason) {}
+};
+
+/// How messages call the file \p path of the command line.
+inline std::string InputName(std::string const& path) { return path == "-" ? "standard input" : path; }
+inline std::string OutputName(std::string const& path) { return path == "-" ? "standard output" : path; }
+
+/// The result of \p action, whose failures become failures of \p name.
+/// \throws Failure
+template <class Action>
+auto Named(std::string const& name, Action action) {
+  try {
+    return action();
+  } catch (Quillon9::CQnException const& failure) {
+    throw Failure(name, failure.GetFullMessage());
+  } catch (std::bad_alloc const&) {
+    throw Failure(name, "there is not enough memory for it");
+  }
+}
+
+}  // namespace Quillon9Tool

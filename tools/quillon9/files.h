@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "quillon9/quillon9.h"
+
+namespace Quillon9Tool {
+
+/// All bytes of the file \p path, `-` being standard input, decompressed if they are gzip or zlib.
+/// \throws Failure
+Quillon9::CBinaryData ReadInput(std::string const& path);
+
+/// Write \p bytes to the file \p path, `-` being standard output. A regular file appears, or changes, only when all of
+/// them are on the disk.
+/// \throws Failure
+void WriteOutput(std::string const& path, std::string_view bytes);
+
+/// The bytes of \p data, as long as it does not change.
+std::string_view View(Quillon9::CBinaryData const& data);
+
+/// Standard output for text that is made piece by piece.
+class Console {
+ public:
+  /// \throws Failure, as Finish(), when the output fails.
+  void Write(std::string_view text);
+  void Finish();
+
+ private:
+  std::string m_buffer;
+};
+
+}  // namespace Quillon9Tool

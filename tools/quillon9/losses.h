@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "quillon9/quillon9.h"
+
+namespace Quillon9Tool {
+
+/// What a document has that the library's tree of it has not.
+struct Losses {
+  std::size_t comments = 0;
+  std::size_t processingInstructions = 0;
+  std::size_t documentTypes = 0;
+  std::size_t entityReferences = 0;  ///< that were not replaced by their text
+  std::size_t declarations = 0;      ///< of notations and unparsed entities, and additional data
+  std::size_t floats = 0;            ///< values that the library reads as other ones
+};
+
+/// Look for them in XML text.
+Losses FindLosses(std::string_view xml);
+
+/// What is to be known of a Fast Infoset document before the library reads it.
+struct InfosetFindings {
+  Losses losses;
+  /// The document's own vocabulary, which the library does not look for, but can be given.
+  std::optional<Quillon9::CFIVocabulary> vocabulary;
+  /// The URI of a vocabulary that the document does without.
+  std::optional<std::string> externalVocabulary;
+  /// The prefixes that names have, each with its first namespace. They need not be declared.
+  std::map<std::string, std::string> prefixes;
+};
+
+/// Look for them as far as the document is well-formed.
+InfosetFindings FindInInfoset(std::string_view octets);
+
+}  // namespace Quillon9Tool

@@ -1,0 +1,158 @@
+#include "options.h"
+
+#include <getopt.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "failure.h"
+
+namespace Quillon9Tool {
+
+using Quillon9::CompressionType;
+using Quillon9::CompressionType_GZip;
+using Quillon9::CompressionType_None;
+using Quillon9::CompressionType_ZLib;
+
+namespace {
+
+// Options without a letter.
+enum LongOnly { kFormat = 0x100, kNoFormat, kDeclaration, kNoDeclaration, kSuggestedEncodings, kKeepSpace, kFull };
+
+constexpr option kHelp = {"help", no_argument, nullptr, 'h'};
+constexpr option kEnd = {nullptr, 0, nullptr, 0};
+
+constexpr option kConvertOptions[] = {{"to", required_argument, nullptr, 't'},
+                                      {"compress", required_argument, nullptr, 'z'},
+                                      {"format", no_argument, nullptr, kFormat},
+                                      {"no-format", no_argument, nullptr, kNoFormat},
+                                      {"declaration", no_argument, nullptr, kDeclaration},
+                                      {"no-declaration", no_argument, nullptr, kNoDeclaration},
+                                      {"suggested-encodings", no_argument, nullptr, kSuggestedEncodings},
+                                      {"keep-space", no_argument, nullptr, kKeepSpace},
+                                      {"quiet", no_argument, nullptr, 'q'},
+                                      kHelp,
+                                      kEnd};
+constexpr option kTreeOptions[] = {{"keep-space", no_argument, nullptr, kKeepSpace}, kHelp, kEnd};
+constexpr option kInspectOptions[] = {{"full", no_argument, nullptr, kFull}, kHelp, kEnd};
+
+/// getopt_long() names a long option that it refuses by nothing or by what it stands for.
+[[noreturn]] void ThrowRefused(int result, char** argv, std::string_view letters) {
+  bool const isMissingValue = result == ':';
+  std::string const last = argv[optind - 1];
+  bool const isKnown = optopt == 0 || optopt >= kFormat || letters.find(static_cast<char>(optopt)) != letters.npos;
+  bool const isLong = isMissingValue ? last.compare(0, 2, "--") == 0 : isKnown;
+  std::string const name = isLong ? last : std::string{'-', static_cast<char>(optopt)};
+  throw UsageError(isMissingValue ? "the option " + name + " needs a value" : "there is no option " + name);
+}
+
+/// Hands each option to \p take, which gets its letter or number and its value. \returns the other arguments, or nothing
+/// when help is asked for.
+template <class Take>
+std::optional<std::vector<std::string>> ReadOptions(int argc, char** argv, char const* letters, option const* table,
+                                                    Take take) {
+  opterr = 0;
+  for (int result; (result = getopt_long(argc, argv, letters, table, nullptr)) != -1;) {
+    if (result == 'h') return std::nullopt;
+    if (result == '?' || result == ':') ThrowRefused(result, argv, letters);
+    take(result, optarg != nullptr ? std::string(optarg) : std::string());
+  }
+  return std::vector<std::string>(argv + optind, argv + argc);
+}
+
+std::string TakeOnlyOperand(std::vector<std::string> const& operands) {
+  if (operands.empty()) throw UsageError("an input file is missing");
+  if (operands.size() > 1) throw UsageError("there is one file too many: " + operands[1]);
+  return operands[0];
+}
+
+DocumentKind KindCalled(std::string const& name) {
+  if (name == "xml") return DocumentKind::XmlText;
+  if (name == "finf") return DocumentKind::FastInfoset;
+  throw UsageError("--to=" + name + " is neither xml nor finf");
+}
+
+CompressionType CompressionCalled(std::string const& name) {
+  if (name == "none") return CompressionType_None;
+  if (name == "gzip") return CompressionType_GZip;
+  if (name == "zlib") return CompressionType_ZLib;
+  throw UsageError("--compress=" + name + " is none of none, gzip and zlib");
+}
+
+/// Whether \p name had \p ending, which it has lost then.
+bool TakeEnding(std::string_view& name, std::string_view ending) {
+  if (name.size() <= ending.size() || name.substr(name.size() - ending.size()) != ending) return false;
+  name.remove_suffix(ending.size());
+  return true;
+}
+
+/// Fill in from the name of the output what no option has told.
+void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compression) {
+  if (options.output == "-") {
+    options.compression = compression.value_or(CompressionType_None);
+    return;
+  }
+  std::string_view name = options.output;
+  CompressionType byEnding = CompressionType_None;
+  if (TakeEnding(name, ".gz")) {
+    byEnding = CompressionType_GZip;
+  } else if (TakeEnding(name, ".z")) {
+    byEnding = CompressionType_ZLib;
+  }
+  options.compression = compression.value_or(byEnding);
+  if (options.to) return;
+  if (TakeEnding(name, ".xml")) {
+    options.to = DocumentKind::XmlText;
+  } else if (TakeEnding(name, ".finf")) {
+    options.to = DocumentKind::FastInfoset;
+  } else {
+    throw UsageError("the ending of " + options.output + " is neither .xml nor .finf: give --to=xml or --to=finf");
+  }
+}
+
+}  // namespace
+
+std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
+  ConvertOptions options;
+  std::optional<CompressionType> compression;
+  auto const operands = ReadOptions(argc, argv, ":t:z:qh", kConvertOptions, [&](int option, std::string const& value) {
+    if (option == 't') options.to = KindCalled(value);
+    if (option == 'z') compression = CompressionCalled(value);
+    if (option == kFormat || option == kNoFormat) options.format = option == kFormat;
+    if (option == kDeclaration || option == kNoDeclaration) options.declaration = option == kDeclaration;
+    if (option == kSuggestedEncodings) options.suggestedEncodings = true;
+    if (option == kKeepSpace) options.keepSpace = true;
+    if (option == 'q') options.quiet = true;
+  });
+  if (!operands) return std::nullopt;
+  if (operands->size() == 2) {
+    options.input = (*operands)[0];
+    options.output = (*operands)[1];
+  } else {
+    if (operands->size() > 2) throw UsageError("there is one file too many: " + (*operands)[2]);
+    options.input = TakeOnlyOperand(*operands);
+  }
+  TakeEndings(options, compression);
+  return options;
+}
+
+std::optional<TreeOptions> ParseTreeOptions(int argc, char** argv) {
+  TreeOptions options;
+  auto const operands =
+      ReadOptions(argc, argv, ":h", kTreeOptions, [&](int, std::string const&) { options.keepSpace = true; });
+  if (!operands) return std::nullopt;
+  options.input = TakeOnlyOperand(*operands);
+  return options;
+}
+
+std::optional<InspectOptions> ParseInspectOptions(int argc, char** argv) {
+  InspectOptions options;
+  auto const operands =
+      ReadOptions(argc, argv, ":h", kInspectOptions, [&](int, std::string const&) { options.full = true; });
+  if (!operands) return std::nullopt;
+  options.input = TakeOnlyOperand(*operands);
+  return options;
+}
+
+}  // namespace Quillon9Tool

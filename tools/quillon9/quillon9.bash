@@ -1,0 +1,40 @@
+# Completion of quillon9 for bash.
+
+_quillon9_options() {
+  case $1 in
+    convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
+                   --keep-space --quiet --help' ;;
+    tree) echo '--keep-space --help' ;;
+    inspect) echo '--full --help' ;;
+  esac
+}
+
+_quillon9() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+  local command=${COMP_WORDS[1]} words=
+  COMPREPLY=()
+  if ((COMP_CWORD == 1)); then
+    mapfile -t COMPREPLY < <(compgen -W 'convert tree inspect --help --version' -- "$word")
+    return
+  fi
+  # "=" is a word of its own where it breaks words.
+  if [[ $word == = ]]; then
+    word=
+  elif [[ $before == = ]]; then
+    before=${COMP_WORDS[COMP_CWORD - 2]}
+  fi
+  case $command:$before in
+    convert:--to | convert:-t) words='xml finf' ;;
+    convert:--compress | convert:-z) words='none gzip zlib' ;;
+    *) [[ $word != -* ]] || words=$(_quillon9_options "$command") ;;
+  esac
+  if [[ -n $words ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")
+    [[ ${#COMPREPLY[@]} != 1 || ${COMPREPLY[0]} != *= ]] || compopt -o nospace
+  else
+    compopt -o filenames
+    mapfile -t COMPREPLY < <(compgen -f -- "$word")
+  fi
+}
+
+complete -F _quillon9 quillon9

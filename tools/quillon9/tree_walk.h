@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "quillon9/quillon9.h"
+
+namespace Quillon9Tool {
+
+/// Call \p start for \p root and everything below it in the order of the document, and \p end for each when what is
+/// inside it is done. Takes constant stack, however deep the tree is.
+template <class Start, class End>
+void Walk(Quillon9::CXmlElement const& root, Start start, End end) {
+  std::vector<Quillon9::CXmlElement const*> open;
+  Quillon9::CXmlElement const* next = &root;
+  for (;;) {
+    if (next != nullptr) {
+      start(*next);
+      open.push_back(next);
+      next = next->GetFirstElement();
+      continue;
+    }
+    Quillon9::CXmlElement const* const done = open.back();
+    end(*done);
+    open.pop_back();
+    if (open.empty()) return;
+    next = done->GetNextSiblingElement();
+  }
+}
+
+inline bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
+
+/// The text of \p element; without \p keepSpace, nothing when that is but the white space between its children.
+inline std::string const& TextOf(Quillon9::CXmlElement const& element, bool keepSpace) {
+  static std::string const none;
+  bool const isDropped = !keepSpace && element.GetFirstElement() != nullptr && IsBlank(element.GetText());
+  return isDropped ? none : element.GetText();
+}
+
+}  // namespace Quillon9Tool

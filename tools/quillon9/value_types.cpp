@@ -1,0 +1,67 @@
+#include "value_types.h"
+
+#include <charconv>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <string_view>
+
+namespace Quillon9Tool {
+
+using Quillon9::ItemType;
+
+namespace {
+
+/// Without the exponent: the alphabet of the library has it in lower case, that of the standard in upper case.
+constexpr std::string_view kNumeric = "0123456789-+. ";
+constexpr std::string_view kDateTime = Quillon9::RESTRICTED_ALPHABET_VALUES_DATE_TIME;
+/// That tells the alphabet or the algorithm.
+constexpr std::size_t kExtraOctet = 1;
+constexpr std::size_t kLongestInteger = 20;
+
+bool IsOf(std::string_view alphabet, std::string const& value) {
+  return value.find_first_not_of(alphabet) == std::string::npos;
+}
+
+/// The number that is spelled \p value and in no other way.
+std::optional<std::int64_t> IntegerOf(std::string const& value) {
+  if (value.empty() || value.size() > kLongestInteger) return std::nullopt;
+  std::int64_t number = 0;
+  auto const result = std::from_chars(value.data(), value.data() + value.size(), number);
+  bool const isWhole = result.ec == std::errc() && result.ptr == value.data() + value.size();
+  if (!isWhole || std::to_string(number) != value) return std::nullopt;
+  return number;
+}
+
+template <class Integer>
+bool Fits(std::int64_t number) {
+  return number >= std::numeric_limits<Integer>::min() && number <= std::numeric_limits<Integer>::max();
+}
+
+}  // namespace
+
+// Not among them: binary values, since any word may pass for one, and floating-point numbers, since readers spell them
+// in their own ways.
+ItemType ShortestType(std::string const& value) {
+  ItemType best = Quillon9::ItemType_string;
+  std::size_t bestSize = value.size();
+  auto const offer = [&](ItemType type, std::size_t octets) {
+    if (octets + kExtraOctet >= bestSize) return;
+    best = type;
+    bestSize = octets + kExtraOctet;
+  };
+  if (value == "true" || value == "false") offer(Quillon9::ItemType_boolean, 1);
+  std::size_t const packed = (value.size() + 1) / 2;
+  bool const isDateLike = value.find_first_of("-:", 1) != std::string::npos;  // and a number as well, by its characters
+  if (isDateLike && IsOf(kDateTime, value)) offer(Quillon9::ItemType_datetime, packed);
+  if (IsOf(kNumeric, value)) offer(Quillon9::ItemType_decimal, packed);
+  if (auto const number = IntegerOf(value)) {
+    if (Fits<std::int16_t>(*number)) offer(Quillon9::ItemType_i2, sizeof(std::int16_t));
+    if (Fits<std::int32_t>(*number)) offer(Quillon9::ItemType_i4, sizeof(std::int32_t));
+    offer(Quillon9::ItemType_i8, sizeof(std::int64_t));
+  }
+  return best;
+}
+
+}  // namespace Quillon9Tool

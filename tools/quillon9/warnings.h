@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "losses.h"
+
+namespace Quillon9Tool {
+
+/// Collects what went lost while the file \p name was converted.
+class Warnings {
+ public:
+  explicit Warnings(std::string name) : m_name(std::move(name)) {}
+
+  void Add(std::string const& text);
+  /// "[count] [one or many]", unless \p count is 0.
+  void Add(std::size_t count, char const* one, char const* many);
+  void Add(Losses const& losses);
+
+  /// One line for each, on standard error.
+  void Print() const;
+
+ private:
+  std::string m_name;
+  std::string m_lines;
+};
+
+}  // namespace Quillon9Tool
