@@ -1,5 +1,6 @@
 #include "xmlio/tree_memory.h"
 
+#include <array>
 #include <new>
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -24,25 +25,25 @@ constexpr std::size_t kBlockSize = 64 * 1024;
 using Block = std::unique_ptr<char[]>;
 
 /// Blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then asks the
-/// system for none.
+/// system for none. Giving never fails: destructors do it.
 class BlockCache {
  public:
   static Block Take() {
-    if (t_isGone || Instance().m_blocks.empty()) return Block(new char[kBlockSize]);
-    Block block = std::move(Instance().m_blocks.back());
-    Instance().m_blocks.pop_back();
-    return block;
+    if (t_isGone || Instance().m_count == 0) return Block(new char[kBlockSize]);
+    BlockCache& cache = Instance();
+    return std::move(cache.m_blocks[--cache.m_count]);
   }
-  static void Give(Block block) {
+  static void Give(Block block) noexcept {
     // A document that is destroyed after the thread's own data finds no cache any more.
-    if (t_isGone || Instance().m_blocks.size() >= kMost) return;
-    Instance().m_blocks.push_back(std::move(block));
+    if (t_isGone || Instance().m_count == kMost) return;
+    BlockCache& cache = Instance();
+    cache.m_blocks[cache.m_count++] = std::move(block);
   }
 
  private:
   static constexpr std::size_t kMost = 64;
 
-  BlockCache() { m_blocks.reserve(kMost); }
+  BlockCache() = default;
   ~BlockCache() { t_isGone = true; }
   static BlockCache& Instance() {
     static thread_local BlockCache cache;
@@ -50,7 +51,8 @@ class BlockCache {
   }
 
   static inline thread_local bool t_isGone = false;
-  std::vector<Block> m_blocks;
+  std::size_t m_count = 0;
+  std::array<Block, kMost> m_blocks;
 };
 
 }  // namespace
