@@ -4,7 +4,8 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 
-.PHONY: all run test debug asan tsan fuzz bench install package-test format format-check tidy deps deps-all clean help
+.PHONY: all run test debug asan tsan hardened coverage fuzz bench install package-test format format-check tidy deps \
+  deps-all clean help
 
 all: deps
 	cmake --preset release
@@ -22,6 +23,18 @@ debug asan tsan: deps   ## the tests without optimisation, or under sanitizers
 	cmake --preset $@
 	cmake --build --preset $@
 	ctest --preset $@
+
+hardened: deps   ## the tests in a hardened build, on a stack of 1 MiB
+	cmake --preset hardened
+	cmake --build --preset hardened
+	ulimit -s 1024 && ctest --preset hardened
+
+coverage: deps-all   ## which lines of src/ the tests run
+	cmake --preset coverage
+	cmake --build --preset coverage
+	find build/coverage -name '*.gcda' -delete
+	ctest --preset coverage
+	gcovr --root . --filter src/ --print-summary build/coverage
 
 fuzz: deps-all   ## run each fuzz target for FUZZ_SECONDS
 	cmake --preset fuzz

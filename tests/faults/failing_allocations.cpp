@@ -1,0 +1,164 @@
+#include "failing_allocations.h"
+
+#include <atomic>
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+#if defined(__SANITIZE_ADDRESS__)
+#define QN_ADDRESS_SANITIZER 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QN_ADDRESS_SANITIZER 1
+#endif
+#endif
+
+namespace {
+
+std::atomic<long> g_live{0};
+thread_local bool t_isArmed = false;
+thread_local bool t_hasFailed = false;
+thread_local bool t_keepsFailing = false;
+thread_local unsigned long t_passing = 0;
+
+bool MustFail() {
+  if (!t_isArmed) return false;
+  if (t_passing > 0) {
+    --t_passing;
+    return false;
+  }
+  if (t_hasFailed && !t_keepsFailing) return false;
+  t_hasFailed = true;
+  return true;
+}
+
+void* Count(void* memory) {
+  if (memory != nullptr) g_live.fetch_add(1, std::memory_order_relaxed);
+  return memory;
+}
+
+void CountFreed(void const* memory) {
+  if (memory != nullptr) g_live.fetch_sub(1, std::memory_order_relaxed);
+}
+
+}  // namespace
+
+namespace Quillon9::Testing {
+
+FailingAllocations::FailingAllocations(unsigned long passing, Shortage shortage) {
+  t_passing = passing;
+  t_hasFailed = false;
+  t_keepsFailing = shortage == Shortage::Lasts;
+  t_isArmed = true;
+}
+
+FailingAllocations::~FailingAllocations() { t_isArmed = false; }
+
+bool FailingAllocations::HasFailed() { return t_hasFailed; }
+
+long CountLiveAllocations() { return g_live.load(); }
+
+}  // namespace Quillon9::Testing
+
+#if defined(QN_ADDRESS_SANITIZER) || defined(QN_THREAD_SANITIZER)
+
+bool Quillon9::Testing::AreCLibrariesIncluded() { return false; }
+
+namespace {
+
+void* New(std::size_t size) {
+  void* const memory = MustFail() ? nullptr : Count(std::malloc(size != 0 ? size : 1));
+  if (memory == nullptr) throw std::bad_alloc();
+  return memory;
+}
+
+void Delete(void* memory) {
+  CountFreed(memory);
+  std::free(memory);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) { return New(size); }
+void* operator new[](std::size_t size) { return New(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+  return MustFail() ? nullptr : Count(std::malloc(size != 0 ? size : 1));
+}
+void* operator new[](std::size_t size, std::nothrow_t const& tag) noexcept { return operator new(size, tag); }
+void operator delete(void* memory) noexcept { Delete(memory); }
+void operator delete[](void* memory) noexcept { Delete(memory); }
+void operator delete(void* memory, std::size_t) noexcept { Delete(memory); }
+void operator delete[](void* memory, std::size_t) noexcept { Delete(memory); }
+void operator delete(void* memory, std::nothrow_t const&) noexcept { Delete(memory); }
+void operator delete[](void* memory, std::nothrow_t const&) noexcept { Delete(memory); }
+
+#else
+
+bool Quillon9::Testing::AreCLibrariesIncluded() { return true; }
+
+// The program's malloc takes the place of libc's for every library in it, and hands on to it. operator new ends here
+// as well.
+extern "C" {
+
+void* __libc_malloc(std::size_t size);
+void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* memory, std::size_t size);
+void* __libc_memalign(std::size_t alignment, std::size_t size);
+void __libc_free(void* memory);
+
+void* malloc(std::size_t size) noexcept {
+  if (!MustFail()) return Count(__libc_malloc(size));
+  errno = ENOMEM;
+  return nullptr;
+}
+
+void* calloc(std::size_t count, std::size_t size) noexcept {
+  if (!MustFail()) return Count(__libc_calloc(count, size));
+  errno = ENOMEM;
+  return nullptr;
+}
+
+void* realloc(void* memory, std::size_t size) noexcept {
+  if (memory == nullptr) return malloc(size);
+  if (size == 0) {
+    free(memory);
+    return nullptr;
+  }
+  if (!MustFail()) return __libc_realloc(memory, size);
+  errno = ENOMEM;
+  return nullptr;
+}
+
+void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
+  if (!MustFail()) return Count(__libc_memalign(alignment, size));
+  errno = ENOMEM;
+  return nullptr;
+}
+
+int posix_memalign(void** memory, std::size_t alignment, std::size_t size) noexcept {
+  void* const result = aligned_alloc(alignment, size);
+  if (result == nullptr) return ENOMEM;
+  *memory = result;
+  return 0;
+}
+
+void free(void* memory) noexcept {
+  CountFreed(memory);
+  __libc_free(memory);
+}
+
+// The first use of a thread's own object that has a destructor leaves a note with libc, which ends the process where
+// it has no memory for it; nobody above libc can do anything about that, so this one allocation always passes.
+int __cxa_thread_atexit_impl(void (*destructor)(void*), void* object, void* library);
+int __cxa_thread_atexit(void (*destructor)(void*), void* object, void* library) noexcept {
+  bool const wasArmed = t_isArmed;
+  t_isArmed = false;
+  int const result = __cxa_thread_atexit_impl(destructor, object, library);
+  t_isArmed = wasArmed;
+  return result;
+}
+
+}  // extern "C"
+
+#endif
