@@ -429,24 +429,9 @@ TEST(Allocation, TablesAndDestruction) {
   ExpectAllShortagesReported(rows);
 }
 
-// Not mended yet: the process ends, since what a thread keeps for its next document is made by a destructor here.
-TEST(Allocation, DISABLED_DocumentOfAnotherThreadDropped) {
+TEST(Allocation, DocumentOfAnotherThreadDropped) {
   ExpectAllShortagesReported({"document", &DroppingDocumentOfAnotherThread, Promise::NeverFails});
 }
-
-// Not mended yet: a pattern that PCRE had no memory to study stays crippled for as long as the thread lives.
-TEST(Allocation, DISABLED_PatternOfALongValue) {
-  ExpectAllShortagesReported({"pattern", [] { return CheckingPattern("(a|b)*", std::string(50000, 'b')); }});
-}
-
-// Not mended yet: expat drops a declaration of a prefix that it has no memory for and says nothing; where the prefix is
-// used it tells that it is not bound.
-Subject ReadingPrefixes() {
-  auto const document = std::make_shared<CXmlDocument>();
-  return {[=] { document->LoadXml("<r xmlns:p='urn:p'/>"); }, [=] { return document->LookupNamespaceFromAlias("p"); }};
-}
-
-TEST(Allocation, DISABLED_DeclarationsOfPrefixes) { ExpectAllShortagesReported({"prefixes", &ReadingPrefixes}); }
 
 // What the tests above rest on: the C libraries ask this program for memory, and are refused it.
 TEST(Allocation, ReachesTheCLibraries) {
