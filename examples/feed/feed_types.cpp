@@ -1,6 +1,5 @@
 #include "feed_types.h"
 
-#include <atomic>
 #include <cstddef>
 #include <initializer_list>
 #include <memory>
@@ -14,40 +13,6 @@ namespace Atom {
 char const kNamespace[] = "http://www.w3.org/2005/Atom";
 
 // ---- What the classes share
-
-/// The record and the two tables of one class. Whoever asks first builds them, under the lock that the library keeps
-/// for this; they go when the process ends, when no object is left.
-class CMetaData {
- public:
-  using Builder = void (*)(CMetaData&);
-
-  constexpr explicit CMetaData(Builder build) : m_build(build) {}
-  ~CMetaData() { Clean(); }
-  CMetaData(CMetaData const&) = delete;
-  CMetaData& operator=(CMetaData const&) = delete;
-
-  CMetaData const& Get() {
-    if (!m_complete.load(std::memory_order_acquire)) BuildOnce();
-    return *this;
-  }
-
-  CParentElementInfo* m_classInfo = nullptr;
-  CElementInfo** m_elements = nullptr;
-  CAttributeInfo** m_attributes = nullptr;
-
- private:
-  void BuildOnce() {
-    CQNCriticalSectionLock const lock(CXmlGeneratedClass::m_csInit);
-    if (m_complete.load(std::memory_order_relaxed)) return;  // another thread was faster
-    Clean();                                                 // what an attempt left that ran out of memory
-    m_build(*this);
-    m_complete.store(true, std::memory_order_release);
-  }
-  void Clean() { CXmlGeneratedClass::CleanMetaData(m_classInfo, m_elements, m_attributes); }
-
-  Builder m_build;
-  std::atomic<bool> m_complete{false};
-};
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "../support/meta_data.h"
 #include "quillon9/quillon9.h"
 
 /// The classes of feed.xsd: the Atom Syndication Format (RFC 4287). What the schema does not know, elements and
@@ -20,7 +21,7 @@ static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for anoth
 extern char const kNamespace[];
 
 /// The tables that the objects of one class share.
-class CMetaData;
+using Support::CMetaData;
 
 /// The numbers under which the tables know the properties of the classes.
 enum Property {

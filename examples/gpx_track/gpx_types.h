@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "../support/meta_data.h"
 #include "quillon9/quillon9.h"
 
 /// The classes of gpx_track.xsd, one for each of its types: tracks in the GPS Exchange Format, GPX 1.1
@@ -16,7 +17,7 @@ namespace Gpx {
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
 
 /// The tables that the objects of one class share.
-class CMetaData;
+using Support::CMetaData;
 
 /// What the classes have in common.
 class CGpxObject : public Quillon9::CXmlGeneratedClass {

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "../support/meta_data.h"
 #include "quillon9/quillon9.h"
 
 /// The classes of shapes.xsd, one for each of its complex types and for each choice or sequence that is no type's
@@ -16,7 +17,7 @@ namespace Drawings {
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
 
 /// The tables that the objects of one class share.
-class CMetaData;
+using Support::CMetaData;
 
 /// The numbers under which the tables know the properties of the classes.
 enum Property {
