@@ -7,9 +7,9 @@
 namespace Quillon9 {
 
 /// Remembers, while one element is read under the option that ignores unknown children, through which of them a member
-/// of a group without a tag has looked in vain. The reading of the element skips one child after a failed group and asks
-/// the group again; without this the group would look through the same children for each of them, and a document of
-/// unknown children would cost the square of its size, or its cube where groups nest.
+/// of a group without a tag has looked in vain. The reading of the element skips one child after a failed group and
+/// asks the group again; without this the group would look through the same children for each of them, and a document
+/// of unknown children would cost the square of its size, or its cube where groups nest.
 ///
 /// Each element has its own, so that nothing outlives the tree that it is about.
 class FailedScans {

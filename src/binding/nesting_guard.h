@@ -8,8 +8,9 @@
 namespace Quillon9 {
 
 /// Bounds the recursion of generated classes on this thread: nested elements, nested groups without a tag inside one
-/// element, and both together, of which there may be four times as many. A document's elements are counted when its tree
-/// is built; this counts what trees and object graphs made by hand nest, and groups that hold each other without end.
+/// element, and both together, of which there may be four times as many. A document's elements are counted when its
+/// tree is built; this counts what trees and object graphs made by hand nest, and groups that hold each other without
+/// end.
 class NestingGuard {
  public:
   /// \p hasTag is whether an element is entered, and not a group without a tag.

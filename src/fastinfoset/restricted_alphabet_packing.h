@@ -9,8 +9,9 @@ namespace Quillon9 {
 /// position an octet where the alphabet needs 8 bits, two where it needs 4, the first in the high half; a low half that
 /// is left over is all ones.
 /// \throws CQnException "Failed to write FastInfoset. " with "Invalid Restricted Alphabet. Alphabet must contain
-///         between 2 and 2^20 characters.", "Unsupported Feature in AppendRestrictedAlphabetString." for an alphabet that needs
-///         other widths, "Invalid character not found for Restricted Alphabet."; octets may have been appended then.
+///         between 2 and 2^20 characters.", "Unsupported Feature in AppendRestrictedAlphabetString." for an alphabet
+///         that needs other widths, "Invalid character not found for Restricted Alphabet."; octets may have been
+///         appended then.
 void AppendRestrictedAlphabetString(std::string& target, std::string_view text, std::string const& alphabet);
 
 }  // namespace Quillon9

@@ -135,6 +135,8 @@ void CFastInfosetWriter::WriteElement(bool hasAttributes) {
     WriteNamespaceAttributes();
     leading = 0;
   }
+  // The element around it may have been given a namespace meanwhile.
+  if (m_pendingElement->m_inherits) m_pendingElement->m_scopeInForce = m_pendingElement->m_parent->m_scopeInForce;
   std::string const& uri = m_pendingElement->m_namespace;
   bool const isPlain = uri.empty() || uri == m_pendingElement->GetDefaultNamespace();
   std::string const& prefix = isPlain ? NoPrefix() : PrefixOf(*m_pendingElement, uri);

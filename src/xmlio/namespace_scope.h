@@ -27,7 +27,8 @@ class CNamespaceScope {
   std::string const* Find(std::string const& uri) const;
   /// Bind \p uri, in place of an earlier binding.
   void Bind(std::string const& uri, std::string const& prefix);
-  /// Bind \p uri, which has no prefix, to the first generated one that is free, as CXmlWriter::GetUniquePrefix() finds it.
+  /// Bind \p uri, which has no prefix, to the first generated one that is free, as CXmlWriter::GetUniquePrefix() finds
+  /// it.
   std::string const& BindToGenerated(std::string const& uri);
   /// All bindings in force. Made when it is asked for; valid until the next change.
   Map const& All() const;

@@ -169,10 +169,16 @@ TEST_F(RoundTrip, Files) {
     back.FromXmlFile(path.c_str());
     EXPECT_EQ(source.Text(), back.Text());
   }
+  CElement apart("a", "urn:d");
+  apart.SetDefaultNamespace("urn:d");
+  EXPECT_FAILURE(CQnException, "An element with a default namespace can only be written as text",
+                 apart.ToFastInfosetStream());
   EXPECT_FAILURE(CQnException, "ZLIB Compression only available for To Stream methods.",
                  source.ToFastInfosetFile(path.c_str(), FInfoDecl_None, ctx, CompressionType_ZLib));
-  EXPECT_FAILURE(CQnException, "Failed to write data to the file [/no/such/folder/x]",
-                 source.ToFastInfosetFile("/no/such/folder/x"));
+  for (std::string const bad : {"/no/such/folder/x", "/dev/full"}) {
+    EXPECT_FAILURE(CQnException, "Failed to write data to the file [" + bad + "]",
+                   source.ToFastInfosetFile(bad.c_str()));
+  }
 }
 
 // ---- Documents: the same calls on both writers give the same tree.

@@ -16,8 +16,8 @@ class InfosetError : public std::runtime_error {
 /// The kinds of numbers, by what they count and on which bit of their first octet they begin.
 enum class Number { Index2, Index3, Index4, Length2, Length5, Length7, Items };
 
-/// The way through the octets of a Fast Infoset document, with the forms that numbers have in it (Rec. ITU-T X.891, C.21
-/// to C.28). Every read is checked against the end. The octets are borrowed.
+/// The way through the octets of a Fast Infoset document, with the forms that numbers have in it (Rec. ITU-T X.891,
+/// C.21 to C.28). Every read is checked against the end. The octets are borrowed.
 class InfosetOctets {
  public:
   explicit InfosetOctets(std::string_view octets) : m_octets(octets) {}

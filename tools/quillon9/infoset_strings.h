@@ -10,8 +10,8 @@ namespace Quillon9Tool {
 /// The encoding algorithm whose values the library does not read as they were.
 inline constexpr std::uint32_t kFloatAlgorithm = 7;
 
-/// The text of \p string in UTF-8, made of its first \p mostOctets octets only; the alphabets of \p parser are those that
-/// may be used. What cannot be decoded is shown in hexadecimal digits.
+/// The text of \p string in UTF-8, made of its first \p mostOctets octets only; the alphabets of \p parser are those
+/// that may be used. What cannot be decoded is shown in hexadecimal digits.
 std::string Decoded(EncodedString const& string, InfosetParser const& parser, std::size_t mostOctets);
 
 /// How \p string is encoded, in words; nothing for UTF-8.

@@ -47,8 +47,8 @@ constexpr option kInspectOptions[] = {{"full", no_argument, nullptr, kFull}, kHe
   throw UsageError(isMissingValue ? "the option " + name + " needs a value" : "there is no option " + name);
 }
 
-/// Hands each option to \p take, which gets its letter or number and its value. \returns the other arguments, or nothing
-/// when help is asked for.
+/// Hands each option to \p take, which gets its letter or number and its value. \returns the other arguments, or
+/// nothing when help is asked for.
 template <class Take>
 std::optional<std::vector<std::string>> ReadOptions(int argc, char** argv, char const* letters, option const* table,
                                                     Take take) {

@@ -16,10 +16,11 @@ class QUILLON9_API CLimits {
   static void SetMaxElementDepth(std::uint32_t depth);
 
   /// What one input may deliver into the tree, in bytes: names and namespaces of each node, values, texts, namespace
-  /// declarations, and 64 for each node. The bound is the larger of this size and the growth times the size of the input
-  /// (decompressed). Defaults 64 MiB and 100: real documents deliver 20 times their size at most, but a namespace of a
-  /// megabyte over ten thousand elements, default attributes of a DTD, and references to the tables of Fast Infoset repeat
-  /// without end. A document beyond it fails with "The content of the document exceeds the limit of %llu bytes".
+  /// declarations, and 64 for each node. The bound is the larger of this size and the growth times the size of the
+  /// input (decompressed). Defaults 64 MiB and 100: real documents deliver 20 times their size at most, but a namespace
+  /// of a megabyte over ten thousand elements, default attributes of a DTD, and references to the tables of Fast
+  /// Infoset repeat without end. A document beyond it fails with "The content of the document exceeds the limit of %llu
+  /// bytes".
   static std::uint64_t GetMaxContentSize();
   static void SetMaxContentSize(std::uint64_t bytes);
   static std::uint32_t GetMaxContentGrowth();

@@ -24,7 +24,8 @@ class QUILLON9_API CFIIndexMap {
  public:
   /// The index of \p text, 0 when it is not here.
   unsigned long Find(std::string_view text) const;
-  /// Give \p text the next index, unless it is here already.
+  /// Give \p text the next index, unless it is here already. There may be 2^32 - 1 entries; the tables of a vocabulary
+  /// stop at CFIVocabulary::kMaxEntries.
   void Insert(std::string_view text);
   std::size_t size() const { return m_texts.size(); }
   /// The index of the name whose key, as MakeQNameKey() makes it, is here; 0 when it is not. A name that was found

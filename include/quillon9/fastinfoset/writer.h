@@ -44,9 +44,12 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
 
   /// \throws CQnException "An Element has not been closed." while an element is open.
   void Close() override;
-  /// Nothing.
+  /// Write nothing.
   void WriteComment(std::string const& text) override;
+  /// Write nothing but the element that was started last, which can get no attributes any more.
+  /// \throws CQnException as WriteStartElement().
   void WritePI(std::string const& text) override;
+  /// Write nothing.
   void WriteInlineSchema(std::string const& text) override;
   /// The element is written only with the next operation, which tells whether it has attributes.
   /// \throws CQnException as CXmlWriter; "An octet string may not be empty." for an empty name, here and for

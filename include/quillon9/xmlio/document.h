@@ -234,9 +234,10 @@ class QUILLON9_API CXmlDocument {
   /// Append \p text to \p element without its carriage returns, up to its NUL or \p length bytes.
   void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, char const* text);
-  /// Note that a reader has put \p bytes of content into the tree by itself. The other operations here do it themselves.
-  /// \throws CQnException "The content of the document exceeds the limit of %llu bytes" when the input that is being loaded
-  ///         has delivered more than CLimits::GetMaxContentSize() tells.
+  /// Note that a reader has put \p bytes of content into the tree by itself. The other operations here do it
+  /// themselves.
+  /// \throws CQnException "The content of the document exceeds the limit of %llu bytes" when the input that is being
+  ///         loaded has delivered more than CLimits::GetMaxContentSize() tells.
   void CountContent(std::size_t bytes) {
     m_contentSize += bytes;
     if (m_contentSize > m_contentLimit) ThrowContentTooLarge();
