@@ -216,6 +216,7 @@ void CItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
   for (CItem const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
 }
 
+// [read-items]
 // Takes the run of siblings that are items, and returns the first that is none.
 CXmlElement* CItemCol::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
   std::string const ns = GetNamespace();
@@ -227,6 +228,7 @@ CXmlElement* CItemCol::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
   }
   return cursor;
 }
+// [read-items]
 
 // ---- Items
 

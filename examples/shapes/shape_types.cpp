@@ -128,13 +128,16 @@ template <class Item>
 CItemCol<Item>::CItemCol(char const* elementName, int minOccurs)
     : CXmlCollection(elementName, kNamespace, minOccurs, -1) {}
 
+// [write]
 template <class Item>
 void CItemCol<Item>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
                                bool) const {
   ValidateCount(ctx);
   for (Item const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
 }
+// [write]
 
+// [read-substitution]
 // Takes siblings as long as each is a shape. These have many names, so the factory judges and not the collection's
 // own name, which is that of the head.
 template <>
@@ -149,7 +152,9 @@ CXmlElement* CItemCol<CShapeType>::FromXml_Int(CXmlElement*, CXmlElement* cursor
   }
   return cursor;
 }
+// [read-substitution]
 
+// [read-groups]
 // Takes siblings as long as the next of them make a point. It has no tag, so it reads among them by itself.
 template <>
 CXmlElement* CItemCol<CPoint>::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
@@ -163,6 +168,7 @@ CXmlElement* CItemCol<CPoint>::FromXml_Int(CXmlElement* parent, CXmlElement* cur
   }
   return cursor;
 }
+// [read-groups]
 
 template class CItemCol<CShapeType>;
 template class CItemCol<CPoint>;
