@@ -14,7 +14,8 @@ namespace {
 /// The text with each byte that is no visible ASCII as hexadecimal digits.
 std::string Shown(std::string const& text) {
   std::string shown;
-  for (unsigned char const byte : text) {
+  for (char const character : text) {
+    auto const byte = static_cast<unsigned char>(character);
     char escape[8];
     std::snprintf(escape, sizeof escape, byte >= ' ' && byte < 0x7F ? "%c" : "\\x%02X", byte);
     shown += escape;

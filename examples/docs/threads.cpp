@@ -1,5 +1,6 @@
 // The code of docs/threads.md.
 
+#include <cstddef>
 #include <iostream>
 #include <string>
 #include <thread>
@@ -50,11 +51,11 @@ CXmlSerializationContext MakeOptions() {
   return ctx;
 }
 
-std::vector<std::string> WriteAll(int count) {
+std::vector<std::string> WriteAll(std::size_t count) {
   CXmlSerializationContext const options = MakeOptions();  // const: nobody changes it from here on
   std::vector<std::string> texts(count);
   std::vector<std::thread> threads;
-  for (int i = 0; i < count; ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     threads.emplace_back([&options, &text = texts[i], i] {
       CJob job;  // an object graph for each thread
       job.FromXml(("<job><number>" + std::to_string(i) + "</number><later/></job>").c_str(), options);
