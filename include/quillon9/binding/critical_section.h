@@ -25,6 +25,7 @@ class QUILLON9_API CQNCriticalSection {
 /// Holds a CQNCriticalSection for the life of a scope, so that a failure in between unlocks it too.
 class CQNCriticalSectionLock {
  public:
+  /// Enter \p section, which must outlive this object.
   explicit CQNCriticalSectionLock(CQNCriticalSection& section) : m_section(section) { m_section.Enter(); }
   ~CQNCriticalSectionLock() { m_section.Leave(); }
   CQNCriticalSectionLock(CQNCriticalSectionLock const&) = delete;

@@ -17,6 +17,7 @@ class QUILLON9_API CQnException {
  public:
   /// An empty text, no inner exception.
   CQnException();
+  /// A text, no inner exception.
   explicit CQnException(std::string message);
   /// Keeps a private copy of \p inner, made with Clone(), so \p inner may go out of scope.
   CQnException(std::string message, CQnException const& inner);
@@ -24,6 +25,7 @@ class QUILLON9_API CQnException {
   CQnException(CQnException const& other);
   /// Takes text and inner chain over, so that throwing a finished failure copies no chain.
   CQnException(CQnException&& other) noexcept;
+  /// Replace text and inner chain by copies of those of \p other.
   CQnException& operator=(CQnException const& other);
   virtual ~CQnException();
 
@@ -31,6 +33,7 @@ class QUILLON9_API CQnException {
   /// classes override it, so that a failure keeps its class when it becomes an inner exception.
   virtual CQnException* Clone() const;
 
+  /// The text of this failure alone, without those of its inner exceptions.
   std::string const& GetMessage() const { return m_message; }
   /// The failure that caused this one, or null. It stays owned by this object.
   CQnException const* GetInnerException() const { return m_inner; }
@@ -55,6 +58,8 @@ class QUILLON9_API CQnException {
 /// A decimal value does not fit.
 class QUILLON9_API CQnOverFlowException : public CQnException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnOverFlowException();
   explicit CQnOverFlowException(std::string message);
   CQnOverFlowException(std::string message, CQnException const& inner);
@@ -64,11 +69,14 @@ class QUILLON9_API CQnOverFlowException : public CQnException {
   CQnOverFlowException& operator=(CQnOverFlowException const& other) = default;
   ~CQnOverFlowException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// A bad argument to a public operation: index out of range, null where a value is required, a wrong object.
 class QUILLON9_API CQnInvalidParamException : public CQnException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidParamException();
   explicit CQnInvalidParamException(std::string message);
   CQnInvalidParamException(std::string message, CQnException const& inner);
@@ -78,11 +86,14 @@ class QUILLON9_API CQnInvalidParamException : public CQnException {
   CQnInvalidParamException& operator=(CQnInvalidParamException const& other) = default;
   ~CQnInvalidParamException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// A public operation that is not allowed now: a choice already taken, options that exclude each other.
 class QUILLON9_API CQnInvalidStateException : public CQnException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidStateException();
   explicit CQnInvalidStateException(std::string message);
   CQnInvalidStateException(std::string message, CQnException const& inner);
@@ -92,11 +103,14 @@ class QUILLON9_API CQnInvalidStateException : public CQnException {
   CQnInvalidStateException& operator=(CQnInvalidStateException const& other) = default;
   ~CQnInvalidStateException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// The document or the object graph breaks a rule of its schema. Also the class of the wrapper on the way up.
 class QUILLON9_API CQnValidationException : public CQnException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnValidationException();
   explicit CQnValidationException(std::string message);
   CQnValidationException(std::string message, CQnException const& inner);
@@ -106,11 +120,14 @@ class QUILLON9_API CQnValidationException : public CQnException {
   CQnValidationException& operator=(CQnValidationException const& other) = default;
   ~CQnValidationException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// A namespace is not allowed by a wildcard.
 class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidNamespaceException();
   explicit CQnInvalidNamespaceException(std::string message);
   CQnInvalidNamespaceException(std::string message, CQnException const& inner);
@@ -120,11 +137,14 @@ class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException 
   CQnInvalidNamespaceException& operator=(CQnInvalidNamespaceException const& other) = default;
   ~CQnInvalidNamespaceException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// A text or a value breaks a format or a facet.
 class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
  public:
+  ///@{
+  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidValueException();
   explicit CQnInvalidValueException(std::string message);
   CQnInvalidValueException(std::string message, CQnException const& inner);
@@ -134,6 +154,7 @@ class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
   CQnInvalidValueException& operator=(CQnInvalidValueException const& other) = default;
   ~CQnInvalidValueException() override;
   CQnException* Clone() const override;
+  ///@}
 };
 
 /// Build a text as printf does, of any length. The result ends at a NUL byte that a conversion produced. "I64"

@@ -34,10 +34,10 @@ class QUILLON9_API CParentElementInfo {
   virtual ~CParentElementInfo();
 
   XmlElementGroupType m_groupType;  ///< which driver handles the content
-  XmlElementType m_elementType;
-  std::string m_typeName;  ///< name of the type in its schema, the text of xsi:type
-  std::string m_typeNamespace;
-  int m_textPropertyIndex;  ///< property that holds the text of the element; -1 for none
+  XmlElementType m_elementType;     ///< has a tag of its own, or none
+  std::string m_typeName;           ///< name of the type in its schema, the text of xsi:type
+  std::string m_typeNamespace;      ///< namespace of that type, for the prefix of xsi:type
+  int m_textPropertyIndex;          ///< property that holds the text of the element; -1 for none
   /// An attribute that no descriptor takes is a failure. A class without a tag is shown the attributes of the element
   /// around it, and the class of that element those of its groups: both have false where the other has attributes.
   bool m_rejectUnknownAttributes;
@@ -108,6 +108,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   ///         nillable, whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
   void ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, bool reject);
 
+  ///@{
   /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return the
   /// first child that was not taken; the cursor as it came in when the group could not be satisfied (what earlier
   /// members took stays stored).
@@ -119,7 +120,9 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                                         Quillon9Data::XmlElementType type);
   CXmlElement* ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                            CXmlElement* cursor, Quillon9Data::XmlElementType type, bool inChoice);
+  ///@}
 
+  ///@{
   /// The write drivers.
   /// \throws CQnValidationException for a choice with nothing set; what the descriptors throw.
   void ProcessAttributesToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,
@@ -130,6 +133,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                               CXmlWriter* writer) const;
   void ProcessElementChoiceToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,
                                  CXmlWriter* writer, bool inChoice) const;
+  ///@}
 
  private:
   CXmlElement* ReadElement(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,

@@ -13,9 +13,12 @@ namespace Quillon9 {
 class QUILLON9_API CNamespaceAliasMap {
  public:
   CNamespaceAliasMap();
+  ///@{
+  /// Copies all bindings.
   CNamespaceAliasMap(CNamespaceAliasMap const&) = default;
   CNamespaceAliasMap& operator=(CNamespaceAliasMap const&) = default;
   virtual ~CNamespaceAliasMap();
+  ///@}
 
   /// Bind \p ns to \p alias, in place of the alias it had. Nothing checks that the alias is free: two namespaces
   /// can share one.
@@ -23,12 +26,16 @@ class QUILLON9_API CNamespaceAliasMap {
   /// Forget \p ns; an unknown namespace is no failure.
   void RemoveNamespace(char const* ns);
 
+  /// The number of namespaces that are bound.
   int GetNamespaceCount() const;
   /// The namespace at \p index in byte order of the URIs.
   /// \throws CQnException "Index %d is out of range" when \p index is not between 0 and GetNamespaceCount() - 1.
   std::string GetNamespaceAt(int index) const;
+  ///@{
+  /// Whether this namespace is bound; whether some namespace has this alias.
   bool DoesNamespaceExist(char const* ns) const;
   bool DoesAliasExist(char const* alias) const;
+  ///@}
   /// The first namespace, in byte order, that has \p alias.
   /// \throws CQnException "Namespace alias [%s] not found".
   std::string GetNamespaceFromAlias(char const* alias) const;

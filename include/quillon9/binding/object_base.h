@@ -17,6 +17,7 @@ namespace Quillon9 {
 /// Receives the change events of collections.
 class QUILLON9_API IEventSink {
  public:
+  /// What happened, or is about to.
   enum MsgType {
     CollectionChange = 0,         ///< after every change; data is null
     CollectionAdd = 1,            ///< before an item enters; data is the object, or the address of the value
@@ -165,20 +166,26 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.
   std::string const& GetElementName() const { return m_elementName; }
-  /// Null counts as an empty name.
+  /// Set the name under which this object is written. Null counts as an empty one.
   void SetElementName(char const* name) { m_elementName = name != nullptr ? name : ""; }
+  /// The same for a const object.
   CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 
+  ///@{
   /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
   int AddRef();
   int Release();
+  ///@}
 
+  ///@{
   /// CXmlObjectHelper's operations of the same names, for generated code.
   bool DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element, char const* name,
                             char const* ns) const;
   bool IsNamespaceValid(char const* ns, char const* list, char const* target) const;
   void TestNamespace(char const* ns, char const* list, char const* target) const;
+  ///@}
 
+  ///@{
   /// Ways in to the operations above for generated collections and the like, which hold objects of other classes.
   static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
                                   CXmlSerializationContext const& ctx);
@@ -186,13 +193,16 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                         CXmlSerializationContext const& ctx, bool inChoice);
   static CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                                   CXmlSerializationContext const& ctx);
+  ///@}
 
+  ///@{
   /// Send one event of \p collection to \p sink, with the collection as sender.
   static void FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection);
   static void FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
   static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
   static void FireOnCollectionRemoveEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
   static void FireOnCollectionRemoveCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, int index);
+  ///@}
 
  protected:
   /// Helpers for generated property setters. \p selected is kept by the generated class, one for each choice: the

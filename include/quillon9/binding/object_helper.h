@@ -37,6 +37,7 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestriction(char const* name, QnVariant const& value, ItemType type,
                                CPrimitiveRestrictions const& restrictions);
 
+  ///@{
   /// Numbers: check minInclusive, maxInclusive, minExclusive and maxExclusive, in this order. Each bound that is set is
   /// parsed with the `...FromString` of this kind, white space collapsed. A NaN breaks every bound, as value and as
   /// bound.
@@ -53,14 +54,18 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForui8(char const* name, std::uint64_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForr8(char const* name, double value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
+  ///@}
 
+  ///@{
   /// Years, months and days, as numbers.
   static void CheckRestrictionForday(char const* name, std::uint8_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFormonth(char const* name, std::uint8_t value,
                                        CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForyear(char const* name, std::uint16_t value,
                                       CPrimitiveRestrictions const& restrictions);
+  ///@}
 
+  ///@{
   /// Numbers of any length: the same four bounds, in the order of CBigInteger and CDecimal, in which "-0" lies below
   /// "0".
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is no number.
@@ -68,7 +73,9 @@ class QUILLON9_API CXmlObjectHelper {
                                          CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFordecimal(char const* name, CDecimal const& value,
                                          CPrimitiveRestrictions const& restrictions);
+  ///@}
 
+  ///@{
   /// Dates, times and durations: the same four bounds by CompareTo(). A comparison that is indeterminate breaks none,
   /// so a date without a zone passes a bound with a zone that lies within 14 hours.
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is none;
@@ -88,6 +95,7 @@ class QUILLON9_API CXmlObjectHelper {
                                            CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForduration(char const* name, CDateTimeSpan const& value,
                                           CPrimitiveRestrictions const& restrictions);
+  ///@}
 
   /// Does nothing: no facet applies to a truth value.
   static void CheckRestrictionForboolean(char const* name, bool value, CPrimitiveRestrictions const& restrictions);
@@ -97,12 +105,14 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForstring(char const* name, std::string value,
                                         CPrimitiveRestrictions const& restrictions);
 
+  ///@{
   /// Check minLength, maxLength and length against the number of bytes.
   /// \throws CQnException "Invalid Value for %s [%s]" with the bytes in hexadecimal, for base64Binary too.
   static void CheckRestrictionForbase64Binary(char const* name, CBinaryData const& value,
                                               CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForhexBinary(char const* name, CBinaryData const& value,
                                            CPrimitiveRestrictions const& restrictions);
+  ///@}
 };
 
 }  // namespace Quillon9

@@ -13,13 +13,19 @@ class CSmartPtr {
   CSmartPtr() = default;
   /// Take a reference to \p object, which may be null.
   CSmartPtr(T* object) : m_object(object) { AddReference(m_object); }
+  ///@{
+  /// Share what \p other owns, or take it over: \p other is null then.
   CSmartPtr(CSmartPtr const& other) : CSmartPtr(other.m_object) {}
   CSmartPtr(CSmartPtr&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
+  ///@}
   /// Share what a pointer to a derived class owns.
   template <class U, class = std::enable_if_t<std::is_convertible_v<U*, T*>>>
   CSmartPtr(CSmartPtr<U> const& other) : CSmartPtr(static_cast<T*>(other.Get())) {}
   ~CSmartPtr() { ReleaseReference(m_object); }
 
+  ///@{
+  /// Take a reference to the new object and release the old one, which may delete it. Assigning what is held changes
+  /// nothing.
   CSmartPtr& operator=(T* object) {
     AddReference(object);  // first, so that assigning the held object to itself never drops it to 0
     T* old = m_object;
@@ -41,12 +47,15 @@ class CSmartPtr {
     }
     return *this;
   }
+  ///@}
 
+  ///@{
   /// The object, still owned by this pointer; null when there is none.
   T* Get() const { return m_object; }
   T* operator->() const { return m_object; }
   T& operator*() const { return *m_object; }
   operator T*() const { return m_object; }
+  ///@}
 
  private:
   static void AddReference(T* object) {

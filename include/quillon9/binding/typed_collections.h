@@ -52,10 +52,10 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" unless \p index is 0 to GetCount() - 1.
   void CheckItemIndex(int index) const;
 
-  CPrimitiveRestrictions m_restrictions;
-  ItemType m_itemType;
-  char const* m_format;
-  CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+  CPrimitiveRestrictions m_restrictions;              ///< the facets, copied
+  ItemType m_itemType;                                ///< kind of the values
+  char const* m_format;                               ///< not owned; see the constructor
+  CWhitespaceUtils::WhitespaceRule m_whitespaceRule;  ///< for AddFromString()
 };
 
 namespace detail {
@@ -92,6 +92,7 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
  public:
   using CXmlTypeCollection::CXmlTypeCollection;
 
+  /// The number of values.
   int GetCount() const override { return m_items.Count(); }
   /// Remove(0) until nothing is left.
   /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end.
@@ -114,9 +115,12 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
 
   /// The values in order, for range-for. Valid until the collection changes.
   auto begin() const { return m_items.begin(); }
+  /// Behind the last one.
   auto end() const { return m_items.end(); }
 
  protected:
+  /// A copy of the value at \p index.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d".
   Value ItemAt(int index) const {
     CheckItemIndex(index);
     return m_items.At(index);
@@ -143,8 +147,10 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
 template <class Kind>
 class CTypedColImpl : public ValueCol<typename Kind::Value> {
  public:
-  using Value = typename Kind::Value;
-  using Argument = typename Kind::Argument;
+  ///@{
+  using Value = typename Kind::Value;        ///< what is held
+  using Argument = typename Kind::Argument;  ///< how it is passed
+  ///@}
 
   /// The arguments of CXmlTypeCollection without the first.
   CTypedColImpl(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
@@ -161,7 +167,11 @@ class CTypedColImpl : public ValueCol<typename Kind::Value> {
   ///         broken facet and a pattern that does not compile, CQnInvalidValueException for a bound that does not
   ///         parse; CQnException "The collection [%s] is full" at 2,147,483,647 values; what a listener throws.
   void AddAt(int index, Argument value);
+  /// Convert \p text after the collection's white-space rule and add the value.
+  /// \throws CQnInvalidValueException for a text that does not convert, and the other failures of
+  ///         CConversions; what Add() throws.
   void AddFromString(std::string text) override;
+  /// A copy of the value at \p index, from 0.
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
   Value Item(int index) const { return this->ItemAt(index); }
 
@@ -233,120 +243,140 @@ QN_KIND(Plain,     integer,      CBigInteger,   CBigInteger const&)
 
 // The members. They add nothing to their kind but a name.
 
+/// A collection of octets, spelled as `hexBinary`.
 class QUILLON9_API ChexBinaryCol : public detail::CTypedColImpl<detail::hexBinaryKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~ChexBinaryCol() override;
 };
 
+/// A collection of octets, spelled as `base64Binary`.
 class QUILLON9_API Cbase64BinaryCol : public detail::CTypedColImpl<detail::base64BinaryKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cbase64BinaryCol() override;
 };
 
+/// A collection of 8-bit integers: `byte`.
 class QUILLON9_API Ci1Col : public detail::CTypedColImpl<detail::i1Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Ci1Col() override;
 };
 
+/// A collection of 16-bit integers: `short`.
 class QUILLON9_API Ci2Col : public detail::CTypedColImpl<detail::i2Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Ci2Col() override;
 };
 
+/// A collection of 32-bit integers: `int`.
 class QUILLON9_API Ci4Col : public detail::CTypedColImpl<detail::i4Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Ci4Col() override;
 };
 
+/// A collection of 64-bit integers: `long`.
 class QUILLON9_API Ci8Col : public detail::CTypedColImpl<detail::i8Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Ci8Col() override;
 };
 
+/// A collection of 8-bit integers without sign: `unsignedByte`.
 class QUILLON9_API Cui1Col : public detail::CTypedColImpl<detail::ui1Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui1Col() override;
 };
 
+/// A collection of 16-bit integers without sign: `unsignedShort`.
 class QUILLON9_API Cui2Col : public detail::CTypedColImpl<detail::ui2Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui2Col() override;
 };
 
+/// A collection of 32-bit integers without sign: `unsignedInt`.
 class QUILLON9_API Cui4Col : public detail::CTypedColImpl<detail::ui4Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui4Col() override;
 };
 
+/// A collection of 64-bit integers without sign: `unsignedLong`.
 class QUILLON9_API Cui8Col : public detail::CTypedColImpl<detail::ui8Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui8Col() override;
 };
 
+/// A collection of single-precision numbers: `float`.
 class QUILLON9_API Cr4Col : public detail::CTypedColImpl<detail::r4Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cr4Col() override;
 };
 
+/// A collection of double-precision numbers: `double`.
 class QUILLON9_API Cr8Col : public detail::CTypedColImpl<detail::r8Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cr8Col() override;
 };
 
+/// A collection of durations: `duration`.
 class QUILLON9_API CdurationCol : public detail::CTypedColImpl<detail::durationKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CdurationCol() override;
 };
 
+/// A collection of years: `gYear`.
 class QUILLON9_API CyearCol : public detail::CTypedColImpl<detail::yearKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CyearCol() override;
 };
 
+/// A collection of months: `gMonth`.
 class QUILLON9_API CmonthCol : public detail::CTypedColImpl<detail::monthKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CmonthCol() override;
 };
 
+/// A collection of days: `gDay`.
 class QUILLON9_API CdayCol : public detail::CTypedColImpl<detail::dayKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CdayCol() override;
 };
 
+/// A collection of texts: `string` and what derives from it.
 class QUILLON9_API CstringCol : public detail::CTypedColImpl<detail::stringKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CstringCol() override;
 };
 
+/// A collection of truth values: `boolean`.
 class QUILLON9_API CbooleanCol : public detail::CTypedColImpl<detail::booleanKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CbooleanCol() override;
 };
 
+/// A collection of decimals of any length: `decimal`.
 class QUILLON9_API CdecimalCol : public detail::CTypedColImpl<detail::decimalKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CdecimalCol() override;
 };
 
+/// A collection of integers of any length: `integer`.
 class QUILLON9_API CintegerCol : public detail::CTypedColImpl<detail::integerKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
@@ -357,6 +387,7 @@ class QUILLON9_API CintegerCol : public detail::CTypedColImpl<detail::integerKin
 /// then its facets, so that a value that fails never reaches the listeners, and the index last.
 class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
  public:
+  /// The arguments are those of CXmlTypeCollection.
   CdatetimeBaseCol(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
                    int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
                    char const* minExclusive, char const* maxExclusive, int length,
@@ -388,8 +419,10 @@ class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
 
 // The members; the arguments are those of CXmlTypeCollection without the first.
 
+/// A collection of `date` values.
 class QUILLON9_API CdateCol : public CdatetimeBaseCol {
  public:
+  /// The arguments of CXmlTypeCollection without the first.
   CdateCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
            int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
            char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
@@ -399,8 +432,10 @@ class QUILLON9_API CdateCol : public CdatetimeBaseCol {
   std::string ItemToString(CDateTime const& value) const override;
 };
 
+/// A collection of `dateTime` values.
 class QUILLON9_API CdatetimeCol : public CdatetimeBaseCol {
  public:
+  /// The arguments of CXmlTypeCollection without the first.
   CdatetimeCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
                int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
                char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
@@ -410,8 +445,10 @@ class QUILLON9_API CdatetimeCol : public CdatetimeBaseCol {
   std::string ItemToString(CDateTime const& value) const override;
 };
 
+/// A collection of `time` values.
 class QUILLON9_API CtimeCol : public CdatetimeBaseCol {
  public:
+  /// The arguments of CXmlTypeCollection without the first.
   CtimeCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
            int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
            char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
@@ -421,8 +458,10 @@ class QUILLON9_API CtimeCol : public CdatetimeBaseCol {
   std::string ItemToString(CDateTime const& value) const override;
 };
 
+/// A collection of `gYearMonth` values.
 class QUILLON9_API CyearMonthCol : public CdatetimeBaseCol {
  public:
+  /// The arguments of CXmlTypeCollection without the first.
   CyearMonthCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
                 int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
                 char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
@@ -432,8 +471,10 @@ class QUILLON9_API CyearMonthCol : public CdatetimeBaseCol {
   std::string ItemToString(CDateTime const& value) const override;
 };
 
+/// A collection of `gMonthDay` values.
 class QUILLON9_API CmonthDayCol : public CdatetimeBaseCol {
  public:
+  /// The arguments of CXmlTypeCollection without the first.
   CmonthDayCol(char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern, int minLength,
                int maxLength, char const* minInclusive, char const* maxInclusive, char const* minExclusive,
                char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);

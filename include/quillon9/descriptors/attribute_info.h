@@ -36,26 +36,33 @@ class QUILLON9_API CAttributeInfo {
   /// Whether \p attribute, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const;
 
-  // The holder's accessors with the index of this property, and ways in to operations of objects.
+  ///@{
+  /// The holder's accessors with the index of this property.
+  /// \throws what the holder's AccessProperty() throws.
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
+  ///@}
 
+  ///@{
+  /// Ways in to operations of \p object, which is not null.
   static std::string GetTargetNamespace(CXmlObjectBase const* object);
   static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                         CXmlSerializationContext const& ctx);
+  ///@}
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() does.
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
  protected:
   /// Whether \p text, the default of an optional attribute, is to be left out.
   bool IsSuppressedDefault(CXmlSerializationContext const& ctx, std::string const& text) const;
+  /// \throws CQnValidationException "Failed to find the required Attribute [%s]" unless it is optional or \p found.
   void ThrowIfRequiredAndMissing(bool found) const;
 
-  std::string m_attributeName;
-  std::string m_namespace;
-  int m_propertyIndex;
-  bool m_optional;
-  std::string m_defaultValue;
+  std::string m_attributeName;  ///< local name
+  std::string m_namespace;      ///< empty for none
+  int m_propertyIndex;          ///< for AccessProperty()
+  bool m_optional;              ///< its absence is no failure
+  std::string m_defaultValue;   ///< empty for none
 };
 
 /// An attribute that holds a value of some ItemType. It matches by name and namespace exactly, even where the

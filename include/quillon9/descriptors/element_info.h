@@ -37,9 +37,11 @@ using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classId, char const* elem
 /// code. A descriptor asks for elements of its own name only; the members of a substitution group, which have other
 /// names, are a choice, or a collection that knows their names.
 using ElementFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
+///@{
 /// The two directions of a generated enumeration.
 using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
+///@}
 
 /// Root of the family: what a descriptor stores, and the steps that its members share.
 class QUILLON9_API CElementInfo {
@@ -88,9 +90,10 @@ class QUILLON9_API CElementInfo {
   /// "##targetNamespace", empty for everything else. Of a list that begins with "##" the first token counts.
   static std::string GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace);
 
-  // How the members write their property, by content kind: true when something was written. A value that is not valid,
-  // a null object and an empty collection write nothing. They throw what ElementToXml() tells; for an enumerator
-  // without text CQnException.
+  ///@{
+  /// How the members write their property, by content kind: true when something was written. A value that is not valid,
+  /// a null object and an empty collection write nothing.
+  /// \throws what ElementToXml() tells; CQnException for an enumerator without text.
   bool ElementToXmlPrim(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                         CXmlWriter* writer) const;
   bool ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -102,19 +105,27 @@ class QUILLON9_API CElementInfo {
   bool ElementToXmlCls(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer,
                        bool inChoice) const;
   bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
+  ///@}
 
-  // The holder's accessors with the index of this property, and ways in to protected operations of objects.
+  ///@{
+  /// The holder's accessors with the index of this property.
+  /// \throws what the holder's AccessProperty() throws.
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
+  ///@}
+  ///@{
+  /// Ways in to the protected operations of \p object, which is not null.
   CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                            CXmlSerializationContext const& ctx, bool inChoice) const;
   void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
+  ///@}
 
  protected:
   /// Move \p cursor to this mandatory element of a holder with a tag. False when its absence is ignored, with the
   /// cursor untouched. Elements in front of it are skipped where unknown ones are ignored.
   /// \throws CQnValidationException "Failed to find a required element [%s]".
   bool SeekRequiredElement(CXmlSerializationContext const& ctx, CXmlElement** cursor) const;
+  /// \throws CQnValidationException "Failed to find a required element [%s]", always.
   [[noreturn]] void ThrowRequiredElement() const;
 
   /// The Validate() of the mandatory members of an all group.
@@ -126,6 +137,7 @@ class QUILLON9_API CElementInfo {
 
   /// Convert the text of the element under \p cursor, store it, move on. Always true.
   bool TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const;
+  /// The same by \p fromText, which gets the text as it stands in the document.
   bool TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const;
   /// Let \p child, an object with a tag, read the element under \p cursor, and move on.
   void ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor, bool inChoice) const;
@@ -150,6 +162,7 @@ class QUILLON9_API CElementInfo {
 
   // The counts of collections.
 
+  /// \throws CQnValidationException for a count outside the limits of the collection, unless \p ctx ignores that.
   void ValidateCountOnWriting(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const;
   /// Whether the count is within its limits. In a holder with a tag a wrong one is a CQnValidationException.
   static bool JudgeCount(Quillon9::CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
@@ -162,25 +175,31 @@ class QUILLON9_API CElementInfo {
 
   /// A new child object. Never null.
   CSmartPtr<CXmlObjectBase> MakeChild(ClassFactory classFactory, int classId) const;
+  ///@{
   /// The child object or the collection that the holder keeps for this property.
   CSmartPtr<CXmlObjectBase> FetchChild(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> FetchCollection(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> ReadCollection(CXmlGeneratedClass const* holder) const;
+  ///@}
+  /// Store \p child, which may be null, in the property.
   void StoreChild(CXmlGeneratedClass* holder, CXmlObjectBase* child) const;
+  ///@{
   /// PseudoChildAttributeToXml() of members that hold an object, and of those that hold a collection of objects.
   void PseudoObjectAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,
                                    CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
   void PseudoItemsAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,
                                   CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
+  ///@}
 
-  std::string m_elementName;
-  std::string m_namespace;
-  int m_propertyIndex;
-  CPrimitiveRestrictions m_restrictions;
-  ItemType m_itemType = Quillon9::ItemType_invalid;
-  char const* m_format = nullptr;
+  std::string m_elementName;                         ///< local name
+  std::string m_namespace;                           ///< empty for none
+  int m_propertyIndex;                               ///< for AccessProperty()
+  CPrimitiveRestrictions m_restrictions;             ///< facets of a primitive member
+  ItemType m_itemType = Quillon9::ItemType_invalid;  ///< kind of a primitive member
+  char const* m_format = nullptr;                    ///< not owned
+  /// Applied to the text of a primitive member.
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule = CWhitespaceUtils::WhitespaceRule_None;
-  bool m_primitive;
+  bool m_primitive;  ///< made by the constructor for primitive members
 };
 
 // ---- The three groups
@@ -246,24 +265,30 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
 
 // ---- Values. Facets are checked on writing only.
 
+/// A value, mandatory, in a sequence.
 class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
  public:
+  /// The arguments of CElementInfo for primitive members.
   CElementInfoSeqPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_ELEMENT_OVERRIDES
 };
 
+/// A value, optional, in a sequence.
 class QUILLON9_API CElementInfoSeqPrimOpt : public CElementInfoSeq {
  public:
+  /// The arguments of CElementInfoSeqPrimMnd.
   CElementInfoSeqPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_ELEMENT_OVERRIDES
 };
 
+/// A value, mandatory, in an all group.
 class QUILLON9_API CElementInfoAllPrimMnd : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqPrimMnd.
   CElementInfoAllPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
@@ -271,8 +296,10 @@ class QUILLON9_API CElementInfoAllPrimMnd : public CElementInfoAll {
   QN_VALIDATE_OVERRIDE
 };
 
+/// A value, optional, in an all group.
 class QUILLON9_API CElementInfoAllPrimOpt : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqPrimMnd.
   CElementInfoAllPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
@@ -280,8 +307,10 @@ class QUILLON9_API CElementInfoAllPrimOpt : public CElementInfoAll {
   QN_VALIDATE_OVERRIDE
 };
 
+/// A value, optional, in a choice.
 class QUILLON9_API CElementInfoChoicePrimOpt : public CElementInfoChoice {
  public:
+  /// The arguments of CElementInfoSeqPrimMnd.
   CElementInfoChoicePrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                             CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoChoice(name, ns, index, type, format, rule, restrictions) {}
@@ -291,8 +320,10 @@ class QUILLON9_API CElementInfoChoicePrimOpt : public CElementInfoChoice {
 // ---- Enumerations, held as the number of the enumerator. The text reaches \p fromText as it stands in the document;
 // what an unknown one does is its own affair. Writing throws CQnException for a number without text.
 
+/// An enumerator, mandatory, in a sequence.
 class QUILLON9_API CElementInfoSeqEnumMnd : public CElementInfoSeq {
  public:
+  /// \p toText and \p fromText, functions of the enumeration, are kept and not null.
   CElementInfoSeqEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoSeq(name, ns, index), m_fromText(fromText), m_toText(toText) {}
   QN_ELEMENT_OVERRIDES
@@ -302,8 +333,10 @@ class QUILLON9_API CElementInfoSeqEnumMnd : public CElementInfoSeq {
   EnumToText m_toText;
 };
 
+/// An enumerator, optional, in a sequence.
 class QUILLON9_API CElementInfoSeqEnumOpt : public CElementInfoSeq {
  public:
+  /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoSeqEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoSeq(name, ns, index), m_toText(toText), m_fromText(fromText) {}
   QN_ELEMENT_OVERRIDES
@@ -313,8 +346,10 @@ class QUILLON9_API CElementInfoSeqEnumOpt : public CElementInfoSeq {
   EnumFromText m_fromText;
 };
 
+/// An enumerator, mandatory, in an all group.
 class QUILLON9_API CElementInfoAllEnumMnd : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoAllEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
   QN_ELEMENT_OVERRIDES
@@ -325,8 +360,10 @@ class QUILLON9_API CElementInfoAllEnumMnd : public CElementInfoAll {
   EnumFromText m_fromText;
 };
 
+/// An enumerator, optional, in an all group.
 class QUILLON9_API CElementInfoAllEnumOpt : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoAllEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
   QN_ELEMENT_OVERRIDES
@@ -337,8 +374,10 @@ class QUILLON9_API CElementInfoAllEnumOpt : public CElementInfoAll {
   EnumFromText m_fromText;
 };
 
+/// An enumerator, optional, in a choice.
 class QUILLON9_API CElementInfoChoiceEnumOpt : public CElementInfoChoice {
  public:
+  /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoChoiceEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoChoice(name, ns, index), m_toText(toText), m_fromText(fromText) {}
   QN_ELEMENT_OVERRIDES
@@ -354,6 +393,7 @@ class QUILLON9_API CElementInfoChoiceEnumOpt : public CElementInfoChoice {
 /// says of a child without a tag that it counts as present only when it took an element.
 class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
  public:
+  /// \p childType is that of the record of the child's class.
   CElementInfoSeqClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId, bool requiresContent)
       : CElementInfoSeq(name, ns, index),
@@ -379,6 +419,7 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
 /// The child is made when its element is there, and stored when it has been read whole.
 class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
  public:
+  /// \p childType is that of the record of the child's class; \p classFactory is kept and not null.
   CElementInfoSeqClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
@@ -394,6 +435,7 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
 /// As in a sequence; but \p requiresContent counts for a child with a tag: without it the element may be missing.
 class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqClsMnd.
   CElementInfoAllClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId, bool requiresContent)
       : CElementInfoAll(name, ns, index),
@@ -412,8 +454,10 @@ class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
   bool m_requiresContent;
 };
 
+/// An object of a known class, optional, in an all group.
 class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqClsOpt.
   CElementInfoAllClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId)
       : CElementInfoAll(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
@@ -431,6 +475,7 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
 /// stay empty here, on reading and on writing.
 class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
  public:
+  /// The arguments of CElementInfoSeqClsOpt.
   CElementInfoChoiceClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ClassFactory classFactory, int classId)
       : CElementInfoChoice(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
@@ -449,6 +494,7 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
 /// substitution element for [%s]" in a holder with a tag. No option excuses it or skips elements in front of it.
 class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
  public:
+  /// \p childType is that of the records of the classes; \p elementFactory is kept and not null.
   CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
@@ -460,8 +506,10 @@ class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
   ElementFactory m_elementFactory;
 };
 
+/// An object whose class is found from the element, optional, in a sequence.
 class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
  public:
+  /// The arguments of CElementInfoSeqAbsClsMnd.
   CElementInfoSeqAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
@@ -476,6 +524,7 @@ class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
 /// Can be written, not read: ElementFromXml() throws CQnException, for every child of the holder, whatever it is.
 class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
  public:
+  /// As CElementInfoSeqAbsClsMnd's; \p classId is stored and not used.
   CElementInfoAllAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory, int classId)
       : CElementInfoAll(name, ns, index),
@@ -495,6 +544,7 @@ class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
 /// As for Mnd: written, not read.
 class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqAbsClsMnd.
   CElementInfoAllAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoAll(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
@@ -510,6 +560,7 @@ class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
 /// The property is null when no class suits the element, and the next member is asked.
 class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
  public:
+  /// The arguments of CElementInfoSeqAbsClsMnd.
   CElementInfoChoiceAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                               ElementFactory elementFactory)
       : CElementInfoChoice(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
@@ -531,6 +582,7 @@ class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
 /// tag.
 class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
  public:
+  /// \p restriction and \p targetNamespace are copied.
   CElementInfoSeqUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
@@ -547,6 +599,7 @@ class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
 ///         holder that has a namespace.
 class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
  public:
+  /// The arguments of CElementInfoSeqUntpdMnd.
   CElementInfoSeqUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
@@ -560,6 +613,7 @@ class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
 /// As in a sequence, but absence is judged at the end.
 class QUILLON9_API CElementInfoAllUntpdMnd : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqUntpdMnd.
   CElementInfoAllUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
@@ -571,8 +625,10 @@ class QUILLON9_API CElementInfoAllUntpdMnd : public CElementInfoAll {
   std::string m_targetNamespace;
 };
 
+/// Any element, optional, in an all group.
 class QUILLON9_API CElementInfoAllUntpdOpt : public CElementInfoAll {
  public:
+  /// The arguments of CElementInfoSeqUntpdMnd.
   CElementInfoAllUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
@@ -587,6 +643,7 @@ class QUILLON9_API CElementInfoAllUntpdOpt : public CElementInfoAll {
 /// The property is null after a try that took nothing.
 class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
  public:
+  /// The arguments of CElementInfoSeqUntpdMnd.
   CElementInfoChoiceUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                              char const* targetNamespace)
       : CElementInfoChoice(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
@@ -602,6 +659,7 @@ class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
 /// The count is judged after reading and before writing.
 class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoSeqCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   QN_ELEMENT_OVERRIDES
 };
@@ -609,6 +667,7 @@ class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
 /// Abstract: an all group has no repeated members, so no table holds one.
 class QUILLON9_API CElementInfoAllCol : public CElementInfoAll {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoAllCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   QN_ELEMENT_OVERRIDES
 };
@@ -616,6 +675,7 @@ class QUILLON9_API CElementInfoAllCol : public CElementInfoAll {
 /// A collection that took nothing is not this choice's member; the count is not judged on writing.
 class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
   QN_ELEMENT_OVERRIDES
 };
@@ -623,20 +683,24 @@ class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
 // Collections of values and of enumerators have nothing but their group's behaviour; those of objects store whether the
 // items have tags of their own, untyped ones look at the name.
 
+/// A collection of values, in a sequence.
 class QUILLON9_API CElementInfoSeqPrimCol : public CElementInfoSeqCol {
  public:
   using CElementInfoSeqCol::CElementInfoSeqCol;
   ~CElementInfoSeqPrimCol() override;
 };
 
+/// A collection of enumerators, in a sequence.
 class QUILLON9_API CElementInfoSeqEnumCol : public CElementInfoSeqCol {
  public:
   using CElementInfoSeqCol::CElementInfoSeqCol;
   ~CElementInfoSeqEnumCol() override;
 };
 
+/// A collection of objects of a known class, in a sequence.
 class QUILLON9_API CElementInfoSeqClsCol : public CElementInfoSeqCol {
  public:
+  /// \p childType is that of the record of the items' class.
   CElementInfoSeqClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoSeqCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoSeqClsCol() override;
@@ -646,8 +710,10 @@ class QUILLON9_API CElementInfoSeqClsCol : public CElementInfoSeqCol {
   XmlElementType m_childType;
 };
 
+/// A collection of objects whose class is found from the element, in a sequence.
 class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
  public:
+  /// \p childType is that of the record of the items' classes.
   CElementInfoSeqAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoSeqCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoSeqAbsClsCol() override;
@@ -670,10 +736,12 @@ class QUILLON9_API CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
 /// Abstract: a collection of no kind, which derives from the group class and can neither read nor write.
 class QUILLON9_API CElementInfoSeqNonCol : public CElementInfoSeq {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoSeqNonCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   ~CElementInfoSeqNonCol() override;
 };
 
+/// A collection of values, in an all group. Abstract, as its base.
 class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
  public:
   using CElementInfoAllCol::CElementInfoAllCol;
@@ -683,12 +751,15 @@ class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
 /// Not a `Col` class, unlike its sisters.
 class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoAllEnumCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllEnumCol() override;
 };
 
+/// A collection of objects of a known class, in an all group. Abstract, as its base.
 class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
  public:
+  /// The arguments of CElementInfoSeqClsCol.
   CElementInfoAllClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoAllClsCol() override;
@@ -698,8 +769,10 @@ class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
   XmlElementType m_childType;
 };
 
+/// A collection of objects whose class is found from the element, in an all group. Abstract, as its base.
 class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
  public:
+  /// The arguments of CElementInfoSeqAbsClsCol.
   CElementInfoAllAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoAllCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoAllAbsClsCol() override;
@@ -709,32 +782,39 @@ class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
   XmlElementType m_childType;
 };
 
+/// A collection of any elements, in an all group. Abstract, as its base.
 class QUILLON9_API CElementInfoAllUntpdCol : public CElementInfoAllCol {
  public:
   using CElementInfoAllCol::CElementInfoAllCol;
   ~CElementInfoAllUntpdCol() override;
 };
 
+/// Abstract, as in a sequence.
 class QUILLON9_API CElementInfoAllNonCol : public CElementInfoAll {
  public:
+  /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoAllNonCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllNonCol() override;
 };
 
+/// A collection of values, in a choice.
 class QUILLON9_API CElementInfoChoicePrimCol : public CElementInfoChoiceCol {
  public:
   using CElementInfoChoiceCol::CElementInfoChoiceCol;
   ~CElementInfoChoicePrimCol() override;
 };
 
+/// A collection of enumerators, in a choice.
 class QUILLON9_API CElementInfoChoiceEnumCol : public CElementInfoChoiceCol {
  public:
   using CElementInfoChoiceCol::CElementInfoChoiceCol;
   ~CElementInfoChoiceEnumCol() override;
 };
 
+/// A collection of objects of a known class, in a choice.
 class QUILLON9_API CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
  public:
+  /// The arguments of CElementInfoSeqClsCol.
   CElementInfoChoiceClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoChoiceCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoChoiceClsCol() override;
@@ -744,8 +824,10 @@ class QUILLON9_API CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
   XmlElementType m_childType;
 };
 
+/// A collection of objects whose class is found from the element, in a choice.
 class QUILLON9_API CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
  public:
+  /// The arguments of CElementInfoSeqAbsClsCol.
   CElementInfoChoiceAbsClsCol(char const* name, char const* ns, int index, XmlElementType childType)
       : CElementInfoChoiceCol(name, ns, index), m_childType(childType) {}
   ~CElementInfoChoiceAbsClsCol() override;
@@ -755,6 +837,7 @@ class QUILLON9_API CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
   XmlElementType m_childType;
 };
 
+/// A collection of any elements, in a choice.
 class QUILLON9_API CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol {
  public:
   using CElementInfoChoiceCol::CElementInfoChoiceCol;

@@ -25,26 +25,37 @@ namespace Quillon9 {
 /// One attribute: a name, a value, a namespace.
 class QUILLON9_API CAttribute : public CXmlObjectBase {
  public:
+  /// An attribute with these three.
   CAttribute(char const* name, char const* value, char const* ns);
   ~CAttribute() override;
+  /// A new attribute with the same name, value and namespace.
   CSmartPtr<CAttribute> Clone() const;
 
+  ///@{
+  /// The local name.
   std::string const& GetName() const { return m_name; }
   void SetName(std::string name) { m_name = std::move(name); }
+  ///@}
+  ///@{
+  /// The value, without any escaping.
   std::string const& GetValue() const { return m_value; }
   void SetValue(std::string value) { m_value = std::move(value); }
-  /// Nothing tests \p ns against the restriction of a collection that holds this.
+  ///@}
+  /// Set the namespace. Nothing tests \p ns against the restriction of a collection that holds this.
   void SetNamespace(std::string ns) { m_namespace = std::move(ns); }
 
   using CXmlObjectBase::GetBase;
+  /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of the attribute.
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  // For those who want to learn of changes. Nothing calls them.
+  ///@{
+  /// For those who want to learn of changes. Nothing calls them.
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
+  ///@}
 
  protected:
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
@@ -65,18 +76,27 @@ namespace detail {
 template <class Item>
 class NodeIterator {
  public:
+  ///@{
+  /// What algorithms ask of an iterator.
   using iterator_category = std::forward_iterator_tag;
   using value_type = Item;
   using difference_type = std::ptrdiff_t;
   using pointer = Item*;
   using reference = Item&;
+  ///@}
 
   NodeIterator() = default;
+  /// Stand on \p node; null is the end.
   explicit NodeIterator(CNode* node) : m_node(node) {}
 
+  ///@{
+  /// The item.
   /// \throws CQnException "No More Elements in the Collection" at the end.
   Item& operator*() const { return *static_cast<Item*>(Node()->m_item.Get()); }
   Item* operator->() const { return &**this; }
+  ///@}
+  ///@{
+  /// Go to the next item.
   /// \throws CQnException "No More Elements in the Collection" at the end.
   NodeIterator& operator++() {
     m_node = Node()->m_next;
@@ -87,8 +107,12 @@ class NodeIterator {
     ++*this;
     return old;
   }
+  ///@}
+  ///@{
+  /// Whether both stand on the same item.
   bool operator==(NodeIterator const& other) const { return m_node == other.m_node; }
   bool operator!=(NodeIterator const& other) const { return m_node != other.m_node; }
+  ///@}
 
  private:
   CNode* Node() const {
@@ -104,32 +128,40 @@ class NodeIterator {
 /// The attributes of a CElement, the content of an attribute wildcard, the additional root attributes of a context.
 class QUILLON9_API CAttributeCol : public CXmlCollection {
  public:
+  /// A walk over the items. It is valid as long as the item that it stands on is in the collection.
   using iterator = detail::NodeIterator<CAttribute>;
 
   /// \p ns is the namespace of attributes that are added without one. Where it is empty and \p restriction begins with
   /// a URI, that URI is. Nothing is tested here.
   CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace);
   ~CAttributeCol() override;
+  /// A collection with copies of the attributes and the same three namespaces.
   CSmartPtr<CAttributeCol> Clone() const;
 
   /// Append \p attribute, whatever its namespace is; it becomes shared with the caller.
   /// \throws CQnInvalidParamException "The attribute to add may not be NULL".
   CSmartPtr<CAttribute> Add(CAttribute* attribute);
+  ///@{
   /// Append a new attribute, in the collection's namespace unless \p ns is given.
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses the
   ///         namespace.
   CSmartPtr<CAttribute> Add(char const* name);
   CSmartPtr<CAttribute> Add(char const* name, char const* value);
   CSmartPtr<CAttribute> Add(char const* name, char const* value, char const* ns);
+  ///@}
 
   /// The attribute at \p index; null when there is none. O(index).
   CSmartPtr<CAttribute> Item(int index) const;
   /// The first attribute of this name, and in this namespace unless \p ns is null; null when there is none.
   CSmartPtr<CAttribute> Find(char const* name, char const* ns = nullptr) const;
+  ///@{
+  /// The items in order, for range-for.
   iterator begin() const { return iterator(GetFirstNode()); }
   iterator end() const { return iterator(); }
+  ///@}
 
   using CXmlObjectBase::GetBase;
+  /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of attributes that are added without one.
   std::string GetTargetNamespace() const override { return GetNamespace(); }
@@ -194,26 +226,40 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
 
+  ///@{
+  /// The local name.
   std::string const& GetName() const { return m_name; }
   void SetName(std::string name) { m_name = std::move(name); }
+  ///@}
+  /// Set the namespace.
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses \p ns; the
   ///         old namespace stays.
   void SetNamespace(std::string ns);
+  ///@{
+  /// The text directly inside the element, in one piece, without any escaping.
   std::string const& GetText() const { return m_text; }
   void SetText(std::string text) { m_text = std::move(text); }
+  ///@}
+  ///@{
   /// The default namespace that this element declares when it is written; none when empty. With one it can be written
   /// as text only, is written without its attributes, and the context does not reach its children.
   std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
   void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
+  ///@}
+  /// The restriction that the constructor was given.
   std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
 
+  ///@{
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
   /// element; never null. Both admit every namespace, whatever the restriction of this element is.
   CAttributeCol* GetAttributes() const { return m_attributes.Get(); }
   CElementCol* GetElements() const { return m_elements.Get(); }
+  ///@}
+  ///@{
   /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
   CSmartPtr<CAttribute> FindAttribute(char const* name, char const* ns = nullptr) const;
   CSmartPtr<CElement> FindElement(char const* name, char const* ns = nullptr) const;
+  ///@}
 
   /// Test whether this element, its attributes and everything below could live under these restrictions. Nothing is
   /// stored.
@@ -223,15 +269,18 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void SetNamespaceRestrictions(char const* restriction, char const* targetNamespace);
 
   using CXmlObjectBase::GetBase;
+  /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of the element.
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  // For those who want to learn of changes. Nothing calls them.
+  ///@{
+  /// For those who want to learn of changes. Nothing calls them.
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
   void FireOnChangeText(char const*) {}
+  ///@}
 
  protected:
   /// \throws CQnException "An element with a default namespace can only be written as text".
@@ -264,6 +313,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
 /// The children of a CElement, or the content of a repeated element wildcard.
 class QUILLON9_API CElementCol : public CXmlCollection {
  public:
+  /// A walk over the items. It is valid as long as the item that it stands on is in the collection.
   using iterator = detail::NodeIterator<CElement>;
 
   /// \p restriction serves to test \p ns, and as namespace of elements that are added by name when \p ns is empty and
@@ -272,6 +322,7 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace().
   CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
   ~CElementCol() override;
+  /// A collection with clones of the elements and the same namespaces.
   CSmartPtr<CElementCol> Clone() const;
 
   /// Append \p element, which becomes shared with the caller.
@@ -288,10 +339,14 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   CSmartPtr<CElement> Item(int index) const;
   /// The first element of this name, and in this namespace unless \p ns is null; null when there is none.
   CSmartPtr<CElement> Find(char const* name, char const* ns = nullptr) const;
+  ///@{
+  /// The items in order, for range-for.
   iterator begin() const { return iterator(GetFirstNode()); }
   iterator end() const { return iterator(); }
+  ///@}
 
   using CXmlObjectBase::GetBase;
+  /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the target namespace.
   std::string GetTargetNamespace() const override { return m_targetNamespace; }

@@ -10,13 +10,17 @@
 
 namespace Quillon9 {
 
+///@{
 /// The entries that every vocabulary is born with (Rec. ITU-T X.891, 7.2 and 9).
 inline constexpr char FI_DEFAULT_PREFIX[] = "xml";
 inline constexpr char FI_DEFAULT_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
+///@}
+///@{
 /// The built-in restricted alphabets. The exponent of the numeric one is in lower case here, so a number with `E` does
 /// not fit it, and a document that spells one in this alphabet is read with `e`.
 inline constexpr char RESTRICTED_ALPHABET_VALUES_NUMERIC[] = "0123456789-+.e ";
 inline constexpr char RESTRICTED_ALPHABET_VALUES_DATE_TIME[] = "0123456789-:TZ ";
+///@}
 
 /// Numbers strings from 1 in the order in which they came. Made for the lookups of a writer: entries are never removed,
 /// and looking one up copies nothing. Belongs to one thread while it changes.
@@ -27,6 +31,7 @@ class QUILLON9_API CFIIndexMap {
   /// Give \p text the next index, unless it is here already. There may be 2^32 - 1 entries; the tables of a vocabulary
   /// stop at CFIVocabulary::kMaxEntries.
   void Insert(std::string_view text);
+  /// The number of entries.
   std::size_t size() const { return m_texts.size(); }
   /// The index of the name whose key, as MakeQNameKey() makes it, is here; 0 when it is not. A name that was found
   /// lately is found again without making the key.
@@ -63,24 +68,32 @@ class QUILLON9_API CFIVocabulary {
 
   /// A name as three indices; 0 stands for a part that is absent.
   struct CQNameParts {
-    unsigned long m_prefix = 0;
-    unsigned long m_namespace = 0;
-    unsigned long m_localName = 0;
+    unsigned long m_prefix = 0;     ///< index of the prefix
+    unsigned long m_namespace = 0;  ///< index of the namespace name
+    unsigned long m_localName = 0;  ///< index of the local name
   };
 
   /// A table of strings.
   class QUILLON9_API CFIStringTable {
    public:
     CFIStringTable();
+    ///@{
+    /// Copies the entries.
     CFIStringTable(CFIStringTable const&);
     CFIStringTable& operator=(CFIStringTable const&);
     virtual ~CFIStringTable();
+    ///@}
 
+    ///@{
+    /// The entries in the order of their indices.
     std::vector<std::string>::const_iterator begin() const { return m_strings.begin(); }
     std::vector<std::string>::const_iterator end() const { return m_strings.end(); }
+    ///@}
+    ///@{
     /// The entries themselves. What is changed through the second form is not followed by the index maps.
     std::vector<std::string> const& GetVector() const { return m_strings; }
     std::vector<std::string>& GetVector() { return m_strings; }
+    ///@}
 
    private:
     std::vector<std::string> m_strings;
@@ -90,15 +103,23 @@ class QUILLON9_API CFIVocabulary {
   class QUILLON9_API CFIQNameTable {
    public:
     CFIQNameTable();
+    ///@{
+    /// Copies the entries.
     CFIQNameTable(CFIQNameTable const&);
     CFIQNameTable& operator=(CFIQNameTable const&);
     virtual ~CFIQNameTable();
+    ///@}
 
+    ///@{
+    /// The entries in the order of their indices.
     std::vector<CQNameParts>::const_iterator begin() const { return m_names.begin(); }
     std::vector<CQNameParts>::const_iterator end() const { return m_names.end(); }
+    ///@}
+    ///@{
     /// As for CFIStringTable.
     std::vector<CQNameParts> const& GetVector() const { return m_names; }
     std::vector<CQNameParts>& GetVector() { return m_names; }
+    ///@}
 
    private:
     std::vector<CQNameParts> m_names;
@@ -106,16 +127,21 @@ class QUILLON9_API CFIVocabulary {
 
   /// The built-in entries only: one prefix, one namespace name, two restricted alphabets.
   CFIVocabulary();
+  ///@{
   /// Copies every table.
   CFIVocabulary(CFIVocabulary const& other);
   CFIVocabulary& operator=(CFIVocabulary const& other);
   virtual ~CFIVocabulary();
+  ///@}
 
+  ///@{
   /// Add a name, and the strings it is made of where they are not there yet. \p prefix and \p namespaceUri may be
   /// empty. A name that is there with the same three parts is not added again.
   void AddElement(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
   void AddAttribute(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
+  ///@}
 
+  ///@{
   /// Add a string to the map and to the vector of its table. The vector takes it again if it is there already, while
   /// the map keeps the first index: look for it first.
   void AddElementValue(std::string const& value);
@@ -123,13 +149,19 @@ class QUILLON9_API CFIVocabulary {
   void AddLocalName(std::string const& value);
   void AddNamespaceName(std::string const& value);
   void AddPrefixName(std::string const& value);
+  ///@}
 
+  ///@{
   /// Look for \p value. True when it is there, \p index being its index then; otherwise \p index is unchanged.
   bool FindLocalNameIndex(std::string const& value, unsigned long& index) const;
   bool FindNamespaceNameIndex(std::string const& value, unsigned long& index) const;
   bool FindPrefixNameIndex(std::string const& value, unsigned long& index) const;
   bool FindIndex(CFIIndexMap const& map, std::string_view value, unsigned long& index) const;
+  ///@}
 
+  ///@{
+  /// The tables, which live as long as this vocabulary. What is changed through the second forms is not followed by the
+  /// index maps.
   CFIQNameTable const& GetAttributeNamesTable() const { return m_attributeNames; }
   CFIStringTable const& GetAttributeValuesTable() const { return m_attributeValues; }
   CFIQNameTable const& GetElementNamesTable() const { return m_elementNames; }
@@ -144,15 +176,19 @@ class QUILLON9_API CFIVocabulary {
   CFIStringTable& GetLocalNamesTable() { return m_localNames; }
   CFIStringTable& GetNamespaceNamesTable() { return m_namespaceNames; }
   CFIStringTable& GetPrefixNamesTable() { return m_prefixNames; }
+  ///@}
   /// The texts of the restricted alphabets.
   std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
 
+  ///@{
   /// The maps that a writer looks names and values up in. A name's key is CFIIndexMap::MakeQNameKey().
   CFIIndexMap& GetAttributeNameIndex() { return m_attributeNameIndex; }
   CFIIndexMap& GetAttributeValueIndex() { return m_attributeValueIndex; }
   CFIIndexMap& GetElementNameIndex() { return m_elementNameIndex; }
   CFIIndexMap& GetCharacterChunkIndex() { return m_characterChunkIndex; }
+  ///@}
 
+  ///@{
   /// The steps that the operations above are made of, for one map or one vector.
   void AddValueToMap(std::string_view value, CFIIndexMap& map);
   void AddValueToVector(std::string const& value, std::vector<std::string>& vector);
@@ -160,6 +196,7 @@ class QUILLON9_API CFIVocabulary {
                         std::vector<CQNameParts>& vector);
   void AddQName(std::string const& prefix, std::string const& namespaceUri, std::string const& localName,
                 CFIIndexMap& map, std::vector<CQNameParts>& vector);
+  ///@}
 
  private:
   void AddToTable(std::string const& value, CFIIndexMap& map, CFIStringTable& table);

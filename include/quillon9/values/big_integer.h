@@ -33,6 +33,7 @@ class QUILLON9_API CBigInteger {
 
   /// Zero, with the sign +1.
   CBigInteger();
+  /// The number \p value.
   CBigInteger(int value);
   /// The nearest integer, a half rounding towards zero. A negative value that rounds to zero gives -0.
   /// \throws CQnInvalidValueException as BuildDouble() does.
@@ -41,20 +42,27 @@ class QUILLON9_API CBigInteger {
   CBigInteger(char const* text);
   /// CDecimal::ToBigInteger() of \p value: rounded, an exact half towards zero.
   CBigInteger(CDecimal const& value);
+  ///@{
+  /// The same number; what is moved from may only be assigned to or destroyed.
   CBigInteger(CBigInteger const& other);
   CBigInteger(CBigInteger&& other) noexcept;
   CBigInteger& operator=(CBigInteger const& other);
   CBigInteger& operator=(CBigInteger&& other) noexcept;
   virtual ~CBigInteger();
+  ///@}
 
+  ///@{
   /// Add and subtract. A sum of two numbers of opposite sign and equal magnitude is +0.
   CBigInteger operator+(CBigInteger const& other) const;
   CBigInteger operator-(CBigInteger const& other) const;
   CBigInteger& operator+=(CBigInteger const& other);
   CBigInteger& operator-=(CBigInteger const& other);
+  ///@}
+  ///@{
   /// The sign of a product is the product of the signs, also for zero.
   CBigInteger operator*(CBigInteger const& other) const;
   CBigInteger& operator*=(CBigInteger const& other);
+  ///@}
 
   /// Divide, cutting towards zero: 7 / -2 is -3. A dividend of 0 gives +0; else the sign is -1 when the signs
   /// differ, also for a quotient of zero. Mind that the four operators differ in the divisors that they take.
@@ -71,14 +79,18 @@ class QUILLON9_API CBigInteger {
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator%=.", as operator% does.
   CBigInteger& operator%=(CBigInteger const& divisor);
 
+  ///@{
   /// Equal digits and signs; zeros are equal whatever their signs.
   bool operator==(CBigInteger const& other) const;
   bool operator!=(CBigInteger const& other) const { return !(*this == other); }
+  ///@}
+  ///@{
   /// The sign decides first, so -0 < +0 holds although -0 == +0.
   bool operator<(CBigInteger const& other) const { return Order(other) < 0; }
   bool operator>(CBigInteger const& other) const { return Order(other) > 0; }
   bool operator<=(CBigInteger const& other) const { return Order(other) <= 0; }
   bool operator>=(CBigInteger const& other) const { return Order(other) >= 0; }
+  ///@}
 
   /// \throws CQnInvalidValueException "ERROR: Value out of bound of int."
   operator int() const;
@@ -89,8 +101,11 @@ class QUILLON9_API CBigInteger {
   void Negate() { m_sign = m_sign == -1 ? 1 : -1; }
   /// Make the sign +1.
   void Abs() { m_sign = 1; }
+  ///@{
+  /// A copy with the sign changed; a copy with the sign +1.
   CBigInteger GetNegative() const;
   CBigInteger GetAbs() const;
+  ///@}
 
   /// The decimal digits without leading zeros, with "-" when negative. Zero is "0", whatever its sign.
   std::string ToString() const;
@@ -127,6 +142,7 @@ class QUILLON9_API CBigInteger {
   static void Subtract(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& result);
   /// The product with one \p digit, 0 to 9.
   static void Multiply(std::vector<char> const& a, char digit, std::vector<char>& result);
+  /// The product of two numbers.
   static void Multiply(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& result);
   /// Quotient and remainder.
   /// \throws CQnInvalidValueException "ERROR: Overflow in Divide." when \p b is zero.
@@ -138,9 +154,11 @@ class QUILLON9_API CBigInteger {
   static void ShiftLeft(std::vector<char>& digits, unsigned int count);
   /// The index of the most significant digit that is not 0; -1 when there is none.
   static std::ptrdiff_t Position(std::vector<char> const& digits);
+  ///@{
   /// The digits of \p value.
   static void Build(unsigned int value, std::vector<char>& digits);
   static void BuildDWORDLONG(unsigned long long value, std::vector<char>& digits);
+  ///@}
   /// The last run of digits of \p text, which must reach its end; without one, the digit 0.
   static void Build(std::string const& text, std::vector<char>& digits);
   /// The digits of the nearest integer, a half rounding down; 0 when that is below 0. Above 2^53 the digits
@@ -175,6 +193,8 @@ using EnableForIntAndBigInteger = std::enable_if_t<(std::is_same_v<A, CBigIntege
                                                    (std::is_same_v<A, int> && std::is_same_v<B, CBigInteger>)>;
 
 // clang-format off
+///@{
+/// Operators between an `int` and a CBigInteger, either way round: as those of CBigInteger, which tell what they throw.
 template <class A, class B, class = EnableForIntAndBigInteger<A, B>>
 CBigInteger operator+(A const& a, B const& b) { return CBigInteger(a).operator+(CBigInteger(b)); }
 template <class A, class B, class = EnableForIntAndBigInteger<A, B>>
@@ -197,6 +217,7 @@ template <class A, class B, class = EnableForIntAndBigInteger<A, B>>
 bool operator<=(A const& a, B const& b) { return CBigInteger(a).operator<=(CBigInteger(b)); }
 template <class A, class B, class = EnableForIntAndBigInteger<A, B>>
 bool operator>=(A const& a, B const& b) { return CBigInteger(a).operator>=(CBigInteger(b)); }
+///@}
 // clang-format on
 
 }  // namespace Quillon9

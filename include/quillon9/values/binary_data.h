@@ -35,8 +35,10 @@ class QUILLON9_API CBinaryData {
 
     /// The bytes, owned by this holder and gone after the next Append().
     unsigned char* GetData() const { return m_data.get(); }
+    /// How many there are.
     unsigned long GetLength() const { return m_length; }
 
+    /// Take one reference more.
     void AddRef();
     /// Give up one reference. With \p keepData false, the last one deletes buffer and holder. With \p keepData
     /// true, the holder is deleted and the buffer becomes the caller's, who frees it with delete[].
@@ -77,6 +79,7 @@ class QUILLON9_API CBinaryData {
   CBinaryData(CBinaryData&& other) noexcept;
   /// Clear(), then share the holder of \p other: assigning a value to itself empties it.
   CBinaryData& operator=(CBinaryData const& other);
+  /// Release what is held and take over what \p other holds.
   CBinaryData& operator=(CBinaryData&& other) noexcept;
   virtual ~CBinaryData();
 
@@ -94,15 +97,20 @@ class QUILLON9_API CBinaryData {
   /// \throws CQnException "Index Out of range [%d]" above the length, and always without a holder.
   unsigned char& operator[](unsigned long index);
 
+  ///@{
   /// Add bytes at the end, which may be this value's own. A value without a holder gets one, even for no bytes.
   void Append(unsigned char const* data, unsigned long length);
   void Append(CBinaryData const& other);
+  ///@}
   /// Add \p text without its terminating zero.
   void Append(char const* text);
   /// Add \p text up to its first zero byte.
   void Append(std::string const& text);
+  ///@{
+  /// Add one byte.
   void Append(char byte);
   void Append(unsigned char byte);
+  ///@}
 
   /// Give up the holder: null data, length 0.
   void Clear();
@@ -134,9 +142,11 @@ class QUILLON9_API CBinaryData {
   /// \throws CQnException "Invalid char in hex string [%c]".
   static unsigned long ConvertToHexData(char const* text, unsigned char** out);
 
+  ///@{
   /// Equal bytes. A value without a holder equals only another one without.
   bool operator==(CBinaryData const& other) const;
   bool operator!=(CBinaryData const& other) const { return !(*this == other); }
+  ///@}
 
  private:
   void Adopt(std::unique_ptr<unsigned char[]> bytes, unsigned long length);

@@ -8,11 +8,16 @@
 
 namespace Quillon9 {
 
+///@{
+/// The years that a CDateTime may have.
 constexpr int MIN_YEAR = -9999;
 constexpr int MAX_YEAR = 9999;
+///@}
+///@{
 /// The longest that each month can be, and the days in front of each month of a year that is not a leap year.
 QUILLON9_API extern int const g_monthMax[12];
 QUILLON9_API extern int const g_monthDayInYear[13];
+///@}
 
 /// Whether \p year is a leap year of the Gregorian calendar, carried on backwards.
 QUILLON9_API bool IsLeapYear(int year);
@@ -38,6 +43,7 @@ QUILLON9_API std::string ToFracString(unsigned short milli, unsigned short micro
 /// duration does not cut the day to the length of the month; months are not compared with each other (see CompareTo()).
 class QUILLON9_API CDateTime {
  public:
+  /// The eight types, and none.
   enum DTType : int {
     dt_yearZero = 0,  ///< nothing is set
     dt_dateTime = 1,
@@ -51,19 +57,25 @@ class QUILLON9_API CDateTime {
   };
 
   CDateTime();
+  /// All fields 0, with this type.
   CDateTime(DTType type);
+  ///@{
   /// These leave a clear object, of type 0, when a field is out of its range.
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day);
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
             std::uint8_t second);
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
             std::uint8_t second, std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
+  ///@}
   /// From a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear object.
   CDateTime(long const& time);
   /// ParseXSDDateTime().
   CDateTime(char const* text);
+  ///@{
+  /// Copies every field, the type and the zone.
   CDateTime(CDateTime const& other);
   CDateTime& operator=(CDateTime const& other);
+  ///@}
   /// Set the dateTime of a time_t, in UTC but without a zone indicator.
   /// \throws CQnInvalidStateException when this object is of another type, unless it is clear; CQnInvalidValueException
   ///         as Validate() does for a year outside MIN_YEAR to MAX_YEAR, with the fields stored, and "Invalid Time
@@ -75,6 +87,9 @@ class QUILLON9_API CDateTime {
   static CDateTime GetCurrentTime();
 
   // ---- Setting whole values: all fields, no zone. All but the last throw as the first does.
+  ///@{
+  /// Set the named fields, all others to 0, and the type that the name of the operation tells; SetDateTime() without
+  /// a type sets dt_dateTime, SetFracTime() dt_time.
   /// \throws CQnInvalidStateException "Failed to copy CDateTime. Invalid Date Type: %s, expected: %s." when this object
   ///         is of another type, unless it is clear; CQnInvalidValueException as Validate() does, with the fields
   ///         stored.
@@ -95,6 +110,7 @@ class QUILLON9_API CDateTime {
   void SetGMonthDay(std::uint8_t month, std::uint8_t day);
   void SetGYear(std::int16_t year);
   void SetGYearMonth(std::int16_t year, std::uint8_t month);
+  ///@}
   /// Take every field of \p source, its zone and those that \p target does not use included, and the type \p target.
   /// Nothing is validated.
   /// \throws CQnInvalidValueException when CheckConversion() refuses.
@@ -105,7 +121,9 @@ class QUILLON9_API CDateTime {
   /// All fields 0, type 0.
   void Clear();
 
-  // ---- Fields. Setters throw what their getter throws, store the value and do not validate it.
+  ///@{
+  /// The fields, for a type that has them.
+  /// \throws CQnInvalidStateException "Failed to %s. Invalid Date Type: %s." otherwise.
   std::int16_t GetYear() const;
   std::uint8_t GetMonth() const;
   std::uint8_t GetDay() const;
@@ -115,8 +133,12 @@ class QUILLON9_API CDateTime {
   std::uint16_t GetMilliSecond() const;
   std::uint16_t GetMicroSecond() const;
   std::uint16_t GetNanoSecond() const;
+  ///@}
   /// Second and fraction.
   double GetRealSecond() const;
+  ///@{
+  /// Set one field. The value is not validated: Validate() does that.
+  /// \throws CQnInvalidStateException as the getter of the field.
   void SetYear(std::int16_t year);
   void SetMonth(std::uint8_t month);
   void SetDay(std::uint8_t day);
@@ -126,6 +148,7 @@ class QUILLON9_API CDateTime {
   void SetMilliSecond(std::uint16_t milli);
   void SetMicroSecond(std::uint16_t micro);
   void SetNanoSecond(std::uint16_t nano);
+  ///@}
   /// 1 for the first of January; in January and February of a leap year one more than a calendar counts. A month of 13
   /// that was set counts on from December.
   /// \throws CQnInvalidValueException for a month that was set to 0 or above 13.
@@ -133,8 +156,11 @@ class QUILLON9_API CDateTime {
   /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the
   /// one of the fields. Reads the zone from the environment, which no thread may change meanwhile.
   int GetDayOfWeek() const;
+  ///@{
+  /// The type, as number and as text.
   DTType GetType() const { return m_type; }
   std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
+  ///@}
   /// "dateTime", "date" and so on; empty for an unknown number.
   static std::string GetTypeAsString(DTType type);
 
@@ -148,9 +174,11 @@ class QUILLON9_API CDateTime {
   /// Set an offset, whose sign is that of \p hour.
   /// \throws CQnInvalidValueException "Invalid TimeZone [%d:%d]" unless -23 to 23 and 0 to 59.
   void SetTimeZone(std::int16_t hour, std::uint8_t minute);
+  ///@{
   /// \throws CQnInvalidStateException "TimeZone is not been used" without an offset.
   std::int16_t GetZoneHour() const;
   std::uint8_t GetZoneMinute() const;
+  ///@}
   /// Set the zone from what follows a date or time: "Z" and anything behind it, "+hh:mm" or "-hh:mm" with hour 24 for
   /// 0; anything else changes nothing.
   /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
@@ -171,10 +199,12 @@ class QUILLON9_API CDateTime {
   /// Parse a date, "T" and a time, each with a zone or without.
   /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDateTime(char const* text);
+  ///@{
   /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text
   /// does not name stay, and a fraction is added to the one that is there.
   void SetXSDDate(char const* text);
   void SetXSDTime(char const* text);
+  ///@}
   /// Check every field against the type: those in use for their range, all others for 0. The zone is not looked at. The
   /// day of a dt_gDay has no upper bound.
   /// \throws CQnInvalidValueException with the field and its value.
@@ -183,6 +213,7 @@ class QUILLON9_API CDateTime {
   /// \throws CQnInvalidValueException "Date Not Set" for type 0, and when all fields of another type than dt_time are
   ///         0.
   std::string ToString(char const* format) const;
+  /// ToString("s").
   std::string ToString() const { return ToString("s"); }
 
   /// The seconds since 1970, of the fields moved to offset 0 and taken as local time, and the local zone's difference.
@@ -191,6 +222,7 @@ class QUILLON9_API CDateTime {
   long GetTime() const;
 
   // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
+  ///@{
   /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
   /// In deviation from it the month of the left side stands for that of the right side too, so that months never
   /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and
@@ -207,8 +239,10 @@ class QUILLON9_API CDateTime {
     int const order = CompareTo(other);
     return order == 0 || order == 2;
   }
+  ///@}
 
   // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 and a month is February 31)
+  ///@{
   /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of what does
   /// not fit. A value without a month counts as December of the year before, also when \p span is zero: a gYear of 2000
   /// and P0D is 1999. The time it takes does not depend on the length of \p span.
@@ -216,10 +250,14 @@ class QUILLON9_API CDateTime {
   ///         asked for; everything but the day has changed then. The same for the operators.
   void AddDateTimeSpan(CDateTimeSpan const& span);
   CDateTime& operator+=(CDateTimeSpan const& span);
+  ///@}
   /// Subtracts the length of \p span: a negative one moves the value back too.
   CDateTime& operator-=(CDateTimeSpan const& span);
+  ///@{
+  /// A copy with \p span added or subtracted, as the operators above do it.
   CDateTime operator+(CDateTimeSpan const& span) const;
   CDateTime operator-(CDateTimeSpan const& span) const;
+  ///@}
   /// An all-zero span, whatever the two values are.
   CDateTimeSpan operator-(CDateTime const& other) const;
 

@@ -17,16 +17,22 @@ class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.
   CDateTimeSpan();
+  /// Copies every field and the sign.
   CDateTimeSpan(CDateTimeSpan const& other);
+  ///@{
+  /// Positive, with these fields, the others 0. Nothing is checked or normalised.
   CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                 std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
                 std::uint16_t nano);
   CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                 std::uint64_t minutes, std::uint64_t seconds);
   CDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
+  ///@}
+  /// Copies every field and the sign.
   CDateTimeSpan& operator=(CDateTimeSpan const& other);
   virtual ~CDateTimeSpan();
 
+  ///@{
   /// Set every field, those that are not named to 0. The sign becomes positive. Nothing is checked.
   void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                        std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
@@ -34,7 +40,11 @@ class QUILLON9_API CDateTimeSpan {
   void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                        std::uint64_t minutes, std::uint64_t seconds);
   void SetDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
+  ///@}
 
+  ///@{
+  /// The fields, as they were set: nothing is normalised. Each part of the fraction counts 0 to 999;
+  /// setters check nothing.
   std::uint16_t GetYears() const { return m_years; }
   std::uint32_t GetMonths() const { return m_months; }
   std::uint32_t GetDays() const { return m_days; }
@@ -53,12 +63,15 @@ class QUILLON9_API CDateTimeSpan {
   void SetMilliSeconds(std::uint16_t milli) { m_milliSeconds = milli; }
   void SetMicroSeconds(std::uint16_t micro) { m_microSeconds = micro; }
   void SetNanoSeconds(std::uint16_t nano) { m_nanoSeconds = nano; }
+  ///@}
 
+  /// Whether the whole span is negative.
   bool IsNegative() const { return m_negative; }
   /// Turn the sign round.
   void Negate() { m_negative = !m_negative; }
   /// A copy with the sign set: a negative span stays negative.
   CDateTimeSpan GetAsNegative() const;
+  /// All zero, positive.
   void Clear();
 
   /// Parse "[-]P[nY][nM][nD][T[nH][nM][nS.ff]]". A number may be absent, which gives 0, and wraps at 32 bits; years are
@@ -70,6 +83,7 @@ class QUILLON9_API CDateTimeSpan {
   /// The fields that are not zero, in the form above; "P" or "-P", which is none of that form, when all are.
   std::string ToString() const;
 
+  ///@{
   /// Compare as XML Schema prescribes, by adding both to 1696-09-01, 1697-02-01, 1903-03-01 and 1903-07-01: 0 equal, 1
   /// less, 2 greater, 3 when the four do not agree or a sum cannot be built. These are dates without a time, and
   /// CDateTime::CompareTo() looks at their years and days only, which has consequences: PT1H equals PT2H, months mostly
@@ -80,6 +94,7 @@ class QUILLON9_API CDateTimeSpan {
   bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }
   bool operator<(CDateTimeSpan const& other) const { return CompareTo(other) == 1; }
   bool operator>(CDateTimeSpan const& other) const { return CompareTo(other) == 2; }
+  ///@}
 
  private:
   void ReadFraction(char const*& at, char const* text);

@@ -30,41 +30,56 @@ class QUILLON9_API CDecimal {
 
   /// Zero.
   CDecimal();
+  /// The number \p value.
   CDecimal(int value);
   /// The value printed with 13 fraction digits, and parsed.
   /// \throws CQnInvalidValueException as Parse() does, for an infinity or NaN.
   CDecimal(double value);
   /// Parse() of \p text.
   CDecimal(char const* text);
+  /// The number \p whole.
   CDecimal(CBigInteger const& whole);
   /// \p whole + \p fraction / 10^\p divider as it stands. For a value as others are, the parts do not differ in
   /// sign and the fraction has no more than \p divider digits; sums put in order what is otherwise.
   /// \param divider 1 to 100,000.
   /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   CDecimal(CBigInteger const& whole, CBigInteger const& fraction, int divider);
+  ///@{
+  /// The same number; what is moved from may only be assigned to or destroyed.
   CDecimal(CDecimal const& other);
   CDecimal(CDecimal&& other) noexcept;
   CDecimal& operator=(CDecimal const& other);
   CDecimal& operator=(CDecimal&& other) noexcept;
   virtual ~CDecimal();
+  ///@}
 
+  ///@{
   /// Exact.
   CDecimal operator+(CDecimal const& other) const;
   CDecimal operator-(CDecimal const& other) const;
   CDecimal& operator+=(CDecimal const& other);
   CDecimal& operator-=(CDecimal const& other);
+  ///@}
+  ///@{
   /// The exact product, rounded to m_maxDivider fraction digits.
   CDecimal operator*(CDecimal const& other) const;
   CDecimal& operator*=(CDecimal const& other);
+  ///@}
+  ///@{
   /// The quotient cut after m_maxDivider + 2 fraction digits, and then rounded to m_maxDivider.
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator/." when \p divisor is zero.
   CDecimal operator/(CDecimal const& divisor) const;
   CDecimal& operator/=(CDecimal const& divisor);
+  ///@}
+  ///@{
+  /// Add or subtract 1.
   CDecimal& operator++();
   CDecimal operator++(int);
   CDecimal& operator--();
   CDecimal operator--(int);
+  ///@}
 
+  ///@{
   /// Compare the whole parts and, when they are equal, the fractions.
   bool operator==(CDecimal const& other) const;
   bool operator!=(CDecimal const& other) const { return !(*this == other); }
@@ -72,9 +87,11 @@ class QUILLON9_API CDecimal {
   bool operator>(CDecimal const& other) const;
   bool operator<=(CDecimal const& other) const;
   bool operator>=(CDecimal const& other) const;
+  ///@}
 
   /// Negate in place. Zero changes its sign too.
   void Negate();
+  /// A negated copy.
   CDecimal GetNegative() const;
 
   /// Read \p text up to its zero byte. After a failure the old value is still there.

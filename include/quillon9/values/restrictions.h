@@ -21,20 +21,23 @@ class QUILLON9_API CPrimitiveRestrictions {
   CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength, std::string minInclusive,
                          std::string maxInclusive, std::string minExclusive, std::string maxExclusive,
                          std::int32_t length);
+  ///@{
+  /// Copies or takes over every facet.
   CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
   CPrimitiveRestrictions(CPrimitiveRestrictions&&) = default;
   CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;
   CPrimitiveRestrictions& operator=(CPrimitiveRestrictions&&) = default;
   virtual ~CPrimitiveRestrictions();
+  ///@}
 
   std::string pattern;          ///< regular expression in the local code page, for strings; see TestRegEx()
   std::int32_t minLength = -1;  ///< bytes of a string or of binary data, as for the other two lengths
-  std::int32_t maxLength = -1;
-  std::string minInclusive;  ///< the value must be at or above it; the bounds are for numbers, dates and durations
-  std::string maxInclusive;  ///< the value must be at or below it
-  std::string minExclusive;  ///< the value must be above it
-  std::string maxExclusive;  ///< the value must be below it
-  std::int32_t length = -1;
+  std::int32_t maxLength = -1;  ///< -1: not set
+  std::string minInclusive;     ///< the value must be at or above it; the bounds are for numbers, dates and durations
+  std::string maxInclusive;     ///< the value must be at or below it
+  std::string minExclusive;     ///< the value must be above it
+  std::string maxExclusive;     ///< the value must be below it
+  std::int32_t length = -1;     ///< -1: not set
 };
 
 }  // namespace Quillon9

@@ -27,26 +27,33 @@ class QUILLON9_API QnVariant {
  public:
   /// Holds nothing.
   QnVariant() = default;
+  /// Copy what \p other holds; an object is shared.
+  /// \throws CQnException "Unknown Type" for a kind that does not exist.
   QnVariant(QnVariant const& other);
   /// Take the value of \p other, which then holds nothing.
   QnVariant(QnVariant&& other);
   /// Clear(), then copy: assigning a variant to itself empties it.
   /// \throws CQnException "Unknown Type".
   QnVariant& operator=(QnVariant const& other);
+  /// Clear(), then take the value of \p other, which then holds nothing.
   QnVariant& operator=(QnVariant&& other);
   virtual ~QnVariant();
 
   /// Whether this variant holds a value.
   bool IsValid() const { return m_type != ItemType_invalid; }
+  /// The kind of the value held; ItemType_invalid for none.
   ItemType GetItemType() const { return m_type; }
   /// The name of the held kind, which is that of the enumerator behind its underscore.
   /// \throws CQnException "Invalid Type %d" when nothing, an object or a collection is held.
   std::string GetType() const;
 
+  ///@{
   /// Release what is held; the variant then holds nothing.
   void Clear();
   void SetInvalid() { Clear(); }
+  ///@}
 
+  ///@{
   /// Each setter releases what was held before.
   void SetHexBinary(CBinaryData const& value);
   void SetBase64Binary(CBinaryData const& value);
@@ -71,18 +78,25 @@ class QUILLON9_API QnVariant {
   void SetTime(CDateTime const& value);
   void SetChar(char value) { SetScalar(ItemType_char, value); }
   void SetString(std::string value);
+  ///@}
   /// Hold \p value without a copy, for readers that hand a text on: it must outlive this variant. Copies of the variant
   /// are whole, and so is what it is moved to.
   void BorrowString(std::string const& value);
+  ///@{
+  /// As the setters above; an argument that is moved from may be assigned to or destroyed, no more.
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);
   void SetDecimal(CDecimal&& value);
   void SetInteger(CBigInteger const& value);
   void SetInteger(CBigInteger&& value);
+  ///@}
+  ///@{
   /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
   void SetXmlObject(CXmlObjectBase* object);
   void SetXmlCollection(CXmlCollectionBase* collection);
+  ///@}
 
+  ///@{
   /// The scalar getters do not look at the held kind: what another kind left in the eight bytes of the value is
   /// read as it stands (GetBoolean: whether the first of them is not 0).
   std::int8_t GetI1() const { return Load<std::int8_t>(); }
@@ -100,7 +114,9 @@ class QUILLON9_API QnVariant {
   std::uint8_t GetDay() const { return Load<std::uint8_t>(); }
   char GetChar() const { return Load<char>(); }
   bool GetBoolean() const { return Load<unsigned char>() != 0; }
+  ///@}
 
+  ///@{
   /// The other getters give an empty value when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
   /// held; hexBinary and base64Binary are of the same one, and so are the five kinds that hold a CDateTime.
@@ -112,10 +128,13 @@ class QUILLON9_API QnVariant {
   CDateTime GetDate() const;
   CDateTime GetDateTime() const;
   CDateTime GetTime() const;
+  ///@}
+  ///@{
   /// These three give the value itself, which lives until this variant changes.
   CDecimal const& GetDecimal() const;
   CBigInteger const& GetInteger() const;
   std::string const& GetString() const;
+  ///@}
   /// The held object or collection. Null when nothing is held.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
   /// The held collection, also when it was set as an object. Null when nothing is held.

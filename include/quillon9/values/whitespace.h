@@ -11,6 +11,7 @@ namespace Quillon9 {
 /// All functions are static and without state: any thread may call. Nothing throws but ApplyRule().
 class QUILLON9_API CWhitespaceUtils {
  public:
+  /// How ApplyRule() treats white space.
   enum WhitespaceRule : int {
     WhitespaceRule_None = 0,      ///< the text as it stands
     WhitespaceRule_Preserve = 1,  ///< Preserve()
@@ -24,6 +25,7 @@ class QUILLON9_API CWhitespaceUtils {
   /// The first \p length bytes of \p text without carriage returns; zero bytes stay. Empty when \p text is null
   /// or \p length is not above 0.
   static std::string Preserve(char const* text, int length);
+  /// The same for a whole text.
   static std::string Preserve(std::string const& text);
 
   /// Turn each tab and line feed into a space and drop carriage returns. When \p text holds any white space, the

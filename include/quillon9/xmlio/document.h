@@ -21,14 +21,15 @@ class CTreeMemory;
 /// occurs: it says who frees it. For readers; callers ask the nodes.
 struct CXmlName {
   std::string namespaceUri;  ///< empty for none
-  std::string localName;
-  bool isShared = false;  ///< belongs to the document's memory, not to the one node
+  std::string localName;     ///< without prefix
+  bool isShared = false;     ///< belongs to the document's memory, not to the one node
 };
 
 /// One attribute of a parsed element. Namespace declarations are attributes only for a schema without namespaces.
 /// Immutable; owned by its element.
 class QUILLON9_API CXmlAttribute {
  public:
+  /// With a name of its own.
   CXmlAttribute(std::string localName, std::string value, std::string namespaceUri);
   /// With a name that lives as long as this, or is this attribute's from now on (see CXmlName::isShared).
   CXmlAttribute(CXmlName const* name, std::string value) noexcept : m_name(name), m_value(std::move(value)) {}
@@ -36,7 +37,9 @@ class QUILLON9_API CXmlAttribute {
   CXmlAttribute(CXmlAttribute const&) = delete;
   CXmlAttribute& operator=(CXmlAttribute const&) = delete;
 
+  /// The name without prefix.
   std::string const& GetLocalName() const { return m_name->localName; }
+  /// The value, entities resolved.
   std::string const& GetValue() const { return m_value; }
   /// Empty when the attribute is in no namespace.
   std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
@@ -47,11 +50,13 @@ class QUILLON9_API CXmlAttribute {
   /// "noNamespaceSchemaLocation" in one of the same two namespaces), so that no member of a class takes it.
   bool IsNamespaceAttribute() const;
 
-  // From the memory of a document, which knows its nodes again, or alone.
+  ///@{
+  /// From the memory of a document, which knows its nodes again, or alone.
   static void* operator new(std::size_t size);
   static void* operator new(std::size_t size, CTreeMemory& memory);
   static void operator delete(void* node, std::size_t size) noexcept;
   static void operator delete(void* node, CTreeMemory& memory) noexcept;
+  ///@}
 
  private:
   CXmlName const* m_name;
@@ -71,14 +76,17 @@ class QUILLON9_API CXmlElement {
   CXmlElement(CXmlElement const&) = delete;
   CXmlElement& operator=(CXmlElement const&) = delete;
 
+  /// The document that the constructor was given.
   CXmlDocument const* GetDocument() const { return m_document; }
   /// The first child, or null.
   CXmlElement* GetFirstElement() const { return m_firstChild; }
   /// The next child of the same parent, or null.
   CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
+  /// The name without prefix; empty until one is set.
   std::string const& GetLocalName() const { return m_name->localName; }
   /// Empty when the element is in no namespace.
   std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
+  /// All character data directly inside the element.
   std::string const& GetText() const { return m_text; }
   /// The attributes in document order.
   std::vector<CXmlAttribute*> const& GetAttributes() const { return m_attributes; }
@@ -86,16 +94,21 @@ class QUILLON9_API CXmlElement {
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
 
+  ///@{
+  /// Set the local name, or the namespace (empty for none), to a copy of the text.
   void SetElementName(std::string_view localName);
   void SetNamespace(std::string_view namespaceUri);
+  ///@}
   /// Set both names to \p name, which lives as long as this, or is this element's from now on (CXmlName::isShared).
   void SetName(CXmlName const* name);
 
   /// Append to the text. Appending n bytes in any number of runs costs O(n).
   void AppendText(char const* text) { m_text.append(text); }
+  ///@{
   /// The same for the \p length bytes at \p text; a negative length appends nothing.
   void AppendText(char const* text, int length);
   void AppendText(std::string_view text) { m_text.append(text); }
+  ///@}
   /// The text, for a reader that appends to it.
   std::string& GetTextForAppending() { return m_text; }
 
@@ -111,11 +124,13 @@ class QUILLON9_API CXmlElement {
   /// Detach the last child and hand it to the caller, who owns it then. Null when there is none. O(1).
   CXmlElement* RemoveLastChildElement();
 
-  // From the memory of a document, which knows its nodes again, or alone.
+  ///@{
+  /// From the memory of a document, which knows its nodes again, or alone.
   static void* operator new(std::size_t size);
   static void* operator new(std::size_t size, CTreeMemory& memory);
   static void operator delete(void* node, std::size_t size) noexcept;
   static void operator delete(void* node, CTreeMemory& memory) noexcept;
+  ///@}
 
  private:
   friend class CXmlDocument;
@@ -151,11 +166,14 @@ class QUILLON9_API CXmlDocument {
 
   /// No filter, the default context.
   CXmlDocument();
+  /// With \p filter and the default context.
   explicit CXmlDocument(ElementFilter filter);
+  ///@{
   /// \p context is kept, not copied: it must outlive the document. Its schema type is taken now.
   explicit CXmlDocument(CXmlSerializationContext const& context);
   CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context);
   virtual ~CXmlDocument();
+  ///@}
   /// Drop the tree, the input and the namespace aliases. Filter, context and schema type stay.
   virtual void Cleanup();
   CXmlDocument(CXmlDocument const&) = delete;
@@ -195,6 +213,7 @@ class QUILLON9_API CXmlDocument {
   /// All prefixes, each with that URI. They live until the next change of the document.
   std::map<std::string, std::string> const& GetNamespaceAliases() const { return m_namespaceAliases; }
 
+  /// The context that the constructor was given.
   CXmlSerializationContext const& GetContext() const { return m_context; }
   /// The schema type that the context had when this document was made.
   SchemaType GetSchemaType() const { return m_schemaType; }

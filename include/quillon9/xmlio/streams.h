@@ -21,7 +21,9 @@ QUILLON9_API void AsyncToXmlFile(bool async);
 
 namespace detail {
 
+/// Closes a file that nobody closed.
 struct CFileCloser {
+  /// Close \p file, which is open; its failure is dropped.
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
@@ -32,6 +34,7 @@ class QUILLON9_API CTextStream {
  public:
   /// A stream with XmlEncoding_Default: text may be taken from it, encoded bytes may not.
   CTextStream();
+  /// A stream whose text can be taken in \p encoding.
   explicit CTextStream(XmlEncoding encoding);
   CTextStream(CTextStream const&) = delete;
   CTextStream& operator=(CTextStream const&) = delete;
@@ -44,17 +47,21 @@ class QUILLON9_API CTextStream {
   /// Does nothing: the text stays.
   virtual void Flush();
 
+  ///@{
   /// Add \p text up to the first NUL byte.
   void Append(std::string const& text) { m_buffer.Append(text); }
   void Append(char const* text) { m_buffer.Append(text); }
+  ///@}
   /// Add \p length bytes of \p text.
   void Append(char const* text, unsigned long length) { m_buffer.Append(text, length); }
+  /// Add one byte.
   void Append(char character) { m_buffer.Append(character); }
 
   /// The text held, NUL-terminated. The stream owns it; it is valid until the next change of the stream.
   char const* GetText() const { return m_buffer.GetText(); }
   /// The bytes held.
   unsigned long GetLength() const { return m_buffer.GetLength(); }
+  /// The encoding that the constructor was given.
   XmlEncoding GetEncoding() const { return m_encoding; }
   /// The text held, as CEncoder makes it: UTF-8, or wide characters for XmlEncoding_UTF16 and XmlEncoding_Unicode.
   /// There is no byte order mark.
@@ -75,6 +82,7 @@ class QUILLON9_API CTextStream {
 /// fills so far: a flush with text pending fails.
 class QUILLON9_API CFileTextStream : public CTextStream {
  public:
+  /// A stream to the file \p path (copied), which Open() creates.
   CFileTextStream(char const* path, XmlEncoding encoding);
   /// Close the file if it is open, without a flush.
   ~CFileTextStream() override;
@@ -106,25 +114,30 @@ class QUILLON9_API CBinaryStream {
   CBinaryStream& operator=(CBinaryStream const&) = delete;
   virtual ~CBinaryStream();
 
+  ///@{
   /// Add bytes, as CBinaryData::Append does.
   void Append(unsigned char const* data, unsigned long length) { m_data.Append(data, length); }
   void Append(CBinaryData const& data) { m_data.Append(data); }
   void Append(unsigned char byte) { m_data.Append(byte); }
+  ///@}
 
   /// The bytes held, shared with this stream.
   CBinaryData GetBinaryStream() const { return m_data; }
 
  protected:
+  ///@{
   /// For derived classes. \p className is not kept.
   explicit CBinaryStream(char const* className);
   CBinaryStream(char const* className, CBinaryData const& data);
+  ///@}
 
-  CBinaryData m_data;
+  CBinaryData m_data;  ///< what was added so far
 };
 
 /// Collects bytes and writes them to a file in one go.
 class QUILLON9_API CFileBinaryStream : public CBinaryStream {
  public:
+  /// Without bytes. \p path is copied; null is an empty one. \p encoding decides on the byte order mark alone.
   CFileBinaryStream(char const* path, XmlEncoding encoding);
   /// Start with the bytes of \p data, shared as in CBinaryStream.
   CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData const& data);

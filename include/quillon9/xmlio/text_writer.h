@@ -44,9 +44,11 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
 
+  /// Whether line ends and tabs are written.
   bool GetFormat() const { return m_format; }
   /// Write line ends and tabs between elements, or none. To be called before any output, as SetEOLType().
   void SetFormat(bool format) { m_format = format; }
+  /// The line end in use.
   EOLType GetEOLType() const { return m_eolType; }
   /// \throws CQnException "Invalid EOL type." for an unknown value; the old one stays.
   void SetEOLType(EOLType type);
@@ -62,7 +64,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Count a child of the open element and close its start tag. Does nothing when no element is open.
   void CloseParentElm();
   /// Append \p text up to its NUL, escaped; null is an empty text. `"`, `&`, `<` and `>` become entity references
-  /// and a carriage return is dropped. A line feed becomes "&#xA;" in an attribute value and the writer's line end
+  /// and a carriage return is dropped. A line feed becomes `&#xA;` in an attribute value and the writer's line end
   /// elsewhere.
   void PadAndAppend(char const* text, bool inAttribute);
 

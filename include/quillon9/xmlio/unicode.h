@@ -50,6 +50,7 @@ QUILLON9_API unsigned long ConvertUTF16toUTF8(std::uint16_t const* sourceStart, 
 QUILLON9_API unsigned long ConvertUTF8toUTF16(std::uint8_t const* sourceStart, std::uint8_t const* sourceEnd,
                                               std::uint16_t* targetStart, std::uint16_t* targetEnd);
 
+///@{
 /// The converters that have a wide side, on counted arrays: \p sourceCount units are read, at most \p targetCount
 /// are written. A null \p target measures.
 QUILLON9_API unsigned long UTF8ToUnicode(std::uint8_t const* source, unsigned long sourceCount, wchar_t* target,
@@ -60,5 +61,6 @@ QUILLON9_API unsigned long UTF16ToUnicode(std::uint16_t const* source, unsigned 
                                           unsigned long targetCount);
 QUILLON9_API unsigned long UnicodeToUTF16(wchar_t const* source, unsigned long sourceCount, std::uint16_t* target,
                                           unsigned long targetCount);
+///@}
 
 }  // namespace Quillon9
