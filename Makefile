@@ -4,8 +4,8 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 
-.PHONY: all run test debug asan tsan hardened coverage fuzz bench install package-test format format-check tidy deps \
-  deps-all clean help
+.PHONY: all run test debug asan tsan hardened coverage fuzz bench docs install package-test format format-check tidy \
+  deps deps-all clean help
 
 all: deps
 	cmake --preset release
@@ -49,6 +49,9 @@ install: deps    ## install under PREFIX (default /usr/local)
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+
+docs: deps-all    ## build the site of the documentation, build/docs/html
+	scripts/check-docs
 
 package-test: all   ## build a program outside the tree against the installed package
 	scripts/package-test build/release
