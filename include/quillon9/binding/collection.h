@@ -51,10 +51,10 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   /// Remove every entry of \p sink; an unknown sink is no failure.
   void RemoveEventListener(IEventSink* sink);
 
-  ///@{
   /// Send the event of this name to every listener. \p item and \p index are the data that IEventSink::MsgType tells.
   /// Called by the operations that change a collection.
   /// \throws what a listener throws.
+  ///@{
   void FireOnCollectionAdd(void* item);
   void FireOnCollectionAddComplete(void* item);
   void FireOnCollectionRemove(int index);
@@ -125,15 +125,15 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   /// Each item adds its attributes to the open element; null items are passed over.
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
 
-  ///@{
   /// Add \p item, which may be null, at the end or in front. When a failure comes before it is in the list (from a
   /// listener of the add event, or for want of memory), it stays the caller's: hold it in a CSmartPtr meanwhile.
+  ///@{
   void AppendItem(CXmlObjectBase* item);
   void PrependItem(CXmlObjectBase* item);
   ///@}
-  ///@{
   /// Add \p item in front of or behind the first node that holds \p anchor. A null anchor appends or prepends.
   /// \throws CQnInvalidParamException "The object was not found in the collection", after the add event.
+  ///@{
   void AddBeforeItem(CXmlObjectBase const* anchor, CXmlObjectBase* item);
   void AddAfterItem(CXmlObjectBase const* anchor, CXmlObjectBase* item);
   ///@}
@@ -142,9 +142,9 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
 
   /// Where a walk over the items begins; null for an empty list.
   CNode* GetFirstNode() const { return m_head; }
-  ///@{
   /// The node at \p index or the first node that holds \p item. The collection keeps owning it.
   /// \throws CQnInvalidParamException when there is none.
+  ///@{
   CNode* GetNodeAtIndex(int index) const;
   CNode* GetNodeForItem(CXmlObjectBase const* item) const;
   ///@}

@@ -58,8 +58,8 @@ class QUILLON9_API CQnException {
 /// A decimal value does not fit.
 class QUILLON9_API CQnOverFlowException : public CQnException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnOverFlowException();
   explicit CQnOverFlowException(std::string message);
   CQnOverFlowException(std::string message, CQnException const& inner);
@@ -67,16 +67,16 @@ class QUILLON9_API CQnOverFlowException : public CQnException {
   CQnOverFlowException(CQnOverFlowException const& other) = default;
   CQnOverFlowException(CQnOverFlowException&& other) noexcept = default;
   CQnOverFlowException& operator=(CQnOverFlowException const& other) = default;
+  ///@}
   ~CQnOverFlowException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// A bad argument to a public operation: index out of range, null where a value is required, a wrong object.
 class QUILLON9_API CQnInvalidParamException : public CQnException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidParamException();
   explicit CQnInvalidParamException(std::string message);
   CQnInvalidParamException(std::string message, CQnException const& inner);
@@ -84,16 +84,16 @@ class QUILLON9_API CQnInvalidParamException : public CQnException {
   CQnInvalidParamException(CQnInvalidParamException const& other) = default;
   CQnInvalidParamException(CQnInvalidParamException&& other) noexcept = default;
   CQnInvalidParamException& operator=(CQnInvalidParamException const& other) = default;
+  ///@}
   ~CQnInvalidParamException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// A public operation that is not allowed now: a choice already taken, options that exclude each other.
 class QUILLON9_API CQnInvalidStateException : public CQnException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidStateException();
   explicit CQnInvalidStateException(std::string message);
   CQnInvalidStateException(std::string message, CQnException const& inner);
@@ -101,16 +101,16 @@ class QUILLON9_API CQnInvalidStateException : public CQnException {
   CQnInvalidStateException(CQnInvalidStateException const& other) = default;
   CQnInvalidStateException(CQnInvalidStateException&& other) noexcept = default;
   CQnInvalidStateException& operator=(CQnInvalidStateException const& other) = default;
+  ///@}
   ~CQnInvalidStateException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// The document or the object graph breaks a rule of its schema. Also the class of the wrapper on the way up.
 class QUILLON9_API CQnValidationException : public CQnException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnValidationException();
   explicit CQnValidationException(std::string message);
   CQnValidationException(std::string message, CQnException const& inner);
@@ -118,16 +118,16 @@ class QUILLON9_API CQnValidationException : public CQnException {
   CQnValidationException(CQnValidationException const& other) = default;
   CQnValidationException(CQnValidationException&& other) noexcept = default;
   CQnValidationException& operator=(CQnValidationException const& other) = default;
+  ///@}
   ~CQnValidationException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// A namespace is not allowed by a wildcard.
 class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidNamespaceException();
   explicit CQnInvalidNamespaceException(std::string message);
   CQnInvalidNamespaceException(std::string message, CQnException const& inner);
@@ -135,16 +135,16 @@ class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException 
   CQnInvalidNamespaceException(CQnInvalidNamespaceException const& other) = default;
   CQnInvalidNamespaceException(CQnInvalidNamespaceException&& other) noexcept = default;
   CQnInvalidNamespaceException& operator=(CQnInvalidNamespaceException const& other) = default;
+  ///@}
   ~CQnInvalidNamespaceException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// A text or a value breaks a format or a facet.
 class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
  public:
+  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
   ///@{
-  /// As CQnException's; from a CQnException of any class it copies the text and the inner chain.
   CQnInvalidValueException();
   explicit CQnInvalidValueException(std::string message);
   CQnInvalidValueException(std::string message, CQnException const& inner);
@@ -152,9 +152,9 @@ class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
   CQnInvalidValueException(CQnInvalidValueException const& other) = default;
   CQnInvalidValueException(CQnInvalidValueException&& other) noexcept = default;
   CQnInvalidValueException& operator=(CQnInvalidValueException const& other) = default;
+  ///@}
   ~CQnInvalidValueException() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// Build a text as printf does, of any length. The result ends at a NUL byte that a conversion produced. "I64"

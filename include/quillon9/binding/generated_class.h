@@ -108,12 +108,12 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   ///         nillable, whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
   void ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, bool reject);
 
-  ///@{
   /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return the
   /// first child that was not taken; the cursor as it came in when the group could not be satisfied (what earlier
   /// members took stays stored).
   /// \throws CQnValidationException for a child that is left over and for a choice that found nothing; CQnException for
   ///         an all group whose table holds a member of another group; what the descriptors throw.
+  ///@{
   CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
                                         Quillon9Data::XmlElementType type);
   CXmlElement* ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
@@ -122,9 +122,9 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                                            CXmlElement* cursor, Quillon9Data::XmlElementType type, bool inChoice);
   ///@}
 
-  ///@{
   /// The write drivers.
   /// \throws CQnValidationException for a choice with nothing set; what the descriptors throw.
+  ///@{
   void ProcessAttributesToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,
                               Quillon9Data::CAttributeInfo** attributes, CXmlWriter* writer) const;
   void ProcessElementSeqToXml(CXmlSerializationContext const& ctx, Quillon9Data::CElementInfo** elements,

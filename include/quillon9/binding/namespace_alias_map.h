@@ -13,12 +13,12 @@ namespace Quillon9 {
 class QUILLON9_API CNamespaceAliasMap {
  public:
   CNamespaceAliasMap();
-  ///@{
   /// Copies all bindings.
+  ///@{
   CNamespaceAliasMap(CNamespaceAliasMap const&) = default;
   CNamespaceAliasMap& operator=(CNamespaceAliasMap const&) = default;
-  virtual ~CNamespaceAliasMap();
   ///@}
+  virtual ~CNamespaceAliasMap();
 
   /// Bind \p ns to \p alias, in place of the alias it had. Nothing checks that the alias is free: two namespaces
   /// can share one.
@@ -31,8 +31,8 @@ class QUILLON9_API CNamespaceAliasMap {
   /// The namespace at \p index in byte order of the URIs.
   /// \throws CQnException "Index %d is out of range" when \p index is not between 0 and GetNamespaceCount() - 1.
   std::string GetNamespaceAt(int index) const;
-  ///@{
   /// Whether this namespace is bound; whether some namespace has this alias.
+  ///@{
   bool DoesNamespaceExist(char const* ns) const;
   bool DoesAliasExist(char const* alias) const;
   ///@}

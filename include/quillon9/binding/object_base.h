@@ -171,22 +171,22 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The same for a const object.
   CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 
-  ///@{
   /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
+  ///@{
   int AddRef();
   int Release();
   ///@}
 
-  ///@{
   /// CXmlObjectHelper's operations of the same names, for generated code.
+  ///@{
   bool DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element, char const* name,
                             char const* ns) const;
   bool IsNamespaceValid(char const* ns, char const* list, char const* target) const;
   void TestNamespace(char const* ns, char const* list, char const* target) const;
   ///@}
 
-  ///@{
   /// Ways in to the operations above for generated collections and the like, which hold objects of other classes.
+  ///@{
   static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
                                   CXmlSerializationContext const& ctx);
   static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
@@ -195,8 +195,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                                   CXmlSerializationContext const& ctx);
   ///@}
 
-  ///@{
   /// Send one event of \p collection to \p sink, with the collection as sender.
+  ///@{
   static void FireOnCollectionChangeEvent(IEventSink* sink, CXmlCollectionBase* collection);
   static void FireOnCollectionAddEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);
   static void FireOnCollectionAddCompleteEvent(IEventSink* sink, CXmlCollectionBase* collection, void* item);

@@ -37,13 +37,13 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestriction(char const* name, QnVariant const& value, ItemType type,
                                CPrimitiveRestrictions const& restrictions);
 
-  ///@{
   /// Numbers: check minInclusive, maxInclusive, minExclusive and maxExclusive, in this order. Each bound that is set is
   /// parsed with the `...FromString` of this kind, white space collapsed. A NaN breaks every bound, as value and as
   /// bound.
   /// \throws CQnException "Invalid Value for %s [%d]", with i8 and ui8 "Invalid Value for %s [%s]", with r4 and r8
   ///         "Invalid Value for %s [%f]". A ui4 above 2,147,483,647 is shown as the negative number of the same bits.
   ///         CQnInvalidValueException from the parser for a bound that is no such number.
+  ///@{
   static void CheckRestrictionForui4(char const* name, std::uint32_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForui2(char const* name, std::uint16_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForui1(char const* name, std::uint8_t value, CPrimitiveRestrictions const& restrictions);
@@ -56,8 +56,8 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForr4(char const* name, float value, CPrimitiveRestrictions const& restrictions);
   ///@}
 
-  ///@{
   /// Years, months and days, as numbers.
+  ///@{
   static void CheckRestrictionForday(char const* name, std::uint8_t value, CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFormonth(char const* name, std::uint8_t value,
                                        CPrimitiveRestrictions const& restrictions);
@@ -65,22 +65,22 @@ class QUILLON9_API CXmlObjectHelper {
                                       CPrimitiveRestrictions const& restrictions);
   ///@}
 
-  ///@{
   /// Numbers of any length: the same four bounds, in the order of CBigInteger and CDecimal, in which "-0" lies below
   /// "0".
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is no number.
+  ///@{
   static void CheckRestrictionForinteger(char const* name, CBigInteger const& value,
                                          CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFordecimal(char const* name, CDecimal const& value,
                                          CPrimitiveRestrictions const& restrictions);
   ///@}
 
-  ///@{
   /// Dates, times and durations: the same four bounds by CompareTo(). A comparison that is indeterminate breaks none,
   /// so a date without a zone passes a bound with a zone that lies within 14 hours.
   /// \throws CQnException "Invalid Value for %s [%s]"; what the parser throws for a bound that is none;
   ///         CQnInvalidStateException for a value without a month and a bound with one; CQnInvalidValueException "Date
   ///         Not Set" in place of the first for a value that cannot be printed.
+  ///@{
   static void CheckRestrictionFortime(char const* name, CDateTime const& value,
                                       CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionFordatetime(char const* name, CDateTime const& value,
@@ -105,9 +105,9 @@ class QUILLON9_API CXmlObjectHelper {
   static void CheckRestrictionForstring(char const* name, std::string value,
                                         CPrimitiveRestrictions const& restrictions);
 
-  ///@{
   /// Check minLength, maxLength and length against the number of bytes.
   /// \throws CQnException "Invalid Value for %s [%s]" with the bytes in hexadecimal, for base64Binary too.
+  ///@{
   static void CheckRestrictionForbase64Binary(char const* name, CBinaryData const& value,
                                               CPrimitiveRestrictions const& restrictions);
   static void CheckRestrictionForhexBinary(char const* name, CBinaryData const& value,

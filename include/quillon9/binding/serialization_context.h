@@ -27,15 +27,15 @@ enum SchemaType : int {
 class QUILLON9_API CXmlSerializationContext {
  public:
   CXmlSerializationContext();
-  ///@{
   /// Copies every option. The additional root attributes are shared with the copy if there are any.
+  ///@{
   CXmlSerializationContext(CXmlSerializationContext const& other);
   CXmlSerializationContext& operator=(CXmlSerializationContext const& other);
-  virtual ~CXmlSerializationContext();
   ///@}
+  virtual ~CXmlSerializationContext();
 
-  ///@{
   /// Drop an attribute that no descriptor takes instead of failing. Default false.
+  ///@{
   bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
   void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
   ///@}
@@ -56,70 +56,70 @@ class QUILLON9_API CXmlSerializationContext {
   /// \throws CQnInvalidStateException when \p ignore is true and unknown elements are ignored already.
   void SetIgnoreMissingMandatoryElements(bool ignore);
 
-  ///@{
   /// Accept a choice with nothing set or found, on reading and writing. Default false. A choice with a member that is
   /// not repeated is optional as a whole and needs no option.
+  ///@{
   bool GetIgnoreMissingChoice() const { return m_ignoreMissingChoice; }
   void SetIgnoreMissingChoice(bool ignore) { m_ignoreMissingChoice = ignore; }
   ///@}
 
-  ///@{
   /// Accept a collection whose count is outside its limits. Default false.
+  ///@{
   bool GetIgnoreInvalidCollectionCounts() const { return m_ignoreInvalidCollectionCounts; }
   void SetIgnoreInvalidCollectionCounts(bool ignore) { m_ignoreInvalidCollectionCounts = ignore; }
   ///@}
 
-  ///@{
   /// Match elements, and attributes that are enumerations, by local name alone. True when set, and for a schema without
   /// namespaces in any case. Other attributes and untyped content are matched as always.
+  ///@{
   bool GetIgnoreNamespaces() const { return m_ignoreNamespaces || m_schemaType == SchemaType_DTD; }
   void SetIgnoreNamespaces(bool ignore) { m_ignoreNamespaces = ignore; }
   ///@}
 
-  ///@{
   /// Do not write an optional attribute whose text equals its default. Default false.
+  ///@{
   bool GetNoOptionalAttributeDefaultOutput() const { return m_noOptionalAttributeDefaultOutput; }
   void SetNoOptionalAttributeDefaultOutput(bool omit) { m_noOptionalAttributeDefaultOutput = omit; }
   ///@}
 
-  ///@{
   /// Write xsi:type where a class asks for it. Default true.
+  ///@{
   bool GetWriteTypeAttribute() const { return m_writeTypeAttribute; }
   void SetWriteTypeAttribute(bool write) { m_writeTypeAttribute = write; }
   ///@}
 
-  ///@{
   /// The kind of schema, SchemaType_XSD by default. Any number is accepted; only SchemaType_DTD is told apart.
+  ///@{
   SchemaType GetSchemaType() const { return m_schemaType; }
   void SetSchemaType(SchemaType type) { m_schemaType = type; }
   ///@}
 
-  ///@{
   /// Read a CDATA section as plain text (true, the default), or keep its marks in the text (false).
+  ///@{
   bool GetStripCDATA() const { return m_stripCDATA; }
   void SetStripCDATA(bool strip) { m_stripCDATA = strip; }
   ///@}
 
-  ///@{
   /// Text to write inside the start tag of the root, such as a schema location attribute. It is written as given.
+  ///@{
   std::string const& GetInLineSchema() const { return m_inLineSchema; }
   void SetInLineSchema(char const* text) { m_inLineSchema = text != nullptr ? text : ""; }
   ///@}
 
-  ///@{
   /// The default namespace to declare on the root; none when empty.
+  ///@{
   std::string const& GetDefaultNamespaceURI() const { return m_defaultNamespaceURI; }
   void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri != nullptr ? uri : ""; }
   ///@}
 
-  ///@{
   /// The options of Fast Infoset, for direct changes. They live as long as this context.
+  ///@{
   CFastInfosetContext* GetFIContext() { return &m_fiContext; }
   CFastInfosetContext const* GetFIContext() const { return &m_fiContext; }
   ///@}
 
-  ///@{
   /// The prefixes to declare on the root, for direct changes. They live as long as this context.
+  ///@{
   CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }
   CNamespaceAliasMap const* GetNamespaceAliases() const { return &m_namespaceAliases; }
   ///@}
@@ -130,8 +130,8 @@ class QUILLON9_API CXmlSerializationContext {
   /// The same, but null where nobody asked for them yet, for code that must not change a shared context.
   CAttributeCol const* FindAdditionalRootAttributes() const;
 
-  ///@{
   /// The processing instructions to write before the root, each a whole `<?...?>`, for direct changes.
+  ///@{
   std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
   std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
   ///@}

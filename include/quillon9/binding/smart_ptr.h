@@ -13,8 +13,8 @@ class CSmartPtr {
   CSmartPtr() = default;
   /// Take a reference to \p object, which may be null.
   CSmartPtr(T* object) : m_object(object) { AddReference(m_object); }
-  ///@{
   /// Share what \p other owns, or take it over: \p other is null then.
+  ///@{
   CSmartPtr(CSmartPtr const& other) : CSmartPtr(other.m_object) {}
   CSmartPtr(CSmartPtr&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
   ///@}
@@ -23,9 +23,9 @@ class CSmartPtr {
   CSmartPtr(CSmartPtr<U> const& other) : CSmartPtr(static_cast<T*>(other.Get())) {}
   ~CSmartPtr() { ReleaseReference(m_object); }
 
-  ///@{
   /// Take a reference to the new object and release the old one, which may delete it. Assigning what is held changes
   /// nothing.
+  ///@{
   CSmartPtr& operator=(T* object) {
     AddReference(object);  // first, so that assigning the held object to itself never drops it to 0
     T* old = m_object;
@@ -49,8 +49,8 @@ class CSmartPtr {
   }
   ///@}
 
-  ///@{
   /// The object, still owned by this pointer; null when there is none.
+  ///@{
   T* Get() const { return m_object; }
   T* operator->() const { return m_object; }
   T& operator*() const { return *m_object; }

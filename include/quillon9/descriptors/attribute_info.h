@@ -36,15 +36,15 @@ class QUILLON9_API CAttributeInfo {
   /// Whether \p attribute, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const;
 
-  ///@{
   /// The holder's accessors with the index of this property.
   /// \throws what the holder's AccessProperty() throws.
+  ///@{
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
 
-  ///@{
   /// Ways in to operations of \p object, which is not null.
+  ///@{
   static std::string GetTargetNamespace(CXmlObjectBase const* object);
   static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                         CXmlSerializationContext const& ctx);

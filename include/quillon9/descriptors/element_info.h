@@ -37,8 +37,8 @@ using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classId, char const* elem
 /// code. A descriptor asks for elements of its own name only; the members of a substitution group, which have other
 /// names, are a choice, or a collection that knows their names.
 using ElementFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
-///@{
 /// The two directions of a generated enumeration.
+///@{
 using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
 ///@}
@@ -90,10 +90,10 @@ class QUILLON9_API CElementInfo {
   /// "##targetNamespace", empty for everything else. Of a list that begins with "##" the first token counts.
   static std::string GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace);
 
-  ///@{
   /// How the members write their property, by content kind: true when something was written. A value that is not valid,
   /// a null object and an empty collection write nothing.
   /// \throws what ElementToXml() tells; CQnException for an enumerator without text.
+  ///@{
   bool ElementToXmlPrim(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                         CXmlWriter* writer) const;
   bool ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -107,14 +107,14 @@ class QUILLON9_API CElementInfo {
   bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
   ///@}
 
-  ///@{
   /// The holder's accessors with the index of this property.
   /// \throws what the holder's AccessProperty() throws.
+  ///@{
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
-  ///@{
   /// Ways in to the protected operations of \p object, which is not null.
+  ///@{
   CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                            CXmlSerializationContext const& ctx, bool inChoice) const;
   void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
@@ -175,16 +175,16 @@ class QUILLON9_API CElementInfo {
 
   /// A new child object. Never null.
   CSmartPtr<CXmlObjectBase> MakeChild(ClassFactory classFactory, int classId) const;
-  ///@{
   /// The child object or the collection that the holder keeps for this property.
+  ///@{
   CSmartPtr<CXmlObjectBase> FetchChild(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> FetchCollection(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> ReadCollection(CXmlGeneratedClass const* holder) const;
   ///@}
   /// Store \p child, which may be null, in the property.
   void StoreChild(CXmlGeneratedClass* holder, CXmlObjectBase* child) const;
-  ///@{
   /// PseudoChildAttributeToXml() of members that hold an object, and of those that hold a collection of objects.
+  ///@{
   void PseudoObjectAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,
                                    CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
   void PseudoItemsAttributesToXml(XmlElementType childType, CXmlSerializationContext const& ctx,

@@ -31,13 +31,13 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   /// A new attribute with the same name, value and namespace.
   CSmartPtr<CAttribute> Clone() const;
 
-  ///@{
   /// The local name.
+  ///@{
   std::string const& GetName() const { return m_name; }
   void SetName(std::string name) { m_name = std::move(name); }
   ///@}
-  ///@{
   /// The value, without any escaping.
+  ///@{
   std::string const& GetValue() const { return m_value; }
   void SetValue(std::string value) { m_value = std::move(value); }
   ///@}
@@ -51,8 +51,8 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  ///@{
   /// For those who want to learn of changes. Nothing calls them.
+  ///@{
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
   ///@}
@@ -76,8 +76,8 @@ namespace detail {
 template <class Item>
 class NodeIterator {
  public:
-  ///@{
   /// What algorithms ask of an iterator.
+  ///@{
   using iterator_category = std::forward_iterator_tag;
   using value_type = Item;
   using difference_type = std::ptrdiff_t;
@@ -89,15 +89,15 @@ class NodeIterator {
   /// Stand on \p node; null is the end.
   explicit NodeIterator(CNode* node) : m_node(node) {}
 
-  ///@{
   /// The item.
   /// \throws CQnException "No More Elements in the Collection" at the end.
+  ///@{
   Item& operator*() const { return *static_cast<Item*>(Node()->m_item.Get()); }
   Item* operator->() const { return &**this; }
   ///@}
-  ///@{
   /// Go to the next item.
   /// \throws CQnException "No More Elements in the Collection" at the end.
+  ///@{
   NodeIterator& operator++() {
     m_node = Node()->m_next;
     return *this;
@@ -108,8 +108,8 @@ class NodeIterator {
     return old;
   }
   ///@}
-  ///@{
   /// Whether both stand on the same item.
+  ///@{
   bool operator==(NodeIterator const& other) const { return m_node == other.m_node; }
   bool operator!=(NodeIterator const& other) const { return m_node != other.m_node; }
   ///@}
@@ -141,10 +141,10 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
   /// Append \p attribute, whatever its namespace is; it becomes shared with the caller.
   /// \throws CQnInvalidParamException "The attribute to add may not be NULL".
   CSmartPtr<CAttribute> Add(CAttribute* attribute);
-  ///@{
   /// Append a new attribute, in the collection's namespace unless \p ns is given.
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses the
   ///         namespace.
+  ///@{
   CSmartPtr<CAttribute> Add(char const* name);
   CSmartPtr<CAttribute> Add(char const* name, char const* value);
   CSmartPtr<CAttribute> Add(char const* name, char const* value, char const* ns);
@@ -154,8 +154,8 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
   CSmartPtr<CAttribute> Item(int index) const;
   /// The first attribute of this name, and in this namespace unless \p ns is null; null when there is none.
   CSmartPtr<CAttribute> Find(char const* name, char const* ns = nullptr) const;
-  ///@{
   /// The items in order, for range-for.
+  ///@{
   iterator begin() const { return iterator(GetFirstNode()); }
   iterator end() const { return iterator(); }
   ///@}
@@ -226,8 +226,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
 
-  ///@{
   /// The local name.
+  ///@{
   std::string const& GetName() const { return m_name; }
   void SetName(std::string name) { m_name = std::move(name); }
   ///@}
@@ -235,28 +235,28 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses \p ns; the
   ///         old namespace stays.
   void SetNamespace(std::string ns);
-  ///@{
   /// The text directly inside the element, in one piece, without any escaping.
+  ///@{
   std::string const& GetText() const { return m_text; }
   void SetText(std::string text) { m_text = std::move(text); }
   ///@}
-  ///@{
   /// The default namespace that this element declares when it is written; none when empty. With one it can be written
   /// as text only, is written without its attributes, and the context does not reach its children.
+  ///@{
   std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
   void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
   ///@}
   /// The restriction that the constructor was given.
   std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
 
-  ///@{
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
   /// element; never null. Both admit every namespace, whatever the restriction of this element is.
+  ///@{
   CAttributeCol* GetAttributes() const { return m_attributes.Get(); }
   CElementCol* GetElements() const { return m_elements.Get(); }
   ///@}
-  ///@{
   /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
+  ///@{
   CSmartPtr<CAttribute> FindAttribute(char const* name, char const* ns = nullptr) const;
   CSmartPtr<CElement> FindElement(char const* name, char const* ns = nullptr) const;
   ///@}
@@ -275,8 +275,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  ///@{
   /// For those who want to learn of changes. Nothing calls them.
+  ///@{
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
   void FireOnChangeText(char const*) {}
@@ -339,8 +339,8 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   CSmartPtr<CElement> Item(int index) const;
   /// The first element of this name, and in this namespace unless \p ns is null; null when there is none.
   CSmartPtr<CElement> Find(char const* name, char const* ns = nullptr) const;
-  ///@{
   /// The items in order, for range-for.
+  ///@{
   iterator begin() const { return iterator(GetFirstNode()); }
   iterator end() const { return iterator(); }
   ///@}

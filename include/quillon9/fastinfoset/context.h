@@ -21,15 +21,15 @@ class QUILLON9_API CFastInfosetContext {
   };
 
   CFastInfosetContext();
-  ///@{
   /// Copies every option, the vocabulary too.
+  ///@{
   CFastInfosetContext(CFastInfosetContext const& other);
   CFastInfosetContext& operator=(CFastInfosetContext const& other);
-  ~CFastInfosetContext();
   ///@}
+  ~CFastInfosetContext();
 
-  ///@{
   /// The encoding of kind 0: 0 for UTF-8, the default, or 1 for UTF-16BE, which writers refuse.
+  ///@{
   unsigned char GetDefaultStringEncoding() const { return m_defaultStringEncoding; }
   void SetDefaultStringEncoding(unsigned char encoding) { m_defaultStringEncoding = encoding; }
   ///@}
@@ -41,31 +41,31 @@ class QUILLON9_API CFastInfosetContext {
   /// \throws CQnException as GetEncoding().
   void SetEncoding(unsigned long type, EncodedCharacterString encoding);
 
-  ///@{
   /// Attribute values of fewer bytes than this enter a table when first written and are an index from then on.
   /// 6 by default.
+  ///@{
   unsigned long GetAttributeMaxAddLength() const { return m_attributeMaxAddLength; }
   void SetAttributeMaxAddLength(unsigned long bytes) { m_attributeMaxAddLength = bytes; }
   ///@}
-  ///@{
   /// The same for the content of elements.
+  ///@{
   unsigned long GetElementMaxAddLength() const { return m_elementMaxAddLength; }
   void SetElementMaxAddLength(unsigned long bytes) { m_elementMaxAddLength = bytes; }
   ///@}
 
-  ///@{
   /// Begin each document with GetVocabulary(), which the other end must have as well, and write its URI (true), or with
   /// the built-in entries (false, the default).
+  ///@{
   bool GetUseGeneratedVocabulary() const { return m_useGeneratedVocabulary; }
   void SetUseGeneratedVocabulary(bool use) { m_useGeneratedVocabulary = use; }
   ///@}
-  ///@{
   /// The vocabulary that is agreed upon, to be filled before it is used.
+  ///@{
   CFIVocabulary& GetVocabulary() { return m_vocabulary; }
   CFIVocabulary const& GetVocabulary() const { return m_vocabulary; }
   ///@}
-  ///@{
   /// The URI that stands for it in a document. When it is empty, QUILLON_URI is written. Readers skip it.
+  ///@{
   std::string const& GetExternalVocabularyURI() const { return m_externalVocabularyURI; }
   void SetExternalVocabularyURI(std::string const& uri) { m_externalVocabularyURI = uri; }
   ///@}

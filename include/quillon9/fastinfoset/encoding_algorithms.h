@@ -14,14 +14,14 @@ namespace Quillon9 {
 ///   10 cdata
 class QUILLON9_API CFastInfosetBinaryData : public CBinaryData {
  public:
-  ///@{
   /// As the constructors of CBinaryData.
+  ///@{
   CFastInfosetBinaryData();
   CFastInfosetBinaryData(char const* text);
   CFastInfosetBinaryData(unsigned char* data, unsigned long length, bool take);
   CFastInfosetBinaryData(CBinaryData const& other);
-  ~CFastInfosetBinaryData() override;
   ///@}
+  ~CFastInfosetBinaryData() override;
 
   /// Replace the bytes by those that stand for \p text, which is one value, not a list. A uuid is plain hexadecimal
   /// text without hyphens. Base64 text that is wrong gives no bytes.

@@ -10,14 +10,14 @@
 
 namespace Quillon9 {
 
-///@{
 /// The entries that every vocabulary is born with (Rec. ITU-T X.891, 7.2 and 9).
+///@{
 inline constexpr char FI_DEFAULT_PREFIX[] = "xml";
 inline constexpr char FI_DEFAULT_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
 ///@}
-///@{
 /// The built-in restricted alphabets. The exponent of the numeric one is in lower case here, so a number with `E` does
 /// not fit it, and a document that spells one in this alphabet is read with `e`.
+///@{
 inline constexpr char RESTRICTED_ALPHABET_VALUES_NUMERIC[] = "0123456789-+.e ";
 inline constexpr char RESTRICTED_ALPHABET_VALUES_DATE_TIME[] = "0123456789-:TZ ";
 ///@}
@@ -77,20 +77,20 @@ class QUILLON9_API CFIVocabulary {
   class QUILLON9_API CFIStringTable {
    public:
     CFIStringTable();
-    ///@{
     /// Copies the entries.
+    ///@{
     CFIStringTable(CFIStringTable const&);
     CFIStringTable& operator=(CFIStringTable const&);
-    virtual ~CFIStringTable();
     ///@}
+    virtual ~CFIStringTable();
 
-    ///@{
     /// The entries in the order of their indices.
+    ///@{
     std::vector<std::string>::const_iterator begin() const { return m_strings.begin(); }
     std::vector<std::string>::const_iterator end() const { return m_strings.end(); }
     ///@}
-    ///@{
     /// The entries themselves. What is changed through the second form is not followed by the index maps.
+    ///@{
     std::vector<std::string> const& GetVector() const { return m_strings; }
     std::vector<std::string>& GetVector() { return m_strings; }
     ///@}
@@ -103,20 +103,20 @@ class QUILLON9_API CFIVocabulary {
   class QUILLON9_API CFIQNameTable {
    public:
     CFIQNameTable();
-    ///@{
     /// Copies the entries.
+    ///@{
     CFIQNameTable(CFIQNameTable const&);
     CFIQNameTable& operator=(CFIQNameTable const&);
-    virtual ~CFIQNameTable();
     ///@}
+    virtual ~CFIQNameTable();
 
-    ///@{
     /// The entries in the order of their indices.
+    ///@{
     std::vector<CQNameParts>::const_iterator begin() const { return m_names.begin(); }
     std::vector<CQNameParts>::const_iterator end() const { return m_names.end(); }
     ///@}
-    ///@{
     /// As for CFIStringTable.
+    ///@{
     std::vector<CQNameParts> const& GetVector() const { return m_names; }
     std::vector<CQNameParts>& GetVector() { return m_names; }
     ///@}
@@ -127,23 +127,23 @@ class QUILLON9_API CFIVocabulary {
 
   /// The built-in entries only: one prefix, one namespace name, two restricted alphabets.
   CFIVocabulary();
-  ///@{
   /// Copies every table.
+  ///@{
   CFIVocabulary(CFIVocabulary const& other);
   CFIVocabulary& operator=(CFIVocabulary const& other);
-  virtual ~CFIVocabulary();
   ///@}
+  virtual ~CFIVocabulary();
 
-  ///@{
   /// Add a name, and the strings it is made of where they are not there yet. \p prefix and \p namespaceUri may be
   /// empty. A name that is there with the same three parts is not added again.
+  ///@{
   void AddElement(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
   void AddAttribute(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
   ///@}
 
-  ///@{
   /// Add a string to the map and to the vector of its table. The vector takes it again if it is there already, while
   /// the map keeps the first index: look for it first.
+  ///@{
   void AddElementValue(std::string const& value);
   void AddAttributeValue(std::string const& value);
   void AddLocalName(std::string const& value);
@@ -151,17 +151,17 @@ class QUILLON9_API CFIVocabulary {
   void AddPrefixName(std::string const& value);
   ///@}
 
-  ///@{
   /// Look for \p value. True when it is there, \p index being its index then; otherwise \p index is unchanged.
+  ///@{
   bool FindLocalNameIndex(std::string const& value, unsigned long& index) const;
   bool FindNamespaceNameIndex(std::string const& value, unsigned long& index) const;
   bool FindPrefixNameIndex(std::string const& value, unsigned long& index) const;
   bool FindIndex(CFIIndexMap const& map, std::string_view value, unsigned long& index) const;
   ///@}
 
-  ///@{
   /// The tables, which live as long as this vocabulary. What is changed through the second forms is not followed by the
   /// index maps.
+  ///@{
   CFIQNameTable const& GetAttributeNamesTable() const { return m_attributeNames; }
   CFIStringTable const& GetAttributeValuesTable() const { return m_attributeValues; }
   CFIQNameTable const& GetElementNamesTable() const { return m_elementNames; }
@@ -180,16 +180,16 @@ class QUILLON9_API CFIVocabulary {
   /// The texts of the restricted alphabets.
   std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
 
-  ///@{
   /// The maps that a writer looks names and values up in. A name's key is CFIIndexMap::MakeQNameKey().
+  ///@{
   CFIIndexMap& GetAttributeNameIndex() { return m_attributeNameIndex; }
   CFIIndexMap& GetAttributeValueIndex() { return m_attributeValueIndex; }
   CFIIndexMap& GetElementNameIndex() { return m_elementNameIndex; }
   CFIIndexMap& GetCharacterChunkIndex() { return m_characterChunkIndex; }
   ///@}
 
-  ///@{
   /// The steps that the operations above are made of, for one map or one vector.
+  ///@{
   void AddValueToMap(std::string_view value, CFIIndexMap& map);
   void AddValueToVector(std::string const& value, std::vector<std::string>& vector);
   void AddQNameToVector(unsigned long prefixIndex, unsigned long namespaceIndex, unsigned long localIndex,

@@ -11,12 +11,12 @@ namespace Quillon9 {
 class QUILLON9_API CBase64 {
  public:
   CBase64();
-  ///@{
   /// Copies the state of the conversion.
+  ///@{
   CBase64(CBase64 const&) = default;
   CBase64& operator=(CBase64 const&) = default;
-  virtual ~CBase64();
   ///@}
+  virtual ~CBase64();
 
   /// The base64 text of \p length bytes, padded with "=", without line breaks. Empty when \p data is null or
   /// \p length is not above 0. A single byte gives two characters of the alphabet, one "=" and a zero character.

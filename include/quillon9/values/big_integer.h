@@ -42,24 +42,24 @@ class QUILLON9_API CBigInteger {
   CBigInteger(char const* text);
   /// CDecimal::ToBigInteger() of \p value: rounded, an exact half towards zero.
   CBigInteger(CDecimal const& value);
-  ///@{
   /// The same number; what is moved from may only be assigned to or destroyed.
+  ///@{
   CBigInteger(CBigInteger const& other);
   CBigInteger(CBigInteger&& other) noexcept;
   CBigInteger& operator=(CBigInteger const& other);
   CBigInteger& operator=(CBigInteger&& other) noexcept;
-  virtual ~CBigInteger();
   ///@}
+  virtual ~CBigInteger();
 
-  ///@{
   /// Add and subtract. A sum of two numbers of opposite sign and equal magnitude is +0.
+  ///@{
   CBigInteger operator+(CBigInteger const& other) const;
   CBigInteger operator-(CBigInteger const& other) const;
   CBigInteger& operator+=(CBigInteger const& other);
   CBigInteger& operator-=(CBigInteger const& other);
   ///@}
-  ///@{
   /// The sign of a product is the product of the signs, also for zero.
+  ///@{
   CBigInteger operator*(CBigInteger const& other) const;
   CBigInteger& operator*=(CBigInteger const& other);
   ///@}
@@ -79,13 +79,13 @@ class QUILLON9_API CBigInteger {
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator%=.", as operator% does.
   CBigInteger& operator%=(CBigInteger const& divisor);
 
-  ///@{
   /// Equal digits and signs; zeros are equal whatever their signs.
+  ///@{
   bool operator==(CBigInteger const& other) const;
   bool operator!=(CBigInteger const& other) const { return !(*this == other); }
   ///@}
-  ///@{
   /// The sign decides first, so -0 < +0 holds although -0 == +0.
+  ///@{
   bool operator<(CBigInteger const& other) const { return Order(other) < 0; }
   bool operator>(CBigInteger const& other) const { return Order(other) > 0; }
   bool operator<=(CBigInteger const& other) const { return Order(other) <= 0; }
@@ -101,8 +101,8 @@ class QUILLON9_API CBigInteger {
   void Negate() { m_sign = m_sign == -1 ? 1 : -1; }
   /// Make the sign +1.
   void Abs() { m_sign = 1; }
-  ///@{
   /// A copy with the sign changed; a copy with the sign +1.
+  ///@{
   CBigInteger GetNegative() const;
   CBigInteger GetAbs() const;
   ///@}
@@ -154,8 +154,8 @@ class QUILLON9_API CBigInteger {
   static void ShiftLeft(std::vector<char>& digits, unsigned int count);
   /// The index of the most significant digit that is not 0; -1 when there is none.
   static std::ptrdiff_t Position(std::vector<char> const& digits);
-  ///@{
   /// The digits of \p value.
+  ///@{
   static void Build(unsigned int value, std::vector<char>& digits);
   static void BuildDWORDLONG(unsigned long long value, std::vector<char>& digits);
   ///@}
@@ -193,8 +193,8 @@ using EnableForIntAndBigInteger = std::enable_if_t<(std::is_same_v<A, CBigIntege
                                                    (std::is_same_v<A, int> && std::is_same_v<B, CBigInteger>)>;
 
 // clang-format off
-///@{
 /// Operators between an `int` and a CBigInteger, either way round: as those of CBigInteger, which tell what they throw.
+///@{
 template <class A, class B, class = EnableForIntAndBigInteger<A, B>>
 CBigInteger operator+(A const& a, B const& b) { return CBigInteger(a).operator+(CBigInteger(b)); }
 template <class A, class B, class = EnableForIntAndBigInteger<A, B>>

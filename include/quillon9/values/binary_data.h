@@ -97,8 +97,8 @@ class QUILLON9_API CBinaryData {
   /// \throws CQnException "Index Out of range [%d]" above the length, and always without a holder.
   unsigned char& operator[](unsigned long index);
 
-  ///@{
   /// Add bytes at the end, which may be this value's own. A value without a holder gets one, even for no bytes.
+  ///@{
   void Append(unsigned char const* data, unsigned long length);
   void Append(CBinaryData const& other);
   ///@}
@@ -106,8 +106,8 @@ class QUILLON9_API CBinaryData {
   void Append(char const* text);
   /// Add \p text up to its first zero byte.
   void Append(std::string const& text);
-  ///@{
   /// Add one byte.
+  ///@{
   void Append(char byte);
   void Append(unsigned char byte);
   ///@}
@@ -142,8 +142,8 @@ class QUILLON9_API CBinaryData {
   /// \throws CQnException "Invalid char in hex string [%c]".
   static unsigned long ConvertToHexData(char const* text, unsigned char** out);
 
-  ///@{
   /// Equal bytes. A value without a holder equals only another one without.
+  ///@{
   bool operator==(CBinaryData const& other) const;
   bool operator!=(CBinaryData const& other) const { return !(*this == other); }
   ///@}

@@ -33,8 +33,8 @@ class QUILLON9_API CConversions {
   /// The text after \p rule.
   static std::string stringFromString(std::string const& text, WhitespaceRule rule);
 
-  ///@{
   /// Print in base 10, with a minus sign where needed and no leading zeros.
+  ///@{
   static std::string i8ToString(std::int64_t value);
   static std::string i4ToString(std::int32_t value);
   static std::string i2ToString(std::int16_t value);
@@ -119,9 +119,9 @@ class QUILLON9_API CConversions {
   /// CBinaryData::SetAsBase64(): bad text raises nothing and gives a value of length 0.
   static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
 
-  ///@{
   /// CBigInteger's text and its constructor from text.
   /// \throws CQnInvalidValueException and CQnOverFlowException as CBigInteger::Parse() does.
+  ///@{
   static std::string integerToString(CBigInteger const& value);
   static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
   ///@}
@@ -133,20 +133,20 @@ class QUILLON9_API CConversions {
   /// \throws CQnInvalidValueException and CQnOverFlowException as CDecimal::Parse() does.
   static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
 
-  ///@{
   /// Dates and times: CDateTime::ToString("s"), which prints what the type of the value is, whatever the function is
   /// called.
   /// \throws CQnInvalidValueException "Date Not Set".
+  ///@{
   static std::string dateToString(CDateTime const& value);
   static std::string timeToString(CDateTime const& value);
   static std::string datetimeToString(CDateTime const& value);
   static std::string yearMonthToString(CDateTime const& value);
   static std::string monthDayToString(CDateTime const& value);
   ///@}
-  ///@{
   /// CDateTime::ParseXSDDate(), ParseXSDTime() or ParseXSDDateTime(). The type of a date is what its text shows:
   /// dateFromString("2001") gives a year.
   /// \throws CQnInvalidValueException as these do.
+  ///@{
   static CDateTime dateFromString(std::string const& text, WhitespaceRule rule);
   static CDateTime timeFromString(std::string const& text, WhitespaceRule rule);
   static CDateTime datetimeFromString(std::string const& text, WhitespaceRule rule);
@@ -154,24 +154,24 @@ class QUILLON9_API CConversions {
   static CDateTime monthDayFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  ///@{
   /// "%u", "--%02u" and "---%02u".
+  ///@{
   static std::string yearToString(std::uint16_t value);
   static std::string monthToString(std::uint8_t value);
   static std::string dayToString(std::uint8_t value);
   ///@}
-  ///@{
   /// The field of a text that CDateTime::ParseXSDDate() takes, of any of its forms that has the field. A year is cut to
   /// 16 bits without sign: -1 is 65,535.
   /// \throws CQnInvalidValueException as ParseXSDDate() does; CQnInvalidStateException for a form without the field.
+  ///@{
   static std::uint16_t yearFromString(std::string const& text, WhitespaceRule rule);
   static std::uint8_t monthFromString(std::string const& text, WhitespaceRule rule);
   static std::uint8_t dayFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  ///@{
   /// CDateTimeSpan's text and its parser.
   /// \throws CQnInvalidValueException as CDateTimeSpan::ParseXSDDuration() does.
+  ///@{
   static std::string durationToString(CDateTimeSpan const& value);
   static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
   ///@}

@@ -8,13 +8,13 @@
 
 namespace Quillon9 {
 
-///@{
 /// The years that a CDateTime may have.
+///@{
 constexpr int MIN_YEAR = -9999;
 constexpr int MAX_YEAR = 9999;
 ///@}
-///@{
 /// The longest that each month can be, and the days in front of each month of a year that is not a leap year.
+///@{
 QUILLON9_API extern int const g_monthMax[12];
 QUILLON9_API extern int const g_monthDayInYear[13];
 ///@}
@@ -59,8 +59,8 @@ class QUILLON9_API CDateTime {
   CDateTime();
   /// All fields 0, with this type.
   CDateTime(DTType type);
-  ///@{
   /// These leave a clear object, of type 0, when a field is out of its range.
+  ///@{
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day);
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
             std::uint8_t second);
@@ -71,8 +71,8 @@ class QUILLON9_API CDateTime {
   CDateTime(long const& time);
   /// ParseXSDDateTime().
   CDateTime(char const* text);
-  ///@{
   /// Copies every field, the type and the zone.
+  ///@{
   CDateTime(CDateTime const& other);
   CDateTime& operator=(CDateTime const& other);
   ///@}
@@ -87,12 +87,12 @@ class QUILLON9_API CDateTime {
   static CDateTime GetCurrentTime();
 
   // ---- Setting whole values: all fields, no zone. All but the last throw as the first does.
-  ///@{
   /// Set the named fields, all others to 0, and the type that the name of the operation tells; SetDateTime() without
   /// a type sets dt_dateTime, SetFracTime() dt_time.
   /// \throws CQnInvalidStateException "Failed to copy CDateTime. Invalid Date Type: %s, expected: %s." when this object
   ///         is of another type, unless it is clear; CQnInvalidValueException as Validate() does, with the fields
   ///         stored.
+  ///@{
   void SetDateTime(DTType type, std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour,
                    std::uint8_t minute, std::uint8_t second, std::uint16_t milli, std::uint16_t micro,
                    std::uint16_t nano);
@@ -121,9 +121,9 @@ class QUILLON9_API CDateTime {
   /// All fields 0, type 0.
   void Clear();
 
-  ///@{
   /// The fields, for a type that has them.
   /// \throws CQnInvalidStateException "Failed to %s. Invalid Date Type: %s." otherwise.
+  ///@{
   std::int16_t GetYear() const;
   std::uint8_t GetMonth() const;
   std::uint8_t GetDay() const;
@@ -136,9 +136,9 @@ class QUILLON9_API CDateTime {
   ///@}
   /// Second and fraction.
   double GetRealSecond() const;
-  ///@{
   /// Set one field. The value is not validated: Validate() does that.
   /// \throws CQnInvalidStateException as the getter of the field.
+  ///@{
   void SetYear(std::int16_t year);
   void SetMonth(std::uint8_t month);
   void SetDay(std::uint8_t day);
@@ -156,8 +156,8 @@ class QUILLON9_API CDateTime {
   /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the
   /// one of the fields. Reads the zone from the environment, which no thread may change meanwhile.
   int GetDayOfWeek() const;
-  ///@{
   /// The type, as number and as text.
+  ///@{
   DTType GetType() const { return m_type; }
   std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
   ///@}
@@ -174,8 +174,8 @@ class QUILLON9_API CDateTime {
   /// Set an offset, whose sign is that of \p hour.
   /// \throws CQnInvalidValueException "Invalid TimeZone [%d:%d]" unless -23 to 23 and 0 to 59.
   void SetTimeZone(std::int16_t hour, std::uint8_t minute);
-  ///@{
   /// \throws CQnInvalidStateException "TimeZone is not been used" without an offset.
+  ///@{
   std::int16_t GetZoneHour() const;
   std::uint8_t GetZoneMinute() const;
   ///@}
@@ -199,9 +199,9 @@ class QUILLON9_API CDateTime {
   /// Parse a date, "T" and a time, each with a zone or without.
   /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
   void ParseXSDDateTime(char const* text);
-  ///@{
   /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text
   /// does not name stay, and a fraction is added to the one that is there.
+  ///@{
   void SetXSDDate(char const* text);
   void SetXSDTime(char const* text);
   ///@}
@@ -222,13 +222,13 @@ class QUILLON9_API CDateTime {
   long GetTime() const;
 
   // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
-  ///@{
   /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
   /// In deviation from it the month of the left side stands for that of the right side too, so that months never
   /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and
   /// zones are settled as GetNormalized() does, so that a gYear with an offset lies a year before the same without.
   /// \throws CQnInvalidStateException for a left side without a month against a right side with one, when both have a
   ///         zone or none; otherwise the answer is 3.
+  ///@{
   int CompareTo(CDateTime const& other) const;
   bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
   bool operator!=(CDateTime const& other) const { return CompareTo(other) != 0; }
@@ -242,19 +242,19 @@ class QUILLON9_API CDateTime {
   ///@}
 
   // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 and a month is February 31)
-  ///@{
   /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of what does
   /// not fit. A value without a month counts as December of the year before, also when \p span is zero: a gYear of 2000
   /// and P0D is 1999. The time it takes does not depend on the length of \p span.
   /// \throws CQnInvalidValueException when rounding leaves the month outside 1 to 12 and the days of such a month are
   ///         asked for; everything but the day has changed then. The same for the operators.
+  ///@{
   void AddDateTimeSpan(CDateTimeSpan const& span);
   CDateTime& operator+=(CDateTimeSpan const& span);
   ///@}
   /// Subtracts the length of \p span: a negative one moves the value back too.
   CDateTime& operator-=(CDateTimeSpan const& span);
-  ///@{
   /// A copy with \p span added or subtracted, as the operators above do it.
+  ///@{
   CDateTime operator+(CDateTimeSpan const& span) const;
   CDateTime operator-(CDateTimeSpan const& span) const;
   ///@}

@@ -19,8 +19,8 @@ class QUILLON9_API CDateTimeSpan {
   CDateTimeSpan();
   /// Copies every field and the sign.
   CDateTimeSpan(CDateTimeSpan const& other);
-  ///@{
   /// Positive, with these fields, the others 0. Nothing is checked or normalised.
+  ///@{
   CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                 std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
                 std::uint16_t nano);
@@ -32,8 +32,8 @@ class QUILLON9_API CDateTimeSpan {
   CDateTimeSpan& operator=(CDateTimeSpan const& other);
   virtual ~CDateTimeSpan();
 
-  ///@{
   /// Set every field, those that are not named to 0. The sign becomes positive. Nothing is checked.
+  ///@{
   void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                        std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
                        std::uint16_t nano);
@@ -42,9 +42,9 @@ class QUILLON9_API CDateTimeSpan {
   void SetDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
   ///@}
 
-  ///@{
   /// The fields, as they were set: nothing is normalised. Each part of the fraction counts 0 to 999;
   /// setters check nothing.
+  ///@{
   std::uint16_t GetYears() const { return m_years; }
   std::uint32_t GetMonths() const { return m_months; }
   std::uint32_t GetDays() const { return m_days; }
@@ -83,12 +83,12 @@ class QUILLON9_API CDateTimeSpan {
   /// The fields that are not zero, in the form above; "P" or "-P", which is none of that form, when all are.
   std::string ToString() const;
 
-  ///@{
   /// Compare as XML Schema prescribes, by adding both to 1696-09-01, 1697-02-01, 1903-03-01 and 1903-07-01: 0 equal, 1
   /// less, 2 greater, 3 when the four do not agree or a sum cannot be built. These are dates without a time, and
   /// CDateTime::CompareTo() looks at their years and days only, which has consequences: PT1H equals PT2H, months mostly
   /// do not count, and a negative span is mostly greater than a positive one, since it ends on a later day of the month
   /// before. The bounds of durations compare by this order.
+  ///@{
   int CompareTo(CDateTimeSpan const& other) const;
   bool operator==(CDateTimeSpan const& other) const { return CompareTo(other) == 0; }
   bool operator!=(CDateTimeSpan const& other) const { return CompareTo(other) != 0; }

@@ -44,43 +44,43 @@ class QUILLON9_API CDecimal {
   /// \param divider 1 to 100,000.
   /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   CDecimal(CBigInteger const& whole, CBigInteger const& fraction, int divider);
-  ///@{
   /// The same number; what is moved from may only be assigned to or destroyed.
+  ///@{
   CDecimal(CDecimal const& other);
   CDecimal(CDecimal&& other) noexcept;
   CDecimal& operator=(CDecimal const& other);
   CDecimal& operator=(CDecimal&& other) noexcept;
-  virtual ~CDecimal();
   ///@}
+  virtual ~CDecimal();
 
-  ///@{
   /// Exact.
+  ///@{
   CDecimal operator+(CDecimal const& other) const;
   CDecimal operator-(CDecimal const& other) const;
   CDecimal& operator+=(CDecimal const& other);
   CDecimal& operator-=(CDecimal const& other);
   ///@}
-  ///@{
   /// The exact product, rounded to m_maxDivider fraction digits.
+  ///@{
   CDecimal operator*(CDecimal const& other) const;
   CDecimal& operator*=(CDecimal const& other);
   ///@}
-  ///@{
   /// The quotient cut after m_maxDivider + 2 fraction digits, and then rounded to m_maxDivider.
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator/." when \p divisor is zero.
+  ///@{
   CDecimal operator/(CDecimal const& divisor) const;
   CDecimal& operator/=(CDecimal const& divisor);
   ///@}
-  ///@{
   /// Add or subtract 1.
+  ///@{
   CDecimal& operator++();
   CDecimal operator++(int);
   CDecimal& operator--();
   CDecimal operator--(int);
   ///@}
 
-  ///@{
   /// Compare the whole parts and, when they are equal, the fractions.
+  ///@{
   bool operator==(CDecimal const& other) const;
   bool operator!=(CDecimal const& other) const { return !(*this == other); }
   bool operator<(CDecimal const& other) const;

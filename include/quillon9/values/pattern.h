@@ -25,11 +25,11 @@ namespace Quillon9 {
 ///         matched" for a value above 2 GiB. std::bad_alloc.
 QUILLON9_API bool TestRegEx(std::string pattern, std::string value);
 
-///@{
 /// Replace every occurrence of \p search in \p text by \p replacement, as if searching again from the start after
 /// each replacement, until none is left. A failure leaves \p text as it was.
 /// \throws CQnException when that would never end (\p search is empty, or occurs in \p text and in \p replacement)
 ///         or when the text would grow beyond 1 GiB.
+///@{
 QUILLON9_API void FindReplace(std::string& text, std::string const& search, std::string const& replacement);
 QUILLON9_API void FindReplace(std::wstring& text, std::wstring const& search, std::wstring const& replacement);
 ///@}

@@ -21,14 +21,14 @@ class QUILLON9_API CPrimitiveRestrictions {
   CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength, std::string minInclusive,
                          std::string maxInclusive, std::string minExclusive, std::string maxExclusive,
                          std::int32_t length);
-  ///@{
   /// Copies or takes over every facet.
+  ///@{
   CPrimitiveRestrictions(CPrimitiveRestrictions const&) = default;
   CPrimitiveRestrictions(CPrimitiveRestrictions&&) = default;
   CPrimitiveRestrictions& operator=(CPrimitiveRestrictions const&) = default;
   CPrimitiveRestrictions& operator=(CPrimitiveRestrictions&&) = default;
-  virtual ~CPrimitiveRestrictions();
   ///@}
+  virtual ~CPrimitiveRestrictions();
 
   std::string pattern;          ///< regular expression in the local code page, for strings; see TestRegEx()
   std::int32_t minLength = -1;  ///< bytes of a string or of binary data, as for the other two lengths

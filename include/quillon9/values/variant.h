@@ -47,14 +47,14 @@ class QUILLON9_API QnVariant {
   /// \throws CQnException "Invalid Type %d" when nothing, an object or a collection is held.
   std::string GetType() const;
 
-  ///@{
   /// Release what is held; the variant then holds nothing.
+  ///@{
   void Clear();
   void SetInvalid() { Clear(); }
   ///@}
 
-  ///@{
   /// Each setter releases what was held before.
+  ///@{
   void SetHexBinary(CBinaryData const& value);
   void SetBase64Binary(CBinaryData const& value);
   void SetI1(std::int8_t value) { SetScalar(ItemType_i1, value); }
@@ -82,23 +82,23 @@ class QUILLON9_API QnVariant {
   /// Hold \p value without a copy, for readers that hand a text on: it must outlive this variant. Copies of the variant
   /// are whole, and so is what it is moved to.
   void BorrowString(std::string const& value);
-  ///@{
   /// As the setters above; an argument that is moved from may be assigned to or destroyed, no more.
+  ///@{
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);
   void SetDecimal(CDecimal&& value);
   void SetInteger(CBigInteger const& value);
   void SetInteger(CBigInteger&& value);
   ///@}
-  ///@{
   /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
+  ///@{
   void SetXmlObject(CXmlObjectBase* object);
   void SetXmlCollection(CXmlCollectionBase* collection);
   ///@}
 
-  ///@{
   /// The scalar getters do not look at the held kind: what another kind left in the eight bytes of the value is
   /// read as it stands (GetBoolean: whether the first of them is not 0).
+  ///@{
   std::int8_t GetI1() const { return Load<std::int8_t>(); }
   std::int16_t GetI2() const { return Load<std::int16_t>(); }
   std::int32_t GetI4() const { return Load<std::int32_t>(); }
@@ -116,10 +116,10 @@ class QUILLON9_API QnVariant {
   bool GetBoolean() const { return Load<unsigned char>() != 0; }
   ///@}
 
-  ///@{
   /// The other getters give an empty value when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
   /// held; hexBinary and base64Binary are of the same one, and so are the five kinds that hold a CDateTime.
+  ///@{
   CBinaryData GetHexBinary() const;
   CBinaryData GetBase64Binary() const;
   CDateTimeSpan GetDuration() const;
@@ -129,8 +129,8 @@ class QUILLON9_API QnVariant {
   CDateTime GetDateTime() const;
   CDateTime GetTime() const;
   ///@}
-  ///@{
   /// These three give the value itself, which lives until this variant changes.
+  ///@{
   CDecimal const& GetDecimal() const;
   CBigInteger const& GetInteger() const;
   std::string const& GetString() const;

@@ -50,8 +50,8 @@ class QUILLON9_API CXmlAttribute {
   /// "noNamespaceSchemaLocation" in one of the same two namespaces), so that no member of a class takes it.
   bool IsNamespaceAttribute() const;
 
-  ///@{
   /// From the memory of a document, which knows its nodes again, or alone.
+  ///@{
   static void* operator new(std::size_t size);
   static void* operator new(std::size_t size, CTreeMemory& memory);
   static void operator delete(void* node, std::size_t size) noexcept;
@@ -94,8 +94,8 @@ class QUILLON9_API CXmlElement {
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
 
-  ///@{
   /// Set the local name, or the namespace (empty for none), to a copy of the text.
+  ///@{
   void SetElementName(std::string_view localName);
   void SetNamespace(std::string_view namespaceUri);
   ///@}
@@ -104,8 +104,8 @@ class QUILLON9_API CXmlElement {
 
   /// Append to the text. Appending n bytes in any number of runs costs O(n).
   void AppendText(char const* text) { m_text.append(text); }
-  ///@{
   /// The same for the \p length bytes at \p text; a negative length appends nothing.
+  ///@{
   void AppendText(char const* text, int length);
   void AppendText(std::string_view text) { m_text.append(text); }
   ///@}
@@ -124,8 +124,8 @@ class QUILLON9_API CXmlElement {
   /// Detach the last child and hand it to the caller, who owns it then. Null when there is none. O(1).
   CXmlElement* RemoveLastChildElement();
 
-  ///@{
   /// From the memory of a document, which knows its nodes again, or alone.
+  ///@{
   static void* operator new(std::size_t size);
   static void* operator new(std::size_t size, CTreeMemory& memory);
   static void operator delete(void* node, std::size_t size) noexcept;
@@ -168,12 +168,12 @@ class QUILLON9_API CXmlDocument {
   CXmlDocument();
   /// With \p filter and the default context.
   explicit CXmlDocument(ElementFilter filter);
-  ///@{
   /// \p context is kept, not copied: it must outlive the document. Its schema type is taken now.
+  ///@{
   explicit CXmlDocument(CXmlSerializationContext const& context);
   CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context);
-  virtual ~CXmlDocument();
   ///@}
+  virtual ~CXmlDocument();
   /// Drop the tree, the input and the namespace aliases. Filter, context and schema type stay.
   virtual void Cleanup();
   CXmlDocument(CXmlDocument const&) = delete;

@@ -25,13 +25,13 @@ class QUILLON9_API CQnUtf16Exception : public CQnException, public std::logic_er
  public:
   /// With this text, no inner exception.
   explicit CQnUtf16Exception(std::string const& message);
-  ///@{
   /// Copies the text and clones the inner chain.
+  ///@{
   CQnUtf16Exception(CQnUtf16Exception const& other) = default;
   CQnUtf16Exception& operator=(CQnUtf16Exception const& other) = default;
+  ///@}
   ~CQnUtf16Exception() override;
   CQnException* Clone() const override;
-  ///@}
 };
 
 /// Conversions between UTF-8, wide characters and the local code page, which is the multibyte encoding of the
@@ -49,8 +49,8 @@ class QUILLON9_API CEncoder {
   static std::string Utf8ToLocalCodePage(unsigned char const* text, int length);
   /// The same up to the zero that ends \p text.
   static std::string Utf8ToLocalCodePage(char const* text);
-  ///@{
   /// The same for callers that have scratch memory at hand. The conversion needs none, so any values will do.
+  ///@{
   static std::string Utf8ToLocalCodePage(unsigned char const* text, int length, wchar_t* wideBuffer,
                                          unsigned long wideCapacity, char* narrowBuffer, unsigned long narrowCapacity);
   static std::string Utf8ToLocalCodePage(char const* text, wchar_t* wideBuffer, unsigned long wideCapacity,

@@ -47,8 +47,8 @@ class QUILLON9_API CTextStream {
   /// Does nothing: the text stays.
   virtual void Flush();
 
-  ///@{
   /// Add \p text up to the first NUL byte.
+  ///@{
   void Append(std::string const& text) { m_buffer.Append(text); }
   void Append(char const* text) { m_buffer.Append(text); }
   ///@}
@@ -114,8 +114,8 @@ class QUILLON9_API CBinaryStream {
   CBinaryStream& operator=(CBinaryStream const&) = delete;
   virtual ~CBinaryStream();
 
-  ///@{
   /// Add bytes, as CBinaryData::Append does.
+  ///@{
   void Append(unsigned char const* data, unsigned long length) { m_data.Append(data, length); }
   void Append(CBinaryData const& data) { m_data.Append(data); }
   void Append(unsigned char byte) { m_data.Append(byte); }
@@ -125,8 +125,8 @@ class QUILLON9_API CBinaryStream {
   CBinaryData GetBinaryStream() const { return m_data; }
 
  protected:
-  ///@{
   /// For derived classes. \p className is not kept.
+  ///@{
   explicit CBinaryStream(char const* className);
   CBinaryStream(char const* className, CBinaryData const& data);
   ///@}

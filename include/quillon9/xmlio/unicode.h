@@ -50,9 +50,9 @@ QUILLON9_API unsigned long ConvertUTF16toUTF8(std::uint16_t const* sourceStart, 
 QUILLON9_API unsigned long ConvertUTF8toUTF16(std::uint8_t const* sourceStart, std::uint8_t const* sourceEnd,
                                               std::uint16_t* targetStart, std::uint16_t* targetEnd);
 
-///@{
 /// The converters that have a wide side, on counted arrays: \p sourceCount units are read, at most \p targetCount
 /// are written. A null \p target measures.
+///@{
 QUILLON9_API unsigned long UTF8ToUnicode(std::uint8_t const* source, unsigned long sourceCount, wchar_t* target,
                                          unsigned long targetCount);
 QUILLON9_API unsigned long UnicodeToUTF8(wchar_t const* source, unsigned long sourceCount, std::uint8_t* target,

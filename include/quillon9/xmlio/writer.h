@@ -137,9 +137,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   void SetDefaultNamespace(std::string const& uri);
   /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
   void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
-  ///@{
   /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
   /// look into GetNamespaceMap() first.
+  ///@{
   std::string& GetNamespaceMapValue(std::string const& uri);
   std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
   ///@}
