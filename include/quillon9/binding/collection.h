@@ -40,9 +40,9 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   /// Whether ValidateCount() would pass.
   virtual bool IsValidCount(CXmlSerializationContext const& ctx) const;
 
-  /// The occurrence limits: the least and the greatest count, -1 for no upper limit.
+  /// The least count.
   int GetMinOccurs() const { return m_minOccurs; }
-  /// -1 for no limit.
+  /// The greatest count; -1 for no limit.
   int GetMaxOccurs() const { return m_maxOccurs; }
 
   /// Send the events of this collection to \p sink too; added twice, it gets each event twice. The sink stays the

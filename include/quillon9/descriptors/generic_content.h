@@ -246,7 +246,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
   void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
   ///@}
-  /// The restriction that the constructor was given.
+  /// The namespaces that SetNamespace() and reading admit; CXmlObjectHelper::IsNamespaceValid() tells the form.
   std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
 
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
@@ -322,7 +322,8 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace().
   CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
   ~CElementCol() override;
-  /// A collection with clones of the elements and the same namespaces.
+  /// A collection with clones of the elements and the same namespaces and limits.
+  /// \throws CQnInvalidNamespaceException as CElement::Clone().
   CSmartPtr<CElementCol> Clone() const;
 
   /// Append \p element, which becomes shared with the caller.
