@@ -92,7 +92,9 @@ class CReadingCol : public CXmlCollection {
   }
   CXmlElement* FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) override {
     while (DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), GetNamespace().c_str())) {
-      CXmlObjectBase::FromXml_Int(Add(), cursor, cursor->GetFirstElement(), ctx);
+      CSmartPtr<CReading> const item = CReading::CreateInstance(GetElementName().c_str());
+      CXmlObjectBase::FromXml_Int(item, cursor, cursor->GetFirstElement(), ctx);
+      AppendItem(item);
       cursor = cursor->GetNextSiblingElement();
     }
     return cursor;  // the first element that was not taken

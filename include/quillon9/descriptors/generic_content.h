@@ -322,7 +322,7 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace().
   CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
   ~CElementCol() override;
-  /// A collection with clones of the elements and the same namespaces and limits.
+  /// A collection with clones of the elements and the same namespaces.
   /// \throws CQnInvalidNamespaceException as CElement::Clone().
   CSmartPtr<CElementCol> Clone() const;
 
