@@ -135,12 +135,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
                                                           CXmlElement* cursor, XmlElementType type) {
   bool const isGroup = type != XmlElementType_Element;
   CXmlElement* const entry = cursor;
-  int const count = GetClassElementInfoCount();
   std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
-  for (int i = 0; i < count; ++i) {
-    CElementInfo* const member = GetClassElementInfo()[i];
+  for (CElementInfo* const* entryOf = GetClassElementInfo(); *entryOf != nullptr; ++entryOf) {
+    CElementInfo* const member = *entryOf;
     CXmlElement* const start = cursor;
-    unsigned long const takes = FailedScans::Takes();
+    unsigned long const takes = isGroup ? FailedScans::Takes() : 0;
     if (isGroup) cursor = FailedScans::Skip(member, parent, cursor);
     if (cursor == nullptr && start != nullptr) return entry;
     CXmlElement* at = cursor;

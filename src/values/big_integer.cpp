@@ -6,17 +6,12 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/values/decimal.h"
+#include "values/digits.h"
 #include "values/limbs.h"
-#include "values/number_text.h"
 
 namespace Quillon9 {
 
 namespace {
-
-using Digits = std::vector<char>;
-
-// Up to it, dividing a double by ten and cutting the fraction gives the digits of the integer.
-constexpr double kExactDouble = 9007199254740992.0;
 
 [[noreturn]] void ThrowInvalid(char const* message) { throw CQnInvalidValueException(message); }
 
@@ -25,58 +20,6 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 // What needs no CDecimal to be understood.
 bool IsIntegerCharacter(char c) {
   return IsDigit(c) || c == '-' || c == '+' || c == ' ' || c == '\t' || c == '\n' || c == '\r';
-}
-
-// The run of digits that ends at `end`.
-Digits ReadLastRun(char const* begin, char const* end) {
-  char const* first = end;
-  while (first != begin && IsDigit(first[-1])) --first;
-  while (first != end && *first == '0') ++first;
-  if (first == end) return Digits(1, 0);
-  Digits digits(static_cast<std::size_t>(end - first));
-  for (char& digit : digits) digit = static_cast<char>(*--end - '0');
-  return digits;
-}
-
-template <class Unsigned>
-void BuildUnsigned(Unsigned value, Digits& digits) {
-  char buffer[24];
-  std::size_t count = 0;
-  do {
-    buffer[count++] = static_cast<char>(value % 10);
-    value /= 10;
-  } while (value != 0);
-  digits.assign(buffer, buffer + count);
-}
-
-// The same vector may stand for both. Allocates before it changes anything.
-void AddInto(Digits& to, Digits const& from) {
-  std::size_t const size = std::max(to.size(), from.size());
-  if (size == 0) return;
-  int const top = (to.size() == size ? to.back() : 0) + (from.size() == size ? from.back() : 0);
-  if (top >= 9) to.reserve(size + 1);
-  to.resize(size);
-  int carry = 0;
-  for (std::size_t i = 0; i < from.size() || (carry != 0 && i < size); ++i) {
-    int const sum = to[i] + (i < from.size() ? from[i] : 0) + carry;
-    carry = sum >= 10 ? 1 : 0;
-    to[i] = static_cast<char>(carry != 0 ? sum - 10 : sum);
-  }
-  if (carry != 0) to.push_back(1);
-}
-
-// False when `from` is above `to`, which then makes no sense any more.
-bool SubtractFrom(Digits& to, Digits const& from) {
-  if (CBigInteger::Position(from) >= static_cast<std::ptrdiff_t>(to.size())) return false;
-  std::size_t const size = std::min(to.size(), from.size());
-  int borrow = 0;
-  for (std::size_t i = 0; i < size || (borrow != 0 && i < to.size()); ++i) {
-    int const difference = to[i] - (i < size ? from[i] : 0) - borrow;
-    borrow = difference < 0 ? 1 : 0;
-    to[i] = static_cast<char>(borrow != 0 ? difference + 10 : difference);
-  }
-  CBigInteger::Clean(to);
-  return borrow == 0;
 }
 
 }  // namespace
@@ -94,16 +37,16 @@ CBigInteger::CBigInteger() : m_digits(1, 0) {}
 
 CBigInteger::CBigInteger(int value) : m_sign(value < 0 ? -1 : 1) {
   unsigned int const bits = static_cast<unsigned int>(value);
-  Build(value < 0 ? 0U - bits : bits, m_digits);
+  m_digits = DigitsOf(value < 0 ? 0U - bits : bits);
 }
 
-CBigInteger::CBigInteger(double value) : m_sign(value < 0 ? -1 : 1) { BuildDouble(std::fabs(value), m_digits); }
+CBigInteger::CBigInteger(double value) : m_sign(value < 0 ? -1 : 1), m_digits(DigitsOfDouble(std::fabs(value))) {}
 
 CBigInteger::CBigInteger(char const* text) { Parse(text); }
 
 CBigInteger::CBigInteger(CDecimal const& value) : CBigInteger(value.ToBigInteger()) {}
 
-CBigInteger::CBigInteger(std::int32_t sign, std::vector<char> digits) : m_sign(sign), m_digits(std::move(digits)) {}
+CBigInteger::CBigInteger(std::int32_t sign, std::string digits) : m_sign(sign), m_digits(std::move(digits)) {}
 
 CBigInteger::CBigInteger(CBigInteger const& other) = default;
 CBigInteger::CBigInteger(CBigInteger&& other) noexcept = default;
@@ -119,15 +62,15 @@ CBigInteger::~CBigInteger() = default;
 // ---- Sums
 
 void CBigInteger::AddSigned(CBigInteger const& other, std::int32_t otherSign) {
-  if (m_sign == otherSign) return AddInto(m_digits, other.m_digits);
-  int const order = Compare(m_digits, other.m_digits);
+  if (m_sign == otherSign) return AddDigits(m_digits, other.m_digits);
+  int const order = CompareDigits(m_digits, other.m_digits);
   if (order == 0) {
     *this = CBigInteger();
   } else if (order > 0) {
-    SubtractFrom(m_digits, other.m_digits);
+    SubtractDigits(m_digits, other.m_digits);
   } else {
     Digits difference = other.m_digits;
-    SubtractFrom(difference, m_digits);
+    SubtractDigits(difference, m_digits);
     m_digits = std::move(difference);
     m_sign = otherSign;
   }
@@ -158,18 +101,15 @@ CBigInteger CBigInteger::operator-(CBigInteger const& other) const {
 // ---- Products and quotients
 
 CBigInteger CBigInteger::operator*(CBigInteger const& other) const {
-  CBigInteger product(m_sign * other.m_sign, Digits());
-  Multiply(m_digits, other.m_digits, product.m_digits);
-  return product;
+  return CBigInteger(m_sign * other.m_sign, MultipliedDigits(m_digits, other.m_digits));
 }
 
 CBigInteger& CBigInteger::operator*=(CBigInteger const& other) { return *this = *this * other; }
 
 CBigInteger CBigInteger::DividedBy(CBigInteger const& divisor, CBigInteger& remainder) const {
-  CBigInteger quotient(m_sign == divisor.m_sign ? 1 : -1, Digits());
   remainder.m_sign = m_sign;
-  Divide(m_digits, divisor.m_digits, quotient.m_digits, remainder.m_digits);
-  return quotient;
+  remainder.m_digits = m_digits;
+  return CBigInteger(m_sign == divisor.m_sign ? 1 : -1, DividedDigits(remainder.m_digits, divisor.m_digits));
 }
 
 // The sign alone is asked first, as operator< does; a zero divisor is only refused where there is something to
@@ -211,15 +151,11 @@ CBigInteger CBigInteger::SquareRoot() const {
   return root;
 }
 
-CBigInteger CBigInteger::Pow10(unsigned int exponent) {
-  CBigInteger power(1, Digits());
-  Pow10(exponent, power.m_digits);
-  return power;
-}
+CBigInteger CBigInteger::Pow10(unsigned int exponent) { return CBigInteger(1, DigitsOfPow10(exponent)); }
 
 // Multiply by ten to the power of `exponent`.
 void CBigInteger::TimesPow10(std::size_t exponent) {
-  if (exponent != 0 && !IsZero()) m_digits.insert(m_digits.begin(), exponent, 0);
+  if (exponent != 0 && !IsZero()) m_digits.insert(0, exponent, 0);
 }
 
 // Divide by ten to the power of `exponent` and return the remainder, with the signs that / and % give.
@@ -228,10 +164,9 @@ CBigInteger CBigInteger::SplitAtPow10(std::size_t exponent) {
     m_sign = 1;
     return CBigInteger();
   }
-  auto const split = static_cast<std::ptrdiff_t>(std::min(exponent, m_digits.size()));
-  CBigInteger remainder(m_sign, Digits(m_digits.begin(), m_digits.begin() + split));
-  Clean(remainder.m_digits);
-  m_digits.erase(m_digits.begin(), m_digits.begin() + split);
+  CBigInteger remainder(m_sign, m_digits.substr(0, exponent));
+  CleanDigits(remainder.m_digits);
+  m_digits.erase(0, exponent);
   if (m_digits.empty()) m_digits.push_back(0);
   return remainder;
 }
@@ -303,95 +238,73 @@ void CBigInteger::Parse(char const* text) {
   while (end != begin && end[-1] == ' ') --end;
   while (begin != end && *begin == ' ') ++begin;
   bool const isNegative = begin != end && *begin == '-';
-  m_digits = ReadLastRun(begin, end);
+  m_digits = DigitsOfLastRun(begin, end);
   m_sign = isNegative ? -1 : 1;
 }
 
 // ---- Helpers on magnitudes
 
+namespace {
+
+Digits DigitsIn(std::vector<char> const& vector) { return Digits(vector.begin(), vector.end()); }
+
+void Store(Digits const& digits, std::vector<char>& vector) { vector.assign(digits.begin(), digits.end()); }
+
+}  // namespace
+
 int CBigInteger::Compare(std::vector<char> const& a, std::vector<char> const& b) {
-  if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
-  for (std::size_t i = a.size(); i-- != 0;) {
-    if (a[i] != b[i]) return a[i] < b[i] ? -1 : 1;
-  }
-  return 0;
+  return CompareDigits({a.data(), a.size()}, {b.data(), b.size()});
 }
 
 void CBigInteger::Add(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& result) {
-  Digits sum = a;
-  AddInto(sum, b);
-  result = std::move(sum);
+  Digits sum = DigitsIn(a);
+  AddDigits(sum, DigitsIn(b));
+  Store(sum, result);
 }
 
 void CBigInteger::Subtract(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& result) {
-  Digits difference = a;
-  if (!SubtractFrom(difference, b)) throw CQnInvalidParamException("The subtrahend is above the minuend");
-  result = std::move(difference);
+  Digits difference = DigitsIn(a);
+  if (!SubtractDigits(difference, DigitsIn(b))) throw CQnInvalidParamException("The subtrahend is above the minuend");
+  Store(difference, result);
 }
 
 void CBigInteger::Multiply(std::vector<char> const& a, char digit, std::vector<char>& result) {
-  Multiply(a, Digits(1, digit), result);
+  Multiply(a, std::vector<char>(1, digit), result);
 }
 
 void CBigInteger::Multiply(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& result) {
-  if (a.size() + b.size() <= kWideDigits) return UnpackWide(PackWide(a) * PackWide(b), result);
-  UnpackDigits(MultiplyLimbs(PackDigits(a), PackDigits(b)), result);
+  Store(MultipliedDigits({a.data(), a.size()}, {b.data(), b.size()}), result);
 }
 
 void CBigInteger::Divide(std::vector<char> const& a, std::vector<char> const& b, std::vector<char>& quotient,
                          std::vector<char>& remainder) {
-  if (Position(b) < 0) ThrowInvalid("ERROR: Overflow in Divide.");
-  if (std::max(a.size(), b.size()) <= kWideDigits) {
-    Wide const dividend = PackWide(a);
-    Wide const divisor = PackWide(b);
-    UnpackWide(dividend / divisor, quotient);
-    UnpackWide(dividend % divisor, remainder);
-    return;
-  }
-  Limbs rest = PackDigits(a);
-  UnpackDigits(DivideLimbs(rest, PackDigits(b)), quotient);
-  UnpackDigits(rest, remainder);
+  Digits rest = DigitsIn(a);
+  Store(DividedDigits(rest, DigitsIn(b)), quotient);
+  Store(rest, remainder);
 }
 
 void CBigInteger::Clean(std::vector<char>& digits) {
-  while (!digits.empty() && digits.back() == 0) digits.pop_back();
-  if (digits.empty()) digits.push_back(0);
+  digits.resize(std::max<std::size_t>(CountDigits({digits.data(), digits.size()}), 1));
 }
 
 void CBigInteger::ShiftLeft(std::vector<char>& digits, unsigned int count) { digits.insert(digits.begin(), count, 0); }
 
 std::ptrdiff_t CBigInteger::Position(std::vector<char> const& digits) {
-  std::size_t size = digits.size();
-  while (size != 0 && digits[size - 1] == 0) --size;
-  return static_cast<std::ptrdiff_t>(size) - 1;
+  return static_cast<std::ptrdiff_t>(CountDigits({digits.data(), digits.size()})) - 1;
 }
 
-void CBigInteger::Build(unsigned int value, std::vector<char>& digits) { BuildUnsigned(value, digits); }
+void CBigInteger::Build(unsigned int value, std::vector<char>& digits) { Store(DigitsOf(value), digits); }
 
-void CBigInteger::BuildDWORDLONG(unsigned long long value, std::vector<char>& digits) { BuildUnsigned(value, digits); }
+void CBigInteger::BuildDWORDLONG(unsigned long long value, std::vector<char>& digits) {
+  Store(DigitsOf(value), digits);
+}
 
 void CBigInteger::Build(std::string const& text, std::vector<char>& digits) {
-  digits = ReadLastRun(text.data(), text.data() + text.size());
+  Store(DigitsOfLastRun(text.data(), text.data() + text.size()), digits);
 }
 
-void CBigInteger::BuildDouble(double value, std::vector<char>& digits) {
-  if (!std::isfinite(value)) {
-    std::string const text = GeneralText(value, 6);
-    throw CQnInvalidValueException(FormatString("The value [%s] can not be converted to a BigInteger", text.c_str()));
-  }
-  double rest = std::ceil(value - 0.5);
-  if (rest <= kExactDouble) return BuildUnsigned(rest > 0 ? static_cast<std::uint64_t>(rest) : 0, digits);
-  Digits built;
-  while (rest > 0) {
-    built.push_back(static_cast<char>(std::fmod(rest, 10.0)));
-    rest = std::trunc(rest / 10.0);
-  }
-  digits = std::move(built);
-}
+void CBigInteger::BuildDouble(double value, std::vector<char>& digits) { Store(DigitsOfDouble(value), digits); }
 
-void CBigInteger::Pow10(unsigned int exponent, std::vector<char>& digits) {
-  digits.assign(std::size_t{exponent} + 1, 0);
-  digits.back() = 1;
-}
+void CBigInteger::Pow10(unsigned int exponent, std::vector<char>& digits) { Store(DigitsOfPow10(exponent), digits); }
 
 }  // namespace Quillon9

@@ -41,15 +41,24 @@ Narrow NarrowInteger(Wide wide, std::string const& text, char const* tooLarge) {
   return static_cast<Narrow>(wide);
 }
 
+// The words that stand for no number or for infinity.
+bool IsFloatingWord(std::string const& text, double& value) {
+  if (text.empty() || text == "NaN" || text == "1.#QNAN" || text == "-NAN") {
+    value = std::numeric_limits<double>::quiet_NaN();
+  } else if (text == "INF" || text == "-INF") {
+    value = std::numeric_limits<double>::infinity() * (text[0] == '-' ? -1 : 1);
+  } else {
+    return false;
+  }
+  return true;
+}
+
 double ParseFloating(std::string const& text, WhitespaceRule rule, char const* malformed) {
   std::string scratch;
   std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
-  if (number.empty() || number == "NaN" || number == "1.#QNAN" || number == "-NAN") {
-    return std::numeric_limits<double>::quiet_NaN();
-  }
-  if (number == "-INF") return -std::numeric_limits<double>::infinity();
-  if (number == "INF") return std::numeric_limits<double>::infinity();
+  bool const endsInDigit = !number.empty() && number.back() >= '0' && number.back() <= '9';
   double value = 0;
+  if (!endsInDigit && IsFloatingWord(number, value)) return value;
   if (ParseDouble(number, value) != NumberStatus::Ok) ThrowInvalidValue(malformed, number);
   return value;
 }
@@ -150,8 +159,8 @@ std::string CConversions::booleanToString(bool value) { return value ? "true" : 
 bool CConversions::booleanFromString(std::string const& text, WhitespaceRule rule) {
   std::string scratch;
   std::string const& word = CWhitespaceUtils::ApplyRule(rule, text, scratch);
-  if (word == "1" || IsSameWord(word, "true")) return true;
-  if (word == "0" || IsSameWord(word, "false")) return false;
+  if (IsSameWord(word, "true") || IsSameWord(word, "1")) return true;
+  if (IsSameWord(word, "false") || IsSameWord(word, "0")) return false;
   ThrowInvalidValue(
       "A Boolean Value read from an XML document was invalid [%s]. Valid values are 'true', 'false', '1', or '0'",
       text);

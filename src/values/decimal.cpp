@@ -4,17 +4,15 @@
 
 #include <algorithm>
 #include <utility>
-#include <vector>
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/values/whitespace.h"
+#include "values/digits.h"
 #include "values/number_text.h"
 
 namespace Quillon9 {
 
 namespace {
-
-using Digits = std::vector<char>;
 
 // No real value comes near these; eight characters of text must not cost gigabytes. The larger limit is for the
 // digits in front of the point and for those behind it, the other one for the exponent as text and for dividers.
@@ -116,11 +114,25 @@ Digits ReadDigits(DigitRange range) {
     ++range.begin;
   }
   if (range.count == 0) return Digits(1, 0);
-  Digits digits(range.count);
+  Digits digits(range.count, 0);
   for (char const* at = range.begin; at != range.end; ++at) {
     if (IsDigit(*at)) digits[--range.count] = static_cast<char>(*at - '0');
   }
   return digits;
+}
+
+char const* EndOfDigits(char const* at) {
+  while (IsDigit(*at)) ++at;
+  return at;
+}
+
+// The digits of the text, which has no others, without zeros in front.
+void TakeDigits(char const* begin, char const* end, Digits& digits) {
+  while (begin != end && *begin == '0') ++begin;
+  digits.assign(1, 0);
+  if (begin == end) return;
+  digits.resize(static_cast<std::size_t>(end - begin));
+  for (char& digit : digits) digit = static_cast<char>(*--end - '0');
 }
 
 // Whether the magnitude is above half of ten to the power of `exponent`, which is above 0.
@@ -164,14 +176,39 @@ CDecimal::CDecimal(CBigInteger const& whole, CBigInteger const& fraction, int di
 CDecimal::CDecimal(CDecimal const& other) = default;
 CDecimal::CDecimal(CDecimal&& other) noexcept = default;
 CDecimal& CDecimal::operator=(CDecimal const& other) {
-  if (this != &other) *this = CDecimal(other);
+  m_whole.m_digits.reserve(other.m_whole.m_digits.size());
+  m_fraction.m_digits.reserve(other.m_fraction.m_digits.size());
+  m_whole = other.m_whole;  // from here on nothing can fail
+  m_fraction = other.m_fraction;
+  m_divider = other.m_divider;
   return *this;
 }
 CDecimal& CDecimal::operator=(CDecimal&& other) noexcept = default;
 CDecimal::~CDecimal() = default;
 
+// What nearly all texts are: a sign, digits, a point and digits, so few that they need no memory. Takes a third of the
+// time of the long way. False when it is another text, and nothing has changed then.
+bool CDecimal::ParseShort(char const* text) {
+  constexpr std::ptrdiff_t kMost = 15;
+  bool const isNegative = *text == '-';
+  char const* const whole = text + (isNegative ? 1 : 0);
+  char const* const point = EndOfDigits(whole);
+  char const* const fraction = *point == '.' ? point + 1 : point;
+  char const* const end = EndOfDigits(fraction);
+  if (*end != '\0' || point - whole > kMost || end - fraction > kMost) return false;
+  char const* last = end;
+  while (last != fraction && last[-1] == '0') --last;
+  if (last == fraction && end != fraction) return false;  // its divider is another one
+  TakeDigits(whole, point, m_whole.m_digits);
+  TakeDigits(fraction, last, m_fraction.m_digits);
+  m_whole.m_sign = m_fraction.m_sign = isNegative ? -1 : 1;
+  m_divider = static_cast<std::int32_t>(std::max<std::ptrdiff_t>(last - fraction, 1));
+  return true;
+}
+
 void CDecimal::Parse(char const* text) {
   if (text == nullptr) throw CQnInvalidParamException("The text of a Decimal is null");
+  if (ParseShort(text)) return;
   DecimalText const parts = Scan(text);
   bool const isBeyondLimit = parts.exponent > kMaxExponent;
   if (isBeyondLimit && !parts.isExponentNegative) ThrowExponentBeyondLimit(text);
@@ -235,7 +272,7 @@ void CDecimal::Rationalise() {
     dropped = std::min<std::size_t>(most, 1);
   } else {
     while (dropped < most && digits[dropped] == 0) ++dropped;
-    digits.erase(digits.begin(), digits.begin() + static_cast<std::ptrdiff_t>(dropped));
+    digits.erase(0, dropped);
   }
   m_divider -= static_cast<std::int32_t>(dropped);
 }
@@ -428,7 +465,7 @@ std::string CDecimal::ToString(int digits) const {
 }
 
 double CDecimal::ToDouble() const {
-  if (CBigInteger::Compare(m_whole.m_digits, LargestDouble().m_digits) > 0) {
+  if (CompareDigits(m_whole.m_digits, LargestDouble().m_digits) > 0) {
     throw CQnOverFlowException("The Decimal value if to large to fit into a Double");
   }
   double value = 0;

@@ -55,7 +55,7 @@ void UnpackLimb(Limb limb, char* digits) {
   for (std::size_t i = 0; i != kLimbDigits; ++i, limb /= 10) digits[i] = static_cast<char>(limb % 10);
 }
 
-void TrimDigits(std::vector<char>& digits) {
+void TrimDigits(std::string& digits) {
   while (digits.size() > 1 && digits.back() == 0) digits.pop_back();
 }
 
@@ -234,7 +234,7 @@ Limbs EstimateRoot(Limbs const& value) {
 
 // ---- Digits
 
-Limbs PackDigits(std::vector<char> const& digits) {
+Limbs PackDigits(std::string_view digits) {
   Limbs limbs;
   limbs.reserve(digits.size() / kLimbDigits + 1);
   for (std::size_t at = 0; at < digits.size(); at += kLimbDigits) {
@@ -244,20 +244,20 @@ Limbs PackDigits(std::vector<char> const& digits) {
   return limbs;
 }
 
-Wide PackWide(std::vector<char> const& digits) {
+Wide PackWide(std::string_view digits) {
   std::size_t const low = std::min(kLimbDigits, digits.size());
   Wide const high = PackLimb(digits.data() + low, digits.size() - low);
   return high * kBase + PackLimb(digits.data(), low);
 }
 
-void UnpackDigits(Limbs const& limbs, std::vector<char>& digits) {
+void UnpackDigits(Limbs const& limbs, std::string& digits) {
   digits.resize(std::max<std::size_t>(limbs.size(), 1) * kLimbDigits);
   if (limbs.empty()) UnpackLimb(0, digits.data());
   for (std::size_t i = 0; i != limbs.size(); ++i) UnpackLimb(limbs[i], digits.data() + i * kLimbDigits);
   TrimDigits(digits);
 }
 
-void UnpackWide(Wide value, std::vector<char>& digits) {
+void UnpackWide(Wide value, std::string& digits) {
   char buffer[40];
   std::size_t count = 0;
   while (value >= kBase) {

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace Quillon9 {
@@ -18,13 +20,13 @@ constexpr std::size_t kWideDigits = 36;
 
 /// Convert from decimal digits as values 0 to 9, least significant first.
 /// \throws CQnInvalidParamException "Invalid decimal digit [%d]".
-Limbs PackDigits(std::vector<char> const& digits);
+Limbs PackDigits(std::string_view digits);
 /// The same for at most kWideDigits digits.
-Wide PackWide(std::vector<char> const& digits);
+Wide PackWide(std::string_view digits);
 
 /// Convert to decimal digits without most-significant zeros; zero is the one digit 0.
-void UnpackDigits(Limbs const& limbs, std::vector<char>& digits);
-void UnpackWide(Wide value, std::vector<char>& digits);
+void UnpackDigits(Limbs const& limbs, std::string& digits);
+void UnpackWide(Wide value, std::string& digits);
 
 /// The product; the method of Karatsuba where it pays.
 Limbs MultiplyLimbs(Limbs const& a, Limbs const& b);

@@ -19,6 +19,7 @@ template <class Held>
 void QnVariant::SetOwned(ItemType type, Held* value) {
   Clear();
   Store(type, value);
+  m_owns = true;
 }
 
 template <class Held>
@@ -27,16 +28,15 @@ void QnVariant::CopyHeld(ItemType type, QnVariant const& other) {
     Store(type, other.Load<Held>());
   } else {
     Held const* const value = other.Load<Held*>();
-    Store(type, value != nullptr ? new Held(*value) : nullptr);
+    SetOwned(type, value != nullptr ? new Held(*value) : nullptr);
   }
 }
 
 template <class Held>
 void QnVariant::DeleteHeld() {
   if constexpr (!std::is_arithmetic_v<Held>) {
-    if (!m_isBorrowed) delete Load<Held*>();
+    delete Load<Held*>();
     Store<Held*>(m_type, nullptr);
-    m_isBorrowed = false;
   }
 }
 
@@ -44,15 +44,17 @@ void QnVariant::SetReference(ItemType type, CXmlObjectBase* object) {
   if (object != nullptr) object->AddRef();  // first: it may be held by nobody but this variant
   Clear();
   Store(type, object);
+  m_owns = true;
 }
 
 void QnVariant::TakeFrom(QnVariant& other) {
-  if (other.m_isBorrowed) {
+  if (other.m_type == ItemType_string && !other.m_owns) {  // a borrowed one
     *this = static_cast<QnVariant const&>(other);
     return other.Clear();
   }
   std::memcpy(m_value, other.m_value, sizeof m_value);
   m_type = std::exchange(other.m_type, ItemType_invalid);
+  m_owns = std::exchange(other.m_owns, false);
 }
 
 QnVariant::QnVariant(QnVariant const& other) { *this = other; }
@@ -83,7 +85,8 @@ QnVariant& QnVariant::operator=(QnVariant&& other) {
 
 QnVariant::~QnVariant() { Clear(); }
 
-void QnVariant::Clear() {
+void QnVariant::Release() {
+  m_owns = false;
   switch (m_type) {
 #define QN_VALUE_KIND(number, stem, Access, Held) \
   case ItemType_##stem:                           \
@@ -97,7 +100,6 @@ void QnVariant::Clear() {
       break;
     case ItemType_invalid: break;
   }
-  m_type = ItemType_invalid;
 }
 
 // ---- Setters and getters that do more than copy a scalar
@@ -131,7 +133,6 @@ void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std
 void QnVariant::BorrowString(std::string const& value) {
   Clear();
   Store(ItemType_string, &value);
-  m_isBorrowed = true;
 }
 
 void QnVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(ItemType_xmlObject, object); }

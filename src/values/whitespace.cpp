@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "quillon9/binding/exceptions.h"
+#include "xmlio/byte_blocks.h"
 
 namespace Quillon9 {
 
@@ -25,7 +26,13 @@ bool IsReplaced(std::string const& text) {
   return !(hasSpace && hasZero);
 }
 
+bool HasBlankOrControl(std::string const& text) {
+  using namespace ByteBlocks;
+  return Any(text, '0', [](std::uint64_t block) { return Below(block, ' ' + 1); });
+}
+
 bool IsCollapsed(std::string const& text) {
+  if (!HasBlankOrControl(text)) return true;
   char last = ' ';
   for (char const c : text) {
     if (c == '\t' || c == '\n' || c == '\r' || c == '\0' || (c == ' ' && last == ' ')) return false;

@@ -66,9 +66,23 @@ CXmlElement::CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noex
     : m_document(document), m_name(&NoName()), m_memory(memory) {}
 
 CXmlElement::~CXmlElement() {
-  DeleteChildren();
-  for (CXmlAttribute* attribute : m_attributes) delete attribute;
+  if (m_firstChild != nullptr) DeleteChildren();
+  if (m_attributes != nullptr) DeleteAttributes();
   FreeName(m_name);
+}
+
+std::vector<CXmlAttribute*> const& CXmlElement::None() {
+  static std::vector<CXmlAttribute*> const none;
+  return none;
+}
+
+std::vector<CXmlAttribute*>& CXmlElement::OwnAttributes() {
+  if (m_attributes == nullptr) m_attributes = std::make_unique<std::vector<CXmlAttribute*>>();
+  return *m_attributes;
+}
+
+void CXmlElement::DeleteAttributes() {
+  for (CXmlAttribute* attribute : *m_attributes) delete attribute;
 }
 
 void* CXmlElement::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
@@ -109,7 +123,7 @@ void CXmlElement::DeleteChildren() {
 
 std::string const& CXmlElement::GetAttribute(std::string const& localName, std::string const& namespaceUri) const {
   static std::string const absent;
-  for (CXmlAttribute const* attribute : m_attributes) {
+  for (CXmlAttribute const* attribute : GetAttributes()) {
     if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri) {
       return attribute->GetValue();
     }
@@ -123,14 +137,14 @@ void CXmlElement::AppendText(char const* text, int length) {
 
 void CXmlElement::AddAttribute(std::string localName, std::string value, std::string namespaceUri) {
   auto attribute = std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
-  m_attributes.push_back(attribute.get());
+  OwnAttributes().push_back(attribute.get());
   attribute.release();
 }
 
 void CXmlElement::AddAttribute(CXmlName const* name, std::string value) {
   std::unique_ptr<CXmlAttribute> attribute(m_memory != nullptr ? new (*m_memory) CXmlAttribute(name, std::move(value))
                                                                : new CXmlAttribute(name, std::move(value)));
-  m_attributes.push_back(attribute.get());
+  OwnAttributes().push_back(attribute.get());
   attribute.release();
 }
 

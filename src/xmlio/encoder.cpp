@@ -10,6 +10,7 @@
 #include <memory>
 #include <utility>
 
+#include "xmlio/byte_blocks.h"
 #include "xmlio/utf8_scan.h"
 #include "xmlio/utf8_to_local.h"
 
@@ -174,6 +175,16 @@ void CEncoder::AppendUtf8ToLocalCodePage(std::string& target, char const* text, 
   CUtf8ToLocal().Append(target, {text, length});
 }
 
+namespace {
+
+// ASCII without zeros and carriage returns.
+bool IsPlain(std::string_view text) {
+  using namespace ByteBlocks;
+  return !Any(text, ' ', [](std::uint64_t block) { return Equal(block, '\r') | Below(block, 1) | block; });
+}
+
+}  // namespace
+
 CUtf8ToLocal::CUtf8ToLocal() : m_kind(Find()) {}
 
 CUtf8ToLocal::Kind CUtf8ToLocal::Find() {
@@ -187,6 +198,10 @@ CUtf8ToLocal::Kind CUtf8ToLocal::Find() {
 }
 
 void CUtf8ToLocal::AppendExcludingCR(std::string& target, std::string_view utf8) const {
+  if (m_kind != Kind::kOther && IsPlain(utf8)) {  // one look at it instead of four: two percent of reading
+    target.append(utf8);
+    return;
+  }
   std::size_t const start = target.size();
   Append(target, utf8);
   std::size_t const firstCR = target.find('\r', start);

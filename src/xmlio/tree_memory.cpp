@@ -90,12 +90,16 @@ void* CTreeMemory::AllocateAlone(std::size_t size) {
 void* CTreeMemory::Allocate(std::size_t size) {
   std::size_t const granules = (sizeof(Header) + size + kGranule - 1) / kGranule;
   if (granules >= kSizes) return AllocateAlone(size);
+  std::size_t const bytes = granules * kGranule;
   void* storage = m_free[granules];
   if (storage != nullptr) {
-    ASAN_UNPOISON_MEMORY_REGION(storage, granules * kGranule);
+    ASAN_UNPOISON_MEMORY_REGION(storage, bytes);
     m_free[granules] = m_free[granules]->next;
   } else {
-    storage = TakeFromBlock(granules * kGranule);
+    if (static_cast<std::size_t>(m_blockEnd - m_blockAt) < bytes) StartBlock();
+    storage = m_blockAt;
+    ASAN_UNPOISON_MEMORY_REGION(storage, bytes);
+    m_blockAt += bytes;
   }
   ++m_nodes;
   auto* const header = static_cast<Header*>(storage);
@@ -103,16 +107,11 @@ void* CTreeMemory::Allocate(std::size_t size) {
   return header + 1;
 }
 
-void* CTreeMemory::TakeFromBlock(std::size_t size) {
-  if (static_cast<std::size_t>(m_blockEnd - m_blockAt) < size) {
-    m_blocks.push_back(BlockCache::Take());
-    m_blockAt = m_blocks.back().get();
-    m_blockEnd = m_blockAt + kBlockSize;
-    ASAN_POISON_MEMORY_REGION(m_blockAt, kBlockSize);
-  }
-  ASAN_UNPOISON_MEMORY_REGION(m_blockAt, size);
-  m_blockAt += size;
-  return m_blockAt - size;
+void CTreeMemory::StartBlock() {
+  m_blocks.push_back(BlockCache::Take());
+  m_blockAt = m_blocks.back().get();
+  m_blockEnd = m_blockAt + kBlockSize;
+  ASAN_POISON_MEMORY_REGION(m_blockAt, kBlockSize);
 }
 
 void CTreeMemory::Free(void* node, std::size_t size) noexcept {

@@ -46,7 +46,7 @@ class CTreeMemory {
   static constexpr std::size_t kSizes = 20;  // nodes of up to 152 bytes with their header
 
   ~CTreeMemory();
-  void* TakeFromBlock(std::size_t size);
+  void StartBlock();
 
   std::size_t m_nodes = 0;
   bool m_isAbandoned = false;

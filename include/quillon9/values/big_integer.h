@@ -172,7 +172,7 @@ class QUILLON9_API CBigInteger {
  private:
   friend class CDecimal;
 
-  CBigInteger(std::int32_t sign, std::vector<char> digits);
+  CBigInteger(std::int32_t sign, std::string digits);
 
   bool IsZero() const { return m_digits.size() <= 1 && (m_digits.empty() || m_digits[0] == 0); }
   int Order(CBigInteger const& other, std::size_t shift = 0, std::size_t otherShift = 0) const;
@@ -182,8 +182,8 @@ class QUILLON9_API CBigInteger {
   void TimesPow10(std::size_t exponent);
   CBigInteger SplitAtPow10(std::size_t exponent);
 
-  std::int32_t m_sign = 1;     // +1 or -1
-  std::vector<char> m_digits;  // as the helpers want them
+  std::int32_t m_sign = 1;  // +1 or -1
+  std::string m_digits;     // as the helpers want them, here in a string because it keeps a few without memory
 };
 
 /// Arithmetic and comparison with an int, in both orders. Without them, `value + 1` could as well mean the sum

@@ -150,6 +150,7 @@ class QUILLON9_API CDecimal {
   struct Unset {};
   explicit CDecimal(Unset);  // no digits yet, and no memory for them
 
+  bool ParseShort(char const* text);
   int CompareFractions(CDecimal const& other) const;
   CBigInteger GetUnits() const;
   void SetUnits(CBigInteger units, std::size_t divider);

@@ -49,7 +49,10 @@ class QUILLON9_API QnVariant {
 
   /// Release what is held; the variant then holds nothing.
   ///@{
-  void Clear();
+  void Clear() {
+    if (m_owns) Release();
+    m_type = ItemType_invalid;
+  }
   void SetInvalid() { Clear(); }
   ///@}
 
@@ -175,6 +178,7 @@ class QUILLON9_API QnVariant {
   void SetOwned(ItemType type, Held* value);
   template <class Held>
   void CopyHeld(ItemType type, QnVariant const& other);
+  void Release();
   template <class Held>
   void DeleteHeld();
   void SetReference(ItemType type, CXmlObjectBase* object);
@@ -186,7 +190,7 @@ class QUILLON9_API QnVariant {
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 
   ItemType m_type = ItemType_invalid;
-  bool m_isBorrowed = false;                 // of a string: somebody else's
+  bool m_owns = false;                       // what the value points to, or a counted reference to it
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to what is owned
 };
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -89,7 +90,7 @@ class QUILLON9_API CXmlElement {
   /// All character data directly inside the element.
   std::string const& GetText() const { return m_text; }
   /// The attributes in document order.
-  std::vector<CXmlAttribute*> const& GetAttributes() const { return m_attributes; }
+  std::vector<CXmlAttribute*> const& GetAttributes() const { return m_attributes != nullptr ? *m_attributes : None(); }
   /// The value of the first attribute with exactly this name and namespace. An absent attribute gives an empty
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
@@ -117,7 +118,7 @@ class QUILLON9_API CXmlElement {
   /// The same with a name that lives as long as this.
   void AddAttribute(CXmlName const* name, std::string value);
   /// Make room for \p count attributes in all.
-  void ReserveAttributes(std::size_t count) { m_attributes.reserve(count); }
+  void ReserveAttributes(std::size_t count) { OwnAttributes().reserve(count); }
 
   /// Append a child without name and return it; it stays owned by this element.
   CXmlElement* CreateNewChildElement();
@@ -136,6 +137,9 @@ class QUILLON9_API CXmlElement {
   friend class CXmlDocument;
   /// An element in \p memory.
   CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept;
+  static std::vector<CXmlAttribute*> const& None();
+  std::vector<CXmlAttribute*>& OwnAttributes();
+  void DeleteAttributes();
   void DeleteChildren();
   CXmlName* OwnName();
 
@@ -143,7 +147,7 @@ class QUILLON9_API CXmlElement {
   CXmlElement* m_nextSibling = nullptr;
   CXmlElement* m_firstChild = nullptr;
   CXmlElement* m_lastChild = nullptr;
-  std::vector<CXmlAttribute*> m_attributes;
+  std::unique_ptr<std::vector<CXmlAttribute*>> m_attributes;  // null for none, as most elements have
   std::string m_text;
   CXmlName const* m_name;
   /// Makes RemoveLastChildElement constant, so that a filter that drops many of a million siblings stays linear.
