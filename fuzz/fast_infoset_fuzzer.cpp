@@ -1,18 +1,27 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 
 #include "fastinfoset/constants.h"
+#include "fuzzing.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
+#include "tree.h"
 
 namespace {
 
-/// A context that puts entries into every table beforehand.
-Quillon9::CXmlSerializationContext ContextWithVocabulary() {
-  Quillon9::CXmlSerializationContext context;
-  Quillon9::CFIVocabulary& vocabulary = context.GetFIContext()->GetVocabulary();
+using namespace Quillon9;
+
+enum Options : unsigned { kWithVocabulary = 1, kWithoutNamespaces = 2, kSmall = 4 };
+
+/// With a vocabulary, every table has entries beforehand.
+CXmlSerializationContext ContextOf(unsigned options) {
+  CXmlSerializationContext context;
+  if ((options & kWithoutNamespaces) != 0) context.SetSchemaType(SchemaType_DTD);
+  if ((options & kWithVocabulary) == 0) return context;
+  CFIVocabulary& vocabulary = context.GetFIContext()->GetVocabulary();
   vocabulary.AddElement("p", "urn:p", "element");
   vocabulary.AddAttribute("", "", "attribute");
   vocabulary.AddElementValue("text");
@@ -21,25 +30,28 @@ Quillon9::CXmlSerializationContext ContextWithVocabulary() {
   return context;
 }
 
-/// Gives a tree or a failure, and nothing else.
-void Load(Quillon9::CXmlSerializationContext const& context, std::uint8_t const* data, std::size_t size) {
-  Quillon9::CXmlDocument document(context);
-  try {
-    document.LoadXmlStream(data, size);
-  } catch (Quillon9::CQnException const&) {
-    return;
-  }
-  if (document.GetDocumentElement() == nullptr) __builtin_trap();
-}
-
 }  // namespace
 
-/// Only what has the header reaches the reader of Fast Infoset; all else is for the fuzz target of documents.
+/// Only what has the header reaches the reader of Fast Infoset; all else is for the fuzz target of documents. It gives
+/// a failure or a tree, which can be written in the same format, and in text where its names and characters allow it,
+/// and is then read again.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   using Quillon9::fi::kHeader;
-  static Quillon9::CXmlSerializationContext const withVocabulary = ContextWithVocabulary();
-  if (size <= sizeof kHeader || std::memcmp(data, kHeader, sizeof kHeader) != 0) return -1;
-  Load(Quillon9::CXmlSerializationContext::m_defaultContext, data, size);
-  Load(withVocabulary, data, size);
+  Fuzzing::Input input(data, size);
+  unsigned const options = input.Options();
+  if (input.Size() <= sizeof kHeader || std::memcmp(input.Data(), kHeader, sizeof kHeader) != 0) return -1;
+  Fuzzing::LimitContent((options & kSmall) != 0 ? 1000 : 1u << 20);
+  CXmlSerializationContext const context = ContextOf(options);
+  CXmlDocument document(context);
+  try {
+    document.LoadXmlStream(input.Data(), input.Size());
+  } catch (CQnException const&) {
+    return 0;
+  }
+  Fuzzing::Require(document.GetDocumentElement() != nullptr, "a document has an element");
+  CXmlElement const& root = *document.GetDocumentElement();
+  if ((options & kWithoutNamespaces) != 0 || !Fuzzing::All(root, Fuzzing::IsWrittenWhole)) return 0;
+  Fuzzing::RequireFastInfosetAgain(root, context);
+  if (Fuzzing::All(root, Fuzzing::FitsText)) Fuzzing::RequireTextAgain(root, context);
   return 0;
 }

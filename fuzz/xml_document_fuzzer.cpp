@@ -1,15 +1,81 @@
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
+#include "fuzzing.h"
 #include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
+#include "tree.h"
 
-/// Bytes of any kind, compressed ones among them, give a tree or a failure, and nothing else.
-extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-  Quillon9::CXmlDocument document;
-  try {
-    document.LoadXmlStream(data, size);
-  } catch (Quillon9::CQnException const&) {
+namespace {
+
+using namespace Quillon9;
+
+enum Options : unsigned {
+  kWithoutNamespaces = 1,
+  kKeepCdata = 2,
+  kAsText = 4,
+  kAsWideText = 8,
+  kFiltered = 16,
+  kSmall = 32
+};
+
+CXmlSerializationContext ContextOf(unsigned options) {
+  CXmlSerializationContext context;
+  if ((options & kWithoutNamespaces) != 0) context.SetSchemaType(SchemaType_DTD);
+  context.SetStripCDATA((options & kKeepCdata) == 0);
+  return context;
+}
+
+bool DropShortNames(CXmlElement* element) { return element->GetLocalName().size() != 1; }
+
+/// ASCII stays as it is, the other octets become characters up to U+FF00, surrogates among them.
+std::wstring Wide(std::string const& octets) {
+  std::wstring wide;
+  for (unsigned char const octet : octets) wide += static_cast<wchar_t>(octet < 0x80 ? octet : octet << 8);
+  return wide;
+}
+
+void Load(CXmlDocument& document, unsigned options, Fuzzing::Input const& input) {
+  if ((options & kAsWideText) != 0) {
+    document.LoadXml(Wide(input.Rest()).c_str());
+  } else if ((options & kAsText) != 0) {
+    document.LoadXml(input.Rest().c_str());
+  } else {
+    document.LoadXmlStream(input.Data(), input.Size());
   }
+}
+
+/// Fast Infoset begins with an octet that text never does, or with a declaration of its own.
+bool IsFastInfoset(CXmlDocument const& document) {
+  std::string const start(reinterpret_cast<char const*>(document.GetInputData()),
+                          document.GetInputSize() < 100 ? document.GetInputSize() : 100);
+  return start.compare(0, 2, std::string("\xE0\0", 2)) == 0 || start.find("finf") != std::string::npos;
+}
+
+}  // namespace
+
+/// Octets of any kind, compressed ones among them, give a failure or a tree. The tree can be written in either format
+/// and is then read again.
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  Fuzzing::Input input(data, size);
+  unsigned const options = input.Options();
+  Fuzzing::LimitContent((options & kSmall) != 0 ? 1000 : 1u << 20);
+  CXmlSerializationContext const context = ContextOf(options);
+  CXmlDocument document((options & kFiltered) != 0 ? DropShortNames : nullptr, context);
+  try {
+    Load(document, options, input);
+  } catch (CQnException const&) {
+    return 0;
+  }
+  if (document.GetDocumentElement() == nullptr) return 0;  // the filter may drop that one too
+  CXmlElement const& root = *document.GetDocumentElement();
+  if (!Fuzzing::All(root, Fuzzing::IsWrittenWhole)) return 0;
+  // Fast Infoset has namespaces under any schema, text then has none.
+  bool const isInfoset = IsFastInfoset(document);
+  if (isInfoset && ((options & kWithoutNamespaces) != 0 || !Fuzzing::All(root, Fuzzing::FitsText))) return 0;
+  Fuzzing::RequireTextAgain(root, context);
+  if ((options & kWithoutNamespaces) == 0) Fuzzing::RequireFastInfosetAgain(root, context);
   return 0;
 }

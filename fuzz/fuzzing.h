@@ -1,0 +1,68 @@
+#pragma once
+
+#include <clocale>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "quillon9/binding/limits.h"
+#include "quillon9/values/binary_data.h"
+
+/// What the fuzz targets have in common: the octets of an input taken one after the other, and the end of a run that
+/// breaks what must hold.
+namespace Fuzzing {
+
+/// Values and trees are in the code page of the locale: in this one nothing is lost on the way. Set before main.
+inline bool const kIsUtf8 = std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
+
+/// Ends the process with a message unless \p holds.
+inline void Require(bool holds, char const* what, std::string const& got = "", std::string const& expected = "") {
+  if (holds) return;
+  std::fprintf(stderr, "broken: %s\n  got      [%s]\n  expected [%s]\n", what, got.c_str(), expected.c_str());
+  std::abort();
+}
+
+inline void RequireEqual(std::string const& got, std::string const& expected, char const* what) {
+  Require(got == expected, what, got, expected);
+}
+
+/// One input. Options are octets from '@' on, so that seeds are readable: '@' sets no bit, 'A' the lowest, and so on.
+class Input {
+ public:
+  Input(std::uint8_t const* data, std::size_t size) : m_data(data), m_size(size) {}
+
+  /// The next octet's six low bits, 0 at the end.
+  unsigned Options() { return m_size > 0 ? (--m_size, *m_data++ & 0x3Fu) : 0; }
+  /// What comes before the next \p separator, or all that is left.
+  std::string Field(char separator) {
+    std::size_t length = 0;
+    while (length < m_size && m_data[length] != static_cast<unsigned char>(separator)) ++length;
+    std::string const field = std::string(reinterpret_cast<char const*>(m_data), length);
+    std::size_t const taken = length < m_size ? length + 1 : length;
+    m_data += taken;
+    m_size -= taken;
+    return field;
+  }
+  std::uint8_t const* Data() const { return m_data; }
+  std::size_t Size() const { return m_size; }
+  std::string Rest() const { return std::string(reinterpret_cast<char const*>(m_data), m_size); }
+
+ private:
+  std::uint8_t const* m_data;
+  std::size_t m_size;
+};
+
+/// No document may hold or grow to more than this.
+inline void LimitContent(std::uint32_t bytes) {
+  Quillon9::CLimits::SetMaxContentSize(bytes);
+  Quillon9::CLimits::SetMaxContentGrowth(1);
+  Quillon9::CLimits::SetMaxDecompressedSize(bytes);
+}
+
+inline std::string Bytes(Quillon9::CBinaryData const& data) {
+  return std::string(reinterpret_cast<char const*>(data.GetData()), data.GetLength());
+}
+
+}  // namespace Fuzzing
