@@ -97,7 +97,7 @@ inline bool IsPrintable(std::string const& text) {
 /// Fast Infoset carries names, characters and pairs of attributes that no parser of text takes; these it surely does.
 inline bool FitsText(CXmlElement const& element) {
   auto const fits = [](std::string const& uri, std::string const& name) {
-    bool const isReserved = uri.compare(0, 14, "http://www.w3.") == 0;
+    bool const isReserved = uri == "http://www.w3.org/2000/xmlns/";
     return IsName(name) && IsPrintable(uri) && !isReserved;
   };
   if (!fits(element.GetNamespaceURI(), element.GetLocalName()) || !IsPrintable(element.GetText())) return false;

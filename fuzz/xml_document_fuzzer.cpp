@@ -33,7 +33,10 @@ bool DropShortNames(CXmlElement* element) { return element->GetLocalName().size(
 /// ASCII stays as it is, the other octets become characters up to U+FF00, surrogates among them.
 std::wstring Wide(std::string const& octets) {
   std::wstring wide;
-  for (unsigned char const octet : octets) wide += static_cast<wchar_t>(octet < 0x80 ? octet : octet << 8);
+  for (char const c : octets) {
+    unsigned const octet = static_cast<unsigned char>(c);
+    wide += static_cast<wchar_t>(octet < 0x80 ? octet : octet << 8);
+  }
   return wide;
 }
 
