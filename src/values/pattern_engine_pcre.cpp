@@ -1,0 +1,111 @@
+#include <pcre.h>
+#include <pthread.h>
+
+#include <new>
+#include <vector>
+
+#include "values/pattern_engine.h"
+
+namespace Quillon9 {
+
+namespace {
+
+struct FreePcre {
+  void operator()(pcre* code) const { pcre_free(code); }
+  void operator()(pcre_extra* study) const { pcre_free_study(study); }
+  void operator()(pcre_jit_stack* stack) const { pcre_jit_stack_free(stack); }
+};
+
+// PCRE's interpreter, which steps in where machine code cannot be made, recurses on the thread's stack, about two
+// levels of 500 bytes for each character that a repeated group takes.
+constexpr std::size_t kInterpreterLevel = 1024;
+constexpr std::size_t kStackReserve = 64 * 1024;
+
+std::size_t StackLeft() {
+  pthread_attr_t attributes;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return 0;
+  void* lowest = nullptr;
+  std::size_t size = 0;
+  pthread_attr_getstack(&attributes, &lowest, &size);
+  pthread_attr_destroy(&attributes);
+  auto const here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  auto const base = reinterpret_cast<std::uintptr_t>(lowest);
+  return here >= base && here - base < size ? here - base : 0;  // a coroutine's stack is not the thread's
+}
+
+unsigned long RecursionLimit() {
+  std::size_t const left = StackLeft();
+  return left > 2 * kStackReserve ? static_cast<unsigned long>((left - kStackReserve) / kInterpreterLevel) : 64;
+}
+
+}  // namespace
+
+struct CompiledPattern::Engine {
+  std::unique_ptr<pcre, FreePcre> code;
+  std::unique_ptr<pcre_extra, FreePcre> study;  // null before it was made, and when there is nothing to know
+  std::vector<int> offsets;
+  bool isMachineCode = false;
+  int triesLeft = kMachineCodeTries;
+
+  void TryMachineCode();
+  int Execute(pcre_extra const& extra, char const* subject, int length);
+  int ExecuteOnLargeStack(pcre_extra const& extra, char const* subject, int length);
+};
+
+// Anchored here and not at the match: an option at the match would keep PCRE from using machine code.
+CompiledPattern::CompiledPattern(std::string const& given, std::string const& translated)
+    : m_engine(std::make_unique<Engine>()) {
+  char const* message = nullptr;
+  int offset = 0;
+  m_engine->code.reset(pcre_compile(translated.c_str(), PCRE_UTF8 | PCRE_ANCHORED, &message, &offset, nullptr));
+  if (m_engine->code == nullptr) ThrowInvalidPattern(given, message, offset);
+  int groups = 0;
+  pcre_fullinfo(m_engine->code.get(), nullptr, PCRE_INFO_CAPTURECOUNT, &groups);
+  m_engine->offsets.resize((static_cast<std::size_t>(groups) + 1) * 3);
+}
+
+CompiledPattern::~CompiledPattern() = default;
+CompiledPattern::CompiledPattern(CompiledPattern&&) noexcept = default;
+
+void CompiledPattern::Engine::TryMachineCode() {
+  char const* message = nullptr;
+  study.reset(pcre_study(code.get(), PCRE_STUDY_JIT_COMPILE, &message));
+  if (message != nullptr) throw std::bad_alloc();
+  int jit = 0;
+  pcre_fullinfo(code.get(), study.get(), PCRE_INFO_JIT, &jit);
+  isMachineCode = jit != 0;
+  --triesLeft;
+}
+
+int CompiledPattern::Engine::Execute(pcre_extra const& extra, char const* subject, int length) {
+  return pcre_exec(code.get(), &extra, subject, length, 0, 0, offsets.data(), static_cast<int>(offsets.size()));
+}
+
+int CompiledPattern::Engine::ExecuteOnLargeStack(pcre_extra const& extra, char const* subject, int length) {
+  std::unique_ptr<pcre_jit_stack, FreePcre> const stack(
+      pcre_jit_stack_alloc(kFirstJitStack, static_cast<int>(MaxJitStack(length))));
+  if (stack == nullptr) throw std::bad_alloc();
+  pcre_assign_jit_stack(study.get(), nullptr, stack.get());
+  int const result = Execute(extra, subject, length);
+  pcre_assign_jit_stack(study.get(), nullptr, nullptr);
+  return result;
+}
+
+bool CompiledPattern::Matches(char const* subject, int length) {
+  Engine& engine = *m_engine;
+  if (!engine.isMachineCode && engine.triesLeft > 0) engine.TryMachineCode();
+  pcre_extra extra = engine.study != nullptr ? *engine.study : pcre_extra{};
+  extra.flags |= PCRE_EXTRA_MATCH_LIMIT;
+  extra.match_limit = MatchLimit(length);
+  if (!engine.isMachineCode) {
+    extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
+    extra.match_limit_recursion = RecursionLimit();
+  }
+  // The 32 KiB that PCRE takes from the thread's stack do for all but long values; others pay for a stack of their
+  // own.
+  int result = engine.Execute(extra, subject, length);
+  if (result == PCRE_ERROR_JIT_STACKLIMIT) result = engine.ExecuteOnLargeStack(extra, subject, length);
+  return result > 0 && engine.offsets[0] == 0 && engine.offsets[1] == length;
+}
+
+}  // namespace Quillon9
