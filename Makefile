@@ -4,8 +4,8 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 
-.PHONY: all run test debug asan tsan hardened coverage fuzz bench docs install package-test format format-check tidy \
-  deps deps-all clean help
+.PHONY: all run test debug asan tsan hardened pcre2 coverage fuzz bench docs install package-test format \
+  format-check tidy deps deps-all clean help
 
 all: deps
 	cmake --preset release
@@ -28,6 +28,11 @@ hardened: deps   ## the tests in a hardened build, on a stack of 1 MiB
 	cmake --preset hardened
 	cmake --build --preset hardened
 	ulimit -s 1024 && ctest --preset hardened
+
+pcre2: deps-all  ## the tests with the second generation of PCRE
+	cmake --preset pcre2
+	cmake --build --preset pcre2
+	ctest --preset pcre2
 
 coverage: deps-all   ## which lines of src/ the tests run
 	cmake --preset coverage
