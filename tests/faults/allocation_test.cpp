@@ -352,6 +352,13 @@ Subject CheckingPattern(char const* pattern, std::string const& text) {
   return Checking(ItemType_string, text, {pattern, 1, 1000000, "", "", "", "", -1});
 }
 
+// A pattern that was first used without the memory to compile it to machine code must not stay without.
+Subject MatchingShortThenLong() {
+  char const* const pattern = "(x|y)*";
+  return {[=] { TestRegEx(pattern, "xy"); },
+          [=] { return TestRegEx(pattern, std::string(100000, 'x')) ? "a long value matches" : "it does not"; }};
+}
+
 Subject CheckingBounds(ItemType type, char const* low, char const* text, char const* high) {
   return Checking(type, text, {"", -1, -1, low, high, low, high, -1});
 }
@@ -359,6 +366,7 @@ Subject CheckingBounds(ItemType type, char const* low, char const* text, char co
 TEST(Allocation, Facets) {
   Row const rows[] = {
       {"pattern", [] { return CheckingPattern("[a-z]{3}-(x|y)+\\d\\i\\c*", "abc-xyxy1name"); }},
+      {"pattern on a short and a long value", &MatchingShortThenLong},
       {"decimal", [] { return CheckingBounds(ItemType_decimal, "0.1", "123456789012345678901234567890", "1e40"); }},
       {"integer",
        [] {
