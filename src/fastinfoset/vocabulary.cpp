@@ -35,30 +35,36 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
   return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
 }
 
-// Drawn once a process, so that nobody can choose strings that crowd in one place of a map.
-std::uint64_t Seed() {
-  static std::uint64_t const seed = [] {
-    std::uint64_t drawn = 0;
-    if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == sizeof drawn) return drawn;
-    auto const now = std::chrono::steady_clock::now().time_since_epoch().count();
-    return static_cast<std::uint64_t>(now) ^ static_cast<std::uint64_t>(reinterpret_cast<std::uintptr_t>(&drawn));
-  }();
-  return seed;
+constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
+
+/// What nobody outside can know.
+struct Secret {
+  std::uint64_t start;   ///< what a hash begins with
+  std::uint64_t factor;  ///< for one half of what is multiplied: a text that made a factor 0 would wipe out the other
+};
+
+Secret DrawSecret() {
+  Secret drawn;
+  if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == sizeof drawn) return drawn;
+  auto const now = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
+  drawn.start = Mix(now ^ kOdd, reinterpret_cast<std::uintptr_t>(&drawn) ^ kOdd);
+  drawn.factor = Mix(drawn.start, now ^ kOdd);
+  return drawn;
 }
 
-// With open addressing, two thirds of the time of std::unordered_map for names, and half of it for short values.
+// With open addressing, two thirds of the time of std::unordered_map for names, and half of it for short values. The
+// secret is drawn once a process, so that nobody can choose strings that crowd in one place of a map.
 std::uint32_t Hash(std::string_view text) {
-  constexpr std::uint64_t kOdd1 = 0x9E3779B97F4A7C15U;
-  constexpr std::uint64_t kOdd2 = 0xD1B54A32D192ED03U;
+  static Secret const secret = DrawSecret();
   char const* at = text.data();
   std::size_t left = text.size();
-  std::uint64_t hash = Seed() ^ left * kOdd1;
+  std::uint64_t hash = secret.start ^ left * kOdd;
   for (; left > 16; left -= 16, at += 16) {
-    hash = Mix(hash ^ Load<std::uint64_t>(at) ^ kOdd1, Load<std::uint64_t>(at + 8) ^ kOdd2);
+    hash = Mix(hash ^ Load<std::uint64_t>(at), Load<std::uint64_t>(at + 8) ^ secret.factor);
   }
   std::uint64_t const low = left > 8 ? Load<std::uint64_t>(at) : LoadShort(at, left);
   std::uint64_t const high = left > 8 ? Load<std::uint64_t>(at + left - 8) : 0;
-  hash = Mix(hash ^ low ^ kOdd1, high ^ kOdd2);
+  hash = Mix(hash ^ low, high ^ secret.factor);
   return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -107,6 +108,20 @@ TEST(Vocabulary, MapFindsWhatItHolds) {
   ASSERT_EQ(texts.size(), map.size());
   for (std::size_t i = 0; i < texts.size(); ++i) ASSERT_EQ(i + 1, map.Find(texts[i]));
   EXPECT_EQ(0U, map.Find("xxy"));
+}
+
+// Texts that other hashes of such maps send to one place. They would take a minute and more in a chain.
+TEST(Vocabulary, MapStaysFastForTextsChosenToCollide) {
+  CFIIndexMap map;
+  for (unsigned i = 0; i < 1U << 17; ++i) {
+    std::string pairs;  // of equal value when the first letter counts 33 times the second
+    for (unsigned bit = 0; bit < 17; ++bit) pairs += (i >> bit & 1) != 0 ? "bC" : "ad";
+    std::string eight(8, '\0');
+    std::snprintf(eight.data(), 8, "%07u", i);
+    map.Insert(pairs);
+    map.Insert(eight + "\x03\xED\x92\xD1\x32\x4A\xB5\xD1");  // multiplies by 0 where this is a known factor
+  }
+  EXPECT_EQ(2U << 17, map.size());
 }
 
 TEST(Vocabulary, FullTablesTakeNoMoreAndSayNothing) {
