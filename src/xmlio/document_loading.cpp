@@ -107,6 +107,9 @@ void CXmlDocument::Load(char const* path) {
     throw CQnException(
         FormatString("Failed to get the size of the file [%s] Error [%s]", path, ErrorText(errno).c_str()));
   }
+  if (static_cast<unsigned long>(size) > kLargestInput) {
+    throw CQnException(FormatString("The file [%s] exceeds the limit of %lu bytes", path, kLargestInput));
+  }
   AllocateInput(static_cast<unsigned long>(size));
   errno = 0;
   std::size_t const count = std::fread(m_inputData, 1, m_inputSize, file.get());

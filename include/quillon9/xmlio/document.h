@@ -189,7 +189,7 @@ class QUILLON9_API CXmlDocument {
   /// All four loads copy their input, and fail with CQnException on malformed XML
   /// ("[what expat says] at line [number]", the elements read so far stay until Cleanup()), beyond
   /// CLimits::GetMaxElementDepth() ("The element nesting exceeds the limit of %u levels") and beyond 4,294,967,295
-  /// bytes ("The document exceeds the limit of 4294967295 bytes").
+  /// bytes ("The document exceeds the limit of 4294967295 bytes"; of a file, with its path: Load()).
   /// \throws CQnException "XML String is empty!", also for null.
   void LoadXml(char const* text);
   /// Load wide text. Each character counts with its low 16 bits, so one beyond the basic plane is to be given as a
@@ -198,15 +198,14 @@ class QUILLON9_API CXmlDocument {
   /// Load \p size bytes of XML text or Fast Infoset (Rec. ITU-T X.891), as they are or in a gzip or zlib wrapper. The
   /// filter does not see the elements of Fast Infoset.
   /// \throws CQnException "XML Stream is empty!" for no bytes or null; otherwise as above. For malformed Fast Infoset
-  ///         "Failed to parse FastInfoset. [reason]", also when its indices repeat more than
-  ///         CLimits::GetMaxDecompressedSize() bytes of text, or what CFastInfosetBinaryData says of encoded values.
+  ///         "Failed to parse FastInfoset. [reason]", or what CFastInfosetBinaryData says of encoded values.
   ///         CQnUtf16Exception for a string in UTF-16 in it.
   void LoadXmlStream(unsigned char const* data, unsigned long size);
   /// Load a file of XML text or Fast Infoset, as LoadXmlStream() does. It never waits for the writer of a pipe.
   /// \throws CQnException "Failed to open the file [%s]",
   ///         "Failed to get the size of the file [%s] Error [%s]" (a directory, a pipe),
-  ///         "Failed to read the contents of the file [%s] Error [%s]" (also an empty file); otherwise as above.
-  ///         The error is the system's text.
+  ///         "Failed to read the contents of the file [%s] Error [%s]" (also an empty file),
+  ///         "The file [%s] exceeds the limit of 4294967295 bytes"; otherwise as above. The error is the system's text.
   void Load(char const* path);
 
   /// The root of the tree, owned by this document; null when nothing was read.
