@@ -4,8 +4,8 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 
-.PHONY: all run test debug asan tsan hardened pcre2 coverage fuzz bench docs install package-test format \
-  format-check tidy deps deps-all clean help
+.PHONY: all run test debug asan tsan hardened pcre2 locales coverage fuzz bench docs install package-test \
+  format format-check tidy deps deps-all clean help
 
 all: deps
 	cmake --preset release
@@ -33,6 +33,9 @@ pcre2: deps-all  ## the tests with the second generation of PCRE
 	cmake --preset pcre2
 	cmake --build --preset pcre2
 	ctest --preset pcre2
+
+locales: all     ## the tests in each of six locales
+	scripts/locales build/release
 
 coverage: deps-all   ## which lines of src/ the tests run
 	cmake --preset coverage

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +15,7 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/encoder.h"
+#include "support/scoped_locale.h"
 
 /// Real documents and the W3C conformance suite, read in place from the folder that the environment variable
 /// QUILLON9_CORPUS or the build names. Each must give exactly the recorded tree or the recorded failure.
@@ -95,13 +95,13 @@ class Corpus : public testing::TestWithParam<TextModel> {
  protected:
   void SetUp() override {
     if (!fs::exists(CorpusFolder() / "manifest.tsv")) GTEST_SKIP() << "no sample documents: set QUILLON9_CORPUS";
-    if (std::setlocale(LC_ALL, GetParam().locale) == nullptr) GTEST_SKIP() << "no locale " << GetParam().locale;
+    if (!m_locale.IsThere()) GTEST_SKIP() << "no locale " << GetParam().locale;
     ASCIIOnly(GetParam().asciiOnly);
   }
-  void TearDown() override {
-    ASCIIOnly(false);
-    std::setlocale(LC_ALL, "C");
-  }
+  void TearDown() override { ASCIIOnly(false); }
+
+ private:
+  Testing::ScopedLocale const m_locale{GetParam().locale};
 };
 
 TEST_P(Corpus, SampleDocumentsGiveTheRecordedTrees) {

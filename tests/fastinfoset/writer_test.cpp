@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <string>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/streams.h"
+#include "scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
@@ -270,10 +270,9 @@ TEST(FastInfosetWriter, WhatWasWrittenReachesTheStream) {
 }
 
 TEST(FastInfosetWriter, TextIsConvertedFromTheLocalCodePage) {
-  std::string const before = std::setlocale(LC_ALL, nullptr);
-  if (std::setlocale(LC_ALL, "de_DE.ISO-8859-1") == nullptr) GTEST_SKIP() << "no locale de_DE.ISO-8859-1";
+  Testing::ScopedLocale const locale("de_DE.ISO-8859-1");
+  if (!locale.IsThere()) GTEST_SKIP() << "no locale de_DE.ISO-8859-1";
   std::string const latin = Doc().Start("\xE4").Text("\xE4\xE4\xE4\xE4\xE4").Text("\xE4\xE4\xE4\xE4\xE4").End().Hexed();
-  std::setlocale(LC_ALL, before.c_str());
   // Five bytes here, ten octets there: it is the five that count.
   EXPECT_EQ(latin, Expected("38F0 3C 01C3A4 92 07C3A4C3A4C3A4C3A4C3A4 A0 FF"));
   ASCIIOnly(true);

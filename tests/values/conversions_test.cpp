@@ -12,6 +12,7 @@
 #include <random>
 
 #include "support/expect_failure.h"
+#include "support/scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
@@ -179,11 +180,11 @@ TEST(Conversions, FloatingPointAgreesWithLibc) {
 
 TEST(Conversions, NumbersKeepThePointInEveryLocale) {
   // Not newlocale(): libc leaks the search path that it is given for the tests' own locales.
-  if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr) GTEST_SKIP() << "no locale with a decimal comma";
+  Testing::ScopedLocale const german("de_DE.UTF-8");
+  if (!german.IsThere()) GTEST_SKIP() << "no locale with a decimal comma";
   std::string const printed = CConversions::r8ToString(1.5) + CConversions::r4ToString(1.5f, " %.2f");
   double const read = CConversions::r8FromString(" +1.5", kNone);
   EXPECT_STREQ(",", std::localeconv()->decimal_point);
-  std::setlocale(LC_NUMERIC, "C");
   EXPECT_EQ("1.5 1.50", printed);
   EXPECT_EQ(1.5, read);
 }

@@ -1,11 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <clocale>
-
 #include "expect_failure.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
+#include "scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
@@ -97,10 +96,13 @@ TEST(Facets, LengthsAndPatternsOfStrings) {
 }
 
 TEST(Facets, PatternIsInTheCodePageOfTheLocale) {
-  ASSERT_NE(nullptr, std::setlocale(LC_ALL, "C.UTF-8"));
-  EXPECT_EQ("", Checked(ItemType_string, "\u00e4\u00f6", Pattern("[\u00e0-\u00ff]{2}")));
-  EXPECT_NE("", Checked(ItemType_string, "\u20ac", Pattern("[\u00e0-\u00ff]")));
-  std::setlocale(LC_ALL, "C");
+  {
+    Testing::ScopedLocale const utf8("C.UTF-8");
+    ASSERT_TRUE(utf8.IsThere());
+    EXPECT_EQ("", Checked(ItemType_string, "\u00e4\u00f6", Pattern("[\u00e0-\u00ff]{2}")));
+    EXPECT_NE("", Checked(ItemType_string, "\u20ac", Pattern("[\u00e0-\u00ff]")));
+  }
+  Testing::ScopedLocale const ascii("C");
   // No character above 127 exists here, so each byte stands for an unknown one, on both sides.
   EXPECT_EQ("", Checked(ItemType_string, "x?", Pattern("x[\xe4]")));
 }

@@ -3,25 +3,13 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
-#include <clocale>
 #include <functional>
 
 #include "expect_failure.h"
+#include "scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
-
-/// Sets the process locale for the life of a scope.
-class Locale {
- public:
-  explicit Locale(char const* name) : m_old(std::setlocale(LC_ALL, nullptr)) {
-    if (std::setlocale(LC_ALL, name) == nullptr) ADD_FAILURE() << "no locale " << name;
-  }
-  ~Locale() { std::setlocale(LC_ALL, m_old.c_str()); }
-
- private:
-  std::string m_old;
-};
 
 void RunOnSmallStack(std::function<void()> work) {
   pthread_attr_t attributes;
@@ -44,7 +32,8 @@ std::string Repeated(char const* text, std::size_t count) {
 }
 
 TEST(Pattern, Matches) {
-  Locale const utf8("C.UTF-8");
+  Testing::ScopedLocale const utf8("C.UTF-8");
+  ASSERT_TRUE(utf8.IsThere());
   std::string const zero("a\0b", 3);
   // clang-format off
   struct { char const* pattern; std::string value; bool matches; } const rows[] = {
@@ -73,11 +62,11 @@ TEST(Pattern, Matches) {
 TEST(Pattern, ValueIsInTheCodePageOfTheLocale) {
   for (int i = 0; i < 2; ++i) {  // what is remembered of a pattern must not hold a locale
     {
-      Locale const ascii("C");
+      Testing::ScopedLocale const ascii("C");
       EXPECT_FALSE(TestRegEx(".", "\u00e9"));
       EXPECT_TRUE(TestRegEx("..", "\u00e9"));
     }
-    Locale const utf8("C.UTF-8");
+    Testing::ScopedLocale const utf8("C.UTF-8");
     EXPECT_TRUE(TestRegEx(".", "\u00e9"));
   }
 }

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <clocale>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -16,6 +15,7 @@
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/encoder.h"
 #include "support/expect_failure.h"
+#include "support/scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
@@ -43,7 +43,6 @@ class Document : public testing::Test {
  protected:
   ~Document() override {
     ASCIIOnly(false);
-    std::setlocale(LC_ALL, "C");
     CLimits::SetMaxElementDepth(m_depth);
   }
 
@@ -97,9 +96,13 @@ TEST_F(Document, CDataIsTextOrKeepsItsMarks) {
 TEST_F(Document, TextIsInTheCodePageOfTheLocale) {
   char const* const xml = "<a b='\xC3\xA9' \xC3\xA9='1'>x\xE2\x82\xACy&#13;z</a>";
   CXmlDocument document;
-  document.LoadXml(xml);
+  {
+    Testing::ScopedLocale const ascii("C");
+    document.LoadXml(xml);
+  }
   EXPECT_EQ(Dump(document), "a @b=? @?=1 'x?yz'");
-  ASSERT_NE(std::setlocale(LC_ALL, "C.UTF-8"), nullptr);
+  Testing::ScopedLocale const utf8("C.UTF-8");
+  ASSERT_TRUE(utf8.IsThere());
   document.LoadXml(xml);
   EXPECT_EQ(Dump(document), "a @b=\xC3\xA9 @\xC3\xA9=1 'x\xE2\x82\xACyz'");
 }
@@ -182,8 +185,40 @@ TEST_F(Document, LoadsFilesAndSaysWhyNot) {
                  "Failed to read the contents of the file [" + good.Path() + "] Error [No data available]",
                  document.Load(good.Path().c_str()));
   std::filesystem::resize_file(good.Path(), 0x100000000U);  // takes no room on the disk
-  EXPECT_FAILURE(CQnException, "The document exceeds the limit of 4294967295 bytes",
+  EXPECT_FAILURE(CQnException, "The file [" + good.Path() + "] exceeds the limit of 4294967295 bytes",
                  document.Load(good.Path().c_str()));
+}
+
+// Files of the kernel: one tells no size, and one more than a read then gives, as a file does that shrinks meanwhile.
+TEST_F(Document, RefusesFilesThatAreNotAsLongAsTheySay) {
+  for (std::string const path : {"/proc/self/status", "/sys/devices/system/cpu/possible"}) {
+    if (!std::filesystem::exists(path)) continue;
+    CXmlDocument document;
+    EXPECT_FAILURE(CQnException, "Failed to read the contents of the file [" + path + "] Error [No data available]",
+                   document.Load(path.c_str()));
+    EXPECT_EQ(document.GetDocumentElement(), nullptr);
+  }
+}
+
+// The second byte of the names' characters is that of the separator of the parser's names in these code pages.
+TEST_F(Document, NamesAreSplitBeforeTheyAreConverted) {
+  struct {
+    char const* locale;
+    std::string utf8;
+    std::string local;
+  } const rows[] = {{"zh_CN.GB18030", "\u4E85", "\x81|"}, {"ja_JP.SJIS", "\u30DD", "\x83|"}};
+  for (auto const& row : rows) {
+    Testing::ScopedLocale const locale(row.locale);
+    if (!locale.IsThere()) continue;
+    CXmlDocument document;
+    std::string const& c = row.utf8;
+    document.LoadXml(("<" + c + ":" + c + " xmlns:" + c + "='u" + c + "' " + c + ":b='" + c + "'>" + c + "<" + c +
+                      "/></" + c + ":" + c + ">")
+                         .c_str());
+    std::string const& l = row.local;
+    EXPECT_EQ(Dump(document), "{u" + l + "}" + l + " @{u" + l + "}b=" + l + " '" + l + "' (" + l + ")") << row.locale;
+    EXPECT_EQ("u" + l, document.LookupNamespaceFromAlias(l.c_str()));
+  }
 }
 
 TEST_F(Document, OnlyStreamsAndFilesMayBeCompressed) {

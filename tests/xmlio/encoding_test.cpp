@@ -8,6 +8,7 @@
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/unicode.h"
 #include "support/expect_failure.h"
+#include "support/scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
@@ -78,10 +79,7 @@ TEST(Unicode, WellFormedSequencesAreThoseOfTheStandard) {
 /// A locale, and the switch back to false, for one test.
 class Encoder : public testing::Test {
  protected:
-  ~Encoder() override {
-    std::setlocale(LC_ALL, m_before.c_str());
-    ASCIIOnly(false);
-  }
+  ~Encoder() override { ASCIIOnly(false); }
   static void Use(char const* locale) { ASSERT_NE(nullptr, std::setlocale(LC_ALL, locale)) << locale; }
   static std::string Local(std::string const& utf8) {
     auto const* bytes = reinterpret_cast<unsigned char const*>(utf8.data());
@@ -103,7 +101,7 @@ class Encoder : public testing::Test {
   }
 
  private:
-  std::string m_before = std::setlocale(LC_ALL, nullptr);
+  Testing::ScopedLocale const m_restored{"C"};
 };
 
 struct LocaleRow {
@@ -131,6 +129,23 @@ TEST_F(Encoder, TextConvertsByTheLocaleOfTheCall) {
     EXPECT_EQ(row.out, Utf8(row.utf8.c_str())) << row.locale << ' ' << row.utf8;
     EXPECT_EQ(row.wide, Wide(row.utf8.c_str())) << row.locale << ' ' << row.utf8;
     EXPECT_EQ("x", Local(std::string("x\0", 2) + row.utf8)) << row.locale << ' ' << row.utf8;
+  }
+}
+
+// The second byte of the characters here is that of '|'.
+TEST_F(Encoder, CharactersOfOneAndOfTwoBytes) {
+  LocaleRow const kRows[] = {
+      {"de_DE.ISO-8859-1", "x\u00E4\u00E4|", "x\xE4\xE4|", "", L"x\u00E4\u00E4|"},
+      {"zh_CN.GB18030", "x\u4E85\u4E85|", "x\x81|\x81||", "", L"x\u4E85\u4E85|"},
+      {"ja_JP.SJIS", "x\u30DD\u30DD|", "x\x83|\x83||", "", L"x\u30DD\u30DD|"},
+  };
+  for (LocaleRow const& row : kRows) {
+    Testing::ScopedLocale const locale(row.locale);
+    if (!locale.IsThere()) continue;
+    EXPECT_EQ(row.local, Local(row.utf8)) << row.locale;
+    EXPECT_EQ(row.utf8, Utf8(row.local.c_str())) << row.locale;
+    EXPECT_EQ(row.wide, Wide(row.local.c_str())) << row.locale;
+    EXPECT_EQ("x?", Local("x\u05D0")) << row.locale;
   }
 }
 
