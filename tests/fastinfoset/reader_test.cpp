@@ -387,6 +387,33 @@ TEST(FastInfosetReader, EveryChangedOctetGivesATreeOrAFailure) {
   EXPECT_GT(trees, 0);
 }
 
+// Alphabets and algorithms of every index, those that do not exist included, with data of every small length.
+TEST(FastInfosetReader, EveryEncodingTakesDataOfAnyLength) {
+  int texts = 0;
+  for (unsigned index = 0; index < 256; ++index) {
+    for (unsigned const kind : {0x88U, 0x8CU}) {
+      for (unsigned length = 1; length <= 17; ++length) {
+        for (char const octet : {'\0', '\x21', '\xFF'}) {
+          std::string octets = Document("3C 00'a'");
+          octets += static_cast<char>(kind | index >> 6);
+          // The last two bits of the octet and what follows tell the length: 1, 2, or 3 and more.
+          octets += static_cast<char>((index & 0x3F) << 2 | (length <= 2 ? length - 1 : 2));
+          if (length > 2) octets += static_cast<char>(length - 3);
+          octets += std::string(length, octet) + '\xFF';
+          CXmlDocument document;
+          try {
+            Load(document, octets);
+            ASSERT_EQ("a", document.GetDocumentElement()->GetLocalName());
+            ++texts;
+          } catch (CQnException const&) {
+          }
+        }
+      }
+    }
+  }
+  EXPECT_GT(texts, 200);
+}
+
 std::string Escaped(std::string const& text) {
   std::string escaped;
   for (char const c : text) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <random>
@@ -71,6 +72,17 @@ TEST(DateTime, ParsesEveryFormOfADate) {
       {nullptr, "Invalid Date (Null String)"},
   };
   for (Row const& row : rows) EXPECT_EQ(row.outcome, Outcome(&CDateTime::ParseXSDDate, row.text));
+}
+
+TEST(DateTime, RefusesWhatIsOnlyMarks) {
+  for (char const* mark : {":", "-Z", "--:", "-", "--", "---", "----", "::", "+", "Z", "---Z", "+05:00", "2001-",
+                           "-2001-01-", "2001-01-01-:", "2001-01-01+::::", "\xC3\xA9"}) {
+    std::string const text = mark;
+    EXPECT_EQ("Invalid XSD Date [" + text + "] expected CCYY-MM-DD[Z|[+|-]hh:mm]",
+              Outcome(&CDateTime::ParseXSDDate, mark));
+    EXPECT_EQ("Invalid XSD Time [" + text + "] expected hh:mm:ss[.ff]", Outcome(&CDateTime::ParseXSDTime, mark));
+    EXPECT_EQ("Invalid XSD DateTime [" + text + "]", Outcome(&CDateTime::ParseXSDDateTime, mark));
+  }
 }
 
 TEST(DateTime, ParsesTimes) {
@@ -249,7 +261,10 @@ TEST(DateTime, TimesOfTheSystem) {
   CDateTime const epoch(0L);
   EXPECT_EQ("1970-01-01T00:00:00", epoch.ToString());
   EXPECT_EQ("1869-12-31T23:59:59", CDateTime(-3155673601L).ToString());
-  EXPECT_EQ(CDateTime::dt_yearZero, CDateTime(0x7FFFFFFFFFFFFFFFL).GetType());
+  EXPECT_EQ("9999-12-31T23:59:59", CDateTime(253402300799L).ToString());
+  for (long const beyond : {INT64_MAX, 67767976233532800L, 253402300800L, INT64_MIN, -67768040609740801L}) {
+    EXPECT_EQ(CDateTime::dt_yearZero, CDateTime(beyond).GetType()) << beyond;
+  }
   setenv("TZ", "UTC0", 1);
   tzset();
   for (char const* text : {"2001-02-03T04:05:06", "1850-07-08T09:10:11Z"}) {

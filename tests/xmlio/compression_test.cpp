@@ -7,7 +7,9 @@
 #include "quillon9/binding/limits.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/document.h"
 #include "support/expect_failure.h"
+#include "support/octets.h"
 
 namespace Quillon9 {
 namespace {
@@ -120,6 +122,54 @@ TEST(Compression, WhatIsNoWholeStreamStaysAsItIs) {
     EXPECT_TRUE(damaged == Decompressed(damaged));
     EXPECT_TRUE("\xFF\xFE" + bytes == Decompressed("\xFF\xFE" + bytes));
   }
+}
+
+TEST(Compression, EveryFlippedBitAndEveryCutGivesTheTextOrNothing) {
+  std::string const text = Repetitive(500);
+  for (CompressionType type : kTypes) {
+    std::string const bytes = Compressed(text, type);
+    int texts = 0;
+    for (std::size_t bit = 0; bit < bytes.size() * 8; ++bit) {
+      std::string damaged = bytes;
+      damaged[bit / 8] = static_cast<char>(damaged[bit / 8] ^ 1 << bit % 8);
+      std::string const result = Decompressed(damaged);
+      EXPECT_TRUE(result == damaged || result == text) << bit;
+      texts += result == text ? 1 : 0;
+    }
+    // gzip's header has 7 octets that nothing depends on: a bit that says text, the time, the effort, the system.
+    EXPECT_EQ(type == CompressionType_GZip ? 1 + 6 * 8 : 0, texts);
+    for (std::size_t length = 0; length < bytes.size(); ++length) {
+      EXPECT_EQ(bytes.substr(0, length), Decompressed(bytes.substr(0, length)));
+    }
+  }
+}
+
+TEST(Compression, OtherFormsOfStreams) {
+  std::string const gzip = Compressed(Repetitive(500), CompressionType_GZip);
+  std::string const zlib = Compressed(Repetitive(500), CompressionType_ZLib);
+  EXPECT_EQ(Repetitive(500), Decompressed(gzip + gzip)) << "the first member alone";
+  std::string const raw = zlib.substr(2, zlib.size() - 6);
+  EXPECT_EQ(raw, Decompressed(raw));
+  // Of nothing: inflates to nothing, which no parser takes.
+  for (char const* empty : {"1F8B0800000000000003 0300 0000000000000000", "7801 0300 00000001"}) {
+    std::string const bytes = Testing::Octets(empty);
+    EXPECT_EQ("", Decompressed(bytes));
+    CXmlDocument document;
+    EXPECT_FAILURE(CQnException, "no element found at line 1",
+                   document.LoadXmlStream(reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size()));
+  }
+  std::string dictionary =
+      Testing::Octets("78BB 11E60398") + zlib.substr(2);  // header and check of a preset dictionary
+  EXPECT_EQ(dictionary, Decompressed(dictionary));
+}
+
+TEST(Compression, DataOfMoreThan32BitsIsRefusedUnread) {
+  unsigned char header[2] = {0x1F, 0x8B};
+  unsigned char* data = header;
+  unsigned long size = 0x100000000UL;
+  EXPECT_FAILURE(CQnException, "The data is too long [4294967296 bytes]", CQnZip::Decompress(&data, &size));
+  EXPECT_FAILURE(CQnException, "The data is too long [4294967296 bytes]",
+                 CQnZip::Compress(&data, &size, CompressionType_GZip));
 }
 
 // The look at the header must agree with zlib itself, whatever the first two bytes are.

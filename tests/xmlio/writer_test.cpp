@@ -11,6 +11,7 @@
 
 #include "expect_failure.h"
 #include "quillon9/binding/limits.h"
+#include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 
@@ -249,6 +250,17 @@ TEST(WriterContext, ManyNamespacesAreBoundInLinearTime) {
   EXPECT_NE(std::string::npos, text.find("<" + next + ":n xmlns:" + next + "=\"urn:nested:0\">"));
   EXPECT_NE(std::string::npos, text.find("xmlns:" + CXmlWriter::NsIntToString(7002) + "=\"urn:nested:1\">"));
   for (int i = 0; i < 701; ++i) writer.WriteEndElement();
+  writer.Close();
+  CXmlDocument document;
+  document.LoadXml(stream.GetText());
+  CXmlElement const* const root = document.GetDocumentElement();
+  EXPECT_EQ(7000U, root->GetAttributes().size());
+  EXPECT_EQ("urn:6999", root->GetAttributes().back()->GetNamespaceURI());
+  int children = 0;
+  for (auto const* child = root->GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
+    if (++children <= 7000) EXPECT_EQ("urn:child:" + std::to_string(children - 1), child->GetNamespaceURI());
+  }
+  EXPECT_EQ(7001, children);
 }
 
 TEST(WriterContext, DeepChainIsFreedWithoutRecursion) {
