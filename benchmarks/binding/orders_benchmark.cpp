@@ -1,10 +1,11 @@
 // How fast documents are read into objects and written from them, beside the parser alone on the same octets, and
 // how much memory that takes. Every operation proves its answer before it is timed.
 //
-//   binding_benchmark [--sizes=1,10,100] [--no_memory] [the options of Google Benchmark]
+//   binding_benchmark [--sizes=1,10,100] [--no_memory] [--table=FILE] [the options of Google Benchmark]
 //
 //   --sizes      sizes of the documents in megabytes (10^6 bytes)
 //   --no_memory  measure speed only
+//   --table      also write the tables at the end as JSON, to this file
 //
 // Names are operation/size/layout/locale, as "read/10MB/compact/posix", for --benchmark_filter. The table at the
 // end takes the median of --benchmark_repetitions.
@@ -16,12 +17,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <map>
 #include <memory>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "orders/operations.h"
@@ -218,17 +221,66 @@ void PrintMemory(MemoryTable const& table, std::vector<Shape> const& shapes) {
   }
 }
 
-void PrintSizes() {
-  Translated([] {
+std::vector<SizeRow> MeasureSizes() {
+  std::vector<SizeRow> rows;
+  Translated([&] {
     kSettings[0].Select();
     Workload load(1000000, false);
-    std::vector<SizeRow> const rows = SizesOf(load);
-    std::printf("\nSize of a document of 1 MB, and in proportion to XML\n\n");
-    for (SizeRow const& row : rows) {
-      std::printf("%-34s%9zu%6.2f\n", row.form, row.octets,
-                  static_cast<double>(row.octets) / static_cast<double>(rows.front().octets));
-    }
+    rows = SizesOf(load);
   });
+  return rows;
+}
+
+void PrintSizes(std::vector<SizeRow> const& rows) {
+  std::printf("\nSize of a document of 1 MB, and in proportion to XML\n\n");
+  for (SizeRow const& row : rows) {
+    std::printf("%-34s%9zu%6.2f\n", row.form, row.octets,
+                static_cast<double>(row.octets) / static_cast<double>(rows.front().octets));
+  }
+}
+
+// ---- The same as JSON: a row for each document and setting, null for what was not measured
+
+struct Number {
+  std::optional<double> value;
+  friend std::ostream& operator<<(std::ostream& out, Number number) {
+    return number.value ? out << *number.value : out << "null";
+  }
+};
+
+void WriteJsonRow(std::ostream& out, Benchmarks::ResultCollector const& results, MemoryTable const& memory, Shape shape,
+                  Setting const& setting) {
+  std::optional<double> const expat = results.Speed(Name(kRawExpat, shape, nullptr));
+  out << "    {\"document\": \"" << shape.Name() << "\", \"setting\": \"" << setting.name
+      << "\", \"expat_bytes_per_second\": " << Number{expat};
+  for (Operation const* const operation : kBound) {
+    std::optional<double> const speed = results.Speed(Name(*operation, shape, &setting));
+    auto const cell = memory.find(Name(*operation, shape, nullptr));
+    out << ",\n     \"" << operation->name << "\": {\"bytes_per_second\": " << Number{speed}
+        << ", \"ratio_to_expat\": " << Number{speed && expat ? std::optional(*speed / *expat) : std::nullopt}
+        << ", \"memory_per_byte\": " << Number{cell != memory.end() ? std::optional(cell->second) : std::nullopt}
+        << '}';
+  }
+  out << '}';
+}
+
+void WriteJson(std::string const& path, Benchmarks::ResultCollector const& results, MemoryTable const& memory,
+               std::vector<Shape> const& shapes, std::vector<SizeRow> const& sizes) {
+  std::ofstream out(path);
+  out << "{\"expat\": \"" << XML_ExpatVersion() << "\",\n  \"rows\": [\n";
+  char const* separator = "";
+  for (Shape const shape : shapes) {
+    for (Setting const& setting : kSettings) {
+      out << std::exchange(separator, ",\n");
+      WriteJsonRow(out, results, memory, shape, setting);
+    }
+  }
+  out << "],\n  \"octets_of_1MB\": {";
+  separator = "";
+  for (SizeRow const& row : sizes) out << std::exchange(separator, ", ") << '"' << row.form << "\": " << row.octets;
+  out << "}}\n";
+  out.close();
+  if (!out) throw std::runtime_error("cannot write " + path);
 }
 
 // ---- Options
@@ -236,6 +288,7 @@ void PrintSizes() {
 struct Options {
   std::vector<unsigned> megabytes = {1, 10, 100};
   bool memory = true;
+  std::string table;
 };
 
 /// With 0 in it for what is no number.
@@ -251,12 +304,15 @@ std::vector<unsigned> ParseSizes(std::string const& list) {
 /// False for what nobody knows. Google Benchmark has taken its own options out already.
 bool Parse(int argc, char** argv, Options& options) {
   constexpr char kSizes[] = "--sizes=";
+  constexpr char kTable[] = "--table=";
   for (int i = 1; i < argc; ++i) {
     if (std::strncmp(argv[i], kSizes, sizeof kSizes - 1) == 0) {
       options.megabytes = ParseSizes(argv[i] + sizeof kSizes - 1);
       for (unsigned const size : options.megabytes) {
         if (size == 0 || size > 1000) return false;  // in one call of the parser
       }
+    } else if (std::strncmp(argv[i], kTable, sizeof kTable - 1) == 0) {
+      options.table = argv[i] + sizeof kTable - 1;
     } else if (std::strcmp(argv[i], "--no_memory") == 0) {
       options.memory = false;
     } else {
@@ -272,7 +328,7 @@ int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
   Options options;
   if (!Parse(argc, argv, options)) {
-    std::fprintf(stderr, "usage: %s [--sizes=1,10,100] [--no_memory] [--benchmark_...]\n", argv[0]);
+    std::fprintf(stderr, "usage: %s [--sizes=1,10,100] [--no_memory] [--table=FILE] [--benchmark_...]\n", argv[0]);
     return 2;
   }
   std::vector<Shape> shapes;
@@ -287,7 +343,9 @@ int main(int argc, char** argv) {
   benchmark::RunSpecifiedBenchmarks(&results);
   PrintSpeed(results, shapes);
   if (options.memory) PrintMemory(memory, shapes);
-  PrintSizes();
+  std::vector<SizeRow> const sizes = MeasureSizes();
+  PrintSizes(sizes);
+  if (!options.table.empty()) WriteJson(options.table, results, memory, shapes, sizes);
   benchmark::Shutdown();
   return s_hasFailure ? 1 : 0;
 }

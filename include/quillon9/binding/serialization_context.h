@@ -23,7 +23,8 @@ enum SchemaType : int {
 /// The options of one read or write, filled by the caller and passed by const reference through every call: how
 /// strict reading is, and what the root of a written document gets.
 ///
-/// No locks: threads that read or write at the same time use contexts of their own.
+/// No locks. It belongs to one thread while it changes; a context that nobody changes any more serves any number of
+/// threads at once, as m_defaultContext does.
 class QUILLON9_API CXmlSerializationContext {
  public:
   CXmlSerializationContext();
