@@ -158,7 +158,7 @@ CSmartPtr<DynamicClass> MakeRoot(int classId) {
 // ---- What is told to get lost
 
 bool IsReadAgain(QnVariant const& value) {
-  if (value.GetItemType() == ItemType_duration) return value.ToString().back() != 'P';
+  if (value.GetItemType() == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
   return value.GetItemType() != ItemType_year || (value.GetYear() >= 1000 && value.GetYear() <= 9999);
 }
 

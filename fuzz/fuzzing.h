@@ -9,6 +9,7 @@
 
 #include "quillon9/binding/limits.h"
 #include "quillon9/values/binary_data.h"
+#include "quillon9/values/date_time_span.h"
 
 /// What the fuzz targets have in common: the octets of an input taken one after the other, and the end of a run that
 /// breaks what must hold.
@@ -63,6 +64,11 @@ inline void LimitContent(std::uint32_t bytes) {
 
 inline std::string Bytes(Quillon9::CBinaryData const& data) {
   return std::string(reinterpret_cast<char const*>(data.GetData()), data.GetLength());
+}
+
+/// An all-zero duration has no text that a parser takes; one whose text has two fractions holds the sum of them.
+inline bool IsReadAgain(Quillon9::CDateTimeSpan const& duration) {
+  return duration.ToString().back() != 'P' && duration.GetMilliSeconds() < 1000 && duration.GetMicroSeconds() < 1000;
 }
 
 }  // namespace Fuzzing

@@ -37,16 +37,16 @@ bool IsRoundedToOne(std::string const& decimal) {
 }
 
 /// Kinds whose text stays what it is when it is read and printed once more.
-bool IsStable(ItemType kind, std::string const& text) {
-  if (kind == ItemType_duration) return text.back() != 'P';  // an all-zero one has no text that a parser takes
-  if (kind == ItemType_year) return text.size() == 4;        // years of other lengths are not read
+bool IsStable(QnVariant const& value, ItemType kind, std::string const& text) {
+  if (kind == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
+  if (kind == ItemType_year) return text.size() == 4;  // years of other lengths are not read
   return kind != ItemType_decimal || !IsRoundedToOne(text);
 }
 
 void PrintAndParse(QnVariant const& value, ItemType kind) {
   std::string const text = value.ToString();
   RequireEqual(QnVariant(value).ToString(), text, "a copy is the same");
-  if (!IsStable(kind, text)) return;
+  if (!IsStable(value, kind, text)) return;
   bool const isText = kind == ItemType_string || kind == ItemType_char;
   QnVariant again;
   try {
