@@ -1,5 +1,6 @@
 // The checks of CXmlObjectHelper that hold values against the facets of their schema.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -109,9 +110,13 @@ bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
          (r.length < 0 || length == static_cast<std::uint64_t>(r.length));
 }
 
+// A pattern of ASCII, as schemas have them, is one in any code page: SJIS, for which libc has a yen sign where ASCII has
+// the backslash, must not make "\d" another pattern.
 bool KeepsPattern(std::string const& value, std::string const& pattern) {
   if (pattern.empty()) return true;
-  if (CEncoder::IsUtf8SameInLocalCodePage(pattern.data(), pattern.size())) return MatchesPattern(pattern, value);
+  bool const isUtf8 = std::all_of(pattern.begin(), pattern.end(), [](char c) { return c > 0; }) ||
+                      CEncoder::IsUtf8SameInLocalCodePage(pattern.data(), pattern.size());
+  if (isUtf8) return MatchesPattern(pattern, value);
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(pattern.c_str());
   return MatchesPattern(std::string(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()), value);
 }

@@ -165,6 +165,7 @@ class TemporaryFile {
 };
 
 TEST_F(Document, LoadsFilesAndSaysWhyNot) {
+  Testing::ScopedLocale const english("C");
   TemporaryFile const good("<a>1</a>");
   CXmlDocument document;
   document.Load(good.Path().c_str());
@@ -191,6 +192,7 @@ TEST_F(Document, LoadsFilesAndSaysWhyNot) {
 
 // Files of the kernel: one tells no size, and one more than a read then gives, as a file does that shrinks meanwhile.
 TEST_F(Document, RefusesFilesThatAreNotAsLongAsTheySay) {
+  Testing::ScopedLocale const english("C");
   for (std::string const path : {"/proc/self/status", "/sys/devices/system/cpu/possible"}) {
     if (!std::filesystem::exists(path)) continue;
     CXmlDocument document;
