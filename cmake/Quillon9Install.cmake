@@ -1,17 +1,21 @@
 # What `cmake --install` puts in place: the library, its headers, a CMake package and a pkg-config file. A program
 # needs only these: expat, PCRE and zlib stay inside the library.
+#
+# In components, which become the packages: runtime, dev, tools (see tools/) and doc, which is installed only when it is
+# asked for: cmake --install BUILD_DIR --component doc.
 
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon9)
 
 install(TARGETS quillon9 EXPORT quillon9-targets
-  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
-  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
-install(EXPORT quillon9-targets NAMESPACE Quillon9:: FILE Quillon9Config.cmake DESTINATION ${package_dir})
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
+  FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
+install(EXPORT quillon9-targets NAMESPACE Quillon9:: FILE Quillon9Config.cmake DESTINATION ${package_dir}
+  COMPONENT dev)
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake DESTINATION ${package_dir})
+install(FILES ${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake DESTINATION ${package_dir} COMPONENT dev)
 
 # The pkg-config file finds its neighbours from where it lies, so an installed tree may be moved as a whole.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
@@ -26,4 +30,12 @@ else()
   set(pc_includedir "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
 endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/quillon9.pc.in ${PROJECT_BINARY_DIR}/quillon9.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/quillon9.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${PROJECT_BINARY_DIR}/quillon9.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
+
+# The texts, the site where `make docs` has made it, and the examples, which build by themselves where they lie.
+set(doc_component COMPONENT doc EXCLUDE_FROM_ALL)
+install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} OPTIONAL)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component})
+install(FILES cmake/RunExample.cmake DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/cmake ${doc_component})
