@@ -4,8 +4,8 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 
-.PHONY: all run test debug asan tsan hardened pcre2 locales coverage fuzz bench docs install package-test \
-  format format-check tidy deps deps-all clean help
+.PHONY: all run test debug asan tsan hardened pcre2 locales coverage fuzz bench docs install package-test packages \
+  format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
 	cmake --preset release
@@ -64,6 +64,10 @@ docs: deps-all    ## build the site of the documentation, build/docs/html
 package-test: all   ## build a program outside the tree against the installed package
 	scripts/package-test build/release
 
+packages: deps-packages   ## make Debian packages, in build/packages/deb
+	cmake --preset packages
+	cmake --build --preset packages --target package
+
 format: deps-all    ## lay out the code
 	scripts/format
 
@@ -79,6 +83,9 @@ deps:            ## install what building and testing need
 
 deps-all:
 	@scripts/install-deps --all
+
+deps-packages:
+	@scripts/install-deps --packages
 
 clean:           ## remove build/
 	rm -rf build

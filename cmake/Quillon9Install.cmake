@@ -1,5 +1,5 @@
 # What `cmake --install` puts in place: the library, its headers, a CMake package and a pkg-config file. A program
-# needs only these: expat, PCRE and zlib stay inside the library.
+# needs only these: expat, PCRE and zlib stay inside the library, if it is a shared one.
 #
 # In components, which become the packages: runtime, dev, tools (see tools/) and doc, which is installed only when it is
 # asked for: cmake --install BUILD_DIR --component doc.
@@ -10,9 +10,25 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon9)
 
 install(TARGETS quillon9 EXPORT quillon9-targets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT dev
+  ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT dev
   FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT dev)
-install(EXPORT quillon9-targets NAMESPACE Quillon9:: FILE Quillon9Config.cmake DESTINATION ${package_dir}
+install(EXPORT quillon9-targets NAMESPACE Quillon9:: FILE Quillon9Targets.cmake DESTINATION ${package_dir}
   COMPONENT dev)
+
+if(pcre_generation EQUAL 2)
+  set(pcre_package PCRE2)
+  set(pc_requires "Requires: expat zlib libpcre2-8")
+else()
+  set(pcre_package PCRE)
+  set(pc_requires "Requires: expat zlib libpcre")
+endif()
+if(BUILD_SHARED_LIBS)
+  set(pc_requires "")
+else()
+  install(FILES cmake/Find${pcre_package}.cmake DESTINATION ${package_dir} COMPONENT dev)
+endif()
+configure_file(cmake/Quillon9Config.cmake.in Quillon9Config.cmake @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/Quillon9Config.cmake DESTINATION ${package_dir} COMPONENT dev)
 
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake DESTINATION ${package_dir} COMPONENT dev)

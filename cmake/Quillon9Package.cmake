@@ -1,6 +1,6 @@
 # The Debian packages that `make packages` makes with cpack, one for each component of the installation. What Debian
-# wants in them besides what `cmake --install` puts in place, packaging/debian/complete.cmake adds; what cpack cannot say, mend.cmake
-# beside it.
+# wants in them besides what `cmake --install` puts in place, packaging/debian/complete.cmake adds; what cpack cannot
+# say, mend.cmake beside it does.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quillon9)
