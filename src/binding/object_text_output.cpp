@@ -28,7 +28,7 @@ std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eo
                                   CXmlSerializationContext const& ctx) const {
   CTextStream stream;
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
-  return std::string(stream.GetText(), stream.GetLength());
+  return stream.CopyText();
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,

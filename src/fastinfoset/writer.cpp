@@ -136,10 +136,9 @@ void CFastInfosetWriter::WriteElement(bool hasAttributes) {
     leading = 0;
   }
   // The element around it may have been given a namespace meanwhile.
-  if (m_pendingElement->m_inherits) m_pendingElement->m_scopeInForce = m_pendingElement->m_parent->m_scopeInForce;
+  if (m_pendingElement->m_inherits) m_pendingElement->FollowParent();
   std::string const& uri = m_pendingElement->m_namespace;
-  bool const isPlain = uri.empty() || uri == m_pendingElement->GetDefaultNamespace();
-  std::string const& prefix = isPlain ? NoPrefix() : PrefixOf(*m_pendingElement, uri);
+  std::string const& prefix = m_pendingElement->NeedsNoPrefix() ? NoPrefix() : PrefixOf(*m_pendingElement, uri);
   QualifiedNameOrIndexBit3(leading, prefix, uri, m_pendingElement->m_elementName);
   m_context = std::exchange(m_pendingElement, nullptr);
 }

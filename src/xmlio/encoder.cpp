@@ -11,6 +11,7 @@
 #include <utility>
 
 #include "xmlio/byte_blocks.h"
+#include "xmlio/local_to_utf8.h"
 #include "xmlio/utf8_scan.h"
 #include "xmlio/utf8_to_local.h"
 
@@ -244,6 +245,19 @@ CBinaryData CEncoder::LocalCodePageToUtf8Binary(char const* text) {
   std::unique_ptr<wchar_t[]> const wide(new wchar_t[length + 1]);
   wide[Decode(charset, text, length, wide.get())] = L'\0';
   return UnicodeToUtf8Binary(wide.get());
+}
+
+CBinaryData LocalCodePageToUtf8Binary(std::vector<std::string_view> const& blocks) {
+  std::size_t size = 0;
+  for (std::string_view const block : blocks) size += block.size();
+  Buffer joined = Allocate(size + 1);
+  char* const text = reinterpret_cast<char*>(joined.get());
+  char* end = text;
+  for (std::string_view const block : blocks) end += block.copy(end, block.size());
+  *end = '\0';
+  std::size_t const length = std::strlen(text);
+  bool const isSame = ASCII_ONLY || (length != 0 && IsSameInUtf8(GetLocaleCharset(), text, length));
+  return isSame ? Adopt(std::move(joined), length) : CEncoder::LocalCodePageToUtf8Binary(text);
 }
 
 CBinaryData CEncoder::LocalCodePageToUnicodeBinary(char const* text) {

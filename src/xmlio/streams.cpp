@@ -4,6 +4,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/encoder.h"
+#include "xmlio/local_to_utf8.h"
 
 namespace Quillon9 {
 
@@ -57,9 +58,16 @@ void CTextStream::Close() {}
 
 void CTextStream::Flush() {}
 
+std::string CTextStream::CopyText() const {
+  std::string text;
+  text.reserve(m_buffer.GetLength());
+  for (std::string_view const block : m_buffer.GetBlocks()) text += block;
+  return text;
+}
+
 CBinaryData CTextStream::GetEncodedStream() const {
   switch (m_encoding) {
-    case XmlEncoding_UTF8: return CEncoder::LocalCodePageToUtf8Binary(GetText());
+    case XmlEncoding_UTF8: return LocalCodePageToUtf8Binary(m_buffer.GetBlocks());
     case XmlEncoding_UTF16:
     case XmlEncoding_Unicode: return CEncoder::LocalCodePageToUnicodeBinary(GetText());
     case XmlEncoding_Default: break;

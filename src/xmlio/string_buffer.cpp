@@ -9,6 +9,7 @@ namespace Quillon9 {
 namespace {
 
 constexpr unsigned long kDefaultBlockSize = 4096;  // with the byte that ends the text
+constexpr unsigned long kLargestGrownBlock = 1UL << 20;
 
 }  // namespace
 
@@ -29,8 +30,7 @@ void CStringBuffer::Append(char const* text, unsigned long length) {
     if (m_used == m_capacity) AddNewBlock();
     unsigned long const piece = std::min(length, m_capacity - m_used);
     std::memcpy(m_current + m_used, text, piece);
-    m_used += piece;
-    m_length += piece;
+    Commit(piece);
     text += piece;
     length -= piece;
   }
@@ -47,15 +47,21 @@ char const* CStringBuffer::GetText() {
   return m_current;
 }
 
+std::vector<std::string_view> CStringBuffer::GetBlocks() const {
+  std::vector<std::string_view> blocks;
+  blocks.reserve(m_blocks.size());
+  for (std::size_t i = 0; i < m_blocks.size(); ++i) {
+    bool const isLast = i + 1 == m_blocks.size();
+    blocks.emplace_back(m_blocks[i], isLast ? m_used : m_blockSizes[i]);
+  }
+  return blocks;
+}
+
 void CStringBuffer::JoinBlocks() {
   std::unique_ptr<char[]> joined(new char[m_length + 1]);
-  m_blockSizes.back() = m_used;
   char* end = joined.get();
-  for (std::size_t i = 0; i < m_blocks.size(); ++i) {
-    std::memcpy(end, m_blocks[i], m_blockSizes[i]);
-    end += m_blockSizes[i];
-    delete[] m_blocks[i];
-  }
+  for (std::string_view const block : GetBlocks()) end += block.copy(end, block.size());
+  for (char const* block : m_blocks) delete[] block;
   *end = '\0';
   m_current = joined.release();
   m_used = m_capacity = m_length;
@@ -68,7 +74,7 @@ void CStringBuffer::Empty() {
     Clear();
     return;
   }
-  std::memset(m_current, 0, m_used);  // the rest is zero already
+  m_current[0] = '\0';
   m_used = 0;
   m_length = 0;
 }
@@ -83,15 +89,20 @@ void CStringBuffer::Clear() {
   m_length = 0;
 }
 
-void CStringBuffer::AddNewBlock() {
-  std::unique_ptr<char[]> block(new char[m_blockSize + 1]());
+void CStringBuffer::AddNewBlock() { AddBlock(m_blockSize); }
+
+void CStringBuffer::AddBlock(unsigned long least) {
+  // Growing with the text, up to a size that is no burden, so that long texts do not come in thousands of blocks.
+  unsigned long const size = std::max({m_blockSize, least, std::min(m_length / 2, kLargestGrownBlock)});
+  std::unique_ptr<char[]> block(new char[size + 1]);
+  block[0] = '\0';
   m_blockSizes.reserve(m_blocks.size() + 1);
   m_blocks.push_back(block.get());
   if (!m_blockSizes.empty()) m_blockSizes.back() = m_used;
-  m_blockSizes.push_back(m_blockSize);
+  m_blockSizes.push_back(size);
   m_current = block.release();
   m_used = 0;
-  m_capacity = m_blockSize;
+  m_capacity = size;
 }
 
 }  // namespace Quillon9

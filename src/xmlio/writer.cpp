@@ -1,5 +1,6 @@
 #include "quillon9/xmlio/writer.h"
 
+#include <atomic>
 #include <cstddef>
 #include <memory>
 #include <string_view>
@@ -9,6 +10,7 @@
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
 #include "xmlio/namespace_scope.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
@@ -17,6 +19,12 @@ namespace {
 constexpr std::size_t kLetters = 26;
 // Six letters number 300 million prefixes, which stays within an int and beyond any map.
 constexpr std::size_t kLongestGenerated = 6;
+
+/// Numbers the default namespaces of all scopes. From 1.
+std::uint64_t NextState() {
+  static std::atomic<std::uint64_t> last{0};
+  return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
 
 /// The number of a generated prefix, the inverse of NsIntToString; \p limit for every other text.
 std::size_t GeneratedNumber(std::string_view prefix, std::size_t limit) {
@@ -41,7 +49,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_namespace(namespaceUri),
       m_elementName(localName),
       m_parent(parent),
-      m_scopeInForce(parent->m_scopeInForce),
+      m_scopeOwner(parent->m_scopeOwner),
       m_inherits(true) {}
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
@@ -53,8 +61,9 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_parent(parent),
       m_defaultNamespace(defaultNamespace),
       m_ownScope(new CNamespaceScope(map)),
-      m_scopeInForce(m_ownScope.get()),
-      m_inherits(false) {}
+      m_scopeOwner(this),
+      m_inherits(false),
+      m_defaultState(NextState()) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
   // A loop: how deep the chain is, the document decides.
@@ -70,46 +79,57 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
   m_tagOpen = true;
   m_attributesWritten = false;
   m_depth = parent->m_depth + 1;
-  m_namespace = namespaceUri;
-  m_elementName = localName;
+  if (!IsSameText(m_namespace, namespaceUri)) {  // which is as rare as a comparison with the default is then
+    m_namespace = namespaceUri;
+    m_comparedState = 0;
+  }
+  m_elementName = localName;  // seldom the same as before
   m_parent = parent;
-  m_scopeInForce = parent->m_scopeInForce;
+  m_scopeOwner = parent->m_scopeOwner;
 }
 
 void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
   if (!m_inherits) return;
   std::string defaultNamespace = GetDefaultNamespace();
-  m_ownScope = std::make_unique<CNamespaceScope>(m_scopeInForce);
-  m_scopeInForce = m_ownScope.get();
+  m_ownScope = std::make_unique<CNamespaceScope>(m_scopeOwner->m_ownScope.get());
+  m_scopeOwner = this;
   m_defaultNamespace = std::move(defaultNamespace);
+  m_defaultState = NextState();
   m_inherits = false;
 }
 
+// Remembered from the start of the element for its end, and for the next element that takes this context over.
+void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
+  m_needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
+  m_comparedState = m_scopeOwner->m_defaultState;
+}
+
 std::map<std::string, std::string> const& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const {
-  return m_scopeInForce->All();
+  return m_scopeOwner->m_ownScope->All();
 }
 
 std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& uri) const {
-  return m_scopeInForce->Find(uri);
+  return m_scopeOwner->m_ownScope->Find(uri);
 }
 
 std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
-  return m_scopeInForce->At(uri);
+  return m_scopeOwner->m_ownScope->At(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
   TakeOwnScope();
   m_defaultNamespace = uri;
+  m_defaultState = NextState();
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
   TakeOwnScope();
-  m_scopeInForce->Bind(uri, prefix);
+  m_scopeOwner->m_ownScope->Bind(uri, prefix);
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {
   TakeOwnScope();
-  return m_scopeInForce->BindToGenerated(uri);
+  return m_scopeOwner->m_ownScope->BindToGenerated(uri);
 }
 
 CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }

@@ -53,6 +53,26 @@ TEST(StringBuffer, BlocksAreJoinedOnceAndASingleBlockIsKept) {
   ExpectText("", buffer);
 }
 
+TEST(StringBuffer, RoomIsInOnePieceAndBlocksMakeUpTheText) {
+  for (unsigned long blockSize : {2UL, 7UL, 4096UL}) {
+    CStringBuffer buffer(blockSize);
+    std::string expected;
+    for (std::size_t count : {0U, 1U, 5U, 100U, 3U, 9000U, 4095U, 2U, 40000U}) {
+      std::string const text(count, static_cast<char>('a' + count % 26));
+      text.copy(buffer.Reserve(count + 3), count);
+      buffer.Commit(count);
+      buffer.Append("|");
+      expected += text + '|';
+    }
+    std::string joined;
+    for (std::string_view const block : buffer.GetBlocks()) joined += block;
+    EXPECT_EQ(expected, joined);
+    ExpectText(expected, buffer);
+    EXPECT_EQ(1U, buffer.GetBlocks().size());
+  }
+  EXPECT_TRUE(CStringBuffer().GetBlocks().empty());
+}
+
 TEST(StringBuffer, BlockOpenedEarlyLeavesNoGapInTheText) {
   CStringBuffer buffer;
   buffer.Append("ab");

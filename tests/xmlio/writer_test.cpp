@@ -88,6 +88,40 @@ TEST(TextWriter, Escapes) {
             "<a><![CDATA[a<b]]> &lt;![CDATA[a]]&gt;&lt;![CDATA</a>");
 }
 
+std::string EscapedByByte(std::string const& text) {
+  std::string escaped;
+  for (char const c : text) {
+    switch (c) {
+      case '\0': return escaped;
+      case '\r': break;
+      case '\n': escaped += "\r\n"; break;
+      case '"': escaped += "&quot;"; break;
+      case '&': escaped += "&amp;"; break;
+      case '<': escaped += "&lt;"; break;
+      case '>': escaped += "&gt;"; break;
+      default: escaped += c;
+    }
+  }
+  return escaped;
+}
+
+// Text goes through eight bytes at a time, and every byte must be found wherever it stands.
+TEST(TextWriter, EveryByteIsEscapedAtEveryPlace) {
+  for (std::size_t length = 1; length < 20; ++length) {
+    for (std::size_t place = 0; place < length; ++place) {
+      for (int byte = 0; byte < 256; byte += byte < 0x40 ? 1 : 0x3E) {  // those and some with the same low bits
+        std::string text = std::string("ab\xC3\xA4 c;!=#'%$?;\x7F~ABCDEFGHIJKLMNOP").substr(0, length);
+        text[place] = static_cast<char>(byte);
+        std::string const expected = EscapedByByte(text);
+        ASSERT_EQ("<a>" + expected + "</a>", Doc().Eol(EOLType_CRLF).Start("a").Text(text).End().Close()) << length << ' ' << place;
+      }
+    }
+  }
+  std::string text(5000, 'x');
+  for (std::size_t place : {1022U, 1023U, 1024U, 1025U, 4094U, 4095U, 4096U, 4999U}) text[place] = '<';
+  EXPECT_EQ("<a>" + EscapedByByte(text) + "</a>", Doc().Start("a").Text(text).End().Close());
+}
+
 TEST(TextWriter, Namespaces) {
   EXPECT_EQ(Doc().Start("a", "u").End().Close(), "<AA:a xmlns:AA=\"u\"/>");
   EXPECT_EQ(Doc().Default("u").Start("a", "u").Start("b").End(2).Close(), "<a xmlns=\"u\"><b/></a>");
@@ -106,6 +140,28 @@ TEST(TextWriter, Namespaces) {
   EXPECT_EQ(Doc().Start("a").Alias("p", "u").Start("b", "u").End(2).Close(), "<a><p:b/></a>");
   EXPECT_EQ(Doc().Default("u").Start("a", "u").Attr("m", "u", "1").Attr("n", "u", "2").End().Close(),
             "<a xmlns=\"u\" xmlns:AA=\"u\" AA:m=\"1\" AA:n=\"2\"/>");
+}
+
+// What is remembered of a name from its start to its end, and for the next element, follows the default namespace.
+TEST(TextWriter, ChangedDefaultNamespaceCountsForWhatFollows) {
+  Doc doc;
+  doc.Default("d").Start("r", "d").Start("a", "d").End().Default("e").Start("a", "d").End().Start("b", "e").Default("d");
+  doc.Start("a", "d").End().Text("t").End().Start("b", "e").End().Start("n").End().End();
+  EXPECT_EQ(R"(<r xmlns="d"><a/><AA:a xmlns:AA="d"/><b><a/>t</:b><b/><n/></:r>)", doc.Close());
+}
+
+TEST(TextWriter, NamesEndAtAZeroByte) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  for (std::size_t length = 0; length < 20; ++length) {
+    std::string const name(length, 'n');
+    stream.Open();
+    writer.WriteStartElement(name + '\0' + "unseen and long enough", "");
+    writer.WriteAttributeString(name + '\0', "", "v\n", ItemType_string);
+    writer.WriteString("t", ItemType_string);
+    writer.WriteEndElement();
+    EXPECT_EQ("<" + name + " " + name + "=\"v&#xA;\">t</" + name + ">\n", std::string(stream.GetText()));
+  }
 }
 
 TEST(TextWriter, TypeAndNil) {

@@ -56,9 +56,14 @@ class QUILLON9_API CTextStream {
   void Append(char const* text, unsigned long length) { m_buffer.Append(text, length); }
   /// Add one byte.
   void Append(char character) { m_buffer.Append(character); }
+  /// Room for \p count bytes behind the text, and taking up those that were filled, as CStringBuffer has them.
+  char* Reserve(unsigned long count) { return m_buffer.Reserve(count); }
+  void Commit(unsigned long count) { m_buffer.Commit(count); }
 
   /// The text held, NUL-terminated. The stream owns it; it is valid until the next change of the stream.
   char const* GetText() const { return m_buffer.GetText(); }
+  /// The text held, as a string.
+  std::string CopyText() const;
   /// The bytes held.
   unsigned long GetLength() const { return m_buffer.GetLength(); }
   /// The encoding that the constructor was given.

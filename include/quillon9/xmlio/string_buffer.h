@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "quillon9/export.h"
@@ -21,9 +22,8 @@ class QUILLON9_API CStringBuffer {
 
   /// Append one character. A zero is held like any other.
   void Append(char character) {
-    if (m_used == m_capacity) AddNewBlock();
-    m_current[m_used++] = character;
-    ++m_length;
+    *Reserve(1) = character;
+    Commit(1);
   }
   /// Append \p text up to its terminating zero; null is an empty text.
   void Append(char const* text);
@@ -31,12 +31,27 @@ class QUILLON9_API CStringBuffer {
   void Append(std::string const& text);
   /// Append \p length characters, zeros included.
   void Append(char const* text, unsigned long length);
+  /// Room for \p count characters in one piece behind the text, to be filled before anything else is done here. What is
+  /// left of the current block, if that is too little, stays unused.
+  char* Reserve(unsigned long count) {
+    if (m_capacity - m_used < count) AddBlock(count);
+    return m_current + m_used;
+  }
+  /// Take up the first \p count characters of the room reserved last into the text.
+  void Commit(unsigned long count) {
+    m_used += count;
+    m_length += count;
+    m_current[m_used] = '\0';  // so that one block is always a text, at less than the cost of zero fill
+  }
   /// Replace what is held by \p text, which must not be text of this buffer.
   void SetText(char const* text);
 
   /// Join the blocks to one and return it, zero-terminated. Never null. The buffer keeps owning it: it is valid up
   /// to the next Clear(), SetText() or Empty(), and the next append may change what follows the text.
   char const* GetText();
+  /// The text in the pieces in which it is held, valid until the next change. One pass over them copies what GetText()
+  /// would join first.
+  std::vector<std::string_view> GetBlocks() const;
   /// All characters held.
   unsigned long GetLength() const { return m_length; }
 
@@ -50,6 +65,7 @@ class QUILLON9_API CStringBuffer {
   void AddNewBlock();
 
  private:
+  void AddBlock(unsigned long least);
   void JoinBlocks();
 
   std::vector<char*> m_blocks;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
@@ -70,10 +71,11 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
 
  private:
   void CloseTag();
-  void Indent();
+  void AppendEndTag();
   void AppendLineEnd();
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
-  void AppendQualifiedStart(std::string const& localName, std::string const& namespaceUri);
+  void AppendEscaped(std::string_view text, bool inAttribute);
+  void Commit(char const* start, char const* end);
   void AppendDocumentDeclarations();
   void FlushIfFull();
 

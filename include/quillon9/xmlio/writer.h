@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <typeinfo>
 
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
@@ -104,7 +106,12 @@ class QUILLON9_API CXmlWriter {
   std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
 
  private:
+  friend class CXmlGeneratedClass;  // which leaves here what it would find out again for every object
+
   CXmlWriterContext* m_spare = nullptr;  ///< contexts to use again, linked as parents
+  std::string m_namespaceText;           ///< the last one that was handed on, for its memory
+  /// Classes that are known not to be nillable, by the address of what identifies them.
+  std::array<std::type_info const*, 32> m_plainClasses{};
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
@@ -125,14 +132,22 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
 
   /// The default namespace in force, empty for none.
-  std::string const& GetDefaultNamespace() const { return Scope()->m_defaultNamespace; }
+  std::string const& GetDefaultNamespace() const { return m_scopeOwner->m_defaultNamespace; }
+  /// Whether the element is in no namespace or in the default one in force, and so needs no prefix.
+  bool NeedsNoPrefix() const {
+    if (m_comparedState != m_scopeOwner->m_defaultState) CompareWithDefault();
+    return m_needsNoPrefix;
+  }
   /// The bindings in force, URI to prefix.
   std::map<std::string, std::string> const& GetNamespaceMap() const;
   /// The prefix of \p uri in the bindings in force, or null. Valid until \p uri is bound anew. Cheaper than a look into
   /// GetNamespaceMap(), which is put together when it is asked for.
   std::string const* FindPrefix(std::string const& uri) const;
   /// What stands for the bindings in force: equal pointers mean the same bindings, as long as none is added.
-  void const* GetScope() const { return m_scopeInForce; }
+  void const* GetScope() const { return m_scopeOwner; }
+  /// Share the bindings of the parent again, which got some of its own after this context was made. For a context that
+  /// inherits.
+  void FollowParent() { m_scopeOwner = m_parent->m_scopeOwner; }
   /// Set the default namespace for this element and what is inside it.
   void SetDefaultNamespace(std::string const& uri);
   /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
@@ -153,21 +168,22 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   bool m_attributesWritten = false;             ///< for formats that close a list of attributes
   std::string m_defaultNamespace;               ///< meaningful only when not inheriting
   std::unique_ptr<CNamespaceScope> m_ownScope;  ///< null as long as this element bound nothing
-  CNamespaceScope* m_scopeInForce;              ///< the own one, or that of the parent
+  CXmlWriterContext* m_scopeOwner;              ///< the nearest context, this one included, with a scope of its own
   bool m_inherits;                              ///< default namespace and bindings are those of the parent
 
  private:
-  /// The nearest context, this one included, that has a scope of its own.
-  CXmlWriterContext const* Scope() const {
-    CXmlWriterContext const* context = this;
-    while (context->m_inherits) context = context->m_parent;
-    return context;
-  }
   void TakeOwnScope();
   std::string const& BindToGenerated(std::string const& uri);
   /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing.
   void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
+  void CompareWithDefault() const;
   friend class CXmlWriter;
+
+  /// Of a context with a scope of its own: a number that changes with the default namespace and that no other has.
+  std::uint64_t m_defaultState = 0;
+  /// The one of the scope in force when the namespace of this element was compared with the default; 0 for never.
+  mutable std::uint64_t m_comparedState = 0;
+  mutable bool m_needsNoPrefix = false;
 };
 
 }  // namespace Quillon9
