@@ -167,6 +167,8 @@ TEST(Conversions, FloatingPointAgreesWithLibc) {
     double value = 0;
     std::memcpy(&value, &bits, sizeof value);
     if (i % 2 == 0) value = static_cast<double>(static_cast<std::int64_t>(bits >> (bits % 60))) / 1000;
+    if (i % 3 == 0) value = std::ldexp(value, -static_cast<int>(bits % 40));  // among them halves of the last digit
+    if (i % 5 == 0) value = std::nextafter(std::pow(10.0, static_cast<int>(bits % 32) - 8), value);
     if (!std::isfinite(value)) continue;
     std::snprintf(expected, sizeof expected, "%.16g", value);
     EXPECT_EQ(expected, CConversions::r8ToString(value));
