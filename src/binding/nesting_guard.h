@@ -14,21 +14,21 @@ namespace Quillon9 {
 class NestingGuard {
  public:
   /// \p hasTag is whether an element is entered, and not a group without a tag.
-  explicit NestingGuard(bool hasTag) : m_outer(t_levels) {
-    ++t_levels.all;
+  explicit NestingGuard(bool hasTag) : m_levels(t_levels), m_outer(m_levels) {
+    ++m_levels.all;
     if (hasTag) {
-      ++t_levels.elements;
-      t_levels.groups = 0;
+      ++m_levels.elements;
+      m_levels.groups = 0;
     } else {
-      ++t_levels.groups;
+      ++m_levels.groups;
     }
     std::uint32_t const limit = CLimits::GetMaxElementDepth();
-    bool const isWithinTotal = t_levels.all / 4 <= limit;
-    if (t_levels.elements <= limit && t_levels.groups <= limit && isWithinTotal) return;
-    t_levels = m_outer;
+    bool const isWithinTotal = m_levels.all / 4 <= limit;
+    if (m_levels.elements <= limit && m_levels.groups <= limit && isWithinTotal) return;
+    m_levels = m_outer;
     throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
   }
-  ~NestingGuard() { t_levels = m_outer; }
+  ~NestingGuard() { m_levels = m_outer; }
   NestingGuard(NestingGuard const&) = delete;
   NestingGuard& operator=(NestingGuard const&) = delete;
 
@@ -40,6 +40,7 @@ class NestingGuard {
   };
   inline static thread_local Levels t_levels = {0, 0, 0};
 
+  Levels& m_levels;  // those of the thread, found once
   Levels m_outer;
 };
 
