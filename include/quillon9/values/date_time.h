@@ -272,8 +272,8 @@ class QUILLON9_API CDateTime {
   void ValidateTime() const;
   bool ReadShortDate(char const* text, long length);
   bool ReadFullDate(char const* text, long length, bool negative);
-  void AppendTime(std::string& text) const;
-  void AppendZone(std::string& text) const;
+  char* PutTime(char* to) const;
+  char* PutZone(char* to) const;
 
   DTType m_type = dt_yearZero;
   std::uint8_t m_reserved = 0;
