@@ -73,10 +73,12 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   QnVariant value;
   ReadProperty(holder, value);
   if (m_optional && !value.IsValid()) return;
-  std::string const text = value.ToString(m_format);  // also what reports a required value that is not set
-  if (IsSuppressedDefault(ctx, text)) return;
   ItemType const held = value.GetItemType();
-  CheckRestriction(std::move(value));
+  std::string printed;
+  if (held != ItemType_string) printed = value.ToString(m_format);  // also reports a required value that is not set
+  std::string const& text = held == ItemType_string ? value.GetString() : printed;
+  if (IsSuppressedDefault(ctx, text)) return;
+  CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
   writer->WriteAttributeString(m_attributeName, m_namespace, text, held);
 }
 
