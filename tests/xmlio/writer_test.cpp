@@ -109,12 +109,16 @@ std::string EscapedByByte(std::string const& text) {
 TEST(TextWriter, EveryByteIsEscapedAtEveryPlace) {
   for (std::size_t length = 1; length < 20; ++length) {
     for (std::size_t place = 0; place < length; ++place) {
-      for (int byte = 0; byte < 256; byte += byte < 0x40 ? 1 : 0x3E) {  // those and some with the same low bits
+      Doc doc;
+      std::string expected = "<a>";
+      doc.Eol(EOLType_CRLF).Start("a");
+      for (int byte = 0; byte < 256; ++byte) {
         std::string text = std::string("ab\xC3\xA4 c;!=#'%$?;\x7F~ABCDEFGHIJKLMNOP").substr(0, length);
         text[place] = static_cast<char>(byte);
-        std::string const expected = EscapedByByte(text);
-        ASSERT_EQ("<a>" + expected + "</a>", Doc().Eol(EOLType_CRLF).Start("a").Text(text).End().Close()) << length << ' ' << place;
+        expected += EscapedByByte(text);
+        doc.Text(text);
       }
+      EXPECT_EQ(expected + "</a>", doc.End().Close()) << length << ' ' << place;
     }
   }
   std::string text(5000, 'x');
