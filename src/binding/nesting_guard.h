@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "binding/stack_left.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
 
@@ -10,7 +11,7 @@ namespace Quillon9 {
 /// Bounds the recursion of generated classes on this thread: nested elements, nested groups without a tag inside one
 /// element, and both together, of which there may be four times as many. A document's elements are counted when its
 /// tree is built; this counts what trees and object graphs made by hand nest, and groups that hold each other without
-/// end.
+/// end. A thread whose stack is too small for what the limit admits fails as well, instead of overrunning it.
 class NestingGuard {
  public:
   /// \p hasTag is whether an element is entered, and not a group without a tag.
@@ -24,8 +25,10 @@ class NestingGuard {
     }
     std::uint32_t const limit = CLimits::GetMaxElementDepth();
     bool const isWithinTotal = m_levels.all / 4 <= limit;
-    if (m_levels.elements <= limit && m_levels.groups <= limit && isWithinTotal) return;
+    bool const isWithinLimit = m_levels.elements <= limit && m_levels.groups <= limit && isWithinTotal;
+    if (isWithinLimit && !IsStackShort()) return;
     m_levels = m_outer;
+    if (isWithinLimit) throw CQnException("The element nesting exceeds the stack of the thread");
     throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
   }
   ~NestingGuard() { m_levels = m_outer; }

@@ -1,9 +1,9 @@
 #include <pcre.h>
-#include <pthread.h>
 
 #include <new>
 #include <vector>
 
+#include "binding/stack_left.h"
 #include "values/pattern_engine.h"
 
 namespace Quillon9 {
@@ -21,20 +21,8 @@ struct FreePcre {
 constexpr std::size_t kInterpreterLevel = 1024;
 constexpr std::size_t kStackReserve = 64 * 1024;
 
-std::size_t StackLeft() {
-  pthread_attr_t attributes;
-  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return 0;
-  void* lowest = nullptr;
-  std::size_t size = 0;
-  pthread_attr_getstack(&attributes, &lowest, &size);
-  pthread_attr_destroy(&attributes);
-  auto const here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-  auto const base = reinterpret_cast<std::uintptr_t>(lowest);
-  return here >= base && here - base < size ? here - base : 0;  // a coroutine's stack is not the thread's
-}
-
 unsigned long RecursionLimit() {
-  std::size_t const left = StackLeft();
+  std::size_t const left = StackLeft().value_or(0);
   return left > 2 * kStackReserve ? static_cast<unsigned long>((left - kStackReserve) / kInterpreterLevel) : 64;
 }
 

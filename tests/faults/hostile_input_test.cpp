@@ -203,6 +203,40 @@ TEST(HostileInput, AFaultBelowManyElementsNamesEachOfThemOnce) {
   CLimits::SetMaxElementDepth(limit);
 }
 
+TEST(HostileInput, DepthNeverOverrunsTheStackOfAThread) {
+  std::string const document = Repeated("<n>", 1000) + Repeated("</n>", 1000);
+  std::string const refusal = "The element nesting exceeds the stack of the thread";
+  CSmartPtr<DynamicClass> const object(new DynamicClass(NestedShape(), "n"));
+  CSmartPtr<CElement> const element(new CElement("n", ""));
+  RunWithStack(std::size_t{64} << 20, [&] {
+    object->FromXml(document.c_str());
+    element->FromXml(document.c_str());
+  });
+  std::function<void()> const acts[] = {
+      [&] { DynamicClass(NestedShape(), "n").FromXml(document.c_str()); },
+      [&] { object->Text(); },
+      [&] { object->ToFastInfosetStream(); },
+      [&] { CSmartPtr<CElement>(new CElement("n", ""))->FromXml(document.c_str()); },
+      [&] { element->ToXml(); },
+  };
+  for (auto const& act : acts) {
+    for (std::size_t const kibibytes : {128U, 256U, 8192U}) {
+      std::string cause;
+      RunWithStack(kibibytes << 10, [&] {
+        try {
+          act();
+        } catch (CQnException const& failure) {
+          CQnException const* inner = &failure;
+          while (inner->GetInnerException() != nullptr) inner = inner->GetInnerException();
+          cause = inner->GetMessage();
+        }
+      });
+      EXPECT_TRUE(cause == refusal || (cause.empty() && kibibytes > 128)) << kibibytes << " KiB: " << cause;
+      EXPECT_TRUE(kibibytes < 8192 || cause.empty()) << cause;
+    }
+  }
+}
+
 // ---- Callers whose functions throw
 
 enum class Place { Nowhere, Init, Store, Fetch, MakeChild, ChildInit, EnumFromText, EnumToText, Nil, Listener };

@@ -1,0 +1,51 @@
+#include "binding/stack_left.h"
+
+#include <pthread.h>
+
+#include <algorithm>
+#include <cstdint>
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kReserve = 64 * 1024;
+
+struct Stack {
+  std::uintptr_t lowest = 0;
+  std::size_t size = 0;  ///< 0 when it could not be found out
+};
+
+Stack FindStack() {
+  Stack stack;
+  pthread_attr_t attributes;
+  if (pthread_getattr_np(pthread_self(), &attributes) != 0) return stack;
+  void* lowest = nullptr;
+  pthread_attr_getstack(&attributes, &lowest, &stack.size);
+  pthread_attr_destroy(&attributes);
+  stack.lowest = reinterpret_cast<std::uintptr_t>(lowest);
+  return stack;
+}
+
+/// Asked for once a thread: for the main thread libc reads a file.
+Stack const& ThreadStack() {
+  static thread_local Stack stack;
+  if (stack.size == 0) stack = FindStack();
+  return stack;
+}
+
+}  // namespace
+
+std::optional<std::size_t> StackLeft() {
+  Stack const& stack = ThreadStack();
+  auto const here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  if (here < stack.lowest || here - stack.lowest >= stack.size) return std::nullopt;
+  return here - stack.lowest;
+}
+
+bool IsStackShort() {
+  std::optional<std::size_t> const left = StackLeft();
+  return left.has_value() && *left < std::min(kReserve, ThreadStack().size / 4);
+}
+
+}  // namespace Quillon9
