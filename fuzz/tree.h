@@ -62,8 +62,8 @@ inline bool HasNone(std::string const& text, std::string const& characters) {
 }
 
 /// Writers drop carriage returns and end a text at a zero byte; attributes lose tabs to the parser. Namespace names are
-/// written as they stand, and so are texts that begin as CDATA sections do; the parser takes no namespace with '|'. Of a
-/// name that is no UTF-8, as Fast Infoset may have it, nothing may be left to write.
+/// written as they stand, and so are texts that begin as CDATA sections do; the parser takes no namespace with '|'. Of
+/// a name that is no UTF-8, as Fast Infoset may have it, nothing may be left to write.
 inline bool IsWrittenWhole(CXmlElement const& element) {
   if (element.GetLocalName().empty()) return false;
   std::string const lost("\r\0", 2);

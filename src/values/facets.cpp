@@ -110,8 +110,8 @@ bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
          (r.length < 0 || length == static_cast<std::uint64_t>(r.length));
 }
 
-// A pattern of ASCII, as schemas have them, is one in any code page: SJIS, for which libc has a yen sign where ASCII has
-// the backslash, must not make "\d" another pattern.
+// A pattern of ASCII, as schemas have them, is one in any code page: SJIS, for which libc has a yen sign where ASCII
+// has the backslash, must not make "\d" another pattern.
 bool KeepsPattern(std::string const& value, std::string const& pattern) {
   if (pattern.empty()) return true;
   bool const isUtf8 = std::all_of(pattern.begin(), pattern.end(), [](char c) { return c > 0; }) ||

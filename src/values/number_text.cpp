@@ -138,7 +138,8 @@ constexpr std::array<std::uint64_t, kMostPlaces + 1> MakePowersOf10() {
 
 constexpr auto kPowersOf10 = MakePowersOf10();
 
-/// The integer nearest to mantissa * 2^-shift * 10^places, which is below 2^64; the even one of two. \p shift is 1 to 63.
+/// The integer nearest to mantissa * 2^-shift * 10^places, which is below 2^64; the even one of two. \p shift is 1 to
+/// 63.
 std::uint64_t RoundScaled(std::uint64_t mantissa, int shift, int places) {
   WideInteger const exact = WideInteger{mantissa} * kPowersOf10[static_cast<std::size_t>(places)];
   auto const whole = static_cast<std::uint64_t>(exact >> shift);

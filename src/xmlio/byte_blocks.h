@@ -20,7 +20,7 @@ constexpr std::uint64_t Below(std::uint64_t block, unsigned char limit) { return
 constexpr std::uint64_t Equal(std::uint64_t block, unsigned char byte) { return Below(block ^ (kOnes * byte), 1); }
 
 template <class Block>
-std::uint64_t Load(char const* from) {
+Block Load(char const* from) {
   Block block;
   std::memcpy(&block, from, sizeof block);
   return block;
@@ -28,7 +28,7 @@ std::uint64_t Load(char const* from) {
 
 /// Less than eight bytes, filled up with \p filler.
 inline std::uint64_t LoadShort(char const* from, std::size_t size, unsigned char filler) {
-  if (size >= 4) return Load<std::uint32_t>(from + size - 4) << 32 | Load<std::uint32_t>(from);
+  if (size >= 4) return std::uint64_t{Load<std::uint32_t>(from + size - 4)} << 32 | Load<std::uint32_t>(from);
   std::uint64_t block = kOnes * filler;
   for (std::size_t i = 0; i < size; ++i) block = block << 8 | static_cast<unsigned char>(from[i]);
   return block;

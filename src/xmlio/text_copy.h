@@ -5,37 +5,28 @@
 #include <cstring>
 #include <string_view>
 
+#include "xmlio/byte_blocks.h"
+
 namespace Quillon9 {
 
 /// Copying text while it is looked at, eight bytes at a time. Names and values are short, so a call of memcpy() and a
 /// loop over the bytes cost more than the text itself.
 
-constexpr std::uint64_t kEachByte = 0x0101010101010101U;
-constexpr std::uint64_t kEachHighBit = 0x8080808080808080U;
-
 /// Whether one of the eight bytes is zero.
 struct HasZero {
-  bool operator()(std::uint64_t block) const { return ((block - kEachByte) & ~block & kEachHighBit) != 0; }
+  bool operator()(std::uint64_t block) const { return (ByteBlocks::Equal(block, 0) & ByteBlocks::kHighBits) != 0; }
 };
 
 /// Whether one of the eight bytes may not stand in a document as it is: a quotation mark, an ampersand, an angle
 /// bracket or a control character.
 struct HasMarkup {
   bool operator()(std::uint64_t block) const {
-    std::uint64_t const quoteOrAmpersand = (block & ~(kEachByte * 0x04)) ^ (kEachByte * '"');  // they differ in one bit
-    std::uint64_t const bracket = (block & ~(kEachByte * 0x02)) ^ (kEachByte * '<');           // as these do
-    std::uint64_t const found = ((quoteOrAmpersand - kEachByte) & ~quoteOrAmpersand) |
-                                ((bracket - kEachByte) & ~bracket) | ((block - kEachByte * 0x20) & ~block);
-    return (found & kEachHighBit) != 0;
+    using namespace ByteBlocks;
+    std::uint64_t const quoteOrAmpersand = Equal(block & ~(kOnes * 0x04), '"');  // they differ in one bit
+    std::uint64_t const bracket = Equal(block & ~(kOnes * 0x02), '<');           // as these do
+    return ((quoteOrAmpersand | bracket | Below(block, ' ')) & kHighBits) != 0;
   }
 };
-
-template <class Block>
-Block LoadBlock(char const* from) {
-  Block block;
-  std::memcpy(&block, from, sizeof block);
-  return block;
-}
 
 template <class Block>
 void StoreBlock(char* to, Block block) {
@@ -48,8 +39,8 @@ std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
   std::size_t const length = text.size();
   char const* const from = text.data();
   if (length >= 4) {
-    auto const first = LoadBlock<std::uint32_t>(from);
-    auto const last = LoadBlock<std::uint32_t>(from + length - 4);
+    auto const first = ByteBlocks::Load<std::uint32_t>(from);
+    auto const last = ByteBlocks::Load<std::uint32_t>(from + length - 4);
     if (stops(first | std::uint64_t{last} << 32)) return 0;
     StoreBlock(to, first);
     StoreBlock(to + length - 4, last);
@@ -57,7 +48,7 @@ std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
   }
   if (length == 0) return 0;
   char bytes[8] = {from[0], from[length / 2], from[length - 1], ' ', ' ', ' ', ' ', ' '};
-  if (stops(LoadBlock<std::uint64_t>(bytes))) return 0;
+  if (stops(ByteBlocks::Load<std::uint64_t>(bytes))) return 0;
   to[0] = bytes[0];
   to[length / 2] = bytes[1];
   to[length - 1] = bytes[2];
@@ -73,7 +64,7 @@ std::size_t CopyBlocks(char* to, std::string_view text, Stops stops) {
   if (length < kBlock) return CopyLessThanBlock(to, text, stops);
   std::size_t const last = length - kBlock;  // where the last block starts, which may overlap the one before
   for (std::size_t at = 0;; at = at + kBlock < last ? at + kBlock : last) {
-    auto const block = LoadBlock<std::uint64_t>(text.data() + at);
+    auto const block = ByteBlocks::Load<std::uint64_t>(text.data() + at);
     if (stops(block)) return at;
     StoreBlock(to + at, block);
     if (at == last) return length;
@@ -98,7 +89,7 @@ inline bool IsSameText(std::string_view left, std::string_view right) {
     return at == length;
   }
   auto const differ = [&](std::size_t at) {
-    return LoadBlock<std::uint64_t>(left.data() + at) != LoadBlock<std::uint64_t>(right.data() + at);
+    return ByteBlocks::Load<std::uint64_t>(left.data() + at) != ByteBlocks::Load<std::uint64_t>(right.data() + at);
   };
   for (std::size_t at = 0; at < length - kBlock; at += kBlock) {
     if (differ(at)) return false;
