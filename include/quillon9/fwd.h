@@ -33,6 +33,7 @@ class CInstanceMonitor;
 class CLimits;
 class CNamespaceAliasMap;
 class CNode;
+class CPlainClasses;
 class CPrimitiveRestrictions;
 class CQnException;
 class CQnInvalidNamespaceException;

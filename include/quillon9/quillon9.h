@@ -43,6 +43,7 @@
 #include "quillon9/binding/namespace_alias_map.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/binding/object_helper.h"
+#include "quillon9/binding/plain_classes.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/binding/typed_collections.h"

@@ -3,6 +3,7 @@
 #include <typeinfo>
 
 #include "quillon9/binding/collection.h"
+#include "quillon9/binding/plain_classes.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 
@@ -34,6 +35,14 @@ CXmlGeneratedClass::~CXmlGeneratedClass() = default;
 
 void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
   const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);
+}
+
+INillable const* CXmlGeneratedClass::AsNillable(CPlainClasses* plainClasses) const {
+  std::type_info const& type = typeid(*this);
+  if (plainClasses != nullptr && plainClasses->Has(type)) return nullptr;
+  auto const* const nillable = dynamic_cast<INillable const*>(this);
+  if (nillable == nullptr && plainClasses != nullptr) plainClasses->Add(type);
+  return nillable;
 }
 
 int CXmlGeneratedClass::GetClassElementInfoCount() const {

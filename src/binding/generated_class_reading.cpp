@@ -13,6 +13,7 @@
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
 
@@ -35,7 +36,8 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   NestingGuard const guard(info.m_elementType == XmlElementType_Element);
   if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
-  auto const* const nillable = dynamic_cast<INillable const*>(this);
+  CTreeMemory* const memory = parent->m_memory;
+  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
   if (info.m_textPropertyIndex != -1) {

@@ -1,8 +1,6 @@
 // How a generated class is written. Each rule is tested by the code that writes the thing in question, so an
 // object that is wrong fails in the middle of the output.
 
-#include <cstdint>
-#include <typeinfo>
 #include <utility>
 
 #include "binding/failure_wrapping.h"
@@ -33,25 +31,13 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
-  INillable const* const nillable = AsNillable(writer);
+  INillable const* const nillable = AsNillable(&writer->m_plainClasses);
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
   } else {
     WriteContent(writer, ctx, inChoice);
   }
   if (hasTag) writer->WriteEndElement();
-}
-
-// The cast goes through the tree of the class's bases, so what it told of a class is kept for the document: 2 % of the
-// speed of writing, as is keeping the memory of the namespace's text below.
-INillable const* CXmlGeneratedClass::AsNillable(CXmlWriter* writer) const {
-  std::type_info const& type = typeid(*this);
-  auto const address = reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info);
-  std::type_info const*& plain = writer->m_plainClasses[address % writer->m_plainClasses.size()];
-  if (plain == &type) return nullptr;
-  auto const* const nillable = dynamic_cast<INillable const*>(this);
-  if (nillable == nullptr) plain = &type;
-  return nillable;
 }
 
 namespace {
@@ -71,7 +57,7 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
-  std::string text = std::move(writer->m_namespaceText);
+  std::string text = std::move(writer->m_namespaceText);  // for its memory
   text = ns != nullptr ? ns : "";
   writer->WriteStartElement(GetElementName(), text);
   writer->m_namespaceText = std::move(text);

@@ -207,6 +207,7 @@ CSmartPtr<CXmlCollectionBase> QnVariant::GetXmlCollection() const {
   if (!IsValid()) return nullptr;
   if (m_type != ItemType_xmlObject && m_type != ItemType_xmlCollection) ThrowWrongKind("xmlCollection");
   auto* const object = Load<CXmlObjectBase*>();
+  if (m_type == ItemType_xmlCollection) return static_cast<CXmlCollectionBase*>(object);
   auto* const collection = dynamic_cast<CXmlCollectionBase*>(object);
   if (collection == nullptr && object != nullptr) ThrowWrongKind("xmlCollection");
   return collection;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "quillon9/binding/plain_classes.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -27,6 +28,9 @@ class CTreeMemory {
   /// Tell that the document needs it no more. It goes now, or with its last node.
   void Abandon();
   bool HasNodes() const { return m_nodes > 0; }
+
+  /// The classes that have been read from this tree.
+  CPlainClasses& PlainClasses() { return m_plainClasses; }
 
   /// The one name with these texts.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
@@ -48,6 +52,7 @@ class CTreeMemory {
   ~CTreeMemory();
   void StartBlock();
 
+  CPlainClasses m_plainClasses;
   std::size_t m_nodes = 0;
   bool m_isAbandoned = false;
   FreeNode* m_free[kSizes] = {};

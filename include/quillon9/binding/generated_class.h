@@ -148,8 +148,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;
-  /// This object as a nillable one, or null.
-  INillable const* AsNillable(CXmlWriter* writer) const;
+  /// This object as a nillable one, or null. \p plainClasses may be null.
+  INillable const* AsNillable(CPlainClasses* plainClasses) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
   void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;

@@ -135,6 +135,7 @@ class QUILLON9_API CXmlElement {
 
  private:
   friend class CXmlDocument;
+  friend class CXmlGeneratedClass;  // which leaves in the memory what it would find out again for every object
   /// An element in \p memory.
   CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept;
   static std::vector<CXmlAttribute*> const& None();

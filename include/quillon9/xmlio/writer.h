@@ -1,12 +1,11 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
-#include <typeinfo>
 
+#include "quillon9/binding/plain_classes.h"
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
 
@@ -110,8 +109,7 @@ class QUILLON9_API CXmlWriter {
 
   CXmlWriterContext* m_spare = nullptr;  ///< contexts to use again, linked as parents
   std::string m_namespaceText;           ///< the last one that was handed on, for its memory
-  /// Classes that are known not to be nillable, by the address of what identifies them.
-  std::array<std::type_info const*, 32> m_plainClasses{};
+  CPlainClasses m_plainClasses;
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
