@@ -1,6 +1,7 @@
 #include "quillon9/binding/collection.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <memory>
 
 #include "binding/deferred_release.h"
@@ -163,8 +164,18 @@ CNode* CXmlCollection::GetNodeAtIndex(int index) const {
   if (index < 0 || index >= m_count) {
     throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, m_count));
   }
-  CNode* node = m_head;
-  while (index-- > 0) node = node->m_next;
+  // From the nearest of both ends and the last place, so that a loop over all indices does not cost the square.
+  bool const isNearTail = index > m_count / 2;
+  CNode* node = isNearTail ? m_tail : m_head;
+  int at = isNearTail ? m_count - 1 : 0;
+  if (m_lastNode != nullptr && std::abs(index - m_lastIndex) < std::abs(index - at)) {
+    node = m_lastNode;
+    at = m_lastIndex;
+  }
+  for (; at < index; ++at) node = node->m_next;
+  for (; at > index; --at) node = node->m_prev;
+  m_lastNode = node;
+  m_lastIndex = index;
   return node;
 }
 
@@ -191,6 +202,7 @@ void CXmlCollection::RemoveNode(CNode* node) {
 // it: a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
   auto* const node = new CNode(item);
+  if (next != nullptr) m_lastNode = nullptr;
   node->m_next = next;
   node->m_prev = next != nullptr ? next->m_prev : m_tail;
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node;
@@ -211,6 +223,7 @@ void CXmlCollection::Unlink(CNode* node) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;
   --m_count;
+  m_lastNode = node == m_lastNode ? node->m_next : nullptr;
   delete node;
 }
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <stdexcept>
+#include <vector>
 
 #include "dynamic_class.h"
 #include "expect_failure.h"
@@ -61,6 +63,38 @@ TEST_F(CollectionTest, AddsInEveryPlace) {
   list.Remove(7);
   list.Remove(0);
   EXPECT_EQ("cacbac", Names(list));
+}
+
+TEST_F(CollectionTest, PlacesAreFoundAfterEveryChange) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  std::vector<DynamicClass*> expected;
+  DynamicClass* const items[] = {a.Get(), b.Get(), c.Get()};
+  std::minstd_rand random(1);
+  auto const below = [&](std::size_t limit) { return static_cast<int>(random() % limit); };
+  for (int step = 0; step < 3000; ++step) {
+    int const at = below(expected.size() + 1);
+    if (step % 5 < 3) {
+      DynamicClass* const item = items[below(3)];
+      list.AddItemAt(at, item);
+      expected.insert(expected.begin() + at, item);
+    } else if (at < list.GetCount()) {
+      list.Remove(at);
+      expected.erase(expected.begin() + at);
+    }
+    for (int look = 0; look < 3 && !expected.empty(); ++look) {
+      int const index = below(expected.size());
+      ASSERT_EQ(expected[static_cast<std::size_t>(index)], list.Item(index)) << step;
+    }
+  }
+}
+
+TEST_F(CollectionTest, ManyItemsByIndex) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  constexpr int kMany = 300000;
+  for (int i = 0; i < kMany; ++i) list.AppendItem(i % 2 == 0 ? a.Get() : b.Get());
+  int found = 0;
+  for (int i = 0; i < kMany; ++i) found += list.Item(i) == a.Get() ? 1 : 0;  // not the square
+  EXPECT_EQ(kMany / 2, found);
 }
 
 TEST_F(CollectionTest, FiresBeforeAfterAndChange) {

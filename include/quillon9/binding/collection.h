@@ -160,6 +160,8 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
+  mutable CNode* m_lastNode = nullptr;  // what GetNodeAtIndex() gave last, at m_lastIndex, while that holds
+  mutable int m_lastIndex = 0;
 };
 
 }  // namespace Quillon9
