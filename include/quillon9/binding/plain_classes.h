@@ -12,7 +12,9 @@ namespace Quillon9 {
 /// own use; one thread at a time.
 class CPlainClasses {
  public:
+  /// Whether Add() was told of \p type, and of no other class in its place since.
   bool Has(std::type_info const& type) const { return m_types[Place(type)] == &type; }
+  /// Remember \p type, which is borrowed.
   void Add(std::type_info const& type) { m_types[Place(type)] = &type; }
 
  private:

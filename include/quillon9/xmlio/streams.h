@@ -57,8 +57,10 @@ class QUILLON9_API CTextStream {
   /// Add one byte.
   void Append(char character) { m_buffer.Append(character); }
   /// Room for \p count bytes behind the text, and taking up those that were filled, as CStringBuffer has them.
+  ///@{
   char* Reserve(unsigned long count) { return m_buffer.Reserve(count); }
   void Commit(unsigned long count) { m_buffer.Commit(count); }
+  ///@}
 
   /// The text held, NUL-terminated. The stream owns it; it is valid until the next change of the stream.
   char const* GetText() const { return m_buffer.GetText(); }
