@@ -3,7 +3,6 @@
 // that it would take minutes.
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cstddef>
 #include <cstdio>
@@ -17,6 +16,7 @@
 #include "octets.h"
 #include "quillon9/quillon9.h"
 #include "scoped_locale.h"
+#include "stack.h"
 
 namespace Quillon9 {
 namespace {
@@ -166,21 +166,6 @@ Shape const& NestedShape() {
   return shape;
 }
 CSmartPtr<CXmlObjectBase> MakeNested(int, char const* name) { return new DynamicClass(NestedShape(), name); }
-
-/// On a thread that has so much stack.
-void RunWithStack(std::size_t size, std::function<void()> work) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, size));
-  pthread_t thread;
-  auto const run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &work));
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
 
 TEST(HostileInput, AFaultBelowManyElementsNamesEachOfThemOnce) {
   constexpr std::size_t kDepth = 20'000;

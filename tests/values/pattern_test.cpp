@@ -1,29 +1,17 @@
 #include "quillon9/values/pattern.h"
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
-#include <functional>
+#include <cstddef>
 
 #include "expect_failure.h"
 #include "scoped_locale.h"
+#include "stack.h"
 
 namespace Quillon9 {
 namespace {
 
-void RunOnSmallStack(std::function<void()> work) {
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  ASSERT_EQ(0, pthread_attr_setstacksize(&attributes, 256 * 1024));
-  pthread_t thread;
-  auto const run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(0, pthread_create(&thread, &attributes, run, &work));
-  pthread_join(thread, nullptr);
-  pthread_attr_destroy(&attributes);
-}
+constexpr std::size_t kSmallStack = 256 * 1024;
 
 std::string Repeated(char const* text, std::size_t count) {
   std::string result;
@@ -100,7 +88,7 @@ TEST(Pattern, ManyPatternsAreKeptApart) {
 }
 
 TEST(Pattern, LongValuesNeitherCrashNorHang) {
-  RunOnSmallStack([] {
+  Testing::RunWithStack(kSmallStack, [] {
     for (char const* pattern : {R"(\c+)", "(a|b)*", R"(\i\c*)", "((a|b)(a|b))*", "[a-z]+"}) {
       for (std::size_t length : {10000U, 1U << 20}) {
         std::string value(length, 'a');
@@ -134,7 +122,7 @@ TEST(Pattern, InterpreterStaysWithinItsMemory) {
   };
   matchAll();
   EXPECT_TRUE(TestRegEx(pattern, Repeated("abx", 100)));
-  RunOnSmallStack(matchAll);
+  Testing::RunWithStack(kSmallStack, matchAll);
 }
 
 TEST(FindReplace, ReplacesUntilNoneIsLeft) {
