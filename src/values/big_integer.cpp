@@ -8,14 +8,13 @@
 #include "quillon9/values/decimal.h"
 #include "values/digits.h"
 #include "values/limbs.h"
+#include "values/number_text.h"
 
 namespace Quillon9 {
 
 namespace {
 
 [[noreturn]] void ThrowInvalid(char const* message) { throw CQnInvalidValueException(message); }
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // What needs no CDecimal to be understood.
 bool IsIntegerCharacter(char c) {

@@ -6,6 +6,7 @@
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/date_time.h"
+#include "values/number_text.h"
 
 namespace Quillon9 {
 
@@ -64,8 +65,6 @@ void CDateTimeSpan::Clear() { *this = CDateTimeSpan(); }
 // ---- Text
 
 namespace {
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 [[noreturn]] void ThrowInvalidDuration(char const* text) {
   throw CQnInvalidValueException(

@@ -4,12 +4,11 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/values/date_time.h"
+#include "values/number_text.h"
 
 namespace Quillon9 {
 
 namespace {
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 // Whether `count` digits stand at `text`, and then their number.
 template <class Number>

@@ -39,7 +39,6 @@ struct DecimalText {
   bool isExponentNegative = false;
 };
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsExponentMark(char c) { return c == 'e' || c == 'E'; }
 bool IsSign(char c) { return c == '-' || c == '+'; }
 
@@ -124,15 +123,6 @@ Digits ReadDigits(DigitRange range) {
 char const* EndOfDigits(char const* at) {
   while (IsDigit(*at)) ++at;
   return at;
-}
-
-// The digits of the text, which has no others, without zeros in front.
-void TakeDigits(char const* begin, char const* end, Digits& digits) {
-  while (begin != end && *begin == '0') ++begin;
-  digits.assign(1, 0);
-  if (begin == end) return;
-  digits.resize(static_cast<std::size_t>(end - begin));
-  for (char& digit : digits) digit = static_cast<char>(*--end - '0');
 }
 
 // Whether the magnitude is above half of ten to the power of `exponent`, which is above 0.

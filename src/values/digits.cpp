@@ -16,8 +16,6 @@ namespace {
 // Up to it, dividing a double by ten and cutting the fraction gives the digits of the integer.
 constexpr double kExactDouble = 9007199254740992.0;
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 }  // namespace
 
 int CompareDigits(std::string_view a, std::string_view b) {
@@ -117,11 +115,17 @@ Digits DigitsOfDouble(double value) {
 Digits DigitsOfLastRun(char const* begin, char const* end) {
   char const* first = end;
   while (first != begin && IsDigit(first[-1])) --first;
-  while (first != end && *first == '0') ++first;
-  if (first == end) return Digits(1, 0);
-  Digits digits(static_cast<std::size_t>(end - first), 0);
-  for (char& digit : digits) digit = static_cast<char>(*--end - '0');
+  Digits digits;
+  TakeDigits(first, end, digits);
   return digits;
+}
+
+void TakeDigits(char const* begin, char const* end, Digits& digits) {
+  while (begin != end && *begin == '0') ++begin;
+  digits.assign(1, 0);
+  if (begin == end) return;
+  digits.resize(static_cast<std::size_t>(end - begin));
+  for (char& digit : digits) digit = static_cast<char>(*--end - '0');
 }
 
 Digits DigitsOfPow10(std::size_t exponent) {

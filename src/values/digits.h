@@ -33,6 +33,8 @@ Digits DigitsOf(unsigned long long value);
 Digits DigitsOfDouble(double value);
 /// Of the run of digits that ends at \p end.
 Digits DigitsOfLastRun(char const* begin, char const* end);
+/// Put those of the text, which has no other characters, in place of \p digits.
+void TakeDigits(char const* begin, char const* end, Digits& digits);
 Digits DigitsOfPow10(std::size_t exponent);
 
 }  // namespace Quillon9

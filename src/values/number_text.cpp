@@ -38,8 +38,6 @@ class NumberLocaleScope {
 };
 
 bool IsCSpace(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 struct SignedDigits {
   bool negative = false;
   std::uint64_t magnitude = 0;

@@ -8,6 +8,9 @@
 
 namespace Quillon9 {
 
+/// Whether \p c is an ASCII digit.
+inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
 /// What came of reading a number.
 enum class NumberStatus {
   Ok,
