@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "binding/nesting_failure.h"
 #include "binding/stack_left.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
@@ -29,7 +30,7 @@ class NestingGuard {
     if (isWithinLimit && !IsStackShort()) return;
     m_levels = m_outer;
     if (isWithinLimit) throw CQnException("The element nesting exceeds the stack of the thread");
-    throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+    ThrowNestedTooDeep(limit);
   }
   ~NestingGuard() { m_levels = m_outer; }
   NestingGuard(NestingGuard const&) = delete;

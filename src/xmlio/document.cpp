@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "binding/nesting_failure.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
 #include "xmlio/tree_memory.h"
@@ -273,8 +274,7 @@ CXmlElement* CXmlDocument::OpenElementOrThrow() const {
 
 void CXmlDocument::CheckDepth() const {
   unsigned int const limit = CLimits::GetMaxElementDepth();
-  if (m_elementStack.size() < limit) return;
-  throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+  if (m_elementStack.size() >= limit) ThrowNestedTooDeep(limit);
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string localName, std::string value,

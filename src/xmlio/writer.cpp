@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "binding/nesting_failure.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
 #include "xmlio/namespace_scope.h"
@@ -193,7 +194,7 @@ std::string CXmlWriter::NsIntToString(int number) {
 CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName, std::string const& namespaceUri) {
   std::uint32_t const limit = CLimits::GetMaxElementDepth();
   std::uint32_t const enclosing = m_context == nullptr ? 0 : m_context->m_depth + 1;
-  if (enclosing >= limit) throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
+  if (enclosing >= limit) ThrowNestedTooDeep(limit);
   if (m_context != nullptr && m_spare != nullptr) {
     CXmlWriterContext* const context = m_spare;
     CXmlWriterContext* const others = context->m_parent;
