@@ -1,7 +1,6 @@
 #include "quillon9/descriptors/attribute_info.h"
 
-#include <utility>
-
+#include "descriptors/printed_text.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -73,13 +72,11 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   QnVariant value;
   ReadProperty(holder, value);
   if (m_optional && !value.IsValid()) return;
-  ItemType const held = value.GetItemType();
-  std::string printed;
-  if (held != ItemType_string) printed = value.ToString(m_format);  // also reports a required value that is not set
-  std::string const& text = held == ItemType_string ? value.GetString() : printed;
+  std::string scratch;
+  std::string const& text = PrintedText(value, m_format, scratch);  // also reports a required value that is not set
   if (IsSuppressedDefault(ctx, text)) return;
   CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
-  writer->WriteAttributeString(m_attributeName, m_namespace, text, held);
+  writer->WriteAttributeString(m_attributeName, m_namespace, text, value.GetItemType());
 }
 
 // Asks for the namespace whatever the context says of namespaces: that is how it differs from IsThisAttribute().

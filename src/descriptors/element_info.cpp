@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "descriptors/printed_text.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
@@ -76,11 +77,8 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   if (!value.IsValid()) return false;
   CheckRestriction(value);
   writer->WriteStartElement(m_elementName, m_namespace);
-  if (value.GetItemType() == ItemType_string) {
-    writer->WriteString(value.GetString(), ItemType_string);  // as ToString() gives it, without the copy
-  } else {
-    writer->WriteString(value.ToString(m_format), value.GetItemType());
-  }
+  std::string scratch;
+  writer->WriteString(PrintedText(value, m_format, scratch), value.GetItemType());
   writer->WriteEndElement();
   return true;
 }
