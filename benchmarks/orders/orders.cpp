@@ -1,47 +1,15 @@
 #include "orders/orders.h"
 
-#include <atomic>
 #include <cstring>
+
+#include "../../examples/support/meta_data.h"
 
 using namespace Quillon9;
 using namespace Quillon9Data;
+using Support::CMetaData;
 
 namespace Orders {
 namespace {
-
-/// What the objects of one class share: its record and its two tables. Whoever asks first builds them, under the
-/// lock that the library keeps for this; they go when the process ends.
-class CMetaData {
- public:
-  using Builder = void (*)(CMetaData&);
-
-  constexpr explicit CMetaData(Builder build) : m_build(build) {}
-  ~CMetaData() { Clean(); }
-  CMetaData(CMetaData const&) = delete;
-  CMetaData& operator=(CMetaData const&) = delete;
-
-  CMetaData const& Get() {
-    if (!m_complete.load(std::memory_order_acquire)) BuildOnce();
-    return *this;
-  }
-
-  CParentElementInfo* m_classInfo = nullptr;
-  CElementInfo** m_elements = nullptr;
-  CAttributeInfo** m_attributes = nullptr;
-
- private:
-  void BuildOnce() {
-    CQNCriticalSectionLock const lock(CXmlGeneratedClass::m_csInit);
-    if (m_complete.load(std::memory_order_relaxed)) return;  // another thread was faster
-    Clean();                                                 // what an attempt left that ran out of memory
-    m_build(*this);
-    m_complete.store(true, std::memory_order_release);
-  }
-  void Clean() { CXmlGeneratedClass::CleanMetaData(m_classInfo, m_elements, m_attributes); }
-
-  Builder m_build;
-  std::atomic<bool> m_complete{false};
-};
 
 constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
