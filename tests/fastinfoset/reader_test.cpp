@@ -17,6 +17,7 @@
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/encoder.h"
+#include "support/dump.h"
 #include "support/expect_failure.h"
 #include "support/octets.h"
 #include "support/scoped_locale.h"
@@ -26,26 +27,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using Testing::Bytes;
+using Testing::Dump;
 using Testing::Octets;
 
 /// A document whose header has no optional components.
 std::string Document(std::string const& notation) { return Octets("E0 00 00 01 00 " + notation); }
-
-/// A tree on one line: `{uri}name @{uri}name=value 'text' (children)`, with what is empty left out.
-std::string Dump(CXmlElement const& element) {
-  auto const name = [](std::string const& uri, std::string const& local) {
-    return (uri.empty() ? "" : "{" + uri + "}") + local;
-  };
-  std::string text = name(element.GetNamespaceURI(), element.GetLocalName());
-  for (CXmlAttribute const* attribute : element.GetAttributes()) {
-    text += " @" + name(attribute->GetNamespaceURI(), attribute->GetLocalName()) + "=" + attribute->GetValue();
-  }
-  if (!element.GetText().empty()) text += " '" + element.GetText() + "'";
-  for (auto const* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
-    text += " (" + Dump(*child) + ")";
-  }
-  return text;
-}
 
 void Load(CXmlDocument& document, std::string const& octets) {
   document.LoadXmlStream(reinterpret_cast<unsigned char const*>(octets.data()), octets.size());

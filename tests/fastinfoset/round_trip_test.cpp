@@ -7,6 +7,7 @@
 #include <iterator>
 #include <string>
 
+#include "dump.h"
 #include "dynamic_class.h"
 #include "expect_failure.h"
 #include "octets.h"
@@ -182,18 +183,6 @@ TEST_F(RoundTrip, Files) {
 }
 
 // ---- Documents: the same calls on both writers give the same tree.
-
-std::string Dump(CXmlElement const& element) {
-  std::string text = '{' + element.GetNamespaceURI() + '}' + element.GetLocalName();
-  for (CXmlAttribute const* attribute : element.GetAttributes()) {
-    text += " @{" + attribute->GetNamespaceURI() + '}' + attribute->GetLocalName() + '=' + attribute->GetValue();
-  }
-  text += '[' + element.GetText();
-  for (auto const* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
-    text += Dump(*child);
-  }
-  return text + ']';
-}
 
 template <class Write>
 void ExpectSameTree(Write write, CFastInfosetContext const& context = {}) {

@@ -14,27 +14,14 @@
 #include "quillon9/binding/limits.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/encoder.h"
+#include "support/dump.h"
 #include "support/expect_failure.h"
 #include "support/scoped_locale.h"
 
 namespace Quillon9 {
 namespace {
 
-/// A tree on one line: `{uri}name @{uri}name=value 'text' (children)`, with what is empty left out.
-std::string Dump(CXmlElement const& element) {
-  auto const name = [](std::string const& uri, std::string const& local) {
-    return (uri.empty() ? "" : "{" + uri + "}") + local;
-  };
-  std::string text = name(element.GetNamespaceURI(), element.GetLocalName());
-  for (CXmlAttribute const* attribute : element.GetAttributes()) {
-    text += " @" + name(attribute->GetNamespaceURI(), attribute->GetLocalName()) + "=" + attribute->GetValue();
-  }
-  if (!element.GetText().empty()) text += " '" + element.GetText() + "'";
-  for (auto const* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
-    text += " (" + Dump(*child) + ")";
-  }
-  return text;
-}
+using Testing::Dump;
 
 std::string Dump(CXmlDocument const& document) { return Dump(*document.GetDocumentElement()); }
 
