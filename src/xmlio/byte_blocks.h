@@ -20,7 +20,7 @@ constexpr std::uint64_t Below(std::uint64_t block, unsigned char limit) { return
 constexpr std::uint64_t Equal(std::uint64_t block, unsigned char byte) { return Below(block ^ (kOnes * byte), 1); }
 
 template <class Block>
-Block Load(char const* from) {
+Block Load(void const* from) {
   Block block;
   std::memcpy(&block, from, sizeof block);
   return block;

@@ -2,19 +2,18 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "quillon9/xmlio/unicode.h"
+#include "xmlio/byte_blocks.h"
 
 namespace Quillon9 {
 
 /// How many bytes at the start of \p text are below 0x80.
 inline std::size_t AsciiLength(std::uint8_t const* text, std::size_t length) {
-  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
+  using Block = std::uint64_t;
   std::size_t at = 0;
-  for (std::uint64_t block = 0; length - at >= sizeof block; at += sizeof block) {
-    std::memcpy(&block, text + at, sizeof block);
-    if ((block & kHighBits) != 0) break;
+  for (; length - at >= sizeof(Block); at += sizeof(Block)) {
+    if ((ByteBlocks::Load<Block>(text + at) & ByteBlocks::kHighBits) != 0) break;
   }
   while (at < length && text[at] < 0x80) ++at;
   return at;
