@@ -138,8 +138,8 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
   bool const isGroup = type != XmlElementType_Element;
   CXmlElement* const entry = cursor;
   std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
-  for (CElementInfo* const* entryOf = GetClassElementInfo(); *entryOf != nullptr; ++entryOf) {
-    CElementInfo* const member = *entryOf;
+  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+    CElementInfo* const member = *place;
     CXmlElement* const start = cursor;
     unsigned long const takes = isGroup ? FailedScans::Takes() : 0;
     if (isGroup) cursor = FailedScans::Skip(member, parent, cursor);
