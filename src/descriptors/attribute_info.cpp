@@ -72,11 +72,10 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   QnVariant value;
   ReadProperty(holder, value);
   if (m_optional && !value.IsValid()) return;
-  std::string scratch;
-  std::string const& text = PrintedText(value, m_format, scratch);  // also reports a required value that is not set
-  if (IsSuppressedDefault(ctx, text)) return;
+  PrintedText const text(value, m_format);  // also reports a required value that is not set
+  if (IsSuppressedDefault(ctx, text.Get())) return;
   CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
-  writer->WriteAttributeString(m_attributeName, m_namespace, text, value.GetItemType());
+  writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 
 // Asks for the namespace whatever the context says of namespaces: that is how it differs from IsThisAttribute().

@@ -77,8 +77,7 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   if (!value.IsValid()) return false;
   CheckRestriction(value);
   writer->WriteStartElement(m_elementName, m_namespace);
-  std::string scratch;
-  writer->WriteString(PrintedText(value, m_format, scratch), value.GetItemType());
+  writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
   writer->WriteEndElement();
   return true;
 }
