@@ -36,14 +36,15 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   NestingGuard const guard(info.m_elementType == XmlElementType_Element);
   if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
-  CTreeMemory* const memory = parent->m_memory;
+  CTreeMemory* const memory = parent->Memory();
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
   if (info.m_textPropertyIndex != -1) {
-    QnVariant text;
-    text.BorrowString(parent->GetText());
-    AccessProperty(info.m_textPropertyIndex, false, text);
+    std::string const text(parent->GetTextView());
+    QnVariant value;
+    value.BorrowString(text);
+    AccessProperty(info.m_textPropertyIndex, false, value);
   }
   return next;
 }
@@ -73,11 +74,6 @@ namespace {
   throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
 }
 
-std::vector<CXmlAttribute*> const& NoAttributes() {
-  static std::vector<CXmlAttribute*> const none;
-  return none;
-}
-
 // The place of the descriptor that took the attribute; the end of the table when none did.
 std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
                            CXmlAttribute* attribute) {
@@ -91,8 +87,8 @@ std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedCla
 void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
   auto* const nillable = dynamic_cast<INillable*>(this);
   if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
-  std::string const& text = attribute.GetValue();
-  char const* const value = text.find('\0') == std::string::npos ? text.c_str() : "";
+  std::string_view const text = attribute.GetValueView();
+  char const* const value = text.find('\0') == std::string_view::npos ? text.data() : "";
   if (strcasecmp(value, "true") == 0) {
     nillable->SetNil(true);
   } else if (strcasecmp(value, "false") == 0) {
@@ -111,7 +107,8 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
   FlagSet found(count);
   bool const isKnown = FailedScans::TakesNoAttribute(table, parent);
   bool tookSome = false;
-  for (CXmlAttribute* const attribute : isKnown ? NoAttributes() : parent->GetAttributes()) {
+  CXmlAttribute* const first = isKnown ? nullptr : parent->GetFirstAttribute();
+  for (auto* attribute = first; attribute != nullptr; attribute = attribute->GetNextAttribute()) {
     if (attribute->IsNamespaceAttribute()) continue;
     if (attribute->IsNilAttribute()) {
       ReadNilAttribute(*attribute);

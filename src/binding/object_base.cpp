@@ -22,21 +22,6 @@ void CXmlObjectBase::OnEvent(CXmlObjectBase*, MsgType, void*) {}
 
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
 
-int CXmlObjectBase::AddRef() {
-  CQNCriticalSectionLock const lock(m_cs);
-  return ++m_refCount;
-}
-
-int CXmlObjectBase::Release() {
-  int count;
-  {
-    CQNCriticalSectionLock const lock(m_cs);
-    count = --m_refCount;
-  }
-  if (count == 0) delete this;
-  return count;
-}
-
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,
                                           char const* name, char const* ns) const {
   return IsElementNamed(ctx, element, OrEmpty(name), OrEmpty(ns));

@@ -40,7 +40,7 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
                                              bool) {
   std::string const ns = GetNamespace();
   while (cursor != nullptr && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
-    AddFromString(cursor->GetText());
+    AddFromString(std::string(cursor->GetTextView()));
     cursor = cursor->GetNextSiblingElement();
   }
   return cursor;

@@ -83,7 +83,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, 
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  value.FromString(attribute->GetValue(), m_itemType, m_whitespaceRule);
+  value.FromString(std::string(attribute->GetValueView()), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   return true;
 }
@@ -124,7 +124,7 @@ bool CAttributeInfoEnum::AttributeFromXml(CXmlSerializationContext const& ctx, C
                                           CXmlAttribute* attribute) {
   if (!IsThisAttribute(ctx, attribute)) return false;
   QnVariant value;
-  value.SetI4(m_fromText(attribute->GetValue().c_str()));
+  value.SetI4(m_fromText(attribute->GetValueView().data()));
   AccessProperty(holder, false, value);
   return true;
 }
@@ -167,7 +167,7 @@ bool CAttributeInfoAny::AttributeFromXml(CXmlSerializationContext const&, CXmlGe
   TestNamespace(attribute->GetNamespaceURI(), m_namespaceRestriction, m_targetNamespace);
   QnVariant value;
   AccessProperty(holder, true, value);
-  AttributesOf(value).Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+  AttributesOf(value).Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(),
                           attribute->GetNamespaceURI().c_str());
   return true;
 }

@@ -164,12 +164,13 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 }
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
+  std::string const text((*cursor)->GetTextView());
   std::string scratch;
   QnVariant value;
   if (m_itemType == ItemType_string) {  // lent to the holder, who makes the one copy that is needed
-    value.BorrowString(CWhitespaceUtils::ApplyRule(m_whitespaceRule, (*cursor)->GetText(), scratch));
+    value.BorrowString(CWhitespaceUtils::ApplyRule(m_whitespaceRule, text, scratch));
   } else {
-    value.FromString((*cursor)->GetText(), m_itemType, m_whitespaceRule);
+    value.FromString(text, m_itemType, m_whitespaceRule);
   }
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
@@ -178,7 +179,7 @@ bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** curso
 
 bool CElementInfo::TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const {
   QnVariant value;
-  value.SetI4(fromText((*cursor)->GetText().c_str()));
+  value.SetI4(fromText((*cursor)->GetTextView().data()));
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

@@ -100,13 +100,14 @@ void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeri
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const&,
                                         bool) {
   if (parent == nullptr) return cursor;
-  for (CXmlAttribute const* attribute : parent->GetAttributes()) {
+  for (auto const* attribute = parent->GetFirstAttribute(); attribute != nullptr;
+       attribute = attribute->GetNextAttribute()) {
     std::string const& ns = attribute->GetNamespaceURI();
     if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {
       throw CQnInvalidNamespaceException(FormatString(
           "Invalid Attribute [%s]. The attributes namespace is Inappropriate.", attribute->GetLocalName().c_str()));
     }
-    Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(), ns.c_str());
+    Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(), ns.c_str());
   }
   return cursor;
 }

@@ -85,13 +85,14 @@ void CElement::CopyXmlElement(CXmlElement const* element) {
   NestingGuard const guard = Descend();
   m_name = element->GetLocalName();
   m_namespace = element->GetNamespaceURI();
-  m_text = element->GetText();
+  m_text = element->GetTextView();
   m_attributes->Clear();
   m_elements->Clear();
-  for (CXmlAttribute const* attribute : element->GetAttributes()) {
-    m_attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValue().c_str(),
+  for (auto const* attribute = element->GetFirstAttribute(); attribute != nullptr;
+       attribute = attribute->GetNextAttribute()) {
+    m_attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(),
                       attribute->GetNamespaceURI().c_str());
-    if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValue();
+    if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValueView();
   }
   for (CXmlElement* child = element->GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
     CSmartPtr<CElement> const copy(new CElement(child->GetLocalName().c_str()));
@@ -153,7 +154,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
     throw CQnValidationException(
         FormatString("Invalid Element [%s] found in element [%s]", cursor->GetLocalName().c_str(), m_name.c_str()));
   }
-  m_text = cursor->GetText();
+  m_text = cursor->GetTextView();
   m_name = cursor->GetLocalName();
   m_namespace = cursor->GetNamespaceURI();
   return cursor->GetNextSiblingElement();

@@ -128,7 +128,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
     char const* const utf8 = Characters(source.m_octets);
     m_document.CountContent(source.m_length);
-    m_toLocal.AppendExcludingCR(element->GetTextForAppending(), {utf8, strnlen(utf8, source.m_length)});
+    m_toLocal.AppendExcludingCR(*element, {utf8, strnlen(utf8, source.m_length)});
     return;
   }
   std::string text;

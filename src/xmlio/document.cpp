@@ -15,13 +15,6 @@ namespace Quillon9 {
 
 namespace {
 
-constexpr std::string_view kSchemaInstance = "http://www.w3.org/2001/XMLSchema-instance";
-constexpr std::string_view kNamespaceDeclarations = "http://www.w3.org/2000/xmlns/";
-
-bool IsSchemaMachinery(std::string_view namespaceUri) {
-  return namespaceUri == kSchemaInstance || namespaceUri == kNamespaceDeclarations;
-}
-
 std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
 
 /// What a node counts for besides its texts.
@@ -30,140 +23,7 @@ constexpr std::size_t kNodeCharge = 64;
 /// What a node of this name counts for. The name is stored once; but whoever copies the tree copies it with each node.
 std::size_t ContentOf(CXmlName const& name) { return kNodeCharge + name.namespaceUri.size() + name.localName.size(); }
 
-CXmlName const& NoName() {
-  static CXmlName const* const name = new CXmlName{"", "", true};  // for nodes of any life time
-  return *name;
-}
-
-void FreeName(CXmlName const* name) {
-  if (!name->isShared) delete name;
-}
-
 }  // namespace
-
-CXmlAttribute::CXmlAttribute(std::string localName, std::string value, std::string namespaceUri)
-    : m_name(new CXmlName{std::move(namespaceUri), std::move(localName)}), m_value(std::move(value)) {}
-
-CXmlAttribute::~CXmlAttribute() { FreeName(m_name); }
-
-void* CXmlAttribute::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
-void* CXmlAttribute::operator new(std::size_t size, CTreeMemory& memory) { return memory.Allocate(size); }
-void CXmlAttribute::operator delete(void* node, std::size_t size) noexcept { CTreeMemory::Free(node, size); }
-void CXmlAttribute::operator delete(void* node, CTreeMemory&) noexcept {
-  CTreeMemory::Free(node, sizeof(CXmlAttribute));
-}
-
-bool CXmlAttribute::IsNilAttribute() const { return GetLocalName() == "nil" && IsSchemaMachinery(GetNamespaceURI()); }
-
-bool CXmlAttribute::IsNamespaceAttribute() const {
-  if (!IsSchemaMachinery(GetNamespaceURI())) return false;
-  std::string const& name = GetLocalName();
-  return name == "xmlns" || name == "type" || name == "schemaLocation" || name == "noNamespaceSchemaLocation";
-}
-
-CXmlElement::CXmlElement(CXmlDocument const* document) : m_document(document), m_name(&NoName()) {}
-
-CXmlElement::CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept
-    : m_document(document), m_name(&NoName()), m_memory(memory) {}
-
-CXmlElement::~CXmlElement() {
-  if (m_firstChild != nullptr) DeleteChildren();
-  if (m_attributes != nullptr) DeleteAttributes();
-  FreeName(m_name);
-}
-
-std::vector<CXmlAttribute*> const& CXmlElement::None() {
-  static std::vector<CXmlAttribute*> const none;
-  return none;
-}
-
-std::vector<CXmlAttribute*>& CXmlElement::OwnAttributes() {
-  if (m_attributes == nullptr) m_attributes = std::make_unique<std::vector<CXmlAttribute*>>();
-  return *m_attributes;
-}
-
-void CXmlElement::DeleteAttributes() {
-  for (CXmlAttribute* attribute : *m_attributes) delete attribute;
-}
-
-void* CXmlElement::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
-void* CXmlElement::operator new(std::size_t size, CTreeMemory& memory) { return memory.Allocate(size); }
-void CXmlElement::operator delete(void* node, std::size_t size) noexcept { CTreeMemory::Free(node, size); }
-void CXmlElement::operator delete(void* node, CTreeMemory&) noexcept { CTreeMemory::Free(node, sizeof(CXmlElement)); }
-
-void CXmlElement::SetName(CXmlName const* name) {
-  FreeName(m_name);
-  m_name = name;
-}
-
-/// The name as this element's own, which may be changed.
-CXmlName* CXmlElement::OwnName() {
-  auto* const own = new CXmlName{m_name->namespaceUri, m_name->localName};
-  SetName(own);
-  return own;
-}
-
-void CXmlElement::SetElementName(std::string_view localName) { OwnName()->localName.assign(localName); }
-
-void CXmlElement::SetNamespace(std::string_view namespaceUri) { OwnName()->namespaceUri.assign(namespaceUri); }
-
-// A loop, since the depth of the tree is the document's choice: each element hands its children over to the chain
-// before it dies.
-void CXmlElement::DeleteChildren() {
-  CXmlElement* chain = std::exchange(m_firstChild, nullptr);
-  while (chain != nullptr) {
-    CXmlElement* element = chain;
-    chain = element->m_nextSibling;
-    if (element->m_firstChild != nullptr) {
-      element->m_lastChild->m_nextSibling = chain;
-      chain = std::exchange(element->m_firstChild, nullptr);
-    }
-    delete element;
-  }
-}
-
-std::string const& CXmlElement::GetAttribute(std::string const& localName, std::string const& namespaceUri) const {
-  static std::string const absent;
-  for (CXmlAttribute const* attribute : GetAttributes()) {
-    if (attribute->GetLocalName() == localName && attribute->GetNamespaceURI() == namespaceUri) {
-      return attribute->GetValue();
-    }
-  }
-  return absent;
-}
-
-void CXmlElement::AppendText(char const* text, int length) {
-  if (length > 0) m_text.append(text, static_cast<std::size_t>(length));
-}
-
-void CXmlElement::AddAttribute(std::string localName, std::string value, std::string namespaceUri) {
-  auto attribute = std::make_unique<CXmlAttribute>(std::move(localName), std::move(value), std::move(namespaceUri));
-  OwnAttributes().push_back(attribute.get());
-  attribute.release();
-}
-
-void CXmlElement::AddAttribute(CXmlName const* name, std::string value) {
-  std::unique_ptr<CXmlAttribute> attribute(m_memory != nullptr ? new (*m_memory) CXmlAttribute(name, std::move(value))
-                                                               : new CXmlAttribute(name, std::move(value)));
-  OwnAttributes().push_back(attribute.get());
-  attribute.release();
-}
-
-CXmlElement* CXmlElement::CreateNewChildElement() {
-  auto* child = m_memory != nullptr ? new (*m_memory) CXmlElement(m_document, m_memory) : new CXmlElement(m_document);
-  child->m_previousSibling = m_lastChild;
-  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = child;
-  m_lastChild = child;
-  return child;
-}
-
-CXmlElement* CXmlElement::RemoveLastChildElement() {
-  if (m_lastChild == nullptr) return nullptr;
-  CXmlElement* child = std::exchange(m_lastChild, m_lastChild->m_previousSibling);
-  (m_lastChild != nullptr ? m_lastChild->m_nextSibling : m_firstChild) = nullptr;
-  child->m_previousSibling = nullptr;
-  return child;
-}
 
 CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
 
@@ -179,7 +39,7 @@ CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const&
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
 CTreeMemory& CXmlDocument::Memory() {
-  if (m_memory == nullptr) m_memory = new CTreeMemory;
+  if (m_memory == nullptr) m_memory = new CTreeMemory(this);
   return *m_memory;
 }
 
@@ -195,8 +55,8 @@ void CXmlDocument::Init() {
 }
 
 void CXmlDocument::Cleanup() {
-  delete std::exchange(m_documentElement, nullptr);
-  if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon();
+  CXmlElement* const root = std::exchange(m_documentElement, nullptr);
+  if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon(root);
   delete[] std::exchange(m_inputData, nullptr);
   m_inputSize = 0;
   m_elementStack.clear();
@@ -221,10 +81,8 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   CheckDepth();
   CountContent(ContentOf(*name));
   m_elementStack.reserve(1);
-  m_documentElement = new (Memory()) CXmlElement(this, m_memory);
-  m_documentElement->SetName(name);
-  m_elementStack.push_back(m_documentElement);
-  return m_documentElement;
+  m_documentElement = new (Memory()) CXmlElement(*m_memory, name);
+  return PushOpen(m_documentElement, nullptr);
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
@@ -236,20 +94,25 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 }
 
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
-  CXmlElement* parent = OpenElementOrThrow();
+  CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
   CountContent(ContentOf(*name));
-  CXmlElement* const child = parent->CreateNewChildElement();
-  child->SetName(name);
-  m_elementStack.push_back(child);
-  return child;
+  CXmlElement* const before = parent->m_lastChild;
+  return PushOpen(parent->AddChild(name), before);
+}
+
+CXmlElement* CXmlDocument::PushOpen(CXmlElement* element, CXmlElement* before) {
+  m_elementStack.push_back({element, before});
+  return element;
 }
 
 void CXmlDocument::EndElement() {
-  CXmlElement* element = OpenElementOrThrow();
+  CXmlElement* const element = OpenElementOrThrow();
+  CXmlElement* const before = m_elementStack.back().before;
   m_elementStack.pop_back();
-  if (m_filter == nullptr || !m_filter(element)) return;
-  if (!m_elementStack.empty()) delete m_elementStack.back()->RemoveLastChildElement();
+  if (m_filter == nullptr || !m_filter(element) || m_elementStack.empty()) return;
+  CXmlElement* const parent = m_elementStack.back().element;
+  if (parent->m_lastChild == element) parent->RemoveLastChild(before)->Dispose();
 }
 
 void CXmlDocument::CloseElement() {
@@ -269,7 +132,7 @@ void CXmlDocument::ThrowContentTooLarge() const {
 
 CXmlElement* CXmlDocument::OpenElementOrThrow() const {
   if (m_elementStack.empty()) throw CQnException("No element is open");
-  return m_elementStack.back();
+  return m_elementStack.back().element;
 }
 
 void CXmlDocument::CheckDepth() const {
@@ -277,15 +140,15 @@ void CXmlDocument::CheckDepth() const {
   if (m_elementStack.size() >= limit) ThrowNestedTooDeep(limit);
 }
 
-void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string localName, std::string value,
-                                       std::string namespaceUri) {
+void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
+                                       std::string_view namespaceUri) {
   CountContent(kNodeCharge + localName.size() + value.size() + namespaceUri.size());
-  element->AddAttribute(std::move(localName), std::move(value), std::move(namespaceUri));
+  element->AddAttribute(localName, value, namespaceUri);
 }
 
-void CXmlDocument::AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string value) {
+void CXmlDocument::AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string_view value) {
   CountContent(ContentOf(*name) + value.size());
-  element->AddAttribute(name, std::move(value));
+  element->AddAttribute(name, value);
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length) {

@@ -109,9 +109,8 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
   Guarded(self, [=](CExpatReader& reader) {
     reader.m_document.CountContent(static_cast<std::size_t>(length));
-    std::string& target = reader.m_document.GetOpenElement()->GetTextForAppending();
-    // Those of character references; expat has taken the others.
-    reader.m_toLocal.AppendExcludingCR(target, {text, static_cast<std::size_t>(length)});
+    // The carriage returns are those of character references; expat has taken the others.
+    reader.m_toLocal.AppendExcludingCR(*reader.m_document.GetOpenElement(), {text, static_cast<std::size_t>(length)});
   });
 }
 
@@ -137,11 +136,12 @@ void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attribute
 }
 
 void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attributes) {
-  std::size_t count = 0;
-  while (attributes[2 * count] != nullptr) ++count;
-  if (count > 0) element->ReserveAttributes(count);
   for (; *attributes != nullptr; attributes += 2) {
-    m_document.AddElementAttribute(element, NameOf(attributes[0]), m_toLocal(attributes[1]));
+    std::string_view const value = attributes[1];
+    std::string local;
+    bool const isSame = m_toLocal.IsSameExcludingCR(value);
+    if (!isSame) m_toLocal.Append(local, value);
+    m_document.AddElementAttribute(element, NameOf(attributes[0]), isSame ? value : local);
   }
 }
 

@@ -3,25 +3,12 @@
 #include <array>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define QN_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QN_ADDRESS_SANITIZER 1
-#endif
-#endif
-#ifdef QN_ADDRESS_SANITIZER
-#include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(address, size) (static_cast<void>(address), static_cast<void>(size))
-#define ASAN_UNPOISON_MEMORY_REGION(address, size) (static_cast<void>(address), static_cast<void>(size))
-#endif
-
 namespace Quillon9 {
 
 namespace {
 
-constexpr std::size_t kBlockSize = 64 * 1024;
+// Large enough for the allocator of the process not to tidy up at the end of each.
+constexpr std::size_t kBlockSize = 256 * 1024;
 using Block = std::unique_ptr<char[]>;
 
 /// Blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then asks the
@@ -41,7 +28,7 @@ class BlockCache {
   }
 
  private:
-  static constexpr std::size_t kMost = 64;
+  static constexpr std::size_t kMost = 16;
 
   BlockCache() = default;
   ~BlockCache() { t_isGone = true; }
@@ -57,54 +44,56 @@ class BlockCache {
 
 }  // namespace
 
-CTreeMemory::CTreeMemory() = default;
+CTreeExtra::CTreeExtra(CTreeMemory* memory) noexcept {
+  if (memory == nullptr) return;
+  m_next = memory->m_extras;
+  m_link = &memory->m_extras;
+  if (m_next != nullptr) m_next->m_link = &m_next;
+  memory->m_extras = this;
+}
+
+CTreeExtra::~CTreeExtra() {
+  if (m_link != nullptr) *m_link = m_next;
+  if (m_next != nullptr) m_next->m_link = m_link;
+}
 
 CTreeMemory::~CTreeMemory() {
+  while (m_extras != nullptr) delete m_extras;
   for (Block& block : m_blocks) {
     ASAN_UNPOISON_MEMORY_REGION(block.get(), kBlockSize);
     BlockCache::Give(std::move(block));
   }
 }
 
-void CTreeMemory::Abandon() {
+void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   m_isAbandoned = true;
-  if (m_nodes == 0) delete this;
+  if (m_detached == 0) {
+    delete this;
+  } else if (root != nullptr) {
+    root->Dispose();  // what it has outside need not wait
+  }
+}
+
+void CTreeMemory::FreeDetached(void* node) noexcept {
+  Free(node, sizeof(CXmlElement));
+  if (--m_detached == 0 && m_isAbandoned) delete this;
 }
 
 CXmlName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   auto const found = m_names.find({namespaceUri, localName});
   if (found != m_names.end()) return found->second.get();
-  std::unique_ptr<CXmlName> name(new CXmlName{std::string(namespaceUri), std::string(localName), true});
+  std::unique_ptr<CXmlName> name(new CXmlName{std::string(namespaceUri), std::string(localName), this});
   CXmlName const* const result = name.get();
   m_names.emplace(std::make_pair(std::string_view(result->namespaceUri), std::string_view(result->localName)),
                   std::move(name));
   return result;
 }
 
-void* CTreeMemory::AllocateAlone(std::size_t size) {
-  auto* const storage = static_cast<Header*>(::operator new(sizeof(Header) + size));
-  *storage = nullptr;
-  return storage + 1;
-}
-
-void* CTreeMemory::Allocate(std::size_t size) {
-  std::size_t const granules = (sizeof(Header) + size + kGranule - 1) / kGranule;
-  if (granules >= kSizes) return AllocateAlone(size);
-  std::size_t const bytes = granules * kGranule;
-  void* storage = m_free[granules];
-  if (storage != nullptr) {
-    ASAN_UNPOISON_MEMORY_REGION(storage, bytes);
-    m_free[granules] = m_free[granules]->next;
-  } else {
-    if (static_cast<std::size_t>(m_blockEnd - m_blockAt) < bytes) StartBlock();
-    storage = m_blockAt;
-    ASAN_UNPOISON_MEMORY_REGION(storage, bytes);
-    m_blockAt += bytes;
-  }
-  ++m_nodes;
-  auto* const header = static_cast<Header*>(storage);
-  *header = this;
-  return header + 1;
+void* CTreeMemory::TakeFreed(std::size_t granules) {
+  Freed* const storage = m_free[granules];
+  ASAN_UNPOISON_MEMORY_REGION(storage, granules * kGranule);
+  m_free[granules] = storage->next;
+  return storage;
 }
 
 void CTreeMemory::StartBlock() {
@@ -114,16 +103,14 @@ void CTreeMemory::StartBlock() {
   ASAN_POISON_MEMORY_REGION(m_blockAt, kBlockSize);
 }
 
-void CTreeMemory::Free(void* node, std::size_t size) noexcept {
-  auto* const header = static_cast<Header*>(node) - 1;
-  CTreeMemory* const memory = *header;
-  if (memory == nullptr) return ::operator delete(header);
-  std::size_t const granules = (sizeof(Header) + size + kGranule - 1) / kGranule;
-  auto* const freed = reinterpret_cast<FreeNode*>(header);
-  freed->next = memory->m_free[granules];
-  memory->m_free[granules] = freed;
-  ASAN_POISON_MEMORY_REGION(header, granules * kGranule);
-  if (--memory->m_nodes == 0 && memory->m_isAbandoned) delete memory;
+void CTreeMemory::Free(void* storage, std::size_t size) noexcept {
+  std::size_t const granules = Granules(size);
+  m_free[granules] = new (storage) Freed{m_free[granules]};
+  ASAN_POISON_MEMORY_REGION(storage, granules * kGranule);
 }
+
+void* CTreeMemory::AllocateAlone(std::size_t size) { return ::operator new(size); }
+
+void CTreeMemory::FreeAlone(void* storage) noexcept { ::operator delete(storage); }
 
 }  // namespace Quillon9

@@ -9,25 +9,61 @@
 #include <vector>
 
 #include "quillon9/binding/plain_classes.h"
-#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/element.h"
+#include "xmlio/address_sanitizer.h"
 
 namespace Quillon9 {
 
-/// Where the nodes of a document's tree and their names live. Nodes come from blocks instead of one by one, and each
-/// name stands here once, however many nodes bear it.
+class CTreeMemory;
+
+/// What a node has outside the memory of its tree. It goes with its node, or with the memory.
+class CTreeExtra {
+ public:
+  /// \p memory is null for a node by itself.
+  explicit CTreeExtra(CTreeMemory* memory) noexcept;
+  virtual ~CTreeExtra();
+  CTreeExtra(CTreeExtra const&) = delete;
+  CTreeExtra& operator=(CTreeExtra const&) = delete;
+
+ private:
+  CTreeExtra* m_next = nullptr;
+  CTreeExtra** m_link = nullptr;  // what points to this one
+};
+
+/// The text of a node that was asked for as a string, or is long.
+struct CTreeString : CTreeExtra {
+  using CTreeExtra::CTreeExtra;
+  std::string text;
+};
+
+/// The attributes of an element that were asked for as a vector.
+struct CTreeAttributes : CTreeExtra {
+  using CTreeExtra::CTreeExtra;
+  std::vector<CXmlAttribute*> table;
+};
+
+/// Where the nodes of a document's tree, their texts and their names live. They come from blocks instead of one by one,
+/// and each name stands here once, however many nodes bear it. The end of a document is the end of the blocks: no node
+/// is visited.
 ///
-/// It belongs to its document, and outlives it as long as there is a node: a child that a caller detached keeps it
-/// alive. Everything here is for one thread at a time, as the tree is.
+/// It belongs to its document, and outlives it as long as there is a node that a caller detached. Everything here is
+/// for one thread at a time, as the tree is.
 class CTreeMemory {
  public:
-  /// Made with new; the document gives it up by Abandon().
-  CTreeMemory();
+  /// For the nodes of \p document. Made with new; the document gives it up by Abandon().
+  explicit CTreeMemory(CXmlDocument const* document) : m_document(document) {}
   CTreeMemory(CTreeMemory const&) = delete;
   CTreeMemory& operator=(CTreeMemory const&) = delete;
 
-  /// Tell that the document needs it no more. It goes now, or with its last node.
-  void Abandon();
-  bool HasNodes() const { return m_nodes > 0; }
+  CXmlDocument const* GetDocument() const { return m_document; }
+
+  /// Tell that the document needs it and the tree \p root, which may be null, no more. It goes now, or with the last
+  /// detached element.
+  void Abandon(CXmlElement* root) noexcept;
+  /// An element was handed to a caller.
+  void CountDetached() { ++m_detached; }
+  /// Such an element was destroyed, and its storage is to go as well.
+  void FreeDetached(void* node) noexcept;
 
   /// The classes that have been read from this tree.
   CPlainClasses& PlainClasses() { return m_plainClasses; }
@@ -35,30 +71,47 @@ class CTreeMemory {
   /// The one name with these texts.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
 
-  // Storage of one node, aligned for a pointer. Free() takes any node, those that have no such memory behind them too.
-  void* Allocate(std::size_t size);
+  /// Storage of \p size bytes, at most kLargest, aligned for a pointer.
+  void* Allocate(std::size_t size) {
+    std::size_t const granules = Granules(size);
+    if (m_free[granules] != nullptr) return TakeFreed(granules);
+    std::size_t const bytes = granules * kGranule;
+    if (static_cast<std::size_t>(m_blockEnd - m_blockAt) < bytes) StartBlock();
+    char* const storage = m_blockAt;
+    ASAN_UNPOISON_MEMORY_REGION(storage, bytes);
+    m_blockAt += bytes;
+    return storage;
+  }
+  void Free(void* storage, std::size_t size) noexcept;
+  /// The same for a node by itself.
+  ///@{
   static void* AllocateAlone(std::size_t size);
-  static void Free(void* node, std::size_t size) noexcept;
+  static void FreeAlone(void* storage) noexcept;
+  ///@}
+
+  static constexpr std::size_t kGranule = 8;
+  static constexpr std::size_t kLargest = 152;
 
  private:
-  /// Stands in front of each node, so that `delete` finds the way back; null for a node by itself.
-  using Header = CTreeMemory*;
-  struct FreeNode {
-    FreeNode* next;
+  friend class CTreeExtra;
+  struct Freed {
+    Freed* next;
   };
-  static constexpr std::size_t kGranule = 8;
-  static constexpr std::size_t kSizes = 20;  // nodes of up to 152 bytes with their header
+  static constexpr std::size_t Granules(std::size_t size) { return (size + kGranule - 1) / kGranule; }
 
   ~CTreeMemory();
+  void* TakeFreed(std::size_t granules);
   void StartBlock();
 
+  CXmlDocument const* m_document;
   CPlainClasses m_plainClasses;
-  std::size_t m_nodes = 0;
+  std::size_t m_detached = 0;
   bool m_isAbandoned = false;
-  FreeNode* m_free[kSizes] = {};
+  Freed* m_free[kLargest / kGranule + 1] = {};
   char* m_blockAt = nullptr;
   char* m_blockEnd = nullptr;
   std::vector<std::unique_ptr<char[]>> m_blocks;
+  CTreeExtra* m_extras = nullptr;
   /// By namespace, then by local name; ordered, since the document chooses the names.
   std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<CXmlName>> m_names;
 };

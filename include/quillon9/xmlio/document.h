@@ -13,149 +13,11 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/element.h"
 
 namespace Quillon9 {
 
 class CTreeMemory;
-
-/// The two names of an element or attribute. The nodes of a document share one object for each pair of names that
-/// occurs: it says who frees it. For readers; callers ask the nodes.
-struct CXmlName {
-  std::string namespaceUri;  ///< empty for none
-  std::string localName;     ///< without prefix
-  bool isShared = false;     ///< belongs to the document's memory, not to the one node
-};
-
-/// One attribute of a parsed element. Namespace declarations are attributes only for a schema without namespaces.
-/// Immutable; owned by its element.
-class QUILLON9_API CXmlAttribute {
- public:
-  /// With a name of its own.
-  CXmlAttribute(std::string localName, std::string value, std::string namespaceUri);
-  /// With a name that lives as long as this, or is this attribute's from now on (see CXmlName::isShared).
-  CXmlAttribute(CXmlName const* name, std::string value) noexcept : m_name(name), m_value(std::move(value)) {}
-  virtual ~CXmlAttribute();
-  CXmlAttribute(CXmlAttribute const&) = delete;
-  CXmlAttribute& operator=(CXmlAttribute const&) = delete;
-
-  /// The name without prefix.
-  std::string const& GetLocalName() const { return m_name->localName; }
-  /// The value, entities resolved.
-  std::string const& GetValue() const { return m_value; }
-  /// Empty when the attribute is in no namespace.
-  std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
-
-  /// Tell whether this is "nil" of the XML Schema instance namespace or of the namespace of declarations.
-  bool IsNilAttribute() const;
-  /// Tell whether this belongs to the schema-instance machinery ("xmlns", "type", "schemaLocation" or
-  /// "noNamespaceSchemaLocation" in one of the same two namespaces), so that no member of a class takes it.
-  bool IsNamespaceAttribute() const;
-
-  /// From the memory of a document, which knows its nodes again, or alone.
-  ///@{
-  static void* operator new(std::size_t size);
-  static void* operator new(std::size_t size, CTreeMemory& memory);
-  static void operator delete(void* node, std::size_t size) noexcept;
-  static void operator delete(void* node, CTreeMemory& memory) noexcept;
-  ///@}
-
- private:
-  CXmlName const* m_name;
-  std::string m_value;
-};
-
-/// One element of a parsed document: its name, attributes, children, and all character data directly inside it as
-/// one text. Where the text stood between the children is not kept.
-///
-/// An element owns its attributes and its children; a sibling does not own the next one. Everything handed out
-/// lives as long as the element. Destroying a tree takes constant stack, however deep it is. One thread at a time.
-class QUILLON9_API CXmlElement {
- public:
-  /// An element without name in \p document, which is kept, not owned, and handed to every child.
-  explicit CXmlElement(CXmlDocument const* document);
-  virtual ~CXmlElement();
-  CXmlElement(CXmlElement const&) = delete;
-  CXmlElement& operator=(CXmlElement const&) = delete;
-
-  /// The document that the constructor was given.
-  CXmlDocument const* GetDocument() const { return m_document; }
-  /// The first child, or null.
-  CXmlElement* GetFirstElement() const { return m_firstChild; }
-  /// The next child of the same parent, or null.
-  CXmlElement* GetNextSiblingElement() const { return m_nextSibling; }
-  /// The name without prefix; empty until one is set.
-  std::string const& GetLocalName() const { return m_name->localName; }
-  /// Empty when the element is in no namespace.
-  std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
-  /// All character data directly inside the element.
-  std::string const& GetText() const { return m_text; }
-  /// The attributes in document order.
-  std::vector<CXmlAttribute*> const& GetAttributes() const { return m_attributes != nullptr ? *m_attributes : None(); }
-  /// The value of the first attribute with exactly this name and namespace. An absent attribute gives an empty
-  /// text that lives as long as the process, just as an empty one does.
-  std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
-
-  /// Set the local name, or the namespace (empty for none), to a copy of the text.
-  ///@{
-  void SetElementName(std::string_view localName);
-  void SetNamespace(std::string_view namespaceUri);
-  ///@}
-  /// Set both names to \p name, which lives as long as this, or is this element's from now on (CXmlName::isShared).
-  void SetName(CXmlName const* name);
-
-  /// Append to the text. Appending n bytes in any number of runs costs O(n).
-  void AppendText(char const* text) { m_text.append(text); }
-  /// The same for the \p length bytes at \p text; a negative length appends nothing.
-  ///@{
-  void AppendText(char const* text, int length);
-  void AppendText(std::string_view text) { m_text.append(text); }
-  ///@}
-  /// The text, for a reader that appends to it.
-  std::string& GetTextForAppending() { return m_text; }
-
-  /// Append an attribute; names are not checked for duplicates.
-  void AddAttribute(std::string localName, std::string value, std::string namespaceUri);
-  /// The same with a name that lives as long as this.
-  void AddAttribute(CXmlName const* name, std::string value);
-  /// Make room for \p count attributes in all.
-  void ReserveAttributes(std::size_t count) { OwnAttributes().reserve(count); }
-
-  /// Append a child without name and return it; it stays owned by this element.
-  CXmlElement* CreateNewChildElement();
-  /// Detach the last child and hand it to the caller, who owns it then. Null when there is none. O(1).
-  CXmlElement* RemoveLastChildElement();
-
-  /// From the memory of a document, which knows its nodes again, or alone.
-  ///@{
-  static void* operator new(std::size_t size);
-  static void* operator new(std::size_t size, CTreeMemory& memory);
-  static void operator delete(void* node, std::size_t size) noexcept;
-  static void operator delete(void* node, CTreeMemory& memory) noexcept;
-  ///@}
-
- private:
-  friend class CXmlDocument;
-  friend class CXmlGeneratedClass;  // which leaves in the memory what it would find out again for every object
-  /// An element in \p memory.
-  CXmlElement(CXmlDocument const* document, CTreeMemory* memory) noexcept;
-  static std::vector<CXmlAttribute*> const& None();
-  std::vector<CXmlAttribute*>& OwnAttributes();
-  void DeleteAttributes();
-  void DeleteChildren();
-  CXmlName* OwnName();
-
-  CXmlDocument const* m_document;
-  CXmlElement* m_nextSibling = nullptr;
-  CXmlElement* m_firstChild = nullptr;
-  CXmlElement* m_lastChild = nullptr;
-  std::unique_ptr<std::vector<CXmlAttribute*>> m_attributes;  // null for none, as most elements have
-  std::string m_text;
-  CXmlName const* m_name;
-  /// Makes RemoveLastChildElement constant, so that a filter that drops many of a million siblings stays linear.
-  CXmlElement* m_previousSibling = nullptr;
-  /// Where the nodes below this one come from; null where they are made one by one.
-  CTreeMemory* m_memory = nullptr;
-};
 
 /// A document in memory: the bytes it was read from and the tree of its elements. One object can be loaded
 /// repeatedly; each load drops what was there. Comments, processing instructions and the document type are not
@@ -241,7 +103,7 @@ class QUILLON9_API CXmlDocument {
   CXmlElement* AddChildElement(std::string_view namespaceUri, std::string_view localName);
   CXmlElement* AddChildElement(CXmlName const* name);
   /// The name that all nodes of this document with these names share. It lives until Cleanup(), and as long as there is
-  /// a node of this document.
+  /// a node that a caller detached.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
@@ -251,9 +113,11 @@ class QUILLON9_API CXmlDocument {
   void CloseElement();
   std::size_t GetOpenElementCount() const { return m_elementStack.size(); }
   /// The innermost open element, or null.
-  CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back(); }
-  void AddElementAttribute(CXmlElement* element, std::string localName, std::string value, std::string namespaceUri);
-  void AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string value);
+  CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back().element; }
+  void AddElementAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
+                           std::string_view namespaceUri);
+  /// To an element of this document.
+  void AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string_view value);
   /// Append \p text to \p element without its carriage returns, up to its NUL or \p length bytes.
   void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, char const* text);
@@ -270,18 +134,25 @@ class QUILLON9_API CXmlDocument {
   /// @}
 
  private:
+  struct OpenElement {
+    CXmlElement* element;
+    CXmlElement*
+        before;  ///< the child of the same parent in front of it, so that a filter that drops many stays linear
+  };
+
   void Init();
   void Parse();
   void ParseText();
   void AllocateInput(unsigned long size);
   CXmlElement* OpenElementOrThrow() const;
+  CXmlElement* PushOpen(CXmlElement* element, CXmlElement* before);
   void CheckDepth() const;
   void StartCounting();
   [[noreturn]] void ThrowContentTooLarge() const;
   CTreeMemory& Memory();
 
   CXmlElement* m_documentElement;
-  std::vector<CXmlElement*> m_elementStack;
+  std::vector<OpenElement> m_elementStack;
   std::map<std::string, std::string> m_namespaceAliases;
   unsigned char* m_inputData;
   unsigned long m_inputSize;
