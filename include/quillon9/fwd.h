@@ -68,6 +68,7 @@ class QnVariant;
 namespace Quillon9Data {
 
 class CAttributeInfo;
+class CAttributeInfoPrimitive;
 class CElementInfo;
 class CParentElementInfo;
 

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "binding/fast_thread_local.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -70,7 +71,7 @@ class FailedScans {
     return nullptr;
   }
 
-  inline static thread_local FailedScans* t_current = nullptr;
+  QN_FAST_THREAD_LOCAL inline static thread_local FailedScans* t_current = nullptr;
 
   FailedScans* m_outer;
   std::vector<Scan> m_scans;

@@ -41,10 +41,9 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
   if (info.m_textPropertyIndex != -1) {
-    std::string const text(parent->GetTextView());
-    QnVariant value;
-    value.BorrowString(text);
-    AccessProperty(info.m_textPropertyIndex, false, value);
+    QnVariant text;
+    text.SetString(std::string(parent->GetTextView()));
+    AccessProperty(info.m_textPropertyIndex, false, text);
   }
   return next;
 }

@@ -4,14 +4,15 @@
 
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
 /// CXmlObjectHelper::DoesElementNameMatch() for names that are no strings yet.
 inline bool IsElementNamed(CXmlSerializationContext const& ctx, CXmlElement const* element, std::string_view name,
                            std::string_view ns) {
-  if (element == nullptr || element->GetLocalName() != name) return false;
-  return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == ns;
+  if (element == nullptr || !IsSameText(element->GetLocalName(), name)) return false;
+  return ctx.GetIgnoreNamespaces() || IsSameText(element->GetNamespaceURI(), ns);
 }
 
 }  // namespace Quillon9

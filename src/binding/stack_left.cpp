@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "binding/fast_thread_local.h"
+
 namespace Quillon9 {
 
 namespace {
@@ -27,11 +29,12 @@ Stack FindStack() {
   return stack;
 }
 
+QN_FAST_THREAD_LOCAL thread_local Stack t_stack;
+
 /// Asked for once a thread: for the main thread libc reads a file.
 Stack const& ThreadStack() {
-  static thread_local Stack stack;
-  if (stack.size == 0) stack = FindStack();
-  return stack;
+  if (t_stack.size == 0) t_stack = FindStack();
+  return t_stack;
 }
 
 }  // namespace
@@ -44,8 +47,9 @@ std::optional<std::size_t> StackLeft() {
 }
 
 bool IsStackShort() {
-  std::optional<std::size_t> const left = StackLeft();
-  return left.has_value() && *left < std::min(kReserve, ThreadStack().size / 4);
+  Stack const& stack = ThreadStack();
+  std::uintptr_t const left = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0)) - stack.lowest;
+  return left < stack.size && left < std::min(kReserve, stack.size / 4);
 }
 
 }  // namespace Quillon9

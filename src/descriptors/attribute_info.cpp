@@ -83,7 +83,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, 
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  value.FromString(std::string(attribute->GetValueView()), m_itemType, m_whitespaceRule);
+  value.FromText(attribute->GetValueView(), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   return true;
 }

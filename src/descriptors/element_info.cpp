@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "binding/name_match.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
@@ -50,8 +51,7 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 }
 
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
-  if (element == nullptr || element->GetLocalName() != m_elementName) return false;
-  return ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == m_namespace;
+  return IsElementNamed(ctx, element, m_elementName, m_namespace);
 }
 
 void CElementInfo::CheckRestriction(QnVariant const& value) const {
@@ -164,14 +164,8 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 }
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
-  std::string const text((*cursor)->GetTextView());
-  std::string scratch;
   QnVariant value;
-  if (m_itemType == ItemType_string) {  // lent to the holder, who makes the one copy that is needed
-    value.BorrowString(CWhitespaceUtils::ApplyRule(m_whitespaceRule, text, scratch));
-  } else {
-    value.FromString(text, m_itemType, m_whitespaceRule);
-  }
+  value.FromText((*cursor)->GetTextView(), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

@@ -7,8 +7,15 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "values/number_text.h"
+#include "values/text_conversions.h"
 
 namespace Quillon9 {
+
+#define QN_VALUE_KIND(number, stem, Access, Held)                                     \
+  Held CConversions::stem##FromString(std::string const& text, WhitespaceRule rule) { \
+    return TextConversions::stem##FromText(text, rule);                               \
+  }
+#include "values/item_types.def"
 
 namespace {
 
@@ -18,14 +25,14 @@ constexpr std::size_t kR4BufferSize = 32;
 constexpr std::size_t kR8BufferSize = 48;
 
 // `format` has one "%s", which becomes `text` up to its first zero byte.
-[[noreturn]] void ThrowInvalidValue(char const* format, std::string const& text) {
-  throw CQnInvalidValueException(FormatString(format, text.c_str()));
+[[noreturn]] void ThrowInvalidValue(char const* format, std::string_view text) {
+  throw CQnInvalidValueException(FormatString(format, text.data()));
 }
 
 template <class Integer>
-Integer ParseWideInteger(std::string const& text, WhitespaceRule rule, char const* tooLarge, char const* malformed) {
+Integer ParseWideInteger(std::string_view text, WhitespaceRule rule, char const* tooLarge, char const* malformed) {
   std::string scratch;
-  std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
   Integer value = 0;
   NumberStatus const status = ParseInteger(number, value);
   if (status == NumberStatus::OutOfRange) ThrowInvalidValue(tooLarge, number);
@@ -35,14 +42,14 @@ Integer ParseWideInteger(std::string const& text, WhitespaceRule rule, char cons
 
 // `wide` is the number that `text`, as it was given, stands for.
 template <class Narrow, class Wide>
-Narrow NarrowInteger(Wide wide, std::string const& text, char const* tooLarge) {
+Narrow NarrowInteger(Wide wide, std::string_view text, char const* tooLarge) {
   using Limits = std::numeric_limits<Narrow>;
   if (wide < Limits::min() || wide > Limits::max()) ThrowInvalidValue(tooLarge, text);
   return static_cast<Narrow>(wide);
 }
 
 // The words that stand for no number or for infinity.
-bool IsFloatingWord(std::string const& text, double& value) {
+bool IsFloatingWord(std::string_view text, double& value) {
   if (text.empty() || text == "NaN" || text == "1.#QNAN" || text == "-NAN") {
     value = std::numeric_limits<double>::quiet_NaN();
   } else if (text == "INF" || text == "-INF") {
@@ -53,9 +60,9 @@ bool IsFloatingWord(std::string const& text, double& value) {
   return true;
 }
 
-double ParseFloating(std::string const& text, WhitespaceRule rule, char const* malformed) {
+double ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
   std::string scratch;
-  std::string const& number = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
   bool const endsInDigit = !number.empty() && number.back() >= '0' && number.back() <= '9';
   double value = 0;
   if (!endsInDigit && IsFloatingWord(number, value)) return value;
@@ -72,7 +79,8 @@ std::string FloatingText(Floating value, char const* format, std::size_t bufferS
   return format != nullptr ? FormattedText(format, wide, bufferSize) : GeneralText(wide, precision);
 }
 
-bool IsSameWord(std::string const& text, std::string_view word) {
+bool IsSameWord(std::string_view text, std::string_view word) {
+  if (text == word) return true;
   return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
 }
 
@@ -82,8 +90,10 @@ bool IsSameWord(std::string const& text, std::string_view word) {
 
 std::string CConversions::stringToString(std::string const& value) { return value; }
 
-std::string CConversions::stringFromString(std::string const& text, WhitespaceRule rule) {
-  return CWhitespaceUtils::ApplyRule(rule, text);
+std::string TextConversions::stringFromText(std::string_view text, WhitespaceRule rule) {
+  std::string scratch;
+  std::string_view const result = ApplyWhitespaceRule(rule, text, scratch);
+  return result.data() == text.data() ? std::string(text) : scratch;
 }
 
 // ---- Integers
@@ -97,40 +107,40 @@ std::string CConversions::ui4ToString(std::uint32_t value) { return IntegerText(
 std::string CConversions::ui2ToString(std::uint16_t value) { return IntegerText(value); }
 std::string CConversions::ui1ToString(std::uint8_t value) { return IntegerText(static_cast<unsigned>(value)); }
 
-std::int64_t CConversions::i8FromString(std::string const& text, WhitespaceRule rule) {
+std::int64_t TextConversions::i8FromText(std::string_view text, WhitespaceRule rule) {
   return ParseWideInteger<std::int64_t>(text, rule, "The value [%s] is to large to fit in a i8",
                                         "The value [%s] can not be converted to a i8");
 }
 
-std::int32_t CConversions::i4FromString(std::string const& text, WhitespaceRule rule) {
+std::int32_t TextConversions::i4FromText(std::string_view text, WhitespaceRule rule) {
   return ParseWideInteger<std::int32_t>(text, rule, "The value [%s] is to large to fit in a i4",
                                         "The value [%s] can not be converted to a i4");
 }
 
-std::int16_t CConversions::i2FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::int16_t>(i4FromString(text, rule), text, "The value [%s] is to large to fit in a i2");
+std::int16_t TextConversions::i2FromText(std::string_view text, WhitespaceRule rule) {
+  return NarrowInteger<std::int16_t>(i4FromText(text, rule), text, "The value [%s] is to large to fit in a i2");
 }
 
-std::int8_t CConversions::i1FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::int8_t>(i4FromString(text, rule), text, "The value [%s] is to large to fit in a i1");
+std::int8_t TextConversions::i1FromText(std::string_view text, WhitespaceRule rule) {
+  return NarrowInteger<std::int8_t>(i4FromText(text, rule), text, "The value [%s] is to large to fit in a i1");
 }
 
-std::uint64_t CConversions::ui8FromString(std::string const& text, WhitespaceRule rule) {
+std::uint64_t TextConversions::ui8FromText(std::string_view text, WhitespaceRule rule) {
   return ParseWideInteger<std::uint64_t>(text, rule, "The value [%s] is to large to fit in a ui8",
                                          "The value [%s] can not be converted to a ui8");
 }
 
-std::uint32_t CConversions::ui4FromString(std::string const& text, WhitespaceRule rule) {
+std::uint32_t TextConversions::ui4FromText(std::string_view text, WhitespaceRule rule) {
   return ParseWideInteger<std::uint32_t>(text, rule, "The value [%s] is to large to fit in a ui4",
                                          "The value [%s] can not be converted to a ui4");
 }
 
-std::uint16_t CConversions::ui2FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::uint16_t>(ui4FromString(text, rule), text, "The value [%s] is to large to fit in a ui2");
+std::uint16_t TextConversions::ui2FromText(std::string_view text, WhitespaceRule rule) {
+  return NarrowInteger<std::uint16_t>(ui4FromText(text, rule), text, "The value [%s] is to large to fit in a ui2");
 }
 
-std::uint8_t CConversions::ui1FromString(std::string const& text, WhitespaceRule rule) {
-  return NarrowInteger<std::uint8_t>(ui4FromString(text, rule), text, "The value [%s] is to large to fit in a ui1");
+std::uint8_t TextConversions::ui1FromText(std::string_view text, WhitespaceRule rule) {
+  return NarrowInteger<std::uint8_t>(ui4FromText(text, rule), text, "The value [%s] is to large to fit in a ui1");
 }
 
 // ---- Floating-point numbers
@@ -143,12 +153,12 @@ std::string CConversions::r8ToString(double value, char const* format) {
   return FloatingText(value, format, kR8BufferSize, 16);
 }
 
-float CConversions::r4FromString(std::string const& text, WhitespaceRule rule) {
+float TextConversions::r4FromText(std::string_view text, WhitespaceRule rule) {
   static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
   return static_cast<float>(ParseFloating(text, rule, "The value [%s] can not be converted to a r4"));
 }
 
-double CConversions::r8FromString(std::string const& text, WhitespaceRule rule) {
+double TextConversions::r8FromText(std::string_view text, WhitespaceRule rule) {
   return ParseFloating(text, rule, "The value [%s] can not be converted to a r8");
 }
 
@@ -156,9 +166,9 @@ double CConversions::r8FromString(std::string const& text, WhitespaceRule rule) 
 
 std::string CConversions::booleanToString(bool value) { return value ? "true" : "false"; }
 
-bool CConversions::booleanFromString(std::string const& text, WhitespaceRule rule) {
+bool TextConversions::booleanFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
-  std::string const& word = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  std::string_view const word = ApplyWhitespaceRule(rule, text, scratch);
   if (IsSameWord(word, "true") || IsSameWord(word, "1")) return true;
   if (IsSameWord(word, "false") || IsSameWord(word, "0")) return false;
   ThrowInvalidValue(
@@ -168,28 +178,28 @@ bool CConversions::booleanFromString(std::string const& text, WhitespaceRule rul
 
 std::string CConversions::charToString(char value) { return value != '\0' ? std::string(1, value) : std::string(); }
 
-char CConversions::charFromString(std::string const& text, WhitespaceRule rule) {
+char TextConversions::charFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
-  std::string const& character = CWhitespaceUtils::ApplyRule(rule, text, scratch);
+  std::string_view const character = ApplyWhitespaceRule(rule, text, scratch);
   if (character.size() == 1) return character[0];
   ThrowInvalidValue("The value [%s] can not be a char as it is either empty of greater than 1 char long", character);
 }
 
 std::string CConversions::hexBinaryToString(CBinaryData const& value) { return value.GetAsHexString(); }
 
-CBinaryData CConversions::hexBinaryFromString(std::string const& text, WhitespaceRule rule) {
+CBinaryData TextConversions::hexBinaryFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
   CBinaryData value;
-  value.SetAsHexString(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  value.SetAsHexString(ApplyWhitespaceRule(rule, text, scratch).data());
   return value;
 }
 
 std::string CConversions::base64BinaryToString(CBinaryData const& value) { return value.GetAsBase64(); }
 
-CBinaryData CConversions::base64BinaryFromString(std::string const& text, WhitespaceRule rule) {
+CBinaryData TextConversions::base64BinaryFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
   CBinaryData value;
-  value.SetAsBase64(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  value.SetAsBase64(ApplyWhitespaceRule(rule, text, scratch).data());
   return value;
 }
 
@@ -197,9 +207,9 @@ CBinaryData CConversions::base64BinaryFromString(std::string const& text, Whites
 
 std::string CConversions::integerToString(CBigInteger const& value) { return value.ToString(); }
 
-CBigInteger CConversions::integerFromString(std::string const& text, WhitespaceRule rule) {
+CBigInteger TextConversions::integerFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
-  return CBigInteger(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return CBigInteger(ApplyWhitespaceRule(rule, text, scratch).data());
 }
 
 std::string CConversions::decimalToString(CDecimal const& value, char const* format) {
@@ -209,9 +219,9 @@ std::string CConversions::decimalToString(CDecimal const& value, char const* for
   return value.ToString(digits > kMost ? kMost : digits < -kMost ? -kMost : static_cast<int>(digits));
 }
 
-CDecimal CConversions::decimalFromString(std::string const& text, WhitespaceRule rule) {
+CDecimal TextConversions::decimalFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
-  return CDecimal(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  return CDecimal(ApplyWhitespaceRule(rule, text, scratch).data());
 }
 
 // ---- Dates and times
@@ -220,10 +230,10 @@ namespace {
 
 using DateParser = void (CDateTime::*)(char const*);
 
-CDateTime ParseDate(std::string const& text, WhitespaceRule rule, CDateTime::DTType type, DateParser parse) {
+CDateTime ParseDate(std::string_view text, WhitespaceRule rule, CDateTime::DTType type, DateParser parse) {
   std::string scratch;
   CDateTime value(type);
-  (value.*parse)(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  (value.*parse)(ApplyWhitespaceRule(rule, text, scratch).data());
   return value;
 }
 
@@ -241,23 +251,23 @@ std::string CConversions::datetimeToString(CDateTime const& value) { return valu
 std::string CConversions::yearMonthToString(CDateTime const& value) { return value.ToString("s"); }
 std::string CConversions::monthDayToString(CDateTime const& value) { return value.ToString("s"); }
 
-CDateTime CConversions::dateFromString(std::string const& text, WhitespaceRule rule) {
+CDateTime TextConversions::dateFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_date, &CDateTime::ParseXSDDate);
 }
 
-CDateTime CConversions::timeFromString(std::string const& text, WhitespaceRule rule) {
+CDateTime TextConversions::timeFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_time, &CDateTime::ParseXSDTime);
 }
 
-CDateTime CConversions::datetimeFromString(std::string const& text, WhitespaceRule rule) {
+CDateTime TextConversions::datetimeFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_dateTime, &CDateTime::ParseXSDDateTime);
 }
 
-CDateTime CConversions::yearMonthFromString(std::string const& text, WhitespaceRule rule) {
+CDateTime TextConversions::yearMonthFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_gYearMonth, &CDateTime::ParseXSDDate);
 }
 
-CDateTime CConversions::monthDayFromString(std::string const& text, WhitespaceRule rule) {
+CDateTime TextConversions::monthDayFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_gMonthDay, &CDateTime::ParseXSDDate);
 }
 
@@ -265,24 +275,24 @@ std::string CConversions::yearToString(std::uint16_t value) { return IntegerText
 std::string CConversions::monthToString(std::uint8_t value) { return DateFieldText("--", value); }
 std::string CConversions::dayToString(std::uint8_t value) { return DateFieldText("---", value); }
 
-std::uint16_t CConversions::yearFromString(std::string const& text, WhitespaceRule rule) {
+std::uint16_t TextConversions::yearFromText(std::string_view text, WhitespaceRule rule) {
   return static_cast<std::uint16_t>(ParseDate(text, rule, CDateTime::dt_gYear, &CDateTime::ParseXSDDate).GetYear());
 }
 
-std::uint8_t CConversions::monthFromString(std::string const& text, WhitespaceRule rule) {
+std::uint8_t TextConversions::monthFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_gMonth, &CDateTime::ParseXSDDate).GetMonth();
 }
 
-std::uint8_t CConversions::dayFromString(std::string const& text, WhitespaceRule rule) {
+std::uint8_t TextConversions::dayFromText(std::string_view text, WhitespaceRule rule) {
   return ParseDate(text, rule, CDateTime::dt_gDay, &CDateTime::ParseXSDDate).GetDay();
 }
 
 std::string CConversions::durationToString(CDateTimeSpan const& value) { return value.ToString(); }
 
-CDateTimeSpan CConversions::durationFromString(std::string const& text, WhitespaceRule rule) {
+CDateTimeSpan TextConversions::durationFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
   CDateTimeSpan value;
-  value.ParseXSDDuration(CWhitespaceUtils::ApplyRule(rule, text, scratch).c_str());
+  value.ParseXSDDuration(ApplyWhitespaceRule(rule, text, scratch).data());
   return value;
 }
 

@@ -27,9 +27,9 @@ NumberStatus ParseInteger(std::string_view text, std::int64_t& value);
 NumberStatus ParseInteger(std::string_view text, std::uint64_t& value);
 
 /// Read a floating-point number as strtod does in the "C" locale, with all its forms. A zero byte ends the text,
-/// and a text without digits is 0. Out of range is no failure: it gives infinity, zero or a subnormal number.
+/// and a text without digits is 0; one that is no plain number has a zero behind it. Out of range is no failure: it gives infinity, zero or a subnormal number.
 /// \p value is set for NumberStatus::Ok only.
-NumberStatus ParseDouble(std::string const& text, double& value);
+NumberStatus ParseDouble(std::string_view text, double& value);
 
 /// Print as "%d", "%u", "%lld" or "%llu" does.
 template <class Integer>

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
-#include "quillon9/values/conversions.h"
+#include "values/text_conversions.h"
 
 namespace Quillon9 {
 
@@ -15,11 +15,26 @@ namespace Quillon9 {
 
 // ---- Ownership
 
-template <class Held>
-void QnVariant::SetOwned(ItemType type, Held* value) {
-  Clear();
-  Store(type, value);
+template <class Held, class Value>
+void QnVariant::SetHeld(ItemType type, Value&& value) {
+  static_assert(sizeof(Held) <= sizeof m_held && alignof(Held) <= 8, "does not fit");
+  if (m_owns) {  // the value may be part of what is held, and its copy may fail
+    Held copy(std::forward<Value>(value));
+    Clear();
+    Store(type, new (m_held) Held(std::move(copy)));
+  } else {
+    Store(type, new (m_held) Held(std::forward<Value>(value)));
+  }
   m_owns = true;
+}
+
+template <class Held>
+void QnVariant::SetConverted(ItemType type, Held&& value) {
+  if constexpr (std::is_arithmetic_v<Held>) {
+    SetScalar(type, value);
+  } else {
+    SetHeld<Held>(type, std::move(value));
+  }
 }
 
 template <class Held>
@@ -27,15 +42,25 @@ void QnVariant::CopyHeld(ItemType type, QnVariant const& other) {
   if constexpr (std::is_arithmetic_v<Held>) {
     Store(type, other.Load<Held>());
   } else {
-    Held const* const value = other.Load<Held*>();
-    SetOwned(type, value != nullptr ? new Held(*value) : nullptr);
+    SetHeld<Held>(type, *other.Load<Held const*>());
   }
+}
+
+/// The other variant then holds nothing.
+template <class Held>
+void QnVariant::MoveHeld(ItemType type, QnVariant& other) {
+  if constexpr (std::is_arithmetic_v<Held>) {
+    Store(type, other.Load<Held>());
+  } else {
+    SetHeld<Held>(type, std::move(*other.Load<Held*>()));
+  }
+  other.Clear();
 }
 
 template <class Held>
 void QnVariant::DeleteHeld() {
   if constexpr (!std::is_arithmetic_v<Held>) {
-    delete Load<Held*>();
+    Load<Held*>()->~Held();
     Store<Held*>(m_type, nullptr);
   }
 }
@@ -47,15 +72,22 @@ void QnVariant::SetReference(ItemType type, CXmlObjectBase* object) {
   m_owns = true;
 }
 
+// clang-format off
 void QnVariant::TakeFrom(QnVariant& other) {
-  if (other.m_type == ItemType_string && !other.m_owns) {  // a borrowed one
-    *this = static_cast<QnVariant const&>(other);
-    return other.Clear();
+  switch (other.m_type) {
+#define QN_VALUE_KIND(number, stem, Access, Held) \
+    case ItemType_##stem: return MoveHeld<Held>(ItemType_##stem, other);
+#include "values/item_types.def"
+    case ItemType_xmlObject:
+    case ItemType_xmlCollection:
+      Store(other.m_type, other.Load<CXmlObjectBase*>());
+      m_owns = std::exchange(other.m_owns, false);
+      break;
+    case ItemType_invalid: break;
   }
-  std::memcpy(m_value, other.m_value, sizeof m_value);
-  m_type = std::exchange(other.m_type, ItemType_invalid);
-  m_owns = std::exchange(other.m_owns, false);
+  other.m_type = ItemType_invalid;
 }
+// clang-format on
 
 QnVariant::QnVariant(QnVariant const& other) { *this = other; }
 
@@ -104,36 +136,31 @@ void QnVariant::Release() {
 
 // ---- Setters and getters that do more than copy a scalar
 
-void QnVariant::SetHexBinary(CBinaryData const& value) { SetOwned(ItemType_hexBinary, new CBinaryData(value)); }
+void QnVariant::SetHexBinary(CBinaryData const& value) { SetHeld<CBinaryData>(ItemType_hexBinary, value); }
 
-void QnVariant::SetBase64Binary(CBinaryData const& value) { SetOwned(ItemType_base64Binary, new CBinaryData(value)); }
+void QnVariant::SetBase64Binary(CBinaryData const& value) { SetHeld<CBinaryData>(ItemType_base64Binary, value); }
 
-void QnVariant::SetDuration(CDateTimeSpan const& value) { SetOwned(ItemType_duration, new CDateTimeSpan(value)); }
+void QnVariant::SetDuration(CDateTimeSpan const& value) { SetHeld<CDateTimeSpan>(ItemType_duration, value); }
 
-void QnVariant::SetYearMonth(CDateTime const& value) { SetOwned(ItemType_yearMonth, new CDateTime(value)); }
+void QnVariant::SetYearMonth(CDateTime const& value) { SetHeld<CDateTime>(ItemType_yearMonth, value); }
 
-void QnVariant::SetMonthDay(CDateTime const& value) { SetOwned(ItemType_monthDay, new CDateTime(value)); }
+void QnVariant::SetMonthDay(CDateTime const& value) { SetHeld<CDateTime>(ItemType_monthDay, value); }
 
-void QnVariant::SetDate(CDateTime const& value) { SetOwned(ItemType_date, new CDateTime(value)); }
+void QnVariant::SetDate(CDateTime const& value) { SetHeld<CDateTime>(ItemType_date, value); }
 
-void QnVariant::SetDateTime(CDateTime const& value) { SetOwned(ItemType_datetime, new CDateTime(value)); }
+void QnVariant::SetDateTime(CDateTime const& value) { SetHeld<CDateTime>(ItemType_datetime, value); }
 
-void QnVariant::SetTime(CDateTime const& value) { SetOwned(ItemType_time, new CDateTime(value)); }
+void QnVariant::SetTime(CDateTime const& value) { SetHeld<CDateTime>(ItemType_time, value); }
 
-void QnVariant::SetDecimal(CDecimal const& value) { SetOwned(ItemType_decimal, new CDecimal(value)); }
+void QnVariant::SetDecimal(CDecimal const& value) { SetHeld<CDecimal>(ItemType_decimal, value); }
 
-void QnVariant::SetDecimal(CDecimal&& value) { SetOwned(ItemType_decimal, new CDecimal(std::move(value))); }
+void QnVariant::SetDecimal(CDecimal&& value) { SetHeld<CDecimal>(ItemType_decimal, std::move(value)); }
 
-void QnVariant::SetInteger(CBigInteger const& value) { SetOwned(ItemType_integer, new CBigInteger(value)); }
+void QnVariant::SetInteger(CBigInteger const& value) { SetHeld<CBigInteger>(ItemType_integer, value); }
 
-void QnVariant::SetInteger(CBigInteger&& value) { SetOwned(ItemType_integer, new CBigInteger(std::move(value))); }
+void QnVariant::SetInteger(CBigInteger&& value) { SetHeld<CBigInteger>(ItemType_integer, std::move(value)); }
 
-void QnVariant::SetString(std::string value) { SetOwned(ItemType_string, new std::string(std::move(value))); }
-
-void QnVariant::BorrowString(std::string const& value) {
-  Clear();
-  Store(ItemType_string, &value);
-}
+void QnVariant::SetString(std::string value) { SetHeld<std::string>(ItemType_string, std::move(value)); }
 
 void QnVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(ItemType_xmlObject, object); }
 
@@ -244,9 +271,13 @@ std::string QnVariant::ToString(char const* format) const {
 }
 
 void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
+  FromText(text, type, rule);
+}
+
+void QnVariant::FromText(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
   switch (type) {
 #define QN_VALUE_KIND(number, stem, Access, Held) \
-    case ItemType_##stem: Set##Access(CConversions::stem##FromString(text, rule)); return;
+    case ItemType_##stem: SetConverted<Held>(ItemType_##stem, TextConversions::stem##FromText(text, rule)); return;
 #include "values/item_types.def"
     case ItemType_invalid:
     case ItemType_xmlObject:

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "quillon9/binding/exceptions.h"
+#include "values/text_conversions.h"
 #include "xmlio/byte_blocks.h"
 
 namespace Quillon9 {
@@ -13,9 +14,9 @@ namespace {
 // What becomes a space: a carriage return counts as nothing at all.
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
-bool IsPreserved(std::string const& text) { return text.find('\r') == std::string::npos; }
+bool IsPreserved(std::string_view text) { return text.find('\r') == std::string_view::npos; }
 
-bool IsReplaced(std::string const& text) {
+bool IsReplaced(std::string_view text) {
   bool hasSpace = false;
   bool hasZero = false;
   for (char const c : text) {
@@ -26,12 +27,12 @@ bool IsReplaced(std::string const& text) {
   return !(hasSpace && hasZero);
 }
 
-bool HasBlankOrControl(std::string const& text) {
+bool HasBlankOrControl(std::string_view text) {
   using namespace ByteBlocks;
   return Any(text, '0', [](std::uint64_t block) { return Below(block, ' ' + 1); });
 }
 
-bool IsCollapsed(std::string const& text) {
+bool IsCollapsed(std::string_view text) {
   if (!HasBlankOrControl(text)) return true;
   char last = ' ';
   for (char const c : text) {
@@ -49,14 +50,14 @@ std::string WithoutReturns(char const* text, std::size_t length) {
   return result;
 }
 
-std::string Replaced(std::string const& text) {
+std::string Replaced(std::string_view text) {
   std::string result = WithoutReturns(text.data(), text.size());
   std::replace_if(result.begin(), result.end(), IsBlank, ' ');
   CutAtZero(result);
   return result;
 }
 
-std::string Collapsed(std::string const& text) {
+std::string Collapsed(std::string_view text) {
   std::string result(text.size(), '\0');
   char* out = result.data();
   bool blankWritten = true;
@@ -100,11 +101,17 @@ std::string CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& 
 }
 
 std::string const& CWhitespaceUtils::ApplyRule(WhitespaceRule rule, std::string const& text, std::string& scratch) {
+  return ApplyWhitespaceRule(rule, text, scratch).data() == text.data() ? text : scratch;
+}
+
+std::string_view ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule rule, std::string_view text,
+                                     std::string& scratch) {
   switch (rule) {
-    case WhitespaceRule_None: return text;
-    case WhitespaceRule_Preserve: return IsPreserved(text) ? text : scratch = WithoutReturns(text.data(), text.size());
-    case WhitespaceRule_Replace: return IsReplaced(text) ? text : scratch = Replaced(text);
-    case WhitespaceRule_Collapse: return IsCollapsed(text) ? text : scratch = Collapsed(text);
+    case CWhitespaceUtils::WhitespaceRule_None: return text;
+    case CWhitespaceUtils::WhitespaceRule_Preserve:
+      return IsPreserved(text) ? text : scratch = WithoutReturns(text.data(), text.size());
+    case CWhitespaceUtils::WhitespaceRule_Replace: return IsReplaced(text) ? text : scratch = Replaced(text);
+    case CWhitespaceUtils::WhitespaceRule_Collapse: return IsCollapsed(text) ? text : scratch = Collapsed(text);
   }
   ThrowUnknownRule();
 }

@@ -138,10 +138,12 @@ void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attribute
 void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attributes) {
   for (; *attributes != nullptr; attributes += 2) {
     std::string_view const value = attributes[1];
-    std::string local;
-    bool const isSame = m_toLocal.IsSameExcludingCR(value);
-    if (!isSame) m_toLocal.Append(local, value);
-    m_document.AddElementAttribute(element, NameOf(attributes[0]), isSame ? value : local);
+    CXmlName const* const attribute = NameOf(attributes[0]);
+    if (m_toLocal.IsSameExcludingCR(value)) {
+      m_document.AddElementAttribute(element, attribute, value);
+    } else {
+      m_document.AddElementAttribute(element, attribute, m_toLocal(value));
+    }
   }
 }
 

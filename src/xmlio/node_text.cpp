@@ -4,6 +4,7 @@
 #include <cstring>
 #include <memory>
 
+#include "xmlio/text_copy.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
@@ -40,7 +41,8 @@ void CNodeText::BecomeString(CTreeMemory* memory, std::size_t capacity) const {
   m_capacity = kIsString;
 }
 
-void CNodeText::Grow(std::size_t size, CTreeMemory& memory) {
+/// Room for \p size bytes in all.
+void CNodeText::Move(std::size_t size, CTreeMemory& memory) {
   std::size_t const capacity = CapacityFor(std::min(std::max<std::size_t>(size, 2 * m_size), kMostBytes));
   auto* const bytes = static_cast<char*>(memory.Allocate(capacity + 1));
   if (m_place != nullptr) {
@@ -51,20 +53,35 @@ void CNodeText::Grow(std::size_t size, CTreeMemory& memory) {
   m_capacity = static_cast<std::uint32_t>(capacity);
 }
 
+/// Where \p size more bytes and a zero are to be written; null when the text is or must become a string.
+inline char* CNodeText::Reserve(std::size_t size, CTreeMemory* memory) {
+  std::size_t const total = m_size + size;
+  if (total > kMostBytes || m_capacity == kIsString || memory == nullptr) return nullptr;
+  if (total > m_capacity) Move(total, *memory);
+  return Bytes() + m_size;
+}
+
+/// What was written there counts.
+inline void CNodeText::Commit(char* end) {
+  *end = '\0';
+  m_size = static_cast<std::uint32_t>(end - Bytes());
+}
+
 void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
   if (text.empty()) return;
-  if (m_capacity != kIsString) {
-    std::size_t const size = m_size + text.size();
-    if (size <= kMostBytes && memory != nullptr) {
-      if (size > m_capacity) Grow(size, *memory);
-      std::memcpy(Bytes() + m_size, text.data(), text.size());
-      Bytes()[size] = '\0';
-      m_size = static_cast<std::uint32_t>(size);
-      return;
-    }
-    BecomeString(memory, size);
+  if (char* const to = Reserve(text.size(), memory)) {
+    Commit(to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
+    return;
   }
+  if (m_capacity != kIsString) BecomeString(memory, m_size + text.size());
   String()->text.append(text);
+}
+
+bool CNodeText::AppendPlain(std::string_view text, CTreeMemory* memory) {
+  char* const to = Reserve(text.size(), memory);
+  bool const isPlain = to != nullptr && CopyBlocks(to, text, HasUnplain()) == text.size();
+  if (isPlain) Commit(to + text.size());
+  return isPlain;
 }
 
 void CNodeText::Free(CTreeMemory* memory) noexcept {

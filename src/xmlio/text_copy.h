@@ -28,6 +28,14 @@ struct HasMarkup {
   }
 };
 
+/// Whether one of the eight bytes is zero, a carriage return or not ASCII.
+struct HasUnplain {
+  bool operator()(std::uint64_t block) const {
+    using namespace ByteBlocks;
+    return ((Equal(block, '\r') | Below(block, 1) | block) & kHighBits) != 0;
+  }
+};
+
 template <class Block>
 void StoreBlock(char* to, Block block) {
   std::memcpy(to, &block, sizeof block);
@@ -83,18 +91,20 @@ inline bool IsSameText(std::string_view left, std::string_view right) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);
   std::size_t const length = left.size();
   if (length != right.size()) return false;
+  auto const differ = [&](std::size_t at, auto block) {
+    using Block = decltype(block);
+    return ByteBlocks::Load<Block>(left.data() + at) != ByteBlocks::Load<Block>(right.data() + at);
+  };
   if (length < kBlock) {
+    if (length >= 4) return !differ(0, std::uint32_t{}) && !differ(length - 4, std::uint32_t{});
     std::size_t at = 0;
     while (at < length && left[at] == right[at]) ++at;
     return at == length;
   }
-  auto const differ = [&](std::size_t at) {
-    return ByteBlocks::Load<std::uint64_t>(left.data() + at) != ByteBlocks::Load<std::uint64_t>(right.data() + at);
-  };
   for (std::size_t at = 0; at < length - kBlock; at += kBlock) {
-    if (differ(at)) return false;
+    if (differ(at, std::uint64_t{})) return false;
   }
-  return !differ(length - kBlock);
+  return !differ(length - kBlock, std::uint64_t{});
 }
 
 }  // namespace Quillon9

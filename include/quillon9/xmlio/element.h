@@ -119,6 +119,8 @@ class QUILLON9_API CXmlElement {
   void AppendText(char const* text, int length);
   void AppendText(std::string_view text) { m_text.Append(text, Memory()); }
   ///@}
+  /// The same for ASCII without zeros and carriage returns. False for another text, or a long one: nothing has changed.
+  bool AppendPlainText(std::string_view text) { return m_text.AppendPlain(text, Memory()); }
 
   /// Append an attribute; names are not checked for duplicates.
   void AddAttribute(std::string_view localName, std::string_view value, std::string_view namespaceUri);

@@ -33,6 +33,9 @@ class QUILLON9_API CNodeText {
   std::string const& GetString(CTreeMemory* memory) const;
   /// Append \p text. Appending n bytes in any number of runs costs O(n).
   void Append(std::string_view text, CTreeMemory* memory);
+  /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is another
+  /// one, or has to become a string: nothing has changed then.
+  bool AppendPlain(std::string_view text, CTreeMemory* memory);
   /// Give all memory back; the text is empty then. Where it is not called, the bytes go with the tree's memory, and
   /// those of a node by itself are lost.
   void Free(CTreeMemory* memory) noexcept;
@@ -42,7 +45,9 @@ class QUILLON9_API CNodeText {
 
   std::string_view ViewOfString() const;
   void BecomeString(CTreeMemory* memory, std::size_t capacity) const;
-  void Grow(std::size_t size, CTreeMemory& memory);
+  char* Reserve(std::size_t size, CTreeMemory* memory);
+  void Commit(char* end);
+  void Move(std::size_t size, CTreeMemory& memory);
 
   char* Bytes() const { return static_cast<char*>(m_place); }
   CTreeString* String() const { return static_cast<CTreeString*>(m_place); }
