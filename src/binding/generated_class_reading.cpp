@@ -13,6 +13,7 @@
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/text_copy.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
@@ -34,7 +35,9 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   Init();
   CParentElementInfo const& info = *GetClassInfo();
   NestingGuard const guard(info.m_elementType == XmlElementType_Element);
-  if (info.m_elementType == XmlElementType_Element) SetElementName(parent->GetLocalName().c_str());
+  if (info.m_elementType == XmlElementType_Element && !IsSameText(GetElementName(), parent->GetLocalName())) {
+    SetElementName(parent->GetLocalName().c_str());
+  }
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
   CTreeMemory* const memory = parent->Memory();
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
@@ -131,26 +134,40 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                           CXmlElement* cursor, XmlElementType type) {
-  bool const isGroup = type != XmlElementType_Element;
+  if (type != XmlElementType_Element) return ReadSequenceGroup(ctx, parent, cursor, type);
   CXmlElement* const entry = cursor;
   std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+    while (!(*place)->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
+      if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
+      cursor = cursor->GetNextSiblingElement();
+    }
+  }
+  RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+/// The same without a tag, with what was looked through in vain remembered.
+CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                   CXmlElement* cursor, XmlElementType type) {
+  CXmlElement* const entry = cursor;
+  std::string const ns = GetNamespace();
+  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
     CElementInfo* const member = *place;
     CXmlElement* const start = cursor;
-    unsigned long const takes = isGroup ? FailedScans::Takes() : 0;
-    if (isGroup) cursor = FailedScans::Skip(member, parent, cursor);
+    unsigned long const takes = FailedScans::Takes();
+    cursor = FailedScans::Skip(member, parent, cursor);
     if (cursor == nullptr && start != nullptr) return entry;
     CXmlElement* at = cursor;
     while (!member->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
       bool const isLast = !ctx.GetIgnoreUnknownElements() || cursor == nullptr;
-      if (isLast && isGroup && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, nullptr);
+      if (isLast && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, nullptr);
       if (isLast) return entry;
       cursor = cursor->GetNextSiblingElement();
       at = cursor;
     }
-    if (isGroup && at != start && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, at);
+    if (at != start && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, at);
   }
-  if (!isGroup) RejectLeftOver(ctx, parent, cursor);
   return cursor;
 }
 

@@ -1,24 +1,36 @@
 #include "quillon9/descriptors/element_info.h"
 
+#include <atomic>
 #include <cstring>
 
-#include "binding/name_match.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9Data {
 
 using namespace Quillon9;
+
+namespace {
+
+/// Another one for each member of the process, so that one that was freed is never taken for a later one.
+std::uint64_t NextNumber() {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
+}
+
+}  // namespace
 
 CElementInfo::CElementInfo(char const* name, char const* ns, int index, ItemType type, char const* format,
                            CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
     : m_elementName(name),
       m_namespace(ns),
       m_propertyIndex(index),
+      m_number(NextNumber()),
       m_restrictions(restrictions),
       m_itemType(type),
       m_format(format),
@@ -26,7 +38,7 @@ CElementInfo::CElementInfo(char const* name, char const* ns, int index, ItemType
       m_primitive(true) {}
 
 CElementInfo::CElementInfo(char const* name, char const* ns, int index)
-    : m_elementName(name), m_namespace(ns), m_propertyIndex(index), m_primitive(false) {}
+    : m_elementName(name), m_namespace(ns), m_propertyIndex(index), m_number(NextNumber()), m_primitive(false) {}
 
 CElementInfo::~CElementInfo() = default;
 CElementInfoSeq::~CElementInfoSeq() = default;
@@ -51,7 +63,13 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 }
 
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
-  return IsElementNamed(ctx, element, m_elementName, m_namespace);
+  if (element == nullptr) return false;
+  CXmlName const& name = element->GetNames();
+  if (name.member == m_number) return true;  // documents repeat themselves: this is a percent of reading
+  if (!IsSameText(name.localName, m_elementName)) return false;
+  if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
+  name.member = m_number;
+  return true;
 }
 
 void CElementInfo::CheckRestriction(QnVariant const& value) const {

@@ -29,11 +29,18 @@ constexpr std::size_t kR8BufferSize = 48;
   throw CQnInvalidValueException(FormatString(format, text.data()));
 }
 
+// A number that is nothing but digits, a sign and a point stays as it is under every rule, which then need not be looked
+// at: half a percent of reading.
+bool IsRule(WhitespaceRule rule) {
+  return rule >= CWhitespaceUtils::WhitespaceRule_None && rule <= CWhitespaceUtils::WhitespaceRule_Collapse;
+}
+
 template <class Integer>
 Integer ParseWideInteger(std::string_view text, WhitespaceRule rule, char const* tooLarge, char const* malformed) {
+  Integer value = 0;
+  if (IsRule(rule) && ParseShortInteger(text, value)) return value;
   std::string scratch;
   std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
-  Integer value = 0;
   NumberStatus const status = ParseInteger(number, value);
   if (status == NumberStatus::OutOfRange) ThrowInvalidValue(tooLarge, number);
   if (status == NumberStatus::Malformed) ThrowInvalidValue(malformed, number);
@@ -61,10 +68,11 @@ bool IsFloatingWord(std::string_view text, double& value) {
 }
 
 double ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
+  double value = 0;
+  if (IsRule(rule) && ParseShortDouble(text, value)) return value;
   std::string scratch;
   std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
   bool const endsInDigit = !number.empty() && number.back() >= '0' && number.back() <= '9';
-  double value = 0;
   if (!endsInDigit && IsFloatingWord(number, value)) return value;
   if (ParseDouble(number, value) != NumberStatus::Ok) ThrowInvalidValue(malformed, number);
   return value;

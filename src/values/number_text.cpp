@@ -86,35 +86,6 @@ NumberStatus ParseUnsigned(std::string_view text, Unsigned& value) {
   return digits.status;
 }
 
-constexpr double kExactPowersOf10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-
-// Up to 15 digits and a point: both numbers of the one division are exact, so that its result is the nearest (IEEE 754).
-// A third of the time of from_chars.
-bool ParseShortDouble(char const* at, char const* end, double& value) {
-  constexpr std::ptrdiff_t kMost = 15;
-  bool const isNegative = at != end && *at == '-';
-  if (isNegative) ++at;
-  if (end - at > kMost + 1) return false;
-  std::uint64_t digits = 0;
-  std::ptrdiff_t count = 0;
-  char const* point = nullptr;
-  for (; at != end; ++at) {
-    if (IsDigit(*at)) {
-      digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
-      ++count;
-    } else if (*at == '.' && point == nullptr) {
-      point = at;
-    } else {
-      return false;
-    }
-  }
-  if (count == 0 || count > kMost) return false;
-  double const magnitude = static_cast<double>(digits) / kExactPowersOf10[point != nullptr ? end - point - 1 : 0];
-  value = isNegative ? -magnitude : magnitude;
-  return true;
-}
-
 // from_chars knows neither blanks, "+" nor hexadecimal floats, and reports what is out of range without a value;
 // what it takes as a whole, it takes as strtod does.
 bool ParsePlainDouble(std::string_view text, double& value) {
@@ -210,6 +181,9 @@ char* PrintCommonDouble(char* to, double value, int precision) {
   return PrintScaled(to, digits, places);
 }
 
+constexpr double kExactPowersOf10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
 [[noreturn]] void ThrowBadFormat(char const* format) {
   throw CQnException(FormatString("The format [%s] does not print one floating-point number", format));
 }
@@ -221,8 +195,35 @@ NumberStatus ParseInteger(std::string_view text, std::uint32_t& value) { return 
 NumberStatus ParseInteger(std::string_view text, std::int64_t& value) { return ParseSigned(text, value); }
 NumberStatus ParseInteger(std::string_view text, std::uint64_t& value) { return ParseUnsigned(text, value); }
 
+// Both numbers of the one division are exact, so that its result is the nearest (IEEE 754).
+bool ParseShortDouble(std::string_view text, double& value) {
+  char const* at = text.data();
+  char const* const end = at + text.size();
+  constexpr std::ptrdiff_t kMost = 15;
+  bool const isNegative = at != end && *at == '-';
+  if (isNegative) ++at;
+  if (end - at > kMost + 1) return false;
+  std::uint64_t digits = 0;
+  std::ptrdiff_t count = 0;
+  char const* point = nullptr;
+  for (; at != end; ++at) {
+    if (IsDigit(*at)) {
+      digits = digits * 10 + static_cast<std::uint64_t>(*at - '0');
+      ++count;
+    } else if (*at == '.' && point == nullptr) {
+      point = at;
+    } else {
+      return false;
+    }
+  }
+  if (count == 0 || count > kMost) return false;
+  double const magnitude = static_cast<double>(digits) / kExactPowersOf10[point != nullptr ? end - point - 1 : 0];
+  value = isNegative ? -magnitude : magnitude;
+  return true;
+}
+
 NumberStatus ParseDouble(std::string_view text, double& value) {
-  if (ParseShortDouble(text.data(), text.data() + text.size(), value)) return NumberStatus::Ok;
+  if (ParseShortDouble(text, value)) return NumberStatus::Ok;
   if (ParsePlainDouble(text, value)) return NumberStatus::Ok;
   char* stop = nullptr;
   double const parsed = strtod_l(text.data(), &stop, NumberLocale());

@@ -182,7 +182,7 @@ CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
 
 CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
   CTreeMemory& memory = *Memory();
-  return AddChild(new (memory) CXmlElement(memory, name));
+  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(memory, name));
 }
 
 CXmlElement* CXmlElement::CreateNewChildElement() {

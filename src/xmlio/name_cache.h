@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
 #include "quillon9/xmlio/document.h"
 
@@ -18,18 +19,20 @@ class CNameCache {
  public:
   /// The name \p whole, or null when it was not met yet.
   CXmlName const* Find(char const* whole) {
-    // Documents repeat themselves: most names follow the one they followed last time.
-    Entry* const likely = m_last != nullptr ? m_last->next : nullptr;
-    if (likely != nullptr && std::strcmp(likely->whole.c_str(), whole) == 0) {
-      m_last = likely;
-      return likely->name;
+    // Documents repeat themselves: most names follow one that they followed before.
+    if (m_last != nullptr) {
+      for (Entry* const likely : m_last->followers) {
+        if (likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
+        m_last = likely;
+        return likely->name;
+      }
     }
     auto const found = m_entries.find(std::string_view(whole));
     return found != m_entries.end() ? Follow(found->second) : nullptr;
   }
 
   CXmlName const* Add(char const* whole, CXmlName const* name) {
-    auto entry = std::make_unique<Entry>(Entry{whole, name, nullptr});
+    auto entry = std::make_unique<Entry>(Entry{whole, name, {}});
     std::string_view const key = entry->whole;
     return Follow(m_entries.emplace(key, std::move(entry)).first->second);
   }
@@ -38,7 +41,7 @@ class CNameCache {
   struct Entry {
     std::string whole;
     CXmlName const* name;
-    Entry* next;  ///< what came behind this one last time
+    Entry* followers[2];  ///< what came behind this one, the last first
   };
 
   /// With a seed, since the document chooses the names: nobody outside can know which ones collide.
@@ -65,7 +68,7 @@ class CNameCache {
   };
 
   CXmlName const* Follow(std::unique_ptr<Entry> const& entry) {
-    if (m_last != nullptr) m_last->next = entry.get();
+    if (m_last != nullptr) m_last->followers[1] = std::exchange(m_last->followers[0], entry.get());
     m_last = entry.get();
     return m_last->name;
   }

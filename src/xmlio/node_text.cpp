@@ -77,7 +77,22 @@ void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
   String()->text.append(text);
 }
 
+/// AppendPlain() of the first text, as nearly all are.
+inline bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
+  std::size_t const granules = text.size() / CTreeMemory::kGranule + 1;
+  auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
+  if (CopyBlocks(bytes, text, HasUnplain()) != text.size()) {
+    memory.Free(bytes, granules * CTreeMemory::kGranule);
+    return false;
+  }
+  m_place = bytes;
+  m_capacity = static_cast<std::uint32_t>(granules * CTreeMemory::kGranule - 1);
+  Commit(bytes + text.size());
+  return true;
+}
+
 bool CNodeText::AppendPlain(std::string_view text, CTreeMemory* memory) {
+  if (m_place == nullptr && text.size() <= kMostBytes && memory != nullptr) return SetPlain(text, *memory);
   char* const to = Reserve(text.size(), memory);
   bool const isPlain = to != nullptr && CopyBlocks(to, text, HasUnplain()) == text.size();
   if (isPlain) Commit(to + text.size());

@@ -72,8 +72,9 @@ class CTreeMemory {
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
 
   /// Storage of \p size bytes, at most kLargest, aligned for a pointer.
-  void* Allocate(std::size_t size) {
-    std::size_t const granules = Granules(size);
+  void* Allocate(std::size_t size) { return AllocateGranules(Granules(size)); }
+  /// The same by the number of granules, at least 1.
+  void* AllocateGranules(std::size_t granules) {
     if (m_free[granules] != nullptr) return TakeFreed(granules);
     std::size_t const bytes = granules * kGranule;
     if (static_cast<std::size_t>(m_blockEnd - m_blockAt) < bytes) StartBlock();

@@ -141,6 +141,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                            bool inChoice);
   CXmlElement* ReadMembers(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice);
+  CXmlElement* ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
+                                 Quillon9Data::XmlElementType type);
   CXmlElement* ReadGroup(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool inChoice);
   void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement** cursor,

@@ -194,6 +194,7 @@ class QUILLON9_API CElementInfo {
   std::string m_elementName;                         ///< local name
   std::string m_namespace;                           ///< empty for none
   int m_propertyIndex;                               ///< for AccessProperty()
+  std::uint64_t m_number;                            ///< of this member alone, for CXmlName::member
   CPrimitiveRestrictions m_restrictions;             ///< facets of a primitive member
   ItemType m_itemType = Quillon9::ItemType_invalid;  ///< kind of a primitive member
   char const* m_format = nullptr;                    ///< not owned

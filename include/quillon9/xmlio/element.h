@@ -17,9 +17,10 @@ class CTreeMemory;
 /// The two names of an element or attribute. The nodes of a document share one object for each pair of names that
 /// occurs. For readers; callers ask the nodes.
 struct CXmlName {
-  std::string namespaceUri;       ///< empty for none
-  std::string localName;          ///< without prefix
-  CTreeMemory* memory = nullptr;  ///< of the document that shares it; null for the name of a node by itself
+  std::string namespaceUri;          ///< empty for none
+  std::string localName;             ///< without prefix
+  CTreeMemory* memory = nullptr;     ///< of the document that shares it; null for the name of a node by itself
+  mutable std::uint64_t member = 0;  ///< the number of the member of a class that is known to have both names
 };
 
 /// One attribute of a parsed element. Namespace declarations are attributes only for a schema without namespaces.
@@ -92,6 +93,8 @@ class QUILLON9_API CXmlElement {
   std::string const& GetLocalName() const { return m_name->localName; }
   /// Empty when the element is in no namespace.
   std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
+  /// Both, as long as this keeps them. For readers.
+  CXmlName const& GetNames() const { return *m_name; }
   /// All character data directly inside the element, until more is appended.
   std::string const& GetText() const { return m_text.GetString(Memory()); }
   /// The same bytes without a string made of them, with a zero behind them, until GetText() is called or more is

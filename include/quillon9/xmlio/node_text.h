@@ -47,6 +47,7 @@ class QUILLON9_API CNodeText {
   void BecomeString(CTreeMemory* memory, std::size_t capacity) const;
   char* Reserve(std::size_t size, CTreeMemory* memory);
   void Commit(char* end);
+  bool SetPlain(std::string_view text, CTreeMemory& memory);
   void Move(std::size_t size, CTreeMemory& memory);
 
   char* Bytes() const { return static_cast<char*>(m_place); }
