@@ -3,7 +3,7 @@
 #include <strings.h>
 
 #include <string>
-#include <vector>
+#include <typeinfo>
 
 #include "binding/failed_scans.h"
 #include "binding/failure_wrapping.h"
@@ -136,7 +136,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
                                                           CXmlElement* cursor, XmlElementType type) {
   if (type != XmlElementType_Element) return ReadSequenceGroup(ctx, parent, cursor, type);
   CXmlElement* const entry = cursor;
-  std::string const ns = GetNamespace();  // once, not for each try: a tenth of what binding costs
+  std::string const ns = NamespaceForMembers(parent);  // once, not for each try: a tenth of what binding costs
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
     while (!(*place)->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
       if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
@@ -151,7 +151,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
 CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                    CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;
-  std::string const ns = GetNamespace();
+  std::string const ns = NamespaceForMembers(parent);
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
     CElementInfo* const member = *place;
     CXmlElement* const start = cursor;
@@ -175,7 +175,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
                                                           CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;
   auto const count = static_cast<std::size_t>(GetClassElementInfoCount());
-  std::string const ns = GetNamespace();
+  std::string const ns = NamespaceForMembers(parent);
   FlagSet found(count);
   CXmlElement const* previous = nullptr;
   while (cursor != nullptr && cursor != previous) {
@@ -194,10 +194,22 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
   return cursor;
 }
 
+// Most classes have no untyped member, and making the text costs more than a percent of reading.
+std::string CXmlGeneratedClass::NamespaceForMembers(CXmlElement const* parent) const {
+  CTreeMemory* const memory = parent->Memory();
+  std::type_info const& type = typeid(*this);
+  if (memory != nullptr && memory->TypedClasses().Has(type)) return std::string();
+  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+    if ((*place)->ReadsHolderNamespace()) return GetNamespace();
+  }
+  if (memory != nullptr) memory->TypedClasses().Add(type);
+  return std::string();
+}
+
 bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                               CXmlElement** cursor, XmlElementType type) {
   int const count = GetClassElementInfoCount();
-  std::string const ns = GetNamespace();
+  std::string const ns = NamespaceForMembers(parent);
   for (int i = 0; i < count; ++i) {
     if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, ns.c_str(), type)) return true;
   }

@@ -65,8 +65,11 @@ class CTreeMemory {
   /// Such an element was destroyed, and its storage is to go as well.
   void FreeDetached(void* node) noexcept;
 
-  /// The classes that have been read from this tree.
+  /// Of the classes that have been read from this tree, those that are not nillable, and those without untyped members.
+  ///@{
   CPlainClasses& PlainClasses() { return m_plainClasses; }
+  CPlainClasses& TypedClasses() { return m_typedClasses; }
+  ///@}
 
   /// The one name with these texts.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
@@ -106,6 +109,7 @@ class CTreeMemory {
 
   CXmlDocument const* m_document;
   CPlainClasses m_plainClasses;
+  CPlainClasses m_typedClasses;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

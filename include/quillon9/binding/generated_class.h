@@ -153,6 +153,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                     bool inChoice) const;
   /// This object as a nillable one, or null. \p plainClasses may be null.
   INillable const* AsNillable(CPlainClasses* plainClasses) const;
+  /// GetNamespace(), or nothing when no member looks at it.
+  std::string NamespaceForMembers(CXmlElement const* parent) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
   void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;

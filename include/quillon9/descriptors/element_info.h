@@ -78,6 +78,8 @@ class QUILLON9_API CElementInfo {
   /// Write the attributes of a child without a tag on the open element. Does nothing here.
   virtual void PseudoChildAttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                          CXmlWriter* writer) const;
+  /// Whether ElementFromXml() looks at the namespace of the holder, which is not asked for it otherwise. True here.
+  virtual bool ReadsHolderNamespace() const { return true; }
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
@@ -239,6 +241,12 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
       const override;                                                                                          \
   bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,    \
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
+#define QN_TYPED_OVERRIDES \
+  QN_ELEMENT_OVERRIDES     \
+  bool ReadsHolderNamespace() const override { return false; }
+#define QN_UNTYPED_OVERRIDES \
+  QN_ELEMENT_OVERRIDES       \
+  bool ReadsHolderNamespace() const override { return true; }
 #define QN_VALIDATE_OVERRIDE                                                                                      \
   bool Validate(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, bool found, bool required) \
       const override;
@@ -273,7 +281,7 @@ class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
   CElementInfoSeqPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 /// A value, optional, in a sequence.
@@ -283,7 +291,7 @@ class QUILLON9_API CElementInfoSeqPrimOpt : public CElementInfoSeq {
   CElementInfoSeqPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 /// A value, mandatory, in an all group.
@@ -293,7 +301,7 @@ class QUILLON9_API CElementInfoAllPrimMnd : public CElementInfoAll {
   CElementInfoAllPrimMnd(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 };
 
@@ -304,7 +312,7 @@ class QUILLON9_API CElementInfoAllPrimOpt : public CElementInfoAll {
   CElementInfoAllPrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoAll(name, ns, index, type, format, rule, restrictions) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 };
 
@@ -315,7 +323,7 @@ class QUILLON9_API CElementInfoChoicePrimOpt : public CElementInfoChoice {
   CElementInfoChoicePrimOpt(char const* name, char const* ns, int index, ItemType type, char const* format,
                             CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoChoice(name, ns, index, type, format, rule, restrictions) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 // ---- Enumerations, held as the number of the enumerator. The text reaches \p fromText as it stands in the document;
@@ -327,7 +335,7 @@ class QUILLON9_API CElementInfoSeqEnumMnd : public CElementInfoSeq {
   /// \p toText and \p fromText, functions of the enumeration, are kept and not null.
   CElementInfoSeqEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoSeq(name, ns, index), m_fromText(fromText), m_toText(toText) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 
  private:
   EnumFromText m_fromText;
@@ -340,7 +348,7 @@ class QUILLON9_API CElementInfoSeqEnumOpt : public CElementInfoSeq {
   /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoSeqEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoSeq(name, ns, index), m_toText(toText), m_fromText(fromText) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 
  private:
   EnumToText m_toText;
@@ -353,7 +361,7 @@ class QUILLON9_API CElementInfoAllEnumMnd : public CElementInfoAll {
   /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoAllEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 
  private:
@@ -367,7 +375,7 @@ class QUILLON9_API CElementInfoAllEnumOpt : public CElementInfoAll {
   /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoAllEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoAll(name, ns, index), m_toText(toText), m_fromText(fromText) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 
  private:
@@ -381,7 +389,7 @@ class QUILLON9_API CElementInfoChoiceEnumOpt : public CElementInfoChoice {
   /// The arguments of CElementInfoSeqEnumMnd.
   CElementInfoChoiceEnumOpt(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoChoice(name, ns, index), m_toText(toText), m_fromText(fromText) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 
  private:
   EnumToText m_toText;
@@ -402,7 +410,7 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
         m_requiresContent(requiresContent),
         m_classFactory(classFactory),
         m_classId(classId) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -424,7 +432,7 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   CElementInfoSeqClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -444,7 +452,7 @@ class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
         m_classFactory(classFactory),
         m_classId(classId),
         m_requiresContent(requiresContent) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
   QN_PSEUDO_OBJECT_OVERRIDE
 
@@ -462,7 +470,7 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
   CElementInfoAllClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId)
       : CElementInfoAll(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
   QN_PSEUDO_OBJECT_OVERRIDE
 
@@ -480,7 +488,7 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
   CElementInfoChoiceClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ClassFactory classFactory, int classId)
       : CElementInfoChoice(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -499,7 +507,7 @@ class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
   CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -514,7 +522,7 @@ class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
   CElementInfoSeqAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -532,7 +540,7 @@ class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
         m_childType(childType),
         m_elementFactory(elementFactory),
         m_classId(classId) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
   QN_PSEUDO_OBJECT_OVERRIDE
 
@@ -549,7 +557,7 @@ class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
   CElementInfoAllAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoAll(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
   QN_PSEUDO_OBJECT_OVERRIDE
 
@@ -565,7 +573,7 @@ class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
   CElementInfoChoiceAbsClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                               ElementFactory elementFactory)
       : CElementInfoChoice(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
@@ -587,7 +595,7 @@ class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
   CElementInfoSeqUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
-  QN_ELEMENT_OVERRIDES
+  QN_UNTYPED_OVERRIDES
 
  private:
   std::string m_namespaceRestriction;
@@ -604,7 +612,7 @@ class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
   CElementInfoSeqUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoSeq(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
-  QN_ELEMENT_OVERRIDES
+  QN_UNTYPED_OVERRIDES
 
  private:
   std::string m_namespaceRestriction;
@@ -618,7 +626,7 @@ class QUILLON9_API CElementInfoAllUntpdMnd : public CElementInfoAll {
   CElementInfoAllUntpdMnd(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
-  QN_ELEMENT_OVERRIDES
+  QN_UNTYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 
  private:
@@ -633,7 +641,7 @@ class QUILLON9_API CElementInfoAllUntpdOpt : public CElementInfoAll {
   CElementInfoAllUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                           char const* targetNamespace)
       : CElementInfoAll(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
-  QN_ELEMENT_OVERRIDES
+  QN_UNTYPED_OVERRIDES
   QN_VALIDATE_OVERRIDE
 
  private:
@@ -648,7 +656,7 @@ class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
   CElementInfoChoiceUntpdOpt(char const* name, char const* ns, int index, char const* restriction,
                              char const* targetNamespace)
       : CElementInfoChoice(name, ns, index), m_namespaceRestriction(restriction), m_targetNamespace(targetNamespace) {}
-  QN_ELEMENT_OVERRIDES
+  QN_UNTYPED_OVERRIDES
 
  private:
   std::string m_namespaceRestriction;
@@ -662,7 +670,7 @@ class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
  public:
   /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoSeqCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 /// Abstract: an all group has no repeated members, so no table holds one.
@@ -670,7 +678,7 @@ class QUILLON9_API CElementInfoAllCol : public CElementInfoAll {
  public:
   /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoAllCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 /// A collection that took nothing is not this choice's member; the count is not judged on writing.
@@ -678,7 +686,7 @@ class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
  public:
   /// The name, the namespace and the index of the property, as CElementInfo's.
   CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
-  QN_ELEMENT_OVERRIDES
+  QN_TYPED_OVERRIDES
 };
 
 // Collections of values and of enumerators have nothing but their group's behaviour; those of objects store whether the
@@ -849,6 +857,8 @@ class QUILLON9_API CElementInfoChoiceUntpdCol : public CElementInfoChoiceCol {
 #undef QN_PSEUDO_ITEMS_OVERRIDE
 #undef QN_PSEUDO_OBJECT_OVERRIDE
 #undef QN_VALIDATE_OVERRIDE
+#undef QN_TYPED_OVERRIDES
+#undef QN_UNTYPED_OVERRIDES
 #undef QN_ELEMENT_OVERRIDES
 
 }  // namespace Quillon9Data
