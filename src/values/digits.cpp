@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
@@ -89,12 +90,13 @@ std::size_t CountDigits(std::string_view digits) {
 }
 
 Digits DigitsOf(unsigned long long value) {
-  Digits digits;
+  char digits[std::numeric_limits<unsigned long long>::digits10 + 1];
+  std::size_t count = 0;
   do {
-    digits.push_back(static_cast<char>(value % 10));
+    digits[count++] = static_cast<char>(value % 10);
     value /= 10;
   } while (value != 0);
-  return digits;
+  return Digits(digits, count);
 }
 
 Digits DigitsOfDouble(double value) {
@@ -115,17 +117,11 @@ Digits DigitsOfDouble(double value) {
 Digits DigitsOfLastRun(char const* begin, char const* end) {
   char const* first = end;
   while (first != begin && IsDigit(first[-1])) --first;
-  Digits digits;
-  TakeDigits(first, end, digits);
-  return digits;
-}
-
-void TakeDigits(char const* begin, char const* end, Digits& digits) {
-  while (begin != end && *begin == '0') ++begin;
-  digits.assign(1, 0);
-  if (begin == end) return;
-  digits.resize(static_cast<std::size_t>(end - begin));
+  while (first != end && *first == '0') ++first;
+  if (first == end) return Digits(1, 0);
+  Digits digits(static_cast<std::size_t>(end - first), 0);
   for (char& digit : digits) digit = static_cast<char>(*--end - '0');
+  return digits;
 }
 
 Digits DigitsOfPow10(std::size_t exponent) {

@@ -7,8 +7,7 @@
 namespace Quillon9 {
 
 /// A magnitude: decimal digits as values 0 to 9, least significant first, without most-significant zeros but with one
-/// digit at least. A string and not a vector, because up to 15 digits then need no memory of their own: reading and
-/// writing prices takes a tenth less time.
+/// digit at least. A string and not a vector, because up to 15 digits then need no memory of their own.
 using Digits = std::string;
 
 /// -1, 0 or +1 as \p a is below, equal to or above \p b.
@@ -33,8 +32,6 @@ Digits DigitsOf(unsigned long long value);
 Digits DigitsOfDouble(double value);
 /// Of the run of digits that ends at \p end.
 Digits DigitsOfLastRun(char const* begin, char const* end);
-/// Put those of the text, which has no other characters, in place of \p digits.
-void TakeDigits(char const* begin, char const* end, Digits& digits);
 Digits DigitsOfPow10(std::size_t exponent);
 
 }  // namespace Quillon9

@@ -3,13 +3,13 @@
 #include <locale.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <cstring>
 #include <limits>
 #include <new>
 
 #include "quillon9/binding/exceptions.h"
+#include "values/powers_of_10.h"
 
 namespace Quillon9 {
 
@@ -126,20 +126,10 @@ bool PrintsOneDouble(char const* format) {
 
 __extension__ using WideInteger = unsigned __int128;
 
-constexpr int kMostPlaces = 19;
-
-constexpr std::array<std::uint64_t, kMostPlaces + 1> MakePowersOf10() {
-  std::array<std::uint64_t, kMostPlaces + 1> powers{1};
-  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-  return powers;
-}
-
-constexpr auto kPowersOf10 = MakePowersOf10();
-
 /// The integer nearest to mantissa * 2^-shift * 10^places, which is below 2^64; the even one of two. \p shift is 1 to
 /// 63.
 std::uint64_t RoundScaled(std::uint64_t mantissa, int shift, int places) {
-  WideInteger const exact = WideInteger{mantissa} * kPowersOf10[static_cast<std::size_t>(places)];
+  WideInteger const exact = WideInteger{mantissa} * PowerOf10(places);
   auto const whole = static_cast<std::uint64_t>(exact >> shift);
   auto const rest = static_cast<std::uint64_t>(exact) & ((std::uint64_t{1} << shift) - 1);
   std::uint64_t const half = std::uint64_t{1} << (shift - 1);
@@ -148,8 +138,8 @@ std::uint64_t RoundScaled(std::uint64_t mantissa, int shift, int places) {
 
 // Prints `value` * 10^-`places`, which has no trailing zeros behind the point, and returns the end.
 char* PrintScaled(char* to, std::uint64_t value, int places) {
-  std::uint64_t const unit = kPowersOf10[static_cast<std::size_t>(places)];
-  to = std::to_chars(to, to + kMostPlaces + 1, value / unit).ptr;
+  std::uint64_t const unit = PowerOf10(places);
+  to = std::to_chars(to, to + kMostPower + 1, value / unit).ptr;
   if (places == 0) return to;
   *to = '.';
   std::uint64_t fraction = value % unit;
@@ -168,11 +158,11 @@ char* PrintCommonDouble(char* to, double value, int precision) {
   // The digits in front of the point less one are the decimal logarithm, which is this or one more.
   int const logarithm = exponent < 0 ? -((-exponent * 1233 + 4095) / 4096) : exponent * 1233 / 4096;
   int places = precision - 1 - logarithm;
-  if (places < 1 || places > kMostPlaces) return nullptr;
+  if (places < 1 || places > kMostPower) return nullptr;
   std::uint64_t const hidden = std::uint64_t{1} << kFractionBits;
   std::uint64_t const mantissa = (bits & (hidden - 1)) | hidden;
   std::uint64_t digits = RoundScaled(mantissa, kFractionBits - exponent, places);
-  if (digits >= kPowersOf10[static_cast<std::size_t>(precision)]) {
+  if (digits >= PowerOf10(precision)) {
     digits = RoundScaled(mantissa, kFractionBits - exponent, --places);
   }
   for (; places > 8 && digits % 100000000 == 0; places -= 8) digits /= 100000000;

@@ -6,6 +6,7 @@
 #include <limits>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "support/expect_failure.h"
 
@@ -233,6 +234,62 @@ TEST(Decimal, ToNumbers) {
   EXPECT_FAILURE(CQnOverFlowException, "The Decimal value if to large to fit into a LONGLONG",
                  CDecimal("9223372036854775808").ToLongLong());
   EXPECT_EQ("-2 1", CDecimal("-1.6").ToBigInteger().ToString() + " " + CBigInteger(CDecimal("1.5")).ToString());
+}
+
+// The same number, kept as one of any length is.
+CDecimal MakeLong(CDecimal value) {
+  value.ChangeFractionalDivider(40);
+  value.Rationalise();
+  return value;
+}
+
+// All that is to be seen of what two values give.
+std::string Describe(CDecimal const& a, CDecimal const& b) {
+  std::string text = a.ToString() + " " + a.ToString(3) + " " + (a + b).ToString() + " " + (a - b).ToString() + " " +
+                     (a * b).ToString() + (a == b ? " ==" : "") + (a < b ? " <" : "") + (a <= b ? " <=" : "") +
+                     (a > b ? " >" : "") + (a >= b ? " >=" : "") + (a + b < CDecimal() ? " below" : "");
+  for (int const divider : {0, 1, 7, 19}) {
+    CDecimal changed(a);
+    changed.ChangeFractionalDivider(divider);
+    text += " " + changed.ToString() + (changed < CDecimal() ? " below" : "");
+  }
+  return text;
+}
+
+TEST(Decimal, TheFormOfAValueIsNotSeen) {
+  static_assert(sizeof(CDecimal) <= 32);
+  char const* const texts[] = {"0",
+                               "-0",
+                               "-0.00",
+                               "1.000",
+                               "0.5",
+                               "-0.5",
+                               "9.99",
+                               "-7.00",
+                               "0.0000000000000000001",
+                               "-0.9999999999999999999",
+                               "999999999999999999.9",
+                               "-9999999999999999999",
+                               "1844674407370955161.5",
+                               "1844674407370955161.6",
+                               "18446744073709551615.5",
+                               "-99999999999999999999.25",
+                               "0.12345678901234567890123"};
+  for (char const* left : texts) {
+    for (char const* right : texts) {
+      CDecimal const a(left);
+      CDecimal const b(right);
+      std::string const expected = Describe(MakeLong(a), MakeLong(b));
+      EXPECT_EQ(expected, Describe(a, b)) << left << " " << right;
+      EXPECT_EQ(expected, Describe(a, MakeLong(b))) << left << " " << right;
+      EXPECT_EQ(expected, Describe(MakeLong(a), b)) << left << " " << right;
+
+      CDecimal assigned(a);
+      CDecimal const taken(std::move(assigned));
+      assigned = b;
+      EXPECT_EQ(expected, Describe(taken, assigned)) << left << " " << right;
+    }
+  }
 }
 
 // Values of up to six fraction digits against whole numbers of millionths.

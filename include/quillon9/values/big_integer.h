@@ -11,6 +11,7 @@
 namespace Quillon9 {
 
 class CDecimal;
+struct CDecimalParts;
 
 /// Holds a value of xs:integer (W3C XML Schema Part 2, 3.3.13) or of a type derived from it, of any length.
 ///
@@ -170,7 +171,7 @@ class QUILLON9_API CBigInteger {
   static void Pow10(unsigned int exponent, std::vector<char>& digits);
 
  private:
-  friend class CDecimal;
+  friend struct CDecimalParts;
 
   CBigInteger(std::int32_t sign, std::string digits);
 

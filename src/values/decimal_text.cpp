@@ -1,0 +1,171 @@
+#include <string.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "quillon9/binding/exceptions.h"
+#include "quillon9/values/whitespace.h"
+#include "values/decimal_parts.h"
+#include "values/digits.h"
+#include "values/number_text.h"
+
+namespace Quillon9 {
+
+namespace {
+
+// No real value comes near these; eight characters of text must not cost gigabytes. The first is for the digits in front
+// of the point and for those behind it.
+constexpr std::size_t kMaxDigits = 500000;
+constexpr int kMaxExponent = CDecimalParts::m_maxExponent;
+// Where exponents stop being read: nothing is left of any accepted digits then.
+constexpr std::size_t kHugeExponent = 100000000;
+
+// A stretch of a text that holds `count` digits and whatever else was skipped.
+struct DigitRange {
+  char const* begin = nullptr;
+  char const* end = nullptr;
+  std::size_t count = 0;
+};
+
+struct DecimalText {
+  DigitRange whole;
+  DigitRange fraction;
+  DigitRange exponentDigits;
+  std::size_t exponent = 0;
+  bool isNegative = false;
+  bool isExponentNegative = false;
+};
+
+bool IsExponentMark(char c) { return c == 'e' || c == 'E'; }
+bool IsSign(char c) { return c == '-' || c == '+'; }
+
+[[noreturn]] void ThrowInvalidChar(char const* text, char const* at) {
+  throw CQnInvalidValueException(
+      FormatString("The string representing a Decimal, contained an invalid char at position %d [%s]",
+                   static_cast<int>(at - text), text));
+}
+
+// `format` takes the limit and the text.
+[[noreturn]] void ThrowBeyondLimit(char const* format, int limit, char const* text) {
+  constexpr std::size_t kShown = 64;
+  std::string shown(text, strnlen(text, kShown));
+  if (text[shown.size()] != '\0') shown += "...";
+  throw CQnOverFlowException(FormatString(format, limit, shown.c_str()));
+}
+
+// Reads digits, and signs when they are looked for, until something that is neither they nor white space.
+DigitRange ScanDigits(char const* at, bool* isNegative) {
+  DigitRange range;
+  range.begin = at;
+  for (;; ++at) {
+    if (IsDigit(*at)) {
+      ++range.count;
+    } else if (isNegative != nullptr && IsSign(*at)) {
+      *isNegative = *at == '-';
+    } else if (!CWhitespaceUtils::IsWhiteSpace(*at)) {
+      break;
+    }
+  }
+  range.end = at;
+  return range;
+}
+
+char const* ScanExponent(char const* at, DecimalText& parts) {
+  for (; CWhitespaceUtils::IsWhiteSpace(*at) || IsSign(*at); ++at) {
+    if (IsSign(*at)) parts.isExponentNegative = *at == '-';
+  }
+  parts.exponentDigits.begin = at;
+  for (; IsDigit(*at); ++at) {
+    if (parts.exponent < kHugeExponent) parts.exponent = parts.exponent * 10 + static_cast<std::size_t>(*at - '0');
+  }
+  parts.exponentDigits.end = at;
+  parts.exponentDigits.count = static_cast<std::size_t>(at - parts.exponentDigits.begin);
+  return at;
+}
+
+DecimalText Scan(char const* text) {
+  DecimalText parts;
+  parts.whole = ScanDigits(text, &parts.isNegative);
+  char const* at = parts.whole.end;
+  if (*at == '.') {
+    parts.fraction = ScanDigits(at + 1, nullptr);
+    at = parts.fraction.end;
+  }
+  if (IsExponentMark(*at)) at = ScanExponent(at + 1, parts);
+  if (*at != '\0') ThrowInvalidChar(text, at);
+  if (parts.whole.count > kMaxDigits || parts.fraction.count > kMaxDigits) {
+    ThrowBeyondLimit("The digits of a Decimal exceed the limit of %d [%s]", static_cast<int>(kMaxDigits), text);
+  }
+  return parts;
+}
+
+[[noreturn]] void ThrowExponentBeyondLimit(char const* text) {
+  ThrowBeyondLimit("The exponent of a Decimal exceeds the limit of %d [%s]", kMaxExponent, text);
+}
+
+// Least significant first, without the most significant zeros.
+Digits ReadDigits(DigitRange range) {
+  while (range.count != 0 && (*range.begin < '1' || *range.begin > '9')) {
+    if (*range.begin == '0') --range.count;
+    ++range.begin;
+  }
+  if (range.count == 0) return Digits(1, 0);
+  Digits digits(range.count, 0);
+  for (char const* at = range.begin; at != range.end; ++at) {
+    if (IsDigit(*at)) digits[--range.count] = static_cast<char>(*at - '0');
+  }
+  return digits;
+}
+
+// Right-aligned in a field of `width` characters.
+void AppendDigits(std::string& text, Digits const& digits, std::size_t width) {
+  if (digits.size() < width) text.append(width - digits.size(), '0');
+  std::size_t const end = text.size() + digits.size();
+  text.resize(end);
+  char* to = text.data() + end;
+  for (char const digit : digits) *--to = static_cast<char>('0' + digit);
+}
+
+}  // namespace
+
+CDecimalParts CDecimalParts::Parse(char const* text) {
+  DecimalText const scanned = Scan(text);
+  bool const isBeyondLimit = scanned.exponent > kMaxExponent;
+  if (isBeyondLimit && !scanned.isExponentNegative) ThrowExponentBeyondLimit(text);
+
+  std::int32_t const sign = scanned.isNegative ? -1 : 1;
+  CDecimalParts parsed;
+  parsed.m_whole = CBigInteger(sign, ReadDigits(scanned.whole));
+  parsed.m_fraction = CBigInteger(sign, ReadDigits(scanned.fraction));
+  parsed.m_divider = static_cast<std::int32_t>(std::max<std::size_t>(scanned.fraction.count, 1));
+  if (scanned.exponentDigits.count != 0) {
+    scanned.isExponentNegative ? parsed.DivideByPow10(scanned.exponent) : parsed.MultiplyByPow10(scanned.exponent);
+  }
+  if (isBeyondLimit && !(parsed.m_whole.IsZero() && parsed.m_fraction.IsZero())) ThrowExponentBeyondLimit(text);
+  parsed.RoundToLimit();
+  return parsed;
+}
+
+std::string CDecimalParts::ToString() const {
+  if (m_fraction.IsZero()) return m_whole.ToString();
+  auto const divider = static_cast<std::size_t>(m_divider);
+  std::string text;
+  text.reserve(m_whole.m_digits.size() + std::max(divider, m_fraction.m_digits.size()) + 2);
+  if (m_whole.m_sign < 0) text += '-';
+  AppendDigits(text, m_whole.m_digits, 0);
+  text += '.';
+  AppendDigits(text, m_fraction.m_digits, divider);
+  return text;
+}
+
+std::string CDecimalParts::ToString(int digits) const {
+  CDecimalParts const sum = CDecimalParts(m_whole.m_sign, 5, 1).Plus(*this);
+  std::string fraction;
+  AppendDigits(fraction, sum.m_fraction.m_digits, static_cast<std::size_t>(sum.m_divider));
+  std::string text = sum.m_whole.m_sign < 0 ? "-" : "";
+  AppendDigits(text, sum.m_whole.m_digits, 0);
+  text += '.';
+  return text.append(fraction, 0, static_cast<std::size_t>(digits));
+}
+
+}  // namespace Quillon9
