@@ -191,6 +191,12 @@ TEST(Decimal, Rounding) {
   EXPECT_EQ("0.10", value.ToString());
   EXPECT_EQ(0, value.ToLong());
 
+  CDecimal none("-0");
+  EXPECT_LT(none + none, CDecimal());
+  none.ChangeFractionalDivider(0);
+  EXPECT_LT(none, CDecimal());
+  EXPECT_GE(none + none, CDecimal());  // without fraction digits the sum of both zeros is the other one
+
   CDecimal other("2.125");
   EXPECT_EQ(3, CDecimal::Normalize(value, other));
   EXPECT_EQ("0.1000", value.ToString());
