@@ -199,7 +199,7 @@ class QUILLON9_API QnVariant {
   ItemType m_type = ItemType_invalid;
   bool m_owns = false;                       // what the value points to, or a counted reference to it
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to m_held or to an object
-  alignas(8) unsigned char m_held[112];      // what is no scalar: memory of its own for each cost 3 % of reading
+  alignas(8) unsigned char m_held[48];       // what is no scalar: memory of its own for each cost 3 % of reading
 };
 
 }  // namespace Quillon9
