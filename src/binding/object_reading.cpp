@@ -29,7 +29,7 @@ void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext cons
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
   CXmlDocument document(ctx);
-  document.LoadXml(text);
+  document.LoadLentXml(text);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
@@ -41,7 +41,7 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
   CXmlDocument document(ctx);
-  document.LoadXmlStream(data, length);
+  document.LoadLentXmlStream(data, length);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 

@@ -13,6 +13,7 @@
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/limits.h"
 #include "quillon9/values/binary_data.h"
+#include "xmlio/compressed_header.h"
 
 namespace Quillon9 {
 
@@ -56,15 +57,6 @@ class ZStream {
 int InitDeflate(z_stream* stream, CompressionType type) {
   if (type == CompressionType_ZLib) return deflateInit(stream, kFastLevel);
   return deflateInit2(stream, kFastLevel, Z_DEFLATED, kGZipWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY);
-}
-
-/// Whether the first bytes can be those of a gzip or zlib stream: what inflate() would look at first, before it is
-/// worth its memory.
-bool HasCompressedHeader(unsigned char const* data, unsigned long size) {
-  if (size < 2) return false;
-  if (data[0] == 0x1F && data[1] == 0x8B) return true;
-  bool const isDeflate = (data[0] & 0x0F) == Z_DEFLATED && (data[0] >> 4) + 8 <= MAX_WBITS;
-  return isDeflate && (data[0] * 256 + data[1]) % 31 == 0;
 }
 
 /// Collects inflated bytes block by block, so that the output is copied once, when its size is known.

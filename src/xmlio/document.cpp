@@ -57,7 +57,8 @@ void CXmlDocument::Init() {
 void CXmlDocument::Cleanup() {
   CXmlElement* const root = std::exchange(m_documentElement, nullptr);
   if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon(root);
-  delete[] std::exchange(m_inputData, nullptr);
+  m_inputData = nullptr;
+  m_ownedInput.reset();
   m_inputSize = 0;
   m_elementStack.clear();
   m_namespaceAliases.clear();

@@ -13,6 +13,7 @@
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
 
 namespace Quillon9 {
@@ -59,6 +60,22 @@ long GetFileSize(std::FILE* file) {
   return _filelength(file);
 }
 
+std::size_t LengthOrThrow(char const* text) {
+  std::size_t const length = text != nullptr ? std::strlen(text) : 0;
+  if (length == 0) throw CQnException("XML String is empty!");
+  return length;
+}
+
+void ThrowIfNoStream(unsigned char const* data, unsigned long size) {
+  if (size == 0 || data == nullptr) throw CQnException("XML Stream is empty!");
+}
+
+void ThrowIfTooLarge(unsigned long size) {
+  if (size > kLargestInput) {
+    throw CQnException(FormatString("The document exceeds the limit of %lu bytes", kLargestInput));
+  }
+}
+
 /// What an errno says.
 std::string ErrorText(int error) { return std::generic_category().message(error); }
 
@@ -66,10 +83,13 @@ std::string ErrorText(int error) { return std::generic_category().message(error)
 
 void CXmlDocument::LoadXml(char const* text) {
   Cleanup();
-  std::size_t const length = text != nullptr ? std::strlen(text) : 0;
-  if (length == 0) throw CQnException("XML String is empty!");
-  AllocateInput(length);
-  std::memcpy(m_inputData, text, length);
+  CopyInput(text, LengthOrThrow(text));
+  ParseText();
+}
+
+void CXmlDocument::LoadLentXml(char const* text) {
+  Cleanup();
+  LendInput(text, LengthOrThrow(text));
   ParseText();
 }
 
@@ -77,8 +97,7 @@ void CXmlDocument::LoadXml(wchar_t const* text) {
   Cleanup();
   std::size_t const length = text != nullptr ? std::wcslen(text) : 0;
   if (length == 0) throw CQnException("XML String is empty!");
-  AllocateInput(2 * length + 2);
-  unsigned char* out = m_inputData;
+  unsigned char* out = AllocateInput(2 * length + 2);
   *out++ = 0xFF;  // the byte order mark, little-endian
   *out++ = 0xFE;
   for (std::size_t i = 0; i < length; ++i) {
@@ -91,9 +110,19 @@ void CXmlDocument::LoadXml(wchar_t const* text) {
 
 void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) {
   Cleanup();
-  if (size == 0 || data == nullptr) throw CQnException("XML Stream is empty!");
-  AllocateInput(size);
-  std::memcpy(m_inputData, data, size);
+  ThrowIfNoStream(data, size);
+  CopyInput(data, size);
+  Parse();
+}
+
+void CXmlDocument::LoadLentXmlStream(unsigned char const* data, unsigned long size) {
+  Cleanup();
+  ThrowIfNoStream(data, size);
+  if (HasCompressedHeader(data, size)) {
+    CopyInput(data, size);
+  } else {
+    LendInput(data, size);
+  }
   Parse();
 }
 
@@ -110,9 +139,9 @@ void CXmlDocument::Load(char const* path) {
   if (static_cast<unsigned long>(size) > kLargestInput) {
     throw CQnException(FormatString("The file [%s] exceeds the limit of %lu bytes", path, kLargestInput));
   }
-  AllocateInput(static_cast<unsigned long>(size));
+  unsigned char* const input = AllocateInput(static_cast<unsigned long>(size));
   errno = 0;
-  std::size_t const count = std::fread(m_inputData, 1, m_inputSize, file.get());
+  std::size_t const count = std::fread(input, 1, m_inputSize, file.get());
   if (count == 0 || count != m_inputSize) {
     int const error = errno != 0 ? errno : ENODATA;  // an empty file, or one that is shorter now
     throw CQnException(
@@ -122,19 +151,36 @@ void CXmlDocument::Load(char const* path) {
   Parse();
 }
 
-void CXmlDocument::AllocateInput(unsigned long size) {
-  if (size > kLargestInput) {
-    throw CQnException(FormatString("The document exceeds the limit of %lu bytes", kLargestInput));
-  }
-  m_inputData = new unsigned char[size];
+unsigned char* CXmlDocument::AllocateInput(unsigned long size) {
+  ThrowIfTooLarge(size);
+  m_ownedInput.reset(new unsigned char[size]);
+  m_inputData = m_ownedInput.get();
+  m_inputSize = size;
+  return m_ownedInput.get();
+}
+
+void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy(AllocateInput(size), data, size); }
+
+void CXmlDocument::LendInput(void const* data, unsigned long size) {
+  ThrowIfTooLarge(size);
+  m_inputData = static_cast<unsigned char const*>(data);
   m_inputSize = size;
 }
 
 void CXmlDocument::Parse() {
-  CQnZip::Decompress(&m_inputData, &m_inputSize);
+  if (m_ownedInput != nullptr) DecompressInput();
   StartCounting();
   CFastInfosetReader reader(*m_context.GetFIContext(), *this);
   if (!reader.Parse()) ParseText();
+}
+
+void CXmlDocument::DecompressInput() {
+  unsigned char* data = m_ownedInput.get();
+  CQnZip::Decompress(&data, &m_inputSize);
+  if (data == m_inputData) return;
+  static_cast<void>(m_ownedInput.release());  // Decompress() has deleted it
+  m_ownedInput.reset(data);
+  m_inputData = data;
 }
 
 void CXmlDocument::ParseText() {

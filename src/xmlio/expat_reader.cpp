@@ -132,7 +132,7 @@ CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {
 void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attributes) {
   CXmlElement* const element = m_document.GetDocumentElement() == nullptr ? m_document.AddDocElement(NameOf(name))
                                                                           : m_document.AddChildElement(NameOf(name));
-  AddAttributes(element, attributes);
+  if (*attributes != nullptr) AddAttributes(element, attributes);
 }
 
 void CExpatReader::AddAttributes(CXmlElement* element, XML_Char const** attributes) {
