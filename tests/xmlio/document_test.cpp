@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -313,6 +314,60 @@ TEST_F(Document, TreesAreBuiltByHand) {
   std::unique_ptr<CXmlElement> const first(root->RemoveLastChildElement());
   EXPECT_EQ(root->GetFirstElement(), nullptr);
   EXPECT_EQ(root->RemoveLastChildElement(), nullptr);
+}
+
+// In a document's memory and by itself, short and long, with the string or the vector asked for at any time.
+TEST_F(Document, TextsAndAttributesAreTheSameHoweverTheyAreAskedFor) {
+  for (std::size_t const run : {1U, 3U, 7U, 8U, 75U, 151U, 152U, 400U}) {
+    for (int const asked : {-1, 0, 1, 2, 5}) {
+      CXmlDocument document;
+      CXmlElement alone(&document);
+      for (CXmlElement* const element : {document.AddDocElement("", "a"), &alone}) {
+        std::string expected;
+        for (int i = 0; i < 6; ++i) {
+          std::string const text(run, static_cast<char>('a' + i));
+          i % 2 == 0 ? element->AppendText(text) : static_cast<void>(element->AppendPlainText(text));
+          if (element->GetTextView().size() == expected.size()) element->AppendText(text);  // no room for it as it is
+          element->AddAttribute(text, text, "");
+          expected += text;
+          if (i == asked) {
+            EXPECT_EQ(element->GetText(), expected);
+            EXPECT_EQ(element->GetAttributes().size(), static_cast<std::size_t>(i + 1));
+          }
+        }
+        EXPECT_EQ(element->GetTextView(), expected);
+        EXPECT_EQ(std::strlen(element->GetTextView().data()), expected.size());
+        EXPECT_EQ(&element->GetText(), &element->GetText());
+        std::size_t count = 0;
+        for (auto* attribute = element->GetFirstAttribute(); attribute != nullptr;
+             attribute = attribute->GetNextAttribute()) {
+          EXPECT_EQ(attribute->GetValueView(), attribute->GetLocalName());
+          EXPECT_EQ(attribute, element->GetAttributes().at(count++));
+        }
+        EXPECT_EQ(count, 6U);
+      }
+    }
+  }
+}
+
+TEST_F(Document, DetachedElementsOutliveTheirDocument) {
+  std::string const text(200, 'x');
+  std::string const xml = "<r><a k='v'><b>" + text + "</b><c>1</c></a><d/></r>";
+  std::unique_ptr<CXmlElement> inner;
+  std::unique_ptr<CXmlElement> outer;
+  {
+    CXmlDocument document;
+    document.LoadXml(xml.c_str());
+    delete document.GetDocumentElement()->RemoveLastChildElement();
+    outer.reset(document.GetDocumentElement()->RemoveLastChildElement());
+    inner.reset(outer->RemoveLastChildElement());
+    document.LoadXml("<other/>");
+  }
+  EXPECT_EQ(Dump(*outer), "a @k=v (b '" + text + "')");
+  outer->CreateNewChildElement()->SetElementName("new");
+  outer.reset();
+  inner->AppendText(text);
+  EXPECT_EQ(Dump(*inner), "c '1" + text + "'");
 }
 
 TEST_F(Document, AttributesAreFoundByExactName) {
