@@ -131,10 +131,7 @@ void CXmlDocument::ThrowContentTooLarge() const {
                                   static_cast<unsigned long long>(m_contentLimit)));
 }
 
-CXmlElement* CXmlDocument::OpenElementOrThrow() const {
-  if (m_elementStack.empty()) throw CQnException("No element is open");
-  return m_elementStack.back().element;
-}
+void CXmlDocument::ThrowNoneOpen() { throw CQnException("No element is open"); }
 
 void CXmlDocument::CheckDepth() const {
   unsigned int const limit = CLimits::GetMaxElementDepth();

@@ -172,19 +172,6 @@ void CXmlElement::LinkAttribute(CXmlAttribute* attribute) {
 
 // ---- Its children
 
-CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
-  auto const place = reinterpret_cast<std::uintptr_t>(child);
-  child->m_next = (m_lastChild != nullptr ? m_lastChild->m_next : place) | kIsLast;
-  if (m_lastChild != nullptr) m_lastChild->m_next = place;
-  m_lastChild = child;
-  return child;
-}
-
-CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
-  CTreeMemory& memory = *Memory();
-  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(memory, name));
-}
-
 CXmlElement* CXmlElement::CreateNewChildElement() {
   return Memory() != nullptr ? AddChild(NoName()) : AddChild(new CXmlElement(GetDocument()));
 }

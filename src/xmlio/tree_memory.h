@@ -121,4 +121,19 @@ class CTreeMemory {
   std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<CXmlName>> m_names;
 };
 
+// Here for the readers, who make nearly all elements.
+
+inline CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
+  auto const place = reinterpret_cast<std::uintptr_t>(child);
+  child->m_next = (m_lastChild != nullptr ? m_lastChild->m_next : place) | kIsLast;
+  if (m_lastChild != nullptr) m_lastChild->m_next = place;
+  m_lastChild = child;
+  return child;
+}
+
+inline CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
+  CTreeMemory& memory = *Memory();
+  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(memory, name));
+}
+
 }  // namespace Quillon9

@@ -153,7 +153,11 @@ class QUILLON9_API CXmlDocument {
   void DecompressInput();
   void ParseText();
   unsigned char* AllocateInput(unsigned long size);
-  CXmlElement* OpenElementOrThrow() const;
+  CXmlElement* OpenElementOrThrow() const {
+    if (m_elementStack.empty()) ThrowNoneOpen();
+    return m_elementStack.back().element;
+  }
+  [[noreturn]] static void ThrowNoneOpen();
   CXmlElement* PushOpen(CXmlElement* element, CXmlElement* before);
   void CheckDepth() const;
   void StartCounting();
