@@ -2,8 +2,8 @@
 
 #include <strings.h>
 
+#include <cstdint>
 #include <string>
-#include <typeinfo>
 
 #include "binding/failed_scans.h"
 #include "binding/failure_wrapping.h"
@@ -196,13 +196,15 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
 
 // Most classes have no untyped member, and making the text costs more than a percent of reading.
 std::string CXmlGeneratedClass::NamespaceForMembers(CXmlElement const* parent) const {
+  CElementInfo* const* const table = GetClassElementInfo();
+  if (*table == nullptr) return std::string();
   CTreeMemory* const memory = parent->Memory();
-  std::type_info const& type = typeid(*this);
-  if (memory != nullptr && memory->TypedClasses().Has(type)) return std::string();
-  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+  std::uint64_t const number = (*table)->GetNumber();  // of the first member: it is in no other table
+  if (memory != nullptr && memory->IsKnownAsTyped(number)) return std::string();
+  for (CElementInfo* const* place = table; *place != nullptr; ++place) {
     if ((*place)->ReadsHolderNamespace()) return GetNamespace();
   }
-  if (memory != nullptr) memory->TypedClasses().Add(type);
+  if (memory != nullptr) memory->NoteAsTyped(number);
   return std::string();
 }
 

@@ -30,15 +30,15 @@ CElementInfo::CElementInfo(char const* name, char const* ns, int index, ItemType
     : m_elementName(name),
       m_namespace(ns),
       m_propertyIndex(index),
-      m_number(NextNumber()),
       m_restrictions(restrictions),
       m_itemType(type),
       m_format(format),
       m_whitespaceRule(rule),
-      m_primitive(true) {}
+      m_primitive(true),
+      m_number(NextNumber()) {}
 
 CElementInfo::CElementInfo(char const* name, char const* ns, int index)
-    : m_elementName(name), m_namespace(ns), m_propertyIndex(index), m_number(NextNumber()), m_primitive(false) {}
+    : m_elementName(name), m_namespace(ns), m_propertyIndex(index), m_primitive(false), m_number(NextNumber()) {}
 
 CElementInfo::~CElementInfo() = default;
 CElementInfoSeq::~CElementInfoSeq() = default;
@@ -68,7 +68,7 @@ bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElemen
   if (name.member == m_number) return true;  // documents repeat themselves: this is a percent of reading
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
-  name.member = m_number;
+  if (name.memory != nullptr) name.member = m_number;  // elements without a name share one, also between threads
   return true;
 }
 

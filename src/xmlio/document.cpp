@@ -55,6 +55,7 @@ void CXmlDocument::Init() {
 }
 
 void CXmlDocument::Cleanup() {
+  ++m_cleanups;
   CXmlElement* const root = std::exchange(m_documentElement, nullptr);
   if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon(root);
   m_inputData = nullptr;
@@ -111,9 +112,16 @@ void CXmlDocument::EndElement() {
   CXmlElement* const element = OpenElementOrThrow();
   CXmlElement* const before = m_elementStack.back().before;
   m_elementStack.pop_back();
-  if (m_filter == nullptr || !m_filter(element) || m_elementStack.empty()) return;
+  if (m_filter == nullptr || !AskFilter(element) || m_elementStack.empty()) return;
   CXmlElement* const parent = m_elementStack.back().element;
   if (parent->m_lastChild == element) parent->RemoveLastChild(before)->Dispose();
+}
+
+bool CXmlDocument::AskFilter(CXmlElement* element) {
+  std::uint64_t const cleanups = m_cleanups;
+  bool const answer = m_filter(element);
+  if (cleanups != m_cleanups) throw CQnException("The filter changed the document that is being read");
+  return answer;
 }
 
 void CXmlDocument::CloseElement() {

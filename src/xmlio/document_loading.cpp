@@ -91,6 +91,7 @@ void CXmlDocument::LoadLentXml(char const* text) {
   Cleanup();
   LendInput(text, LengthOrThrow(text));
   ParseText();
+  ReturnInput();
 }
 
 void CXmlDocument::LoadXml(wchar_t const* text) {
@@ -124,6 +125,7 @@ void CXmlDocument::LoadLentXmlStream(unsigned char const* data, unsigned long si
     LendInput(data, size);
   }
   Parse();
+  ReturnInput();
 }
 
 void CXmlDocument::Load(char const* path) {
@@ -165,6 +167,13 @@ void CXmlDocument::LendInput(void const* data, unsigned long size) {
   ThrowIfTooLarge(size);
   m_inputData = static_cast<unsigned char const*>(data);
   m_inputSize = size;
+}
+
+/// The caller may free it before this ends, in a setter for instance.
+void CXmlDocument::ReturnInput() {
+  if (m_ownedInput != nullptr) return;
+  m_inputData = nullptr;
+  m_inputSize = 0;
 }
 
 void CXmlDocument::Parse() {

@@ -91,20 +91,26 @@ CXmlDocument const* CXmlElement::GetDocument() const {
   return memory != nullptr ? memory->GetDocument() : reinterpret_cast<CXmlDocument const*>(m_origin & ~kIsAlone);
 }
 
-void CXmlElement::SetElementName(std::string_view localName) { SetNames(localName, GetNamespaceURI()); }
-
-void CXmlElement::SetNamespace(std::string_view namespaceUri) { SetNames(GetLocalName(), namespaceUri); }
-
-void CXmlElement::SetNames(std::string_view localName, std::string_view namespaceUri) {
+void CXmlElement::SetElementName(std::string_view localName) {
   if (CTreeMemory* const memory = Memory()) {
-    m_name = memory->ShareName(namespaceUri, localName);
-    return;
+    m_name = memory->ShareName(GetNamespaceURI(), localName);
+  } else {
+    OwnName().localName = std::string(localName);  // a copy first: it may be part of what it replaces
   }
-  auto name = std::make_unique<CXmlName>();
-  name->namespaceUri = namespaceUri;
-  name->localName = localName;
-  if (m_name != NoName()) delete m_name;
-  m_name = name.release();
+}
+
+void CXmlElement::SetNamespace(std::string_view namespaceUri) {
+  if (CTreeMemory* const memory = Memory()) {
+    m_name = memory->ShareName(namespaceUri, GetLocalName());
+  } else {
+    OwnName().namespaceUri = std::string(namespaceUri);
+  }
+}
+
+/// The name of an element by itself, which may be changed.
+CXmlName& CXmlElement::OwnName() {
+  if (m_name == NoName()) m_name = new CXmlName;
+  return const_cast<CXmlName&>(*m_name);
 }
 
 void CXmlElement::AppendText(char const* text, int length) {

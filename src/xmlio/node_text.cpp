@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 #include <memory>
 
 #include "xmlio/text_copy.h"
@@ -67,8 +68,15 @@ inline void CNodeText::Commit(char* end) {
   m_size = static_cast<std::uint32_t>(end - Bytes());
 }
 
+/// Whether \p text stands in these bytes, which may move.
+bool CNodeText::IsPart(std::string_view text) const {
+  std::less<> const isBelow;
+  return !isBelow(text.data(), Bytes()) && isBelow(text.data(), Bytes() + m_size);
+}
+
 void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
   if (text.empty()) return;
+  if (IsPart(text)) return Append(std::string(text), memory);
   if (char* const to = Reserve(text.size(), memory)) {
     Commit(to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
     return;
@@ -93,9 +101,11 @@ inline bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
 
 bool CNodeText::AppendPlain(std::string_view text, CTreeMemory* memory) {
   if (m_place == nullptr && text.size() <= kMostBytes && memory != nullptr) return SetPlain(text, *memory);
+  if (IsPart(text)) return false;
   char* const to = Reserve(text.size(), memory);
-  bool const isPlain = to != nullptr && CopyBlocks(to, text, HasUnplain()) == text.size();
-  if (isPlain) Commit(to + text.size());
+  if (to == nullptr) return false;
+  bool const isPlain = CopyBlocks(to, text, HasUnplain()) == text.size();
+  Commit(isPlain ? to + text.size() : to);  // the zero went with the first blocks of another text
   return isPlain;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -65,10 +66,13 @@ class CTreeMemory {
   /// Such an element was destroyed, and its storage is to go as well.
   void FreeDetached(void* node) noexcept;
 
-  /// Of the classes that have been read from this tree, those that are not nillable, and those without untyped members.
-  ///@{
+  /// Of the classes that have been read from this tree, those that are not nillable.
   CPlainClasses& PlainClasses() { return m_plainClasses; }
-  CPlainClasses& TypedClasses() { return m_typedClasses; }
+  /// Whether NoteAsTyped() was told of a table of members without untyped ones, by the number of its first member, and of
+  /// no other table in its place since.
+  ///@{
+  bool IsKnownAsTyped(std::uint64_t number) const { return m_typedTables[number % kTables] == number; }
+  void NoteAsTyped(std::uint64_t number) { m_typedTables[number % kTables] = number; }
   ///@}
 
   /// The one name with these texts.
@@ -98,6 +102,7 @@ class CTreeMemory {
 
  private:
   friend class CTreeExtra;
+  static constexpr std::size_t kTables = 64;
   struct Freed {
     Freed* next;
   };
@@ -109,7 +114,7 @@ class CTreeMemory {
 
   CXmlDocument const* m_document;
   CPlainClasses m_plainClasses;
-  CPlainClasses m_typedClasses;
+  std::uint64_t m_typedTables[kTables] = {};
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

@@ -263,6 +263,12 @@ TEST_F(Document, FilterSeesCompleteElementsAndRemovesThem) {
   EXPECT_EQ(seen, "c; b; c '2'; b @x=3; a '1' (b) (b @x=3); ");
   EXPECT_EQ(Dump(document), "a '1' (b) (b @x=3)");
 
+  CXmlDocument self([](CXmlElement* element) {
+    const_cast<CXmlDocument*>(element->GetDocument())->Cleanup();
+    return true;
+  });
+  EXPECT_FAILURE(CQnException, "The filter changed the document that is being read", self.LoadXml("<a><b/>1<b/></a>"));
+
   CXmlDocument all([](CXmlElement*) { return true; });
   all.LoadXml("<a><b><c/></b><d/></a>");
   EXPECT_EQ(Dump(all), "a");
@@ -328,6 +334,7 @@ TEST_F(Document, TextsAndAttributesAreTheSameHoweverTheyAreAskedFor) {
           std::string const text(run, static_cast<char>('a' + i));
           i % 2 == 0 ? element->AppendText(text) : static_cast<void>(element->AppendPlainText(text));
           if (element->GetTextView().size() == expected.size()) element->AppendText(text);  // no room for it as it is
+          EXPECT_FALSE(element->AppendPlainText(text + '\r'));
           element->AddAttribute(text, text, "");
           expected += text;
           if (i == asked) {
@@ -345,8 +352,21 @@ TEST_F(Document, TextsAndAttributesAreTheSameHoweverTheyAreAskedFor) {
           EXPECT_EQ(attribute, element->GetAttributes().at(count++));
         }
         EXPECT_EQ(count, 6U);
+        element->AppendText(element->GetTextView());
+        EXPECT_EQ(element->GetTextView(), expected + expected);
       }
     }
+  }
+}
+
+TEST_F(Document, TextsEndWithAZeroWhateverTheRunsWere) {
+  std::string text;
+  for (int i = 0; i < 160; ++i, text += 'x') {
+    CXmlDocument document;
+    document.LoadXml(("<a>" + text + "&#13;</a>").c_str());
+    std::string_view const view = document.GetDocumentElement()->GetTextView();
+    EXPECT_EQ(view, text);
+    EXPECT_EQ(view.data()[view.size()], '\0');
   }
 }
 

@@ -7,9 +7,9 @@
 
 namespace Quillon9 {
 
-/// Remembers, for one document that is read or written, which classes of its objects are known to lack something: not
-/// to be nillable, say. The cast that finds that out goes through the tree of a class's bases: 2 % of the time of a
-/// document. For the library's own use; one thread at a time.
+/// Remembers, for one document that is read or written, which classes of its objects are known not to be nillable. The
+/// cast that finds it out goes through the tree of a class's bases: 2 % of the time of a document. For the library's
+/// own use; one thread at a time.
 class CPlainClasses {
  public:
   /// Whether Add() was told of \p type, and of no other class in its place since.

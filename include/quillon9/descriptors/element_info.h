@@ -78,8 +78,11 @@ class QUILLON9_API CElementInfo {
   /// Write the attributes of a child without a tag on the open element. Does nothing here.
   virtual void PseudoChildAttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                          CXmlWriter* writer) const;
-  /// Whether ElementFromXml() looks at the namespace of the holder, which is not asked for it otherwise. True here.
+  /// Whether ElementFromXml() looks at the namespace of the holder, which is not asked for it otherwise. True here; of
+  /// the classes below, true for those of untyped content.
   virtual bool ReadsHolderNamespace() const { return true; }
+  /// The number that this member has and no other one ever had, for what readers remember.
+  std::uint64_t GetNumber() const { return m_number; }
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
@@ -196,13 +199,13 @@ class QUILLON9_API CElementInfo {
   std::string m_elementName;                         ///< local name
   std::string m_namespace;                           ///< empty for none
   int m_propertyIndex;                               ///< for AccessProperty()
-  std::uint64_t m_number;                            ///< of this member alone, for CXmlName::member
   CPrimitiveRestrictions m_restrictions;             ///< facets of a primitive member
   ItemType m_itemType = Quillon9::ItemType_invalid;  ///< kind of a primitive member
   char const* m_format = nullptr;                    ///< not owned
   /// Applied to the text of a primitive member.
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule = CWhitespaceUtils::WhitespaceRule_None;
-  bool m_primitive;  ///< made by the constructor for primitive members
+  bool m_primitive;              ///< made by the constructor for primitive members
+  std::uint64_t const m_number;  ///< of this member alone
 };
 
 // ---- The three groups

@@ -28,7 +28,9 @@ class CTreeMemory;
 class QUILLON9_API CXmlDocument {
  public:
   /// Sees each element when it is complete, children first, and answers true to have it removed and destroyed. The
-  /// document element is never removed. What it throws ends the load and passes through.
+  /// document element is never removed, nor is an element that the filter itself has detached. What it throws ends the
+  /// load and passes through, and so does CQnException "The filter changed the document that is being read" after one
+  /// that loads or cleans up the document.
   using ElementFilter = bool (*)(CXmlElement*);
 
   /// No filter, the default context.
@@ -83,7 +85,8 @@ class QUILLON9_API CXmlDocument {
   CXmlSerializationContext const& GetContext() const { return m_context; }
   /// The schema type that the context had when this document was made.
   SchemaType GetSchemaType() const { return m_schemaType; }
-  /// The bytes being read, decompressed; they live until the next Cleanup(). Null before a load.
+  /// The bytes being read, decompressed; they live until the next Cleanup(). Null before a load, and behind one by
+  /// CXmlObjectBase, unless they were compressed.
   unsigned char const* GetInputData() const { return m_inputData; }
   /// Their number.
   unsigned long GetInputSize() const { return m_inputSize; }
@@ -147,6 +150,7 @@ class QUILLON9_API CXmlDocument {
   void LoadLentXmlStream(unsigned char const* data, unsigned long size);
   ///@}
   void LendInput(void const* data, unsigned long size);
+  void ReturnInput();
   void CopyInput(void const* data, unsigned long size);
   void Init();
   void Parse();
@@ -159,6 +163,7 @@ class QUILLON9_API CXmlDocument {
   }
   [[noreturn]] static void ThrowNoneOpen();
   CXmlElement* PushOpen(CXmlElement* element, CXmlElement* before);
+  bool AskFilter(CXmlElement* element);
   void CheckDepth() const;
   void StartCounting();
   [[noreturn]] void ThrowContentTooLarge() const;
@@ -173,6 +178,7 @@ class QUILLON9_API CXmlDocument {
   SchemaType m_schemaType;
   ElementFilter m_filter;
   CXmlSerializationContext const& m_context;
+  std::uint64_t m_cleanups = 0;
   std::uint64_t m_contentSize = 0;
   std::uint64_t m_contentLimit = ~std::uint64_t{0};  // none for trees that a program builds
   /// Of the nodes; made for the first one.

@@ -131,7 +131,8 @@ class QUILLON9_API CXmlElement {
   /// Append a child without name and return it; it stays owned by this element.
   CXmlElement* CreateNewChildElement();
   /// Detach the last child and hand it to the caller, who owns it then. Null when there is none. Goes through the
-  /// children.
+  /// children. A child of a document's tree still stands in the document's memory: it may outlive the document, whose
+  /// memory it keeps then, but the two belong to one thread at a time together.
   CXmlElement* RemoveLastChildElement();
 
   /// From the memory of a document, or alone; back to where it came from.
@@ -156,7 +157,7 @@ class QUILLON9_API CXmlElement {
   CTreeMemory* Memory() const {
     return (m_origin & kIsAlone) != 0 ? nullptr : reinterpret_cast<CTreeMemory*>(m_origin);
   }
-  void SetNames(std::string_view localName, std::string_view namespaceUri);
+  CXmlName& OwnName();
   CXmlAttribute* LastAttribute() const;
   void AddAttribute(CXmlName const* name, std::string_view value);
   void LinkAttribute(CXmlAttribute* attribute);

@@ -44,6 +44,7 @@ class QUILLON9_API CNodeText {
   static constexpr std::uint32_t kIsString = ~std::uint32_t{0};
 
   std::string_view ViewOfString() const;
+  bool IsPart(std::string_view text) const;
   void BecomeString(CTreeMemory* memory, std::size_t capacity) const;
   char* Reserve(std::size_t size, CTreeMemory* memory);
   void Commit(char* end);
