@@ -2,13 +2,14 @@
 
 #include <atomic>
 #include <cstring>
+#include <typeinfo>
 
 #include "descriptors/printed_text.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/writer.h"
+#include "quillon9/xmlio/text_writer.h"
 #include "xmlio/text_copy.h"
 
 namespace Quillon9Data {
@@ -88,12 +89,36 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
   return GetAnyDefaultNamespace(text.substr(0, blank).c_str(), ns, targetNamespace);
 }
 
+namespace {
+
+// One of exactly this class, of which no operation is overridden.
+bool IsPlainTextWriter(CXmlWriter const* writer) { return &typeid(*writer) == &typeid(CXmlTextWriter); }
+
+void WriteAtOnce(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+                 char const* format) {
+  if (value.GetItemType() == ItemType_string) return writer.WriteTextElement(name, ns, value.GetString());
+  std::string text;
+  try {
+    text = value.ToString(format);
+  } catch (...) {  // a value that cannot be printed fails behind the start of its element
+    writer.WriteStartElement(name, ns);
+    throw;
+  }
+  writer.WriteTextElement(name, ns, text);
+}
+
+}  // namespace
+
 bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
                                     CXmlWriter* writer) const {
   QnVariant value;
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
   CheckRestriction(value);
+  if (IsPlainTextWriter(writer)) {
+    WriteAtOnce(static_cast<CXmlTextWriter&>(*writer), m_elementName, m_namespace, value, m_format);
+    return true;
+  }
   writer->WriteStartElement(m_elementName, m_namespace);
   writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
   writer->WriteEndElement();
@@ -114,6 +139,10 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   char const* const text = toText(number);
   if (text == nullptr) {
     throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
+  }
+  if (IsPlainTextWriter(writer)) {
+    static_cast<CXmlTextWriter*>(writer)->WriteTextElement(m_elementName, m_namespace, text);
+    return true;
   }
   writer->WriteStartElement(m_elementName, m_namespace);
   writer->WriteString(text, ItemType_string);

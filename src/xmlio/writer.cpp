@@ -27,6 +27,11 @@ std::uint64_t NextState() {
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
+void RequireLevel(std::uint32_t enclosing) {
+  std::uint32_t const limit = CLimits::GetMaxElementDepth();
+  if (enclosing >= limit) ThrowNestedTooDeep(limit);
+}
+
 /// The number of a generated prefix, the inverse of NsIntToString; \p limit for every other text.
 std::size_t GeneratedNumber(std::string_view prefix, std::size_t limit) {
   if (prefix.size() < 2 || prefix.size() > kLongestGenerated) return limit;
@@ -192,9 +197,7 @@ std::string CXmlWriter::NsIntToString(int number) {
 }
 
 CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName, std::string const& namespaceUri) {
-  std::uint32_t const limit = CLimits::GetMaxElementDepth();
-  std::uint32_t const enclosing = m_context == nullptr ? 0 : m_context->m_depth + 1;
-  if (enclosing >= limit) ThrowNestedTooDeep(limit);
+  RequireLevel(m_context == nullptr ? 0 : m_context->m_depth + 1);
   if (m_context != nullptr && m_spare != nullptr) {
     CXmlWriterContext* const context = m_spare;
     CXmlWriterContext* const others = context->m_parent;
@@ -221,6 +224,8 @@ void CXmlWriter::RequireOpenTag() const {
 void CXmlWriter::RequireOpenElement() const {
   if (m_context == nullptr) throw CQnException("There is no open element to end");
 }
+
+void CXmlWriter::RequireRoomForChild() const { RequireLevel(m_context->m_depth + 1); }
 
 std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew) {
   std::string const* const found = context.FindPrefix(uri);

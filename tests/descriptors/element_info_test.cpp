@@ -207,6 +207,43 @@ TEST(PrimitiveWriting, FacetsFailBeforeAnyOutputAndInvalidValuesWriteNothing) {
                  object.With(0, 6).Text());
 }
 
+/// The text so far, and what the writing of \p value as <v> inside <a> throws.
+template <class Writer = CXmlTextWriter>
+std::string WriteValue(QnVariant const& value, char const* format) {
+  CElementInfoSeqPrimMnd const descriptor("v", "", 0, ItemType_r8, format, CWhitespaceUtils::WhitespaceRule_Collapse,
+                                          NoFacets());
+  Shape const shape({}, {});
+  DynamicClass object(shape);
+  object.m_properties[0] = value;
+  CTextStream stream;
+  Writer writer(stream);
+  writer.SetFormat(false);
+  writer.WriteStartElement("a", "");
+  try {
+    descriptor.ElementToXml(CXmlSerializationContext::m_defaultContext, &object, &writer);
+  } catch (CQnException const& failure) {
+    return stream.CopyText() + ' ' + failure.GetMessage();
+  }
+  return stream.CopyText();
+}
+
+TEST(PrimitiveWriting, ValuesArePrintedBehindTheStartOfTheirElementByTheWritersOwnOperations) {
+  struct Renaming : CXmlTextWriter {
+    using CXmlTextWriter::CXmlTextWriter;
+    void WriteStartElement(std::string const& name, std::string const& ns) override {
+      CXmlTextWriter::WriteStartElement(name + "1", ns);
+    }
+  };
+  QnVariant number;
+  number.SetR8(0.5);
+  EXPECT_EQ("<a><v>0.50</v>", WriteValue(number, "%.2f"));
+  EXPECT_EQ("<a1><v1>0.50</v1>", WriteValue<Renaming>(number, "%.2f"));
+  EXPECT_EQ("<a><v The format [%s] does not print one floating-point number", WriteValue(number, "%s"));
+  QnVariant object;
+  object.SetXmlObject(nullptr);
+  EXPECT_EQ("<a><v Invalid Type 27 to convert to string", WriteValue(object, nullptr));
+}
+
 TEST(CollectionWriting, ItemsWithoutATagPutTheirAttributesOnTheOpenElement) {
   Shape const shape({}, {new CElementInfoSeqClsCol("c", "", 0, XmlElementType_Pseudo)});
   CSmartPtr<DynamicCollection> const items(new DynamicCollection(Group(), "c", 0, -1));

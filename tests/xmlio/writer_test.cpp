@@ -43,6 +43,7 @@ class Doc {
   Doc& Nil() { return m_writer.WriteAttributeNil(), *this; }
   Doc& Schema(char const* text) { return m_writer.WriteInlineSchema(text), *this; }
   Doc& Text(std::string const& text) { return m_writer.WriteString(text, ItemType_string), *this; }
+  Doc& Child(char const* name, char const* text) { return m_writer.WriteTextElement(name, "", text), *this; }
   Doc& Raw(std::string const& text) { return m_writer.CloseParentElm(), m_writer.WriteRawElement(text), *this; }
   Doc& End(int count = 1) {
     while (count-- > 0) m_writer.WriteEndElement();
@@ -209,6 +210,47 @@ TEST(TextWriter, IndentsByOneTabALevelHoweverDeep) {
   EXPECT_EQ(doc.Start("e").End(100).Close(), starts + std::string(99, '\t') + "<e/>\n" + ends);
 }
 
+// An element written at once is the same as one in three operations, wherever its prefix comes from.
+TEST(TextWriter, TextElementsAtOnce) {
+  struct Case {
+    char const* defaultNamespace;
+    char const* parent;
+    char const* child;
+  } const cases[] = {{"", "", ""},    {"", "u", "u"},  {"", "u", ""},   {"", "u", "v"},
+                     {"u", "u", "u"}, {"u", "v", "u"}, {"u", "v", "v"}, {"u", "", "u"}};
+  std::string const values[] = {"",
+                                "1",
+                                "a<b",
+                                "<![CDATA[<]]>",
+                                std::string("<![CDATA[<\0]]>", 13),
+                                std::string("\0x", 2),
+                                "x\r\ny",
+                                std::string(1024, 'x'),
+                                std::string(1025, 'x') + '&'};
+  auto const write = [&](Case const& names, bool format, bool atOnce) {
+    CTextStream stream;
+    CXmlTextWriter writer(stream);
+    writer.SetFormat(format);
+    writer.SetEOLType(EOLType_CRLF);
+    writer.SetDefaultNamespace(names.defaultNamespace);
+    writer.WriteStartElement("parent", names.parent);
+    for (std::string const& value : values) {
+      if (atOnce) {
+        writer.WriteTextElement("child", names.child, value);
+        continue;
+      }
+      writer.WriteStartElement("child", names.child);
+      writer.WriteString(value, ItemType_string);
+      writer.WriteEndElement();
+    }
+    writer.WriteEndElement();
+    return stream.CopyText();
+  };
+  for (Case const& each : cases) {
+    for (bool const format : {false, true}) EXPECT_EQ(write(each, format, false), write(each, format, true));
+  }
+}
+
 TEST(TextWriter, DeclarationFollowsTheStreamsEncoding) {
   char const* const encodings[] = {"", " encoding=\"UTF-8\"", " encoding=\"UTF-16\"", ""};
   for (int encoding = XmlEncoding_Default; encoding <= XmlEncoding_Unicode; ++encoding) {
@@ -242,6 +284,7 @@ TEST(Writer, NestingIsLimited) {
   Doc doc;
   doc.Start("a").Start("b");
   EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 2 levels", doc.Start("c"));
+  EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 2 levels", doc.Child("c", "1"));
   EXPECT_EQ(doc.End().Start("d").End(2).Close(), "<a><b></b><d/></a>");
 }
 

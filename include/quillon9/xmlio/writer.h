@@ -94,6 +94,8 @@ class QUILLON9_API CXmlWriter {
   void RequireOpenTag() const;
   /// \throws CQnException "There is no open element to end" unless an element is open.
   void RequireOpenElement() const;
+  /// \throws CQnException as WriteStartElement() unless the open element, which there must be, may have children.
+  void RequireRoomForChild() const;
   /// The prefix bound to \p uri in \p context. An unbound URI gets a generated prefix in the scope of \p context,
   /// and \p isNew becomes true; otherwise false. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
