@@ -6,6 +6,7 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "values/facet_filter.h"
 
 namespace Quillon9Data {
 
@@ -63,7 +64,8 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(char const* name, char const* n
       m_restrictions(restrictions),
       m_itemType(type),
       m_format(format),
-      m_whitespaceRule(rule) {}
+      m_whitespaceRule(rule),
+      m_filter(CFacetFilter::Make(type, restrictions)) {}
 
 CAttributeInfoPrimitive::~CAttributeInfoPrimitive() = default;
 
@@ -74,7 +76,9 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   if (m_optional && !value.IsValid()) return;
   PrintedText const text(value, m_format);  // also reports a required value that is not set
   if (IsSuppressedDefault(ctx, text.Get())) return;
-  CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
+  if (m_filter == nullptr || !m_filter->Passes(value)) {
+    CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
+  }
   writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 

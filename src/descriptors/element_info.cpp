@@ -10,6 +10,7 @@
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/text_writer.h"
+#include "values/facet_filter.h"
 #include "xmlio/text_copy.h"
 
 namespace Quillon9Data {
@@ -36,6 +37,7 @@ CElementInfo::CElementInfo(char const* name, char const* ns, int index, ItemType
       m_format(format),
       m_whitespaceRule(rule),
       m_primitive(true),
+      m_filter(CFacetFilter::Make(type, restrictions)),
       m_number(NextNumber()) {}
 
 CElementInfo::CElementInfo(char const* name, char const* ns, int index)
@@ -74,6 +76,7 @@ bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElemen
 }
 
 void CElementInfo::CheckRestriction(QnVariant const& value) const {
+  if (m_filter != nullptr && m_filter->Passes(value)) return;
   if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
   CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "quillon9/descriptors/element_info.h"
@@ -89,6 +90,7 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   ItemType m_itemType;
   char const* m_format;
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
+  std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for rare facets
 };
 
 /// An attribute that holds an enumerator. The generated function sees the text as it stood in the document.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "quillon9/binding/generated_class.h"
@@ -9,6 +10,12 @@
 #include "quillon9/values/item_type.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/whitespace.h"
+
+namespace Quillon9 {
+
+class CFacetFilter;
+
+}  // namespace Quillon9
 
 /// The descriptors of element content. A generated class lists one for each element that its schema declares; the
 /// drivers of CXmlGeneratedClass walk the list, and each descriptor decides whether the element under the cursor
@@ -204,8 +211,11 @@ class QUILLON9_API CElementInfo {
   char const* m_format = nullptr;                    ///< not owned
   /// Applied to the text of a primitive member.
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule = CWhitespaceUtils::WhitespaceRule_None;
-  bool m_primitive;              ///< made by the constructor for primitive members
-  std::uint64_t const m_number;  ///< of this member alone
+  bool m_primitive;  ///< made by the constructor for primitive members
+
+ private:
+  std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for what is no primitive member, and for rare facets
+  std::uint64_t const m_number;
 };
 
 // ---- The three groups

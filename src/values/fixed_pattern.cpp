@@ -1,0 +1,96 @@
+#include "values/fixed_pattern.h"
+
+#include <cstddef>
+
+#include "values/number_text.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kMostCharacters = 64;
+
+bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+
+// What stands for itself inside a class and outside of it, wherever it stands.
+bool IsPlain(char c) { return IsLetter(c) || IsDigit(c) || c == ' ' || c == '_'; }
+
+bool IsMark(char c) { return std::string_view("-,:;/@=#%&!'\"<>~").find(c) != std::string_view::npos; }
+
+bool SkipStart(std::string_view& text, std::string_view start) {
+  if (text.substr(0, start.size()) != start) return false;
+  text.remove_prefix(start.size());
+  return true;
+}
+
+/// The number of repetitions in front of \p text, 1 where there is none; 0 for what is no such number.
+std::size_t TakeCount(std::string_view& text) {
+  if (!SkipStart(text, "{")) return 1;
+  std::size_t count = 0;
+  while (!text.empty() && IsDigit(text.front()) && count <= kMostCharacters) {
+    count = count * 10 + static_cast<std::size_t>(text.front() - '0');
+    text.remove_prefix(1);
+  }
+  return SkipStart(text, "}") ? count : 0;
+}
+
+}  // namespace
+
+std::optional<CFixedPattern> CFixedPattern::Parse(std::string_view text) {
+  CFixedPattern pattern;
+  while (!text.empty()) {
+    std::optional<CharacterSet> const set = TakeSet(text);
+    if (!set) return std::nullopt;
+    std::size_t const count = TakeCount(text);
+    if (count == 0 || pattern.m_sets.size() + count > kMostCharacters) return std::nullopt;
+    pattern.m_sets.insert(pattern.m_sets.end(), count, *set);
+  }
+  return pattern;
+}
+
+std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeSet(std::string_view& text) {
+  CharacterSet set;
+  if (SkipStart(text, "[")) return TakeClass(text);
+  if (SkipStart(text, "\\d")) {
+    for (char digit = '0'; digit <= '9'; ++digit) set.Add(static_cast<unsigned char>(digit));
+    return set;
+  }
+  if (text.front() == '\\' && (text.substr(1, 1) == "-" || text.substr(1, 1) == ".")) {
+    text.remove_prefix(1);
+  } else if (!IsPlain(text.front()) && !IsMark(text.front())) {
+    return std::nullopt;
+  }
+  set.Add(static_cast<unsigned char>(text.front()));
+  text.remove_prefix(1);
+  return set;
+}
+
+std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeClass(std::string_view& text) {
+  CharacterSet set;
+  do {
+    if (text.empty() || !IsPlain(text.front())) return std::nullopt;
+    char const first = text.front();
+    text.remove_prefix(1);
+    char last = first;
+    if (SkipStart(text, "-")) {
+      if (text.empty() || !IsPlain(text.front()) || text.front() < first) return std::nullopt;
+      last = text.front();
+      text.remove_prefix(1);
+    }
+    for (char c = first;; ++c) {
+      set.Add(static_cast<unsigned char>(c));
+      if (c == last) break;
+    }
+  } while (!SkipStart(text, "]"));
+  return set;
+}
+
+bool CFixedPattern::Matches(std::string_view value) const {
+  if (value.size() != m_sets.size()) return false;
+  for (std::size_t i = 0; i < value.size(); ++i) {
+    if (!m_sets[i].Has(static_cast<unsigned char>(value[i]))) return false;
+  }
+  return true;
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Quillon9 {
+
+/// A pattern for a fixed number of ASCII characters, as codes and numbers of documents have them: "[A-Z]{3}",
+/// "\d{3}-[A-Z]{2}". Immutable, for any thread.
+class CFixedPattern {
+ public:
+  /// The pattern \p text; nothing when there is more in it than letters, digits, blanks, some marks, "\d", classes of
+  /// letters, digits and blanks, and a number of repetitions, or when it is for more than 64 characters. What is taken
+  /// here TestRegEx() takes too, and for values in ASCII it gives the same answers.
+  static std::optional<CFixedPattern> Parse(std::string_view text);
+
+  bool Matches(std::string_view value) const;
+
+ private:
+  /// A bit for each character of ASCII.
+  struct CharacterSet {
+    std::uint64_t m_bits[2] = {0, 0};
+
+    void Add(unsigned char character) { m_bits[character / 64] |= std::uint64_t{1} << character % 64; }
+    bool Has(unsigned char character) const {
+      return character < 128 && (m_bits[character / 64] >> character % 64 & 1) != 0;
+    }
+  };
+
+  static std::optional<CharacterSet> TakeSet(std::string_view& text);
+  static std::optional<CharacterSet> TakeClass(std::string_view& text);
+
+  std::vector<CharacterSet> m_sets;  // one for each character of a value
+};
+
+}  // namespace Quillon9
