@@ -97,17 +97,23 @@ namespace {
 // One of exactly this class, of which no operation is overridden.
 bool IsPlainTextWriter(CXmlWriter const* writer) { return &typeid(*writer) == &typeid(CXmlTextWriter); }
 
-void WriteAtOnce(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
-                 char const* format) {
-  if (value.GetItemType() == ItemType_string) return writer.WriteTextElement(name, ns, value.GetString());
-  std::string text;
+// A value that cannot be printed fails behind the start of its element.
+std::string PrintOrFail(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+                        char const* format) {
   try {
-    text = value.ToString(format);
-  } catch (...) {  // a value that cannot be printed fails behind the start of its element
+    return value.ToString(format);
+  } catch (...) {
     writer.WriteStartElement(name, ns);
     throw;
   }
-  writer.WriteTextElement(name, ns, text);
+}
+
+void WriteAtOnce(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+                 char const* format) {
+  char room[kGeneralRoom];
+  std::string_view const text = TextAtHand(value, format, room);
+  if (text.data() != nullptr) return writer.WriteTextElement(name, ns, text);
+  writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format));
 }
 
 }  // namespace

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <charconv>
+#include <cmath>
 #include <string>
+#include <string_view>
 
 #include "quillon9/values/variant.h"
+#include "values/number_text.h"
 
 namespace Quillon9Data {
 
@@ -24,5 +28,28 @@ class PrintedText {
   std::string const m_printed;
   std::string const& m_text;
 };
+
+/// The text of a value of the commonest kinds, without a string: of one that prints into \p room, or the string that the
+/// value holds. A text without data for all others.
+inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
+                                   char (&room)[Quillon9::kGeneralRoom]) {
+  using namespace Quillon9;
+  auto const printed = [&](char const* end) { return std::string_view(room, static_cast<std::size_t>(end - room)); };
+  auto const integer = [&](auto number) { return printed(std::to_chars(room, room + sizeof room, number).ptr); };
+  switch (value.GetItemType()) {
+    case ItemType_string: return value.GetString();
+    case ItemType_boolean: return value.GetBoolean() ? "true" : "false";
+    case ItemType_i2: return integer(value.GetI2());
+    case ItemType_i4: return integer(value.GetI4());
+    case ItemType_i8: return integer(value.GetI8());
+    case ItemType_ui2: return integer(value.GetUI2());
+    case ItemType_ui4: return integer(value.GetUI4());
+    case ItemType_ui8: return integer(value.GetUI8());
+    case ItemType_r8:
+      if (format != nullptr || !std::isfinite(value.GetR8())) return {};
+      return printed(PutGeneral(room, value.GetR8(), 16));
+    default: return {};
+  }
+}
 
 }  // namespace Quillon9Data

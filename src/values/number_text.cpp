@@ -222,11 +222,14 @@ NumberStatus ParseDouble(std::string_view text, double& value) {
   return NumberStatus::Ok;
 }
 
+char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision) {
+  if (char* const end = PrintCommonDouble(room, value, precision)) return end;
+  return std::to_chars(room, room + sizeof room, value, std::chars_format::general, precision).ptr;
+}
+
 std::string GeneralText(double value, int precision) {
-  char buffer[64];
-  if (char* const end = PrintCommonDouble(buffer, value, precision)) return std::string(buffer, end);
-  auto const end = std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::general, precision);
-  return std::string(buffer, end.ptr);
+  char room[kGeneralRoom];
+  return std::string(room, PutGeneral(room, value, precision));
 }
 
 std::string FixedText(double value, int precision) {

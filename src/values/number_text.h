@@ -62,6 +62,10 @@ std::string IntegerText(Integer value) {
 /// Print as "%.*g" does in the "C" locale; \p precision is 1 to 17.
 std::string GeneralText(double value, int precision);
 
+/// The same into \p room. Returns the end of the text.
+constexpr std::size_t kGeneralRoom = 64;
+char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision);
+
 /// Print as "%.*f" does in the "C" locale, so with a \p precision of 6 as "%f"; \p precision is 0 to 1000.
 std::string FixedText(double value, int precision = 6);
 

@@ -86,6 +86,16 @@ inline char* CopyName(char* to, std::string_view text) {
   return to + at;
 }
 
+/// Copy \p text in whole blocks of kCopyBlock bytes, so that as many may be read and written behind both. Returns where
+/// it ends there.
+constexpr std::size_t kCopyBlock = sizeof(std::uint64_t);
+inline char* CopyOver(char* to, std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); at += kCopyBlock) {
+    StoreBlock(to + at, ByteBlocks::Load<std::uint64_t>(text.data() + at));
+  }
+  return to + text.size();
+}
+
 /// Whether the two texts are the same.
 inline bool IsSameText(std::string_view left, std::string_view right) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);

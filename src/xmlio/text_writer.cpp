@@ -57,6 +57,16 @@ char* PutPrefix(char* to, std::string_view prefix) {
   return to;
 }
 
+// Whether a child of the open element in this namespace gets no prefix, or one that is known at once: mostly that of
+// the open element.
+bool FindPrefixOfChild(CXmlWriter::CXmlWriterContext const& open, std::string const& uri, std::string const*& prefix) {
+  if (uri.empty()) return true;
+  if (!IsSameText(uri, open.m_namespace)) return false;
+  if (open.NeedsNoPrefix()) return true;
+  prefix = open.FindPrefix(uri);
+  return prefix != nullptr;
+}
+
 char const* EncodingDeclaration(XmlEncoding encoding) {
   switch (encoding) {
     case XmlEncoding_UTF8: return " encoding=\"UTF-8\"";
@@ -249,57 +259,57 @@ void CXmlTextWriter::AppendText(std::string_view text) {
   }
 }
 
+// An element that gets neither attributes nor children needs no context, and one look at the room left does for all of
+// it: 10 % of the instructions of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                       std::string_view value) {
   std::string const* prefix = nullptr;
-  if (!m_streamFlushes && FindPrefixOfChild(namespaceUri, prefix)) return WriteTextChild(prefix, localName, value);
-  CXmlTextWriter::WriteStartElement(localName, namespaceUri);
-  CXmlTextWriter::WriteString(std::string(value), ItemType_string);
-  CXmlTextWriter::WriteEndElement();
-}
-
-// Whether a child of the open element in this namespace gets no prefix, or one that is known at once: mostly that of
-// the open element.
-bool CXmlTextWriter::FindPrefixOfChild(std::string const& uri, std::string const*& prefix) const {
-  if (m_context == nullptr) return false;
-  if (uri.empty()) return true;
-  if (!IsSameText(uri, m_context->m_namespace)) return false;
-  if (m_context->NeedsNoPrefix()) return true;
-  prefix = m_context->FindPrefix(uri);
-  return prefix != nullptr;
-}
-
-// An element that gets neither attributes nor children needs no context, and one look at the room left does for all of
-// it: 10 % of the instructions of writing.
-void CXmlTextWriter::WriteTextChild(std::string const* prefix, std::string const& localName, std::string_view value) {
+  bool const isKnown = m_context != nullptr && FindPrefixOfChild(*m_context, namespaceUri, prefix);
+  if (!isKnown || m_streamFlushes) return WriteTextInSteps(localName, namespaceUri, value);
   CloseParentElm();
   RequireRoomForChild();
   std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
   std::size_t const tag = (prefix != nullptr ? prefix->size() : 0) + localName.size() + 4 + m_lineEnd.size();
-  bool const isShort = value.size() <= kLongestPiece;
-  auto const putName = [&](char* to) { return CopyName(prefix != nullptr ? PutPrefix(to, *prefix) : to, localName); };
-  char* start = m_stream->Reserve(tabs + 2 * tag + (isShort ? value.size() : 0));
+  std::size_t const copied = value.size() <= kLongestPiece ? value.size() : 0;
+  char* const start = m_stream->Reserve(tabs + 2 * tag + copied + kCopyBlock);
   char* end = PutTabs(start, tabs);
   *end++ = '<';
-  end = putName(end);
+  char* const name = end;
+  if (prefix != nullptr) end = PutPrefix(end, *prefix);
+  end = CopyName(end, localName);
+  std::string_view const written(name, static_cast<std::size_t>(end - name));
   if (value.empty()) {
     *end++ = '/';
     *end++ = '>';
     return Commit(start, PutLineEnd(end));
   }
   *end++ = '>';
-  std::size_t const copied = isShort ? CopyBlocks(end, value, HasMarkup()) : 0;
-  end += copied;
-  if (copied != value.size()) {
-    Commit(start, end);
-    copied == 0 ? AppendText(value) : AppendEscaped(value.substr(copied), false);
-    start = end = m_stream->Reserve(tag);
+  std::size_t const plain = CopyBlocks(end, value.substr(0, copied), HasMarkup());
+  end += plain;
+  if (plain == value.size()) return Commit(start, PutEndTag(end, written));
+  Commit(start, end);
+  if (plain == 0) {
+    AppendText(value);
+  } else {
+    AppendEscaped(value.substr(plain), false);
   }
-  *end++ = '<';
-  *end++ = '/';
-  end = putName(end);
-  *end++ = '>';
-  Commit(start, PutLineEnd(end));
+  char* const rest = m_stream->Reserve(tag + kCopyBlock);
+  Commit(rest, PutEndTag(rest, written));
+}
+
+char* CXmlTextWriter::PutEndTag(char* to, std::string_view name) const {
+  *to++ = '<';
+  *to++ = '/';
+  to = CopyOver(to, name);
+  *to++ = '>';
+  return PutLineEnd(to);
+}
+
+void CXmlTextWriter::WriteTextInSteps(std::string const& localName, std::string const& namespaceUri,
+                                      std::string_view value) {
+  CXmlTextWriter::WriteStartElement(localName, namespaceUri);
+  CXmlTextWriter::WriteString(std::string(value), ItemType_string);
+  CXmlTextWriter::WriteEndElement();
 }
 
 void CXmlTextWriter::WriteEndElement() {

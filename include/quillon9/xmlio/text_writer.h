@@ -77,9 +77,9 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();
-  bool FindPrefixOfChild(std::string const& uri, std::string const*& prefix) const;
-  void WriteTextChild(std::string const* prefix, std::string const& localName, std::string_view value);
+  void WriteTextInSteps(std::string const& localName, std::string const& namespaceUri, std::string_view value);
   void AppendText(std::string_view text);
+  char* PutEndTag(char* to, std::string_view name) const;
   char* PutLineEnd(char* to) const;
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
