@@ -148,5 +148,25 @@ TEST(Variant, CollectionIsAnObjectToo) {
   EXPECT_EQ(collection, asObject.GetXmlCollection().Get());
 }
 
+TEST(Variant, TakesItsOwnValueAndGivesItAway) {
+  char const* const digits = "123456789012345678901234567890";
+  QnVariant value;
+  value.SetDecimal(CDecimal(digits));
+  value.SetDecimal(value.GetDecimal());
+  EXPECT_EQ(digits, value.ToString());
+  value.SetDecimal(std::move(const_cast<CDecimal&>(value.GetDecimal())));
+  EXPECT_EQ(digits, value.ToString());
+  value.SetInteger(CBigInteger(digits));
+  value.SetInteger(value.GetInteger());
+  value.SetString(value.ToString());
+  value.SetString(value.GetString());
+  QnVariant taken(std::move(value));
+  EXPECT_EQ(digits, taken.GetString());
+  EXPECT_FALSE(value.IsValid());
+  value = std::move(taken);
+  EXPECT_EQ(digits, value.GetString());
+  EXPECT_FALSE(taken.IsValid());
+}
+
 }  // namespace
 }  // namespace Quillon9

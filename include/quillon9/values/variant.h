@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <string>
@@ -199,7 +200,9 @@ class QUILLON9_API QnVariant {
   ItemType m_type = ItemType_invalid;
   bool m_owns = false;                       // what the value points to, or a counted reference to it
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to m_held or to an object
-  alignas(8) unsigned char m_held[48];       // what is no scalar: memory of its own for each cost 3 % of reading
+  // What is no scalar: memory of its own for each cost 3 % of the instructions of reading and 7 % of those of writing.
+  alignas(8) unsigned char m_held[std::max({sizeof(std::string), sizeof(CBigInteger), sizeof(CBinaryData),
+                                            sizeof(CDateTime), sizeof(CDateTimeSpan), sizeof(CDecimal)})];
 };
 
 }  // namespace Quillon9
