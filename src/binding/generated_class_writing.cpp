@@ -1,6 +1,8 @@
 // How a generated class is written. Each rule is tested by the code that writes the thing in question, so an
 // object that is wrong fails in the middle of the output.
 
+#include <string>
+#include <string_view>
 #include <utility>
 
 #include "binding/failure_wrapping.h"
@@ -11,6 +13,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
@@ -58,7 +61,8 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
   std::string text = std::move(writer->m_namespaceText);  // for its memory
-  text = ns != nullptr ? ns : "";
+  std::string_view const wanted = ns != nullptr ? ns : "";
+  if (!IsSameText(text, wanted)) text = wanted;  // neighbours mostly share it
   writer->WriteStartElement(GetElementName(), text);
   writer->m_namespaceText = std::move(text);
   // The collection is not made here where there is none: writing changes no context, which threads may share.

@@ -166,17 +166,18 @@ bool CElementInfo::ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXml
 
 bool CElementInfo::ElementToXmlCls(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                    CXmlWriter* writer, bool inChoice) const {
-  QnVariant value;
+  QnVariant value;  // keeps the child alive
   ReadProperty(holder, value);
-  CSmartPtr<CXmlObjectBase> const child = value.GetXmlObject();
-  if (!child) return false;
-  CXmlObjectBase::ToXml_Int(child.Get(), writer, false, m_namespace.c_str(), ctx, inChoice);
+  CXmlObjectBase const* const child = value.LookAtXmlObject();
+  if (child == nullptr) return false;
+  CXmlObjectBase::ToXml_Int(child, writer, false, m_namespace.c_str(), ctx, inChoice);
   return true;
 }
 
 bool CElementInfo::ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                    CXmlWriter* writer) const {
-  CSmartPtr<CXmlCollectionBase> const collection = ReadCollection(holder);
+  QnVariant value;  // keeps the collection alive
+  CXmlCollectionBase* const collection = LookAtCollection(holder, value);
   if (collection->GetCount() <= 0) return false;
   CXmlObjectBase::ToXml_Int(collection->GetBase(), writer, false, m_namespace.c_str(), ctx, false);
   return true;
@@ -274,9 +275,13 @@ CSmartPtr<CXmlObjectBase> CElementInfo::FetchChild(CXmlGeneratedClass* holder) c
 
 CSmartPtr<CXmlCollectionBase> CElementInfo::FetchCollection(CXmlGeneratedClass* holder) const {
   QnVariant value;
-  AccessProperty(holder, true, value);
-  CSmartPtr<CXmlCollectionBase> collection = value.GetXmlCollection();
-  if (!collection) {
+  return LookAtCollection(holder, value);
+}
+
+CXmlCollectionBase* CElementInfo::LookAtCollection(CXmlGeneratedClass const* holder, QnVariant& value) const {
+  ReadProperty(holder, value);
+  CXmlCollectionBase* const collection = value.LookAtXmlCollection();
+  if (collection == nullptr) {
     throw CQnException(FormatString("The class has no collection for the element [%s]", m_elementName.c_str()));
   }
   return collection;

@@ -25,7 +25,8 @@ CElementInfoChoiceClsCol::~CElementInfoChoiceClsCol() = default;
 CElementInfoChoiceAbsClsCol::~CElementInfoChoiceAbsClsCol() = default;
 
 void CElementInfo::ValidateCountOnWriting(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const {
-  if (!ctx.GetIgnoreInvalidCollectionCounts()) ReadCollection(holder)->ValidateCount(ctx);
+  QnVariant value;
+  if (!ctx.GetIgnoreInvalidCollectionCounts()) LookAtCollection(holder, value)->ValidateCount(ctx);
 }
 
 bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,

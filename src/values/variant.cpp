@@ -224,13 +224,17 @@ CBigInteger const& QnVariant::GetInteger() const { return LookAtOwned<CBigIntege
 
 std::string const& QnVariant::GetString() const { return LookAtOwned<std::string>("string"); }
 
-CSmartPtr<CXmlObjectBase> QnVariant::GetXmlObject() const {
+CXmlObjectBase* QnVariant::LookAtXmlObject() const {
   if (!IsValid()) return nullptr;
   if (m_type != ItemType_xmlObject && m_type != ItemType_xmlCollection) ThrowWrongKind("xmlObject");
   return Load<CXmlObjectBase*>();
 }
 
-CSmartPtr<CXmlCollectionBase> QnVariant::GetXmlCollection() const {
+CSmartPtr<CXmlObjectBase> QnVariant::GetXmlObject() const { return LookAtXmlObject(); }
+
+CSmartPtr<CXmlCollectionBase> QnVariant::GetXmlCollection() const { return LookAtXmlCollection(); }
+
+CXmlCollectionBase* QnVariant::LookAtXmlCollection() const {
   if (!IsValid()) return nullptr;
   if (m_type != ItemType_xmlObject && m_type != ItemType_xmlCollection) ThrowWrongKind("xmlCollection");
   auto* const object = Load<CXmlObjectBase*>();

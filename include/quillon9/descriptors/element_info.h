@@ -192,6 +192,8 @@ class QUILLON9_API CElementInfo {
   CSmartPtr<CXmlObjectBase> FetchChild(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> FetchCollection(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> ReadCollection(CXmlGeneratedClass const* holder) const;
+  /// The same, not counted: \p value, which holds nothing yet, keeps it.
+  Quillon9::CXmlCollectionBase* LookAtCollection(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
   /// Store \p child, which may be null, in the property.
   void StoreChild(CXmlGeneratedClass* holder, CXmlObjectBase* child) const;

@@ -139,9 +139,14 @@ class QUILLON9_API QnVariant {
   ///@}
   /// The held object or collection. Null when nothing is held.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
+  /// The same, to be used while this variant holds it: it is not counted, which takes a lock twice.
+  CXmlObjectBase* LookAtXmlObject() const;
   /// The held collection, also when it was set as an object. Null when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is no collection.
   CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
+  /// The same, not counted.
+  /// \throws CQnException as GetXmlCollection().
+  CXmlCollectionBase* LookAtXmlCollection() const;
 
   /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4, r8 and decimal alone;
   /// null means their default form.
