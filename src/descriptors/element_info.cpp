@@ -8,6 +8,7 @@
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
+#include "quillon9/fastinfoset/writer.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "values/facet_filter.h"
@@ -94,11 +95,14 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
 
 namespace {
 
-// One of exactly this class, of which no operation is overridden.
-bool IsPlainTextWriter(CXmlWriter const* writer) { return &typeid(*writer) == &typeid(CXmlTextWriter); }
+// The writer, if it is of exactly this class, of which no operation is overridden; else null.
+template <class Writer>
+Writer* AsPlain(CXmlWriter* writer) {
+  return &typeid(*writer) == &typeid(Writer) ? static_cast<Writer*>(writer) : nullptr;
+}
 
 // A value that cannot be printed fails behind the start of its element.
-std::string PrintOrFail(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                         char const* format) {
   try {
     return value.ToString(format);
@@ -116,6 +120,13 @@ void WriteAtOnce(CXmlTextWriter& writer, std::string const& name, std::string co
   writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format));
 }
 
+void WriteAtOnce(CFastInfosetWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+                 char const* format) {
+  ItemType const type = value.GetItemType();
+  if (type == ItemType_string) return writer.WriteTextElement(name, ns, value.GetString(), type);
+  writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format), type);
+}
+
 }  // namespace
 
 bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
@@ -124,13 +135,15 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
   CheckRestriction(value);
-  if (IsPlainTextWriter(writer)) {
-    WriteAtOnce(static_cast<CXmlTextWriter&>(*writer), m_elementName, m_namespace, value, m_format);
-    return true;
+  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
+    WriteAtOnce(*textWriter, m_elementName, m_namespace, value, m_format);
+  } else if (auto* const infosetWriter = AsPlain<CFastInfosetWriter>(writer)) {
+    WriteAtOnce(*infosetWriter, m_elementName, m_namespace, value, m_format);
+  } else {
+    writer->WriteStartElement(m_elementName, m_namespace);
+    writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
+    writer->WriteEndElement();
   }
-  writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
-  writer->WriteEndElement();
   return true;
 }
 
@@ -149,8 +162,8 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   if (text == nullptr) {
     throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
   }
-  if (IsPlainTextWriter(writer)) {
-    static_cast<CXmlTextWriter*>(writer)->WriteTextElement(m_elementName, m_namespace, text);
+  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
+    textWriter->WriteTextElement(m_elementName, m_namespace, text);
     return true;
   }
   writer->WriteStartElement(m_elementName, m_namespace);

@@ -11,6 +11,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/streams.h"
+#include "xmlio/child_prefix.h"
 #include "xmlio/utf8_scan.h"
 
 namespace Quillon9 {
@@ -188,6 +189,41 @@ void CFastInfosetWriter::WriteEndElement() {
   m_terminatorPending = !m_terminatorPending;
   PopContext();
   m_output->FlushIfFull();
+}
+
+void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
+                                          std::string const& value, ItemType type) {
+  WriteElement(false);
+  std::string const* prefix = nullptr;
+  if (m_context == nullptr || !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
+    CFastInfosetWriter::WriteStartElement(localName, namespaceUri);
+    CFastInfosetWriter::WriteString(value, type);
+    CFastInfosetWriter::WriteEndElement();
+    return;
+  }
+  if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
+  ++m_context->m_childCount;
+  CloseTag();
+  RequireRoomForChild();
+  WriteTextChild(prefix != nullptr ? *prefix : NoPrefix(), localName, namespaceUri, value.c_str(), type);
+  m_terminatorPending = true;
+  m_output->FlushIfFull();
+}
+
+// An element that gets neither attributes nor children needs a context only where it fails, to be left open.
+void CFastInfosetWriter::WriteTextChild(std::string const& prefix, std::string const& localName,
+                                        std::string const& namespaceUri, std::string_view text, ItemType type) {
+  bool isWritten = false;
+  try {
+    QualifiedNameOrIndexBit3(0, prefix, namespaceUri, localName);
+    isWritten = true;
+    if (!text.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, text, type);
+  } catch (...) {
+    CXmlWriterContext* const context = NewContext(localName, namespaceUri);
+    context->m_tagOpen = !isWritten;
+    (isWritten ? m_context : m_pendingElement) = context;
+    throw;
+  }
 }
 
 // ---- Attributes

@@ -8,6 +8,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/streams.h"
+#include "xmlio/child_prefix.h"
 #include "xmlio/text_copy.h"
 
 namespace Quillon9 {
@@ -55,16 +56,6 @@ char* PutPrefix(char* to, std::string_view prefix) {
   to = CopyName(to, prefix);
   *to++ = ':';
   return to;
-}
-
-// Whether a child of the open element in this namespace gets no prefix, or one that is known at once: mostly that of
-// the open element.
-bool FindPrefixOfChild(CXmlWriter::CXmlWriterContext const& open, std::string const& uri, std::string const*& prefix) {
-  if (uri.empty()) return true;
-  if (!IsSameText(uri, open.m_namespace)) return false;
-  if (open.NeedsNoPrefix()) return true;
-  prefix = open.FindPrefix(uri);
-  return prefix != nullptr;
 }
 
 char const* EncodingDeclaration(XmlEncoding encoding) {

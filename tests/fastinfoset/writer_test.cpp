@@ -52,6 +52,10 @@ class Doc {
   Doc& Text(std::string const& text, ItemType type = ItemType_string) {
     return m_writer.WriteString(text, type), *this;
   }
+  Doc& Child(bool atOnce, std::string const& name, char const* ns, std::string const& text, ItemType type) {
+    if (!atOnce) return Start(name.c_str(), ns).Text(text, type).End();
+    return m_writer.WriteTextElement(name, ns, text, type), *this;
+  }
   Doc& End(int count = 1) {
     while (count-- > 0) m_writer.WriteEndElement();
     return *this;
@@ -254,6 +258,50 @@ TEST(FastInfosetWriter, RefusesWhatIsOutOfOrder) {
   EXPECT_FAILURE(CQnException, kEmpty, Doc().Alias("", "u").Start("a").End());
   // Written as an element without attributes already.
   EXPECT_FAILURE(CQnException, kLate, Doc().Start("a").PI().Attr("n", "", "1"));
+}
+
+// An element written at once is the same as one in three operations.
+TEST(FastInfosetWriter, TextElementsAtOnce) {
+  auto const write = [](bool atOnce, char const* defaultNamespace, char const* parent) {
+    CFastInfosetContext const context = Suggested();
+    Doc doc(context);
+    doc.Default(defaultNamespace).Start("a", parent);
+    for (char const* const ns : {"u", "", "v", "u"}) {
+      doc.Child(atOnce, "b", ns, "", ItemType_string);
+      doc.Child(atOnce, "b", ns, std::string("text\0x", 6), ItemType_string);
+      doc.Child(atOnce, "c", ns, "2001-02-03", ItemType_date);
+    }
+    return doc.End().Hexed();
+  };
+  for (char const* const defaultNamespace : {"", "u", "v"}) {
+    for (char const* const parent : {"", "u"}) {
+      EXPECT_EQ(write(false, defaultNamespace, parent), write(true, defaultNamespace, parent));
+    }
+  }
+}
+
+// A failure leaves the element open, started or written, as it left the one of three operations.
+TEST(FastInfosetWriter, TextElementsAtOnceFailAsInSteps) {
+  struct Case {
+    char const* name;
+    char const* text;
+    char const* failure;
+    char const* thenAnAttribute;
+  } const cases[] = {{"b", "no date", "Invalid character not found for Restricted Alphabet.",
+                      "Attributes must be added before elements"},
+                     {"", "2001-02-03", "An octet string may not be empty.",
+                      "Failed to write FastInfoset. An octet string may not be empty."}};
+  for (Case const& each : cases) {
+    for (bool const atOnce : {false, true}) {
+      CFastInfosetContext const context = Suggested();
+      Doc doc(context);
+      doc.Start("a");
+      EXPECT_FAILURE(CQnException, std::string("Failed to write FastInfoset. ") + each.failure,
+                     doc.Child(atOnce, each.name, "", each.text, ItemType_date));
+      EXPECT_FAILURE(CQnException, each.thenAnAttribute, doc.Attr("n", "", "1"));
+      EXPECT_FAILURE(CQnException, "An Element has not been closed.", doc.Close());
+    }
+  }
 }
 
 TEST(FastInfosetWriter, WhatWasWrittenReachesTheStream) {
