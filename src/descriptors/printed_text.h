@@ -29,8 +29,8 @@ class PrintedText {
   std::string const& m_text;
 };
 
-/// The text of a value of the commonest kinds, without a string: of one that prints into \p room, or the string that the
-/// value holds. A text without data for all others.
+/// The text of a value of the commonest kinds, without a string: of one that prints into \p room, or the string that
+/// the value holds. A text without data for all others.
 inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
                                    char (&room)[Quillon9::kGeneralRoom]) {
   using namespace Quillon9;

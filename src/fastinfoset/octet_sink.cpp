@@ -1,5 +1,9 @@
 #include "fastinfoset/octet_sink.h"
 
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/streams.h"
 
@@ -10,9 +14,17 @@ void ThrowFastInfosetWriteFailure(std::string const& reason) {
 }
 
 void COctetSink::Flush() {
-  if (m_octets.empty()) return;
-  m_stream.Append(reinterpret_cast<unsigned char const*>(m_octets.data()), m_octets.size());
-  m_octets.clear();
+  if (m_size == 0) return;
+  m_stream.Append(reinterpret_cast<unsigned char const*>(m_octets.get()), m_size);
+  m_size = 0;
+}
+
+void COctetSink::Grow(std::size_t more) {
+  std::size_t const capacity = std::max(2 * m_capacity, m_size + more + kBlockSize);
+  std::unique_ptr<char[]> larger(new char[capacity]);
+  if (m_size != 0) std::memcpy(larger.get(), m_octets.get(), m_size);
+  m_octets = std::move(larger);
+  m_capacity = capacity;
 }
 
 // The value less the form's first one, its top bits in the octet of the pattern.
@@ -93,6 +105,25 @@ void COctetSink::NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view
 
 void COctetSink::NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets) {
   OctetString(leading, octets, fi::kLength5Medium, fi::kLength5Large);
+}
+
+bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view text) {
+  if (text.empty() || text.size() >= fi::kLength7Large.m_first) return false;
+  std::size_t const start = m_size;
+  Reserve(text.size() + 2);
+  if (text.size() < fi::kLength7Medium.m_first) {
+    Octet(leading | static_cast<std::uint32_t>(text.size() - 1));
+  } else {
+    Octet(leading | fi::kLength7Medium.m_pattern);
+    Octet(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
+  }
+  auto const isOther = [](std::uint64_t block) { return (block & ByteBlocks::kHighBits) != 0; };
+  if (CopyBlocks(m_octets.get() + m_size, text, isOther) != text.size()) {
+    m_size = start;
+    return false;
+  }
+  m_size += text.size();
+  return true;
 }
 
 void COctetSink::NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets) {

@@ -2,11 +2,13 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "fastinfoset/constants.h"
 #include "quillon9/fwd.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
@@ -24,13 +26,19 @@ class COctetSink {
   COctetSink(COctetSink const&) = delete;
   COctetSink& operator=(COctetSink const&) = delete;
 
-  void Octet(std::uint32_t octet) { m_octets += static_cast<char>(static_cast<unsigned char>(octet)); }
-  void Octets(std::string_view octets) { m_octets += octets; }
+  void Octet(std::uint32_t octet) {
+    Reserve(1);
+    m_octets[m_size++] = static_cast<char>(static_cast<unsigned char>(octet));
+  }
+  void Octets(std::string_view octets) {
+    Reserve(octets.size());
+    m_size += CopyBlocks(m_octets.get() + m_size, octets, [](std::uint64_t) { return false; });
+  }
   /// Hand over to the stream what has gathered here.
   void Flush();
   /// The same once a block of 4,096 octets has gathered. Each append to a stream locks, so octets go there in blocks.
   void FlushIfFull() {
-    if (m_octets.size() >= kBlockSize) Flush();
+    if (m_size >= kBlockSize) Flush();
   }
 
   /// \p value is 1 to 2^20, or from 0 for the last one.
@@ -46,6 +54,9 @@ class COctetSink {
   void NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets);
+  /// The last one for what is ASCII, looked at while it is copied, and not empty. False for other text: nothing has
+  /// changed then.
+  bool AsciiStringBit7(std::uint32_t leading, std::string_view text);
 
  private:
   static constexpr std::size_t kBlockSize = 4096;
@@ -53,8 +64,16 @@ class COctetSink {
   void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
   void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
 
+  void Reserve(std::size_t more) {
+    if (m_capacity - m_size < more) Grow(more);
+  }
+  void Grow(std::size_t more);
+
   CBinaryStream& m_stream;
-  std::string m_octets;
+  // What std::string does, in fewer steps: a tenth of writing.
+  std::unique_ptr<char[]> m_octets;
+  std::size_t m_size = 0;
+  std::size_t m_capacity = 0;
 };
 
 }  // namespace Quillon9

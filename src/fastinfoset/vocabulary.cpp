@@ -6,12 +6,14 @@
 #include <cstring>
 #include <utility>
 
+#include "xmlio/text_copy.h"
+
 namespace Quillon9 {
 
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
-constexpr std::size_t kRecentNames = 256;
+constexpr std::size_t kRecentNames = 256;  // two for each result of QuickHash()
 constexpr char kKeySeparator = '\x01';
 
 template <class Unsigned>
@@ -68,8 +70,15 @@ std::uint32_t Hash(std::string_view text) {
   return static_cast<std::uint32_t>(hash ^ hash >> 32);
 }
 
-bool IsAt(char const* at, std::string_view part) {
-  return part.empty() || std::memcmp(at, part.data(), part.size()) == 0;
+bool IsAt(char const* at, std::string_view part) { return IsSameText({at, part.size()}, part); }
+
+// For what may collide: names that a document chooses so that they do are found in the map.
+std::size_t QuickHash(std::string_view text) {
+  std::size_t const count = text.size();
+  std::uint64_t const ends = count >= 4   ? LoadShort(text.data(), count)
+                             : count == 0 ? 0
+                                          : Load<std::uint8_t>(text.data());
+  return (ends ^ count) * kOdd >> 57;
 }
 
 bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view namespaceUri,
@@ -121,7 +130,7 @@ unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view na
                                     std::string_view localName) {
   if (m_recent.empty()) m_recent.resize(kRecentNames);
   // Two places for each hash, so that two names do not oust each other in turn.
-  std::uint32_t* const recent = &m_recent[Hash(localName) % (kRecentNames / 2) * 2];
+  std::uint32_t* const recent = &m_recent[QuickHash(localName) * 2];
   for (std::uint32_t const index : {recent[0], recent[1]}) {
     if (index != 0 && IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) return index;
   }

@@ -407,6 +407,7 @@ void CFastInfosetWriter::EncodedCharacterStringBit5(std::uint32_t leading, std::
   auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
   CheckEncoding(*m_options, encoding, "EncodedCharacterStringBit7");
   if (encoding.m_kind == kDefaultEncoding) {
+    if (m_isAsciiUtf8 && m_output->AsciiStringBit7(leading, value)) return;
     m_output->NonEmptyOctetStringBit7(leading, Utf8(value));
     return;
   }

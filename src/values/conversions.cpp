@@ -29,8 +29,8 @@ constexpr std::size_t kR8BufferSize = 48;
   throw CQnInvalidValueException(FormatString(format, text.data()));
 }
 
-// A number that is nothing but digits, a sign and a point stays as it is under every rule, which then need not be looked
-// at: half a percent of reading.
+// A number that is nothing but digits, a sign and a point stays as it is under every rule, which then need not be
+// looked at: half a percent of reading.
 bool IsRule(WhitespaceRule rule) {
   return rule >= CWhitespaceUtils::WhitespaceRule_None && rule <= CWhitespaceUtils::WhitespaceRule_Collapse;
 }

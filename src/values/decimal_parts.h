@@ -8,8 +8,8 @@
 
 namespace Quillon9 {
 
-/// The number whole + fraction / 10^divider, of any length: what a CDecimal keeps and computes with where its short form
-/// does not do. CDecimal tells what the operations do, and how the signs are carried.
+/// The number whole + fraction / 10^divider, of any length: what a CDecimal keeps and computes with where its short
+/// form does not do. CDecimal tells what the operations do, and how the signs are carried.
 struct CDecimalParts {
   /// The largest exponent of a text, and the largest divider.
   static constexpr int m_maxExponent = 100000;

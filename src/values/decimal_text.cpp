@@ -13,8 +13,8 @@ namespace Quillon9 {
 
 namespace {
 
-// No real value comes near these; eight characters of text must not cost gigabytes. The first is for the digits in front
-// of the point and for those behind it.
+// No real value comes near these; eight characters of text must not cost gigabytes. The first is for the digits in
+// front of the point and for those behind it.
 constexpr std::size_t kMaxDigits = 500000;
 constexpr int kMaxExponent = CDecimalParts::m_maxExponent;
 // Where exponents stop being read: nothing is left of any accepted digits then.

@@ -9,8 +9,8 @@
 namespace Quillon9 {
 
 /// Lets values pass of which CXmlObjectHelper::CheckRestriction() would say nothing: what is wrong, or rare, is left to
-/// that. The bounds and the pattern are parsed once and not at each check: 11 % of the instructions of writing. Immutable, for
-/// any thread.
+/// that. The bounds and the pattern are parsed once and not at each check: 11 % of the instructions of writing.
+/// Immutable, for any thread.
 class CFacetFilter {
  public:
   /// The filter for values of a kind under these facets; null when none can be told to pass.

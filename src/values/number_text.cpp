@@ -3,6 +3,7 @@
 #include <locale.h>
 
 #include <algorithm>
+#include <cfloat>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -184,6 +185,8 @@ NumberStatus ParseInteger(std::string_view text, std::int32_t& value) { return P
 NumberStatus ParseInteger(std::string_view text, std::uint32_t& value) { return ParseUnsigned(text, value); }
 NumberStatus ParseInteger(std::string_view text, std::int64_t& value) { return ParseSigned(text, value); }
 NumberStatus ParseInteger(std::string_view text, std::uint64_t& value) { return ParseUnsigned(text, value); }
+
+static_assert(FLT_EVAL_METHOD == 0, "a quotient must be rounded once, to a double");
 
 // Both numbers of the one division are exact, so that its result is the nearest (IEEE 754).
 bool ParseShortDouble(std::string_view text, double& value) {

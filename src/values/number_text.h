@@ -27,8 +27,8 @@ NumberStatus ParseInteger(std::string_view text, std::uint32_t& value);
 NumberStatus ParseInteger(std::string_view text, std::int64_t& value);
 NumberStatus ParseInteger(std::string_view text, std::uint64_t& value);
 
-/// ParseInteger() of up to nine digits, which may have a minus sign in front where the kind has one. False for any other
-/// text.
+/// ParseInteger() of up to nine digits, which may have a minus sign in front where the kind has one. False for any
+/// other text.
 template <class Integer>
 bool ParseShortInteger(std::string_view text, Integer& value) {
   bool const isNegative = std::is_signed_v<Integer> && !text.empty() && text[0] == '-';
@@ -48,7 +48,8 @@ bool ParseShortInteger(std::string_view text, Integer& value) {
 bool ParseShortDouble(std::string_view text, double& value);
 
 /// Read a floating-point number as strtod does in the "C" locale, with all its forms. A zero byte ends the text,
-/// and a text without digits is 0; one that is no plain number has a zero behind it. Out of range is no failure: it gives infinity, zero or a subnormal number.
+/// and a text without digits is 0; one that is no plain number has a zero behind it. Out of range is no failure: it
+/// gives infinity, zero or a subnormal number.
 /// \p value is set for NumberStatus::Ok only.
 NumberStatus ParseDouble(std::string_view text, double& value);
 

@@ -1,6 +1,7 @@
 #include "xmlio/namespace_scope.h"
 
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
@@ -12,7 +13,7 @@ CNamespaceScope::CNamespaceScope(CNamespaceScope const* outer)
     : m_outer(outer), m_nextGenerated(outer->m_nextGenerated), m_isChanged(outer->m_isChanged) {}
 
 std::string const* CNamespaceScope::Find(std::string const& uri) const {
-  if (m_lastFound != nullptr && m_lastFound->first == uri) return &m_lastFound->second;
+  if (m_lastFound != nullptr && IsSameText(m_lastFound->first, uri)) return &m_lastFound->second;
   for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer) {
     auto const found = scope->m_own.find(uri);
     if (found == scope->m_own.end()) continue;

@@ -68,8 +68,8 @@ class CTreeMemory {
 
   /// Of the classes that have been read from this tree, those that are not nillable.
   CPlainClasses& PlainClasses() { return m_plainClasses; }
-  /// Whether NoteAsTyped() was told of a table of members without untyped ones, by the number of its first member, and of
-  /// no other table in its place since.
+  /// Whether NoteAsTyped() was told of a table of members without untyped ones, by the number of its first member, and
+  /// of no other table in its place since.
   ///@{
   bool IsKnownAsTyped(std::uint64_t number) const { return m_typedTables[number % kTables] == number; }
   void NoteAsTyped(std::uint64_t number) { m_typedTables[number % kTables] = number; }

@@ -54,6 +54,7 @@ TEST(Whitespace, Rules) {
   auto const unknown = static_cast<Rules::WhitespaceRule>(4);
   EXPECT_FAILURE(CQnException, "Unknown WhitespaceRule", Rules::ApplyRule(unknown, "a"));
   EXPECT_FAILURE(CQnException, "Unknown WhitespaceRule", CConversions::i4FromString("1", unknown));
+  EXPECT_FAILURE(CQnException, "Unknown WhitespaceRule", CConversions::r8FromString("1.5", unknown));
 }
 
 template <class Value>
@@ -173,6 +174,8 @@ TEST(Conversions, FloatingPointAgreesWithLibc) {
     std::snprintf(expected, sizeof expected, "%.16g", value);
     EXPECT_EQ(expected, CConversions::r8ToString(value));
     std::snprintf(text, sizeof text, "%.*e", static_cast<int>(bits % 25), value);
+    EXPECT_EQ(std::strtod(text, nullptr), CConversions::r8FromString(text, kNone)) << text;
+    std::snprintf(text, sizeof text, "%.*f", static_cast<int>(bits % 18), value);
     EXPECT_EQ(std::strtod(text, nullptr), CConversions::r8FromString(text, kNone)) << text;
     auto const narrow = static_cast<float>(value);
     if (!std::isfinite(narrow)) continue;

@@ -33,8 +33,8 @@ class QUILLON9_API CNodeText {
   std::string const& GetString(CTreeMemory* memory) const;
   /// Append \p text. Appending n bytes in any number of runs costs O(n).
   void Append(std::string_view text, CTreeMemory* memory);
-  /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is another
-  /// one, or has to become a string: nothing has changed then.
+  /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is
+  /// another one, or has to become a string: nothing has changed then.
   bool AppendPlain(std::string_view text, CTreeMemory* memory);
   /// Give all memory back; the text is empty then. Where it is not called, the bytes go with the tree's memory, and
   /// those of a node by itself are lost.
