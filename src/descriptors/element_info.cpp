@@ -4,6 +4,7 @@
 #include <cstring>
 #include <typeinfo>
 
+#include "descriptors/known_element.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
@@ -68,8 +69,8 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
   if (element == nullptr) return false;
+  if (IsKnown(element)) return true;  // documents repeat themselves
   CXmlName const& name = element->GetNames();
-  if (name.member == m_number) return true;  // documents repeat themselves: this is a percent of reading
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
   if (name.memory != nullptr) name.member = m_number;  // elements without a name share one, also between threads

@@ -1,4 +1,5 @@
 #include "binding/failed_scans.h"
+#include "descriptors/known_element.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/xmlio/document.h"
 
@@ -12,8 +13,14 @@ QN_ELEMENT_TO_XML(CElementInfoSeqPrimMnd) { return ElementToXmlPrim(ctx, holder,
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
   if (holderType == XmlElementType_Element) {
-    return !SeekRequiredElement(ctx, cursor) || TakePrimitive(holder, cursor);
+    if (!IsKnown(*cursor) && !SeekRequiredElement(ctx, cursor)) return true;
+    return TakePrimitive(holder, cursor);
   }
+  return ReadInGroup(ctx, holder, parent, cursor);
+}
+
+bool CElementInfoSeqPrimMnd::ReadInGroup(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                         CXmlElement* parent, CXmlElement** cursor) const {
   // In a holder without a tag the whole group may be absent. Unlike its enumeration and class sisters this member
   // skips unknown elements here, and never excuses a missing one.
   if (IsThisElement(ctx, *cursor)) return TakePrimitive(holder, cursor);

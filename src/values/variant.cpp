@@ -279,6 +279,10 @@ void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUt
 }
 
 void QnVariant::FromText(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
+  if (type == ItemType_string) {  // made where it stays
+    std::string scratch;
+    return SetHeld<std::string>(type, ApplyWhitespaceRule(rule, text, scratch));
+  }
   switch (type) {
 #define QN_VALUE_KIND(number, stem, Access, Held) \
     case ItemType_##stem: SetConverted<Held>(ItemType_##stem, TextConversions::stem##FromText(text, rule)); return;

@@ -108,11 +108,11 @@ CXmlElement* CXmlDocument::PushOpen(CXmlElement* element, CXmlElement* before) {
   return element;
 }
 
-void CXmlDocument::EndElement() {
+void CXmlDocument::EndFilteredElement() {
   CXmlElement* const element = OpenElementOrThrow();
   CXmlElement* const before = m_elementStack.back().before;
   m_elementStack.pop_back();
-  if (m_filter == nullptr || !AskFilter(element) || m_elementStack.empty()) return;
+  if (!AskFilter(element) || m_elementStack.empty()) return;
   CXmlElement* const parent = m_elementStack.back().element;
   if (parent->m_lastChild == element) parent->RemoveLastChild(before)->Dispose();
 }

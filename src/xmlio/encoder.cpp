@@ -206,6 +206,13 @@ bool CUtf8ToLocal::IsSameExcludingCR(std::string_view utf8) const {
   return isSame && utf8.find_first_of(std::string_view("\r\0", 2)) == std::string_view::npos;
 }
 
+void CUtf8ToLocal::AppendUnplain(CXmlElement& target, std::string_view utf8) const {
+  if (IsSameExcludingCR(utf8)) return target.AppendText(utf8);
+  std::string local;
+  AppendExcludingCR(local, utf8);
+  target.AppendText(local);
+}
+
 void CUtf8ToLocal::AppendExcludingCR(std::string& target, std::string_view utf8) const {
   std::size_t const start = target.size();
   Append(target, utf8);

@@ -124,7 +124,10 @@ void CExpatReader::FnEndCDATA(void* self) {
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {
   CXmlName const* const known = m_names.Find(whole);
-  if (known != nullptr) return known;
+  return known != nullptr ? known : NewName(whole);
+}
+
+CXmlName const* CExpatReader::NewName(XML_Char const* whole) {
   SplitName const parts = Split(whole);
   return m_names.Add(whole, m_document.ShareName(m_toLocal(parts.namespaceUri), m_toLocal(parts.localName)));
 }

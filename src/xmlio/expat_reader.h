@@ -47,6 +47,7 @@ class CExpatReader {
   static void Guarded(void* self, Action action) noexcept;
   XML_Status Feed(bool isFinal);
   CXmlName const* NameOf(XML_Char const* whole);
+  [[gnu::noinline]] CXmlName const* NewName(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
 

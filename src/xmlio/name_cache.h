@@ -27,8 +27,7 @@ class CNameCache {
         return likely->name;
       }
     }
-    auto const found = m_entries.find(std::string_view(whole));
-    return found != m_entries.end() ? Follow(found->second) : nullptr;
+    return FindInMap(whole);
   }
 
   CXmlName const* Add(char const* whole, CXmlName const* name) {
@@ -38,6 +37,11 @@ class CNameCache {
   }
 
  private:
+  [[gnu::noinline]] CXmlName const* FindInMap(char const* whole) {
+    auto const found = m_entries.find(std::string_view(whole));
+    return found != m_entries.end() ? Follow(found->second) : nullptr;
+  }
+
   struct Entry {
     std::string whole;
     CXmlName const* name;

@@ -86,7 +86,8 @@ void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
 }
 
 /// AppendPlain() of the first text, as nearly all are.
-inline bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
+bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
+  if (text.size() > kMostBytes) return false;
   std::size_t const granules = text.size() / CTreeMemory::kGranule + 1;
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
   if (CopyBlocks(bytes, text, HasUnplain()) != text.size()) {
@@ -99,8 +100,7 @@ inline bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
   return true;
 }
 
-bool CNodeText::AppendPlain(std::string_view text, CTreeMemory* memory) {
-  if (m_place == nullptr && text.size() <= kMostBytes && memory != nullptr) return SetPlain(text, *memory);
+bool CNodeText::AppendMorePlain(std::string_view text, CTreeMemory* memory) {
   if (IsPart(text)) return false;
   char* const to = Reserve(text.size(), memory);
   if (to == nullptr) return false;

@@ -43,7 +43,7 @@ void StoreBlock(char* to, Block block) {
 
 /// CopyBlocks() for less than eight bytes.
 template <class Stops>
-std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
+[[gnu::always_inline]] inline std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
   std::size_t const length = text.size();
   char const* const from = text.data();
   if (length >= 4) {
@@ -66,7 +66,7 @@ std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
 /// Copy \p text to \p to, which has room for it and does not overlap it, up to a block of eight bytes that \p stops
 /// tells of. Returns how many bytes were copied.
 template <class Stops>
-std::size_t CopyBlocks(char* to, std::string_view text, Stops stops) {
+[[gnu::always_inline]] inline std::size_t CopyBlocks(char* to, std::string_view text, Stops stops) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);
   std::size_t const length = text.size();
   if (length < kBlock) return CopyLessThanBlock(to, text, stops);

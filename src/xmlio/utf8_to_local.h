@@ -21,10 +21,7 @@ class CUtf8ToLocal {
   /// Behind the text of \p target.
   void AppendExcludingCR(CXmlElement& target, std::string_view utf8) const {
     if (m_kind != Kind::kOther && target.AppendPlainText(utf8)) return;  // one look at it: two percent of reading
-    if (IsSameExcludingCR(utf8)) return target.AppendText(utf8);
-    std::string local;
-    AppendExcludingCR(local, utf8);
-    target.AppendText(local);
+    AppendUnplain(target, utf8);
   }
   /// Whether the text would stay as it is, and has no carriage return. It may say no where it would.
   bool IsSameExcludingCR(std::string_view utf8) const;
@@ -35,6 +32,7 @@ class CUtf8ToLocal {
   }
 
  private:
+  void AppendUnplain(CXmlElement& target, std::string_view utf8) const;
   enum class Kind { kSame, kUtf8, kAscii, kOther };
   static Kind Find();
 

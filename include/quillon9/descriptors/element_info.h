@@ -133,6 +133,8 @@ class QUILLON9_API CElementInfo {
   ///@}
 
  protected:
+  /// Whether \p element, which may be null, is known to be this one: IsThisElement() in a few steps.
+  bool IsKnown(CXmlElement const* element) const;
   /// Move \p cursor to this mandatory element of a holder with a tag. False when its absence is ignored, with the
   /// cursor untouched. Elements in front of it are skipped where unknown ones are ignored.
   /// \throws CQnValidationException "Failed to find a required element [%s]".
@@ -297,6 +299,10 @@ class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_TYPED_OVERRIDES
+
+ private:
+  bool ReadInGroup(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
+                   CXmlElement** cursor) const;
 };
 
 /// A value, optional, in a sequence.

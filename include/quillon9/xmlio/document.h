@@ -110,7 +110,11 @@ class QUILLON9_API CXmlDocument {
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
-  void EndElement();
+  void EndElement() {
+    if (m_filter != nullptr) return EndFilteredElement();
+    OpenElementOrThrow();
+    m_elementStack.pop_back();
+  }
   /// Close the innermost open element, without the filter.
   /// \throws CQnException "No element is open".
   void CloseElement();
@@ -163,6 +167,7 @@ class QUILLON9_API CXmlDocument {
   }
   [[noreturn]] static void ThrowNoneOpen();
   CXmlElement* PushOpen(CXmlElement* element, CXmlElement* before);
+  void EndFilteredElement();
   bool AskFilter(CXmlElement* element);
   void CheckDepth() const;
   void StartCounting();

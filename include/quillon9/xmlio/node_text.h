@@ -35,7 +35,9 @@ class QUILLON9_API CNodeText {
   void Append(std::string_view text, CTreeMemory* memory);
   /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is
   /// another one, or has to become a string: nothing has changed then.
-  bool AppendPlain(std::string_view text, CTreeMemory* memory);
+  bool AppendPlain(std::string_view text, CTreeMemory* memory) {
+    return m_place == nullptr && memory != nullptr ? SetPlain(text, *memory) : AppendMorePlain(text, memory);
+  }
   /// Give all memory back; the text is empty then. Where it is not called, the bytes go with the tree's memory, and
   /// those of a node by itself are lost.
   void Free(CTreeMemory* memory) noexcept;
@@ -49,6 +51,7 @@ class QUILLON9_API CNodeText {
   char* Reserve(std::size_t size, CTreeMemory* memory);
   void Commit(char* end);
   bool SetPlain(std::string_view text, CTreeMemory& memory);
+  bool AppendMorePlain(std::string_view text, CTreeMemory* memory);
   void Move(std::size_t size, CTreeMemory& memory);
 
   char* Bytes() const { return static_cast<char*>(m_place); }
