@@ -113,18 +113,13 @@ std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string
   }
 }
 
-void WriteAtOnce(CXmlTextWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+template <class Writer>
+void WriteAtOnce(Writer& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                  char const* format) {
   char room[kGeneralRoom];
   std::string_view const text = TextAtHand(value, format, room);
-  if (text.data() != nullptr) return writer.WriteTextElement(name, ns, text);
-  writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format));
-}
-
-void WriteAtOnce(CFastInfosetWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
-                 char const* format) {
   ItemType const type = value.GetItemType();
-  if (type == ItemType_string) return writer.WriteTextElement(name, ns, value.GetString(), type);
+  if (text.data() != nullptr) return writer.WriteTextElement(name, ns, text, type);
   writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format), type);
 }
 
@@ -164,7 +159,7 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
     throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
   }
   if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    textWriter->WriteTextElement(m_elementName, m_namespace, text);
+    textWriter->WriteTextElement(m_elementName, m_namespace, text, ItemType_string);
     return true;
   }
   writer->WriteStartElement(m_elementName, m_namespace);

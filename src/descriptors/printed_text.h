@@ -30,12 +30,15 @@ class PrintedText {
 };
 
 /// The text of a value of the commonest kinds, without a string: of one that prints into \p room, or the string that
-/// the value holds. A text without data for all others.
+/// the value holds; there is a zero behind it. A text without data for all others.
 inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
                                    char (&room)[Quillon9::kGeneralRoom]) {
   using namespace Quillon9;
-  auto const printed = [&](char const* end) { return std::string_view(room, static_cast<std::size_t>(end - room)); };
-  auto const integer = [&](auto number) { return printed(std::to_chars(room, room + sizeof room, number).ptr); };
+  auto const printed = [&](char* end) {
+    *end = '\0';
+    return std::string_view(room, static_cast<std::size_t>(end - room));
+  };
+  auto const integer = [&](auto number) { return printed(std::to_chars(room, room + sizeof room - 1, number).ptr); };
   switch (value.GetItemType()) {
     case ItemType_string: return value.GetString();
     case ItemType_boolean: return value.GetBoolean() ? "true" : "false";

@@ -192,12 +192,12 @@ void CFastInfosetWriter::WriteEndElement() {
 }
 
 void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
-                                          std::string const& value, ItemType type) {
+                                          std::string_view value, ItemType type) {
   WriteElement(false);
   std::string const* prefix = nullptr;
   if (m_context == nullptr || !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
     CFastInfosetWriter::WriteStartElement(localName, namespaceUri);
-    CFastInfosetWriter::WriteString(value, type);
+    CFastInfosetWriter::WriteString(std::string(value), type);
     CFastInfosetWriter::WriteEndElement();
     return;
   }
@@ -205,7 +205,7 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   ++m_context->m_childCount;
   CloseTag();
   RequireRoomForChild();
-  WriteTextChild(prefix != nullptr ? *prefix : NoPrefix(), localName, namespaceUri, value.c_str(), type);
+  WriteTextChild(prefix != nullptr ? *prefix : NoPrefix(), localName, namespaceUri, value.data(), type);
   m_terminatorPending = true;
   m_output->FlushIfFull();
 }

@@ -253,7 +253,7 @@ void CXmlTextWriter::AppendText(std::string_view text) {
 // An element that gets neither attributes nor children needs no context, and one look at the room left does for all of
 // it: 10 % of the instructions of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
-                                      std::string_view value) {
+                                      std::string_view value, ItemType) {
   std::string const* prefix = nullptr;
   bool const isKnown = m_context != nullptr && FindPrefixOfChild(*m_context, namespaceUri, prefix);
   if (!isKnown || m_streamFlushes) return WriteTextInSteps(localName, namespaceUri, value);

@@ -43,7 +43,9 @@ class Doc {
   Doc& Nil() { return m_writer.WriteAttributeNil(), *this; }
   Doc& Schema(char const* text) { return m_writer.WriteInlineSchema(text), *this; }
   Doc& Text(std::string const& text) { return m_writer.WriteString(text, ItemType_string), *this; }
-  Doc& Child(char const* name, char const* text) { return m_writer.WriteTextElement(name, "", text), *this; }
+  Doc& Child(char const* name, char const* text) {
+    return m_writer.WriteTextElement(name, "", text, ItemType_string), *this;
+  }
   Doc& Raw(std::string const& text) { return m_writer.CloseParentElm(), m_writer.WriteRawElement(text), *this; }
   Doc& End(int count = 1) {
     while (count-- > 0) m_writer.WriteEndElement();
@@ -236,7 +238,7 @@ TEST(TextWriter, TextElementsAtOnce) {
     writer.WriteStartElement("parent", names.parent);
     for (std::string const& value : values) {
       if (atOnce) {
-        writer.WriteTextElement("child", names.child, value);
+        writer.WriteTextElement("child", names.child, value, ItemType_string);
         continue;
       }
       writer.WriteStartElement("child", names.child);

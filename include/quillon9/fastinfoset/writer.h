@@ -73,9 +73,9 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeNil() override;
 
   /// The same as WriteStartElement(), WriteString() and WriteEndElement() in a row, at less cost. What a derived class
-  /// overrides is not called.
+  /// overrides is not called. There is a zero behind \p value.
   /// \throws CQnException as these.
-  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string const& value,
+  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type);
 
   /// Write the header, with the declaration \p decl in front of it.

@@ -143,8 +143,8 @@ class QUILLON9_API CXmlDocument {
  private:
   struct OpenElement {
     CXmlElement* element;
-    CXmlElement*
-        before;  ///< the child of the same parent in front of it, so that a filter that drops many stays linear
+    /// The child of the same parent in front of it, so that a filter that drops many stays linear.
+    CXmlElement* before;
   };
 
   friend class CXmlObjectBase;  // which reads from bytes that outlive its document

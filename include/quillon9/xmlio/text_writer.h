@@ -65,7 +65,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// The same as WriteStartElement(), WriteString() and WriteEndElement() in a row, at less than half of their cost.
   /// What a derived class overrides is not called.
   /// \throws CQnException as WriteStartElement().
-  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value);
+  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                        ItemType type);
   /// Count a child of the open element and close its start tag. Does nothing when no element is open.
   void CloseParentElm();
   /// Append \p text up to its NUL, escaped; null is an empty text. `"`, `&`, `<` and `>` become entity references
