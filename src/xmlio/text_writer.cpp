@@ -250,8 +250,8 @@ void CXmlTextWriter::AppendText(std::string_view text) {
   }
 }
 
-// An element that gets neither attributes nor children needs no context, and one look at the room left does for all of
-// it: 10 % of the instructions of writing.
+// An element that gets neither attributes nor children needs no context unless it can fail half-way, and one look at the
+// room left does for all of it: 10 % of the instructions of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                       std::string_view value, ItemType) {
   std::string const* prefix = nullptr;
@@ -278,7 +278,10 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
   std::size_t const plain = CopyBlocks(end, value.substr(0, copied), HasMarkup());
   end += plain;
   if (plain == value.size()) return Commit(start, PutEndTag(end, written));
+  CXmlWriterContext* const context = NewContext(localName, namespaceUri);  // stays open where the rest fails
   Commit(start, end);
+  context->m_tagOpen = false;
+  m_context = context;
   if (plain == 0) {
     AppendText(value);
   } else {
@@ -286,6 +289,7 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
   }
   char* const rest = m_stream->Reserve(tag + kCopyBlock);
   Commit(rest, PutEndTag(rest, written));
+  PopContext();
 }
 
 char* CXmlTextWriter::PutEndTag(char* to, std::string_view name) const {

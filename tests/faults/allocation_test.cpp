@@ -10,6 +10,7 @@
 #include <memory>
 #include <new>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -261,6 +262,27 @@ TEST(Allocation, Writing) {
   };
   ExpectAllShortagesReported(rows);
   std::remove(OrderFile().c_str());
+}
+
+// Otherwise a document that was cut short would close without complaint.
+TEST(Allocation, ElementThatFailsHalfWayStaysOpen) {
+  std::string const text(3000000, '<');
+  int halfWay = 0;
+  bool hasFailed = true;
+  for (unsigned long passing = 0; hasFailed; ++passing) {
+    CTextStream stream;
+    CXmlTextWriter writer(stream);
+    writer.WriteStartElement("r", "");
+    hasFailed = !FailureOf([&] {
+                   FailingAllocations const shortage(passing, Shortage::One);
+                   writer.WriteTextElement("a", "", text, ItemType_string);
+                 }).empty();
+    writer.WriteEndElement();
+    bool const isHalfWay = hasFailed && std::string_view(stream.GetText()).find("<a>") != std::string_view::npos;
+    EXPECT_EQ(isHalfWay, !FailureOf([&] { writer.Close(); }).empty()) << passing;
+    if (isHalfWay) ++halfWay;
+  }
+  EXPECT_GT(halfWay, 1);
 }
 
 // ---- Values
