@@ -2,7 +2,6 @@
 
 #include <vector>
 
-#include "binding/fast_thread_local.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -71,7 +70,7 @@ class FailedScans {
     return nullptr;
   }
 
-  QN_FAST_THREAD_LOCAL inline static thread_local FailedScans* t_current = nullptr;
+  inline static thread_local FailedScans* t_current = nullptr;
 
   FailedScans* m_outer;
   std::vector<Scan> m_scans;

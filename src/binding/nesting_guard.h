@@ -2,7 +2,6 @@
 
 #include <cstdint>
 
-#include "binding/fast_thread_local.h"
 #include "binding/nesting_failure.h"
 #include "binding/stack_left.h"
 #include "quillon9/binding/exceptions.h"
@@ -43,7 +42,7 @@ class NestingGuard {
     std::uint32_t groups;
     std::uint32_t all;
   };
-  QN_FAST_THREAD_LOCAL inline static thread_local Levels t_levels = {0, 0, 0};
+  inline static thread_local Levels t_levels = {0, 0, 0};
 
   Levels& m_levels;  // those of the thread, found once
   Levels m_outer;

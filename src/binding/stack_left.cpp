@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "binding/fast_thread_local.h"
-
 namespace Quillon9 {
 
 namespace {
@@ -31,7 +29,7 @@ Stack FindStack() {
   return stack;
 }
 
-QN_FAST_THREAD_LOCAL thread_local Stack t_stack;
+thread_local Stack t_stack;
 
 /// Asked for once a thread: for the main thread libc reads a file.
 Stack const& ThreadStack() {
