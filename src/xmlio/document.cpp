@@ -124,11 +124,6 @@ bool CXmlDocument::AskFilter(CXmlElement* element) {
   return answer;
 }
 
-void CXmlDocument::CloseElement() {
-  OpenElementOrThrow();
-  m_elementStack.pop_back();
-}
-
 void CXmlDocument::StartCounting() {
   m_contentSize = 0;
   m_contentLimit = std::max(CLimits::GetMaxContentSize(), std::uint64_t{CLimits::GetMaxContentGrowth()} * m_inputSize);

@@ -21,6 +21,14 @@ CXmlName const* NoName() {
   return name;
 }
 
+/// In what CXmlElement knows its attributes by: it is not the last one but the table of them.
+constexpr std::uintptr_t kIsAttributeTable = 1;
+
+CTreeAttributes* TableOf(std::uintptr_t attributes) {
+  bool const isTable = (attributes & kIsAttributeTable) != 0;
+  return isTable ? reinterpret_cast<CTreeAttributes*>(attributes & ~kIsAttributeTable) : nullptr;
+}
+
 /// The element of a tree that a delete expression is about: its destructor tells where the storage came from, which
 /// `operator delete` could not find out any more.
 thread_local struct {
@@ -120,8 +128,8 @@ void CXmlElement::AppendText(char const* text, int length) {
 // ---- Its attributes
 
 CXmlAttribute* CXmlElement::LastAttribute() const {
-  if ((m_attributes & kIsTable) == 0) return reinterpret_cast<CXmlAttribute*>(m_attributes);
-  return reinterpret_cast<CTreeAttributes*>(m_attributes & ~kIsTable)->table.back();
+  CTreeAttributes* const held = TableOf(m_attributes);
+  return held != nullptr ? held->table.back() : reinterpret_cast<CXmlAttribute*>(m_attributes);
 }
 
 CXmlAttribute* CXmlElement::GetFirstAttribute() const {
@@ -132,14 +140,14 @@ CXmlAttribute* CXmlElement::GetFirstAttribute() const {
 std::vector<CXmlAttribute*> const& CXmlElement::GetAttributes() const {
   static auto const* const none = new std::vector<CXmlAttribute*>;
   if (m_attributes == 0) return *none;
-  if ((m_attributes & kIsTable) == 0) {
+  if (TableOf(m_attributes) == nullptr) {
     auto attributes = std::make_unique<CTreeAttributes>(Memory());
     for (auto* next = GetFirstAttribute(); next != nullptr; next = next->GetNextAttribute()) {
       attributes->table.push_back(next);
     }
-    m_attributes = reinterpret_cast<std::uintptr_t>(attributes.release()) | kIsTable;
+    m_attributes = reinterpret_cast<std::uintptr_t>(attributes.release()) | kIsAttributeTable;
   }
-  return reinterpret_cast<CTreeAttributes*>(m_attributes & ~kIsTable)->table;
+  return TableOf(m_attributes)->table;
 }
 
 std::string const& CXmlElement::GetAttribute(std::string const& localName, std::string const& namespaceUri) const {
@@ -167,8 +175,8 @@ void CXmlElement::AddAttribute(CXmlName const* name, std::string_view value) {
 void CXmlElement::LinkAttribute(CXmlAttribute* attribute) {
   auto const place = reinterpret_cast<std::uintptr_t>(attribute);
   CXmlAttribute* const last = m_attributes != 0 ? LastAttribute() : nullptr;
-  if ((m_attributes & kIsTable) != 0) {
-    reinterpret_cast<CTreeAttributes*>(m_attributes & ~kIsTable)->table.push_back(attribute);
+  if (CTreeAttributes* const held = TableOf(m_attributes)) {
+    held->table.push_back(attribute);
   } else {
     m_attributes = place;
   }
@@ -227,7 +235,7 @@ void CXmlElement::FreeContents() noexcept {
     next = attribute->GetNextAttribute();
     attribute->Dispose();
   }
-  if ((m_attributes & kIsTable) != 0) delete reinterpret_cast<CTreeAttributes*>(m_attributes & ~kIsTable);
+  delete TableOf(m_attributes);
   m_text.Free(Memory());
   if (Memory() == nullptr && m_name != NoName()) delete m_name;
 }

@@ -12,6 +12,7 @@
 
 #include "xmlio/byte_blocks.h"
 #include "xmlio/local_to_utf8.h"
+#include "xmlio/text_copy.h"
 #include "xmlio/utf8_scan.h"
 #include "xmlio/utf8_to_local.h"
 
@@ -179,10 +180,7 @@ void CEncoder::AppendUtf8ToLocalCodePage(std::string& target, char const* text, 
 namespace {
 
 // ASCII without zeros and carriage returns.
-bool IsPlain(std::string_view text) {
-  using namespace ByteBlocks;
-  return !Any(text, ' ', [](std::uint64_t block) { return Equal(block, '\r') | Below(block, 1) | block; });
-}
+bool IsPlain(std::string_view text) { return !ByteBlocks::Any(text, ' ', FindUnplain); }
 
 }  // namespace
 

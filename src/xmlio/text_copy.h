@@ -28,12 +28,15 @@ struct HasMarkup {
   }
 };
 
-/// Whether one of the eight bytes is zero, a carriage return or not ASCII.
+/// For ByteBlocks::Any(): bytes that are zero, a carriage return or not ASCII.
+constexpr std::uint64_t FindUnplain(std::uint64_t block) {
+  using namespace ByteBlocks;
+  return Equal(block, '\r') | Below(block, 1) | block;
+}
+
+/// Whether one of the eight bytes is such a one.
 struct HasUnplain {
-  bool operator()(std::uint64_t block) const {
-    using namespace ByteBlocks;
-    return ((Equal(block, '\r') | Below(block, 1) | block) & kHighBits) != 0;
-  }
+  bool operator()(std::uint64_t block) const { return (FindUnplain(block) & ByteBlocks::kHighBits) != 0; }
 };
 
 template <class Block>

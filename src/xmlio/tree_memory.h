@@ -91,7 +91,7 @@ class CTreeMemory {
     return storage;
   }
   void Free(void* storage, std::size_t size) noexcept;
-  /// The same for a node by itself.
+  /// The same for a node by itself. Behind calls, since compilers take what an `operator new` shows for a mismatch.
   ///@{
   static void* AllocateAlone(std::size_t size);
   static void FreeAlone(void* storage) noexcept;

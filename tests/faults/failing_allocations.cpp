@@ -6,13 +6,7 @@
 #include <cstdlib>
 #include <new>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define QN_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QN_ADDRESS_SANITIZER 1
-#endif
-#endif
+#include "xmlio/address_sanitizer.h"  // QN_ADDRESS_SANITIZER
 
 namespace {
 

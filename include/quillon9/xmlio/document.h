@@ -111,13 +111,18 @@ class QUILLON9_API CXmlDocument {
   /// Close the innermost open element and show it to the filter.
   /// \throws CQnException "No element is open".
   void EndElement() {
-    if (m_filter != nullptr) return EndFilteredElement();
-    OpenElementOrThrow();
-    m_elementStack.pop_back();
+    if (m_filter != nullptr) {
+      EndFilteredElement();
+    } else {
+      CloseElement();
+    }
   }
   /// Close the innermost open element, without the filter.
   /// \throws CQnException "No element is open".
-  void CloseElement();
+  void CloseElement() {
+    OpenElementOrThrow();
+    m_elementStack.pop_back();
+  }
   std::size_t GetOpenElementCount() const { return m_elementStack.size(); }
   /// The innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back().element; }

@@ -149,7 +149,6 @@ class QUILLON9_API CXmlElement {
   friend class CTreeMemory;
   static constexpr std::uintptr_t kIsLast = 1;
   static constexpr std::uintptr_t kIsAlone = 1;
-  static constexpr std::uintptr_t kIsTable = 1;
 
   /// An element in \p memory with a name that is shared there.
   CXmlElement(CTreeMemory& memory, CXmlName const* name) noexcept
@@ -172,7 +171,7 @@ class QUILLON9_API CXmlElement {
   // 64 bytes: half of what a node took that held strings and a vector, and five percent of the time of reading.
   std::uintptr_t m_next = kIsLast;  // the next sibling; of the last one, the first one with the bit kIsLast
   CXmlElement* m_lastChild = nullptr;
-  mutable std::uintptr_t m_attributes = 0;  // the last attribute, or with the bit kIsTable the CTreeAttributes
+  mutable std::uintptr_t m_attributes = 0;  // the last one, or with the lowest bit the CTreeAttributes
   CXmlName const* m_name;
   CNodeText m_text;
   std::uintptr_t m_origin;  // the CTreeMemory; with the bit kIsAlone the document of an element by itself
