@@ -250,8 +250,8 @@ void CXmlTextWriter::AppendText(std::string_view text) {
   }
 }
 
-// An element that gets neither attributes nor children needs no context unless it can fail half-way, and one look at the
-// room left does for all of it: 10 % of the instructions of writing.
+// An element that gets neither attributes nor children needs no context unless it can fail half-way, and one look at
+// the room left does for all of it: 10 % of the instructions of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                       std::string_view value, ItemType) {
   std::string const* prefix = nullptr;
