@@ -16,36 +16,33 @@ namespace Quillon9 {
 class NestingGuard {
  public:
   /// \p hasTag is whether an element is entered, and not a group without a tag.
-  explicit NestingGuard(bool hasTag) : m_levels(t_levels), m_outer(m_levels) {
-    ++m_levels.all;
-    if (hasTag) {
-      ++m_levels.elements;
-      m_levels.groups = 0;
-    } else {
-      ++m_levels.groups;
-    }
+  explicit NestingGuard(bool hasTag)
+      : m_nesting(ThreadNesting::OfThread()), m_groups(m_nesting.groups), m_hasTag(hasTag) {
+    ++m_nesting.all;
+    m_nesting.elements += hasTag;
+    m_nesting.groups = hasTag ? 0 : m_groups + 1;
     std::uint32_t const limit = CLimits::GetMaxElementDepth();
-    bool const isWithinTotal = m_levels.all / 4 <= limit;
-    bool const isWithinLimit = m_levels.elements <= limit && m_levels.groups <= limit && isWithinTotal;
-    if (isWithinLimit && !IsStackShort()) return;
-    m_levels = m_outer;
+    bool const isWithinTotal = m_nesting.all / 4 <= limit;
+    bool const isWithinLimit = m_nesting.elements <= limit && m_nesting.groups <= limit && isWithinTotal;
+    if (isWithinLimit && !m_nesting.stack.IsShort()) return;
+    Leave();
     if (isWithinLimit) throw CQnException("The element nesting exceeds the stack of the thread");
     ThrowNestedTooDeep(limit);
   }
-  ~NestingGuard() { m_levels = m_outer; }
+  ~NestingGuard() { Leave(); }
   NestingGuard(NestingGuard const&) = delete;
   NestingGuard& operator=(NestingGuard const&) = delete;
 
  private:
-  struct Levels {
-    std::uint32_t elements;
-    std::uint32_t groups;
-    std::uint32_t all;
-  };
-  inline static thread_local Levels t_levels = {0, 0, 0};
+  void Leave() {
+    --m_nesting.all;
+    m_nesting.elements -= m_hasTag;
+    m_nesting.groups = m_groups;
+  }
 
-  Levels& m_levels;  // those of the thread, found once
-  Levels m_outer;
+  ThreadNesting& m_nesting;
+  std::uint32_t const m_groups;  // around this one
+  bool const m_hasTag;
 };
 
 }  // namespace Quillon9

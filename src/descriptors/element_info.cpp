@@ -113,14 +113,15 @@ std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string
   }
 }
 
-template <class Writer>
-void WriteAtOnce(Writer& writer, std::string const& name, std::string const& ns, QnVariant const& value,
-                 char const* format) {
+// Hands the text of `value` and its type to `write`.
+template <class Write>
+void WriteAtOnce(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
+                 char const* format, Write write) {
   char room[kGeneralRoom];
   std::string_view const text = TextAtHand(value, format, room);
   ItemType const type = value.GetItemType();
-  if (text.data() != nullptr) return writer.WriteTextElement(name, ns, text, type);
-  writer.WriteTextElement(name, ns, PrintOrFail(writer, name, ns, value, format), type);
+  if (text.data() != nullptr) return write(text, type);
+  write(PrintOrFail(writer, name, ns, value, format), type);
 }
 
 }  // namespace
@@ -132,9 +133,13 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   if (!value.IsValid()) return false;
   CheckRestriction(value);
   if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    WriteAtOnce(*textWriter, m_elementName, m_namespace, value, m_format);
+    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
+      textWriter->WriteTextElement(m_elementName, m_namespace, text, type);
+    });
   } else if (auto* const infosetWriter = AsPlain<CFastInfosetWriter>(writer)) {
-    WriteAtOnce(*infosetWriter, m_elementName, m_namespace, value, m_format);
+    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
+      infosetWriter->WriteTextElement(m_elementName, m_namespace, text, type, m_number);
+    });
   } else {
     writer->WriteStartElement(m_elementName, m_namespace);
     writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());

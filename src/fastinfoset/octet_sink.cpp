@@ -45,10 +45,9 @@ void COctetSink::Integer1To2pw20Bit2(std::uint32_t leading, unsigned long value)
   }
 }
 
-void COctetSink::Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value) {
-  if (value < fi::kInteger3Medium.m_first) {
-    Octet(leading | static_cast<std::uint32_t>(value - 1));
-  } else if (value < fi::kInteger3Large.m_first) {
+// Of more than one octet.
+void COctetSink::LongIntegerBit3(std::uint32_t leading, unsigned long value) {
+  if (value < fi::kInteger3Large.m_first) {
     Stored(fi::kInteger3Medium, leading, value, 1);
   } else if (value < fi::kInteger3Huge.m_first) {
     Stored(fi::kInteger3Large, leading, value, 2);
@@ -59,10 +58,9 @@ void COctetSink::Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value)
   }
 }
 
-void COctetSink::Integer1To2pw20Bit4(std::uint32_t leading, unsigned long value) {
-  if (value < fi::kInteger4Medium.m_first) {
-    Octet(leading | static_cast<std::uint32_t>(value - 1));
-  } else if (value < fi::kInteger4Large.m_first) {
+// Of more than one octet.
+void COctetSink::LongIntegerBit4(std::uint32_t leading, unsigned long value) {
+  if (value < fi::kInteger4Large.m_first) {
     Stored(fi::kInteger4Medium, leading, value, 1);
   } else if (value < fi::kInteger4Huge.m_first) {
     Stored(fi::kInteger4Large, leading, value, 2);
@@ -105,25 +103,6 @@ void COctetSink::NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view
 
 void COctetSink::NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets) {
   OctetString(leading, octets, fi::kLength5Medium, fi::kLength5Large);
-}
-
-bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view text) {
-  if (text.empty() || text.size() >= fi::kLength7Large.m_first) return false;
-  std::size_t const start = m_size;
-  Reserve(text.size() + 2);
-  if (text.size() < fi::kLength7Medium.m_first) {
-    Octet(leading | static_cast<std::uint32_t>(text.size() - 1));
-  } else {
-    Octet(leading | fi::kLength7Medium.m_pattern);
-    Octet(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
-  }
-  auto const isOther = [](std::uint64_t block) { return (block & ByteBlocks::kHighBits) != 0; };
-  if (CopyBlocks(m_octets.get() + m_size, text, isOther) != text.size()) {
-    m_size = start;
-    return false;
-  }
-  m_size += text.size();
-  return true;
 }
 
 void COctetSink::NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets) {

@@ -44,8 +44,14 @@ class COctetSink {
   /// \p value is 1 to 2^20, or from 0 for the last one.
   void Integer1To2pw20Bit2(std::uint32_t leading, unsigned long value);
   /// The longest form, above 526,368, stores one more than the standard's; readers of this library do not undo it.
-  void Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value);
-  void Integer1To2pw20Bit4(std::uint32_t leading, unsigned long value);
+  void Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value) {
+    if (value >= fi::kInteger3Medium.m_first) return LongIntegerBit3(leading, value);
+    Octet(leading | static_cast<std::uint32_t>(value - 1));
+  }
+  void Integer1To2pw20Bit4(std::uint32_t leading, unsigned long value) {
+    if (value >= fi::kInteger4Medium.m_first) return LongIntegerBit4(leading, value);
+    Octet(leading | static_cast<std::uint32_t>(value - 1));
+  }
   void Integer0To2pw20Bit2(std::uint32_t leading, unsigned long value);
 
   /// The length and the octets.
@@ -54,13 +60,15 @@ class COctetSink {
   void NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets);
-  /// The last one for what is ASCII, looked at while it is copied, and not empty. False for other text: nothing has
-  /// changed then.
+  /// The last one for what is ASCII without zero bytes, looked at while it is copied, and not empty. False for other
+  /// text: nothing has changed then.
   bool AsciiStringBit7(std::uint32_t leading, std::string_view text);
 
  private:
   static constexpr std::size_t kBlockSize = 4096;
 
+  void LongIntegerBit3(std::uint32_t leading, unsigned long value);
+  void LongIntegerBit4(std::uint32_t leading, unsigned long value);
   void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
   void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
 
@@ -75,5 +83,27 @@ class COctetSink {
   std::size_t m_size = 0;
   std::size_t m_capacity = 0;
 };
+
+// Here for the one place where most values of a document come by.
+inline bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view text) {
+  if (text.empty() || text.size() >= fi::kLength7Large.m_first) return false;
+  std::size_t const start = m_size;
+  Reserve(text.size() + 2);
+  if (text.size() < fi::kLength7Medium.m_first) {
+    Octet(leading | static_cast<std::uint32_t>(text.size() - 1));
+  } else {
+    Octet(leading | fi::kLength7Medium.m_pattern);
+    Octet(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
+  }
+  auto const isOther = [](std::uint64_t block) {
+    return ((block | ByteBlocks::Below(block, 1)) & ByteBlocks::kHighBits) != 0;
+  };
+  if (CopyBlocks(m_octets.get() + m_size, text, isOther) != text.size()) {
+    m_size = start;
+    return false;
+  }
+  m_size += text.size();
+  return true;
+}
 
 }  // namespace Quillon9

@@ -21,7 +21,7 @@ constexpr std::size_t kLetters = 26;
 // Six letters number 300 million prefixes, which stays within an int and beyond any map.
 constexpr std::size_t kLongestGenerated = 6;
 
-/// Numbers the default namespaces of all scopes. From 1.
+/// Numbers the states of all scopes. From 1.
 std::uint64_t NextState() {
   static std::atomic<std::uint64_t> last{0};
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
@@ -69,7 +69,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_ownScope(new CNamespaceScope(map)),
       m_scopeOwner(this),
       m_inherits(false),
-      m_defaultState(NextState()) {}
+      m_scopeState(NextState()) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
   // A loop: how deep the chain is, the document decides.
@@ -88,8 +88,12 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
   if (!IsSameText(m_namespace, namespaceUri)) {  // which is as rare as a comparison with the default is then
     m_namespace = namespaceUri;
     m_comparedState = 0;
+    m_numberedState = 0;
   }
-  m_elementName = localName;  // seldom the same as before
+  if (!IsSameText(m_elementName, localName)) {
+    m_elementName = localName;
+    m_numberedState = 0;
+  }
   m_parent = parent;
   m_scopeOwner = parent->m_scopeOwner;
 }
@@ -100,14 +104,14 @@ void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
   m_ownScope = std::make_unique<CNamespaceScope>(m_scopeOwner->m_ownScope.get());
   m_scopeOwner = this;
   m_defaultNamespace = std::move(defaultNamespace);
-  m_defaultState = NextState();
+  m_scopeState = NextState();
   m_inherits = false;
 }
 
 // Remembered from the start of the element for its end, and for the next element that takes this context over.
 void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
   m_needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
-  m_comparedState = m_scopeOwner->m_defaultState;
+  m_comparedState = m_scopeOwner->m_scopeState;
 }
 
 std::map<std::string, std::string> const& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const {
@@ -119,22 +123,25 @@ std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& 
 }
 
 std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
+  m_scopeOwner->m_scopeState = NextState();
   return m_scopeOwner->m_ownScope->At(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
   TakeOwnScope();
   m_defaultNamespace = uri;
-  m_defaultState = NextState();
+  m_scopeState = NextState();
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
   TakeOwnScope();
   m_scopeOwner->m_ownScope->Bind(uri, prefix);
+  m_scopeState = NextState();
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {
   TakeOwnScope();
+  m_scopeState = NextState();
   return m_scopeOwner->m_ownScope->BindToGenerated(uri);
 }
 

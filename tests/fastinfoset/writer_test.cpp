@@ -52,9 +52,10 @@ class Doc {
   Doc& Text(std::string const& text, ItemType type = ItemType_string) {
     return m_writer.WriteString(text, type), *this;
   }
-  Doc& Child(bool atOnce, std::string const& name, char const* ns, std::string const& text, ItemType type) {
+  Doc& Child(bool atOnce, std::string const& name, char const* ns, std::string const& text, ItemType type,
+             std::uint64_t member = 0) {
     if (!atOnce) return Start(name.c_str(), ns).Text(text, type).End();
-    return m_writer.WriteTextElement(name, ns, text, type), *this;
+    return m_writer.WriteTextElement(name, ns, text, type, member), *this;
   }
   Doc& End(int count = 1) {
     while (count-- > 0) m_writer.WriteEndElement();
@@ -278,6 +279,33 @@ TEST(FastInfosetWriter, TextElementsAtOnce) {
       EXPECT_EQ(write(false, defaultNamespace, parent), write(true, defaultNamespace, parent));
     }
   }
+}
+
+// Also when the bindings change between two elements of a member.
+TEST(FastInfosetWriter, MembersAreNumberedAnewInEachScope) {
+  auto const write = [](bool atOnce) {
+    Doc doc;
+    auto const children = [&](char const* text) {
+      doc.Child(atOnce, "b", "u", text, ItemType_string, 1);
+      doc.Child(atOnce, "b", "v", text, ItemType_string, 129);  // which share a place where names are remembered
+      doc.Child(atOnce, "b", "", text, ItemType_string, 2);
+    };
+    doc.Alias("p", "u").Start("a", "u");
+    for (int i = 0; i < 3; ++i) children("long enough to stand by itself");
+    children(std::string(2, '\0').c_str());
+    doc.Start("a", "u").Default("u");
+    for (int i = 0; i < 2; ++i) children("1");
+    doc.Start("a", "u").Default("").Attr("x", "v", "1");
+    for (int i = 0; i < 2; ++i) children("2");
+    doc.Alias("q", "u");
+    for (int i = 0; i < 2; ++i) children("3");
+    doc.Alias("r", "v").Start("a", "u");
+    children("4");
+    doc.End(2).Start("a", "u");
+    children("5");
+    return doc.End(3).Hexed();
+  };
+  EXPECT_EQ(write(false), write(true));
 }
 
 // A failure leaves the element open, started or written, as it left the one of three operations.

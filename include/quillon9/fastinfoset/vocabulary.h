@@ -42,11 +42,14 @@ class QUILLON9_API CFIIndexMap {
 
  private:
   struct Slot {
-    std::uint32_t m_hash = 0;
-    std::uint32_t m_index = 0;  // 0: free
+    std::uint64_t m_word = 0;    // the bytes of a text of up to eight, the hash of a longer one
+    std::uint32_t m_length = 0;  // of the text
+    std::uint32_t m_index = 0;   // 0: free
   };
 
-  std::size_t SlotFor(std::string_view text, std::uint32_t hash) const;
+  static Slot MakeSlot(std::string_view text, std::size_t index);
+  static std::uint64_t HashOf(Slot const& slot);
+  std::size_t SlotFor(std::string_view text, Slot const& wanted) const;
   void Grow();
 
   std::vector<std::string> m_texts;

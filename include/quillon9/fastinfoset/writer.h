@@ -17,6 +17,7 @@ namespace Quillon9 {
 /// The URI that a document carries when its context has a vocabulary but no URI for it. It names no resource.
 inline constexpr char QUILLON_URI[] = "urn:quillon9:external-vocabulary";
 
+class CKnownNames;
 class COctetSink;
 
 /// Writes a document as Fast Infoset (Rec. ITU-T X.891) into a binary stream. See CXmlWriter for the order of calls;
@@ -73,10 +74,11 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeNil() override;
 
   /// The same as WriteStartElement(), WriteString() and WriteEndElement() in a row, at less cost. What a derived class
-  /// overrides is not called. There is a zero behind \p value.
+  /// overrides is not called. There is a zero behind \p value. \p member is 0, or the number that a member of a class
+  /// has in this process: one number always comes with the same two names.
   /// \throws CQnException as these.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
-                        ItemType type);
+                        ItemType type, std::uint64_t member = 0);
 
   /// Write the header, with the declaration \p decl in front of it.
   /// \throws CQnException "Invalid declaration value [%d]".
@@ -85,16 +87,25 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteEndDocument();
 
  private:
-  void WriteElement(bool hasAttributes);
-  void WriteTextChild(std::string const& prefix, std::string const& localName, std::string const& namespaceUri,
-                      std::string_view text, ItemType type);
+  void WriteElement(bool hasAttributes) {
+    if (m_pendingElement != nullptr) WritePendingElement(hasAttributes);
+  }
+  void WritePendingElement(bool hasAttributes);
+  void WriteTextInSteps(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                        ItemType type);
+  unsigned long FindNameOfChild(std::string const* prefix, std::string const& localName,
+                                std::string const& namespaceUri, std::uint64_t member);
+  void WriteText(std::string_view value, ItemType type);
+  bool IsPlain(ItemType type) const;
+  void LeaveOpen(std::string const& localName, std::string const& namespaceUri, bool hasName);
+  void NameOfPending(std::uint32_t leading);
   void WriteNamespaceAttributes();
   static std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
   void CloseTag();
   void OpenAttribute();
   void QualifiedNameOrIndexBit2(std::string const& prefix, std::string const& uri, std::string const& localName);
-  void QualifiedNameOrIndexBit3(std::uint32_t leading, std::string const& prefix, std::string const& uri,
-                                std::string const& localName);
+  void ElementName(std::uint32_t leading, unsigned long index, std::string const* prefix, std::string const& uri,
+                   std::string const& localName);
   void LiteralName(std::uint32_t leading, std::string const& prefix, std::string const& uri,
                    std::string const& localName, CFIIndexMap& map);
   void Prefix(std::string const& prefix);
@@ -113,6 +124,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CXmlWriterContext* m_pendingElement = nullptr;  // started, not written, not current; its parent link does not own
   bool m_terminatorPending = false;               // one element's end has been noted, but no octet written for it
   CFIVocabulary m_vocabulary;
+  std::unique_ptr<CKnownNames> m_knownNames;
   bool m_isAsciiUtf8;     // in the local code page, which is asked for once a document
   std::string m_scratch;  // octets of the value in hand, or key of a new name
 };

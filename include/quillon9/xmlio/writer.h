@@ -135,7 +135,7 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   std::string const& GetDefaultNamespace() const { return m_scopeOwner->m_defaultNamespace; }
   /// Whether the element is in no namespace or in the default one in force, and so needs no prefix.
   bool NeedsNoPrefix() const {
-    if (m_comparedState != m_scopeOwner->m_defaultState) CompareWithDefault();
+    if (m_comparedState != m_scopeOwner->m_scopeState) CompareWithDefault();
     return m_needsNoPrefix;
   }
   /// The bindings in force, URI to prefix.
@@ -143,8 +143,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The prefix of \p uri in the bindings in force, or null. Valid until \p uri is bound anew. Cheaper than a look into
   /// GetNamespaceMap(), which is put together when it is asked for.
   std::string const* FindPrefix(std::string const& uri) const;
-  /// What stands for the bindings in force: equal pointers mean the same bindings, as long as none is added.
-  void const* GetScope() const { return m_scopeOwner; }
+  /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers mean the same
+  /// ones, as long as none is changed through GetNamespaceMapValue(). Never 0.
+  std::uint64_t GetScopeState() const { return m_scopeOwner->m_scopeState; }
   /// Share the bindings of the parent again, which got some of its own after this context was made. For a context that
   /// inherits.
   void FollowParent() { m_scopeOwner = m_parent->m_scopeOwner; }
@@ -170,6 +171,12 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   std::unique_ptr<CNamespaceScope> m_ownScope;  ///< null as long as this element bound nothing
   CXmlWriterContext* m_scopeOwner;              ///< the nearest context, this one included, with a scope of its own
   bool m_inherits;                              ///< default namespace and bindings are those of the parent
+  /// For formats that number names: the GetScopeState() with which the element had this number; 0 for never. The next
+  /// element that takes this context over keeps it if it has the same name.
+  ///@{
+  std::uint64_t m_numberedState = 0;
+  unsigned long m_nameNumber = 0;
+  ///@}
 
  private:
   void TakeOwnScope();
@@ -179,8 +186,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   void CompareWithDefault() const;
   friend class CXmlWriter;
 
-  /// Of a context with a scope of its own: a number that changes with the default namespace and that no other has.
-  std::uint64_t m_defaultState = 0;
+  /// Of a context with a scope of its own: a number that changes with the default namespace and the bindings, and that no
+  /// other has.
+  std::uint64_t m_scopeState = 0;
   /// The one of the scope in force when the namespace of this element was compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
