@@ -73,7 +73,7 @@ bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElemen
   CXmlName const& name = element->GetNames();
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
-  if (name.memory != nullptr) name.member = m_number;  // elements without a name share one, also between threads
+  if (name.memory != nullptr) name.member = m_number;  // that of an element by itself may change
   return true;
 }
 

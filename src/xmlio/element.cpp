@@ -16,11 +16,6 @@ bool IsSchemaMachinery(std::string_view namespaceUri) {
   return namespaceUri == kSchemaInstance || namespaceUri == kNamespaceDeclarations;
 }
 
-CXmlName const* NoName() {
-  static CXmlName const* const name = new CXmlName;  // for nodes of any life time
-  return name;
-}
-
 /// In what CXmlElement knows its attributes by: it is not the last one but the table of them.
 constexpr std::uintptr_t kIsAttributeTable = 1;
 
@@ -73,13 +68,16 @@ void CXmlAttribute::Dispose() noexcept {
 
 // ---- The element itself
 
-CXmlElement::CXmlElement(CXmlDocument const* document)
-    : m_name(NoName()), m_origin(reinterpret_cast<std::uintptr_t>(document) | kIsAlone) {}
+CXmlElement::CXmlElement(CXmlDocument const* document) : m_name(new CXmlName{{}, {}, nullptr, document}) {}
 
 CXmlElement::~CXmlElement() {
   DeleteChildren();
   FreeContents();
-  if (Memory() != nullptr) t_deleted = {this, Memory()};
+  if (CTreeMemory* const memory = Memory()) {
+    t_deleted = {this, memory};
+  } else {
+    delete m_name;
+  }
 }
 
 void* CXmlElement::operator new(std::size_t size) { return CTreeMemory::AllocateAlone(size); }
@@ -96,7 +94,7 @@ void CXmlElement::operator delete(void* node, std::size_t) noexcept {
 
 CXmlDocument const* CXmlElement::GetDocument() const {
   CTreeMemory const* const memory = Memory();
-  return memory != nullptr ? memory->GetDocument() : reinterpret_cast<CXmlDocument const*>(m_origin & ~kIsAlone);
+  return memory != nullptr ? memory->GetDocument() : m_name->document;
 }
 
 void CXmlElement::SetElementName(std::string_view localName) {
@@ -113,12 +111,6 @@ void CXmlElement::SetNamespace(std::string_view namespaceUri) {
   } else {
     OwnName().namespaceUri = std::string(namespaceUri);
   }
-}
-
-/// The name of an element by itself, which may be changed.
-CXmlName& CXmlElement::OwnName() {
-  if (m_name == NoName()) m_name = new CXmlName;
-  return const_cast<CXmlName&>(*m_name);
 }
 
 void CXmlElement::AppendText(char const* text, int length) {
@@ -187,7 +179,8 @@ void CXmlElement::LinkAttribute(CXmlAttribute* attribute) {
 // ---- Its children
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
-  return Memory() != nullptr ? AddChild(NoName()) : AddChild(new CXmlElement(GetDocument()));
+  CTreeMemory const* const memory = Memory();
+  return memory != nullptr ? AddChild(memory->NoName()) : AddChild(new CXmlElement(GetDocument()));
 }
 
 CXmlElement* CXmlElement::RemoveLastChildElement() {
@@ -227,7 +220,7 @@ void CXmlElement::DeleteChildren() noexcept {
   }
 }
 
-/// All but the children.
+/// All but the children and the name.
 void CXmlElement::FreeContents() noexcept {
   CXmlAttribute* next = GetFirstAttribute();
   while (next != nullptr) {
@@ -237,7 +230,6 @@ void CXmlElement::FreeContents() noexcept {
   }
   delete TableOf(m_attributes);
   m_text.Free(Memory());
-  if (Memory() == nullptr && m_name != NoName()) delete m_name;
 }
 
 /// The end of an element that nobody outside owns.

@@ -13,11 +13,7 @@ namespace Quillon9 {
 namespace {
 
 /// A longer text is a string from the start: it moves less when it grows, and its end gives the memory back.
-constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 1;
-
-std::size_t CapacityFor(std::size_t size) {
-  return (size / CTreeMemory::kGranule + 1) * CTreeMemory::kGranule - 1;  // what the zero leaves of whole granules
-}
+constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 3;
 
 }  // namespace
 
@@ -25,10 +21,8 @@ std::string_view CNodeText::ViewOfString() const { return String()->text; }
 
 std::string const& CNodeText::GetString(CTreeMemory* memory) const {
   static std::string const* const none = new std::string;
-  if (m_capacity != kIsString) {
-    if (m_size == 0) return *none;
-    BecomeString(memory, m_size);
-  }
+  if (m_place == 0) return *none;
+  if (!IsString()) BecomeString(memory, Size());
   return String()->text;
 }
 
@@ -36,42 +30,54 @@ void CNodeText::BecomeString(CTreeMemory* memory, std::size_t capacity) const {
   auto string = std::make_unique<CTreeString>(memory);
   string->text.reserve(capacity);
   string->text.assign(GetView());
-  if (m_place != nullptr) memory->Free(Bytes(), m_capacity + std::size_t{1});
-  m_place = string.release();
-  m_size = 0;
-  m_capacity = kIsString;
+  FreeBytes(memory);
+  m_place = reinterpret_cast<std::uintptr_t>(string.release()) | kIsString;
 }
+
+void CNodeText::FreeBytes(CTreeMemory* memory) const noexcept {
+  if (m_place != 0) memory->Free(Bytes() - kHead, kHead + Capacity() + 1);
+}
+
+/// An empty text in so many granules that begin at \p bytes.
+inline void CNodeText::Place(char* bytes, std::size_t granules) {
+  m_place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
+  bytes[1] = static_cast<char>(static_cast<unsigned char>(granules * CTreeMemory::kGranule - kHead - 1));
+}
+
+/// What a text of \p size bytes takes with its head and its zero.
+inline std::size_t CNodeText::GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
 
 /// Room for \p size bytes in all.
 void CNodeText::Move(std::size_t size, CTreeMemory& memory) {
-  std::size_t const capacity = CapacityFor(std::min(std::max<std::size_t>(size, 2 * m_size), kMostBytes));
-  auto* const bytes = static_cast<char*>(memory.Allocate(capacity + 1));
-  if (m_place != nullptr) {
-    std::memcpy(bytes, Bytes(), m_size);
-    memory.Free(Bytes(), m_capacity + std::size_t{1});
-  }
-  m_place = bytes;
-  m_capacity = static_cast<std::uint32_t>(capacity);
+  std::size_t const old = m_place != 0 ? Size() : 0;
+  std::size_t const granules = GranulesFor(std::min(std::max(size, 2 * old), kMostBytes));
+  auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
+  if (old != 0) std::memcpy(bytes + kHead, Bytes(), old);
+  FreeBytes(&memory);
+  Place(bytes, granules);
+  Commit(Bytes() + old);
 }
 
 /// Where \p size more bytes and a zero are to be written; null when the text is or must become a string.
 inline char* CNodeText::Reserve(std::size_t size, CTreeMemory* memory) {
-  std::size_t const total = m_size + size;
-  if (total > kMostBytes || m_capacity == kIsString || memory == nullptr) return nullptr;
-  if (total > m_capacity) Move(total, *memory);
-  return Bytes() + m_size;
+  if (IsString() || memory == nullptr) return nullptr;
+  std::size_t const total = (m_place != 0 ? Size() : 0) + size;
+  if (total > kMostBytes) return nullptr;
+  if (m_place == 0 || total > Capacity()) Move(total, *memory);
+  return Bytes() + Size();
 }
 
 /// What was written there counts.
 inline void CNodeText::Commit(char* end) {
   *end = '\0';
-  m_size = static_cast<std::uint32_t>(end - Bytes());
+  Bytes()[-2] = static_cast<char>(static_cast<unsigned char>(end - Bytes()));
 }
 
 /// Whether \p text stands in these bytes, which may move.
 bool CNodeText::IsPart(std::string_view text) const {
+  if (m_place == 0 || IsString()) return false;
   std::less<> const isBelow;
-  return !isBelow(text.data(), Bytes()) && isBelow(text.data(), Bytes() + m_size);
+  return !isBelow(text.data(), Bytes()) && isBelow(text.data(), Bytes() + Size());
 }
 
 void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
@@ -81,22 +87,21 @@ void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
     Commit(to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
     return;
   }
-  if (m_capacity != kIsString) BecomeString(memory, m_size + text.size());
+  if (!IsString()) BecomeString(memory, GetView().size() + text.size());
   String()->text.append(text);
 }
 
 /// AppendPlain() of the first text, as nearly all are.
 bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
   if (text.size() > kMostBytes) return false;
-  std::size_t const granules = text.size() / CTreeMemory::kGranule + 1;
+  std::size_t const granules = GranulesFor(text.size());
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
-  if (CopyBlocks(bytes, text, HasUnplain()) != text.size()) {
+  if (CopyBlocks(bytes + kHead, text, HasUnplain()) != text.size()) {
     memory.Free(bytes, granules * CTreeMemory::kGranule);
     return false;
   }
-  m_place = bytes;
-  m_capacity = static_cast<std::uint32_t>(granules * CTreeMemory::kGranule - 1);
-  Commit(bytes + text.size());
+  Place(bytes, granules);
+  Commit(Bytes() + text.size());
   return true;
 }
 
@@ -110,13 +115,12 @@ bool CNodeText::AppendMorePlain(std::string_view text, CTreeMemory* memory) {
 }
 
 void CNodeText::Free(CTreeMemory* memory) noexcept {
-  if (m_capacity == kIsString) {
+  if (IsString()) {
     delete String();
-  } else if (m_place != nullptr) {
-    memory->Free(Bytes(), m_capacity + std::size_t{1});
+  } else {
+    FreeBytes(memory);
   }
-  m_place = nullptr;
-  m_size = m_capacity = 0;
+  m_place = 0;
 }
 
 }  // namespace Quillon9

@@ -52,7 +52,7 @@ struct CTreeAttributes : CTreeExtra {
 class CTreeMemory {
  public:
   /// For the nodes of \p document. Made with new; the document gives it up by Abandon().
-  explicit CTreeMemory(CXmlDocument const* document) : m_document(document) {}
+  explicit CTreeMemory(CXmlDocument const* document) : m_document(document), m_noName{{}, {}, this} {}
   CTreeMemory(CTreeMemory const&) = delete;
   CTreeMemory& operator=(CTreeMemory const&) = delete;
 
@@ -77,6 +77,9 @@ class CTreeMemory {
 
   /// The one name with these texts.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
+
+  /// That of elements which were given none yet.
+  CXmlName const* NoName() const { return &m_noName; }
 
   /// Storage of \p size bytes, at most kLargest, aligned for a pointer.
   void* Allocate(std::size_t size) { return AllocateGranules(Granules(size)); }
@@ -113,6 +116,7 @@ class CTreeMemory {
   void StartBlock();
 
   CXmlDocument const* m_document;
+  CXmlName m_noName;
   CPlainClasses m_plainClasses;
   std::uint64_t m_typedTables[kTables] = {};
   std::size_t m_detached = 0;
@@ -138,7 +142,7 @@ inline CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
 
 inline CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
   CTreeMemory& memory = *Memory();
-  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(memory, name));
+  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name));
 }
 
 }  // namespace Quillon9

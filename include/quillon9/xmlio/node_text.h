@@ -26,8 +26,8 @@ class QUILLON9_API CNodeText {
 
   /// The bytes, until the next call of another operation.
   std::string_view GetView() const {
-    if (m_capacity == kIsString) return ViewOfString();
-    return m_size != 0 ? std::string_view(Bytes(), m_size) : std::string_view("", 0);
+    if (m_place == 0) return std::string_view("", 0);
+    return IsString() ? ViewOfString() : std::string_view(Bytes(), Size());
   }
   /// The same as a string, which lives until the next Append() or Free().
   std::string const& GetString(CTreeMemory* memory) const;
@@ -36,14 +36,16 @@ class QUILLON9_API CNodeText {
   /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is
   /// another one, or has to become a string: nothing has changed then.
   bool AppendPlain(std::string_view text, CTreeMemory* memory) {
-    return m_place == nullptr && memory != nullptr ? SetPlain(text, *memory) : AppendMorePlain(text, memory);
+    return m_place == 0 && memory != nullptr ? SetPlain(text, *memory) : AppendMorePlain(text, memory);
   }
   /// Give all memory back; the text is empty then. Where it is not called, the bytes go with the tree's memory, and
   /// those of a node by itself are lost.
   void Free(CTreeMemory* memory) noexcept;
 
  private:
-  static constexpr std::uint32_t kIsString = ~std::uint32_t{0};
+  static constexpr std::uintptr_t kIsString = 1;
+  /// Two bytes in front of the text: how long it is, and how long it may get where it stands.
+  static constexpr std::size_t kHead = 2;
 
   std::string_view ViewOfString() const;
   bool IsPart(std::string_view text) const;
@@ -53,13 +55,17 @@ class QUILLON9_API CNodeText {
   bool SetPlain(std::string_view text, CTreeMemory& memory);
   bool AppendMorePlain(std::string_view text, CTreeMemory* memory);
   void Move(std::size_t size, CTreeMemory& memory);
+  static std::size_t GranulesFor(std::size_t size);
+  void Place(char* bytes, std::size_t granules);
+  void FreeBytes(CTreeMemory* memory) const noexcept;
 
-  char* Bytes() const { return static_cast<char*>(m_place); }
-  CTreeString* String() const { return static_cast<CTreeString*>(m_place); }
+  bool IsString() const { return (m_place & kIsString) != 0; }
+  CTreeString* String() const { return reinterpret_cast<CTreeString*>(m_place & ~kIsString); }
+  char* Bytes() const { return reinterpret_cast<char*>(m_place); }
+  std::size_t Size() const { return static_cast<unsigned char>(Bytes()[-2]); }
+  std::size_t Capacity() const { return static_cast<unsigned char>(Bytes()[-1]); }
 
-  mutable void* m_place = nullptr;  // the bytes, null for none; or the string
-  mutable std::uint32_t m_size = 0;
-  mutable std::uint32_t m_capacity = 0;  // without the zero; or kIsString
+  mutable std::uintptr_t m_place = 0;  // the first byte, 0 for none; or the string with the bit kIsString
 };
 
 }  // namespace Quillon9
