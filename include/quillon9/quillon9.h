@@ -41,6 +41,7 @@
 #include "quillon9/binding/instance_monitor.h"
 #include "quillon9/binding/limits.h"
 #include "quillon9/binding/namespace_alias_map.h"
+#include "quillon9/binding/node_pool.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/binding/plain_classes.h"

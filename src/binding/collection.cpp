@@ -201,7 +201,7 @@ void CXmlCollection::RemoveNode(CNode* node) {
 // The add event has been fired, and next, the node to stand in front of (null for the end), was looked up after
 // it: a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
-  auto* const node = new CNode(item);
+  auto* const node = new (m_nodes.Take()) CNode(item);
   if (next != nullptr) m_lastNode = nullptr;
   node->m_next = next;
   node->m_prev = next != nullptr ? next->m_prev : m_tail;
@@ -224,7 +224,8 @@ void CXmlCollection::Unlink(CNode* node) {
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;
   --m_count;
   m_lastNode = node == m_lastNode ? node->m_next : nullptr;
-  delete node;
+  node->~CNode();
+  m_nodes.Give(node);
 }
 
 }  // namespace Quillon9

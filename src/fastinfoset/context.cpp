@@ -45,10 +45,6 @@ constexpr Suggestion kSuggestions[] = {
     {ItemType_integer, {kRestrictedAlphabet, kNumeric}},
 };
 
-void CheckType(unsigned long type, unsigned long count) {
-  if (type >= count) throw CQnException(FormatString("The item type [%lu] is out of range", type));
-}
-
 }  // namespace
 
 CFastInfosetContext::CFastInfosetContext() = default;
@@ -56,13 +52,12 @@ CFastInfosetContext::CFastInfosetContext(CFastInfosetContext const& other) = def
 CFastInfosetContext& CFastInfosetContext::operator=(CFastInfosetContext const& other) = default;
 CFastInfosetContext::~CFastInfosetContext() = default;
 
-CFastInfosetContext::EncodedCharacterString CFastInfosetContext::GetEncoding(unsigned long type) const {
-  CheckType(type, kItemTypes);
-  return m_encodings[type];
+void CFastInfosetContext::ThrowOutOfRange(unsigned long type) {
+  throw CQnException(FormatString("The item type [%lu] is out of range", type));
 }
 
 void CFastInfosetContext::SetEncoding(unsigned long type, EncodedCharacterString encoding) {
-  CheckType(type, kItemTypes);
+  if (type >= kItemTypes) ThrowOutOfRange(type);
   m_encodings[type] = encoding;
 }
 

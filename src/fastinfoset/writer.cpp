@@ -12,6 +12,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/streams.h"
+#include "xmlio/byte_blocks.h"
 #include "xmlio/child_prefix.h"
 #include "xmlio/utf8_scan.h"
 
@@ -240,8 +241,9 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
 void CFastInfosetWriter::WriteText(std::string_view value, ItemType type) {
   bool const isLong = value.size() >= m_options->GetElementMaxAddLength();
   if (isLong && IsPlain(type) && m_output->AsciiStringBit7(fi::kCharacterChunk, value)) return;
-  std::string_view const text = value.data();
-  if (!text.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, text, type);
+  if (ByteBlocks::Any(value, ' ', [](std::uint64_t block) { return ByteBlocks::Equal(block, 0); }))
+    value = value.data();
+  if (!value.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, value, type);
 }
 
 // Whether ASCII text of this type is written as it is.

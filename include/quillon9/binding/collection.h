@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "quillon9/binding/node_pool.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/export.h"
 
@@ -157,6 +158,7 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   bool HoldsNode(CNode const* node) const;
   void Unlink(CNode* node);
 
+  CNodePool m_nodes;
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;

@@ -36,7 +36,10 @@ class QUILLON9_API CFastInfosetContext {
 
   /// How values of the ItemType \p type are written; kind 0 by default. Reading does not ask for it.
   /// \throws CQnException "The item type [%lu] is out of range" for a \p type above ItemType_xmlCollection.
-  EncodedCharacterString GetEncoding(unsigned long type) const;
+  EncodedCharacterString GetEncoding(unsigned long type) const {
+    if (type >= kItemTypes) ThrowOutOfRange(type);
+    return m_encodings[type];
+  }
   /// The index is not looked at before a value is written.
   /// \throws CQnException as GetEncoding().
   void SetEncoding(unsigned long type, EncodedCharacterString encoding);
@@ -78,6 +81,8 @@ class QUILLON9_API CFastInfosetContext {
 
  private:
   static constexpr std::size_t kItemTypes = 29;
+
+  [[noreturn]] static void ThrowOutOfRange(unsigned long type);
 
   unsigned char m_defaultStringEncoding = 0;
   std::array<EncodedCharacterString, kItemTypes> m_encodings{};

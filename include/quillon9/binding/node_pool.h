@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstddef>
+
+#include "quillon9/export.h"
+
+namespace Quillon9 {
+
+class CNode;
+
+/// Where the nodes of a collection stand: in blocks that grow with it, instead of one by one. That is a fifth of the
+/// allocations of reading. For collections; one thread at a time.
+class QUILLON9_API CNodePool {
+ public:
+  CNodePool() = default;
+  CNodePool(CNodePool const&) = delete;
+  CNodePool& operator=(CNodePool const&) = delete;
+  /// Nodes that are left lose their storage.
+  ~CNodePool() { Clear(); }
+
+  /// Storage for a node.
+  /// \throws std::bad_alloc without a change.
+  void* Take();
+  /// Take back the storage of a node, which has been destroyed. With the last one all memory goes back.
+  void Give(void* storage) noexcept;
+
+ private:
+  struct Block;
+  struct Free;
+
+  void Clear() noexcept;
+
+  Block* m_newest = nullptr;
+  Free* m_free = nullptr;
+  std::size_t m_count = 0;  // of the nodes that stand here
+};
+
+}  // namespace Quillon9

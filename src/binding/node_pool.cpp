@@ -1,0 +1,55 @@
+#include "quillon9/binding/node_pool.h"
+
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "quillon9/binding/collection.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kFirstNodes = 4;
+constexpr std::size_t kMostNodes = 128;
+
+}  // namespace
+
+/// The nodes follow it.
+struct CNodePool::Block {
+  Block* older;
+  std::size_t nodes;  ///< how many it has room for
+  std::size_t taken;  ///< how many of these were ever taken
+
+  void* At(std::size_t index) { return reinterpret_cast<unsigned char*>(this + 1) + index * sizeof(CNode); }
+};
+
+struct CNodePool::Free {
+  Free* next;
+};
+
+void* CNodePool::Take() {
+  static_assert(alignof(CNode) <= alignof(Block) && sizeof(CNode) >= sizeof(Free), "does not fit");
+  if (m_free == nullptr && (m_newest == nullptr || m_newest->taken == m_newest->nodes)) {
+    std::size_t const nodes = m_newest == nullptr ? kFirstNodes : std::min(2 * m_newest->nodes, kMostNodes);
+    m_newest = new (::operator new(sizeof(Block) + nodes * sizeof(CNode))) Block{m_newest, nodes, 0};
+  }
+  ++m_count;
+  return m_free != nullptr ? std::exchange(m_free, m_free->next) : m_newest->At(m_newest->taken++);
+}
+
+void CNodePool::Give(void* storage) noexcept {
+  m_free = new (storage) Free{m_free};
+  if (--m_count == 0) Clear();
+}
+
+void CNodePool::Clear() noexcept {
+  m_free = nullptr;
+  while (m_newest != nullptr) {
+    Block* const older = m_newest->older;
+    ::operator delete(m_newest);
+    m_newest = older;
+  }
+}
+
+}  // namespace Quillon9
