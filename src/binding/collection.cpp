@@ -53,10 +53,14 @@ void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
   m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), sink), m_listeners.end());
 }
 
+template <class Fire>
+[[gnu::always_inline]] inline void CXmlCollectionBase::ForEachListener(Fire fire) {
+  if (!m_listeners.empty()) TellListeners(fire);  // few collections have any, and every item fires three events
+}
+
 // Over a copy, since a listener may add or remove listeners while it is told; those removed meanwhile are left out.
 template <class Fire>
-void CXmlCollectionBase::ForEachListener(Fire fire) {
-  if (m_listeners.empty()) return;
+void CXmlCollectionBase::TellListeners(Fire fire) {
   DeferredRelease::Pause const pause;
   std::vector<IEventSink*> const listeners = m_listeners;
   for (IEventSink* const sink : listeners) {

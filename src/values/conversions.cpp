@@ -4,10 +4,12 @@
 
 #include <cstdlib>
 #include <limits>
+#include <optional>
 
 #include "quillon9/binding/exceptions.h"
 #include "values/number_text.h"
 #include "values/text_conversions.h"
+#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
@@ -90,6 +92,14 @@ std::string FloatingText(Floating value, char const* format, std::size_t bufferS
 bool IsSameWord(std::string_view text, std::string_view word) {
   if (text == word) return true;
   return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
+}
+
+// As nearly all are written, and no rule changes; but an unknown rule fails.
+std::optional<bool> PlainBoolean(std::string_view text, WhitespaceRule rule) {
+  if (static_cast<unsigned>(rule) > CWhitespaceUtils::WhitespaceRule_Collapse) return std::nullopt;
+  if (IsSameText(text, "true")) return true;
+  if (IsSameText(text, "false")) return false;
+  return std::nullopt;
 }
 
 }  // namespace
@@ -175,6 +185,7 @@ double TextConversions::r8FromText(std::string_view text, WhitespaceRule rule) {
 std::string CConversions::booleanToString(bool value) { return value ? "true" : "false"; }
 
 bool TextConversions::booleanFromText(std::string_view text, WhitespaceRule rule) {
+  if (auto const plain = PlainBoolean(text, rule)) return *plain;
   std::string scratch;
   std::string_view const word = ApplyWhitespaceRule(rule, text, scratch);
   if (IsSameWord(word, "true") || IsSameWord(word, "1")) return true;

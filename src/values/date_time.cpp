@@ -351,6 +351,10 @@ void CDateTime::ValidateDay() const {
 }
 
 void CDateTime::ValidateTime() const {
+  bool const isZero = m_hour == 0 && m_minute == 0 && m_second == 0;
+  bool const isWithin = m_hour <= 23 && m_minute <= 59 && m_second <= 59;
+  bool const hasFraction = m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0;
+  if (!hasFraction && (HasTime() ? isWithin : isZero)) return;  // as nearly all are
   struct {
     int value;
     int greatest;

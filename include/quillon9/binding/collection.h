@@ -85,6 +85,8 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
  private:
   template <class Fire>
   void ForEachListener(Fire fire);
+  template <class Fire>
+  void TellListeners(Fire fire);
 
   std::string m_namespace;
   std::vector<IEventSink*> m_listeners;
