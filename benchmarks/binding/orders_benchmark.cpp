@@ -329,7 +329,7 @@ bool Parse(int argc, char** argv, Options& options) {
       return false;
     }
   }
-  return !options.megabytes.empty();
+  return !options.megabytes.empty() && options.rounds != 0;
 }
 
 }  // namespace

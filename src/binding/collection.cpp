@@ -110,11 +110,11 @@ CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, 
 CXmlCollection::~CXmlCollection() {
   for (long long rounds = m_count + 1000LL; m_head != nullptr; --rounds) {
     if (rounds == 0) RemoveAllListeners();  // one that adds without end must not keep this object alive
-    CNode* const first = m_head;
+    std::uint64_t const removals = m_removals;
     try {
-      RemoveNode(first);
-    } catch (...) {  // a listener's failure must not end the process, and the item must go all the same
-      if (m_head == first) Unlink(first);
+      RemoveNode(m_head);
+    } catch (...) {  // a listener's failure must not end the process, and an item must go all the same
+      if (m_removals == removals) Unlink(m_head);
     }
   }
 }
@@ -192,14 +192,19 @@ CNode* CXmlCollection::GetNodeForItem(CXmlObjectBase const* item) const {
 }
 
 void CXmlCollection::RemoveNode(CNode* node) {
-  int const count = m_count;
-  FireOnCollectionRemove(-1);
-  if (m_count != count && !HoldsNode(node)) {  // a listener was faster
-    throw CQnInvalidParamException("The object was not found in the collection");
-  }
+  if (HasListeners()) AnnounceRemoval(node);
   Unlink(node);
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
+}
+
+void CXmlCollection::AnnounceRemoval(CNode const* node) {
+  CNodePool::Pause const pause(m_nodes);
+  std::uint64_t const removals = m_removals;
+  FireOnCollectionRemove(-1);
+  if (m_removals != removals && !HoldsNode(node)) {  // a listener was faster
+    throw CQnInvalidParamException("The object was not found in the collection");
+  }
 }
 
 // The add event has been fired, and next, the node to stand in front of (null for the end), was looked up after
@@ -227,6 +232,7 @@ void CXmlCollection::Unlink(CNode* node) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;
   --m_count;
+  ++m_removals;
   m_lastNode = node == m_lastNode ? node->m_next : nullptr;
   node->~CNode();
   m_nodes.Give(node);

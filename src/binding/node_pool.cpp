@@ -5,12 +5,13 @@
 #include <utility>
 
 #include "quillon9/binding/collection.h"
+#include "xmlio/address_sanitizer.h"
 
 namespace Quillon9 {
 
 namespace {
 
-constexpr std::size_t kFirstNodes = 4;
+constexpr std::size_t kFirstNodes = 2;
 constexpr std::size_t kMostNodes = 128;
 
 }  // namespace
@@ -35,20 +36,38 @@ void* CNodePool::Take() {
     m_newest = new (::operator new(sizeof(Block) + nodes * sizeof(CNode))) Block{m_newest, nodes, 0};
   }
   ++m_count;
-  return m_free != nullptr ? std::exchange(m_free, m_free->next) : m_newest->At(m_newest->taken++);
+  if (m_free == nullptr) return m_newest->At(m_newest->taken++);
+  ASAN_UNPOISON_MEMORY_REGION(m_free, sizeof(CNode));
+  return std::exchange(m_free, m_free->next);
 }
 
 void CNodePool::Give(void* storage) noexcept {
-  m_free = new (storage) Free{m_free};
-  if (--m_count == 0) Clear();
+  Free*& list = m_pauses == 0 ? m_free : m_held;
+  list = new (storage) Free{list};
+  ASAN_POISON_MEMORY_REGION(storage, sizeof(CNode));
+  if (--m_count == 0 && m_pauses == 0) Clear();
+}
+
+void CNodePool::EndPause() noexcept {
+  if (--m_pauses != 0) return;
+  while (m_held != nullptr) {
+    Free* const storage = m_held;
+    ASAN_UNPOISON_MEMORY_REGION(storage, sizeof(CNode));
+    m_held = storage->next;
+    storage->next = m_free;
+    m_free = storage;
+    ASAN_POISON_MEMORY_REGION(storage, sizeof(CNode));
+  }
+  if (m_count == 0) Clear();
 }
 
 void CNodePool::Clear() noexcept {
   m_free = nullptr;
   while (m_newest != nullptr) {
-    Block* const older = m_newest->older;
-    ::operator delete(m_newest);
-    m_newest = older;
+    Block* const block = m_newest;
+    m_newest = block->older;
+    ASAN_UNPOISON_MEMORY_REGION(block->At(0), block->nodes * sizeof(CNode));
+    ::operator delete(block);
   }
 }
 

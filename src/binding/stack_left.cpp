@@ -23,6 +23,11 @@ void ThreadStack::Find() {
   reserve = std::min(kReserve, size / 4);
 }
 
+ThreadNesting& ThreadNesting::OfThread() {
+  static thread_local ThreadNesting nesting;
+  return nesting;
+}
+
 std::optional<std::size_t> StackLeft() {
   ThreadStack& stack = ThreadNesting::OfThread().stack;
   if (stack.size == 0) stack.Find();

@@ -34,10 +34,8 @@ struct ThreadNesting {
   std::uint32_t all = 0;
   ThreadStack stack;
 
-  static ThreadNesting& OfThread() {
-    static thread_local ThreadNesting nesting;
-    return nesting;
-  }
+  /// Not in the header: where compilers see that it is thread-local data they look for it again at each use.
+  static ThreadNesting& OfThread();
 };
 
 }  // namespace Quillon9

@@ -7,7 +7,8 @@
 namespace Quillon9 {
 
 /// The indices of the names that a writer wrote lately for the members of classes. Objects repeat themselves, so most
-/// elements find theirs here, without a look at a prefix, a namespace or a name: a sixth of the instructions of writing.
+/// elements find theirs here, without a look at a prefix, a namespace or a name: a sixth of the instructions of
+/// writing.
 class CKnownNames {
  public:
   /// The index of the name that \p member, which is not 0, has in the scope with the state \p scope (see
@@ -17,7 +18,7 @@ class CKnownNames {
     return name.m_member == member && name.m_scope == scope ? name.m_index : 0;
   }
   void Add(std::uint64_t member, std::uint64_t scope, unsigned long index) {
-    m_names[member % kNames] = {member, scope, index};
+    if (scope != 0) m_names[member % kNames] = {member, scope, index};
   }
 
  private:

@@ -28,7 +28,7 @@ class COctetSink {
 
   void Octet(std::uint32_t octet) {
     Reserve(1);
-    m_octets[m_size++] = static_cast<char>(static_cast<unsigned char>(octet));
+    Put(octet);
   }
   void Octets(std::string_view octets) {
     Reserve(octets.size());
@@ -72,6 +72,8 @@ class COctetSink {
   void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
   void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
 
+  /// Octet() where there is room.
+  void Put(std::uint32_t octet) { m_octets[m_size++] = static_cast<char>(static_cast<unsigned char>(octet)); }
   void Reserve(std::size_t more) {
     if (m_capacity - m_size < more) Grow(more);
   }
@@ -90,10 +92,10 @@ inline bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view 
   std::size_t const start = m_size;
   Reserve(text.size() + 2);
   if (text.size() < fi::kLength7Medium.m_first) {
-    Octet(leading | static_cast<std::uint32_t>(text.size() - 1));
+    Put(leading | static_cast<std::uint32_t>(text.size() - 1));
   } else {
-    Octet(leading | fi::kLength7Medium.m_pattern);
-    Octet(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
+    Put(leading | fi::kLength7Medium.m_pattern);
+    Put(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
   }
   auto const isOther = [](std::uint64_t block) {
     return ((block | ByteBlocks::Below(block, 1)) & ByteBlocks::kHighBits) != 0;

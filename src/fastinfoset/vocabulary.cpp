@@ -2,6 +2,7 @@
 
 #include <sys/random.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <utility>
@@ -101,7 +102,8 @@ bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view n
 
 CFIIndexMap::Slot CFIIndexMap::MakeSlot(std::string_view text, std::size_t index) {
   return {text.size() <= kShort ? LoadShort(text.data(), text.size()) : HashLong(text),
-          static_cast<std::uint32_t>(text.size()), static_cast<std::uint32_t>(index)};
+          static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX)),
+          static_cast<std::uint32_t>(index)};
 }
 
 std::uint64_t CFIIndexMap::HashOf(Slot const& slot) {

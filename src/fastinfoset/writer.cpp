@@ -118,6 +118,12 @@ void CFastInfosetWriter::WriteEndDocument() {
 
 // ---- Elements
 
+// Ends the list of attributes, if it is still open and there is one.
+inline void CFastInfosetWriter::CloseTag() {
+  if (!std::exchange(m_context->m_tagOpen, false)) return;
+  if (m_context->m_attributesWritten) m_output->Octet(fi::kTerminator);
+}
+
 void CFastInfosetWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
   WriteElement(false);
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
@@ -149,7 +155,7 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
 // An element like its last neighbour of this depth has the same number: 4 % of the instructions of writing.
 void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
-  if (pending.m_numberedState == pending.GetScopeState()) {
+  if (pending.m_numberedState != 0 && pending.m_numberedState == pending.GetScopeState()) {
     return m_output->Integer1To2pw20Bit3(leading, pending.m_nameNumber);
   }
   std::string const& uri = pending.m_namespace;
@@ -177,12 +183,6 @@ void CFastInfosetWriter::WriteNamespaceAttributes() {
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {
   bool isNew = false;
   return FindOrBindPrefix(context, uri, isNew);
-}
-
-// Ends the list of attributes, if it is still open and there is one.
-void CFastInfosetWriter::CloseTag() {
-  if (!std::exchange(m_context->m_tagOpen, false)) return;
-  if (m_context->m_attributesWritten) m_output->Octet(fi::kTerminator);
 }
 
 void CFastInfosetWriter::WriteString(std::string const& value, ItemType type) {
@@ -214,11 +214,8 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   if (m_context == nullptr) return WriteTextInSteps(localName, namespaceUri, value, type);
   std::string const* prefix = nullptr;
   unsigned long index = member != 0 ? m_knownNames->Find(member, m_context->GetScopeState()) : 0;
-  if (index == 0) {
-    if (!FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
-      return WriteTextInSteps(localName, namespaceUri, value, type);
-    }
-    index = FindNameOfChild(prefix, localName, namespaceUri, member);
+  if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
+    return WriteTextInSteps(localName, namespaceUri, value, type);
   }
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;
@@ -226,6 +223,7 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   RequireRoomForChild();
   bool hasName = false;
   try {
+    if (index == 0) index = FindNameOfChild(prefix, localName, namespaceUri, member);
     ElementName(0, index, prefix, namespaceUri, localName);
     hasName = true;
     WriteText(value, type);
@@ -239,11 +237,12 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
 
 // Up to a zero byte. Most text is plain, of no table, and written while it is looked at.
 void CFastInfosetWriter::WriteText(std::string_view value, ItemType type) {
+  if (value.empty() || value[0] == '\0') return;
   bool const isLong = value.size() >= m_options->GetElementMaxAddLength();
   if (isLong && IsPlain(type) && m_output->AsciiStringBit7(fi::kCharacterChunk, value)) return;
   if (ByteBlocks::Any(value, ' ', [](std::uint64_t block) { return ByteBlocks::Equal(block, 0); }))
     value = value.data();
-  if (!value.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, value, type);
+  NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, value, type);
 }
 
 // Whether ASCII text of this type is written as it is.

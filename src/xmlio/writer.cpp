@@ -101,6 +101,7 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
 void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
   if (!m_inherits) return;
   std::string defaultNamespace = GetDefaultNamespace();
+  m_isLoose = m_scopeOwner->m_isLoose;
   m_ownScope = std::make_unique<CNamespaceScope>(m_scopeOwner->m_ownScope.get());
   m_scopeOwner = this;
   m_defaultNamespace = std::move(defaultNamespace);
@@ -123,7 +124,7 @@ std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& 
 }
 
 std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
-  m_scopeOwner->m_scopeState = NextState();
+  m_scopeOwner->m_isLoose = true;
   return m_scopeOwner->m_ownScope->At(uri);
 }
 
@@ -135,8 +136,8 @@ void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) 
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
   TakeOwnScope();
+  m_scopeState = NextState();  // first: a failure may come after the change
   m_scopeOwner->m_ownScope->Bind(uri, prefix);
-  m_scopeState = NextState();
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {

@@ -167,6 +167,38 @@ TEST_F(CollectionTest, AListenerThatRaisesStopsTheAddAndNeverTheDestruction) {
   a->Release();
 }
 
+// However many are added in its place: the node that is to go is told by more than its address and the count.
+TEST_F(CollectionTest, AListenerThatRemovesTheItemFirstMakesTheRemovalFail) {
+  struct Faster : IEventSink {
+    Faster(DynamicCollection& collection, int count, CXmlObjectBase* other)
+        : list(collection), added(count), item(other) {}
+    void OnEvent(CXmlObjectBase*, MsgType type, void*) override {
+      if (type != CollectionRemove || std::exchange(isBusy, true)) return;
+      list.Remove(0);
+      for (int i = 0; i < added; ++i) list.AppendItem(item);
+    }
+    DynamicCollection& list;
+    int added;
+    CXmlObjectBase* item;
+    bool isBusy = false;
+  };
+  for (int const held : {1, 2, 3}) {
+    for (int const added : {0, 1, 2}) {
+      DynamicCollection list(m_shape, "item", 0, -1);
+      for (int i = 0; i < held; ++i) list.AppendItem(a.Get());
+      Faster listener(list, added, b.Get());
+      list.AddEventListener(&listener);
+      EXPECT_FAILURE(CQnInvalidParamException, "The object was not found in the collection", list.Remove(0));
+      list.RemoveEventListener(&listener);
+      EXPECT_EQ(
+          std::string(static_cast<std::size_t>(held - 1), 'a') + std::string(static_cast<std::size_t>(added), 'b'),
+          Names(list));
+      list.Clear();
+      EXPECT_EQ("", Names(list));
+    }
+  }
+}
+
 TEST_F(CollectionTest, Limits) {
   struct Row {
     int minOccurs, maxOccurs, count;

@@ -285,14 +285,15 @@ TEST(FastInfosetWriter, TextElementsAtOnce) {
 TEST(FastInfosetWriter, MembersAreNumberedAnewInEachScope) {
   auto const write = [](bool atOnce) {
     Doc doc;
-    auto const children = [&](char const* text) {
+    auto const children = [&](std::string const& text) {
       doc.Child(atOnce, "b", "u", text, ItemType_string, 1);
       doc.Child(atOnce, "b", "v", text, ItemType_string, 129);  // which share a place where names are remembered
       doc.Child(atOnce, "b", "", text, ItemType_string, 2);
     };
     doc.Alias("p", "u").Start("a", "u");
     for (int i = 0; i < 3; ++i) children("long enough to stand by itself");
-    children(std::string(2, '\0').c_str());
+    children(std::string("long enough with a \0", 21));
+    children(std::string(2, '\0'));
     doc.Start("a", "u").Default("u");
     for (int i = 0; i < 2; ++i) children("1");
     doc.Start("a", "u").Default("").Attr("x", "v", "1");

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -79,6 +80,8 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
     long long m_allowance;
     long long m_left;
   };
+  /// Whether anybody hears of changes.
+  bool HasListeners() const { return !m_listeners.empty(); }
   /// Forget every listener.
   void RemoveAllListeners() { m_listeners.clear(); }
 
@@ -157,6 +160,7 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
 
  private:
   void FinishAdd(CNode* next, CXmlObjectBase* item);
+  void AnnounceRemoval(CNode const* node);
   bool HoldsNode(CNode const* node) const;
   void Unlink(CNode* node);
 
@@ -164,6 +168,7 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
+  std::uint64_t m_removals = 0;         // so far
   mutable CNode* m_lastNode = nullptr;  // what GetNodeAtIndex() gave last, at m_lastIndex, while that holds
   mutable int m_lastIndex = 0;
 };

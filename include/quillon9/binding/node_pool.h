@@ -12,6 +12,19 @@ class CNode;
 /// allocations of reading. For collections; one thread at a time.
 class QUILLON9_API CNodePool {
  public:
+  /// As long as one of these lives, storage that is given back is not used again: a node that was there before can be
+  /// told by its address.
+  class Pause {
+   public:
+    explicit Pause(CNodePool& pool) noexcept : m_pool(pool) { ++m_pool.m_pauses; }
+    ~Pause() { m_pool.EndPause(); }
+    Pause(Pause const&) = delete;
+    Pause& operator=(Pause const&) = delete;
+
+   private:
+    CNodePool& m_pool;
+  };
+
   CNodePool() = default;
   CNodePool(CNodePool const&) = delete;
   CNodePool& operator=(CNodePool const&) = delete;
@@ -28,11 +41,14 @@ class QUILLON9_API CNodePool {
   struct Block;
   struct Free;
 
+  void EndPause() noexcept;
   void Clear() noexcept;
 
   Block* m_newest = nullptr;
   Free* m_free = nullptr;
+  Free* m_held = nullptr;   // given back during a pause
   std::size_t m_count = 0;  // of the nodes that stand here
+  std::size_t m_pauses = 0;
 };
 
 }  // namespace Quillon9

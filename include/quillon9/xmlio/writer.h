@@ -144,8 +144,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// GetNamespaceMap(), which is put together when it is asked for.
   std::string const* FindPrefix(std::string const& uri) const;
   /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers mean the same
-  /// ones, as long as none is changed through GetNamespaceMapValue(). Never 0.
-  std::uint64_t GetScopeState() const { return m_scopeOwner->m_scopeState; }
+  /// ones, as long as nobody changes those of an element around one with bindings of its own. 0 where a caller of
+  /// GetNamespaceMapValue() may change them unseen.
+  std::uint64_t GetScopeState() const { return m_scopeOwner->m_isLoose ? 0 : m_scopeOwner->m_scopeState; }
   /// Share the bindings of the parent again, which got some of its own after this context was made. For a context that
   /// inherits.
   void FollowParent() { m_scopeOwner = m_parent->m_scopeOwner; }
@@ -154,7 +155,7 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
   void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
   /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
-  /// look into GetNamespaceMap() first.
+  /// look into GetNamespaceMap() first. What is changed here counts for names that are written from then on.
   ///@{
   std::string& GetNamespaceMapValue(std::string const& uri);
   std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
@@ -186,9 +187,10 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   void CompareWithDefault() const;
   friend class CXmlWriter;
 
-  /// Of a context with a scope of its own: a number that changes with the default namespace and the bindings, and that no
-  /// other has.
+  /// Of a context with a scope of its own: a number that changes with the default namespace and the bindings, and that
+  /// no other has.
   std::uint64_t m_scopeState = 0;
+  bool m_isLoose = false;  ///< of such a context: a binding was handed out for changes, here or around
   /// The one of the scope in force when the namespace of this element was compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
