@@ -26,12 +26,13 @@ Block Load(void const* from) {
   return block;
 }
 
-/// Less than eight bytes, filled up with \p filler.
+/// Less than eight bytes, some of them twice, filled up with \p filler. Without a loop, whose end nobody could predict.
 inline std::uint64_t LoadShort(char const* from, std::size_t size, unsigned char filler) {
   if (size >= 4) return std::uint64_t{Load<std::uint32_t>(from + size - 4)} << 32 | Load<std::uint32_t>(from);
-  std::uint64_t block = kOnes * filler;
-  for (std::size_t i = 0; i < size; ++i) block = block << 8 | static_cast<unsigned char>(from[i]);
-  return block;
+  std::uint64_t const block = kOnes * filler;
+  if (size == 0) return block;
+  auto const byte = [&](std::size_t at) { return std::uint64_t{static_cast<unsigned char>(from[at])}; };
+  return block << 24 | byte(size - 1) << 16 | byte(size / 2) << 8 | byte(0);
 }
 
 /// Whether \p find gives a high bit for some block of \p text; a block that is not full has \p filler in it, and some

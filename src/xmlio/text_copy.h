@@ -49,20 +49,16 @@ template <class Stops>
 [[gnu::always_inline]] inline std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
   std::size_t const length = text.size();
   char const* const from = text.data();
+  std::uint64_t const block = ByteBlocks::LoadShort(from, length, ' ');
+  if (stops(block)) return 0;
   if (length >= 4) {
-    auto const first = ByteBlocks::Load<std::uint32_t>(from);
-    auto const last = ByteBlocks::Load<std::uint32_t>(from + length - 4);
-    if (stops(first | std::uint64_t{last} << 32)) return 0;
-    StoreBlock(to, first);
-    StoreBlock(to + length - 4, last);
-    return length;
+    StoreBlock(to, static_cast<std::uint32_t>(block));
+    StoreBlock(to + length - 4, static_cast<std::uint32_t>(block >> 32));
+  } else if (length != 0) {
+    to[0] = static_cast<char>(block);
+    to[length / 2] = static_cast<char>(block >> 8);
+    to[length - 1] = static_cast<char>(block >> 16);
   }
-  if (length == 0) return 0;
-  char bytes[8] = {from[0], from[length / 2], from[length - 1], ' ', ' ', ' ', ' ', ' '};
-  if (stops(ByteBlocks::Load<std::uint64_t>(bytes))) return 0;
-  to[0] = bytes[0];
-  to[length / 2] = bytes[1];
-  to[length - 1] = bytes[2];
   return length;
 }
 
