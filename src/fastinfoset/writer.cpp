@@ -240,8 +240,8 @@ void CFastInfosetWriter::WriteText(std::string_view value, ItemType type) {
   if (value.empty() || value[0] == '\0') return;
   bool const isLong = value.size() >= m_options->GetElementMaxAddLength();
   if (isLong && IsPlain(type) && m_output->AsciiStringBit7(fi::kCharacterChunk, value)) return;
-  if (ByteBlocks::Any(value, ' ', [](std::uint64_t block) { return ByteBlocks::Equal(block, 0); }))
-    value = value.data();
+  auto const findZero = [](std::uint64_t block) { return ByteBlocks::Equal(block, 0); };
+  if (ByteBlocks::Any(value, ' ', findZero)) value = value.data();
   NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, value, type);
 }
 

@@ -8,8 +8,8 @@ namespace Quillon9 {
 
 class CNode;
 
-/// Where the nodes of a collection stand: in blocks that grow with it, instead of one by one. That is a fifth of the
-/// allocations of reading. For collections; one thread at a time.
+/// Where the nodes of a collection stand: in blocks that grow with it, instead of one by one, which spares one percent
+/// of the instructions of reading. For collections; one thread at a time.
 class QUILLON9_API CNodePool {
  public:
   /// As long as one of these lives, storage that is given back is not used again: a node that was there before can be
