@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstring>
 #include <utility>
 
+#include "xmlio/byte_blocks.h"
 #include "xmlio/text_copy.h"
 
 namespace Quillon9 {
@@ -17,19 +17,8 @@ constexpr std::size_t kFirstSlots = 16;
 constexpr std::size_t kRecentNames = 256;  // two for each result of QuickHash()
 constexpr char kKeySeparator = '\x01';
 
-template <class Unsigned>
-std::uint64_t Load(char const* at) {
-  Unsigned word;
-  std::memcpy(&word, at, sizeof word);
-  return word;
-}
-
-// Up to eight bytes: words that overlap spare a loop.
-std::uint64_t LoadShort(char const* at, std::size_t count) {
-  if (count >= 4) return Load<std::uint32_t>(at) << 32 | Load<std::uint32_t>(at + count - 4);
-  if (count == 0) return 0;
-  return Load<std::uint8_t>(at) << 16 | Load<std::uint8_t>(at + count / 2) << 8 | Load<std::uint8_t>(at + count - 1);
-}
+using ByteBlocks::Load;
+using ByteBlocks::LoadShort;
 
 // Both halves of the product, so that every bit of either factor has its say.
 std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
@@ -71,20 +60,17 @@ std::uint64_t HashLong(std::string_view text) {
   for (; left > 16; left -= 16, at += 16) {
     hash = Mix(hash ^ Load<std::uint64_t>(at), Load<std::uint64_t>(at + 8) ^ secret.factor);
   }
-  std::uint64_t const low = left > 8 ? Load<std::uint64_t>(at) : LoadShort(at, left);
+  std::uint64_t const low = left > 8 ? Load<std::uint64_t>(at) : LoadShort(at, left, 0);
   std::uint64_t const high = left > 8 ? Load<std::uint64_t>(at + left - 8) : 0;
   return Mix(hash ^ low, high ^ secret.factor);
 }
 
 bool IsAt(char const* at, std::string_view part) { return IsSameText({at, part.size()}, part); }
 
-// For what may collide: names that a document chooses so that they do are found in the map.
+// Of how long it is and its ends, for what may collide: names that a document chooses so that they do are found in the
+// map.
 std::size_t QuickHash(std::string_view text) {
-  std::size_t const count = text.size();
-  std::uint64_t const ends = count >= 4   ? LoadShort(text.data(), count)
-                             : count == 0 ? 0
-                                          : Load<std::uint8_t>(text.data());
-  return (ends ^ count) * kOdd >> 57;
+  return (LoadShort(text.data(), text.size(), 0) ^ text.size()) * kOdd >> 57;
 }
 
 bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view namespaceUri,
@@ -101,7 +87,7 @@ bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view n
 // ---- CFIIndexMap
 
 CFIIndexMap::Slot CFIIndexMap::MakeSlot(std::string_view text, std::size_t index) {
-  return {text.size() <= kShort ? LoadShort(text.data(), text.size()) : HashLong(text),
+  return {text.size() <= kShort ? LoadShort(text.data(), text.size(), 0) : HashLong(text),
           static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX)),
           static_cast<std::uint32_t>(index)};
 }

@@ -26,7 +26,8 @@ Block Load(void const* from) {
   return block;
 }
 
-/// Less than eight bytes, some of them twice, filled up with \p filler. Without a loop, whose end nobody could predict.
+/// Up to eight bytes, some of them twice, filled up with \p filler: another word for each text of one length. The first
+/// and the last four of a longer text. Without a loop, whose end nobody could predict.
 inline std::uint64_t LoadShort(char const* from, std::size_t size, unsigned char filler) {
   if (size >= 4) return std::uint64_t{Load<std::uint32_t>(from + size - 4)} << 32 | Load<std::uint32_t>(from);
   std::uint64_t const block = kOnes * filler;
