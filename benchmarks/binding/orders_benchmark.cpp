@@ -4,7 +4,7 @@
 //   binding_benchmark [--sizes=1,10,100] [--rounds=1] [--no_memory] [--table=FILE] [the options of Google Benchmark]
 //
 //   --sizes      sizes of the documents in megabytes (10^6 bytes)
-//   --rounds     how often all of it is timed; the tables at the end take the medians
+//   --rounds     how often all of it is timed; the tables at the end take the medians of single runs, not of aggregates
 //   --no_memory  measure speed only
 //   --table      also write the tables at the end as JSON, to this file
 //
@@ -329,7 +329,7 @@ bool Parse(int argc, char** argv, Options& options) {
       return false;
     }
   }
-  return !options.megabytes.empty() && options.rounds != 0;
+  return !options.megabytes.empty() && options.rounds >= 1 && options.rounds <= 1000;
 }
 
 }  // namespace

@@ -27,10 +27,8 @@ bool ResultCollector::ReportContext(Context const& context) {
 
 void ResultCollector::ReportRuns(std::vector<Run> const& runs) {
   for (Run const& run : runs) {
-    // The median stands in where the single repetitions are not reported.
-    bool const isMedian = run.run_type == Run::RT_Aggregate && run.aggregate_name == "median";
     auto const speed = run.counters.find("bytes_per_second");
-    if ((run.run_type != Run::RT_Iteration && !isMedian) || speed == run.counters.end()) continue;
+    if (run.run_type != Run::RT_Iteration || speed == run.counters.end()) continue;
     m_speeds[run.run_name.function_name].push_back(speed->second);
   }
   ConsoleReporter::ReportRuns(runs);

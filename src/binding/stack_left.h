@@ -34,7 +34,8 @@ struct ThreadNesting {
   std::uint32_t all = 0;
   ThreadStack stack;
 
-  /// Not in the header: where compilers see that it is thread-local data they look for it again at each use.
+  /// That of the calling thread. Not in the header: where compilers see that it is thread-local data they look for it
+  /// again at each use.
   static ThreadNesting& OfThread();
 };
 

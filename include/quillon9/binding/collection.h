@@ -122,9 +122,11 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   /// The number of items.
   int GetCount() const override { return m_count; }
   /// Remove(0) until nothing is left.
-  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end.
+  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end; as
+  ///         Remove().
   void Clear() override;
-  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count, before any event.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count, before any event;
+  ///         "The object was not found in the collection" when a listener of the remove event has removed it already.
   void Remove(int index) override;
 
  protected:

@@ -16,6 +16,7 @@ class QUILLON9_API CNodePool {
   /// told by its address.
   class Pause {
    public:
+    /// From now on. \p pool must outlive this.
     explicit Pause(CNodePool& pool) noexcept : m_pool(pool) { ++m_pool.m_pauses; }
     ~Pause() { m_pool.EndPause(); }
     Pause(Pause const&) = delete;
@@ -34,7 +35,8 @@ class QUILLON9_API CNodePool {
   /// Storage for a node.
   /// \throws std::bad_alloc without a change.
   void* Take();
-  /// Take back the storage of a node, which has been destroyed. With the last one all memory goes back.
+  /// Take back the storage of a node, which has been destroyed. With the last one all memory goes back, at the end of a
+  /// Pause if there is one.
   void Give(void* storage) noexcept;
 
  private:

@@ -143,9 +143,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The prefix of \p uri in the bindings in force, or null. Valid until \p uri is bound anew. Cheaper than a look into
   /// GetNamespaceMap(), which is put together when it is asked for.
   std::string const* FindPrefix(std::string const& uri) const;
-  /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers mean the same
-  /// ones, as long as nobody changes those of an element around one with bindings of its own. 0 where a caller of
-  /// GetNamespaceMapValue() may change them unseen.
+  /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers other than 0
+  /// mean the same ones, as long as nobody changes those of an element around one with bindings of its own. 0 where a
+  /// caller of GetNamespaceMapValue() may change them unseen.
   std::uint64_t GetScopeState() const { return m_scopeOwner->m_isLoose ? 0 : m_scopeOwner->m_scopeState; }
   /// Share the bindings of the parent again, which got some of its own after this context was made. For a context that
   /// inherits.
@@ -190,7 +190,7 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// Of a context with a scope of its own: a number that changes with the default namespace and the bindings, and that
   /// no other has.
   std::uint64_t m_scopeState = 0;
-  bool m_isLoose = false;  ///< of such a context: a binding was handed out for changes, here or around
+  bool m_isLoose = false;  ///< of such a context: a binding was handed out for changes, here or earlier around
   /// The one of the scope in force when the namespace of this element was compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
