@@ -193,7 +193,7 @@ void CFastInfosetWriter::WriteString(std::string const& value, ItemType type) {
   } else if (!text.empty()) {
     ThrowFastInfosetWriteFailure("There is no open element for the text.");
   }
-  if (!text.empty()) NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, text, type);
+  WriteText(text, type);
   m_output->FlushIfFull();
 }
 
