@@ -53,6 +53,7 @@ class CXmlCollectionBase;
 class CXmlDocument;
 class CXmlElement;
 class CXmlGeneratedClass;
+class CXmlNameFilter;
 class CXmlObjectBase;
 class CXmlObjectHelper;
 class CXmlSerializationContext;
@@ -62,6 +63,10 @@ class CXmlWriter;
 class IEventSink;
 class INillable;
 class QnVariant;
+template <class Node>
+class CXmlNodeIterator;
+template <class Node>
+class CXmlNodeRange;
 
 }  // namespace Quillon9
 

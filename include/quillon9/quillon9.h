@@ -16,10 +16,9 @@
 ///   writer.SetFormat(false);
 ///   writer.Open();
 ///   writer.WriteStartElement("list", "");
-///   auto const* item = document.GetDocumentElement()->GetFirstElement();
-///   for (; item != nullptr; item = item->GetNextSiblingElement()) {
-///     writer.WriteStartElement(item->GetText(), "");
-///     writer.WriteString(item->GetAttribute("count", ""), Quillon9::ItemType_string);
+///   for (Quillon9::CXmlElement const& item : document.GetDocumentElement()->Children("item", "urn:shop")) {
+///     writer.WriteStartElement(item.GetText(), "");
+///     writer.WriteString(item.GetAttribute("count", ""), Quillon9::ItemType_string);
 ///     writer.WriteEndElement();
 ///   }
 ///   writer.WriteEndElement();
@@ -74,6 +73,7 @@
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
+#include "quillon9/xmlio/element_ranges.h"
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/node_text.h"
 #include "quillon9/xmlio/output_options.h"

@@ -8,6 +8,7 @@
 
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/element_ranges.h"
 #include "quillon9/xmlio/node_text.h"
 
 namespace Quillon9 {
@@ -109,6 +110,30 @@ class QUILLON9_API CXmlElement {
   /// The value of the first attribute with exactly this name and namespace. An absent attribute gives an empty
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
+
+  /// The children in document order, for range-for and standard algorithms: all of them, those of one name in any
+  /// namespace, or those of one name and one namespace (empty for none). The names are borrowed as CXmlNameFilter says,
+  /// which costs no copy; null stands for every name. Each step looks at the children anew, see CXmlNodeIterator for
+  /// changes of the tree during a loop. Throws nothing.
+  ///@{
+  CXmlNodeRange<CXmlElement> Children(CXmlNameFilter const& localName = {}, CXmlNameFilter const& namespaceUri = {}) {
+    return {GetFirstElement(), localName, namespaceUri};
+  }
+  CXmlNodeRange<CXmlElement const> Children(CXmlNameFilter const& localName = {},
+                                            CXmlNameFilter const& namespaceUri = {}) const {
+    return {GetFirstElement(), localName, namespaceUri};
+  }
+  ///@}
+  /// The attributes in document order, in the same way. It does not make the vector of GetAttributes().
+  ///@{
+  CXmlNodeRange<CXmlAttribute> Attributes() { return {GetFirstAttribute(), {}, {}}; }
+  CXmlNodeRange<CXmlAttribute const> Attributes() const { return {GetFirstAttribute(), {}, {}}; }
+  ///@}
+  /// The first attribute of this name, in any namespace or in this one (empty for none), owned by this element; null
+  /// when there is none. Unlike GetAttribute() it tells an absent attribute from an empty one.
+  CXmlAttribute const* FindAttribute(CXmlNameFilter const& localName, CXmlNameFilter const& namespaceUri = {}) const {
+    return CXmlNodeRange<CXmlAttribute const>(GetFirstAttribute(), localName, namespaceUri).First();
+  }
 
   /// Set the local name, or the namespace (empty for none), to a copy of the text.
   ///@{
