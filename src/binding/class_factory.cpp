@@ -7,8 +7,8 @@ namespace Quillon9 {
 namespace {
 
 std::string const& TypeAttribute(CXmlElement const& element) {
-  static std::string const name = "type";
-  static std::string const ns = "http://www.w3.org/2001/XMLSchema-instance";
+  static auto const& name = *new std::string("type");
+  static auto const& ns = *new std::string("http://www.w3.org/2001/XMLSchema-instance");
   return element.GetAttribute(name, ns);
 }
 

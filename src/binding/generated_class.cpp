@@ -28,7 +28,7 @@ namespace Quillon9 {
 
 using namespace Quillon9Data;
 
-CQNCriticalSection CXmlGeneratedClass::m_csInit;
+[[gnu::init_priority(101)]] CQNCriticalSection CXmlGeneratedClass::m_csInit;
 
 CXmlGeneratedClass::CXmlGeneratedClass() = default;
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;

@@ -12,7 +12,7 @@ constexpr char kExclusive[] =
 
 }  // namespace
 
-CXmlSerializationContext CXmlSerializationContext::m_defaultContext;
+[[gnu::init_priority(101)]] CXmlSerializationContext CXmlSerializationContext::m_defaultContext;
 
 void CXmlSerializationContext::SetIgnoreUnknownElements(bool ignore) {
   if (ignore && m_ignoreMissingMandatoryElements) {

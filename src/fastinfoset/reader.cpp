@@ -191,7 +191,7 @@ CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t 
 }
 
 CXmlName const* CFastInfosetReader::SharedName(CFIVocabulary::CQNameParts const& parts) {
-  static std::string const none;
+  static auto const& none = *new std::string;
   auto const& namespaces = m_vocabulary->GetNamespaceNamesTable().GetVector();
   return m_document.ShareName(parts.m_namespace != 0 ? EntryOf(namespaces, parts.m_namespace) : none,
                               EntryOf(m_vocabulary->GetLocalNamesTable().GetVector(), parts.m_localName));

@@ -30,7 +30,7 @@ enum Kind : unsigned long { kDefaultEncoding = 0, kRestrictedAlphabet = 1, kEnco
 bool StartsWith(std::string const& text, std::string_view start) { return text.compare(0, start.size(), start) == 0; }
 
 std::string const& NoPrefix() {
-  static std::string const none;
+  static auto const& none = *new std::string;
   return none;
 }
 

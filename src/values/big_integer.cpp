@@ -23,12 +23,12 @@ bool IsIntegerCharacter(char c) {
 
 }  // namespace
 
-CBigInteger const CBigInteger::MAX_LONG(CDecimal("2147483647"));
-CBigInteger const CBigInteger::MIN_LONG(CDecimal("-2147483648"));
-CBigInteger const CBigInteger::MAX_LONGLONG(CDecimal("9223372036854775807"));
-CBigInteger const CBigInteger::MIN_LONGLONG(CDecimal("-9223372036854775808"));
-CBigInteger const CBigInteger::MAX_DOUBLE(CDecimal("1.7E+308"));
-CBigInteger const CBigInteger::MIN_DOUBLE(CDecimal("-1.7E+308"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MAX_LONG(CDecimal("2147483647"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MIN_LONG(CDecimal("-2147483648"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MAX_LONGLONG(CDecimal("9223372036854775807"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MIN_LONGLONG(CDecimal("-9223372036854775808"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MAX_DOUBLE(CDecimal("1.7E+308"));
+[[gnu::init_priority(101)]] CBigInteger const CBigInteger::MIN_DOUBLE(CDecimal("-1.7E+308"));
 
 // ---- Making values
 

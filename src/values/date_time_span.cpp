@@ -1,5 +1,6 @@
 #include "quillon9/values/date_time_span.h"
 
+#include <array>
 #include <cstddef>
 #include <iterator>
 
@@ -184,8 +185,8 @@ CDateTime ReferenceDate(std::int16_t year, std::uint8_t month) {
 }  // namespace
 
 int CDateTimeSpan::CompareTo(CDateTimeSpan const& other) const {
-  static CDateTime const dates[] = {ReferenceDate(1696, 9), ReferenceDate(1697, 2), ReferenceDate(1903, 3),
-                                    ReferenceDate(1903, 7)};
+  static auto const& dates = *new std::array<CDateTime, 4>{ReferenceDate(1696, 9), ReferenceDate(1697, 2),
+                                                           ReferenceDate(1903, 3), ReferenceDate(1903, 7)};
   constexpr int kIndeterminate = 3;
   try {
     int const first = CompareFrom(dates[0], *this, other);

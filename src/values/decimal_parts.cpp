@@ -22,7 +22,7 @@ bool IsAboveHalf(Digits const& digits, std::size_t exponent) {
 
 // Not CBigInteger::MAX_DOUBLE itself: constants of other files may be built before that one is.
 CBigInteger const& LargestDouble() {
-  static CBigInteger const limit("1.7E+308");
+  static auto const& limit = *new CBigInteger("1.7E+308");
   return limit;
 }
 

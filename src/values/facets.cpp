@@ -4,8 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <unordered_map>
-#include <utility>
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
@@ -16,6 +14,7 @@
 #include "quillon9/xmlio/encoder.h"
 #include "values/number_text.h"
 #include "values/pattern_matching.h"
+#include "values/remembered_value.h"
 
 namespace Quillon9 {
 
@@ -27,23 +26,19 @@ namespace {
 
 // ---- Numbers. Each test says what must hold, so that a NaN breaks it.
 
-/// The value of a bound, which is parsed once in a thread: a schema has few of them and every value written is held
-/// against them. One that does not parse is tried, and raises, each time. Valid until the next call.
 template <auto parse>
-auto const& Bound(std::string const& text) {
-  constexpr std::size_t kMostBounds = 64;
-  using Value = decltype(parse(text, CWhitespaceUtils::WhitespaceRule_Collapse));
-  static thread_local std::unordered_map<std::string, Value> bounds;
-  auto const known = bounds.find(text);
-  if (known != bounds.end()) return known->second;
-  Value value = parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
-  if (bounds.size() >= kMostBounds) bounds.clear();
-  return bounds.emplace(text, std::move(value)).first->second;
+auto ParseBound(std::string const& text) {
+  return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
 }
+
+/// The value of a bound, which each value that is written is held against. One that does not parse is tried, and
+/// raises, each time.
+template <auto parse>
+using Bound = RememberedValue<ParseBound<parse>>;
 
 template <auto parse, class Value>
 bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r) {
-  auto const bound = [](std::string const& text) { return Bound<parse>(text); };
+  auto const bound = [](std::string const& text) { return *Bound<parse>(text); };
   return (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
          (r.maxInclusive.empty() || bound(r.maxInclusive) >= value) &&
          (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
@@ -70,11 +65,10 @@ void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& 
 
 template <auto parse, class Value>
 void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions const& r) {
-  auto const bound = [](std::string const& text) -> Value const& { return Bound<parse>(text); };
-  bool const valid = (r.minInclusive.empty() || value >= bound(r.minInclusive)) &&
-                     (r.maxInclusive.empty() || value <= bound(r.maxInclusive)) &&
-                     (r.minExclusive.empty() || value > bound(r.minExclusive)) &&
-                     (r.maxExclusive.empty() || value < bound(r.maxExclusive));
+  bool const valid = (r.minInclusive.empty() || value >= *Bound<parse>(r.minInclusive)) &&
+                     (r.maxInclusive.empty() || value <= *Bound<parse>(r.maxInclusive)) &&
+                     (r.minExclusive.empty() || value > *Bound<parse>(r.minExclusive)) &&
+                     (r.maxExclusive.empty() || value < *Bound<parse>(r.maxExclusive));
   if (!valid) ThrowInvalidValue(name, value.ToString());
 }
 
@@ -83,7 +77,7 @@ void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions
 template <auto parse, class Value>
 bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r) {
   enum { Equal, Less, Greater };  // what CompareTo() gives; everything else is indeterminate and breaks no bound
-  auto const compare = [&](std::string const& text) { return static_cast<int>(value.CompareTo(Bound<parse>(text))); };
+  auto const compare = [&](std::string const& text) { return static_cast<int>(value.CompareTo(*Bound<parse>(text))); };
   if (!r.minInclusive.empty() && compare(r.minInclusive) == Less) return false;
   if (!r.maxInclusive.empty() && compare(r.maxInclusive) == Greater) return false;
   if (!r.minExclusive.empty()) {

@@ -3,7 +3,6 @@
 #include <climits>
 #include <cstddef>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
@@ -11,6 +10,7 @@
 #include "quillon9/xmlio/encoder.h"
 #include "values/pattern_engine.h"
 #include "values/pattern_matching.h"
+#include "values/remembered_value.h"
 
 namespace Quillon9 {
 
@@ -78,17 +78,7 @@ std::string Translate(std::string pattern) {
 
 // ---- Compiled patterns
 
-// Compiling takes some fifty times as long as matching a short value. A schema has few patterns, so that
-// forgetting all of them when there are too many is as good as forgetting the oldest.
-CompiledPattern& Compiled(std::string const& pattern) {
-  constexpr std::size_t kMaxPatterns = 64;
-  static thread_local std::unordered_map<std::string, CompiledPattern> patterns;
-  auto const known = patterns.find(pattern);
-  if (known != patterns.end()) return known->second;
-  CompiledPattern compiled(pattern, Translate(pattern));
-  if (patterns.size() >= kMaxPatterns) patterns.clear();
-  return patterns.emplace(pattern, std::move(compiled)).first->second;
-}
+CompiledPattern Compile(std::string const& pattern) { return CompiledPattern(pattern, Translate(pattern)); }
 
 bool Matches(CompiledPattern& pattern, std::string_view subject) {
   subject = subject.substr(0, subject.find('\0'));
@@ -99,7 +89,8 @@ bool Matches(CompiledPattern& pattern, std::string_view subject) {
 }  // namespace
 
 bool MatchesPattern(std::string const& utf8Pattern, std::string const& value) {
-  CompiledPattern& pattern = Compiled(utf8Pattern);
+  RememberedValue<Compile> const compiled(utf8Pattern);  // compiling takes much longer than matching a short value
+  CompiledPattern& pattern = *compiled;
   if (CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size())) return Matches(pattern, value);
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(value.c_str());
   if (utf8.GetLength() == 0) return Matches(pattern, "");

@@ -195,7 +195,7 @@ Held QnVariant::GetOwned(char const* kind) const {
 
 template <class Held>
 Held const& QnVariant::LookAtOwned(char const* kind) const {
-  static Held const empty{};
+  static auto const& empty = *new Held{};
   if (!IsValid()) return empty;
   if (!IsHeldAs<Held>(m_type)) ThrowWrongKind(kind);
   Held const* const value = Load<Held*>();

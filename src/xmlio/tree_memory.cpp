@@ -3,6 +3,8 @@
 #include <array>
 #include <new>
 
+#include "binding/per_thread.h"
+
 namespace Quillon9 {
 
 namespace {
@@ -16,28 +18,19 @@ using Block = std::unique_ptr<char[]>;
 class BlockCache {
  public:
   static Block Take() {
-    if (t_isGone || Instance().m_count == 0) return Block(new char[kBlockSize]);
-    BlockCache& cache = Instance();
-    return std::move(cache.m_blocks[--cache.m_count]);
+    BlockCache* const cache = PerThread<BlockCache>::Find();
+    if (cache == nullptr || cache->m_count == 0) return Block(new char[kBlockSize]);
+    return std::move(cache->m_blocks[--cache->m_count]);
   }
   static void Give(Block block) noexcept {
-    // A document that is destroyed after the thread's own data finds no cache any more.
-    if (t_isGone || Instance().m_count == kMost) return;
-    BlockCache& cache = Instance();
-    cache.m_blocks[cache.m_count++] = std::move(block);
+    BlockCache* const cache = PerThread<BlockCache>::Find();
+    if (cache == nullptr || cache->m_count == kMost) return;
+    cache->m_blocks[cache->m_count++] = std::move(block);
   }
 
  private:
   static constexpr std::size_t kMost = 16;
 
-  BlockCache() = default;
-  ~BlockCache() { t_isGone = true; }
-  static BlockCache& Instance() {
-    static thread_local BlockCache cache;
-    return cache;
-  }
-
-  static inline thread_local bool t_isGone = false;
   std::size_t m_count = 0;
   std::array<Block, kMost> m_blocks;
 };

@@ -242,7 +242,7 @@ std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std:
 }
 
 std::string const& CXmlWriter::SchemaInstanceNamespace() {
-  static std::string const uri = "http://www.w3.org/2001/XMLSchema-instance";
+  static auto const& uri = *new std::string("http://www.w3.org/2001/XMLSchema-instance");
   return uri;
 }
 
