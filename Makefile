@@ -3,8 +3,9 @@
 PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
+SUITES ?= bookworm trixie
 
-.PHONY: all run test debug asan tsan hardened pcre2 locales coverage fuzz bench docs install package-test packages \
+.PHONY: all run test debug asan tsan hardened pcre8 locales coverage fuzz bench docs install package-test bare-test packages \
   format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
@@ -29,10 +30,10 @@ hardened: deps   ## the tests in a hardened build, on a stack of 1 MiB
 	cmake --build --preset hardened
 	ulimit -s 1024 && ctest --preset hardened
 
-pcre2: deps-all  ## the tests with the second generation of PCRE
-	cmake --preset pcre2
-	cmake --build --preset pcre2
-	ctest --preset pcre2
+pcre8: deps-all  ## the tests with the first generation of PCRE
+	cmake --preset pcre8
+	cmake --build --preset pcre8
+	ctest --preset pcre8
 
 locales: all     ## the tests in each of six locales
 	scripts/locales build/release
@@ -63,6 +64,10 @@ docs: deps-all    ## build the site of the documentation, build/docs/html
 
 package-test: all   ## build a program outside the tree against the installed package
 	scripts/package-test build/release
+
+bare-test: ## on a Debian with nothing but git and make, in a chroot of each of SUITES: takes root and most of an hour
+	scripts/install-deps --bare
+	for suite in $(SUITES); do scripts/bare-machine-test $$suite || exit 1; done
 
 packages: deps-packages   ## make Debian packages, in build/packages/deb
 	cmake --preset packages
