@@ -49,6 +49,7 @@ quillon9_package(runtime libquillon9-${PROJECT_VERSION_MAJOR} libs same
   "run-time library of an XML data binder" ${about}
   "This package holds the shared library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
+set(CPACK_QUILLON9_EXPAT_MINIMUM ${expat_minimum})
 
 # No other library: expat, zlib and the pattern engine stay behind the public headers.
 quillon9_package(dev libquillon9-dev libdevel same

@@ -1,5 +1,6 @@
-# Chooses the generation of PCRE after QUILLON9_PCRE. Sets pcre_generation, pcre_target (what to link), and
-# pcre_other_source, the source of src/values for the generation that is not taken.
+# Chooses the generation of PCRE as QUILLON9_PCRE says. AUTO prefers the second, because the first has no maintainers
+# any more. Sets pcre_generation, pcre_target (what to link), and pcre_other_source, the source of src/values for the
+# generation that is not taken.
 
 if(NOT QUILLON9_PCRE MATCHES "^(AUTO|1|2)$")
   message(FATAL_ERROR "QUILLON9_PCRE is AUTO, 1 or 2, not ${QUILLON9_PCRE}")
@@ -7,7 +8,10 @@ endif()
 
 set(pcre_generation ${QUILLON9_PCRE})
 if(QUILLON9_PCRE STREQUAL "AUTO")
-  find_package(PCRE QUIET)
+  find_package(PCRE2 ${pcre2_minimum} QUIET)
+  if(NOT PCRE2_FOUND)
+    find_package(PCRE QUIET)
+  endif()
   if(PCRE_FOUND)
     set(pcre_generation 1)
   else()
@@ -20,7 +24,7 @@ if(pcre_generation EQUAL 1)
   set(pcre_target PCRE::PCRE)
   set(pcre_other_source pattern_engine_pcre2.cpp)
 else()
-  find_package(PCRE2 10.30 REQUIRED)
+  find_package(PCRE2 ${pcre2_minimum} REQUIRED)
   set(pcre_target PCRE2::8BIT)
   set(pcre_other_source pattern_engine_pcre.cpp)
 endif()

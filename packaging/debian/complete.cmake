@@ -12,6 +12,10 @@ function(write_changelogs folder)
   compress(${folder}/changelog.Debian)
 endfunction()
 
+# The minimum that the build asks for, where dpkg-shlibdeps would take the release that first had the functions in use.
+file(WRITE ${CPACK_TEMPORARY_DIRECTORY}/runtime/debian/shlibs.local
+  "libexpat 1 libexpat1 (>= ${CPACK_QUILLON9_EXPAT_MINIMUM})\n")
+
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)
   string(TOUPPER ${component} upper)
   set(root ${CPACK_TEMPORARY_DIRECTORY}/${component}${CPACK_PACKAGING_INSTALL_PREFIX})

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
+#include "xmlio/expat_version.h"
 
 namespace Quillon9 {
 
@@ -42,6 +43,7 @@ CExpatReader::CExpatReader(CXmlDocument& document) : m_document(document) {}
 CExpatReader::~CExpatReader() = default;
 
 void CExpatReader::CreateParser() {
+  RequireExpat(XML_ExpatVersionInfo());
   bool const hasNamespaces = m_document.GetSchemaType() != SchemaType_DTD;
   m_parser.reset(hasNamespaces ? XML_ParserCreateNS(nullptr, kSeparator) : XML_ParserCreate(nullptr));
   if (m_parser == nullptr) throw std::bad_alloc();

@@ -25,6 +25,7 @@ class CExpatReader {
   CExpatReader& operator=(CExpatReader const&) = delete;
 
   /// Make the parser: with namespace processing, unless the schema type has none.
+  /// \throws CQnException as RequireExpat() for the expat that the program runs with; std::bad_alloc.
   void CreateParser();
   /// Feed the whole input. With \p isFinal the document must end there. After a failure the parser takes no more.
   /// \throws CQnException "[what expat says] at line [number]"; what a callback threw.
