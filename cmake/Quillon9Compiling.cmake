@@ -19,3 +19,24 @@ if(QUILLON9_SANITIZE)
   string(REPLACE "fuzzer-no-link," "" link_sanitizers "${QUILLON9_SANITIZE}")
   add_link_options(-fsanitize=${link_sanitizers})
 endif()
+
+# The tables that the dynamic linker fills are filled at the start and read-only from then on.
+set(link_read_only LINKER:-z,relro,-z,now)
+
+if(QUILLON9_HARDENED)
+  include(CheckCXXCompilerFlag)
+  include(CheckCXXSourceCompiles)
+  add_compile_options(-Wformat -Werror=format-security -fstack-protector-strong)
+  foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection)  # not every architecture has both
+    string(MAKE_C_IDENTIFIER "has${flag}" has_flag)
+    check_cxx_compiler_flag(${flag} ${has_flag})
+    if(${has_flag})
+      add_compile_options(${flag})
+    endif()
+  endforeach()
+  # Where the compiler does not know the third level, libc warns and takes the second.
+  set(CMAKE_REQUIRED_FLAGS "-O2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
+  check_cxx_source_compiles("#include <cstdio>\nint main() {}" has_fortify_3)
+  unset(CMAKE_REQUIRED_FLAGS)
+  add_compile_options(-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=$<IF:$<BOOL:${has_fortify_3}>,3,2>)
+endif()
