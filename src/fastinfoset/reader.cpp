@@ -11,6 +11,7 @@
 #include "quillon9/binding/limits.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/converted_text.h"
 #include "quillon9/xmlio/encoder.h"
 
 namespace Quillon9 {
@@ -128,7 +129,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
     char const* const utf8 = Characters(source.m_octets);
     m_document.CountContent(source.m_length);
-    m_toLocal.AppendExcludingCR(*element, {utf8, strnlen(utf8, source.m_length)});
+    AppendConverted(*element, m_toLocal, {utf8, strnlen(utf8, source.m_length)});
     return;
   }
   std::string text;

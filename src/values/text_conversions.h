@@ -1,16 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 #include "quillon9/values/conversions.h"
+#include "values/whitespace_view.h"
 
 namespace Quillon9 {
-
-/// CWhitespaceUtils::ApplyRule() for a text that is no string. Like \p text, the result has a zero behind it.
-std::string_view ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule rule, std::string_view text,
-                                     std::string& scratch);
 
 /// The `...FromString` of CConversions for a text that is no string and has a zero behind it.
 namespace TextConversions {

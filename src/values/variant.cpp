@@ -65,13 +65,6 @@ void QnVariant::DeleteHeld() {
   }
 }
 
-void QnVariant::SetReference(ItemType type, CXmlObjectBase* object) {
-  if (object != nullptr) object->AddRef();  // first: it may be held by nobody but this variant
-  Clear();
-  Store(type, object);
-  m_owns = true;
-}
-
 // clang-format off
 void QnVariant::TakeFrom(QnVariant& other) {
   switch (other.m_type) {
@@ -126,10 +119,7 @@ void QnVariant::Release() {
     break;
 #include "values/item_types.def"
     case ItemType_xmlObject:
-    case ItemType_xmlCollection:
-      if (auto* const object = Load<CXmlObjectBase*>()) object->Release();
-      Store<CXmlObjectBase*>(m_type, nullptr);
-      break;
+    case ItemType_xmlCollection: ReleaseReference(); break;
     case ItemType_invalid: break;
   }
 }
@@ -161,10 +151,6 @@ void QnVariant::SetInteger(CBigInteger const& value) { SetHeld<CBigInteger>(Item
 void QnVariant::SetInteger(CBigInteger&& value) { SetHeld<CBigInteger>(ItemType_integer, std::move(value)); }
 
 void QnVariant::SetString(std::string value) { SetHeld<std::string>(ItemType_string, std::move(value)); }
-
-void QnVariant::SetXmlObject(CXmlObjectBase* object) { SetReference(ItemType_xmlObject, object); }
-
-void QnVariant::SetXmlCollection(CXmlCollectionBase* collection) { SetReference(ItemType_xmlCollection, collection); }
 
 void QnVariant::ThrowWrongKind(char const* kind) const {
   throw CQnException(FormatString("Invalid Type %d to read as %s", static_cast<int>(m_type), kind));
@@ -223,26 +209,6 @@ CDecimal const& QnVariant::GetDecimal() const { return LookAtOwned<CDecimal>("de
 CBigInteger const& QnVariant::GetInteger() const { return LookAtOwned<CBigInteger>("integer"); }
 
 std::string const& QnVariant::GetString() const { return LookAtOwned<std::string>("string"); }
-
-CXmlObjectBase* QnVariant::LookAtXmlObject() const {
-  if (!IsValid()) return nullptr;
-  if (m_type != ItemType_xmlObject && m_type != ItemType_xmlCollection) ThrowWrongKind("xmlObject");
-  return Load<CXmlObjectBase*>();
-}
-
-CSmartPtr<CXmlObjectBase> QnVariant::GetXmlObject() const { return LookAtXmlObject(); }
-
-CSmartPtr<CXmlCollectionBase> QnVariant::GetXmlCollection() const { return LookAtXmlCollection(); }
-
-CXmlCollectionBase* QnVariant::LookAtXmlCollection() const {
-  if (!IsValid()) return nullptr;
-  if (m_type != ItemType_xmlObject && m_type != ItemType_xmlCollection) ThrowWrongKind("xmlCollection");
-  auto* const object = Load<CXmlObjectBase*>();
-  if (m_type == ItemType_xmlCollection) return static_cast<CXmlCollectionBase*>(object);
-  auto* const collection = dynamic_cast<CXmlCollectionBase*>(object);
-  if (collection == nullptr && object != nullptr) ThrowWrongKind("xmlCollection");
-  return collection;
-}
 
 // ---- Names and text
 

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "quillon9/binding/exceptions.h"
-#include "values/text_conversions.h"
+#include "values/whitespace_view.h"
 #include "xmlio/byte_blocks.h"
 
 namespace Quillon9 {

@@ -6,6 +6,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "xmlio/expat_version.h"
+#include "xmlio/converted_text.h"
 
 namespace Quillon9 {
 
@@ -112,7 +113,7 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   Guarded(self, [=](CExpatReader& reader) {
     reader.m_document.CountContent(static_cast<std::size_t>(length));
     // The carriage returns are those of character references; expat has taken the others.
-    reader.m_toLocal.AppendExcludingCR(*reader.m_document.GetOpenElement(), {text, static_cast<std::size_t>(length)});
+    AppendConverted(*reader.m_document.GetOpenElement(), reader.m_toLocal, {text, static_cast<std::size_t>(length)});
   });
 }
 

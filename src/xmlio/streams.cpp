@@ -4,7 +4,7 @@
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/encoder.h"
-#include "xmlio/local_to_utf8.h"
+#include "values/local_to_utf8.h"
 
 namespace Quillon9 {
 

@@ -3,8 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "quillon9/xmlio/element.h"
-
 namespace Quillon9 {
 
 /// Converts text from UTF-8 as CEncoder does, with the locale looked at once, for readers that convert many pieces:
@@ -18,13 +16,10 @@ class CUtf8ToLocal {
   void Append(std::string& target, std::string_view utf8) const;
   /// The same without its carriage returns.
   void AppendExcludingCR(std::string& target, std::string_view utf8) const;
-  /// Behind the text of \p target.
-  void AppendExcludingCR(CXmlElement& target, std::string_view utf8) const {
-    if (m_kind != Kind::kOther && target.AppendPlainText(utf8)) return;  // one look at it: two percent of reading
-    AppendUnplain(target, utf8);
-  }
   /// Whether the text would stay as it is, and has no carriage return. It may say no where it would.
   bool IsSameExcludingCR(std::string_view utf8) const;
+  /// Whether plain ASCII stays as it is.
+  bool KeepsAscii() const { return m_kind != Kind::kOther; }
   std::string operator()(std::string_view utf8) const {
     std::string local;
     Append(local, utf8);
@@ -32,7 +27,6 @@ class CUtf8ToLocal {
   }
 
  private:
-  void AppendUnplain(CXmlElement& target, std::string_view utf8) const;
   enum class Kind { kSame, kUtf8, kAscii, kOther };
   static Kind Find();
 

@@ -6,7 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "quillon9/binding/collection.h"
 #include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
@@ -195,6 +194,7 @@ class QUILLON9_API QnVariant {
   template <class Held>
   void DeleteHeld();
   void SetReference(ItemType type, CXmlObjectBase* object);
+  void ReleaseReference();
   template <class Held>
   Held GetOwned(char const* kind) const;
   template <class Held>

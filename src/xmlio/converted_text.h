@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "quillon9/xmlio/element.h"
+#include "xmlio/utf8_to_local.h"
+
+namespace Quillon9 {
+
+/// Append \p utf8 to the text of \p target, converted by \p toLocal and without its carriage returns.
+inline void AppendConverted(CXmlElement& target, CUtf8ToLocal const& toLocal, std::string_view utf8) {
+  // Most text is plain ASCII, which is found out while it is copied.
+  if (toLocal.KeepsAscii() && target.AppendPlainText(utf8)) return;
+  if (toLocal.IsSameExcludingCR(utf8)) return target.AppendText(utf8);
+  std::string local;
+  toLocal.AppendExcludingCR(local, utf8);
+  target.AppendText(local);
+}
+
+}  // namespace Quillon9
