@@ -53,7 +53,8 @@ install(FILES ${PROJECT_BINARY_DIR}/quillon9.pc DESTINATION ${CMAKE_INSTALL_LIBD
 # The texts, the site where `make docs` has made it, and the examples, which build by themselves where they lie.
 set(doc_component COMPONENT doc EXCLUDE_FROM_ALL)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} FILES_MATCHING PATTERN "*.md" PATTERN "*.svg")
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} FILES_MATCHING
+  PATTERN "*.md" PATTERN "*.svg")
 install(DIRECTORY build/docs/html DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} OPTIONAL)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component})
 install(FILES cmake/RunExample.cmake DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples/cmake ${doc_component})
