@@ -11,23 +11,21 @@ CQnException::CQnException() = default;
 CQnException::CQnException(std::string message) : m_message(std::move(message)) {}
 
 CQnException::CQnException(std::string message, CQnException const& inner)
-    : m_message(std::move(message)), m_inner(inner.Clone()) {}
+    : m_message(std::move(message)), m_inner(Share(inner.Clone())) {}
 
-CQnException::CQnException(CQnException const& other)
-    : m_message(other.m_message), m_inner(other.m_inner != nullptr ? other.m_inner->Clone() : nullptr) {}
+CQnException::CQnException(CQnException const& other) : m_message(other.m_message), m_inner(Share(other.m_inner)) {}
 
 CQnException::CQnException(CQnException&& other) noexcept
     : m_message(std::move(other.m_message)), m_inner(std::exchange(other.m_inner, nullptr)) {}
 
 CQnException& CQnException::operator=(CQnException const& other) {
-  if (this == &other) return *this;
-  std::string message = other.m_message;
-  AdoptInner(other.m_inner != nullptr ? other.m_inner->Clone() : nullptr);
-  m_message = std::move(message);
+  CQnException copy(other);  // first: other may be part of the chain that is given up here
+  std::swap(m_message, copy.m_message);
+  std::swap(m_inner, copy.m_inner);
   return *this;
 }
 
-CQnException::~CQnException() { DeleteInnerChain(); }
+CQnException::~CQnException() { ReleaseInner(); }
 
 CQnException* CQnException::Clone() const { return new CQnException(*this); }
 
@@ -40,29 +38,15 @@ std::string CQnException::GetFullMessage() const {
   return text;
 }
 
-CQnException* CQnException::DetachToHeap(CQnException& cause) {
-  CQnException* const chain = std::exchange(cause.m_inner, nullptr);
-  CQnException* copy = nullptr;
-  try {
-    copy = cause.Clone();
-  } catch (...) {
-    cause.m_inner = chain;
-    throw;
-  }
-  copy->AdoptInner(chain);
-  return copy;
+CQnException* CQnException::Share(CQnException* inner) noexcept {
+  if (inner != nullptr) inner->m_outer.fetch_add(1, std::memory_order_relaxed);
+  return inner;
 }
 
-void CQnException::AdoptInner(CQnException* inner) {
-  if (inner == m_inner || inner == this) return;
-  DeleteInnerChain();
-  m_inner = inner;
-}
-
-// A loop, not a recursion through the destructors: the length of the chain is the document's choice.
-void CQnException::DeleteInnerChain() {
+// A loop instead of a recursion through the destructors, because the length of the chain depends on the document.
+void CQnException::ReleaseInner() noexcept {
   CQnException* inner = std::exchange(m_inner, nullptr);
-  while (inner != nullptr) {
+  while (inner != nullptr && inner->m_outer.fetch_sub(1, std::memory_order_acq_rel) == 1) {
     CQnException* const next = std::exchange(inner->m_inner, nullptr);
     delete inner;
     inner = next;

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "binding/failed_scans.h"
-#include "binding/failure_wrapping.h"
 #include "binding/flag_set.h"
 #include "binding/nesting_guard.h"
+#include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -24,9 +24,9 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   try {
     return ReadElement(parent, cursor, ctx, inChoice);
-  } catch (CQnException& cause) {
-    ThrowWrapped<CQnValidationException>(
-        FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()), cause);
+  } catch (CQnException const& cause) {
+    throw CQnValidationException(FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()),
+                                 cause);
   }
 }
 

@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
-#include "binding/failure_wrapping.h"
 #include "binding/nesting_guard.h"
 #include "quillon9/binding/collection.h"
+#include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/generated_class.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -23,9 +23,9 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* 
                                    bool inChoice) const {
   try {
     WriteElement(writer, isRoot, ns, ctx, inChoice);
-  } catch (CQnException& cause) {
-    ThrowWrapped<CQnValidationException>(
-        FormatString("Failed to convert the element [%s] to XML", GetElementName().c_str()), cause);
+  } catch (CQnException const& cause) {
+    throw CQnValidationException(FormatString("Failed to convert the element [%s] to XML", GetElementName().c_str()),
+                                 cause);
   }
 }
 
@@ -94,8 +94,8 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializati
       writer->WriteAttributeType(info.m_typeNamespace, info.m_typeName, ItemType_string);
     }
     ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), writer);
-  } catch (CQnException& cause) {
-    ThrowWrapped<CQnException>("Failed to convert attributes to XML", cause);
+  } catch (CQnException const& cause) {
+    throw CQnException("Failed to convert attributes to XML", cause);
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdarg>
 #include <string>
 
@@ -12,53 +13,50 @@ namespace Quillon9 {
 ///
 /// A failure carries a text and, when it was made from another failure on its way up, that failure as inner
 /// exception: a nested read or write gives a chain that leads from the document element down to the fault.
-/// An exception object belongs to the thread that caught it.
+///
+/// Copies of a failure share its chain, which nobody can change and which lives as long as one of them. So a copy costs
+/// the same however long the chain is, and copies may go to different threads; one exception object may be read by any
+/// number of threads while none changes it.
 class QUILLON9_API CQnException {
  public:
   /// An empty text, no inner exception.
   CQnException();
   /// A text, no inner exception.
   explicit CQnException(std::string message);
-  /// Keeps a private copy of \p inner, made with Clone(), so \p inner may go out of scope.
+  /// Keeps a copy of \p inner, made with Clone(), so \p inner may go out of scope.
   CQnException(std::string message, CQnException const& inner);
-  /// Copies the text and clones the inner chain. The new object has the class named here, whatever \p other is.
+  /// Copies the text and shares the inner chain. The new object has the class named here, whatever \p other is.
   CQnException(CQnException const& other);
-  /// Takes text and inner chain over, so that throwing a finished failure copies no chain.
+  /// Takes the text and the inner chain over.
   CQnException(CQnException&& other) noexcept;
-  /// Replace text and inner chain by copies of those of \p other.
+  /// Copy the text of \p other and share its inner chain. Neither changes when an allocation fails.
   CQnException& operator=(CQnException const& other);
   virtual ~CQnException();
 
-  /// A new heap object of the same dynamic class, with a copy of the inner chain. The caller owns it. Derived
-  /// classes override it, so that a failure keeps its class when it becomes an inner exception.
+  /// A new heap object of the same dynamic class, which shares the inner chain. The caller owns it. Derived classes
+  /// override it, so that a failure keeps its class when it becomes an inner exception.
   virtual CQnException* Clone() const;
 
   /// The text of this failure alone, without those of its inner exceptions.
   std::string const& GetMessage() const { return m_message; }
-  /// The failure that caused this one, or null. It stays owned by this object.
+  /// The failure that caused this one, or null. It lives as long as this object or a copy of it.
   CQnException const* GetInnerException() const { return m_inner; }
   /// This text and the texts of all inner exceptions, outermost first, joined by line feeds.
   std::string GetFullMessage() const;
 
-  /// For code that turns \p cause into another failure: a heap copy of \p cause that takes over its inner chain
-  /// instead of cloning it, so that a fault in a deep document costs the same at each level. \p cause is left
-  /// without inner exception. The caller owns the result; AdoptInner() takes it.
-  static CQnException* DetachToHeap(CQnException& cause);
-  /// Make \p inner, from `new` or null, the inner exception of this one, which becomes its owner; the former chain is
-  /// deleted.
-  void AdoptInner(CQnException* inner);
-
  private:
-  void DeleteInnerChain();
+  static CQnException* Share(CQnException* inner) noexcept;
+  void ReleaseInner() noexcept;
 
   std::string m_message;
-  CQnException* m_inner = nullptr;
+  CQnException* m_inner = nullptr;   // owned together with the other failures that have it as inner exception
+  std::atomic<unsigned> m_outer{0};  // how many failures have this one as inner exception
 };
 
 /// A decimal value does not fit.
 class QUILLON9_API CQnOverFlowException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnOverFlowException();
   explicit CQnOverFlowException(std::string message);
@@ -75,7 +73,7 @@ class QUILLON9_API CQnOverFlowException : public CQnException {
 /// A bad argument to a public operation: index out of range, null where a value is required, a wrong object.
 class QUILLON9_API CQnInvalidParamException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidParamException();
   explicit CQnInvalidParamException(std::string message);
@@ -92,7 +90,7 @@ class QUILLON9_API CQnInvalidParamException : public CQnException {
 /// A public operation that is not allowed now: a choice already taken, options that exclude each other.
 class QUILLON9_API CQnInvalidStateException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidStateException();
   explicit CQnInvalidStateException(std::string message);
@@ -109,7 +107,7 @@ class QUILLON9_API CQnInvalidStateException : public CQnException {
 /// The document or the object graph breaks a rule of its schema. Also the class of the wrapper on the way up.
 class QUILLON9_API CQnValidationException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnValidationException();
   explicit CQnValidationException(std::string message);
@@ -126,7 +124,7 @@ class QUILLON9_API CQnValidationException : public CQnException {
 /// A namespace is not allowed by a wildcard.
 class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidNamespaceException();
   explicit CQnInvalidNamespaceException(std::string message);
@@ -143,7 +141,7 @@ class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException 
 /// A text or a value breaks a format or a facet.
 class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and a clone of its inner chain.
+  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidValueException();
   explicit CQnInvalidValueException(std::string message);
