@@ -37,7 +37,7 @@ CElement::CElement(char const* name, char const* ns, char const* restriction, ch
   Init(name, ns, restriction, targetNamespace);
 }
 
-CElement::CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInstanceMonitor("CElement") {
+void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) {
   Init("", "", "##any", "");
   if (defaultNamespace != nullptr) m_defaultNamespace = defaultNamespace;
   if (source == nullptr) throw CQnInvalidParamException("The object to copy from may not be NULL");

@@ -54,8 +54,6 @@ CDateTime::CDateTime(long const& time) {
   SetOrClear(*this, [&] { *this = time; });
 }
 
-CDateTime::CDateTime(char const* text) { ParseXSDDateTime(text); }
-
 CDateTime& CDateTime::operator=(long const& time) {
   std::time_t const seconds = time;
   std::tm fields{};

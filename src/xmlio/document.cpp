@@ -83,7 +83,7 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   CheckDepth();
   CountContent(ContentOf(*name));
   m_elementStack.reserve(1);
-  m_documentElement = new (Memory()) CXmlElement(name);
+  m_documentElement = new (Memory()) CXmlElement(*name);
   return PushOpen(m_documentElement, nullptr);
 }
 

@@ -159,7 +159,7 @@ void CXmlElement::AddAttribute(std::string_view localName, std::string_view valu
 
 void CXmlElement::AddAttribute(CXmlName const* name, std::string_view value) {
   CTreeMemory& memory = *Memory();
-  auto* const attribute = new (memory.Allocate(sizeof(CXmlAttribute))) CXmlAttribute(name);
+  auto* const attribute = new (memory.Allocate(sizeof(CXmlAttribute))) CXmlAttribute(*name);
   attribute->m_value.Append(value, &memory);
   LinkAttribute(attribute);
 }

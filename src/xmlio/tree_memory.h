@@ -142,7 +142,7 @@ inline CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
 
 inline CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
   CTreeMemory& memory = *Memory();
-  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name));
+  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(*name));
 }
 
 }  // namespace Quillon9

@@ -209,7 +209,10 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// element when it is written.
   /// \throws CQnInvalidParamException "The object to copy from may not be NULL"; what writing \p source and parsing
   ///         that throw.
-  CElement(CXmlObjectBase* source, char const* defaultNamespace);
+  template <class = void>  // so that a literal null is a null name, instead of ambiguous
+  CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInstanceMonitor("CElement") {
+    CopyObject(source, defaultNamespace);
+  }
   /// Takes constant stack, however deep the children are nested.
   ~CElement() override;
 
@@ -297,6 +300,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) override;
 
   void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
+  void CopyObject(CXmlObjectBase* source, char const* defaultNamespace);
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
 

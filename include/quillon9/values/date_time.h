@@ -70,7 +70,10 @@ class QUILLON9_API CDateTime {
   /// From a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear object.
   CDateTime(long const& time);
   /// ParseXSDDateTime().
-  CDateTime(char const* text);
+  template <class = void>  // so that a literal 0 is a time, as every other number, instead of ambiguous
+  CDateTime(char const* text) {
+    ParseXSDDateTime(text);
+  }
   /// Copies every field, the type and the zone.
   ///@{
   CDateTime(CDateTime const& other);

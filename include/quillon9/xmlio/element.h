@@ -59,7 +59,7 @@ class QUILLON9_API CXmlAttribute {
   static constexpr std::uintptr_t kIsLast = 1;
 
   /// With a name that a document shares.
-  explicit CXmlAttribute(CXmlName const* name) noexcept : m_name(name) {}
+  explicit CXmlAttribute(CXmlName const& name) noexcept : m_name(&name) {}
   void Dispose() noexcept;
 
   CXmlName const* m_name;
@@ -176,7 +176,7 @@ class QUILLON9_API CXmlElement {
   static constexpr std::uintptr_t kIsLast = 1;
 
   /// An element of a document's tree, with a name that is shared there.
-  explicit CXmlElement(CXmlName const* name) noexcept : m_name(name) {}
+  explicit CXmlElement(CXmlName const& name) noexcept : m_name(&name) {}
   CTreeMemory* Memory() const { return m_name->memory; }
   CXmlName& OwnName() { return const_cast<CXmlName&>(*m_name); }
   CXmlAttribute* LastAttribute() const;
