@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
@@ -52,20 +53,59 @@ CBigInteger::CBigInteger(CBigInteger&& other) noexcept = default;
 CBigInteger& CBigInteger::operator=(CBigInteger const& other) {
   if (this == &other) return *this;
   m_digits = other.m_digits;
+  m_zeros = other.m_zeros;
   m_sign = other.m_sign;
   return *this;
 }
 CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
 CBigInteger::~CBigInteger() = default;
 
+// ---- The zeros that are not among the digits
+
+// Turns zeros into digits until only `remaining` are left. The value stays the same.
+void CBigInteger::SpellOutZeros(std::uint32_t remaining) {
+  if (m_zeros <= remaining) return;
+  m_digits.insert(0, m_zeros - remaining, 0);
+  m_zeros = remaining;
+}
+
+// All digits; in `scratch` where the value does not hold them.
+std::string_view CBigInteger::GetDigits(std::string& scratch) const {
+  if (m_zeros == 0) return m_digits;
+  scratch.assign(m_zeros, 0);
+  return scratch += m_digits;
+}
+
+// Right-aligned in a field of `width` characters that is filled up with zeros.
+void CBigInteger::AppendDigits(std::string& text, std::size_t width) const {
+  if (GetLength() < width) text.append(width - GetLength(), '0');
+  std::size_t const end = text.size() + m_digits.size();
+  text.resize(text.size() + GetLength(), '0');
+  char* to = text.data() + end;
+  for (char const digit : m_digits) *--to = static_cast<char>('0' + digit);
+}
+
 // ---- Sums
 
 void CBigInteger::AddSigned(CBigInteger const& other, std::int32_t otherSign) {
-  if (m_sign == otherSign) return AddDigits(m_digits, other.m_digits);
+  std::uint32_t const zeros = IsZero() ? other.m_zeros : other.IsZero() ? m_zeros : std::min(m_zeros, other.m_zeros);
+  if (other.m_zeros > zeros) {
+    CBigInteger aligned(other);
+    aligned.SpellOutZeros(zeros);
+    return AddSigned(aligned, otherSign);
+  }
+  SpellOutZeros(zeros);
+  if (m_sign == otherSign) {
+    AddDigits(m_digits, other.m_digits);
+    m_zeros = zeros;
+    return;
+  }
   int const order = CompareDigits(m_digits, other.m_digits);
   if (order == 0) {
     *this = CBigInteger();
-  } else if (order > 0) {
+    return;
+  }
+  if (order > 0) {
     SubtractDigits(m_digits, other.m_digits);
   } else {
     Digits difference = other.m_digits;
@@ -73,6 +113,7 @@ void CBigInteger::AddSigned(CBigInteger const& other, std::int32_t otherSign) {
     m_digits = std::move(difference);
     m_sign = otherSign;
   }
+  m_zeros = zeros;
 }
 
 CBigInteger& CBigInteger::operator+=(CBigInteger const& other) {
@@ -100,15 +141,19 @@ CBigInteger CBigInteger::operator-(CBigInteger const& other) const {
 // ---- Products and quotients
 
 CBigInteger CBigInteger::operator*(CBigInteger const& other) const {
-  return CBigInteger(m_sign * other.m_sign, MultipliedDigits(m_digits, other.m_digits));
+  CBigInteger product(m_sign * other.m_sign, MultipliedDigits(m_digits, other.m_digits));
+  product.TimesPow10(m_zeros);
+  product.TimesPow10(other.m_zeros);
+  return product;
 }
 
 CBigInteger& CBigInteger::operator*=(CBigInteger const& other) { return *this = *this * other; }
 
 CBigInteger CBigInteger::DividedBy(CBigInteger const& divisor, CBigInteger& remainder) const {
-  remainder.m_sign = m_sign;
-  remainder.m_digits = m_digits;
-  return CBigInteger(m_sign == divisor.m_sign ? 1 : -1, DividedDigits(remainder.m_digits, divisor.m_digits));
+  remainder = *this;
+  remainder.SpellOutZeros(0);
+  Digits scratch;
+  return CBigInteger(m_sign == divisor.m_sign ? 1 : -1, DividedDigits(remainder.m_digits, divisor.GetDigits(scratch)));
 }
 
 // The sign alone is asked first, as operator< does; a zero divisor is only refused where there is something to
@@ -146,15 +191,26 @@ CBigInteger CBigInteger::SquareRoot() const {
   if (m_sign < 0) ThrowInvalid("ERROR: Negative Number in function SquareRoot().");
   if (IsZero()) ThrowInvalid("ERROR: Overflow in operator/.");
   CBigInteger root(1, Digits());
-  UnpackDigits(SquareRootOfLimbs(PackDigits(m_digits)), root.m_digits);
+  Digits scratch;
+  UnpackDigits(SquareRootOfLimbs(PackDigits(GetDigits(scratch))), root.m_digits);
   return root;
 }
 
-CBigInteger CBigInteger::Pow10(unsigned int exponent) { return CBigInteger(1, DigitsOfPow10(exponent)); }
+CBigInteger CBigInteger::Pow10(unsigned int exponent) {
+  CBigInteger power(1);
+  power.TimesPow10(exponent);
+  return power;
+}
 
 // Multiply by ten to the power of `exponent`.
 void CBigInteger::TimesPow10(std::size_t exponent) {
-  if (exponent != 0 && !IsZero()) m_digits.insert(0, exponent, 0);
+  if (IsZero()) return;
+  std::size_t const most = std::numeric_limits<std::uint32_t>::max() - m_zeros;
+  if (exponent > most) {
+    m_digits.insert(0, exponent, 0);
+  } else {
+    m_zeros += static_cast<std::uint32_t>(exponent);
+  }
 }
 
 // Divide by ten to the power of `exponent` and return the remainder, with the signs that / and % give.
@@ -163,9 +219,12 @@ CBigInteger CBigInteger::SplitAtPow10(std::size_t exponent) {
     m_sign = 1;
     return CBigInteger();
   }
-  CBigInteger remainder(m_sign, m_digits.substr(0, exponent));
+  std::uint32_t const zeros = static_cast<std::uint32_t>(std::min<std::size_t>(exponent, m_zeros));
+  CBigInteger remainder(m_sign, m_digits.substr(0, exponent - zeros));
   CleanDigits(remainder.m_digits);
-  m_digits.erase(0, exponent);
+  remainder.TimesPow10(zeros);
+  m_zeros -= zeros;
+  m_digits.erase(0, exponent - zeros);
   if (m_digits.empty()) m_digits.push_back(0);
   return remainder;
 }
@@ -173,21 +232,25 @@ CBigInteger CBigInteger::SplitAtPow10(std::size_t exponent) {
 // ---- Order and sign
 
 bool CBigInteger::operator==(CBigInteger const& other) const {
-  return m_digits == other.m_digits && (m_sign == other.m_sign || IsZero());
+  return OrderOfMagnitudes(other, 0, 0) == 0 && (m_sign == other.m_sign || IsZero());
 }
 
 // -1, 0 or +1, as if both were multiplied by ten to the power of their shift.
 int CBigInteger::Order(CBigInteger const& other, std::size_t shift, std::size_t otherShift) const {
   if (m_sign != other.m_sign) return m_sign < other.m_sign ? -1 : 1;
-  if (IsZero()) shift = 0;
-  if (other.IsZero()) otherShift = 0;
+  return m_sign * OrderOfMagnitudes(other, shift, otherShift);
+}
+
+int CBigInteger::OrderOfMagnitudes(CBigInteger const& other, std::size_t shift, std::size_t otherShift) const {
+  shift = IsZero() ? 0 : shift + m_zeros;
+  otherShift = other.IsZero() ? 0 : otherShift + other.m_zeros;
   std::size_t const size = m_digits.size() + shift;
   std::size_t const otherSize = other.m_digits.size() + otherShift;
-  if (size != otherSize) return size < otherSize ? -m_sign : m_sign;
+  if (size != otherSize) return size < otherSize ? -1 : 1;
   for (std::size_t i = size; i-- != std::min(shift, otherShift);) {
     int const digit = i < shift ? 0 : m_digits[i - shift];
     int const otherDigit = i < otherShift ? 0 : other.m_digits[i - otherShift];
-    if (digit != otherDigit) return digit < otherDigit ? -m_sign : m_sign;
+    if (digit != otherDigit) return digit < otherDigit ? -1 : 1;
   }
   return 0;
 }
@@ -203,15 +266,20 @@ CBigInteger CBigInteger::GetNegative() const {
   return negative;
 }
 
-CBigInteger CBigInteger::GetAbs() const { return CBigInteger(1, m_digits); }
+CBigInteger CBigInteger::GetAbs() const {
+  CBigInteger magnitude(*this);
+  magnitude.Abs();
+  return magnitude;
+}
 
 // ---- Conversions
 
 CBigInteger::operator int() const {
   constexpr std::size_t kIntDigits = 10;
-  std::int64_t value = m_digits.size() <= kIntDigits ? 0 : INT64_MAX;
-  for (std::size_t i = std::min(m_digits.size(), kIntDigits); value != INT64_MAX && i-- != 0;) {
-    value = value * 10 + m_digits[i];
+  std::int64_t value = INT64_MAX;
+  if (GetLength() <= kIntDigits) {
+    Digits scratch;
+    value = static_cast<std::int64_t>(PackWide(GetDigits(scratch)));
   }
   if (value > INT32_MAX + std::int64_t{m_sign < 0 ? 1 : 0}) ThrowInvalid("ERROR: Value out of bound of int.");
   return static_cast<int>(value * m_sign);
@@ -219,9 +287,10 @@ CBigInteger::operator int() const {
 
 std::string CBigInteger::ToString() const {
   if (IsZero()) return "0";
-  std::string text(m_digits.size() + (m_sign < 0 ? 1 : 0), '-');
-  char* to = text.data() + text.size();
-  for (char const digit : m_digits) *--to = static_cast<char>('0' + digit);
+  std::string text;
+  text.reserve(GetLength() + 1);
+  if (m_sign < 0) text += '-';
+  AppendDigits(text, 0);
   return text;
 }
 
@@ -238,6 +307,7 @@ void CBigInteger::Parse(char const* text) {
   while (begin != end && *begin == ' ') ++begin;
   bool const isNegative = begin != end && *begin == '-';
   m_digits = DigitsOfLastRun(begin, end);
+  m_zeros = 0;
   m_sign = isNegative ? -1 : 1;
 }
 

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kQuotientDigits = CDecimal::m_maxDivider + 2;
 
 // Whether the magnitude is above half of ten to the power of `exponent`, which is above 0.
-bool IsAboveHalf(Digits const& digits, std::size_t exponent) {
+bool IsAboveHalf(std::string_view digits, std::size_t exponent) {
   if (digits.size() != exponent || digits.back() < 5) return false;
   return digits.back() > 5 || std::any_of(digits.begin(), digits.end() - 1, [](char digit) { return digit != 0; });
 }
@@ -43,9 +43,11 @@ CDecimalParts::CDecimalParts(CBigInteger const& whole, CBigInteger const& fracti
 bool CDecimalParts::Pack(std::uint64_t& units) const {
   if (m_divider > kMostPower || m_whole.m_sign != m_fraction.m_sign) return false;
   auto const divider = static_cast<std::size_t>(m_divider);
-  if (CountDigits(m_fraction.m_digits) > divider) return false;
-  if (CountDigits(m_whole.m_digits) + divider > kMostPower) return false;
-  units = static_cast<std::uint64_t>(PackWide(m_whole.m_digits) * PowerOf10(m_divider) + PackWide(m_fraction.m_digits));
+  if (!m_fraction.IsZero() && m_fraction.GetLength() > divider) return false;
+  if (!m_whole.IsZero() && m_whole.GetLength() + divider > kMostPower) return false;
+  Digits scratch;
+  Wide const whole = PackWide(m_whole.GetDigits(scratch));
+  units = static_cast<std::uint64_t>(whole * PowerOf10(m_divider) + PackWide(m_fraction.GetDigits(scratch)));
   return true;
 }
 
@@ -88,16 +90,14 @@ void CDecimalParts::DivideByPow10(std::size_t exponent) {
 }
 
 void CDecimalParts::Rationalise() {
-  Digits& digits = m_fraction.m_digits;
   auto const most = static_cast<std::size_t>(std::max(m_divider, 1) - 1);
-  std::size_t dropped = 0;
-  if (m_fraction.IsZero()) {
-    dropped = std::min<std::size_t>(most, 1);
-  } else {
-    while (dropped < most && digits[dropped] == 0) ++dropped;
-    digits.erase(0, dropped);
-  }
+  std::size_t const zeros =
+      m_fraction.IsZero() ? 1 : m_fraction.m_digits.find_first_not_of('\0') + std::size_t{m_fraction.m_zeros};
+  std::size_t const dropped = std::min(most, zeros);
+  if (dropped == 0) return;
+  m_fraction.SplitAtPow10(dropped);
   m_divider -= static_cast<std::int32_t>(dropped);
+  AlignZeros();
 }
 
 void CDecimalParts::SetDivider(std::size_t divider) {
@@ -110,7 +110,7 @@ void CDecimalParts::SetDivider(std::size_t divider) {
   std::size_t const dropped = current - divider;
   CBigInteger const remainder = m_fraction.SplitAtPow10(dropped);
   m_divider = static_cast<std::int32_t>(divider);
-  bool const carries = IsAboveHalf(remainder.m_digits, dropped);
+  bool const carries = IsAboveHalf(remainder.m_digits, dropped - remainder.m_zeros);
   if (carries) (divider == 0 ? m_whole : m_fraction) += CBigInteger(remainder.m_sign);
   if (carries && divider != 0) {
     AlignSigns();
@@ -158,10 +158,10 @@ CDecimalParts CDecimalParts::Plus(CDecimalParts const& other) const {
     sum.m_fraction += fraction;
   }
   sum.m_whole += other.m_whole;
-  if (sum.m_fraction.m_digits.size() > divider) {
+  if (!sum.m_fraction.IsZero() && sum.m_fraction.GetLength() > divider) {
     CBigInteger fraction = sum.m_fraction.SplitAtPow10(divider);
     sum.m_whole += sum.m_fraction;
-    sum.m_fraction = std::move(fraction);
+    sum.m_fraction = fraction.IsZero() ? CBigInteger() : std::move(fraction);
   }
   sum.AlignSigns();
   sum.Rationalise();
@@ -214,6 +214,6 @@ bool CDecimalParts::IsNotAbove(CDecimalParts const& other) const {
   return m_whole < other.m_whole || (m_whole == other.m_whole && CompareFractions(other) <= 0);
 }
 
-bool CDecimalParts::IsBeyondDouble() const { return CompareDigits(m_whole.m_digits, LargestDouble().m_digits) > 0; }
+bool CDecimalParts::IsBeyondDouble() const { return m_whole.OrderOfMagnitudes(LargestDouble(), 0, 0) > 0; }
 
 }  // namespace Quillon9

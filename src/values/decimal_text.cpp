@@ -117,15 +117,6 @@ Digits ReadDigits(DigitRange range) {
   return digits;
 }
 
-// Right-aligned in a field of `width` characters.
-void AppendDigits(std::string& text, Digits const& digits, std::size_t width) {
-  if (digits.size() < width) text.append(width - digits.size(), '0');
-  std::size_t const end = text.size() + digits.size();
-  text.resize(end);
-  char* to = text.data() + end;
-  for (char const digit : digits) *--to = static_cast<char>('0' + digit);
-}
-
 }  // namespace
 
 CDecimalParts CDecimalParts::Parse(char const* text) {
@@ -150,20 +141,20 @@ std::string CDecimalParts::ToString() const {
   if (m_fraction.IsZero()) return m_whole.ToString();
   auto const divider = static_cast<std::size_t>(m_divider);
   std::string text;
-  text.reserve(m_whole.m_digits.size() + std::max(divider, m_fraction.m_digits.size()) + 2);
+  text.reserve(m_whole.GetLength() + std::max(divider, m_fraction.GetLength()) + 2);
   if (m_whole.m_sign < 0) text += '-';
-  AppendDigits(text, m_whole.m_digits, 0);
+  m_whole.AppendDigits(text, 0);
   text += '.';
-  AppendDigits(text, m_fraction.m_digits, divider);
+  m_fraction.AppendDigits(text, divider);
   return text;
 }
 
 std::string CDecimalParts::ToString(int digits) const {
   CDecimalParts const sum = CDecimalParts(m_whole.m_sign, 5, 1).Plus(*this);
   std::string fraction;
-  AppendDigits(fraction, sum.m_fraction.m_digits, static_cast<std::size_t>(sum.m_divider));
+  sum.m_fraction.AppendDigits(fraction, static_cast<std::size_t>(sum.m_divider));
   std::string text = sum.m_whole.m_sign < 0 ? "-" : "";
-  AppendDigits(text, sum.m_whole.m_digits, 0);
+  sum.m_whole.AppendDigits(text, 0);
   text += '.';
   return text.append(fraction, 0, static_cast<std::size_t>(digits));
 }

@@ -346,6 +346,12 @@ TEST(Allocation, ChangesOfValuesHappenWholeOrNotAtAll) {
       {"decimal parsed", [] { return ChangingDecimal([](CDecimal& v) { v.Parse("1.23456789012345678901e-9"); }); }},
       {"integer *=",
        [] { return ChangingInteger([](CBigInteger& v) { v *= CBigInteger("-123456789012345678901"); }); }},
+      {"integer +=",
+       [] {
+         return Changing(
+             CBigInteger("1e400"), [](CBigInteger& v) { v += CBigInteger("1e40"); },
+             [](CBigInteger const& v) { return v.ToString(); });
+       }},
       {"integer /=", [] { return ChangingInteger([](CBigInteger& v) { v /= CBigInteger("123456789012345678901"); }); }},
       {"variant parsed",
        [] {

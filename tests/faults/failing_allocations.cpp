@@ -15,8 +15,10 @@ thread_local bool t_isArmed = false;
 thread_local bool t_hasFailed = false;
 thread_local bool t_keepsFailing = false;
 thread_local unsigned long t_passing = 0;
+thread_local std::size_t t_bytesTaken = 0;
 
-bool MustFail() {
+bool MustFail(std::size_t size) {
+  t_bytesTaken += size;
   if (!t_isArmed) return false;
   if (t_passing > 0) {
     --t_passing;
@@ -53,6 +55,8 @@ bool FailingAllocations::HasFailed() { return t_hasFailed; }
 
 long CountLiveAllocations() { return g_live.load(); }
 
+std::size_t CountBytesTaken() { return t_bytesTaken; }
+
 }  // namespace Quillon9::Testing
 
 #if defined(QN_ADDRESS_SANITIZER) || defined(QN_THREAD_SANITIZER)
@@ -62,7 +66,7 @@ bool Quillon9::Testing::AreCLibrariesIncluded() { return false; }
 namespace {
 
 void* New(std::size_t size) {
-  void* const memory = MustFail() ? nullptr : Count(std::malloc(size != 0 ? size : 1));
+  void* const memory = MustFail(size) ? nullptr : Count(std::malloc(size != 0 ? size : 1));
   if (memory == nullptr) throw std::bad_alloc();
   return memory;
 }
@@ -77,7 +81,7 @@ void Delete(void* memory) {
 void* operator new(std::size_t size) { return New(size); }
 void* operator new[](std::size_t size) { return New(size); }
 void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
-  return MustFail() ? nullptr : Count(std::malloc(size != 0 ? size : 1));
+  return MustFail(size) ? nullptr : Count(std::malloc(size != 0 ? size : 1));
 }
 void* operator new[](std::size_t size, std::nothrow_t const& tag) noexcept { return operator new(size, tag); }
 void operator delete(void* memory) noexcept { Delete(memory); }
@@ -102,13 +106,13 @@ void* __libc_memalign(std::size_t alignment, std::size_t size);
 void __libc_free(void* memory);
 
 void* malloc(std::size_t size) noexcept {
-  if (!MustFail()) return Count(__libc_malloc(size));
+  if (!MustFail(size)) return Count(__libc_malloc(size));
   errno = ENOMEM;
   return nullptr;
 }
 
 void* calloc(std::size_t count, std::size_t size) noexcept {
-  if (!MustFail()) return Count(__libc_calloc(count, size));
+  if (!MustFail(count * size)) return Count(__libc_calloc(count, size));
   errno = ENOMEM;
   return nullptr;
 }
@@ -119,13 +123,13 @@ void* realloc(void* memory, std::size_t size) noexcept {
     free(memory);
     return nullptr;
   }
-  if (!MustFail()) return __libc_realloc(memory, size);
+  if (!MustFail(size)) return __libc_realloc(memory, size);
   errno = ENOMEM;
   return nullptr;
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {
-  if (!MustFail()) return Count(__libc_memalign(alignment, size));
+  if (!MustFail(size)) return Count(__libc_memalign(alignment, size));
   errno = ENOMEM;
   return nullptr;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 /// The allocations of this program, which a test can count and let fail: operator new, and where no sanitizer stands
 /// in the way also the malloc of the C libraries.
 namespace Quillon9::Testing {
@@ -32,6 +34,9 @@ class FailingAllocations {
 
 /// Allocations of all threads that were not freed yet.
 long CountLiveAllocations();
+
+/// Bytes that the calling thread has asked for until now, those that were freed again included.
+std::size_t CountBytesTaken();
 
 /// Whether those of the C libraries fail and count too.
 bool AreCLibrariesIncluded();

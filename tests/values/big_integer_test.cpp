@@ -196,6 +196,39 @@ TEST(BigInteger, LongNumbersKeepTheLawsOfArithmetic) {
   }
 }
 
+std::string Describe(Big const& a, Big const& b) {
+  std::string text = a.ToString() + (a == b ? " ==" : "") + (a < b ? " <" : "") + (a > b ? " >" : "");
+  for (Big const& value : {a + b, a - b, b - a, a * b, a.GetNegative(), a.GetAbs()}) text += " " + value.ToString();
+  if (b != 0) text += " " + (a / b).ToString() + " " + (a % b.GetAbs()).ToString();
+  if (a > 0) text += " " + a.SquareRoot().ToString();
+  return text + " " + CDecimal(a).ToString() + " " + (CDecimal(a, 25, 3) + b).ToString();
+}
+
+TEST(BigInteger, ZerosOfAnExponentAreLikeOthers) {
+  std::mt19937_64 random(31);
+  auto const make = [](std::string const& digits, std::size_t zeros, bool isShort) {
+    return Big((digits + (isShort ? "e" + std::to_string(zeros) : std::string(zeros, '0'))).c_str());
+  };
+  for (int i = 0; i < 300; ++i) {
+    std::string const a = RandomNumber(random, random() % 30 + 1).ToString();
+    std::string const b = i % 5 == 0 ? a + "00" : i % 7 == 0 ? "0" : RandomNumber(random, random() % 30 + 1).ToString();
+    std::size_t const zerosA = random() % 25 + 2;
+    std::size_t const zerosB = i % 5 == 0 ? zerosA - 2 : random() % 25;
+    std::string const expected = Describe(make(a, zerosA, false), make(b, zerosB, false));
+    EXPECT_EQ(expected, Describe(make(a, zerosA, true), make(b, zerosB, true)));
+    EXPECT_EQ(expected, Describe(make(a, zerosA, true), make(b, zerosB, false)));
+    EXPECT_EQ(expected, Describe(make(a, zerosA, false), make(b, zerosB, true)));
+  }
+  EXPECT_EQ(2000000000, static_cast<int>(Big("2e9")));
+  EXPECT_EQ("0", Big("0e99999").ToString());
+  for (char const* text : {"3e9", "1e99999"}) {
+    EXPECT_FAILURE(CQnInvalidValueException, "ERROR: Value out of bound of int.", static_cast<int>(Big(text)));
+  }
+  Big const most = Big::Pow10(std::numeric_limits<unsigned int>::max());
+  EXPECT_LT(most, most * 10);
+  EXPECT_EQ(most * Big::Pow10(2), most * 10 * 10);
+}
+
 // Far above what the fast methods take, and far below what digit-by-digit ones would.
 TEST(BigInteger, LongNumbersAreFast) {
   auto const start = std::chrono::steady_clock::now();

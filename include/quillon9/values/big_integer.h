@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <type_traits>
 #include <vector>
 
@@ -19,8 +20,8 @@ struct CDecimalParts;
 /// both zeros are equal and print "0", but the order operators look at the sign first, so that -0 lies below +0
 /// (a user of XML Schema would not expect it: "-0" breaks minInclusive "0").
 ///
-/// Memory is a byte a digit; numbers of ten thousand digits are multiplied and divided in less than a
-/// millisecond. A plain value: it belongs to one thread at a time, and any number of threads may read it.
+/// Memory is a byte a digit. The zeros that an exponent or Pow10() appends take memory only when a sum, a quotient or
+/// ToString() needs them as digits; comparing, copying and multiplying do not. A plain value: it belongs to one thread at a time, and any number of threads may read it.
 /// Operators leave both operands as they were when they throw. Besides the failures named below,
 /// std::bad_alloc. A value that was moved from may only be assigned to and destroyed.
 class QUILLON9_API CBigInteger {
@@ -176,15 +177,21 @@ class QUILLON9_API CBigInteger {
   CBigInteger(std::int32_t sign, std::string digits);
 
   bool IsZero() const { return m_digits.size() <= 1 && (m_digits.empty() || m_digits[0] == 0); }
+  std::size_t GetLength() const { return m_digits.size() + m_zeros; }
   int Order(CBigInteger const& other, std::size_t shift = 0, std::size_t otherShift = 0) const;
+  int OrderOfMagnitudes(CBigInteger const& other, std::size_t shift, std::size_t otherShift) const;
+  void SpellOutZeros(std::uint32_t remaining);
+  std::string_view GetDigits(std::string& scratch) const;
+  void AppendDigits(std::string& text, std::size_t width) const;
   void AddSigned(CBigInteger const& other, std::int32_t otherSign);
   CBigInteger DividedBy(CBigInteger const& divisor, CBigInteger& remainder) const;
   void CheckDivisor(CBigInteger const& divisor, char const* message) const;
   void TimesPow10(std::size_t exponent);
   CBigInteger SplitAtPow10(std::size_t exponent);
 
-  std::int32_t m_sign = 1;  // +1 or -1
-  std::string m_digits;     // as the helpers want them, here in a string because it keeps a few without memory
+  std::int32_t m_sign = 1;    // +1 or -1
+  std::uint32_t m_zeros = 0;  // zeros that follow the digits; none for zero. "1e100000" takes no more than its text.
+  std::string m_digits;       // as the helpers want them, here in a string because it keeps a few without memory
 };
 
 /// Arithmetic and comparison with an int, in both orders. Without them, `value + 1` could as well mean the sum
