@@ -109,6 +109,7 @@ bool CDecimal::ParseShort(char const* text) {
   char const* const end = ReadUnits(fraction, units);
   std::ptrdiff_t const divider = std::max<std::ptrdiff_t>(end - fraction, 1);
   if (*end != '\0' || point - text + divider > kMostPower) return false;
+  if (isNegative && units == 0 && divider > 1) return false;  // the signs of its parts differ, see Rationalise()
   SetShort(isNegative ? -1 : 1, fraction == end ? units * 10 : units, static_cast<std::int32_t>(divider));
   RationaliseShort();
   return true;
@@ -131,10 +132,14 @@ void CDecimal::RationaliseShort() {
 }
 
 void CDecimal::Rationalise() {
-  if (m_parts == nullptr) {
-    RationaliseShort();
-  } else {
+  if (m_parts != nullptr) {
     m_parts->Rationalise();
+  } else if (m_units == 0 && m_sign < 0) {
+    CDecimalParts zero = MakeParts();
+    zero.Rationalise();
+    Hold(std::move(zero));
+  } else {
+    RationaliseShort();
   }
 }
 
@@ -166,10 +171,9 @@ std::int32_t CDecimal::GetDivider() const { return m_parts == nullptr ? m_divide
 
 // ---- Arithmetic
 
-// False when the sum is too long, and for two zeros without a fraction: what becomes of their signs is not so simple.
+// False when the sum is too long, and for two negative zeros, of whose parts only one may keep the sign.
 bool CDecimal::AddShort(CDecimal const& a, CDecimal const& b) {
   std::int32_t const divider = std::max(a.m_divider, b.m_divider);
-  if (divider == 0) return false;
   Wide const left = Wide{a.m_units} * PowerOf10(divider - a.m_divider);
   Wide const right = Wide{b.m_units} * PowerOf10(divider - b.m_divider);
   std::int32_t sign = a.m_sign;
@@ -178,7 +182,7 @@ bool CDecimal::AddShort(CDecimal const& a, CDecimal const& b) {
     sign = left == right ? 1 : left < right ? b.m_sign : a.m_sign;
     sum = left < right ? right - left : left - right;
   }
-  if (sum > kMostUnits) return false;
+  if (sum > kMostUnits || (sum == 0 && sign < 0)) return false;
   SetShort(sign, static_cast<std::uint64_t>(sum), divider);
   RationaliseShort();
   return true;

@@ -35,7 +35,8 @@ CDecimalParts::CDecimalParts(std::int32_t sign, std::uint64_t units, std::int32_
       m_fraction(sign, DigitsOf(units % PowerOf10(divider))),
       m_divider(divider) {}
 
-CDecimalParts::CDecimalParts(CBigInteger const& whole) : m_whole(whole), m_fraction(whole.m_sign, Digits(1, 0)) {}
+CDecimalParts::CDecimalParts(CBigInteger const& whole)
+    : m_whole(whole), m_fraction(whole.IsZero() ? 1 : whole.m_sign, Digits(1, 0)) {}
 
 CDecimalParts::CDecimalParts(CBigInteger const& whole, CBigInteger const& fraction, std::int32_t divider)
     : m_whole(whole), m_fraction(fraction), m_divider(divider) {}
@@ -133,13 +134,16 @@ void CDecimalParts::AlignSigns() {
     m_fraction += unit;
     m_whole -= CBigInteger(sign);
   }
+  if (m_whole.IsZero()) m_whole.m_sign = m_fraction.m_sign;
   AlignZeros();
 }
 
+// Give a part that is zero the sign of the other one. Where both are zero, each keeps its own.
 void CDecimalParts::AlignZeros() {
+  if (m_fraction.IsZero() == m_whole.IsZero()) return;
   if (m_fraction.IsZero()) {
     m_fraction.m_sign = m_whole.m_sign;
-  } else if (m_whole.IsZero()) {
+  } else {
     m_whole.m_sign = m_fraction.m_sign;
   }
 }

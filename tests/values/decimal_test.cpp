@@ -196,6 +196,9 @@ TEST(Decimal, Rounding) {
   none.ChangeFractionalDivider(0);
   EXPECT_LT(none, CDecimal());
   EXPECT_GE(none + none, CDecimal());  // without fraction digits the sum of both zeros is the other one
+  CDecimal little("-0.4");
+  little.ChangeFractionalDivider(0);
+  EXPECT_LT(little + little, CDecimal());  // unless the fraction kept its sign
 
   CDecimal other("2.125");
   EXPECT_EQ(3, CDecimal::Normalize(value, other));
@@ -242,8 +245,9 @@ TEST(Decimal, ToNumbers) {
   EXPECT_EQ("-2 1", CDecimal("-1.6").ToBigInteger().ToString() + " " + CBigInteger(CDecimal("1.5")).ToString());
 }
 
-// The same number, kept as one of any length is.
+// The same number, kept as one of any length is. Of a negative zero, the way there would change the signs.
 CDecimal MakeLong(CDecimal value) {
+  if (value == CDecimal()) return value;
   value.ChangeFractionalDivider(40);
   value.Rationalise();
   return value;
