@@ -111,10 +111,10 @@ class QUILLON9_API CXmlElement {
   /// text that lives as long as the process, just as an empty one does.
   std::string const& GetAttribute(std::string const& localName, std::string const& namespaceUri) const;
 
-  /// The children in document order, for range-for and standard algorithms: all of them, those of one name in any
-  /// namespace, or those of one name and one namespace (empty for none). The names are borrowed as CXmlNameFilter says,
-  /// which costs no copy; null stands for every name. Each step looks at the children anew, see CXmlNodeIterator for
-  /// changes of the tree during a loop. Throws nothing.
+  /// The children in document order, for range-for and standard algorithms: all children, those with this name in any
+  /// namespace, or those with this name in this namespace (empty for no namespace). A null pointer matches every name.
+  /// The arguments are borrowed, see CXmlNameFilter. CXmlNodeIterator describes what may change during a loop. Throws
+  /// nothing.
   ///@{
   CXmlNodeRange<CXmlElement> Children(CXmlNameFilter const& localName = {}, CXmlNameFilter const& namespaceUri = {}) {
     return {GetFirstElement(), localName, namespaceUri};
@@ -124,13 +124,13 @@ class QUILLON9_API CXmlElement {
     return {GetFirstElement(), localName, namespaceUri};
   }
   ///@}
-  /// The attributes in document order, in the same way. It does not make the vector of GetAttributes().
+  /// The attributes in document order, in the same way. This does not make the vector of GetAttributes().
   ///@{
   CXmlNodeRange<CXmlAttribute> Attributes() { return {GetFirstAttribute(), {}, {}}; }
   CXmlNodeRange<CXmlAttribute const> Attributes() const { return {GetFirstAttribute(), {}, {}}; }
   ///@}
-  /// The first attribute of this name, in any namespace or in this one (empty for none), owned by this element; null
-  /// when there is none. Unlike GetAttribute() it tells an absent attribute from an empty one.
+  /// The first attribute with this name, in any namespace or in this one (empty for no namespace). It is owned by this
+  /// element; null if there is none. Unlike GetAttribute(), it distinguishes an absent attribute from an empty one.
   CXmlAttribute const* FindAttribute(CXmlNameFilter const& localName, CXmlNameFilter const& namespaceUri = {}) const {
     return CXmlNodeRange<CXmlAttribute const>(GetFirstAttribute(), localName, namespaceUri).First();
   }

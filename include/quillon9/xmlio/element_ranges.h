@@ -10,14 +10,16 @@
 
 namespace Quillon9 {
 
-/// A name, or a namespace, to look for in a tree. The text is borrowed, so it must outlive the ranges and iterators that
-/// are made with it; a literal does, and a temporary string does not compile. An empty text is a name of its own:
-/// the empty namespace is that of nodes in no namespace.
+/// The local name or the namespace URI that a search in a tree looks for. An empty text matches only an empty one, so
+/// the empty URI finds nodes in no namespace.
+///
+/// The text is borrowed: it must outlive the ranges and iterators that are made with it. A literal does; a temporary
+/// std::string would not, so it does not compile.
 class CXmlNameFilter {
  public:
-  /// Every name.
+  /// Match everything.
   CXmlNameFilter() = default;
-  /// Exactly this text; every name for null.
+  /// Match exactly \p text; a null pointer matches everything.
   ///@{
   CXmlNameFilter(char const* text) : m_isAny(text == nullptr), m_text(text != nullptr ? text : "") {}
   CXmlNameFilter(std::string_view text) : m_isAny(false), m_text(text) {}
@@ -25,7 +27,7 @@ class CXmlNameFilter {
   ///@}
   CXmlNameFilter(std::string const&& text) = delete;
 
-  /// Tell whether \p name is one of those looked for. It is compared byte by byte.
+  /// Return whether \p name matches, compared byte by byte.
   bool Admits(std::string_view name) const { return m_isAny || name == m_text; }
 
  private:
@@ -33,16 +35,16 @@ class CXmlNameFilter {
   std::string_view m_text;
 };
 
-/// A walk over those children, or attributes, of an element that have certain names. A forward iterator: copies go on
-/// independently. It points to a node and owns nothing.
+/// A forward iterator over those children or attributes of an element that match. It points to a node and owns nothing;
+/// copies advance independently.
 ///
-/// It is valid as long as the node that it stands on belongs to the element. Nodes that are appended during a walk are
-/// still met, as long as the walk has not come to its end; nodes that it does not stand on may be removed. Once the node
-/// under it is detached, the next step leads to the end. A step from a node that was destroyed is undefined.
+/// The tree may change during a loop. The loop visits nodes that are appended before it ends, and other nodes than the
+/// current one may be removed. If the current node is detached, the next step reaches the end. If it is destroyed, the
+/// next step is undefined behaviour.
 template <class Node>
 class CXmlNodeIterator {
  public:
-  /// What algorithms ask of an iterator.
+  /// The types that standard algorithms require.
   ///@{
   using iterator_category = std::forward_iterator_tag;
   using value_type = std::remove_const_t<Node>;
@@ -53,18 +55,18 @@ class CXmlNodeIterator {
 
   /// The end of every range.
   CXmlNodeIterator() = default;
-  /// Stand on the first node from \p node on that both filters admit, or at the end. \p node may be null.
+  /// Start at the first match among \p node, which may be null, and the nodes after it; at the end if there is none.
   CXmlNodeIterator(Node* node, CXmlNameFilter const& localName, CXmlNameFilter const& namespaceUri)
       : m_node(node), m_localName(localName), m_namespaceUri(namespaceUri) {
     SkipOthers();
   }
 
-  /// The node. There must be one.
+  /// The current node. The iterator must not be at the end.
   ///@{
   Node& operator*() const { return *m_node; }
   Node* operator->() const { return m_node; }
   ///@}
-  /// Go to the next node that the filters admit. There must be a node under this.
+  /// Go to the next match. The iterator must not be at the end.
   ///@{
   CXmlNodeIterator& operator++() {
     m_node = Next(*m_node);
@@ -77,7 +79,7 @@ class CXmlNodeIterator {
     return old;
   }
   ///@}
-  /// Whether both stand on the same node, or both at the end.
+  /// Return whether both have the same current node, or whether both are at the end.
   ///@{
   bool operator==(CXmlNodeIterator const& other) const { return m_node == other.m_node; }
   bool operator!=(CXmlNodeIterator const& other) const { return m_node != other.m_node; }
@@ -103,29 +105,29 @@ class CXmlNodeIterator {
   CXmlNameFilter m_namespaceUri;
 };
 
-/// Children or attributes of an element, for range-for and for standard algorithms. It owns nothing and looks at the
-/// element when it is made, and then at each step; see CXmlNodeIterator for changes meanwhile. The element must outlive
-/// it. One thread at a time, as for the tree.
+/// The children or attributes of an element that match, for range-for and standard algorithms. It owns nothing, so the
+/// element must outlive it. CXmlNodeIterator describes what may change during a loop. A range belongs to the thread that
+/// uses the tree.
 template <class Node>
 class CXmlNodeRange {
  public:
-  /// A walk over the nodes of this range.
+  /// The iterator of this range.
   using iterator = CXmlNodeIterator<Node>;
-  /// The same. Whether nodes are const is a matter of the range.
+  /// The same type; the range itself decides whether its nodes are const.
   using const_iterator = iterator;
 
-  /// \p first and its next ones, as far as both filters admit them. \p first may be null.
+  /// The matches among \p first, which may be null, and the nodes after it.
   CXmlNodeRange(Node* first, CXmlNameFilter const& localName, CXmlNameFilter const& namespaceUri)
       : m_first(first, localName, namespaceUri) {}
 
-  /// From the first node to the end, in document order.
+  /// The matches in document order.
   ///@{
   iterator begin() const { return m_first; }
   iterator end() const { return {}; }
   ///@}
-  /// Tell whether there is no node.
+  /// Return whether nothing matches.
   bool empty() const { return m_first == iterator(); }
-  /// The first node, owned by the tree; null when there is none.
+  /// The first match, owned by the tree; null if nothing matches.
   Node* First() const { return m_first.operator->(); }
 
  private:
