@@ -106,8 +106,8 @@ class CXmlNodeIterator {
 };
 
 /// The children or attributes of an element that match, for range-for and standard algorithms. It owns nothing, so the
-/// element must outlive it. CXmlNodeIterator describes what may change during a loop. A range belongs to the thread that
-/// uses the tree.
+/// element must outlive it. CXmlNodeIterator describes what may change during a loop. A range belongs to the thread
+/// that uses the tree.
 template <class Node>
 class CXmlNodeRange {
  public:
