@@ -1,10 +1,13 @@
 #include "quillon9/xmlio/streams.h"
 
 #include <cstddef>
+#include <string_view>
+#include <system_error>
 
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/encoder.h"
 #include "values/local_to_utf8.h"
+#include "xmlio/file_replacement.h"
 
 namespace Quillon9 {
 
@@ -22,16 +25,21 @@ using FileHandle = std::unique_ptr<std::FILE, detail::CFileCloser>;
 
 bool IsWide(XmlEncoding encoding) { return encoding == XmlEncoding_UTF16 || encoding == XmlEncoding_Unicode; }
 
+constexpr std::string_view kByteOrderMark = "\xFF\xFE";
+
 /// Nothing to write counts as not written.
-bool WriteAll(std::FILE* file, unsigned char const* data, std::size_t length) {
-  return length != 0 && std::fwrite(data, 1, length, file) == length;
+bool WriteAll(std::FILE* file, std::string_view bytes) {
+  return !bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
+}
+
+std::string_view View(CBinaryData const& data) {
+  return {reinterpret_cast<char const*>(data.GetData()), data.GetLength()};
 }
 
 FileHandle Create(std::string const& path, XmlEncoding encoding) {
-  static constexpr unsigned char kByteOrderMark[] = {0xFF, 0xFE};
   FileHandle file(std::fopen(path.c_str(), "wt"));
   if (file == nullptr) ThrowNotWritten(path);
-  if (IsWide(encoding) && !WriteAll(file.get(), kByteOrderMark, sizeof kByteOrderMark)) ThrowNotWritten(path);
+  if (IsWide(encoding) && !WriteAll(file.get(), kByteOrderMark)) ThrowNotWritten(path);
   return file;
 }
 
@@ -94,7 +102,7 @@ void CFileTextStream::Close() {
 
 void CFileTextStream::Flush() {
   if (GetLength() == 0) return;
-  if (m_file == nullptr || !WriteAll(m_file.get(), m_block.GetData(), m_block.GetLength())) {
+  if (m_file == nullptr || !WriteAll(m_file.get(), View(m_block))) {
     m_file.reset();
     throw CQnException("Failed to write data to the file");
   }
@@ -120,9 +128,13 @@ CFileBinaryStream::CFileBinaryStream(char const* path, XmlEncoding encoding, CBi
 CFileBinaryStream::~CFileBinaryStream() = default;
 
 void CFileBinaryStream::ToFile() {
-  FileHandle file = Create(m_path, m_encoding);
-  if (!WriteAll(file.get(), m_data.GetData(), m_data.GetLength())) ThrowNotWritten(m_path);
-  CloseChecked(file, m_path);
+  std::string_view const bytes = View(m_data);
+  if (bytes.empty()) ThrowNotWritten(m_path);
+  try {
+    CFileReplacement(m_path).Write({IsWide(m_encoding) ? kByteOrderMark : "", bytes}, CFileReplacement::Sync::No);
+  } catch (std::system_error const&) {
+    ThrowNotWritten(m_path);
+  }
 }
 
 }  // namespace Quillon9

@@ -74,8 +74,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// This object as a CXmlObjectBase.
   virtual CXmlObjectBase* GetBase() = 0;
 
-  /// Write a document to the file \p path, as ToXmlStream makes it. The file is touched only when the document is
-  /// complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
+  /// Write a document to the file \p path, as ToXmlStream makes it. CFileBinaryStream::ToFile() replaces the file when
+  /// the document is complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
   /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
   ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToXmlStream() throws.
   ///         Under AsyncToXmlFile(true) a failure leaves a part-written file.
@@ -83,8 +83,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                          XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
                          CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                          CompressionType compression = CompressionType_None) const;
-  /// Write a document to the file \p path, as ToFastInfosetStream() makes it. The file is touched only when the
-  /// document is complete.
+  /// Write a document to the file \p path, as ToFastInfosetStream() makes it. CFileBinaryStream::ToFile() replaces the
+  /// file when the document is complete.
   /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
   ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToFastInfosetStream()
   ///         throws.

@@ -150,10 +150,14 @@ class QUILLON9_API CFileBinaryStream : public CBinaryStream {
   CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData const& data);
   ~CFileBinaryStream() override;
 
-  /// Create the file with all bytes held; in front of them FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode,
-  /// whatever the bytes are.
-  /// \throws CQnException "Failed to write data to the file [%s]" with the path, when the file cannot be created,
-  ///         when no bytes are held, and when not all bytes reached it. The file is closed then.
+  /// Write the file with all bytes held; in front of them FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode,
+  /// whatever the bytes are. The bytes go to a temporary file in the same folder, which then replaces the file and gets
+  /// its owner, group and rights. Symbolic links are followed. Pipes, devices, and files that the system does not allow
+  /// to be replaced are written directly. Other threads and processes may write the same file: it then has the contents
+  /// of the last one.
+  /// \throws CQnException "Failed to write data to the file [%s]" with the path, when the file cannot be created or may
+  ///         not be written, when no bytes are held, and when not all bytes reached it. A file that existed is as
+  ///         before, unless it was written directly.
   void ToFile();
 
  private:

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "xmlio/file_descriptor.h"
+
+namespace Quillon9 {
+
+/// Writes a whole file under a path, so that a regular file appears, or changes, only when all bytes have been written:
+/// they go to a temporary file in the same folder, which then takes the name. Symbolic links are followed. The new file
+/// has the permission bits, the owner, the group and the POSIX access control list of the one that it replaces. Where the
+/// system does not allow that, it has fewer permission bits, so that nobody gains rights.
+///
+/// Pipes, devices and other special files are written directly. So are files that are reached through a descriptor in
+/// /proc (such as /dev/stdout), and files that the system does not allow to be replaced.
+///
+/// The library and the command-line program both compile this class. It belongs to one thread.
+class CFileReplacement {
+ public:
+  enum class Sync {
+    No,  ///< after a failure of power the file may have the old contents or the new ones
+    Yes  ///< wait until the contents are on the disk before the file gets its name
+  };
+  /// What Write() calls from time to time. It may throw to have the file given up.
+  using Checkpoint = std::function<void()>;
+
+  /// Find out what stands under \p path, and open it if there is something; the opening of a pipe waits for its reader.
+  /// Nothing is created or changed.
+  /// \throws std::system_error when the path leads to a directory, to nowhere or to a file that may not be written.
+  explicit CFileReplacement(std::string const& path);
+
+  /// Whether Write() makes a temporary file.
+  bool NeedsTemporaryFile() const { return !m_name.empty(); }
+
+  /// Write the file, whose contents are \p pieces one after another. Call it once. \p checkpoint is called before each
+  /// MiB of a temporary file, and before that takes its name.
+  /// \throws std::system_error when not all bytes reached the file; what \p checkpoint throws. The temporary file is
+  ///         gone then, and a regular file is as before, unless it was written directly.
+  void Write(std::initializer_list<std::string_view> pieces, Sync sync, Checkpoint const& checkpoint = nullptr);
+
+ private:
+  using Pieces = std::initializer_list<std::string_view>;
+
+  bool WriteBeside(Pieces pieces, Sync sync, Checkpoint const& checkpoint) const;
+  void WriteDirectly(Pieces pieces, Sync sync);
+
+  CFileDescriptor m_old;  // what stands under the path
+  std::string m_folder;   // of the file that is replaced
+  std::string m_name;     // of the file that is replaced, in its folder; empty for what is written directly
+};
+
+}  // namespace Quillon9
