@@ -47,11 +47,13 @@ class ProgramTest : public testing::Test {
     return names;
   }
 
-  /// Runs the program with \p arguments, as a shell takes them, and with \p input as its standard input.
-  Outcome Run(std::string const& arguments, std::string const& input = "") const {
+  /// Runs the program with \p arguments, as a shell takes them, and with \p input as its standard input, after the
+  /// shell has run \p preparation.
+  Outcome Run(std::string const& arguments, std::string const& input = "",
+              std::string const& preparation = "true") const {
     WriteFile(m_root / "in", input);
-    std::string const command =
-        "cd '" + Folder().string() + "' && " QUILLON9_PROGRAM " <../in >../out 2>../err " + arguments;
+    std::string const command = "cd '" + Folder().string() + "' && " + preparation +
+                                " && " QUILLON9_PROGRAM " <../in >../out 2>../err " + arguments;
     int const status = std::system(command.c_str());
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadFile(m_root / "out"), ReadFile(m_root / "err")};
   }

@@ -4,8 +4,10 @@
 #include <new>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 
 #include "quillon9/quillon9.h"
+#include "utf8.h"
 
 namespace Quillon9Tool {
 
@@ -21,9 +23,9 @@ class Failure : public std::runtime_error {
   Failure(std::string const& name, std::string const& reason) : std::runtime_error(name + ": " + reason) {}
 };
 
-/// How messages call the file \p path of the command line.
-inline std::string InputName(std::string const& path) { return path == "-" ? "standard input" : path; }
-inline std::string OutputName(std::string const& path) { return path == "-" ? "standard output" : path; }
+/// How messages call the file \p path of the command line. The name of a file may hold what a terminal would obey.
+inline std::string InputName(std::string const& path) { return path == "-" ? "standard input" : Escaped(path); }
+inline std::string OutputName(std::string const& path) { return path == "-" ? "standard output" : Escaped(path); }
 
 /// The result of \p action, whose failures become failures of \p name.
 /// \throws Failure
@@ -33,6 +35,8 @@ auto Named(std::string const& name, Action action) {
     return action();
   } catch (Quillon9::CQnException const& failure) {
     throw Failure(name, failure.GetFullMessage());
+  } catch (std::system_error const& failure) {
+    throw Failure(name, failure.code().message());
   } catch (std::bad_alloc const&) {
     throw Failure(name, "there is not enough memory for it");
   }

@@ -12,9 +12,13 @@ namespace Quillon9Tool {
 Quillon9::CBinaryData ReadInput(std::string const& path);
 
 /// Write \p bytes to the file \p path, `-` being standard output. A regular file appears, or changes, only when all of
-/// them are on the disk.
+/// them are on the disk, except where Quillon9::CFileReplacement has to write it directly.
 /// \throws Failure
 void WriteOutput(std::string const& path, std::string_view bytes);
+
+/// Close standard output at the end of the program: network file systems report only then that the disk is full.
+/// \throws Failure
+void CloseStandardOutput();
 
 /// The bytes of \p data, as long as it does not change.
 std::string_view View(Quillon9::CBinaryData const& data);

@@ -3,6 +3,7 @@
 #include <langinfo.h>
 
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -14,6 +15,7 @@
 #include "files.h"
 #include "help.h"
 #include "options.h"
+#include "utf8.h"
 
 namespace Quillon9Tool {
 
@@ -63,11 +65,13 @@ void Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   using namespace Quillon9Tool;
   ChooseLocale();
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that becomes too long is then a failure with a message
   try {
     Run(argc, argv);
+    CloseStandardOutput();
     return 0;
   } catch (UsageError const& error) {
-    std::fprintf(stderr, "quillon9: %s\nquillon9 --help tells what there is.\n", error.what());
+    std::fprintf(stderr, "quillon9: %s\nquillon9 --help tells what there is.\n", Escaped(error.what()).c_str());
     return kWrongUsage;
   } catch (std::exception const& failure) {
     std::fprintf(stderr, "quillon9: %s\n", failure.what());

@@ -1,0 +1,38 @@
+#include "held_signals.h"
+
+#include "quillon9/quillon9.h"
+
+namespace Quillon9Tool {
+
+namespace {
+
+constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU};
+
+/// Those that end the program. A program that is started in the background, or by nohup, ignores some of them.
+sigset_t EndingSignals() {
+  sigset_t signals;
+  sigemptyset(&signals);
+  for (int const signal : kEndingSignals) {
+    struct sigaction action {};
+    if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&signals, signal);
+  }
+  return signals;
+}
+
+}  // namespace
+
+HeldSignals::HeldSignals() : m_held(EndingSignals()) { ::sigprocmask(SIG_BLOCK, &m_held, &m_before); }
+
+HeldSignals::~HeldSignals() { ::sigprocmask(SIG_SETMASK, &m_before, nullptr); }
+
+void HeldSignals::ThrowIfInterrupted() const {
+  sigset_t pending;
+  ::sigpending(&pending);
+  for (int const signal : kEndingSignals) {
+    if (sigismember(&m_held, signal) == 1 && sigismember(&pending, signal) == 1) {
+      throw Quillon9::CQnException("interrupted");
+    }
+  }
+}
+
+}  // namespace Quillon9Tool
