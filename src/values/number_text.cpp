@@ -92,8 +92,8 @@ NumberStatus ParseUnsigned(std::string_view text, Unsigned& value) {
 bool ParsePlainDouble(std::string_view text, double& value) {
   char const* const begin = text.data();
   char const* const end = begin + text.size();
-  char const first = text.empty() ? '\0' : text[*begin == '-' ? 1 : 0];
-  if (!IsDigit(first) && first != '.') return false;
+  char const* const first = begin != end && *begin == '-' ? begin + 1 : begin;
+  if (first == end || (!IsDigit(*first) && *first != '.')) return false;
   double parsed = 0;
   auto const [stop, error] = std::from_chars(begin, end, parsed);
   if (error != std::errc() || stop != end) return false;
