@@ -108,6 +108,8 @@ CFacetFilter::~CFacetFilter() = default;
 bool CFacetFilter::IsWithin(QnVariant const&) const { return m_isOpen; }
 
 Filter CFacetFilter::Make(ItemType type, CPrimitiveRestrictions const& r) {
+  constexpr CDecimal const& (QnVariant::*getDecimal)() const& = &QnVariant::GetDecimal;  // not the one that copies
+  constexpr CBigInteger const& (QnVariant::*getInteger)() const& = &QnVariant::GetInteger;
 #define QN_NUMBERS(stem, Access) \
   case ItemType_##stem: return ForNumbers<&QnVariant::Get##Access>(type, r, &CConversions::stem##FromString)
   switch (type) {
@@ -124,8 +126,8 @@ Filter CFacetFilter::Make(ItemType type, CPrimitiveRestrictions const& r) {
     QN_NUMBERS(year, Year);
     QN_NUMBERS(month, Month);
     QN_NUMBERS(day, Day);
-    QN_NUMBERS(decimal, Decimal);
-    QN_NUMBERS(integer, Integer);
+    case ItemType_decimal: return ForNumbers<getDecimal>(type, r, &CConversions::decimalFromString);
+    case ItemType_integer: return ForNumbers<getInteger>(type, r, &CConversions::integerFromString);
     case ItemType_string: return ForText(r);
     case ItemType_boolean: return Open(type, true);
     case ItemType_hexBinary:

@@ -204,11 +204,17 @@ CDateTime QnVariant::GetDateTime() const { return GetOwned<CDateTime>("datetime"
 
 CDateTime QnVariant::GetTime() const { return GetOwned<CDateTime>("time"); }
 
-CDecimal const& QnVariant::GetDecimal() const { return LookAtOwned<CDecimal>("decimal"); }
+CDecimal const& QnVariant::GetDecimal() const& { return LookAtOwned<CDecimal>("decimal"); }
 
-CBigInteger const& QnVariant::GetInteger() const { return LookAtOwned<CBigInteger>("integer"); }
+CDecimal QnVariant::GetDecimal() const&& { return GetOwned<CDecimal>("decimal"); }
 
-std::string const& QnVariant::GetString() const { return LookAtOwned<std::string>("string"); }
+CBigInteger const& QnVariant::GetInteger() const& { return LookAtOwned<CBigInteger>("integer"); }
+
+CBigInteger QnVariant::GetInteger() const&& { return GetOwned<CBigInteger>("integer"); }
+
+std::string const& QnVariant::GetString() const& { return LookAtOwned<std::string>("string"); }
+
+std::string QnVariant::GetString() const&& { return GetOwned<std::string>("string"); }
 
 // ---- Names and text
 

@@ -68,6 +68,23 @@ TEST(Variant, NothingHeld) {
   EXPECT_FALSE(QnVariant(value).IsValid());
 }
 
+QnVariant Parsed(char const* text, ItemType type) {
+  QnVariant value;
+  value.FromString(text, type, CWhitespaceUtils::WhitespaceRule_None);
+  return value;
+}
+
+TEST(Variant, ValuesOfTemporaryVariantsOutliveThem) {
+  std::string const digits(100, '7');
+  auto const& text = Parsed(digits.c_str(), ItemType_string).GetString();
+  auto const& integer = Parsed(digits.c_str(), ItemType_integer).GetInteger();
+  auto const& decimal = static_cast<QnVariant const&&>(Parsed((digits + ".5").c_str(), ItemType_decimal)).GetDecimal();
+  EXPECT_EQ(digits, text);
+  EXPECT_EQ(digits, integer.ToString());
+  EXPECT_EQ(digits + ".5", decimal.ToString());
+  EXPECT_FAILURE(CQnException, "Invalid Type 26 to read as string", Parsed("1", ItemType_integer).GetString());
+}
+
 TEST(Variant, GettersOfOwnedKindsRefuseOthers) {
   QnVariant value;
   value.SetUI8(std::numeric_limits<std::uint64_t>::max());

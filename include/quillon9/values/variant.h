@@ -130,15 +130,20 @@ class QUILLON9_API QnVariant {
   CDateTime GetDateTime() const;
   CDateTime GetTime() const;
   ///@}
-  /// These three give the value itself, which lives until this variant changes.
+  /// These three give the value itself, which lives until this variant changes or is destroyed; those for a variant
+  /// that is a temporary object give a copy.
   ///@{
-  CDecimal const& GetDecimal() const;
-  CBigInteger const& GetInteger() const;
-  std::string const& GetString() const;
+  CDecimal const& GetDecimal() const&;
+  CDecimal GetDecimal() const&&;
+  CBigInteger const& GetInteger() const&;
+  CBigInteger GetInteger() const&&;
+  std::string const& GetString() const&;
+  std::string GetString() const&&;
   ///@}
   /// The held object or collection. Null when nothing is held.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
-  /// The same, to be used while this variant holds it: it is not counted, which takes a lock twice.
+  /// The same without a counted reference, which spares two atomic operations. Use it only while this variant holds the
+  /// object.
   CXmlObjectBase* LookAtXmlObject() const;
   /// The held collection, also when it was set as an object. Null when nothing is held.
   /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is no collection.

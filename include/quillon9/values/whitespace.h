@@ -42,6 +42,8 @@ class QUILLON9_API CWhitespaceUtils {
   /// The same without a copy where the rule changes nothing: the result is then \p text itself, else \p scratch,
   /// which receives the new text. Both must outlive the result.
   static std::string const& ApplyRule(WhitespaceRule rule, std::string const& text, std::string& scratch);
+  /// Not for a temporary text, which would not outlive the result.
+  static std::string const& ApplyRule(WhitespaceRule rule, std::string const&& text, std::string& scratch) = delete;
 };
 
 }  // namespace Quillon9
