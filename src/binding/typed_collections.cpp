@@ -60,6 +60,11 @@ void CXmlTypeCollection::CheckItemIndex(int index) const {
   throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, count));
 }
 
+void CXmlTypeCollection::ThrowChangedDuringRemoval() const {
+  throw CQnInvalidStateException(
+      FormatString("The collection [%s] was changed while values were removed from it", GetElementName().c_str()));
+}
+
 namespace detail {
 
 template <class Kind>

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <utility>
+#include <vector>
 
 #include "dynamic_class.h"
 #include "expect_failure.h"
@@ -143,6 +145,63 @@ TEST(TypedCollections, AddOneOfTheirOwnValuesAndSurviveTheirListeners) {
   EXPECT_FAILURE(CQnException, "The collection [v] is filled while it is cleared", collection->Clear());
 }
 
+TEST(TypedCollections, RemoveIfIsOneChange) {
+  CSmartPtr<Ci4Col> const numbers(Make<Ci4Col>());
+  for (int i = 0; i < 6; ++i) numbers->Add(i);
+  EventLog log;
+  numbers->AddEventListener(&log);
+  EXPECT_EQ(0, numbers->RemoveIf([](std::int32_t value) { return value > 5; }));
+  EXPECT_EQ("", log.Take());
+  EXPECT_EQ(3, numbers->RemoveIf([](std::int32_t value) { return value % 2 == 0; }));
+  EXPECT_EQ("3(4)3(2)3(0)4(0)4(0)4(0)0", log.Take());
+  EXPECT_EQ((std::vector<std::int32_t>{1, 3, 5}), std::vector<std::int32_t>(numbers->begin(), numbers->end()));
+
+  struct Meddler : IEventSink {
+    void OnEvent(CXmlObjectBase* sender, MsgType type, void*) override {
+      if (type == CollectionRemove && !std::exchange(m_isDone, true)) static_cast<Ci4Col*>(sender)->Add(7);
+    }
+    bool m_isDone = false;
+  } meddler;
+  numbers->AddEventListener(&meddler);
+  EXPECT_FAILURE(CQnInvalidStateException, "The collection [v] was changed while values were removed from it",
+                 numbers->RemoveIf([](std::int32_t) { return true; }));
+  EXPECT_EQ(4, numbers->GetCount());
+  EXPECT_EQ(4, numbers->RemoveIf([](std::int32_t) { return true; }));
+  EXPECT_EQ(0, numbers->GetCount());
+}
+
+template <class Collection, class Value>
+void ExpectRemovalsAsOfVector(Value (*make)(unsigned)) {
+  CSmartPtr<Collection> const collection(Make<Collection>());
+  std::vector<Value> expected;
+  std::minstd_rand random(1);
+  for (int step = 0; step < 2000; ++step) {
+    auto const any = static_cast<unsigned>(random());
+    auto const at = static_cast<std::ptrdiff_t>(any % (expected.size() + 1));
+    if (any % 100 == 0) {
+      std::vector<Value> kept;
+      for (std::size_t i = 0; i < expected.size(); ++i) {
+        if (i % 3 != 0) kept.push_back(expected[i]);
+      }
+      int asked = 0;
+      collection->RemoveIf([&](Value const&) { return asked++ % 3 == 0; });
+      expected = kept;
+    } else if (any % 16 < 7 && at < static_cast<std::ptrdiff_t>(expected.size())) {
+      collection->Remove(static_cast<int>(at));
+      expected.erase(expected.begin() + at);
+    } else {
+      collection->AddAt(static_cast<int>(at), make(any));
+      expected.insert(expected.begin() + at, make(any));
+    }
+    ASSERT_EQ(expected, std::vector<Value>(collection->begin(), collection->end())) << step;
+  }
+}
+
+TEST(TypedCollections, RemovalsKeepTheOthersInOrder) {
+  ExpectRemovalsAsOfVector<CstringCol, std::string>([](unsigned any) { return std::string(any % 40, 'a'); });
+  ExpectRemovalsAsOfVector<CbooleanCol, bool>([](unsigned any) { return any % 3 == 0; });
+}
+
 TEST(TypedCollections, DatesAreCheckedBeforeAnyEvent) {
   CSmartPtr<CdateCol> const dates(Make<CdateCol>("2001-01-02"));
   EventLog log;
@@ -170,11 +229,24 @@ TEST(TypedCollections, CountIsJudgedBeforeAnythingIsWritten) {
   EXPECT_EQ(0U, stream.GetLength());
 }
 
-TEST(TypedCollections, ClearingAMillionItemsIsLinear) {
+TEST(TypedCollections, RemovingManyItemsIsLinear) {
   CSmartPtr<CstringCol> const texts(Make<CstringCol>());
-  for (int i = 0; i < 1000000; ++i) texts->Add("x");
+  struct Listener : IEventSink {
+    void OnEvent(CXmlObjectBase*, MsgType, void*) override {}
+  } listener;
+  texts->AddEventListener(&listener);
+  auto const fill = [&texts] {
+    for (int i = 0; i < 400000; ++i) texts->Add("x");
+  };
+  fill();
   texts->Clear();
   EXPECT_EQ(0, texts->GetCount());
+  fill();
+  while (texts->GetCount() > 1) texts->Remove(1);
+  fill();
+  bool isWanted = false;
+  EXPECT_EQ(200001, texts->RemoveIf([&isWanted](std::string const&) { return isWanted = !isWanted; }));
+  EXPECT_EQ(200000, texts->GetCount());
 }
 
 }  // namespace

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "quillon9/binding/collection.h"
@@ -51,6 +53,8 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
   void CheckInsertIndex(int index) const;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" unless \p index is 0 to GetCount() - 1.
   void CheckItemIndex(int index) const;
+  /// \throws CQnInvalidStateException "The collection [%s] was changed while values were removed from it" always.
+  [[noreturn]] void ThrowChangedDuringRemoval() const;
 
   CPrimitiveRestrictions m_restrictions;              ///< the facets, copied
   ItemType m_itemType;                                ///< kind of the values
@@ -60,30 +64,51 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
 
 namespace detail {
 
-/// The values of a collection. Removing the first costs as little as removing the last, since that is how Clear()
-/// works.
+/// The values of a collection. Removing one moves those on its shorter side, so that removing the first, as Clear()
+/// does, costs as little as removing the last.
 template <class Value>
 class ValueList {
  public:
   int Count() const { return static_cast<int>(m_items.size() - m_first); }
   Value At(int index) const { return m_items[m_first + static_cast<std::size_t>(index)]; }
-  void Insert(int index, Value const& value) { m_items.insert(std::next(begin(), index), value); }
+  void Insert(int index, Value const& value) {
+    m_items.insert(std::next(begin(), index), value);
+    ++m_changes;
+  }
   void Erase(int index) {
-    if (index != 0) {
+    ++m_changes;
+    if (index > Count() / 2) {
       m_items.erase(std::next(begin(), index));
       return;
     }
-    m_items[m_first++] = Value();
+    auto const first = std::next(m_items.begin(), static_cast<std::ptrdiff_t>(m_first));
+    std::move_backward(first, std::next(first, index), std::next(first, index + 1));
+    *first = Value();
+    ++m_first;
     if (m_first <= m_items.size() / 2) return;
     m_items.erase(m_items.begin(), begin());
     m_first = 0;
   }
+  /// Erase each value whose index is true in \p unwanted, which has one entry for each value.
+  void Erase(std::vector<bool> const& unwanted) {
+    ++m_changes;
+    std::size_t kept = m_first;
+    for (std::size_t i = 0; i < unwanted.size(); ++i) {
+      if (unwanted[i]) continue;
+      if (kept != m_first + i) m_items[kept] = std::move(m_items[m_first + i]);
+      ++kept;
+    }
+    m_items.resize(kept);
+  }
+  /// How often the list has changed.
+  std::uint64_t Changes() const { return m_changes; }
   auto begin() const { return std::next(m_items.begin(), static_cast<std::ptrdiff_t>(m_first)); }
   auto end() const { return m_items.end(); }
 
  private:
   std::vector<Value> m_items;
   std::size_t m_first = 0;  // those in front of it have been removed
+  std::uint64_t m_changes = 0;
 };
 
 /// What the collections of all kinds do alike with the values that they hold.
@@ -113,6 +138,30 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     FireOnCollectionChange();
   }
 
+  /// Remove all values that \p isUnwanted, a function of one value, says true of, and return how many there were. This
+  /// takes the time of one pass over the values, whereas Remove() from the middle moves those on the shorter side each
+  /// time. \p isUnwanted is asked once for each value, in order; it must not change the collection.
+  ///
+  /// CollectionRemove tells the index of each of them, from the last to the first, and nothing has changed yet. Then all
+  /// go at once. CollectionRemoveComplete follows as often, with the index 0, and CollectionChange once. There is no
+  /// event when nothing is to go.
+  /// \throws what \p isUnwanted or a listener of CollectionRemove throws, or CQnInvalidStateException "The collection
+  ///         [%s] was changed while values were removed from it" when that listener did so: then no value has been
+  ///         removed here. What other listeners throw, after the values have gone.
+  template <class Predicate>
+  int RemoveIf(Predicate isUnwanted) {
+    std::vector<bool> unwanted;
+    unwanted.reserve(static_cast<std::size_t>(GetCount()));
+    for (Value const& value : *this) unwanted.push_back(static_cast<bool>(isUnwanted(value)));
+    auto const count = static_cast<int>(std::count(unwanted.begin(), unwanted.end(), true));
+    if (count == 0) return 0;
+    AnnounceRemoval(unwanted);
+    m_items.Erase(unwanted);
+    for (int i = 0; i < count; ++i) FireOnCollectionRemoveComplete(0);
+    FireOnCollectionChange();
+    return count;
+  }
+
   /// The values in order, for range-for. Valid until the collection changes.
   auto begin() const { return m_items.begin(); }
   /// Behind the last one.
@@ -139,6 +188,15 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
   }
 
  private:
+  void AnnounceRemoval(std::vector<bool> const& unwanted) {
+    std::uint64_t const changes = m_items.Changes();
+    for (int index = GetCount(); index-- > 0;) {
+      if (!unwanted[static_cast<std::size_t>(index)]) continue;
+      FireOnCollectionRemove(index);
+      if (m_items.Changes() != changes) ThrowChangedDuringRemoval();
+    }
+  }
+
   ValueList<Value> m_items;
 };
 
