@@ -54,6 +54,18 @@ void AppendHex(std::string& target, char const* text) {
   AppendBytes(target, bytes);
 }
 
+[[noreturn]] void ThrowWrongSize(char const* name) {
+  throw CQnException(FormatString("Invalid value for %s byte encoding.", name));
+}
+
+// One uuid: other lengths would be refused by the reader, or read as a list.
+void AppendUuid(std::string& target, char const* text) {
+  CBinaryData bytes;
+  bytes.SetAsHexString(text);
+  if (bytes.GetLength() != 0 && bytes.GetLength() != kUuidSize) ThrowWrongSize("UUID");
+  AppendBytes(target, bytes);
+}
+
 void AppendBase64(std::string& target, char const* text) {
   CBinaryData bytes;
   bytes.SetAsBase64(text);
@@ -72,7 +84,7 @@ std::string Base64Text(unsigned char const* data, unsigned long length) {
 // The texts of the elements of `size` octets, with single spaces between them.
 template <class ToText>
 std::string Join(unsigned char const* data, unsigned long length, unsigned long size, char const* name, ToText toText) {
-  if (length % size != 0) throw CQnException(FormatString("Invalid value for %s byte encoding.", name));
+  if (length % size != 0) ThrowWrongSize(name);
   std::string result = toText(data);
   for (unsigned long at = size; at < length; at += size) {
     result += ' ';
@@ -104,8 +116,8 @@ std::string BooleansText(unsigned char const* data, unsigned long length) {
 void AppendEncoded(unsigned long algorithm, char const* text, std::string& target) {
   if (text == nullptr) text = "";
   switch (algorithm) {
-    case fi::kHexadecimal:
-    case fi::kUuid: return AppendHex(target, text);
+    case fi::kHexadecimal: return AppendHex(target, text);
+    case fi::kUuid: return AppendUuid(target, text);
     case fi::kBase64: return AppendBase64(target, text);
     case fi::kShort:
       return AppendBigEndian(target, static_cast<std::uint16_t>(CConversions::i2FromString(text, kAsItStands)));

@@ -2,8 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
 #include "expect_failure.h"
 #include "octets.h"
+#include "quillon9/values/conversions.h"
 
 namespace Quillon9 {
 namespace {
@@ -102,6 +108,94 @@ TEST(EncodingAlgorithms, Failures) {
   EXPECT_FAILURE(CQnInvalidValueException, "The value [ 1 2] can not be converted to a i4",
                  data.SetAsEncodedString(4, " 1 2"));
   EXPECT_FAILURE(CQnException, "Invalid char in hex string [-]", data.SetAsEncodedString(9, "00-1"));
+  for (char const* text : {"00", "00112233445566778899AABBCCDDEE", "00112233445566778899AABBCCDDEEFF00"}) {
+    EXPECT_FAILURE(CQnException, "Invalid value for UUID byte encoding.", data.SetAsEncodedString(9, text));
+  }
+  EXPECT_EQ(0U, data.GetLength());
+}
+
+/// The value of a text, printed in one way.
+std::string Normalized(unsigned long algorithm, std::string const& text) {
+  constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
+  switch (algorithm) {
+    case 1:
+    case 9: return CConversions::hexBinaryToString(CConversions::hexBinaryFromString(text, kNone));
+    case 2: return CConversions::base64BinaryToString(CConversions::base64BinaryFromString(text, kNone));
+    case 6: return CConversions::booleanToString(CConversions::booleanFromString(text, kNone));
+    case 8: return CConversions::r8ToString(CConversions::r8FromString(text, kNone));
+    default: return CConversions::i8ToString(CConversions::i8FromString(text, kNone));
+  }
+}
+
+// Texts that the algorithm does not take may be refused, but what is written is read as the same value.
+TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
+  std::vector<std::string> texts = {"",
+                                    " ",
+                                    "0",
+                                    "-0",
+                                    "+7",
+                                    "007",
+                                    " 1",
+                                    "1 ",
+                                    "1 2",
+                                    "\t1",
+                                    "true",
+                                    "TRUE",
+                                    "False",
+                                    "1.5",
+                                    "-1.5e300",
+                                    "4.9e-324",
+                                    "0x1p3",
+                                    "nan",
+                                    "NaN",
+                                    "-INF",
+                                    "inf",
+                                    "TWFu",
+                                    "TW Fu\n",
+                                    "TQ==",
+                                    "TQ",
+                                    "T",
+                                    "?",
+                                    "aB",
+                                    "abc",
+                                    "00 11",
+                                    "32767",
+                                    "32768",
+                                    "-32769",
+                                    "2147483648",
+                                    "9223372036854775807",
+                                    "9223372036854775808",
+                                    "1e400",
+                                    "00112233-4455-6677-8899-aabbccddeeff",
+                                    "{00112233445566778899aabbccddeeff}"};
+  for (std::size_t digits : {2, 30, 31, 32, 33, 34, 62, 64, 66, 96}) {
+    texts.push_back(std::string(digits, 'a'));
+    texts.push_back(std::string(digits - 1, '7') + 'F');
+  }
+  std::mt19937 random(7);
+  for (int i = 0; i < 2000; ++i) {
+    std::string text(random() % 36, '\0');
+    std::string_view const letters = i % 2 == 0 ? "0123456789abcdefABCDEF" : "0123456789+-. eE=/TrueFalseINF";
+    for (char& letter : text) letter = letters[random() % letters.size()];
+    texts.push_back(text);
+  }
+  int written[11] = {};
+  for (std::string const& text : texts) {
+    for (unsigned long const algorithm : {1UL, 2UL, 3UL, 4UL, 5UL, 6UL, 8UL, 9UL}) {  // a float is not read back
+      CFastInfosetBinaryData data;
+      try {
+        data.SetAsEncodedString(algorithm, text.c_str());
+      } catch (CQnException const&) {
+        continue;
+      }
+      if (data.GetLength() == 0) continue;  // a writer refuses that
+      ++written[algorithm];
+      std::string read;
+      EXPECT_NO_THROW(read = data.GetAsString(algorithm)) << algorithm << " [" << text << "]";
+      EXPECT_EQ(Normalized(algorithm, text), read) << algorithm << " [" << text << "]";
+    }
+  }
+  for (int const algorithm : {1, 2, 3, 4, 5, 6, 8, 9}) EXPECT_LT(1, written[algorithm]) << algorithm;
 }
 
 TEST(EncodingAlgorithms, TextMayLieInTheOldBytes) {
