@@ -6,7 +6,7 @@
 /// owner type of bound objects: a new object has count 0 and becomes owned when the first CSmartPtr takes it.
 ///
 /// A CSmartPtr belongs to one thread at a time; two of them on one object may live in two threads, since the
-/// count itself is locked. Nothing here throws.
+/// count itself is atomic. Nothing here throws.
 template <class T>
 class CSmartPtr {
  public:

@@ -18,7 +18,7 @@
 ///
 /// A namespace restriction is "##any", "##other", "##local", "##targetNamespace", a URI or a blank-separated list of
 /// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Everything here belongs to one thread at a time;
-/// only the reference counts are locked. A `char const*` is borrowed and copied, and a null one is an empty text where
+/// only the reference counts are atomic. A `char const*` is borrowed and copied, and a null one is an empty text where
 /// nothing else is said.
 namespace Quillon9 {
 
