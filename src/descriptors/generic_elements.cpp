@@ -51,7 +51,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
 
 CElement::~CElement() {
   try {
-    DeferredRelease::Release(m_elements);
+    if (m_elements) DeferredRelease::Release(m_elements);
   } catch (...) {  // no memory for the list: they go with this element, at the cost of stack
   }
 }
@@ -65,39 +65,59 @@ void CElement::Init(char const* name, char const* ns, char const* restriction, c
   m_namespace = OrEmpty(ns);
   m_namespaceRestriction = restriction;
   m_targetNamespace = targetNamespace;
-  m_attributes = new CAttributeCol(ns, "##any", targetNamespace);
-  m_elements = new CElementCol(ns, "##any", targetNamespace, 0, -1);
+  m_hadNoNamespace = m_namespace.empty();
+}
+
+CAttributeCol* CElement::MakeAttributes() const {
+  m_attributes = new CAttributeCol(FirstNamespace(), "##any", m_targetNamespace.c_str());
+  return m_attributes.Get();
+}
+
+CElementCol* CElement::MakeElements() const {
+  m_elements = new CElementCol(FirstNamespace(), "##any", m_targetNamespace.c_str(), 0, -1);
+  return m_elements.Get();
+}
+
+// The collections stay with the first namespace, which is not known any more once this has another one.
+void CElement::ChangeNamespace(std::string ns) {
+  if (!m_hadNoNamespace && ns != m_namespace) {
+    GetAttributes();
+    GetElements();
+  }
+  m_namespace = std::move(ns);
 }
 
 void CElement::SetNamespace(std::string ns) {
   CXmlObjectHelper::TestNamespace(ns, m_namespaceRestriction, m_targetNamespace);
-  m_namespace = std::move(ns);
+  ChangeNamespace(std::move(ns));
 }
 
 CSmartPtr<CAttribute> CElement::FindAttribute(char const* name, char const* ns) const {
-  return m_attributes->Find(name, ns);
+  return m_attributes ? m_attributes->Find(name, ns) : nullptr;
 }
 
-CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) const { return m_elements->Find(name, ns); }
+CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) const {
+  return m_elements ? m_elements->Find(name, ns) : nullptr;
+}
 
 void CElement::CopyXmlElement(CXmlElement const* element) {
   if (element == nullptr) throw CQnInvalidParamException("The element to copy from may not be NULL");
   NestingGuard const guard = Descend();
   m_name = element->GetLocalName();
-  m_namespace = element->GetNamespaceURI();
+  ChangeNamespace(element->GetNamespaceURI());
   m_text = element->GetTextView();
-  m_attributes->Clear();
-  m_elements->Clear();
+  if (m_attributes) m_attributes->Clear();
+  if (m_elements) m_elements->Clear();
   for (auto const* attribute = element->GetFirstAttribute(); attribute != nullptr;
        attribute = attribute->GetNextAttribute()) {
-    m_attributes->Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(),
-                      attribute->GetNamespaceURI().c_str());
+    GetAttributes()->Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(),
+                         attribute->GetNamespaceURI().c_str());
     if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValueView();
   }
   for (CXmlElement* child = element->GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
     CSmartPtr<CElement> const copy(new CElement(child->GetLocalName().c_str()));
     copy->CopyXmlElement(child);
-    m_elements->Add(copy.Get());
+    GetElements()->Add(copy.Get());
   }
 }
 
@@ -105,8 +125,9 @@ CSmartPtr<CElement> CElement::Clone() const {
   NestingGuard const guard = Descend();
   CSmartPtr<CElement> copy(
       new CElement(m_name.c_str(), m_namespace.c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
-  copy->m_attributes = m_attributes->Clone();
-  copy->m_elements = m_elements->Clone();
+  copy->m_hadNoNamespace = m_hadNoNamespace;
+  if (m_attributes) copy->m_attributes = m_attributes->Clone();
+  if (m_elements) copy->m_elements = m_elements->Clone();
   copy->m_text = m_text;
   return copy;
 }
@@ -117,10 +138,14 @@ void CElement::SetNamespaceRestrictions(char const* restriction, char const* tar
   NestingGuard const guard = Descend();
   try {
     CXmlObjectHelper::TestNamespace(m_namespace, list, target);
-    for (CAttribute const& attribute : *m_attributes) {
-      CXmlObjectHelper::TestNamespace(attribute.GetNamespace(), list, target);
+    if (m_attributes) {
+      for (CAttribute const& attribute : *m_attributes) {
+        CXmlObjectHelper::TestNamespace(attribute.GetNamespace(), list, target);
+      }
     }
-    for (CElement& child : *m_elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
+    if (m_elements) {
+      for (CElement& child : *m_elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
+    }
   } catch (CQnException const& cause) {
     // A pointer, which callers expect; one from a child passes by, since it is no reference to a failure.
     throw new CQnInvalidNamespaceException(
@@ -149,14 +174,16 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
     return cursor;
   }
   NestingGuard const guard = Descend();
-  CXmlObjectBase::FromXml_Int(m_attributes.Get(), cursor, nullptr, ctx);
-  if (CXmlObjectBase::FromXml_Int(m_elements.Get(), cursor, cursor->GetFirstElement(), ctx) != nullptr) {
+  CXmlElement* left = cursor->GetFirstElement();
+  if (cursor->GetFirstAttribute() != nullptr) CXmlObjectBase::FromXml_Int(GetAttributes(), cursor, nullptr, ctx);
+  if (left != nullptr) left = CXmlObjectBase::FromXml_Int(GetElements(), cursor, left, ctx);
+  if (left != nullptr) {
     throw CQnValidationException(
         FormatString("Invalid Element [%s] found in element [%s]", cursor->GetLocalName().c_str(), m_name.c_str()));
   }
   m_text = cursor->GetTextView();
   m_name = cursor->GetLocalName();
-  m_namespace = cursor->GetNamespaceURI();
+  ChangeNamespace(cursor->GetNamespaceURI());
   return cursor->GetNextSiblingElement();
 }
 
@@ -175,8 +202,8 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const {
   writer->WriteStartElement(m_name, m_namespace);
-  CXmlObjectBase::ToXml_Int(m_attributes.Get(), writer, false, ns, ctx, false);
-  CXmlObjectBase::ToXml_Int(m_elements.Get(), writer, false, ns, ctx, inChoice);
+  if (m_attributes) CXmlObjectBase::ToXml_Int(m_attributes.Get(), writer, false, ns, ctx, false);
+  if (m_elements) CXmlObjectBase::ToXml_Int(m_elements.Get(), writer, false, ns, ctx, inChoice);
   writer->WriteString(m_text, ItemType_string);
   writer->WriteEndElement();
 }
@@ -192,7 +219,7 @@ void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
   inner.WriteStartElement(m_name, m_namespace);
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-  CXmlObjectBase::ToXml_Int(m_elements.Get(), &inner, false, m_namespace.c_str(), context, inChoice);
+  if (m_elements) CXmlObjectBase::ToXml_Int(m_elements.Get(), &inner, false, m_namespace.c_str(), context, inChoice);
   inner.WriteString(m_text, ItemType_string);
   inner.WriteEndElement();
   stream.Flush();

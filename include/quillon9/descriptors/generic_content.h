@@ -255,8 +255,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
   /// element; never null. Both admit every namespace, whatever the restriction of this element is.
   ///@{
-  CAttributeCol* GetAttributes() const { return m_attributes.Get(); }
-  CElementCol* GetElements() const { return m_elements.Get(); }
+  CAttributeCol* GetAttributes() const { return m_attributes ? m_attributes.Get() : MakeAttributes(); }
+  CElementCol* GetElements() const { return m_elements ? m_elements.Get() : MakeElements(); }
   ///@}
   /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
   ///@{
@@ -301,6 +301,11 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
 
   void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
   void CopyObject(CXmlObjectBase* source, char const* defaultNamespace);
+  CAttributeCol* MakeAttributes() const;
+  CElementCol* MakeElements() const;
+  /// The namespace of the collections: that which this element had when it was made.
+  char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
+  void ChangeNamespace(std::string ns);
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
 
@@ -309,9 +314,12 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string m_namespace;
   std::string m_namespaceRestriction;
   std::string m_targetNamespace;
-  CSmartPtr<CAttributeCol> m_attributes;
-  CSmartPtr<CElementCol> m_elements;
+  // Made when they are first asked for: most elements of a document are without attributes, or without children, and
+  // the two collections take more than the rest.
+  mutable CSmartPtr<CAttributeCol> m_attributes;
+  mutable CSmartPtr<CElementCol> m_elements;
   std::string m_defaultNamespace;
+  bool m_hadNoNamespace = true;
 };
 
 /// The children of a CElement, or the content of a repeated element wildcard.
