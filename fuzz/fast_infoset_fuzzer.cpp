@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   Fuzzing::Input input(data, size);
   unsigned const options = input.Options();
   if (input.Size() <= sizeof kHeader || std::memcmp(input.Data(), kHeader, sizeof kHeader) != 0) return -1;
-  Fuzzing::LimitContent((options & kSmall) != 0 ? 1000 : 1u << 20);
+  Fuzzing::LimitContent((options & kSmall) != 0 ? 4000 : 1u << 20);
   CXmlSerializationContext const context = ContextOf(options);
   CXmlDocument document(context);
   try {

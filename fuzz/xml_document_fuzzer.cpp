@@ -64,7 +64,7 @@ bool IsFastInfoset(CXmlDocument const& document) {
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Fuzzing::Input input(data, size);
   unsigned const options = input.Options();
-  Fuzzing::LimitContent((options & kSmall) != 0 ? 1000 : 1u << 20);
+  Fuzzing::LimitContent((options & kSmall) != 0 ? 4000 : 1u << 20);
   CXmlSerializationContext const context = ContextOf(options);
   CXmlDocument document((options & kFiltered) != 0 ? DropShortNames : nullptr, context);
   try {

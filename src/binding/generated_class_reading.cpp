@@ -13,6 +13,7 @@
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/object_content.h"
 #include "xmlio/text_copy.h"
 #include "xmlio/tree_memory.h"
 
@@ -40,9 +41,13 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   }
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
   CTreeMemory* const memory = parent->Memory();
+  if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
+  // A group that took nothing is dropped, and tried again for the next child.
+  bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
+  if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
   if (info.m_textPropertyIndex != -1) {
     QnVariant text;
     text.SetString(std::string(parent->GetTextView()));

@@ -4,10 +4,13 @@ namespace Quillon9 {
 
 namespace {
 
+constexpr std::uint64_t kMebibyte = 1024U * 1024U;
+
 std::uint32_t maxElementDepth = 1000;
-std::uint64_t maxContentSize = 64U * 1024U * 1024U;
+std::uint64_t maxContentSize = 256 * kMebibyte;
 std::uint32_t maxContentGrowth = 100;
-std::uint32_t maxDecompressedSize = 1024U * 1024U * 1024U;
+std::uint64_t maxContentTotal = 4096 * kMebibyte;
+std::uint32_t maxDecompressedSize = 1024 * kMebibyte;
 
 }  // namespace
 
@@ -19,6 +22,9 @@ void CLimits::SetMaxContentSize(std::uint64_t bytes) { maxContentSize = bytes; }
 
 std::uint32_t CLimits::GetMaxContentGrowth() { return maxContentGrowth; }
 void CLimits::SetMaxContentGrowth(std::uint32_t factor) { maxContentGrowth = factor; }
+
+std::uint64_t CLimits::GetMaxContentTotal() { return maxContentTotal; }
+void CLimits::SetMaxContentTotal(std::uint64_t bytes) { maxContentTotal = bytes; }
 
 std::uint32_t CLimits::GetMaxDecompressedSize() { return maxDecompressedSize; }
 void CLimits::SetMaxDecompressedSize(std::uint32_t bytes) { maxDecompressedSize = bytes; }

@@ -6,6 +6,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/object_content.h"
 
 namespace Quillon9 {
 
@@ -15,6 +16,7 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
   if (root == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
   // The tree is only read, but the cursor that walks it is not const.
   auto* const parent = const_cast<CXmlElement*>(root);
+  ObjectContent const content(*root);
   FailedScans const scans(false);  // a setter may read another document while its own is read
   CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
 }

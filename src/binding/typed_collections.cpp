@@ -6,6 +6,7 @@
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/object_content.h"
 
 namespace Quillon9 {
 
@@ -40,7 +41,9 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
                                              bool) {
   std::string const ns = GetNamespace();
   while (cursor != nullptr && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
-    AddFromString(std::string(cursor->GetTextView()));
+    std::string_view const text = cursor->GetTextView();
+    ObjectContent::Count(*cursor, ObjectContent::kValue + text.size());
+    AddFromString(std::string(text));
     cursor = cursor->GetNextSiblingElement();
   }
   return cursor;

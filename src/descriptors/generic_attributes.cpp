@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "descriptors/generic_size.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
@@ -107,6 +108,7 @@ CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor
       throw CQnInvalidNamespaceException(FormatString(
           "Invalid Attribute [%s]. The attributes namespace is Inappropriate.", attribute->GetLocalName().c_str()));
     }
+    GenericSize::CountAttribute(*parent, *attribute);
     Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(), ns.c_str());
   }
   return cursor;

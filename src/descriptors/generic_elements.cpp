@@ -2,6 +2,7 @@
 
 #include "binding/deferred_release.h"
 #include "binding/nesting_guard.h"
+#include "descriptors/generic_size.h"
 #include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
@@ -102,21 +103,28 @@ CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) cons
 
 void CElement::CopyXmlElement(CXmlElement const* element) {
   if (element == nullptr) throw CQnInvalidParamException("The element to copy from may not be NULL");
+  ObjectContent const content(*element);
+  CopyFrom(*element);
+}
+
+void CElement::CopyFrom(CXmlElement const& element) {
   NestingGuard const guard = Descend();
-  m_name = element->GetLocalName();
-  ChangeNamespace(element->GetNamespaceURI());
-  m_text = element->GetTextView();
+  GenericSize::CountElement(element);
+  m_name = element.GetLocalName();
+  ChangeNamespace(element.GetNamespaceURI());
+  m_text = element.GetTextView();
   if (m_attributes) m_attributes->Clear();
   if (m_elements) m_elements->Clear();
-  for (auto const* attribute = element->GetFirstAttribute(); attribute != nullptr;
+  for (auto const* attribute = element.GetFirstAttribute(); attribute != nullptr;
        attribute = attribute->GetNextAttribute()) {
+    GenericSize::CountAttribute(element, *attribute);
     GetAttributes()->Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(),
                          attribute->GetNamespaceURI().c_str());
     if (attribute->GetLocalName() == "xmlns") m_defaultNamespace = attribute->GetValueView();
   }
-  for (CXmlElement* child = element->GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
+  for (CXmlElement* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
     CSmartPtr<CElement> const copy(new CElement(child->GetLocalName().c_str()));
-    copy->CopyXmlElement(child);
+    copy->CopyFrom(*child);
     GetElements()->Add(copy.Get());
   }
 }
@@ -174,6 +182,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
     return cursor;
   }
   NestingGuard const guard = Descend();
+  GenericSize::CountElement(*cursor);
   CXmlElement* left = cursor->GetFirstElement();
   if (cursor->GetFirstAttribute() != nullptr) CXmlObjectBase::FromXml_Int(GetAttributes(), cursor, nullptr, ctx);
   if (left != nullptr) left = CXmlObjectBase::FromXml_Int(GetElements(), cursor, left, ctx);

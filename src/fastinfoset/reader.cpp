@@ -11,8 +11,8 @@
 #include "quillon9/binding/limits.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/converted_text.h"
 #include "quillon9/xmlio/encoder.h"
+#include "xmlio/converted_text.h"
 
 namespace Quillon9 {
 
@@ -27,6 +27,15 @@ template <class Value>
 Value const& EntryOf(std::vector<Value> const& table, unsigned long index) {
   if (index == 0 || index > table.size()) ThrowFastInfosetFailure("Invalid Index beyond its table.");
   return table[index - 1];
+}
+
+/// The least that \p length octets of an encoding algorithm become as text. Each bit becomes "true" or "false", except
+/// for half of the first octet and what the last one does not use; eight octets of a number become at least one digit
+/// and a blank.
+std::uint64_t LeastTextSize(unsigned long algorithm, std::uint64_t length) {
+  constexpr std::uint64_t kEightTimesTrue = 32;
+  if (algorithm != fi::kBoolean) return length / 4;
+  return length > 1 ? (length - 1) * kEightTimesTrue - kEightTimesTrue / 2 : 0;
 }
 
 [[noreturn]] void ThrowInvalidElement() { ThrowFastInfosetFailure("Invalid Encoding of Element type."); }
@@ -135,7 +144,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   std::string text;
   Decode(source, text);
   m_document.AppendTextExcludingCR(element, text.data(), text.size());
-  if (addToTable) table.push_back(std::move(text));
+  if (addToTable && table.size() < CFIVocabulary::kMaxEntries) table.push_back(std::move(text));
 }
 
 void CFastInfosetReader::NamespaceAttributes() {
@@ -233,7 +242,7 @@ std::string CFastInfosetReader::NonIdentifyingStringOrIndexBit1(Strings& table) 
   }
   std::string text;
   Decode(EncodedCharacterStringBit3(octet), text);
-  if ((octet & fi::kAddToTableBit1) != 0) table.push_back(text);
+  if ((octet & fi::kAddToTableBit1) != 0) m_vocabulary->AddValueToVector(text, table);
   return text;
 }
 
@@ -261,6 +270,12 @@ CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5
   return string;
 }
 
+/// Fails before octets are decoded whose text is too long in any case.
+void CFastInfosetReader::CheckLeastTextSize(EncodedString const& source) const {
+  std::uint64_t const least = LeastTextSize(source.m_index, source.m_length);
+  if (least > m_document.GetContentLeft()) m_document.CountContent(least);
+}
+
 void CFastInfosetReader::Decode(EncodedString const& source, std::string& target) const {
   if (source.IsUtf8()) {
     m_toLocal.Append(target, {Characters(source.m_octets), source.m_length});
@@ -275,10 +290,11 @@ void CFastInfosetReader::Decode(EncodedString const& source, std::string& target
     }
     case EncodedString::Kind::kRestrictedAlphabet: {
       auto const& alphabet = EntryOf(m_vocabulary->GetRestrictedAlphabets(), source.m_index);
-      AppendRestrictedAlphabetText(target, source.m_octets, source.m_length, alphabet);
+      AppendRestrictedAlphabetText(target, source.m_octets, source.m_length, alphabet, m_document.GetContentLeft() + 1);
       return;
     }
     case EncodedString::Kind::kEncodingAlgorithm:
+      CheckLeastTextSize(source);
       target += DecodedText(source.m_index, source.m_octets, source.m_length);
       return;
   }

@@ -100,6 +100,7 @@ class CFastInfosetReader {
   std::string NonIdentifyingStringOrIndexBit1(Strings& table);
   EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
   EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
+  void CheckLeastTextSize(EncodedString const& source) const;
   void Decode(EncodedString const& source, std::string& target) const;
 
   CFastInfosetContext const& m_options;

@@ -1,5 +1,7 @@
 #include "fastinfoset/restricted_alphabet.h"
 
+#include <algorithm>
+
 #include "fastinfoset/octet_source.h"
 
 namespace Quillon9 {
@@ -37,13 +39,13 @@ class BitReader {
 }  // namespace
 
 void AppendRestrictedAlphabetText(std::string& target, std::uint8_t const* octets, std::size_t length,
-                                  std::string const& alphabet) {
+                                  std::string const& alphabet, std::uint64_t most) {
   if (alphabet.size() < 2 || alphabet.size() > kMostCharacters) {
     ThrowFastInfosetFailure(
         "Invalid Encoding of Restricted Alphabet. Alphabet must contain between 2 and 2^20 characters.");
   }
   std::uint32_t const width = BitWidth(alphabet.size());
-  std::size_t const count = length * 8 / width;
+  std::size_t const count = std::min<std::uint64_t>(length * 8 / width, most);
   BitReader reader(octets, width);
   target.reserve(target.size() + count);
   for (std::size_t i = 0; i < count; ++i) {

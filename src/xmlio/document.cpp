@@ -17,12 +17,6 @@ namespace {
 
 std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
 
-/// What a node counts for besides its texts.
-constexpr std::size_t kNodeCharge = 64;
-
-/// What a node of this name counts for. The name is stored once; but whoever copies the tree copies it with each node.
-std::size_t ContentOf(CXmlName const& name) { return kNodeCharge + name.namespaceUri.size() + name.localName.size(); }
-
 }  // namespace
 
 CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
@@ -61,6 +55,8 @@ void CXmlDocument::Cleanup() {
   m_inputData = nullptr;
   m_ownedInput.reset();
   m_inputSize = 0;
+  m_contentSize = 0;
+  m_contentLimit = kNoLimit;
   m_elementStack.clear();
   m_namespaceAliases.clear();
 }
@@ -81,7 +77,7 @@ CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::str
 CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
   CheckDepth();
-  CountContent(ContentOf(*name));
+  CountContent(name->charge);
   m_elementStack.reserve(1);
   m_documentElement = new (Memory()) CXmlElement(*name);
   return PushOpen(m_documentElement, nullptr);
@@ -98,7 +94,7 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
-  CountContent(ContentOf(*name));
+  CountContent(name->charge);
   CXmlElement* const before = parent->m_lastChild;
   return PushOpen(parent->AddChild(name), before);
 }
@@ -125,8 +121,9 @@ bool CXmlDocument::AskFilter(CXmlElement* element) {
 }
 
 void CXmlDocument::StartCounting() {
+  std::uint64_t const grown = std::uint64_t{CLimits::GetMaxContentGrowth()} * m_inputSize;
   m_contentSize = 0;
-  m_contentLimit = std::max(CLimits::GetMaxContentSize(), std::uint64_t{CLimits::GetMaxContentGrowth()} * m_inputSize);
+  m_contentLimit = std::min(std::max(CLimits::GetMaxContentSize(), grown), CLimits::GetMaxContentTotal());
 }
 
 void CXmlDocument::ThrowContentTooLarge() const {
@@ -143,12 +140,12 @@ void CXmlDocument::CheckDepth() const {
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
                                        std::string_view namespaceUri) {
-  CountContent(kNodeCharge + localName.size() + value.size() + namespaceUri.size());
+  CountContent(CTreeMemory::ChargeOfNode(namespaceUri.size() + localName.size()) + value.size());
   element->AddAttribute(localName, value, namespaceUri);
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string_view value) {
-  CountContent(ContentOf(*name) + value.size());
+  CountContent(name->charge + value.size());
   element->AddAttribute(name, value);
 }
 
@@ -169,7 +166,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 }
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
-  CountContent(prefix.size() + namespaceUri.size());
+  CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
   m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
 }
 

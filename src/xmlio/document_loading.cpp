@@ -158,6 +158,7 @@ unsigned char* CXmlDocument::AllocateInput(unsigned long size) {
   m_ownedInput.reset(new unsigned char[size]);
   m_inputData = m_ownedInput.get();
   m_inputSize = size;
+  StartCounting();
   return m_ownedInput.get();
 }
 
@@ -167,6 +168,7 @@ void CXmlDocument::LendInput(void const* data, unsigned long size) {
   ThrowIfTooLarge(size);
   m_inputData = static_cast<unsigned char const*>(data);
   m_inputSize = size;
+  StartCounting();
 }
 
 /// The caller may free it before this ends, in a setter for instance.
@@ -178,7 +180,6 @@ void CXmlDocument::ReturnInput() {
 
 void CXmlDocument::Parse() {
   if (m_ownedInput != nullptr) DecompressInput();
-  StartCounting();
   CFastInfosetReader reader(*m_context.GetFIContext(), *this);
   if (!reader.Parse()) ParseText();
 }
@@ -193,7 +194,6 @@ void CXmlDocument::DecompressInput() {
 }
 
 void CXmlDocument::ParseText() {
-  StartCounting();
   CExpatReader reader(*this);
   reader.CreateParser();
   reader.Parse(true);

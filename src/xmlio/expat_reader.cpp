@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
-#include "xmlio/expat_version.h"
 #include "xmlio/converted_text.h"
+#include "xmlio/expat_version.h"
 
 namespace Quillon9 {
 
@@ -118,11 +118,16 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
 }
 
 void CExpatReader::FnStartCDATA(void* self) {
-  Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("<![CDATA["); });
+  Guarded(self, [](CExpatReader& reader) { reader.AppendMark("<![CDATA["); });
 }
 
 void CExpatReader::FnEndCDATA(void* self) {
-  Guarded(self, [](CExpatReader& reader) { reader.m_document.GetOpenElement()->AppendText("]]>"); });
+  Guarded(self, [](CExpatReader& reader) { reader.AppendMark("]]>"); });
+}
+
+void CExpatReader::AppendMark(std::string_view mark) {
+  m_document.CountContent(mark.size());
+  m_document.GetOpenElement()->AppendText(mark);
 }
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {

@@ -51,6 +51,7 @@ class CExpatReader {
   [[gnu::noinline]] CXmlName const* NewName(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
+  void AppendMark(std::string_view mark);
 
   CXmlDocument& m_document;
   CUtf8ToLocal const m_toLocal;

@@ -60,6 +60,7 @@ CTreeMemory::~CTreeMemory() {
 
 void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   m_isAbandoned = true;
+  m_counting = nullptr;
   if (m_detached == 0) {
     delete this;
   } else if (root != nullptr) {
@@ -75,7 +76,10 @@ void CTreeMemory::FreeDetached(void* node) noexcept {
 CXmlName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   auto const found = m_names.find({namespaceUri, localName});
   if (found != m_names.end()) return found->second.get();
-  std::unique_ptr<CXmlName> name(new CXmlName{std::string(namespaceUri), std::string(localName), this});
+  std::size_t const size = namespaceUri.size() + localName.size();
+  CountContent(kNameCharge + 2 * size);
+  std::unique_ptr<CXmlName> name(
+      new CXmlName{std::string(namespaceUri), std::string(localName), this, nullptr, 0, ChargeOfNode(size)});
   CXmlName const* const result = name.get();
   m_names.emplace(std::make_pair(std::string_view(result->namespaceUri), std::string_view(result->localName)),
                   std::move(name));

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "quillon9/binding/plain_classes.h"
+#include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "xmlio/address_sanitizer.h"
 
@@ -52,7 +53,8 @@ struct CTreeAttributes : CTreeExtra {
 class CTreeMemory {
  public:
   /// For the nodes of \p document. Made with new; the document gives it up by Abandon().
-  explicit CTreeMemory(CXmlDocument const* document) : m_document(document), m_noName{{}, {}, this} {}
+  explicit CTreeMemory(CXmlDocument* document)
+      : m_document(document), m_counting(document), m_noName{{}, {}, this, nullptr, 0, kNodeCharge} {}
   CTreeMemory(CTreeMemory const&) = delete;
   CTreeMemory& operator=(CTreeMemory const&) = delete;
 
@@ -75,7 +77,23 @@ class CTreeMemory {
   void NoteAsTyped(std::uint64_t number) { m_typedTables[number % kTables] = number; }
   ///@}
 
-  /// The one name with these texts.
+  /// Count \p bytes of what is made from the tree against the bounds on the document, as long as there is one.
+  /// \throws what CXmlDocument::CountContent() throws.
+  void CountContent(std::size_t bytes) {
+    if (m_counting != nullptr) m_counting->CountContent(bytes);
+  }
+  /// The document that counts, or null when it is gone.
+  CXmlDocument* Counting() const { return m_counting; }
+
+  /// What a node counts for besides its texts.
+  static constexpr std::size_t kNodeCharge = 64;
+  /// What a node counts for whose names have so many bytes. They are stored once, but whoever copies or writes the tree
+  /// repeats them with each node: those of usual lengths are free, long ones are not.
+  static constexpr std::size_t ChargeOfNode(std::size_t nameSize) {
+    return kNodeCharge + (nameSize > kFreeName ? nameSize - kFreeName : 0);
+  }
+
+  /// The one name with these texts. A new one counts as content.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
 
   /// That of elements which were given none yet.
@@ -106,6 +124,9 @@ class CTreeMemory {
  private:
   friend class CTreeExtra;
   static constexpr std::size_t kTables = 64;
+  static constexpr std::size_t kFreeName = 1024;
+  /// What a name counts for besides its texts: it stands in the map, and in a table of the reader.
+  static constexpr std::size_t kNameCharge = 256;
   struct Freed {
     Freed* next;
   };
@@ -116,6 +137,7 @@ class CTreeMemory {
   void StartBlock();
 
   CXmlDocument const* m_document;
+  CXmlDocument* m_counting;
   CXmlName m_noName;
   CPlainClasses m_plainClasses;
   std::uint64_t m_typedTables[kTables] = {};

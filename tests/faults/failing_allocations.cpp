@@ -1,5 +1,7 @@
 #include "failing_allocations.h"
 
+#include <malloc.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstddef>
@@ -11,6 +13,7 @@
 namespace {
 
 std::atomic<long> g_live{0};
+std::atomic<long> g_octets{0};
 thread_local bool t_isArmed = false;
 thread_local bool t_hasFailed = false;
 thread_local bool t_keepsFailing = false;
@@ -29,13 +32,19 @@ bool MustFail(std::size_t size) {
   return true;
 }
 
+long OctetsOf(void* memory) { return static_cast<long>(malloc_usable_size(memory) + sizeof(std::size_t)); }
+
 void* Count(void* memory) {
-  if (memory != nullptr) g_live.fetch_add(1, std::memory_order_relaxed);
+  if (memory == nullptr) return nullptr;
+  g_live.fetch_add(1, std::memory_order_relaxed);
+  g_octets.fetch_add(OctetsOf(memory), std::memory_order_relaxed);
   return memory;
 }
 
-void CountFreed(void const* memory) {
-  if (memory != nullptr) g_live.fetch_sub(1, std::memory_order_relaxed);
+void CountFreed(void* memory) {
+  if (memory == nullptr) return;
+  g_live.fetch_sub(1, std::memory_order_relaxed);
+  g_octets.fetch_sub(OctetsOf(memory), std::memory_order_relaxed);
 }
 
 }  // namespace
@@ -56,6 +65,8 @@ bool FailingAllocations::HasFailed() { return t_hasFailed; }
 long CountLiveAllocations() { return g_live.load(); }
 
 std::size_t CountBytesTaken() { return t_bytesTaken; }
+
+long CountLiveOctets() { return g_octets.load(); }
 
 }  // namespace Quillon9::Testing
 
@@ -123,9 +134,14 @@ void* realloc(void* memory, std::size_t size) noexcept {
     free(memory);
     return nullptr;
   }
-  if (!MustFail(size)) return __libc_realloc(memory, size);
-  errno = ENOMEM;
-  return nullptr;
+  if (MustFail(size)) {
+    errno = ENOMEM;
+    return nullptr;
+  }
+  long const before = OctetsOf(memory);
+  void* const moved = __libc_realloc(memory, size);
+  if (moved != nullptr) g_octets.fetch_add(OctetsOf(moved) - before, std::memory_order_relaxed);
+  return moved;
 }
 
 void* aligned_alloc(std::size_t alignment, std::size_t size) noexcept {

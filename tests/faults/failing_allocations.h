@@ -38,6 +38,9 @@ long CountLiveAllocations();
 /// Bytes that the calling thread has asked for until now, those that were freed again included.
 std::size_t CountBytesTaken();
 
+/// The octets of these, with what the allocator adds.
+long CountLiveOctets();
+
 /// Whether those of the C libraries fail and count too.
 bool AreCLibrariesIncluded();
 

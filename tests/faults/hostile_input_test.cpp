@@ -114,7 +114,7 @@ TEST(HostileInput, BombsAreRefused) {
   std::string const large = "<!DOCTYPE r [<!ENTITY e '" + std::string(100'000, 'x') + "'>";
   std::string const defaults = "<!DOCTYPE r [<!ATTLIST a" + Numbered(" a", " CDATA '1'", 1000) + ">]><r>";
   std::string const parser = "limit on input amplification factor (from DTD and entities) breached at line 1";
-  std::string const content = "The content of the document exceeds the limit of 67108864 bytes";
+  std::string const content = "The content of the document exceeds the limit of 268435456 bytes";
   struct {
     char const* what;
     std::string document;
@@ -125,7 +125,11 @@ TEST(HostileInput, BombsAreRefused) {
       {"a large entity", large + "]><r>" + Repeated("&e;", 20'000) + "</r>", parser},
       {"default attributes", defaults + Repeated("<a/>", 20'000) + "</r>", content},
       {"a long namespace", "<r xmlns:p='" + std::string(1'000'000, 'u') + "'>" + Repeated("<p:a/>", 10'000) + "</r>",
-       "The content of the document exceeds the limit of 106001800 bytes"},
+       content},
+      {"declared namespaces",
+       "<!DOCTYPE r [<!ATTLIST a" + Numbered(" xmlns:p", " CDATA 'u'", 1000) + ">]><r>" + Repeated("<a/>", 20'000) +
+           "</r>",
+       content},
       {"a chain of entities", chain + "]><r>&l49999;</r>", ""},
       {"an entity of itself", "<!DOCTYPE r [<!ENTITY e '&e;'>]><r>&e;</r>", "recursive entity reference at line 1"},
   };
@@ -139,6 +143,53 @@ TEST(HostileInput, BombsAreRefused) {
     }
     EXPECT_EQ(row.failure, failure) << row.what;
   }
+}
+
+// Tree and objects together: half of what they take is too low a limit, twice as much is high enough.
+TEST(HostileInput, ContentCountsAboutWhatItTakes) {
+  if (!AreCLibrariesIncluded()) GTEST_SKIP() << "other allocators take other sizes";
+  std::uint64_t const size = CLimits::GetMaxContentSize();
+  std::uint32_t const growth = CLimits::GetMaxContentGrowth();
+  CLimits::SetMaxContentGrowth(0);
+  std::string const uri = "urn:oasis:names:specification:ubl:schema:xsd:CommonAggregateComponents-2";
+  struct {
+    char const* what;
+    std::string document;
+  } const rows[] = {
+      {"empty elements", "<r>" + Repeated("<a/>", 100'000) + "</r>"},
+      {"elements in elements", "<r>" + Repeated("<a><b><c/></b></a>", 30'000) + "</r>"},
+      {"attributes", "<r>" + Repeated("<a b='1' c='2' d='3'/>", 30'000) + "</r>"},
+      {"long names", "<c:r xmlns:c='" + uri + "'>" + Repeated("<c:TaxSubtotalCategory/>", 50'000) + "</c:r>"},
+      {"many names", "<r>" + Numbered("<a", "/>", 50'000) + "</r>"},
+      {"texts", "<r>" + Repeated("<a>A text that is too long for a small string</a>", 50'000) + "</r>"},
+      {"a long text", "<r>" + std::string(20'000'000, 'x') + "</r>"},
+  };
+  for (auto const& row : rows) {
+    SCOPED_TRACE(row.what);
+    long taken = 0;
+    auto const read = [&] {
+      long const before = CountLiveOctets();
+      CXmlDocument document;
+      CSmartPtr<CElement> const element(new CElement("r"));
+      try {
+        document.LoadXml(row.document.c_str());
+        element->CopyXmlElement(document.GetDocumentElement());
+      } catch (CQnException const&) {
+        return false;
+      }
+      taken = CountLiveOctets() - before - static_cast<long>(row.document.size());
+      return true;
+    };
+    CLimits::SetMaxContentSize(size);
+    EXPECT_TRUE(read());
+    auto const enough = static_cast<std::uint64_t>(taken);
+    CLimits::SetMaxContentSize(2 * enough);
+    EXPECT_TRUE(read());
+    CLimits::SetMaxContentSize(enough / 2);
+    EXPECT_FALSE(read());
+  }
+  CLimits::SetMaxContentSize(size);
+  CLimits::SetMaxContentGrowth(growth);
 }
 
 TEST(HostileInput, NothingOutsideTheDocumentIsOpened) {

@@ -6,11 +6,18 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <string>
+#include <vector>
 
+#include "dynamic_class.h"
+#include "octets.h"
 #include "quillon9/quillon9.h"
 
 namespace Quillon9 {
 namespace {
+
+using namespace Quillon9Data;
+using namespace Testing;
 
 std::string Repeated(std::string const& text, int count) {
   std::string result;
@@ -23,11 +30,13 @@ struct Limits {
   std::uint32_t const depth = CLimits::GetMaxElementDepth();
   std::uint64_t const size = CLimits::GetMaxContentSize();
   std::uint32_t const growth = CLimits::GetMaxContentGrowth();
+  std::uint64_t const total = CLimits::GetMaxContentTotal();
   std::uint32_t const decompressed = CLimits::GetMaxDecompressedSize();
   ~Limits() {
     CLimits::SetMaxElementDepth(depth);
     CLimits::SetMaxContentSize(size);
     CLimits::SetMaxContentGrowth(growth);
+    CLimits::SetMaxContentTotal(total);
     CLimits::SetMaxDecompressedSize(decompressed);
   }
 };
@@ -41,21 +50,21 @@ std::string Outcome(std::function<void()> const& action) {
     action();
     return "";
   } catch (CQnException const& failure) {
-    return failure.GetMessage();
+    return failure.GetFullMessage();
   }
 }
 
 std::string Infoset(std::string const& octets) { return std::string("\xE0\0\0\1\0", 5) + octets; }
-std::string Gzip(std::size_t size) {
-  unsigned long length = size;
-  auto* data = new unsigned char[size];
-  std::string const text = "<a>" + std::string(size - 7, 'x') + "</a>";
-  std::copy(text.begin(), text.end(), data);
-  CQnZip::Compress(&data, &length, CompressionType_GZip);
+std::string Packed(std::string const& octets, CompressionType type = CompressionType_GZip) {
+  unsigned long length = octets.size();
+  auto* data = new unsigned char[length];
+  std::copy(octets.begin(), octets.end(), data);
+  CQnZip::Compress(&data, &length, type);
   std::string const packed(reinterpret_cast<char*>(data), length);
   delete[] data;
   return packed;
 }
+std::string Gzip(std::size_t size) { return Packed("<a>" + std::string(size - 7, 'x') + "</a>"); }
 
 TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
   Limits const restored;
@@ -67,7 +76,7 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
   std::string const content = "The content of the document exceeds the limit of 1000 bytes";
   std::string const element = std::string("\x3C\0a", 3);
   std::string const nested = element + std::string(3, '\0');
-  // An element or attribute of one letter counts 65.
+  // An element or attribute of a new name of one letter counts 322, and 64 when the name is known.
   auto const text = [](int size) { return "<a>" + std::string(static_cast<std::size_t>(size), 'x') + "</a>"; };
   struct {
     char const* what;
@@ -78,17 +87,24 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
       {"depth, text", Repeated("<a>", 5) + Repeated("</a>", 5), Repeated("<a>", 6), depth},
       {"depth, Fast Infoset", Infoset(nested + std::string(1, '\0') + "\xFF\xFF\xFF"),
        Infoset(nested + std::string(2, '\0')), "Failed to parse FastInfoset. " + depth},
-      {"content, text", text(935), text(936), content},
-      {"content, attributes", "<a b='" + std::string(870, 'x') + "'/>", "<a b='" + std::string(871, 'x') + "'/>",
+      {"content, text", text(678), text(679), content},
+      {"content, attributes", "<a b='" + std::string(356, 'x') + "'/>", "<a b='" + std::string(357, 'x') + "'/>",
        content},
-      {"content, names", "<a>" + Repeated("<bb/>", 14) + "</a>", "<a>" + Repeated("<bb/>", 15) + "</a>", content},
-      {"content, namespaces", "<a xmlns='" + std::string(467, 'u') + "'/>",
-       "<a xmlns='" + std::string(468, 'u') + "'/>", content},
-      {"content, entities", "<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + Repeated("&e;", 93) + "</a>",
-       "<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + Repeated("&e;", 94) + "</a>", content},
+      {"content, names", "<a>" + Repeated("<bb/>", 6) + "</a>", "<a>" + Repeated("<bb/>", 7) + "</a>", content},
+      {"content, namespaces", "<a xmlns='" + std::string(204, 'u') + "'/>",
+       "<a xmlns='" + std::string(205, 'u') + "'/>", content},
+      {"content, entities", "<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + Repeated("&e;", 67) + "</a>",
+       "<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + Repeated("&e;", 68) + "</a>", content},
+      {"content, sections", "<a>" + Repeated("<![CDATA[]]>", 56) + "</a>",
+       "<a>" + Repeated("<![CDATA[]]>", 57) + "</a>", content},
+      // 4 bits and 8 for each octet behind the first, "true" but for two of them, and blanks between octets.
+      {"content, booleans", Infoset(element + "\x8C\x16\x12\x0F\xFC" + std::string(19, '\xFF') + "\xFF"),
+       Infoset(element + "\x8C\x16\xF7\x0F" + std::string(249, '\xFF') + "\xFF"), content},
       {"decompressed", Gzip(500), Gzip(501), "The decompressed data exceeds the limit of 500 bytes"},
   };
-  CXmlDocument document;
+  CXmlSerializationContext context;
+  context.SetStripCDATA(false);
+  CXmlDocument document(context);
   for (auto const& row : rows) {
     EXPECT_EQ("", Outcome([&] { Load(document, row.good); })) << row.what;
     EXPECT_EQ(row.failure, Outcome([&] { Load(document, row.bad); })) << row.what;
@@ -106,6 +122,131 @@ TEST(Limits, ContentGrowsWithTheInput) {
   CLimits::SetMaxContentGrowth(10);
   EXPECT_EQ("The content of the document exceeds the limit of 40070 bytes",
             Outcome([&] { Load(document, "<a>" + Repeated("<b/>", 1000) + "</a>"); }));
+}
+
+// Compressed octets count as they arrive, and no growth goes beyond the total.
+TEST(Limits, ContentGrowsWithWhatCameFromOutside) {
+  Limits const restored;
+  CLimits::SetMaxContentSize(0);
+  std::string const text = "<a>" + Repeated("<b/>", 1000) + "</a>";
+  CXmlDocument document;
+  for (CompressionType const type : {CompressionType_GZip, CompressionType_ZLib}) {
+    std::string const packed = Packed(text, type);
+    EXPECT_EQ("The content of the document exceeds the limit of " + std::to_string(100 * packed.size()) + " bytes",
+              Outcome([&] { Load(document, packed); }));
+    CLimits::SetMaxContentSize(70'000);
+    EXPECT_EQ("", Outcome([&] { Load(document, packed); }));
+    CLimits::SetMaxContentTotal(60'000);
+    for (std::string const& input : {text, packed}) {
+      EXPECT_EQ("The content of the document exceeds the limit of 60000 bytes",
+                Outcome([&] { Load(document, input); }));
+    }
+    CLimits::SetMaxContentTotal(~std::uint64_t{0});
+    CLimits::SetMaxContentSize(0);
+  }
+}
+
+/// Documents whose cost lies in different places.
+std::vector<std::string> Documents() {
+  std::string const uri = "urn:oasis:names:specification:ubl:schema:xsd:CommonAggregateComponents-2";
+  std::string names;
+  for (int i = 0; i < 100; ++i) names += "<name" + std::to_string(i) + " attribute" + std::to_string(i) + "='1'/>";
+  std::string const longUri = "urn:" + std::string(5000, 'u');
+  return {
+      "<cac:r xmlns:cac='" + uri + "'>" +
+          Repeated("<cac:TaxSubtotalCategory><cac:TaxExemptionReason/></cac:TaxSubtotalCategory>", 500) + "</cac:r>",
+      "<r>" + Repeated("<item number='17' colour='green'>A text of usual length</item>", 200) + "</r>",
+      "<r>" + names + "</r>",
+      "<p:r xmlns:p='" + longUri + "'>" + Repeated("<p:a p:b='1'/>", 100) + "</p:r>",
+      "<r>" + std::string(100'000, 'x') + "</r>",
+  };
+}
+
+std::string ReadIntoTree(std::string const& input) {
+  CXmlDocument document;
+  return Outcome([&] { Load(document, input); });
+}
+
+std::string ReadIntoContent(std::string const& input) {
+  CXmlDocument document;
+  CSmartPtr<CElement> const element(new CElement("r"));
+  return Outcome([&] {
+    Load(document, input);
+    element->CopyXmlElement(document.GetDocumentElement());
+  });
+}
+
+/// The least CLimits::GetMaxContentSize() under which \p read succeeds, found by halves.
+std::uint64_t LeastSize(std::string const& input, std::string (*read)(std::string const&)) {
+  std::uint64_t failing = 0;
+  for (std::uint64_t step = std::uint64_t{1} << 21; step > 0; step /= 2) {
+    CLimits::SetMaxContentSize(failing + step);
+    if (!read(input).empty()) failing += step;
+  }
+  return failing + 1;
+}
+
+// What the library reads as text it reads in each form that it writes, into the tree and into objects. A form costs the
+// same with and without a wrapper; Fast Infoset saves the declarations of namespaces, which it writes as parts of names.
+TEST(Limits, AreTheSameForAllForms) {
+  Limits const restored;
+  CLimits::SetMaxContentGrowth(0);
+  for (std::string const& source : Documents()) {
+    SCOPED_TRACE(source.substr(0, 60));
+    CXmlDocument document;
+    Load(document, source);
+    std::uint64_t declared = 0;
+    for (auto const& [prefix, uri] : document.GetNamespaceAliases()) declared += 64 + 2 + uri.size();
+    CSmartPtr<CElement> const element(new CElement("r"));
+    element->CopyXmlElement(document.GetDocumentElement());
+    std::string const text = element->ToXml(false, false);
+    std::string const infoset = Bytes(element->ToFastInfosetStream());
+    for (auto* const read : {ReadIntoTree, ReadIntoContent}) {
+      std::uint64_t const cost = LeastSize(text, read);
+      EXPECT_EQ(cost, LeastSize(Packed(text), read));
+      EXPECT_EQ(cost, LeastSize(infoset, read) + declared);
+      EXPECT_EQ(cost, LeastSize(Packed(infoset, CompressionType_ZLib), read) + declared);
+    }
+    CLimits::SetMaxContentSize(restored.size);
+  }
+}
+
+TEST(Limits, HoldForTheObjectsThatAreMadeFromATree) {
+  Limits const restored;
+  CLimits::SetMaxContentGrowth(0);
+  CLimits::SetMaxContentSize(100'000);
+  Shape const itemShape({}, {});
+  Shape const ofObjects({}, {new CElementInfoSeqClsCol("a", "", 0, XmlElementType_Element)});
+  Shape const ofValues({}, {new CElementInfoSeqPrimCol("a", "", 0)});
+  Shape const ofContent({}, {new CElementInfoSeqUntpdCol("AnyElement", "", 0)});
+  DynamicClass objects(ofObjects, "r");
+  DynamicClass values(ofValues, "r");
+  DynamicClass content(ofContent, "r");
+  objects.With(0, new DynamicCollection(itemShape, "a", 0, -1));
+  values.With(0, new CstringCol("a", "", 0, -1, "", -1, -1, "", "", "", "", -1,
+                                CWhitespaceUtils::WhitespaceRule_Preserve, nullptr));
+  content.With(0, new CElementCol("", "##any", "", 0, -1));
+  struct {
+    char const* what;
+    CXmlObjectBase& object;
+    std::size_t size;  // of what an <a/> becomes
+  } const rows[] = {{"objects", objects, 256},
+                    {"values", values, 96},
+                    {"generic content", content, 16 + sizeof(CElement) + sizeof(CNode) + 1}};
+  for (auto const& row : rows) {
+    auto const good = static_cast<int>((100'000 - 836) / (64 + row.size));  // r and the names of both count 836
+    CXmlDocument document;
+    Load(document, "<r>" + Repeated("<a/>", good) + "</r>");
+    // What one read made may be gone when the next one begins.
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ("", Outcome([&] { row.object.FromXmlElement(document.GetDocumentElement()); })) << row.what;
+    }
+    Load(document, "<r>" + Repeated("<a/>", good + 1) + "</r>");
+    std::string const failure = Outcome([&] { row.object.FromXmlElement(document.GetDocumentElement()); });
+    EXPECT_EQ(0U, failure.find("Failed to process the element [r]\n")) << row.what;
+    EXPECT_NE(std::string::npos, failure.find("\nThe content of the document exceeds the limit of 100000 bytes"))
+        << row.what;
+  }
 }
 
 // A few octets each repeat a long text of a table.

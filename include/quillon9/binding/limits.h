@@ -19,17 +19,24 @@ class QUILLON9_API CLimits {
   static void SetMaxElementDepth(std::uint32_t depth);
   ///@}
 
-  /// What one input may deliver into the tree, in bytes: names and namespaces of each node, values, texts, namespace
-  /// declarations, and 64 for each node. The bound is the larger of this size and the growth times the size of the
-  /// input (decompressed). Defaults 64 MiB and 100: real documents deliver 20 times their size at most, but a namespace
-  /// of a megabyte over ten thousand elements, default attributes of a DTD, and references to the tables of Fast
-  /// Infoset repeat without end. A document beyond it fails with "The content of the document exceeds the limit of %llu
-  /// bytes".
+  /// What one input may become in memory, in bytes: the tree, and with it the objects that one operation makes from
+  /// the tree. Both count about what they take; docs/limits.md lists the rules. The bound is the larger of the size and
+  /// of the growth times the octets of the input as they arrive, compressed ones as compressed; but never more than the
+  /// total. Defaults 256 MiB, 100 and 4 GiB.
+  ///
+  /// The size admits what arrives in few octets although it is harmless: repetitive text shrinks to a thirtieth in a
+  /// gzip wrapper, and elements shrink to two octets in Fast Infoset. It does not depend on the form, so that what is
+  /// within it can be read in each of them. The growth admits large documents, whose trees have up to 20 times the
+  /// size of their text, and up to 100 times as CElement. The total keeps large inputs from multiplying.
+  ///
+  /// A document beyond the bound fails with "The content of the document exceeds the limit of %llu bytes".
   ///@{
   static std::uint64_t GetMaxContentSize();
   static void SetMaxContentSize(std::uint64_t bytes);
   static std::uint32_t GetMaxContentGrowth();
   static void SetMaxContentGrowth(std::uint32_t factor);
+  static std::uint64_t GetMaxContentTotal();
+  static void SetMaxContentTotal(std::uint64_t bytes);
   ///@}
 
   /// Most bytes that one compressed input may grow to. Default 1 GiB: a few megabytes of gzip can hold 4 GiB.

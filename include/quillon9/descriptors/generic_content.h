@@ -306,6 +306,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The namespace of the collections: that which this element had when it was made.
   char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
   void ChangeNamespace(std::string ns);
+  void CopyFrom(CXmlElement const& element);
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
 

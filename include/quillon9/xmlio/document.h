@@ -136,11 +136,13 @@ class QUILLON9_API CXmlDocument {
   /// Note that a reader has put \p bytes of content into the tree by itself. The other operations here do it
   /// themselves.
   /// \throws CQnException "The content of the document exceeds the limit of %llu bytes" when the input that is being
-  ///         loaded has delivered more than CLimits::GetMaxContentSize() tells.
+  ///         loaded has delivered more than CLimits allows: see CLimits::GetMaxContentSize().
   void CountContent(std::size_t bytes) {
     m_contentSize += bytes;
     if (m_contentSize > m_contentLimit) ThrowContentTooLarge();
   }
+  /// How many bytes CountContent() still takes.
+  std::uint64_t GetContentLeft() const { return m_contentSize < m_contentLimit ? m_contentLimit - m_contentSize : 0; }
   /// Bind \p prefix to \p namespaceUri, in place of an earlier binding.
   void SetNamespaceAlias(std::string prefix, std::string namespaceUri);
   /// @}
@@ -152,6 +154,7 @@ class QUILLON9_API CXmlDocument {
     CXmlElement* before;
   };
 
+  friend class ObjectContent;   // which gives back what objects counted
   friend class CXmlObjectBase;  // which reads from bytes that outlive its document
   /// LoadXml() and LoadXmlStream() without the copy. It would cost three percent of reading, and a byte for each byte.
   ///@{
@@ -190,7 +193,8 @@ class QUILLON9_API CXmlDocument {
   CXmlSerializationContext const& m_context;
   std::uint64_t m_cleanups = 0;
   std::uint64_t m_contentSize = 0;
-  std::uint64_t m_contentLimit = ~std::uint64_t{0};  // none for trees that a program builds
+  static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
+  std::uint64_t m_contentLimit = kNoLimit;  // for trees that a program builds
   /// Of the nodes; made for the first one.
   CTreeMemory* m_memory = nullptr;
 };

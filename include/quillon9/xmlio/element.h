@@ -23,6 +23,7 @@ struct CXmlName {
   CTreeMemory* memory = nullptr;           ///< of the document that shares it; null for the name of a node by itself
   CXmlDocument const* document = nullptr;  ///< of an element by itself
   mutable std::uint64_t member = 0;        ///< the number of the member of a class that is known to have both names
+  std::size_t charge = 0;                  ///< what each node with it counts for against CLimits, in a document
 };
 
 /// One attribute of a parsed element. Namespace declarations are attributes only for a schema without namespaces.
@@ -173,6 +174,7 @@ class QUILLON9_API CXmlElement {
   friend class CXmlDocument;
   friend class CXmlGeneratedClass;  // which leaves in the memory what it would find out again for every object
   friend class CTreeMemory;
+  friend class ObjectContent;  // which counts in the memory what is made from the tree
   static constexpr std::uintptr_t kIsLast = 1;
 
   /// An element of a document's tree, with a name that is shared there.

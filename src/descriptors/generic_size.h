@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+
+#include "quillon9/descriptors/generic_content.h"
+#include "xmlio/object_content.h"
+
+namespace Quillon9 {
+
+/// What generic content takes that is made from a tree: each object with its node in a collection, the collections, and
+/// the texts, which are all copied.
+class GenericSize {
+ public:
+  /// Count the CElement for \p element, without its attributes and children themselves.
+  static void CountElement(CXmlElement const& element) {
+    std::size_t const ns = element.GetNamespaceURI().size();
+    std::size_t size = kElement + element.GetLocalName().size() + ns + element.GetTextView().size();
+    if (element.GetFirstAttribute() != nullptr) size += kAttributes + ns;
+    if (element.GetFirstElement() != nullptr) size += kElements + ns;
+    ObjectContent::Count(element, size);
+  }
+  /// Count the CAttribute for \p attribute of \p element.
+  static void CountAttribute(CXmlElement const& element, CXmlAttribute const& attribute) {
+    std::size_t const names = attribute.GetLocalName().size() + attribute.GetNamespaceURI().size();
+    ObjectContent::Count(element, kAttribute + names + attribute.GetValueView().size());
+  }
+
+ private:
+  static constexpr std::size_t kAllocation = 16;  // what the allocator adds
+  static constexpr std::size_t kElement = kAllocation + sizeof(CElement) + sizeof(CNode);
+  static constexpr std::size_t kAttribute = kAllocation + sizeof(CAttribute) + sizeof(CNode);
+  static constexpr std::size_t kElements = kAllocation + sizeof(CElementCol);
+  static constexpr std::size_t kAttributes = kAllocation + sizeof(CAttributeCol);
+};
+
+}  // namespace Quillon9
