@@ -65,6 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   Fuzzing::Input input(data, size);
   unsigned const options = input.Options();
   Fuzzing::LimitContent((options & kSmall) != 0 ? 4000 : 1u << 20);
+  CLimits::SetMaxDeclaredAttributes((options & kSmall) != 0 ? 2 : 1000);
   CXmlSerializationContext const context = ContextOf(options);
   CXmlDocument document((options & kFiltered) != 0 ? DropShortNames : nullptr, context);
   try {

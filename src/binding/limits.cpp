@@ -11,6 +11,8 @@ std::uint64_t maxContentSize = 256 * kMebibyte;
 std::uint32_t maxContentGrowth = 100;
 std::uint64_t maxContentTotal = 4096 * kMebibyte;
 std::uint32_t maxDecompressedSize = 1024 * kMebibyte;
+bool allowDocumentType = true;
+std::uint32_t maxDeclaredAttributes = 1000;
 
 }  // namespace
 
@@ -28,5 +30,11 @@ void CLimits::SetMaxContentTotal(std::uint64_t bytes) { maxContentTotal = bytes;
 
 std::uint32_t CLimits::GetMaxDecompressedSize() { return maxDecompressedSize; }
 void CLimits::SetMaxDecompressedSize(std::uint32_t bytes) { maxDecompressedSize = bytes; }
+
+bool CLimits::GetAllowDocumentType() { return allowDocumentType; }
+void CLimits::SetAllowDocumentType(bool allow) { allowDocumentType = allow; }
+
+std::uint32_t CLimits::GetMaxDeclaredAttributes() { return maxDeclaredAttributes; }
+void CLimits::SetMaxDeclaredAttributes(std::uint32_t count) { maxDeclaredAttributes = count; }
 
 }  // namespace Quillon9

@@ -139,6 +139,7 @@ void CFastInfosetReader::ProcessingInstruction() {
 
 /// System identifier and public identifier, as far as the octet tells, then processing instructions.
 void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
+  CXmlDocument::CheckDocumentType();
   SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
   std::uint32_t child = m_source.Octet();
   for (; child == fi::kProcessingInstruction; child = m_source.Octet()) ProcessingInstruction();

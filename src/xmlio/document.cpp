@@ -131,6 +131,11 @@ void CXmlDocument::ThrowContentTooLarge() const {
                                   static_cast<unsigned long long>(m_contentLimit)));
 }
 
+void CXmlDocument::CheckDocumentType() {
+  if (CLimits::GetAllowDocumentType()) return;
+  throw CQnException("The document has a document type declaration, which is not allowed");
+}
+
 void CXmlDocument::ThrowNoneOpen() { throw CQnException("No element is open"); }
 
 void CXmlDocument::CheckDepth() const {

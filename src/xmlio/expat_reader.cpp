@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/limits.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/expat_version.h"
 
@@ -52,6 +53,8 @@ void CExpatReader::CreateParser() {
   XML_SetElementHandler(m_parser.get(), FnStartElement, FnEndElement);
   XML_SetNamespaceDeclHandler(m_parser.get(), FnStartNamespace, FnEndNamespace);
   XML_SetCharacterDataHandler(m_parser.get(), FnText);
+  XML_SetStartDoctypeDeclHandler(m_parser.get(), FnStartDocumentType);
+  XML_SetAttlistDeclHandler(m_parser.get(), FnAttributeDeclaration);
   if (!m_document.GetContext().GetStripCDATA()) {
     XML_SetCdataSectionHandler(m_parser.get(), FnStartCDATA, FnEndCDATA);
   }
@@ -128,6 +131,23 @@ void CExpatReader::FnEndCDATA(void* self) {
 void CExpatReader::AppendMark(std::string_view mark) {
   m_document.CountContent(mark.size());
   m_document.GetOpenElement()->AppendText(mark);
+}
+
+void CExpatReader::FnStartDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {
+  Guarded(self, [](CExpatReader&) { CXmlDocument::CheckDocumentType(); });
+}
+
+void CExpatReader::FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const*, XML_Char const*,
+                                          XML_Char const*, int) {
+  Guarded(self, [=](CExpatReader& reader) { reader.CountDeclaredAttribute(element); });
+}
+
+// Expat goes through all that are declared for an element, repeated ones included, at each of its start tags.
+void CExpatReader::CountDeclaredAttribute(XML_Char const* element) {
+  std::uint32_t const limit = CLimits::GetMaxDeclaredAttributes();
+  if (++m_declaredAttributes[element] <= limit) return;
+  throw CQnException(FormatString("The document type declares more than %u attributes for the element [%s]", limit,
+                                  m_toLocal(element).c_str()));
 }
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {

@@ -2,7 +2,9 @@
 
 #include <expat.h>
 
+#include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,6 +45,10 @@ class CExpatReader {
   static void XMLCALL FnText(void* self, XML_Char const* text, int length);
   static void XMLCALL FnStartCDATA(void* self);
   static void XMLCALL FnEndCDATA(void* self);
+  static void XMLCALL FnStartDocumentType(void* self, XML_Char const* name, XML_Char const* systemId,
+                                          XML_Char const* publicId, int hasInternalSubset);
+  static void XMLCALL FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const* attribute,
+                                             XML_Char const* type, XML_Char const* value, int isRequired);
 
   template <class Action>
   static void Guarded(void* self, Action action) noexcept;
@@ -52,12 +58,14 @@ class CExpatReader {
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
   void AppendMark(std::string_view mark);
+  void CountDeclaredAttribute(XML_Char const* element);
 
   CXmlDocument& m_document;
   CUtf8ToLocal const m_toLocal;
   CNameCache m_names;
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
+  std::map<std::string, std::uint32_t> m_declaredAttributes;  // how many, by the element's name
 };
 
 }  // namespace Quillon9

@@ -126,6 +126,14 @@ TEST(HostileInput, BombsAreRefused) {
       {"default attributes", defaults + Repeated("<a/>", 20'000) + "</r>", content},
       {"a long namespace", "<r xmlns:p='" + std::string(1'000'000, 'u') + "'>" + Repeated("<p:a/>", 10'000) + "</r>",
        content},
+      {"declared attributes",
+       "<!DOCTYPE r [<!ATTLIST a" + Numbered(" a", " CDATA #IMPLIED", 50'000) + ">]><r>" + Repeated("<a/>", 200'000) +
+           "</r>",
+       "The document type declares more than 1000 attributes for the element [a]"},
+      {"as many as may be",
+       "<!DOCTYPE r [<!ATTLIST a" + Numbered(" a", " CDATA #IMPLIED", 1000) + ">]><r>" + Repeated("<a/>", 200'000) +
+           "</r>",
+       ""},
       {"declared namespaces",
        "<!DOCTYPE r [<!ATTLIST a" + Numbered(" xmlns:p", " CDATA 'u'", 1000) + ">]><r>" + Repeated("<a/>", 20'000) +
            "</r>",

@@ -32,12 +32,15 @@ struct Limits {
   std::uint32_t const growth = CLimits::GetMaxContentGrowth();
   std::uint64_t const total = CLimits::GetMaxContentTotal();
   std::uint32_t const decompressed = CLimits::GetMaxDecompressedSize();
+  std::uint32_t const declared = CLimits::GetMaxDeclaredAttributes();
   ~Limits() {
     CLimits::SetMaxElementDepth(depth);
     CLimits::SetMaxContentSize(size);
     CLimits::SetMaxContentGrowth(growth);
     CLimits::SetMaxContentTotal(total);
     CLimits::SetMaxDecompressedSize(decompressed);
+    CLimits::SetMaxDeclaredAttributes(declared);
+    CLimits::SetAllowDocumentType(true);
   }
 };
 
@@ -72,10 +75,12 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
   CLimits::SetMaxContentSize(1000);
   CLimits::SetMaxContentGrowth(0);
   CLimits::SetMaxDecompressedSize(500);
+  CLimits::SetMaxDeclaredAttributes(3);
   std::string const depth = "The element nesting exceeds the limit of 5 levels";
   std::string const content = "The content of the document exceeds the limit of 1000 bytes";
   std::string const element = std::string("\x3C\0a", 3);
   std::string const nested = element + std::string(3, '\0');
+  std::string const declarations = "The document type declares more than 3 attributes for the element [b]";
   // An element or attribute of a new name of one letter counts 322, and 64 when the name is known.
   auto const text = [](int size) { return "<a>" + std::string(static_cast<std::size_t>(size), 'x') + "</a>"; };
   struct {
@@ -100,6 +105,11 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
       // 4 bits and 8 for each octet behind the first, "true" but for two of them, and blanks between octets.
       {"content, booleans", Infoset(element + "\x8C\x16\x12\x0F\xFC" + std::string(19, '\xFF') + "\xFF"),
        Infoset(element + "\x8C\x16\xF7\x0F" + std::string(249, '\xFF') + "\xFF"), content},
+      {"declared attributes",
+       "<!DOCTYPE a [<!ATTLIST a p ID #IMPLIED q CDATA ''><!ATTLIST b p CDATA ''><!ATTLIST a p CDATA ''>]><a/>",
+       "<!DOCTYPE a [<!ATTLIST b p ID #IMPLIED q CDATA ''><!ATTLIST a p CDATA ''>"
+       "<!ATTLIST b p CDATA #IMPLIED p CDATA ''>]><a/>",
+       declarations},
       {"decompressed", Gzip(500), Gzip(501), "The decompressed data exceeds the limit of 500 bytes"},
   };
   CXmlSerializationContext context;
@@ -246,6 +256,21 @@ TEST(Limits, HoldForTheObjectsThatAreMadeFromATree) {
     EXPECT_EQ(0U, failure.find("Failed to process the element [r]\n")) << row.what;
     EXPECT_NE(std::string::npos, failure.find("\nThe content of the document exceeds the limit of 100000 bytes"))
         << row.what;
+  }
+}
+
+TEST(Limits, RefuseDocumentTypes) {
+  Limits const restored;
+  std::string const text = "<!DOCTYPE a [<!ENTITY e 'x'>]><a>&e;</a>";
+  std::string const infoset = Infoset(std::string("\xC4\xF0\x3C\0a\xFF", 6));
+  CXmlDocument document;
+  for (std::string const& input : {text, infoset}) {
+    CLimits::SetAllowDocumentType(true);
+    EXPECT_EQ("", Outcome([&] { Load(document, input); }));
+    CLimits::SetAllowDocumentType(false);
+    EXPECT_EQ("The document has a document type declaration, which is not allowed",
+              Outcome([&] { Load(document, input); }));
+    EXPECT_EQ("", Outcome([&] { Load(document, "<a/>"); }));
   }
 }
 

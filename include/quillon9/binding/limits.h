@@ -44,6 +44,23 @@ class QUILLON9_API CLimits {
   static std::uint32_t GetMaxDecompressedSize();
   static void SetMaxDecompressedSize(std::uint32_t bytes);
   ///@}
+
+  /// Whether a document may have a document type declaration. Default true. With false, XML text and Fast Infoset that
+  /// have one fail with "The document has a document type declaration, which is not allowed", before any of its
+  /// declarations is read: no entities and no default attributes are left to reckon with.
+  ///@{
+  static bool GetAllowDocumentType();
+  static void SetAllowDocumentType(bool allow);
+  ///@}
+
+  /// How many attributes the document type of XML text may declare for one element; a repeated declaration counts
+  /// again. Default 1,000, where large schemas declare a hundred: the parser goes through all of them at each start tag
+  /// of that element, so that without a bound the time grows with the square of the input. A document beyond it fails
+  /// with "The document type declares more than %u attributes for the element [%s]".
+  ///@{
+  static std::uint32_t GetMaxDeclaredAttributes();
+  static void SetMaxDeclaredAttributes(std::uint32_t count);
+  ///@}
 };
 
 }  // namespace Quillon9

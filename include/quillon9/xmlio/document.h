@@ -145,6 +145,10 @@ class QUILLON9_API CXmlDocument {
   std::uint64_t GetContentLeft() const { return m_contentSize < m_contentLimit ? m_contentLimit - m_contentSize : 0; }
   /// Bind \p prefix to \p namespaceUri, in place of an earlier binding.
   void SetNamespaceAlias(std::string prefix, std::string namespaceUri);
+  /// Note that the input has a document type declaration.
+  /// \throws CQnException "The document has a document type declaration, which is not allowed" after
+  ///         CLimits::SetAllowDocumentType(false).
+  static void CheckDocumentType();
   /// @}
 
  private:
