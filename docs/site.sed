@@ -3,6 +3,9 @@
 # A table of contents below the title, where a line is empty.
 2s/^$/[TOC]/
 
+# A link to a heading of the same page works on the hosts of repositories only; on the site its text remains.
+s/\[([^]]*)\]\(#[^)]*\)/\1/g
+
 # The code spans of a line, each between two marks.
 s/`([^`]*)`/\x01\1\x02/g
 
