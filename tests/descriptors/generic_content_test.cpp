@@ -230,5 +230,29 @@ TEST(Element, DepthCostsNoStackAndIsBounded) {
   root = nullptr;  // which must not recurse
 }
 
+// New children and attributes take the namespace that the element had when it was made, whatever it has now, and whether
+// it was looked at before or not.
+TEST(Element, KeepsTheNamespaceOfItsCollections) {
+  CXmlDocument document;
+  document.LoadXml("<p:r xmlns:p='urn:p'/>");
+  for (bool const isLookedAt : {false, true}) {
+    CSmartPtr<CElement> const renamed(new CElement("r", "urn:a", "##any", ""));
+    CSmartPtr<CElement> const copied(new CElement("r"));
+    for (auto const& element : {renamed, copied}) {
+      EXPECT_FALSE(isLookedAt && element->GetElements()->GetCount() + element->GetAttributes()->GetCount() != 0);
+    }
+    renamed->SetNamespace("urn:b");
+    copied->CopyXmlElement(document.GetDocumentElement());
+    for (auto const& element : {renamed, renamed->Clone()}) {
+      EXPECT_EQ("urn:a", element->GetElements()->Add("c")->GetNamespace());
+      EXPECT_EQ("urn:a", element->GetAttributes()->Add("c")->GetNamespace());
+    }
+    for (auto const& element : {copied, copied->Clone()}) {
+      EXPECT_EQ("##any", element->GetElements()->Add("c")->GetNamespace());
+      EXPECT_EQ("", element->GetAttributes()->Add("c")->GetNamespace());
+    }
+  }
+}
+
 }  // namespace
 }  // namespace Quillon9

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -257,6 +258,19 @@ TEST(Limits, HoldForTheObjectsThatAreMadeFromATree) {
     EXPECT_NE(std::string::npos, failure.find("\nThe content of the document exceeds the limit of 100000 bytes"))
         << row.what;
   }
+}
+
+// An element that a program took out of a tree may be read when the document, which counts, is gone.
+TEST(Limits, DoNotOutliveTheDocument) {
+  Limits const restored;
+  auto document = std::make_unique<CXmlDocument>();
+  Load(*document, "<r><a><b/></a></r>");
+  std::unique_ptr<CXmlElement> const detached(document->GetDocumentElement()->RemoveLastChildElement());
+  document.reset();
+  CLimits::SetMaxContentSize(0);
+  CSmartPtr<CElement> const copy(new CElement("r"));
+  copy->CopyXmlElement(detached.get());
+  EXPECT_EQ("<a><b/></a>", copy->ToXml(false, false));
 }
 
 TEST(Limits, RefuseDocumentTypes) {
