@@ -146,8 +146,6 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
     WriteNamespaceAttributes();
     leading = 0;
   }
-  // The element around it may have been given a namespace meanwhile.
-  if (m_pendingElement->m_inherits) m_pendingElement->FollowParent();
   NameOfPending(leading);
   m_context = std::exchange(m_pendingElement, nullptr);
 }

@@ -1,20 +1,31 @@
 #include "xmlio/namespace_scope.h"
 
+#include <utility>
+
 #include "quillon9/xmlio/writer.h"
 #include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 
-CNamespaceScope::CNamespaceScope(Map const& bindings) : m_outer(nullptr), m_own(bindings) {
+CNamespaceScope::CNamespaceScope(std::string const& defaultNamespace, Map const& bindings)
+    : m_defaultNamespace(defaultNamespace), m_own(bindings), m_isWhole(true) {
   for (auto const& binding : m_own) m_prefixes.insert(binding.second);
 }
 
-CNamespaceScope::CNamespaceScope(CNamespaceScope const* outer)
-    : m_outer(outer), m_nextGenerated(outer->m_nextGenerated), m_isChanged(outer->m_isChanged) {}
+CNamespaceScope::CNamespaceScope(std::shared_ptr<CNamespaceScope> outer)
+    : m_outer(std::move(outer)),
+      m_defaultNamespace(m_outer->m_defaultNamespace),
+      m_isWhole(false),
+      m_nextGenerated(m_outer->m_nextGenerated),
+      m_isChanged(m_outer->m_isChanged) {}
+
+CNamespaceScope::~CNamespaceScope() {
+  while (m_outer.use_count() == 1) m_outer = std::shared_ptr<CNamespaceScope>(std::move(m_outer->m_outer));
+}
 
 std::string const* CNamespaceScope::Find(std::string const& uri) const {
   if (m_lastFound != nullptr && IsSameText(m_lastFound->first, uri)) return &m_lastFound->second;
-  for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer) {
+  for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer.get()) {
     auto const found = scope->m_own.find(uri);
     if (found == scope->m_own.end()) continue;
     m_lastFound = &*found;
@@ -25,10 +36,9 @@ std::string const* CNamespaceScope::Find(std::string const& uri) const {
 
 void CNamespaceScope::Bind(std::string const& uri, std::string const& prefix) {
   if (Find(uri) != nullptr) m_isChanged = true;
-  m_all.reset();
-  m_lastFound = nullptr;
-  m_own[uri] = prefix;
   m_prefixes.insert(prefix);
+  m_own[uri] = prefix;
+  m_lastFound = nullptr;
 }
 
 std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
@@ -40,28 +50,25 @@ std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
       prefix = CXmlWriter::NsIntToString(static_cast<int>(m_nextGenerated++));
     } while (IsReservedPrefix(prefix) || IsTaken(prefix));
   }
-  m_all.reset();
   m_prefixes.insert(prefix);
   return m_own[uri] = prefix;
 }
 
 bool CNamespaceScope::IsTaken(std::string const& prefix) const {
-  for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer) {
+  for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer.get()) {
     if (scope->m_prefixes.count(prefix) != 0) return true;
   }
   return false;
 }
 
-CNamespaceScope::Map const& CNamespaceScope::All() const {
-  if (m_outer == nullptr) return m_own;
-  if (m_all == nullptr) {
-    auto all = std::make_unique<Map>(m_own);
-    for (CNamespaceScope const* scope = m_outer; scope != nullptr; scope = scope->m_outer) {
-      all->insert(scope->m_own.begin(), scope->m_own.end());  // what is nearer stays
+CNamespaceScope::Map const& CNamespaceScope::All() {
+  if (!m_isWhole) {
+    for (CNamespaceScope const* scope = m_outer.get(); scope != nullptr; scope = scope->m_outer.get()) {
+      m_own.insert(scope->m_own.begin(), scope->m_own.end());  // what is nearer stays
     }
-    m_all = std::move(all);
+    m_isWhole = true;
   }
-  return *m_all;
+  return m_own;
 }
 
 // The caller may change the value at any time, which nothing here can follow.
@@ -69,7 +76,6 @@ std::string& CNamespaceScope::At(std::string const& uri) {
   std::string const* const known = Find(uri);
   auto const entry = m_own.emplace(uri, known != nullptr ? *known : std::string());
   m_isChanged = true;
-  m_all.reset();
   m_lastFound = nullptr;
   return entry.first->second;
 }

@@ -55,8 +55,9 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_namespace(namespaceUri),
       m_elementName(localName),
       m_parent(parent),
-      m_scopeOwner(parent->m_scopeOwner),
-      m_inherits(true) {}
+      m_inherits(true) {
+  Follow(*parent);
+}
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
                                                  std::string const& defaultNamespace,
@@ -65,13 +66,14 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
     : m_namespace(namespaceUri),
       m_elementName(localName),
       m_parent(parent),
-      m_defaultNamespace(defaultNamespace),
-      m_ownScope(new CNamespaceScope(map)),
-      m_scopeOwner(this),
       m_inherits(false),
+      m_scopeOwner(this),
+      m_scope(std::make_shared<CNamespaceScope>(defaultNamespace, map)),
       m_scopeState(NextState()) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
+  LeaveFollowers();
+  StopFollowing();
   // A loop: how deep the chain is, the document decides.
   for (CXmlWriterContext* context = m_parent; context != nullptr;) {
     CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
@@ -95,18 +97,87 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
     m_numberedState = 0;
   }
   m_parent = parent;
-  m_scopeOwner = parent->m_scopeOwner;
+  Follow(*parent);
 }
 
-void CXmlWriter::CXmlWriterContext::TakeOwnScope() {
-  if (!m_inherits) return;
-  std::string defaultNamespace = GetDefaultNamespace();
-  m_isLoose = m_scopeOwner->m_isLoose;
-  m_ownScope = std::make_unique<CNamespaceScope>(m_scopeOwner->m_ownScope.get());
-  m_scopeOwner = this;
-  m_defaultNamespace = std::move(defaultNamespace);
-  m_scopeState = NextState();
+void CXmlWriter::CXmlWriterContext::Follow(CXmlWriterContext& context) {
+  m_followed = &context;
+  m_scopeOwner = context.m_scopeOwner;
+  m_nextFollower = context.m_firstFollower;
+  m_place = &context.m_firstFollower;
+  if (m_nextFollower != nullptr) m_nextFollower->m_place = &m_nextFollower;
+  *m_place = this;
+}
+
+void CXmlWriter::CXmlWriterContext::StopFollowing() {
+  if (m_followed == nullptr) return;
+  m_followed = nullptr;
+  *m_place = m_nextFollower;
+  if (m_nextFollower != nullptr) m_nextFollower->m_place = m_place;
+}
+
+// Their links to this context, which dies, were cleared. Allocates nothing.
+void CXmlWriter::CXmlWriterContext::LeaveFollowers() {
+  m_isLoose = false;  // references to the bindings die with this context
+  while (m_firstFollower != nullptr) {
+    CXmlWriterContext& follower = *m_firstFollower;
+    if (m_followed == nullptr) {
+      follower.KeepScope();
+    } else {
+      follower.StopFollowing();
+      follower.Follow(*m_followed);
+    }
+  }
+}
+
+// Visits the followers, and the followers of those for which the visit gives true. A follower that is visited may leave
+// the list.
+template <class Visit>
+void CXmlWriter::CXmlWriterContext::ForEachFollower(Visit visit) {
+  CXmlWriterContext* at = m_firstFollower;
+  while (at != nullptr) {
+    CXmlWriterContext* next = at->m_nextFollower;
+    CXmlWriterContext* around = at->m_followed;
+    if (visit(*at) && at->m_firstFollower != nullptr) {
+      at = at->m_firstFollower;
+      continue;
+    }
+    for (; next == nullptr && around != this; around = around->m_followed) next = around->m_nextFollower;
+    at = next;
+  }
+}
+
+// Become the owner of a scope, with what is in force. A scope that others hold as well never changes, so it is shared;
+// unless somebody may have a reference to one of its bindings.
+void CXmlWriter::CXmlWriterContext::KeepScope() {
+  if (m_scopeOwner == this) return;
+  CXmlWriterContext const& owner = *m_scopeOwner;
+  m_scope = owner.m_isLoose
+                ? std::make_shared<CNamespaceScope>(owner.m_scope->GetDefaultNamespace(), owner.m_scope->All())
+                : owner.m_scope;
+  m_scopeState = owner.m_isLoose ? NextState() : owner.m_scopeState;
+  m_isLoose = false;
   m_inherits = false;
+  m_scopeOwner = this;
+  StopFollowing();
+  ForEachFollower([this](CXmlWriterContext& follower) {
+    follower.m_scopeOwner = this;
+    return true;
+  });
+}
+
+// A scope of this context that nobody else holds, and that is about to change. Those whose link was cleared since they
+// began to follow keep what is in force.
+CNamespaceScope& CXmlWriter::CXmlWriterContext::ScopeToChange() {
+  ForEachFollower([](CXmlWriterContext& follower) {
+    bool const isLinked = follower.IsLinked();
+    if (!isLinked) follower.KeepScope();
+    return isLinked;
+  });
+  KeepScope();
+  if (m_scope.use_count() > 1) m_scope = std::make_shared<CNamespaceScope>(m_scope);
+  m_scopeState = NextState();  // first: a failure may come after the change
+  return *m_scope;
 }
 
 // Remembered from the start of the element for its end, and for the next element that takes this context over.
@@ -115,35 +186,36 @@ void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
   m_comparedState = m_scopeOwner->m_scopeState;
 }
 
+std::string const& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const {
+  return m_scopeOwner->m_scope->GetDefaultNamespace();
+}
+
 std::map<std::string, std::string> const& CXmlWriter::CXmlWriterContext::GetNamespaceMap() const {
-  return m_scopeOwner->m_ownScope->All();
+  return m_scopeOwner->m_scope->All();
 }
 
 std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& uri) const {
-  return m_scopeOwner->m_ownScope->Find(uri);
+  return m_scopeOwner->m_scope->Find(uri);
 }
 
 std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
-  m_scopeOwner->m_isLoose = true;
-  return m_scopeOwner->m_ownScope->At(uri);
+  CXmlWriterContext* owner = this;
+  while (owner->IsLinked()) owner = owner->m_followed;
+  CNamespaceScope& scope = owner->ScopeToChange();
+  owner->m_isLoose = true;
+  return scope.At(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
-  TakeOwnScope();
-  m_defaultNamespace = uri;
-  m_scopeState = NextState();
+  ScopeToChange().SetDefaultNamespace(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
-  TakeOwnScope();
-  m_scopeState = NextState();  // first: a failure may come after the change
-  m_scopeOwner->m_ownScope->Bind(uri, prefix);
+  ScopeToChange().Bind(uri, prefix);
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {
-  TakeOwnScope();
-  m_scopeState = NextState();
-  return m_scopeOwner->m_ownScope->BindToGenerated(uri);
+  return ScopeToChange().BindToGenerated(uri);
 }
 
 CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }
@@ -220,9 +292,13 @@ CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localNa
 // An element that bound nothing leaves its context to the next one: a third of the speed of writing.
 void CXmlWriter::PopContext() {
   CXmlWriterContext* const context = std::exchange(m_context, m_context->m_parent);
-  bool const isReusable = context->m_inherits;
-  context->m_parent = isReusable ? std::exchange(m_spare, context) : nullptr;
-  if (!isReusable) delete context;
+  if (context->m_followed != nullptr && context->m_firstFollower == nullptr) {
+    context->StopFollowing();
+    context->m_parent = std::exchange(m_spare, context);
+    return;
+  }
+  context->m_parent = nullptr;
+  delete context;
 }
 
 void CXmlWriter::RequireOpenTag() const {

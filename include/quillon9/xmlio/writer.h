@@ -115,8 +115,10 @@ class QUILLON9_API CXmlWriter {
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
-/// context shares the bindings of its parent until it changes one; then it gets a copy of its own. Belongs to its
-/// writer; the members are for concrete writers.
+/// context shares the bindings of its parent, later changes included, until it changes one itself; then it has a copy of
+/// its own. When the link to its parent is cleared it keeps the bindings of that moment, whatever becomes of the parent.
+/// Another parent in its place does not bring other bindings. Belongs to its writer and one thread; the members are for
+/// concrete writers.
 class QUILLON9_API CXmlWriter::CXmlWriterContext {
  public:
   /// An element inside \p parent, which must not be null and which this context owns while linked to it.
@@ -125,53 +127,46 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// owned.
   CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, std::string const& defaultNamespace,
                     std::map<std::string, std::string> const& map, CXmlWriterContext* parent);
-  /// Delete the whole chain of parents, however deep, and the own map. A writer clears the link to a parent that
-  /// shall live.
+  /// Delete the whole chain of parents, however deep. A writer clears the link to a parent that shall live.
   virtual ~CXmlWriterContext();
   CXmlWriterContext(CXmlWriterContext const&) = delete;
   CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
 
-  /// The default namespace in force, empty for none.
-  std::string const& GetDefaultNamespace() const { return m_scopeOwner->m_defaultNamespace; }
+  /// The default namespace in force, empty for none. Valid until the next change of bindings, here or around.
+  std::string const& GetDefaultNamespace() const;
   /// Whether the element is in no namespace or in the default one in force, and so needs no prefix.
   bool NeedsNoPrefix() const {
     if (m_comparedState != m_scopeOwner->m_scopeState) CompareWithDefault();
     return m_needsNoPrefix;
   }
-  /// The bindings in force, URI to prefix.
+  /// The bindings in force, URI to prefix. Valid until the next change of bindings, here or around.
   std::map<std::string, std::string> const& GetNamespaceMap() const;
-  /// The prefix of \p uri in the bindings in force, or null. Valid until \p uri is bound anew. Cheaper than a look into
-  /// GetNamespaceMap(), which is put together when it is asked for.
+  /// The prefix of \p uri in the bindings in force, or null. Valid until the next change of bindings, here or around.
+  /// Cheaper than a look into GetNamespaceMap(), which is put together when it is asked for.
   std::string const* FindPrefix(std::string const& uri) const;
   /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers other than 0
-  /// mean the same ones, as long as nobody changes those of an element around one with bindings of its own. 0 where a
-  /// caller of GetNamespaceMapValue() may change them unseen.
+  /// mean the same ones. 0 where a caller of GetNamespaceMapValue() may change them unseen.
   std::uint64_t GetScopeState() const { return m_scopeOwner->m_isLoose ? 0 : m_scopeOwner->m_scopeState; }
-  /// Share the bindings of the parent again, which got some of its own after this context was made. For a context that
-  /// inherits.
-  void FollowParent() { m_scopeOwner = m_parent->m_scopeOwner; }
   /// Set the default namespace for this element and what is inside it.
   void SetDefaultNamespace(std::string const& uri);
   /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
   void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
   /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
-  /// look into GetNamespaceMap() first. What is changed here counts for names that are written from then on.
+  /// look into GetNamespaceMap() first. What is changed here counts for names that are written from then on, inside
+  /// elements without bindings of their own as well.
   ///@{
   std::string& GetNamespaceMapValue(std::string const& uri);
   std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
   ///@}
 
-  unsigned long m_childCount = 0;               ///< child elements started inside this element
-  bool m_tagOpen = true;                        ///< attributes may still come
-  std::uint32_t m_depth = 0;                    ///< 0 for the document element
-  std::string m_namespace;                      ///< URI of this element
-  std::string m_elementName;                    ///< local name of this element
-  CXmlWriterContext* m_parent;                  ///< enclosing element, owned while linked
-  bool m_attributesWritten = false;             ///< for formats that close a list of attributes
-  std::string m_defaultNamespace;               ///< meaningful only when not inheriting
-  std::unique_ptr<CNamespaceScope> m_ownScope;  ///< null as long as this element bound nothing
-  CXmlWriterContext* m_scopeOwner;              ///< the nearest context, this one included, with a scope of its own
-  bool m_inherits;                              ///< default namespace and bindings are those of the parent
+  unsigned long m_childCount = 0;    ///< child elements started inside this element
+  bool m_tagOpen = true;             ///< attributes may still come
+  std::uint32_t m_depth = 0;         ///< 0 for the document element
+  std::string m_namespace;           ///< URI of this element
+  std::string m_elementName;         ///< local name of this element
+  CXmlWriterContext* m_parent;       ///< enclosing element, owned while linked
+  bool m_attributesWritten = false;  ///< for formats that close a list of attributes
+  bool m_inherits;                   ///< default namespace and bindings are those of the parent
   /// For formats that number names: the GetScopeState() with which the element had this number; 0 for never. The next
   /// element that takes this context over keeps it if it has the same name.
   ///@{
@@ -180,18 +175,37 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   ///@}
 
  private:
-  void TakeOwnScope();
-  std::string const& BindToGenerated(std::string const& uri);
-  /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing.
-  void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
-  void CompareWithDefault() const;
   friend class CXmlWriter;
 
-  /// Of a context with a scope of its own: a number that changes with the default namespace and the bindings, and that
-  /// no other has.
+  /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing and follows
+  /// nobody.
+  void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
+  void Follow(CXmlWriterContext& context);
+  void StopFollowing();
+  void LeaveFollowers();
+  template <class Visit>
+  void ForEachFollower(Visit visit);
+  bool IsLinked() const { return m_followed != nullptr && m_followed == m_parent; }
+  void KeepScope();
+  CNamespaceScope& ScopeToChange();
+  std::string const& BindToGenerated(std::string const& uri);
+  void CompareWithDefault() const;
+
+  /// A context without bindings of its own follows the one around it and is in the list of its followers, so that a
+  /// change reaches it at once. The owner of the scope is the first one in a row of followed contexts, which follows
+  /// none: itself, for a context with bindings of its own.
+  ///@{
+  CXmlWriterContext* m_scopeOwner;
+  CXmlWriterContext* m_followed = nullptr;
+  CXmlWriterContext* m_firstFollower = nullptr;
+  CXmlWriterContext* m_nextFollower = nullptr;  // of m_followed
+  CXmlWriterContext** m_place = nullptr;        // what points to this one in the list of followers
+  ///@}
+  std::shared_ptr<CNamespaceScope> m_scope;  ///< of an owner, else null
+  /// Of an owner: a number that changes with the default namespace and the bindings, and that no others have.
   std::uint64_t m_scopeState = 0;
-  bool m_isLoose = false;  ///< of such a context: a binding was handed out for changes, here or earlier around
-  /// The one of the scope in force when the namespace of this element was compared with the default; 0 for never.
+  bool m_isLoose = false;  ///< of an owner: a binding was handed out for changes
+  /// The number of the scope in force when the namespace of this element was compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
 };
