@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "binding/deferred_release.h"
+#include "binding/node_place.h"
 #include "quillon9/binding/exceptions.h"
 
 namespace Quillon9 {
@@ -127,7 +128,7 @@ void CXmlCollection::Clear() {
   }
 }
 
-void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index)); }
+void CXmlCollection::Remove(int index) { RemoveNode(GetNodeAtIndex(index), index); }
 
 void CXmlCollection::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   for (CNode const* node = m_head; node != nullptr; node = node->m_next) {
@@ -164,6 +165,16 @@ void CXmlCollection::AddItemAt(int index, CXmlObjectBase* item) {
   FinishAdd(GetNodeAtIndex(index), item);
 }
 
+namespace {
+
+CNode* Walk(CNode* node, int distance) {
+  for (; distance > 0; --distance) node = node->m_next;
+  for (; distance < 0; ++distance) node = node->m_prev;
+  return node;
+}
+
+}  // namespace
+
 CNode* CXmlCollection::GetNodeAtIndex(int index) const {
   if (index < 0 || index >= m_count) {
     throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, m_count));
@@ -172,14 +183,16 @@ CNode* CXmlCollection::GetNodeAtIndex(int index) const {
   bool const isNearTail = index > m_count / 2;
   CNode* node = isNearTail ? m_tail : m_head;
   int at = isNearTail ? m_count - 1 : 0;
-  if (m_lastNode != nullptr && std::abs(index - m_lastIndex) < std::abs(index - at)) {
-    node = m_lastNode;
-    at = m_lastIndex;
+  NodePlace const last(m_lastPlace.load(std::memory_order_relaxed));
+  if (last.Node() != nullptr && std::abs(index - last.Index()) < std::abs(index - at)) {
+    node = last.Node();
+    at = last.Index();
   }
-  for (; at < index; ++at) node = node->m_next;
-  for (; at > index; --at) node = node->m_prev;
-  m_lastNode = node;
-  m_lastIndex = index;
+  node = Walk(node, index - at);
+  int const step = NodePlace::Step(index);
+  if (last.Node() == nullptr || step != last.Index()) {
+    m_lastPlace.store(NodePlace(Walk(node, step - index), step).Word(), std::memory_order_relaxed);
+  }
   return node;
 }
 
@@ -191,9 +204,12 @@ CNode* CXmlCollection::GetNodeForItem(CXmlObjectBase const* item) const {
   throw CQnInvalidParamException("The object was not found in the collection");
 }
 
-void CXmlCollection::RemoveNode(CNode* node) {
+void CXmlCollection::RemoveNode(CNode* node) { RemoveNode(node, -1); }
+
+// At index, or anywhere for -1.
+void CXmlCollection::RemoveNode(CNode* node, int index) {
   if (HasListeners()) AnnounceRemoval(node);
-  Unlink(node);
+  Unlink(node, index);
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
 }
@@ -211,7 +227,7 @@ void CXmlCollection::AnnounceRemoval(CNode const* node) {
 // it: a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
   auto* const node = new (m_nodes.Take()) CNode(item);
-  if (next != nullptr) m_lastNode = nullptr;
+  if (next != nullptr) m_lastPlace.store(0, std::memory_order_relaxed);
   node->m_next = next;
   node->m_prev = next != nullptr ? next->m_prev : m_tail;
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node;
@@ -227,13 +243,20 @@ bool CXmlCollection::HoldsNode(CNode const* node) const {
   return held != nullptr;
 }
 
-// The count is right before the item goes, whose destructor may ask for it.
-void CXmlCollection::Unlink(CNode* node) {
+// The count is right before the item goes, whose destructor may ask for it. What was remembered stays if the node comes
+// after it, and goes on to the next node if it is the node itself, so that removing at one index again and again takes
+// linear time.
+void CXmlCollection::Unlink(CNode* node, int index) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;
   --m_count;
   ++m_removals;
-  m_lastNode = node == m_lastNode ? node->m_next : nullptr;
+  NodePlace const last(m_lastPlace.load(std::memory_order_relaxed));
+  if (node == last.Node()) {
+    m_lastPlace.store(NodePlace(node->m_next, last.Index()).Word(), std::memory_order_relaxed);
+  } else if (index <= last.Index()) {
+    m_lastPlace.store(0, std::memory_order_relaxed);
+  }
   node->~CNode();
   m_nodes.Give(node);
 }

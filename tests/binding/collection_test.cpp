@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <random>
 #include <stdexcept>
 #include <vector>
@@ -95,6 +96,36 @@ TEST_F(CollectionTest, ManyItemsByIndex) {
   int found = 0;
   for (int i = 0; i < kMany; ++i) found += list.Item(i) == a.Get() ? 1 : 0;  // not the square
   EXPECT_EQ(kMany / 2, found);
+  for (int i = kMany / 2; i < kMany; ++i) list.Remove(kMany / 2);
+  EXPECT_EQ(b.Get(), list.Item(kMany / 2 - 1));
+}
+
+// So many that not every index can be remembered.
+TEST_F(CollectionTest, ManyItemsByIndexAmongChanges) {
+  DynamicCollection list(m_shape, "item", 0, -1);
+  std::vector<CXmlObjectBase*> expected;
+  CXmlObjectBase* const items[] = {a.Get(), b.Get(), c.Get()};
+  std::mt19937 random(1);
+  for (int i = 0; i < 70000; ++i) list.AppendItem(expected.emplace_back(items[random() % 3]));
+  for (int step = 0, index = 0; step < 3000; ++step) {
+    // Mostly near the last index, where what is remembered counts.
+    index = static_cast<int>(random() % 8 != 0 ? static_cast<unsigned>(index) + random() % 90 : random());
+    index = std::abs(index) % list.GetCount();
+    auto const at = expected.begin() + index;
+    ASSERT_EQ(*at, list.Item(index)) << step;
+    switch (random() % 6) {
+      case 0:
+        list.AddItemAt(index, items[step % 3]);
+        expected.insert(at, items[step % 3]);
+        break;
+      case 1:
+      case 2:
+        list.Remove(index);
+        expected.erase(at);
+        break;
+      default: break;
+    }
+  }
 }
 
 TEST_F(CollectionTest, FiresBeforeAfterAndChange) {

@@ -4,10 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <exception>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "dynamic_class.h"
 #include "expect_failure.h"
 #include "octets.h"
 #include "orders.h"
@@ -17,6 +22,7 @@ namespace Quillon9 {
 namespace {
 
 using namespace Testing;
+using namespace Quillon9Data;
 using Orders::CPurchaseOrderType;
 
 constexpr std::size_t kThreads = 8;
@@ -98,6 +104,120 @@ TEST(Threads, HoldersOfBytes) {
     ASSERT_EQ(bytes, Bytes(own));
     own.Append("x");  // the last one to do so has the holder for itself
     own.Clear();
+  });
+}
+
+/// A collection that is written by index, which a generated class may do.
+class IndexedCollection : public DynamicCollection {
+ public:
+  using DynamicCollection::DynamicCollection;
+
+ protected:
+  void ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx, bool) const override {
+    for (int i = 0; i < GetCount(); ++i) CXmlObjectBase::ToXml_Int(Item(i), writer, false, ns, ctx, false);
+  }
+};
+
+template <class Collection>
+CSmartPtr<Collection> NewValues(char const* name, std::initializer_list<char const*> texts) {
+  CSmartPtr<Collection> values(new Collection(name, "", 0, -1, "", -1, -1, "", "", "", "", -1,
+                                              CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+  for (char const* const text : texts) values->AddFromString(text);
+  return values;
+}
+
+/// Members of every kind.
+class SharedGraph {
+ public:
+  SharedGraph() {
+    m_root->With(0, m_items.Get());
+    for (int i = 0; i < 300; ++i) {
+      CSmartPtr<DynamicClass> const item(new DynamicClass(m_itemShape, "item"));
+      m_items->Add(item->With(0, ("i" + std::to_string(i)).c_str()).With(1, std::int32_t{i}).GetBase());
+    }
+    int index = 1;
+    for (CSmartPtr<CXmlTypeCollection> const& values : m_values) m_root->With(index++, values.Get());
+    m_generic->GetAttributes()->Add("a", "1", "urn:attribute");
+    m_generic->GetElements()->Add("child", "urn:child")->SetText("<text> of a child");
+    m_root->With(10, m_generic.Get());
+    m_root->m_properties[11].SetHexBinary(CBinaryData("octets"));
+    m_root->m_properties[12].SetBase64Binary(CBinaryData("more octets"));
+    m_root->m_properties[13].SetDecimal(CDecimal("-12345678901234567890.5"));
+    m_root->m_properties[14].SetDateTime(CDateTime("2024-03-18T12:34:56Z"));
+    m_root->m_properties[15].SetInteger(CBigInteger("123456789012345678901234567890"));
+    m_root->m_properties[16].SetR8(0.1);
+  }
+
+  DynamicClass const& Root() const { return *m_root; }
+  DynamicCollection const& Items() const { return *m_items; }
+
+ private:
+  Shape m_itemShape{{}, {Prim<CElementInfoSeqPrimMnd>("text", 0)}, {Attribute("number", 1, true, ItemType_i4)}};
+  Shape m_shape{
+      {},
+      {new CElementInfoSeqClsCol("item", "", 0, XmlElementType_Element), new CElementInfoSeqPrimCol("decimal", "", 1),
+       new CElementInfoSeqPrimCol("date", "", 2), new CElementInfoSeqPrimCol("octets", "", 3),
+       new CElementInfoSeqPrimCol("text", "", 4), new CElementInfoSeqUntpdOpt("generic", "", 10, "##any", ""),
+       Prim<CElementInfoSeqPrimMnd>("hex", 11, ItemType_hexBinary),
+       Prim<CElementInfoSeqPrimMnd>("base64", 12, ItemType_base64Binary),
+       Prim<CElementInfoSeqPrimMnd>("decimal", 13, ItemType_decimal),
+       Prim<CElementInfoSeqPrimMnd>("time", 14, ItemType_datetime),
+       Prim<CElementInfoSeqPrimMnd>("integer", 15, ItemType_integer),
+       Prim<CElementInfoSeqPrimMnd>("double", 16, ItemType_r8)}};
+  CSmartPtr<DynamicClass> m_root{new DynamicClass(m_shape)};
+  CSmartPtr<DynamicCollection> m_items{new IndexedCollection(m_itemShape, "item", 0, -1)};
+  std::vector<CSmartPtr<CXmlTypeCollection>> m_values{
+      NewValues<CdecimalCol>("decimal", {"1.50", "-0.25"}), NewValues<CdateCol>("date", {"2024-03-18"}),
+      NewValues<Cbase64BinaryCol>("octets", {"AQID", "BAUG"}), NewValues<CstringCol>("text", {"a", "b&c"})};
+  CSmartPtr<CElement> m_generic{new CElement("generic", "urn:generic")};
+};
+
+std::string FileContents(std::string const& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+TEST(Threads, WriteOneGraph) {
+  SharedGraph const graph;
+  DynamicClass const& root = graph.Root();
+  CXmlSerializationContext options;
+  options.GetAdditionalRootAttributes()->Add("b", "2", "urn:attribute");
+  options.GetNamespaceAliases()->Add("g", "urn:generic");
+  options.GetFIContext()->SetUseGeneratedVocabulary(true);
+  CXmlSerializationContext const& ctx = options;
+  std::string const path = testing::TempDir() + "threads_test_";
+  std::vector<std::string> texts(kThreads);
+  InThreads([&](std::size_t thread) {
+    std::string const own = path + std::to_string(thread);
+    for (int round = 0; round < 5; ++round) {
+      root.ToXmlFile(own.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, ctx);
+      texts[thread] = FileContents(own) + root.ToXml(true, false, EOLType_CRLF, ctx) +
+                      Bytes(root.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx, CompressionType_GZip)) +
+                      Bytes(root.ToFastInfosetStream(FInfoDecl_None, ctx));
+      int numbers = 0;
+      for (int i = 0; i < graph.Items().GetCount(); ++i) {
+        auto const* const item = static_cast<DynamicClass const*>(graph.Items().Item(i));
+        numbers += item->m_properties.at(1).GetI4() == i ? 1 : 0;
+      }
+      ASSERT_EQ(graph.Items().GetCount(), numbers);
+    }
+  });
+  ExpectAllEqual(texts);
+  EXPECT_NE(std::string::npos, texts[0].find("<text>i299</text>"));
+}
+
+TEST(Threads, ThrowOneFailure) {
+  struct Failing : DynamicClass {
+    using DynamicClass::DynamicClass;
+    void AccessProperty(int, bool, QnVariant&) override { std::rethrow_exception(m_failure); }
+    std::exception_ptr m_failure = std::make_exception_ptr(CQnException("cause", CQnOverFlowException("deep")));
+  };
+  Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("e", 0)});
+  Failing const object(shape);
+  InThreads([&](std::size_t) {
+    for (int round = 0; round < 200; ++round) {
+      EXPECT_FAILURE(CQnValidationException, "Failed to convert the element [root] to XML\ncause\ndeep", object.Text());
+    }
   });
 }
 

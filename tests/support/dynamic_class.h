@@ -51,10 +51,10 @@ class DynamicClass : public CXmlGeneratedClass {
   std::string GetTargetNamespace() const override { return m_targetNamespace; }
   std::string GetNamespace() const override { return m_targetNamespace; }
   void AccessProperty(int index, bool read, QnVariant& value) override {
-    if (read) {
-      value = m_properties[index];
-    } else {
+    if (!read) {
       m_properties[index] = value;
+    } else if (auto const property = m_properties.find(index); property != m_properties.end()) {
+      value = property->second;
     }
   }
   Quillon9Data::CParentElementInfo* GetClassInfo() const override { return m_shape.m_info; }

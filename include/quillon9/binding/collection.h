@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -164,15 +165,16 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   void FinishAdd(CNode* next, CXmlObjectBase* item);
   void AnnounceRemoval(CNode const* node);
   bool HoldsNode(CNode const* node) const;
-  void Unlink(CNode* node);
+  void RemoveNode(CNode* node, int index);
+  void Unlink(CNode* node, int index = -1);
 
   CNodePool m_nodes;
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
-  std::uint64_t m_removals = 0;         // so far
-  mutable CNode* m_lastNode = nullptr;  // what GetNodeAtIndex() gave last, at m_lastIndex, while that holds
-  mutable int m_lastIndex = 0;
+  std::uint64_t m_removals = 0;  // so far
+  /// Where GetNodeAtIndex() was last, as a NodePlace, while that holds. Any number of threads may look at the same time.
+  mutable std::atomic<std::uint64_t> m_lastPlace{0};
 };
 
 }  // namespace Quillon9
