@@ -195,7 +195,7 @@ TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
       EXPECT_EQ(Normalized(algorithm, text), read) << algorithm << " [" << text << "]";
     }
   }
-  for (int const algorithm : {1, 2, 3, 4, 5, 6, 8, 9}) EXPECT_LT(1, written[algorithm]) << algorithm;
+  for (std::size_t const algorithm : {1, 2, 3, 4, 5, 6, 8, 9}) EXPECT_LT(1, written[algorithm]) << algorithm;
 }
 
 TEST(EncodingAlgorithms, TextMayLieInTheOldBytes) {
