@@ -168,7 +168,7 @@ TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
                                     "1e400",
                                     "00112233-4455-6677-8899-aabbccddeeff",
                                     "{00112233445566778899aabbccddeeff}"};
-  for (std::size_t digits : {2, 30, 31, 32, 33, 34, 62, 64, 66, 96}) {
+  for (std::size_t digits : {2U, 30U, 31U, 32U, 33U, 34U, 62U, 64U, 66U, 96U}) {
     texts.push_back(std::string(digits, 'a'));
     texts.push_back(std::string(digits - 1, '7') + 'F');
   }
@@ -195,7 +195,7 @@ TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
       EXPECT_EQ(Normalized(algorithm, text), read) << algorithm << " [" << text << "]";
     }
   }
-  for (std::size_t const algorithm : {1, 2, 3, 4, 5, 6, 8, 9}) EXPECT_LT(1, written[algorithm]) << algorithm;
+  for (std::size_t const algorithm : {1U, 2U, 3U, 4U, 5U, 6U, 8U, 9U}) EXPECT_LT(1, written[algorithm]) << algorithm;
 }
 
 TEST(EncodingAlgorithms, TextMayLieInTheOldBytes) {
