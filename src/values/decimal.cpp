@@ -152,9 +152,22 @@ bool CDecimal::AppendZeros(int divider) {
   return true;
 }
 
+// False when the digits do not become fewer, for a fraction that rounds up to one, and for a negative zero: its fraction
+// becomes positive.
+bool CDecimal::RoundShort(int divider) {
+  if (divider >= m_divider || (m_units == 0 && m_sign < 0)) return false;
+  std::uint64_t const dropped = PowerOf10(m_divider - divider);
+  std::uint64_t const kept = PowerOf10(divider);
+  std::uint64_t units = m_units / dropped;
+  if (m_units % dropped > dropped / 2) ++units;
+  if (divider != 0 && units != m_units / dropped && units % kept == 0) return false;
+  SetShort(m_sign, units, divider);
+  return true;
+}
+
 void CDecimal::ChangeFractionalDivider(int divider) {
   CheckDivider(divider, 0);
-  if (m_parts == nullptr && AppendZeros(divider)) return;
+  if (m_parts == nullptr && (AppendZeros(divider) || RoundShort(divider))) return;
   CDecimalParts changed = MakeParts();
   changed.SetDivider(static_cast<std::size_t>(divider));
   Hold(std::move(changed));
@@ -188,6 +201,49 @@ bool CDecimal::AddShort(CDecimal const& a, CDecimal const& b) {
   return true;
 }
 
+// False when the product is too long. A whole product keeps all its zeros but one.
+bool CDecimal::MultiplyShort(CDecimal const& a, CDecimal const& b) {
+  std::int32_t const divider = a.m_divider + b.m_divider;
+  Wide const product = Wide{a.m_units} * b.m_units;
+  if (divider > kMostPower || product > kMostUnits) return false;
+  SetShort(product == 0 ? 1 : a.m_sign * b.m_sign, static_cast<std::uint64_t>(product), divider);
+  RationaliseShort();
+  if (m_units % PowerOf10(m_divider) != 0) return true;
+  return AppendZeros(std::max(2 * std::max(a.m_divider, b.m_divider) - 1, std::min(divider, 1)));
+}
+
+// Without the zeros at the end of the fraction. False when that is zero, or the value too long.
+bool CDecimal::SetExact(std::int32_t sign, std::uint64_t whole, std::uint64_t fraction, std::int32_t divider) {
+  if (fraction == 0) return false;
+  for (; fraction % 10 == 0; --divider) fraction /= 10;
+  Wide const units = Wide{whole} * PowerOf10(divider) + fraction;
+  if (units > kMostUnits) return false;
+  SetShort(sign, static_cast<std::uint64_t>(units), divider);
+  return true;
+}
+
+// False when the divisor is zero or too long. The remainder stays within 64 bits, and twice sixteen digits of the
+// fraction come from it: two more than are kept.
+bool CDecimal::DivideShort(CDecimal const& a, CDecimal const& b) {
+  static_assert(m_maxDivider + 2 == 2 * 16);
+  std::int32_t const divider = std::max(a.m_divider, b.m_divider);
+  Wide const divisor = Wide{b.m_units} * PowerOf10(divider - b.m_divider);
+  if (divisor == 0 || divisor > kMostUnits) return false;
+  Wide const dividend = Wide{a.m_units} * PowerOf10(divider - a.m_divider);
+  Wide const power = PowerOf10(16);
+  Wide const whole = dividend / divisor;
+  Wide const rest = dividend % divisor * power;
+  auto const high = static_cast<std::uint64_t>(rest / divisor);
+  Wide const low = rest % divisor * power / divisor;
+  std::int32_t const sign = whole == 0 && high == 0 && low == 0 ? 1 : a.m_sign * b.m_sign;
+  if (low == 0 && whole <= kMostUnits && SetExact(sign, static_cast<std::uint64_t>(whole), high, 16)) return true;
+  Wide const fraction = high * (power / 100) + low / 100;
+  CDecimalParts quotient(sign, whole, fraction + (low % 100 > 50 ? 1 : 0), m_maxDivider);
+  if (fraction != 0 && low % 100 == 0) quotient.Rationalise();
+  Hold(std::move(quotient));
+  return true;
+}
+
 CDecimal CDecimal::operator+(CDecimal const& other) const {
   CDecimal sum;
   if (IsShortWith(other) && sum.AddShort(*this, other)) return sum;
@@ -199,12 +255,14 @@ CDecimal CDecimal::operator-(CDecimal const& other) const { return *this + other
 
 CDecimal CDecimal::operator*(CDecimal const& other) const {
   CDecimal product;
+  if (IsShortWith(other) && product.MultiplyShort(*this, other)) return product;
   product.Hold(IsLongWith(other) ? m_parts->Times(*other.m_parts) : MakeParts().Times(other.MakeParts()));
   return product;
 }
 
 CDecimal CDecimal::operator/(CDecimal const& divisor) const {
   CDecimal quotient;
+  if (IsShortWith(divisor) && quotient.DivideShort(*this, divisor)) return quotient;
   quotient.Hold(IsLongWith(divisor) ? m_parts->Over(*divisor.m_parts) : MakeParts().Over(divisor.MakeParts()));
   return quotient;
 }

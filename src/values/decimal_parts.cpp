@@ -35,6 +35,12 @@ CDecimalParts::CDecimalParts(std::int32_t sign, std::uint64_t units, std::int32_
       m_fraction(sign, DigitsOf(units % PowerOf10(divider))),
       m_divider(divider) {}
 
+CDecimalParts::CDecimalParts(std::int32_t sign, Wide whole, Wide fraction, std::int32_t divider)
+    : m_whole(sign, Digits()), m_fraction(sign, Digits()), m_divider(divider) {
+  UnpackWide(whole, m_whole.m_digits);
+  UnpackWide(fraction, m_fraction.m_digits);
+}
+
 CDecimalParts::CDecimalParts(CBigInteger const& whole)
     : m_whole(whole), m_fraction(whole.IsZero() ? 1 : whole.m_sign, Digits(1, 0)) {}
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "quillon9/values/big_integer.h"
+#include "values/limbs.h"
 
 namespace Quillon9 {
 
@@ -18,6 +19,8 @@ struct CDecimalParts {
   CDecimalParts() = default;
   /// \p sign * \p units / 10^\p divider, which is at most kMostPower.
   CDecimalParts(std::int32_t sign, std::uint64_t units, std::int32_t divider);
+  /// Both parts of it, with \p sign.
+  CDecimalParts(std::int32_t sign, Wide whole, Wide fraction, std::int32_t divider);
   explicit CDecimalParts(CBigInteger const& whole);
   CDecimalParts(CBigInteger const& whole, CBigInteger const& fraction, std::int32_t divider);
   static CDecimalParts Parse(char const* text);

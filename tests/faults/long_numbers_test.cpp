@@ -84,5 +84,17 @@ TEST(LongNumbers, OnlyDigitsThatAreAskedForTakeMemory) {
   EXPECT_EQ("-15" + std::string(99998, '0'), value.ToString());
 }
 
+TEST(LongNumbers, ArithmeticOfShortDecimalsTakesNoMemory) {
+  CDecimal const a("-12345678.5");
+  CDecimal const b("1234567.25");
+  std::size_t const before = CountBytesTaken();
+  CDecimal rounded = a * b;
+  rounded.ChangeFractionalDivider(2);
+  EXPECT_TRUE(rounded > a * b && (a - b) * CDecimal(2) == a * CDecimal(2) - b - b);
+  EXPECT_TRUE(a / CDecimal("0.008") == a * CDecimal(125));
+  EXPECT_EQ(before, CountBytesTaken());
+  EXPECT_EQ("-15241570355129.12", rounded.ToString());
+}
+
 }  // namespace
 }  // namespace Quillon9

@@ -163,7 +163,11 @@ class QUILLON9_API CDecimal {
   bool ParseShort(char const* text);
   void RationaliseShort();
   bool AppendZeros(int divider);
+  bool RoundShort(int divider);
   bool AddShort(CDecimal const& a, CDecimal const& b);
+  bool MultiplyShort(CDecimal const& a, CDecimal const& b);
+  bool DivideShort(CDecimal const& a, CDecimal const& b);
+  bool SetExact(std::int32_t sign, std::uint64_t whole, std::uint64_t fraction, std::int32_t divider);
   int OrderShort(CDecimal const& other) const;
   std::int32_t GetDivider() const;
   std::string PrintShort(bool hasFraction) const;
