@@ -31,11 +31,10 @@ void UnpackWide(Wide value, std::string& digits);
 /// The product; the method of Karatsuba where it pays.
 Limbs MultiplyLimbs(Limbs const& a, Limbs const& b);
 
-/// The quotient of a / \p b, which is not zero; \p a becomes the remainder. Knuth, The Art of Computer
-/// Programming, volume 2, 4.3.1, algorithm D.
+/// The quotient of a / \p b, which is not zero; \p a becomes the remainder. It costs a few products of that length.
 Limbs DivideLimbs(Limbs& a, Limbs const& b);
 
-/// The largest number whose square is not above \p value.
+/// The largest number whose square is not above \p value, by a few divisions.
 Limbs SquareRootOfLimbs(Limbs const& value);
 
 }  // namespace Quillon9

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <ctime>
 #include <limits>
 #include <random>
 #include <string>
@@ -171,12 +172,12 @@ TEST(BigInteger, AgreesWithTheProcessor) {
 // Lengths on both sides of the changes of method, and results that lie just beside a round number.
 TEST(BigInteger, LongNumbersKeepTheLawsOfArithmetic) {
   std::mt19937_64 random(99);
-  std::size_t const sizes[] = {1, 17, 18, 19, 36, 37, 54, 300, 880, 1800, 4000};
+  std::size_t const sizes[] = {1, 17, 18, 19, 36, 37, 54, 300, 320, 880, 1800, 4000};
   for (std::size_t const sizeA : sizes) {
     for (std::size_t const sizeB : sizes) {
       Big const a = RandomNumber(random, sizeA);
       Big const b = RandomNumber(random, sizeB);
-      Big const c = RandomNumber(random, sizes[random() % 11]);
+      Big const c = RandomNumber(random, sizes[random() % 12]);
       EXPECT_EQ(a, (a + b) - b);
       EXPECT_EQ(a * b + a * c, a * (b + c));
       EXPECT_EQ((a + b) * (a - b), a * a - b * b);
@@ -186,6 +187,8 @@ TEST(BigInteger, LongNumbersKeepTheLawsOfArithmetic) {
       EXPECT_LT(rest.GetAbs(), divisor);
       EXPECT_EQ(b, (a * b) / a);
       EXPECT_EQ(divisor - 1, (a.GetAbs() * divisor - 1) / a.GetAbs());
+      Big const nines = Big::Pow10(static_cast<unsigned int>(sizeB)) - 1;
+      EXPECT_EQ(nines, ((nines + 1) * a.GetAbs() - 1) / a.GetAbs());
       Big const square = a * a;
       EXPECT_EQ(a.GetAbs(), square.SquareRoot());
       EXPECT_EQ(a.GetAbs(), (square + a.GetAbs() * 2).SquareRoot());
@@ -241,6 +244,18 @@ TEST(BigInteger, LongNumbersAreFast) {
   Big const root = a.SquareRoot();
   EXPECT_TRUE(root * root <= a && a < (root + 1) * (root + 1));
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+}
+
+// At this length, a division whose cost grows with the square of the length would miss the bound by far.
+TEST(BigInteger, DivisionTakesAFewTimesAsLongAsMultiplication) {
+  std::mt19937_64 random(8);
+  Big const a = RandomNumber(random, 200000).GetAbs();
+  Big const b = RandomNumber(random, 200000).GetAbs();
+  std::clock_t const start = std::clock();
+  Big const product = a * b;
+  std::clock_t const middle = std::clock();
+  EXPECT_EQ(a, product / b);
+  EXPECT_LT(std::clock() - middle, 10 * (middle - start));
 }
 
 TEST(BigInteger, DigitHelpers) {
