@@ -1,4 +1,5 @@
 // CDecimal against a model that keeps both parts as integers and computes each operation in its plainest form.
+// After a change, run more steps from other seeds: QN_MODEL_STEPS=1000000 QN_MODEL_SEED=2.
 
 #include <gtest/gtest.h>
 
