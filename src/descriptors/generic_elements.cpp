@@ -52,7 +52,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
 
 CElement::~CElement() {
   try {
-    if (m_elements) DeferredRelease::Release(m_elements);
+    if (CSmartPtr<CElementCol> elements = m_elements.Release()) DeferredRelease::Release(elements);
   } catch (...) {  // no memory for the list: they go with this element, at the cost of stack
   }
 }
@@ -70,13 +70,11 @@ void CElement::Init(char const* name, char const* ns, char const* restriction, c
 }
 
 CAttributeCol* CElement::MakeAttributes() const {
-  m_attributes = new CAttributeCol(FirstNamespace(), "##any", m_targetNamespace.c_str());
-  return m_attributes.Get();
+  return m_attributes.Keep(new CAttributeCol(FirstNamespace(), "##any", m_targetNamespace.c_str()));
 }
 
 CElementCol* CElement::MakeElements() const {
-  m_elements = new CElementCol(FirstNamespace(), "##any", m_targetNamespace.c_str(), 0, -1);
-  return m_elements.Get();
+  return m_elements.Keep(new CElementCol(FirstNamespace(), "##any", m_targetNamespace.c_str(), 0, -1));
 }
 
 // The collections stay with the first namespace, which is not known any more once this has another one.
@@ -94,11 +92,13 @@ void CElement::SetNamespace(std::string ns) {
 }
 
 CSmartPtr<CAttribute> CElement::FindAttribute(char const* name, char const* ns) const {
-  return m_attributes ? m_attributes->Find(name, ns) : nullptr;
+  CAttributeCol const* const attributes = m_attributes.Get();
+  return attributes != nullptr ? attributes->Find(name, ns) : nullptr;
 }
 
 CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) const {
-  return m_elements ? m_elements->Find(name, ns) : nullptr;
+  CElementCol const* const elements = m_elements.Get();
+  return elements != nullptr ? elements->Find(name, ns) : nullptr;
 }
 
 void CElement::CopyXmlElement(CXmlElement const* element) {
@@ -113,8 +113,8 @@ void CElement::CopyFrom(CXmlElement const& element) {
   m_name = element.GetLocalName();
   ChangeNamespace(element.GetNamespaceURI());
   m_text = element.GetTextView();
-  if (m_attributes) m_attributes->Clear();
-  if (m_elements) m_elements->Clear();
+  if (CAttributeCol* const attributes = m_attributes.Get()) attributes->Clear();
+  if (CElementCol* const elements = m_elements.Get()) elements->Clear();
   for (auto const* attribute = element.GetFirstAttribute(); attribute != nullptr;
        attribute = attribute->GetNextAttribute()) {
     GenericSize::CountAttribute(element, *attribute);
@@ -134,8 +134,8 @@ CSmartPtr<CElement> CElement::Clone() const {
   CSmartPtr<CElement> copy(
       new CElement(m_name.c_str(), m_namespace.c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
   copy->m_hadNoNamespace = m_hadNoNamespace;
-  if (m_attributes) copy->m_attributes = m_attributes->Clone();
-  if (m_elements) copy->m_elements = m_elements->Clone();
+  if (CAttributeCol const* const attributes = m_attributes.Get()) copy->m_attributes.Keep(attributes->Clone());
+  if (CElementCol const* const elements = m_elements.Get()) copy->m_elements.Keep(elements->Clone());
   copy->m_text = m_text;
   return copy;
 }
@@ -146,13 +146,13 @@ void CElement::SetNamespaceRestrictions(char const* restriction, char const* tar
   NestingGuard const guard = Descend();
   try {
     CXmlObjectHelper::TestNamespace(m_namespace, list, target);
-    if (m_attributes) {
-      for (CAttribute const& attribute : *m_attributes) {
+    if (CAttributeCol const* const attributes = m_attributes.Get()) {
+      for (CAttribute const& attribute : *attributes) {
         CXmlObjectHelper::TestNamespace(attribute.GetNamespace(), list, target);
       }
     }
-    if (m_elements) {
-      for (CElement& child : *m_elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
+    if (CElementCol const* const elements = m_elements.Get()) {
+      for (CElement& child : *elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
     }
   } catch (CQnException const& cause) {
     // A pointer, which callers expect; one from a child passes by, since it is no reference to a failure.
@@ -211,8 +211,12 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const {
   writer->WriteStartElement(m_name, m_namespace);
-  if (m_attributes) CXmlObjectBase::ToXml_Int(m_attributes.Get(), writer, false, ns, ctx, false);
-  if (m_elements) CXmlObjectBase::ToXml_Int(m_elements.Get(), writer, false, ns, ctx, inChoice);
+  if (auto const* const attributes = m_attributes.Get()) {
+    CXmlObjectBase::ToXml_Int(attributes, writer, false, ns, ctx, false);
+  }
+  if (auto const* const elements = m_elements.Get()) {
+    CXmlObjectBase::ToXml_Int(elements, writer, false, ns, ctx, inChoice);
+  }
   writer->WriteString(m_text, ItemType_string);
   writer->WriteEndElement();
 }
@@ -228,7 +232,9 @@ void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
   inner.WriteStartElement(m_name, m_namespace);
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-  if (m_elements) CXmlObjectBase::ToXml_Int(m_elements.Get(), &inner, false, m_namespace.c_str(), context, inChoice);
+  if (auto const* const elements = m_elements.Get()) {
+    CXmlObjectBase::ToXml_Int(elements, &inner, false, m_namespace.c_str(), context, inChoice);
+  }
   inner.WriteString(m_text, ItemType_string);
   inner.WriteEndElement();
   stream.Flush();

@@ -150,6 +150,7 @@ class SharedGraph {
 
   DynamicClass const& Root() const { return *m_root; }
   DynamicCollection const& Items() const { return *m_items; }
+  CElement const& Leaf() const { return *m_generic->FindElement("child"); }
 
  private:
   Shape m_itemShape{{}, {Prim<CElementInfoSeqPrimMnd>("text", 0)}, {Attribute("number", 1, true, ItemType_i4)}};
@@ -187,6 +188,7 @@ TEST(Threads, WriteOneGraph) {
   CXmlSerializationContext const& ctx = options;
   std::string const path = testing::TempDir() + "threads_test_";
   std::vector<std::string> texts(kThreads);
+  std::vector<CElementCol const*> children(kThreads);
   InThreads([&](std::size_t thread) {
     std::string const own = path + std::to_string(thread);
     for (int round = 0; round < 5; ++round) {
@@ -200,8 +202,10 @@ TEST(Threads, WriteOneGraph) {
         numbers += item->m_properties.at(1).GetI4() == i ? 1 : 0;
       }
       ASSERT_EQ(graph.Items().GetCount(), numbers);
+      children[thread] = graph.Leaf().GetElements();  // made when they are first asked for
     }
   });
+  EXPECT_EQ(std::vector<CElementCol const*>(kThreads, children[0]), children);
   ExpectAllEqual(texts);
   EXPECT_NE(std::string::npos, texts[0].find("<text>i299</text>"));
 }

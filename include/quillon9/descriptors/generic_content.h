@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <iterator>
 #include <string>
@@ -17,9 +18,9 @@
 /// classes are read into it, programs build it by hand, and any bound object can be turned into it.
 ///
 /// A namespace restriction is "##any", "##other", "##local", "##targetNamespace", a URI or a blank-separated list of
-/// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Everything here belongs to one thread at a time;
-/// only the reference counts are atomic. A `char const*` is borrowed and copied, and a null one is an empty text where
-/// nothing else is said.
+/// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Any number of threads may call const operations
+/// while nobody changes anything; reference counts are atomic in any case. A `char const*` is borrowed and copied, and a
+/// null one is an empty text where nothing else is said.
 namespace Quillon9 {
 
 /// One attribute: a name, a value, a namespace.
@@ -121,6 +122,37 @@ class NodeIterator {
   }
 
   CNode* m_node = nullptr;
+};
+
+/// Owns an object together with others that hold references, or is empty until somebody asks for the object. Threads
+/// that ask at the same time get the same one.
+template <class Object>
+class MadeOnDemand {
+ public:
+  MadeOnDemand() = default;
+  ~MadeOnDemand() { Release(); }
+  MadeOnDemand(MadeOnDemand const&) = delete;
+  MadeOnDemand& operator=(MadeOnDemand const&) = delete;
+
+  /// The object, or null.
+  Object* Get() const { return m_object.load(std::memory_order_acquire); }
+  /// Share \p made unless another thread was faster; the object that is held then.
+  Object* Keep(CSmartPtr<Object> const& made) const {
+    Object* held = nullptr;
+    if (!m_object.compare_exchange_strong(held, made.Get(), std::memory_order_acq_rel)) return held;
+    made->AddRef();
+    return made.Get();
+  }
+  /// Become empty. The caller has the reference that was held here. For the one thread that uses this.
+  CSmartPtr<Object> Release() {
+    Object* const object = m_object.exchange(nullptr);
+    CSmartPtr<Object> reference(object);
+    if (object != nullptr) object->Release();
+    return reference;
+  }
+
+ private:
+  mutable std::atomic<Object*> m_object{nullptr};
 };
 
 }  // namespace detail
@@ -255,8 +287,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
   /// element; never null. Both admit every namespace, whatever the restriction of this element is.
   ///@{
-  CAttributeCol* GetAttributes() const { return m_attributes ? m_attributes.Get() : MakeAttributes(); }
-  CElementCol* GetElements() const { return m_elements ? m_elements.Get() : MakeElements(); }
+  CAttributeCol* GetAttributes() const { return m_attributes.Get() != nullptr ? m_attributes.Get() : MakeAttributes(); }
+  CElementCol* GetElements() const { return m_elements.Get() != nullptr ? m_elements.Get() : MakeElements(); }
   ///@}
   /// The first attribute, or child, of this name, and in this namespace unless \p ns is null; null when there is none.
   ///@{
@@ -317,8 +349,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string m_targetNamespace;
   // Made when they are first asked for: most elements of a document are without attributes, or without children, and
   // the two collections take more than the rest.
-  mutable CSmartPtr<CAttributeCol> m_attributes;
-  mutable CSmartPtr<CElementCol> m_elements;
+  detail::MadeOnDemand<CAttributeCol> m_attributes;
+  detail::MadeOnDemand<CElementCol> m_elements;
   std::string m_defaultNamespace;
   bool m_hadNoNamespace = true;
 };
