@@ -74,14 +74,14 @@ TEST_F(ProgramTest, InspectTellsOffsetOctetsAndMeaning) {
   EXPECT_NE(Run("inspect --full -", infoset).output.find("\n00000026  36 37 38 39\n"), std::string::npos);
 }
 
-TEST_F(ProgramTest, InspectPrintsWhatTheReadmeShows) {
+TEST_F(ProgramTest, InspectPrintsWhatThePageShows) {
   std::string const examples = QUILLON9_EXAMPLES;
-  std::string const readme = ReadFile(examples + "/../README.md");
-  std::size_t const begin = readme.find("offset    octets");
+  std::string const page = ReadFile(examples + "/../docs/fast-infoset.md");
+  std::size_t const begin = page.find("offset    octets");
   ASSERT_NE(begin, std::string::npos);
   ASSERT_EQ(Run("convert '" + examples + "/purchase_order/purchase_order.xml' order.finf.gz").status, 0);
   std::string const output = Run("inspect order.finf.gz").output;
-  std::istringstream excerpt(readme.substr(begin, readme.find("```", begin) - begin));
+  std::istringstream excerpt(page.substr(begin, page.find("```", begin) - begin));
   for (std::string line; std::getline(excerpt, line);) EXPECT_NE(output.find(line + '\n'), std::string::npos) << line;
 }
 
