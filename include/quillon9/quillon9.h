@@ -77,6 +77,7 @@
 #include "quillon9/xmlio/encoder.h"
 #include "quillon9/xmlio/node_text.h"
 #include "quillon9/xmlio/output_options.h"
+#include "quillon9/xmlio/schema_type.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/string_buffer.h"
 #include "quillon9/xmlio/text_writer.h"

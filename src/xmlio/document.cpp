@@ -19,17 +19,6 @@ std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text :
 
 }  // namespace
 
-CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
-
-CXmlDocument::CXmlDocument(ElementFilter filter) : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
-
-CXmlDocument::CXmlDocument(CXmlSerializationContext const& context) : CXmlDocument(nullptr, context) {}
-
-CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context)
-    : m_filter(filter), m_context(context) {
-  Init();
-}
-
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
 CTreeMemory& CXmlDocument::Memory() {
@@ -39,13 +28,6 @@ CTreeMemory& CXmlDocument::Memory() {
 
 CXmlName const* CXmlDocument::ShareName(std::string_view namespaceUri, std::string_view localName) {
   return Memory().ShareName(namespaceUri, localName);
-}
-
-void CXmlDocument::Init() {
-  m_inputData = nullptr;
-  m_inputSize = 0;
-  m_documentElement = nullptr;
-  m_schemaType = m_context.GetSchemaType();
 }
 
 void CXmlDocument::Cleanup() {

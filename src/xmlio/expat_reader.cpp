@@ -55,7 +55,7 @@ void CExpatReader::CreateParser() {
   XML_SetCharacterDataHandler(m_parser.get(), FnText);
   XML_SetStartDoctypeDeclHandler(m_parser.get(), FnStartDocumentType);
   XML_SetAttlistDeclHandler(m_parser.get(), FnAttributeDeclaration);
-  if (!m_document.GetContext().GetStripCDATA()) {
+  if (!m_document.StripsCDATA()) {
     XML_SetCdataSectionHandler(m_parser.get(), FnStartCDATA, FnEndCDATA);
   }
 }

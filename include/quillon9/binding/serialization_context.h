@@ -8,17 +8,9 @@
 #include "quillon9/export.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/schema_type.h"
 
 namespace Quillon9 {
-
-/// The kind of schema that the generated classes come from. The library tells apart only the kind without
-/// namespaces: under it documents are parsed without namespace processing and names are compared as they stand,
-/// prefix included.
-enum SchemaType : int {
-  SchemaType_XSD = 0,
-  SchemaType_XDR = 1,
-  SchemaType_DTD = 2,  ///< no namespaces
-};
 
 /// The options of one read or write, filled by the caller and passed by const reference through every call: how
 /// strict reading is, and what the root of a written document gets.

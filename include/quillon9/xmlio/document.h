@@ -10,10 +10,10 @@
 #include <utility>
 #include <vector>
 
-#include "quillon9/binding/serialization_context.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/element.h"
+#include "quillon9/xmlio/schema_type.h"
 
 namespace Quillon9 {
 
@@ -90,6 +90,9 @@ class QUILLON9_API CXmlDocument {
   unsigned char const* GetInputData() const { return m_inputData; }
   /// Their number.
   unsigned long GetInputSize() const { return m_inputSize; }
+
+  /// Whether the context asks for CDATA sections to be read as plain text.
+  bool StripsCDATA() const;
 
   /// \name Building the tree
   /// For readers. Elements are created open and close in reverse order.
@@ -168,7 +171,6 @@ class QUILLON9_API CXmlDocument {
   void LendInput(void const* data, unsigned long size);
   void ReturnInput();
   void CopyInput(void const* data, unsigned long size);
-  void Init();
   void Parse();
   void DecompressInput();
   void ParseText();
@@ -186,11 +188,11 @@ class QUILLON9_API CXmlDocument {
   [[noreturn]] void ThrowContentTooLarge() const;
   CTreeMemory& Memory();
 
-  CXmlElement* m_documentElement;
+  CXmlElement* m_documentElement = nullptr;
   std::vector<OpenElement> m_elementStack;
   std::map<std::string, std::string> m_namespaceAliases;
-  unsigned char const* m_inputData;
-  unsigned long m_inputSize;
+  unsigned char const* m_inputData = nullptr;
+  unsigned long m_inputSize = 0;
   std::unique_ptr<unsigned char[]> m_ownedInput;  // null where the bytes are the caller's
   SchemaType m_schemaType;
   ElementFilter m_filter;

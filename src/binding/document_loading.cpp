@@ -11,6 +11,7 @@
 
 #include "fastinfoset/reader.h"
 #include "quillon9/binding/exceptions.h"
+#include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
 #include "xmlio/compressed_header.h"

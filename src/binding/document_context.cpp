@@ -1,0 +1,19 @@
+// The operations of CXmlDocument that look at its context, which holds options of objects and of Fast Infoset too.
+
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+CXmlDocument::CXmlDocument() : CXmlDocument(nullptr, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter) : CXmlDocument(filter, CXmlSerializationContext::m_defaultContext) {}
+
+CXmlDocument::CXmlDocument(CXmlSerializationContext const& context) : CXmlDocument(nullptr, context) {}
+
+CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context)
+    : m_schemaType(context.GetSchemaType()), m_filter(filter), m_context(context) {}
+
+bool CXmlDocument::StripsCDATA() const { return m_context.GetStripCDATA(); }
+
+}  // namespace Quillon9
