@@ -13,6 +13,7 @@
 
 #include "fastinfoset/restricted_alphabet.h"
 #include "quillon9/binding/limits.h"
+#include "quillon9/binding/serialization_context.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"

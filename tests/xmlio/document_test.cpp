@@ -1,4 +1,5 @@
 #include "quillon9/xmlio/document.h"
+#include "quillon9/binding/serialization_context.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
