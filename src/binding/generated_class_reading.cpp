@@ -4,6 +4,9 @@
 
 #include <cstdint>
 #include <string>
+#include <typeinfo>
+#include <utility>
+#include <vector>
 
 #include "binding/failed_scans.h"
 #include "binding/flag_set.h"
@@ -44,7 +47,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
-  CXmlElement* const next = ReadMembers(parent, cursor, ctx, inChoice);
+  CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again for the next child.
   bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
   if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
@@ -56,16 +59,29 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   return next;
 }
 
-CXmlElement* CXmlGeneratedClass::ReadMembers(CXmlElement* parent, CXmlElement* cursor,
+CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
-  if (GetClassInfo()->m_elementType != XmlElementType_Element) return ReadGroup(parent, cursor, ctx, inChoice);
-  FailedScans const scans(ctx.GetIgnoreUnknownElements());
-  return ReadGroup(parent, cursor, ctx, inChoice);
+  if (!ctx.GetIgnoreUnknownElements()) return ReadGroup(info, parent, cursor, ctx, inChoice);
+  FailedScans* const outer = FailedScans::Of(parent, ctx);
+  if (info.m_elementType == XmlElementType_Element || outer == nullptr) {
+    return ReadMembersWithScans(info, parent, cursor, ctx, inChoice);
+  }
+  outer->NoteGroup();
+  if (info.m_textPropertyIndex != -1) outer->Spend(parent->GetTextView().size() / 32);
+  return ReadGroup(info, parent, cursor, ctx, inChoice);
 }
 
-CXmlElement* CXmlGeneratedClass::ReadGroup(CXmlElement* parent, CXmlElement* cursor,
+// A function of its own, so that reading without the option needs no stack for the scans.
+[[gnu::noinline]] CXmlElement* CXmlGeneratedClass::ReadMembersWithScans(CParentElementInfo const& info,
+                                                                        CXmlElement* parent, CXmlElement* cursor,
+                                                                        CXmlSerializationContext const& ctx,
+                                                                        bool inChoice) {
+  FailedScans const scans(*parent, ctx);
+  return ReadGroup(info, parent, cursor, ctx, inChoice);
+}
+
+CXmlElement* CXmlGeneratedClass::ReadGroup(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
                                            CXmlSerializationContext const& ctx, bool inChoice) {
-  CParentElementInfo const& info = *GetClassInfo();
   switch (info.m_groupType) {
     case XmlElementGroupType_Sequence: return ProcessElementSeqFromXml(ctx, parent, cursor, info.m_elementType);
     case XmlElementGroupType_Choice:
@@ -79,6 +95,45 @@ namespace {
 
 [[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const& attribute) {
   throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
+}
+
+// Most members do not look at the namespace of their holder, whose text costs more than a percent of reading.
+inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CElementInfo& member,
+                CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
+  if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
+  std::string const ns = holder->GetNamespace();
+  return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
+}
+
+// The same, reported to `scans`, which is null where nothing is remembered.
+bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, FailedScans* scans, CElementInfo& member,
+              CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
+  if (scans == nullptr) return Ask(ctx, holder, member, parent, cursor, type);
+  FailedScans::Kind const kind = scans->Note(member);
+  CXmlElement const* const start = *cursor;
+  std::uint64_t const groups = scans->Groups();
+  bool const isSatisfied = Ask(ctx, holder, member, parent, cursor, type);
+  scans->NoteAnswer(kind, start, *cursor, groups);
+  return isSatisfied;
+}
+
+// The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members only
+// groups do so.
+CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& member, CXmlElement const* parent,
+                      CXmlElement* cursor) {
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
+  if (scans == nullptr) return cursor->GetNextSiblingElement();
+  if (scans->Note(member) != FailedScans::Kind::kGroup) scans->NoteEffect();
+  return scans->Pass(ctx, cursor);
+}
+
+// Whether the descriptors do nothing when an attribute is not theirs.
+bool TakesByName(CAttributeInfo* const* table) {
+  for (; *table != nullptr; ++table) {
+    std::type_info const& type = typeid(**table);
+    if (type != typeid(CAttributeInfoPrimitive) && type != typeid(CAttributeInfoEnum)) return false;
+  }
+  return true;
 }
 
 // The place of the descriptor that took the attribute; the end of the table when none did.
@@ -106,72 +161,94 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
   }
 }
 
+// False if the attribute is ignored, which depends on its name only.
+bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAttributeInfo** table, FlagSet& found,
+                                       CXmlAttribute* attribute, bool reject) {
+  if (attribute->IsNamespaceAttribute()) return false;
+  if (attribute->IsNilAttribute()) {
+    ReadNilAttribute(*attribute);
+    return true;
+  }
+  std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
+  if (table[taker] != nullptr) {
+    found.Set(taker);
+    return true;
+  }
+  if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
+  return false;
+}
+
 void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                   bool reject) {
   CAttributeInfo** const table = GetClassAttributeInfo();
   std::size_t count = 0;
   while (table[count] != nullptr) ++count;
   FlagSet found(count);
-  bool const isKnown = FailedScans::TakesNoAttribute(table, parent);
-  bool tookSome = false;
-  CXmlAttribute* const first = isKnown ? nullptr : parent->GetFirstAttribute();
-  for (auto* attribute = first; attribute != nullptr; attribute = attribute->GetNextAttribute()) {
-    if (attribute->IsNamespaceAttribute()) continue;
-    if (attribute->IsNilAttribute()) {
-      ReadNilAttribute(*attribute);
-      tookSome = true;
-      continue;
+  bool const isGroup = ctx.GetIgnoreUnknownElements() && GetClassInfo()->m_elementType != XmlElementType_Element;
+  FailedScans* const scans = isGroup ? FailedScans::Of(parent, ctx) : nullptr;
+  if (scans != nullptr) {
+    ReadGroupAttributes(ctx, *scans, parent, table, found, reject);
+  } else {
+    for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr;
+         attribute = attribute->GetNextAttribute()) {
+      ReadAttribute(ctx, table, found, attribute, reject);
     }
-    std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
-    if (taker < count) {
-      found.Set(taker);
-      tookSome = true;
-    } else if (reject && !ctx.GetIgnoreUnknownAttributes()) {
-      ThrowUnexpectedAttribute(*attribute);
-    }
-  }
-  // A group is asked again for each child that is skipped, and each time shown all attributes.
-  if (!isKnown && !tookSome && GetClassInfo()->m_elementType != XmlElementType_Element) {
-    FailedScans::NoteNoAttribute(table, parent);
   }
   for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
+}
+
+// A group is asked again for each child that is skipped, and gets all attributes each time.
+void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans,
+                                             CXmlElement* parent, CAttributeInfo** table, FlagSet& found, bool reject) {
+  bool const isByName = TakesByName(table);
+  if (!isByName) scans.NoteEffect();
+  std::vector<CXmlAttribute*> const* const known = isByName ? scans.AttributesOf(table) : nullptr;
+  if (known != nullptr) {
+    std::size_t steps = 0;
+    for (CXmlAttribute* const attribute : *known) {
+      steps += 1 + attribute->GetValueView().size() / 32;
+      ReadAttribute(ctx, table, found, attribute, reject);
+    }
+    return scans.Spend(steps);
+  }
+  std::vector<CXmlAttribute*> some;
+  std::size_t steps = 0;
+  for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr; attribute = attribute->GetNextAttribute()) {
+    steps += 1 + attribute->GetValueView().size() / 32;
+    if (ReadAttribute(ctx, table, found, attribute, reject)) some.push_back(attribute);
+  }
+  scans.Spend(steps);
+  if (isByName) scans.NoteAttributes(table, std::move(some));
 }
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                           CXmlElement* cursor, XmlElementType type) {
   if (type != XmlElementType_Element) return ReadSequenceGroup(ctx, parent, cursor, type);
   CXmlElement* const entry = cursor;
-  std::string const ns = NamespaceForMembers(parent);  // once, not for each try: a tenth of what binding costs
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
-    while (!(*place)->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
+    while (!Ask(ctx, this, **place, parent, &cursor, type)) {
       if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
-      cursor = cursor->GetNextSiblingElement();
+      cursor = PassVain(ctx, **place, parent, cursor);
     }
   }
   RejectLeftOver(ctx, parent, cursor);
   return cursor;
 }
 
-/// The same without a tag, with what was looked through in vain remembered.
+/// The same without a tag.
 CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                    CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;
-  std::string const ns = NamespaceForMembers(parent);
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
-    CElementInfo* const member = *place;
-    CXmlElement* const start = cursor;
-    unsigned long const takes = FailedScans::Takes();
-    cursor = FailedScans::Skip(member, parent, cursor);
-    if (cursor == nullptr && start != nullptr) return entry;
-    CXmlElement* at = cursor;
-    while (!member->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) {
-      bool const isLast = !ctx.GetIgnoreUnknownElements() || cursor == nullptr;
-      if (isLast && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, nullptr);
-      if (isLast) return entry;
-      cursor = cursor->GetNextSiblingElement();
-      at = cursor;
+    CElementInfo& member = **place;
+    bool const isSought = scans != nullptr && scans->Note(member) == FailedScans::Kind::kRequired;
+    if (isSought) cursor = scans->Find(member, ctx, cursor);
+    while (!AskNoted(ctx, this, scans, member, parent, &cursor, type)) {
+      if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
+      cursor = scans != nullptr ? scans->Pass(ctx, cursor) : cursor->GetNextSiblingElement();
+      if (isSought) cursor = scans->Find(member, ctx, cursor);
     }
-    if (at != start && takes == FailedScans::Takes()) FailedScans::Note(member, parent, start, at);
   }
   return cursor;
 }
@@ -180,14 +257,14 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
                                                           CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;
   auto const count = static_cast<std::size_t>(GetClassElementInfoCount());
-  std::string const ns = NamespaceForMembers(parent);
+  FailedScans* const scans = type != XmlElementType_Element ? FailedScans::Of(parent, ctx) : nullptr;
   FlagSet found(count);
   CXmlElement const* previous = nullptr;
   while (cursor != nullptr && cursor != previous) {
     previous = cursor;
     for (std::size_t i = 0; i < count; ++i) {
       if (found[i]) continue;
-      if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, &cursor, ns.c_str(), type)) found.Set(i);
+      if (AskNoted(ctx, this, scans, *GetClassElementInfo()[i], parent, &cursor, type)) found.Set(i);
     }
   }
   for (std::size_t i = 0; i < count; ++i) {
@@ -199,26 +276,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
   return cursor;
 }
 
-// Most classes have no untyped member, and making the text costs more than a percent of reading.
-std::string CXmlGeneratedClass::NamespaceForMembers(CXmlElement const* parent) const {
-  CElementInfo* const* const table = GetClassElementInfo();
-  if (*table == nullptr) return std::string();
-  CTreeMemory* const memory = parent->Memory();
-  std::uint64_t const number = (*table)->GetNumber();  // of the first member: it is in no other table
-  if (memory != nullptr && memory->IsKnownAsTyped(number)) return std::string();
-  for (CElementInfo* const* place = table; *place != nullptr; ++place) {
-    if ((*place)->ReadsHolderNamespace()) return GetNamespace();
-  }
-  if (memory != nullptr) memory->NoteAsTyped(number);
-  return std::string();
-}
-
-bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent,
-                                              CXmlElement** cursor, XmlElementType type) {
+bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans,
+                                              CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
   int const count = GetClassElementInfoCount();
-  std::string const ns = NamespaceForMembers(parent);
   for (int i = 0; i < count; ++i) {
-    if (GetClassElementInfo()[i]->ElementFromXml(ctx, this, parent, cursor, ns.c_str(), type)) return true;
+    if (AskNoted(ctx, this, scans, *GetClassElementInfo()[i], parent, cursor, type)) return true;
   }
   return false;
 }
@@ -226,10 +288,14 @@ bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ct
 CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                              CXmlElement* cursor, XmlElementType type, bool inChoice) {
   CXmlElement* const entry = cursor;
-  bool found = OfferToChoiceMembers(ctx, parent, &cursor, type);
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
+  // Most choices with a tag take their first child, and then nothing needs to be noted.
+  FailedScans* noted = type != XmlElementType_Element ? scans : nullptr;
+  bool found = OfferToChoiceMembers(ctx, noted, parent, &cursor, type);
   while (!found && ctx.GetIgnoreUnknownElements() && type == XmlElementType_Element && cursor != nullptr) {
-    cursor = cursor->GetNextSiblingElement();
-    if (cursor != nullptr) found = OfferToChoiceMembers(ctx, parent, &cursor, type);
+    cursor = noted != nullptr ? noted->Pass(ctx, cursor) : cursor->GetNextSiblingElement();
+    noted = scans;
+    if (cursor != nullptr) found = OfferToChoiceMembers(ctx, noted, parent, &cursor, type);
   }
   if (!found && !inChoice) {
     if (type == XmlElementType_Pseudo && ctx.GetIgnoreUnknownElements()) return entry;

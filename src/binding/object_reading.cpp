@@ -17,7 +17,7 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
   // The tree is only read, but the cursor that walks it is not const.
   auto* const parent = const_cast<CXmlElement*>(root);
   ObjectContent const content(*root);
-  FailedScans const scans(false);  // a setter may read another document while its own is read
+  FailedScans::Pause const pause;
   CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
 }
 

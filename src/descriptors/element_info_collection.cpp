@@ -1,4 +1,3 @@
-#include "binding/failed_scans.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/binding/exceptions.h"
@@ -38,8 +37,7 @@ bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializ
 
 bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                                 CXmlElement* next, CXmlElement** cursor, XmlElementType holderType) {
-  if (next == *cursor) return false;  // an empty collection is not this choice's member
-  FailedScans::CountTake();
+  if (next == *cursor) return false;                         // an empty collection is not this choice's member
   if (holderType == XmlElementType_Element) *cursor = next;  // moved before the count may throw
   if (!JudgeCount(collection, ctx, holderType)) return false;
   *cursor = next;
@@ -55,9 +53,7 @@ QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  CXmlElement* const next = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
-  if (next != *cursor) FailedScans::CountTake();
-  *cursor = next;
+  *cursor = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
   return JudgeCount(*collection, ctx, holderType);
 }
 

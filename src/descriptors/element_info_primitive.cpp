@@ -1,4 +1,3 @@
-#include "binding/failed_scans.h"
 #include "descriptors/known_element.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/xmlio/document.h"
@@ -16,20 +15,13 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
     if (!IsKnown(*cursor) && !SeekRequiredElement(ctx, cursor)) return true;
     return TakePrimitive(holder, cursor);
   }
-  return ReadInGroup(ctx, holder, parent, cursor);
-}
-
-bool CElementInfoSeqPrimMnd::ReadInGroup(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
-                                         CXmlElement* parent, CXmlElement** cursor) const {
   // In a holder without a tag the whole group may be absent. Unlike its enumeration and class sisters this member
   // skips unknown elements here, and never excuses a missing one.
-  if (IsThisElement(ctx, *cursor)) return TakePrimitive(holder, cursor);
-  if (!ctx.GetIgnoreUnknownElements()) return false;
-  CXmlElement* const start = *cursor;
-  *cursor = FailedScans::Skip(this, parent, start);
-  while (*cursor != nullptr && !IsThisElement(ctx, *cursor)) *cursor = (*cursor)->GetNextSiblingElement();
-  FailedScans::Note(this, parent, start, *cursor);
-  return *cursor != nullptr && TakePrimitive(holder, cursor);
+  while (!IsThisElement(ctx, *cursor)) {
+    if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) return false;
+    *cursor = (*cursor)->GetNextSiblingElement();
+  }
+  return TakePrimitive(holder, cursor);
 }
 
 QN_ELEMENT_TO_XML(CElementInfoSeqPrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }

@@ -1,4 +1,3 @@
-#include "binding/failed_scans.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/binding/exceptions.h"
 #include "quillon9/binding/object_helper.h"
@@ -117,9 +116,7 @@ QN_ELEMENT_FROM_XML(CElementInfoChoiceUntpdOpt) {
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqUntpdCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  CXmlElement* const next = ReadUntypedCollection(ctx, collection.Get(), parent, *cursor);
-  if (next != *cursor) FailedScans::CountTake();
-  *cursor = next;
+  *cursor = ReadUntypedCollection(ctx, collection.Get(), parent, *cursor);
   return JudgeCount(*collection, ctx, holderType);
 }
 

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "binding/deferred_release.h"
+#include "binding/failed_scans.h"
 #include "binding/nesting_guard.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/binding/object_helper.h"
@@ -183,6 +184,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
   }
   NestingGuard const guard = Descend();
   GenericSize::CountElement(*cursor);
+  FailedScans::SpendOnGeneric(*cursor, ctx);
   CXmlElement* left = cursor->GetFirstElement();
   if (cursor->GetFirstAttribute() != nullptr) CXmlObjectBase::FromXml_Int(GetAttributes(), cursor, nullptr, ctx);
   if (left != nullptr) left = CXmlObjectBase::FromXml_Int(GetElements(), cursor, left, ctx);

@@ -70,12 +70,6 @@ class CTreeMemory {
 
   /// Of the classes that have been read from this tree, those that are not nillable.
   CPlainClasses& PlainClasses() { return m_plainClasses; }
-  /// Whether NoteAsTyped() was told of a table of members without untyped ones, by the number of its first member, and
-  /// of no other table in its place since.
-  ///@{
-  bool IsKnownAsTyped(std::uint64_t number) const { return m_typedTables[number % kTables] == number; }
-  void NoteAsTyped(std::uint64_t number) { m_typedTables[number % kTables] = number; }
-  ///@}
 
   /// Count \p bytes of what is made from the tree against the bounds on the document, as long as there is one.
   /// \throws what CXmlDocument::CountContent() throws.
@@ -123,7 +117,6 @@ class CTreeMemory {
 
  private:
   friend class CTreeExtra;
-  static constexpr std::size_t kTables = 64;
   static constexpr std::size_t kFreeName = 1024;
   /// What a name counts for besides its texts: it stands in the map, and in a table of the reader.
   static constexpr std::size_t kNameCharge = 256;
@@ -140,7 +133,6 @@ class CTreeMemory {
   CXmlDocument* m_counting;
   CXmlName m_noName;
   CPlainClasses m_plainClasses;
-  std::uint64_t m_typedTables[kTables] = {};
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

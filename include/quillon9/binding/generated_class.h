@@ -49,6 +49,9 @@ class QUILLON9_API CParentElementInfo {
 
 namespace Quillon9 {
 
+class FailedScans;
+class FlagSet;
+
 /// The base of every generated class: it reads and writes any class from the description that the class gives of
 /// itself through five operations, one record and two tables.
 ///
@@ -139,22 +142,27 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
  private:
   CXmlElement* ReadElement(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice);
-  CXmlElement* ReadMembers(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
-                           bool inChoice);
+  CXmlElement* ReadMembers(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
+                           CXmlSerializationContext const& ctx, bool inChoice);
+  CXmlElement* ReadMembersWithScans(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent,
+                                    CXmlElement* cursor, CXmlSerializationContext const& ctx, bool inChoice);
   CXmlElement* ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
                                  Quillon9Data::XmlElementType type);
-  CXmlElement* ReadGroup(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool inChoice);
+  CXmlElement* ReadGroup(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
+                         CXmlSerializationContext const& ctx, bool inChoice);
+  bool ReadAttribute(CXmlSerializationContext const& ctx, Quillon9Data::CAttributeInfo** table, FlagSet& found,
+                     CXmlAttribute* attribute, bool reject);
+  void ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans, CXmlElement* parent,
+                           Quillon9Data::CAttributeInfo** table, FlagSet& found, bool reject);
   void ReadNilAttribute(CXmlAttribute const& attribute);
-  bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement** cursor,
-                            Quillon9Data::XmlElementType type);
+  bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans, CXmlElement* parent,
+                            CXmlElement** cursor, Quillon9Data::XmlElementType type);
   void RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlElement const* cursor) const;
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;
   /// This object as a nillable one, or null. \p plainClasses may be null.
   INillable const* AsNillable(CPlainClasses* plainClasses) const;
-  /// GetNamespace(), or nothing when no member looks at it.
-  std::string NamespaceForMembers(CXmlElement const* parent) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
   void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;

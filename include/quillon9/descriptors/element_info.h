@@ -51,6 +51,8 @@ using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
 ///@}
 
+struct ChildTypes;  // for the library itself
+
 /// Root of the family: what a descriptor stores, and the steps that its members share.
 class QUILLON9_API CElementInfo {
  public:
@@ -300,10 +302,6 @@ class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
                          CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions)
       : CElementInfoSeq(name, ns, index, type, format, rule, restrictions) {}
   QN_TYPED_OVERRIDES
-
- private:
-  bool ReadInGroup(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
-                   CXmlElement** cursor) const;
 };
 
 /// A value, optional, in a sequence.
@@ -436,6 +434,7 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
+  friend struct ChildTypes;
   bool TakeElementChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement** cursor,
                         XmlElementType holderType);
   bool TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
@@ -458,6 +457,7 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
+  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -479,6 +479,7 @@ class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
+  friend struct ChildTypes;
   XmlElementType m_childType;
   [[maybe_unused]] ClassFactory m_classFactory;
   [[maybe_unused]] int m_classId;
@@ -497,6 +498,7 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
+  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -514,6 +516,7 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
+  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
