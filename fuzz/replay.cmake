@@ -2,13 +2,20 @@
 # any compiler.
 
 file(GLOB fuzzer_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_fuzzer.cpp)
+include(${CMAKE_CURRENT_LIST_DIR}/reading.cmake)
 foreach(source IN LISTS fuzzer_sources)
   cmake_path(GET source STEM fuzzer)
   string(REGEX REPLACE "_fuzzer$" "" name ${fuzzer})
-  add_executable(${name}_replay ${source} ${CMAKE_CURRENT_LIST_DIR}/replay_main.cpp)
+  add_executable(${name}_replay ${source} ${${name}_sources} ${CMAKE_CURRENT_LIST_DIR}/replay_main.cpp)
   target_include_directories(${name}_replay PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
   target_link_libraries(${name}_replay PRIVATE quillon9_internal)
   add_test(NAME ${name}_replay COMMAND ${name}_replay
     ${CMAKE_CURRENT_LIST_DIR}/seeds/${name} ${PROJECT_SOURCE_DIR}/tests/regression/${name})
   set_tests_properties(${name}_replay PROPERTIES TIMEOUT 120)
 endforeach()
+
+add_executable(reading_random ${CMAKE_CURRENT_LIST_DIR}/reading_random.cpp ${reading_sources})
+target_include_directories(reading_random PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
+target_link_libraries(reading_random PRIVATE quillon9_internal)
+add_test(NAME reading_random COMMAND reading_random)
+set_tests_properties(reading_random PROPERTIES TIMEOUT 600)

@@ -1,0 +1,70 @@
+#include "reading_case.h"
+
+#include "binding/reading_allowance.h"
+#include "dynamic_class.h"
+#include "fuzzing.h"
+#include "reading_classes.h"
+#include "reading_model.h"
+
+namespace Reading {
+
+using namespace Quillon9;
+
+namespace {
+
+/// The class and text of each failure of a chain.
+std::string ChainOf(CQnException const& failure) {
+  std::string text;
+  for (CQnException const* link = &failure; link != nullptr; link = link->GetInnerException()) {
+    text += std::string(typeid(*link).name()) + ": " + link->GetMessage() + "\n";
+  }
+  return text;
+}
+
+template <class Read>
+std::string FailureOf(Read const& read) {
+  try {
+    read();
+    return "";
+  } catch (CQnException const& failure) {
+    return ChainOf(failure);
+  }
+}
+
+std::string Joined(Log const& log) {
+  std::string text;
+  for (std::string const& item : log) text += item + "\n";
+  return text;
+}
+
+}  // namespace
+
+void RunCase(Case const& tried, Compared compared) {
+  CXmlSerializationContext const ctx = Testing::Ignoring(tried.ignoring);
+  World world(tried.schema);
+  CSmartPtr<CXmlGeneratedClass> const object = MakeRoot();
+  Model model(tried.schema, ctx);
+  for (std::string const& text : tried.documents) {
+    CXmlDocument document(ctx);
+    document.LoadXml(text.c_str());
+    std::string const got = FailureOf([&] { object->FromXml(text.c_str(), ctx); });
+    std::string const expected = FailureOf([&] { model.Read(document.GetDocumentElement()); });
+    std::string const about = Describe(tried) + "in the document " + text + "\n";
+    Fuzzing::RequireEqual(got, expected, (about + "the failure").c_str());
+    Fuzzing::RequireEqual(ValuesOf(*object), model.Values(), (about + "the values").c_str());
+    if (compared == Compared::kResults) continue;
+    bool const isSame = world.m_log == model.m_log;
+    Fuzzing::Require(isSame, (about + "the calls").c_str(), isSame ? "" : Joined(world.m_log),
+                     isSame ? "" : Joined(model.m_log));
+  }
+}
+
+std::size_t StepsOf(Schema const& schema, std::string const& ignoring, std::string const& document) {
+  World const world(schema);
+  CSmartPtr<CXmlGeneratedClass> const object = MakeRoot();
+  std::uint64_t const before = ReadingAllowance::t_steps;
+  FailureOf([&] { object->FromXml(document.c_str(), Testing::Ignoring(ignoring)); });
+  return ReadingAllowance::t_steps - before;
+}
+
+}  // namespace Reading

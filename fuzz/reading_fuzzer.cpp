@@ -1,0 +1,12 @@
+// Tables, options and documents of generated classes, made from the input: the library reads as the model does.
+
+#include <cstddef>
+#include <cstdint>
+
+#include "reading_case.h"
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+  std::uint8_t const* const end = data + size;
+  Reading::RunCase(Reading::MakeCase([&](unsigned below) { return data != end ? *data++ % below : 0; }));
+  return 0;
+}

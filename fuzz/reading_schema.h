@@ -1,0 +1,100 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "quillon9/binding/generated_class.h"
+#include "quillon9/values/item_type.h"
+
+/// What the classes of a random case look like: the same description makes the tables for the library and is what the
+/// model reads by.
+namespace Reading {
+
+enum class Content { kValue, kEnum, kObject, kAbstract, kUntyped };
+enum class Occurs { kMandatory, kOptional, kRepeated };
+
+/// One member of a class, held in the property with its index.
+struct Member {
+  Content content = Content::kValue;
+  Occurs occurs = Occurs::kOptional;
+  std::string name;
+  std::string ns;
+  int index = 0;
+  Quillon9::ItemType type = Quillon9::ItemType_string;
+  int classId = 0;       ///< of a known object, and of the items of a collection of them
+  bool isGroup = false;  ///< the object has no tag
+  bool requiresContent = false;
+  std::string restriction;      ///< of untyped content, as the descriptor has it
+  std::string heldRestriction;  ///< the same of the mandatory element that the object holds
+  std::string target;
+  int minOccurs = 0;
+  int maxOccurs = -1;
+};
+
+enum class AttributeKind { kValue, kEnum, kAny };
+
+struct Attribute {
+  AttributeKind kind = AttributeKind::kValue;
+  std::string name;
+  std::string ns;
+  int index = 0;
+  bool isOptional = true;
+  Quillon9::ItemType type = Quillon9::ItemType_string;
+  std::string restriction;
+};
+
+/// What Init() of a class does.
+enum class InitKind { kNothing, kClearCollections, kClearAll, kClearAllButObjects };
+
+struct Class {
+  int id = 0;
+  Quillon9Data::XmlElementGroupType group = Quillon9Data::XmlElementGroupType_Sequence;
+  bool hasTag = true;
+  bool isNillable = false;
+  bool rejectsAttributes = false;
+  int textProperty = -1;
+  std::string ns;
+  InitKind init = InitKind::kNothing;
+  int base = -1;              ///< the class whose descriptors the table begins with
+  std::size_t inherited = 0;  ///< how many
+  std::vector<Member> members;
+  std::vector<Attribute> attributes;
+};
+
+using Schema = std::vector<Class>;
+
+/// One document after the other is read into one object of the first class. Where \p ignoring has a letter, the option
+/// is on: U unknown elements, M missing mandatory ones, C missing choice, I collection counts, A unknown attributes, N
+/// namespaces.
+struct Case {
+  Schema schema;
+  std::vector<std::string> documents;
+  std::string ignoring;
+};
+
+/// Gives a number below its argument, which is not 0: from the octets of an input, or at random.
+using Chooser = std::function<unsigned(unsigned)>;
+
+/// \p children is how many the document element has at most.
+Case MakeCase(Chooser const& choose, unsigned children = 6);
+Schema MakeSchema(Chooser const& choose);
+/// One child of a document element, with what is in it.
+std::string MakeChild(Chooser const& choose, unsigned depth);
+/// A document whose children are \p content.
+std::string MakeDocument(std::string const& attributes, std::string const& content);
+
+/// The case as a person reads it.
+std::string Describe(Case const& tried);
+
+// The functions of the generated code, which the model calls as well.
+
+inline char const* EnumText(int value) { return value == 1 ? "1" : "2"; }
+int EnumOf(char const* text);
+
+/// The class of which an element factory makes an object; -1 for none.
+int ClassOfElement(Schema const& schema, Quillon9::CXmlElement* element);
+
+}  // namespace Reading
