@@ -27,8 +27,7 @@ std::uint64_t NextState() {
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
 }
 
-void RequireLevel(std::uint32_t enclosing) {
-  std::uint32_t const limit = CLimits::GetMaxElementDepth();
+void RequireLevel(std::uint32_t enclosing, std::uint32_t limit) {
   if (enclosing >= limit) ThrowNestedTooDeep(limit);
 }
 
@@ -277,16 +276,21 @@ std::string CXmlWriter::NsIntToString(int number) {
 }
 
 CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName, std::string const& namespaceUri) {
-  RequireLevel(m_context == nullptr ? 0 : m_context->m_depth + 1);
+  std::uint32_t const limit = CLimits::GetMaxElementDepth();
+  RequireLevel(m_context == nullptr ? 0 : m_context->m_depth + 1, limit);
   if (m_context != nullptr && m_spare != nullptr) {
     CXmlWriterContext* const context = m_spare;
     CXmlWriterContext* const others = context->m_parent;
     context->Reuse(localName, namespaceUri, m_context);
+    context->m_isDeepest = context->m_depth + 1 >= limit;
     m_spare = others;
     return context;
   }
-  if (m_context != nullptr) return new CXmlWriterContext(localName, namespaceUri, m_context);
-  return new CXmlWriterContext(localName, namespaceUri, m_defaultNamespace, m_namespaceMap, nullptr);
+  auto* const context = m_context != nullptr ? new CXmlWriterContext(localName, namespaceUri, m_context)
+                                             : new CXmlWriterContext(localName, namespaceUri, m_defaultNamespace,
+                                                                     m_namespaceMap, nullptr);
+  context->m_isDeepest = context->m_depth + 1 >= limit;
+  return context;
 }
 
 // An element that bound nothing leaves its context to the next one: a third of the speed of writing.
@@ -309,7 +313,9 @@ void CXmlWriter::RequireOpenElement() const {
   if (m_context == nullptr) throw CQnException("There is no open element to end");
 }
 
-void CXmlWriter::RequireRoomForChild() const { RequireLevel(m_context->m_depth + 1); }
+void CXmlWriter::RequireRoomBelowDeepest() const {
+  RequireLevel(m_context->m_depth + 1, CLimits::GetMaxElementDepth());
+}
 
 std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew) {
   std::string const* const found = context.FindPrefix(uri);

@@ -57,9 +57,9 @@ TEST(Exceptions, AFailureThatIsThrownAgainAndAgainKeepsItsChain) {
     try {
       object.Text();
     } catch (CQnException const& failure) {
-      CQnException const* const cause = failure.GetInnerException()->GetInnerException();
-      EXPECT_EQ(typeid(CQnOverFlowException), typeid(*cause));
-      EXPECT_EQ(typeid(CQnValidationException), typeid(*cause->GetInnerException()));
+      CQnException const& cause = *failure.GetInnerException()->GetInnerException();
+      EXPECT_EQ(typeid(CQnOverFlowException), typeid(cause));
+      EXPECT_NE(nullptr, dynamic_cast<CQnValidationException const*>(cause.GetInnerException()));
     }
   }
 }

@@ -95,7 +95,7 @@ class QUILLON9_API CXmlWriter {
   /// \throws CQnException "There is no open element to end" unless an element is open.
   void RequireOpenElement() const;
   /// \throws CQnException as WriteStartElement() unless the open element, which there must be, may have children.
-  void RequireRoomForChild() const;
+  void RequireRoomForChild() const;  // in the header, since it is asked for each element that is written at once
   /// The prefix bound to \p uri in \p context. An unbound URI gets a generated prefix in the scope of \p context,
   /// and \p isNew becomes true; otherwise false. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
@@ -107,6 +107,8 @@ class QUILLON9_API CXmlWriter {
   std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
 
  private:
+  void RequireRoomBelowDeepest() const;
+
   friend class CXmlGeneratedClass;  // which leaves here what it would find out again for every object
 
   CXmlWriterContext* m_spare = nullptr;  ///< contexts to use again, linked as parents
@@ -208,6 +210,11 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The number of the scope in force when the namespace of this element was compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
+  bool m_isDeepest = false;  ///< no element may be inside this one, by the limit at its start
 };
+
+inline void CXmlWriter::RequireRoomForChild() const {
+  if (m_context->m_isDeepest) RequireRoomBelowDeepest();
+}
 
 }  // namespace Quillon9
