@@ -402,11 +402,11 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string_view value,
     m_output->Integer0To2pw20Bit2(fi::kIndexBit1, 0);
   } else if (value.size() >= m_options->GetAttributeMaxAddLength()) {
     EncodedCharacterStringBit3(0, value, type);
-  } else if (unsigned long const index = FindValue(value, type, map); index != 0) {
+  } else if (unsigned long const index = map.Find(value); index != 0) {
     m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
   } else {
     EncodedCharacterStringBit3(fi::kAddToTableBit1, value, type);
-    AddValue(value, type, map);
+    m_vocabulary.AddValueToMap(value, map);
   }
 }
 
@@ -414,44 +414,13 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, 
   CFIIndexMap& map = m_vocabulary.GetCharacterChunkIndex();
   bool const isShort = value.size() < m_options->GetElementMaxAddLength();
   if (isShort) {
-    if (unsigned long const index = FindValue(value, type, map)) {
+    if (unsigned long const index = map.Find(value)) {
       return m_output->Integer1To2pw20Bit4(leading | fi::kIndexBit3, index);
     }
     leading |= fi::kAddToTableBit3;
   }
   EncodedCharacterStringBit5(leading, value, type);
-  if (isShort) AddValue(value, type, map);
-}
-
-namespace {
-
-// A value that the reader spells in another way than it was written. Only values of the same algorithm may refer to it.
-std::string KeyOfRespelled(std::string_view value, unsigned long algorithm) {
-  std::string key(value);
-  key += '\0';
-  key += static_cast<char>(algorithm);
-  return key;
-}
-
-}  // namespace
-
-/// The index of the entry in the reader's table that has this value; 0 for none.
-unsigned long CFastInfosetWriter::FindValue(std::string_view value, ItemType type, CFIIndexMap const& map) {
-  if (unsigned long const index = map.Find(value)) return index;
-  auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
-  return encoding.m_kind == kEncodingAlgorithm ? map.Find(KeyOfRespelled(value, encoding.m_index)) : 0;
-}
-
-/// The value has just been written, and its octets are still in m_scratch where an algorithm made them.
-void CFastInfosetWriter::AddValue(std::string_view value, ItemType type, CFIIndexMap& map) {
-  auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
-  if (encoding.m_kind == kEncodingAlgorithm && encoding.m_index != fi::kCdata) {
-    auto const* const octets = reinterpret_cast<unsigned char const*>(m_scratch.data());
-    if (DecodedText(encoding.m_index, octets, m_scratch.size()) != value) {
-      return m_vocabulary.AddValueToMap(KeyOfRespelled(value, encoding.m_index), map);
-    }
-  }
-  m_vocabulary.AddValueToMap(value, map);
+  if (isShort) m_vocabulary.AddValueToMap(value, map);
 }
 
 // The octets of a value by alphabet or algorithm, which live until the next string.

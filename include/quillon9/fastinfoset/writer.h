@@ -117,8 +117,6 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void EncodedCharacterStringBit3(std::uint32_t leading, std::string_view value, ItemType type);
   void EncodedCharacterStringBit5(std::uint32_t leading, std::string_view value, ItemType type);
   std::string_view Utf8(std::string_view text);
-  unsigned long FindValue(std::string_view value, ItemType type, CFIIndexMap const& map);
-  void AddValue(std::string_view value, ItemType type, CFIIndexMap& map);
   std::string_view Encoded(unsigned long kind, unsigned long index, std::string_view value);
 
   std::unique_ptr<COctetSink> m_output;
