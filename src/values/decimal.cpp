@@ -109,7 +109,6 @@ bool CDecimal::ParseShort(char const* text) {
   char const* const end = ReadUnits(fraction, units);
   std::ptrdiff_t const divider = std::max<std::ptrdiff_t>(end - fraction, 1);
   if (*end != '\0' || point - text + divider > kMostPower) return false;
-  if (isNegative && units == 0 && divider > 1) return false;  // the signs of its parts differ, see Rationalise()
   SetShort(isNegative ? -1 : 1, fraction == end ? units * 10 : units, static_cast<std::int32_t>(divider));
   RationaliseShort();
   return true;
@@ -132,14 +131,10 @@ void CDecimal::RationaliseShort() {
 }
 
 void CDecimal::Rationalise() {
-  if (m_parts != nullptr) {
-    m_parts->Rationalise();
-  } else if (m_units == 0 && m_sign < 0) {
-    CDecimalParts zero = MakeParts();
-    zero.Rationalise();
-    Hold(std::move(zero));
-  } else {
+  if (m_parts == nullptr) {
     RationaliseShort();
+  } else {
+    m_parts->Rationalise();
   }
 }
 
@@ -152,10 +147,9 @@ bool CDecimal::AppendZeros(int divider) {
   return true;
 }
 
-// False when the digits do not become fewer, for a fraction that rounds up to one, and for a negative zero: its fraction
-// becomes positive.
+// False when the digits do not become fewer, and for a fraction that rounds up to one.
 bool CDecimal::RoundShort(int divider) {
-  if (divider >= m_divider || (m_units == 0 && m_sign < 0)) return false;
+  if (divider >= m_divider) return false;
   std::uint64_t const dropped = PowerOf10(m_divider - divider);
   std::uint64_t const kept = PowerOf10(divider);
   std::uint64_t units = m_units / dropped;
@@ -184,7 +178,7 @@ std::int32_t CDecimal::GetDivider() const { return m_parts == nullptr ? m_divide
 
 // ---- Arithmetic
 
-// False when the sum is too long, and for two negative zeros, of whose parts only one may keep the sign.
+// False when the sum is too long.
 bool CDecimal::AddShort(CDecimal const& a, CDecimal const& b) {
   std::int32_t const divider = std::max(a.m_divider, b.m_divider);
   Wide const left = Wide{a.m_units} * PowerOf10(divider - a.m_divider);
@@ -195,7 +189,7 @@ bool CDecimal::AddShort(CDecimal const& a, CDecimal const& b) {
     sign = left == right ? 1 : left < right ? b.m_sign : a.m_sign;
     sum = left < right ? right - left : left - right;
   }
-  if (sum > kMostUnits || (sum == 0 && sign < 0)) return false;
+  if (sum > kMostUnits) return false;
   SetShort(sign, static_cast<std::uint64_t>(sum), divider);
   RationaliseShort();
   return true;

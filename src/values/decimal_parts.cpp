@@ -41,8 +41,7 @@ CDecimalParts::CDecimalParts(std::int32_t sign, Wide whole, Wide fraction, std::
   UnpackWide(fraction, m_fraction.m_digits);
 }
 
-CDecimalParts::CDecimalParts(CBigInteger const& whole)
-    : m_whole(whole), m_fraction(whole.IsZero() ? 1 : whole.m_sign, Digits(1, 0)) {}
+CDecimalParts::CDecimalParts(CBigInteger const& whole) : m_whole(whole), m_fraction(whole.m_sign, Digits(1, 0)) {}
 
 CDecimalParts::CDecimalParts(CBigInteger const& whole, CBigInteger const& fraction, std::int32_t divider)
     : m_whole(whole), m_fraction(fraction), m_divider(divider) {}
@@ -102,9 +101,8 @@ void CDecimalParts::Rationalise() {
       m_fraction.IsZero() ? 1 : m_fraction.m_digits.find_first_not_of('\0') + std::size_t{m_fraction.m_zeros};
   std::size_t const dropped = std::min(most, zeros);
   if (dropped == 0) return;
-  m_fraction.SplitAtPow10(dropped);
+  if (!m_fraction.IsZero()) m_fraction.SplitAtPow10(dropped);
   m_divider -= static_cast<std::int32_t>(dropped);
-  AlignZeros();
 }
 
 void CDecimalParts::SetDivider(std::size_t divider) {
@@ -140,16 +138,14 @@ void CDecimalParts::AlignSigns() {
     m_fraction += unit;
     m_whole -= CBigInteger(sign);
   }
-  if (m_whole.IsZero()) m_whole.m_sign = m_fraction.m_sign;
   AlignZeros();
 }
 
-// Give a part that is zero the sign of the other one. Where both are zero, each keeps its own.
+// Give a part that is zero the sign of the other one.
 void CDecimalParts::AlignZeros() {
-  if (m_fraction.IsZero() == m_whole.IsZero()) return;
   if (m_fraction.IsZero()) {
     m_fraction.m_sign = m_whole.m_sign;
-  } else {
+  } else if (m_whole.IsZero()) {
     m_whole.m_sign = m_fraction.m_sign;
   }
 }
@@ -171,7 +167,7 @@ CDecimalParts CDecimalParts::Plus(CDecimalParts const& other) const {
   if (!sum.m_fraction.IsZero() && sum.m_fraction.GetLength() > divider) {
     CBigInteger fraction = sum.m_fraction.SplitAtPow10(divider);
     sum.m_whole += sum.m_fraction;
-    sum.m_fraction = fraction.IsZero() ? CBigInteger() : std::move(fraction);
+    sum.m_fraction = std::move(fraction);
   }
   sum.AlignSigns();
   sum.Rationalise();

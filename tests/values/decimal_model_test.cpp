@@ -27,10 +27,10 @@ struct Model {
 
   bool IsZero() const { return whole == 0 && fraction == 0; }
 
-  // Of a value other than zero, both parts carry the sign.
+  // Both parts carry the sign of a value.
   Model& Align() {
-    if (!IsZero() && fraction == 0) fraction = whole < Big() ? Big("-0") : Big();
-    if (!IsZero() && whole == 0) whole = fraction < Big() ? Big("-0") : Big();
+    Big& zero = fraction == 0 ? fraction : whole;
+    if (zero == 0) zero = (fraction == 0 ? whole : fraction) < Big() ? Big("-0") : Big();
     return *this;
   }
 
@@ -147,18 +147,13 @@ std::string Print(Model const& m) {
          digits;
 }
 
-// The zeros, by the signs of their parts.
+// Both zeros.
 std::vector<Pair> Zeros() {
   CDecimal negative("-0.1");
   negative.ChangeFractionalDivider(0);
-  CDecimal mixed("-0");
-  mixed.ChangeFractionalDivider(0);
   CDecimal positive;
   positive.ChangeFractionalDivider(0);
-  return {{{Big(), Big(), 0}, positive},
-          {{Big("-0"), Big("-0"), 0}, negative},
-          {{Big("-0"), Big(), 0}, mixed},
-          {{Big(), Big("-0"), 0}, mixed.GetNegative()}};
+  return {{{Big(), Big(), 0}, positive}, {{Big("-0"), Big("-0"), 0}, negative}};
 }
 
 // All that tells one value from another.

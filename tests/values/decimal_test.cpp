@@ -195,10 +195,13 @@ TEST(Decimal, Rounding) {
   EXPECT_LT(none + none, CDecimal());
   none.ChangeFractionalDivider(0);
   EXPECT_LT(none, CDecimal());
-  EXPECT_GE(none + none, CDecimal());  // without fraction digits the sum of both zeros is the other one
-  CDecimal little("-0.4");
-  little.ChangeFractionalDivider(0);
-  EXPECT_LT(little + little, CDecimal());  // unless the fraction kept its sign
+  EXPECT_LT(none + none, CDecimal());
+  for (char const* text : {"-0.4", "-0.00", "-0.000000000000000000000"}) {
+    CDecimal zero(text);
+    EXPECT_TRUE(zero + zero < CDecimal() && (zero == none) == (zero.ToString() == "0")) << text;
+    zero.ChangeFractionalDivider(0);
+    EXPECT_TRUE(zero + zero < CDecimal() && zero <= none && zero >= none) << text;
+  }
 
   CDecimal other("2.125");
   EXPECT_EQ(3, CDecimal::Normalize(value, other));
@@ -245,9 +248,8 @@ TEST(Decimal, ToNumbers) {
   EXPECT_EQ("-2 1", CDecimal("-1.6").ToBigInteger().ToString() + " " + CBigInteger(CDecimal("1.5")).ToString());
 }
 
-// The same number, kept as one of any length is. Of a negative zero, the way there would change the signs.
+// The same number, kept as one of any length is.
 CDecimal MakeLong(CDecimal value) {
-  if (value == CDecimal()) return value;
   value.ChangeFractionalDivider(40);
   value.Rationalise();
   return value;

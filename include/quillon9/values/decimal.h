@@ -20,10 +20,8 @@ struct CDecimalParts;
 /// digits is 0 and 100 hundredths, prints "0.100" and does not equal 1. And the zeros differ in order, as those
 /// of CBigInteger do: "-0" lies below "0" though it equals it.
 ///
-/// Both parts carry the sign of a value; a part that is zero carries the sign of the other one. When both parts are
-/// zero, each has its own sign, and comparisons look at both. A sum of two zeros is -0 only if both fractions are
-/// negative, and a zero fraction becomes positive when one of its digits is dropped: "-0.00" lies above "-0". A product
-/// with zero and a quotient that is cut to zero are +0.
+/// Both parts carry the sign of a value; a part that is zero carries the sign of the other one. A sum of two zeros is -0
+/// only if both are. A product with zero and a quotient that is cut to zero are +0.
 ///
 /// Up to 18 digits need no memory beside the object, more need about a byte a digit. The zeros that an exponent appends
 /// take memory only when a sum, a quotient or ToString() needs them as digits; comparing, copying, rounding and
