@@ -58,11 +58,11 @@ void AppendHex(std::string& target, char const* text) {
   throw CQnException(FormatString("Invalid value for %s byte encoding.", name));
 }
 
-// One uuid: other lengths would be refused by the reader, or read as a list.
+// Refuses what the reader would refuse.
 void AppendUuid(std::string& target, char const* text) {
   CBinaryData bytes;
   bytes.SetAsHexString(text);
-  if (bytes.GetLength() != 0 && bytes.GetLength() != kUuidSize) ThrowWrongSize("UUID");
+  if (bytes.GetLength() % kUuidSize != 0) ThrowWrongSize("UUID");
   AppendBytes(target, bytes);
 }
 

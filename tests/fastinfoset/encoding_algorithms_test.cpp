@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 #include <string_view>
@@ -192,6 +193,7 @@ TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
       ++written[algorithm];
       std::string read;
       EXPECT_NO_THROW(read = data.GetAsString(algorithm)) << algorithm << " [" << text << "]";
+      if (algorithm == 9) read.erase(std::remove(read.begin(), read.end(), ' '), read.end());  // several uuids
       EXPECT_EQ(Normalized(algorithm, text), read) << algorithm << " [" << text << "]";
     }
   }

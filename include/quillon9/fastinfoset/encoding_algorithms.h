@@ -24,7 +24,7 @@ class QUILLON9_API CFastInfosetBinaryData : public CBinaryData {
   ~CFastInfosetBinaryData() override;
 
   /// Replace the bytes by those that stand for \p text, which is one value, not a list. A uuid is plain hexadecimal
-  /// text of 32 digits without hyphens. Base64 text that is wrong gives no bytes.
+  /// text without hyphens, 32 digits for each uuid. Base64 text that is wrong gives no bytes.
   /// \throws CQnException "Unknown byte encoding." for an \p algorithm outside 1 to 10, "Invalid char in hex string
   ///         [%c]", "Invalid value for UUID byte encoding." for another number of digits (no text gives no bytes);
   ///         CQnInvalidValueException of the conversion that refuses the text. The value is empty then.
