@@ -190,7 +190,7 @@ TEST(FastInfosetWriter, ItemTypesChooseTheEncoding) {
             Expected("78F0 3C 00'a' 78 00'n' 70 21 FFFE 78 00'm' 60 01 1C25 F0"
                      "9C 09 FFFE 88 06 02 2001A02A03 9C 12 05 000000000000000A 98 02 00 1C250F 9C 14 38 9C 24'x' FF"));
   // By its text a value is one entry, whatever its first appearance was encoded as.
-  EXPECT_EQ(Doc(context).Start("a").Text("1", ItemType_i4).Text("1").End().Hexed(),
+  EXPECT_EQ(Doc(context).Start("a").Text("01", ItemType_i4).Text("01").End().Hexed(),
             Expected("38F0 3C 00'a' 9C 0E 01 00000001 A0 FF"));
 }
 // clang-format on
