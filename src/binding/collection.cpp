@@ -208,8 +208,9 @@ void CXmlCollection::RemoveNode(CNode* node) { RemoveNode(node, -1); }
 
 // At index, or anywhere for -1.
 void CXmlCollection::RemoveNode(CNode* node, int index) {
+  std::uint64_t const removals = m_removals;
   if (HasListeners()) AnnounceRemoval(node);
-  Unlink(node, index);
+  Unlink(node, m_removals == removals ? index : -1);  // a listener that removed others has moved it
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
 }

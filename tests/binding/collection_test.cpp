@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <random>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "dynamic_class.h"
@@ -228,6 +229,29 @@ TEST_F(CollectionTest, AListenerThatRemovesTheItemFirstMakesTheRemovalFail) {
       EXPECT_EQ("", Names(list));
     }
   }
+}
+
+// A listener that removes other items moves the one that is about to go.
+TEST_F(CollectionTest, PlacesAreFoundAfterAListenerHasMovedTheItem) {
+  struct Remover : IEventSink {
+    void OnEvent(CXmlObjectBase* sender, MsgType type, void*) override {
+      if (type != CollectionRemove || std::exchange(m_isDone, true)) return;
+      auto& list = static_cast<DynamicCollection&>(*sender);
+      list.Remove(0);
+      list.Remove(0);
+      list.Item(4);
+    }
+    bool m_isDone = false;
+  } remover;
+  DynamicCollection list(m_shape, "item", 0, -1);
+  for (CXmlObjectBase* item : {a.Get(), a.Get(), a.Get(), b.Get(), c.Get(), c.Get(), a.Get(), b.Get(), c.Get()}) {
+    list.Add(item);
+  }
+  list.AddEventListener(&remover);
+  list.Remove(5);
+  list.RemoveEventListener(&remover);
+  EXPECT_EQ(b.Get(), list.Item(4));
+  EXPECT_EQ("abcabc", Names(list));
 }
 
 TEST_F(CollectionTest, Limits) {
