@@ -52,7 +52,8 @@ class QUILLON9_API INillable {
 /// Root of all that can be read from XML and written to XML: generated classes, collections, generic content.
 ///
 /// Objects are counted. A new one has count 0 and becomes owned when the first CSmartPtr takes it; one on the
-/// stack needs none. Only the count is atomic: one object graph belongs to one thread at a time.
+/// stack needs none. The count is atomic. A graph that somebody changes belongs to one thread at a time;
+/// any number of threads may write a graph that nobody changes.
 ///
 /// Every reading operation fills this object from the document element, whatever its name is, and throws a
 /// CQnException of the family: plain for unreadable input, CQnValidationException "Failed to process the element

@@ -13,7 +13,8 @@ namespace Quillon9 {
 /// on a counted buffer with copy on write. A copy is cheap, and only a change of a shared buffer copies bytes.
 ///
 /// A value without a holder (made by default, cleared, moved from) and a value of length 0 are different: they do
-/// not compare equal. Values in different threads may share a holder; one value belongs to one thread at a time.
+/// not compare equal. Values in different threads may share a holder. Any number of threads may read and copy one
+/// value while nobody changes it.
 ///
 /// A value holds at most 4,294,967,295 bytes. Every operation that would hold more, and every one that is given a
 /// null pointer with a length above 0, throws CQnException, "The data is too long [%llu bytes]" or "The data is

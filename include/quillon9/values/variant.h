@@ -23,7 +23,8 @@ namespace Quillon9 {
 /// classes, the facet checks, and the text of a document.
 ///
 /// A variant owns what it holds: a copy of a string or of binary data (whose bytes are shared until somebody
-/// changes them), or a counted reference to an object, which may be null. It belongs to one thread at a time.
+/// changes them), or a counted reference to an object, which may be null. Any number of threads may read and copy it
+/// while nobody changes it.
 class QUILLON9_API QnVariant {
  public:
   /// Holds nothing.
