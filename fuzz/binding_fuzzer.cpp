@@ -5,7 +5,7 @@
 
 #include "dynamic_class.h"
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generic_content.h"

@@ -5,7 +5,7 @@
 
 #include "fastinfoset/constants.h"
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
 #include "tree.h"

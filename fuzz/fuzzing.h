@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/values/date_time_span.h"
 

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/xmlio/compression.h"
 
 namespace {

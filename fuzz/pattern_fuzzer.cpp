@@ -3,7 +3,7 @@
 #include <string>
 
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "reading_case.h"
 
-#include "binding/reading_allowance.h"
+#include "descriptors/reading_allowance.h"
 #include "dynamic_class.h"
 #include "fuzzing.h"
 #include "reading_classes.h"

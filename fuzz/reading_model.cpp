@@ -5,9 +5,9 @@
 #include <map>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/element_info.h"
+#include "quillon9/values/object_helper.h"
 
 namespace Reading {
 

@@ -6,9 +6,9 @@
 #include <cstdlib>
 #include <random>
 
-#include "binding/reading_allowance.h"
+#include "descriptors/reading_allowance.h"
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "reading_case.h"
 
 namespace {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "quillon9/binding/class_factory.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/descriptors/class_factory.h"
 
 namespace Reading {
 

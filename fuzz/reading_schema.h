@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "quillon9/binding/generated_class.h"
+#include "quillon9/descriptors/generated_class.h"
 #include "quillon9/values/item_type.h"
 
 /// What the classes of a random case look like: the same description makes the tables for the library and is what the

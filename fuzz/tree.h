@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/fastinfoset/writer.h"
 #include "quillon9/xmlio/document.h"

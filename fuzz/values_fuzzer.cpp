@@ -3,9 +3,9 @@
 #include <string>
 
 #include "fuzzing.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/conversions.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
 

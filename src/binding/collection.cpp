@@ -6,7 +6,7 @@
 
 #include "binding/deferred_release.h"
 #include "binding/node_place.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

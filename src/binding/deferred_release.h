@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/object_base.h"
-#include "quillon9/binding/smart_ptr.h"
 
 namespace Quillon9 {
 

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "fastinfoset/reader.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
+#include "base/text_copy.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

@@ -1,8 +1,8 @@
 // The rules of CXmlObjectHelper by which an element is recognised and a wildcard accepts a namespace.
 
 #include "binding/name_match.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/values/object_helper.h"
 
 namespace Quillon9 {
 

@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
+#include "base/address_sanitizer.h"
 #include "quillon9/binding/collection.h"
-#include "xmlio/address_sanitizer.h"
 
 namespace Quillon9 {
 

@@ -3,9 +3,9 @@
 
 #include <cstring>
 
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/values/object_helper.h"
 
 namespace Quillon9 {
 

@@ -1,7 +1,7 @@
 // The text output operations of CXmlObjectBase: each puts a text writer on a stream and hands it to ToXml_Int.
 // They stand apart from the class because they lean on the writer and the streams.
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"

@@ -1,6 +1,6 @@
 #include "quillon9/binding/serialization_context.h"
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

@@ -3,7 +3,7 @@
 #include <limits>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "xmlio/object_content.h"

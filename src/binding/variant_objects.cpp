@@ -1,7 +1,7 @@
 // The operations of QnVariant that need the class of bound objects.
 
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/exceptions.h"
 #include "quillon9/values/variant.h"
 
 namespace Quillon9 {

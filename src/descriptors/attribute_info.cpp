@@ -1,9 +1,9 @@
 #include "quillon9/descriptors/attribute_info.h"
 
 #include "descriptors/printed_text.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"

@@ -4,16 +4,16 @@
 #include <cstring>
 #include <typeinfo>
 
+#include "base/text_copy.h"
 #include "descriptors/known_element.h"
 #include "descriptors/printed_text.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
 #include "quillon9/fastinfoset/writer.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "values/facet_filter.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9Data {
 

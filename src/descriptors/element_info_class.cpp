@@ -1,5 +1,5 @@
 #include "descriptors/member_signatures.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 
 // Members that hold one object: of a known class (Cls), or of a class found from the element (AbsCls).

@@ -1,6 +1,6 @@
 #include "descriptors/member_signatures.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/exceptions.h"
 
 namespace Quillon9Data {
 

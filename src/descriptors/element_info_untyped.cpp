@@ -1,7 +1,7 @@
 #include "descriptors/member_signatures.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 
 // Members that hold a CElement, or a CElementCol where the element is repeated. Whether one took the element shows in

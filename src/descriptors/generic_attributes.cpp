@@ -1,8 +1,8 @@
 #include <utility>
 
 #include "descriptors/generic_size.h"
-#include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 

@@ -1,11 +1,11 @@
 #include <utility>
 
+#include "base/nesting_guard.h"
 #include "binding/deferred_release.h"
-#include "binding/failed_scans.h"
-#include "binding/nesting_guard.h"
+#include "descriptors/failed_scans.h"
 #include "descriptors/generic_size.h"
-#include "quillon9/binding/object_helper.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "binding/failed_scans.h"
+#include "descriptors/failed_scans.h"
 #include "quillon9/descriptors/element_info.h"
 
 namespace Quillon9Data {

@@ -1,7 +1,7 @@
 #include "quillon9/fastinfoset/context.h"
 
 #include "fastinfoset/constants.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/item_type.h"
 
 namespace Quillon9 {

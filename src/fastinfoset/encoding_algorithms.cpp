@@ -7,10 +7,10 @@
 
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/values/base64.h"
 #include "quillon9/values/conversions.h"
-#include "quillon9/xmlio/encoder.h"
 
 namespace Quillon9 {
 

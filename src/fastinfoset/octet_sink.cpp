@@ -4,7 +4,7 @@
 #include <cstring>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/streams.h"
 
 namespace Quillon9 {

@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
+#include "base/text_copy.h"
 #include "fastinfoset/constants.h"
 #include "quillon9/fwd.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -7,11 +7,11 @@
 
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/restricted_alphabet.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/fastinfoset/context.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/encoder.h"
 #include "xmlio/converted_text.h"
 
 namespace Quillon9 {

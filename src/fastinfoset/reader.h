@@ -10,7 +10,7 @@
 #include "quillon9/fastinfoset/vocabulary.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/utf8_to_local.h"
+#include "text/utf8_to_local.h"
 
 namespace Quillon9 {
 

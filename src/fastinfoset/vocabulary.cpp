@@ -6,8 +6,8 @@
 #include <chrono>
 #include <utility>
 
-#include "xmlio/byte_blocks.h"
-#include "xmlio/text_copy.h"
+#include "base/byte_blocks.h"
+#include "base/text_copy.h"
 
 namespace Quillon9 {
 

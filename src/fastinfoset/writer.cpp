@@ -3,18 +3,18 @@
 #include <iterator>
 #include <utility>
 
+#include "base/byte_blocks.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
 #include "fastinfoset/known_names.h"
 #include "fastinfoset/octet_sink.h"
 #include "fastinfoset/restricted_alphabet_packing.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/fastinfoset/context.h"
-#include "quillon9/xmlio/encoder.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/streams.h"
-#include "xmlio/byte_blocks.h"
+#include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
-#include "xmlio/utf8_scan.h"
 
 namespace Quillon9 {
 

@@ -4,7 +4,7 @@
 #include <climits>
 #include <cstring>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/decimal.h"
 #include "values/digits.h"
 #include "values/limbs.h"

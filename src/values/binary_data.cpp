@@ -7,7 +7,7 @@
 #include <functional>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/base64.h"
 
 namespace Quillon9 {

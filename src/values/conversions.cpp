@@ -6,10 +6,10 @@
 #include <limits>
 #include <optional>
 
-#include "quillon9/binding/exceptions.h"
+#include "base/text_copy.h"
+#include "quillon9/base/exceptions.h"
 #include "values/number_text.h"
 #include "values/text_conversions.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <limits>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

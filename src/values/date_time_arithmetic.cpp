@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/date_time.h"
 
 namespace Quillon9 {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <iterator>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/date_time.h"
 #include "values/number_text.h"

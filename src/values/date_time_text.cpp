@@ -2,7 +2,7 @@
 
 #include <cstring>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/date_time.h"
 #include "values/number_text.h"
 

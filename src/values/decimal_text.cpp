@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/values/whitespace.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/whitespace.h"
 #include "values/decimal_parts.h"
 #include "values/digits.h"
 #include "values/number_text.h"

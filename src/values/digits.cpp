@@ -6,7 +6,7 @@
 #include <limits>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "values/limbs.h"
 #include "values/number_text.h"
 

@@ -6,12 +6,12 @@
 #include <memory>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
+#include "quillon9/text/unicode.h"
 #include "quillon9/values/binary_data.h"
-#include "quillon9/xmlio/encoder.h"
-#include "quillon9/xmlio/unicode.h"
+#include "text/code_page.h"
 #include "values/local_to_utf8.h"
-#include "xmlio/code_page.h"
 
 namespace Quillon9 {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/values/conversions.h"
-#include "quillon9/xmlio/encoder.h"
 #include "values/fixed_pattern.h"
 
 namespace Quillon9 {

@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <string>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/values/conversions.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
-#include "quillon9/xmlio/encoder.h"
 #include "values/number_text.h"
 #include "values/pattern_matching.h"
 #include "values/remembered_value.h"

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "values/limb_ranges.h"
 
 namespace Quillon9 {

@@ -9,7 +9,7 @@
 #include <limits>
 #include <new>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "values/powers_of_10.h"
 
 namespace Quillon9 {

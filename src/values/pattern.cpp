@@ -5,9 +5,9 @@
 #include <string_view>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
-#include "quillon9/xmlio/encoder.h"
 #include "values/pattern_engine.h"
 #include "values/pattern_matching.h"
 #include "values/remembered_value.h"

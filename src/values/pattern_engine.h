@@ -6,7 +6,7 @@
 #include <memory>
 #include <string>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

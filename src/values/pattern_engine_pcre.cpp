@@ -3,7 +3,7 @@
 #include <new>
 #include <vector>
 
-#include "binding/stack_left.h"
+#include "base/stack_left.h"
 #include "values/pattern_engine.h"
 
 namespace Quillon9 {

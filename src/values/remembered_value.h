@@ -6,7 +6,7 @@
 #include <type_traits>
 #include <unordered_map>
 
-#include "binding/per_thread.h"
+#include "base/per_thread.h"
 
 namespace Quillon9 {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "quillon9/values/conversions.h"
-#include "values/whitespace_view.h"
+#include "text/whitespace_view.h"
 
 namespace Quillon9 {
 

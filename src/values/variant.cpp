@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "values/text_conversions.h"
 
 namespace Quillon9 {

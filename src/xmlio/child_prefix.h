@@ -2,8 +2,8 @@
 
 #include <string>
 
+#include "base/text_copy.h"
 #include "quillon9/xmlio/writer.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -10,8 +10,8 @@
 #include <new>
 #include <vector>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/values/binary_data.h"
 #include "xmlio/compressed_header.h"
 

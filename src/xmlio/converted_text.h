@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "quillon9/xmlio/element.h"
-#include "xmlio/utf8_to_local.h"
+#include "text/utf8_to_local.h"
 
 namespace Quillon9 {
 

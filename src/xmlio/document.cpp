@@ -6,9 +6,9 @@
 #include <memory>
 #include <utility>
 
-#include "binding/nesting_failure.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "base/nesting_failure.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {

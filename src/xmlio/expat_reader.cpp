@@ -4,8 +4,8 @@
 #include <new>
 #include <utility>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/expat_version.h"
 

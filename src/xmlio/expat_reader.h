@@ -10,8 +10,8 @@
 #include <string_view>
 
 #include "quillon9/xmlio/document.h"
+#include "text/utf8_to_local.h"
 #include "xmlio/name_cache.h"
-#include "xmlio/utf8_to_local.h"
 
 namespace Quillon9 {
 

@@ -2,7 +2,7 @@
 
 #include <tuple>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 

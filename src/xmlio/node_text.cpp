@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "xmlio/text_copy.h"
+#include "base/text_copy.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {

@@ -4,8 +4,8 @@
 #include <string_view>
 #include <system_error>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/xmlio/encoder.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/encoder.h"
 #include "values/local_to_utf8.h"
 #include "xmlio/file_replacement.h"
 

@@ -6,10 +6,10 @@
 #include <string_view>
 #include <typeinfo>
 
-#include "quillon9/binding/exceptions.h"
+#include "base/text_copy.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/streams.h"
 #include "xmlio/child_prefix.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <new>
 
-#include "binding/per_thread.h"
+#include "base/per_thread.h"
 
 namespace Quillon9 {
 

@@ -9,10 +9,10 @@
 #include <utility>
 #include <vector>
 
-#include "quillon9/binding/plain_classes.h"
+#include "base/address_sanitizer.h"
+#include "quillon9/base/plain_classes.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
-#include "xmlio/address_sanitizer.h"
 
 namespace Quillon9 {
 

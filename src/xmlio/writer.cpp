@@ -7,11 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "binding/nesting_failure.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "base/nesting_failure.h"
+#include "base/text_copy.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "xmlio/namespace_scope.h"
-#include "xmlio/text_copy.h"
 
 namespace Quillon9 {
 

@@ -1,4 +1,4 @@
-#include "quillon9/binding/generated_class.h"
+#include "quillon9/descriptors/generated_class.h"
 
 #include <gtest/gtest.h>
 

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "corpus/sha256.h"
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/encoder.h"
 #include "support/scoped_locale.h"
 
 /// Real documents and the W3C conformance suite, read in place from the folder that the environment variable

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "binding/reading_allowance.h"
+#include "descriptors/reading_allowance.h"
 #include "dynamic_class.h"
 #include "expect_failure.h"
 #include "quillon9/descriptors/element_info.h"

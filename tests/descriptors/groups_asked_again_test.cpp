@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "binding/reading_allowance.h"
+#include "descriptors/reading_allowance.h"
 #include "dynamic_class.h"
 #include "quillon9/descriptors/element_info.h"
 

@@ -12,12 +12,12 @@
 #include <vector>
 
 #include "fastinfoset/restricted_alphabet.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/binding/serialization_context.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/encoder.h"
 #include "support/dump.h"
 #include "support/expect_failure.h"
 #include "support/octets.h"

@@ -10,7 +10,7 @@
 #include "fastinfoset/restricted_alphabet_packing.h"
 #include "octets.h"
 #include "quillon9/fastinfoset/context.h"
-#include "quillon9/xmlio/encoder.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/streams.h"
 #include "scoped_locale.h"
 

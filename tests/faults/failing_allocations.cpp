@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <new>
 
-#include "xmlio/address_sanitizer.h"  // QN_ADDRESS_SANITIZER
+#include "base/address_sanitizer.h"  // QN_ADDRESS_SANITIZER
 
 namespace {
 

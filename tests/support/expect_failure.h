@@ -5,7 +5,7 @@
 #include <string>
 #include <typeinfo>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 /// Expects `expression` to throw exactly `Class` (not a class derived from it) with this full message.
 #define EXPECT_FAILURE(Class, message, expression)                                            \

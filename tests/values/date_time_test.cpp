@@ -7,7 +7,7 @@
 #include <ctime>
 #include <random>
 
-#include "quillon9/binding/exceptions.h"
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/pattern.h"
 #include "scoped_locale.h"
 #include "values/fixed_pattern.h"

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "expect_failure.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
 #include "scoped_locale.h"

@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "fastinfoset/algorithms.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/object_helper.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/values/conversions.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/pattern.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <string>
 
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"

@@ -12,10 +12,10 @@
 #include <new>
 #include <string>
 
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
+#include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/compression.h"
-#include "quillon9/xmlio/encoder.h"
 #include "support/dump.h"
 #include "support/expect_failure.h"
 #include "support/scoped_locale.h"

@@ -1,7 +1,7 @@
 // Each limit: the last value that is accepted, and the next one with the failure that names the limit. And after each
 // failure the same document reads a good input.
 
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/limits.h"
 
 #include <gtest/gtest.h>
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "expect_failure.h"
-#include "quillon9/binding/limits.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"

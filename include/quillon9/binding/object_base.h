@@ -3,8 +3,8 @@
 #include <atomic>
 #include <string>
 
+#include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/serialization_context.h"
-#include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fastinfoset/declaration.h"
 #include "quillon9/fwd.h"

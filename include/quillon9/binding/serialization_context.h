@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/namespace_alias_map.h"
-#include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"

@@ -9,16 +9,16 @@
 #include <vector>
 
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/object_helper.h"
 #include "quillon9/export.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/values/big_integer.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/date_time.h"
 #include "quillon9/values/date_time_span.h"
 #include "quillon9/values/decimal.h"
 #include "quillon9/values/item_type.h"
+#include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
-#include "quillon9/values/whitespace.h"
 
 /// Collections of plain values, for repeating elements of primitive types: C, a kind in XML Schema style, Col. Each
 /// value is tested by the facets as it enters, and not again when it is written. Destroying a collection fires no

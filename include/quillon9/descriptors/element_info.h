@@ -4,13 +4,13 @@
 #include <memory>
 #include <string>
 
-#include "quillon9/binding/generated_class.h"
-#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/base/smart_ptr.h"
+#include "quillon9/descriptors/generated_class.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/values/item_type.h"
 #include "quillon9/values/restrictions.h"
-#include "quillon9/values/whitespace.h"
 
 namespace Quillon9 {
 

@@ -6,11 +6,11 @@
 #include <string>
 #include <utility>
 
+#include "quillon9/base/exceptions.h"
+#include "quillon9/base/instance_monitor.h"
+#include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/binding/exceptions.h"
-#include "quillon9/binding/instance_monitor.h"
 #include "quillon9/binding/object_base.h"
-#include "quillon9/binding/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
 

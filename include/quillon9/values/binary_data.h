@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "quillon9/binding/critical_section.h"
+#include "quillon9/base/critical_section.h"
 #include "quillon9/export.h"
 
 namespace Quillon9 {

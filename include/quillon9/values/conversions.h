@@ -4,12 +4,12 @@
 #include <string>
 
 #include "quillon9/export.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/values/big_integer.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/values/date_time.h"
 #include "quillon9/values/date_time_span.h"
 #include "quillon9/values/decimal.h"
-#include "quillon9/values/whitespace.h"
 
 namespace Quillon9 {
 

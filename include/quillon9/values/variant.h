@@ -6,16 +6,16 @@
 #include <string>
 #include <string_view>
 
-#include "quillon9/binding/smart_ptr.h"
+#include "quillon9/base/smart_ptr.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/values/big_integer.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/values/date_time.h"
 #include "quillon9/values/date_time_span.h"
 #include "quillon9/values/decimal.h"
 #include "quillon9/values/item_type.h"
-#include "quillon9/values/whitespace.h"
 
 namespace Quillon9 {
 

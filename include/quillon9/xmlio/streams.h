@@ -5,9 +5,9 @@
 #include <string>
 
 #include "quillon9/export.h"
+#include "quillon9/text/string_buffer.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/output_options.h"
-#include "quillon9/xmlio/string_buffer.h"
 
 namespace Quillon9 {
 

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "quillon9/binding/plain_classes.h"
+#include "quillon9/base/plain_classes.h"
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
 

@@ -1,5 +1,0 @@
-#include "quillon9/binding/critical_section.h"
-
-CQNCriticalSection::CQNCriticalSection() { pthread_mutex_init(&m_mutex, nullptr); }
-
-CQNCriticalSection::~CQNCriticalSection() { pthread_mutex_destroy(&m_mutex); }

@@ -1,0 +1,34 @@
+// The Fast Infoset output operations of CXmlObjectBase. They stand apart from the class because they lean on the writer
+// and the streams.
+
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/fastinfoset/writer.h"
+#include "quillon9/xmlio/streams.h"
+
+namespace Quillon9 {
+
+CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
+                                                CompressionType compression) const {
+  CBinaryStream stream;
+  CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
+  writer.Open();
+  writer.WriteStartDocument(decl);
+  std::string const targetNamespace = GetTargetNamespace();
+  ToXml_Int(&writer, true, targetNamespace.c_str(), ctx, false);
+  writer.WriteEndDocument();
+  writer.Close();
+  CBinaryData data = stream.GetBinaryStream();
+  if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
+  return data;
+}
+
+void CXmlObjectBase::ToFastInfosetFile(char const* path, FInfoDecl decl, CXmlSerializationContext const& ctx,
+                                       CompressionType compression) const {
+  if (compression == CompressionType_ZLib) {
+    throw CQnException("ZLIB Compression only available for To Stream methods.");
+  }
+  CFileBinaryStream(path, XmlEncoding_Default, ToFastInfosetStream(decl, ctx, compression)).ToFile();
+}
+
+}  // namespace Quillon9

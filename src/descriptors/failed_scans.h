@@ -1,0 +1,129 @@
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "descriptors/reading_allowance.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/fwd.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+/// Remembers what the groups without a tag inside one element have found out about the children and attributes of that
+/// element. One exists while the element is read under the option that ignores unknown children, and ends with it, so
+/// nothing outlives the tree.
+///
+/// When a group lacks a mandatory member, the reader skips one child and asks the group again, and each member then
+/// searches the remaining children again. Without a memory this costs the square of the number of children. Two things
+/// are remembered, because they depend only on names in the tree and asking for them has no effect:
+///
+/// - for a member that takes an element by its name, the places of all children with that name. This answers every
+///   search from any child, up to the end of the children;
+/// - for a table of attribute descriptors, the attributes that it does not ignore.
+///
+/// Groups, collections and untyped members are asked every time, because being asked changes objects. So the classes see
+/// the same calls as from a reader without a memory, with one exception. If a read has become costly (see
+/// ReadingAllowance), a row of children whose names no member knows is passed in one step. At each of them a group
+/// would only repeat the same calls with the same arguments.
+class FailedScans {
+ public:
+  /// What a member is when a group asks it.
+  enum class Kind : std::uint8_t {
+    kNamed,     ///< takes the element under the cursor by its name, and otherwise has no effect
+    kRequired,  ///< the same, and a sequence without a tag searches the following children for it
+    kGroup,     ///< an object without a tag
+    kOther      ///< may change objects whenever it is asked: collections, untyped content, a program's own descriptors
+  };
+
+  /// For the children of \p parent, which is borrowed. It is the current one of this thread until it is destroyed.
+  FailedScans(CXmlElement const& parent, CXmlSerializationContext const& ctx);
+  ~FailedScans() { t_current = m_outer; }
+  FailedScans(FailedScans const&) = delete;
+  FailedScans& operator=(FailedScans const&) = delete;
+
+  /// The current one if it is about the children of \p parent and \p ctx ignores unknown elements; otherwise null.
+  static FailedScans* Of(CXmlElement const* parent, CXmlSerializationContext const& ctx) {
+    if (!ctx.GetIgnoreUnknownElements() || t_current == nullptr || t_current->m_parent != parent) return nullptr;
+    return t_current->m_ignoresNamespaces == ctx.GetIgnoreNamespaces() ? t_current : nullptr;
+  }
+  /// Count the steps of reading \p element into generic content.
+  static void SpendOnGeneric(CXmlElement const& element, CXmlSerializationContext const& ctx) {
+    if (ctx.GetIgnoreUnknownElements() && t_current != nullptr) t_current->Spend(ReadingAllowance::SizeOf(element));
+  }
+
+  /// While one exists, no FailedScans is current: a setter may read another document while its own is read.
+  class Pause {
+   public:
+    Pause() : m_outer(t_current) { t_current = nullptr; }
+    ~Pause() { t_current = m_outer; }
+    Pause(Pause const&) = delete;
+    Pause& operator=(Pause const&) = delete;
+
+   private:
+    FailedScans* m_outer;
+  };
+
+  /// Call before \p member is asked. Returns what it is.
+  Kind Note(Quillon9Data::CElementInfo const& member);
+  /// Call after a member of kind \p kind moved the cursor from \p start to \p stop. \p groups is what Groups() was
+  /// before.
+  void NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement const* stop, std::uint64_t groups);
+  /// The first child from \p cursor on that has the name of \p member; null for none. Note() has been called for it.
+  CXmlElement* Find(Quillon9Data::CElementInfo const& member, CXmlSerializationContext const& ctx, CXmlElement* cursor);
+  /// The child at which to ask again what was asked in vain at \p cursor, which is not null; null if none is left.
+  CXmlElement* Pass(CXmlSerializationContext const& ctx, CXmlElement* cursor);
+
+  /// The attributes that \p table does not ignore; null if that is not known yet.
+  std::vector<CXmlAttribute*> const* AttributesOf(void const* table) const {
+    auto const found = m_attributes.find(table);
+    return found != m_attributes.end() ? &found->second : nullptr;
+  }
+  void NoteAttributes(void const* table, std::vector<CXmlAttribute*> attributes) {
+    m_attributes.emplace(table, std::move(attributes));
+  }
+  /// A group has done something that may not be the same twice, so no children are passed in one step any more.
+  void NoteEffect() { m_hasEffects = true; }
+
+  /// Count a group that the library reads; the number of them so far.
+  ///@{
+  void NoteGroup() {
+    ++m_groups;
+    Spend(1);
+  }
+  std::uint64_t Groups() const { return m_groups; }
+  ///@}
+  void Spend(std::size_t steps) { m_allowance.Spend(steps); }
+
+ private:
+  struct Member {
+    Kind kind;
+    bool isFound = false;                 ///< whether its places have been looked for
+    std::vector<std::uint32_t> places{};  ///< of the children with its name, in order
+  };
+
+  bool IsKnown(CXmlSerializationContext const& ctx, CXmlElement const* child) const;
+  void NumberChildren();
+  /// The number of children if \p child is none of them.
+  std::size_t PlaceOf(CXmlElement const* child) const;
+  std::vector<std::uint32_t> const& PlacesOf(Quillon9Data::CElementInfo const& member,
+                                             CXmlSerializationContext const& ctx);
+
+  inline static thread_local FailedScans* t_current = nullptr;
+
+  FailedScans* const m_outer;
+  CXmlElement const* const m_parent;
+  bool const m_ignoresNamespaces;
+  bool m_hasEffects = false;
+  std::uint64_t m_groups = 0;
+  ReadingAllowance m_ownAllowance;  // of the outermost one
+  ReadingAllowance& m_allowance;
+  std::unordered_map<Quillon9Data::CElementInfo const*, Member> m_members;
+  std::unordered_map<void const*, std::vector<CXmlAttribute*>> m_attributes;
+  std::vector<CXmlElement*> m_children;    // in document order; filled by the first search that goes far
+  std::vector<std::uint32_t> m_byAddress;  // their places in m_children, sorted by address
+};
+
+}  // namespace Quillon9

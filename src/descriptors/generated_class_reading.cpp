@@ -1,0 +1,323 @@
+// How a generated class is read: the drivers walk the tables, and the descriptors decide.
+
+#include <strings.h>
+
+#include <cstdint>
+#include <string>
+#include <typeinfo>
+#include <utility>
+#include <vector>
+
+#include "base/flag_set.h"
+#include "base/nesting_guard.h"
+#include "base/text_copy.h"
+#include "descriptors/failed_scans.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/descriptors/attribute_info.h"
+#include "quillon9/descriptors/element_info.h"
+#include "quillon9/descriptors/generated_class.h"
+#include "quillon9/xmlio/document.h"
+#include "xmlio/object_content.h"
+#include "xmlio/tree_memory.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  try {
+    return ReadElement(parent, cursor, ctx, inChoice);
+  } catch (CQnException const& cause) {
+    throw CQnValidationException(FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()),
+                                 cause);
+  }
+}
+
+CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  Init();
+  CParentElementInfo const& info = *GetClassInfo();
+  NestingGuard const guard(info.m_elementType == XmlElementType_Element);
+  if (info.m_elementType == XmlElementType_Element && !IsSameText(GetElementName(), parent->GetLocalName())) {
+    SetElementName(parent->GetLocalName().c_str());
+  }
+  ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
+  CTreeMemory* const memory = parent->Memory();
+  if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
+  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
+  if (nillable != nullptr && nillable->IsNil()) return cursor;
+  CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
+  // A group that took nothing is dropped, and tried again for the next child.
+  bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
+  if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
+  if (info.m_textPropertyIndex != -1) {
+    QnVariant text;
+    text.SetString(std::string(parent->GetTextView()));
+    AccessProperty(info.m_textPropertyIndex, false, text);
+  }
+  return next;
+}
+
+CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
+                                             CXmlSerializationContext const& ctx, bool inChoice) {
+  if (!ctx.GetIgnoreUnknownElements()) return ReadGroup(info, parent, cursor, ctx, inChoice);
+  FailedScans* const outer = FailedScans::Of(parent, ctx);
+  if (info.m_elementType == XmlElementType_Element || outer == nullptr) {
+    return ReadMembersWithScans(info, parent, cursor, ctx, inChoice);
+  }
+  outer->NoteGroup();
+  if (info.m_textPropertyIndex != -1) outer->Spend(parent->GetTextView().size() / 32);
+  return ReadGroup(info, parent, cursor, ctx, inChoice);
+}
+
+// A function of its own, so that reading without the option needs no stack for the scans.
+[[gnu::noinline]] CXmlElement* CXmlGeneratedClass::ReadMembersWithScans(CParentElementInfo const& info,
+                                                                        CXmlElement* parent, CXmlElement* cursor,
+                                                                        CXmlSerializationContext const& ctx,
+                                                                        bool inChoice) {
+  FailedScans const scans(*parent, ctx);
+  return ReadGroup(info, parent, cursor, ctx, inChoice);
+}
+
+CXmlElement* CXmlGeneratedClass::ReadGroup(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
+                                           CXmlSerializationContext const& ctx, bool inChoice) {
+  switch (info.m_groupType) {
+    case XmlElementGroupType_Sequence: return ProcessElementSeqFromXml(ctx, parent, cursor, info.m_elementType);
+    case XmlElementGroupType_Choice:
+      return ProcessElementChoiceFromXml(ctx, parent, cursor, info.m_elementType, inChoice);
+    case XmlElementGroupType_All: return ProcessElementAllFromXml(ctx, parent, cursor, info.m_elementType);
+  }
+  throw CQnException("Unknow Group Type");
+}
+
+namespace {
+
+[[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const& attribute) {
+  throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
+}
+
+// Most members do not look at the namespace of their holder, whose text costs more than a percent of reading.
+inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CElementInfo& member,
+                CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
+  if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
+  std::string const ns = holder->GetNamespace();
+  return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
+}
+
+// The same, reported to `scans`, which is null where nothing is remembered.
+bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, FailedScans* scans, CElementInfo& member,
+              CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
+  if (scans == nullptr) return Ask(ctx, holder, member, parent, cursor, type);
+  FailedScans::Kind const kind = scans->Note(member);
+  CXmlElement const* const start = *cursor;
+  std::uint64_t const groups = scans->Groups();
+  bool const isSatisfied = Ask(ctx, holder, member, parent, cursor, type);
+  scans->NoteAnswer(kind, start, *cursor, groups);
+  return isSatisfied;
+}
+
+// The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members only
+// groups do so.
+CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& member, CXmlElement const* parent,
+                      CXmlElement* cursor) {
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
+  if (scans == nullptr) return cursor->GetNextSiblingElement();
+  if (scans->Note(member) != FailedScans::Kind::kGroup) scans->NoteEffect();
+  return scans->Pass(ctx, cursor);
+}
+
+// Whether the descriptors do nothing when an attribute is not theirs.
+bool TakesByName(CAttributeInfo* const* table) {
+  for (; *table != nullptr; ++table) {
+    std::type_info const& type = typeid(**table);
+    if (type != typeid(CAttributeInfoPrimitive) && type != typeid(CAttributeInfoEnum)) return false;
+  }
+  return true;
+}
+
+// The place of the descriptor that took the attribute; the end of the table when none did.
+std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
+                           CXmlAttribute* attribute) {
+  std::size_t i = 0;
+  while (table[i] != nullptr && !table[i]->AttributeFromXml(ctx, holder, attribute)) ++i;
+  return i;
+}
+
+}  // namespace
+
+void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
+  auto* const nillable = dynamic_cast<INillable*>(this);
+  if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
+  std::string_view const text = attribute.GetValueView();
+  char const* const value = text.find('\0') == std::string_view::npos ? text.data() : "";
+  if (strcasecmp(value, "true") == 0) {
+    nillable->SetNil(true);
+  } else if (strcasecmp(value, "false") == 0) {
+    nillable->SetNil(false);
+  } else {  // 1 and 0 too, on purpose
+    throw CQnValidationException(
+        FormatString("Unexpected Value for Attribute [%s] found.", attribute.GetLocalName().c_str()));
+  }
+}
+
+// False if the attribute is ignored, which depends on its name only.
+bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAttributeInfo** table, FlagSet& found,
+                                       CXmlAttribute* attribute, bool reject) {
+  if (attribute->IsNamespaceAttribute()) return false;
+  if (attribute->IsNilAttribute()) {
+    ReadNilAttribute(*attribute);
+    return true;
+  }
+  std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
+  if (table[taker] != nullptr) {
+    found.Set(taker);
+    return true;
+  }
+  if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
+  return false;
+}
+
+void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                  bool reject) {
+  CAttributeInfo** const table = GetClassAttributeInfo();
+  std::size_t count = 0;
+  while (table[count] != nullptr) ++count;
+  FlagSet found(count);
+  bool const isGroup = ctx.GetIgnoreUnknownElements() && GetClassInfo()->m_elementType != XmlElementType_Element;
+  FailedScans* const scans = isGroup ? FailedScans::Of(parent, ctx) : nullptr;
+  if (scans != nullptr) {
+    ReadGroupAttributes(ctx, *scans, parent, table, found, reject);
+  } else {
+    for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr;
+         attribute = attribute->GetNextAttribute()) {
+      ReadAttribute(ctx, table, found, attribute, reject);
+    }
+  }
+  for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
+}
+
+// A group is asked again for each child that is skipped, and gets all attributes each time.
+void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans,
+                                             CXmlElement* parent, CAttributeInfo** table, FlagSet& found, bool reject) {
+  bool const isByName = TakesByName(table);
+  if (!isByName) scans.NoteEffect();
+  std::vector<CXmlAttribute*> const* const known = isByName ? scans.AttributesOf(table) : nullptr;
+  if (known != nullptr) {
+    std::size_t steps = 0;
+    for (CXmlAttribute* const attribute : *known) {
+      steps += 1 + attribute->GetValueView().size() / 32;
+      ReadAttribute(ctx, table, found, attribute, reject);
+    }
+    return scans.Spend(steps);
+  }
+  std::vector<CXmlAttribute*> some;
+  std::size_t steps = 0;
+  for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr; attribute = attribute->GetNextAttribute()) {
+    steps += 1 + attribute->GetValueView().size() / 32;
+    if (ReadAttribute(ctx, table, found, attribute, reject)) some.push_back(attribute);
+  }
+  scans.Spend(steps);
+  if (isByName) scans.NoteAttributes(table, std::move(some));
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                          CXmlElement* cursor, XmlElementType type) {
+  if (type != XmlElementType_Element) return ReadSequenceGroup(ctx, parent, cursor, type);
+  CXmlElement* const entry = cursor;
+  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+    while (!Ask(ctx, this, **place, parent, &cursor, type)) {
+      if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
+      cursor = PassVain(ctx, **place, parent, cursor);
+    }
+  }
+  RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+/// The same without a tag.
+CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                   CXmlElement* cursor, XmlElementType type) {
+  CXmlElement* const entry = cursor;
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
+  for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
+    CElementInfo& member = **place;
+    bool const isSought = scans != nullptr && scans->Note(member) == FailedScans::Kind::kRequired;
+    if (isSought) cursor = scans->Find(member, ctx, cursor);
+    while (!AskNoted(ctx, this, scans, member, parent, &cursor, type)) {
+      if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
+      cursor = scans != nullptr ? scans->Pass(ctx, cursor) : cursor->GetNextSiblingElement();
+      if (isSought) cursor = scans->Find(member, ctx, cursor);
+    }
+  }
+  return cursor;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                          CXmlElement* cursor, XmlElementType type) {
+  CXmlElement* const entry = cursor;
+  auto const count = static_cast<std::size_t>(GetClassElementInfoCount());
+  FailedScans* const scans = type != XmlElementType_Element ? FailedScans::Of(parent, ctx) : nullptr;
+  FlagSet found(count);
+  CXmlElement const* previous = nullptr;
+  while (cursor != nullptr && cursor != previous) {
+    previous = cursor;
+    for (std::size_t i = 0; i < count; ++i) {
+      if (found[i]) continue;
+      if (AskNoted(ctx, this, scans, *GetClassElementInfo()[i], parent, &cursor, type)) found.Set(i);
+    }
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    auto const* const member = dynamic_cast<CElementInfoAll const*>(GetClassElementInfo()[i]);
+    if (member == nullptr) throw CQnException("The table of an all group holds a member of another group");
+    if (!member->Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
+  }
+  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+bool CXmlGeneratedClass::OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans,
+                                              CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
+  int const count = GetClassElementInfoCount();
+  for (int i = 0; i < count; ++i) {
+    if (AskNoted(ctx, this, scans, *GetClassElementInfo()[i], parent, cursor, type)) return true;
+  }
+  return false;
+}
+
+CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
+                                                             CXmlElement* cursor, XmlElementType type, bool inChoice) {
+  CXmlElement* const entry = cursor;
+  FailedScans* const scans = FailedScans::Of(parent, ctx);
+  // Most choices with a tag take their first child, and then nothing needs to be noted.
+  FailedScans* noted = type != XmlElementType_Element ? scans : nullptr;
+  bool found = OfferToChoiceMembers(ctx, noted, parent, &cursor, type);
+  while (!found && ctx.GetIgnoreUnknownElements() && type == XmlElementType_Element && cursor != nullptr) {
+    cursor = noted != nullptr ? noted->Pass(ctx, cursor) : cursor->GetNextSiblingElement();
+    noted = scans;
+    if (cursor != nullptr) found = OfferToChoiceMembers(ctx, noted, parent, &cursor, type);
+  }
+  if (!found && !inChoice) {
+    if (type == XmlElementType_Pseudo && ctx.GetIgnoreUnknownElements()) return entry;
+    if (type == XmlElementType_Element && !DoesElementContainOptionalElements() && !ctx.GetIgnoreMissingChoice()) {
+      throw CQnValidationException(
+          FormatString("No child elements within the element [%s] were populated. The element represents a "
+                       "choice, so one and only "
+                       "one element should be populated. The element contained no sutable child elements",
+                       parent->GetLocalName().c_str()));
+    }
+  }
+  if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
+  return cursor;
+}
+
+void CXmlGeneratedClass::RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent,
+                                        CXmlElement const* cursor) const {
+  if (cursor == nullptr || ctx.GetIgnoreUnknownElements()) return;
+  throw CQnValidationException(
+      FormatString("Failed read all the elements held within the element [%s]. The unexpected element [%s] "
+                   "remains un processed",
+                   parent->GetLocalName().c_str(), cursor->GetLocalName().c_str()));
+}
+
+}  // namespace Quillon9

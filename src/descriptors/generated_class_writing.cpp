@@ -1,0 +1,130 @@
+// How a generated class is written. Each rule is tested by the code that writes the thing in question, so an
+// object that is wrong fails in the middle of the output.
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/nesting_guard.h"
+#include "base/text_copy.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/collection.h"
+#include "quillon9/descriptors/attribute_info.h"
+#include "quillon9/descriptors/element_info.h"
+#include "quillon9/descriptors/generated_class.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                                   bool inChoice) const {
+  try {
+    WriteElement(writer, isRoot, ns, ctx, inChoice);
+  } catch (CQnException const& cause) {
+    throw CQnValidationException(FormatString("Failed to convert the element [%s] to XML", GetElementName().c_str()),
+                                 cause);
+  }
+}
+
+void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char const* ns,
+                                      CXmlSerializationContext const& ctx, bool inChoice) const {
+  bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
+  NestingGuard const guard(hasTag);
+  if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
+  INillable const* const nillable = AsNillable(&writer->m_plainClasses);
+  if (nillable != nullptr && nillable->IsNil()) {
+    writer->WriteAttributeNil();
+  } else {
+    WriteContent(writer, ctx, inChoice);
+  }
+  if (hasTag) writer->WriteEndElement();
+}
+
+namespace {
+
+void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) {
+  for (std::string const& instruction : ctx.GetProcessingInstructions()) writer->WritePI(instruction);
+  CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
+  for (int i = 0; i < aliases.GetNamespaceCount(); ++i) {
+    std::string const ns = aliases.GetNamespaceAt(i);
+    writer->AddNamespace(aliases.GetAliasFromNamespace(ns.c_str()), ns);
+  }
+  if (!ctx.GetDefaultNamespaceURI().empty()) writer->SetDefaultNamespace(ctx.GetDefaultNamespaceURI());
+}
+
+}  // namespace
+
+void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
+                                    CXmlSerializationContext const& ctx, bool inChoice) const {
+  if (isRoot) WriteRootPrologue(writer, ctx);
+  std::string text = std::move(writer->m_namespaceText);  // for its memory
+  std::string_view const wanted = ns != nullptr ? ns : "";
+  if (!IsSameText(text, wanted)) text = wanted;  // neighbours mostly share it
+  writer->WriteStartElement(GetElementName(), text);
+  writer->m_namespaceText = std::move(text);
+  // The collection is not made here where there is none: writing changes no context, which threads may share.
+  CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
+  if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);
+  AttributesToXml_Int(writer, ctx);
+  if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
+}
+
+void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const {
+  CParentElementInfo const& info = *GetClassInfo();
+  switch (info.m_groupType) {
+    case XmlElementGroupType_Sequence: ProcessElementSeqToXml(ctx, GetClassElementInfo(), writer); break;
+    case XmlElementGroupType_Choice: ProcessElementChoiceToXml(ctx, GetClassElementInfo(), writer, inChoice); break;
+    case XmlElementGroupType_All: ProcessElementAllToXml(ctx, GetClassElementInfo(), writer); break;
+    default: throw CQnException("Unknown XML Group Type");
+  }
+  if (info.m_textPropertyIndex == -1) return;
+  QnVariant text;
+  ReadProperty(info.m_textPropertyIndex, text);
+  writer->WriteString(text.GetString(), text.GetItemType());
+}
+
+void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
+  try {
+    CParentElementInfo const& info = *GetClassInfo();
+    NestingGuard const guard(false);  // the attributes of groups nest without elements
+    if (ctx.GetWriteTypeAttribute() && info.m_typeAttributeWanted && info.m_typeName != GetElementName()) {
+      writer->WriteAttributeType(info.m_typeNamespace, info.m_typeName, ItemType_string);
+    }
+    ProcessAttributesToXml(ctx, GetClassElementInfo(), GetClassAttributeInfo(), writer);
+  } catch (CQnException const& cause) {
+    throw CQnException("Failed to convert attributes to XML", cause);
+  }
+}
+
+void CXmlGeneratedClass::ProcessAttributesToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
+                                                CAttributeInfo** attributes, CXmlWriter* writer) const {
+  for (; *attributes != nullptr; ++attributes) (*attributes)->AttributeToXml(ctx, this, writer);
+  for (; *elements != nullptr; ++elements) (*elements)->PseudoChildAttributeToXml(ctx, this, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementSeqToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
+                                                CXmlWriter* writer) const {
+  for (; *elements != nullptr; ++elements) (*elements)->ElementToXml(ctx, this, writer);
+}
+
+// In table order, whatever the order was in which the members were read.
+void CXmlGeneratedClass::ProcessElementAllToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
+                                                CXmlWriter* writer) const {
+  for (; *elements != nullptr; ++elements) (*elements)->ElementToXml(ctx, this, writer);
+}
+
+void CXmlGeneratedClass::ProcessElementChoiceToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
+                                                   CXmlWriter* writer, bool inChoice) const {
+  for (; *elements != nullptr; ++elements) {
+    if ((*elements)->ElementToXml(ctx, this, writer)) return;
+  }
+  if (DoesElementContainOptionalElements() || inChoice || ctx.GetIgnoreMissingChoice()) return;
+  throw CQnValidationException(
+      "This element is a choice, and as such must have at one (and only one) valid item, currently there are none "
+      "set");
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,64 @@
+// The reading operations of CXmlObjectBase: each loads a document and hands its root to FromXml_Int. They stand
+// apart from the class because they lean on the document, and with it on the parser.
+
+#include "descriptors/failed_scans.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/document.h"
+#include "xmlio/object_content.h"
+
+namespace Quillon9 {
+
+namespace {
+
+void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerializationContext const& ctx) {
+  if (root == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
+  // The tree is only read, but the cursor that walks it is not const.
+  auto* const parent = const_cast<CXmlElement*>(root);
+  ObjectContent const content(*root);
+  FailedScans::Pause const pause;
+  CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
+}
+
+}  // namespace
+
+void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext const& ctx) {
+  CXmlDocument document(ctx);
+  document.Load(path);
+  ReadFrom(document.GetDocumentElement(), *this, ctx);
+}
+
+void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
+  CXmlDocument document(ctx);
+  document.LoadLentXml(text);
+  ReadFrom(document.GetDocumentElement(), *this, ctx);
+}
+
+void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) {
+  CXmlDocument document(ctx);
+  document.LoadXml(text);
+  ReadFrom(document.GetDocumentElement(), *this, ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
+  CXmlDocument document(ctx);
+  document.LoadLentXmlStream(data, length);
+  ReadFrom(document.GetDocumentElement(), *this, ctx);
+}
+
+void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationContext const& ctx) {
+  FromXmlStream(data.GetData(), data.GetLength(), ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
+  ReadFrom(element, *this, ctx);
+}
+
+void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationContext const& ctx) {
+  if (element == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
+  std::string const text = element->ToXml(false, false, EOLType_LF, CXmlSerializationContext::m_defaultContext);
+  FromXml(text.c_str(), ctx);
+}
+
+}  // namespace Quillon9
