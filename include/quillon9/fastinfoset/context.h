@@ -9,43 +9,44 @@
 
 namespace Quillon9 {
 
-/// The options of Fast Infoset (Rec. ITU-T X.891) inside a CXmlSerializationContext: how strings are encoded, how long
-/// one may be and still enter a table, and the vocabulary that both ends have agreed on. Copies are deep. Readers and
-/// writers only read it, each with a vocabulary of its own, so threads may share one that nobody changes.
+/// The Fast Infoset options (Rec. ITU-T X.891) of a CXmlSerializationContext: how strings are encoded, how long a
+/// string may be and still enter a table, and the vocabulary that both ends have agreed on. Copies are deep. Readers
+/// and writers never change these options, and each has a vocabulary of its own, so threads may share an object that no
+/// thread changes.
 class QUILLON9_API CFastInfosetContext {
  public:
   /// How the values of one ItemType are encoded.
   struct EncodedCharacterString {
     unsigned long m_kind = 0;   ///< 0 default string encoding, 1 restricted alphabet, 2 encoding algorithm
-    unsigned long m_index = 0;  ///< of the alphabet, 1 or 2, or of the algorithm, 1 to 10; not used for kind 0
+    unsigned long m_index = 0;  ///< of the alphabet (1 or 2) or of the algorithm (1 to 10); unused for kind 0
   };
 
   CFastInfosetContext();
-  /// Copies every option, the vocabulary too.
+  /// Copy every option, including the vocabulary.
   ///@{
   CFastInfosetContext(CFastInfosetContext const& other);
   CFastInfosetContext& operator=(CFastInfosetContext const& other);
   ///@}
   ~CFastInfosetContext();
 
-  /// The encoding of kind 0: 0 for UTF-8, the default, or 1 for UTF-16BE, which writers refuse.
+  /// The encoding for kind 0: 0 for UTF-8 (the default), or 1 for UTF-16BE, which writers refuse.
   ///@{
   unsigned char GetDefaultStringEncoding() const { return m_defaultStringEncoding; }
   void SetDefaultStringEncoding(unsigned char encoding) { m_defaultStringEncoding = encoding; }
   ///@}
 
-  /// How values of the ItemType \p type are written; kind 0 by default. Reading does not ask for it.
+  /// How values of the ItemType \p type are written; kind 0 by default. Readers ignore it.
   /// \throws CQnException "The item type [%lu] is out of range" for a \p type above ItemType_xmlCollection.
   EncodedCharacterString GetEncoding(unsigned long type) const {
     if (type >= kItemTypes) ThrowOutOfRange(type);
     return m_encodings[type];
   }
-  /// The index is not looked at before a value is written.
+  /// The index is checked only when a value is written.
   /// \throws CQnException as GetEncoding().
   void SetEncoding(unsigned long type, EncodedCharacterString encoding);
 
-  /// Attribute values of fewer bytes than this enter a table when first written and are an index from then on.
-  /// 6 by default.
+  /// Attribute values shorter than this number of bytes enter a table when they are first written, and are written as
+  /// an index from then on. 6 by default.
   ///@{
   unsigned long GetAttributeMaxAddLength() const { return m_attributeMaxAddLength; }
   void SetAttributeMaxAddLength(unsigned long bytes) { m_attributeMaxAddLength = bytes; }
@@ -56,27 +57,27 @@ class QUILLON9_API CFastInfosetContext {
   void SetElementMaxAddLength(unsigned long bytes) { m_elementMaxAddLength = bytes; }
   ///@}
 
-  /// Begin each document with GetVocabulary(), which the other end must have as well, and write its URI (true), or with
-  /// the built-in entries (false, the default).
+  /// Begin each document with GetVocabulary(), which the other end must have as well, and write its URI (true), or
+  /// begin with the built-in entries only (false, the default).
   ///@{
   bool GetUseGeneratedVocabulary() const { return m_useGeneratedVocabulary; }
   void SetUseGeneratedVocabulary(bool use) { m_useGeneratedVocabulary = use; }
   ///@}
-  /// The vocabulary that is agreed upon, to be filled before it is used.
+  /// The agreed vocabulary. Fill it before it is used.
   ///@{
   CFIVocabulary& GetVocabulary() { return m_vocabulary; }
   CFIVocabulary const& GetVocabulary() const { return m_vocabulary; }
   ///@}
-  /// The URI that stands for it in a document. When it is empty, QUILLON_URI is written. Readers skip it.
+  /// The URI that stands for the vocabulary in a document. If it is empty, QUILLON_URI is written. Readers skip it.
   ///@{
   std::string const& GetExternalVocabularyURI() const { return m_externalVocabularyURI; }
   void SetExternalVocabularyURI(std::string const& uri) { m_externalVocabularyURI = uri; }
   ///@}
 
-  /// Write numbers, booleans and binary values by encoding algorithms, and dates, durations, decimals and integers in
-  /// restricted alphabets. This is short, but takes some values away: one with a character outside its alphabet is
-  /// refused (any duration, a date and time with `.` or `+`), so is a ui8 above the largest i8, and a float is not read
-  /// back as it was.
+  /// Write numbers, booleans and binary values with encoding algorithms, and dates, durations, decimals and integers in
+  /// restricted alphabets. The output is short, but some values can no longer be written or read: a value with a
+  /// character outside its alphabet is refused (any duration, and a date and time with `.` or `+`), so is a ui8 above
+  /// the largest i8, and a float does not read back as the value that was written.
   void SetSuggestedValues();
 
  private:

@@ -2,8 +2,8 @@
 
 namespace Quillon9 {
 
-/// The XML declaration in front of a Fast Infoset document (Rec. ITU-T X.891, 12.3). It is XML text, with the encoding
-/// `finf`; with or without it, the document says the same.
+/// The XML declaration in front of a Fast Infoset document (Rec. ITU-T X.891, 12.3). It is XML text that names the
+/// encoding `finf`; it does not change the meaning of the document.
 enum FInfoDecl : int {
   FInfoDecl_None = 0,
   FInfoDecl_NoVersion = 1,

@@ -10,33 +10,33 @@
 
 namespace Quillon9 {
 
-/// The entries that every vocabulary is born with (Rec. ITU-T X.891, 7.2 and 9).
+/// The entries that every vocabulary starts with (Rec. ITU-T X.891, 7.2 and 9).
 ///@{
 inline constexpr char FI_DEFAULT_PREFIX[] = "xml";
 inline constexpr char FI_DEFAULT_NAMESPACE[] = "http://www.w3.org/XML/1998/namespace";
 ///@}
 /// The built-in restricted alphabets. The exponent of the numeric one is in lower case here, so a number with `E` does
-/// not fit it, and a document that spells one in this alphabet is read with `e`.
+/// not fit, and a document that encodes an `E` in this alphabet is read with `e`.
 ///@{
 inline constexpr char RESTRICTED_ALPHABET_VALUES_NUMERIC[] = "0123456789-+.e ";
 inline constexpr char RESTRICTED_ALPHABET_VALUES_DATE_TIME[] = "0123456789-:TZ ";
 ///@}
 
-/// Numbers strings from 1 in the order in which they came. Made for the lookups of a writer: entries are never removed,
-/// and looking one up copies nothing. Belongs to one thread while it changes.
+/// Numbers strings from 1 in the order of their insertion. It is made for the lookups of a writer: entries are never
+/// removed, and a lookup copies nothing. Only one thread may use it while it changes.
 class QUILLON9_API CFIIndexMap {
  public:
-  /// The index of \p text, 0 when it is not here.
+  /// Return the index of \p text, or 0 if it is absent.
   unsigned long Find(std::string_view text) const;
-  /// Give \p text the next index, unless it is here already. There may be 2^32 - 1 entries; the tables of a vocabulary
-  /// stop at CFIVocabulary::kMaxEntries.
+  /// Give \p text the next index, unless it is already present. There may be 2^32 - 1 entries; the tables of a
+  /// vocabulary stop at CFIVocabulary::kMaxEntries.
   void Insert(std::string_view text);
-  /// The number of entries.
+  /// Return the number of entries.
   std::size_t size() const { return m_texts.size(); }
-  /// The index of the name whose key, as MakeQNameKey() makes it, is here; 0 when it is not. A name that was found
-  /// lately is found again without making the key.
+  /// Return the index of the name whose key, as MakeQNameKey() builds it, is present; 0 if it is absent. A recently
+  /// found name is found again without building the key.
   unsigned long FindName(std::string_view prefix, std::string_view namespaceUri, std::string_view localName);
-  /// Put the key of a name into \p key: local name, a byte 1, namespace URI, a byte 1, prefix.
+  /// Build the key of a name in \p key: local name, a byte 1, namespace URI, a byte 1, prefix.
   static void MakeQNameKey(std::string_view prefix, std::string_view namespaceUri, std::string_view localName,
                            std::string& key);
 
@@ -61,15 +61,16 @@ class QUILLON9_API CFIIndexMap {
 /// The numbered tables of Fast Infoset (Rec. ITU-T X.891, 8): strings, names and values that a document refers to by
 /// index. Index N of a table is element N - 1 of its vector.
 ///
-/// Writers look up values in the index maps and readers look up indices in the vectors. What is added by AddElement(),
-/// AddAttributeValue() and the like goes into both. A map or vector of 2^20 entries is full: it takes no more and says
-/// nothing. Nothing here throws anything but std::bad_alloc. One that nobody changes may be read by any thread.
+/// Writers look up values in the index maps, and readers look up indices in the vectors. AddElement(),
+/// AddAttributeValue() and the other Add functions fill both. A map or vector of 2^20 entries is full and silently
+/// ignores further entries. Nothing here throws anything but std::bad_alloc. Any thread may read a vocabulary that no
+/// thread changes.
 class QUILLON9_API CFIVocabulary {
  public:
-  /// The most entries that a table can have.
+  /// The maximum number of entries in a table.
   static constexpr std::size_t kMaxEntries = std::size_t{1} << 20;
 
-  /// A name as three indices; 0 stands for a part that is absent.
+  /// A name as three indices; 0 stands for an absent part.
   struct CQNameParts {
     unsigned long m_prefix = 0;     ///< index of the prefix
     unsigned long m_namespace = 0;  ///< index of the namespace name
@@ -80,7 +81,7 @@ class QUILLON9_API CFIVocabulary {
   class QUILLON9_API CFIStringTable {
    public:
     CFIStringTable();
-    /// Copies the entries.
+    /// Copy the entries.
     ///@{
     CFIStringTable(CFIStringTable const&);
     CFIStringTable& operator=(CFIStringTable const&);
@@ -92,7 +93,7 @@ class QUILLON9_API CFIVocabulary {
     std::vector<std::string>::const_iterator begin() const { return m_strings.begin(); }
     std::vector<std::string>::const_iterator end() const { return m_strings.end(); }
     ///@}
-    /// The entries themselves. What is changed through the second form is not followed by the index maps.
+    /// The entries themselves. The index maps do not follow changes made through the second form.
     ///@{
     std::vector<std::string> const& GetVector() const { return m_strings; }
     std::vector<std::string>& GetVector() { return m_strings; }
@@ -106,7 +107,7 @@ class QUILLON9_API CFIVocabulary {
   class QUILLON9_API CFIQNameTable {
    public:
     CFIQNameTable();
-    /// Copies the entries.
+    /// Copy the entries.
     ///@{
     CFIQNameTable(CFIQNameTable const&);
     CFIQNameTable& operator=(CFIQNameTable const&);
@@ -118,7 +119,7 @@ class QUILLON9_API CFIVocabulary {
     std::vector<CQNameParts>::const_iterator begin() const { return m_names.begin(); }
     std::vector<CQNameParts>::const_iterator end() const { return m_names.end(); }
     ///@}
-    /// As for CFIStringTable.
+    /// The same as for CFIStringTable.
     ///@{
     std::vector<CQNameParts> const& GetVector() const { return m_names; }
     std::vector<CQNameParts>& GetVector() { return m_names; }
@@ -128,24 +129,24 @@ class QUILLON9_API CFIVocabulary {
     std::vector<CQNameParts> m_names;
   };
 
-  /// The built-in entries only: one prefix, one namespace name, two restricted alphabets.
+  /// Start with the built-in entries only: one prefix, one namespace name, two restricted alphabets.
   CFIVocabulary();
-  /// Copies every table.
+  /// Copy every table.
   ///@{
   CFIVocabulary(CFIVocabulary const& other);
   CFIVocabulary& operator=(CFIVocabulary const& other);
   ///@}
   virtual ~CFIVocabulary();
 
-  /// Add a name, and the strings it is made of where they are not there yet. \p prefix and \p namespaceUri may be
-  /// empty. A name that is there with the same three parts is not added again.
+  /// Add a name, and the strings that it consists of where they are missing. \p prefix and \p namespaceUri may be
+  /// empty. A name with the same three parts is not added twice.
   ///@{
   void AddElement(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
   void AddAttribute(std::string const& prefix, std::string const& namespaceUri, std::string const& localName);
   ///@}
 
-  /// Add a string to the map and to the vector of its table. The vector takes it again if it is there already, while
-  /// the map keeps the first index: look for it first.
+  /// Add a string to the map and to the vector of its table. If the string is already present, the vector gets it a
+  /// second time, while the map keeps the first index, so look it up first.
   ///@{
   void AddElementValue(std::string const& value);
   void AddAttributeValue(std::string const& value);
@@ -154,7 +155,8 @@ class QUILLON9_API CFIVocabulary {
   void AddPrefixName(std::string const& value);
   ///@}
 
-  /// Look for \p value. True when it is there, \p index being its index then; otherwise \p index is unchanged.
+  /// Look up \p value. Return true and store its index in \p index if it is present; otherwise leave \p index
+  /// unchanged.
   ///@{
   bool FindLocalNameIndex(std::string const& value, unsigned long& index) const;
   bool FindNamespaceNameIndex(std::string const& value, unsigned long& index) const;
@@ -162,8 +164,8 @@ class QUILLON9_API CFIVocabulary {
   bool FindIndex(CFIIndexMap const& map, std::string_view value, unsigned long& index) const;
   ///@}
 
-  /// The tables, which live as long as this vocabulary. What is changed through the second forms is not followed by the
-  /// index maps.
+  /// The tables, which live as long as this vocabulary. The index maps do not follow changes made through the second
+  /// forms.
   ///@{
   CFIQNameTable const& GetAttributeNamesTable() const { return m_attributeNames; }
   CFIStringTable const& GetAttributeValuesTable() const { return m_attributeValues; }
@@ -183,7 +185,7 @@ class QUILLON9_API CFIVocabulary {
   /// The texts of the restricted alphabets.
   std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
 
-  /// The maps that a writer looks names and values up in. A name's key is CFIIndexMap::MakeQNameKey().
+  /// The maps in which a writer looks up names and values. CFIIndexMap::MakeQNameKey() builds the key of a name.
   ///@{
   CFIIndexMap& GetAttributeNameIndex() { return m_attributeNameIndex; }
   CFIIndexMap& GetAttributeValueIndex() { return m_attributeValueIndex; }
@@ -191,7 +193,7 @@ class QUILLON9_API CFIVocabulary {
   CFIIndexMap& GetCharacterChunkIndex() { return m_characterChunkIndex; }
   ///@}
 
-  /// The steps that the operations above are made of, for one map or one vector.
+  /// The steps of the operations above, each for one map or one vector.
   ///@{
   void AddValueToMap(std::string_view value, CFIIndexMap& map);
   void AddValueToVector(std::string const& value, std::vector<std::string>& vector);

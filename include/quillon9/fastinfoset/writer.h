@@ -14,7 +14,7 @@
 
 namespace Quillon9 {
 
-/// The URI that a document carries when its context has a vocabulary but no URI for it. It names no resource.
+/// The URI that a document carries when its context has a vocabulary but no URI for it. It does not name a resource.
 inline constexpr char QUILLON_URI[] = "urn:quillon9:external-vocabulary";
 
 class CKnownNames;
@@ -23,23 +23,23 @@ class COctetSink;
 /// Writes a document as Fast Infoset (Rec. ITU-T X.891) into a binary stream. See CXmlWriter for the order of calls;
 /// WriteStartDocument() follows Open(), and WriteEndDocument() comes before Close().
 ///
-/// Names are written in full once and as an index from then on, and so are short values. The ItemType of a value
-/// chooses its encoding, as the context says; the value itself is not looked at, so one that does not fit is a failure.
-/// Comments, processing instructions and in-line schemas are left out. Only the document element declares namespaces;
-/// further down, names carry their prefixes with them.
+/// Each name is written in full once and as an index from then on, and so are short values. The ItemType of a value
+/// selects its encoding, as the context specifies. The value itself does not influence that choice, so a value that
+/// does not fit is a failure. Comments, processing instructions and in-line schemas are left out. Only the document
+/// element declares namespaces; below it, names carry their prefixes.
 ///
-/// Text after a child element becomes text of that child: mixed content is outside what is written here.
+/// Text after a child element becomes text of that child: this writer does not support mixed content.
 ///
-/// Failures are CQnException "Failed to write FastInfoset. ..." with what is told at the operations, those of
-/// CXmlWriter, and those of the conversion that an encoding algorithm asks for (CConversions). What was written before
-/// stays in the stream.
+/// Failures are CQnException "Failed to write FastInfoset. ..." with the reasons that the operations list, those of
+/// CXmlWriter, and those of the conversion that an encoding algorithm uses (CConversions). What was written before the
+/// failure stays in the stream.
 ///
-/// Octets go to the stream in blocks: all of them are there after WriteStartDocument(), WriteEndDocument(), Close() and
-/// the destructor, which throws nothing.
+/// Octets go to the stream in blocks. All of them have arrived after WriteStartDocument(), WriteEndDocument(), Close()
+/// and the destructor, which throws nothing.
 class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
  public:
-  /// Begin with a copy of the vocabulary of \p options, if they use a generated one, or with the built-in entries. Both
-  /// arguments are borrowed and must outlive the writer.
+  /// Begin with a copy of the vocabulary of \p options if they use a generated one, otherwise with the built-in
+  /// entries. Both arguments are borrowed and must outlive the writer.
   CFastInfosetWriter(CFastInfosetContext const& options, CBinaryStream& stream);
   ~CFastInfosetWriter() override;
 
@@ -47,40 +47,41 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void Close() override;
   /// Write nothing.
   void WriteComment(std::string const& text) override;
-  /// Write nothing but the element that was started last, which can get no attributes any more.
+  /// Write only the pending element, if any; it can get no attributes after that.
   /// \throws CQnException as WriteStartElement().
   void WritePI(std::string const& text) override;
   /// Write nothing.
   void WriteInlineSchema(std::string const& text) override;
-  /// The element is written only with the next operation, which tells whether it has attributes.
+  /// Defer the element until the next operation, which shows whether it has attributes.
   /// \throws CQnException as CXmlWriter; "An octet string may not be empty." for an empty name, here and for
   ///         attributes, once it is written.
   void WriteStartElement(std::string const& localName, std::string const& namespaceUri) override;
-  /// An empty \p value is not written.
-  /// \throws CQnException by what the context says for \p type: "Unsupported Feature UTF16BE in
+  /// Write \p value, unless it is empty.
+  /// \throws CQnException depending on what the context specifies for \p type: "Unsupported Feature UTF16BE in
   ///         EncodedCharacterStringBit5.", "Invalid Restricted Alphabet value [%d]", "Invalid Encoding Algorithm value
   ///         [%d]", "Unknown encoding in EncodedCharacterStringBit7.", "Invalid character not found for Restricted
   ///         Alphabet."; "There is no open element for the text." outside of elements; "An octet string may not be
-  ///         empty." for text that an algorithm turns into nothing.
+  ///         empty." for text that an algorithm encodes as no octets.
   void WriteString(std::string const& value, ItemType type) override;
   void WriteEndElement() override;
-  /// \throws CQnException "Attributes must be added before elements"; as WriteString(), but "Unknown encoding in
-  ///         EncodedCharacterStringBit5.".
+  /// \throws CQnException "Attributes must be added before elements"; otherwise as WriteString(), but with "Unknown
+  ///         encoding in EncodedCharacterStringBit5.".
   void WriteAttributeString(std::string const& localName, std::string const& namespaceUri, std::string const& value,
                             ItemType type) override;
-  /// An xsi:type attribute, if \p namespaceUri is empty, the default namespace, or bound to a prefix. If it is unbound
-  /// the attribute is named \p typeName, in \p namespaceUri, instead. The value is that of xsi:type in either case.
+  /// Write an xsi:type attribute if \p namespaceUri is empty, the default namespace, or bound to a prefix. If it is
+  /// unbound, the attribute is named \p typeName, in \p namespaceUri, instead. Its value is that of xsi:type in either
+  /// case.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
 
-  /// The same as WriteStartElement(), WriteString() and WriteEndElement() in a row, at less cost. What a derived class
-  /// overrides is not called. There is a zero behind \p value. \p member is 0, or the number that a member of a class
-  /// has in this process: one number always comes with the same two names.
-  /// \throws CQnException as these.
+  /// Do the same as WriteStartElement(), WriteString() and WriteEndElement() in a row, but faster. Overrides of these
+  /// in a derived class are not called. A zero must follow \p value. \p member is 0 or the process-wide number of a
+  /// class member; one number must always come with the same two names.
+  /// \throws CQnException as these three do.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type, std::uint64_t member = 0);
 
-  /// Write the header, with the declaration \p decl in front of it.
+  /// Write the header, preceded by the declaration \p decl.
   /// \throws CQnException "Invalid declaration value [%d]".
   void WriteStartDocument(FInfoDecl decl);
   /// End the document. All elements must be closed.
@@ -121,12 +122,12 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
 
   std::unique_ptr<COctetSink> m_output;
   CFastInfosetContext const* m_options;
-  CXmlWriterContext* m_pendingElement = nullptr;  // started, not written, not current; its parent link does not own
-  bool m_terminatorPending = false;               // one element's end has been noted, but no octet written for it
+  CXmlWriterContext* m_pendingElement = nullptr;  // started, neither written nor current; its parent link does not own
+  bool m_terminatorPending = false;               // the end of one element is noted but not yet written
   CFIVocabulary m_vocabulary;
   std::unique_ptr<CKnownNames> m_knownNames;
-  bool m_isAsciiUtf8;     // in the local code page, which is asked for once a document
-  std::string m_scratch;  // octets of the value in hand, or key of a new name
+  bool m_isAsciiUtf8;     // in the local code page; determined once per document
+  std::string m_scratch;  // octets of the current value, or key of a new name
 };
 
 }  // namespace Quillon9

@@ -19,99 +19,98 @@ namespace Quillon9 {
 
 class CTreeMemory;
 
-/// A document in memory: the bytes it was read from and the tree of its elements. One object can be loaded
-/// repeatedly; each load drops what was there. Comments, processing instructions and the document type are not
-/// kept; an external DTD or entity is never fetched; the encodings are those that expat knows by itself.
+/// A document in memory: the bytes it was read from and the tree of its elements. An object can be loaded repeatedly;
+/// each load drops the previous contents. Comments, processing instructions and the document type are not kept.
+/// External DTDs and entities are never fetched. The supported encodings are those built into expat.
 ///
-/// All text of the tree is in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). A document
-/// and its tree belong to one thread at a time.
+/// All text of the tree is in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). Only one thread
+/// at a time may use a document and its tree.
 class QUILLON9_API CXmlDocument {
  public:
-  /// Sees each element when it is complete, children first, and answers true to have it removed and destroyed. The
-  /// document element is never removed, nor is an element that the filter itself has detached. What it throws ends the
-  /// load and passes through, and so does CQnException "The filter changed the document that is being read" after one
-  /// that loads or cleans up the document.
+  /// Called for each element when it is complete, children first. Returns true to have the element removed and
+  /// destroyed. The document element is never removed, nor is an element that the filter itself has detached. An
+  /// exception from the filter ends the load and reaches its caller. If the filter loads or cleans up the document, the
+  /// load fails with CQnException "The filter changed the document that is being read".
   using ElementFilter = bool (*)(CXmlElement*);
 
-  /// No filter, the default context.
+  /// Use no filter and the default context.
   CXmlDocument();
-  /// With \p filter and the default context.
+  /// Use \p filter and the default context.
   explicit CXmlDocument(ElementFilter filter);
-  /// \p context is kept, not copied: it must outlive the document. Its schema type is taken now.
+  /// Keep a reference to \p context, which must outlive the document. Its schema type is read now.
   ///@{
   explicit CXmlDocument(CXmlSerializationContext const& context);
   CXmlDocument(ElementFilter filter, CXmlSerializationContext const& context);
   ///@}
   virtual ~CXmlDocument();
-  /// Drop the tree, the input and the namespace aliases. Filter, context and schema type stay.
+  /// Drop the tree, the input and the namespace aliases. The filter, context and schema type stay.
   virtual void Cleanup();
   CXmlDocument(CXmlDocument const&) = delete;
   CXmlDocument& operator=(CXmlDocument const&) = delete;
 
-  /// Load XML text: the bytes of \p text up to its NUL, in the encoding that the document declares, UTF-8 if none.
-  /// Compressed input and Fast Infoset are not recognised here.
+  /// Load XML text: the bytes of \p text up to its NUL, in the encoding that the document declares, or UTF-8 if it
+  /// declares none. Compressed input and Fast Infoset are not recognised here.
   ///
-  /// All four loads copy their input, and fail with CQnException on malformed XML
-  /// ("[what expat says] at line [number]", the elements read so far stay until Cleanup()), beyond
-  /// CLimits::GetMaxElementDepth() ("The element nesting exceeds the limit of %u levels") and beyond 4,294,967,295
-  /// bytes ("The document exceeds the limit of 4294967295 bytes"; of a file, with its path: Load()).
+  /// All four loads copy their input. They fail with CQnException on malformed XML ("[what expat says] at line
+  /// [number]"; the elements read so far stay until Cleanup()), beyond CLimits::GetMaxElementDepth() ("The element
+  /// nesting exceeds the limit of %u levels") and beyond 4,294,967,295 bytes ("The document exceeds the limit of
+  /// 4294967295 bytes"; for a file, with its path: see Load()).
   /// \throws CQnException "XML String is empty!", also for null.
   void LoadXml(char const* text);
-  /// Load wide text. Each character counts with its low 16 bits, so one beyond the basic plane is to be given as a
+  /// Load wide text. Only the low 16 bits of each character count, so pass a character beyond the basic plane as a
   /// surrogate pair. A declared encoding must be UTF-16. Failures as above.
   void LoadXml(wchar_t const* text);
-  /// Load \p size bytes of XML text or Fast Infoset (Rec. ITU-T X.891), as they are or in a gzip or zlib wrapper. The
+  /// Load \p size bytes of XML text or Fast Infoset (Rec. ITU-T X.891), plain or compressed with gzip or zlib. The
   /// filter does not see the elements of Fast Infoset.
-  /// \throws CQnException "XML Stream is empty!" for no bytes or null; otherwise as above. For malformed Fast Infoset
-  ///         "Failed to parse FastInfoset. [reason]", or what CFastInfosetBinaryData says of encoded values.
-  ///         CQnUtf16Exception for a string in UTF-16 in it.
+  /// \throws CQnException "XML Stream is empty!" for null or no bytes; otherwise as above. For malformed Fast Infoset
+  ///         "Failed to parse FastInfoset. [reason]", or what CFastInfosetBinaryData throws for encoded values.
+  ///         CQnUtf16Exception for a string in UTF-16 in Fast Infoset.
   void LoadXmlStream(unsigned char const* data, unsigned long size);
-  /// Load a file of XML text or Fast Infoset, as LoadXmlStream() does. It never waits for the writer of a pipe.
+  /// Load a file of XML text or Fast Infoset, as LoadXmlStream() does. Never wait for the writer of a pipe.
   /// \throws CQnException "Failed to open the file [%s]",
   ///         "Failed to get the size of the file [%s] Error [%s]" (a directory, a pipe),
   ///         "Failed to read the contents of the file [%s] Error [%s]" (also an empty file),
-  ///         "The file [%s] exceeds the limit of 4294967295 bytes"; otherwise as above. The error is the system's text.
+  ///         "The file [%s] exceeds the limit of 4294967295 bytes"; otherwise as above. Error is the system's text.
   void Load(char const* path);
 
-  /// The root of the tree, owned by this document; null when nothing was read.
+  /// Return the root of the tree, owned by this document; null if nothing was read.
   CXmlElement* GetDocumentElement() const { return m_documentElement; }
-  /// The URI that \p prefix (empty for the default namespace) was bound to by its last declaration anywhere in the
-  /// document; empty for an unknown prefix.
+  /// Return the URI to which the last declaration anywhere in the document bound \p prefix (empty for the default
+  /// namespace); empty for an unknown prefix.
   std::string LookupNamespaceFromAlias(char const* prefix) const;
-  /// All prefixes, each with that URI. They live until the next change of the document.
+  /// Return all prefixes, each with that URI, until the next change of the document.
   std::map<std::string, std::string> const& GetNamespaceAliases() const { return m_namespaceAliases; }
 
-  /// The context that the constructor was given.
+  /// Return the context that was passed to the constructor.
   CXmlSerializationContext const& GetContext() const { return m_context; }
-  /// The schema type that the context had when this document was made.
+  /// Return the schema type that the context had when this document was constructed.
   SchemaType GetSchemaType() const { return m_schemaType; }
-  /// The bytes being read, decompressed; they live until the next Cleanup(). Null before a load, and behind one by
-  /// CXmlObjectBase, unless they were compressed.
+  /// Return the bytes of the input, decompressed, which live until the next Cleanup(). Null before a load, and after
+  /// one by CXmlObjectBase unless the input was compressed.
   unsigned char const* GetInputData() const { return m_inputData; }
-  /// Their number.
+  /// Return the number of these bytes.
   unsigned long GetInputSize() const { return m_inputSize; }
 
-  /// Whether the context asks for CDATA sections to be read as plain text.
+  /// Return whether the context asks for CDATA sections to be read as plain text.
   bool StripsCDATA() const;
 
   /// \name Building the tree
-  /// For readers. Elements are created open and close in reverse order.
+  /// For readers. Elements are open when created, and close in reverse order.
   /// @{
   /// Create the document element and open it. Null counts as an empty text.
-  /// \throws CQnException "The document has a document element already"; on nesting beyond the limit, as told
-  /// above.
+  /// \throws CQnException "The document has a document element already"; on nesting beyond the limit, as above.
   CXmlElement* AddDocElement(char const* namespaceUri, char const* localName);
   CXmlElement* AddDocElement(std::string_view namespaceUri, std::string_view localName);
   CXmlElement* AddDocElement(CXmlName const* name);
   /// Create a child of the innermost open element and open it.
-  /// \throws CQnException "No element is open"; on nesting beyond the limit, as told above.
+  /// \throws CQnException "No element is open"; on nesting beyond the limit, as above.
   CXmlElement* AddChildElement(char const* namespaceUri, char const* localName);
   CXmlElement* AddChildElement(std::string_view namespaceUri, std::string_view localName);
   CXmlElement* AddChildElement(CXmlName const* name);
-  /// The name that all nodes of this document with these names share. It lives until Cleanup(), and as long as there is
-  /// a node that a caller detached.
+  /// Return the name object that all nodes of this document with these names share. It lives until Cleanup(), or longer
+  /// while a node that a caller detached exists.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
-  /// Close the innermost open element and show it to the filter.
+  /// Close the innermost open element and pass it to the filter.
   /// \throws CQnException "No element is open".
   void EndElement() {
     if (m_filter != nullptr) {
@@ -120,35 +119,35 @@ class QUILLON9_API CXmlDocument {
       CloseElement();
     }
   }
-  /// Close the innermost open element, without the filter.
+  /// Close the innermost open element without calling the filter.
   /// \throws CQnException "No element is open".
   void CloseElement() {
     OpenElementOrThrow();
     m_elementStack.pop_back();
   }
   std::size_t GetOpenElementCount() const { return m_elementStack.size(); }
-  /// The innermost open element, or null.
+  /// Return the innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back().element; }
   void AddElementAttribute(CXmlElement* element, std::string_view localName, std::string_view value,
                            std::string_view namespaceUri);
-  /// To an element of this document.
+  /// Add an attribute to an element of this document.
   void AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string_view value);
-  /// Append \p text to \p element without its carriage returns, up to its NUL or \p length bytes.
+  /// Append \p text, up to its NUL or \p length bytes, to \p element without the carriage returns.
   void AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length);
   void AppendTextExcludingCR(CXmlElement* element, char const* text);
-  /// Note that a reader has put \p bytes of content into the tree by itself. The other operations here do it
-  /// themselves.
+  /// Count \p bytes of content that a reader has put into the tree by itself. The other operations here count what they
+  /// add.
   /// \throws CQnException "The content of the document exceeds the limit of %llu bytes" when the input that is being
   ///         loaded has delivered more than CLimits allows: see CLimits::GetMaxContentSize().
   void CountContent(std::size_t bytes) {
     m_contentSize += bytes;
     if (m_contentSize > m_contentLimit) ThrowContentTooLarge();
   }
-  /// How many bytes CountContent() still takes.
+  /// Return how many bytes CountContent() still accepts.
   std::uint64_t GetContentLeft() const { return m_contentSize < m_contentLimit ? m_contentLimit - m_contentSize : 0; }
-  /// Bind \p prefix to \p namespaceUri, in place of an earlier binding.
+  /// Bind \p prefix to \p namespaceUri, replacing an earlier binding.
   void SetNamespaceAlias(std::string prefix, std::string namespaceUri);
-  /// Note that the input has a document type declaration.
+  /// Report that the input has a document type declaration.
   /// \throws CQnException "The document has a document type declaration, which is not allowed" after
   ///         CLimits::SetAllowDocumentType(false).
   static void CheckDocumentType();
@@ -157,13 +156,13 @@ class QUILLON9_API CXmlDocument {
  private:
   struct OpenElement {
     CXmlElement* element;
-    /// The child of the same parent in front of it, so that a filter that drops many stays linear.
+    /// The previous child of the same parent, so that a filter that drops many elements stays linear.
     CXmlElement* before;
   };
 
-  friend class ObjectContent;   // which gives back what objects counted
-  friend class CXmlObjectBase;  // which reads from bytes that outlive its document
-  /// LoadXml() and LoadXmlStream() without the copy. It would cost three percent of reading, and a byte for each byte.
+  friend class ObjectContent;   // gives back what objects counted
+  friend class CXmlObjectBase;  // reads from bytes that outlive its document
+  /// LoadXml() and LoadXmlStream() without the copy, which would cost time and double the memory for the input.
   ///@{
   void LoadLentXml(char const* text);
   void LoadLentXmlStream(unsigned char const* data, unsigned long size);
@@ -193,7 +192,7 @@ class QUILLON9_API CXmlDocument {
   std::map<std::string, std::string> m_namespaceAliases;
   unsigned char const* m_inputData = nullptr;
   unsigned long m_inputSize = 0;
-  std::unique_ptr<unsigned char[]> m_ownedInput;  // null where the bytes are the caller's
+  std::unique_ptr<unsigned char[]> m_ownedInput;  // null if the bytes belong to the caller
   SchemaType m_schemaType;
   ElementFilter m_filter;
   CXmlSerializationContext const& m_context;
@@ -201,16 +200,16 @@ class QUILLON9_API CXmlDocument {
   std::uint64_t m_contentSize = 0;
   static constexpr std::uint64_t kNoLimit = ~std::uint64_t{0};
   std::uint64_t m_contentLimit = kNoLimit;  // for trees that a program builds
-  /// Of the nodes; made for the first one.
+  /// The memory of the nodes, created with the first one.
   CTreeMemory* m_memory = nullptr;
 };
 
-/// Set by AsyncFromXmlFile(bool); reading is the same either way.
+/// The switch that AsyncFromXmlFile(bool) sets. It does not affect reading.
 QUILLON9_API extern bool ASYNC_FROMXMLFILE;
-/// Store \p async in ASYNC_FROMXMLFILE. Call it before threads run.
+/// Store \p async in ASYNC_FROMXMLFILE. Call it before other threads run.
 QUILLON9_API void AsyncFromXmlFile(bool async);
 
-/// The length of an open file in bytes, its position kept; -1 when a step fails (errno tells why).
+/// Return the length of an open file in bytes and keep its position; -1 if a step fails (errno has the reason).
 QUILLON9_API long _filelength(std::FILE* file);
 
 }  // namespace Quillon9

@@ -10,7 +10,7 @@
 
 namespace Quillon9 {
 
-/// The local name or the namespace URI that a search in a tree looks for. An empty text matches only an empty one, so
+/// The local name or the namespace URI that a search in a tree looks for. An empty text matches only empty names, so
 /// the empty URI finds nodes in no namespace.
 ///
 /// The text is borrowed: it must outlive the ranges and iterators that are made with it. A literal does; a temporary
@@ -35,10 +35,10 @@ class CXmlNameFilter {
   std::string_view m_text;
 };
 
-/// A forward iterator over those children or attributes of an element that match. It points to a node and owns nothing;
+/// A forward iterator over the matching children or attributes of an element. It points to a node and owns nothing;
 /// copies advance independently.
 ///
-/// The tree may change during a loop. The loop visits nodes that are appended before it ends, and other nodes than the
+/// The tree may change during a loop. The loop visits nodes that are appended before it ends, and nodes other than the
 /// current one may be removed. If the current node is detached, the next step reaches the end. If it is destroyed, the
 /// next step is undefined behaviour.
 template <class Node>
@@ -105,7 +105,7 @@ class CXmlNodeIterator {
   CXmlNameFilter m_namespaceUri;
 };
 
-/// The children or attributes of an element that match, for range-for and standard algorithms. It owns nothing, so the
+/// The matching children or attributes of an element, for range-for and standard algorithms. It owns nothing, so the
 /// element must outlive it. CXmlNodeIterator describes what may change during a loop. A range belongs to the thread
 /// that uses the tree.
 template <class Node>
@@ -116,7 +116,7 @@ class CXmlNodeRange {
   /// The same type; the range itself decides whether its nodes are const.
   using const_iterator = iterator;
 
-  /// The matches among \p first, which may be null, and the nodes after it.
+  /// Select the matches among \p first, which may be null, and the nodes after it.
   CXmlNodeRange(Node* first, CXmlNameFilter const& localName, CXmlNameFilter const& namespaceUri)
       : m_first(first, localName, namespaceUri) {}
 

@@ -12,39 +12,39 @@ namespace Quillon9 {
 class CTreeMemory;
 struct CTreeString;
 
-/// The text of a node of a tree: bytes in the tree's memory, with a zero behind them. It becomes a std::string only for
-/// who asks for one, and when it is long. Nearly all are short and only looked at: a std::string in each node would
-/// double the memory of a tree and have each node visited at its end. For the nodes; callers ask those.
+/// The text of a node of a tree: bytes in the tree's memory, followed by a zero. It becomes a std::string only on
+/// request and when it is long. Nearly all texts are short and only looked at: a std::string in each node would double
+/// the memory of a tree and require a visit to each node at its end. For the nodes; other callers ask those.
 ///
-/// The memory is that of the node's document, or null for a node by itself; it is the same in all calls. One thread at
-/// a time, for the const operations too.
+/// The memory is that of the node's document, or null for a standalone node, and is the same in all calls. Only one
+/// thread at a time may use a text, even for the const operations.
 class QUILLON9_API CNodeText {
  public:
   CNodeText() = default;
   CNodeText(CNodeText const&) = delete;
   CNodeText& operator=(CNodeText const&) = delete;
 
-  /// The bytes, until the next call of another operation.
+  /// Return the bytes, until the next call of another operation.
   std::string_view GetView() const {
     if (m_place == 0) return std::string_view("", 0);
     return IsString() ? ViewOfString() : std::string_view(Bytes(), Size());
   }
-  /// The same as a string, which lives until the next Append() or Free().
+  /// Return the same as a string, which lives until the next Append() or Free().
   std::string const& GetString(CTreeMemory* memory) const;
-  /// Append \p text. Appending n bytes in any number of runs costs O(n).
+  /// Append \p text. Appending n bytes in any number of pieces costs O(n).
   void Append(std::string_view text, CTreeMemory* memory);
-  /// The same for ASCII without zeros and carriage returns, looked at while it is copied. False when the text is
-  /// another one, or has to become a string: nothing has changed then.
+  /// Append ASCII without zeros and carriage returns, checking it while copying. Return false, with nothing changed, if
+  /// the text is not of this kind or has to become a string.
   bool AppendPlain(std::string_view text, CTreeMemory* memory) {
     return m_place == 0 && memory != nullptr ? SetPlain(text, *memory) : AppendMorePlain(text, memory);
   }
-  /// Give all memory back; the text is empty then. Where it is not called, the bytes go with the tree's memory, and
-  /// those of a node by itself are lost.
+  /// Release all memory; the text is empty afterwards. Without this call, the bytes go with the tree's memory, and
+  /// those of a standalone node leak.
   void Free(CTreeMemory* memory) noexcept;
 
  private:
   static constexpr std::uintptr_t kIsString = 1;
-  /// Two bytes in front of the text: how long it is, and how long it may get where it stands.
+  /// Two bytes in front of the text hold its length and how long it may get in place.
   static constexpr std::size_t kHead = 2;
 
   std::string_view ViewOfString() const;

@@ -2,8 +2,8 @@
 
 namespace Quillon9 {
 
-/// The kind of schema that the generated classes come from. The library tells apart only the kind without
-/// namespaces: under it documents are parsed without namespace processing and names are compared as they stand,
+/// The kind of schema that the generated classes come from. The library treats only SchemaType_DTD, which has no
+/// namespaces, differently: documents are then parsed without namespace processing, and names are compared literally,
 /// prefix included.
 enum SchemaType : int {
   SchemaType_XSD = 0,

@@ -11,40 +11,40 @@
 
 namespace Quillon9 {
 
-/// The switch that AsyncToXmlFile(bool) stores; false at start. A plain value: set it before threads run.
+/// The switch that AsyncToXmlFile(bool) sets; initially false. It is a plain variable: set it before other threads run.
 QUILLON9_API extern bool ASYNC_TOXMLFILE;
 
 /// Let CXmlObjectBase::ToXmlFile write uncompressed text through a CFileTextStream while it is produced (true), or
-/// make the whole document in memory first (false, the default). For the whole process. A CFileTextStream cannot
-/// write any text yet, so true makes ToXmlFile fail for every document.
+/// build the whole document in memory first (false, the default). This applies to the whole process. A CFileTextStream
+/// cannot write any text yet, so true makes ToXmlFile fail for every document.
 QUILLON9_API void AsyncToXmlFile(bool async);
 
 namespace detail {
 
-/// Closes a file that nobody closed.
+/// Closes a file that is still open.
 struct CFileCloser {
-  /// Close \p file, which is open; its failure is dropped.
+  /// Close \p file, which must be open, and ignore a failure.
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
 }  // namespace detail
 
-/// Collects text in the local code page, in memory. Belongs to one thread, as all streams do.
+/// Collects text in the local code page, in memory. Like all streams, it belongs to one thread.
 class QUILLON9_API CTextStream {
  public:
-  /// A stream with XmlEncoding_Default: text may be taken from it, encoded bytes may not.
+  /// Create a stream with XmlEncoding_Default: its text can be taken, but not as encoded bytes.
   CTextStream();
-  /// A stream whose text can be taken in \p encoding.
+  /// Create a stream whose text can be taken in \p encoding.
   explicit CTextStream(XmlEncoding encoding);
   CTextStream(CTextStream const&) = delete;
   CTextStream& operator=(CTextStream const&) = delete;
   virtual ~CTextStream();
 
-  /// Discard what is held.
+  /// Discard the text.
   virtual void Open();
-  /// Does nothing: the text stays.
+  /// Do nothing: the text stays.
   virtual void Close();
-  /// Does nothing: the text stays.
+  /// Do nothing: the text stays.
   virtual void Flush();
 
   /// Add \p text up to the first NUL byte.
@@ -56,21 +56,21 @@ class QUILLON9_API CTextStream {
   void Append(char const* text, unsigned long length) { m_buffer.Append(text, length); }
   /// Add one byte.
   void Append(char character) { m_buffer.Append(character); }
-  /// Room for \p count bytes behind the text, and taking up those that were filled, as CStringBuffer has them.
+  /// Reserve room for \p count bytes after the text, and accept the bytes that were filled, as CStringBuffer does.
   ///@{
   char* Reserve(unsigned long count) { return m_buffer.Reserve(count); }
   void Commit(unsigned long count) { m_buffer.Commit(count); }
   ///@}
 
-  /// The text held, NUL-terminated. The stream owns it; it is valid until the next change of the stream.
+  /// Return the text, NUL-terminated. The stream owns it; it is valid until the next change of the stream.
   char const* GetText() const { return m_buffer.GetText(); }
-  /// The text held, as a string.
+  /// Return a copy of the text.
   std::string CopyText() const;
-  /// The bytes held.
+  /// Return the length of the text in bytes.
   unsigned long GetLength() const { return m_buffer.GetLength(); }
-  /// The encoding that the constructor was given.
+  /// Return the encoding that was passed to the constructor.
   XmlEncoding GetEncoding() const { return m_encoding; }
-  /// The text held, as CEncoder makes it: UTF-8, or wide characters for XmlEncoding_UTF16 and XmlEncoding_Unicode.
+  /// Return the text as CEncoder encodes it: UTF-8, or wide characters for XmlEncoding_UTF16 and XmlEncoding_Unicode.
   /// There is no byte order mark.
   /// \throws CQnException "Unknown Encoding, select UTF-8 [For help write to the maintainers of Quillon9]" for any
   ///         other encoding; those of CEncoder.
@@ -85,24 +85,24 @@ class QUILLON9_API CTextStream {
   XmlEncoding m_encoding;
 };
 
-/// Meant to send text to a file while it is produced. What it sends is its block of encoded data, which nothing
-/// fills so far: a flush with text pending fails.
+/// Meant to send text to a file while it is produced. It sends its block of encoded data, which nothing fills so far,
+/// so a flush with text pending fails.
 class QUILLON9_API CFileTextStream : public CTextStream {
  public:
-  /// A stream to the file \p path (copied), which Open() creates.
+  /// Create a stream to the file \p path (copied), which Open() creates.
   CFileTextStream(char const* path, XmlEncoding encoding);
-  /// Close the file if it is open, without a flush.
+  /// Close the file if it is open, without flushing it.
   ~CFileTextStream() override;
 
-  /// Discard what is held and create the file, with the bytes FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode.
-  /// \throws CQnException "Failed to write data to the file [%s]" with the path; the file is closed then.
+  /// Discard the text and create the file, with the bytes FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode.
+  /// \throws CQnException "Failed to write data to the file [%s]" with the path; the file is closed afterwards.
   void Open() override;
-  /// Flush, close the file and discard what is held. Does nothing to a file that is not open.
+  /// Flush and close the file and discard the text. Does nothing if the file is not open.
   /// \throws CQnException as Flush(), or "Failed to write data to the file [%s]" when the system reports data lost
   ///         on closing. The file is closed in either case.
   void Close() override;
-  /// Send the block to the file if there is text, then discard the text.
-  /// \throws CQnException "Failed to write data to the file"; the file is closed then.
+  /// If there is text, send the block to the file, then discard the text.
+  /// \throws CQnException "Failed to write data to the file"; the file is closed afterwards.
   void Flush() override;
 
  private:
@@ -115,7 +115,7 @@ class QUILLON9_API CFileTextStream : public CTextStream {
 class QUILLON9_API CBinaryStream {
  public:
   CBinaryStream();
-  /// Start with the bytes of \p data, which are shared, not copied, until one of both changes.
+  /// Start with the bytes of \p data, which are shared, not copied, until either of the two changes.
   explicit CBinaryStream(CBinaryData const& data);
   CBinaryStream(CBinaryStream const&) = delete;
   CBinaryStream& operator=(CBinaryStream const&) = delete;
@@ -128,7 +128,7 @@ class QUILLON9_API CBinaryStream {
   void Append(unsigned char byte) { m_data.Append(byte); }
   ///@}
 
-  /// The bytes held, shared with this stream.
+  /// Return the collected bytes, shared with this stream.
   CBinaryData GetBinaryStream() const { return m_data; }
 
  protected:
@@ -144,20 +144,20 @@ class QUILLON9_API CBinaryStream {
 /// Collects bytes and writes them to a file in one go.
 class QUILLON9_API CFileBinaryStream : public CBinaryStream {
  public:
-  /// Without bytes. \p path is copied; null is an empty one. \p encoding decides on the byte order mark alone.
+  /// Start without bytes. \p path is copied; null counts as empty. \p encoding decides only on the byte order mark.
   CFileBinaryStream(char const* path, XmlEncoding encoding);
   /// Start with the bytes of \p data, shared as in CBinaryStream.
   CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData const& data);
   ~CFileBinaryStream() override;
 
-  /// Write the file with all bytes held; in front of them FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode,
-  /// whatever the bytes are. The bytes go to a temporary file in the same folder, which then replaces the file and gets
-  /// its owner, group and rights. Symbolic links are followed. Pipes, devices, and files that the system does not allow
-  /// to be replaced are written directly. Other threads and processes may write the same file: it then has the contents
-  /// of the last one.
-  /// \throws CQnException "Failed to write data to the file [%s]" with the path, when the file cannot be created or may
-  ///         not be written, when no bytes are held, and when not all bytes reached it. A file that existed is as
-  ///         before, unless it was written directly.
+  /// Write the file with all collected bytes, preceded by FF FE for XmlEncoding_UTF16 and XmlEncoding_Unicode whatever
+  /// the bytes are. The bytes go to a temporary file in the same folder, which then replaces the file and gets its
+  /// owner, group and rights. Symbolic links are followed. Pipes, devices, and files that the system does not allow to
+  /// be replaced are written directly. Other threads and processes may write the same file at the same time: it then
+  /// has the contents of the last one.
+  /// \throws CQnException "Failed to write data to the file [%s]" with the path if the file cannot be created or may
+  ///         not be written, if there are no bytes, or if not all bytes reached the file. An existing file is unchanged
+  ///         then, unless it was written directly.
   void ToFile();
 
  private:

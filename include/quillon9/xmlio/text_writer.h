@@ -10,67 +10,68 @@
 
 namespace Quillon9 {
 
-/// Writes a document as XML 1.0 text (W3C) into a text stream. See CXmlWriter for the order of calls. Item types
-/// do not matter here.
+/// Writes a document as XML 1.0 text (W3C) into a text stream. See CXmlWriter for the order of calls. Item types have
+/// no effect here.
 ///
-/// Formatted, each element without text stands on lines of its own, indented by one tab a level. Text is written
-/// at its place, with no line end added. Once 4,096 bytes wait in the stream after an operation, it is flushed;
-/// failures of the stream pass through.
+/// In formatted output, each element without text stands on its own lines, indented by one tab per level. Text is
+/// written in place, with no line end added. When 4,096 bytes are pending in the stream after an operation, the stream
+/// is flushed; its failures reach the caller.
 ///
-/// Text and attribute values are escaped as PadAndAppend() tells. Names, namespace URIs, processing instructions
-/// and the in-line schema are written as given.
+/// Text and attribute values are escaped as PadAndAppend() describes. Names, namespace URIs, processing instructions
+/// and the in-line schema are written literally.
 class QUILLON9_API CXmlTextWriter : public CXmlWriter {
  public:
-  /// Formatted, with EOLType_LF. \p stream is borrowed and must outlive the writer.
+  /// Write formatted output with EOLType_LF. \p stream is borrowed and must outlive the writer.
   explicit CXmlTextWriter(CTextStream& stream);
   ~CXmlTextWriter() override;
 
   void Open() override;
   /// Close the stream in any case, then check that no element is open.
   void Close() override;
-  /// The text is escaped as content; a "--" in it is not mended. Followed by a line end.
+  /// Write the text escaped as content, followed by a line end. A "--" in it is not repaired.
   void WriteComment(std::string const& text) override;
-  /// Followed by two line ends.
+  /// Write the processing instruction, followed by two line ends.
   void WritePI(std::string const& text) override;
   void WriteInlineSchema(std::string const& text) override;
-  /// The element of the default namespace gets no prefix. Neither that namespace nor the absence of one is
-  /// declared on it: only the document element declares, what was set on the writer before it.
+  /// Start an element; one in the default namespace gets no prefix. Neither that namespace nor the absence of one is
+  /// declared on it: only the document element declares what was set on the writer before it.
   void WriteStartElement(std::string const& localName, std::string const& namespaceUri) override;
-  /// An empty \p value leaves the start tag open. A value that begins with "<![CDATA[" is written as it stands.
+  /// Write the content. An empty \p value leaves the start tag open. A value that begins with "<![CDATA[" is written
+  /// literally.
   void WriteString(std::string const& value, ItemType type) override;
   void WriteEndElement() override;
   void WriteAttributeString(std::string const& localName, std::string const& namespaceUri, std::string const& value,
                             ItemType type) override;
-  /// A type of no namespace or of the default namespace gets no prefix.
+  /// Write the attribute; a type in no namespace or in the default namespace gets no prefix.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
 
-  /// Whether line ends and tabs are written.
+  /// Return whether line ends and tabs are written.
   bool GetFormat() const { return m_format; }
-  /// Write line ends and tabs between elements, or none. To be called before any output, as SetEOLType().
+  /// Set whether line ends and tabs are written between elements. Call this, like SetEOLType(), before any output.
   void SetFormat(bool format) { m_format = format; }
-  /// The line end in use.
+  /// Return the line end in use.
   EOLType GetEOLType() const { return m_eolType; }
-  /// \throws CQnException "Invalid EOL type." for an unknown value; the old one stays.
+  /// Set the line end.
+  /// \throws CQnException "Invalid EOL type." for an unknown value, which leaves the old one in place.
   void SetEOLType(EOLType type);
 
-  /// Write the XML declaration, naming the stream's encoding, and a line end.
+  /// Write the XML declaration, which names the stream's encoding, and a line end.
   void WriteStartDocument();
-  /// Write \p text as it is, such as a document type declaration, and a line end.
-  /// \throws CQnException "Headed directives must appear before an Element has been added." once an element is
-  /// open.
+  /// Write \p text literally, such as a document type declaration, and a line end.
+  /// \throws CQnException "Headed directives must appear before an Element has been added." when an element is open.
   void WriteHeaderDirective(std::string const& text);
-  /// Write \p text as it is, such as elements written elsewhere, after CloseParentElm().
+  /// Call CloseParentElm(), then write \p text literally, such as elements written elsewhere.
   void WriteRawElement(std::string const& text);
-  /// The same as WriteStartElement(), WriteString() and WriteEndElement() in a row, at less than half of their cost.
-  /// What a derived class overrides is not called.
+  /// Do the same as WriteStartElement(), WriteString() and WriteEndElement() in a row, but faster. Overrides of these
+  /// in a derived class are not called.
   /// \throws CQnException as WriteStartElement().
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type);
-  /// Count a child of the open element and close its start tag. Does nothing when no element is open.
+  /// Count a child of the open element and close its start tag. Do nothing when no element is open.
   void CloseParentElm();
-  /// Append \p text up to its NUL, escaped; null is an empty text. `"`, `&`, `<` and `>` become entity references
-  /// and a carriage return is dropped. A line feed becomes `&#xA;` in an attribute value and the writer's line end
+  /// Append \p text up to its NUL, escaped; null counts as empty. `"`, `&`, `<` and `>` become entity references and
+  /// carriage returns are dropped. A line feed becomes `&#xA;` in an attribute value and the writer's line end
   /// elsewhere.
   void PadAndAppend(char const* text, bool inAttribute);
 
@@ -92,7 +93,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   EOLType m_eolType;
   bool m_format;
   CTextStream* m_stream;  // not owned
-  bool m_streamFlushes;   // whether a flush of the stream may do anything
+  bool m_streamFlushes;   // whether flushing the stream may have an effect
 };
 
 }  // namespace Quillon9

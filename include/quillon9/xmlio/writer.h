@@ -13,51 +13,49 @@ namespace Quillon9 {
 
 class CNamespaceScope;
 
-/// Abstract target of everything that produces a document; callers never learn which format comes out. The base
-/// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes
-/// (Namespaces in XML 1.0, W3C).
+/// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
+/// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes (Namespaces
+/// in XML 1.0, W3C).
 ///
-/// Callers keep this order: Open(); for the document only WritePI(), AddNamespace(), SetDefaultNamespace(); then
-/// for each element WriteStartElement(), all its attributes (on the document element then WriteInlineSchema()),
-/// content and nested elements, WriteEndElement(); at the end Close(). Attributes after content are refused. A
-/// writer serves one document and belongs to one thread. A failure leaves the open elements as they are; the
-/// destructor frees them.
+/// Callers keep this order: Open(); for the document only WritePI(), AddNamespace(), SetDefaultNamespace(); then for
+/// each element WriteStartElement(), all its attributes (on the document element then WriteInlineSchema()), content and
+/// nested elements, WriteEndElement(); at the end Close(). Attributes after content are refused. A writer serves one
+/// document and belongs to one thread. After a failure the open elements stay open; the destructor frees them.
 class QUILLON9_API CXmlWriter {
  public:
   class CXmlWriterContext;
 
-  /// The XML namespace name. Every writer is born with it bound to "xml" and never declares it.
+  /// The XML namespace name. Every writer has it bound to "xml" from the start and never declares it.
   static constexpr char const* XML_NAMESPACE = "http://www.w3.org/XML/1998/namespace";
 
-  /// Free the open elements, if any are left. Raises nothing.
+  /// Free the open elements, if any are left. Throws nothing.
   virtual ~CXmlWriter();
   CXmlWriter(CXmlWriter const&) = delete;
   CXmlWriter& operator=(CXmlWriter const&) = delete;
 
-  /// Get ready for output. The base does nothing.
+  /// Prepare for output. The base class does nothing.
   virtual void Open();
-  /// End the output. May be called again.
+  /// End the output. May be called more than once.
   /// \throws CQnException "An Element has not been closed." while an element is open.
   virtual void Close();
-  /// Set the default namespace: of the open element and what is inside it, or of the document element to come.
-  /// Only the latter is declared in the output.
+  /// Set the default namespace of the open element and its contents, or of the document element if none has started
+  /// yet. Only the latter is declared in the output.
   virtual void SetDefaultNamespace(std::string const& uri);
-  /// Bind \p uri to the prefix \p alias, replacing the prefix it had: in the open element and what is inside it,
-  /// or on the document element to come. Only the latter is declared in the output. \p alias is taken as it is.
+  /// Bind \p uri to the prefix \p alias, replacing its previous prefix, in the open element and its contents, or on the
+  /// document element if none has started yet. Only the latter is declared in the output. \p alias is not checked.
   virtual void AddNamespace(std::string const& alias, std::string const& uri);
 
   /// Write a comment, before the document element.
   virtual void WriteComment(std::string const& text) = 0;
-  /// Write a processing instruction, \p text being the whole of it.
+  /// Write a processing instruction that consists of \p text.
   virtual void WritePI(std::string const& text) = 0;
   /// Write \p text, which is attribute text such as a schema location, into the open start tag.
   virtual void WriteInlineSchema(std::string const& text) = 0;
-  /// Start an element inside the one that is open, or the document element.
-  /// \param namespaceUri empty for no namespace; unbound, it gets a generated prefix for the life of this element.
-  /// \throws CQnException "The element nesting exceeds the limit of %u levels" beyond
-  /// CLimits::GetMaxElementDepth().
+  /// Start an element inside the open element, or the document element.
+  /// \param namespaceUri empty for no namespace; an unbound one gets a generated prefix for the life of this element.
+  /// \throws CQnException "The element nesting exceeds the limit of %u levels" beyond CLimits::GetMaxElementDepth().
   virtual void WriteStartElement(std::string const& localName, std::string const& namespaceUri) = 0;
-  /// Write text content up to a NUL byte; the writer escapes it. \p type may choose the encoding.
+  /// Write text content up to a NUL byte; the writer escapes it. \p type may select the encoding.
   virtual void WriteString(std::string const& value, ItemType type) = 0;
   /// End the open element.
   /// \throws CQnException "There is no open element to end".
@@ -73,10 +71,10 @@ class QUILLON9_API CXmlWriter {
   /// \throws CQnException as WriteAttributeString().
   virtual void WriteAttributeNil() = 0;
 
-  /// The first generated prefix that no entry of \p map (namespace URI to prefix) has as its value, compared
-  /// exactly. Prefixes that begin with "xml" in any case are reserved and passed over. Linear in the map's size.
+  /// Return the first generated prefix that does not occur as a value in \p map (namespace URI to prefix), compared
+  /// exactly. Prefixes that begin with "xml" in any case are reserved and skipped. Linear in the map's size.
   static std::string GetUniquePrefix(std::map<std::string, std::string> const& map);
-  /// The generated prefix of number \p number: AA, AB, ... AZ, BA, ... ZZ, then three letters from AAA, and so on.
+  /// Return the generated prefix \p number: AA, AB, ... AZ, BA, ... ZZ, then three letters from AAA, and so on.
   /// \throws CQnException "The prefix number [%d] is negative".
   static std::string NsIntToString(int number);
 
@@ -84,93 +82,97 @@ class QUILLON9_API CXmlWriter {
   /// \p className names the concrete writer and is not kept.
   explicit CXmlWriter(char const* className);
 
-  /// A context for an element inside the open one, or for the document element. The caller makes it current; until
-  /// then it must not be deleted with its parent link set, because the link owns.
-  /// \throws CQnException as WriteStartElement() when it lies too deep.
+  /// Return a context for an element inside the open one, or for the document element. The caller makes it current;
+  /// until then it must not be deleted while its parent link is set, because the link owns the parent.
+  /// \throws CQnException as WriteStartElement() if it is nested too deeply.
   CXmlWriterContext* NewContext(std::string const& localName, std::string const& namespaceUri);
-  /// Leave the open element: free its context and make its parent current. There must be one.
+  /// Leave the open element, which must exist: free its context and make its parent current.
   void PopContext();
-  /// \throws CQnException "Attributes must be added before elements" unless a start tag is open.
+  /// Check that a start tag is open.
+  /// \throws CQnException "Attributes must be added before elements" otherwise.
   void RequireOpenTag() const;
-  /// \throws CQnException "There is no open element to end" unless an element is open.
+  /// Check that an element is open.
+  /// \throws CQnException "There is no open element to end" otherwise.
   void RequireOpenElement() const;
-  /// \throws CQnException as WriteStartElement() unless the open element, which there must be, may have children.
-  void RequireRoomForChild() const;  // in the header, since it is asked for each element that is written at once
-  /// The prefix bound to \p uri in \p context. An unbound URI gets a generated prefix in the scope of \p context,
-  /// and \p isNew becomes true; otherwise false. The result lives as long as the binding.
+  /// Check that the open element, which must exist, may have children.
+  /// \throws CQnException as WriteStartElement() otherwise.
+  void RequireRoomForChild() const;  // inline: runs for each element that is written at once
+  /// Return the prefix bound to \p uri in \p context and set \p isNew to false. An unbound URI gets a generated prefix
+  /// in the scope of \p context, and \p isNew becomes true. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
   /// The namespace of xsi:type and xsi:nil (XML Schema: Structures, W3C).
   static std::string const& SchemaInstanceNamespace();
 
-  std::string m_defaultNamespace;                     ///< of the document element, while none is open
+  std::string m_defaultNamespace;                     ///< of the document element, until it starts
   CXmlWriterContext* m_context = nullptr;             ///< innermost open element, owned; null when none is open
   std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
 
  private:
   void RequireRoomBelowDeepest() const;
 
-  friend class CXmlGeneratedClass;  // which leaves here what it would find out again for every object
+  friend class CXmlGeneratedClass;  // caches here what it would otherwise determine for every object
 
-  CXmlWriterContext* m_spare = nullptr;  ///< contexts to use again, linked as parents
-  std::string m_namespaceText;           ///< the last one that was handed on, for its memory
+  CXmlWriterContext* m_spare = nullptr;  ///< contexts for reuse, linked as parents
+  std::string m_namespaceText;           ///< the last one that was passed on, kept for its memory
   CPlainClasses m_plainClasses;
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
-/// context shares the bindings of its parent, later changes included, until it changes one itself; then it has a copy of
-/// its own. When the link to its parent is cleared it keeps the bindings of that moment, whatever becomes of the parent.
-/// Another parent in its place does not bring other bindings. Belongs to its writer and one thread; the members are for
-/// concrete writers.
+/// context shares the bindings of its parent, later changes included, until it changes one itself and gets its own
+/// copy. When the link to its parent is cleared, it keeps the bindings of that moment, whatever happens to the parent.
+/// Setting another parent does not change the bindings. A context belongs to its writer and one thread; the members are
+/// for concrete writers.
 class QUILLON9_API CXmlWriter::CXmlWriterContext {
  public:
-  /// An element inside \p parent, which must not be null and which this context owns while linked to it.
+  /// Create an element inside \p parent, which must not be null and which this context owns while linked to it.
   CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
-  /// A document element, with copies of \p defaultNamespace and \p map of its own. \p parent, mostly null, is
+  /// Create a document element with its own copies of \p defaultNamespace and \p map. \p parent, usually null, is
   /// owned.
   CXmlWriterContext(std::string const& localName, std::string const& namespaceUri, std::string const& defaultNamespace,
                     std::map<std::string, std::string> const& map, CXmlWriterContext* parent);
-  /// Delete the whole chain of parents, however deep. A writer clears the link to a parent that shall live.
+  /// Delete the whole chain of parents, however deep. A writer clears the link to a parent that must survive.
   virtual ~CXmlWriterContext();
   CXmlWriterContext(CXmlWriterContext const&) = delete;
   CXmlWriterContext& operator=(CXmlWriterContext const&) = delete;
 
-  /// The default namespace in force, empty for none. Valid until the next change of bindings, here or around.
+  /// Return the default namespace in force, empty for none. Valid until the next change of bindings here or in a
+  /// parent.
   std::string const& GetDefaultNamespace() const;
-  /// Whether the element is in no namespace or in the default one in force, and so needs no prefix.
+  /// Return whether the element is in no namespace or in the default one in force, and so needs no prefix.
   bool NeedsNoPrefix() const {
     if (m_comparedState != m_scopeOwner->m_scopeState) CompareWithDefault();
     return m_needsNoPrefix;
   }
-  /// The bindings in force, URI to prefix. Valid until the next change of bindings, here or around.
+  /// Return the bindings in force, URI to prefix. Valid until the next change of bindings here or in a parent.
   std::map<std::string, std::string> const& GetNamespaceMap() const;
-  /// The prefix of \p uri in the bindings in force, or null. Valid until the next change of bindings, here or around.
-  /// Cheaper than a look into GetNamespaceMap(), which is put together when it is asked for.
+  /// Return the prefix of \p uri in the bindings in force, or null. Valid until the next change of bindings here or in
+  /// a parent. Cheaper than a lookup in GetNamespaceMap(), which is built on request.
   std::string const* FindPrefix(std::string const& uri) const;
-  /// What stands for the default namespace and the bindings in force, in the whole process: equal numbers other than 0
-  /// mean the same ones. 0 where a caller of GetNamespaceMapValue() may change them unseen.
+  /// Return a number for the default namespace and the bindings in force. Within the process, equal numbers other than
+  /// 0 mean equal bindings. 0 if a caller of GetNamespaceMapValue() may change them unnoticed.
   std::uint64_t GetScopeState() const { return m_scopeOwner->m_isLoose ? 0 : m_scopeOwner->m_scopeState; }
-  /// Set the default namespace for this element and what is inside it.
+  /// Set the default namespace for this element and its contents.
   void SetDefaultNamespace(std::string const& uri);
-  /// Bind \p uri to \p prefix for this element and what is inside it, replacing the prefix it had.
+  /// Bind \p uri to \p prefix for this element and its contents, replacing its previous prefix.
   void SetNamespaceMapValue(std::string const& uri, std::string const& prefix);
-  /// The prefix of \p uri in the bindings in force. A URI without one is added to them with an empty prefix, so
-  /// look into GetNamespaceMap() first. What is changed here counts for names that are written from then on, inside
-  /// elements without bindings of their own as well.
+  /// Return the prefix of \p uri in the bindings in force. A URI without a prefix is added with an empty one, so check
+  /// GetNamespaceMap() first. A change through the reference affects the names written from then on, including those
+  /// inside elements without bindings of their own.
   ///@{
   std::string& GetNamespaceMapValue(std::string const& uri);
   std::string& GetNamespaceMapValue(char const* uri) { return GetNamespaceMapValue(std::string(uri)); }
   ///@}
 
   unsigned long m_childCount = 0;    ///< child elements started inside this element
-  bool m_tagOpen = true;             ///< attributes may still come
+  bool m_tagOpen = true;             ///< attributes may still follow
   std::uint32_t m_depth = 0;         ///< 0 for the document element
   std::string m_namespace;           ///< URI of this element
   std::string m_elementName;         ///< local name of this element
   CXmlWriterContext* m_parent;       ///< enclosing element, owned while linked
   bool m_attributesWritten = false;  ///< for formats that close a list of attributes
-  bool m_inherits;                   ///< default namespace and bindings are those of the parent
-  /// For formats that number names: the GetScopeState() with which the element had this number; 0 for never. The next
-  /// element that takes this context over keeps it if it has the same name.
+  bool m_inherits;                   ///< default namespace and bindings come from the parent
+  /// For formats that number names: the GetScopeState() at which the element had this number; 0 for never. The next
+  /// element that reuses this context keeps it if it has the same name.
   ///@{
   std::uint64_t m_numberedState = 0;
   unsigned long m_nameNumber = 0;
@@ -179,8 +181,8 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
  private:
   friend class CXmlWriter;
 
-  /// Become an element inside \p parent, as by the first constructor. For a context that bound nothing and follows
-  /// nobody.
+  /// Become an element inside \p parent, as with the first constructor. For a context that bound nothing and does not
+  /// follow another.
   void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
   void Follow(CXmlWriterContext& context);
   void StopFollowing();
@@ -193,9 +195,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   std::string const& BindToGenerated(std::string const& uri);
   void CompareWithDefault() const;
 
-  /// A context without bindings of its own follows the one around it and is in the list of its followers, so that a
-  /// change reaches it at once. The owner of the scope is the first one in a row of followed contexts, which follows
-  /// none: itself, for a context with bindings of its own.
+  /// A context without its own bindings follows the enclosing one and is in the list of its followers, so that a change
+  /// reaches it at once. The owner of the scope is the context at the end of that chain, which follows none: for a
+  /// context with its own bindings, the context itself.
   ///@{
   CXmlWriterContext* m_scopeOwner;
   CXmlWriterContext* m_followed = nullptr;
@@ -203,14 +205,14 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   CXmlWriterContext* m_nextFollower = nullptr;  // of m_followed
   CXmlWriterContext** m_place = nullptr;        // what points to this one in the list of followers
   ///@}
-  std::shared_ptr<CNamespaceScope> m_scope;  ///< of an owner, else null
-  /// Of an owner: a number that changes with the default namespace and the bindings, and that no others have.
+  std::shared_ptr<CNamespaceScope> m_scope;  ///< of an owner, otherwise null
+  /// For an owner: a number that is unique to this state of the default namespace and the bindings.
   std::uint64_t m_scopeState = 0;
-  bool m_isLoose = false;  ///< of an owner: a binding was handed out for changes
-  /// The number of the scope in force when the namespace of this element was compared with the default; 0 for never.
+  bool m_isLoose = false;  ///< for an owner: a binding was handed out for changes
+  /// The state number of the scope when this element's namespace was last compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
-  bool m_isDeepest = false;  ///< no element may be inside this one, by the limit at its start
+  bool m_isDeepest = false;  ///< no element may be inside this one, by the limit when it started
 };
 
 inline void CXmlWriter::RequireRoomForChild() const {
