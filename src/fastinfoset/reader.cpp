@@ -30,11 +30,11 @@ Value const& EntryOf(std::vector<Value> const& table, unsigned long index) {
 }
 
 /// The least that \p length octets of an encoding algorithm become as text. Each bit becomes "true" or "false", except
-/// for half of the first octet and what the last one does not use; eight octets of a number become at least one digit
-/// and a blank.
+/// for half of the first octet and what the last one does not use; eight octets of a number become at least one digit,
+/// and a blank unless they are the last.
 std::uint64_t LeastTextSize(unsigned long algorithm, std::uint64_t length) {
   constexpr std::uint64_t kEightTimesTrue = 32;
-  if (algorithm != fi::kBoolean) return length / 4;
+  if (algorithm != fi::kBoolean) return length > 8 ? length / 4 - 1 : 0;
   return length > 1 ? (length - 1) * kEightTimesTrue - kEightTimesTrue / 2 : 0;
 }
 
