@@ -1,6 +1,6 @@
 #pragma once
 
-/// Declares every public class of the library. Headers include this one where a name is enough.
+/// Declares every public class of the library. For headers that need only the name of a class.
 
 template <class T>
 class CSmartPtr;

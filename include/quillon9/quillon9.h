@@ -1,6 +1,6 @@
 #pragma once
 
-/// Everything that the library offers. A program that reads a document and writes another one from it:
+/// Includes everything that the library offers. This program reads a document and writes another one from it:
 ///
 /// \code
 /// #include <iostream>
@@ -30,7 +30,7 @@
 /// }
 /// \endcode
 ///
-/// Most programs read into classes of their own instead and write those; see generated_class.h.
+/// Most programs read into their own classes and write those instead; see generated_class.h.
 
 #include "quillon9/base/critical_section.h"
 #include "quillon9/base/exceptions.h"

@@ -8,38 +8,39 @@
 
 namespace Quillon9 {
 
-/// Root of all failures that the library reports: thrown by value, caught by reference. Used as it is for I/O,
-/// parser and format errors, broken facets and logic errors.
+/// Root of all failures that the library reports: thrown by value, caught by reference. Thrown directly for I/O, parser
+/// and format errors, violated facets and logic errors.
 ///
-/// A failure carries a text and, when it was made from another failure on its way up, that failure as inner
-/// exception: a nested read or write gives a chain that leads from the document element down to the fault.
+/// A failure carries a text and, if another failure caused it, that failure as its inner exception: a nested read or
+/// write gives a chain that leads from the document element down to the fault.
 ///
-/// Copies of a failure share its chain, which nobody can change and which lives as long as one of them. So a copy costs
-/// the same however long the chain is, and copies may go to different threads; one exception object may be read by any
-/// number of threads while none changes it.
+/// Copies of a failure share its chain, which is immutable and lives as long as any of them. So a copy costs the same
+/// however long the chain is, and copies may go to different threads; any number of threads may read one exception
+/// object while none changes it.
 class QUILLON9_API CQnException {
  public:
-  /// An empty text, no inner exception.
+  /// An empty text and no inner exception.
   CQnException();
-  /// A text, no inner exception.
+  /// Holds \p message and has no inner exception.
   explicit CQnException(std::string message);
   /// Keeps a copy of \p inner, made with Clone(), so \p inner may go out of scope.
   CQnException(std::string message, CQnException const& inner);
-  /// Copies the text and shares the inner chain. The new object has the class named here, whatever \p other is.
+  /// Copies the text and shares the inner chain. The new object is of the class named here, whatever the class of \p
+  /// other is.
   CQnException(CQnException const& other);
-  /// Takes the text and the inner chain over.
+  /// Takes over the text and the inner chain.
   CQnException(CQnException&& other) noexcept;
-  /// Copy the text of \p other and share its inner chain. Neither changes when an allocation fails.
+  /// Copy the text of \p other and share its inner chain. If an allocation fails, neither object changes.
   CQnException& operator=(CQnException const& other);
   virtual ~CQnException();
 
-  /// A new heap object of the same dynamic class, which shares the inner chain. The caller owns it. Derived classes
-  /// override it, so that a failure keeps its class when it becomes an inner exception.
+  /// Return a new heap object of the same dynamic class, which shares the inner chain. The caller owns it. Derived
+  /// classes override this function, so that a failure keeps its class when it becomes an inner exception.
   virtual CQnException* Clone() const;
 
-  /// The text of this failure alone, without those of its inner exceptions.
+  /// The text of this failure only, without those of its inner exceptions.
   std::string const& GetMessage() const { return m_message; }
-  /// The failure that caused this one, or null. It lives as long as this object or a copy of it.
+  /// The failure that caused this one, or null. It lives as long as this object or any copy of it.
   CQnException const* GetInnerException() const { return m_inner; }
   /// This text and the texts of all inner exceptions, outermost first, joined by line feeds.
   std::string GetFullMessage() const;
@@ -49,14 +50,14 @@ class QUILLON9_API CQnException {
   void ReleaseInner() noexcept;
 
   std::string m_message;
-  CQnException* m_inner = nullptr;   // owned together with the other failures that have it as inner exception
-  std::atomic<unsigned> m_outer{0};  // how many failures have this one as inner exception
+  CQnException* m_inner = nullptr;   // owned jointly with the other failures that have it as inner exception
+  std::atomic<unsigned> m_outer{0};  // number of failures that have this one as inner exception
 };
 
 /// A decimal value does not fit.
 class QUILLON9_API CQnOverFlowException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnOverFlowException();
   explicit CQnOverFlowException(std::string message);
@@ -70,10 +71,10 @@ class QUILLON9_API CQnOverFlowException : public CQnException {
   CQnException* Clone() const override;
 };
 
-/// A bad argument to a public operation: index out of range, null where a value is required, a wrong object.
+/// A bad argument to a public operation: an index out of range, null where a value is required, or a wrong object.
 class QUILLON9_API CQnInvalidParamException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidParamException();
   explicit CQnInvalidParamException(std::string message);
@@ -87,10 +88,10 @@ class QUILLON9_API CQnInvalidParamException : public CQnException {
   CQnException* Clone() const override;
 };
 
-/// A public operation that is not allowed now: a choice already taken, options that exclude each other.
+/// A public operation is not allowed now: a choice is already taken, or options exclude each other.
 class QUILLON9_API CQnInvalidStateException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidStateException();
   explicit CQnInvalidStateException(std::string message);
@@ -104,10 +105,11 @@ class QUILLON9_API CQnInvalidStateException : public CQnException {
   CQnException* Clone() const override;
 };
 
-/// The document or the object graph breaks a rule of its schema. Also the class of the wrapper on the way up.
+/// The document or the object graph violates a rule of its schema. Also the class of the exceptions that wrap such a
+/// failure on its way up.
 class QUILLON9_API CQnValidationException : public CQnException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnValidationException();
   explicit CQnValidationException(std::string message);
@@ -121,10 +123,10 @@ class QUILLON9_API CQnValidationException : public CQnException {
   CQnException* Clone() const override;
 };
 
-/// A namespace is not allowed by a wildcard.
+/// A wildcard does not allow a namespace.
 class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidNamespaceException();
   explicit CQnInvalidNamespaceException(std::string message);
@@ -138,10 +140,10 @@ class QUILLON9_API CQnInvalidNamespaceException : public CQnValidationException 
   CQnException* Clone() const override;
 };
 
-/// A text or a value breaks a format or a facet.
+/// A text or a value violates a format or a facet.
 class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
  public:
-  /// As CQnException's constructors; a failure of any class gives its text and shares its inner chain.
+  /// Like the constructors of CQnException: a failure of any class gives its text and shares its inner chain.
   ///@{
   CQnInvalidValueException();
   explicit CQnInvalidValueException(std::string message);
@@ -155,11 +157,11 @@ class QUILLON9_API CQnInvalidValueException : public CQnValidationException {
   CQnException* Clone() const override;
 };
 
-/// Build a text as printf does, of any length. The result ends at a NUL byte that a conversion produced. "I64"
+/// Build a text of any length as printf does. The result ends at the first NUL byte that a conversion produced. "I64"
 /// before an integer conversion marks a 64-bit argument, as "ll" does. When libc refuses an argument (a wide character
-/// that the locale does not have), the result is \p format itself. Any thread.
+/// that the locale lacks), the result is \p format itself. Any thread.
 QUILLON9_API std::string FormatString(char const* format, ...) __attribute__((format(printf, 1, 2)));
-/// The same with the arguments as a list. \p args is indeterminate afterwards.
+/// Like FormatString(), with the arguments as a list. \p args is indeterminate afterwards.
 QUILLON9_API std::string FormatV(char const* format, va_list args) __attribute__((format(printf, 1, 0)));
 
 }  // namespace Quillon9

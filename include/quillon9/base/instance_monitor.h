@@ -2,10 +2,10 @@
 
 namespace Quillon9 {
 
-/// Second base of concrete classes, which generated code names too. It holds nothing and does nothing.
+/// Empty second base of concrete classes, without state or behaviour. Generated code names it too.
 class CInstanceMonitor {
  public:
-  /// \p className is not kept.
+  /// Ignores its argument.
   explicit CInstanceMonitor(char const* /*className*/) {}
 };
 

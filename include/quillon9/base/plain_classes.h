@@ -7,12 +7,12 @@
 
 namespace Quillon9 {
 
-/// Remembers, for one document that is read or written, which classes of its objects are known not to be nillable. The
-/// cast that finds it out goes through the tree of a class's bases: 2 % of the time of a document. For the library's
-/// own use; one thread at a time.
+/// Remembers, for one document that is read or written, which classes of its objects are known not to be nillable,
+/// because the cast that finds this out walks the tree of a class's bases. For the library's own use; one thread at a
+/// time.
 class CPlainClasses {
  public:
-  /// Whether Add() was told of \p type, and of no other class in its place since.
+  /// Whether \p type was added and no other class has taken its place since.
   bool Has(std::type_info const& type) const { return m_types[Place(type)] == &type; }
   /// Remember \p type, which is borrowed.
   void Add(std::type_info const& type) { m_types[Place(type)] = &type; }
@@ -23,7 +23,7 @@ class CPlainClasses {
     return reinterpret_cast<std::uintptr_t>(&type) / alignof(std::type_info) % kPlaces;
   }
 
-  std::array<std::type_info const*, kPlaces> m_types{};  // by address, the last one of each place
+  std::array<std::type_info const*, kPlaces> m_types{};  // by address; each place keeps the last one
 };
 
 }  // namespace Quillon9

@@ -2,18 +2,18 @@
 
 #include <type_traits>
 
-/// Owns one counted reference to an object that has `AddRef` and `Release` (every CXmlObjectBase). It is the only
-/// owner type of bound objects: a new object has count 0 and becomes owned when the first CSmartPtr takes it.
+/// Owns one counted reference to an object that has `AddRef` and `Release` (every CXmlObjectBase). It is the only owner
+/// type of bound objects: a new object has count 0 and becomes owned when the first CSmartPtr takes it.
 ///
-/// A CSmartPtr belongs to one thread at a time; two of them on one object may live in two threads, since the
-/// count itself is atomic. Nothing here throws.
+/// A CSmartPtr belongs to one thread at a time; two of them on one object may live in two threads, since the count
+/// itself is atomic. Nothing here throws.
 template <class T>
 class CSmartPtr {
  public:
   CSmartPtr() = default;
   /// Take a reference to \p object, which may be null.
   CSmartPtr(T* object) : m_object(object) { AddReference(m_object); }
-  /// Share what \p other owns, or take it over: \p other is null then.
+  /// Share what \p other owns, or take it over and leave \p other null.
   ///@{
   CSmartPtr(CSmartPtr const& other) : CSmartPtr(other.m_object) {}
   CSmartPtr(CSmartPtr&& other) noexcept : m_object(other.m_object) { other.m_object = nullptr; }
@@ -23,13 +23,13 @@ class CSmartPtr {
   CSmartPtr(CSmartPtr<U> const& other) : CSmartPtr(static_cast<T*>(other.Get())) {}
   ~CSmartPtr() { ReleaseReference(m_object); }
 
-  /// Take a reference to the new object and release the old one, which may delete it. Assigning what is held changes
-  /// nothing.
+  /// Take a reference to the new object and release the old one, which may delete it. Assigning the object that is
+  /// already held changes nothing.
   ///@{
   CSmartPtr& operator=(T* object) {
-    AddReference(object);  // first, so that assigning the held object to itself never drops it to 0
+    AddReference(object);  // first, so that assigning the held object to itself never drops the count to 0
     T* old = m_object;
-    m_object = object;  // before the old object goes: its destructor may look at this pointer
+    m_object = object;  // before the old object is released: its destructor may look at this pointer
     ReleaseReference(old);
     return *this;
   }
@@ -49,7 +49,7 @@ class CSmartPtr {
   }
   ///@}
 
-  /// The object, still owned by this pointer; null when there is none.
+  /// The object, which this pointer still owns; null when there is none.
   ///@{
   T* Get() const { return m_object; }
   T* operator->() const { return m_object; }

@@ -8,60 +8,60 @@
 
 namespace Quillon9 {
 
-/// The append buffer under text streams: a chain of blocks, so that appending never moves what is held already.
-/// Allocation may fail with std::bad_alloc; the buffer then holds what was appended up to there. One thread.
+/// The append buffer of text streams: a chain of blocks, so that appending never moves earlier text. Allocation may
+/// fail with std::bad_alloc; the buffer then holds everything appended up to that point. One thread.
 class QUILLON9_API CStringBuffer {
  public:
-  /// Blocks of 4,095 characters.
+  /// Use blocks of 4,095 characters.
   CStringBuffer();
-  /// Blocks of \p blockSize bytes, of which one ends the text; at least 2.
+  /// Use blocks of \p blockSize bytes, of which one terminates the text; at least 2.
   explicit CStringBuffer(unsigned long blockSize);
   CStringBuffer(CStringBuffer const&) = delete;
   CStringBuffer& operator=(CStringBuffer const&) = delete;
   virtual ~CStringBuffer();
 
-  /// Append one character. A zero is held like any other.
+  /// Append one character. A zero is stored like any other character.
   void Append(char character) {
     *Reserve(1) = character;
     Commit(1);
   }
-  /// Append \p text up to its terminating zero; null is an empty text.
+  /// Append \p text up to its terminating zero; null counts as empty.
   void Append(char const* text);
   /// Append \p text up to the first zero in it.
   void Append(std::string const& text);
   /// Append \p length characters, zeros included.
   void Append(char const* text, unsigned long length);
-  /// Room for \p count characters in one piece behind the text, to be filled before anything else is done here. What is
-  /// left of the current block, if that is too little, stays unused.
+  /// Return room for \p count characters in one piece after the text, to be filled before any other operation on this
+  /// buffer. If the rest of the current block is too small, it stays unused.
   char* Reserve(unsigned long count) {
     if (m_capacity - m_used < count) AddBlock(count);
     return m_current + m_used;
   }
-  /// Take up the first \p count characters of the room reserved last into the text.
+  /// Add the first \p count characters of the room reserved last to the text.
   void Commit(unsigned long count) {
     m_used += count;
     m_length += count;
-    m_current[m_used] = '\0';  // so that one block is always a text, at less than the cost of zero fill
+    m_current[m_used] = '\0';  // so that one block is always a text; cheaper than filling with zeros
   }
-  /// Replace what is held by \p text, which must not be text of this buffer.
+  /// Replace the contents by \p text, which must not be text of this buffer.
   void SetText(char const* text);
 
-  /// Join the blocks to one and return it, zero-terminated. Never null. The buffer keeps owning it: it is valid up
-  /// to the next Clear(), SetText() or Empty(), and the next append may change what follows the text.
+  /// Join the blocks to one and return it, zero-terminated. Never null. The buffer keeps ownership: the text is valid
+  /// until the next Clear(), SetText() or Empty(), and the next append may change what follows it.
   char const* GetText();
-  /// The text in the pieces in which it is held, valid until the next change. One pass over them copies what GetText()
-  /// would join first.
+  /// The pieces that hold the text, valid until the next change. One pass over them copies what GetText() would first
+  /// join.
   std::vector<std::string_view> GetBlocks() const;
-  /// All characters held.
+  /// The number of characters held.
   unsigned long GetLength() const { return m_length; }
 
-  /// Forget the text but keep the block, when there is exactly one, for the text to come.
+  /// Drop the text. If there is exactly one block, keep it for later text.
   void Empty();
-  /// Forget the text and free the memory.
+  /// Drop the text and free the memory.
   void Clear();
 
-  /// Open a new block for the next append, and leave the rest of the current one unused. Appending does it when it
-  /// has to.
+  /// Open a new block for the next append and leave the rest of the current one unused. Appending does this when
+  /// necessary.
   void AddNewBlock();
 
  private:
