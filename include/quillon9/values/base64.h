@@ -6,8 +6,8 @@
 
 namespace Quillon9 {
 
-/// Encodes and decodes base64 (RFC 4648, section 4, standard alphabet). An object holds the state of one
-/// conversion: it belongs to one thread at a time. It can be used for one conversion after another.
+/// Encodes and decodes base64 (RFC 4648, section 4, standard alphabet). An object holds the state of one conversion: it
+/// belongs to one thread at a time, and can be used for one conversion after another.
 class QUILLON9_API CBase64 {
  public:
   CBase64();
@@ -24,22 +24,22 @@ class QUILLON9_API CBase64 {
   std::string Encode(unsigned char const* data, int length);
 
   /// Decode \p text, which ends at its zero byte, into \p out, which must have room for strlen(text) + 1 bytes.
-  /// \returns the number of bytes decoded; what follows them in \p out is zero. White space and "=" are skipped
-  /// wherever they stand, no padding is demanded, bits that do not fill a byte are dropped, and a byte above 127
-  /// counts as its low seven bits. Any other character gives 0, as null arguments and an empty text do.
-  /// \throws CQnException "The base64 text is too long" when the bytes could not be counted by an int.
+  /// \returns the number of bytes decoded; the bytes of \p out after them are zero. White space and "=" are skipped
+  /// anywhere, padding is optional, bits that do not fill a byte are dropped, and a byte above 127 counts as its low
+  /// seven bits. Any other character gives 0, as do null arguments and an empty text.
+  /// \throws CQnException "The base64 text is too long" when an int cannot hold the number of bytes.
   int Decode(char const* text, unsigned char* out);
 
   /// Take the next \p bitCount bits, most significant first, of the bytes that Encode() is working on.
   /// \param bitCount 0 to 8.
   /// \param bitsRead receives how many of the bits came from the input; the others, the low ones, are zero.
-  /// \param position index of the next input byte, moved on as bytes are used up.
+  /// \param position index of the next input byte, advanced as bytes are used up.
   /// \returns the bits as a number. Outside of Encode() there is no input.
   /// \throws CQnException "Invalid bit count [%d]".
   int Read(int bitCount, int* bitsRead, int& position);
 
-  /// Add the low \p bitCount bits of \p value, most significant first, to the bits that wait; when they fill a
-  /// byte, store it in \p out at \p position and move \p position on.
+  /// Add the low \p bitCount bits of \p value, most significant first, to the pending bits. When these fill a byte,
+  /// store it in \p out at \p position and advance \p position.
   /// \param bitCount 0 to 8.
   /// \throws CQnException "Invalid bit count [%d]".
   void Write(unsigned int value, int bitCount, unsigned char* out, int& position);

@@ -13,24 +13,24 @@
 
 namespace Quillon9 {
 
-/// Turns primitive values into text and back, a pair of functions for each ItemType. The lexical forms are close
-/// to W3C XML Schema Part 2, and where they differ, what is said here holds.
+/// Converts primitive values to text and back, with a pair of functions for each ItemType. The lexical forms are close
+/// to W3C XML Schema Part 2; where they differ, this documentation holds.
 ///
-/// Every `...FromString` applies its whitespace rule first, and throws CQnException "Unknown WhitespaceRule" when
-/// it is none. Numbers have the point and no grouping whatever the process locale is. Static functions without
-/// state: any thread may call. A failed conversion changes nothing.
+/// Every `...FromString` applies its whitespace rule first, and throws CQnException "Unknown WhitespaceRule" when the
+/// rule is not an enumerator. Numbers have a decimal point and no grouping, whatever the process locale is. Static
+/// functions without state: any thread may call them. A failed conversion changes nothing.
 ///
-/// The integer parsers accept leading white space (space and the characters 9 to 13) and one sign, and take a text
-/// without digits that is empty as 0. A minus sign on an unsigned kind wraps round: "-1" is the largest ui4 or
-/// ui8. A zero byte ends a number; what follows it is not looked at.
+/// The integer parsers accept leading white space (space and the characters 9 to 13) and one sign, and read an empty
+/// text without digits as 0. A minus sign on an unsigned kind wraps round: "-1" is the largest ui4 or ui8. A zero byte
+/// ends a number; the text after it is ignored.
 class QUILLON9_API CConversions {
  public:
-  /// How white space is treated before a text is converted.
+  /// How to treat white space before a text is converted.
   using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
 
   /// A copy.
   static std::string stringToString(std::string const& value);
-  /// The text after \p rule.
+  /// The text after \p rule has been applied.
   static std::string stringFromString(std::string const& text, WhitespaceRule rule);
 
   /// Print in base 10, with a minus sign where needed and no leading zeros.
@@ -52,13 +52,13 @@ class QUILLON9_API CConversions {
   /// Parse a 32-bit integer in base 10.
   /// \throws CQnInvalidValueException as i8FromString() does, with "i4".
   static std::int32_t i4FromString(std::string const& text, WhitespaceRule rule);
-  /// Parse with i4FromString().
-  /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
-  /// to fit in a i2" below -32,768 and above 32,767.
+  /// Parse with i4FromString() and check the range.
+  /// \throws CQnInvalidValueException whatever i4FromString() throws, so with "i4"; then "The value [%s] is to large to
+  ///         fit in a i2" below -32,768 and above 32,767.
   static std::int16_t i2FromString(std::string const& text, WhitespaceRule rule);
-  /// Parse with i4FromString().
-  /// \throws CQnInvalidValueException what i4FromString() throws, so with "i4"; then "The value [%s] is to large
-  /// to fit in a i1" below -128 and above 127.
+  /// Parse with i4FromString() and check the range.
+  /// \throws CQnInvalidValueException whatever i4FromString() throws, so with "i4"; then "The value [%s] is to large to
+  ///         fit in a i1" below -128 and above 127.
   static std::int8_t i1FromString(std::string const& text, WhitespaceRule rule);
   /// Parse an unsigned 64-bit integer in base 10.
   /// \throws CQnInvalidValueException as i8FromString() does, with "ui8".
@@ -67,37 +67,37 @@ class QUILLON9_API CConversions {
   /// \throws CQnInvalidValueException as i8FromString() does, with "ui4".
   static std::uint32_t ui4FromString(std::string const& text, WhitespaceRule rule);
   /// Parse with ui4FromString(), so that small negative numbers wrap round to large ones and do not fit.
-  /// \throws CQnInvalidValueException what ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
+  /// \throws CQnInvalidValueException whatever ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
   ///         to fit in a ui2" above 65,535.
   static std::uint16_t ui2FromString(std::string const& text, WhitespaceRule rule);
   /// Parse with ui4FromString(), so that small negative numbers wrap round to large ones and do not fit.
-  /// \throws CQnInvalidValueException what ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
+  /// \throws CQnInvalidValueException whatever ui4FromString() throws, so with "ui4"; then "The value [%s] is to large
   ///         to fit in a ui1" above 255.
   static std::uint8_t ui1FromString(std::string const& text, WhitespaceRule rule);
 
-  /// Print "NaN", "INF", "-INF" or the number: through the printf format \p format, the result cut off after 31
-  /// bytes, or as "%.7g" when \p format is null.
-  /// \throws CQnException "The format [%s] does not print one floating-point number" when \p format has another
-  ///         conversion than one of a, e, f and g (upper-case too), or more than one.
+  /// Print "NaN", "INF", "-INF" or the number: with the printf format \p format, cutting the result off after 31 bytes,
+  /// or with "%.7g" when \p format is null.
+  /// \throws CQnException "The format [%s] does not print one floating-point number" when \p format has a conversion
+  ///         other than a, e, f and g (upper-case too), or more than one.
   static std::string r4ToString(float value, char const* format = nullptr);
-  /// The same with the result of \p format cut off after 47 bytes, and "%.16g" when it is null. Sixteen digits do
-  /// not always bring the same double back.
+  /// Like r4ToString(), but with the result of \p format cut off after 47 bytes, and "%.16g" when it is null. Sixteen
+  /// digits do not always restore the same double.
   static std::string r8ToString(double value, char const* format = nullptr);
 
   /// Parse as r8FromString() does and round the result to a float, which can make it infinite or zero.
   /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r4".
   static float r4FromString(std::string const& text, WhitespaceRule rule);
   /// Parse a floating-point number. An empty text, "NaN", "-NAN" and "1.#QNAN" are NaN, "INF" and "-INF" the
-  /// infinities; everything else is read as C's strtod reads it, with its wider forms ("inf", "nan", hexadecimal
-  /// floats, leading white space). A number out of range gives infinity or zero.
+  /// infinities; any other text is read as by C's strtod, with its wider forms ("inf", "nan", hexadecimal floats,
+  /// leading white space). A number out of range gives infinity or zero.
   /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r8".
   static double r8FromString(std::string const& text, WhitespaceRule rule);
 
   /// "true" or "false".
   static std::string booleanToString(bool value);
   /// Parse "true", "false", "1" or "0" in any case.
-  /// \throws CQnInvalidValueException "A Boolean Value read from an XML document was invalid [%s]. Valid values
-  /// are 'true', 'false', '1', or '0'", with \p text as it was given.
+  /// \throws CQnInvalidValueException "A Boolean Value read from an XML document was invalid [%s]. Valid values are
+  ///         'true', 'false', '1', or '0'", with \p text unchanged.
   static bool booleanFromString(std::string const& text, WhitespaceRule rule);
 
   /// A text of this one byte; empty for the character 0.
@@ -116,24 +116,24 @@ class QUILLON9_API CConversions {
   /// CBinaryData::GetAsBase64().
   /// \throws CQnException for a value that is too long.
   static std::string base64BinaryToString(CBinaryData const& value);
-  /// CBinaryData::SetAsBase64(): bad text raises nothing and gives a value of length 0.
+  /// CBinaryData::SetAsBase64(): bad text gives a value of length 0, not an exception.
   static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
 
-  /// CBigInteger's text and its constructor from text.
+  /// CBigInteger::ToString() and its constructor from text.
   /// \throws CQnInvalidValueException and CQnOverFlowException as CBigInteger::Parse() does.
   ///@{
   static std::string integerToString(CBigInteger const& value);
   static CBigInteger integerFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  /// CDecimal::ToString(); with a \p format, which is the text of a digit count (0 for one without digits),
-  /// CDecimal::ToString(int).
+  /// CDecimal::ToString(), or CDecimal::ToString(int) with a \p format, which is the text of a digit count (0 for a
+  /// text without digits).
   /// \throws CQnInvalidParamException "Invalid number of digits [%d]" for a negative count.
   static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
   /// \throws CQnInvalidValueException and CQnOverFlowException as CDecimal::Parse() does.
   static CDecimal decimalFromString(std::string const& text, WhitespaceRule rule);
 
-  /// Dates and times: CDateTime::ToString("s"), which prints what the type of the value is, whatever the function is
+  /// Dates and times: CDateTime::ToString("s"), which prints the form of the value's own type, whichever function is
   /// called.
   /// \throws CQnInvalidValueException "Date Not Set".
   ///@{
@@ -143,7 +143,7 @@ class QUILLON9_API CConversions {
   static std::string yearMonthToString(CDateTime const& value);
   static std::string monthDayToString(CDateTime const& value);
   ///@}
-  /// CDateTime::ParseXSDDate(), ParseXSDTime() or ParseXSDDateTime(). The type of a date is what its text shows:
+  /// CDateTime::ParseXSDDate(), ParseXSDTime() or ParseXSDDateTime(). The text decides the type of a date:
   /// dateFromString("2001") gives a year.
   /// \throws CQnInvalidValueException as these do.
   ///@{
@@ -154,14 +154,14 @@ class QUILLON9_API CConversions {
   static CDateTime monthDayFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  /// "%u", "--%02u" and "---%02u".
+  /// Print "%u", "--%02u" and "---%02u".
   ///@{
   static std::string yearToString(std::uint16_t value);
   static std::string monthToString(std::uint8_t value);
   static std::string dayToString(std::uint8_t value);
   ///@}
-  /// The field of a text that CDateTime::ParseXSDDate() takes, of any of its forms that has the field. A year is cut to
-  /// 16 bits without sign: -1 is 65,535.
+  /// Return the field of a text that CDateTime::ParseXSDDate() accepts, in any form that has the field. A year is cut
+  /// to 16 bits without sign: -1 is 65,535.
   /// \throws CQnInvalidValueException as ParseXSDDate() does; CQnInvalidStateException for a form without the field.
   ///@{
   static std::uint16_t yearFromString(std::string const& text, WhitespaceRule rule);
@@ -169,7 +169,7 @@ class QUILLON9_API CConversions {
   static std::uint8_t dayFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  /// CDateTimeSpan's text and its parser.
+  /// CDateTimeSpan::ToString() and CDateTimeSpan::ParseXSDDuration().
   /// \throws CQnInvalidValueException as CDateTimeSpan::ParseXSDDuration() does.
   ///@{
   static std::string durationToString(CDateTimeSpan const& value);

@@ -13,37 +13,38 @@ namespace Quillon9 {
 constexpr int MIN_YEAR = -9999;
 constexpr int MAX_YEAR = 9999;
 ///@}
-/// The longest that each month can be, and the days in front of each month of a year that is not a leap year.
+/// The maximal length of each month, and the number of days before each month of a year that is not a leap year.
 ///@{
 QUILLON9_API extern int const g_monthMax[12];
 QUILLON9_API extern int const g_monthDayInYear[13];
 ///@}
 
-/// Whether \p year is a leap year of the Gregorian calendar, carried on backwards.
+/// Whether \p year is a leap year of the Gregorian calendar, extended backwards.
 QUILLON9_API bool IsLeapYear(int year);
-/// \p a divided by \p b, rounded to single precision, rounded down. Above about sixteen million it is no longer exact;
-/// a result that no 32-bit integer holds, that of a division by 0 included, is -2,147,483,648.
+/// The quotient of \p a and \p b, rounded to single precision and then rounded down. Above about sixteen million it is
+/// no longer exact; a result that no 32-bit integer holds, including that of a division by 0, is -2,147,483,648.
 QUILLON9_API int GetQuotient(long long a, int b);
-/// \p a less the quotient times \p b: outside 0 to b - 1 where the quotient is not exact.
+/// \p a minus the quotient times \p b: outside 0 to b - 1 where the quotient is not exact.
 QUILLON9_API long long GetModulo(long long a, int b);
-/// \p value in decimal, filled up with zeros to \p width characters.
+/// \p value in decimal, padded with zeros to \p width characters.
 QUILLON9_API std::string PadZero(int value, unsigned char width);
-/// \p text without its trailing zeros; its first character stays.
+/// \p text without its trailing zeros; its first character is always kept.
 QUILLON9_API std::string TrimTrainingZeros(std::string text);
-/// The fraction of a second as ".", then groups of three digits up to the last that is not zero, whose trailing zeros
-/// go. Empty when all three are 0.
+/// The fraction of a second as ".", then groups of three digits up to the last group that is not zero, whose trailing
+/// zeros are dropped. Empty when all three are 0.
 QUILLON9_API std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano);
 
 /// A value of one of the eight date and time types of XML Schema (W3C XML Schema Part 2, 3.2.7 to 3.2.14). The type
-/// says which fields mean something. A plain value; operations that throw CQnInvalidStateException do so for a type
-/// that has not what they ask for.
+/// decides which fields are in use. A plain value; operations that throw CQnInvalidStateException do so for a type that
+/// lacks the field they need.
 ///
-/// Where it differs from XML Schema: a year has exactly four digits, and there is no year 0 but in arithmetic; there is
-/// no 24:00:00 and no second 60; a zone may reach 23:59, and one of minus zero hours counts as positive; adding a
-/// duration does not cut the day to the length of the month; months are not compared with each other (see CompareTo()).
+/// It differs from XML Schema as follows: a year has exactly four digits, and the year 0 occurs only in arithmetic;
+/// there is no 24:00:00 and no second 60; a zone may reach 23:59, and a zone of minus zero hours counts as positive;
+/// adding a duration does not cut the day to the length of the month; months are not compared with each other (see
+/// CompareTo()).
 class QUILLON9_API CDateTime {
  public:
-  /// The eight types, and none.
+  /// The eight types, and one for a clear object.
   enum DTType : int {
     dt_yearZero = 0,  ///< nothing is set
     dt_dateTime = 1,
@@ -59,7 +60,7 @@ class QUILLON9_API CDateTime {
   CDateTime();
   /// All fields 0, with this type.
   CDateTime(DTType type);
-  /// These leave a clear object, of type 0, when a field is out of its range.
+  /// Set the named fields. A field out of its range leaves a clear object, of type 0.
   ///@{
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day);
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
@@ -67,10 +68,11 @@ class QUILLON9_API CDateTime {
   CDateTime(std::int16_t year, std::uint8_t month, std::uint8_t day, std::uint8_t hour, std::uint8_t minute,
             std::uint8_t second, std::uint16_t milli, std::uint16_t micro, std::uint16_t nano);
   ///@}
-  /// From a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear object.
+  /// Convert a time_t, in UTC but without a zone indicator; a time outside the years of this class leaves a clear
+  /// object.
   CDateTime(long const& time);
-  /// ParseXSDDateTime().
-  template <class = void>  // so that a literal 0 is a time, as every other number, instead of ambiguous
+  /// ParseXSDDateTime() of \p text.
+  template <class = void>  // so that a literal 0 is a time, like every other number, instead of ambiguous
   CDateTime(char const* text) {
     ParseXSDDateTime(text);
   }
@@ -82,16 +84,16 @@ class QUILLON9_API CDateTime {
   /// Set the dateTime of a time_t, in UTC but without a zone indicator.
   /// \throws CQnInvalidStateException when this object is of another type, unless it is clear; CQnInvalidValueException
   ///         as Validate() does for a year outside MIN_YEAR to MAX_YEAR, with the fields stored, and "Invalid Time
-  ///         [%ld]" for one that 16 bits do not hold.
+  ///         [%ld]" for a year that does not fit 16 bits.
   CDateTime& operator=(long const& time);
   virtual ~CDateTime();
 
-  /// The present second, as from a time_t. Any thread.
+  /// The present second, as converted from a time_t. Any thread.
   static CDateTime GetCurrentTime();
 
-  // ---- Setting whole values: all fields, no zone. All but the last throw as the first does.
-  /// Set the named fields, all others to 0, and the type that the name of the operation tells; SetDateTime() without
-  /// a type sets dt_dateTime, SetFracTime() dt_time.
+  // ---- Setting whole values: all fields, no zone. All but the last throw like the first.
+  /// Set the named fields, all others to 0, and the type named by the operation; SetDateTime() without a type sets
+  /// dt_dateTime, SetFracTime() dt_time.
   /// \throws CQnInvalidStateException "Failed to copy CDateTime. Invalid Date Type: %s, expected: %s." when this object
   ///         is of another type, unless it is clear; CQnInvalidValueException as Validate() does, with the fields
   ///         stored.
@@ -114,14 +116,14 @@ class QUILLON9_API CDateTime {
   void SetGYear(std::int16_t year);
   void SetGYearMonth(std::int16_t year, std::uint8_t month);
   ///@}
-  /// Take every field of \p source, its zone and those that \p target does not use included, and the type \p target.
-  /// Nothing is validated.
+  /// Copy every field of \p source, including its zone and the fields that \p target does not use, and set the type \p
+  /// target. Nothing is validated.
   /// \throws CQnInvalidValueException when CheckConversion() refuses.
   void SetDateTime(CDateTime const& source, DTType target);
-  /// Whether a value of type \p source has what one of type \p target needs.
+  /// Whether a value of type \p source has all fields that one of type \p target needs.
   /// \throws CQnInvalidValueException "Unknown date type %d." for a \p source above 8.
   static bool CheckConversion(DTType source, DTType target);
-  /// All fields 0, type 0.
+  /// Set all fields to 0 and the type to 0.
   void Clear();
 
   /// The fields, for a type that has them.
@@ -137,10 +139,10 @@ class QUILLON9_API CDateTime {
   std::uint16_t GetMicroSecond() const;
   std::uint16_t GetNanoSecond() const;
   ///@}
-  /// Second and fraction.
+  /// The second with its fraction.
   double GetRealSecond() const;
   /// Set one field. The value is not validated: Validate() does that.
-  /// \throws CQnInvalidStateException as the getter of the field.
+  /// \throws CQnInvalidStateException as the getter of the field does.
   ///@{
   void SetYear(std::int16_t year);
   void SetMonth(std::uint8_t month);
@@ -152,14 +154,14 @@ class QUILLON9_API CDateTime {
   void SetMicroSecond(std::uint16_t micro);
   void SetNanoSecond(std::uint16_t nano);
   ///@}
-  /// 1 for the first of January; in January and February of a leap year one more than a calendar counts. A month of 13
-  /// that was set counts on from December.
+  /// The day of the year: 1 for the first of January; in January and February of a leap year one more than in a
+  /// calendar. A month that was set to 13 continues after December.
   /// \throws CQnInvalidValueException for a month that was set to 0 or above 13.
   int GetDayOfYear() const;
-  /// 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day that is another day than the
-  /// one of the fields. Reads the zone from the environment, which no thread may change meanwhile.
+  /// The day of the week, 1 for Sunday to 7, of GetTime() in the local time zone: early or late in a UTC day this
+  /// differs from the day of the fields. Reads the zone from the environment, which no thread may change meanwhile.
   int GetDayOfWeek() const;
-  /// The type, as number and as text.
+  /// The type, as a number and as text.
   ///@{
   DTType GetType() const { return m_type; }
   std::string GetTypeAsString() const { return GetTypeAsString(m_type); }
@@ -172,65 +174,67 @@ class QUILLON9_API CDateTime {
   bool IsUTC() const { return m_isUTC; }
   /// Whether there is an offset.
   bool HasTimeZone() const { return m_hasTimeZone; }
-  /// Set "Z".
+  /// Set the zone indicator "Z".
   void SetUTC();
-  /// Set an offset, whose sign is that of \p hour.
-  /// \throws CQnInvalidValueException "Invalid TimeZone [%d:%d]" unless -23 to 23 and 0 to 59.
+  /// Set an offset. Its sign is that of \p hour.
+  /// \throws CQnInvalidValueException "Invalid TimeZone [%d:%d]" unless they are -23 to 23 and 0 to 59.
   void SetTimeZone(std::int16_t hour, std::uint8_t minute);
+  /// The two parts of the offset.
   /// \throws CQnInvalidStateException "TimeZone is not been used" without an offset.
   ///@{
   std::int16_t GetZoneHour() const;
   std::uint8_t GetZoneMinute() const;
   ///@}
-  /// Set the zone from what follows a date or time: "Z" and anything behind it, "+hh:mm" or "-hh:mm" with hour 24 for
-  /// 0; anything else changes nothing.
+  /// Set the zone from the text that follows a date or time: "Z" and anything after it, or "+hh:mm" or "-hh:mm", where
+  /// hour 24 counts as 0; any other text changes nothing.
   /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
   void SetZone(char const* text);
-  /// A copy moved to the offset 0 by adding or subtracting the offset, with what AddDateTimeSpan() tells of types
-  /// without a month. One without an offset stays as it is.
+  /// A copy moved to the offset 0 by adding or subtracting the offset; for types without a month see AddDateTimeSpan().
+  /// A value without an offset is copied unchanged.
   CDateTime GetNormalized() const;
 
   // ---- Text
   /// Parse any of the forms without "T": the text decides the type, whatever it was. "--05" may have any two characters
-  /// behind it. A text with a ":" has its last six characters taken for the zone, which SetZone() may ignore. A gDay
-  /// has no upper bound.
-  /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
+  /// after it. If a text contains ":", its last six characters are taken for the zone, which SetZone() may ignore. A
+  /// gDay has no upper bound.
+  /// \throws CQnInvalidValueException; fields read before the failure stay set, possibly with the type.
   void ParseXSDDate(char const* text);
-  /// Parse "hh:mm:ss", a fraction of up to nine digits, a zone. What follows and is no zone is ignored.
-  /// \throws CQnInvalidValueException; what was read before it stays.
+  /// Parse "hh:mm:ss", a fraction of up to nine digits, and a zone. Text after them that is not a zone is ignored.
+  /// \throws CQnInvalidValueException; fields read before the failure stay set.
   void ParseXSDTime(char const* text);
-  /// Parse a date, "T" and a time, each with a zone or without.
-  /// \throws CQnInvalidValueException; what was read before it stays, with the type possibly set.
+  /// Parse a date, "T" and a time, each with or without a zone.
+  /// \throws CQnInvalidValueException; fields read before the failure stay set, possibly with the type.
   void ParseXSDDateTime(char const* text);
-  /// ParseXSDDate() and ParseXSDTime() without Clear() before them and Validate() behind them: fields that the text
-  /// does not name stay, and a fraction is added to the one that is there.
+  /// ParseXSDDate() and ParseXSDTime() without Clear() before and Validate() after them: fields that the text does not
+  /// name keep their values, and a fraction is added to the existing one.
   ///@{
   void SetXSDDate(char const* text);
   void SetXSDTime(char const* text);
   ///@}
-  /// Check every field against the type: those in use for their range, all others for 0. The zone is not looked at. The
+  /// Check every field against the type: those in use for their range, all others for 0. The zone is not checked. The
   /// day of a dt_gDay has no upper bound.
   /// \throws CQnInvalidValueException with the field and its value.
   void Validate() const;
-  /// The lexical form of the type for \p format "s"; empty for "G" and null; a text that names the format for others.
-  /// \throws CQnInvalidValueException "Date Not Set" for type 0, and when all fields of another type than dt_time are
+  /// The lexical form of the type for \p format "s"; empty for "G" and null; a text that names the format for any
+  /// other.
+  /// \throws CQnInvalidValueException "Date Not Set" for type 0, and when all fields of a type other than dt_time are
   ///         0.
   std::string ToString(char const* format) const;
   /// ToString("s").
   std::string ToString() const { return ToString("s"); }
 
-  /// The seconds since 1970, of the fields moved to offset 0 and taken as local time, and the local zone's difference.
-  /// Reads the zone from the environment, which no thread may change meanwhile.
-  /// \throws CQnInvalidValueException for a type that is not dateTime or date.
+  /// The seconds since 1970, computed from the fields moved to offset 0 and taken as local time, and from the local
+  /// zone's difference. Reads the zone from the environment, which no thread may change meanwhile.
+  /// \throws CQnInvalidValueException for a type other than dateTime and date.
   long GetTime() const;
 
   // ---- Order: 0 equal, 1 less, 2 greater, 3 indeterminate.
-  /// Compare after XML Schema's partial order, which is indeterminate within 14 hours where only one side has a zone.
-  /// In deviation from it the month of the left side stands for that of the right side too, so that months never
-  /// decide: 2001-01-15 is greater than 2001-03-10. Values of different types are compared as Compare() tells, and
-  /// zones are settled as GetNormalized() does, so that a gYear with an offset lies a year before the same without.
+  /// Compare by XML Schema's partial order, which is indeterminate within 14 hours when only one side has a zone. In
+  /// deviation from it the month of the left side is used for the right side too, so months never decide: 2001-01-15 is
+  /// greater than 2001-03-10. Compare() compares values of different types, and GetNormalized() resolves zones, so a
+  /// gYear with an offset lies a year before the same one without.
   /// \throws CQnInvalidStateException for a left side without a month against a right side with one, when both have a
-  ///         zone or none; otherwise the answer is 3.
+  ///         zone or none; otherwise the result is 3.
   ///@{
   int CompareTo(CDateTime const& other) const;
   bool operator==(CDateTime const& other) const { return CompareTo(other) == 0; }
@@ -244,19 +248,19 @@ class QUILLON9_API CDateTime {
   }
   ///@}
 
-  // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 and a month is February 31)
-  /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of what does
-  /// not fit. A value without a month counts as December of the year before, also when \p span is zero: a gYear of 2000
-  /// and P0D is 1999. The time it takes does not depend on the length of \p span.
+  // ---- Arithmetic (W3C XML Schema Part 2, appendix E, but the day is not cut: January 31 plus a month is February 31)
+  /// Add \p span to the fields, whatever the type is; nothing is validated, and fields keep the low bits of values that
+  /// do not fit. A value without a month counts as December of the year before, even when \p span is zero: a gYear of
+  /// 2000 and P0D is 1999. The time taken does not depend on the length of \p span.
   /// \throws CQnInvalidValueException when rounding leaves the month outside 1 to 12 and the days of such a month are
-  ///         asked for; everything but the day has changed then. The same for the operators.
+  ///         needed; by then everything but the day has changed. The same holds for the operators.
   ///@{
   void AddDateTimeSpan(CDateTimeSpan const& span);
   CDateTime& operator+=(CDateTimeSpan const& span);
   ///@}
-  /// Subtracts the length of \p span: a negative one moves the value back too.
+  /// Subtract the length of \p span: a negative one moves the value back too.
   CDateTime& operator-=(CDateTimeSpan const& span);
-  /// A copy with \p span added or subtracted, as the operators above do it.
+  /// A copy with \p span added or subtracted, as by the operators above.
   ///@{
   CDateTime operator+(CDateTimeSpan const& span) const;
   CDateTime operator-(CDateTimeSpan const& span) const;
@@ -297,9 +301,9 @@ class QUILLON9_API CDateTime {
   friend QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
 };
 
-/// Compare field by field, from the year to the second, as CompareTo() does once the zones are settled. A field that a
-/// type does not have counts as -1. Two fields of different signs are indeterminate; so a field that only one side has
-/// is, unless it is 0 there or a negative year. Any thread.
+/// Compare field by field, from the year to the second, as CompareTo() does once the zones are resolved. A field that a
+/// type does not have counts as -1. Two fields of different signs are indeterminate; so is a field that only one side
+/// has, unless it is 0 there or a negative year. Any thread.
 /// \throws CQnInvalidStateException for a left side without a month against a right side with one.
 QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
 

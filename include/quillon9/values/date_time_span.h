@@ -7,19 +7,19 @@
 
 namespace Quillon9 {
 
-/// An xs:duration (W3C XML Schema Part 2, 3.2.6). The fields stay as they were written, without a range and without
-/// being normalised, under one sign for the whole. A plain value.
+/// An xs:duration (W3C XML Schema Part 2, 3.2.6). The fields keep the numbers as written, without range check or
+/// normalisation, under one sign for the whole. A plain value.
 ///
-/// Where it differs from XML Schema: an all-zero span prints "P", which no parser takes; numbers wrap at 32 bits; of
-/// the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparing goes by calendar days and does
-/// not look at months, see CompareTo().
+/// It differs from XML Schema as follows: an all-zero span prints "P", which no parser accepts; numbers wrap at 32
+/// bits; of the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparing goes by calendar days
+/// and ignores months, see CompareTo().
 class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.
   CDateTimeSpan();
   /// Copies every field and the sign.
   CDateTimeSpan(CDateTimeSpan const& other);
-  /// Positive, with these fields, the others 0. Nothing is checked or normalised.
+  /// A positive span with these fields, the others 0. Nothing is checked or normalised.
   ///@{
   CDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                 std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
@@ -32,7 +32,7 @@ class QUILLON9_API CDateTimeSpan {
   CDateTimeSpan& operator=(CDateTimeSpan const& other);
   virtual ~CDateTimeSpan();
 
-  /// Set every field, those that are not named to 0. The sign becomes positive. Nothing is checked.
+  /// Set every field, those not named to 0. The sign becomes positive. Nothing is checked.
   ///@{
   void SetDateTimeSpan(std::uint16_t years, std::uint32_t months, std::uint32_t days, std::uint32_t hours,
                        std::uint64_t minutes, std::uint64_t seconds, std::uint16_t milli, std::uint16_t micro,
@@ -42,8 +42,8 @@ class QUILLON9_API CDateTimeSpan {
   void SetDateTimeSpan(std::uint32_t hours, std::uint64_t minutes, std::uint64_t seconds);
   ///@}
 
-  /// The fields, as they were set: nothing is normalised. Each part of the fraction counts 0 to 999;
-  /// setters check nothing.
+  /// The fields as they were set: nothing is normalised. Each part of the fraction counts 0 to 999; setters check
+  /// nothing.
   ///@{
   std::uint16_t GetYears() const { return m_years; }
   std::uint32_t GetMonths() const { return m_months; }
@@ -67,25 +67,25 @@ class QUILLON9_API CDateTimeSpan {
 
   /// Whether the whole span is negative.
   bool IsNegative() const { return m_negative; }
-  /// Turn the sign round.
+  /// Invert the sign.
   void Negate() { m_negative = !m_negative; }
   /// A copy with the sign set: a negative span stays negative.
   CDateTimeSpan GetAsNegative() const;
-  /// All zero, positive.
+  /// Set every field to 0 and the sign to positive.
   void Clear();
 
   /// Parse "[-]P[nY][nM][nD][T[nH][nM][nS.ff]]". A number may be absent, which gives 0, and wraps at 32 bits; years are
-  /// cut to 16; minutes and seconds of 2,147,483,648 and more become very large, their 32 bits being extended by the
-  /// sign. "Y" is taken at any place, and after it every field may come once more, the fractions adding up; a number in
-  /// front of "T" counts for nothing; a point may end the text in place of "S".
-  /// \throws CQnInvalidValueException; the fields read before it stay.
+  /// cut to 16; minutes and seconds of 2,147,483,648 and more become very large, because their 32 bits are
+  /// sign-extended. "Y" is accepted at any place, and after it every field may come once more, with the fractions added
+  /// up; a number before "T" is ignored; a point may end the text in place of "S".
+  /// \throws CQnInvalidValueException; the fields read before the failure stay set.
   void ParseXSDDuration(char const* text);
-  /// The fields that are not zero, in the form above; "P" or "-P", which is none of that form, when all are.
+  /// The fields that are not zero, in the form above; "P" or "-P", which do not follow that form, when all are zero.
   std::string ToString() const;
 
   /// Compare as XML Schema prescribes, by adding both to 1696-09-01, 1697-02-01, 1903-03-01 and 1903-07-01: 0 equal, 1
   /// less, 2 greater, 3 when the four do not agree or a sum cannot be built. These are dates without a time, and
-  /// CDateTime::CompareTo() looks at their years and days only, which has consequences: PT1H equals PT2H, months mostly
+  /// CDateTime::CompareTo() compares only their years and days, which has consequences: PT1H equals PT2H, months mostly
   /// do not count, and a negative span is mostly greater than a positive one, since it ends on a later day of the month
   /// before. The bounds of durations compare by this order.
   ///@{

@@ -2,8 +2,8 @@
 
 namespace Quillon9 {
 
-/// The kinds of value that a descriptor, a variant or a collection can hold. The numbers are fixed: generated
-/// tables carry them.
+/// The kinds of value that a descriptor, a variant or a collection can hold. The numbers are fixed because generated
+/// tables contain them.
 enum ItemType : int {
   ItemType_invalid = 0,         ///< nothing
   ItemType_hexBinary = 1,       ///< CBinaryData

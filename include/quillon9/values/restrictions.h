@@ -7,17 +7,16 @@
 
 namespace Quillon9 {
 
-/// The facets that a schema puts on a primitive element or attribute (W3C XML Schema Part 2, 4.3), all but
-/// enumerations, which generated code knows as enumerated types. CXmlObjectHelper checks values against them.
+/// The facets that a schema puts on a primitive element or attribute (W3C XML Schema Part 2, 4.3), except enumerations,
+/// which generated code represents as enumerated types. CXmlObjectHelper checks values against them.
 ///
-/// Bounds are text in the lexical form of the value's type and are parsed when a value is checked, so one object
-/// serves every ItemType; a facet that a type does not use is ignored. Threads may share an object that nobody
-/// changes.
+/// Bounds are text in the lexical form of the value's type and are parsed when a value is checked, so one object serves
+/// every ItemType; a facet that a type does not use is ignored. Threads may share an object that none of them changes.
 class QUILLON9_API CPrimitiveRestrictions {
  public:
-  /// Nothing set: every value passes.
+  /// No facet is set: every value passes.
   CPrimitiveRestrictions();
-  /// Generated code's constructor. Empty text and a negative length leave the facet unset.
+  /// The constructor for generated code. Empty text and a negative length leave the facet unset.
   CPrimitiveRestrictions(std::string pattern, std::int32_t minLength, std::int32_t maxLength, std::string minInclusive,
                          std::string maxInclusive, std::string minExclusive, std::string maxExclusive,
                          std::int32_t length);

@@ -19,17 +19,17 @@
 
 namespace Quillon9 {
 
-/// Holds one value of one ItemType, or nothing: the box in which values travel between the properties of generated
-/// classes, the facet checks, and the text of a document.
+/// Holds one value of one ItemType, or nothing. Values travel in it between the properties of generated classes, the
+/// facet checks, and the text of a document.
 ///
-/// A variant owns what it holds: a copy of a string or of binary data (whose bytes are shared until somebody
-/// changes them), or a counted reference to an object, which may be null. Any number of threads may read and copy it
-/// while nobody changes it.
+/// A variant owns its value: a copy of a string or of binary data (whose bytes are shared until one side changes them),
+/// or a counted reference to an object, which may be null. Any number of threads may read and copy it while none
+/// changes it.
 class QUILLON9_API QnVariant {
  public:
   /// Holds nothing.
   QnVariant() = default;
-  /// Copy what \p other holds; an object is shared.
+  /// Copy the value of \p other; an object is shared.
   /// \throws CQnException "Unknown Type" for a kind that does not exist.
   QnVariant(QnVariant const& other);
   /// Take the value of \p other, which then holds nothing.
@@ -45,11 +45,11 @@ class QUILLON9_API QnVariant {
   bool IsValid() const { return m_type != ItemType_invalid; }
   /// The kind of the value held; ItemType_invalid for none.
   ItemType GetItemType() const { return m_type; }
-  /// The name of the held kind, which is that of the enumerator behind its underscore.
+  /// The name of the held kind, which is the part of the enumerator after its underscore.
   /// \throws CQnException "Invalid Type %d" when nothing, an object or a collection is held.
   std::string GetType() const;
 
-  /// Release what is held; the variant then holds nothing.
+  /// Release the value; the variant then holds nothing.
   ///@{
   void Clear() {
     if (m_owns) Release();
@@ -58,7 +58,7 @@ class QUILLON9_API QnVariant {
   void SetInvalid() { Clear(); }
   ///@}
 
-  /// Each setter releases what was held before.
+  /// Release the old value and hold the new one.
   ///@{
   void SetHexBinary(CBinaryData const& value);
   void SetBase64Binary(CBinaryData const& value);
@@ -84,7 +84,7 @@ class QUILLON9_API QnVariant {
   void SetChar(char value) { SetScalar(ItemType_char, value); }
   void SetString(std::string value);
   ///@}
-  /// As the setters above; an argument that is moved from may be assigned to or destroyed, no more.
+  /// Like the setters above; an argument that was moved from may only be assigned to or destroyed.
   ///@{
   void SetBoolean(bool value) { SetScalar(ItemType_boolean, value); }
   void SetDecimal(CDecimal const& value);
@@ -92,14 +92,14 @@ class QUILLON9_API QnVariant {
   void SetInteger(CBigInteger const& value);
   void SetInteger(CBigInteger&& value);
   ///@}
-  /// Take a counted reference to \p object, unless it is null; a null object counts as a value too.
+  /// Take a counted reference to \p object, unless it is null; a null object also counts as a value.
   ///@{
   void SetXmlObject(CXmlObjectBase* object);
   void SetXmlCollection(CXmlCollectionBase* collection);
   ///@}
 
-  /// The scalar getters do not look at the held kind: what another kind left in the eight bytes of the value is
-  /// read as it stands (GetBoolean: whether the first of them is not 0).
+  /// Read a scalar without checking the held kind: if another kind is held, the getter returns whatever is in the eight
+  /// bytes of the value (GetBoolean: whether the first of them is not 0).
   ///@{
   std::int8_t GetI1() const { return Load<std::int8_t>(); }
   std::int16_t GetI2() const { return Load<std::int16_t>(); }
@@ -118,9 +118,9 @@ class QUILLON9_API QnVariant {
   bool GetBoolean() const { return Load<unsigned char>() != 0; }
   ///@}
 
-  /// The other getters give an empty value when nothing is held.
-  /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is
-  /// held; hexBinary and base64Binary are of the same one, and so are the five kinds that hold a CDateTime.
+  /// The other getters return an empty value when nothing is held.
+  /// \throws CQnException "Invalid Type %d to read as hexBinary", and so on, when a value of another class is held;
+  ///         hexBinary and base64Binary have the same class, and so do the five kinds that hold a CDateTime.
   ///@{
   CBinaryData GetHexBinary() const;
   CBinaryData GetBase64Binary() const;
@@ -131,8 +131,8 @@ class QUILLON9_API QnVariant {
   CDateTime GetDateTime() const;
   CDateTime GetTime() const;
   ///@}
-  /// These three give the value itself, which lives until this variant changes or is destroyed; those for a variant
-  /// that is a temporary object give a copy.
+  /// These three return a reference to the value itself, which lives until this variant changes or is destroyed; their
+  /// overloads for a temporary variant return a copy.
   ///@{
   CDecimal const& GetDecimal() const&;
   CDecimal GetDecimal() const&&;
@@ -141,35 +141,35 @@ class QUILLON9_API QnVariant {
   std::string const& GetString() const&;
   std::string GetString() const&&;
   ///@}
-  /// The held object or collection. Null when nothing is held.
+  /// The held object or collection; null when nothing is held.
   CSmartPtr<CXmlObjectBase> GetXmlObject() const;
-  /// The same without a counted reference, which spares two atomic operations. Use it only while this variant holds the
+  /// The same without a counted reference, which saves two atomic operations. Use it only while this variant holds the
   /// object.
   CXmlObjectBase* LookAtXmlObject() const;
-  /// The held collection, also when it was set as an object. Null when nothing is held.
-  /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is no collection.
+  /// The held collection, also when it was set as an object; null when nothing is held.
+  /// \throws CQnException "Invalid Type %d to read as xmlCollection", also for an object that is not a collection.
   CSmartPtr<CXmlCollectionBase> GetXmlCollection() const;
-  /// The same, not counted.
+  /// The same without a counted reference.
   /// \throws CQnException as GetXmlCollection().
   CXmlCollectionBase* LookAtXmlCollection() const;
 
-  /// The text of the value, as the `...ToString` of CConversions gives it. \p format is for r4, r8 and decimal alone;
-  /// null means their default form.
-  /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held; what
-  ///         the conversion throws: for a \p format that prints anything but the one number, CQnInvalidValueException
-  ///         "Date Not Set".
+  /// The text of the value, as the `...ToString` of CConversions prints it. \p format applies only to r4, r8 and
+  /// decimal; null means their default form.
+  /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held;
+  ///         whatever the conversion throws: for a \p format that prints anything but the one number,
+  ///         CQnInvalidValueException "Date Not Set".
   std::string ToString(char const* format = nullptr) const;
   /// Parse \p text as a value of the kind \p type with the `...FromString` of CConversions, and hold it. After a
-  /// failure the old value is still held.
+  /// failure the variant keeps the old value.
   /// \throws CQnException "Invalid Type %d to convert to string" with the number of the kind that is held now, when \p
-  ///         type has no text form; what the conversion throws.
+  ///         type has no text form; whatever the conversion throws.
   void FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
 
  private:
-  friend class Quillon9Data::CElementInfo;  // which have texts that are no strings
+  friend class Quillon9Data::CElementInfo;  // which have text held as string_view
   friend class Quillon9Data::CAttributeInfoPrimitive;
 
-  /// FromString() of a text with a zero behind it.
+  /// FromString() for a text that is followed by a zero.
   void FromText(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
   template <class T>
   T Load() const {
@@ -209,9 +209,9 @@ class QUILLON9_API QnVariant {
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 
   ItemType m_type = ItemType_invalid;
-  bool m_owns = false;                       // what the value points to, or a counted reference to it
+  bool m_owns = false;                       // whether the pointee of the value, or a counted reference to it, is owned
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to m_held or to an object
-  // What is no scalar: memory of its own for each cost 3 % of the instructions of reading and 7 % of those of writing.
+  // Holds values that are not scalars: giving each its own memory makes reading and writing measurably slower.
   alignas(8) unsigned char m_held[std::max({sizeof(std::string), sizeof(CBigInteger), sizeof(CBinaryData),
                                             sizeof(CDateTime), sizeof(CDateTimeSpan), sizeof(CDecimal)})];
 };
