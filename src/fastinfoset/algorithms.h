@@ -4,13 +4,13 @@
 
 namespace Quillon9 {
 
-/// The steps of CFastInfosetBinaryData for callers that have the octets elsewhere: a writer's output, a reader's input.
+/// The steps of CFastInfosetBinaryData for octets that are elsewhere: in a writer's output or a reader's input.
 
-/// Put the octets that stand for \p text behind what \p target holds.
+/// Append the encoding of \p text to \p target.
 /// \throws what CFastInfosetBinaryData::SetAsEncodedString() throws; \p target is unchanged then.
 void AppendEncoded(unsigned long algorithm, char const* text, std::string& target);
 
-/// The text of \p length octets.
+/// Return the text that \p length octets represent.
 /// \throws what CFastInfosetBinaryData::GetAsString() throws.
 std::string DecodedText(unsigned long algorithm, unsigned char const* data, unsigned long length);
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// What the octets of a Fast Infoset document mean (Rec. ITU-T X.891, clause 12 and annex C), as far as reader and
-// writer share it. Bits are counted as the standard does, from the most significant, which is the first.
+// The meaning of the octets of a Fast Infoset document (Rec. ITU-T X.891, clause 12 and annex C), as far as the reader
+// and the writer share it. Bits are counted as in the standard: the first is the most significant.
 
 #include <cstdint>
 
@@ -9,7 +9,7 @@
 
 namespace Quillon9 {
 
-/// The declarations that may stand in front of the header; the first has the value FInfoDecl_NoVersion.
+/// The declarations that may precede the header; the first has the value FInfoDecl_NoVersion.
 inline constexpr char const* FI_DECLARATION_LIST[] = {
     "<?xml encoding='finf'?>",
     "<?xml encoding='finf' standalone='yes'?>",
@@ -36,13 +36,13 @@ inline constexpr unsigned kCharacterEncodingScheme = 0x04;
 inline constexpr unsigned kStandalone = 0x02;
 inline constexpr unsigned kVersion = 0x01;
 
-// Components of an initial vocabulary, first octet.
+// Components of an initial vocabulary in the first octet.
 inline constexpr unsigned kExternalVocabulary = 0x10;
 inline constexpr unsigned kRestrictedAlphabets = 0x08;
 inline constexpr unsigned kEncodingAlgorithms = 0x04;
 inline constexpr unsigned kPrefixes = 0x02;
 inline constexpr unsigned kNamespaceNames = 0x01;
-// Second octet.
+// Those in the second octet.
 inline constexpr unsigned kLocalNames = 0x80;
 inline constexpr unsigned kOtherNCNames = 0x40;
 inline constexpr unsigned kOtherURIs = 0x20;
@@ -52,8 +52,8 @@ inline constexpr unsigned kOtherStrings = 0x04;
 inline constexpr unsigned kElementNameSurrogates = 0x02;
 inline constexpr unsigned kAttributeNameSurrogates = 0x01;
 
-// What a child, an attribute or a namespace attribute begins with. An octet below 0x80 begins an element or, in a list
-// of attributes, an attribute.
+// The first octet of a child, an attribute or a namespace attribute. An octet below 0x80 begins an element or, in a
+// list of attributes, an attribute.
 inline constexpr unsigned kTerminator = 0xF0;
 inline constexpr unsigned kDoubleTerminator = 0xFF;
 inline constexpr unsigned kProcessingInstruction = 0xE1;
@@ -64,7 +64,7 @@ inline constexpr unsigned kUnexpandedEntityReference = 0xC8;  ///< top six bits
 inline constexpr unsigned kNamespaceAttribute = 0xCC;         ///< top six bits
 inline constexpr unsigned kTopSixBits = 0xFC;
 
-// An element's first octet: attributes follow; namespace attributes follow (under the mask of a literal name).
+// In an element's first octet: attributes follow; namespace attributes follow (under the mask of a literal name).
 inline constexpr unsigned kHasAttributes = 0x40;
 inline constexpr unsigned kHasNamespaceAttributes = 0x38;
 // A qualified name in full, from the third bit for elements and the second for attributes, and its optional parts.
@@ -89,9 +89,9 @@ inline constexpr unsigned kUtf16Bit5 = 0x04;
 inline constexpr unsigned kRestrictedAlphabetBit5 = 0x08;
 inline constexpr unsigned kEncodingAlgorithmBit5 = 0x0C;
 
-/// The forms of an integer or length: the first octet's pattern and the first value that the form holds. The one-octet
-/// form has no pattern and begins at 1. A value is stored less its form's first value, most significant bits first, the
-/// first octet taking as many as it has free.
+/// The forms of an integer or length: the pattern of the first octet and the first value of the form. The one-octet
+/// form has no pattern and begins at 1. The stored number is the value minus the first value of its form, most
+/// significant bits first; the first octet holds as many bits as it has free.
 struct Form {
   unsigned m_pattern;
   std::uint32_t m_first;
@@ -100,10 +100,10 @@ inline constexpr Form kInteger2Medium = {0x40, 65};    ///< 5 bits and one octet
 inline constexpr Form kInteger2Large = {0x60, 8257};   ///< 4 bits and two octets
 inline constexpr Form kInteger3Medium = {0x20, 33};    ///< 3 bits and one octet
 inline constexpr Form kInteger3Large = {0x28, 2081};   ///< 3 bits and two octets
-inline constexpr Form kInteger3Huge = {0x30, 526369};  ///< three octets, of the first only 4 bits
+inline constexpr Form kInteger3Huge = {0x30, 526369};  ///< three octets, only 4 bits of the first
 inline constexpr Form kInteger4Medium = {0x10, 17};    ///< 2 bits and one octet
 inline constexpr Form kInteger4Large = {0x14, 1041};   ///< 2 bits and two octets
-inline constexpr Form kInteger4Huge = {0x18, 263185};  ///< three octets, of the first only 4 bits
+inline constexpr Form kInteger4Huge = {0x18, 263185};  ///< three octets, only 4 bits of the first
 inline constexpr Form kLength2Medium = {0x40, 65};     ///< one octet
 inline constexpr Form kLength2Large = {0x60, 321};     ///< four octets
 inline constexpr Form kLength5Medium = {0x08, 9};      ///< one octet
@@ -111,7 +111,7 @@ inline constexpr Form kLength5Large = {0x0C, 265};     ///< four octets
 inline constexpr Form kLength7Medium = {0x02, 3};      ///< one octet
 inline constexpr Form kLength7Large = {0x03, 259};     ///< four octets
 
-/// Attribute values have an index 0, the empty string: seven bits set.
+/// Attribute values have an index 0, which is the empty string: seven bits set.
 inline constexpr unsigned kIndexZeroBit2 = 0x7F;
 
 /// The encoding algorithms, by index.

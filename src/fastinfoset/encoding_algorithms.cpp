@@ -58,7 +58,7 @@ void AppendHex(std::string& target, char const* text) {
   throw CQnException(FormatString("Invalid value for %s byte encoding.", name));
 }
 
-// Refuses what the reader would refuse.
+// Refuse what the reader would refuse.
 void AppendUuid(std::string& target, char const* text) {
   CBinaryData bytes;
   bytes.SetAsHexString(text);
@@ -81,7 +81,7 @@ std::string Base64Text(unsigned char const* data, unsigned long length) {
 
 [[noreturn]] void ThrowUnknown() { throw CQnException("Unknown byte encoding."); }
 
-// The texts of the elements of `size` octets, with single spaces between them.
+// Return the texts of the elements of `size` octets, separated by single spaces.
 template <class ToText>
 std::string Join(unsigned char const* data, unsigned long length, unsigned long size, char const* name, ToText toText) {
   if (length % size != 0) ThrowWrongSize(name);
@@ -93,12 +93,12 @@ std::string Join(unsigned char const* data, unsigned long length, unsigned long 
   return result;
 }
 
-// All four octets are taken to be the first one: documents have always been read like this.
+// All four octets are assumed to equal the first one: documents have always been read like this.
 std::string FloatText(unsigned char const* data) {
   return CConversions::r4ToString(BitsOf<float>(std::uint32_t{data[0]} * 0x01010101U));
 }
 
-// The high half of the first octet tells how many bits at the end of the last octet are not used.
+// The high half of the first octet holds the number of unused bits at the end of the last octet.
 std::string BooleansText(unsigned char const* data, unsigned long length) {
   int const unused = data[0] >> 4;
   int highest = 3;
@@ -173,7 +173,7 @@ CFastInfosetBinaryData::CFastInfosetBinaryData(CBinaryData const& other) : CBina
 CFastInfosetBinaryData::~CFastInfosetBinaryData() = default;
 
 void CFastInfosetBinaryData::SetAsEncodedString(unsigned long algorithm, char const* text) {
-  CBinaryData const old(*this);  // the text may lie in it
+  CBinaryData const old(*this);  // the text may point into it
   Clear();
   std::string octets;
   AppendEncoded(algorithm, text, octets);

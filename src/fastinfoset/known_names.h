@@ -6,13 +6,12 @@
 
 namespace Quillon9 {
 
-/// The indices of the names that a writer wrote lately for the members of classes. Objects repeat themselves, so most
-/// elements find theirs here, without a look at a prefix, a namespace or a name: a sixth of the instructions of
-/// writing.
+/// The indices of the names that a writer recently wrote for the members of classes. Objects are repetitive, so most
+/// elements are found here without comparing a prefix, a namespace or a name.
 class CKnownNames {
  public:
-  /// The index of the name that \p member, which is not 0, has in the scope with the state \p scope (see
-  /// CXmlWriterContext::GetScopeState()). 0 when it is not known.
+  /// Return the index of the name that \p member, which is not 0, has in the scope with the state \p scope (see
+  /// CXmlWriterContext::GetScopeState()), or 0 if it is not known.
   unsigned long Find(std::uint64_t member, std::uint64_t scope) const {
     Name const& name = m_names[member % kNames];
     return name.m_member == member && name.m_scope == scope ? name.m_index : 0;
@@ -22,7 +21,7 @@ class CKnownNames {
   }
 
  private:
-  static constexpr std::size_t kNames = 128;  // the members of a class have numbers in a row
+  static constexpr std::size_t kNames = 128;  // the members of a class have consecutive numbers
   struct Name {
     std::uint64_t m_member = 0;
     std::uint64_t m_scope = 0;

@@ -27,7 +27,7 @@ void COctetSink::Grow(std::size_t more) {
   m_capacity = capacity;
 }
 
-// The value less the form's first one, its top bits in the octet of the pattern.
+// Write the value minus the form's first one, with its top bits in the octet of the pattern.
 void COctetSink::Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets) {
   auto const stored = static_cast<std::uint32_t>(value - form.m_first);
   int shift = moreOctets * 8;
@@ -45,20 +45,20 @@ void COctetSink::Integer1To2pw20Bit2(std::uint32_t leading, unsigned long value)
   }
 }
 
-// Of more than one octet.
+// Write an integer that needs more than one octet.
 void COctetSink::LongIntegerBit3(std::uint32_t leading, unsigned long value) {
   if (value < fi::kInteger3Large.m_first) {
     Stored(fi::kInteger3Medium, leading, value, 1);
   } else if (value < fi::kInteger3Huge.m_first) {
     Stored(fi::kInteger3Large, leading, value, 2);
   } else {
-    // Documents have always had one more here than the form's first value asks for.
+    // Documents have always contained one more here than the form's first value requires.
     Octet(leading | fi::kInteger3Huge.m_pattern);
     Stored({0, fi::kInteger3Huge.m_first - 1}, 0, value, 2);
   }
 }
 
-// Of more than one octet.
+// Write an integer that needs more than one octet.
 void COctetSink::LongIntegerBit4(std::uint32_t leading, unsigned long value) {
   if (value < fi::kInteger4Large.m_first) {
     Stored(fi::kInteger4Medium, leading, value, 1);

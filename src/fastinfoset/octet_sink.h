@@ -16,9 +16,9 @@ namespace Quillon9 {
 /// \throws CQnException always.
 [[noreturn]] void ThrowFastInfosetWriteFailure(std::string const& reason);
 
-/// The octets of a Fast Infoset document on their way to a stream, and the forms of integers and octet strings in Rec.
-/// ITU-T X.891, C.22 to C.28. A form is named by the bit of its first octet on which it begins, bit 1 being the most
-/// significant; \p leading holds the bits before it.
+/// Collects the octets of a Fast Infoset document for a stream, and writes the forms of integers and octet strings in
+/// Rec. ITU-T X.891, C.22 to C.28. A form is named after the bit of its first octet on which it begins, bit 1 being the
+/// most significant; \p leading holds the bits before it.
 class COctetSink {
  public:
   /// \p stream is borrowed.
@@ -34,16 +34,17 @@ class COctetSink {
     Reserve(octets.size());
     m_size += CopyBlocks(m_octets.get() + m_size, octets, [](std::uint64_t) { return false; });
   }
-  /// Hand over to the stream what has gathered here.
+  /// Pass the collected octets to the stream.
   void Flush();
-  /// The same once a block of 4,096 octets has gathered. Each append to a stream locks, so octets go there in blocks.
+  /// Do so when a block of 4,096 octets is full. Each append to a stream locks, so octets go there in blocks.
   void FlushIfFull() {
     if (m_size >= kBlockSize) Flush();
   }
 
-  /// \p value is 1 to 2^20, or from 0 for the last one.
+  /// \p value is in the range 1 to 2^20; for the last function it may also be 0.
   void Integer1To2pw20Bit2(std::uint32_t leading, unsigned long value);
-  /// The longest form, above 526,368, stores one more than the standard's; readers of this library do not undo it.
+  /// The longest form, above 526,368, stores one more than the standard's form; the readers of this library do not undo
+  /// it.
   void Integer1To2pw20Bit3(std::uint32_t leading, unsigned long value) {
     if (value >= fi::kInteger3Medium.m_first) return LongIntegerBit3(leading, value);
     Octet(leading | static_cast<std::uint32_t>(value - 1));
@@ -54,14 +55,14 @@ class COctetSink {
   }
   void Integer0To2pw20Bit2(std::uint32_t leading, unsigned long value);
 
-  /// The length and the octets.
-  /// \throws CQnException "Failed to write FastInfoset. An octet string may not be empty.", or
-  ///         "... An octet string is too long [%zu octets]" when the length does not fit in its 32 bits.
+  /// Write the length and the octets.
+  /// \throws CQnException "Failed to write FastInfoset. An octet string may not be empty.", or "... An octet string is
+  ///         too long [%zu octets]" if the length does not fit in its 32 bits.
   void NonEmptyOctetStringBit2(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit5(std::uint32_t leading, std::string_view octets);
   void NonEmptyOctetStringBit7(std::uint32_t leading, std::string_view octets);
-  /// The last one for what is ASCII without zero bytes, looked at while it is copied, and not empty. False for other
-  /// text: nothing has changed then.
+  /// The last function for non-empty ASCII without zero bytes, which it checks while copying. Return false, with
+  /// nothing changed, for other text.
   bool AsciiStringBit7(std::uint32_t leading, std::string_view text);
 
  private:
@@ -72,7 +73,7 @@ class COctetSink {
   void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
   void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
 
-  /// Octet() where there is room.
+  /// Octet() without the check for room.
   void Put(std::uint32_t octet) { m_octets[m_size++] = static_cast<char>(static_cast<unsigned char>(octet)); }
   void Reserve(std::size_t more) {
     if (m_capacity - m_size < more) Grow(more);
@@ -80,13 +81,13 @@ class COctetSink {
   void Grow(std::size_t more);
 
   CBinaryStream& m_stream;
-  // What std::string does, in fewer steps: a tenth of writing.
+  // A buffer like std::string, but with fewer steps for each octet.
   std::unique_ptr<char[]> m_octets;
   std::size_t m_size = 0;
   std::size_t m_capacity = 0;
 };
 
-// Here for the one place where most values of a document come by.
+// Inline: most values of a document pass through here.
 inline bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view text) {
   if (text.empty() || text.size() >= fi::kLength7Large.m_first) return false;
   std::size_t const start = m_size;

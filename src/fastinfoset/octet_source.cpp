@@ -12,14 +12,14 @@ void ThrowFastInfosetFailure(char const* reason) {
 
 void COctetSource::ThrowEndOfFile() { ThrowFastInfosetFailure("Unexpected End of File."); }
 
-/// The value of \p form whose leading bits are \p leading and whose other bits are the next \p count octets.
+/// Return the value of \p form whose leading bits are \p leading and whose other bits are the next \p count octets.
 std::uint32_t COctetSource::Continue(fi::Form const& form, std::uint32_t leading, std::uint32_t count) {
   std::uint8_t const* const octets = Move(count);
   for (std::uint32_t i = 0; i < count; ++i) leading = leading << 8 | octets[i];
   return leading + form.m_first;
 }
 
-/// A length that stands in the next \p count octets. It may exceed 32 bits.
+/// Return the length stored in the next \p count octets. It may exceed 32 bits.
 std::uint64_t COctetSource::LongLength(fi::Form const& form, std::uint32_t count) {
   return std::uint64_t{Continue({}, 0, count)} + form.m_first;
 }
@@ -53,7 +53,7 @@ std::uint32_t COctetSource::Integer0To2pw20Bit2(std::uint32_t octet) {
   ThrowFastInfosetFailure("Invalid Encoding of integers 0 To 2^20 type  on the second bit of an octet.");
 }
 
-// The bits between the pattern of a length's form and the end of the octet are zeros.
+// The bits between the pattern of a length's form and the end of the octet must be zeros.
 
 std::uint64_t COctetSource::NonEmptyOctetStringBit2Length(std::uint32_t octet) {
   if ((octet & 0x40) == 0) return (octet & 0x3F) + 1;

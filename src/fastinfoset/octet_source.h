@@ -11,9 +11,9 @@ namespace Quillon9 {
 /// \throws CQnException always.
 [[noreturn]] void ThrowFastInfosetFailure(char const* reason);
 
-/// The octets of a Fast Infoset document, the one way through them, and the forms of integers and lengths in Rec.
-/// ITU-T X.891, C.21 to C.28. A form is named by the bit of the octet in hand on which it begins, bit 1 being the
-/// most significant; that octet is handed over, those that follow are taken from here.
+/// Reads the octets of a Fast Infoset document in sequence, and the forms of integers and lengths in Rec. ITU-T X.891,
+/// C.21 to C.28. A form is named after the bit of the current octet on which it begins, bit 1 being the most
+/// significant. The caller passes that octet; the following ones are read from here.
 ///
 /// Every read is checked against the end. The octets are borrowed.
 class COctetSource {
@@ -24,15 +24,15 @@ class COctetSource {
   std::uint8_t const* GetPosition() const { return m_position; }
   std::size_t GetLeft() const { return static_cast<std::size_t>(m_end - m_position); }
 
-  /// Pass over \p count octets and return the first of them.
-  /// \throws CQnException "Failed to parse FastInfoset. Unexpected End of File.", here and in all that follows.
+  /// Skip \p count octets and return the first of them.
+  /// \throws CQnException "Failed to parse FastInfoset. Unexpected End of File."; so do all functions below.
   std::uint8_t const* Move(std::uint64_t count) {
     if (count > GetLeft()) ThrowEndOfFile();
     std::uint8_t const* const first = m_position;
     m_position += count;
     return first;
   }
-  /// The next octet.
+  /// Return the next octet.
   std::uint32_t Octet() { return *Move(1); }
 
   /// \name Integers
@@ -54,7 +54,7 @@ class COctetSource {
   std::uint64_t NonEmptyOctetStringBit7Length(std::uint32_t octet);
   /// @}
 
-  /// The number of items of a sequence, 1 to 1,048,704, on the next octet.
+  /// Return the number of items of a sequence, 1 to 1,048,704, which begins with the next octet.
   std::uint32_t LengthOfSequence();
 
  private:

@@ -22,16 +22,16 @@ constexpr std::uint32_t kBehindCharacterChunks = 0xC0;
 
 char const* Characters(std::uint8_t const* octets) { return reinterpret_cast<char const*>(octets); }
 
-/// Element \p index of a table, counted from 1.
+/// Return element \p index of a table, counted from 1.
 template <class Value>
 Value const& EntryOf(std::vector<Value> const& table, unsigned long index) {
   if (index == 0 || index > table.size()) ThrowFastInfosetFailure("Invalid Index beyond its table.");
   return table[index - 1];
 }
 
-/// The least that \p length octets of an encoding algorithm become as text. Each bit becomes "true" or "false", except
-/// for half of the first octet and what the last one does not use; eight octets of a number become at least one digit,
-/// and a blank unless they are the last.
+/// Return the minimum size of the text that \p length octets of an encoding algorithm decode to. Each bit becomes
+/// "true" or "false", except for half of the first octet and the unused bits of the last one; eight octets of a number
+/// become at least one digit, and a space unless they are the last.
 std::uint64_t LeastTextSize(unsigned long algorithm, std::uint64_t length) {
   constexpr std::uint64_t kEightTimesTrue = 32;
   if (algorithm != fi::kBoolean) return length > 8 ? length / 4 - 1 : 0;
@@ -59,8 +59,7 @@ bool CFastInfosetReader::Parse() {
   return true;
 }
 
-// A missing last terminator is no failure once the element is complete, and what stands behind a terminator is not
-// looked at.
+// A missing last terminator is not a failure once the element is complete, and anything after a terminator is ignored.
 void CFastInfosetReader::ReadChildren() {
   bool hasElement = false;
   while (!m_doubleTerminator && !(hasElement && m_source.GetLeft() == 0)) {
@@ -82,7 +81,7 @@ void CFastInfosetReader::ReadChildren() {
   if (!hasElement) ThrowFastInfosetFailure("Invalid Document type without Element.");
 }
 
-// A loop, since the depth of the nesting is the document's choice: the document keeps the open elements.
+// Iterative, because the document determines the depth of the nesting: the document keeps the open elements.
 void CFastInfosetReader::ElementBit2(std::uint32_t octet) {
   StartElement(octet);
   while (CXmlElement* const element = m_document.GetOpenElement()) ReadContent(element, m_source.Octet());
@@ -135,7 +134,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   }
   bool const addToTable = (octet & fi::kAddToTableBit3) != 0;
   EncodedString const source = EncodedCharacterStringBit5(octet);
-  if (source.IsUtf8() && !addToTable) {  // most text: one copy instead of two is up to a tenth of the time
+  if (source.IsUtf8() && !addToTable) {  // for most text: one copy instead of two
     char const* const utf8 = Characters(source.m_octets);
     m_document.CountContent(source.m_length);
     AppendConverted(*element, m_toLocal, {utf8, strnlen(utf8, source.m_length)});
@@ -167,7 +166,7 @@ void CFastInfosetReader::Attributes(CXmlElement* element) {
   std::uint32_t octet = m_source.Octet();
   for (; octet < fi::kCharacterChunk; octet = m_source.Octet()) AtrributeBit2(element, octet);
   if (octet == fi::kDoubleTerminator) {
-    m_document.CloseElement();  // it ends the attributes and the element, not the element around it
+    m_document.CloseElement();  // it ends the attributes and the element, not the parent
   } else if (octet != fi::kTerminator) {
     ThrowInvalidElement();
   }
@@ -191,7 +190,7 @@ CXmlName const* CFastInfosetReader::ElementNameBit3(std::uint32_t octet) {
   return NameInTable(table, m_source.Integer1To2pw20Bit3(octet), m_elementNames);
 }
 
-/// The name that entry \p index of \p table stands for, which \p shared remembers.
+/// Return the name for entry \p index of \p table, which \p shared caches.
 CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t index, SharedNames& shared) {
   CFIVocabulary::CQNameParts const& parts = EntryOf(table, index);
   if (shared.size() < table.size()) shared.resize(table.size());
@@ -207,7 +206,7 @@ CXmlName const* CFastInfosetReader::SharedName(CFIVocabulary::CQNameParts const&
                               EntryOf(m_vocabulary->GetLocalNamesTable().GetVector(), parts.m_localName));
 }
 
-/// The name, which enters \p table, unless that is full.
+/// Return the name, which is added to \p table unless the table is full.
 CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table) {
   bool const hasPrefix = (octet & fi::kHasPrefix) != 0;
   bool const hasNamespace = (octet & fi::kHasNamespaceName) != 0;
@@ -220,7 +219,7 @@ CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table)
   return SharedName(name);
 }
 
-/// The index of the string, which enters \p table if it is spelled out.
+/// Return the index of the string, which is added to \p table if it is spelled out.
 std::uint32_t CFastInfosetReader::IdentifyingStringOrIndex(Strings& table) {
   std::uint32_t const octet = m_source.Octet();
   if ((octet & fi::kIndexBit1) != 0) {
@@ -248,7 +247,7 @@ std::string CFastInfosetReader::NonIdentifyingStringOrIndexBit1(Strings& table) 
 
 CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3(std::uint32_t octet) {
   EncodedString string{static_cast<EncodedString::Kind>(octet >> 4 & 0x03), 0, nullptr, 0};
-  if ((octet & fi::kRestrictedAlphabetBit3) != 0) {  // an encoding algorithm has this bit as well
+  if ((octet & fi::kRestrictedAlphabetBit3) != 0) {  // set for an encoding algorithm, too
     std::uint32_t const next = m_source.Octet();
     string.m_index = ((octet & 0x0F) << 4 | next >> 4) + 1;
     octet = next;
@@ -270,7 +269,7 @@ CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5
   return string;
 }
 
-/// Fails before octets are decoded whose text is too long in any case.
+/// Fail before octets are decoded if their text would be too long in any case.
 void CFastInfosetReader::CheckLeastTextSize(EncodedString const& source) const {
   std::uint64_t const least = LeastTextSize(source.m_index, source.m_length);
   if (least > m_document.GetContentLeft()) m_document.CountContent(least);

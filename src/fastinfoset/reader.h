@@ -16,25 +16,25 @@ namespace Quillon9 {
 
 /// Recognises a Fast Infoset document (Rec. ITU-T X.891) in a document's input and builds the document's tree from it,
 /// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
-/// these operations get that octet as argument. It lives for one parse, on the stack of the load.
+/// these operations get that octet as argument. A reader lives for one parse, on the stack of the load.
 ///
 /// Constructs that have no place in the tree (all components of the header, comments, processing instructions, the
-/// document type, unexpanded entity references) are passed over by their lengths, whatever they hold. A document's own
-/// initial vocabulary is among them, so an index can only mean what the context's vocabulary or the document itself has
-/// put into the tables.
+/// document type, unexpanded entity references) are skipped by their lengths, whatever they contain. A document's own
+/// initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
+/// document itself.
 class CFastInfosetReader {
  public:
-  /// Both arguments are kept, not copied. \p document must have no tree yet.
+  /// Both arguments are kept by reference. \p document must not have a tree yet.
   CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document);
   virtual ~CFastInfosetReader();
   CFastInfosetReader(CFastInfosetReader const&) = delete;
   CFastInfosetReader& operator=(CFastInfosetReader const&) = delete;
 
-  /// Read the document, unless the input is something else.
-  /// \returns false, with the document unchanged, when the input does not begin with the header of version 1 and an
-  ///          octet more, behind one of the nine declarations of the encoding `finf` or by itself.
-  /// \throws CQnException "Failed to parse FastInfoset. [reason]" for malformed input; what an encoding algorithm says
-  ///         of its octets; "The element nesting exceeds the limit of %u levels" beyond
+  /// Read the document, unless the input is in another format.
+  /// \returns false, with the document unchanged, if the input does not begin with the header of version 1 and one more
+  ///          octet, optionally preceded by one of the nine declarations of the encoding `finf`.
+  /// \throws CQnException "Failed to parse FastInfoset. [reason]" for malformed input; what an encoding algorithm
+  ///         throws for its octets; "The element nesting exceeds the limit of %u levels" beyond
   ///         CLimits::GetMaxElementDepth(); CQnUtf16Exception for a string in UTF-16. The elements read so far stay.
   bool Parse();
 
@@ -43,7 +43,7 @@ class CFastInfosetReader {
   using Names = std::vector<CFIVocabulary::CQNameParts>;
   using SharedNames = std::vector<CXmlName const*>;
 
-  /// An encoded character string: what its octets mean, and where they are.
+  /// An encoded character string: the meaning of its octets and their position.
   struct EncodedString {
     enum class Kind : std::uint8_t { kUtf8, kUtf16, kRestrictedAlphabet, kEncodingAlgorithm };
     Kind m_kind;
@@ -56,7 +56,7 @@ class CFastInfosetReader {
     }
   };
 
-  // The header: reader_header.cpp.
+  // The header, defined in reader_header.cpp.
   bool ReadHeader();
   bool CheckHeader();
   bool CheckDeclaration(char const* text);
@@ -70,7 +70,7 @@ class CFastInfosetReader {
   void SkipEncodedCharacterString();
   void SkipNameSurrogate();
 
-  // What is passed over in the header and among the elements alike.
+  // Items skipped both in the header and among the elements.
   void SkipIdentifyingStringsOrIndices(std::uint32_t count);
   void SkipNonIdentifyingStringOrIndex();
   void ProcessingInstruction();
@@ -107,12 +107,12 @@ class CFastInfosetReader {
   CXmlDocument& m_document;
   CUtf8ToLocal const m_toLocal;
   COctetSource m_source;
-  /// Made when the input has turned out to be Fast Infoset.
+  /// Created when the input has turned out to be Fast Infoset.
   std::optional<CFIVocabulary> m_vocabulary;
   /// The names of the tree for the entries of the vocabulary's tables, null until they are first used.
   SharedNames m_elementNames;
   SharedNames m_attributeNames;
-  /// The last octet ended more than the innermost element: the document, if no other element is open.
+  /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
 };
 

@@ -6,7 +6,7 @@ namespace Quillon9 {
 
 namespace {
 
-// What items of the header begin with.
+// The first octets of items of the header.
 constexpr std::uint32_t kNotation = 0xC0;  // top six bits
 constexpr std::uint32_t kUnparsedEntity = 0xD0;
 constexpr std::uint32_t kTopSevenBits = 0xFE;
@@ -14,7 +14,7 @@ constexpr std::uint32_t kTopSevenBits = 0xFE;
 constexpr std::uint32_t kHasSystemIdentifier = 0x02;
 constexpr std::uint32_t kHasPublicIdentifier = 0x01;
 
-/// How many of system and public identifier \p octet announces.
+/// Return how many of system and public identifier \p octet announces.
 std::uint32_t CountIdentifiers(std::uint32_t octet) {
   return ((octet & kHasSystemIdentifier) != 0 ? 1U : 0U) + ((octet & kHasPublicIdentifier) != 0 ? 1U : 0U);
 }
@@ -54,7 +54,7 @@ void CFastInfosetReader::ReadOptionalData() {
   if ((components & fi::kVersion) != 0) SkipNonIdentifyingStringOrIndex();
 }
 
-/// Pairs of a URI and data, which both are octet strings.
+/// Skip pairs of a URI and data, both of which are octet strings.
 void CFastInfosetReader::AdditionalData() {
   for (std::uint32_t left = m_source.LengthOfSequence(); left > 0; --left) {
     SkipNonEmptyOctetString();
@@ -131,13 +131,13 @@ void CFastInfosetReader::SkipNonIdentifyingStringOrIndex() {
   }
 }
 
-/// Target and content.
+/// Skip the target and the content.
 void CFastInfosetReader::ProcessingInstruction() {
   SkipIdentifyingStringsOrIndices(1);
   SkipNonIdentifyingStringOrIndex();
 }
 
-/// System identifier and public identifier, as far as the octet tells, then processing instructions.
+/// Skip the system and public identifier if the octet announces them, then processing instructions.
 void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
   CXmlDocument::CheckDocumentType();
   SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
@@ -146,17 +146,17 @@ void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
   if (child != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Document Type Declaration type.");
 }
 
-/// Name, then system identifier and public identifier, as far as the octet tells.
+/// Skip the name, then the system and public identifier if the octet announces them.
 void CFastInfosetReader::NotationBit7(std::uint32_t octet) {
   SkipIdentifyingStringsOrIndices(1 + CountIdentifiers(octet));
 }
 
-/// Name, system identifier, public identifier if the octet tells of one, name of the notation.
+/// Skip the name, the system identifier, the public identifier if the octet announces it, and the notation's name.
 void CFastInfosetReader::UnparsedEntityBit8(std::uint32_t octet) {
   SkipIdentifyingStringsOrIndices(3 + (octet & kHasPublicIdentifier));
 }
 
-/// As a notation.
+/// Has the form of a notation.
 void CFastInfosetReader::UnexpandedEntityReferenceBit7(std::uint32_t octet) { NotationBit7(octet); }
 
 }  // namespace Quillon9

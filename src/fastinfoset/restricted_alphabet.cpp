@@ -17,7 +17,7 @@ std::uint32_t BitWidth(std::size_t characters) {
   return width;
 }
 
-/// Values of equal width, most significant bit first, across the borders of octets.
+/// Reads values of equal width, most significant bit first, across octet boundaries.
 class BitReader {
  public:
   BitReader(std::uint8_t const* octets, std::uint32_t width) : m_octets(octets), m_width(width) {}
@@ -31,7 +31,7 @@ class BitReader {
 
  private:
   std::uint8_t const* m_octets;
-  std::uint32_t m_width;  // 21 at most, so that the bits left over and an octet fit
+  std::uint32_t m_width;  // at most 21, so that the remaining bits and an octet fit
   std::uint32_t m_bitsLeft = 0;
   std::uint32_t m_bits = 0;
 };

@@ -11,7 +11,7 @@ namespace {
 constexpr std::size_t kFewest = 2;
 constexpr std::size_t kMost = std::size_t{1} << 20;
 
-/// How many bits one position takes: one value more than there are characters must fit.
+/// Return the number of bits for one position: one value more than there are characters must fit.
 int BitWidth(std::size_t characters) {
   int width = 3;
   while (characters >= std::size_t{1} << width) ++width;

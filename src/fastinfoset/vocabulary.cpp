@@ -20,7 +20,7 @@ constexpr char kKeySeparator = '\x01';
 using ByteBlocks::Load;
 using ByteBlocks::LoadShort;
 
-// Both halves of the product, so that every bit of either factor has its say.
+// Combine both halves of the product, so that every bit of either factor has an effect.
 std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
   __extension__ using Wide = unsigned __int128;
   Wide const product = static_cast<Wide>(a) * b;
@@ -29,10 +29,10 @@ std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
 
 constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
 
-/// What nobody outside can know.
+/// Values that an outsider cannot know.
 struct Secret {
-  std::uint64_t start;   ///< what a hash begins with
-  std::uint64_t factor;  ///< for one half of what is multiplied: a text that made a factor 0 would wipe out the other
+  std::uint64_t start;   ///< the initial value of a hash
+  std::uint64_t factor;  ///< for one of the two factors: a text that made a factor 0 would cancel the other
 };
 
 Secret DrawSecret() {
@@ -44,7 +44,7 @@ Secret DrawSecret() {
   return drawn;
 }
 
-// Drawn once a process, so that nobody can choose strings that crowd in one place of a map.
+// Drawn once per process, so that an attacker cannot choose strings that collide in a map.
 Secret const& TheSecret() {
   static Secret const secret = DrawSecret();
   return secret;
@@ -67,8 +67,8 @@ std::uint64_t HashLong(std::string_view text) {
 
 bool IsAt(char const* at, std::string_view part) { return IsSameText({at, part.size()}, part); }
 
-// Of how long it is and its ends, for what may collide: names that a document chooses so that they do are found in the
-// map.
+// Hash only the length and the ends, where collisions do no harm: names that a document chooses to collide are still
+// found in the map.
 std::size_t QuickHash(std::string_view text) {
   return (LoadShort(text.data(), text.size(), 0) ^ text.size()) * kOdd >> 57;
 }
@@ -98,9 +98,8 @@ std::uint64_t CFIIndexMap::HashOf(Slot const& slot) {
   return Mix(secret.start ^ slot.m_length * kOdd ^ slot.m_word, secret.factor);
 }
 
-// Where `text` stands, or the free slot where it belongs. There is always a free one. With open addressing, two thirds
-// of the time of std::unordered_map for names; and a short text is known by its slot alone, which spares half of the
-// misses of the cache.
+// Return the slot of `text`, or the free slot where it belongs. There is always a free one. Open addressing is faster
+// than std::unordered_map for names, and a short text is identified by its slot alone, which saves cache misses.
 std::size_t CFIIndexMap::SlotFor(std::string_view text, Slot const& wanted) const {
   std::size_t const mask = m_slots.size() - 1;
   for (std::size_t at = HashOf(wanted) & mask;; at = (at + 1) & mask) {
@@ -133,11 +132,11 @@ void CFIIndexMap::MakeQNameKey(std::string_view prefix, std::string_view namespa
   key += prefix;
 }
 
-// Saves half of the lookup of an element: the key is not made and the namespace is not hashed.
+// Look among recent names first, without building the key or hashing the namespace.
 unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view namespaceUri,
                                     std::string_view localName) {
   if (m_recent.empty()) m_recent.resize(kRecentNames);
-  // Two places for each hash, so that two names do not oust each other in turn.
+  // Each hash has two places, so that two names do not evict each other in turn.
   std::uint32_t* const recent = &m_recent[QuickHash(localName) * 2];
   for (std::uint32_t const index : {recent[0], recent[1]}) {
     if (index != 0 && IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) return index;
@@ -244,7 +243,7 @@ void CFIVocabulary::AddQName(std::string const& prefix, std::string const& names
   if (!prefix.empty()) parts.m_prefix = FindOrAdd(prefix, m_prefixNameIndex, m_prefixNames);
   if (!namespaceUri.empty()) parts.m_namespace = FindOrAdd(namespaceUri, m_namespaceNameIndex, m_namespaceNames);
   parts.m_localName = FindOrAdd(localName, m_localNameIndex, m_localNames);
-  // A part that a full table did not take cannot be referred to, and 0 would mean that the name has no such part.
+  // A part that a full table did not accept cannot be referred to, and 0 would mean that the name lacks this part.
   bool const isComplete = (prefix.empty() || parts.m_prefix != 0) && (namespaceUri.empty() || parts.m_namespace != 0) &&
                           parts.m_localName != 0;
   if (!isComplete) return;

@@ -34,7 +34,7 @@ std::string const& NoPrefix() {
   return none;
 }
 
-// Fails for what cannot be written; false for UTF-8, true for what encodes a value otherwise.
+// Return false for UTF-8 and true for another encoding; throw for an encoding that cannot be written.
 bool IsEncoded(CFastInfosetContext const& options, CFastInfosetContext::EncodedCharacterString encoding,
                char const* unknownKind) {
   auto const invalid = [&](char const* what) {
@@ -150,7 +150,7 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
   m_context = std::exchange(m_pendingElement, nullptr);
 }
 
-// An element like its last neighbour of this depth has the same number: 4 % of the instructions of writing.
+// An element with the name of its last neighbour at this depth has the same number, which saves a lookup.
 void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
   if (pending.m_numberedState != 0 && pending.m_numberedState == pending.GetScopeState()) {
@@ -205,7 +205,7 @@ void CFastInfosetWriter::WriteEndElement() {
   m_output->FlushIfFull();
 }
 
-// An element that gets neither attributes nor children needs a context only where it fails, to be left open.
+// An element that gets neither attributes nor children needs a context only if it fails and has to stay open.
 void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                           std::string_view value, ItemType type, std::uint64_t member) {
   WriteElement(false);
@@ -233,7 +233,7 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   m_output->FlushIfFull();
 }
 
-// Up to a zero byte. Most text is plain, of no table, and written while it is looked at.
+// Write the value up to a zero byte. Most text is plain and enters no table, and is checked while it is written.
 void CFastInfosetWriter::WriteText(std::string_view value, ItemType type) {
   if (value.empty() || value[0] == '\0') return;
   bool const isLong = value.size() >= m_options->GetElementMaxAddLength();
@@ -243,7 +243,7 @@ void CFastInfosetWriter::WriteText(std::string_view value, ItemType type) {
   NonIdentifyingStringOrIndexBit3(fi::kCharacterChunk, value, type);
 }
 
-// Whether ASCII text of this type is written as it is.
+// Return whether ASCII text of this type is written unchanged.
 bool CFastInfosetWriter::IsPlain(ItemType type) const {
   return m_isAsciiUtf8 && m_options->GetEncoding(static_cast<unsigned long>(type)).m_kind == kDefaultEncoding &&
          m_options->GetDefaultStringEncoding() != kUtf16;
@@ -262,7 +262,7 @@ void CFastInfosetWriter::WriteTextInSteps(std::string const& localName, std::str
   CFastInfosetWriter::WriteEndElement();
 }
 
-// The index of a child of the open element; 0 when its name is to be written in full.
+// Return the index of a child of the open element; 0 if its name is to be written in full.
 unsigned long CFastInfosetWriter::FindNameOfChild(std::string const* prefix, std::string const& localName,
                                                   std::string const& namespaceUri, std::uint64_t member) {
   CFIIndexMap& map = m_vocabulary.GetElementNameIndex();
@@ -273,7 +273,7 @@ unsigned long CFastInfosetWriter::FindNameOfChild(std::string const* prefix, std
 
 // ---- Attributes
 
-// An element that was written as one without attributes, before a processing instruction, can get none any more.
+// An element that was written without attributes, before a processing instruction, can no longer get any.
 void CFastInfosetWriter::OpenAttribute() {
   WriteElement(true);
   RequireOpenTag();
@@ -306,7 +306,7 @@ void CFastInfosetWriter::WriteAttributeType(std::string const& namespaceUri, std
   if (isNew) {
     QualifiedNameOrIndexBit2(prefix, namespaceUri, typeName);
   } else {
-    // The prefix is that of the type, which does no harm: readers go by namespace and local name.
+    // The prefix is that of the type, which is harmless: readers go by namespace and local name.
     QualifiedNameOrIndexBit2(prefix, SchemaInstanceNamespace(), "type");
   }
   NonIdentifyingStringOrIndexBit1((prefix + ":" + typeName).c_str(), type);
@@ -326,7 +326,7 @@ void CFastInfosetWriter::QualifiedNameOrIndexBit2(std::string const& prefix, std
   }
 }
 
-// The name has the index `index`, 0 for none, and no prefix where `prefix` is null.
+// `index` is that of the name, 0 for none; `prefix` is null for a name without prefix.
 void CFastInfosetWriter::ElementName(std::uint32_t leading, unsigned long index, std::string const* prefix,
                                      std::string const& uri, std::string const& localName) {
   if (index != 0) {
@@ -381,7 +381,7 @@ void CFastInfosetWriter::LocalName(std::string const& localName) {
 
 // ---- Strings
 
-// The result lives until the next string; text that is UTF-8 already is not copied.
+// The result lives until the next string. Text that is already UTF-8 is not copied.
 std::string_view CFastInfosetWriter::Utf8(std::string_view text) {
   if (m_isAsciiUtf8 && AsciiLength(reinterpret_cast<std::uint8_t const*>(text.data()), text.size()) == text.size()) {
     return text;
@@ -423,7 +423,7 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, 
   if (isShort) m_vocabulary.AddValueToMap(value, map);
 }
 
-// The octets of a value by alphabet or algorithm, which live until the next string.
+// Return the octets of a value under an alphabet or algorithm, which live until the next string.
 std::string_view CFastInfosetWriter::Encoded(unsigned long kind, unsigned long index, std::string_view value) {
   m_scratch.clear();
   if (kind == kRestrictedAlphabet) {

@@ -7,8 +7,8 @@
 
 namespace Quillon9 {
 
-/// Whether a child of the element \p open in the namespace \p uri gets a prefix that is known at once, mostly that of
-/// \p open, or none, as the null that \p prefix must be then tells.
+/// Return whether the prefix of a child of the element \p open in the namespace \p uri is known at once: usually that
+/// of \p open, or none, in which case \p prefix, which must be null, stays null.
 inline bool FindPrefixOfChild(CXmlWriter::CXmlWriterContext const& open, std::string const& uri,
                               std::string const*& prefix) {
   if (uri.empty()) return true;

@@ -4,8 +4,8 @@
 
 namespace Quillon9 {
 
-/// Whether the first bytes can be those of a gzip or zlib stream: what inflate() would look at first, before it is
-/// worth its memory.
+/// Return whether the first bytes can be those of a gzip or zlib stream. This is what inflate() would check first, done
+/// before allocating its memory.
 inline bool HasCompressedHeader(unsigned char const* data, unsigned long size) {
   if (size < 2) return false;
   if (data[0] == 0x1F && data[1] == 0x8B) return true;

@@ -38,14 +38,14 @@ uInt CheckedSize(unsigned long size) {
   throw CQnException(FormatString("Failed to compress data. [Error Code: %d]", code));
 }
 
-/// A zlib stream; the two kinds differ in who ends them.
+/// A zlib stream. The two kinds differ in the function that ends them.
 template <int (*End)(z_streamp)>
 class ZStream {
  public:
   ZStream() = default;
   ZStream(ZStream const&) = delete;
   ZStream& operator=(ZStream const&) = delete;
-  ~ZStream() { End(&m_stream); }  // no harm for a stream that was not initialised
+  ~ZStream() { End(&m_stream); }  // harmless for a stream that was not initialised
 
   z_stream* Get() { return &m_stream; }
   z_stream* operator->() { return &m_stream; }
@@ -62,7 +62,7 @@ int InitDeflate(z_stream* stream, CompressionType type) {
 /// Collects inflated bytes block by block, so that the output is copied once, when its size is known.
 class Collector {
  public:
-  /// Room for the next kBlockSize bytes at most.
+  /// Return room for the next bytes, at most kBlockSize of them.
   unsigned char* OpenBlock() {
     if (m_length == m_blocks.size() * kBlockSize) m_blocks.push_back(Buffer(new unsigned char[kBlockSize]));
     return m_blocks.back().get() + m_length % kBlockSize;
@@ -79,7 +79,7 @@ class Collector {
 
   std::size_t GetLength() const { return m_length; }
 
-  /// All bytes in one array. Each block is freed when it has been copied.
+  /// Return all bytes in one array. Each block is freed as soon as it has been copied.
   Buffer Join() {
     Buffer joined(new unsigned char[m_length]);
     for (std::size_t i = 0; i < m_blocks.size(); ++i) {
@@ -95,7 +95,7 @@ class Collector {
   std::size_t m_length = 0;
 };
 
-/// Inflates \p data and tells whether that was a whole stream.
+/// Inflate \p data and return whether it was a complete stream.
 bool Inflate(unsigned char* data, unsigned long size, Collector& collector) {
   ZStream<inflateEnd> stream;
   stream->next_in = data;

@@ -10,7 +10,7 @@ namespace Quillon9 {
 
 /// Append \p utf8 to the text of \p target, converted by \p toLocal and without its carriage returns.
 inline void AppendConverted(CXmlElement& target, CUtf8ToLocal const& toLocal, std::string_view utf8) {
-  // Most text is plain ASCII, which is found out while it is copied.
+  // Most text is plain ASCII, which is detected while it is copied.
   if (toLocal.KeepsAscii() && target.AppendPlainText(utf8)) return;
   if (toLocal.IsSameExcludingCR(utf8)) return target.AppendText(utf8);
   std::string local;

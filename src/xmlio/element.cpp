@@ -16,7 +16,7 @@ bool IsSchemaMachinery(std::string_view namespaceUri) {
   return namespaceUri == kSchemaInstance || namespaceUri == kNamespaceDeclarations;
 }
 
-/// In what CXmlElement knows its attributes by: it is not the last one but the table of them.
+/// The bit in CXmlElement::m_attributes that marks a pointer to the table instead of the last attribute.
 constexpr std::uintptr_t kIsAttributeTable = 1;
 
 CTreeAttributes* TableOf(std::uintptr_t attributes) {
@@ -24,8 +24,8 @@ CTreeAttributes* TableOf(std::uintptr_t attributes) {
   return isTable ? reinterpret_cast<CTreeAttributes*>(attributes & ~kIsAttributeTable) : nullptr;
 }
 
-/// The element of a tree that a delete expression is about: its destructor tells where the storage came from, which
-/// `operator delete` could not find out any more.
+/// The tree element that is being deleted: its destructor records where the storage came from, which `operator delete`
+/// can no longer find out.
 thread_local struct {
   void const* element;
   CTreeMemory* memory;
@@ -101,7 +101,7 @@ void CXmlElement::SetElementName(std::string_view localName) {
   if (CTreeMemory* const memory = Memory()) {
     m_name = memory->ShareName(GetNamespaceURI(), localName);
   } else {
-    OwnName().localName = std::string(localName);  // a copy first: it may be part of what it replaces
+    OwnName().localName = std::string(localName);  // copied first: it may be part of the text it replaces
   }
 }
 
@@ -192,7 +192,7 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
   return removed;
 }
 
-/// The one in front of it is known.
+/// The caller knows the child in front of it.
 CXmlElement* CXmlElement::RemoveLastChild(CXmlElement* before) noexcept {
   CXmlElement* const removed = std::exchange(m_lastChild, before);
   if (before != nullptr) before->m_next = removed->m_next;
@@ -200,7 +200,7 @@ CXmlElement* CXmlElement::RemoveLastChild(CXmlElement* before) noexcept {
   return removed;
 }
 
-/// The first child, with \p rest behind the last one; this has none then.
+/// Return the first child, with \p rest linked after the last one; this element has no children afterwards.
 CXmlElement* CXmlElement::TakeChildren(CXmlElement* rest) noexcept {
   CXmlElement* const first = GetFirstElement();
   CXmlElement* const last = std::exchange(m_lastChild, nullptr);
@@ -208,8 +208,8 @@ CXmlElement* CXmlElement::TakeChildren(CXmlElement* rest) noexcept {
   return first;
 }
 
-// A loop, since the depth of the tree is the document's choice: each element hands its children over to the chain
-// before it dies.
+// Iterative, because the document determines the depth of the tree: each element passes its children to the chain
+// before it is destroyed.
 void CXmlElement::DeleteChildren() noexcept {
   CXmlElement* chain = m_lastChild != nullptr ? TakeChildren(nullptr) : nullptr;
   while (chain != nullptr) {
@@ -220,7 +220,7 @@ void CXmlElement::DeleteChildren() noexcept {
   }
 }
 
-/// All but the children and the name.
+/// Free everything except the children and the name.
 void CXmlElement::FreeContents() noexcept {
   CXmlAttribute* next = GetFirstAttribute();
   while (next != nullptr) {
@@ -232,7 +232,7 @@ void CXmlElement::FreeContents() noexcept {
   m_text.Free(Memory());
 }
 
-/// The end of an element that nobody outside owns.
+/// Destroy an element that no caller owns.
 void CXmlElement::Dispose() noexcept {
   CTreeMemory* const memory = Memory();
   if (memory == nullptr) {

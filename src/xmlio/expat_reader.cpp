@@ -15,8 +15,8 @@ namespace {
 
 constexpr char kSeparator = '|';
 
-/// Expat copies the bytes of a call to a buffer of at most 1 GiB; more than that goes to it in slices. Otherwise
-/// it is one call, since a token that spans calls is scanned again from its start in each.
+/// Expat copies the bytes of a call to a buffer of at most 1 GiB, so larger input is passed in slices. Otherwise there
+/// is one call, because expat scans a token that spans calls again from its start in each of them.
 constexpr unsigned long kLargestCall = 0x3FFF0000UL;
 constexpr unsigned long kSlice = 0x10000000UL;
 
@@ -81,7 +81,7 @@ XML_Status CExpatReader::Feed(bool isFinal) {
   return status;
 }
 
-// A stopped parser still makes calls, for the end of an empty element for instance; they find the failure and do
+// A stopped parser still makes some calls, for example for the end of an empty element. They see the failure and do
 // nothing.
 template <class Action>
 void CExpatReader::Guarded(void* self, Action action) noexcept {
@@ -115,7 +115,7 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
   Guarded(self, [=](CExpatReader& reader) {
     reader.m_document.CountContent(static_cast<std::size_t>(length));
-    // The carriage returns are those of character references; expat has taken the others.
+    // The carriage returns come from character references; expat has removed the others.
     AppendConverted(*reader.m_document.GetOpenElement(), reader.m_toLocal, {text, static_cast<std::size_t>(length)});
   });
 }
@@ -142,7 +142,7 @@ void CExpatReader::FnAttributeDeclaration(void* self, XML_Char const* element, X
   Guarded(self, [=](CExpatReader& reader) { reader.CountDeclaredAttribute(element); });
 }
 
-// Expat goes through all that are declared for an element, repeated ones included, at each of its start tags.
+// At each start tag of an element, expat goes through all attributes declared for it, repeated ones included.
 void CExpatReader::CountDeclaredAttribute(XML_Char const* element) {
   std::uint32_t const limit = CLimits::GetMaxDeclaredAttributes();
   if (++m_declaredAttributes[element] <= limit) return;

@@ -18,7 +18,7 @@ namespace Quillon9 {
 /// Feeds a document's input to expat and builds the document's tree from the callbacks. It lives for one parse, on
 /// the stack of the load.
 ///
-/// No exception crosses expat's frames: a callback keeps it and stops the parser, and Parse throws it again.
+/// No exception crosses expat's frames: a callback stores it and stops the parser, and Parse rethrows it.
 class CExpatReader {
  public:
   explicit CExpatReader(CXmlDocument& document);
@@ -26,11 +26,11 @@ class CExpatReader {
   CExpatReader(CExpatReader const&) = delete;
   CExpatReader& operator=(CExpatReader const&) = delete;
 
-  /// Make the parser: with namespace processing, unless the schema type has none.
-  /// \throws CQnException as RequireExpat() for the expat that the program runs with; std::bad_alloc.
+  /// Create the parser, with namespace processing unless the schema type has none.
+  /// \throws CQnException as RequireExpat() does for the expat version at run time; std::bad_alloc.
   void CreateParser();
-  /// Feed the whole input. With \p isFinal the document must end there. After a failure the parser takes no more.
-  /// \throws CQnException "[what expat says] at line [number]"; what a callback threw.
+  /// Feed the whole input. With \p isFinal the document must end there. After a failure the parser accepts no more.
+  /// \throws CQnException "[what expat says] at line [number]"; whatever a callback threw.
   void Parse(bool isFinal);
 
  private:
@@ -65,7 +65,7 @@ class CExpatReader {
   CNameCache m_names;
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
-  std::map<std::string, std::uint32_t> m_declaredAttributes;  // how many, by the element's name
+  std::map<std::string, std::uint32_t> m_declaredAttributes;  // their number, by element name
 };
 
 }  // namespace Quillon9

@@ -29,7 +29,7 @@ void WriteAll(int descriptor, std::string_view bytes) {
   while (!bytes.empty()) {
     ssize_t const count = ::write(descriptor, bytes.data(), bytes.size());
     if (count < 0 && errno == EINTR) continue;
-    if (count == 0) errno = EIO;  // a device that takes nothing would keep the loop running for ever
+    if (count == 0) errno = EIO;  // a device that accepts nothing would keep the loop running forever
     if (count <= 0) ThrowSystemError();
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }

@@ -10,11 +10,11 @@ namespace Quillon9 {
 /// Owns the descriptor of an open file.
 class CFileDescriptor {
  public:
-  /// Take over \p descriptor; -1 stands for none.
+  /// Take ownership of \p descriptor; -1 stands for none.
   explicit CFileDescriptor(int descriptor) : m_descriptor(descriptor) {}
   CFileDescriptor(CFileDescriptor const&) = delete;
   CFileDescriptor& operator=(CFileDescriptor const&) = delete;
-  /// Close the file if it is open. A failure is dropped.
+  /// Close the file if it is open. A failure is ignored.
   ~CFileDescriptor();
 
   int Get() const { return m_descriptor; }
@@ -26,8 +26,8 @@ class CFileDescriptor {
   /// Wait until the contents are on the disk.
   /// \throws std::system_error
   void Sync() const;
-  /// Close the file, which is open. Network file systems report only here that the disk is full.
-  /// \throws std::system_error; the file is closed then as well.
+  /// Close the file, which must be open. Network file systems report only here that the disk is full.
+  /// \throws std::system_error; the file is closed in that case, too.
   void Close();
 
  private:

@@ -24,7 +24,7 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::size_t kBlock = 0x100000;
-constexpr int kMaxLinks = 40;  // as many as the system follows
+constexpr int kMaxLinks = 40;  // the system's own limit
 constexpr int kMaxNames = 100;
 constexpr char kAccessList[] = "system.posix_acl_access";
 
@@ -38,8 +38,8 @@ struct stat StatusOf(CFileDescriptor const& file) {
 
 bool IsRegular(CFileDescriptor const& file) { return S_ISREG(StatusOf(file).st_mode); }
 
-/// Open what stands under \p path for writing; -1 if there is nothing. O_CREAT is there for what the system checks only
-/// then: files that strangers have put into folders which everybody may write to.
+/// Open the existing file at \p path for writing; -1 if there is none. O_CREAT is passed because only with it does the
+/// system check for files that strangers have put into world-writable folders.
 int OpenExisting(std::string const& path) {
   struct stat status {};
   if (::stat(path.c_str(), &status) != 0) {
@@ -53,7 +53,7 @@ int OpenExisting(std::string const& path) {
 
 // ---- Symbolic links
 
-/// The length of the folder in \p path, with its slash.
+/// Return the length of the folder in \p path, including its slash.
 std::size_t FolderLength(std::string const& path) { return path.rfind('/') + 1; }
 
 std::string FolderOf(std::string const& path) {
@@ -61,7 +61,7 @@ std::string FolderOf(std::string const& path) {
   return length == 0 ? "." : path.substr(0, length);
 }
 
-/// What the symbolic link \p path holds; empty if it is none.
+/// Return the target of the symbolic link \p path; empty if it is not a link.
 std::string ReadLink(std::string const& path) {
   std::string text(PATH_MAX, '\0');
   ssize_t const length = ::readlink(path.c_str(), text.data(), text.size());
@@ -69,9 +69,9 @@ std::string ReadLink(std::string const& path) {
   return text;
 }
 
-/// Whether what the symbolic link \p link holds is the path of what it stands for, and nobody else can have put it there.
-/// A link in /proc stands for an open file, whose user would not notice that its name was given away. A stranger's link
-/// in a folder like /tmp is left to the system, which may be set up to refuse it.
+/// Return whether the target of the symbolic link \p link is really the path of the file and no other user can have
+/// placed it there. A link in /proc stands for an open file, whose user would not notice that its name was given away.
+/// A stranger's link in a folder like /tmp is left to the system, which may be configured to refuse it.
 bool MayFollow(std::string const& link) {
   std::string const folder = FolderOf(link);
   struct statfs fileSystem {};
@@ -83,8 +83,8 @@ bool MayFollow(std::string const& link) {
   return !isForAll || ofLink.st_uid == ::geteuid() || ofLink.st_uid == ofFolder.st_uid;
 }
 
-/// The path of the file, existing or not, that \p path reaches through symbolic links; nothing if one of them may not be
-/// followed.
+/// Return the path of the file, existing or not, that \p path reaches through symbolic links; nothing if one of them
+/// may not be followed.
 std::optional<std::string> FollowLinks(std::string path) {
   for (int i = 0; i < kMaxLinks; ++i) {
     std::string const text = ReadLink(path);
@@ -97,7 +97,8 @@ std::optional<std::string> FollowLinks(std::string path) {
 
 // ---- Rights
 
-/// Give \p file the access control list of \p old, or none if that has none. A new file may have one from its folder.
+/// Give \p file the access control list of \p old, or none if \p old has none. A new file may inherit one from its
+/// folder.
 /// \returns false if \p old has a list that \p file did not get.
 bool TakeOverAccessList(CFileDescriptor const& old, CFileDescriptor const& file, bool mayKeep) {
   if (::fremovexattr(file.Get(), kAccessList) != 0 && errno != ENODATA && errno != EOPNOTSUPP) return false;
@@ -109,9 +110,9 @@ bool TakeOverAccessList(CFileDescriptor const& old, CFileDescriptor const& file,
          ::fsetxattr(file.Get(), kAccessList, list.data(), list.size(), 0) == 0;
 }
 
-/// The permission bits for a file that replaces one with \p mode but has another owner or group, so that nobody gets
-/// more rights: the old owner now has those of the group or of others, and members of either group may have become
-/// others, and the other way round.
+/// Return the permission bits for a file that replaces one with \p mode but has another owner or group, so that no user
+/// gains rights: the old owner now has those of the group or of others, and members of either group may have become
+/// others, and vice versa.
 mode_t Reduced(mode_t mode, bool hasOwner, bool hasGroup) {
   mode_t const owner = mode >> 6 & 07;
   mode_t group = mode >> 3 & 07;
@@ -124,7 +125,8 @@ mode_t Reduced(mode_t mode, bool hasOwner, bool hasGroup) {
   return owner << 6 | group << 3 | others;
 }
 
-/// Give \p file, which only its owner may use so far, the owner, group and rights of \p old as far as the system allows.
+/// Give \p file, which only its owner may use so far, the owner, group and rights of \p old as far as the system
+/// allows.
 void TakeOverRights(CFileDescriptor const& old, CFileDescriptor const& file) {
   struct stat const before = StatusOf(old);
   constexpr uid_t kSame = static_cast<uid_t>(-1);
@@ -134,14 +136,14 @@ void TakeOverRights(CFileDescriptor const& old, CFileDescriptor const& file) {
   bool const hasOwner = after.st_uid == before.st_uid;
   bool const hasGroup = after.st_gid == before.st_gid;
   mode_t mode = Reduced(before.st_mode & 0777, hasOwner, hasGroup);
-  // The permission bits do not say whom the list of a file excludes.
+  // The permission bits do not show which users the list of a file excludes.
   if (!TakeOverAccessList(old, file, hasOwner && hasGroup)) mode &= 0700;
   if ((StatusOf(file).st_mode & 07777) != mode && ::fchmod(file.Get(), mode) != 0) ThrowSystemError();
 }
 
 // ---- The temporary file
 
-/// ".quillon9-" and 16 digits: short, since the name of the file itself may be as long as the system allows.
+/// ".quillon9-" and 16 digits: short, because the file's own name may already be as long as the system allows.
 std::string RandomName() {
   std::uint64_t number = 0;
   if (::getrandom(&number, sizeof number, GRND_NONBLOCK) != static_cast<ssize_t>(sizeof number)) {
@@ -152,7 +154,7 @@ std::string RandomName() {
   return name;
 }
 
-/// A new file in a folder, which is gone at the end unless it has got another name.
+/// A new file in a folder. The destructor removes it unless it has been renamed.
 class TemporaryFile {
  public:
   TemporaryFile(std::string const& folder, mode_t mode)
@@ -188,9 +190,9 @@ class TemporaryFile {
   CFileDescriptor m_file;
 };
 
-/// Whether \p error says that the folder or the file system does not allow a replacement, such as that of a file of
-/// another user in a folder like /tmp, or of a file that is a mount point. In /proc no file can be created, as if the
-/// folder were missing.
+/// Return whether \p error means that the folder or the file system does not allow a replacement, such as that of
+/// another user's file in a folder like /tmp, or of a file that is a mount point. In /proc no file can be created, and
+/// the error is the same as for a missing folder.
 bool IsRefusal(int error) {
   switch (error) {
     case EACCES:
@@ -226,7 +228,7 @@ void CFileReplacement::Write(Pieces pieces, Sync sync, Checkpoint const& checkpo
   if (!NeedsTemporaryFile() || !WriteBeside(pieces, sync, checkpoint)) WriteDirectly(pieces, sync);
 }
 
-/// \returns false if that is not allowed, and there is a file that can be written directly.
+/// \returns false if a replacement is not allowed and there is a file that can be written directly.
 bool CFileReplacement::WriteBeside(Pieces pieces, Sync sync, Checkpoint const& checkpoint) const {
   try {
     TemporaryFile temporary(m_folder, m_old.IsOpen() ? 0600 : 0666);

@@ -11,8 +11,8 @@ namespace Quillon9 {
 
 /// Writes a whole file under a path, so that a regular file appears, or changes, only when all bytes have been written:
 /// they go to a temporary file in the same folder, which then takes the name. Symbolic links are followed. The new file
-/// has the permission bits, the owner, the group and the POSIX access control list of the one that it replaces. Where the
-/// system does not allow that, it has fewer permission bits, so that nobody gains rights.
+/// gets the permission bits, the owner, the group and the POSIX access control list of the one that it replaces. Where
+/// the system does not allow that, it has fewer permission bits, so that no user gains rights.
 ///
 /// Pipes, devices and other special files are written directly. So are files that are reached through a descriptor in
 /// /proc (such as /dev/stdout), and files that the system does not allow to be replaced.
@@ -21,24 +21,24 @@ namespace Quillon9 {
 class CFileReplacement {
  public:
   enum class Sync {
-    No,  ///< after a failure of power the file may have the old contents or the new ones
+    No,  ///< after a power failure the file may have the old contents or the new ones
     Yes  ///< wait until the contents are on the disk before the file gets its name
   };
-  /// What Write() calls from time to time. It may throw to have the file given up.
+  /// Called by Write() from time to time. It may throw to abandon the file.
   using Checkpoint = std::function<void()>;
 
-  /// Find out what stands under \p path, and open it if there is something; the opening of a pipe waits for its reader.
-  /// Nothing is created or changed.
-  /// \throws std::system_error when the path leads to a directory, to nowhere or to a file that may not be written.
+  /// Find out what exists at \p path, and open it if there is something; opening a pipe waits for its reader. Nothing
+  /// is created or changed.
+  /// \throws std::system_error if the path leads to a directory, to nowhere or to a file that may not be written.
   explicit CFileReplacement(std::string const& path);
 
-  /// Whether Write() makes a temporary file.
+  /// Return whether Write() creates a temporary file.
   bool NeedsTemporaryFile() const { return !m_name.empty(); }
 
-  /// Write the file, whose contents are \p pieces one after another. Call it once. \p checkpoint is called before each
-  /// MiB of a temporary file, and before that takes its name.
-  /// \throws std::system_error when not all bytes reached the file; what \p checkpoint throws. The temporary file is
-  ///         gone then, and a regular file is as before, unless it was written directly.
+  /// Write the file, whose contents are \p pieces one after another. Call this once. \p checkpoint is called before
+  /// each MiB of a temporary file, and before that file takes its name.
+  /// \throws std::system_error if not all bytes reached the file; whatever \p checkpoint throws. The temporary file is
+  ///         gone then, and a regular file is unchanged, unless it was written directly.
   void Write(std::initializer_list<std::string_view> pieces, Sync sync, Checkpoint const& checkpoint = nullptr);
 
  private:
@@ -47,9 +47,9 @@ class CFileReplacement {
   bool WriteBeside(Pieces pieces, Sync sync, Checkpoint const& checkpoint) const;
   void WriteDirectly(Pieces pieces, Sync sync);
 
-  CFileDescriptor m_old;  // what stands under the path
+  CFileDescriptor m_old;  // the existing file at the path, if any
   std::string m_folder;   // of the file that is replaced
-  std::string m_name;     // of the file that is replaced, in its folder; empty for what is written directly
+  std::string m_name;     // of the file that is replaced, in its folder; empty for direct writing
 };
 
 }  // namespace Quillon9

@@ -13,13 +13,13 @@
 
 namespace Quillon9 {
 
-/// Finds the name that the parser gives as one text, "uri|local" in UTF-8, among those that the document has met:
-/// splitting, converting and storing are done once for each, and reading gains two fifths by it.
+/// Finds the name that the parser passes as one text, "uri|local" in UTF-8, among those that the document has used:
+/// each is split, converted and stored only once, which saves much of the time of reading.
 class CNameCache {
  public:
-  /// The name \p whole, or null when it was not met yet.
+  /// Return the name \p whole, or null if it has not occurred yet.
   CXmlName const* Find(char const* whole) {
-    // Documents repeat themselves: most names follow one that they followed before.
+    // Documents are repetitive: most names follow one that they followed before.
     if (m_last != nullptr) {
       for (Entry* const likely : m_last->followers) {
         if (likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
@@ -45,10 +45,10 @@ class CNameCache {
   struct Entry {
     std::string whole;
     CXmlName const* name;
-    Entry* followers[2];  ///< what came behind this one, the last first
+    Entry* followers[2];  ///< the names that came after this one, the latest first
   };
 
-  /// With a seed, since the document chooses the names: nobody outside can know which ones collide.
+  /// Seeded, because the document chooses the names: its author cannot know which ones collide.
   struct Hash {
     std::size_t operator()(std::string_view text) const {
       std::size_t hash = Seed();

@@ -64,14 +64,14 @@ bool CNamespaceScope::IsTaken(std::string const& prefix) const {
 CNamespaceScope::Map const& CNamespaceScope::All() {
   if (!m_isWhole) {
     for (CNamespaceScope const* scope = m_outer.get(); scope != nullptr; scope = scope->m_outer.get()) {
-      m_own.insert(scope->m_own.begin(), scope->m_own.end());  // what is nearer stays
+      m_own.insert(scope->m_own.begin(), scope->m_own.end());  // inner bindings take precedence
     }
     m_isWhole = true;
   }
   return m_own;
 }
 
-// The caller may change the value at any time, which nothing here can follow.
+// The caller may change the value at any time, and this class cannot notice that.
 std::string& CNamespaceScope::At(std::string const& uri) {
   std::string const* const known = Find(uri);
   auto const entry = m_own.emplace(uri, known != nullptr ? *known : std::string());

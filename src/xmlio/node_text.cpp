@@ -12,7 +12,7 @@ namespace Quillon9 {
 
 namespace {
 
-/// A longer text is a string from the start: it moves less when it grows, and its end gives the memory back.
+/// A longer text is a string from the start: it moves less often when it grows, and its destruction frees the memory.
 constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 3;
 
 }  // namespace
@@ -38,16 +38,16 @@ void CNodeText::FreeBytes(CTreeMemory* memory) const noexcept {
   if (m_place != 0) memory->Free(Bytes() - kHead, kHead + Capacity() + 1);
 }
 
-/// An empty text in so many granules that begin at \p bytes.
+/// Start an empty text in this many granules at \p bytes.
 inline void CNodeText::Place(char* bytes, std::size_t granules) {
   m_place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
   bytes[1] = static_cast<char>(static_cast<unsigned char>(granules * CTreeMemory::kGranule - kHead - 1));
 }
 
-/// What a text of \p size bytes takes with its head and its zero.
+/// The number of granules for a text of \p size bytes with its head and its zero.
 inline std::size_t CNodeText::GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
 
-/// Room for \p size bytes in all.
+/// Move the text to storage for \p size bytes in total.
 void CNodeText::Move(std::size_t size, CTreeMemory& memory) {
   std::size_t const old = m_place != 0 ? Size() : 0;
   std::size_t const granules = GranulesFor(std::min(std::max(size, 2 * old), kMostBytes));
@@ -58,7 +58,7 @@ void CNodeText::Move(std::size_t size, CTreeMemory& memory) {
   Commit(Bytes() + old);
 }
 
-/// Where \p size more bytes and a zero are to be written; null when the text is or must become a string.
+/// Return where \p size more bytes and a zero are to be written; null if the text is or must become a string.
 inline char* CNodeText::Reserve(std::size_t size, CTreeMemory* memory) {
   if (IsString() || memory == nullptr) return nullptr;
   std::size_t const total = (m_place != 0 ? Size() : 0) + size;
@@ -67,13 +67,13 @@ inline char* CNodeText::Reserve(std::size_t size, CTreeMemory* memory) {
   return Bytes() + Size();
 }
 
-/// What was written there counts.
+/// Make the bytes that were written there part of the text.
 inline void CNodeText::Commit(char* end) {
   *end = '\0';
   Bytes()[-2] = static_cast<char>(static_cast<unsigned char>(end - Bytes()));
 }
 
-/// Whether \p text stands in these bytes, which may move.
+/// Return whether \p text lies within these bytes, which may move.
 bool CNodeText::IsPart(std::string_view text) const {
   if (m_place == 0 || IsString()) return false;
   std::less<> const isBelow;
@@ -91,7 +91,7 @@ void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
   String()->text.append(text);
 }
 
-/// AppendPlain() of the first text, as nearly all are.
+/// AppendPlain() for the first text, which is nearly always the only one.
 bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
   if (text.size() > kMostBytes) return false;
   std::size_t const granules = GranulesFor(text.size());
@@ -110,7 +110,7 @@ bool CNodeText::AppendMorePlain(std::string_view text, CTreeMemory* memory) {
   char* const to = Reserve(text.size(), memory);
   if (to == nullptr) return false;
   bool const isPlain = CopyBlocks(to, text, HasUnplain()) == text.size();
-  Commit(isPlain ? to + text.size() : to);  // the zero went with the first blocks of another text
+  Commit(isPlain ? to + text.size() : to);  // the first blocks of other text have overwritten the zero
   return isPlain;
 }
 

@@ -8,15 +8,15 @@
 
 namespace Quillon9 {
 
-/// What objects that are made from a tree take. It counts against the bounds on the tree's document, since an element of
-/// two octets can become an object of several hundred bytes. Only elements of a document count; those that a program builds by
-/// itself have no bounds.
+/// Counts the memory of objects that are made from a tree against the bounds on the tree's document, because an element
+/// of two octets can become an object of several hundred bytes. Only elements of a document count; those that a program
+/// builds by itself have no bounds.
 ///
-/// An object of this class stands for one operation that makes objects. At its end it gives back what they counted: the
-/// program may read the same tree again and again, and drop what it read.
+/// An object of this class represents one operation that makes objects. Its destructor gives back what they counted:
+/// the program may read the same tree again and again, and drop what it read.
 class ObjectContent {
  public:
-  /// \p element is of the tree, which must outlive this.
+  /// \p element belongs to the tree, which must outlive this object.
   explicit ObjectContent(CXmlElement const& element)
       : m_document(element.Memory() != nullptr ? element.Memory()->Counting() : nullptr),
         m_before(m_document != nullptr ? m_document->m_contentSize : 0) {}
@@ -32,10 +32,10 @@ class ObjectContent {
     if (CTreeMemory* const memory = element.Memory()) memory->CountContent(bytes);
   }
 
-  /// What an object of a generated class counts for. The library does not know what it takes: not every object is
-  /// allocated by itself. With this, text of any form may become such objects.
+  /// The charge for an object of a generated class. The library does not know its real size: not every object is
+  /// allocated separately. With this charge, text of any form may become such objects.
   static constexpr std::size_t kClass = 256;
-  /// What a value of a collection counts for besides its text.
+  /// The charge for a value of a collection besides its text.
   static constexpr std::size_t kValue = 96;
 
  private:

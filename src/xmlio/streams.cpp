@@ -27,7 +27,7 @@ bool IsWide(XmlEncoding encoding) { return encoding == XmlEncoding_UTF16 || enco
 
 constexpr std::string_view kByteOrderMark = "\xFF\xFE";
 
-/// Nothing to write counts as not written.
+/// Having nothing to write counts as a failure.
 bool WriteAll(std::FILE* file, std::string_view bytes) {
   return !bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
 }
@@ -43,7 +43,7 @@ FileHandle Create(std::string const& path, XmlEncoding encoding) {
   return file;
 }
 
-/// Closing writes what libc still buffers, so this is where a full disk shows.
+/// Closing writes what libc still buffers, so this is where a full disk shows up.
 void CloseChecked(FileHandle& file, std::string const& path) {
   if (std::fclose(file.release()) != 0) ThrowNotWritten(path);
 }

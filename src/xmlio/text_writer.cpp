@@ -18,9 +18,9 @@ namespace {
 constexpr unsigned long kFlushAt = 4096;
 constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
 constexpr std::string_view kCdataStart = "<![CDATA[";
-constexpr std::size_t kLongestPiece = 1024;  // of text copied at once: what a block of the stream may leave unused
+constexpr std::size_t kLongestPiece = 1024;  // of text copied at once: a block of the stream may leave this much unused
 
-/// What PadAndAppend has to do at a byte.
+/// How PadAndAppend treats a byte.
 enum class ByteClass : unsigned char { Plain, End, LineFeed, CarriageReturn, Escaped };
 
 constexpr std::array<ByteClass, 256> MakeByteClasses() {
@@ -150,7 +150,7 @@ void CXmlTextWriter::CloseParentElm() {
   if (m_format) AppendLineEnd();
 }
 
-// One look at the room left, then names and marks at once: with text_copy.h, 15 % of the speed of writing.
+// One check of the remaining room, then names and markup in one go: this matters for the speed of writing.
 void CXmlTextWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
   CloseParentElm();
   m_context = NewContext(localName, namespaceUri);
@@ -241,7 +241,7 @@ void CXmlTextWriter::WriteString(std::string const& value, ItemType /*type*/) {
   FlushIfFull();
 }
 
-// Up to the first zero byte.
+// Append the text up to the first zero byte.
 void CXmlTextWriter::AppendText(std::string_view text) {
   if (text[0] == '<' && StartsWith(text, kCdataStart)) {
     m_stream->Append(text.data(), text.substr(0, text.find('\0')).size());
@@ -250,8 +250,8 @@ void CXmlTextWriter::AppendText(std::string_view text) {
   }
 }
 
-// An element that gets neither attributes nor children needs no context unless it can fail half-way, and one look at
-// the room left does for all of it: 10 % of the instructions of writing.
+// An element that gets neither attributes nor children needs no context unless it can fail half-way, and a single check
+// of the remaining room covers all of it. This saves much of the work of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                       std::string_view value, ItemType) {
   std::string const* prefix = nullptr;
@@ -278,7 +278,7 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
   std::size_t const plain = CopyBlocks(end, value.substr(0, copied), HasMarkup());
   end += plain;
   if (plain == value.size()) return Commit(start, PutEndTag(end, written));
-  CXmlWriterContext* const context = NewContext(localName, namespaceUri);  // stays open where the rest fails
+  CXmlWriterContext* const context = NewContext(localName, namespaceUri);  // stays open if the rest fails
   Commit(start, end);
   context->m_tagOpen = false;
   m_context = context;
@@ -322,7 +322,7 @@ void CXmlTextWriter::WriteEndElement() {
 void CXmlTextWriter::AppendEndTag() {
   std::string const& localName = m_context->m_elementName;
   bool const hasPrefix = !m_context->NeedsNoPrefix();
-  // A default namespace that was changed meanwhile leaves none.
+  // If the default namespace has changed in the meantime, there is no prefix.
   std::string const* const prefix = hasPrefix ? m_context->FindPrefix(m_context->m_namespace) : nullptr;
   std::size_t const tabs = m_format && m_context->m_childCount != 0 ? m_context->m_depth : 0;
   char* const start = m_stream->Reserve(tabs + (prefix != nullptr ? prefix->size() : 0) + localName.size() + 4);
@@ -344,7 +344,7 @@ void CXmlTextWriter::PadAndAppend(char const* text, bool inAttribute) {
   if (text != nullptr) AppendEscaped(text, inAttribute);
 }
 
-// Up to the first zero byte.
+// Append the escaped text up to the first zero byte.
 void CXmlTextWriter::AppendEscaped(std::string_view text, bool inAttribute) {
   while (!text.empty()) {
     std::string_view const piece = text.substr(0, kLongestPiece);
@@ -375,7 +375,7 @@ void CXmlTextWriter::CloseTag() {
 
 void CXmlTextWriter::AppendLineEnd() { m_stream->Append(m_lineEnd); }
 
-// Line ends of a format, so none where nothing is formatted.
+// Line ends belong to formatting, so unformatted output gets none.
 char* CXmlTextWriter::PutLineEnd(char* to) const { return m_format ? CopyName(to, m_lineEnd) : to; }
 
 void CXmlTextWriter::FlushIfFull() {

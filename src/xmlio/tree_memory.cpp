@@ -9,12 +9,12 @@ namespace Quillon9 {
 
 namespace {
 
-// Large enough for the allocator of the process not to tidy up at the end of each.
+// Large enough that the allocator of the process does not trim its memory at the end of each block.
 constexpr std::size_t kBlockSize = 256 * 1024;
 using Block = std::unique_ptr<char[]>;
 
-/// Blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then asks the
-/// system for none. Giving never fails: destructors do it.
+/// Keeps blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then
+/// requests no memory from the system. Giving a block back never fails, because destructors do it.
 class BlockCache {
  public:
   static Block Take() {
@@ -64,7 +64,7 @@ void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   if (m_detached == 0) {
     delete this;
   } else if (root != nullptr) {
-    root->Dispose();  // what it has outside need not wait
+    root->Dispose();  // what it has outside this memory need not wait
   }
 }
 

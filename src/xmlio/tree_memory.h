@@ -18,10 +18,10 @@ namespace Quillon9 {
 
 class CTreeMemory;
 
-/// What a node has outside the memory of its tree. It goes with its node, or with the memory.
+/// Data that a node has outside the memory of its tree. It is freed with its node or with the memory.
 class CTreeExtra {
  public:
-  /// \p memory is null for a node by itself.
+  /// \p memory is null for a standalone node.
   explicit CTreeExtra(CTreeMemory* memory) noexcept;
   virtual ~CTreeExtra();
   CTreeExtra(CTreeExtra const&) = delete;
@@ -32,27 +32,27 @@ class CTreeExtra {
   CTreeExtra** m_link = nullptr;  // what points to this one
 };
 
-/// The text of a node that was asked for as a string, or is long.
+/// The text of a node, if it was requested as a string or is long.
 struct CTreeString : CTreeExtra {
   using CTreeExtra::CTreeExtra;
   std::string text;
 };
 
-/// The attributes of an element that were asked for as a vector.
+/// The attributes of an element, if they were requested as a vector.
 struct CTreeAttributes : CTreeExtra {
   using CTreeExtra::CTreeExtra;
   std::vector<CXmlAttribute*> table;
 };
 
-/// Where the nodes of a document's tree, their texts and their names live. They come from blocks instead of one by one,
-/// and each name stands here once, however many nodes bear it. The end of a document is the end of the blocks: no node
-/// is visited.
+/// Holds the nodes of a document's tree, their texts and their names. They come from blocks instead of one by one, and
+/// each name is stored once, however many nodes have it. When a document is destroyed its blocks are freed without a
+/// visit to the nodes.
 ///
-/// It belongs to its document, and outlives it as long as there is a node that a caller detached. Everything here is
-/// for one thread at a time, as the tree is.
+/// It belongs to its document, and outlives it as long as a node that a caller detached exists. Only one thread at a
+/// time may use it, as with the tree.
 class CTreeMemory {
  public:
-  /// For the nodes of \p document. Made with new; the document gives it up by Abandon().
+  /// For the nodes of \p document. Allocate it with new; the document releases it with Abandon().
   explicit CTreeMemory(CXmlDocument* document)
       : m_document(document), m_counting(document), m_noName{{}, {}, this, nullptr, 0, kNodeCharge} {}
   CTreeMemory(CTreeMemory const&) = delete;
@@ -60,42 +60,42 @@ class CTreeMemory {
 
   CXmlDocument const* GetDocument() const { return m_document; }
 
-  /// Tell that the document needs it and the tree \p root, which may be null, no more. It goes now, or with the last
-  /// detached element.
+  /// Report that the document no longer needs this memory and the tree \p root, which may be null. It is destroyed now,
+  /// or with the last detached element.
   void Abandon(CXmlElement* root) noexcept;
-  /// An element was handed to a caller.
+  /// Count an element that was passed to a caller.
   void CountDetached() { ++m_detached; }
-  /// Such an element was destroyed, and its storage is to go as well.
+  /// Free the storage of such an element after its destruction.
   void FreeDetached(void* node) noexcept;
 
-  /// Of the classes that have been read from this tree, those that are not nillable.
+  /// The classes read from this tree that are not nillable.
   CPlainClasses& PlainClasses() { return m_plainClasses; }
 
-  /// Count \p bytes of what is made from the tree against the bounds on the document, as long as there is one.
+  /// Count \p bytes of what is made from the tree against the bounds on the document, while the document exists.
   /// \throws what CXmlDocument::CountContent() throws.
   void CountContent(std::size_t bytes) {
     if (m_counting != nullptr) m_counting->CountContent(bytes);
   }
-  /// The document that counts, or null when it is gone.
+  /// Return the document that counts, or null after its end.
   CXmlDocument* Counting() const { return m_counting; }
 
-  /// What a node counts for besides its texts.
+  /// The charge for a node besides its texts.
   static constexpr std::size_t kNodeCharge = 64;
-  /// What a node counts for whose names have so many bytes. They are stored once, but whoever copies or writes the tree
-  /// repeats them with each node: those of usual lengths are free, long ones are not.
+  /// Return the charge for a node whose names have this many bytes. They are stored once, but copying or writing the
+  /// tree repeats them with each node: names of usual length are free, long ones are not.
   static constexpr std::size_t ChargeOfNode(std::size_t nameSize) {
     return kNodeCharge + (nameSize > kFreeName ? nameSize - kFreeName : 0);
   }
 
-  /// The one name with these texts. A new one counts as content.
+  /// Return the only name with these texts. A new one counts as content.
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
 
-  /// That of elements which were given none yet.
+  /// Return the name of elements that have not been given one yet.
   CXmlName const* NoName() const { return &m_noName; }
 
-  /// Storage of \p size bytes, at most kLargest, aligned for a pointer.
+  /// Return storage of \p size bytes, at most kLargest, aligned for a pointer.
   void* Allocate(std::size_t size) { return AllocateGranules(Granules(size)); }
-  /// The same by the number of granules, at least 1.
+  /// The same for a number of granules, at least 1.
   void* AllocateGranules(std::size_t granules) {
     if (m_free[granules] != nullptr) return TakeFreed(granules);
     std::size_t const bytes = granules * kGranule;
@@ -106,7 +106,8 @@ class CTreeMemory {
     return storage;
   }
   void Free(void* storage, std::size_t size) noexcept;
-  /// The same for a node by itself. Behind calls, since compilers take what an `operator new` shows for a mismatch.
+  /// The same for a standalone node. Not inline, because compilers report the visible body of an `operator new` as a
+  /// mismatch.
   ///@{
   static void* AllocateAlone(std::size_t size);
   static void FreeAlone(void* storage) noexcept;
@@ -118,7 +119,7 @@ class CTreeMemory {
  private:
   friend class CTreeExtra;
   static constexpr std::size_t kFreeName = 1024;
-  /// What a name counts for besides its texts: it stands in the map, and in a table of the reader.
+  /// The charge for a name besides its texts: it is in the map and in a table of the reader.
   static constexpr std::size_t kNameCharge = 256;
   struct Freed {
     Freed* next;
@@ -140,11 +141,11 @@ class CTreeMemory {
   char* m_blockEnd = nullptr;
   std::vector<std::unique_ptr<char[]>> m_blocks;
   CTreeExtra* m_extras = nullptr;
-  /// By namespace, then by local name; ordered, since the document chooses the names.
+  /// By namespace, then by local name. Ordered, because the document chooses the names.
   std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<CXmlName>> m_names;
 };
 
-// Here for the readers, who make nearly all elements.
+// Inline: the readers create nearly all elements here.
 
 inline CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
   auto const place = reinterpret_cast<std::uintptr_t>(child);

@@ -18,10 +18,10 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::size_t kLetters = 26;
-// Six letters number 300 million prefixes, which stays within an int and beyond any map.
+// Six letters allow 300 million prefixes, which fits in an int and exceeds any map.
 constexpr std::size_t kLongestGenerated = 6;
 
-/// Numbers the states of all scopes. From 1.
+/// Return a new number for the state of a scope, unique in the process. The first one is 1.
 std::uint64_t NextState() {
   static std::atomic<std::uint64_t> last{0};
   return last.fetch_add(1, std::memory_order_relaxed) + 1;
@@ -31,11 +31,11 @@ void RequireLevel(std::uint32_t enclosing, std::uint32_t limit) {
   if (enclosing >= limit) ThrowNestedTooDeep(limit);
 }
 
-/// The number of a generated prefix, the inverse of NsIntToString; \p limit for every other text.
+/// Return the number of a generated prefix, the inverse of NsIntToString; \p limit for every other text.
 std::size_t GeneratedNumber(std::string_view prefix, std::size_t limit) {
   if (prefix.size() < 2 || prefix.size() > kLongestGenerated) return limit;
   std::size_t number = 0;
-  std::size_t shorter = 0;  // how many prefixes of fewer letters come first
+  std::size_t shorter = 0;  // the number of prefixes with fewer letters
   std::size_t block = 1;
   for (std::size_t i = 0; i < prefix.size(); ++i) {
     if (prefix[i] < 'A' || prefix[i] > 'Z') return limit;
@@ -73,7 +73,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
   LeaveFollowers();
   StopFollowing();
-  // A loop: how deep the chain is, the document decides.
+  // Iterative, because the document determines the length of the chain.
   for (CXmlWriterContext* context = m_parent; context != nullptr;) {
     CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
     delete std::exchange(context, parent);
@@ -86,7 +86,7 @@ void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::str
   m_tagOpen = true;
   m_attributesWritten = false;
   m_depth = parent->m_depth + 1;
-  if (!IsSameText(m_namespace, namespaceUri)) {  // which is as rare as a comparison with the default is then
+  if (!IsSameText(m_namespace, namespaceUri)) {  // rare, and so is the comparison with the default that follows
     m_namespace = namespaceUri;
     m_comparedState = 0;
     m_numberedState = 0;
@@ -115,9 +115,9 @@ void CXmlWriter::CXmlWriterContext::StopFollowing() {
   if (m_nextFollower != nullptr) m_nextFollower->m_place = m_place;
 }
 
-// Their links to this context, which dies, were cleared. Allocates nothing.
+// Their links to this context, which is being destroyed, have been cleared. Allocates nothing.
 void CXmlWriter::CXmlWriterContext::LeaveFollowers() {
-  m_isLoose = false;  // references to the bindings die with this context
+  m_isLoose = false;  // references to the bindings end with this context
   while (m_firstFollower != nullptr) {
     CXmlWriterContext& follower = *m_firstFollower;
     if (m_followed == nullptr) {
@@ -129,8 +129,8 @@ void CXmlWriter::CXmlWriterContext::LeaveFollowers() {
   }
 }
 
-// Visits the followers, and the followers of those for which the visit gives true. A follower that is visited may leave
-// the list.
+// Visit the followers, and recursively the followers of those for which the visit returns true. A visited follower may
+// leave the list.
 template <class Visit>
 void CXmlWriter::CXmlWriterContext::ForEachFollower(Visit visit) {
   CXmlWriterContext* at = m_firstFollower;
@@ -146,8 +146,8 @@ void CXmlWriter::CXmlWriterContext::ForEachFollower(Visit visit) {
   }
 }
 
-// Become the owner of a scope, with what is in force. A scope that others hold as well never changes, so it is shared;
-// unless somebody may have a reference to one of its bindings.
+// Become the owner of a scope with the bindings in force. A scope that several contexts hold never changes, so it is
+// shared, unless a caller may have a reference to one of its bindings.
 void CXmlWriter::CXmlWriterContext::KeepScope() {
   if (m_scopeOwner == this) return;
   CXmlWriterContext const& owner = *m_scopeOwner;
@@ -165,8 +165,8 @@ void CXmlWriter::CXmlWriterContext::KeepScope() {
   });
 }
 
-// A scope of this context that nobody else holds, and that is about to change. Those whose link was cleared since they
-// began to follow keep what is in force.
+// Return a scope that only this context holds and that is about to change. Followers whose link was cleared since they
+// began to follow keep the bindings in force.
 CNamespaceScope& CXmlWriter::CXmlWriterContext::ScopeToChange() {
   ForEachFollower([](CXmlWriterContext& follower) {
     bool const isLinked = follower.IsLinked();
@@ -175,11 +175,11 @@ CNamespaceScope& CXmlWriter::CXmlWriterContext::ScopeToChange() {
   });
   KeepScope();
   if (m_scope.use_count() > 1) m_scope = std::make_shared<CNamespaceScope>(m_scope);
-  m_scopeState = NextState();  // first: a failure may come after the change
+  m_scopeState = NextState();  // first: the change may be followed by a failure
   return *m_scope;
 }
 
-// Remembered from the start of the element for its end, and for the next element that takes this context over.
+// Cached from the start of the element for its end, and for the next element that reuses this context.
 void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
   m_needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
   m_comparedState = m_scopeOwner->m_scopeState;
@@ -247,7 +247,7 @@ void CXmlWriter::AddNamespace(std::string const& alias, std::string const& uri) 
 }
 
 std::string CXmlWriter::GetUniquePrefix(std::map<std::string, std::string> const& map) {
-  // Far fewer than half of the numbers are reserved, so among these one is free.
+  // Far fewer than half of the numbers are reserved, so one of these is free.
   std::vector<bool> taken(map.size() * 2 + 1);
   for (auto const& binding : map) {
     std::size_t const number = GeneratedNumber(binding.second, taken.size());
@@ -293,7 +293,7 @@ CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localNa
   return context;
 }
 
-// An element that bound nothing leaves its context to the next one: a third of the speed of writing.
+// An element that bound nothing leaves its context to the next one, which saves much of the time of writing.
 void CXmlWriter::PopContext() {
   CXmlWriterContext* const context = std::exchange(m_context, m_context->m_parent);
   if (context->m_followed != nullptr && context->m_firstFollower == nullptr) {
