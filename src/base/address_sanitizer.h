@@ -1,6 +1,6 @@
 #pragma once
 
-// Tells AddressSanitizer which parts of a block nobody may touch; without it the macros do nothing.
+// Marks the parts of a block that must not be accessed for AddressSanitizer; without it the macros do nothing.
 
 #if defined(__SANITIZE_ADDRESS__)
 #define QN_ADDRESS_SANITIZER 1

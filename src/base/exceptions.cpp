@@ -19,7 +19,7 @@ CQnException::CQnException(CQnException&& other) noexcept
     : m_message(std::move(other.m_message)), m_inner(std::exchange(other.m_inner, nullptr)) {}
 
 CQnException& CQnException::operator=(CQnException const& other) {
-  CQnException copy(other);  // first: other may be part of the chain that is given up here
+  CQnException copy(other);  // first: other may be part of the chain that is released here
   std::swap(m_message, copy.m_message);
   std::swap(m_inner, copy.m_inner);
   return *this;
@@ -53,7 +53,7 @@ void CQnException::ReleaseInner() noexcept {
   }
 }
 
-// The six derived classes differ in nothing but their name, their base and the class that Clone() makes.
+// The six derived classes differ only in their name, their base and the class that Clone() creates.
 #define QN_DEFINE_EXCEPTION(Class, Base)                                                            \
   Class::Class() = default;                                                                         \
   Class::Class(std::string message) : Base(std::move(message)) {}                                   \
@@ -73,14 +73,14 @@ QN_DEFINE_EXCEPTION(CQnInvalidValueException, CQnValidationException)
 
 namespace {
 
-// libc reads "I64" as a flag and a width; formats that were written for it mean a 64-bit argument.
+// libc reads "I64" as a flag and a width, but formats with it mean a 64-bit argument.
 std::string WithStandardModifiers(std::string format) {
   std::size_t at = 0;
   while ((at = format.find('%', at)) != std::string::npos) {
     at = format.find_first_not_of("#*-+ 0123456789.", at + 1);
     if (at == std::string::npos) break;
     if (format.compare(at, 3, "I64") == 0) format.replace(at, 3, "ll");
-    ++at;  // behind the conversion, or behind the second of two percent signs
+    ++at;  // past the conversion, or past the second of two percent signs
   }
   return format;
 }
@@ -97,7 +97,7 @@ std::string FormatV(char const* format, va_list args) {
   char buffer[512];
   int const length = std::vsnprintf(buffer, sizeof buffer, format, measured);
   va_end(measured);
-  if (length < 0) return format;  // libc refuses an argument: a failure text must not fail itself
+  if (length < 0) return format;  // libc refuses an argument: building a failure text must not fail
   if (static_cast<std::size_t>(length) < sizeof buffer) return buffer;
   std::string text(static_cast<std::size_t>(length) + 1, 'X');
   std::vsnprintf(text.data(), text.size(), format, args);

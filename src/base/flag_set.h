@@ -6,8 +6,8 @@
 
 namespace Quillon9 {
 
-/// One flag for each entry of a table, all false at first. Up to 64 of them need no memory beyond the object, which is
-/// what most classes have; reading a class takes one such set.
+/// One flag for each entry of a table, all false at first. Up to 64 flags, enough for most classes, need no memory
+/// beyond the object; reading a class takes one such set.
 class FlagSet {
  public:
   explicit FlagSet(std::size_t count) {

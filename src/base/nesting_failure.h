@@ -6,7 +6,7 @@
 
 namespace Quillon9 {
 
-/// What everything that nests elements says of one too many.
+/// Throws the failure that all code which nests elements reports for one level too many.
 [[noreturn]] inline void ThrowNestedTooDeep(std::uint32_t limit) {
   throw CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit));
 }

@@ -11,11 +11,11 @@ namespace Quillon9 {
 
 /// Bounds the recursion of generated classes on this thread: nested elements, nested groups without a tag inside one
 /// element, and both together, of which there may be four times as many. A document's elements are counted when its
-/// tree is built; this counts what trees and object graphs made by hand nest, and groups that hold each other without
-/// end. A thread whose stack is too small for what the limit admits fails as well, instead of overrunning it.
+/// tree is built; this class counts the nesting in trees and object graphs made by hand, and in groups that contain
+/// each other without end. A thread whose stack is too small for the limit fails as well, instead of overrunning it.
 class NestingGuard {
  public:
-  /// \p hasTag is whether an element is entered, and not a group without a tag.
+  /// \p hasTag is whether an element is entered, not a group without a tag.
   explicit NestingGuard(bool hasTag)
       : m_nesting(ThreadNesting::OfThread()), m_groups(m_nesting.groups), m_hasTag(hasTag) {
     ++m_nesting.all;

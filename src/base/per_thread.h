@@ -2,13 +2,13 @@
 
 namespace Quillon9 {
 
-/// The Object of the calling thread, which is made when it is first asked for and destroyed with the other data of the
-/// thread. Static objects and other data of the thread may be destroyed later and still use the library, so callers
-/// must be able to do without. The destructor of Object must not ask for it.
+/// The Object of the calling thread, which is created on first use and destroyed with the other data of the thread.
+/// Static objects and other data of the thread may be destroyed later and still use the library, so callers must be
+/// able to work without it. The destructor of Object must not call Find().
 template <class Object>
 class PerThread {
  public:
-  /// Null when the thread has destroyed it already.
+  /// Return the object, or null when the thread has already destroyed it.
   static Object* Find() {
     if (t_isGone) return nullptr;
     static thread_local Holder holder;

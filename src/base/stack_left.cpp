@@ -12,7 +12,7 @@ constexpr std::size_t kReserve = 64 * 1024;
 
 }  // namespace
 
-// Asked for once a thread: for the main thread libc reads a file.
+// Called once a thread: for the main thread libc reads a file.
 void ThreadStack::Find() {
   pthread_attr_t attributes;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;

@@ -9,21 +9,21 @@
 
 namespace Quillon9 {
 
-/// Copying text while it is looked at, eight bytes at a time. Names and values are short, so a call of memcpy() and a
-/// loop over the bytes cost more than the text itself.
+/// Copies text while examining it, eight bytes at a time. Names and values are short, so a call of memcpy() and a loop
+/// over the bytes cost more than the text itself.
 
 /// Whether one of the eight bytes is zero.
 struct HasZero {
   bool operator()(std::uint64_t block) const { return (ByteBlocks::Equal(block, 0) & ByteBlocks::kHighBits) != 0; }
 };
 
-/// Whether one of the eight bytes may not stand in a document as it is: a quotation mark, an ampersand, an angle
+/// Whether one of the eight bytes must not appear unescaped in a document: a quotation mark, an ampersand, an angle
 /// bracket or a control character.
 struct HasMarkup {
   bool operator()(std::uint64_t block) const {
     using namespace ByteBlocks;
     std::uint64_t const quoteOrAmpersand = Equal(block & ~(kOnes * 0x04), '"');  // they differ in one bit
-    std::uint64_t const bracket = Equal(block & ~(kOnes * 0x02), '<');           // as these do
+    std::uint64_t const bracket = Equal(block & ~(kOnes * 0x02), '<');           // and so do these
     return ((quoteOrAmpersand | bracket | Below(block, ' ')) & kHighBits) != 0;
   }
 };
@@ -34,7 +34,7 @@ constexpr std::uint64_t FindUnplain(std::uint64_t block) {
   return Equal(block, '\r') | Below(block, 1) | block;
 }
 
-/// Whether one of the eight bytes is such a one.
+/// Whether FindUnplain() finds one of the eight bytes.
 struct HasUnplain {
   bool operator()(std::uint64_t block) const { return (FindUnplain(block) & ByteBlocks::kHighBits) != 0; }
 };
@@ -44,7 +44,7 @@ void StoreBlock(char* to, Block block) {
   std::memcpy(to, &block, sizeof block);
 }
 
-/// CopyBlocks() for less than eight bytes.
+/// CopyBlocks() for fewer than eight bytes.
 template <class Stops>
 [[gnu::always_inline]] inline std::size_t CopyLessThanBlock(char* to, std::string_view text, Stops stops) {
   std::size_t const length = text.size();
@@ -62,8 +62,8 @@ template <class Stops>
   return length;
 }
 
-/// Copy \p text to \p to, which has room for it and does not overlap it, up to a block of eight bytes that \p stops
-/// tells of. Returns how many bytes were copied.
+/// Copy \p text to \p to, which has room for it and does not overlap it, up to a block of eight bytes for which \p
+/// stops returns true. Returns how many bytes were copied.
 template <class Stops>
 [[gnu::always_inline]] inline std::size_t CopyBlocks(char* to, std::string_view text, Stops stops) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);
@@ -78,15 +78,15 @@ template <class Stops>
   }
 }
 
-/// Copy \p text up to its first zero byte to \p to, which has room for all of it. Returns where it ends there.
+/// Copy \p text up to its first zero byte to \p to, which has room for all of it. Returns the end of the copy.
 inline char* CopyName(char* to, std::string_view text) {
   std::size_t at = CopyBlocks(to, text, HasZero());
   for (; at < text.size() && text[at] != '\0'; ++at) to[at] = text[at];
   return to + at;
 }
 
-/// Copy \p text in whole blocks of kCopyBlock bytes, so that as many may be read and written behind both. Returns where
-/// it ends there.
+/// Copy \p text in whole blocks of kCopyBlock bytes, so up to that many bytes after both ends may be read and written.
+/// Returns the end of the copy.
 constexpr std::size_t kCopyBlock = sizeof(std::uint64_t);
 inline char* CopyOver(char* to, std::string_view text) {
   for (std::size_t at = 0; at < text.size(); at += kCopyBlock) {
@@ -95,7 +95,7 @@ inline char* CopyOver(char* to, std::string_view text) {
   return to + text.size();
 }
 
-/// Whether the two texts are the same.
+/// Whether the two texts are equal.
 inline bool IsSameText(std::string_view left, std::string_view right) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);
   std::size_t const length = left.size();

@@ -9,8 +9,8 @@
 
 namespace Quillon9::CodePage {
 
-// Some code pages that look like ASCII have other characters at 0x5C and 0x7E, and some hold a character back
-// until the next one is known, so these are the ones that are sure.
+// Lists only the code pages that certainly match ASCII: some that resemble it have other characters at 0x5C and 0x7E,
+// and some hold a character back until the next one is known.
 Charset Current() {
   char const* const name = nl_langinfo(CODESET);
   if (std::strcmp(name, "UTF-8") == 0) return Charset::kUtf8;

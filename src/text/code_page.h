@@ -9,7 +9,7 @@
 
 namespace Quillon9 {
 
-/// The encoding of the current locale, as far as it matters for conversions. Each function asks libc anew, since the
+/// The encoding of the current locale, as far as it matters for conversions. Each function queries libc anew, since the
 /// program may change its locale; any thread.
 namespace CodePage {
 
@@ -33,7 +33,7 @@ bool IsSameInUtf8(Charset charset, char const* text, std::size_t length);
 /// Append \p length bytes of UTF-8 to \p target in the local code page, up to a NUL or the first ill-formed sequence.
 void AppendFromUtf8(std::string& target, Charset charset, char const* text, std::size_t length);
 
-/// Decode \p text to \p target, which has room for \p length characters. Returns the number of characters.
+/// Decode \p text into \p target, which has room for \p length characters. Returns the number of characters.
 std::size_t Decode(Charset charset, char const* text, std::size_t length, wchar_t* target);
 
 /// Appends characters to a string in the local code page.
@@ -42,7 +42,7 @@ class Writer {
   Writer(std::string& target, Charset charset) : m_target(target), m_charset(charset) {}
 
   void Put(std::uint32_t character);
-  /// Write what the code page may still hold back.
+  /// Write the characters that the code page may still hold back.
   void Finish();
 
  private:

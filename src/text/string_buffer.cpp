@@ -8,7 +8,7 @@ namespace Quillon9 {
 
 namespace {
 
-constexpr unsigned long kDefaultBlockSize = 4096;  // with the byte that ends the text
+constexpr unsigned long kDefaultBlockSize = 4096;  // including the byte that ends the text
 constexpr unsigned long kLargestGrownBlock = 1UL << 20;
 
 }  // namespace
@@ -92,7 +92,7 @@ void CStringBuffer::Clear() {
 void CStringBuffer::AddNewBlock() { AddBlock(m_blockSize); }
 
 void CStringBuffer::AddBlock(unsigned long least) {
-  // Growing with the text, up to a size that is no burden, so that long texts do not come in thousands of blocks.
+  // Blocks grow with the text, up to a moderate size, so that long texts do not need thousands of blocks.
   unsigned long const size = std::max({m_blockSize, least, std::min(m_length / 2, kLargestGrownBlock)});
   std::unique_ptr<char[]> block(new char[size + 1]);
   block[0] = '\0';

@@ -41,7 +41,7 @@ bool IsHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDB
 bool IsLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 bool IsSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
 
-// The three encoding forms: take a character from an array that is not at its end, tell its size, put it.
+// The three encoding forms: each takes a character from a non-empty range, returns its size, and writes it.
 
 struct Utf8 {
   static Character Take(std::uint8_t const* at, std::uint8_t const* end) {
@@ -96,7 +96,7 @@ struct Utf32 {
   }
 };
 
-/// UTF-32 as the way to UTF-8 reads it.
+/// Reads UTF-32 for the conversion to UTF-8.
 struct Utf32Replacing {
   template <class Unit>
   static Character Take(Unit const* at, Unit const* end) {

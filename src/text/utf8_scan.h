@@ -8,11 +8,11 @@
 
 namespace Quillon9 {
 
-/// How many bytes at the start of \p text are below 0x80.
+/// The number of bytes at the start of \p text that are below 0x80.
 inline std::size_t AsciiLength(std::uint8_t const* text, std::size_t length) {
   using Block = std::uint64_t;
   std::size_t at = 0;
-  // Long texts go four blocks at a time, which halves the cost of looking at a whole document.
+  // Four blocks at a time, because whole documents are scanned.
   for (; length - at >= 4 * sizeof(Block); at += 4 * sizeof(Block)) {
     auto const block = [&](std::size_t number) { return ByteBlocks::Load<Block>(text + at + number * sizeof(Block)); };
     if (((block(0) | block(1) | block(2) | block(3)) & ByteBlocks::kHighBits) != 0) break;
@@ -26,7 +26,7 @@ inline std::size_t AsciiLength(std::uint8_t const* text, std::size_t length) {
 
 inline bool IsTrailByte(std::uint8_t byte) { return (byte & 0xC0) == 0x80; }
 
-/// IsLegalUTF8() for the inner loops.
+/// IsLegalUTF8() for inner loops.
 inline bool IsLegalSequence(std::uint8_t const* bytes, std::size_t length) {
   std::uint8_t const lead = bytes[0];
   switch (length) {
@@ -42,7 +42,7 @@ inline bool IsLegalSequence(std::uint8_t const* bytes, std::size_t length) {
   }
 }
 
-/// The character of a well-formed sequence.
+/// The character that a well-formed sequence encodes.
 inline std::uint32_t DecodeSequence(std::uint8_t const* bytes, std::size_t length) {
   std::uint32_t sum = 0;
   for (std::size_t i = 0; i < length; ++i) sum = (sum << 6) + bytes[i];
@@ -56,7 +56,8 @@ inline std::size_t SequenceLength(std::uint8_t const* text, std::size_t length) 
   return sequence <= length && IsLegalSequence(text, sequence) ? sequence : 0;
 }
 
-/// How many bytes at the start of \p text are well-formed UTF-8; a sequence cut off by the end is not.
+/// The number of bytes at the start of \p text that are well-formed UTF-8; a sequence cut off by the end does not
+/// count.
 inline std::size_t LegalUtf8Length(std::uint8_t const* text, std::size_t length) {
   std::size_t at = 0;
   while (at < length) {

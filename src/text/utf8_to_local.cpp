@@ -52,8 +52,8 @@ void CUtf8ToLocal::Append(std::string& target, std::string_view utf8) const {
   if (m_kind == Kind::kSame) {
     target.append(utf8);
   } else if (m_kind == Kind::kUtf8) {
-    // What is ill-formed ends the text on the long way too, so the sound part before it can be copied all the
-    // same.
+    // Ill-formed input also ends the text in the full conversion, so the well-formed part before it can be copied in
+    // any case.
     target.append(text, strnlen(text, LegalUtf8Length(CodePage::Bytes(text), utf8.size())));
   } else if (m_kind == Kind::kAscii && CodePage::IsAscii(text, utf8.size())) {
     target.append(text, strnlen(text, utf8.size()));

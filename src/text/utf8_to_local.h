@@ -5,20 +5,20 @@
 
 namespace Quillon9 {
 
-/// Converts text from UTF-8 as CEncoder does, with the locale looked at once, for readers that convert many pieces:
-/// that and the search for ASCII in blocks of eight bytes are two fifths of the speed of reading.
+/// Converts text from UTF-8 as CEncoder does, for readers that convert many pieces: it looks the locale up only once
+/// and searches for ASCII in blocks of eight bytes, both of which reading depends on for its speed.
 class CUtf8ToLocal {
  public:
-  /// Takes the locale and the switch of ASCIIOnly(bool) as they are now.
+  /// Uses the present locale and the present switch of ASCIIOnly(bool).
   CUtf8ToLocal();
 
-  /// Put the converted \p utf8 behind what \p target holds.
+  /// Append the converted \p utf8 to \p target.
   void Append(std::string& target, std::string_view utf8) const;
-  /// The same without its carriage returns.
+  /// The same, without carriage returns.
   void AppendExcludingCR(std::string& target, std::string_view utf8) const;
-  /// Whether the text would stay as it is, and has no carriage return. It may say no where it would.
+  /// Whether the conversion would not change the text and the text has no carriage return. May return false even so.
   bool IsSameExcludingCR(std::string_view utf8) const;
-  /// Whether plain ASCII stays as it is.
+  /// Whether the conversion leaves plain ASCII unchanged.
   bool KeepsAscii() const { return m_kind != Kind::kOther; }
   std::string operator()(std::string_view utf8) const {
     std::string local;

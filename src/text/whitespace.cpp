@@ -11,7 +11,7 @@ namespace Quillon9 {
 
 namespace {
 
-// What becomes a space: a carriage return counts as nothing at all.
+// Characters that become a space: carriage returns are dropped instead.
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
 bool IsPreserved(std::string_view text) { return text.find('\r') == std::string_view::npos; }

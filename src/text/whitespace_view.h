@@ -7,8 +7,8 @@
 
 namespace Quillon9 {
 
-/// CWhitespaceUtils::ApplyRule() for text that is held as a view. The result views either \p text or \p scratch; a zero
-/// byte follows it where one follows \p text.
+/// CWhitespaceUtils::ApplyRule() for text held as string_view. The result views either \p text or \p scratch; it is
+/// followed by a zero byte if \p text is.
 std::string_view ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule rule, std::string_view text,
                                      std::string& scratch);
 

@@ -17,7 +17,7 @@ constexpr int kMaxEncodeLength = (INT_MAX - 1) / 2;
 constexpr signed char kInvalid = -2;
 constexpr signed char kSkip = -1;
 
-// What a byte of the text stands for: 0 to 63, kSkip or kInvalid. The upper half repeats the lower one.
+// The meaning of a byte of the text: 0 to 63, kSkip or kInvalid. The upper half repeats the lower one.
 constexpr std::array<signed char, 256> MakeDecodeTable() {
   std::array<signed char, 256> table{};
   for (std::size_t i = 0; i < 128; ++i) {
@@ -35,7 +35,7 @@ constexpr std::array<signed char, 256> MakeDecodeTable() {
 }
 constexpr std::array<signed char, 256> kDecodeTable = MakeDecodeTable();
 
-// Decodes groups of four characters of the alphabet up to the first group that holds another one.
+// Decodes groups of four characters of the alphabet, up to the first group that has another character.
 unsigned char const* DecodeWholeGroups(unsigned char const* at, unsigned char const* end, unsigned char* out,
                                        int& position) {
   for (; end - at >= 4; at += 4) {

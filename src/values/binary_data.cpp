@@ -14,7 +14,7 @@ namespace Quillon9 {
 
 namespace {
 
-// Values also serve as output buffers: many small appends must not reallocate.
+// Values also serve as output buffers, so many small appends must not reallocate.
 constexpr std::uint32_t kMinCapacity = 8192;
 constexpr unsigned long kMaxBase64Length = (INT_MAX - 1) / 2;
 constexpr unsigned char kZeroByte = 0;
@@ -50,7 +50,7 @@ std::uint32_t CapacityFor(std::uint32_t length) {
 }
 
 std::unique_ptr<unsigned char[]> NewBuffer(std::size_t size) {
-  return std::unique_ptr<unsigned char[]>(new unsigned char[size]);  // not zeroed, unlike make_unique
+  return std::unique_ptr<unsigned char[]>(new unsigned char[size]);  // not zero-filled, unlike make_unique
 }
 
 void CopyBytes(unsigned char* to, unsigned char const* from, std::size_t length) {
@@ -124,7 +124,7 @@ CBinaryData::CDataHolder* CBinaryData::CDataHolder::GetExclusiveCopy() {
     if (m_refCount <= 1) return this;
     copy = new CDataHolder(m_data.get(), m_length);
   }
-  Release(false);  // takes the lock itself, and may delete this when the others have let go meanwhile
+  Release(false);  // takes the lock itself, and may delete this if the others have released it meanwhile
   return copy;
 }
 
@@ -142,7 +142,7 @@ std::unique_ptr<unsigned char[]> CBinaryData::CDataHolder::Reallocate(std::uint3
   return std::exchange(m_data, std::move(grown));
 }
 
-// operator[] hands out the byte behind the last one: it must not be a leftover of other memory.
+// operator[] exposes the byte after the last one: it must not be left over from other memory.
 void CBinaryData::CDataHolder::ClearByteBehindEnd() {
   if (m_length < m_capacity) m_data[m_length] = 0;
 }
@@ -221,7 +221,8 @@ void CBinaryData::Append(unsigned char const* data, unsigned long length) {
     return;
   }
   CheckedLength(std::uint64_t{GetLength()} + CheckedLength(data, length));
-  // Bytes of this value move with it when it leaves a shared holder, which another thread may then delete.
+  // If the bytes are this value's own, they move with it when it leaves a shared holder, which another thread may then
+  // delete.
   unsigned char const* const begin = GetData();
   bool const isOwn = !std::less<>()(data, begin) && std::less<>()(data, begin + GetLength());
   auto const offset = isOwn ? data - begin : 0;
@@ -264,7 +265,7 @@ bool CBinaryData::operator==(CBinaryData const& other) const {
 // ---- Text forms
 
 void CBinaryData::SetAsBase64(char const* text) {
-  CBinaryData const old(std::move(*this));  // cleared, but alive: the text may lie in it
+  CBinaryData const old(std::move(*this));  // cleared but alive, because the text may be part of it
   std::unique_ptr<unsigned char[]> bytes = NewBuffer(std::strlen(NotNull(text)) + 1);
   int const length = CBase64().Decode(text, bytes.get());
   Adopt(std::move(bytes), static_cast<unsigned long>(length));
@@ -278,7 +279,7 @@ std::string CBinaryData::GetAsBase64() const {
 }
 
 void CBinaryData::SetAsHexString(char const* text) {
-  CBinaryData const old(std::move(*this));  // cleared, but alive: the text may lie in it
+  CBinaryData const old(std::move(*this));  // cleared but alive, because the text may be part of it
   unsigned char* bytes = nullptr;
   unsigned long const length = ConvertToHexData(text, &bytes);
   Adopt(std::unique_ptr<unsigned char[]>(bytes), length);

@@ -26,13 +26,12 @@ using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
 constexpr std::size_t kR4BufferSize = 32;
 constexpr std::size_t kR8BufferSize = 48;
 
-// `format` has one "%s", which becomes `text` up to its first zero byte.
+// `format` contains one "%s", which is replaced by `text` up to its first zero byte.
 [[noreturn]] void ThrowInvalidValue(char const* format, std::string_view text) {
   throw CQnInvalidValueException(FormatString(format, text.data()));
 }
 
-// A number that is nothing but digits, a sign and a point stays as it is under every rule, which then need not be
-// looked at: half a percent of reading.
+// No rule changes a number that consists only of digits, a sign and a point, so applying the rule can be skipped.
 bool IsRule(WhitespaceRule rule) {
   return rule >= CWhitespaceUtils::WhitespaceRule_None && rule <= CWhitespaceUtils::WhitespaceRule_Collapse;
 }
@@ -49,7 +48,7 @@ Integer ParseWideInteger(std::string_view text, WhitespaceRule rule, char const*
   return value;
 }
 
-// `wide` is the number that `text`, as it was given, stands for.
+// `wide` is the number that `text`, as passed by the caller, represents.
 template <class Narrow, class Wide>
 Narrow NarrowInteger(Wide wide, std::string_view text, char const* tooLarge) {
   using Limits = std::numeric_limits<Narrow>;
@@ -57,7 +56,7 @@ Narrow NarrowInteger(Wide wide, std::string_view text, char const* tooLarge) {
   return static_cast<Narrow>(wide);
 }
 
-// The words that stand for no number or for infinity.
+// The words for NaN and infinity.
 bool IsFloatingWord(std::string_view text, double& value) {
   if (text.empty() || text == "NaN" || text == "1.#QNAN" || text == "-NAN") {
     value = std::numeric_limits<double>::quiet_NaN();
@@ -94,7 +93,7 @@ bool IsSameWord(std::string_view text, std::string_view word) {
   return text.size() == word.size() && strncasecmp(text.data(), word.data(), word.size()) == 0;
 }
 
-// As nearly all are written, and no rule changes; but an unknown rule fails.
+// The usual spellings, which no rule changes; an unknown rule still fails.
 std::optional<bool> PlainBoolean(std::string_view text, WhitespaceRule rule) {
   if (static_cast<unsigned>(rule) > CWhitespaceUtils::WhitespaceRule_Collapse) return std::nullopt;
   if (IsSameText(text, "true")) return true;
@@ -256,7 +255,7 @@ CDateTime ParseDate(std::string_view text, WhitespaceRule rule, CDateTime::DTTyp
   return value;
 }
 
-// The prefix and two digits, more where the value has more.
+// The prefix and at least two digits.
 std::string DateFieldText(char const* prefix, unsigned value) {
   std::string const digits = IntegerText(value);
   return std::string(prefix) + (digits.size() < 2 ? "0" : "") + digits;

@@ -24,7 +24,7 @@ CDateTime::~CDateTime() = default;
 
 namespace {
 
-// The constructors from fields report nothing: what is out of range leaves a clear object.
+// The constructors from fields report nothing: a field out of range leaves a clear object.
 template <class Set>
 void SetOrClear(CDateTime& value, Set set) {
   try {
@@ -71,7 +71,7 @@ CDateTime& CDateTime::operator=(long const& time) {
 
 CDateTime CDateTime::GetCurrentTime() { return CDateTime(static_cast<long>(std::time(nullptr))); }
 
-// A value that is set keeps its type.
+// A value that is already set keeps its type.
 void CDateTime::RequireTypeOf(DTType type) const {
   if (m_type == dt_yearZero || m_type == type) return;
   throw CQnInvalidStateException(FormatString("Failed to copy CDateTime. Invalid Date Type: %s, expected: %s.",
@@ -208,7 +208,7 @@ void CDateTime::Require(bool allowed, char const* operation) const {
       FormatString("Failed to %s. Invalid Date Type: %s.", operation, GetTypeAsString().c_str()));
 }
 
-// A setter raises the text of its getter.
+// A setter throws the failure text of its getter.
 #define QN_DATE_FIELD(Type, Name, member, condition) \
   Type CDateTime::Get##Name() const {                \
     Require(condition, "Get" #Name);                 \
@@ -352,7 +352,7 @@ void CDateTime::ValidateTime() const {
   bool const isZero = m_hour == 0 && m_minute == 0 && m_second == 0;
   bool const isWithin = m_hour <= 23 && m_minute <= 59 && m_second <= 59;
   bool const hasFraction = m_milliSecond != 0 || m_microSecond != 0 || m_nanoSecond != 0;
-  if (!hasFraction && (HasTime() ? isWithin : isZero)) return;  // as nearly all are
+  if (!hasFraction && (HasTime() ? isWithin : isZero)) return;  // true of nearly all values
   struct {
     int value;
     int greatest;

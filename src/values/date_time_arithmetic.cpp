@@ -1,4 +1,4 @@
-// The order of dates and times, and durations added to them.
+// The order of dates and times, and the addition of durations.
 
 #include <cmath>
 #include <limits>
@@ -26,7 +26,7 @@ int CompareNumbers(Number left, Number right) {
 
 int Compare(CDateTime const& left, CDateTime const& right) {
   int order = CompareNumbers(left.HasYear() ? left.m_year : -1, right.HasYear() ? right.m_year : -1);
-  // The left month stands for the right one: it never decides, and a left side without a month raises.
+  // The left month is used for the right side too: it never decides, and a left side without a month throws.
   if (order == kEqual) {
     order = CompareNumbers(left.HasMonth() ? left.m_month : -1, right.HasMonth() ? int{left.GetMonth()} : -1);
   }
@@ -63,8 +63,8 @@ CDateTime Moved(CDateTime value, std::int16_t zoneHour) {
   return value.GetNormalized();
 }
 
-// What holds of `zoned` and `unzoned` in every zone that the latter may be in. `before` and `after` are the results
-// that decide.
+// The result that holds for `zoned` and `unzoned` in every zone that the latter may be in. `before` and `after` are the
+// results that decide.
 int CompareAcrossZones(CDateTime const& unzoned, CDateTime const& zoned, bool zonedIsLeft) {
   auto const compare = [&](CDateTime const& moved) {
     return zonedIsLeft ? Compare(zoned, moved) : Compare(moved, zoned);
@@ -107,13 +107,13 @@ namespace {
 constexpr std::int64_t kDaysInCycle = 146097;  // 400 years
 constexpr std::int64_t kYearsInCycle = 400;
 
-// base + value or base - value in 64 bits, wrapping round.
+// base + value or base - value in 64 bits, with wrap-around.
 std::int64_t AddSigned(std::int64_t base, std::uint64_t value, bool negative) {
   auto const from = static_cast<std::uint64_t>(base);
   return static_cast<std::int64_t>(negative ? from - value : from + value);
 }
 
-// Leaves what is left below `modulus` in `field` and returns what is carried.
+// Reduces `field` below `modulus` and returns the carry.
 template <class Field>
 std::int64_t AddField(Field& field, std::uint64_t value, bool negative, std::int64_t carry, int modulus) {
   std::int64_t const sum = AddSigned(field + carry, value, negative);
@@ -136,8 +136,8 @@ struct Date {
   std::int64_t day;
 };
 
-/// Move \p date by \p days as far as they reach in its month, or to the first or last day of the next one, and return
-/// the days that are left.
+/// Move \p date by \p days within its month, or to the first or last day of the next one, and return the days that
+/// remain.
 std::int64_t StepDays(Date& date, std::int64_t days) {
   if (days > 0) {
     int const last = LastDay(date.year, date.month);
@@ -157,8 +157,8 @@ std::int64_t StepDays(Date& date, std::int64_t days) {
   return 0;
 }
 
-// After the first step the day is the first or the last of a month, and 400 years further on everything is the same
-// again, so that whole cycles are left out.
+// After the first step the day is the first or the last of a month. The calendar repeats after 400 years, so whole
+// cycles are skipped.
 void AddDays(Date& date, std::int64_t days) {
   for (bool skipped = false; days != 0; skipped = true) {
     days = StepDays(date, days);

@@ -72,10 +72,10 @@ namespace {
       FormatString("Invalid XSD Duration [%s] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", text));
 }
 
-// How far a text has been read: what may follow depends on it.
+// How far a text has been read, which decides what may follow.
 enum State { Nothing, Years, Months, Days, TimePart, Hours, Minutes, Seconds, Finished };
 
-// The 32 bits of a number, extended by their sign.
+// The 32 bits of a number, sign-extended.
 std::uint64_t Extended(std::uint32_t number) {
   return static_cast<std::uint64_t>(static_cast<std::int64_t>(static_cast<std::int32_t>(number)));
 }
@@ -88,7 +88,7 @@ std::uint32_t ReadNumber(char const*& at) {
 
 }  // namespace
 
-// Up to nine digits, added to what the fields hold. Those from the seventh on carry no weight: the last one stays.
+// Up to nine digits, added to the fields. Those from the seventh on carry no weight: the last one stays.
 void CDateTimeSpan::ReadFraction(char const*& at, char const* text) {
   static constexpr int weights[] = {100, 10, 1};
   for (std::size_t count = 0; IsDigit(*at); ++at, ++count) {

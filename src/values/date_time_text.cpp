@@ -1,4 +1,4 @@
-// How dates and times are read from text and printed.
+// Reading dates and times from text, and printing them.
 
 #include <cstring>
 
@@ -10,7 +10,7 @@ namespace Quillon9 {
 
 namespace {
 
-// Whether `count` digits stand at `text`, and then their number.
+// Whether `text` starts with `count` digits; if so, sets `number` to their value.
 template <class Number>
 bool ReadDigits(char const* text, int count, Number& number) {
   int value = 0;
@@ -22,8 +22,8 @@ bool ReadDigits(char const* text, int count, Number& number) {
   return true;
 }
 
-// Prints `value`, which has at most five digits, with at least `width` of them, and returns the end. Without strings on
-// the way dates are printed in half the time.
+// Prints `value`, which has at most five digits, padded to at least `width` of them, and returns the end. Temporary
+// strings would make printing dates much slower.
 char* PutPadded(char* to, unsigned value, std::size_t width) {
   if (width == 2 && value < 100) {
     *to++ = static_cast<char>('0' + value / 10);
@@ -180,7 +180,7 @@ void CDateTime::SetXSDDate(char const* text) {
   if (endsInZ || hasColon) SetZone(text + length);
 }
 
-// "--MM", "---DD", "--MM--" (whose last two characters are not looked at) and "--MM-DD", told apart by their length.
+// "--MM", "---DD", "--MM--" (whose last two characters are ignored) and "--MM-DD", distinguished by their length.
 bool CDateTime::ReadShortDate(char const* text, long length) {
   std::uint8_t month = 0;
   std::uint8_t day = 0;

@@ -14,7 +14,7 @@ namespace Quillon9 {
 
 namespace {
 
-// Up to it, dividing a double by ten and cutting the fraction gives the digits of the integer.
+// Up to this value, dividing a double by ten and cutting the fraction gives the digits of the integer.
 constexpr double kExactDouble = 9007199254740992.0;
 
 }  // namespace

@@ -6,16 +6,17 @@
 
 namespace Quillon9 {
 
-/// A magnitude: decimal digits as values 0 to 9, least significant first, without most-significant zeros but with one
-/// digit at least. A string and not a vector, because up to 15 digits then need no memory of their own.
+/// A magnitude: decimal digits as values 0 to 9, least significant first, without most-significant zeros but with at
+/// least one digit. A string rather than a vector, because up to 15 digits then need no memory of their own.
 using Digits = std::string;
 
 /// -1, 0 or +1 as \p a is below, equal to or above \p b.
 int CompareDigits(std::string_view a, std::string_view b);
 /// Add \p from, which may be the same object. Allocates before it changes anything.
 void AddDigits(Digits& to, Digits const& from);
-/// Subtract \p from. False when it is above \p to, which then makes no sense any more.
+/// Subtract \p from. Returns false when it is above \p to, which is then meaningless.
 bool SubtractDigits(Digits& to, Digits const& from);
+/// The product of two magnitudes.
 /// \throws CQnInvalidParamException "Invalid decimal digit [%d]".
 Digits MultipliedDigits(std::string_view a, std::string_view b);
 /// Divide \p a, which becomes the remainder, by \p b.
@@ -24,13 +25,13 @@ Digits MultipliedDigits(std::string_view a, std::string_view b);
 Digits DividedDigits(Digits& a, std::string_view b);
 /// Remove most-significant zeros.
 void CleanDigits(Digits& digits);
-/// How many digits there are without most-significant zeros: none for zero.
+/// The number of digits without most-significant zeros: 0 for zero.
 std::size_t CountDigits(std::string_view digits);
 
 Digits DigitsOf(unsigned long long value);
-/// Of the nearest integer; see CBigInteger::BuildDouble().
+/// The digits of the nearest integer; see CBigInteger::BuildDouble().
 Digits DigitsOfDouble(double value);
-/// Of the run of digits that ends at \p end.
+/// The digits of the run that ends at \p end.
 Digits DigitsOfLastRun(char const* begin, char const* end);
 Digits DigitsOfPow10(std::size_t exponent);
 

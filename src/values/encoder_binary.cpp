@@ -1,4 +1,4 @@
-// The conversions of CEncoder whose results are binary values.
+// The conversions of CEncoder that return binary values.
 
 #include <cstddef>
 #include <cstring>

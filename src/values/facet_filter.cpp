@@ -16,7 +16,7 @@ namespace {
 
 using Filter = std::unique_ptr<CFacetFilter const>;
 
-/// For a kind in which a bound is either kept or broken.
+/// For a kind in which a value either satisfies or violates a bound.
 template <auto get, class Value>
 class CNumberFilter : public CFacetFilter {
  public:
@@ -66,7 +66,7 @@ class CTextFilter : public CFacetFilter {
   std::int64_t m_minLength;
   std::int64_t m_maxLength;
   std::int64_t m_length;
-  std::optional<CFixedPattern> m_pattern;  // nothing for no pattern
+  std::optional<CFixedPattern> m_pattern;  // empty for no pattern
 };
 
 class COpenFilter : public CFacetFilter {
@@ -82,7 +82,7 @@ bool HasLengths(CPrimitiveRestrictions const& r) { return r.minLength >= 0 || r.
 
 Filter Open(ItemType type, bool isOpen) { return isOpen ? std::make_unique<COpenFilter>(type) : nullptr; }
 
-// A bound that does not parse raises at each check.
+// A bound that does not parse throws at each check.
 template <auto get, class Parse>
 Filter ForNumbers(ItemType type, CPrimitiveRestrictions const& r, Parse parse) {
   using Value = decltype(parse(std::string(), CWhitespaceUtils::WhitespaceRule_Collapse));
@@ -108,7 +108,7 @@ CFacetFilter::~CFacetFilter() = default;
 bool CFacetFilter::IsWithin(QnVariant const&) const { return m_isOpen; }
 
 Filter CFacetFilter::Make(ItemType type, CPrimitiveRestrictions const& r) {
-  constexpr CDecimal const& (QnVariant::*getDecimal)() const& = &QnVariant::GetDecimal;  // not the one that copies
+  constexpr CDecimal const& (QnVariant::*getDecimal)() const& = &QnVariant::GetDecimal;  // not the copying one
   constexpr CBigInteger const& (QnVariant::*getInteger)() const& = &QnVariant::GetInteger;
 #define QN_NUMBERS(stem, Access) \
   case ItemType_##stem: return ForNumbers<&QnVariant::Get##Access>(type, r, &CConversions::stem##FromString)

@@ -1,4 +1,4 @@
-// The checks of CXmlObjectHelper that hold values against the facets of their schema.
+// The checks in CXmlObjectHelper of values against the facets of their schema.
 
 #include <algorithm>
 #include <cstddef>
@@ -24,15 +24,15 @@ namespace {
   throw CQnException(FormatString("Invalid Value for %s [%s]", name, shown.c_str()));
 }
 
-// ---- Numbers. Each test says what must hold, so that a NaN breaks it.
+// ---- Numbers. Each test states the condition that must hold, so that a NaN fails it.
 
 template <auto parse>
 auto ParseBound(std::string const& text) {
   return parse(text, CWhitespaceUtils::WhitespaceRule_Collapse);
 }
 
-/// The value of a bound, which each value that is written is held against. One that does not parse is tried, and
-/// raises, each time.
+/// The value of a bound, against which each written value is checked. A bound that does not parse is tried again, and
+/// throws, each time.
 template <auto parse>
 using Bound = RememberedValue<ParseBound<parse>>;
 
@@ -45,7 +45,7 @@ bool IsWithinBounds(Value value, CPrimitiveRestrictions const& r) {
          (r.maxExclusive.empty() || bound(r.maxExclusive) > value);
 }
 
-// As "%d" prints it.
+// Shows the value as "%d" prints it.
 template <auto parse, class Value>
 void CheckInteger(char const* name, Value value, CPrimitiveRestrictions const& r) {
   if (!IsWithinBounds<parse>(value, r)) ThrowInvalidValue(name, IntegerText(static_cast<std::int32_t>(value)));
@@ -61,7 +61,7 @@ void CheckFloating(char const* name, Value value, CPrimitiveRestrictions const& 
   if (!IsWithinBounds<parse>(value, r)) ThrowInvalidValue(name, FixedText(static_cast<double>(value)));
 }
 
-// ---- Numbers of any length: each test says what breaks the bound, by the class's own operators.
+// ---- Numbers of any length. The tests use the operators of the class.
 
 template <auto parse, class Value>
 void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions const& r) {
@@ -72,11 +72,11 @@ void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions
   if (!valid) ThrowInvalidValue(name, value.ToString());
 }
 
-// ---- Dates, times and durations, which are ordered only in part
+// ---- Dates, times and durations, which are only partially ordered
 
 template <auto parse, class Value>
 bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r) {
-  enum { Equal, Less, Greater };  // what CompareTo() gives; everything else is indeterminate and breaks no bound
+  enum { Equal, Less, Greater };  // the results of CompareTo(); any other result is indeterminate and violates no bound
   auto const compare = [&](std::string const& text) { return static_cast<int>(value.CompareTo(*Bound<parse>(text))); };
   if (!r.minInclusive.empty() && compare(r.minInclusive) == Less) return false;
   if (!r.maxInclusive.empty() && compare(r.maxInclusive) == Greater) return false;
@@ -104,8 +104,8 @@ bool IsAllowedLength(std::uint64_t length, CPrimitiveRestrictions const& r) {
          (r.length < 0 || length == static_cast<std::uint64_t>(r.length));
 }
 
-// A pattern of ASCII, as schemas have them, is one in any code page: SJIS, for which libc has a yen sign where ASCII
-// has the backslash, must not make "\d" another pattern.
+// An ASCII pattern, the usual kind in schemas, means the same in any code page: SJIS, for which libc has a yen sign in
+// place of the ASCII backslash, must not turn "\d" into another pattern.
 bool KeepsPattern(std::string const& value, std::string const& pattern) {
   if (pattern.empty()) return true;
   bool const isUtf8 = std::all_of(pattern.begin(), pattern.end(), [](char c) { return c > 0; }) ||

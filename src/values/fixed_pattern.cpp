@@ -12,7 +12,7 @@ constexpr std::size_t kMostCharacters = 64;
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-// What stands for itself inside a class and outside of it, wherever it stands.
+// Characters that stand for themselves anywhere, inside a class and outside of it.
 bool IsPlain(char c) { return IsLetter(c) || IsDigit(c) || c == ' ' || c == '_'; }
 
 bool IsMark(char c) { return std::string_view("-,:;/@=#%&!'\"<>~").find(c) != std::string_view::npos; }
@@ -23,7 +23,7 @@ bool SkipStart(std::string_view& text, std::string_view start) {
   return true;
 }
 
-/// The number of repetitions in front of \p text, 1 where there is none; 0 for what is no such number.
+/// The number of repetitions at the start of \p text, 1 if there is none; 0 if it is malformed.
 std::size_t TakeCount(std::string_view& text) {
   if (!SkipStart(text, "{")) return 1;
   std::size_t count = 0;

@@ -12,15 +12,15 @@ namespace Quillon9 {
 /// "\d{3}-[A-Z]{2}". Immutable, for any thread.
 class CFixedPattern {
  public:
-  /// The pattern \p text; nothing when there is more in it than letters, digits, blanks, some marks, "\d", classes of
-  /// letters, digits and blanks, and a number of repetitions, or when it is for more than 64 characters. What is taken
-  /// here TestRegEx() takes too, and for values in ASCII it gives the same answers.
+  /// Parse the pattern \p text. Returns nothing when it contains more than letters, digits, blanks, some marks, "\d",
+  /// classes of letters, digits and blanks, and a number of repetitions, or when it is for more than 64 characters.
+  /// TestRegEx() accepts every pattern that this function accepts, and gives the same answers for values in ASCII.
   static std::optional<CFixedPattern> Parse(std::string_view text);
 
   bool Matches(std::string_view value) const;
 
  private:
-  /// A bit for each character of ASCII.
+  /// One bit for each ASCII character.
   struct CharacterSet {
     std::uint64_t m_bits[2] = {0, 0};
 

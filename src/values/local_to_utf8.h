@@ -7,8 +7,8 @@
 
 namespace Quillon9 {
 
-/// CEncoder::LocalCodePageToUtf8Binary() of the text that \p blocks make up, which is copied once where its bytes
-/// stay: joining it first costs 2 % of the speed of writing.
+/// CEncoder::LocalCodePageToUtf8Binary() of the concatenated \p blocks. Text whose bytes do not change is copied only
+/// once, since joining it first would slow writing down.
 CBinaryData LocalCodePageToUtf8Binary(std::vector<std::string_view> const& blocks);
 
 }  // namespace Quillon9

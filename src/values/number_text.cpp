@@ -16,7 +16,7 @@ namespace Quillon9 {
 
 namespace {
 
-// Made once and never freed: numbers are read and printed until the process ends.
+// Created once and never freed, because numbers are read and printed until the process ends.
 locale_t NumberLocale() {
   static locale_t const locale = [] {
     locale_t const made = newlocale(LC_ALL_MASK, "C", nullptr);
@@ -26,7 +26,7 @@ locale_t NumberLocale() {
   return locale;
 }
 
-// Puts the calling thread, and no other, into the "C" locale.
+// Switches the calling thread, and only that one, to the "C" locale.
 class NumberLocaleScope {
  public:
   NumberLocaleScope() : m_previous(uselocale(NumberLocale())) {}
@@ -45,7 +45,7 @@ struct SignedDigits {
   NumberStatus status = NumberStatus::Ok;
 };
 
-// Reads up to a magnitude above `limit`, where it stops: the rest of the digits cannot make it smaller.
+// Stops reading at a magnitude above `limit`, because the remaining digits cannot make it smaller.
 SignedDigits ReadSignedDigits(std::string_view text, std::uint64_t positiveLimit, std::uint64_t negativeLimit) {
   SignedDigits result;
   char const* at = text.data();
@@ -62,7 +62,7 @@ SignedDigits ReadSignedDigits(std::string_view text, std::uint64_t positiveLimit
     }
     result.magnitude = result.magnitude * 10 + digit;
   }
-  if (at == firstDigit) at = text.data();  // no digits, no number: strtol then stays at the start
+  if (at == firstDigit) at = text.data();  // like strtol, which stays at the start when there are no digits
   if (at != end && *at != '\0') result.status = NumberStatus::Malformed;
   return result;
 }
@@ -87,8 +87,8 @@ NumberStatus ParseUnsigned(std::string_view text, Unsigned& value) {
   return digits.status;
 }
 
-// from_chars knows neither blanks, "+" nor hexadecimal floats, and reports what is out of range without a value;
-// what it takes as a whole, it takes as strtod does.
+// from_chars accepts neither blanks, "+" nor hexadecimal floats, and gives no value for numbers out of range; when it
+// accepts all of a text, its result is that of strtod.
 bool ParsePlainDouble(std::string_view text, double& value) {
   char const* const begin = text.data();
   char const* const end = begin + text.size();
@@ -101,9 +101,9 @@ bool ParsePlainDouble(std::string_view text, double& value) {
   return true;
 }
 
-// The address behind the conversion that starts after a percent sign, or null when it does not print a double.
+// The address after the conversion that starts after a percent sign, or null when it does not print a double.
 char const* EndOfDoubleConversion(char const* at) {
-  if (at[0] == '1' && at[1] == '$') at += 2;  // the one argument by its number
+  if (at[0] == '1' && at[1] == '$') at += 2;  // the only argument, by its number
   at += std::strspn(at, "-+ #0'");
   while (IsDigit(*at)) ++at;
   if (*at == '.') ++at;
@@ -137,7 +137,7 @@ std::uint64_t RoundScaled(std::uint64_t mantissa, int shift, int places) {
   return whole + ((rest > half || (rest == half && whole % 2 != 0)) ? 1 : 0);
 }
 
-// Prints `value` * 10^-`places`, which has no trailing zeros behind the point, and returns the end.
+// Prints `value` * 10^-`places`, which must have no trailing zeros after the point, and returns the end.
 char* PrintScaled(char* to, std::uint64_t value, int places) {
   std::uint64_t const unit = PowerOf10(places);
   to = std::to_chars(to, to + kMostPower + 1, value / unit).ptr;
@@ -148,15 +148,15 @@ char* PrintScaled(char* to, std::uint64_t value, int places) {
   return to + places + 1;
 }
 
-// Prints what is at least 2^-10 and has no more digits in front of the point than `precision`, by exact integers: a
-// twentieth of the speed of writing against to_chars() with its precision. Returns the end, or null for other values.
+// Prints a value that is at least 2^-10 and has at most `precision` digits before the point, by exact integers, which
+// is faster than to_chars() with a precision. Returns the end, or null for other values.
 char* PrintCommonDouble(char* to, double value, int precision) {
   constexpr int kFractionBits = 52;
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value, sizeof bits);
   int const exponent = static_cast<int>(bits >> kFractionBits & 0x7FF) - 1023;
   if (exponent < -10 || exponent >= kFractionBits) return nullptr;
-  // The digits in front of the point less one are the decimal logarithm, which is this or one more.
+  // The number of digits before the point minus one is the decimal logarithm, which is this value or one more.
   int const logarithm = exponent < 0 ? -((-exponent * 1233 + 4095) / 4096) : exponent * 1233 / 4096;
   int places = precision - 1 - logarithm;
   if (places < 1 || places > kMostPower) return nullptr;
@@ -188,7 +188,7 @@ NumberStatus ParseInteger(std::string_view text, std::uint64_t& value) { return 
 
 static_assert(FLT_EVAL_METHOD == 0, "a quotient must be rounded once, to a double");
 
-// Both numbers of the one division are exact, so that its result is the nearest (IEEE 754).
+// Both operands of the single division are exact, so its result is the nearest double (IEEE 754).
 bool ParseShortDouble(std::string_view text, double& value) {
   char const* at = text.data();
   char const* const end = at + text.size();

@@ -12,22 +12,22 @@ namespace Quillon9 {
 /// Whether \p c is an ASCII digit.
 inline bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// What came of reading a number.
+/// The outcome of reading a number.
 enum class NumberStatus {
   Ok,
-  OutOfRange,  ///< the number does not fit; what follows it was not looked at
+  OutOfRange,  ///< the number does not fit; the text after it was not examined
   Malformed,   ///< characters are left over
 };
 
 /// Read a base 10 integer as strtol, strtoul, strtoll and strtoull do where a long has 32 bits, whatever its width
-/// here: leading white space (that of the "C" locale) and one sign pass, a minus sign on an unsigned kind wraps
-/// round, a text without digits is 0. A zero byte ends the text. \p value is set for NumberStatus::Ok only.
+/// here: leading white space (that of the "C" locale) and one sign are accepted, a minus sign on an unsigned kind wraps
+/// round, and a text without digits is 0. A zero byte ends the text. \p value is set only for NumberStatus::Ok.
 NumberStatus ParseInteger(std::string_view text, std::int32_t& value);
 NumberStatus ParseInteger(std::string_view text, std::uint32_t& value);
 NumberStatus ParseInteger(std::string_view text, std::int64_t& value);
 NumberStatus ParseInteger(std::string_view text, std::uint64_t& value);
 
-/// ParseInteger() of up to nine digits, which may have a minus sign in front where the kind has one. False for any
+/// ParseInteger() for up to nine digits, which may have a minus sign in front if the kind is signed. False for any
 /// other text.
 template <class Integer>
 bool ParseShortInteger(std::string_view text, Integer& value) {
@@ -43,14 +43,13 @@ bool ParseShortInteger(std::string_view text, Integer& value) {
   return true;
 }
 
-/// ParseDouble() of up to 15 digits, with a minus sign and a point where wanted, in a third of its time. False for any
-/// other text.
+/// A faster ParseDouble() for up to 15 digits, optionally with a minus sign and a point. False for any other text.
 bool ParseShortDouble(std::string_view text, double& value);
 
-/// Read a floating-point number as strtod does in the "C" locale, with all its forms. A zero byte ends the text,
-/// and a text without digits is 0; one that is no plain number has a zero behind it. Out of range is no failure: it
-/// gives infinity, zero or a subnormal number.
-/// \p value is set for NumberStatus::Ok only.
+/// Read a floating-point number as strtod does in the "C" locale, with all its forms. A zero byte ends the text, and a
+/// text without digits is 0; a text other than a plain number must be followed by a zero. A number out of range is not
+/// a failure: it gives infinity, zero or a subnormal number.
+/// \p value is set only for NumberStatus::Ok.
 NumberStatus ParseDouble(std::string_view text, double& value);
 
 /// Print as "%d", "%u", "%lld" or "%llu" does.
@@ -63,17 +62,17 @@ std::string IntegerText(Integer value) {
 /// Print as "%.*g" does in the "C" locale; \p precision is 1 to 17.
 std::string GeneralText(double value, int precision);
 
-/// The same into \p room. Returns the end of the text.
+/// Print the same text into \p room. Returns the end of the text.
 constexpr std::size_t kGeneralRoom = 64;
 char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision);
 
-/// Print as "%.*f" does in the "C" locale, so with a \p precision of 6 as "%f"; \p precision is 0 to 1000.
+/// Print as "%.*f" does in the "C" locale, so a \p precision of 6 prints like "%f"; \p precision is 0 to 1000.
 std::string FixedText(double value, int precision = 6);
 
-/// Print \p value through the printf format \p format in the "C" locale into a buffer of \p bufferSize bytes (at
-/// most 64), its terminating zero byte included; what does not fit is cut off.
-/// \throws CQnException "The format [%s] does not print one floating-point number" when \p format would read
-///         anything but one double (then printf would read what is not there) or libc refuses it.
+/// Print \p value with the printf format \p format in the "C" locale into a buffer of \p bufferSize bytes (at most 64),
+/// including its terminating zero byte; text that does not fit is cut off.
+/// \throws CQnException "The format [%s] does not print one floating-point number" when \p format would read anything
+///         but one double (printf would then read arguments that do not exist) or libc refuses it.
 std::string FormattedText(char const* format, double value, std::size_t bufferSize);
 
 }  // namespace Quillon9

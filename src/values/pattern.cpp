@@ -26,8 +26,8 @@ bool EndsWith(Text const& text, Text const& end) {
          text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// A replacement can make up a new occurrence together with what stands before it and behind it. So it goes back in
-// front of the text that is still to be read, and what was read is looked at again from where it was cut.
+// A replacement can form a new occurrence together with the text before and after it. So the replacement is put back in
+// front of the unread text, and the text read earlier is searched again from the cut.
 template <class Text>
 void ReplaceAll(Text& text, Text const& search, Text const& replacement) {
   if (search.empty()) throw CQnException("Cannot replace an empty text");
@@ -58,8 +58,8 @@ struct Substitution {
 };
 
 std::string Translate(std::string pattern) {
-  // The order counts: an escaped backslash must not be read as the start of an escape, so it steps aside first.
-  // The octal numbers are left for the engine to read.
+  // The order matters: an escaped backslash must not be read as the start of an escape, so it is replaced first. The
+  // engine reads the octal numbers.
   static constexpr Substitution substitutions[] = {
       {R"(\\)", "\x01"},
       {R"(\i)", R"(([^\W\d]|:))"},

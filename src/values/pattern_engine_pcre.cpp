@@ -16,8 +16,8 @@ struct FreePcre {
   void operator()(pcre_jit_stack* stack) const { pcre_jit_stack_free(stack); }
 };
 
-// PCRE's interpreter, which steps in where machine code cannot be made, recurses on the thread's stack, about two
-// levels of 500 bytes for each character that a repeated group takes.
+// PCRE's interpreter, which is used where machine code cannot be made, recurses on the thread's stack, about two levels
+// of 500 bytes for each character that a repeated group takes.
 constexpr std::size_t kInterpreterLevel = 1024;
 constexpr std::size_t kStackReserve = 64 * 1024;
 
@@ -30,7 +30,7 @@ unsigned long RecursionLimit() {
 
 struct CompiledPattern::Engine {
   std::unique_ptr<pcre, FreePcre> code;
-  std::unique_ptr<pcre_extra, FreePcre> study;  // null before it was made, and when there is nothing to know
+  std::unique_ptr<pcre_extra, FreePcre> study;  // null until it is made, and when the study found nothing useful
   std::vector<int> offsets;
   bool isMachineCode = false;
   int triesLeft = kMachineCodeTries;
@@ -40,7 +40,7 @@ struct CompiledPattern::Engine {
   int ExecuteOnLargeStack(pcre_extra const& extra, char const* subject, int length);
 };
 
-// Anchored here and not at the match: an option at the match would keep PCRE from using machine code.
+// Anchored here and not at the match, where an option would keep PCRE from using machine code.
 CompiledPattern::CompiledPattern(std::string const& given, std::string const& translated)
     : m_engine(std::make_unique<Engine>()) {
   char const* message = nullptr;
@@ -89,8 +89,8 @@ bool CompiledPattern::Matches(char const* subject, int length) {
     extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
     extra.match_limit_recursion = RecursionLimit();
   }
-  // The 32 KiB that PCRE takes from the thread's stack do for all but long values; others pay for a stack of their
-  // own.
+  // The 32 KiB that PCRE takes from the thread's stack are enough for all but long values, which pay for a stack of
+  // their own.
   int result = engine.Execute(extra, subject, length);
   if (result == PCRE_ERROR_JIT_STACKLIMIT) result = engine.ExecuteOnLargeStack(extra, subject, length);
   return result > 0 && engine.offsets[0] == 0 && engine.offsets[1] == length;

@@ -24,11 +24,11 @@ std::unique_ptr<Object, FreePcre2> Owned(Object* object) {
   return std::unique_ptr<Object, FreePcre2>(object);
 }
 
-// ---- What the first generation takes and PCRE2 refuses
+// ---- Constructs that the first generation accepts and PCRE2 refuses
 
 bool IsOneOf(char letter, char const* letters) { return std::string_view(letters).find(letter) != std::string::npos; }
 
-// What is read at once: an escape, all between "\Q" and "\E", a named class within a class, or a byte.
+// The unit of reading: an escape, everything between "\Q" and "\E", a named class within a class, or a byte.
 std::string_view FirstItem(std::string_view pattern, bool isInClass) {
   auto const through = [pattern](char const* end, std::size_t otherwise) {
     std::size_t const at = pattern.find(end, 2);
@@ -50,8 +50,9 @@ bool IsLetterOnly(std::string_view item, bool isInClass) {
          (IsOneOf(item[1], "FJMOTYjmqy") || (isInClass && IsOneOf(item[1], "ABGKRXZkz")));
 }
 
-// To the first generation, a letter that means nothing behind a backslash is the letter, and so is, in a class, a
-// hyphen behind a set of characters: "[\w-.]". As code point and as escape, PCRE2 reads them so too.
+// The first generation reads a letter without meaning after a backslash as the letter itself, and in a class a hyphen
+// after a set of characters as a hyphen: "[\w-.]". PCRE2 does the same if they are written as a code point and as an
+// escape.
 std::string ForPcre2(std::string_view pattern) {
   std::string result;
   bool isInClass = false;
@@ -98,7 +99,7 @@ struct CompiledPattern::Engine {
   int ExecuteOnLargeStack(char const* subject, int length);
 };
 
-// Anchored here and not at the match: an option at the match would keep PCRE2 from using machine code.
+// Anchored here and not at the match, where an option would keep PCRE2 from using machine code.
 CompiledPattern::CompiledPattern(std::string const& given, std::string const& translated)
     : m_engine(std::make_unique<Engine>()) {
   std::string const pattern = ForPcre2(translated.c_str());
@@ -137,14 +138,14 @@ bool CompiledPattern::Matches(char const* subject, int length) {
   if (!engine.isMachineCode && engine.triesLeft > 0) engine.TryMachineCode();
   pcre2_set_match_limit(engine.context.get(), MatchLimit(length));
   if (!engine.isMachineCode) {
-    // The interpreter backtracks in memory that its results hold on to, so these are made for the one match.
+    // The interpreter backtracks in memory that its match data keeps, so the match data is created for this match only.
     pcre2_set_depth_limit(engine.context.get(), MatchLimit(length));
     pcre2_set_heap_limit(engine.context.get(), kMaxBacktracking / 1024);
     auto const results = Owned(pcre2_match_data_create_from_pattern(engine.code.get(), nullptr));
     return IsWhole(engine.Execute(results.get(), subject, length), results.get(), length);
   }
-  // The 32 KiB that PCRE2 takes from the thread's stack do for all but long values; others pay for a stack of their
-  // own.
+  // The 32 KiB that PCRE2 takes from the thread's stack are enough for all but long values, which pay for a stack of
+  // their own.
   int result = engine.Execute(engine.data.get(), subject, length);
   if (result == PCRE2_ERROR_JIT_STACKLIMIT) result = engine.ExecuteOnLargeStack(subject, length);
   return IsWhole(result, engine.data.get(), length);

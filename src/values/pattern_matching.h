@@ -4,7 +4,7 @@
 
 namespace Quillon9 {
 
-/// TestRegEx() without its copies, for the facet checks.
+/// TestRegEx() without copies, for the facet checks.
 bool MatchesPattern(std::string const& utf8Pattern, std::string const& value);
 
 }  // namespace Quillon9

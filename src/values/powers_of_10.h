@@ -6,7 +6,7 @@
 
 namespace Quillon9 {
 
-/// The largest power of ten that 64 bits hold.
+/// The exponent of the largest power of ten that 64 bits hold.
 constexpr int kMostPower = 19;
 
 constexpr std::array<std::uint64_t, kMostPower + 1> MakePowersOf10() {

@@ -10,22 +10,22 @@
 
 namespace Quillon9 {
 
-/// The value that the function \p make gives for a text, remembered in the calling thread where that is possible and
-/// made anew otherwise. It is for what schemas have few of and documents need often, such as patterns: forgetting all
-/// when there are too many is as good as forgetting the oldest.
+/// The value that the function \p make returns for a text, remembered in the calling thread if possible and computed
+/// anew otherwise. For items that schemas have few of and documents need often, such as patterns: when there are too
+/// many, forgetting all of them is as good as forgetting the oldest.
 template <auto make>
 class RememberedValue {
  public:
   using Value = std::decay_t<decltype(make(std::string()))>;
 
-  /// \throws what \p make throws; nothing is remembered then.
+  /// \throws whatever \p make throws; nothing is then remembered.
   explicit RememberedValue(std::string const& text) : m_value(Find(text)) {
     if (m_value == nullptr) m_value = &m_own.emplace(make(text));
   }
   RememberedValue(RememberedValue const&) = delete;
   RememberedValue& operator=(RememberedValue const&) = delete;
 
-  /// The value, which lives until this object is destroyed or the thread makes another one with the same function.
+  /// The value, which lives until this object is destroyed or the thread computes another one with the same function.
   Value& operator*() const { return *m_value; }
 
  private:

@@ -8,7 +8,7 @@
 
 namespace Quillon9 {
 
-/// The `...FromString` of CConversions for a text that is no string and has a zero behind it.
+/// The `...FromString` of CConversions for text held as string_view that is followed by a zero.
 namespace TextConversions {
 
 #define QN_VALUE_KIND(number, stem, Access, Held) \

@@ -18,7 +18,7 @@ namespace Quillon9 {
 template <class Held, class Value>
 void QnVariant::SetHeld(ItemType type, Value&& value) {
   static_assert(sizeof(Held) <= sizeof m_held && alignof(Held) <= 8, "does not fit");
-  if (m_owns) {  // the value may be part of what is held, and its copy may fail
+  if (m_owns) {  // the value may be part of the old one, and copying it may fail
     Held copy(std::forward<Value>(value));
     Clear();
     Store(type, new (m_held) Held(std::move(copy)));
@@ -46,7 +46,7 @@ void QnVariant::CopyHeld(ItemType type, QnVariant const& other) {
   }
 }
 
-/// The other variant then holds nothing.
+/// Leaves \p other without a value.
 template <class Held>
 void QnVariant::MoveHeld(ItemType type, QnVariant& other) {
   if constexpr (std::is_arithmetic_v<Held>) {
@@ -157,7 +157,7 @@ void QnVariant::ThrowWrongKind(char const* kind) const {
 }
 
 // clang-format off
-// Whether the union of a kind is a pointer to a `Wanted`.
+// Whether a value of this kind is held as a `Wanted`.
 template <class Wanted>
 static bool IsHeldAs(ItemType type) {
   switch (type) {
@@ -251,7 +251,7 @@ void QnVariant::FromString(std::string const& text, ItemType type, CWhitespaceUt
 }
 
 void QnVariant::FromText(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
-  if (type == ItemType_string) {  // made where it stays
+  if (type == ItemType_string) {  // converted directly in its place
     std::string scratch;
     return SetHeld<std::string>(type, ApplyWhitespaceRule(rule, text, scratch));
   }
@@ -263,7 +263,7 @@ void QnVariant::FromText(std::string_view text, ItemType type, CWhitespaceUtils:
     case ItemType_xmlObject:
     case ItemType_xmlCollection: break;
   }
-  // The number is that of the kind held, not of the one asked for.
+  // The number is that of the held kind, not of the requested one.
   throw CQnException(FormatString("Invalid Type %d to convert to string", static_cast<int>(m_type)));
 }
 // clang-format on
