@@ -4,8 +4,8 @@
 
 namespace Quillon9Tool {
 
-/// Do what the options ask for.
-/// \throws Failure for the input or the output; UsageError when standard output cannot take the result.
+/// Carry out the command with these options.
+/// \throws Failure for the input or the output; UsageError if standard output cannot take the result.
 void Convert(ConvertOptions const& options);
 void PrintTree(TreeOptions const& options);
 void Inspect(InspectOptions const& options);

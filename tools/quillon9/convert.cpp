@@ -32,10 +32,10 @@ void RefuseTerminal(ConvertOptions const& options, DocumentKind kind) {
   throw UsageError("the result is binary and not for a terminal: name an output file");
 }
 
-/// What has to be known of all elements before the first one is written.
+/// What must be known about all elements before the first one is written.
 struct Survey {
-  std::size_t mixedElements = 0;    ///< with text that means something and children
-  bool hasTextAndChildren = false;  ///< in one element, as it is written
+  std::size_t mixedElements = 0;    ///< with significant text and children
+  bool hasTextAndChildren = false;  ///< in one element, as written
   std::size_t blurredAttributes = 0;
 };
 
@@ -59,7 +59,7 @@ Survey Look(CXmlElement const& root, bool keepSpace) {
   return survey;
 }
 
-/// The text writer writes namespace names as they are given.
+/// The text writer does not escape namespace names.
 std::string EscapedUri(std::string_view uri) {
   std::string escaped;
   for (char const character : uri) {
@@ -76,8 +76,8 @@ std::string EscapedUri(std::string_view uri) {
   return escaped;
 }
 
-/// Writes a tree with any writer: namespaces on the root, text in front of the children, since behind one Fast Infoset
-/// would make it text of that child.
+/// Writes a tree with any writer: namespaces on the root, and text before the children, because Fast Infoset would make
+/// text after a child part of that child.
 class TreeWriter {
  public:
   TreeWriter(CXmlWriter& writer, ConvertOptions const& options, DocumentKind kind)
@@ -109,7 +109,7 @@ class TreeWriter {
   void WriteText(std::string const& text) {
     if (text.empty()) return;
     if (m_isText && text.compare(0, kCdataStart.size(), kCdataStart) == 0) {
-      // In one piece it would be written as a CDATA section.
+      // In one piece, it would be written as a CDATA section.
       m_writer.WriteString(text.substr(0, 1), ItemType_string);
       m_writer.WriteString(text.substr(1), ItemType_string);
     } else {
@@ -186,7 +186,7 @@ void Warn(Warnings& warnings, Survey const& survey, Namespaces const& namespaces
                "attribute values with tabs or carriage returns, which are lost");
 }
 
-/// The form that \p document is to get; the other one where nothing tells.
+/// Return the format for \p document; if nothing specifies one, the format that it does not have.
 DocumentKind ChooseKind(ConvertOptions const& options, InputDocument const& document) {
   if (options.to) return *options.to;
   return document.IsFastInfoset() ? DocumentKind::XmlText : DocumentKind::FastInfoset;

@@ -11,7 +11,7 @@
 
 namespace Quillon9Tool {
 
-/// The command line asks for something that there is not; what() tells what.
+/// The command line asks for something that does not exist; what() says what.
 class UsageError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -23,11 +23,12 @@ class Failure : public std::runtime_error {
   Failure(std::string const& name, std::string const& reason) : std::runtime_error(name + ": " + reason) {}
 };
 
-/// How messages call the file \p path of the command line. The name of a file may hold what a terminal would obey.
+/// Return the name of the file \p path of the command line for messages. The name of a file may contain control
+/// sequences that a terminal would obey.
 inline std::string InputName(std::string const& path) { return path == "-" ? "standard input" : Escaped(path); }
 inline std::string OutputName(std::string const& path) { return path == "-" ? "standard output" : Escaped(path); }
 
-/// The result of \p action, whose failures become failures of \p name.
+/// Return the result of \p action, whose failures become failures of \p name.
 /// \throws Failure
 template <class Action>
 auto Named(std::string const& name, Action action) {

@@ -69,7 +69,7 @@ void WriteOutput(std::string const& path, std::string_view bytes) {
   Named(OutputName(path), [&] {
     if (path == "-") return Quillon9::WriteAll(STDOUT_FILENO, bytes);
     CFileReplacement file(path);
-    // Writing a pipe or a device may take any time, and there is nothing to clear away.
+    // Writing to a pipe or a device may take any time, and there is nothing to clean up.
     std::optional<HeldSignals> signals;
     if (file.NeedsTemporaryFile()) signals.emplace();
     file.Write({bytes}, CFileReplacement::Sync::Yes, [&signals] { signals->ThrowIfInterrupted(); });

@@ -7,11 +7,11 @@
 
 namespace Quillon9Tool {
 
-/// All bytes of the file \p path, `-` being standard input, decompressed if they are gzip or zlib.
+/// Return all bytes of the file \p path (`-` is standard input), decompressed if they are gzip or zlib.
 /// \throws Failure
 Quillon9::CBinaryData ReadInput(std::string const& path);
 
-/// Write \p bytes to the file \p path, `-` being standard output. A regular file appears, or changes, only when all of
+/// Write \p bytes to the file \p path (`-` is standard output). A regular file appears, or changes, only when all of
 /// them are on the disk, except where Quillon9::CFileReplacement has to write it directly.
 /// \throws Failure
 void WriteOutput(std::string const& path, std::string_view bytes);
@@ -20,13 +20,13 @@ void WriteOutput(std::string const& path, std::string_view bytes);
 /// \throws Failure
 void CloseStandardOutput();
 
-/// The bytes of \p data, as long as it does not change.
+/// Return the bytes of \p data, which are valid until it changes.
 std::string_view View(Quillon9::CBinaryData const& data);
 
-/// Standard output for text that is made piece by piece.
+/// Standard output for text that is produced piece by piece.
 class Console {
  public:
-  /// \throws Failure, as Finish(), when the output fails.
+  /// \throws Failure, as Finish() does, if the output fails.
   void Write(std::string_view text);
   void Finish();
 

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int kEndingSignals[] = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU};
 
-/// Those that end the program. A program that is started in the background, or by nohup, ignores some of them.
+/// Return the signals that end the program. A program started in the background, or by nohup, ignores some of them.
 sigset_t EndingSignals() {
   sigset_t signals;
   sigemptyset(&signals);

@@ -4,8 +4,8 @@
 
 namespace Quillon9Tool {
 
-/// Keeps signals that would end the program waiting, so that it can remove its temporary file first. They take effect
-/// at the end of the object. For a program with one thread.
+/// Holds back signals that would end the program, so that it can remove its temporary file first. They take effect when
+/// the object is destroyed. For a program with one thread.
 class HeldSignals {
  public:
   HeldSignals();
@@ -13,7 +13,7 @@ class HeldSignals {
   HeldSignals& operator=(HeldSignals const&) = delete;
   ~HeldSignals();
 
-  /// \throws CQnException when such a signal waits.
+  /// \throws CQnException if such a signal is pending.
   void ThrowIfInterrupted() const;
 
  private:

@@ -4,13 +4,13 @@
 
 namespace Quillon9Tool {
 
-/// What --help prints, of the program and of its commands.
+/// The output of --help, for the program and for its commands.
 extern char const kHelp[];
 extern char const kConvertHelp[];
 extern char const kTreeHelp[];
 extern char const kInspectHelp[];
 
-/// What --version prints.
+/// The output of --version.
 std::string VersionText();
 
 }  // namespace Quillon9Tool

@@ -6,8 +6,8 @@ namespace Quillon9Tool {
 
 namespace {
 
-/// One form of a number: the bits of its first octet that tell it, their pattern, the bits that belong to the number,
-/// how many octets follow, and the first number that it holds.
+/// One form of a number: the bits of its first octet that identify it, their pattern, the bits that belong to the
+/// number, how many octets follow, and the first number that it holds.
 struct Form {
   std::uint32_t m_mask;
   std::uint32_t m_pattern;

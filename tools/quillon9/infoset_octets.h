@@ -7,16 +7,16 @@
 
 namespace Quillon9Tool {
 
-/// Octets that are no Fast Infoset document; what() says why.
+/// The octets are not a Fast Infoset document; what() says why.
 class InfosetError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// The kinds of numbers, by what they count and on which bit of their first octet they begin.
+/// The kinds of numbers, by what they count and by the bit of their first octet on which they begin.
 enum class Number { Index2, Index3, Index4, Length2, Length5, Length7, Items };
 
-/// The way through the octets of a Fast Infoset document, with the forms that numbers have in it (Rec. ITU-T X.891,
+/// Reads the octets of a Fast Infoset document in sequence, with the forms that numbers have in it (Rec. ITU-T X.891,
 /// C.21 to C.28). Every read is checked against the end. The octets are borrowed.
 class InfosetOctets {
  public:
@@ -24,18 +24,18 @@ class InfosetOctets {
 
   std::size_t GetPosition() const { return m_position; }
   std::size_t GetLeft() const { return m_octets.size() - m_position; }
-  /// The octets from here on.
+  /// Return the octets from here on.
   std::string_view GetRest() const { return m_octets.substr(m_position); }
 
-  /// Pass over \p count octets and return them.
+  /// Skip \p count octets and return them.
   /// \throws InfosetError at the end.
   std::string_view Take(std::uint64_t count);
-  /// Pass over the next octet.
+  /// Skip the next octet and return it.
   std::uint32_t Next() { return static_cast<unsigned char>(Take(1)[0]); }
-  /// The number that begins in \p octet, which has been passed over, with the octets that follow.
+  /// Return the number that begins in \p octet, which has been read already, and continues in the octets that follow.
   /// \throws InfosetError for a form that does not exist.
   std::uint64_t Read(Number number, std::uint32_t octet);
-  /// How many octets a string of \p length octets takes, with its length in the form Length2.
+  /// Return how many octets a string of \p length octets takes together with its length in the form Length2.
   static std::size_t SizeWithLength2(std::size_t length);
 
  private:

@@ -18,7 +18,7 @@ constexpr std::uint32_t kProcessingInstruction = 0xE1;
 constexpr std::uint32_t kComment = 0xE2;
 constexpr std::uint32_t kText = 0x80;
 constexpr std::uint32_t kBehindText = 0xC0;
-// Of what begins with the top six bits, the others are flags.
+// For constructs that begin with the top six bits; the others are flags.
 constexpr std::uint32_t kTopSixBits = 0xFC;
 constexpr std::uint32_t kNotation = 0xC0;
 constexpr std::uint32_t kDocumentType = 0xC4;
@@ -36,7 +36,7 @@ constexpr std::uint32_t kSecondFlag = 0x01;
 constexpr std::uint32_t kEmptyString = 0xFF;
 constexpr std::uint32_t kHasExternalVocabulary = 0x1000;
 
-/// The octets of a declaration with the encoding `finf` in front of the header; none if there is no such.
+/// Return the octets of a declaration with the encoding `finf` in front of the header; nothing if there is none.
 std::size_t DeclarationSize(std::string_view octets) {
   octets = octets.substr(0, kLongestDeclaration);
   if (octets.substr(0, kDeclarationStart.size()) != kDeclarationStart) return 0;
@@ -55,7 +55,7 @@ Part MakePart(What what, Group group, std::size_t level, Table table = Table::No
   return part;
 }
 
-/// A part of strings and names is counted by whether it is an index.
+/// Return the group of a part of strings and names, which depends on whether it is an index.
 Group ByIndex(Group group) {
   switch (group) {
     case Group::NamesInFull: return Group::NamesByIndex;
@@ -208,11 +208,11 @@ void InfosetParser::UnparsedEntities() {
 
 // ---- What a document and its elements are made of
 
-// One loop for the document and all elements, since the depth of the nesting is the document's choice.
+// One loop for the document and all elements, because the document determines the depth of the nesting.
 void InfosetParser::Content() {
   for (;;) {
     bool const mayEnd = m_hasElement && m_openElements == 0;
-    if (mayEnd && m_octets.GetLeft() == 0) return;  // readers do without the last terminator
+    if (mayEnd && m_octets.GetLeft() == 0) return;  // readers tolerate a missing last terminator
     std::uint32_t const octet = m_octets.Next();
     if (octet != kTerminator && octet != kDoubleTerminator) {
       Child(octet);
@@ -245,7 +245,7 @@ void InfosetParser::Child(std::uint32_t octet) {
   }
 }
 
-/// Whether the document ends, too.
+/// Return whether the document ends, too.
 bool InfosetParser::End(bool isDouble) {
   if (m_openElements == 0) {
     EmitMark(What::EndOfDocument, Group::Marks, 0);
@@ -343,7 +343,7 @@ void InfosetParser::DocumentType(std::uint32_t octet) {
   EmitMark(What::EndOfList, Group::Other, 0);
 }
 
-/// The identifiers that the flags of \p octet tell of.
+/// Read the identifiers that the flags of \p octet announce.
 void InfosetParser::ExternalIds(std::uint32_t octet, std::size_t level) {
   if ((octet & kFirstFlag) != 0) Identifying(MakePart(What::SystemId, Group::Other, level, Table::OtherUris));
   if ((octet & kSecondFlag) != 0) Identifying(MakePart(What::PublicId, Group::Other, level, Table::OtherUris));
@@ -351,7 +351,7 @@ void InfosetParser::ExternalIds(std::uint32_t octet, std::size_t level) {
 
 // ---- Names and strings
 
-/// The name that begins in the octet of \p part, which is spelled out if all bits \p isLiteral are set.
+/// Read the name that begins in the octet of \p part; it is spelled out if all bits \p isLiteral are set.
 void InfosetParser::QName(Part part, std::uint32_t isLiteral, Number indexForm) {
   if ((part.octet & isLiteral) != isLiteral) {
     SetIndex(part, m_octets.Read(indexForm, part.octet));
@@ -373,7 +373,7 @@ void InfosetParser::QName(Part part, std::uint32_t isLiteral, Number indexForm) 
   Emit(last);
 }
 
-/// The index of the string in its table.
+/// Return the index of the string in its table.
 std::uint32_t InfosetParser::Identifying(Part part) {
   std::uint32_t const index = ReadIdentifying(part);
   Emit(part);
@@ -465,7 +465,7 @@ void InfosetParser::SetIndex(Part& part, std::uint64_t index) const {
 
 /// Put the string of \p part into its table.
 void InfosetParser::Enter(Part& part) {
-  if (m_externalVocabulary) return;  // at which index, only that one tells
+  if (m_externalVocabulary) return;  // only that vocabulary determines the index
   auto& strings = m_strings[static_cast<std::size_t>(part.table)];
   part.entry = FirstIndex(part.table) + static_cast<std::uint32_t>(strings.size());
   strings.push_back({*part.string, m_octets.GetPosition() - m_partBegin});
@@ -481,7 +481,7 @@ void InfosetParser::EnterName(Part& part, Table table, NameEntry name) {
   part.nameEntry = static_cast<std::uint32_t>(names.size());
 }
 
-/// Octets that the entry takes spelled out, 0 where that is not known.
+/// Return how many octets the entry takes spelled out, 0 if that is not known.
 std::size_t InfosetParser::CostOf(Table table, std::uint32_t index) const {
   if (table == Table::ElementNames || table == Table::AttributeNames) {
     NameEntry const* const name = FindName(table, index);
@@ -492,7 +492,7 @@ std::size_t InfosetParser::CostOf(Table table, std::uint32_t index) const {
 }
 
 std::uint32_t InfosetParser::FirstIndex(Table table) {
-  if (table == Table::RestrictedAlphabets) return 16;  // those below are built in or reserved
+  if (table == Table::RestrictedAlphabets) return 16;  // lower indices are built in or reserved
   return table == Table::EncodingAlgorithms ? 32 : 1;
 }
 

@@ -30,17 +30,17 @@ enum class Table : std::uint8_t {
 };
 inline constexpr std::size_t kTables = static_cast<std::size_t>(Table::None);
 
-/// How the octets of a string are to be understood.
+/// How the octets of a string are encoded.
 enum class Encoding : std::uint8_t { Utf8, Utf16, Alphabet, Algorithm };
 
-/// A string as it stands in the document.
+/// A string as encoded in the document.
 struct EncodedString {
   Encoding encoding = Encoding::Utf8;
   std::uint32_t number = 0;  ///< of the alphabet or the algorithm
   std::string_view octets;
 };
 
-/// What a part of a document is.
+/// The kind of a part of a document.
 enum class What : std::uint8_t {
   Declaration,
   Header,
@@ -85,7 +85,7 @@ enum class What : std::uint8_t {
   Behind,
 };
 
-/// What the octets of a part are counted as.
+/// The category in which the octets of a part are counted.
 enum class Group : std::uint8_t {
   Header,
   Vocabulary,
@@ -100,27 +100,27 @@ enum class Group : std::uint8_t {
 };
 inline constexpr std::size_t kGroups = static_cast<std::size_t>(Group::Other) + 1;
 
-/// Some neighbouring octets of a document that belong together. Each octet is in exactly one part.
+/// Adjacent octets of a document that belong together. Each octet is in exactly one part.
 struct Part {
   What what;
   Group group;
   std::size_t offset = 0;
   std::size_t size = 0;
-  std::size_t level = 0;                ///< how many constructs it stands in
+  std::size_t level = 0;                ///< how many constructs enclose it
   std::uint32_t octet = 0;              ///< of a part that begins a construct: the first one, with its flags
   std::uint64_t count = 0;              ///< of an ItemCount
-  std::optional<EncodedString> string;  ///< spelled out here
-  Table table = Table::None;            ///< that a string or item is for, or that the index refers to
-  bool isIndex = false;                 ///< refers to a table instead of spelling out
-  std::uint32_t index = 0;              ///< that it refers to
-  std::uint32_t entry = 0;              ///< that it gets in the table; 0 if it enters none
-  Table nameTable = Table::None;        ///< where the name that ends with this part enters
+  std::optional<EncodedString> string;  ///< if spelled out here
+  Table table = Table::None;            ///< for a string or item, or for the entry that the index refers to
+  bool isIndex = false;                 ///< refers to a table instead of being spelled out
+  std::uint32_t index = 0;              ///< the index it refers to
+  std::uint32_t entry = 0;              ///< its index in the table; 0 if it enters none
+  Table nameTable = Table::None;        ///< the table that the name ending with this part enters
   std::uint32_t nameEntry = 0;          ///< and its index
-  std::ptrdiff_t saved = 0;             ///< octets less than spelled out
+  std::ptrdiff_t saved = 0;             ///< octets saved compared with spelling it out
 };
 
-/// Takes a Fast Infoset document (Rec. ITU-T X.891) apart, from first to last octet, with the tables that it builds.
-/// Takes constant stack and, beside the tables, constant memory, whatever the document is.
+/// Splits a Fast Infoset document (Rec. ITU-T X.891) into parts, from the first octet to the last, and builds its
+/// tables. It takes constant stack and, apart from the tables, constant memory for any document.
 class InfosetParser {
  public:
   using Sink = std::function<void(Part const&)>;
@@ -129,7 +129,7 @@ class InfosetParser {
     EncodedString string;
     std::size_t cost;  ///< octets that it takes spelled out
   };
-  /// A name, as indices, 0 for an absent part.
+  /// A name as indices; 0 stands for an absent part.
   struct NameEntry {
     std::uint32_t prefix = 0;
     std::uint32_t namespaceName = 0;
@@ -137,27 +137,27 @@ class InfosetParser {
     std::size_t cost = 0;
   };
 
-  /// Both are kept: \p octets are borrowed, \p sink gets the parts in their order.
+  /// \p octets are borrowed and \p sink is kept; it gets the parts in their order.
   InfosetParser(std::string_view octets, Sink sink);
 
-  /// Whether \p octets begin as a Fast Infoset document does.
+  /// Return whether \p octets begin like a Fast Infoset document.
   static bool Recognises(std::string_view octets);
-  /// \throws InfosetError when they are malformed; the parts in front of GetPosition() have been handed out.
+  /// \throws InfosetError if they are malformed; the parts before GetPosition() have already gone to the sink.
   void Parse();
-  /// Where the part begins that is being read.
+  /// Return the offset of the part that is being read.
   std::size_t GetPosition() const { return m_partBegin; }
 
-  /// The present entries of a table; the first one has the index FirstIndex().
+  /// Return the known entries of a table; the first one has the index FirstIndex().
   std::vector<StringEntry> const& GetStrings(Table table) const { return m_strings[static_cast<std::size_t>(table)]; }
   std::vector<NameEntry> const& GetNames(Table table) const {
     return table == Table::ElementNames ? m_elementNames : m_attributeNames;
   }
   static std::uint32_t FirstIndex(Table table);
-  /// The entry at \p index, or null when it is not in the document.
+  /// Return the entry at \p index, or null if it is not in the document.
   StringEntry const* FindString(Table table, std::uint32_t index) const;
   NameEntry const* FindName(Table table, std::uint32_t index) const;
-  /// Whether the document begins with a vocabulary of its own, and the URI of one that lies elsewhere. Where there is
-  /// the latter, the contents of the tables are not known.
+  /// Whether the document begins with its own vocabulary, and the URI of an external one. With an external vocabulary,
+  /// the contents of the tables are not known.
   bool HasVocabulary() const { return m_hasVocabulary; }
   std::optional<std::string_view> GetExternalVocabulary() const { return m_externalVocabulary; }
 
@@ -171,7 +171,7 @@ class InfosetParser {
   void Notations();
   void UnparsedEntities();
 
-  // What a document and its elements are made of.
+  // The parts of a document and its elements.
   void Content();
   void Child(std::uint32_t octet);
   bool End(bool isDouble);

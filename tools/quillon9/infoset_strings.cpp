@@ -21,7 +21,7 @@ constexpr char const* kAlgorithms[] = {"",        "hexadecimal", "base64", "shor
                                        "boolean", "float",       "double", "uuid",  "cdata"};
 constexpr std::uint32_t kCdataAlgorithm = 10;
 constexpr std::size_t kFloatSize = 4;
-/// The standard spells the exponent with a capital letter.
+/// The standard has the exponent in upper case.
 constexpr std::string_view kNumericAlphabet = "0123456789-+.E ";
 
 std::uint32_t OctetAt(std::string_view octets, std::size_t at) { return static_cast<unsigned char>(octets[at]); }
@@ -44,7 +44,7 @@ std::string FromUtf16(std::string_view octets) {
   return text;
 }
 
-/// The characters of a restricted alphabet.
+/// Return the characters of a restricted alphabet.
 std::vector<std::string_view> CharactersOf(std::string_view alphabet) {
   std::vector<std::string_view> characters;
   while (!alphabet.empty()) {
@@ -55,7 +55,7 @@ std::vector<std::string_view> CharactersOf(std::string_view alphabet) {
   return characters;
 }
 
-/// The values of equal width stand one behind the other, across the borders of octets; all bits set fill the end up.
+/// Values of equal width follow each other across octet boundaries; set bits fill the rest.
 std::string FromAlphabet(std::string_view octets, std::string_view alphabet) {
   std::vector<std::string_view> const characters = CharactersOf(alphabet);
   std::uint32_t width = 2;
@@ -99,7 +99,7 @@ std::string FromAlgorithm(std::string_view octets, std::uint32_t algorithm) {
     CBinaryData data;
     data.SetBuffer(reinterpret_cast<unsigned char const*>(octets.data()), octets.size());
     return CFastInfosetBinaryData(data).GetAsString(algorithm);
-  } catch (CQnException const&) {  // an algorithm of somebody's own, or octets that are none of this one
+  } catch (CQnException const&) {  // a private algorithm, or octets that do not fit this one
     return Hex(octets);
   }
 }

@@ -10,10 +10,10 @@
 
 namespace Quillon9Tool {
 
-/// A document as the library reads it, whatever form it has: XML text or Fast Infoset, compressed or not.
+/// A document as the library reads it, in any form: XML text or Fast Infoset, compressed or not.
 class InputDocument {
  public:
-  /// Read the file \p path, `-` being standard input.
+  /// Read the file \p path (`-` is standard input).
   /// \throws Failure
   explicit InputDocument(std::string const& path);
   InputDocument(InputDocument const&) = delete;
@@ -22,7 +22,7 @@ class InputDocument {
   bool IsFastInfoset() const { return m_isFastInfoset; }
   Losses const& GetLosses() const { return m_losses; }
   Quillon9::CXmlElement const& GetRoot() const { return *m_document->GetDocumentElement(); }
-  /// The prefixes of the document, each with a namespace that it stands for, empty for none.
+  /// Return the prefixes of the document, each with a namespace that it stands for, empty for none.
   std::map<std::string, std::string> const& GetPrefixes() const { return m_prefixes; }
 
  private:

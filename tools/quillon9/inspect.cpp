@@ -23,7 +23,7 @@ namespace {
 constexpr std::size_t kOctetsInRow = 8;
 constexpr std::size_t kDeepestIndent = 32;
 constexpr std::size_t kPreviewCharacters = 40;
-/// Enough for that many characters in any encoding, and whole elements of every algorithm.
+/// Enough for that many characters in any encoding, and for whole elements of every algorithm.
 constexpr std::size_t kPreviewOctets = 240;
 
 // ---- Words
@@ -91,7 +91,7 @@ char const* LabelOf(Group group) {
   return "everything else";
 }
 
-/// A table as such, and an entry of it.
+/// The words for a table and for an entry of it.
 struct TableWords {
   char const* m_many;
   char const* m_one;
@@ -116,7 +116,8 @@ TableWords WordsFor(Table table) {
   return {"", ""};
 }
 
-/// The names of the bits that are set in \p flags, the first name being that of \p bit, the next that of half of it.
+/// Return the names of the bits that are set in \p flags: the first name is that of \p bit, each further one that of
+/// the next lower bit.
 std::string FlagNames(std::uint32_t flags, std::uint32_t bit, std::initializer_list<char const*> names) {
   std::string text;
   for (char const* const name : names) {
@@ -128,7 +129,7 @@ std::string FlagNames(std::uint32_t flags, std::uint32_t bit, std::initializer_l
 
 // ---- Printing
 
-/// Prints the parts of a document and, at the end, what they add up to.
+/// Prints the parts of a document and, at the end, their totals.
 class Inspector {
  public:
   Inspector(std::string_view octets, bool full)
@@ -170,7 +171,7 @@ class Inspector {
     }
   }
 
-  /// Offset and octets of \p part from \p at on, padded to the column of the construct.
+  /// Return the offset and octets of \p part from \p at on, padded to the column of the construct.
   std::string Row(Part const& part, std::size_t at) const {
     std::string row = FormatString("%08zX  ", part.offset + at);
     std::size_t const count = std::min(part.size - at, kOctetsInRow);
@@ -228,7 +229,7 @@ class Inspector {
     return number + ' ' + Quoted(Decoded(entry->string, m_parser, kPreviewOctets), kPreviewCharacters);
   }
 
-  /// What \p part adds to the tables.
+  /// Return what \p part adds to the tables.
   std::string Growth(Part const& part) const {
     std::string text;
     if (part.entry != 0) text = FormatString("  -> %s #%u", WordsFor(part.table).m_one, part.entry);

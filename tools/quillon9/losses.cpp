@@ -14,7 +14,8 @@ using Quillon9::CFIVocabulary;
 
 namespace {
 
-/// The units of XML text in UTF-16, those that no mark is made of as "?"; other text as it is.
+/// Return XML text in UTF-16 as one byte for each unit, "?" for units above 0xFF, none of which is a markup delimiter.
+/// Return other text unchanged.
 std::string_view OneByteAUnit(std::string_view xml, std::string& buffer) {
   if (xml.size() < 2) return xml;
   auto const byteAt = [xml](std::size_t at) { return static_cast<unsigned char>(xml[at]); };
@@ -31,13 +32,13 @@ std::string_view OneByteAUnit(std::string_view xml, std::string& buffer) {
 
 bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
-/// What stands behind the first \p end in \p text.
+/// Return the rest of \p text after the first \p end.
 std::string_view Behind(std::string_view text, std::string_view end) {
   std::size_t const found = text.find(end);
   return found == std::string_view::npos ? std::string_view() : text.substr(found + end.size());
 }
 
-/// The strings that the library reads a document's \p table into.
+/// Return the strings into which the library reads a document's \p table.
 std::vector<std::string>* StringsOf(CFIVocabulary& vocabulary, Table table) {
   switch (table) {
     case Table::Prefixes: return &vocabulary.GetPrefixNamesTable().GetVector();
@@ -133,7 +134,7 @@ InfosetFindings FindInInfoset(std::string_view octets) {
   });
   try {
     parser.Parse();
-  } catch (InfosetError const&) {  // the library will tell what is wrong
+  } catch (InfosetError const&) {  // the library will report what is wrong
   }
   if (auto const uri = parser.GetExternalVocabulary()) findings.externalVocabulary = *uri;
   return findings;

@@ -24,9 +24,9 @@ namespace {
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-/// The text of a document tree is in the code page of the process locale, and what that cannot express becomes "?". So
-/// the program runs in a UTF-8 locale, also where its environment has none; where the system has none, text passes
-/// through as it is.
+/// The text of a document tree is in the code page of the process locale, and characters that it cannot express become
+/// "?". So the program runs in a UTF-8 locale, even if its environment has none; if the system has none, text passes
+/// through unchanged.
 void ChooseLocale() {
   std::setlocale(LC_CTYPE, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
@@ -39,7 +39,7 @@ void PrintText(std::string const& text) {
   console.Finish();
 }
 
-/// Do what \p options ask for, or print the help of the command when there are none.
+/// Run the command with \p options, or print its help if there are none.
 template <class Options>
 void RunCommand(std::optional<Options> const& options, void (*command)(Options const&), char const* help) {
   options ? command(*options) : PrintText(help);

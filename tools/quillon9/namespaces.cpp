@@ -57,8 +57,8 @@ void Namespaces::TakeGiven(std::map<std::string, std::string> const& prefixes) {
   }
 }
 
-/// Of a prefix only the last declaration is known. So the namespace of the root, if nothing else stands for it, is
-/// taken for the default one where there is any.
+/// Only the last declaration of a prefix is known. So if there is a default namespace, the root's namespace is assumed
+/// to be it, unless a prefix stands for that namespace.
 void Namespaces::ChooseDefault(std::map<std::string, std::string> const& prefixes, std::string const& rootNamespace) {
   auto const declared = prefixes.find("");
   if (declared == prefixes.end()) return;

@@ -9,21 +9,21 @@
 
 namespace Quillon9Tool {
 
-/// How the namespaces of a document are declared when all of them are declared on its root.
+/// Decides how the namespaces of a document are declared when all of them are declared on its root.
 class Namespaces {
  public:
-  /// Those of the tree below \p root and those that \p prefixes stand for, under these prefixes as far as they go. The
-  /// default namespace, that of the empty prefix, stays unless it would take in elements of no namespace.
+  /// Take the namespaces of the tree below \p root and those that \p prefixes stand for, under these prefixes where
+  /// possible. The default namespace, that of the empty prefix, stays unless it would include elements of no namespace.
   Namespaces(Quillon9::CXmlElement const& root, std::map<std::string, std::string> const& prefixes);
 
-  /// The default namespace, empty for none.
+  /// Return the default namespace, empty for none.
   std::string const& GetDefault() const { return m_default; }
-  /// The prefixes of all namespaces, by URI; the default namespace is among them only if it has a prefix, too.
+  /// Return the prefixes of all namespaces, by URI; the default namespace is among them only if it has a prefix, too.
   std::map<std::string, std::string> const& GetPrefixes() const { return m_prefixes; }
-  /// What is not declared any more: prefixes of namespaces that have another one.
+  /// Return the prefixes that are no longer declared, because their namespaces have another one.
   std::vector<std::string> const& GetDroppedPrefixes() const { return m_dropped; }
 
-  /// The name of an element or attribute, with its prefix.
+  /// Return the name of an element or attribute, with its prefix.
   std::string NameOf(Quillon9::CXmlElement const& element) const;
   std::string NameOf(Quillon9::CXmlAttribute const& attribute) const;
 
@@ -40,7 +40,7 @@ class Namespaces {
   int m_nextGenerated = 0;
 };
 
-/// Whether \p name is a name without colon (Namespaces in XML 1.0, W3C); beyond ASCII everything passes.
+/// Return whether \p name is a name without a colon (Namespaces in XML 1.0, W3C); anything beyond ASCII is accepted.
 bool IsNcName(std::string const& name);
 
 }  // namespace Quillon9Tool

@@ -17,7 +17,7 @@ using Quillon9::CompressionType_ZLib;
 
 namespace {
 
-// Options without a letter.
+// Options without a short form.
 enum LongOnly { kFormat = 0x100, kNoFormat, kDeclaration, kNoDeclaration, kSuggestedEncodings, kKeepSpace, kFull };
 
 constexpr option kHelp = {"help", no_argument, nullptr, 'h'};
@@ -37,7 +37,7 @@ constexpr option kConvertOptions[] = {{"to", required_argument, nullptr, 't'},
 constexpr option kTreeOptions[] = {{"keep-space", no_argument, nullptr, kKeepSpace}, kHelp, kEnd};
 constexpr option kInspectOptions[] = {{"full", no_argument, nullptr, kFull}, kHelp, kEnd};
 
-/// getopt_long() names a long option that it refuses by nothing or by what it stands for.
+/// getopt_long() identifies a long option that it refuses either not at all or by its value.
 [[noreturn]] void ThrowRefused(int result, char** argv, std::string_view letters) {
   bool const isMissingValue = result == ':';
   std::string const last = argv[optind - 1];
@@ -47,8 +47,8 @@ constexpr option kInspectOptions[] = {{"full", no_argument, nullptr, kFull}, kHe
   throw UsageError(isMissingValue ? "the option " + name + " needs a value" : "there is no option " + name);
 }
 
-/// Hands each option to \p take, which gets its letter or number and its value. \returns the other arguments, or
-/// nothing when help is asked for.
+/// Pass each option to \p take, with its letter or number and its value. \returns the other arguments, or nothing if
+/// help is requested.
 template <class Take>
 std::optional<std::vector<std::string>> ReadOptions(int argc, char** argv, char const* letters, option const* table,
                                                     Take take) {
@@ -80,14 +80,14 @@ CompressionType CompressionCalled(std::string const& name) {
   throw UsageError("--compress=" + name + " is none of none, gzip and zlib");
 }
 
-/// Whether \p name had \p ending, which it has lost then.
+/// Remove \p ending from \p name and return whether it was there.
 bool TakeEnding(std::string_view& name, std::string_view ending) {
   if (name.size() <= ending.size() || name.substr(name.size() - ending.size()) != ending) return false;
   name.remove_suffix(ending.size());
   return true;
 }
 
-/// Fill in from the name of the output what no option has told.
+/// Fill in from the name of the output what no option specified.
 void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compression) {
   if (options.output == "-") {
     options.compression = compression.value_or(CompressionType_None);

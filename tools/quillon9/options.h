@@ -12,7 +12,7 @@ enum class DocumentKind { XmlText, FastInfoset };
 struct ConvertOptions {
   std::string input;
   std::string output = "-";
-  std::optional<DocumentKind> to;  ///< by --to or by the ending of the output
+  std::optional<DocumentKind> to;  ///< from --to or from the ending of the output
   Quillon9::CompressionType compression = Quillon9::CompressionType_None;
   bool format = true;
   std::optional<bool> declaration;
@@ -31,7 +31,7 @@ struct InspectOptions {
   bool full = false;
 };
 
-/// What the arguments \p argv of a command, argv[0] being its name, ask for; nothing when they ask for help.
+/// Return what the arguments \p argv of a command ask for, argv[0] being its name; nothing if they ask for help.
 /// \throws UsageError
 std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv);
 std::optional<TreeOptions> ParseTreeOptions(int argc, char** argv);

@@ -14,7 +14,7 @@ using namespace Quillon9;
 
 namespace {
 
-/// One line for each element, with its text, and for each attribute; what is inside an element is indented.
+/// Prints one line for each element, with its text, and for each attribute, indenting the contents of an element.
 class TreePrinter {
  public:
   TreePrinter(InputDocument const& document, bool keepSpace)

@@ -8,8 +8,8 @@
 
 namespace Quillon9Tool {
 
-/// Call \p start for \p root and everything below it in the order of the document, and \p end for each when what is
-/// inside it is done. Takes constant stack, however deep the tree is.
+/// Call \p start for \p root and everything below it in document order, and \p end for each of them after its contents.
+/// Takes constant stack, however deep the tree is.
 template <class Start, class End>
 void Walk(Quillon9::CXmlElement const& root, Start start, End end) {
   std::vector<Quillon9::CXmlElement const*> open;
@@ -31,7 +31,7 @@ void Walk(Quillon9::CXmlElement const& root, Start start, End end) {
 
 inline bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-/// The text of \p element; without \p keepSpace, nothing when that is but the white space between its children.
+/// Return the text of \p element; without \p keepSpace, nothing if it is only white space between its children.
 inline std::string const& TextOf(Quillon9::CXmlElement const& element, bool keepSpace) {
   static std::string const none;
   bool const isDropped = !keepSpace && element.GetFirstElement() != nullptr && IsBlank(element.GetText());

@@ -8,7 +8,7 @@ using Quillon9::FormatString;
 
 namespace {
 
-/// The well-formed sequences, by first byte: how long they are, and the bounds of the second byte.
+/// The well-formed sequences, by first byte: their length and the bounds of the second byte.
 struct Range {
   unsigned char m_first;
   unsigned char m_last;
@@ -24,7 +24,7 @@ constexpr Range kRanges[] = {
 
 unsigned char ByteAt(std::string_view text, std::size_t at) { return static_cast<unsigned char>(text[at]); }
 
-/// The character that the well-formed sequence of \p size bytes stands for.
+/// Return the character that the well-formed sequence of \p size bytes encodes.
 char32_t CharacterOf(std::string_view text, std::size_t size) {
   if (size == 1) return ByteAt(text, 0);
   char32_t character = ByteAt(text, 0) & (0xFFU >> (size + 1));

@@ -13,10 +13,10 @@ using Quillon9::ItemType;
 
 namespace {
 
-/// Without the exponent: the alphabet of the library has it in lower case, that of the standard in upper case.
+/// Without the exponent: it is lower case in the library's alphabet and upper case in the standard's.
 constexpr std::string_view kNumeric = "0123456789-+. ";
 constexpr std::string_view kDateTime = Quillon9::RESTRICTED_ALPHABET_VALUES_DATE_TIME;
-/// That tells the alphabet or the algorithm.
+/// The octet that identifies the alphabet or the algorithm.
 constexpr std::size_t kExtraOctet = 1;
 constexpr std::size_t kLongestInteger = 20;
 
@@ -24,7 +24,7 @@ bool IsOf(std::string_view alphabet, std::string const& value) {
   return value.find_first_not_of(alphabet) == std::string::npos;
 }
 
-/// The number that is spelled \p value and in no other way.
+/// Return the number whose only spelling is \p value.
 std::optional<std::int64_t> IntegerOf(std::string const& value) {
   if (value.empty() || value.size() > kLongestInteger) return std::nullopt;
   std::int64_t number = 0;
@@ -41,8 +41,8 @@ bool Fits(std::int64_t number) {
 
 }  // namespace
 
-// Not among them: binary values, since any word may pass for one, and floating-point numbers, since readers spell them
-// in their own ways.
+// Binary values are excluded, because any word may look like one, and so are floating-point numbers, because readers
+// spell them differently.
 ItemType ShortestType(std::string const& value) {
   ItemType best = Quillon9::ItemType_string;
   std::size_t bestSize = value.size();
@@ -53,7 +53,7 @@ ItemType ShortestType(std::string const& value) {
   };
   if (value == "true" || value == "false") offer(Quillon9::ItemType_boolean, 1);
   std::size_t const packed = (value.size() + 1) / 2;
-  bool const isDateLike = value.find_first_of("-:", 1) != std::string::npos;  // and a number as well, by its characters
+  bool const isDateLike = value.find_first_of("-:", 1) != std::string::npos;  // and also a number, by its characters
   if (isDateLike && IsOf(kDateTime, value)) offer(Quillon9::ItemType_datetime, packed);
   if (IsOf(kNumeric, value)) offer(Quillon9::ItemType_decimal, packed);
   if (auto const number = IntegerOf(value)) {

@@ -6,8 +6,8 @@
 
 namespace Quillon9Tool {
 
-/// The type under which CFastInfosetContext::SetSuggestedValues() makes the text \p value shortest, of those that give
-/// the very same text back to any reader; ItemType_string when none makes it shorter.
+/// Return the type with which CFastInfosetContext::SetSuggestedValues() encodes the text \p value in the fewest octets,
+/// among those that give exactly the same text back to any reader; ItemType_string if none makes it shorter.
 Quillon9::ItemType ShortestType(std::string const& value);
 
 }  // namespace Quillon9Tool

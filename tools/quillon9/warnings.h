@@ -7,17 +7,17 @@
 
 namespace Quillon9Tool {
 
-/// Collects what went lost while the file \p name was converted.
+/// Collects what is lost while the file \p name is converted.
 class Warnings {
  public:
   explicit Warnings(std::string name) : m_name(std::move(name)) {}
 
   void Add(std::string const& text);
-  /// "[count] [one or many]", unless \p count is 0.
+  /// Add "[count] [one or many]", unless \p count is 0.
   void Add(std::size_t count, char const* one, char const* many);
   void Add(Losses const& losses);
 
-  /// One line for each, on standard error.
+  /// Print one line for each on standard error.
   void Print() const;
 
  private:
