@@ -55,7 +55,7 @@ TEST(EncodingAlgorithms, OneValueBothWays) {
     EXPECT_EQ(row.octets, Encoded(row.algorithm, row.text)) << row.algorithm;
     EXPECT_EQ(row.text, Text(row.algorithm, row.octets)) << row.algorithm;
   }
-  // These do not come back as they went.
+  // These values do not survive the round trip.
   EXPECT_EQ("38", Encoded(6, "1"));
   EXPECT_EQ("ABCD", Encoded(1, "abcd"));
   EXPECT_EQ("", Encoded(2, "?"));
@@ -115,7 +115,7 @@ TEST(EncodingAlgorithms, Failures) {
   EXPECT_EQ(0U, data.GetLength());
 }
 
-/// The value of a text, printed in one way.
+/// Return the value of a text in a canonical spelling.
 std::string Normalized(unsigned long algorithm, std::string const& text) {
   constexpr auto kNone = CWhitespaceUtils::WhitespaceRule_None;
   switch (algorithm) {
@@ -128,7 +128,7 @@ std::string Normalized(unsigned long algorithm, std::string const& text) {
   }
 }
 
-// Texts that the algorithm does not take may be refused, but what is written is read as the same value.
+// The algorithm may refuse a text, but whatever it writes must be read as the same value.
 TEST(EncodingAlgorithms, WhatIsWrittenIsReadAsTheSameValue) {
   std::vector<std::string> texts = {"",
                                     " ",

@@ -38,7 +38,7 @@ void Load(CXmlDocument& document, std::string const& octets) {
   document.LoadXmlStream(reinterpret_cast<unsigned char const*>(octets.data()), octets.size());
 }
 
-/// The tree of \p octets, or the text of the failure.
+/// Return the tree of \p octets, or the text of the failure.
 std::string Outcome(std::string const& octets) {
   CXmlDocument document;
   try {
@@ -68,7 +68,7 @@ TEST(FastInfosetReader, Trees) {
       {"7C 00'a' 78 00'x' 00'1' FF F0", "a @x=1"},
       {"7C 00'a' 78 00'x' 00'1' F0 F0", "a @x=1"},
       {"3C 00'a' 7C 00'b' 78 00'x' 00'1' FF 90'.' FF", "a '.' (b @x=1)"},
-      // Names: literals enter their tables, and all parts can be an index.
+      // Names: literals enter their tables, and every part can be an index.
       {"3D 01'u1' 00'a' 00 F0 3D 81 00'b' F0 3D 80 81 FF",
        "{u1}a ({u1}a) ({u1}b) ({http://www.w3.org/XML/1998/namespace}b)"},
       {"3F 00'p' 00'u' 00'a' 3F 81 81 80 00 FF FF", "{u}a ({u}a ({u}a))"},
@@ -76,7 +76,7 @@ TEST(FastInfosetReader, Trees) {
        "a @{http://www.w3.org/XML/1998/namespace}lang=en @{http://www.w3.org/XML/1998/namespace}lang=en"},
       {"38 CF 00'p' 00'u' CD 00'd' CE 00'q' CC CD 81 F0 3D 81 00'a' FF", "{u}a"},
       {"78 F0 3C 00'a' 78 00'x' 00'1' F0 38 F0 00 FF FF", "a @x=1 (a)"},
-      // Values: only what the bit says enters the table.
+      // Values: only those with the bit set enter the table.
       {"7C 00'a' 78 00'x' 40'1' 78 00'y' 00'2' 78 00'z' 40'3' 00 80 01 81 02 FF F0 FF",
        "a @x=1 @y=2 @z=3 @x=1 @y=3 @z="},
       {"3C 00'a' 80'1' 90'2' 80'3' 91'45' A0 A1 FF", "a '12345245'"},
@@ -95,7 +95,7 @@ TEST(FastInfosetReader, Trees) {
       {"3C 00'a' 9C 22 0D 000102030405060708090A0B0C0D0E0F A0 FF",
        "a '000102030405060708090A0B0C0D0E0F000102030405060708090A0B0C0D0E0F'"},
       {"7C 00'a' 78 00'x' 70 21 0102 00 80 FF", "a @x=258 @x=258"},
-      // What has no place in the tree, whatever octets it ends on or holds.
+      // Constructs without a place in the tree, whatever octets they end on or contain.
       {"E2 00 F0 E2 FF E1 00 FF 00 F0 E1 81 FF C4 F0 C7 80 00 FF E1 00'p' 00 F0 F0 E2 00 FF 3C 00'a' F0 E2 00 FF E1 "
        "00'p' FF F0",
        "a"},
@@ -172,7 +172,7 @@ TEST(FastInfosetReader, RecognisesTheHeaderBehindItsDeclarations) {
 TEST(FastInfosetReader, PassesOverTheOptionalComponents) {
   std::string const strings = "01 00'a' 40 00'" + std::string(65, 'b') + "'";  // a sequence of two
   std::string const values = "01 00 F0 3F F0 FF";
-  // Each component alone, then all of them.
+  // Each component on its own, then all of them.
   std::string const components[] = {
       "40 00 00'i' 00'd'",
       "20 10 00 03'urn:'",
@@ -217,7 +217,7 @@ TEST(FastInfosetReader, StartsWithTheVocabularyOfTheContext) {
   CXmlDocument document(context);
   EXPECT_FAILURE(CQnException, "Failed to parse FastInfoset. Invalid Index beyond its table.", Load(document, octets));
   context.GetFIContext()->SetUseGeneratedVocabulary(true);
-  for (int run = 0; run < 2; ++run) {  // the second finds the context's vocabulary unchanged
+  for (int run = 0; run < 2; ++run) {  // the second run finds the context's vocabulary unchanged
     Load(document, octets);
     EXPECT_EQ(Dump(*document.GetDocumentElement()), "{u}a @x=value 'text' (b)");
   }
@@ -244,7 +244,7 @@ TEST(FastInfosetReader, TextFollowsTheSwitchOfTheEncoder) {
   ASCIIOnly(false);
 }
 
-/// The value that \p form reads from \p notation, or the text of the failure; all octets must be used.
+/// Return the value that \p form reads from \p notation, or the text of the failure; all octets must be used.
 std::string Number(char form, std::string const& notation) {
   std::string const octets = Octets(notation);
   COctetSource source(reinterpret_cast<std::uint8_t const*>(octets.data()), octets.size());
@@ -267,7 +267,7 @@ std::string Number(char form, std::string const& notation) {
 TEST(FastInfosetReader, NumbersAtTheBordersOfTheirForms) {
   struct FormRow {
     char form;
-    char const* values;  // octets=value, separated by blanks
+    char const* values;  // octets=value, separated by spaces
     char const* badOctets;
     char const* failure;
   } const rows[] = {
@@ -327,7 +327,7 @@ TEST(FastInfosetReader, RestrictedAlphabetsOfAnyWidth) {
       AppendRestrictedAlphabetText(text, nullptr, 0, "a"));
 }
 
-/// Each construct at least once. The last octet completes the element.
+/// Return a document with each construct at least once. The last octet completes the element.
 std::string DocumentOfAllConstructs() {
   std::string const vocabulary =
       "1F FF 00'v' 00 00'r' 00 00'e' 00 00'p' 00 00'n' 00 00'l' 00 00'o' 00 00'u'"
@@ -354,8 +354,8 @@ TEST(FastInfosetReader, EveryTruncationFails) {
   }
 }
 
-/// Nothing but a tree or a failure of the family comes of any octets: other classes, and under sanitizers any other
-/// fault, end the test.
+/// Any octets must give either a tree or a failure of the family: other classes, and under sanitizers any other fault,
+/// end the test.
 TEST(FastInfosetReader, EveryChangedOctetGivesATreeOrAFailure) {
   std::string octets = DocumentOfAllConstructs();
   int trees = 0;
@@ -376,7 +376,7 @@ TEST(FastInfosetReader, EveryChangedOctetGivesATreeOrAFailure) {
   EXPECT_GT(trees, 0);
 }
 
-// Alphabets and algorithms of every index, those that do not exist included, with data of every small length.
+// Alphabets and algorithms of every index, including those that do not exist, with data of every small length.
 TEST(FastInfosetReader, EveryEncodingTakesDataOfAnyLength) {
   int texts = 0;
   for (unsigned index = 0; index < 256; ++index) {
@@ -385,7 +385,7 @@ TEST(FastInfosetReader, EveryEncodingTakesDataOfAnyLength) {
         for (char const octet : {'\0', '\x21', '\xFF'}) {
           std::string octets = Document("3C 00'a'");
           octets += static_cast<char>(kind | index >> 6);
-          // The last two bits of the octet and what follows tell the length: 1, 2, or 3 and more.
+          // The last two bits of the octet and the following octets give the length: 1, 2, or 3 and more.
           octets += static_cast<char>((index & 0x3F) << 2 | (length <= 2 ? length - 1 : 2));
           if (length > 2) octets += static_cast<char>(length - 3);
           octets += std::string(length, octet) + '\xFF';
@@ -414,7 +414,7 @@ std::string Escaped(std::string const& text) {
   return escaped;
 }
 
-/// A tree in the form of the files beside the sample documents.
+/// Append a tree in the format of the files that accompany the sample documents.
 void AppendLines(CXmlElement const& element, std::string& lines) {
   std::string const name = "{" + element.GetNamespaceURI() + "}" + element.GetLocalName();
   lines += "E " + name + "\n";

@@ -1,4 +1,4 @@
-// What is written as Fast Infoset comes back as it went.
+// Tests that documents written as Fast Infoset are read back unchanged.
 
 #include <gtest/gtest.h>
 
@@ -48,7 +48,7 @@ constexpr Value kValues[] = {
     {ItemType_boolean, "true"},
     {ItemType_decimal, "-12.5"},
     {ItemType_integer, "123456789012345678901234567890"},
-    // By the suggested encodings these do not pass.
+    // These do not survive the suggested encodings.
     {ItemType_r4, "1.5"},
     {ItemType_duration, "P1Y2M"},
     {ItemType_ui8, "18446744073709551615"},
@@ -89,7 +89,7 @@ class RoundTrip : public testing::Test {
   RoundTrip() { ASCIIOnly(true); }
   ~RoundTrip() override { ASCIIOnly(false); }
 
-  /// Every kind of value through every declaration and compression.
+  /// Check every kind of value with every declaration and compression.
   static void ExpectSame(int count, CXmlSerializationContext const& ctx) {
     AllKinds const kinds(count);
     DynamicClass source(kinds.GetShape());
@@ -126,7 +126,7 @@ TEST_F(RoundTrip, SuggestedEncodings) {
   ctx.GetFIContext()->SetSuggestedValues();
   ExpectSame(kSuggestedCount, ctx);
 
-  // The other three: a float that is made of its first octet, and two refusals.
+  // The other three: a float, decoded from its first octet, and two refusals.
   Shape const shape({}, {Prim<Quillon9Data::CElementInfoSeqPrimOpt>("v", 0, ItemType_r4),
                          Prim<Quillon9Data::CElementInfoSeqPrimOpt>("w", 1, ItemType_ui8)});
   DynamicClass object(shape);
@@ -233,7 +233,8 @@ TEST_F(RoundTrip, NamespacesAndNesting) {
   });
 }
 
-// Enough of each for all forms of their indices but the longest one of element names, which is not read back.
+// Enough names and values for all forms of their indices except the longest one of element names, which is not read
+// back.
 TEST_F(RoundTrip, ManyNamesAndValues) {
   ExpectSameTree([](CXmlWriter& writer) {
     writer.WriteStartElement("a", "");

@@ -59,7 +59,7 @@ TEST(Vocabulary, NamesShareTheirParts) {
   CFIIndexMap& names = vocabulary.GetElementNameIndex();
   unsigned long index = 0;
   EXPECT_TRUE(vocabulary.FindIndex(names, std::string("b\1v\1p"), index) && index == 4);
-  for (int twice = 0; twice < 2; ++twice) {  // the second time it is remembered
+  for (int twice = 0; twice < 2; ++twice) {  // the second lookup uses the recent names
     EXPECT_EQ(1U, names.FindName("", "", "a"));
     EXPECT_EQ(2U, names.FindName("p", "u", "a"));
     EXPECT_EQ(3U, names.FindName("q", "u", "a"));
@@ -91,7 +91,7 @@ TEST(Vocabulary, ValuesAddedTwiceLeaveTheMapAtTheFirst) {
   EXPECT_EQ(0U, vocabulary.GetElementNameIndex().size());
 }
 
-// Strings of all lengths, so that every way through the hash and every growth of the map is taken.
+// Strings of all lengths, to cover every path through the hash and every growth of the map.
 TEST(Vocabulary, MapFindsWhatItHolds) {
   CFIIndexMap map;
   EXPECT_EQ(0U, map.Find(""));
@@ -110,11 +110,11 @@ TEST(Vocabulary, MapFindsWhatItHolds) {
   EXPECT_EQ(0U, map.Find("xxy"));
 }
 
-// Texts that other hashes of such maps send to one place. They would take a minute and more in a chain.
+// Texts that collide under other common hashes. In a chain they would take more than a minute.
 TEST(Vocabulary, MapStaysFastForTextsChosenToCollide) {
   CFIIndexMap map;
   for (unsigned i = 0; i < 1U << 17; ++i) {
-    std::string pairs;  // of equal value when the first letter counts 33 times the second
+    std::string pairs;  // of equal value if the first letter weighs 33 times the second
     for (unsigned bit = 0; bit < 17; ++bit) pairs += (i >> bit & 1) != 0 ? "bC" : "ad";
     std::string eight(8, '\0');
     std::snprintf(eight.data(), 8, "%07u", i);
@@ -152,7 +152,7 @@ TEST(FastInfosetContext, SuggestedValuesAreSetAndOthersLeft) {
   EXPECT_EQ(6U, context.GetAttributeMaxAddLength());
   EXPECT_EQ(6U, context.GetElementMaxAddLength());
   EXPECT_FALSE(context.GetUseGeneratedVocabulary());
-  auto const shown = [&context] {  // a digit for the kind and a hexadecimal digit for the index, by item type
+  auto const shown = [&context] {  // by item type: a digit for the kind and a hexadecimal digit for the index
     std::string text;
     for (unsigned long type = 0; type <= ItemType_xmlCollection; ++type) {
       auto const encoding = context.GetEncoding(type);

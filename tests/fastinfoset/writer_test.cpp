@@ -32,7 +32,7 @@ CFastInfosetContext Suggested() {
   return context;
 }
 
-/// A document in the making, so that a case is one chain of operations beside the octets that come of it.
+/// Builds a document, so that a case is one chain of operations next to the resulting octets.
 class Doc {
  public:
   explicit Doc(CFastInfosetContext const& context = Plain()) : m_writer(context, m_stream) {}
@@ -62,13 +62,13 @@ class Doc {
     return *this;
   }
   Doc& Close() { return m_writer.Close(), *this; }
-  /// The octets of the whole document.
+  /// Return the octets of the whole document.
   std::string Done() {
     m_writer.WriteEndDocument();
     m_writer.Close();
     return Bytes(m_stream.GetBinaryStream());
   }
-  /// The same in digits.
+  /// The same in hexadecimal digits.
   std::string Hexed() { return Hex(Done()); }
 
  private:
@@ -116,11 +116,11 @@ TEST(FastInfosetWriter, Namespaces) {
   EXPECT_EQ(Doc().Default("d").Alias("q", "v").Alias("p", "u").Start("a", "d").Start("b", "v").Start("b", "d").End(3)
                 .Hexed(),
             Expected("38 CD 00'd' CF 00'p' 00'u' CF 00'q' 00'v' F0 3D 81 00'a' 3F 82 83 00'b' 3D 81 81 FF FF"));
-  // One prefix for two namespaces; what begins with the XML namespace is not declared.
+  // One prefix for two namespaces; a namespace that begins with the XML namespace is not declared.
   EXPECT_EQ(Doc().Alias("p", "u").Alias("p", "v").Alias("x", std::string(CXmlWriter::XML_NAMESPACE) + "/1")
                 .Start("a", "u").Attr("lang", CXmlWriter::XML_NAMESPACE, "en").Start("a", "v").End(2).Hexed(),
             Expected("78 CF 00'p' 00'u' CF 81 00'v' F0 3F 81 81 00'a' 7B 80 80 03'lang' 41'en' F0 3F 81 82 80 FF F0"));
-  // A binding ends with its element, so its prefix is given out again.
+  // A binding ends with its element, so its prefix is reused.
   EXPECT_EQ(Doc().Start("a").Start("b", "u").Start("b", "u").End(2).Start("b", "v").End(2).Hexed(),
             Expected("38F0 3C 00'a' 3F 01'AA' 00'u' 00'b' 01 FF 3F 81 00'v' 81 FF F0"));
 }
@@ -131,7 +131,7 @@ TEST(FastInfosetWriter, TypeAndNil) {
             Expected("78F0 3C 00'a' 7B 01'AA' " + xsi + " 02'nil' 43'true' F0 FF"));
   EXPECT_EQ(Doc().Alias("i", kXsi).Default("d").Start("a", "d").Type("", "T").Type("d", "T").End().Hexed(),
             Expected("78 CD 00'd' CF 00'i' " + xsi + " F0 3D 81 00'a' 7B 81 82 03'type' 40'T' 00 80 F0 FF"));
-  // Bound: the prefix of the type's namespace on xsi:type. Unbound: no xsi:type at all.
+  // Bound: xsi:type gets the prefix of the type's namespace. Unbound: there is no xsi:type at all.
   EXPECT_EQ(Doc().Alias("i", kXsi).Alias("p", "u").Start("a").Type("u", "T").Type("v", "T").End().Hexed(),
             Expected("78 CF 00'i' " + xsi + " CF 00'p' 00'u' F0 3C 00'a'"
                      "7B 82 81 03'type' 42'p:T' 7B 01'AA' 00'v' 00'T' 43'AA:T' F0 FF"));
@@ -175,7 +175,7 @@ TEST(FastInfosetWriter, GeneratedVocabulary) {
   EXPECT_EQ(written("p"), Octets("E0000001 20 1000 1F'urn:quillon9:external-vocabulary'"
                                  "78 CF 81 81 F0 00 00 80 F0 01 A1 90'3' FF F0"));
   context.SetExternalVocabularyURI("urn:v");
-  // Under another prefix the name is not the one in the vocabulary.
+  // With another prefix the name is not the one in the vocabulary.
   EXPECT_EQ(written("q"), Octets("E0000001 20 1000 04'urn:v'"
                                  "78 CF 00'q' 81 F0 00 00 80 F0 3F 82 81 81 A1 90'3' FF F0"));
   EXPECT_EQ(written("q"), written("q")) << "the context's own vocabulary does not grow";
@@ -189,7 +189,7 @@ TEST(FastInfosetWriter, ItemTypesChooseTheEncoding) {
                 .Text("1.250", ItemType_decimal).Text("true", ItemType_boolean).Text("x", ItemType_char).End().Hexed(),
             Expected("78F0 3C 00'a' 78 00'n' 70 21 FFFE 78 00'm' 60 01 1C25 F0"
                      "9C 09 FFFE 88 06 02 2001A02A03 9C 12 05 000000000000000A 98 02 00 1C250F 9C 14 38 9C 24'x' FF"));
-  // By its text a value is one entry, whatever its first appearance was encoded as.
+  // A value is one entry by its text, however it was encoded at first.
   EXPECT_EQ(Doc(context).Start("a").Text("01", ItemType_i4).Text("01").End().Hexed(),
             Expected("38F0 3C 00'a' 9C 0E 01 00000001 A0 FF"));
 }
@@ -257,11 +257,11 @@ TEST(FastInfosetWriter, RefusesWhatIsOutOfOrder) {
   EXPECT_FAILURE(CQnException, kEmpty, Doc().Start("").End());
   EXPECT_FAILURE(CQnException, kEmpty, Doc().Start("a").Attr("", "", "1"));
   EXPECT_FAILURE(CQnException, kEmpty, Doc().Alias("", "u").Start("a").End());
-  // Written as an element without attributes already.
+  // The element has already been written without attributes.
   EXPECT_FAILURE(CQnException, kLate, Doc().Start("a").PI().Attr("n", "", "1"));
 }
 
-// An element written at once is the same as one in three operations.
+// An element written at once equals one written in three operations.
 TEST(FastInfosetWriter, TextElementsAtOnce) {
   auto const write = [](bool atOnce, char const* defaultNamespace, char const* parent) {
     CFastInfosetContext const context = Suggested();
@@ -281,13 +281,13 @@ TEST(FastInfosetWriter, TextElementsAtOnce) {
   }
 }
 
-// Also when the bindings change between two elements of a member.
+// This also holds when the bindings change between two elements of a member.
 TEST(FastInfosetWriter, MembersAreNumberedAnewInEachScope) {
   auto const write = [](bool atOnce) {
     Doc doc;
     auto const children = [&](std::string const& text) {
       doc.Child(atOnce, "b", "u", text, ItemType_string, 1);
-      doc.Child(atOnce, "b", "v", text, ItemType_string, 129);  // which share a place where names are remembered
+      doc.Child(atOnce, "b", "v", text, ItemType_string, 129);  // these share a place in the cache of names
       doc.Child(atOnce, "b", "", text, ItemType_string, 2);
     };
     doc.Alias("p", "u").Start("a", "u");
@@ -309,7 +309,7 @@ TEST(FastInfosetWriter, MembersAreNumberedAnewInEachScope) {
   EXPECT_EQ(write(false), write(true));
 }
 
-// A failure leaves the element open, started or written, as it left the one of three operations.
+// A failure leaves the element open, started or written, like an element written in three operations.
 TEST(FastInfosetWriter, TextElementsAtOnceFailAsInSteps) {
   struct Case {
     char const* name;
@@ -350,7 +350,7 @@ TEST(FastInfosetWriter, TextIsConvertedFromTheLocalCodePage) {
   Testing::ScopedLocale const locale("de_DE.ISO-8859-1");
   if (!locale.IsThere()) GTEST_SKIP() << "no locale de_DE.ISO-8859-1";
   std::string const latin = Doc().Start("\xE4").Text("\xE4\xE4\xE4\xE4\xE4").Text("\xE4\xE4\xE4\xE4\xE4").End().Hexed();
-  // Five bytes here, ten octets there: it is the five that count.
+  // Five bytes here, ten octets there: the five count.
   EXPECT_EQ(latin, Expected("38F0 3C 01C3A4 92 07C3A4C3A4C3A4C3A4C3A4 A0 FF"));
   ASCIIOnly(true);
   std::string const ascii = Doc().Start("\xE4").Text("\xFF").End().Hexed();

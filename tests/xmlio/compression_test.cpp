@@ -16,7 +16,7 @@ namespace {
 
 constexpr CompressionType kTypes[] = {CompressionType_GZip, CompressionType_ZLib};
 
-/// A buffer as the operations want it.
+/// A buffer as the operations require it.
 class Buffer {
  public:
   explicit Buffer(std::string const& text) : m_data(new unsigned char[text.size()]), m_size(text.size()) {
@@ -118,7 +118,7 @@ TEST(Compression, WhatIsNoWholeStreamStaysAsItIs) {
       EXPECT_TRUE(start == Decompressed(start)) << length;
     }
     std::string damaged = bytes;
-    damaged[bytes.size() - 3] ^= 0x10;  // in the check of either kind
+    damaged[bytes.size() - 3] ^= 0x10;  // in the checksum of either format
     EXPECT_TRUE(damaged == Decompressed(damaged));
     EXPECT_TRUE("\xFF\xFE" + bytes == Decompressed("\xFF\xFE" + bytes));
   }
@@ -136,7 +136,7 @@ TEST(Compression, EveryFlippedBitAndEveryCutGivesTheTextOrNothing) {
       EXPECT_TRUE(result == damaged || result == text) << bit;
       texts += result == text ? 1 : 0;
     }
-    // gzip's header has 7 octets that nothing depends on: a bit that says text, the time, the effort, the system.
+    // gzip's header has 7 octets that nothing depends on: a bit that marks text, the time, the effort, the system.
     EXPECT_EQ(type == CompressionType_GZip ? 1 + 6 * 8 : 0, texts);
     for (std::size_t length = 0; length < bytes.size(); ++length) {
       EXPECT_EQ(bytes.substr(0, length), Decompressed(bytes.substr(0, length)));
@@ -150,7 +150,7 @@ TEST(Compression, OtherFormsOfStreams) {
   EXPECT_EQ(Repetitive(500), Decompressed(gzip + gzip)) << "the first member alone";
   std::string const raw = zlib.substr(2, zlib.size() - 6);
   EXPECT_EQ(raw, Decompressed(raw));
-  // Of nothing: inflates to nothing, which no parser takes.
+  // Compressed nothing inflates to nothing, which no parser accepts.
   for (char const* empty : {"1F8B0800000000000003 0300 0000000000000000", "7801 0300 00000001"}) {
     std::string const bytes = Testing::Octets(empty);
     EXPECT_EQ("", Decompressed(bytes));
@@ -172,7 +172,7 @@ TEST(Compression, DataOfMoreThan32BitsIsRefusedUnread) {
                  CQnZip::Compress(&data, &size, CompressionType_GZip));
 }
 
-// The look at the header must agree with zlib itself, whatever the first two bytes are.
+// The check of the header must agree with zlib itself, whatever the first two bytes are.
 TEST(Compression, StreamIsTakenWhenItsHeaderIsOneOfZlib) {
   std::string const bytes = Compressed(std::string(200, 'x'), CompressionType_ZLib);
   for (int header = 0; header < 0x10000; ++header) {

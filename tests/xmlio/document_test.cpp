@@ -27,7 +27,7 @@ using Testing::Dump;
 
 std::string Dump(CXmlDocument const& document) { return Dump(*document.GetDocumentElement()); }
 
-/// Switches of the process that a test may change.
+/// Restores process-wide switches that a test may change.
 class Document : public testing::Test {
  protected:
   ~Document() override {
@@ -131,7 +131,7 @@ TEST_F(Document, MalformedTextFailsWithTheParsersText) {
   EXPECT_FAILURE(CQnException, "undefined entity at line 1", document.LoadXml("<a>&e;</a>"));
   EXPECT_FAILURE(CQnException, "unknown encoding at line 1",
                  document.LoadXml("<?xml version='1.0' encoding='EUC-JP'?><a/>"));
-  // The separator of the parser's names can not be in a namespace, so it can not forge one.
+  // The separator in the parser's names cannot occur in a namespace, so a document cannot forge one.
   EXPECT_FAILURE(CQnException, "syntax error at line 1", document.LoadXml("<p:a xmlns:p='u|v'/>"));
 }
 
@@ -179,7 +179,7 @@ TEST_F(Document, LoadsFilesAndSaysWhyNot) {
                  document.Load(good.Path().c_str()));
 }
 
-// Files of the kernel: one tells no size, and one more than a read then gives, as a file does that shrinks meanwhile.
+// Kernel files: one reports no size, and one reports more than a read then returns, like a file that shrinks meanwhile.
 TEST_F(Document, RefusesFilesThatAreNotAsLongAsTheySay) {
   Testing::ScopedLocale const english("C");
   for (std::string const path : {"/proc/self/status", "/sys/devices/system/cpu/possible"}) {
@@ -191,7 +191,7 @@ TEST_F(Document, RefusesFilesThatAreNotAsLongAsTheySay) {
   }
 }
 
-// The second byte of the names' characters is that of the separator of the parser's names in these code pages.
+// In these code pages, the second byte of the names' characters equals the separator in the parser's names.
 TEST_F(Document, NamesAreSplitBeforeTheyAreConverted) {
   struct {
     char const* locale;
@@ -323,7 +323,7 @@ TEST_F(Document, TreesAreBuiltByHand) {
   EXPECT_EQ(root->RemoveLastChildElement(), nullptr);
 }
 
-// In a document's memory and by itself, short and long, with the string or the vector asked for at any time.
+// In a document's memory and standalone, short and long, with the string or the vector requested at any time.
 TEST_F(Document, TextsAndAttributesAreTheSameHoweverTheyAreAskedFor) {
   for (std::size_t const run : {1U, 3U, 7U, 8U, 75U, 151U, 152U, 400U}) {
     for (int const asked : {-1, 0, 1, 2, 5}) {
@@ -334,7 +334,7 @@ TEST_F(Document, TextsAndAttributesAreTheSameHoweverTheyAreAskedFor) {
         for (int i = 0; i < 6; ++i) {
           std::string const text(run, static_cast<char>('a' + i));
           i % 2 == 0 ? element->AppendText(text) : static_cast<void>(element->AppendPlainText(text));
-          if (element->GetTextView().size() == expected.size()) element->AppendText(text);  // no room for it as it is
+          if (element->GetTextView().size() == expected.size()) element->AppendText(text);  // no room for it in place
           EXPECT_FALSE(element->AppendPlainText(text + '\r'));
           element->AddAttribute(text, text, "");
           expected += text;

@@ -16,7 +16,7 @@ namespace {
 
 using Children = CXmlNodeRange<CXmlElement>;
 
-// What std::forward_iterator_tag promises, and what a name may be made of.
+// The promises of std::forward_iterator_tag, and the types that a name may be constructed from.
 static_assert(std::is_same_v<std::iterator_traits<Children::iterator>::reference, CXmlElement&>);
 static_assert(std::is_default_constructible_v<Children::iterator> && std::is_copy_assignable_v<Children::iterator>);
 static_assert(!std::is_constructible_v<CXmlNameFilter, std::string>);
@@ -76,7 +76,7 @@ TEST_F(ElementRanges, StandardAlgorithms) {
       std::find_if(children.begin(), children.end(), [](CXmlElement const& child) { return child.GetText() == "3"; });
   ASSERT_NE(three, children.end());
   EXPECT_EQ(std::next(three)->GetText(), "4");
-  EXPECT_EQ(three->GetText(), "3");  // copies go on independently
+  EXPECT_EQ(three->GetText(), "3");  // copies continue independently
   auto const named = Root().Children("i");
   EXPECT_EQ(std::count_if(named.begin(), named.end(), [](auto& i) { return i.GetNamespaceURI().empty(); }), 2);
 }
@@ -86,7 +86,7 @@ TEST_F(ElementRanges, ChangesDuringAWalk) {
   for (CXmlElement& child : Root().Children("i", "")) {
     met += child.GetText() + ' ';
     if (child.GetText() == "1") {
-      delete Root().RemoveLastChildElement();  // 7, where the walk does not stand
+      delete Root().RemoveLastChildElement();  // 7, which is not the current node
       CXmlElement* const added = Root().CreateNewChildElement();
       added->SetElementName("i");
       added->AppendText("8");
@@ -98,7 +98,7 @@ TEST_F(ElementRanges, ChangesDuringAWalk) {
   int count = 0;
   for (CXmlElement& child : Root().Children("renamed")) {
     ++count;
-    if (child.GetText() == "8") last.reset(Root().RemoveLastChildElement());  // the one under the iterator
+    if (child.GetText() == "8") last.reset(Root().RemoveLastChildElement());  // the current node
   }
   EXPECT_EQ(count, 2);
   EXPECT_EQ(last->GetText(), "8");

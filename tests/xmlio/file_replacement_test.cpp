@@ -1,4 +1,4 @@
-// What CFileBinaryStream::ToFile() does to files that exist, through every kind of path.
+// Tests the effects of CFileBinaryStream::ToFile() on existing files, through every kind of path.
 
 #include <fcntl.h>
 #include <grp.h>
@@ -30,7 +30,7 @@ constexpr uid_t kOtherUser = 1002;
 constexpr gid_t kGroup = 2001;
 constexpr gid_t kOtherGroup = 2002;
 
-/// Other effective identities, without supplementary groups, for the length of a scope. Only root may have them.
+/// Sets other effective identities, without supplementary groups, for the duration of a scope. Only root may do this.
 class Identity {
  public:
   Identity(uid_t user, gid_t group) {
@@ -52,7 +52,7 @@ class Identity {
   std::vector<gid_t> m_groups;
 };
 
-/// Files above this size cannot be written for the length of a scope: what a full disk does, for every user.
+/// Makes files above this size impossible to write for the duration of a scope, as a full disk would for every user.
 class SizeLimit {
  public:
   explicit SizeLimit(rlim_t size) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -92,7 +92,7 @@ struct stat StatusOf(std::string const& path) {
 
 mode_t ModeOf(std::string const& path) { return StatusOf(path).st_mode & 07777; }
 
-/// Each test has an empty folder of its own.
+/// Each test has its own empty folder.
 class FileReplacement : public testing::Test {
  protected:
   void SetUp() override {

@@ -1,5 +1,5 @@
-// Each limit: the last value that is accepted, and the next one with the failure that names the limit. And after each
-// failure the same document reads a good input.
+// Tests for each limit the last value that is accepted, and the next one with the failure that names the limit. After
+// each failure the same document reads a good input.
 
 #include "quillon9/base/limits.h"
 
@@ -82,7 +82,7 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
   std::string const element = std::string("\x3C\0a", 3);
   std::string const nested = element + std::string(3, '\0');
   std::string const declarations = "The document type declares more than 3 attributes for the element [b]";
-  // An element or attribute of a new name of one letter counts 322, and 64 when the name is known.
+  // An element or attribute with a new name of one letter counts 322, or 64 if the name is known.
   auto const text = [](int size) { return "<a>" + std::string(static_cast<std::size_t>(size), 'x') + "</a>"; };
   struct {
     char const* what;
@@ -103,7 +103,7 @@ TEST(Limits, TheLastGoodInputPassesAndTheNextOneNamesTheLimit) {
        "<!DOCTYPE a [<!ENTITY e '0123456789'>]><a>" + Repeated("&e;", 68) + "</a>", content},
       {"content, sections", "<a>" + Repeated("<![CDATA[]]>", 56) + "</a>",
        "<a>" + Repeated("<![CDATA[]]>", 57) + "</a>", content},
-      // 4 bits and 8 for each octet behind the first, "true" but for two of them, and blanks between octets.
+      // 4 bits, and 8 for each octet after the first, all "true" except two of them, and spaces between octets.
       {"content, booleans", Infoset(element + "\x8C\x16\x12\x0F\xFC" + std::string(19, '\xFF') + "\xFF"),
        Infoset(element + "\x8C\x16\xF7\x0F" + std::string(249, '\xFF') + "\xFF"), content},
       {"declared attributes",
@@ -135,7 +135,7 @@ TEST(Limits, ContentGrowsWithTheInput) {
             Outcome([&] { Load(document, "<a>" + Repeated("<b/>", 1000) + "</a>"); }));
 }
 
-// Compressed octets count as they arrive, and no growth goes beyond the total.
+// Compressed octets count as they arrive, and no growth exceeds the total.
 TEST(Limits, ContentGrowsWithWhatCameFromOutside) {
   Limits const restored;
   CLimits::SetMaxContentSize(0);
@@ -187,7 +187,7 @@ std::string ReadIntoContent(std::string const& input) {
   });
 }
 
-/// The least CLimits::GetMaxContentSize() under which \p read succeeds, found by halves.
+/// Return the smallest CLimits::GetMaxContentSize() with which \p read succeeds, found by bisection.
 std::uint64_t LeastSize(std::string const& input, std::string (*read)(std::string const&)) {
   std::uint64_t failing = 0;
   for (std::uint64_t step = std::uint64_t{1} << 21; step > 0; step /= 2) {
@@ -197,8 +197,9 @@ std::uint64_t LeastSize(std::string const& input, std::string (*read)(std::strin
   return failing + 1;
 }
 
-// What the library reads as text it reads in each form that it writes, into the tree and into objects. A form costs the
-// same with and without a wrapper; Fast Infoset saves the declarations of namespaces, which it writes as parts of names.
+// A limit that admits a document as text also admits it in each form that the library writes, into the tree and into
+// objects. A form costs the same with and without compression; Fast Infoset saves the declarations of namespaces, which
+// it writes as parts of names.
 TEST(Limits, AreTheSameForAllForms) {
   Limits const restored;
   CLimits::SetMaxContentGrowth(0);
@@ -240,15 +241,15 @@ TEST(Limits, HoldForTheObjectsThatAreMadeFromATree) {
   struct {
     char const* what;
     CXmlObjectBase& object;
-    std::size_t size;  // of what an <a/> becomes
+    std::size_t size;  // charged for what an <a/> becomes
   } const rows[] = {{"objects", objects, 256},
                     {"values", values, 96},
                     {"generic content", content, 16 + sizeof(CElement) + sizeof(CNode) + 1}};
   for (auto const& row : rows) {
-    auto const good = static_cast<int>((100'000 - 836) / (64 + row.size));  // r and the names of both count 836
+    auto const good = static_cast<int>((100'000 - 836) / (64 + row.size));  // r and both names count 836
     CXmlDocument document;
     Load(document, "<r>" + Repeated("<a/>", good) + "</r>");
-    // What one read made may be gone when the next one begins.
+    // What one read made may be destroyed when the next one begins.
     for (int i = 0; i < 3; ++i) {
       EXPECT_EQ("", Outcome([&] { row.object.FromXmlElement(document.GetDocumentElement()); })) << row.what;
     }
@@ -260,7 +261,7 @@ TEST(Limits, HoldForTheObjectsThatAreMadeFromATree) {
   }
 }
 
-// An element that a program took out of a tree may be read when the document, which counts, is gone.
+// An element that a program detached from a tree can be read after the end of the document, which counts.
 TEST(Limits, DoNotOutliveTheDocument) {
   Limits const restored;
   auto document = std::make_unique<CXmlDocument>();
@@ -288,7 +289,7 @@ TEST(Limits, RefuseDocumentTypes) {
   }
 }
 
-// A few octets each repeat a long text of a table.
+// Each reference of a few octets repeats a long text of a table.
 TEST(Limits, BoundWhatFastInfosetReferencesRepeat) {
   Limits const restored;
   CLimits::SetMaxContentSize(100000);

@@ -1,5 +1,5 @@
-// The namespace scopes of open elements, held against a plain model of them: each context either inherits or has a
-// default namespace and a map of its own, which are copied from what is in force on the first change.
+// Compares the namespace scopes of open elements with a plain model: each context either inherits or has its own
+// default namespace and map, copied from those in force on the first change.
 
 #include <gtest/gtest.h>
 
@@ -61,7 +61,7 @@ class Random {
   std::mt19937 m_engine;
 };
 
-/// Makes sure that one number stands for one content of a scope.
+/// Checks that one number stands for one content of a scope.
 class States {
  public:
   void Check(std::uint64_t state, Model const& scope) {
@@ -89,7 +89,7 @@ void ExpectSame(Model const& model, Context const& context, States& states) {
   states.Check(context.GetScopeState(), scope);
 }
 
-/// Makes what is protected callable, and starts each element with the operation after the one that asks for it.
+/// Makes protected operations callable, and starts each element with the operation after the one that requests it.
 class LateWriter : public CXmlTextWriter {
  public:
   using CXmlTextWriter::CXmlTextWriter;
@@ -110,7 +110,7 @@ class LateWriter : public CXmlTextWriter {
   Context* m_late = nullptr;
 };
 
-/// Contexts in any relation, as a writer of a caller's own may have them.
+/// Contexts in any relation, as a caller's own writer may create them.
 class Contexts {
  public:
   explicit Contexts(unsigned seed) : m_random(seed) {}
@@ -148,8 +148,8 @@ class Contexts {
   struct Entry {
     Model m_model;
     Context* m_context = nullptr;
-    Entry* m_parent = nullptr;  // the one that this one owns
-    Entry* m_child = nullptr;   // the one that owns this one
+    Entry* m_parent = nullptr;  // which this one owns
+    Entry* m_child = nullptr;   // which owns this one
   };
 
   Entry& Add() { return *m_entries.emplace_back(std::make_unique<Entry>()); }
@@ -185,7 +185,7 @@ class Contexts {
     std::exchange(entry.m_parent, nullptr)->m_child = nullptr;
   }
 
-  // An entry that nobody owns, with all those that it owns.
+  // Delete an entry that is not owned, with all those that it owns.
   void Delete() {
     Entry* entry = m_entries[m_random.Below(m_entries.size())].get();
     while (entry->m_child != nullptr) entry = entry->m_child;
@@ -204,7 +204,7 @@ class Contexts {
   std::vector<std::unique_ptr<Entry>> m_entries;
 };
 
-// Always the same sequences; with --gtest_shuffle others in each of many rounds (--gtest_repeat).
+// The sequences are always the same; with --gtest_shuffle each of many rounds (--gtest_repeat) has others.
 unsigned FirstSeed() {
   return GTEST_FLAG_GET(shuffle) ? static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()) * 1000 : 0;
 }
@@ -221,7 +221,7 @@ TEST(NamespaceScopes, ContextsAreAsTheModelTells) {
   }
 }
 
-/// The elements of a writer that starts them late, beside their models.
+/// The elements of a writer that starts them late, with their models.
 class LateElements {
  public:
   explicit LateElements(unsigned seed) : m_random(seed) { m_map[CXmlWriter::XML_NAMESPACE] = "xml"; }

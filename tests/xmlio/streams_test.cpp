@@ -15,7 +15,7 @@
 namespace Quillon9 {
 namespace {
 
-/// The path of a file that is gone at the end, created or not.
+/// The path of a file that is removed at the end if it was created.
 class TemporaryFile {
  public:
   explicit TemporaryFile(char const* name) : m_path(testing::TempDir() + "quillon9_streams_" + name) {}

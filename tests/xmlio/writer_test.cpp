@@ -23,7 +23,7 @@ using Context = CXmlWriter::CXmlWriterContext;
 
 constexpr bool kFormatted = true;
 
-/// A document in the making, so that a case is one chain of operations beside the text that comes of it.
+/// Builds a document, so that a case is one chain of operations next to the resulting text.
 class Doc {
  public:
   explicit Doc(bool format = false) { m_writer.SetFormat(format); }
@@ -70,7 +70,7 @@ TEST(TextWriter, ElementsAndText) {
   EXPECT_EQ(Doc().Directive("<!DOCTYPE a>").Comment("1<2--3").PI("<?p x<y?>").Start("a").End().Close(),
             "<!DOCTYPE a>\n<!--1&lt;2--3-->\n<?p x<y?>\n\n<a/>");
   EXPECT_EQ(Doc().Start("a").Schema("s='<'").End().Close(), "<a \ns='<'\n/>");
-  // Mixed content gets its line ends and tabs from the elements alone; a raw child counts as a child.
+  // In mixed content only elements add line ends and tabs; a raw child counts as a child.
   EXPECT_EQ(Doc(kFormatted).Start("a").Text("x").Start("b").End().Text("y").End().Close(), "<a>x\t<b/>\ny</a>\n");
   EXPECT_EQ(Doc(kFormatted).Start("a").Start("b").Raw("<c/>").End(2).Close(),
             "<a>\n\t<b>\n<c/>\n\t</b>\n</a>\n");
@@ -86,7 +86,7 @@ TEST(TextWriter, Escapes) {
                 .End(2).Close(),
             "<a n=\"&#xA;\">\r\n\t<b>x\r\ny\r\n</b>\r\n</a>\r\n");
   EXPECT_EQ(Doc().Start("a").Text(std::string("x\0y", 3)).End().Close(), "<a>x</a>");
-  // A CDATA section passes at the very start only.
+  // A CDATA section is written literally only at the very start.
   EXPECT_EQ(Doc().Start("a").Text("<![CDATA[a<b]]>").Text(" <![CDATA[a]]>").Text("<![CDATA").End().Close(),
             "<a><![CDATA[a<b]]> &lt;![CDATA[a]]&gt;&lt;![CDATA</a>");
 }
@@ -108,7 +108,7 @@ std::string EscapedByByte(std::string const& text) {
   return escaped;
 }
 
-// Text goes through eight bytes at a time, and every byte must be found wherever it stands.
+// Text is processed eight bytes at a time, and every byte must be found at any position.
 TEST(TextWriter, EveryByteIsEscapedAtEveryPlace) {
   for (std::size_t length = 1; length < 20; ++length) {
     for (std::size_t place = 0; place < length; ++place) {
@@ -132,7 +132,7 @@ TEST(TextWriter, EveryByteIsEscapedAtEveryPlace) {
 TEST(TextWriter, Namespaces) {
   EXPECT_EQ(Doc().Start("a", "u").End().Close(), "<AA:a xmlns:AA=\"u\"/>");
   EXPECT_EQ(Doc().Default("u").Start("a", "u").Start("b").End(2).Close(), "<a xmlns=\"u\"><b/></a>");
-  // Declared in the order of URIs; the last prefix of a URI counts; what begins with the XML namespace stays out.
+  // Declared in the order of URIs; the last prefix of a URI wins; URIs that begin with the XML namespace are left out.
   std::string const more = std::string(CXmlWriter::XML_NAMESPACE) + "/more";
   EXPECT_EQ(Doc().Alias("p", "v").Alias("q", "u").Alias("r", "v").Alias("s", more.c_str())
                 .Start("a", "v").Attr("lang", CXmlWriter::XML_NAMESPACE, "en").End().Close(),
@@ -143,13 +143,13 @@ TEST(TextWriter, Namespaces) {
             "<r><AA:a xmlns:AA=\"u\"><AB:b xmlns:AB=\"v\"><AA:c>1</AA:c></AB:b></AA:a><AA:d xmlns:AA=\"v\"/></r>");
   EXPECT_EQ(Doc().Alias("AA", "x").Alias("ab", "y").Start("a", "u").End().Close(),
             "<AB:a xmlns:AB=\"u\" xmlns:AA=\"x\" xmlns:ab=\"y\"/>");
-  // Bound inside an element: used, declared by nobody.
+  // Bound inside an element: used, but not declared.
   EXPECT_EQ(Doc().Start("a").Alias("p", "u").Start("b", "u").End(2).Close(), "<a><p:b/></a>");
   EXPECT_EQ(Doc().Default("u").Start("a", "u").Attr("m", "u", "1").Attr("n", "u", "2").End().Close(),
             "<a xmlns=\"u\" xmlns:AA=\"u\" AA:m=\"1\" AA:n=\"2\"/>");
 }
 
-// What is remembered of a name from its start to its end, and for the next element, follows the default namespace.
+// What is cached for a name from its start to its end, and for the next element, follows the default namespace.
 TEST(TextWriter, ChangedDefaultNamespaceCountsForWhatFollows) {
   Doc doc;
   doc.Default("d").Start("r", "d").Start("a", "d").End().Default("e").Start("a", "d").End().Start("b", "e").Default("d");
@@ -212,7 +212,7 @@ TEST(TextWriter, IndentsByOneTabALevelHoweverDeep) {
   EXPECT_EQ(doc.Start("e").End(100).Close(), starts + std::string(99, '\t') + "<e/>\n" + ends);
 }
 
-// An element written at once is the same as one in three operations, wherever its prefix comes from.
+// An element written at once equals one written in three operations, wherever its prefix comes from.
 TEST(TextWriter, TextElementsAtOnce) {
   struct Case {
     char const* defaultNamespace;
@@ -299,7 +299,7 @@ TEST(Writer, GeneratedPrefixes) {
   for (auto const& row : kRows) EXPECT_EQ(row.prefix, CXmlWriter::NsIntToString(row.number));
   EXPECT_FAILURE(CQnException, "The prefix number [-1] is negative", CXmlWriter::NsIntToString(-1));
 
-  // Map by map, the next free one; XML is passed over.
+  // Each map gets the next free prefix; XML is skipped.
   Map map;
   for (int number = 0; number < 16550; ++number) {
     std::string const prefix = CXmlWriter::NsIntToString(number);
@@ -330,12 +330,12 @@ TEST(WriterContext, SharesTheParentsScopeUntilItChanges) {
   EXPECT_EQ(map, root->GetNamespaceMap());
   EXPECT_EQ("d", root->GetDefaultNamespace());
 
-  // A lookup of an unknown URI leaves an empty entry in the scope that it was looked up in.
+  // Looking up an unknown URI leaves an empty entry in the scope of the lookup.
   EXPECT_EQ("", changed->GetNamespaceMapValue("v"));
   EXPECT_EQ((Map{{"u", "q"}, {"v", ""}}), changed->GetNamespaceMap());
 }
 
-// Each namespace gets the prefix that a look through all bindings in force would give it.
+// Each namespace gets the prefix that a search through all bindings in force would give it.
 TEST(WriterContext, ManyNamespacesAreBoundInLinearTime) {
   CTextStream stream;
   CXmlTextWriter writer(stream);
