@@ -18,7 +18,7 @@
 #include "support/scoped_locale.h"
 
 /// Real documents and the W3C conformance suite, read in place from the folder that the environment variable
-/// QUILLON9_CORPUS or the build names. Each must give exactly the recorded tree or the recorded failure.
+/// QUILLON9_CORPUS or the build specifies. Each must give exactly the recorded tree or the recorded failure.
 namespace Quillon9 {
 namespace {
 
@@ -35,7 +35,7 @@ fs::path CorpusFolder() {
 #endif
 }
 
-/// The rows of a table of tab-separated columns without its heading.
+/// Return the rows of a table of tab-separated columns without its heading.
 std::vector<Row> ReadTable(fs::path const& path) {
   std::vector<Row> rows;
   std::ifstream file(path);
@@ -69,7 +69,7 @@ void AppendForm(CXmlElement const& element, std::string& form) {
   form += ')';
 }
 
-/// "accept" and the digest of the tree, or "reject" and the text of the failure.
+/// Return "accept" and the digest of the tree, or "reject" and the text of the failure.
 std::string Outcome(fs::path const& path, SchemaType schemaType) {
   CXmlSerializationContext context;
   context.SetSchemaType(schemaType);
@@ -90,7 +90,7 @@ struct TextModel {
   bool asciiOnly;
 };
 
-/// UTF-8 reaches the tree unchanged both ways: passed through, and converted for a locale of UTF-8.
+/// UTF-8 reaches the tree unchanged both ways: passed through, and converted for a UTF-8 locale.
 class Corpus : public testing::TestWithParam<TextModel> {
  protected:
   void SetUp() override {
@@ -137,7 +137,7 @@ class Suite {
 };
 
 std::string ExpectedOutcome(Row const& row, fs::path const& path) {
-  // The suite speaks of the parser, which an empty file does not reach.
+  // The suite describes the parser, which an empty file does not reach.
   if (!fs::is_empty(path)) return row.at(8) + " " + row.at(9);
   return "reject Failed to read the contents of the file [" + path.string() + "] Error [No data available]";
 }
@@ -150,8 +150,8 @@ TEST_P(Corpus, ConformanceSuiteGivesTheRecordedOutcomes) {
     fs::path const path = suite.Folder() / row.at(1);
     std::string const outcome = Outcome(path, row.at(2) == "plain" ? SchemaType_DTD : SchemaType_XSD);
     std::string const expected = ExpectedOutcome(row, path);
-    // Outside the class "strict" the suite leaves the answer open or asks for what the parser does not do: only
-    // the verdict has to stand there.
+    // Outside the class "strict" the suite leaves the answer open or requires what the parser does not do: only the
+    // verdict has to match.
     std::size_t const length = row.at(7) == "strict" ? std::string::npos : row.at(8).size();
     EXPECT_EQ(outcome.substr(0, length), expected.substr(0, length)) << row.at(0) << ": " << outcome;
     auto& [agreeing, all] = counts[row.at(7)];

@@ -7,7 +7,7 @@
 
 namespace Quillon9 {
 
-/// The SHA-256 of \p text in lower-case hexadecimal digits (FIPS 180-4).
+/// Return the SHA-256 of \p text in lower-case hexadecimal digits (FIPS 180-4).
 inline std::string Sha256(std::string_view text) {
   // The fractional parts of the cube roots of the first 64 primes.
   static constexpr std::array<std::uint32_t, 64> kRound = {

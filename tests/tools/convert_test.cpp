@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 class ConvertTest : public ProgramTest {
  protected:
-  /// What \p xml becomes as unformatted text without declaration.
+  /// Return \p xml converted to unformatted text without declaration.
   std::string Plain(std::string const& xml, std::string const& options = "") {
     return Run("convert --quiet --to=xml --no-format --no-declaration " + options + " -", xml).output;
   }
@@ -25,7 +25,7 @@ TEST_F(ConvertTest, ExamplesComeBackFromEveryForm) {
   std::size_t documents = 0;
   for (auto const& entry : fs::recursive_directory_iterator(QUILLON9_EXAMPLES)) {
     if (entry.path().extension() != ".xml") continue;
-    if (entry.file_size() < 1000) continue;  // compressing makes nothing shorter of it
+    if (entry.file_size() < 1000) continue;  // compression does not make it shorter
     ++documents;
     std::string const source = "'" + entry.path().string() + "'";
     std::string const expected = Run("convert --to=xml " + source).output;

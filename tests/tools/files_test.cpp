@@ -1,4 +1,4 @@
-// What the program does to the files that it writes. How they are replaced is tested with the library.
+// Tests what the program does to the files that it writes. The library's tests cover how they are replaced.
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -87,7 +87,7 @@ TEST_F(FilesTest, SignalsLeaveNoTemporaryFile) {
     int status = 0;
     ::waitpid(program, &status, 0);
     ::close(watch);
-    // Where the disk is fast enough, the program has come to its end.
+    // If the disk is fast enough, the program has already finished.
     bool const hasEnded = WIFEXITED(status) && WEXITSTATUS(status) == 0;
     EXPECT_TRUE(hasEnded || (WIFSIGNALED(status) && WTERMSIG(status) == signal)) << status;
     EXPECT_EQ(hasEnded, Read("b.xml").size() > 20000000) << signal;

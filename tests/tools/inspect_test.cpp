@@ -12,7 +12,7 @@ namespace {
 
 using namespace Quillon9Tool;
 
-// Every construct there is.
+// Every construct of the standard.
 std::string const kDocument = Octets(
     "E0000001 7F 0000'u'01'dd'"
     "0FFF 0002'abc' 0000'x' 0000'p' 0002'u:v' 0100'r'00'q' 0000'o' 0000'w' 0000'v' 0100't'00'z' 0000'-' 0003818180 "
@@ -97,8 +97,8 @@ TEST_F(ProgramTest, InspectDecodesEveryKindOfString) {
   }
 }
 
-/// Takes \p octets apart. Whatever they are, the parts must lie side by side from the first octet on.
-/// \returns whether they are well-formed.
+/// Split \p octets into parts. Whatever they are, the parts must be adjacent from the first octet on.
+/// \returns whether the octets are well-formed.
 bool ParsesSideBySide(std::string const& octets) {
   std::size_t next = 0;
   bool isSideBySide = true;

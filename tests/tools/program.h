@@ -12,7 +12,7 @@
 
 namespace Quillon9::Testing {
 
-/// How a run of the program ended.
+/// The result of a run of the program.
 struct Outcome {
   int status;
   std::string output;
@@ -28,7 +28,7 @@ inline void WriteFile(std::filesystem::path const& path, std::string const& byte
   std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// Tests of the program, each in an empty folder of its own, which the program runs in.
+/// Runs each test of the program in its own empty folder, which is the program's current folder.
 class ProgramTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -40,15 +40,15 @@ class ProgramTest : public testing::Test {
   void TearDown() override { std::filesystem::remove_all(m_root); }
 
   std::filesystem::path Folder() const { return m_root / "work"; }
-  /// The names of the files in it.
+  /// Return the names of the files in it.
   std::vector<std::string> Files() const {
     std::vector<std::string> names;
     for (auto const& entry : std::filesystem::directory_iterator(Folder())) names.push_back(entry.path().filename());
     return names;
   }
 
-  /// Runs the program with \p arguments, as a shell takes them, and with \p input as its standard input, after the
-  /// shell has run \p preparation.
+  /// Run the program with \p arguments, in shell syntax, and with \p input as its standard input, after the shell has
+  /// run \p preparation.
   Outcome Run(std::string const& arguments, std::string const& input = "",
               std::string const& preparation = "true") const {
     WriteFile(m_root / "in", input);
