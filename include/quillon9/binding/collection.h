@@ -11,14 +11,14 @@
 
 namespace Quillon9 {
 
-/// What all collections share: the element name (GetElementName()) and the namespace of the items, the occurrence
-/// limits, and the listeners. A repeating element of a schema becomes a collection property of its class.
+/// Base of all collections: the element name (GetElementName()) and the namespace of the items, the occurrence limits,
+/// and the listeners. A repeating element of a schema becomes a collection property of its class.
 ///
-/// A change fires one event before it, one after it, and then CollectionChange, on the thread that makes it. The
-/// limits are not enforced when items are added, but when the collection is written and after it was read.
+/// Each change fires one event before it, one after it, and then CollectionChange, on the thread that makes the change.
+/// The limits are not enforced when items are added, but when the collection is written and after it has been read.
 class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
  public:
-  /// Empty names, no limits.
+  /// Construct with empty names and without limits.
   CXmlCollectionBase();
   /// \p maxOccurs -1 means no upper limit.
   CXmlCollectionBase(char const* name, char const* ns, int minOccurs, int maxOccurs);
@@ -27,7 +27,7 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   using CXmlObjectBase::GetBase;
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override;
-  /// \throws CQnException always: a collection is no document element.
+  /// \throws CQnException always: a collection is not a document element.
   std::string GetTargetNamespace() const override;
   /// The namespace of the items.
   std::string GetNamespace() const override;
@@ -43,19 +43,19 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   /// Whether ValidateCount() would pass.
   virtual bool IsValidCount(CXmlSerializationContext const& ctx) const;
 
-  /// The least count.
+  /// The minimum count.
   int GetMinOccurs() const { return m_minOccurs; }
-  /// The greatest count; -1 for no limit.
+  /// The maximum count; -1 means no limit.
   int GetMaxOccurs() const { return m_maxOccurs; }
 
-  /// Send the events of this collection to \p sink too; added twice, it gets each event twice. The sink stays the
-  /// caller's and must be removed before it dies, if the collection lives on.
+  /// Send the events of this collection to \p sink too; a sink that was added twice gets each event twice. The caller
+  /// keeps ownership of the sink and must remove it before destroying it if the collection lives on.
   void AddEventListener(IEventSink* sink);
-  /// Remove every entry of \p sink; an unknown sink is no failure.
+  /// Remove every entry of \p sink. Does nothing if the sink is unknown.
   void RemoveEventListener(IEventSink* sink);
 
-  /// Send the event of this name to every listener. \p item and \p index are the data that IEventSink::MsgType tells.
-  /// Called by the operations that change a collection.
+  /// Send the event of this name to every listener. \p item and \p index are the data that IEventSink::MsgType
+  /// describes. Called by the operations that change a collection.
   /// \throws what a listener throws.
   ///@{
   void FireOnCollectionAdd(void* item);
@@ -66,13 +66,13 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   ///@}
 
  protected:
-  /// Ends a Clear() that a listener makes endless, by adding whenever something is removed.
+  /// Stops a Clear() that would never end because a listener adds an item whenever one is removed.
   class QUILLON9_API ClearGuard {
    public:
     /// Watch \p collection, which must outlive the guard.
     explicit ClearGuard(CXmlCollectionBase const& collection);
-    /// To be called after each removal.
-    /// \throws CQnException "The collection [%s] is filled while it is cleared" when the count does not fall any more.
+    /// Call after each removal.
+    /// \throws CQnException "The collection [%s] is filled while it is cleared" when the count no longer falls.
     void Check();
 
    private:
@@ -81,9 +81,9 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
     long long m_allowance;
     long long m_left;
   };
-  /// Whether anybody hears of changes.
+  /// Whether any listener is registered.
   bool HasListeners() const { return !m_listeners.empty(); }
-  /// Forget every listener.
+  /// Remove every listener.
   void RemoveAllListeners() { m_listeners.clear(); }
 
  private:
@@ -104,43 +104,45 @@ class CNode {
   /// A node without neighbours that takes a reference to \p item, which may be null.
   explicit CNode(CXmlObjectBase* item) : m_item(item) {}
 
-  CSmartPtr<CXmlObjectBase> m_item;  ///< owned together with others
+  CSmartPtr<CXmlObjectBase> m_item;  ///< shared ownership
   CNode* m_next = nullptr;           ///< null for the last
   CNode* m_prev = nullptr;           ///< null for the first
 };
 
-/// A list of counted object references, the base of generated collections of class-typed elements. These give
-/// typed `Add` and `Item` operations of their own and implement ToXml_Int and FromXml_Int.
+/// A list of counted object references; the base of generated collections of class-typed elements. A generated
+/// collection adds typed `Add` and `Item` operations and implements ToXml_Int and FromXml_Int.
 class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
  public:
   CXmlCollection();
-  /// As CXmlCollectionBase's.
+  /// The arguments are those of CXmlCollectionBase.
   CXmlCollection(char const* name, char const* ns, int minOccurs, int maxOccurs);
-  /// Removes every item; listeners still registered hear of each. What they throw then is dropped, and they are no
-  /// longer told when one of them adds without end.
+  /// Removes every item and reports each removal to the listeners that are still registered. Exceptions from listeners
+  /// are dropped. Once a listener adds items without end, no listener is called any more.
   ~CXmlCollection() override;
 
   /// The number of items.
   int GetCount() const override { return m_count; }
-  /// Remove(0) until nothing is left.
-  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end; as
-  ///         Remove().
+  /// Call Remove(0) until the collection is empty.
+  /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end;
+  ///         what Remove() throws.
   void Clear() override;
-  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count, before any event;
-  ///         "The object was not found in the collection" when a listener of the remove event has removed it already.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count, before any event; "The
+  ///         object was not found in the collection" when a listener of the remove event has already removed it.
   void Remove(int index) override;
 
  protected:
-  /// Each item adds its attributes to the open element; null items are passed over.
+  /// Each item adds its attributes to the open element; null items are skipped.
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
 
-  /// Add \p item, which may be null, at the end or in front. When a failure comes before it is in the list (from a
-  /// listener of the add event, or for want of memory), it stays the caller's: hold it in a CSmartPtr meanwhile.
+  /// Add \p item, which may be null, at the end or at the front. If this fails before the item is in the list (because
+  /// a listener of the add event throws, or when out of memory), the item stays the caller's: hold it in a CSmartPtr
+  /// during the call.
   ///@{
   void AppendItem(CXmlObjectBase* item);
   void PrependItem(CXmlObjectBase* item);
   ///@}
-  /// Add \p item in front of or behind the first node that holds \p anchor. A null anchor appends or prepends.
+  /// Add \p item before or after the first node that holds \p anchor. With a null anchor, AddBeforeItem() appends
+  /// \p item and AddAfterItem() prepends it.
   /// \throws CQnInvalidParamException "The object was not found in the collection", after the add event.
   ///@{
   void AddBeforeItem(CXmlObjectBase const* anchor, CXmlObjectBase* item);
@@ -149,16 +151,16 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(), before any event.
   void AddItemAt(int index, CXmlObjectBase* item);
 
-  /// Where a walk over the items begins; null for an empty list.
+  /// The first node, where a walk over the items begins; null for an empty list.
   CNode* GetFirstNode() const { return m_head; }
-  /// The node at \p index or the first node that holds \p item. The collection keeps owning it.
-  /// \throws CQnInvalidParamException when there is none.
+  /// The node at \p index or the first node that holds \p item. The collection keeps ownership of it.
+  /// \throws CQnInvalidParamException when there is no such node.
   ///@{
   CNode* GetNodeAtIndex(int index) const;
   CNode* GetNodeForItem(CXmlObjectBase const* item) const;
   ///@}
   /// Remove \p node, which must be a node of this collection, and free it.
-  /// \throws CQnInvalidParamException when a listener of the remove event has removed it already.
+  /// \throws CQnInvalidParamException when a listener of the remove event has already removed it.
   void RemoveNode(CNode* node);
 
  private:
@@ -172,8 +174,9 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
-  std::uint64_t m_removals = 0;  // so far
-  /// Where GetNodeAtIndex() was last, as a NodePlace, while that holds. Any number of threads may look at the same time.
+  std::uint64_t m_removals = 0;  // number of removals so far
+  /// The last place that GetNodeAtIndex() found, as a NodePlace, while it is valid. Any number of threads may search at
+  /// once.
   mutable std::atomic<std::uint64_t> m_lastPlace{0};
 };
 

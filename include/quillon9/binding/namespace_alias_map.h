@@ -7,8 +7,8 @@
 
 namespace Quillon9 {
 
-/// Holds the prefixes that a written document declares on its root, one for each namespace. They are declared in
-/// the byte order of the namespace URIs. Belongs to one thread at a time, also for const operations: see
+/// Holds the prefixes that a written document declares on its root, one for each namespace. They are declared in the
+/// byte order of the namespace URIs. Belongs to one thread at a time, even for const operations: see
 /// GetAliasFromNamespace().
 class QUILLON9_API CNamespaceAliasMap {
  public:
@@ -20,10 +20,10 @@ class QUILLON9_API CNamespaceAliasMap {
   ///@}
   virtual ~CNamespaceAliasMap();
 
-  /// Bind \p ns to \p alias, in place of the alias it had. Nothing checks that the alias is free: two namespaces
-  /// can share one.
+  /// Bind \p ns to \p alias, replacing any earlier alias of \p ns. This does not check whether the alias is in use: two
+  /// namespaces can share one.
   void Add(char const* alias, char const* ns);
-  /// Forget \p ns; an unknown namespace is no failure.
+  /// Remove \p ns. Does nothing if the namespace is unknown.
   void RemoveNamespace(char const* ns);
 
   /// The number of namespaces that are bound.
@@ -31,7 +31,7 @@ class QUILLON9_API CNamespaceAliasMap {
   /// The namespace at \p index in byte order of the URIs.
   /// \throws CQnException "Index %d is out of range" when \p index is not between 0 and GetNamespaceCount() - 1.
   std::string GetNamespaceAt(int index) const;
-  /// Whether this namespace is bound; whether some namespace has this alias.
+  /// Whether this namespace is bound; whether any namespace has this alias.
   ///@{
   bool DoesNamespaceExist(char const* ns) const;
   bool DoesAliasExist(char const* alias) const;
@@ -39,8 +39,8 @@ class QUILLON9_API CNamespaceAliasMap {
   /// The first namespace, in byte order, that has \p alias.
   /// \throws CQnException "Namespace alias [%s] not found".
   std::string GetNamespaceFromAlias(char const* alias) const;
-  /// The alias of \p ns. An unknown namespace is entered with an empty alias, which is returned: the lookup
-  /// changes the map. Ask DoesNamespaceExist() first where that is not wanted.
+  /// The alias of \p ns. If the namespace is unknown, this adds it with an empty alias and returns that: the lookup
+  /// changes the map. Call DoesNamespaceExist() first to avoid this.
   std::string GetAliasFromNamespace(char const* ns) const;
 
  private:

@@ -8,15 +8,15 @@ namespace Quillon9 {
 
 class CNode;
 
-/// Where the nodes of a collection stand: in blocks that grow with it, instead of one by one, which spares one percent
-/// of the instructions of reading. For collections; one thread at a time.
+/// Allocates the nodes of a collection in blocks that grow with it, instead of one by one, which makes reading cheaper.
+/// For collections; one thread at a time.
 class QUILLON9_API CNodePool {
  public:
-  /// As long as one of these lives, storage that is given back is not used again: a node that was there before can be
-  /// told by its address.
+  /// While a Pause exists, storage that is given back is not reused, so a node that existed before can be recognised by
+  /// its address.
   class Pause {
    public:
-    /// From now on. \p pool must outlive this.
+    /// Start the pause. \p pool must outlive it.
     explicit Pause(CNodePool& pool) noexcept : m_pool(pool) { ++m_pool.m_pauses; }
     ~Pause() { m_pool.EndPause(); }
     Pause(Pause const&) = delete;
@@ -29,14 +29,14 @@ class QUILLON9_API CNodePool {
   CNodePool() = default;
   CNodePool(CNodePool const&) = delete;
   CNodePool& operator=(CNodePool const&) = delete;
-  /// Nodes that are left lose their storage.
+  /// Frees the storage, including that of nodes that are left.
   ~CNodePool() { Clear(); }
 
-  /// Storage for a node.
-  /// \throws std::bad_alloc without a change.
+  /// Allocate storage for a node.
+  /// \throws std::bad_alloc when out of memory; the pool is then unchanged.
   void* Take();
-  /// Take back the storage of a node, which has been destroyed. With the last one all memory goes back, at the end of a
-  /// Pause if there is one.
+  /// Take back the storage of a node, which has been destroyed. When the last node comes back, all memory is freed, at
+  /// the end of a Pause if there is one.
   void Give(void* storage) noexcept;
 
  private:
@@ -49,7 +49,7 @@ class QUILLON9_API CNodePool {
   Block* m_newest = nullptr;
   Free* m_free = nullptr;
   Free* m_held = nullptr;   // given back during a pause
-  std::size_t m_count = 0;  // of the nodes that stand here
+  std::size_t m_count = 0;  // number of nodes in use
   std::size_t m_pauses = 0;
 };
 

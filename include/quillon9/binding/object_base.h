@@ -17,7 +17,7 @@ namespace Quillon9 {
 /// Receives the change events of collections.
 class QUILLON9_API IEventSink {
  public:
-  /// What happened, or is about to.
+  /// What happened, or is about to happen.
   enum MsgType {
     CollectionChange = 0,         ///< after every change; data is null
     CollectionAdd = 1,            ///< before an item enters; data is the object, or the address of the value
@@ -26,9 +26,9 @@ class QUILLON9_API IEventSink {
     CollectionRemoveComplete = 4  ///< after it left; data as for CollectionRemove
   };
 
-  /// \p sender is the collection. \p data is valid for the call only; an object that is being added may have no owner
-  /// yet, so a listener takes no CSmartPtr to it. What it throws stops the change if the event
-  /// comes before it, and reaches the caller of the change.
+  /// \p sender is the collection. \p data is valid only during the call; an object that is being added may not have an
+  /// owner yet, so a listener must not take a CSmartPtr to it. An exception reaches the caller of the change, and
+  /// prevents the change if the event precedes it.
   virtual void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) = 0;
 
  protected:
@@ -36,11 +36,11 @@ class QUILLON9_API IEventSink {
 };
 
 /// Implemented by generated classes for nillable elements. The library finds it by a cast at run time. A group without
-/// a tag inside such a class sees xsi:nil="false" too and refuses it unless it is nillable itself. Members that are
-/// values take no notice of xsi:nil.
+/// a tag inside such a class also sees xsi:nil="false" and refuses it unless the group is nillable itself. Members that
+/// are values ignore xsi:nil.
 class QUILLON9_API INillable {
  public:
-  /// Whether the element is nil: written with xsi:nil and without content.
+  /// Whether the element is nil, that is, written with xsi:nil and without content.
   virtual bool IsNil() const = 0;
   /// Called on reading when the element carries xsi:nil.
   virtual void SetNil(bool nil) = 0;
@@ -49,18 +49,18 @@ class QUILLON9_API INillable {
   ~INillable() = default;
 };
 
-/// Root of all that can be read from XML and written to XML: generated classes, collections, generic content.
+/// Root of everything that can be read from XML and written to XML: generated classes, collections, generic content.
 ///
-/// Objects are counted. A new one has count 0 and becomes owned when the first CSmartPtr takes it; one on the
-/// stack needs none. The count is atomic. A graph that somebody changes belongs to one thread at a time;
-/// any number of threads may write a graph that nobody changes.
+/// Objects are reference-counted. A new object has count 0 and becomes owned when the first CSmartPtr takes it; an
+/// object on the stack needs no owner. The count is atomic. A graph of objects that is being changed belongs to one
+/// thread at a time; any number of threads may write out a graph that no thread changes.
 ///
-/// Every reading operation fills this object from the document element, whatever its name is, and throws a
-/// CQnException of the family: plain for unreadable input, CQnValidationException "Failed to process the element
-/// [%s]", with the cause as innermost inner exception, for content that does not fit. A failure leaves the object
-/// as far as it was filled; nothing is rolled back.
+/// Every reading operation fills this object from the document element, whatever its name is, and throws a CQnException
+/// or a class derived from it: CQnException itself for unreadable input, CQnValidationException "Failed to process the
+/// element [%s]", with the cause as innermost inner exception, for content that does not fit. After a failure the
+/// object keeps what was read so far; nothing is rolled back.
 ///
-/// A derived class that overrides GetBase() writes `using CXmlGeneratedClass::GetBase;` (or its own base) to keep
+/// A derived class that overrides GetBase() writes `using CXmlGeneratedClass::GetBase;` (or names its own base) to keep
 /// the const form; one that overrides ToXml_Int() or FromXml_Int() calls the static forms as
 /// `CXmlObjectBase::ToXml_Int`.
 class QUILLON9_API CXmlObjectBase : public IEventSink {
@@ -69,37 +69,36 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   CXmlObjectBase(CXmlObjectBase const&) = delete;
   CXmlObjectBase& operator=(CXmlObjectBase const&) = delete;
 
-  /// For generated classes, to learn of changes in the collections they own. Does nothing here.
+  /// Overridden by generated classes to learn of changes in the collections that they own. Does nothing here.
   void OnEvent(CXmlObjectBase* sender, MsgType type, void* data) override;
 
   /// This object as a CXmlObjectBase.
   virtual CXmlObjectBase* GetBase() = 0;
 
-  /// Write a document to the file \p path, as ToXmlStream makes it. CFileBinaryStream::ToFile() replaces the file when
-  /// the document is complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
-  /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
-  ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToXmlStream() throws.
-  ///         Under AsyncToXmlFile(true) a failure leaves a part-written file.
+  /// Write a document to the file \p path, in the form that ToXmlStream() writes. CFileBinaryStream::ToFile() replaces
+  /// the file when the document is complete, unless AsyncToXmlFile(true) is in force and nothing is compressed.
+  /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib; "Failed to
+  ///         write data to the file [%s]" when not all of it reached the file; what ToXmlStream() throws. Under
+  ///         AsyncToXmlFile(true) a failure leaves a partly written file.
   virtual void ToXmlFile(char const* path, bool includeHeader = true, bool formatted = true,
                          XmlEncoding encoding = XmlEncoding_UTF8, EOLType eol = EOLType_LF,
                          CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                          CompressionType compression = CompressionType_None) const;
-  /// Write a document to the file \p path, as ToFastInfosetStream() makes it. CFileBinaryStream::ToFile() replaces the
-  /// file when the document is complete.
+  /// Write a document to the file \p path, in the form that ToFastInfosetStream() writes. CFileBinaryStream::ToFile()
+  /// replaces the file when the document is complete.
   /// \throws CQnException "ZLIB Compression only available for To Stream methods." for CompressionType_ZLib;
   ///         "Failed to write data to the file [%s]" when not all of it reached the file; what ToFastInfosetStream()
   ///         throws.
   virtual void ToFastInfosetFile(char const* path, FInfoDecl decl = FInfoDecl_None,
                                  CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                                  CompressionType compression = CompressionType_None) const;
-  /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted
-  /// one element a line, indented by tabs. Only where the code page is UTF-8, or the text pure ASCII, can the
-  /// result be read back by FromXml(), which takes undeclared text as UTF-8; ToXmlStream() and FromXmlStream()
-  /// always fit.
+  /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted puts
+  /// each element on a line of its own, indented by tabs. FromXml() takes undeclared text as UTF-8, so it can read the
+  /// result only if the code page is UTF-8 or the text is pure ASCII; ToXmlStream() and FromXmlStream() always match.
   /// \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as inner exception.
   virtual std::string ToXml(bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
                             CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const;
-  /// Write a document as encoded bytes, compressed where asked for.
+  /// Write a document as encoded bytes, compressed if \p compression asks for it.
   /// \throws CQnValidationException as ToXml; CQnException for XmlEncoding_Default, which has no encoded form, and
   ///         "Failed to compress data. [Error Code: %d]" for a document that compression does not make shorter.
   virtual CBinaryData ToXmlStream(bool includeHeader = true, bool formatted = true,
@@ -107,38 +106,40 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                                   CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                                   CompressionType compression = CompressionType_None) const;
   /// Write a document as Fast Infoset (Rec. ITU-T X.891), with the options of the context's GetFIContext(), compressed
-  /// where asked for. \p decl is the XML declaration in front of it.
-  /// \throws CQnValidationException as ToXml(), the cause being one of CFastInfosetWriter for a value that its encoding
-  ///         does not fit; CQnException "Failed to write FastInfoset. Invalid declaration value [%d]", and "Failed to
-  ///         compress data. [Error Code: %d]" for a document that compression does not make shorter.
+  /// if \p compression asks for it. \p decl is the XML declaration in front of it.
+  /// \throws CQnValidationException as ToXml(), with an exception of CFastInfosetWriter as the cause when a value does
+  ///         not fit its encoding; CQnException "Failed to write FastInfoset. Invalid declaration value [%d]", and
+  ///         "Failed to compress data. [Error Code: %d]" for a document that compression does not make shorter.
   virtual CBinaryData ToFastInfosetStream(
       FInfoDecl decl = FInfoDecl_None, CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
       CompressionType compression = CompressionType_None) const;
 
-  /// Read the document in the file \p path: XML text or Fast Infoset, which may be compressed by gzip or zlib.
+  /// Read the document in the file \p path: XML text or Fast Infoset, either of which may be compressed by gzip or
+  /// zlib.
   virtual void FromXmlFile(char const* path,
                            CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read a document from NUL-terminated text in the encoding that it declares (UTF-8 when it declares none,
   /// whatever the local code page is).
   virtual void FromXml(char const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read a document from NUL-terminated wide text. Characters above U+FFFF are cut to 16 bits.
+  /// Read a document from NUL-terminated wide text. Characters above U+FFFF are truncated to 16 bits.
   virtual void FromXml(wchar_t const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read a document from \p length bytes, which are only read: XML text or Fast Infoset, which may be compressed by
-  /// gzip or zlib.
-  /// \throws CQnException "XML Stream is empty!" for none.
+  /// Read a document from \p length bytes, which stay unchanged: XML text or Fast Infoset, either of which may be
+  /// compressed by gzip or zlib.
+  /// \throws CQnException "XML Stream is empty!" when there are no bytes.
   virtual void FromXmlStream(unsigned char* data, unsigned long length,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// The same with the bytes of \p data.
   virtual void FromXmlStream(CBinaryData const& data,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read from an element of a tree that was loaded already; the tree stays the caller's.
+  /// Read from an element of a tree that has already been loaded; the caller keeps ownership of the tree.
   /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CXmlElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read from generic content, by way of the text that \p element writes under the default context: what the local
-  /// code page cannot hold is lost on the way, and one that is neither UTF-8 nor ASCII cannot be read back.
+  /// Read from generic content, by way of the text that \p element writes under the default context: characters that
+  /// the local code page cannot represent are lost, and text in a code page that is neither UTF-8 nor ASCII cannot be
+  /// read back.
   /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
@@ -147,19 +148,19 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
 
   /// The namespace in which the element of this object is written at the document root.
   virtual std::string GetTargetNamespace() const = 0;
-  /// The namespace that the element descriptors of this object are given while reading.
+  /// The namespace that is passed to the element descriptors of this object during reading.
   virtual std::string GetNamespace() const = 0;
 
-  // The three operations that the public ones and the descriptors end in.
+  // The three operations to which the public ones and the descriptors delegate.
  protected:
   /// Write the attributes of this object on the open element. Does nothing here.
   virtual void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const;
-  /// Write this object as an element in the namespace \p ns. \p isRoot: it is the document element. \p inChoice: it is
-  /// the chosen member of a choice, which may be empty.
+  /// Write this object as an element in the namespace \p ns. \p isRoot says that it is the document element,
+  /// \p inChoice that it is the chosen member of a choice, which may be empty.
   virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                          bool inChoice) const = 0;
   /// Read this object from \p parent, whose attributes and text it may take, and from \p cursor, the first child that
-  /// nobody took yet (null for none). Returns the first child that this object did not take.
+  /// has not been taken yet (null for none). Returns the first child that this object did not take.
   virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                    bool inChoice) = 0;
 
@@ -167,23 +168,24 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.
   std::string const& GetElementName() const { return m_elementName; }
-  /// Set the name under which this object is written. Null counts as an empty one.
+  /// Set the name under which this object is written. Null counts as an empty name.
   void SetElementName(char const* name) { m_elementName = name != nullptr ? name : ""; }
   /// The same for a const object.
   CXmlObjectBase* GetBase() const { return const_cast<CXmlObjectBase*>(this)->GetBase(); }
 
-  /// Change the count and return the new one. Release() deletes the object when the count comes to 0. Any thread.
+  /// Change the count and return the new one. Release() deletes the object when the count reaches 0. Any thread may
+  /// call these.
   ///@{
   int AddRef() { return m_refCount.fetch_add(1, std::memory_order_relaxed) + 1; }
   int Release() {
-    // What any owner did to the object happens before its destruction.
+    // Everything that any owner did to the object must happen before its destruction.
     int const count = m_refCount.fetch_sub(1, std::memory_order_acq_rel) - 1;
     if (count == 0) delete this;
     return count;
   }
   ///@}
 
-  /// CXmlObjectHelper's operations of the same names, for generated code.
+  /// The operations of CXmlObjectHelper with the same names, for generated code.
   ///@{
   bool DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element, char const* name,
                             char const* ns) const;
@@ -191,7 +193,7 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   void TestNamespace(char const* ns, char const* list, char const* target) const;
   ///@}
 
-  /// Ways in to the operations above for generated collections and the like, which hold objects of other classes.
+  /// Access to the operations above for generated collections and similar code, which holds objects of other classes.
   ///@{
   static void AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
                                   CXmlSerializationContext const& ctx);
@@ -211,21 +213,21 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   ///@}
 
  protected:
-  /// Helpers for generated property setters. \p selected is kept by the generated class, one for each choice: the
-  /// name of the property now set, empty for none.
+  /// Helpers for generated property setters. \p selected is a string that the generated class keeps for each choice:
+  /// the name of the property that is currently set, empty for none.
 
-  /// Note that the member \p name of a choice was set to \p value, or was unset when \p value is null.
+  /// Record that the member \p name of a choice was set to \p value, or was unset when \p value is null.
   /// \throws CQnInvalidStateException "The Property [%s] is already set. Only one element within this class bay be
   ///         set at a time" when another member is set.
   void Choice_SelectElement(char const* name, CXmlObjectBase* value, std::string& selected);
-  /// Note that the collection \p name, a member of a choice, now holds \p count items.
+  /// Record that the collection \p name, a member of a choice, now holds \p count items.
   /// \throws CQnInvalidStateException as Choice_SelectElement.
   void Choice_CollectionChanged(char const* name, long count, std::string& selected);
-  /// Confirm a selection that was made already, or clear it when \p valid is false.
-  /// \throws CQnInvalidStateException "The Property %s is already set. Only one element within this class bay be
-  ///         set at a time" when anything but \p name is selected, nothing included.
+  /// Confirm a selection that has already been made, or clear it when \p valid is false.
+  /// \throws CQnInvalidStateException "The Property %s is already set. Only one element within this class bay be set at
+  ///         a time" unless \p name is selected.
   void Choice_SetElementValid(bool valid, char const* name, std::string& selected);
-  /// Read the items of \p col, a member of a choice, unless \p count says that it had its turn. What was read
+  /// Read the items of \p col, a member of a choice, unless \p count shows that it has already been read. Reading items
   /// moves \p cursor and raises \p count.
   /// \throws CQnValidationException for a count outside the limits of \p col.
   void Choice_Read_Collection(CXmlCollectionBase* col, CXmlElement* parent, CXmlElement*& cursor, long& count,
@@ -237,11 +239,11 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   void Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name);
 
  private:
-  friend class Quillon9Data::CElementInfo;  // the descriptors hand children their part of the tree
+  friend class Quillon9Data::CElementInfo;  // the descriptors give children their part of the tree
   friend class Quillon9Data::CAttributeInfo;
 
   std::string m_elementName;
-  std::atomic<int> m_refCount = 0;  // instead of a mutex and a count: four percent of reading, 40 bytes an object
+  std::atomic<int> m_refCount = 0;  // instead of a mutex and a count: faster and smaller
 };
 
 }  // namespace Quillon9

@@ -12,41 +12,41 @@
 
 namespace Quillon9 {
 
-/// The options of one read or write, filled by the caller and passed by const reference through every call: how
-/// strict reading is, and what the root of a written document gets.
+/// The options of one read or write: how strict reading is, and what is written at the root of a document. The caller
+/// fills them, and every call passes them on by const reference.
 ///
-/// No locks. It belongs to one thread while it changes; a context that nobody changes any more serves any number of
-/// threads at once, as m_defaultContext does.
+/// Takes no locks. A context belongs to one thread while it changes; once nothing changes it any more, any number of
+/// threads may use it at once, as they do m_defaultContext.
 class QUILLON9_API CXmlSerializationContext {
  public:
   CXmlSerializationContext();
-  /// Copies every option. The additional root attributes are shared with the copy if there are any.
+  /// Copies every option. The copy shares the additional root attributes, if there are any.
   ///@{
   CXmlSerializationContext(CXmlSerializationContext const& other);
   CXmlSerializationContext& operator=(CXmlSerializationContext const& other);
   ///@}
   virtual ~CXmlSerializationContext();
 
-  /// Drop an attribute that no descriptor takes instead of failing. Default false.
+  /// Drop an attribute that no descriptor takes, instead of failing. Default false.
   ///@{
   bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
   void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
   ///@}
 
-  /// Accept child elements that no descriptor takes. Default false. They are skipped where they are left over, in front
-  /// of a mandatory element of a sequence (with whatever else stands there, elements of later members included), and in
-  /// front of the member of a choice. In front of other members they end the reading of the element without a failure,
-  /// as any unknown one does in an all group.
+  /// Accept child elements that no descriptor takes. Default false. Such elements are skipped where they are left over,
+  /// before a mandatory element of a sequence (along with anything else that precedes it, including elements of later
+  /// members), and before the member of a choice. Before other members they end the reading of the element without a
+  /// failure, as any unknown element does in an all group.
   bool GetIgnoreUnknownElements() const { return m_ignoreUnknownElements; }
-  /// \throws CQnInvalidStateException when \p ignore is true and missing mandatory elements are ignored already:
-  ///         the two exclude each other. The option keeps false.
+  /// \throws CQnInvalidStateException when \p ignore is true and missing mandatory elements are already ignored: the
+  ///         two options exclude each other. The option stays false.
   void SetIgnoreUnknownElements(bool ignore);
 
-  /// Accept that a mandatory element is absent. Default false. It goes for values, enumerations and objects of known
-  /// classes with a tag, in a sequence of an element; not for an all group, abstract types, untyped content and groups
+  /// Accept that a mandatory element is absent. Default false. Applies to values, enumerations and objects of known
+  /// classes with a tag, in a sequence of an element; not to an all group, abstract types, untyped content and groups
   /// without a tag.
   bool GetIgnoreMissingMandatoryElements() const { return m_ignoreMissingMandatoryElements; }
-  /// \throws CQnInvalidStateException when \p ignore is true and unknown elements are ignored already.
+  /// \throws CQnInvalidStateException when \p ignore is true and unknown elements are already ignored.
   void SetIgnoreMissingMandatoryElements(bool ignore);
 
   /// Accept a choice with nothing set or found, on reading and writing. Default false. A choice with a member that is
@@ -62,8 +62,8 @@ class QUILLON9_API CXmlSerializationContext {
   void SetIgnoreInvalidCollectionCounts(bool ignore) { m_ignoreInvalidCollectionCounts = ignore; }
   ///@}
 
-  /// Match elements, and attributes that are enumerations, by local name alone. True when set, and for a schema without
-  /// namespaces in any case. Other attributes and untyped content are matched as always.
+  /// Match elements, and attributes that are enumerations, by local name only. True when set, and always for a schema
+  /// without namespaces. The matching of other attributes and of untyped content does not change.
   ///@{
   bool GetIgnoreNamespaces() const { return m_ignoreNamespaces || m_schemaType == SchemaType_DTD; }
   void SetIgnoreNamespaces(bool ignore) { m_ignoreNamespaces = ignore; }
@@ -81,19 +81,19 @@ class QUILLON9_API CXmlSerializationContext {
   void SetWriteTypeAttribute(bool write) { m_writeTypeAttribute = write; }
   ///@}
 
-  /// The kind of schema, SchemaType_XSD by default. Any number is accepted; only SchemaType_DTD is told apart.
+  /// The kind of schema, SchemaType_XSD by default. Any number is accepted; only SchemaType_DTD makes a difference.
   ///@{
   SchemaType GetSchemaType() const { return m_schemaType; }
   void SetSchemaType(SchemaType type) { m_schemaType = type; }
   ///@}
 
-  /// Read a CDATA section as plain text (true, the default), or keep its marks in the text (false).
+  /// Read a CDATA section as plain text (true, the default), or keep its delimiters in the text (false).
   ///@{
   bool GetStripCDATA() const { return m_stripCDATA; }
   void SetStripCDATA(bool strip) { m_stripCDATA = strip; }
   ///@}
 
-  /// Text to write inside the start tag of the root, such as a schema location attribute. It is written as given.
+  /// Text to write inside the start tag of the root, such as a schema location attribute. It is written verbatim.
   ///@{
   std::string const& GetInLineSchema() const { return m_inLineSchema; }
   void SetInLineSchema(char const* text) { m_inLineSchema = text != nullptr ? text : ""; }
@@ -105,31 +105,32 @@ class QUILLON9_API CXmlSerializationContext {
   void SetDefaultNamespaceURI(char const* uri) { m_defaultNamespaceURI = uri != nullptr ? uri : ""; }
   ///@}
 
-  /// The options of Fast Infoset, for direct changes. They live as long as this context.
+  /// The options of Fast Infoset, which the caller may change directly. They live as long as this context.
   ///@{
   CFastInfosetContext* GetFIContext() { return &m_fiContext; }
   CFastInfosetContext const* GetFIContext() const { return &m_fiContext; }
   ///@}
 
-  /// The prefixes to declare on the root, for direct changes. They live as long as this context.
+  /// The prefixes to declare on the root, which the caller may change directly. They live as long as this context.
   ///@{
   CNamespaceAliasMap* GetNamespaceAliases() { return &m_namespaceAliases; }
   CNamespaceAliasMap const* GetNamespaceAliases() const { return &m_namespaceAliases; }
   ///@}
 
-  /// The attributes to write on the root in front of its own, for direct changes; made when first asked for, with the
-  /// restriction "##any". Never null.
+  /// The attributes to write on the root before its own, which the caller may change directly; created by the first
+  /// call, with the restriction "##any". Never null.
   CSmartPtr<CAttributeCol> GetAdditionalRootAttributes() const;
-  /// The same, but null where nobody asked for them yet, for code that must not change a shared context.
+  /// The same, but null if nothing has asked for them yet; for code that must not change a shared context.
   CAttributeCol const* FindAdditionalRootAttributes() const;
 
-  /// The processing instructions to write before the root, each a whole `<?...?>`, for direct changes.
+  /// The processing instructions to write before the root, each a complete `<?...?>`. The caller may change them
+  /// directly.
   ///@{
   std::vector<std::string>& GetProcessingInstructions() { return m_processingInstructions; }
   std::vector<std::string> const& GetProcessingInstructions() const { return m_processingInstructions; }
   ///@}
 
-  /// The context of callers without wishes: every option at its default. Shared by the whole process.
+  /// The context for callers without special needs: every option at its default. Shared by the whole process.
   static CXmlSerializationContext m_defaultContext;
 
  private:

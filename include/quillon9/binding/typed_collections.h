@@ -20,31 +20,30 @@
 #include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 
-/// Collections of plain values, for repeating elements of primitive types: C, a kind in XML Schema style, Col. Each
-/// value is tested by the facets as it enters, and not again when it is written. Destroying a collection fires no
-/// event.
+/// Collections of plain values, for repeating elements of primitive types. A class name consists of C, a kind in XML
+/// Schema style, and Col. The facets check each value as it enters, and not again when it is written. Destroying a
+/// collection fires no event.
 namespace Quillon9 {
 
-/// What all collections of values share: the facets, and how a run of equally named elements is read.
+/// Base of all collections of values: the facets, and how a run of elements with the same name is read.
 class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
  public:
-  /// \p maxOccurs -1 means no upper limit; a null \p name or \p ns is an empty one; a negative length and an empty or
-  /// null text mean that this facet is not set. \p format, which decimals and floating-point numbers are written with,
-  /// is kept as it is and must outlive the collection (generated code passes literals or null); everything else is
-  /// copied.
+  /// \p maxOccurs -1 means no upper limit; a null \p name or \p ns counts as empty; a negative length and an empty or
+  /// null text mean that this facet is not set. \p format, with which decimals and floating-point numbers are written,
+  /// is not copied and must outlive the collection (generated code passes literals or null); everything else is copied.
   CXmlTypeCollection(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs, char const* pattern,
                      int minLength, int maxLength, char const* minInclusive, char const* maxInclusive,
                      char const* minExclusive, char const* maxExclusive, int length,
                      CWhitespaceUtils::WhitespaceRule rule, char const* format);
   ~CXmlTypeCollection() override;
 
-  /// Convert \p text after the collection's white-space rule and add the value.
+  /// Apply the collection's white-space rule to \p text, convert it and add the value.
   /// \throws what the conversion and Add() throw.
   virtual void AddFromString(std::string text) = 0;
 
  protected:
   /// Add the text of each element from \p cursor on that has this collection's name, however many there are; return the
-  /// first other one. The other arguments are not looked at. Values read in front of a failure stay.
+  /// first element with another name. The other arguments are ignored. Values read before a failure stay.
   /// \throws what AddFromString() throws.
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
@@ -107,11 +106,11 @@ class ValueList {
 
  private:
   std::vector<Value> m_items;
-  std::size_t m_first = 0;  // those in front of it have been removed
+  std::size_t m_first = 0;  // the values before this index have been removed
   std::uint64_t m_changes = 0;
 };
 
-/// What the collections of all kinds do alike with the values that they hold.
+/// The operations on values that the collections of all kinds share.
 template <class Value>
 class QUILLON9_API ValueCol : public CXmlTypeCollection {
  public:
@@ -119,7 +118,7 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
 
   /// The number of values.
   int GetCount() const override { return m_items.Count(); }
-  /// Remove(0) until nothing is left.
+  /// Call Remove(0) until the collection is empty.
   /// \throws CQnException "The collection [%s] is filled while it is cleared" for a listener that adds without end.
   void Clear() override {
     ClearGuard guard(*this);
@@ -128,7 +127,7 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
       guard.Check();
     }
   }
-  /// The remove event comes before \p index is looked at. The event behind it always tells the index 0.
+  /// The remove event precedes the check of \p index. The event after the removal always has the index 0.
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
   void Remove(int index) override {
     FireOnCollectionRemove(index);
@@ -138,16 +137,16 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     FireOnCollectionChange();
   }
 
-  /// Remove all values that \p isUnwanted, a function of one value, says true of, and return how many there were. This
-  /// takes the time of one pass over the values, whereas Remove() from the middle moves those on the shorter side each
-  /// time. \p isUnwanted is asked once for each value, in order; it must not change the collection.
+  /// Remove all values for which \p isUnwanted, a function of one value, returns true, and return their number. This
+  /// takes one pass over the values, whereas every Remove() from the middle moves the values on the shorter side.
+  /// \p isUnwanted is called once for each value, in order; it must not change the collection.
   ///
-  /// CollectionRemove tells the index of each of them, from the last to the first, and nothing has changed yet. Then all
-  /// go at once. CollectionRemoveComplete follows as often, with the index 0, and CollectionChange once. There is no
-  /// event when nothing is to go.
+  /// CollectionRemove is fired with the index of each of these values, from the last to the first, before anything
+  /// changes. Then all are removed at once. CollectionRemoveComplete follows as many times, with the index 0, and
+  /// CollectionChange once. There is no event when nothing is removed.
   /// \throws what \p isUnwanted or a listener of CollectionRemove throws, or CQnInvalidStateException "The collection
-  ///         [%s] was changed while values were removed from it" when that listener did so: then no value has been
-  ///         removed here. What other listeners throw, after the values have gone.
+  ///         [%s] was changed while values were removed from it" when such a listener changed it: then no value has
+  ///         been removed here. What other listeners throw, after the values have been removed.
   template <class Predicate>
   int RemoveIf(Predicate isUnwanted) {
     std::vector<bool> unwanted;
@@ -164,7 +163,7 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
 
   /// The values in order, for range-for. Valid until the collection changes.
   auto begin() const { return m_items.begin(); }
-  /// Behind the last one.
+  /// The end of the values.
   auto end() const { return m_items.end(); }
 
  protected:
@@ -174,9 +173,9 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     CheckItemIndex(index);
     return m_items.At(index);
   }
-  /// Insert \p value, a copy that no listener can take away. The add event comes first, before the index is looked at
-  /// and \p check, with the address of the value as data; a failure of these leaves the collection as it was, one of
-  /// the listeners behind them leaves the value in it.
+  /// Insert \p value, a copy that no listener can remove. The add event, with the address of the value as data,
+  /// precedes the checks of the index and by \p check; a failure up to this point leaves the collection unchanged, a
+  /// failure of a later listener leaves the value in it.
   template <class Check>
   void Insert(int index, Value value, Check check) {
     FireOnCollectionAdd(&value);
@@ -200,8 +199,8 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
   ValueList<Value> m_items;
 };
 
-/// One family of operations for every kind of value. `Kind` tells the held type, how it is passed, its ItemType, and
-/// the conversion and the facet check that belong to it.
+/// One family of operations for every kind of value. `Kind` supplies the type of the values, how they are passed, their
+/// ItemType, and the matching conversions and facet check.
 template <class Kind>
 class CTypedColImpl : public ValueCol<typename Kind::Value> {
  public:
@@ -216,16 +215,15 @@ class CTypedColImpl : public ValueCol<typename Kind::Value> {
                 char const* maxExclusive, int length, CWhitespaceUtils::WhitespaceRule rule, char const* format);
   ~CTypedColImpl() override;
 
-  /// AddAt() the end.
+  /// Insert \p value at the end, as AddAt() does.
   void Add(Argument value);
-  /// Insert \p value, which may be one of this collection, at \p index. The add event comes first, before the index and
-  /// the facets are looked at, with the address of the value as data; a failure after it leaves the collection as it
-  /// was.
+  /// Insert \p value, which may be one of this collection, at \p index. The add event, with the address of the value as
+  /// data, precedes the checks of the index and the facets; a failure of these leaves the collection unchanged.
   /// \throws CQnInvalidParamException "Index out of range" unless \p index is 0 to GetCount(); CQnException for a
-  ///         broken facet and a pattern that does not compile, CQnInvalidValueException for a bound that does not
+  ///         broken facet and for a pattern that does not compile, CQnInvalidValueException for a bound that does not
   ///         parse; CQnException "The collection [%s] is full" at 2,147,483,647 values; what a listener throws.
   void AddAt(int index, Argument value);
-  /// Convert \p text after the collection's white-space rule and add the value.
+  /// Apply the collection's white-space rule to \p text, convert it and add the value.
   /// \throws CQnInvalidValueException for a text that does not convert, and the other failures of
   ///         CConversions; what Add() throws.
   void AddFromString(std::string text) override;
@@ -235,12 +233,12 @@ class CTypedColImpl : public ValueCol<typename Kind::Value> {
 
  protected:
   /// \throws CQnValidationException for a count outside its limits, before anything is written; what the conversion to
-  ///         text throws, with the element of this value open.
+  ///         text throws, while the element of this value is open.
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
 };
 
-/// A kind whose conversion to text takes no format, and one whose conversion does.
+/// PlainKind converts to text without a format, FormattedKind with one.
 template <class V, class A, ItemType number, auto fromString, auto toString, auto check>
 struct PlainKind {
   using Value = V;
@@ -257,11 +255,11 @@ struct FormattedKind : PlainKind<V, A, number, fromString, toString, check> {
   static std::string ToText(V const& value, char const* format) { return toString(value, format); }
 };
 
-// How the kinds differ: in the type that they hold and in how it is passed (strings by value); whether their conversion
-// to text takes the collection's format (Formatted); and CbooleanCol holds a vector of bits, whose items have no
-// address of their own. The five kinds that hold a CDateTime are a family of their own, CdatetimeBaseCol: there the
-// type of the value and the facets are checked before the first event, a sister's value is never converted, and every
-// value goes to the writer as ItemType_datetime.
+// How the kinds differ: in the type of their values and how these are passed (strings by value), and in whether their
+// conversion to text takes the collection's format (Formatted). CbooleanCol holds a vector of bits, whose items have no
+// address of their own. The five kinds that hold a CDateTime form a family of their own, CdatetimeBaseCol: it checks
+// the type of the value and the facets before the first event, never converts a value of another type, and passes every
+// value to the writer as ItemType_datetime.
 //
 // clang-format off
 #define QN_KIND(Style, stem, V, A)                                                                              \
@@ -299,7 +297,7 @@ QN_KIND(Plain,     integer,      CBigInteger,   CBigInteger const&)
 
 }  // namespace detail
 
-// The members. They add nothing to their kind but a name.
+// The concrete classes. They only give their kind a name.
 
 /// A collection of octets, spelled as `hexBinary`.
 class QUILLON9_API ChexBinaryCol : public detail::CTypedColImpl<detail::hexBinaryKind> {
@@ -343,28 +341,28 @@ class QUILLON9_API Ci8Col : public detail::CTypedColImpl<detail::i8Kind> {
   ~Ci8Col() override;
 };
 
-/// A collection of 8-bit integers without sign: `unsignedByte`.
+/// A collection of unsigned 8-bit integers: `unsignedByte`.
 class QUILLON9_API Cui1Col : public detail::CTypedColImpl<detail::ui1Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui1Col() override;
 };
 
-/// A collection of 16-bit integers without sign: `unsignedShort`.
+/// A collection of unsigned 16-bit integers: `unsignedShort`.
 class QUILLON9_API Cui2Col : public detail::CTypedColImpl<detail::ui2Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui2Col() override;
 };
 
-/// A collection of 32-bit integers without sign: `unsignedInt`.
+/// A collection of unsigned 32-bit integers: `unsignedInt`.
 class QUILLON9_API Cui4Col : public detail::CTypedColImpl<detail::ui4Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~Cui4Col() override;
 };
 
-/// A collection of 64-bit integers without sign: `unsignedLong`.
+/// A collection of unsigned 64-bit integers: `unsignedLong`.
 class QUILLON9_API Cui8Col : public detail::CTypedColImpl<detail::ui8Kind> {
  public:
   using CTypedColImpl::CTypedColImpl;
@@ -413,14 +411,14 @@ class QUILLON9_API CdayCol : public detail::CTypedColImpl<detail::dayKind> {
   ~CdayCol() override;
 };
 
-/// A collection of texts: `string` and what derives from it.
+/// A collection of strings: `string` and the types derived from it.
 class QUILLON9_API CstringCol : public detail::CTypedColImpl<detail::stringKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
   ~CstringCol() override;
 };
 
-/// A collection of truth values: `boolean`.
+/// A collection of Boolean values: `boolean`.
 class QUILLON9_API CbooleanCol : public detail::CTypedColImpl<detail::booleanKind> {
  public:
   using CTypedColImpl::CTypedColImpl;
@@ -441,8 +439,8 @@ class QUILLON9_API CintegerCol : public detail::CTypedColImpl<detail::integerKin
   ~CintegerCol() override;
 };
 
-/// The base of the collections of dates and times. Unlike the others, a member first tests the type of the value and
-/// then its facets, so that a value that fails never reaches the listeners, and the index last.
+/// The base of the collections of dates and times. Unlike the other collections, these check the type of the value
+/// first and then its facets, so that a value that fails never reaches the listeners, and the index last.
 class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
  public:
   /// The arguments are those of CXmlTypeCollection.
@@ -452,7 +450,7 @@ class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
                    CWhitespaceUtils::WhitespaceRule rule, char const* format);
   ~CdatetimeBaseCol() override;
 
-  /// AddAt() the end.
+  /// Insert \p value at the end, as AddAt() does.
   virtual void Add(CDateTime const& value);
   /// Insert \p value, which may be one of this collection, at \p index.
   /// \throws CQnInvalidParamException "Dates added to this collection must be of type %s" for a value of another type,
@@ -461,21 +459,21 @@ class QUILLON9_API CdatetimeBaseCol : public detail::ValueCol<CDateTime> {
   virtual void AddAt(int index, CDateTime const& value) = 0;
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
   virtual CDateTime Item(int index) const;
-  /// The text of \p value in the form of this member.
+  /// The text of \p value in the format of this class.
   /// \throws CQnInvalidValueException "Date Not Set".
   virtual std::string ItemToString(CDateTime const& value) const = 0;
 
  protected:
-  /// Every member gives its values to the writer as ItemType_datetime. Throws as in the other collections.
+  /// Every class passes its values to the writer as ItemType_datetime. Throws as the other collections do.
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
-  /// What AddAt() ends in: the add event, the index, the value, the events behind it.
+  /// The last step of AddAt(): fire the add event, check the index, insert the value, fire the remaining events.
   void BaseAddAt(int index, CDateTime const& value);
   /// \throws CQnInvalidParamException when \p value is not of \p type.
   static void CheckType(CDateTime const& value, CDateTime::DTType type, char const* typeName);
 };
 
-// The members; the arguments are those of CXmlTypeCollection without the first.
+// The concrete classes; the arguments are those of CXmlTypeCollection without the first.
 
 /// A collection of `date` values.
 class QUILLON9_API CdateCol : public CdatetimeBaseCol {
