@@ -35,7 +35,7 @@ class Identity {
  public:
   Identity(uid_t user, gid_t group) {
     m_groups.resize(static_cast<std::size_t>(::getgroups(0, nullptr)));
-    static_cast<void>(::getgroups(static_cast<int>(m_groups.size()), m_groups.data()));
+    EXPECT_EQ(static_cast<int>(m_groups.size()), ::getgroups(static_cast<int>(m_groups.size()), m_groups.data()));
     EXPECT_EQ(0, ::setgroups(0, nullptr));
     EXPECT_EQ(0, ::setegid(group));
     EXPECT_EQ(0, ::seteuid(user));
