@@ -115,7 +115,7 @@ bool Read(COrder& order, char const* text) try {
 } catch (CQnException const& failure) {  // could not be parsed at all, or is too large, or ...
   std::cout << "the input: " << failure.GetMessage() << '\n';
   return false;
-} catch (std::bad_alloc const&) {  // not of the family
+} catch (std::bad_alloc const&) {  // not a CQnException
   std::cout << "no memory\n";
   return false;
 }
@@ -133,7 +133,7 @@ void Write() {
   std::cout << "[write]\n";
   // [write]
   COrder order;
-  order.m_shipTo->m_zip = 100000;  // the facet allows 99999 at most
+  order.m_shipTo->m_zip = 100000;  // the facet allows at most 99999
   try {
     std::cout << order.ToXml();
   } catch (CQnException const& failure) {

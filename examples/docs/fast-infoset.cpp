@@ -95,7 +95,7 @@ void Vocabulary() {
   again.FromXmlStream(octets, ctx);
   std::cout << again.m_sensor << ' ' << again.m_value.ToString() << '\n';
   try {
-    again.FromXmlStream(octets);  // a reader without it
+    again.FromXmlStream(octets);  // read without the vocabulary
   } catch (CQnException const& failure) {
     std::cout << failure.GetMessage() << '\n';
   }
@@ -107,7 +107,7 @@ void Refused() {
   CReading reading;
   Fill(reading);
   // [refused]
-  reading.m_taken.ParseXSDDateTime("2024-05-06T07:08:09.5Z");  // the date alphabet has no point
+  reading.m_taken.ParseXSDDateTime("2024-05-06T07:08:09.5Z");  // the date alphabet lacks the decimal point
   CXmlSerializationContext ctx;
   ctx.GetFIContext()->SetSuggestedValues();
   try {

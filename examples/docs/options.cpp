@@ -60,10 +60,10 @@ void Lenient() {
   char const* const text =
       "<note version='2' lang='de'><title>Milk</title><line>1</line><line>2</line><line>3</line><more/></note>";
   CXmlSerializationContext ctx;
-  ctx.SetIgnoreNamespaces(true);               // the document has none
-  ctx.SetIgnoreUnknownAttributes(true);        // version
-  ctx.SetIgnoreUnknownElements(true);          // more
-  ctx.SetIgnoreInvalidCollectionCounts(true);  // a third line
+  ctx.SetIgnoreNamespaces(true);               // the document has no namespaces
+  ctx.SetIgnoreUnknownAttributes(true);        // for the attribute version
+  ctx.SetIgnoreUnknownElements(true);          // for the element more
+  ctx.SetIgnoreInvalidCollectionCounts(true);  // for the third line
   CNote note;
   note.FromXml(text, ctx);
   std::cout << note.m_title << ' ' << note.m_lines->GetCount() << '\n';

@@ -11,7 +11,7 @@ using namespace Quillon9;
 
 namespace {
 
-/// The text with each byte that is no visible ASCII as hexadecimal digits.
+/// Return the text with each byte that is not visible ASCII as hexadecimal digits.
 std::string Shown(std::string const& text) {
   std::string shown;
   for (char const character : text) {
@@ -80,7 +80,7 @@ void Wide() {
   std::cout << Shown(document.GetDocumentElement()->GetText()) << '\n';
   document.LoadXml(L"<p>\U0001F600</p>");  // as one wide character: cut to U+F600
   std::cout << Shown(document.GetDocumentElement()->GetText()) << '\n';
-  std::cout << Shown(UnicodeToMultiByte(L"\U0001F600")) << '\n';  // this way it is kept
+  std::cout << Shown(UnicodeToMultiByte(L"\U0001F600")) << '\n';  // this keeps it
   // [wide]
 }
 
@@ -92,7 +92,7 @@ void LineEnds() {
 
 int main() {
   // [start]
-  std::setlocale(LC_ALL, "C.UTF-8");  // or "", where the user's locale is one of UTF-8; before any thread runs
+  std::setlocale(LC_ALL, "C.UTF-8");  // or "", if the user's locale is a UTF-8 one; before other threads run
   // [start]
   Memory();
   Input();

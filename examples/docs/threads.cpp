@@ -52,7 +52,7 @@ CXmlSerializationContext MakeOptions() {
 }
 
 std::vector<std::string> WriteAll(std::size_t count) {
-  CXmlSerializationContext const options = MakeOptions();  // const: nobody changes it from here on
+  CXmlSerializationContext const options = MakeOptions();  // const: no thread changes it from here on
   std::vector<std::string> texts(count);
   std::vector<std::thread> threads;
   for (std::size_t i = 0; i < count; ++i) {

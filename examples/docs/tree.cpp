@@ -41,7 +41,7 @@ void Find() {
   // [find]
   CXmlElement const& library = *document.GetDocumentElement();
   for (CXmlElement const& book : library.Children("book")) {
-    CXmlElement const* const title = book.Children("title").First();  // null where there is none
+    CXmlElement const* const title = book.Children("title").First();  // null if there is none
     CXmlAttribute const* const lent = book.FindAttribute("lent");
     std::cout << book.GetAttribute("id", "") << ' ' << (title != nullptr ? title->GetText() : "untitled")
               << (lent != nullptr ? ", lent" : "") << '\n';
@@ -76,7 +76,7 @@ void Scopes() {
   CXmlDocument document;
   document.LoadXml("<a xmlns:p='urn:one'><p:b/><p:b xmlns:p='urn:two'/></a>");
   for (CXmlElement const& b : document.GetDocumentElement()->Children("b")) std::cout << b.GetNamespaceURI() << ' ';
-  std::cout << document.LookupNamespaceFromAlias("p") << '\n';  // the last declaration, wherever it stood
+  std::cout << document.LookupNamespaceFromAlias("p") << '\n';  // the last declaration, wherever it was
   // [aliases]
   std::cout << "[declarations]\n";
   // [declarations]
@@ -107,7 +107,7 @@ void ChangeAndWrite() {
   document.Load(DOCUMENT);
   // [change]
   CXmlElement& library = *document.GetDocumentElement();
-  delete library.RemoveLastChildElement();  // the map, whose owner is the caller from here on
+  delete library.RemoveLastChildElement();  // the map, which the caller owns from here on
   CXmlElement& added = *library.CreateNewChildElement();
   added.SetElementName("book");
   added.SetNamespace("urn:example:library");
@@ -161,7 +161,7 @@ void Detach() {
 // [filter]
 int g_titles = 0;
 
-bool CountTitles(CXmlElement* element) {  // sees each element when it is complete, children first
+bool CountTitles(CXmlElement* element) {  // called for each complete element, children first
   if (element->GetLocalName() == "title") ++g_titles;
   return true;  // drop it: the tree never holds more than the open elements
 }

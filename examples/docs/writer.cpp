@@ -11,7 +11,7 @@ using namespace Quillon9Data;
 
 namespace {
 
-/// The text with its line ends made visible.
+/// Return the text with its line ends made visible.
 std::string Shown(std::string const& text) {
   std::string shown;
   for (char const character : text) {
@@ -53,13 +53,13 @@ void Namespaces() {
   CXmlTextWriter writer(text);
   writer.Open();
   writer.SetDefaultNamespace("urn:example:stock");  // declared by the document element
-  writer.AddNamespace("u", "urn:example:units");    // so is this one
+  writer.AddNamespace("u", "urn:example:units");    // and so is this one
   writer.WriteStartElement("stock", "urn:example:stock");
   writer.WriteStartElement("mass", "urn:example:stock");
   writer.WriteAttributeString("unit", "urn:example:units", "kg", ItemType_string);
   writer.WriteString("7.5", ItemType_decimal);
   writer.WriteEndElement();
-  writer.WriteTextElement("place", "urn:example:places", "Oban", ItemType_string);  // gets a prefix of its own
+  writer.WriteTextElement("place", "urn:example:places", "Oban", ItemType_string);  // gets a generated prefix
   writer.WriteEndElement();
   writer.Close();
   std::cout << text.GetText();
@@ -84,7 +84,7 @@ void Layout() {
 }
 
 // [document]
-// The same calls for every form of output.
+// Make the same calls for every form of output.
 void WriteStock(CXmlWriter& writer) {
   writer.WriteStartElement("stock", "urn:example:stock");
   for (int number = 1; number <= 40; ++number) {
@@ -182,7 +182,7 @@ class CPathWriter : public CXmlWriter {
   void WritePI(std::string const&) override {}
   void WriteInlineSchema(std::string const&) override {}
   void WriteStartElement(std::string const& localName, std::string const& namespaceUri) override {
-    if (m_context != nullptr) m_context->m_tagOpen = false;  // no attributes any more
+    if (m_context != nullptr) m_context->m_tagOpen = false;  // no more attributes
     m_context = NewContext(localName, namespaceUri);
   }
   void WriteString(std::string const& value, ItemType) override {

@@ -12,7 +12,7 @@ namespace Atom {
 
 char const kNamespace[] = "http://www.w3.org/2005/Atom";
 
-// ---- What the classes share
+// ---- Common parts of the classes
 
 namespace {
 
@@ -39,11 +39,11 @@ void DescribeAttributes(CMetaData& data, std::initializer_list<AttributeRow> row
   for (AttributeRow const& row : rows) *next++ = Attribute(row);
   *next++ = Attribute({"base", Property_base, true, kXmlNamespace});
   *next++ = Attribute({"lang", Property_lang, true, kXmlNamespace});
-  // Takes all that is offered, so it stands behind the others.
+  // Accepts every attribute, so it comes after the others.
   *next = new CAttributeInfoAny("", "", Property_anyAttribute, true, kAnyNamespace, kNamespace, nullptr);
 }
 
-/// A class with a tag, whose content is \p text and what \p content takes.
+/// Describe a class with a tag, whose content is \p text and what \p content accepts.
 void Describe(CMetaData& data, char const* typeName, int text, std::unique_ptr<CElementInfo> content,
               std::initializer_list<AttributeRow> rows) {
   data.m_classInfo = new CParentElementInfo(XmlElementGroupType_Sequence, XmlElementType_Element, typeName, kNamespace,
@@ -75,7 +75,7 @@ struct MemberRow {
   Factory::ClassId classId;
 };
 
-// A class without a tag is shown the attributes of the enclosing element, so it rejects none.
+// A class without a tag sees the attributes of the enclosing element, so it rejects none.
 template <std::size_t n>
 void DescribeChoice(CMetaData& data, MemberRow const (&rows)[n]) {
   data.m_classInfo =
@@ -86,7 +86,7 @@ void DescribeChoice(CMetaData& data, MemberRow const (&rows)[n]) {
     *next++ = new CElementInfoChoiceClsOpt(row.name, kNamespace, row.property, XmlElementType_Element,
                                            &Factory::CreateObject, row.classId);
   }
-  // Takes any element, so it stands behind the others.
+  // Accepts any element, so it comes after the others.
   *next = new CElementInfoChoiceUntpdOpt("AnyElement", "", Property_any, kAnyNamespace, kNamespace);
   data.m_attributes = new CAttributeInfo* [1] {};
 }
@@ -135,7 +135,7 @@ constexpr MemberRow kFeedMembers[] = {{"author", Property_author, Factory::Class
                                       {"title", Property_title, Factory::ClassId_Text},
                                       {"updated", Property_updated, Factory::ClassId_Date}};
 
-// The collection stays; reading fills it.
+// The collection object stays; reading fills it.
 void AccessCollection(CXmlCollectionBase* property, bool read, QnVariant& value) {
   if (read) value.SetXmlCollection(property);
 }
@@ -172,7 +172,7 @@ void CMemberCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeriali
   for (CMember const& member : *this) CXmlObjectBase::ToXml_Int(&member, writer, false, ns, ctx, false);
 }
 
-// One member for each sibling. It has no tag, so it reads among them by itself.
+// Reads one member for each sibling. The member has no tag, so it reads from the siblings itself.
 CXmlElement* CMemberCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                      bool) {
   while (cursor != nullptr) {
@@ -185,7 +185,7 @@ CXmlElement* CMemberCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, C
   return cursor;
 }
 
-// ---- What has a tag
+// ---- Classes with a tag
 
 CCommonType::CCommonType(char const* elementName, CMetaData& metaData)
     : CAtomObject(elementName, metaData), m_anyAttribute(new CAttributeCol("", kAnyNamespace, kNamespace)) {}
@@ -209,7 +209,7 @@ void CCommonType::AccessProperty(int index, bool read, QnVariant& value) {
   if (index == Property_anyAttribute) return AccessCollection(m_anyAttribute, read, value);
   auto const property = static_cast<Property>(index);
   if (!read) return Set(property, value.GetString());
-  if (std::optional<std::string> text = Get(property)) value.SetString(*std::move(text));  // an absent one is not valid
+  if (std::optional<std::string> text = Get(property)) value.SetString(*std::move(text));  // otherwise it stays invalid
 }
 
 static CMetaData s_simple([](CMetaData& data) { DescribeSimple(data, "simpleType", {}); });
@@ -231,7 +231,7 @@ void CDateType::Init() {
   m_dateTime.Clear();
 }
 
-// The text of an element travels as a string, whatever its type is.
+// The text of an element is passed as a string, whatever its type is.
 void CDateType::AccessProperty(int index, bool read, QnVariant& value) {
   if (index != Property_text) return CCommonType::AccessProperty(index, read, value);
   if (read) return value.SetString(m_dateTime.ToString());

@@ -7,12 +7,12 @@
 #include "../support/meta_data.h"
 #include "quillon9/quillon9.h"
 
-/// The classes of feed.xsd: the Atom Syndication Format (RFC 4287). What the schema does not know, elements and
-/// attributes of any name and namespace, is kept as generic content in its place.
+/// The classes of feed.xsd: the Atom Syndication Format (RFC 4287). Elements and attributes of any name and namespace
+/// that the schema does not declare are kept in place as generic content.
 ///
-/// Texts are in the code page of the process locale. Values that may be absent are optional, objects that may be are
-/// null. What getters return stays its object's, and a read replaces it. There are setters for what the program edits.
-/// Objects live in CSmartPtr; one graph of them belongs to one thread at a time.
+/// Texts are in the code page of the process locale. Values that may be absent are optional, objects that may be absent
+/// are null. What getters return belongs to its object, and a read replaces it. There are setters for what the program
+/// edits. Objects live in CSmartPtr; only one thread at a time may use a graph of them.
 namespace Atom {
 
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
@@ -63,7 +63,7 @@ enum Property {
   Property_version
 };
 
-/// What all classes have in common.
+/// The common base of all classes.
 class CAtomObject : public Quillon9::CXmlGeneratedClass {
  public:
   using CXmlGeneratedClass::GetBase;
@@ -81,12 +81,12 @@ class CAtomObject : public Quillon9::CXmlGeneratedClass {
   CMetaData& m_metaData;
 };
 
-/// One child of a container: a choice of objects, the generic Quillon9::CElement among them. No tag.
+/// One child of a container: a choice of objects, including the generic Quillon9::CElement. It has no tag.
 class CMember : public CAtomObject {
  public:
   explicit CMember(CMetaData& metaData) : CAtomObject("member", metaData) {}
 
-  /// The member of the choice that is set; meaningless when the object is null.
+  /// Return the member of the choice that is set; meaningless if the object is null.
   Property GetProperty() const { return m_property; }
   Quillon9::CXmlObjectBase* GetObject() const { return m_object; }
   /// Share \p object with the caller.
@@ -100,11 +100,11 @@ class CMember : public CAtomObject {
   CSmartPtr<Quillon9::CXmlObjectBase> m_object;
 };
 
-/// The children of a container. They come in any order and number, which is a choice that is repeated: this is one
+/// The children of a container. They come in any order and number, so the schema has a repeated choice: this holds one
 /// round of it after the other, in document order.
 class CMemberCol : public Quillon9::CXmlCollection {
  public:
-  /// Walks the members.
+  /// Iterates over the members.
   class Iterator {
    public:
     explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
@@ -124,7 +124,8 @@ class CMemberCol : public Quillon9::CXmlCollection {
 
   Iterator begin() const { return Iterator(GetFirstNode()); }
   Iterator end() const { return Iterator(nullptr); }
-  /// Append \p object, which becomes shared with the caller. It must be what the schema has under \p property.
+  /// Append \p object, which becomes shared with the caller. Its class must be the one that the schema has for \p
+  /// property.
   void Add(Property property, Quillon9::CXmlObjectBase* object);
 
  protected:
@@ -137,12 +138,12 @@ class CMemberCol : public Quillon9::CXmlCollection {
   CMetaData& m_choice;
 };
 
-/// Abstract: what has a tag. Its texts are in one place, by their properties.
+/// Abstract base of the classes with a tag. Their texts are stored in one place, by property.
 class CCommonType : public CAtomObject {
  public:
   std::optional<std::string> GetXmlBase() const { return Get(Property_base); }
   std::optional<std::string> GetXmlLang() const { return Get(Property_lang); }
-  /// The attributes that the schema does not know.
+  /// Return the attributes that the schema does not declare.
   Quillon9::CAttributeCol* GetAnyAttribute() const { return m_anyAttribute; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -158,7 +159,7 @@ class CCommonType : public CAtomObject {
   CSmartPtr<Quillon9::CAttributeCol> const m_anyAttribute;
 };
 
-/// A text: an IRI, a name.
+/// A text, such as an IRI or a name.
 class CSimpleType : public CCommonType {
  public:
   explicit CSimpleType(char const* elementName);
@@ -191,7 +192,7 @@ class CDateType : public CCommonType {
   Quillon9::CDateTime m_dateTime;
 };
 
-/// Abstract: text and elements of any kind. The text is kept in one piece, and written behind the elements.
+/// Abstract base for text and elements of any kind. The text is kept in one piece and written after the elements.
 class COpenType : public CSimpleType {
  public:
   Quillon9::CElementCol* GetAny() const { return m_any; }
@@ -206,17 +207,17 @@ class COpenType : public CSimpleType {
   CSmartPtr<Quillon9::CElementCol> const m_any;
 };
 
-/// A title, a summary, the content of an entry: as the type says plain text, escaped HTML, an element of XHTML, or what
-/// has that media type.
+/// A title, a summary or the content of an entry. Depending on the type, it is plain text, escaped HTML, an XHTML
+/// element, or content of that media type.
 class CTextType : public COpenType {
  public:
   explicit CTextType(char const* elementName);
 
   /// Absent means "text".
   std::optional<std::string> GetType() const { return Get(Property_type); }
-  /// Where the content is, if it is not here. Of content alone.
+  /// Return where the content is, if it is not here. Only content has this.
   std::optional<std::string> GetSrc() const { return Get(Property_src); }
-  /// Make it the plain text \p value.
+  /// Replace the content with the plain text \p value.
   void SetPlainText(std::string value);
 };
 
@@ -239,16 +240,16 @@ class CLinkType : public COpenType {
   std::optional<std::string> GetType() const { return Get(Property_type); }
   std::optional<std::string> GetHreflang() const { return Get(Property_hreflang); }
   std::optional<std::string> GetTitle() const { return Get(Property_title); }
-  /// Octets, as a text.
+  /// Return the number of octets, as text.
   std::optional<std::string> GetLength() const { return Get(Property_length); }
 };
 
-/// Abstract: what consists of members.
+/// Abstract base of the classes that consist of members.
 class CContainerType : public CCommonType {
  public:
-  /// The collection is this object's for life: reading empties and fills it.
+  /// The collection belongs to this object for its whole life: reading empties and fills it.
   CMemberCol* GetMember() const { return m_member; }
-  /// The first member \p property; null when there is none.
+  /// Return the first member \p property, or null if there is none.
   template <class Type>
   Type* Find(Property property) const {
     for (CMember& member : *m_member) {
@@ -272,7 +273,7 @@ class CPersonType : public CContainerType {
   explicit CPersonType(char const* elementName);
 };
 
-/// What an entry that was copied from another feed tells of that one.
+/// What an entry that was copied from another feed says about that feed.
 class CSourceType : public CContainerType {
  public:
   explicit CSourceType(char const* elementName);
@@ -289,7 +290,7 @@ class CFeedType : public CContainerType {
   explicit CFeedType(char const* elementName = "feed");
 };
 
-/// Makes the objects that the tables name by number.
+/// Creates the objects that the tables identify by number.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
   enum ClassId {

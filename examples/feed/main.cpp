@@ -1,6 +1,6 @@
-// Reads feeds and prints each as a list, changes an entry, writes the feed and reads it back, and shows that what the
-// classes do not know came through. A document that is no Atom feed is read, printed and written as generic content.
-// Comments and processing instructions are not kept.
+// Reads feeds and prints each as a list, changes an entry, writes the feed and reads it back, and shows that content
+// unknown to the classes is preserved. A document that is not an Atom feed is read, printed and written as generic
+// content. Comments and processing instructions are not kept.
 //
 //   feed [document...]
 
@@ -29,19 +29,19 @@ struct Line {
   int depth;
   std::string name;
   std::string value;
-  bool isGeneric;  // not of the classes
+  bool isGeneric;  // not described by the classes
 };
 using Lines = std::vector<Line>;
 
 std::string NameOf(std::string const& name, std::string const& ns) { return ns.empty() ? name : "{" + ns + "}" + name; }
 
-/// The times of a feed are written in the form that the library gives them: a fraction loses its last zeros.
+/// The library writes the times of a feed in its own form: a fraction loses its trailing zeros.
 std::string Normalized(Line const& line) {
   bool const isTime = line.name == NameOf("updated", kNamespace) || line.name == NameOf("published", kNamespace);
   try {
     return isTime ? CDateTime(CWhitespaceUtils::Collapse(line.value).c_str()).ToString() : line.value;
   } catch (CQnException const&) {
-    return line.value;  // no time, in generic content
+    return line.value;  // not a time, in generic content
   }
 }
 
@@ -51,7 +51,7 @@ bool operator==(Line const& a, Line const& b) {
 
 bool IsBlank(std::string const& text) { return CWhitespaceUtils::Collapse(text).empty(); }
 
-/// The text of an element with these children: what only sets them apart counts for nothing.
+/// Return the text of an element with these children; text that only separates them does not count.
 std::string Significant(std::string const& text, CElementCol const& children) {
   return children.GetCount() > 0 && IsBlank(text) ? "" : text;
 }
@@ -61,7 +61,7 @@ void AppendAttributes(Lines& lines, int depth, CAttributeCol const& attributes) 
   for (CAttribute const& attribute : attributes) {
     lines.push_back({depth, "@" + NameOf(attribute.GetName(), attribute.GetNamespace()), attribute.GetValue(), true});
   }
-  // Their order means nothing, and the declared ones are written in front.
+  // The order of attributes has no meaning, and declared ones are written first.
   std::sort(lines.begin() + static_cast<std::ptrdiff_t>(first), lines.end(),
             [](Line const& a, Line const& b) { return a.name < b.name; });
 }
@@ -73,7 +73,7 @@ void Append(Lines& lines, int depth, CElement const& element) {
   for (CElement const& child : *element.GetElements()) Append(lines, depth + 1, child);
 }
 
-/// What the list shows of \p object besides its children.
+/// Return what the list shows of \p object besides its children.
 std::string Shown(CCommonType const& object) {
   if (auto const* const date = dynamic_cast<CDateType const*>(&object)) return date->GetDateTime().ToString();
   if (auto const* const link = dynamic_cast<CLinkType const*>(&object)) {
@@ -113,16 +113,16 @@ Lines ListOf(Object const& object) {
   return lines;
 }
 
-/// A plus marks what is generic.
+/// A plus marks generic content.
 void Print(Lines const& lines) {
   for (Line const& line : lines) {
-    std::string const value = CWhitespaceUtils::Collapse(line.value);  // a text of several lines takes one here
+    std::string const value = CWhitespaceUtils::Collapse(line.value);  // puts a text of several lines on one line
     std::printf("%c %*s%s%s%s\n", line.isGeneric ? '+' : ' ', 2 * line.depth, "", line.name.c_str(),
                 value.empty() ? "" : ": ", value.c_str());
   }
 }
 
-/// Whether both hold the same. Prints the first lines that differ.
+/// Return whether both have the same contents. Print the first lines that differ.
 bool Compare(char const* what, Lines const& before, Lines const& after) {
   auto const [left, right] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
   bool const same = left == before.end() && right == after.end();
@@ -136,8 +136,7 @@ bool Compare(char const* what, Lines const& before, Lines const& after) {
   return same;
 }
 
-/// Tells of the elements whose text stands between their children: all of it is kept in one piece, and written behind
-/// them.
+/// Report the elements whose text stands between their children: all of it is kept in one piece and written after them.
 void PrintMixed(CElement const& element) {
   if (element.GetElements()->GetCount() > 0 && !IsBlank(element.GetText())) {
     std::printf("Mixed content: where the text of <%s> stood between its elements is lost.\n",
@@ -154,8 +153,9 @@ bool HasElementWithoutNamespace(CElement const& element) {
   return std::any_of(children.begin(), children.end(), HasElementWithoutNamespace);
 }
 
-/// How to write a feed like \p document: with Atom as the default namespace, unless there is an element that is in
-/// none, since nothing undeclares it; and with some prefixes as they were. All others are made up.
+/// Return the options to write a feed like \p document: with Atom as the default namespace, unless an element is in no
+/// namespace, because the library never undeclares the default; and with the original prefixes for some namespaces. All
+/// other prefixes are generated.
 CXmlSerializationContext ContextFor(CXmlDocument const& document, CElement const& root) {
   CXmlSerializationContext ctx;
   if (HasElementWithoutNamespace(root)) {
@@ -170,7 +170,7 @@ CXmlSerializationContext ContextFor(CXmlDocument const& document, CElement const
   return ctx;
 }
 
-/// Without line ends and tabs, which would become part of texts that stand beside elements.
+/// Write without line ends and tabs, which would become part of texts next to elements.
 std::string Write(CXmlObjectBase const& object, CXmlSerializationContext const& ctx) {
   return object.ToXml(true, false, EOLType_LF, ctx);
 }
@@ -183,7 +183,7 @@ CSmartPtr<CElement> ReadGeneric(std::string const& text) {
 
 // ---- The steps
 
-/// Gives \p entry another title and time; where it has none, they are added.
+/// Give \p entry another title and time, adding them if it has none.
 void Change(CEntryType& entry) {
   CSmartPtr<CTextType> title = entry.Find<CTextType>(Property_title);
   if (!title) {
@@ -199,7 +199,7 @@ void Change(CEntryType& entry) {
   updated->SetDateTime("2024-05-05T06:00:00Z");
 }
 
-/// Prints where two texts differ, in whole tags.
+/// Print where two texts differ, in whole tags.
 void PrintChange(std::string const& before, std::string const& after) {
   if (before == after) return;
   std::size_t const shorter = std::min(before.size(), after.size());
@@ -213,7 +213,7 @@ void PrintChange(std::string const& before, std::string const& after) {
   std::printf("now: %s\n", after.substr(first, after.size() - last - first).c_str());
 }
 
-/// Whether \p feed, changed, is read back as it is. Without an entry nothing is changed.
+/// Return whether the changed \p feed is read back unaltered. Without an entry nothing is changed.
 bool ChangeAndReadAgain(CFeedType& feed, CXmlSerializationContext const& ctx) {
   auto* const entry = feed.Find<CEntryType>(Property_entry);
   if (entry == nullptr) return true;
@@ -248,7 +248,7 @@ bool ProcessOther(CElement const& original) {
   return Compare("Written and read as generic content", ListOf(original), ListOf(*ReadGeneric(text)));
 }
 
-/// Whether the document \p path could be read, and came through. If not, standard error or the list tells why.
+/// Return whether the document \p path could be read and was preserved. If not, standard error or the list says why.
 bool Process(char const* path) {
   try {
     CXmlDocument document;
@@ -266,14 +266,14 @@ bool Process(char const* path) {
   return false;
 }
 
-/// Prints \p failure and what caused it, outermost first.
+/// Print \p failure and its causes, outermost first.
 void PrintChain(CQnException const& failure) {
   for (CQnException const* link = &failure; link != nullptr; link = link->GetInnerException()) {
     std::printf("  %s\n", link->GetMessage().c_str());
   }
 }
 
-/// Whether reading a feed with this entry fails, as it should.
+/// Return whether reading a feed with this entry fails, as it should.
 bool FailsToRead(char const* what, char const* entry) {
   std::printf("%s:\n", what);
   try {
@@ -296,8 +296,8 @@ bool ShowFailures() {
   return ok;
 }
 
-/// The text of all objects is in the code page of the process locale, and what that cannot express becomes "?". So
-/// a program that must not lose anything runs in a UTF-8 locale, also where its environment has none.
+/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
+/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none.
 void ChooseLocale() {
   std::setlocale(LC_ALL, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");

@@ -1,5 +1,5 @@
-// Classes for getting_started.xsd, written by hand, and a program that reads a weather report, changes and writes it.
-// docs/getting-started.md goes through it step by step.
+// Handwritten classes for getting_started.xsd, and a program that reads a weather report, changes it and writes it.
+// docs/getting-started.md explains it step by step.
 
 // [head]
 #include <cstdint>
@@ -16,7 +16,7 @@ using namespace Quillon9Data;
 constexpr char kNamespace[] = "urn:example:weather";
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
-// What all classes of the schema have in common.
+// The common base of all classes of the schema.
 class CWeatherObject : public CXmlGeneratedClass {
  public:
   using CXmlGeneratedClass::GetBase;
@@ -34,7 +34,7 @@ class CReading : public CWeatherObject {
   std::uint8_t m_hour = 0;
   CDecimal m_temperature;
 
-  // The numbers that stand in the tables for the properties.
+  // The numbers that identify the properties in the tables.
   enum { Property_hour, Property_temperature };
 
   CParentElementInfo* GetClassInfo() const override {
@@ -146,7 +146,7 @@ enum Sky : int { Sky_clear, Sky_clouds, Sky_rain };
 char const* const kSkyTexts[] = {"clear", "clouds", "rain"};
 
 char const* SkyText(int number) { return kSkyTexts[number]; }
-int SkyOf(char const* raw) {  // gets the text as it stands in the document
+int SkyOf(char const* raw) {  // gets the text exactly as in the document
   std::string const text = CWhitespaceUtils::Collapse(raw);
   for (int number : {Sky_clear, Sky_clouds, Sky_rain}) {
     if (text == kSkyTexts[number]) return number;
@@ -202,7 +202,7 @@ class CReport : public CWeatherObject {
       case Property_reading: return value.SetXmlCollection(m_readings);  // never stored: the collection is filled
     }
   }
-  void Init() override {  // nothing of an earlier document stays
+  void Init() override {  // nothing from an earlier document remains
     m_unit = "C";
     m_date.Clear();
     m_place = CPlace::CreateInstance();

@@ -5,7 +5,7 @@ using namespace Quillon9Data;
 
 namespace Gpx {
 
-// ---- What the classes share
+// ---- Common parts of the classes
 
 namespace {
 
@@ -13,7 +13,7 @@ constexpr char kNamespace[] = "http://www.topografix.com/GPX/1/1";
 constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
-/// The number of a property that no class has: what is read into it is dropped, and it is never written.
+/// A property number that no class has: the value read into it is dropped, and it is never written.
 constexpr int kDropped = -1;
 
 // ---- The rows of the tables
@@ -37,8 +37,8 @@ CElementInfo* Repeated(char const* name, int index) {
   return new CElementInfoSeqClsCol(name, kNamespace, index, XmlElementType_Element);
 }
 
-// The option for unknown elements skips what is left over behind the last member of a sequence. In front of an
-// optional or a repeated one it skips nothing, so an element that may stand there has a row, wanted or not.
+// The option for unknown elements skips what remains after the last member of a sequence. Before an optional or a
+// repeated member it skips nothing, so every element that may occur there has a row, even if it is unwanted.
 CElementInfo* Unread(char const* name) {
   return new CElementInfoSeqClsOpt(name, kNamespace, kDropped, XmlElementType_Element, &CClassFactory::CreateObject,
                                    CClassFactory::ClassId_unreadType);
@@ -53,8 +53,8 @@ CAttributeInfo* RequiredDouble(char const* name, int index, CPrimitiveRestrictio
   return new CAttributeInfoPrimitive(name, "", index, false, ItemType_r8, nullptr, kCollapse, restrictions, nullptr);
 }
 
-// ---- A property goes into the variant on reading and comes from it on storing; an absent one leaves the variant
-// invalid.
+// ---- Reading a property copies it into the variant, storing takes it from the variant. An absent property leaves the
+// variant invalid.
 
 void AccessText(std::string& property, bool read, QnVariant& value) {
   if (read) {
@@ -96,7 +96,7 @@ void AccessTime(std::optional<CDateTime>& property, bool read, QnVariant& value)
   }
 }
 
-// The collection stays; reading fills it.
+// The collection object stays; reading fills it.
 void AccessCollection(CXmlCollectionBase* property, bool read, QnVariant& value) {
   if (read) value.SetXmlCollection(property);
 }
@@ -144,7 +144,7 @@ void CItemCol<Item>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSer
   for (Item const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
 }
 
-// Takes the run of siblings that are items, and returns the first that is none.
+// Reads the run of siblings that are items, and returns the first sibling that is not an item.
 template <class Item>
 CXmlElement* CItemCol<Item>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
   while (DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), kNamespace)) {
@@ -269,7 +269,7 @@ void BuildTrkType(CMetaData& data) {
   data.m_elements[1] = Unread("cmt");
   data.m_elements[2] = OptionalText("desc", CTrkType::Property_desc);
   data.m_elements[3] = Unread("src");
-  data.m_elements[4] = Unread("url");  // this and the next in GPX 1.0, link since then
+  data.m_elements[4] = Unread("url");  // GPX 1.0 has this and the next, later versions have link
   data.m_elements[5] = Unread("urlname");
   data.m_elements[6] = Repeated("link", CTrkType::Property_link);
   data.m_elements[7] = Unread("number");
@@ -360,7 +360,7 @@ namespace {
 void BuildGpxType(CMetaData& data) {
   data.m_classInfo = Sequence("gpxType");
   data.m_elements = new CElementInfo* [14] {};
-  data.m_elements[0] = OptionalText("name", CGpxType::Property_name);  // GPX 1.0 down to bounds
+  data.m_elements[0] = OptionalText("name", CGpxType::Property_name);  // GPX 1.0 up to bounds
   data.m_elements[1] = OptionalText("desc", CGpxType::Property_desc);
   data.m_elements[2] = Unread("author");
   data.m_elements[3] = Unread("email");

@@ -7,11 +7,11 @@
 #include "quillon9/quillon9.h"
 
 /// The classes of gpx_track.xsd, one for each of its types: tracks in the GPS Exchange Format, GPX 1.1
-/// (https://www.topografix.com/GPX/1/1/), for programs that read them. So there are getters and no setters.
+/// (https://www.topografix.com/GPX/1/1/). They are for programs that read tracks, so there are getters but no setters.
 ///
-/// Texts are in the code page of the process locale. Values that may be absent are optional. Reading tests no bounds;
-/// writing does. Objects live in CSmartPtr and are made by CreateInstance(); one graph of them belongs to one thread
-/// at a time.
+/// Texts are in the code page of the process locale. Values that may be absent are optional. Writing checks the bounds;
+/// reading does not. Objects live in CSmartPtr and are created by CreateInstance(); only one thread at a time may use a
+/// graph of them.
 namespace Gpx {
 
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
@@ -19,7 +19,7 @@ static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for anoth
 /// The tables that the objects of one class share.
 using Support::CMetaData;
 
-/// What the classes have in common.
+/// The common base of the classes.
 class CGpxObject : public Quillon9::CXmlGeneratedClass {
  public:
   using CXmlGeneratedClass::GetBase;
@@ -38,11 +38,12 @@ class CGpxObject : public Quillon9::CXmlGeneratedClass {
   CMetaData& m_metaData;
 };
 
-/// The elements of one name and class, in document order. It is its owner's for life: reading empties and fills it.
+/// The elements of one name and class, in document order. It belongs to its owner for the owner's whole life: reading
+/// empties and fills it.
 template <class Item>
 class CItemCol : public Quillon9::CXmlCollection {
  public:
-  /// Walks the items.
+  /// Iterates over the items.
   class Iterator {
    public:
     explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
@@ -57,7 +58,7 @@ class CItemCol : public Quillon9::CXmlCollection {
     Quillon9::CNode* m_node;
   };
 
-  /// Any number of elements \p elementName.
+  /// Create a collection for any number of elements \p elementName.
   static CSmartPtr<CItemCol> CreateInstance(char const* elementName);
 
   Iterator begin() const { return Iterator(GetFirstNode()); }
@@ -73,7 +74,7 @@ class CItemCol : public Quillon9::CXmlCollection {
                                      Quillon9::CXmlSerializationContext const& ctx, bool inChoice) override;
 };
 
-/// An element that is known by its name alone. Its attributes are passed over, and its children too where the context
+/// An element of which only the name is known. Its attributes are skipped, and so are its children if the context
 /// ignores unknown elements.
 class CUnreadType : public CGpxObject {
  public:
@@ -160,7 +161,7 @@ class CTrkType : public CGpxObject {
   CSmartPtr<CItemCol<CTrksegType>> const m_trkseg;
 };
 
-/// What a document tells of itself.
+/// What a document says about itself.
 class CMetadataType : public CGpxObject {
  public:
   enum Property { Property_name, Property_desc, Property_link, Property_time };
@@ -204,11 +205,11 @@ class CGpxType : public CGpxObject {
 
   std::string const& GetVersion() const { return m_version; }
   std::string const& GetCreator() const { return m_creator; }
-  /// These three stand here in GPX 1.0 and in the metadata later.
+  /// GPX 1.0 has these three here, later versions have them in the metadata.
   std::optional<std::string> const& GetName() const { return m_name; }
   std::optional<std::string> const& GetDesc() const { return m_desc; }
   std::optional<Quillon9::CDateTime> const& GetTime() const { return m_time; }
-  /// Null when there is none. Stays this object's; a read makes a new one.
+  /// Return the metadata, or null if there is none. It belongs to this object; a read creates a new one.
   CMetadataType* GetMetadata() const { return m_metadata; }
   CItemCol<CWptType>* GetWpt() const { return m_wpt; }
   CItemCol<CTrkType>* GetTrk() const { return m_trk; }
@@ -232,12 +233,12 @@ class CGpxType : public CGpxObject {
   CSmartPtr<CItemCol<CTrkType>> const m_trk;
 };
 
-/// Makes the objects that the tables name by number.
+/// Creates the objects that the tables identify by number.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
   enum ClassId { ClassId_unreadType, ClassId_metadataType };
 
-  /// A new object of class \p classId for an element of this name.
+  /// Create an object of class \p classId for an element of this name.
   /// \throws Quillon9::CQnInvalidParamException for an unknown number.
   static CSmartPtr<Quillon9::CXmlObjectBase> CreateObject(int classId, char const* elementName);
 };

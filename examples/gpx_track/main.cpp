@@ -1,5 +1,5 @@
-// Reads GPX documents and prints of each track what its points tell: how long it is, how long it took, how far it goes
-// up and down.
+// Reads GPX documents and prints for each track what its points show: its length, its duration, and how far it goes up
+// and down.
 //
 //   gpx_track [document...]
 
@@ -26,13 +26,13 @@ namespace {
 
 // ---- Reading
 
-/// An element of another vocabulary than its document.
+/// Return whether the element belongs to another vocabulary than its document.
 bool IsForeign(CXmlElement* element) {
   return element->GetNamespaceURI() != element->GetDocument()->GetDocumentElement()->GetNamespaceURI();
 }
 
-/// What the classes do not bind is skipped. Namespaces count for nothing, so that GPX 1.0, which has another one, is
-/// read too.
+/// Elements that the classes do not bind are skipped. Namespaces are ignored, so that GPX 1.0, which has a different
+/// one, can be read too.
 CXmlSerializationContext LenientContext() {
   CXmlSerializationContext ctx;
   ctx.SetIgnoreUnknownElements(true);
@@ -40,8 +40,8 @@ CXmlSerializationContext LenientContext() {
   return ctx;
 }
 
-/// The document that \p load loads. Foreign elements are dropped while it is parsed: without namespaces they might be
-/// taken for members, and in GPX 1.0 they may stand in front of some.
+/// Return the document that \p load loads. Foreign elements are dropped during parsing: without namespaces they could
+/// be mistaken for members, and in GPX 1.0 some members may follow them.
 template <class Load>
 CSmartPtr<CGpxType> Read(Load load) {
   CXmlSerializationContext const ctx = LenientContext();
@@ -49,19 +49,20 @@ CSmartPtr<CGpxType> Read(Load load) {
   load(document);
   CSmartPtr<CGpxType> gpx = CGpxType::CreateInstance();
   gpx->FromXmlElement(document.GetDocumentElement(), ctx);
-  // Reading takes any number. Bounds are tested on writing, so it is written once, for the test alone.
+  // Reading accepts any number. Writing checks the bounds, so the object is written once, only for that check.
   gpx->ToXmlStream();
   return gpx;
 }
 
-// ---- What the points tell
+// ---- What the points show
 
 constexpr double kPi = 3.14159265358979323846;
 
 double Radians(double degrees) { return degrees * kPi / 180; }
 
-/// The distance in metres over a sphere of the Earth's mean radius (the R1 of the Geodetic Reference System 1980), by
-/// R. W. Sinnott, "Virtues of the Haversine", Sky and Telescope 68 (1984), p. 159. It is right to about 0.5 %.
+/// Return the distance in metres over a sphere of the Earth's mean radius (the R1 of the Geodetic Reference System
+/// 1980), by R. W. Sinnott, "Virtues of the Haversine", Sky and Telescope 68 (1984), p. 159. It is accurate to about
+/// 0.5 %.
 double Distance(CWptType const& a, CWptType const& b) {
   constexpr double kRadius = 6371008.7714;
   double const byLat = std::sin(Radians(b.GetLat() - a.GetLat()) / 2);
@@ -75,7 +76,7 @@ using Instant = std::pair<std::int64_t, std::int64_t>;
 
 Instant InstantOf(CDateTime const& time) {
   CDateTime const utc = time.GetNormalized();
-  std::int64_t const years = utc.GetYear() + 9999;  // whole ones, of the Gregorian calendar, since the year -9999
+  std::int64_t const years = utc.GetYear() + 9999;  // complete years of the Gregorian calendar since the year -9999
   bool const afterLeapDay = IsLeapYear(utc.GetYear()) && utc.GetMonth() > 2;
   std::int64_t const days = 365 * years + years / 4 - years / 100 + years / 400 + g_monthDayInYear[utc.GetMonth() - 1] +
                             utc.GetDay() + (afterLeapDay ? 1 : 0);
@@ -112,8 +113,8 @@ struct Figures {
   std::optional<CDateTime> end;
 };
 
-/// Nothing is added for the gaps between segments. What takes two points stays unset until there are two. A point
-/// without elevation is no step for climb and descent.
+/// The gaps between segments add nothing. Figures that need two points stay unset until there are two. A point without
+/// elevation does not contribute to climb and descent.
 void AddSegment(Figures& figures, CTrksegType const& segment) {
   CWptType const* previous = nullptr;
   std::optional<double> height;
@@ -140,7 +141,7 @@ void AddSegment(Figures& figures, CTrksegType const& segment) {
 // ---- Printing
 
 std::string Shown(std::optional<std::string> const& text) {
-  return text ? CWhitespaceUtils::Collapse(*text) : "-";  // a text of several lines takes one here
+  return text ? CWhitespaceUtils::Collapse(*text) : "-";  // puts a text of several lines on one line
 }
 
 std::string Shown(std::optional<CDateTime> const& time) { return time ? time->ToString() : "-"; }
@@ -152,7 +153,7 @@ std::string ShownKilometres(std::optional<double> const& metres) {
 }
 
 std::string ShownDuration(Figures const& figures) {
-  // A time without a zone may be anywhere: how far it is from one with a zone is not known.
+  // A time without a zone may be anywhere: its difference from a time with a zone is unknown.
   if (figures.timedPoints < 2 || figures.start->IsUTC() != figures.end->IsUTC()) return "-";
   Instant const from = InstantOf(*figures.start);
   Instant const to = InstantOf(*figures.end);
@@ -190,7 +191,7 @@ void PrintDocument(char const* path, CGpxType const& gpx) {
 
 // ---- The steps
 
-/// Whether the document \p path could be read. If not, standard error tells why.
+/// Return whether the document \p path could be read. If not, standard error says why.
 bool PrintFile(char const* path) {
   try {
     PrintDocument(path, *Read([path](CXmlDocument& document) { document.Load(path); }));
@@ -203,14 +204,14 @@ bool PrintFile(char const* path) {
   return false;
 }
 
-/// Prints \p failure and what caused it, outermost first.
+/// Print \p failure and its causes, outermost first.
 void PrintChain(CQnException const& failure) {
   for (CQnException const* link = &failure; link != nullptr; link = link->GetInnerException()) {
     std::printf("  %s\n", link->GetMessage().c_str());
   }
 }
 
-/// Whether a point beyond the pole is refused, as it should be.
+/// Return whether a point beyond the pole is refused, as it should be.
 bool ShowFailure() {
   std::printf("Failures\n--------\nA latitude of 91 degrees, when it is written:\n");
   try {
@@ -227,9 +228,9 @@ bool ShowFailure() {
   return false;
 }
 
-/// The text of all objects is in the code page of the process locale, and what that cannot express becomes "?". So
-/// a program that must not lose anything runs in a UTF-8 locale, also where its environment has none. The other
-/// categories stay as they are in C: numbers are printed with a point.
+/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
+/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none. The other
+/// categories stay as in C: numbers are printed with a decimal point.
 void ChooseLocale() {
   std::setlocale(LC_CTYPE, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");

@@ -1,5 +1,5 @@
-// Reads a purchase order into objects, changes it, writes it and reads it back, as text and compressed, and shows
-// what a damaged document gets.
+// Reads a purchase order into objects, changes it, writes it and reads it back, as text and compressed, and shows the
+// failures for damaged documents.
 //
 //   purchase_order [document]
 
@@ -30,7 +30,7 @@ void PrintHeading(std::string const& text) {
 
 // ---- An order as a table
 
-/// Columns that \p text takes on a terminal: its bytes are in the code page of the locale.
+/// Return the columns that \p text takes on a terminal: its bytes are in the code page of the locale.
 std::size_t ColumnsOf(std::string const& text) {
   std::wstring wide(text.size(), L'\0');
   std::size_t const length = std::mbstowcs(wide.data(), text.c_str(), wide.size());
@@ -44,7 +44,7 @@ void PrintTable(std::vector<Row> rows, std::vector<bool> const& alignRight) {
   std::vector<std::size_t> widths(alignRight.size(), 0);
   for (Row& row : rows) {
     for (std::size_t i = 0; i < row.size(); ++i) {
-      row[i] = CWhitespaceUtils::Collapse(row[i]);  // a text of several lines takes one here
+      row[i] = CWhitespaceUtils::Collapse(row[i]);  // puts a text of several lines on one line
       widths[i] = std::max(widths[i], ColumnsOf(row[i]));
     }
   }
@@ -126,7 +126,7 @@ std::vector<Field> FieldsOf(CPurchaseOrderType const& order) {
   return fields;
 }
 
-/// Whether both orders hold the same. Prints what differs.
+/// Return whether both orders have the same contents. Print what differs.
 bool Compare(CPurchaseOrderType const& before, CPurchaseOrderType const& after) {
   std::vector<Field> const left = FieldsOf(before);
   std::vector<Field> const right = FieldsOf(after);
@@ -175,11 +175,11 @@ bool WriteAndReadCompressed(CPurchaseOrderType const& order) {
                                              CXmlSerializationContext::m_defaultContext, CompressionType_GZip);
   std::printf("%lu bytes of XML, %lu bytes of gzip.\n", plain.GetLength(), gzip.GetLength());
   CSmartPtr<CPurchaseOrderType> const again = CPurchaseOrderType::CreateInstance();
-  again->FromXmlStream(gzip);  // finds out by itself that it is compressed
+  again->FromXmlStream(gzip);  // detects the compression by itself
   return Compare(order, *again);
 }
 
-/// Prints \p failure and what caused it, outermost first.
+/// Print \p failure and its causes, outermost first.
 void PrintChain(CQnException const& failure) {
   std::string text = failure.GetFullMessage();
   for (std::size_t end = text.find('\n'); end != std::string::npos; end = text.find('\n', end + 3)) {
@@ -188,13 +188,13 @@ void PrintChain(CQnException const& failure) {
   std::printf("  %s\n", text.c_str());
 }
 
-/// \p text with the last \p from up to the end of \p to replaced: the item that Change() added is the last one.
+/// Return \p text with the last \p from up to the end of \p to replaced: the item that Change() added is the last one.
 std::string Damage(std::string text, std::string const& from, std::string const& to, std::string const& replacement) {
   std::size_t const begin = text.rfind(from);
   return text.replace(begin, text.find(to, begin) + to.size() - begin, replacement);
 }
 
-/// Whether reading \p text fails, as it should.
+/// Return whether reading \p text fails, as it should.
 bool FailsToRead(char const* what, std::string const& text) {
   std::printf("%s:\n", what);
   try {
@@ -207,7 +207,7 @@ bool FailsToRead(char const* what, std::string const& text) {
   return false;
 }
 
-/// Whether writing an order with a broken facet fails, as it should. Spoils \p order.
+/// Return whether writing an order with a broken facet fails, as it should. Changes \p order.
 bool FailsToWrite(char const* what, CPurchaseOrderType& order) {
   std::printf("%s:\n", what);
   CItemCol const* const items = order.GetItems()->GetItem();
@@ -249,8 +249,8 @@ bool Run(char const* path) {
   return ok;
 }
 
-/// The text of all objects is in the code page of the process locale, and what that cannot express becomes "?". So
-/// a program that must not lose anything runs in a UTF-8 locale, also where its environment has none.
+/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
+/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none.
 void ChooseLocale() {
   std::setlocale(LC_ALL, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");

@@ -9,8 +9,8 @@ using Support::CMetaData;
 namespace Orders {
 namespace {
 
-// A property goes into the variant on reading and comes from it on storing; an absent one leaves the variant
-// invalid.
+// Reading a property copies it into the variant, storing takes it from the variant. An absent property leaves the
+// variant invalid.
 void AccessText(std::string& property, bool read, QnVariant& value) {
   if (read) {
     value.SetString(property);
@@ -176,7 +176,7 @@ void CItem::AccessProperty(int index, bool read, QnVariant& value) {
     case Property_USPrice: return AccessDecimal(m_USPrice, read, value);
     case Property_comment: return AccessText(m_comment, read, value);
     case Property_shipDate: return AccessDate(m_shipDate, read, value);
-    case Property_serial:  // the collection stays; reading fills it
+    case Property_serial:  // the collection object stays; reading fills it
       if (read) value.SetXmlCollection(m_serial);
       return;
   }
@@ -217,7 +217,7 @@ void CItemCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 }
 
 // [read-items]
-// Takes the run of siblings that are items, and returns the first that is none.
+// Reads the run of siblings that are items, and returns the first sibling that is not an item.
 CXmlElement* CItemCol::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
   std::string const ns = GetNamespace();
   while (DoesElementNameMatch(ctx, cursor, GetElementName().c_str(), ns.c_str())) {

@@ -7,13 +7,12 @@
 
 #include "quillon9/quillon9.h"
 
-/// The classes of purchase_order.xsd, written as a code generator writes them: one for each complex type, one for
-/// the repeated element. They hold values and tell the library how they look; reading and writing is the
-/// library's.
+/// The classes of purchase_order.xsd, as a code generator writes them: one for each complex type, one for the repeated
+/// element. They hold the values and describe their form; the library reads and writes them.
 ///
-/// Texts are in the code page of the process locale. Values that may be absent are optional. Setters and getters
-/// test no facets: the library does when it writes. Objects live in CSmartPtr and are made by CreateInstance();
-/// one graph of them belongs to one thread at a time.
+/// Texts are in the code page of the process locale. Values that may be absent are optional. Setters and getters do not
+/// check facets: the library does so when it writes. Objects live in CSmartPtr and are created by CreateInstance();
+/// only one thread at a time may use a graph of them.
 namespace Orders {
 
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
@@ -21,10 +20,10 @@ static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for anoth
 /// An address in the United States.
 class CUSAddress : public Quillon9::CXmlGeneratedClass {
  public:
-  /// The numbers under which the tables of the class know its properties.
+  /// The numbers that identify the properties in the tables of the class.
   enum Property { Property_country, Property_name, Property_street, Property_city, Property_state, Property_zip };
 
-  /// A new, empty object for an element of this name.
+  /// Create an empty object for an element of this name.
   static CSmartPtr<CUSAddress> CreateInstance(char const* elementName);
 
   /// Absent means US.
@@ -93,7 +92,7 @@ class CItem : public Quillon9::CXmlGeneratedClass {
   void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
   std::optional<Quillon9::CDateTime> const& GetShipDate() const { return m_shipDate; }
   void SetShipDate(std::optional<Quillon9::CDateTime> const& value) { m_shipDate = value; }
-  /// The serial numbers of the pieces, where they have one. Stays this object's.
+  /// Return the serial numbers of those pieces that have one. The collection belongs to this object.
   Quillon9::CstringCol* GetSerial() const { return m_serial; }
 
   using CXmlGeneratedClass::GetBase;
@@ -123,7 +122,7 @@ class CItem : public Quillon9::CXmlGeneratedClass {
 /// The items of an order, in document order.
 class CItemCol : public Quillon9::CXmlCollection {
  public:
-  /// Walks the items; adding is allowed meanwhile, removing the item it stands on is not.
+  /// Iterates over the items. During the iteration items may be added, but the current item must not be removed.
   class Iterator {
    public:
     explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
@@ -149,7 +148,7 @@ class CItemCol : public Quillon9::CXmlCollection {
   /// Append a new item and return it.
   CSmartPtr<CItem> Add();
   /// Append \p item, which becomes shared with the caller.
-  /// \throws Quillon9::CQnInvalidParamException when it is null or was made for another element.
+  /// \throws Quillon9::CQnInvalidParamException if it is null or was created for another element.
   void Add(CItem* item);
 
  protected:
@@ -162,14 +161,14 @@ class CItemCol : public Quillon9::CXmlCollection {
                                      Quillon9::CXmlSerializationContext const& ctx, bool inChoice) override;
 };
 
-/// What is ordered.
+/// The ordered items.
 class CItems : public Quillon9::CXmlGeneratedClass {
  public:
   enum Property { Property_item };
 
   static CSmartPtr<CItems> CreateInstance(char const* elementName);
 
-  /// The collection is this object's for life: reading empties and fills it.
+  /// The collection belongs to this object for its whole life: reading empties and fills it.
   CItemCol* GetItem() const { return m_item; }
 
   using CXmlGeneratedClass::GetBase;
@@ -202,9 +201,9 @@ class CPurchaseOrderType : public Quillon9::CXmlGeneratedClass {
   std::optional<std::string> const& GetComment() const { return m_comment; }
   void SetComment(std::optional<std::string> value) { m_comment = std::move(value); }
 
-  /// The children stay this object's; a read makes new ones. The mandatory ones, shipTo and items, are never null.
+  /// The children belong to this object; a read creates new ones. The mandatory ones, shipTo and items, are never null.
   /// Setters share \p value with the caller.
-  /// \throws Quillon9::CQnInvalidParamException when \p value was made for an element of another name, or is null
+  /// \throws Quillon9::CQnInvalidParamException if \p value was created for an element of another name, or is null
   ///         where the element is mandatory.
   CUSAddress* GetShipTo() const { return m_shipTo; }
   void SetShipTo(CUSAddress* value);
@@ -235,12 +234,12 @@ class CPurchaseOrderType : public Quillon9::CXmlGeneratedClass {
   CSmartPtr<CItems> m_items;
 };
 
-/// Makes the objects that the tables name by number.
+/// Creates the objects that the tables identify by number.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
   enum ClassId { ClassId_PurchaseOrderType, ClassId_USAddress, ClassId_Items, ClassId_Item };
 
-  /// A new object of class \p classId for an element of this name.
+  /// Create an object of class \p classId for an element of this name.
   /// \throws Quillon9::CQnInvalidParamException for an unknown number.
   static CSmartPtr<Quillon9::CXmlObjectBase> CreateObject(int classId, char const* elementName);
 };

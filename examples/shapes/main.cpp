@@ -1,4 +1,4 @@
-// Reads a drawing, lists what is in it, writes it and reads it back, and shows what a document gets that breaks its
+// Reads a drawing, lists its contents, writes it and reads it back, and shows the failures for documents that break its
 // schema.
 //
 //   shapes [document]
@@ -29,7 +29,7 @@ void PrintHeading(std::string const& text) {
 
 // ---- A drawing as texts
 
-/// The shortest text that is this number and no other one.
+/// Return the shortest text that represents only this number.
 std::string Shown(double number) {
   char text[32];
   return std::string(text, std::to_chars(text, text + sizeof text, number).ptr);
@@ -100,7 +100,7 @@ void Print(std::vector<Field> const& fields) {
   }
 }
 
-/// Whether both drawings hold the same. Prints what differs.
+/// Return whether both drawings have the same contents. Print what differs.
 bool Compare(CDrawing const& before, CDrawing const& after) {
   std::vector<Field> const left = FieldsOf(before);
   std::vector<Field> const right = FieldsOf(after);
@@ -128,14 +128,14 @@ bool WriteAndRead(CDrawing const& drawing) {
   return Compare(drawing, *again);
 }
 
-/// Prints \p failure and what caused it, outermost first.
+/// Print \p failure and its causes, outermost first.
 void PrintChain(CQnException const& failure) {
   for (CQnException const* link = &failure; link != nullptr; link = link->GetInnerException()) {
     std::printf("  %s\n", link->GetMessage().c_str());
   }
 }
 
-/// Whether \p attempt fails, as it should.
+/// Return whether \p attempt fails, as it should.
 template <class Attempt>
 bool Fails(char const* what, Attempt attempt) {
   std::printf("%s:\n", what);
@@ -149,7 +149,7 @@ bool Fails(char const* what, Attempt attempt) {
   return false;
 }
 
-/// A drawing in which nothing can be wrong but \p meta and \p shapes.
+/// Return a drawing in which only \p meta and \p shapes can be wrong.
 std::string Document(char const* meta, char const* shapes) {
   return std::string(
              "<drawing xmlns='urn:example:drawing' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>"
@@ -208,8 +208,8 @@ bool Run(char const* path) {
   return ok;
 }
 
-/// The text of all objects is in the code page of the process locale, and what that cannot express becomes "?". So
-/// a program that must not lose anything runs in a UTF-8 locale, also where its environment has none.
+/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
+/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none.
 void ChooseLocale() {
   std::setlocale(LC_ALL, "");
   if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");

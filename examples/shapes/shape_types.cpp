@@ -9,7 +9,7 @@ using namespace Quillon9Data;
 
 namespace Drawings {
 
-// ---- What the classes share
+// ---- Common parts of the classes
 
 namespace {
 
@@ -26,7 +26,7 @@ ClassPtr WithTag(XmlElementGroupType group, char const* name, int textProperty =
                                               wantsType);
 }
 
-// A class without a tag is shown the attributes of the enclosing element, so it rejects none.
+// A class without a tag sees the attributes of the enclosing element, so it rejects none.
 ClassPtr WithoutTag(XmlElementGroupType group, char const* name) {
   return std::make_unique<CParentElementInfo>(group, XmlElementType_Pseudo, name, kNamespace, -1, false, false);
 }
@@ -67,7 +67,7 @@ void Describe(CMetaData& data, ClassPtr classInfo, Elements... elements) {
   data.m_elements = new CElementInfo* [sizeof...(elements) + 1] {};
   std::size_t count = 0;
   ((data.m_elements[count++] = elements.release()), ...);
-  data.m_attributes = new CAttributeInfo* [2] {};  // no attribute, or that of shapes
+  data.m_attributes = new CAttributeInfo* [2] {};  // it has no attributes; shapes replace this
 }
 
 template <class... Elements>
@@ -77,7 +77,7 @@ void DescribeShape(CMetaData& data, ClassPtr classInfo, Elements... elements) {
                                                      CPrimitiveRestrictions(), nullptr);
 }
 
-// ---- A property goes into the variant on reading and comes from it on storing.
+// ---- Reading a property copies it into the variant, storing takes it from the variant.
 
 void AccessText(std::string& property, bool read, QnVariant& value) {
   if (read) {
@@ -95,7 +95,7 @@ void AccessDouble(double& property, bool read, QnVariant& value) {
   }
 }
 
-// The collection stays; reading fills it.
+// The collection object stays; reading fills it.
 void AccessCollection(CXmlCollectionBase* property, bool read, QnVariant& value) {
   if (read) value.SetXmlCollection(property);
 }
@@ -138,8 +138,8 @@ void CItemCol<Item>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSer
 // [write]
 
 // [read-substitution]
-// Takes siblings as long as each is a shape. These have many names, so the factory judges and not the collection's
-// own name, which is that of the head.
+// Reads siblings as long as each is a shape. Shapes have many names, so the factory decides, not the collection's own
+// name, which is that of the head.
 template <>
 CXmlElement* CItemCol<CShapeType>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                                bool) {
@@ -155,7 +155,7 @@ CXmlElement* CItemCol<CShapeType>::FromXml_Int(CXmlElement*, CXmlElement* cursor
 // [read-substitution]
 
 // [read-groups]
-// Takes siblings as long as the next of them make a point. It has no tag, so it reads among them by itself.
+// Reads siblings as long as the next ones form a point. A point has no tag, so it reads from the siblings itself.
 template <>
 CXmlElement* CItemCol<CPoint>::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
                                            CXmlSerializationContext const& ctx, bool) {
@@ -221,7 +221,7 @@ void CMeta::AccessProperty(int index, bool read, QnVariant& value) {
   }
 }
 
-// ---- Position and what it is made of
+// ---- Position and its parts
 
 static CMetaData s_cartesian([](CMetaData& data) {
   Describe(data, WithoutTag(XmlElementGroupType_Sequence, "Cartesian"), Number("x", Property_x, ""),
@@ -280,7 +280,7 @@ static CMetaData s_position([](CMetaData& data) {
 
 CPosition::CPosition(char const* elementName) : CDrawingObject(elementName, s_position) {}
 
-// To unset a member that is not set would select it; here and in SetPoint().
+// Unsetting a member that is not set would select it, here and in SetPoint().
 void CPosition::SetAnchor(std::optional<std::string> value) {
   if (value || m_anchor) Choice_SelectElement("anchor", value ? this : nullptr, m_selected);
   m_anchor = std::move(value);
@@ -326,7 +326,7 @@ void CLabel::AccessProperty(int index, bool read, QnVariant& value) {
   }
 }
 
-// ---- Fills, which want xsi:type in what is written: they are found by it again
+// ---- Fills, which are written with xsi:type because it identifies them on reading
 
 static CMetaData s_solidFill([](CMetaData& data) {
   Describe(data, WithTag(XmlElementGroupType_Sequence, "SolidFill", -1, true), Colour("colour", Property_colour));

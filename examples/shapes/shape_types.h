@@ -6,12 +6,12 @@
 #include "../support/meta_data.h"
 #include "quillon9/quillon9.h"
 
-/// The classes of shapes.xsd, one for each of its complex types and for each choice or sequence that is no type's
-/// whole content. The latter have no tag: their content stands among the children of the enclosing element.
+/// The classes of shapes.xsd, one for each of its complex types and for each choice or sequence that is not the whole
+/// content of a type. The latter have no tag: their content stands among the children of the enclosing element.
 ///
-/// Texts are in the code page of the process locale. Values that may be absent are optional, objects that may be are
-/// null. Reading tests no facets; writing does. What getters return stays its object's, and a read replaces it.
-/// Objects live in CSmartPtr; one graph of them belongs to one thread at a time.
+/// Texts are in the code page of the process locale. Values that may be absent are optional, objects that may be absent
+/// are null. Writing checks the facets; reading does not. What getters return belongs to its object, and a read
+/// replaces it. Objects live in CSmartPtr; only one thread at a time may use a graph of them.
 namespace Drawings {
 
 static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for another major version of the library");
@@ -19,7 +19,7 @@ static_assert(QUILLON9_VERSION_MAJOR == 1, "these classes were written for anoth
 /// The tables that the objects of one class share.
 using Support::CMetaData;
 
-/// The numbers under which the tables know the properties of the classes.
+/// The numbers that identify the properties of the classes in the tables.
 enum Property {
   Property_anchor,
   Property_author,
@@ -47,7 +47,7 @@ enum Property {
   Property_y
 };
 
-/// What the classes have in common.
+/// The common base of the classes.
 class CDrawingObject : public Quillon9::CXmlGeneratedClass {
  public:
   using CXmlGeneratedClass::GetBase;
@@ -68,11 +68,12 @@ class CDrawingObject : public Quillon9::CXmlGeneratedClass {
 class CPoint;
 class CShapeType;
 
-/// Objects in document order. It is its owner's for life: reading empties and fills it.
+/// Objects in document order. The collection belongs to its owner for the owner's whole life: reading empties and fills
+/// it.
 template <class Item>
 class CItemCol : public Quillon9::CXmlCollection {
  public:
-  /// Walks the items.
+  /// Iterates over the items.
   class Iterator {
    public:
     explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
@@ -87,7 +88,7 @@ class CItemCol : public Quillon9::CXmlCollection {
     Quillon9::CNode* m_node;
   };
 
-  /// \p minOccurs or more. Messages call them \p elementName.
+  /// Create a collection of \p minOccurs or more items. Messages call them \p elementName.
   CItemCol(char const* elementName, int minOccurs);
 
   Iterator begin() const { return Iterator(GetFirstNode()); }
@@ -100,7 +101,7 @@ class CItemCol : public Quillon9::CXmlCollection {
                                      Quillon9::CXmlSerializationContext const& ctx, bool inChoice) override;
 };
 
-// Points read otherwise than shapes.
+// Points are read differently from shapes.
 template <>
 Quillon9::CXmlElement* CItemCol<CPoint>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
                                                      Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
@@ -108,7 +109,7 @@ template <>
 Quillon9::CXmlElement* CItemCol<CShapeType>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
                                                          Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
 
-/// What a drawing tells of itself: an all group.
+/// What a drawing says about itself: an all group.
 class CMeta : public CDrawingObject {
  public:
   enum Units { Units_mm, Units_cm, Units_in };
@@ -118,9 +119,9 @@ class CMeta : public CDrawingObject {
   std::string const& GetAuthor() const { return m_author; }
   std::optional<Quillon9::CDateTime> const& GetCreated() const { return m_created; }
   Units GetUnits() const { return m_units; }
-  /// The text of a unit in a document; null for a number that is none.
+  /// Return the text of a unit in a document; null for a number that is not a unit.
   static char const* UnitsToText(int units);
-  /// \throws Quillon9::CQnInvalidValueException for a \p text that is none.
+  /// \throws Quillon9::CQnInvalidValueException if \p text is not a unit.
   static int UnitsFromText(char const* text);
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -132,7 +133,7 @@ class CMeta : public CDrawingObject {
   Units m_units = Units_mm;
 };
 
-/// A point by its coordinates. No tag.
+/// A point given by its coordinates. It has no tag.
 class CCartesian : public CDrawingObject {
  public:
   explicit CCartesian(char const* elementName);
@@ -148,13 +149,13 @@ class CCartesian : public CDrawingObject {
   double m_y = 0;
 };
 
-/// A point by distance and direction. No tag.
+/// A point given by distance and direction. It has no tag.
 class CPolar : public CDrawingObject {
  public:
   explicit CPolar(char const* elementName);
 
   double GetR() const { return m_r; }
-  /// Degrees, counter-clockwise.
+  /// Return the direction in degrees, counter-clockwise.
   double GetPhi() const { return m_phi; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -165,7 +166,7 @@ class CPolar : public CDrawingObject {
   double m_phi = 0;
 };
 
-/// A choice: one of its members is set, the other is null. No tag.
+/// A choice: one of its members is set, the other is null. It has no tag.
 class CPoint : public CDrawingObject {
  public:
   explicit CPoint(char const* elementName);
@@ -181,16 +182,16 @@ class CPoint : public CDrawingObject {
   CSmartPtr<CPolar> m_polar;
 };
 
-/// A choice, and one of its members is a choice again. No tag.
+/// A choice, one of whose members is itself a choice. It has no tag.
 class CPosition : public CDrawingObject {
  public:
   explicit CPosition(char const* elementName);
 
-  /// The id of another shape.
+  /// Return the id of another shape.
   std::optional<std::string> const& GetAnchor() const { return m_anchor; }
   CPoint* GetPoint() const { return m_point; }
-  /// Setters unset the member when \p value is absent or null. SetPoint() shares \p value with the caller.
-  /// \throws Quillon9::CQnInvalidStateException when the other member is set.
+  /// The setters unset the member if \p value is absent or null. SetPoint() shares \p value with the caller.
+  /// \throws Quillon9::CQnInvalidStateException if the other member is set.
   void SetAnchor(std::optional<std::string> value);
   void SetPoint(CPoint* value);
 
@@ -208,7 +209,7 @@ class CLabel : public CDrawingObject, public Quillon9::INillable {
  public:
   explicit CLabel(char const* elementName);
 
-  /// Empty when it is nil.
+  /// Return the text; empty if it is nil.
   std::string const& GetText() const { return m_text; }
   bool IsNil() const override { return m_nil; }
   void SetNil(bool nil) override { m_nil = nil; }
@@ -221,7 +222,7 @@ class CLabel : public CDrawingObject, public Quillon9::INillable {
   bool m_nil = false;
 };
 
-/// Abstract: a CSolidFill or a CGradientFill, as xsi:type says.
+/// Abstract: a CSolidFill or a CGradientFill, depending on xsi:type.
 class CFillType : public CDrawingObject {
  protected:
   using CDrawingObject::CDrawingObject;
@@ -231,7 +232,7 @@ class CSolidFill : public CFillType {
  public:
   explicit CSolidFill(char const* elementName);
 
-  /// A number sign and six hexadecimal digits in lower case: red, green, blue.
+  /// Return a number sign and six hexadecimal digits in lower case: red, green, blue.
   std::string const& GetColour() const { return m_colour; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -275,9 +276,9 @@ class CShapeType : public CDrawingObject {
 class CAreaType : public CShapeType {
  public:
   CLabel* GetLabel() const { return m_label; }
-  /// Never null.
+  /// Return the position, which is never null.
   CPosition* GetPosition() const { return m_position; }
-  /// Null in a new object alone.
+  /// Return the fill, which is null only in a new object.
   CFillType* GetFill() const { return m_fill; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -320,13 +321,13 @@ class CRectangle : public CAreaType {
   double m_height = 0;
 };
 
-/// A choice of two collections: one of them is empty. (If neither is, the points are written.)
+/// A choice of two collections, one of which is empty. (If neither is, the points are written.)
 class CPolyline : public CShapeType {
  public:
   explicit CPolyline(char const* elementName);
 
   CItemCol<CPoint>* GetPoint() const { return m_point; }
-  /// Ids of other shapes.
+  /// Return the ids of other shapes.
   Quillon9::CstringCol* GetAnchor() const { return m_anchor; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -342,7 +343,7 @@ class CDrawing : public CDrawingObject {
  public:
   explicit CDrawing(char const* elementName = "drawing");
 
-  /// Never null.
+  /// Return the meta data, which are never null.
   CMeta* GetMeta() const { return m_meta; }
   CItemCol<CShapeType>* GetShape() const { return m_shape; }
 
@@ -354,16 +355,16 @@ class CDrawing : public CDrawingObject {
   CSmartPtr<CItemCol<CShapeType>> const m_shape;
 };
 
-/// Makes objects: of the class that a table names by number, or that an element asks for.
+/// Creates objects of the class that a table identifies by number or that an element requires.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
   enum ClassId { ClassId_Meta, ClassId_Cartesian, ClassId_Polar, ClassId_Point, ClassId_Position, ClassId_Label };
 
   /// \throws Quillon9::CQnInvalidParamException for an unknown number.
   static CSmartPtr<Quillon9::CXmlObjectBase> CreateObject(int classId, char const* elementName);
-  /// By the name of \p element, which is not null; null when no shape has it.
+  /// Create a shape by the name of \p element, which must not be null; null if no shape has that name.
   static CSmartPtr<Quillon9::CXmlObjectBase> CreateShape(Quillon9::CXmlElement* element);
-  /// By the xsi:type of \p element, which is not null; null when no fill has it.
+  /// Create a fill by the xsi:type of \p element, which must not be null; null if no fill has that type.
   static CSmartPtr<Quillon9::CXmlObjectBase> CreateFill(Quillon9::CXmlElement* element);
 };
 

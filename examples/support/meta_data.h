@@ -6,8 +6,8 @@
 
 namespace Support {
 
-/// The record and the two tables of one class, as generated code keeps them. Whoever asks first builds them, under the
-/// lock that the library keeps for this; they go when the process ends, when no object is left.
+/// The record and the two tables of one class, as generated code keeps them. The first caller builds them, under the
+/// lock that the library keeps for this. They are destroyed at the end of the process, when no object is left.
 class CMetaData {
  public:
   using Builder = void (*)(CMetaData&);
@@ -30,7 +30,7 @@ class CMetaData {
   void BuildOnce() {
     CQNCriticalSectionLock const lock(Quillon9::CXmlGeneratedClass::m_csInit);
     if (m_complete.load(std::memory_order_relaxed)) return;  // another thread was faster
-    Clean();                                                 // what an attempt left that ran out of memory
+    Clean();                                                 // remains of an attempt that ran out of memory
     m_build(*this);
     m_complete.store(true, std::memory_order_release);
   }

@@ -4,7 +4,7 @@
 //             choice, optional: address (token), box (int)
 //   attribute: id (token, required)
 //
-// Accessors are left out, since the library does not ask for them: the properties are public members.
+// The classes omit accessors, since the library does not need them: the properties are public members.
 
 #include <atomic>
 #include <iostream>
@@ -18,8 +18,8 @@ using namespace Quillon9Data;
 
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
-/// What the classes do alike. The schema has no namespace. The record and the tables of a class are built by whoever
-/// asks first, and go with the process, when no object is left.
+/// The common part of the classes. The schema has no namespace. The first caller builds the record and the tables of a
+/// class, and they are destroyed at the end of the process, when no object is left.
 template <class Class>
 class CBound : public CXmlGeneratedClass {
  public:
@@ -46,7 +46,7 @@ class CBound : public CXmlGeneratedClass {
     if (s_metaData.complete.load(std::memory_order_acquire)) return s_metaData;
     CQNCriticalSectionLock const lock(m_csInit);
     if (s_metaData.complete.load(std::memory_order_relaxed)) return s_metaData;  // another thread was faster
-    s_metaData.Clean();  // what an attempt left that ran out of memory
+    s_metaData.Clean();  // remains of an attempt that ran out of memory
     Class::Build(s_metaData);
     s_metaData.complete.store(true, std::memory_order_release);
     return s_metaData;
@@ -61,7 +61,7 @@ class CDestination : public CBound<CDestination> {
   std::variant<std::monostate, std::string, std::int32_t> m_addressOrBox;
 
   enum { Property_address, Property_box };
-  static void Build(CMetaData& data) {  // it is shown the attributes of the parcel, so it rejects none
+  static void Build(CMetaData& data) {  // it sees the attributes of the parcel, so it rejects none
     data.info = new CParentElementInfo(XmlElementGroupType_Choice, XmlElementType_Pseudo, "", "", -1, false, false);
     data.elements = new CElementInfo* [3] {};
     data.elements[0] =
@@ -111,7 +111,7 @@ class CParcel : public CBound<CParcel> {
     data.attributes[0] =
         new CAttributeInfoPrimitive("id", "", Property_id, false, ItemType_string, nullptr, kCollapse, {}, nullptr);
   }
-  void Init() override {  // nothing of an earlier document stays
+  void Init() override {  // nothing from an earlier document remains
     m_id.clear();
     m_speed = Speed_slow;
     m_note.reset();
