@@ -11,40 +11,40 @@ namespace Quillon9Data {
 
 using Quillon9::CXmlAttribute;
 
-/// Root of the family.
+/// Base of all attribute descriptors.
 class QUILLON9_API CAttributeInfo {
  public:
-  /// \p name, \p ns and \p defaultValue are copied. \p index is what AccessProperty() of the class knows the property
-  /// by. A null or empty \p defaultValue means that there is none.
+  /// \p name, \p ns and \p defaultValue are copied. \p index is the number of the property in AccessProperty() of the
+  /// class. A null or empty \p defaultValue means that there is no default.
   CAttributeInfo(char const* name, char const* ns, int index, bool optional, char const* defaultValue);
   CAttributeInfo(CAttributeInfo const&) = delete;
   CAttributeInfo& operator=(CAttributeInfo const&) = delete;
   virtual ~CAttributeInfo();
 
-  /// Write the property, unless it is optional and not set, or equal to its default while \p ctx leaves these out.
+  /// Write the property, unless it is optional and not set, or equals its default while \p ctx leaves such values out.
   /// \throws CQnException for a broken facet, and for a required value that is not set (a required enumeration that is
   ///         not set is written as number 0 instead) or has no text.
   virtual void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                               CXmlWriter* writer) const = 0;
-  /// Store \p attribute when it is this descriptor's own; true when it was. Facets are not checked on reading.
+  /// Store \p attribute if it belongs to this descriptor; returns whether it does. Facets are not checked on reading.
   /// \throws CQnInvalidValueException for a text that does not convert.
   virtual bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                 CXmlAttribute* attribute) = 0;
-  /// The check after the last attribute. \p found: AttributeFromXml() took one.
+  /// The check after the last attribute. \p found says whether AttributeFromXml() took one.
   /// \throws CQnValidationException "Failed to find the required Attribute [%s]".
   virtual void Validate(CXmlSerializationContext const& ctx, bool found) const = 0;
 
   /// Whether \p attribute, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisAttribute(CXmlSerializationContext const& ctx, CXmlAttribute* attribute) const;
 
-  /// The holder's accessors with the index of this property.
+  /// Call the accessors of \p holder with the index of this property.
   /// \throws what the holder's AccessProperty() throws.
   ///@{
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
 
-  /// Ways in to operations of \p object, which is not null.
+  /// Access to operations of \p object, which must not be null.
   ///@{
   static std::string GetTargetNamespace(CXmlObjectBase const* object);
   static void ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
@@ -54,7 +54,7 @@ class QUILLON9_API CAttributeInfo {
   static void TestNamespace(std::string const& ns, std::string const& list, std::string const& target);
 
  protected:
-  /// Whether \p text, the default of an optional attribute, is to be left out.
+  /// Whether \p text is the default of an optional attribute and must be left out.
   bool IsSuppressedDefault(CXmlSerializationContext const& ctx, std::string const& text) const;
   /// \throws CQnValidationException "Failed to find the required Attribute [%s]" unless it is optional or \p found.
   void ThrowIfRequiredAndMissing(bool found) const;
@@ -62,15 +62,15 @@ class QUILLON9_API CAttributeInfo {
   std::string m_attributeName;  ///< local name
   std::string m_namespace;      ///< empty for none
   int m_propertyIndex;          ///< for AccessProperty()
-  bool m_optional;              ///< its absence is no failure
+  bool m_optional;              ///< may be absent
   std::string m_defaultValue;   ///< empty for none
 };
 
-/// An attribute that holds a value of some ItemType. It matches by name and namespace exactly, even where the
-/// context ignores namespaces; its enumeration sister does not.
+/// An attribute that holds a value of any ItemType. It matches by name and namespace exactly, even where the context
+/// ignores namespaces; CAttributeInfoEnum does not.
 class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
  public:
-  /// \p format is kept as it is and must outlive the descriptor; \p restrictions is copied.
+  /// \p format is not copied and must outlive the descriptor; \p restrictions is copied.
   CAttributeInfoPrimitive(char const* name, char const* ns, int index, bool optional, ItemType type, char const* format,
                           CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions,
                           char const* defaultValue);
@@ -93,11 +93,11 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for rare facets
 };
 
-/// An attribute that holds an enumerator. The generated function sees the text as it stood in the document.
+/// An attribute that holds an enumerator. The generated function gets the text exactly as the document contains it.
 class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
  public:
-  /// \p toText gives the text of a number, \p fromText the number of a text; what \p fromText does with an unknown
-  /// text, failures included, is its own affair.
+  /// \p toText returns the text of a number, \p fromText the number of a text; \p fromText decides what to do with an
+  /// unknown text, including whether to fail.
   CAttributeInfoEnum(char const* name, char const* ns, int index, bool optional, EnumToText toText,
                      EnumFromText fromText, char const* defaultValue);
   ~CAttributeInfoEnum() override;
@@ -114,11 +114,11 @@ class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
 };
 
 /// An attribute wildcard, whose property is a CAttributeCol. It takes or refuses every attribute that is offered to it,
-/// so it stands behind the declared ones in the table.
+/// so it follows the declared attributes in the table.
 class QUILLON9_API CAttributeInfoAny : public CAttributeInfo {
  public:
-  /// \p restriction says which namespaces the attributes may have, with \p targetNamespace
-  /// (CXmlObjectHelper::IsNamespaceValid() tells its form).
+  /// \p restriction says which namespaces the attributes may have, together with \p targetNamespace (see
+  /// CXmlObjectHelper::IsNamespaceValid() for its form).
   CAttributeInfoAny(char const* name, char const* ns, int index, bool optional, char const* restriction,
                     char const* targetNamespace, char const* defaultValue);
   ~CAttributeInfoAny() override;

@@ -7,17 +7,17 @@
 
 namespace Quillon9 {
 
-/// The base of generated class factories: tells which type an element of an abstract or substitutable kind has.
-/// Any thread.
+/// Base of generated class factories, which determine the type of an element of an abstract or substitutable kind. Any
+/// thread may call its operations.
 class QUILLON9_API CClassfactoryBase {
  public:
   virtual ~CClassfactoryBase();
 
-  /// What follows the first colon of the value of xsi:type, or the value when it has none; empty when \p element,
-  /// which may not be null, has no such attribute.
+  /// The part of the value of xsi:type after its first colon, or the whole value when it has none; empty when
+  /// \p element, which must not be null, has no such attribute.
   static std::string GetElementType(CXmlElement* element);
-  /// The namespace of that type: what the prefix of the value is bound to in the document, or the namespace of
-  /// \p element itself when there is no prefix or nothing is known of it.
+  /// The namespace of that type: the one that the document binds to the prefix of the value, or the namespace of
+  /// \p element itself when there is no prefix or the prefix is unknown.
   static std::string GetElementTypeNamespaceUri(CXmlElement* element);
 };
 

@@ -20,11 +20,11 @@ class CFacetFilter;
 
 /// The descriptors of element content. A generated class lists one for each element that its schema declares; the
 /// drivers of CXmlGeneratedClass walk the list, and each descriptor decides whether the element under the cursor
-/// is its own and how it gets into the property and back.
+/// belongs to it and how to move it into the property and back.
 ///
-/// A class name reads: group (`Seq`, `All`, `Choice`), content (`Prim` a value, `Enum` an enumeration, `Cls` an
-/// object of a known class, `AbsCls` one whose class is found from the element, `Untpd` any element), occurrence (`Mnd`
-/// once, `Opt` at most once, `Col` repeated, held in a collection).
+/// A class name consists of: group (`Seq`, `All`, `Choice`), content (`Prim` a value, `Enum` an enumeration, `Cls` an
+/// object of a known class, `AbsCls` an object whose class is determined from the element, `Untpd` any element),
+/// occurrence (`Mnd` once, `Opt` at most once, `Col` repeated, held in a collection).
 ///
 /// Descriptors are immutable, belong to the tables of their class and serve all its instances in all threads.
 namespace Quillon9Data {
@@ -39,25 +39,25 @@ using Quillon9::CXmlWriter;
 using Quillon9::ItemType;
 using Quillon9::QnVariant;
 
-/// Makes an object of the class with this number, bearing this element name. Never null. Generated code.
+/// Create an object of the class with this number and give it this element name. Never returns null. Generated code.
 using ClassFactory = CSmartPtr<CXmlObjectBase> (*)(int classId, char const* elementName);
-/// Makes an object of the class that suits the element, by its xsi:type for instance; null when none does. Generated
-/// code. A descriptor asks for elements of its own name only; the members of a substitution group, which have other
-/// names, are a choice, or a collection that knows their names.
+/// Create an object of the class that suits the element, for instance by its xsi:type; return null when no class does.
+/// Generated code. A descriptor calls it only for elements of its own name; the members of a substitution group, which
+/// have other names, are a choice, or a collection that knows their names.
 using ElementFactory = CSmartPtr<CXmlObjectBase> (*)(CXmlElement* element);
-/// The two directions of a generated enumeration.
+/// The two directions of converting a generated enumeration.
 ///@{
 using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
 ///@}
 
-struct ChildTypes;  // for the library itself
+struct ChildTypes;  // for internal use
 
-/// Root of the family: what a descriptor stores, and the steps that its members share.
+/// Base of all element descriptors: what a descriptor stores, and the steps that the derived classes share.
 class QUILLON9_API CElementInfo {
  public:
-  /// For primitive members. \p name and \p ns are copied, \p restrictions too; \p format is kept as it is and must
-  /// outlive the descriptor (tables pass literals or null).
+  /// For primitive members. \p name, \p ns and \p restrictions are copied; \p format is not copied and must outlive the
+  /// descriptor (tables pass literals or null).
   CElementInfo(char const* name, char const* ns, int index, ItemType type, char const* format,
                CWhitespaceUtils::WhitespaceRule rule, CPrimitiveRestrictions const& restrictions);
   /// For all other members.
@@ -66,48 +66,48 @@ class QUILLON9_API CElementInfo {
   CElementInfo& operator=(CElementInfo const&) = delete;
   virtual ~CElementInfo();
 
-  /// Write the property. True when something was written.
+  /// Write the property. Returns whether anything was written.
   /// \throws CQnException for a broken facet; what the child object throws.
   virtual bool ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                             CXmlWriter* writer) const = 0;
-  /// Take the element under \p cursor, a child of \p parent, when it is this descriptor's own, and move the cursor
-  /// behind it. A null cursor means that no child is left. True means that the driver may go on to the next
-  /// descriptor, an absent optional element included; false that this descriptor is not satisfied. Where false is
-  /// returned, the cursor has moved all the same in three cases: a collection in a holder without a tag whose count is
-  /// outside its limits, the collections of all groups, and a mandatory primitive of a holder without a tag that looked
-  /// for its element behind ignored ones. \p holderNamespace and \p holderType are those of \p holder.
+  /// Take the element under \p cursor, a child of \p parent, if it belongs to this descriptor, and move the cursor past
+  /// it. A null cursor means that no child is left. Returns true if the driver may go on to the next descriptor, even
+  /// if an optional element is absent; false if this descriptor is not satisfied. Despite returning false, it has moved
+  /// the cursor in three cases: a collection in a holder without a tag whose count is outside its limits, the
+  /// collections of all groups, and a mandatory primitive of a holder without a tag that looked for its element after
+  /// ignored ones. \p holderNamespace and \p holderType are those of \p holder.
   /// \throws CQnValidationException for a missing mandatory element or a count outside its limits;
-  ///         CQnInvalidValueException for a text that does not convert; CQnException for a factory or a holder that has
-  ///         no object or collection to give; what the child object throws.
+  ///         CQnInvalidValueException for a text that does not convert; CQnException for a factory or a holder that
+  ///         supplies no object or collection; what the child object throws.
   virtual bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
                               CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) = 0;
-  /// The check of an all group after its last element: whether \p found satisfies this descriptor. \p required
-  /// says that a missing mandatory element is a failure and not just false.
+  /// The check of an all group after its last element. Returns whether \p found satisfies this descriptor. \p required
+  /// makes a missing mandatory element a failure, instead of only returning false.
   virtual bool Validate(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, bool found,
                         bool required) const = 0;
   /// Write the attributes of a child without a tag on the open element. Does nothing here.
   virtual void PseudoChildAttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                          CXmlWriter* writer) const;
-  /// Whether ElementFromXml() looks at the namespace of the holder, which is not asked for it otherwise. True here; of
-  /// the classes below, true for those of untyped content.
+  /// Whether ElementFromXml() uses the namespace of the holder, which is otherwise not requested from the holder. True
+  /// here; of the classes below, true for those of untyped content.
   virtual bool ReadsHolderNamespace() const { return true; }
-  /// The number that this member has and no other one ever had, for what readers remember.
+  /// The number of this member, which no other member ever has; readers use it to recognise members.
   std::uint64_t GetNumber() const { return m_number; }
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
-  /// \throws CQnException for a broken facet, "Cannot CheckRestriction for type: " and the type's name when this is no
-  ///         primitive descriptor, and "Invalid Type %d" for a value without a name; CQnInvalidValueException for a
-  ///         kind without facets or a bound that does not parse.
+  /// \throws CQnException for a broken facet, "Cannot CheckRestriction for type: " and the type's name when this is not
+  ///         a primitive descriptor, and "Invalid Type %d" for a value whose type has no name; CQnInvalidValueException
+  ///         for a kind without facets or a bound that does not parse.
   void CheckRestriction(QnVariant const& value) const;
-  /// The namespace that a new untyped element takes under the wildcard \p restriction before anything is read into it:
+  /// The namespace that a new untyped element gets under the wildcard \p restriction before anything is read into it:
   /// \p ns for "##any", the placeholder "DefaultNamespace" for "##other" with an empty \p ns, \p targetNamespace for
-  /// "##targetNamespace", empty for everything else. Of a list that begins with "##" the first token counts.
+  /// "##targetNamespace", empty for everything else. Of a list that begins with "##", only the first token counts.
   static std::string GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace);
 
-  /// How the members write their property, by content kind: true when something was written. A value that is not valid,
-  /// a null object and an empty collection write nothing.
-  /// \throws what ElementToXml() tells; CQnException for an enumerator without text.
+  /// Write the property, by content kind. Returns whether anything was written. A value that is not valid, a null
+  /// object and an empty collection write nothing.
+  /// \throws what ElementToXml() throws; CQnException for an enumerator without text.
   ///@{
   bool ElementToXmlPrim(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                         CXmlWriter* writer) const;
@@ -122,13 +122,13 @@ class QUILLON9_API CElementInfo {
   bool ElementToXmlCol(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
   ///@}
 
-  /// The holder's accessors with the index of this property.
+  /// Call the accessors of \p holder with the index of this property.
   /// \throws what the holder's AccessProperty() throws.
   ///@{
   void AccessProperty(CXmlGeneratedClass* holder, bool read, QnVariant& value) const;
   void ReadProperty(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
-  /// Ways in to the protected operations of \p object, which is not null.
+  /// Access to the protected operations of \p object, which must not be null.
   ///@{
   CXmlElement* FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                            CXmlSerializationContext const& ctx, bool inChoice) const;
@@ -136,29 +136,29 @@ class QUILLON9_API CElementInfo {
   ///@}
 
  protected:
-  /// Whether \p element, which may be null, is known to be this one: IsThisElement() in a few steps.
+  /// Whether \p element, which may be null, is known to be this one: a shortcut for IsThisElement().
   bool IsKnown(CXmlElement const* element) const;
-  /// Move \p cursor to this mandatory element of a holder with a tag. False when its absence is ignored, with the
-  /// cursor untouched. Elements in front of it are skipped where unknown ones are ignored.
+  /// Move \p cursor to this mandatory element of a holder with a tag. Returns false, with the cursor unchanged, when
+  /// its absence is ignored. Elements before it are skipped where unknown elements are ignored.
   /// \throws CQnValidationException "Failed to find a required element [%s]".
   bool SeekRequiredElement(CXmlSerializationContext const& ctx, CXmlElement** cursor) const;
   /// \throws CQnValidationException "Failed to find a required element [%s]", always.
   [[noreturn]] void ThrowRequiredElement() const;
 
-  /// The Validate() of the mandatory members of an all group.
+  /// Validate() for the mandatory members of an all group.
   /// \throws CQnValidationException "Failed to find the mandatory element [%s]" when it is \p required and not \p
   ///         found.
   bool ValidateMandatory(bool found, bool required) const;
 
-  // The steps of reading. Those with a result tell whether they took the element, and moved \p cursor.
+  // The steps of reading. Those that return bool report whether they took the element and moved \p cursor.
 
-  /// Convert the text of the element under \p cursor, store it, move on. Always true.
+  /// Convert the text of the element under \p cursor, store it and move on. Always returns true.
   bool TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const;
-  /// The same by \p fromText, which gets the text as it stands in the document.
+  /// The same with \p fromText, which gets the text exactly as the document contains it.
   bool TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const;
   /// Let \p child, an object with a tag, read the element under \p cursor, and move on.
   void ReadChild(CXmlSerializationContext const& ctx, CXmlObjectBase* child, CXmlElement** cursor, bool inChoice) const;
-  /// The same for a child that an element factory made, which is stored before the cursor moves.
+  /// The same for a child that an element factory created; it is stored before the cursor moves.
   void ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlObjectBase* child,
                          CXmlElement** cursor) const;
   /// Let \p child, an object without a tag, read from \p cursor on, which may be null.
@@ -169,11 +169,11 @@ class QUILLON9_API CElementInfo {
   /// Let \p held, a CElement, read the element under \p cursor, which is not null.
   bool ReadUntyped(CXmlSerializationContext const& ctx, CXmlObjectBase* held, CXmlElement* parent,
                    CXmlElement** cursor) const;
-  /// A new CElement with the element under \p cursor, which is not null; null when it did not take it.
+  /// Read the element under \p cursor, which is not null, into a new CElement. Returns null if that did not take it.
   CSmartPtr<CXmlObjectBase> ReadNewUntyped(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                            CXmlElement** cursor, char const* holderNamespace,
                                            std::string const& restriction, std::string const& targetNamespace) const;
-  /// The first element that the untyped \p collection did not take.
+  /// Let the untyped \p collection read from \p cursor on. Returns the first element that it did not take.
   CXmlElement* ReadUntypedCollection(CXmlSerializationContext const& ctx, Quillon9::CXmlCollectionBase* collection,
                                      CXmlElement* parent, CXmlElement* cursor) const;
 
@@ -181,23 +181,23 @@ class QUILLON9_API CElementInfo {
 
   /// \throws CQnValidationException for a count outside the limits of the collection, unless \p ctx ignores that.
   void ValidateCountOnWriting(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const;
-  /// Whether the count is within its limits. In a holder with a tag a wrong one is a CQnValidationException.
+  /// Whether the count is within its limits. In a holder with a tag, a wrong count throws CQnValidationException.
   static bool JudgeCount(Quillon9::CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                          XmlElementType holderType);
-  /// Whether a collection of a choice that read up to \p next is the chosen member.
+  /// Whether a collection of a choice, which read up to \p next, is the chosen member.
   static bool AcceptChosen(Quillon9::CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                            CXmlElement* next, CXmlElement** cursor, XmlElementType holderType);
 
   // The objects of the holder.
 
-  /// A new child object. Never null.
+  /// Create a child object. Never returns null.
   CSmartPtr<CXmlObjectBase> MakeChild(ClassFactory classFactory, int classId) const;
   /// The child object or the collection that the holder keeps for this property.
   ///@{
   CSmartPtr<CXmlObjectBase> FetchChild(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> FetchCollection(CXmlGeneratedClass* holder) const;
   CSmartPtr<Quillon9::CXmlCollectionBase> ReadCollection(CXmlGeneratedClass const* holder) const;
-  /// The same, not counted: \p value, which holds nothing yet, keeps it.
+  /// The same, without taking a reference: \p value, which is still empty, keeps the collection alive.
   Quillon9::CXmlCollectionBase* LookAtCollection(CXmlGeneratedClass const* holder, QnVariant& value) const;
   ///@}
   /// Store \p child, which may be null, in the property.
@@ -218,10 +218,10 @@ class QUILLON9_API CElementInfo {
   char const* m_format = nullptr;                    ///< not owned
   /// Applied to the text of a primitive member.
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule = CWhitespaceUtils::WhitespaceRule_None;
-  bool m_primitive;  ///< made by the constructor for primitive members
+  bool m_primitive;  ///< set by the constructor for primitive members
 
  private:
-  std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for what is no primitive member, and for rare facets
+  std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for other members, and for rare facets
   std::uint64_t const m_number;
 };
 
@@ -254,8 +254,8 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
                 bool required) const override;
 };
 
-// What the members override. The third and fourth let a child, or the items of a collection, that have no tag put their
-// attributes on the open element.
+// The operations that the members override. The last two write the attributes of a child, or of the items of a
+// collection, that have no tag on the open element.
 #define QN_ELEMENT_OVERRIDES                                                                                   \
   bool ElementToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) \
       const override;                                                                                          \
@@ -281,16 +281,16 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
     PseudoItemsAttributesToXml(m_childType, ctx, holder, writer);                                       \
   }
 
-// The members, by content kind; in each kind first those of a sequence, then of an all group, then of a choice. Which
-// ones there are, and how they differ:
+// The members, by content kind; within each kind first those of a sequence, then of an all group, then of a choice.
+// This table shows which members exist and how they differ:
 //
 //            element absent                              a mandatory one missing            property stored
 //   Seq      Opt: true; Mnd: see there                   fails at once                      after the read
 //   All      false                                       fails at the end, by Validate()    after the read
 //   Choice   false (there is no Mnd)                     fails in the driver                before the read
 //
-// In a holder without a tag a missing mandatory element is no failure: the whole group may be absent, so the answer is
-// false. On writing Mnd and Opt are alike: a value that is not valid and a null object write nothing.
+// In a holder without a tag a missing mandatory element is not a failure: the whole group may be absent, so the result
+// is false. On writing, Mnd and Opt behave alike: a value that is not valid and a null object write nothing.
 
 // ---- Values. Facets are checked on writing only.
 
@@ -346,13 +346,13 @@ class QUILLON9_API CElementInfoChoicePrimOpt : public CElementInfoChoice {
   QN_TYPED_OVERRIDES
 };
 
-// ---- Enumerations, held as the number of the enumerator. The text reaches \p fromText as it stands in the document;
-// what an unknown one does is its own affair. Writing throws CQnException for a number without text.
+// ---- Enumerations, held as the number of the enumerator. \p fromText gets the text exactly as the document contains
+// it and decides what to do with an unknown one. Writing throws CQnException for a number without text.
 
 /// An enumerator, mandatory, in a sequence.
 class QUILLON9_API CElementInfoSeqEnumMnd : public CElementInfoSeq {
  public:
-  /// \p toText and \p fromText, functions of the enumeration, are kept and not null.
+  /// \p toText and \p fromText, functions of the enumeration, are kept and must not be null.
   CElementInfoSeqEnumMnd(char const* name, char const* ns, int index, EnumToText toText, EnumFromText fromText)
       : CElementInfoSeq(name, ns, index), m_fromText(fromText), m_toText(toText) {}
   QN_TYPED_OVERRIDES
@@ -418,11 +418,12 @@ class QUILLON9_API CElementInfoChoiceEnumOpt : public CElementInfoChoice {
 
 // ---- Objects of a known class, with a tag or without.
 
-/// The child exists in its owner already: \p classFactory and \p classId are stored and not used. \p requiresContent
-/// says of a child without a tag that it counts as present only when it took an element.
+/// An object of a known class, mandatory, in a sequence. The child already exists in its owner: \p classFactory and
+/// \p classId are stored but not used. \p requiresContent says that a child without a tag counts as present only if it
+/// took an element.
 class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
  public:
-  /// \p childType is that of the record of the child's class.
+  /// \p childType is the element type in the record of the child's class.
   CElementInfoSeqClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId, bool requiresContent)
       : CElementInfoSeq(name, ns, index),
@@ -446,10 +447,11 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
   [[maybe_unused]] int m_classId;
 };
 
-/// The child is made when its element is there, and stored when it has been read whole.
+/// An object of a known class, optional, in a sequence. The child is created when its element is present, and stored
+/// when it has been read completely.
 class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
  public:
-  /// \p childType is that of the record of the child's class; \p classFactory is kept and not null.
+  /// \p childType is the element type in the record of the child's class; \p classFactory is kept and must not be null.
   CElementInfoSeqClsOpt(char const* name, char const* ns, int index, XmlElementType childType,
                         ClassFactory classFactory, int classId)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_classFactory(classFactory), m_classId(classId) {}
@@ -463,7 +465,8 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   int m_classId;
 };
 
-/// As in a sequence; but \p requiresContent counts for a child with a tag: without it the element may be missing.
+/// An object of a known class, mandatory, in an all group. As in a sequence, but \p requiresContent applies to a child
+/// with a tag: without it the element may be missing.
 class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
  public:
   /// The arguments of CElementInfoSeqClsMnd.
@@ -504,8 +507,9 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
   int m_classId;
 };
 
-/// The child is stored before it is read, and null when it took nothing. A child with a tag that is itself a choice may
-/// stay empty here, on reading and on writing.
+/// An object of a known class, optional, in a choice. The child is stored before it is read, and the property is set to
+/// null when the child took nothing. A child with a tag that is itself a choice may stay empty here, on reading and on
+/// writing.
 class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
  public:
   /// The arguments of CElementInfoSeqClsOpt.
@@ -522,13 +526,14 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
   int m_classId;
 };
 
-// ---- Objects whose class is found from the element: abstract types and substitution groups.
+// ---- Objects whose class is determined from the element: abstract types and substitution groups.
 
-/// When the element is absent or no class suits it, reading throws CQnValidationException "Failed to find a suitable
-/// substitution element for [%s]" in a holder with a tag. No option excuses it or skips elements in front of it.
+/// An object whose class is determined from the element, mandatory, in a sequence. When the element is absent or no
+/// class suits it, reading throws CQnValidationException "Failed to find a suitable substitution element for [%s]" in a
+/// holder with a tag. No option excuses this or skips elements before it.
 class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
  public:
-  /// \p childType is that of the records of the classes; \p elementFactory is kept and not null.
+  /// \p childType is the element type in the records of the classes; \p elementFactory is kept and must not be null.
   CElementInfoSeqAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory)
       : CElementInfoSeq(name, ns, index), m_childType(childType), m_elementFactory(elementFactory) {}
@@ -540,7 +545,7 @@ class QUILLON9_API CElementInfoSeqAbsClsMnd : public CElementInfoSeq {
   ElementFactory m_elementFactory;
 };
 
-/// An object whose class is found from the element, optional, in a sequence.
+/// An object whose class is determined from the element, optional, in a sequence.
 class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
  public:
   /// The arguments of CElementInfoSeqAbsClsMnd.
@@ -555,10 +560,11 @@ class QUILLON9_API CElementInfoSeqAbsClsOpt : public CElementInfoSeq {
   ElementFactory m_elementFactory;
 };
 
-/// Can be written, not read: ElementFromXml() throws CQnException, for every child of the holder, whatever it is.
+/// An object whose class is determined from the element, mandatory, in an all group. It can be written but not read:
+/// ElementFromXml() throws CQnException for every child of the holder.
 class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
  public:
-  /// As CElementInfoSeqAbsClsMnd's; \p classId is stored and not used.
+  /// The arguments of CElementInfoSeqAbsClsMnd; \p classId is stored but not used.
   CElementInfoAllAbsClsMnd(char const* name, char const* ns, int index, XmlElementType childType,
                            ElementFactory elementFactory, int classId)
       : CElementInfoAll(name, ns, index),
@@ -575,7 +581,8 @@ class QUILLON9_API CElementInfoAllAbsClsMnd : public CElementInfoAll {
   [[maybe_unused]] int m_classId;
 };
 
-/// As for Mnd: written, not read.
+/// An object whose class is determined from the element, optional, in an all group. Like the mandatory form it can be
+/// written but not read.
 class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
  public:
   /// The arguments of CElementInfoSeqAbsClsMnd.
@@ -591,7 +598,8 @@ class QUILLON9_API CElementInfoAllAbsClsOpt : public CElementInfoAll {
   [[maybe_unused]] ElementFactory m_elementFactory;
 };
 
-/// The property is null when no class suits the element, and the next member is asked.
+/// An object whose class is determined from the element, optional, in a choice. When no class suits the element, the
+/// property is null and the next member is tried.
 class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
  public:
   /// The arguments of CElementInfoSeqAbsClsMnd.
@@ -606,14 +614,14 @@ class QUILLON9_API CElementInfoChoiceAbsClsOpt : public CElementInfoChoice {
   ElementFactory m_elementFactory;
 };
 
-// ---- Untyped content, held as CElement. A \p name of "AnyElement" takes an element of any local name, another name
-// only elements of that name; \p ns takes no part, nor does the option that ignores namespaces. The namespace is judged
-// by the \p restriction of the CElement, with \p targetNamespace (CXmlObjectHelper::IsNamespaceValid tells its form).
+// ---- Untyped content, held as CElement. A \p name of "AnyElement" takes an element of any local name, any other name
+// only elements of that name; \p ns has no effect, nor has the option that ignores namespaces. The namespace is checked
+// by the \p restriction of the CElement, with \p targetNamespace (see CXmlObjectHelper::IsNamespaceValid for its form).
 
-/// The CElement exists in its owner already, with a restriction of its own; the one given here is not used. Without an
-/// element left reading throws CQnValidationException "Failed to find a required element [%s]", in a holder without a
-/// tag too; for one it does not take "Failed to find the required element from namespace [%s]", only in a holder with a
-/// tag.
+/// Any element, mandatory, in a sequence. The CElement already exists in its owner, with a restriction of its own; the
+/// one passed here is not used. When no element is left, reading throws CQnValidationException "Failed to find a
+/// required element [%s]", even in a holder without a tag; for an element that the CElement does not take, it throws
+/// "Failed to find the required element from namespace [%s]", only in a holder with a tag.
 class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
  public:
   /// \p restriction and \p targetNamespace are copied.
@@ -627,9 +635,9 @@ class QUILLON9_API CElementInfoSeqUntpdMnd : public CElementInfoSeq {
   std::string m_targetNamespace;
 };
 
-/// A new CElement is made for each try, and stored when it took the element.
+/// Any element, optional, in a sequence. Each attempt creates a new CElement, which is stored if it took the element.
 /// \throws CQnInvalidNamespaceException from every read with an element left when the namespace of
-///         GetAnyDefaultNamespace() does not pass the restriction: for "##other" with an empty target namespace in a
+///         GetAnyDefaultNamespace() does not satisfy the restriction: for "##other" with an empty target namespace in a
 ///         holder that has a namespace.
 class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
  public:
@@ -644,7 +652,7 @@ class QUILLON9_API CElementInfoSeqUntpdOpt : public CElementInfoSeq {
   std::string m_targetNamespace;
 };
 
-/// As in a sequence, but absence is judged at the end.
+/// Any element, mandatory, in an all group. As in a sequence, but absence is checked at the end.
 class QUILLON9_API CElementInfoAllUntpdMnd : public CElementInfoAll {
  public:
   /// The arguments of CElementInfoSeqUntpdMnd.
@@ -674,7 +682,7 @@ class QUILLON9_API CElementInfoAllUntpdOpt : public CElementInfoAll {
   std::string m_targetNamespace;
 };
 
-/// The property is null after a try that took nothing.
+/// Any element, optional, in a choice. The property is null after an attempt that took nothing.
 class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
  public:
   /// The arguments of CElementInfoSeqUntpdMnd.
@@ -690,32 +698,33 @@ class QUILLON9_API CElementInfoChoiceUntpdOpt : public CElementInfoChoice {
 
 // ---- Repeated members: the property is a collection, which takes its run of siblings and knows its limits.
 
-/// The count is judged after reading and before writing.
+/// A repeated member of a sequence. The count is checked after reading and before writing.
 class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoSeqCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   QN_TYPED_OVERRIDES
 };
 
-/// Abstract: an all group has no repeated members, so no table holds one.
+/// A repeated member of an all group. Abstract: an all group has no repeated members, so no table contains one.
 class QUILLON9_API CElementInfoAllCol : public CElementInfoAll {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoAllCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   QN_TYPED_OVERRIDES
 };
 
-/// A collection that took nothing is not this choice's member; the count is not judged on writing.
+/// A repeated member of a choice. A collection that took nothing is not the chosen member; the count is not checked on
+/// writing.
 class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
   QN_TYPED_OVERRIDES
 };
 
-// Collections of values and of enumerators have nothing but their group's behaviour; those of objects store whether the
-// items have tags of their own, untyped ones look at the name.
+// Collections of values and of enumerators have only the behaviour of their group; those of objects store whether the
+// items have tags of their own, and untyped ones check the name.
 
 /// A collection of values, in a sequence.
 class QUILLON9_API CElementInfoSeqPrimCol : public CElementInfoSeqCol {
@@ -744,7 +753,7 @@ class QUILLON9_API CElementInfoSeqClsCol : public CElementInfoSeqCol {
   XmlElementType m_childType;
 };
 
-/// A collection of objects whose class is found from the element, in a sequence.
+/// A collection of objects whose class is determined from the element, in a sequence.
 class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
  public:
   /// \p childType is that of the record of the items' classes.
@@ -757,9 +766,10 @@ class QUILLON9_API CElementInfoSeqAbsClsCol : public CElementInfoSeqCol {
   XmlElementType m_childType;
 };
 
-/// Under the name "AnyElement" it takes everything that is left, so it stands last; under another one the run of
-/// siblings with that name and the namespace of the first, for which the collection must be a CElementCol (CQnException
-/// otherwise). A CElementCol restricts no namespace and has no limits.
+/// A collection of any elements, in a sequence. Under the name "AnyElement" it takes everything that is left, so it is
+/// the last member; under any other name it takes the run of siblings with that name and the namespace of the first,
+/// for which the collection must be a CElementCol (CQnException otherwise). A CElementCol restricts no namespace and
+/// has no limits.
 class QUILLON9_API CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
  public:
   using CElementInfoSeqCol::CElementInfoSeqCol;
@@ -767,30 +777,30 @@ class QUILLON9_API CElementInfoSeqUntpdCol : public CElementInfoSeqCol {
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
 };
 
-/// Abstract: a collection of no kind, which derives from the group class and can neither read nor write.
+/// Abstract: a collection of no kind. It derives from the group class and can neither read nor write.
 class QUILLON9_API CElementInfoSeqNonCol : public CElementInfoSeq {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoSeqNonCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
   ~CElementInfoSeqNonCol() override;
 };
 
-/// A collection of values, in an all group. Abstract, as its base.
+/// A collection of values, in an all group. Abstract, like its base.
 class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
  public:
   using CElementInfoAllCol::CElementInfoAllCol;
   ~CElementInfoAllPrimCol() override;
 };
 
-/// Not a `Col` class, unlike its sisters.
+/// A collection of enumerators, in an all group. Unlike its sisters, it does not derive from a `Col` class.
 class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoAllEnumCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllEnumCol() override;
 };
 
-/// A collection of objects of a known class, in an all group. Abstract, as its base.
+/// A collection of objects of a known class, in an all group. Abstract, like its base.
 class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
  public:
   /// The arguments of CElementInfoSeqClsCol.
@@ -803,7 +813,7 @@ class QUILLON9_API CElementInfoAllClsCol : public CElementInfoAllCol {
   XmlElementType m_childType;
 };
 
-/// A collection of objects whose class is found from the element, in an all group. Abstract, as its base.
+/// A collection of objects whose class is determined from the element, in an all group. Abstract, like its base.
 class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
  public:
   /// The arguments of CElementInfoSeqAbsClsCol.
@@ -816,17 +826,17 @@ class QUILLON9_API CElementInfoAllAbsClsCol : public CElementInfoAllCol {
   XmlElementType m_childType;
 };
 
-/// A collection of any elements, in an all group. Abstract, as its base.
+/// A collection of any elements, in an all group. Abstract, like its base.
 class QUILLON9_API CElementInfoAllUntpdCol : public CElementInfoAllCol {
  public:
   using CElementInfoAllCol::CElementInfoAllCol;
   ~CElementInfoAllUntpdCol() override;
 };
 
-/// Abstract, as in a sequence.
+/// A collection of no kind, in an all group. Abstract, as in a sequence.
 class QUILLON9_API CElementInfoAllNonCol : public CElementInfoAll {
  public:
-  /// The name, the namespace and the index of the property, as CElementInfo's.
+  /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoAllNonCol(char const* name, char const* ns, int index) : CElementInfoAll(name, ns, index) {}
   ~CElementInfoAllNonCol() override;
 };
@@ -858,7 +868,7 @@ class QUILLON9_API CElementInfoChoiceClsCol : public CElementInfoChoiceCol {
   XmlElementType m_childType;
 };
 
-/// A collection of objects whose class is found from the element, in a choice.
+/// A collection of objects whose class is determined from the element, in a choice.
 class QUILLON9_API CElementInfoChoiceAbsClsCol : public CElementInfoChoiceCol {
  public:
   /// The arguments of CElementInfoSeqAbsClsCol.

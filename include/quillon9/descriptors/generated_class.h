@@ -10,22 +10,22 @@
 
 namespace Quillon9Data {
 
-/// The content model of a generated class. Generated tables carry the numbers.
+/// The content model of a generated class. Generated tables contain the numbers.
 enum XmlElementGroupType : int {
   XmlElementGroupType_Sequence = 0,  ///< the members occur in table order
   XmlElementGroupType_Choice = 1,    ///< one member occurs
   XmlElementGroupType_All = 2,       ///< the members occur in any order
 };
 
-/// Whether a class has a tag. Generated tables carry the numbers; any other value counts as having no tag.
+/// Whether a class has a tag. Generated tables contain the numbers; any other value counts as having no tag.
 enum XmlElementType : int {
   XmlElementType_Element = 0,  ///< a tag of its own; its children are the children of that tag
   XmlElementType_Pseudo = 1,   ///< no tag: its content stands among the children of the enclosing element, and its
                                ///< attributes are written on that element
 };
 
-/// What is true of a generated class as a whole. Built once for a class, shared by its instances and by threads,
-/// never changed.
+/// The properties of a generated class as a whole. Built once for each class, shared by its instances and by threads,
+/// and never changed.
 class QUILLON9_API CParentElementInfo {
  public:
   /// \p typeName and \p typeNamespace are copied.
@@ -39,8 +39,9 @@ class QUILLON9_API CParentElementInfo {
   std::string m_typeName;           ///< name of the type in its schema, the text of xsi:type
   std::string m_typeNamespace;      ///< namespace of that type, for the prefix of xsi:type
   int m_textPropertyIndex;          ///< property that holds the text of the element; -1 for none
-  /// An attribute that no descriptor takes is a failure. A class without a tag is shown the attributes of the element
-  /// around it, and the class of that element those of its groups: both have false where the other has attributes.
+  /// Whether an attribute that no descriptor takes is a failure. A class without a tag also gets the attributes of the
+  /// enclosing element, and the class of that element gets those of its groups: each of the two has false where the
+  /// other has attributes.
   bool m_rejectUnknownAttributes;
   bool m_typeAttributeWanted;  ///< the class may need xsi:type
 };
@@ -52,71 +53,72 @@ namespace Quillon9 {
 class FailedScans;
 class FlagSet;
 
-/// The base of every generated class: it reads and writes any class from the description that the class gives of
-/// itself through five operations, one record and two tables.
+/// Base of every generated class. Reads and writes any class by the description that the class gives of itself through
+/// five operations, one record and two tables.
 ///
-/// The record and the tables describe the class and not an instance. They are built by the generated code, as a
-/// rule on first use under m_csInit, with plain new (the tables with array new), are never changed, and are freed
-/// by CleanMetaData(). The library asks for them again whenever it needs them, from any thread and without a lock.
+/// The record and the tables describe the class and not an instance. The generated code builds them, usually on first
+/// use under m_csInit, with plain new (the tables with array new), and never changes them; CleanMetaData() frees them.
+/// The library asks for them again whenever it needs them, from any thread and without a lock.
 class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
  public:
   CXmlGeneratedClass();
   ~CXmlGeneratedClass() override;
 
-  /// Store \p value in the property number \p index, or, when \p read is true, put the property into \p value: its
-  /// current value, or the reference to its object or collection. An unset value leaves \p value invalid.
+  /// Store \p value in the property with the number \p index, or, when \p read is true, copy the property into
+  /// \p value: its current value, or the reference to its object or collection. A property that is not set leaves
+  /// \p value invalid.
   virtual void AccessProperty(int index, bool read, QnVariant& value) = 0;
   /// The record of the class; never null, owned by the class.
   virtual Quillon9Data::CParentElementInfo* GetClassInfo() const = 0;
-  /// The descriptors of the elements in schema order, closed by a null pointer.
+  /// The descriptors of the elements in schema order, terminated by a null pointer.
   virtual Quillon9Data::CElementInfo** GetClassElementInfo() const = 0;
-  /// The descriptors of the attributes in schema order, closed by a null pointer.
+  /// The descriptors of the attributes in schema order, terminated by a null pointer.
   virtual Quillon9Data::CAttributeInfo** GetClassAttributeInfo() const = 0;
-  /// Prepare the members for a read. Called first in every read; after it AccessProperty() must be able to hand
-  /// out the objects and collections that mandatory and repeated members fill.
+  /// Prepare the members for a read. Every read calls this first; afterwards AccessProperty() must be able to supply
+  /// the objects and collections that mandatory and repeated members fill.
   virtual void Init() = 0;
 
-  /// AccessProperty() with read true, for const code.
+  /// Call AccessProperty() with read true, for const code.
   void ReadProperty(int index, QnVariant& value) const;
-  /// Entries of the element table, without its null pointer.
+  /// The number of entries in the element table, without its null pointer.
   int GetClassElementInfoCount() const;
-  /// Whether some descriptor of the element table recognises \p element. For generated code.
+  /// Whether any descriptor of the element table recognises \p element. For generated code.
   bool IsElementInList(CXmlSerializationContext const& ctx, CXmlElement* element) const;
-  /// Whether a choice may stay empty: one of its members is optional, or repeated with a minimum of 0. Asks for the
-  /// collections of repeated members by ReadProperty().
+  /// Whether a choice may stay empty: one of its members is optional, or repeated with a minimum of 0. Fetches the
+  /// collections of repeated members with ReadProperty().
   bool DoesElementContainOptionalElements() const;
 
-  /// Free what a generated class built, and set the references to null. Safe to call twice. No object of the class
-  /// may be in use any more.
+  /// Free what a generated class built, and set the references to null. Safe to call twice. No object of the class may
+  /// still be in use.
   static void CleanMetaData(Quillon9Data::CParentElementInfo*& classInfo, Quillon9Data::CElementInfo**& elements,
                             Quillon9Data::CAttributeInfo**& attributes);
 
-  /// For generated code that builds its tables on first use: take it, test again, build, leave. The library never
-  /// takes it. It is not recursive, so no tables of another class may be asked for meanwhile unless they exist.
+  /// For generated code that builds its tables on first use: lock it, test again, build, unlock. The library never
+  /// locks it. It is not recursive, so code that holds it must not ask for the tables of another class unless they
+  /// exist.
   static CQNCriticalSection m_csInit;
 
  protected:
-  // What happens inside them is wrapped: a failure leaves with the cause as inner exception as CQnException "Failed to
-  // convert attributes to XML", CQnValidationException "Failed to convert the element [%s] to XML" or
-  // CQnValidationException "Failed to process the element [%s]", with one line for each class, those without a tag
-  // included.
+  // These wrap failures: an exception leaves them with the cause as inner exception, as CQnException "Failed to convert
+  // attributes to XML", CQnValidationException "Failed to convert the element [%s] to XML" or CQnValidationException
+  // "Failed to process the element [%s]", with one line for each class, including those without a tag.
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
-  /// Offer every attribute of \p parent to the attribute descriptors. \p reject makes one that nobody takes a failure,
-  /// unless \p ctx ignores unknown ones.
-  /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also for xsi:nil on a class that is not
-  ///         nillable, whatever \p ctx says; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
+  /// Offer every attribute of \p parent to the attribute descriptors. With \p reject, an attribute that no descriptor
+  /// takes is a failure, unless \p ctx ignores unknown attributes.
+  /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also, whatever \p ctx says, for xsi:nil on a
+  ///         class that is not nillable; "Unexpected Value for Attribute [%s] found."; what the descriptors throw.
   void ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, bool reject);
 
-  /// The read drivers, one for each content model: fill the members from \p cursor and its siblings, and return the
-  /// first child that was not taken; the cursor as it came in when the group could not be satisfied (what earlier
-  /// members took stays stored).
+  /// The read drivers, one for each content model: fill the members from \p cursor and its siblings. They return the
+  /// first child that was not taken, or the original cursor if the group could not be satisfied (what earlier members
+  /// took stays stored).
   /// \throws CQnValidationException for a child that is left over and for a choice that found nothing; CQnException for
-  ///         an all group whose table holds a member of another group; what the descriptors throw.
+  ///         an all group whose table contains a member of another group; what the descriptors throw.
   ///@{
   CXmlElement* ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
                                         Quillon9Data::XmlElementType type);

@@ -15,18 +15,18 @@
 #include "quillon9/fwd.h"
 
 /// Content without generated classes: a generic element, its attributes and its children. Wildcards of generated
-/// classes are read into it, programs build it by hand, and any bound object can be turned into it.
+/// classes are read into it, programs build it by hand, and any bound object can be converted to it.
 ///
 /// A namespace restriction is "##any", "##other", "##local", "##targetNamespace", a URI or a blank-separated list of
-/// these; CXmlObjectHelper::IsNamespaceValid() tells what they admit. Any number of threads may call const operations
-/// while nobody changes anything; reference counts are atomic in any case. A `char const*` is borrowed and copied, and a
-/// null one is an empty text where nothing else is said.
+/// these; CXmlObjectHelper::IsNamespaceValid() documents what they admit. Any number of threads may call const
+/// operations while no thread changes anything; reference counts are always atomic. A `char const*` is borrowed and
+/// copied, and a null one counts as an empty text unless documented otherwise.
 namespace Quillon9 {
 
 /// One attribute: a name, a value, a namespace.
 class QUILLON9_API CAttribute : public CXmlObjectBase {
  public:
-  /// An attribute with these three.
+  /// Construct from a name, a value and a namespace.
   CAttribute(char const* name, char const* value, char const* ns);
   ~CAttribute() override;
   /// A new attribute with the same name, value and namespace.
@@ -42,7 +42,7 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   std::string const& GetValue() const { return m_value; }
   void SetValue(std::string value) { m_value = std::move(value); }
   ///@}
-  /// Set the namespace. Nothing tests \p ns against the restriction of a collection that holds this.
+  /// Set the namespace. It is not checked against the restriction of a collection that holds this attribute.
   void SetNamespace(std::string ns) { m_namespace = std::move(ns); }
 
   using CXmlObjectBase::GetBase;
@@ -52,7 +52,7 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  /// For those who want to learn of changes. Nothing calls them.
+  /// Notifications of changes. Nothing calls them.
   ///@{
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
@@ -73,11 +73,11 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
 
 namespace detail {
 
-/// A walk over the items of a collection, for range-for. Valid as long as the item it stands on is in the collection.
+/// An iterator over the items of a collection, for range-for. Valid as long as its item is in the collection.
 template <class Item>
 class NodeIterator {
  public:
-  /// What algorithms ask of an iterator.
+  /// The member types that algorithms expect of an iterator.
   ///@{
   using iterator_category = std::forward_iterator_tag;
   using value_type = Item;
@@ -87,7 +87,7 @@ class NodeIterator {
   ///@}
 
   NodeIterator() = default;
-  /// Stand on \p node; null is the end.
+  /// Point at \p node; null is the end.
   explicit NodeIterator(CNode* node) : m_node(node) {}
 
   /// The item.
@@ -109,7 +109,7 @@ class NodeIterator {
     return old;
   }
   ///@}
-  /// Whether both stand on the same item.
+  /// Whether both point at the same item.
   ///@{
   bool operator==(NodeIterator const& other) const { return m_node == other.m_node; }
   bool operator!=(NodeIterator const& other) const { return m_node != other.m_node; }
@@ -124,8 +124,8 @@ class NodeIterator {
   CNode* m_node = nullptr;
 };
 
-/// Owns an object together with others that hold references, or is empty until somebody asks for the object. Threads
-/// that ask at the same time get the same one.
+/// Shares ownership of an object, or is empty until the object is first needed. Threads that ask for it at the same
+/// time get the same object.
 template <class Object>
 class MadeOnDemand {
  public:
@@ -136,14 +136,14 @@ class MadeOnDemand {
 
   /// The object, or null.
   Object* Get() const { return m_object.load(std::memory_order_acquire); }
-  /// Share \p made unless another thread was faster; the object that is held then.
+  /// Share \p made unless another thread was faster; returns the object that is then held.
   Object* Keep(CSmartPtr<Object> const& made) const {
     Object* held = nullptr;
     if (!m_object.compare_exchange_strong(held, made.Get(), std::memory_order_acq_rel)) return held;
     made->AddRef();
     return made.Get();
   }
-  /// Become empty. The caller has the reference that was held here. For the one thread that uses this.
+  /// Become empty, and return the reference that was held here. Only for a thread that has sole use of this.
   CSmartPtr<Object> Release() {
     Object* const object = m_object.exchange(nullptr);
     CSmartPtr<Object> reference(object);
@@ -157,20 +157,20 @@ class MadeOnDemand {
 
 }  // namespace detail
 
-/// The attributes of a CElement, the content of an attribute wildcard, the additional root attributes of a context.
+/// The attributes of a CElement, the content of an attribute wildcard, or the additional root attributes of a context.
 class QUILLON9_API CAttributeCol : public CXmlCollection {
  public:
-  /// A walk over the items. It is valid as long as the item that it stands on is in the collection.
+  /// An iterator over the items. Valid as long as its item is in the collection.
   using iterator = detail::NodeIterator<CAttribute>;
 
-  /// \p ns is the namespace of attributes that are added without one. Where it is empty and \p restriction begins with
-  /// a URI, that URI is. Nothing is tested here.
+  /// \p ns is the namespace of attributes that are added without one. If it is empty and \p restriction begins with a
+  /// URI, that URI takes its place. Nothing is checked here.
   CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace);
   ~CAttributeCol() override;
   /// A collection with copies of the attributes and the same three namespaces.
   CSmartPtr<CAttributeCol> Clone() const;
 
-  /// Append \p attribute, whatever its namespace is; it becomes shared with the caller.
+  /// Append \p attribute, whatever its namespace is; the collection shares ownership with the caller.
   /// \throws CQnInvalidParamException "The attribute to add may not be NULL".
   CSmartPtr<CAttribute> Add(CAttribute* attribute);
   /// Append a new attribute, in the collection's namespace unless \p ns is given.
@@ -201,9 +201,9 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
  protected:
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
-  /// Append every attribute of \p parent; the result is \p cursor.
-  /// \throws CQnInvalidNamespaceException "Invalid Attribute [%s]. The attributes namespace is Inappropriate."; those
-  ///         in front of it stay.
+  /// Append every attribute of \p parent and return \p cursor.
+  /// \throws CQnInvalidNamespaceException "Invalid Attribute [%s]. The attributes namespace is Inappropriate."; the
+  ///         attributes before it stay.
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
@@ -214,49 +214,50 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
 
 class CElementCol;
 
-/// An element of any name: text, attributes, children. All text stands in one piece and is written behind the children.
+/// An element of any name: text, attributes, children. All text is held in one piece and written after the children.
 ///
-/// What reads a whole document into one: FromXml(char const*) of this class, or CopyXmlElement() with the root of a
-/// CXmlDocument. The reading operations of CXmlObjectBase (FromXmlStream(), FromXmlFile(), FromXmlElement(), and its
-/// FromXml() through a pointer to the base) hand an object the children of the root, so that one of this class takes
-/// the first child of the root, with its content, and nothing when there is none.
+/// To read a whole document into a CElement, use FromXml(char const*) of this class, or CopyXmlElement() with the root
+/// of a CXmlDocument. The reading operations of CXmlObjectBase (FromXmlStream(), FromXmlFile(), FromXmlElement(), and
+/// its FromXml() through a pointer to the base) pass an object the children of the root, so a CElement takes the first
+/// child of the root, with its content, and nothing when there is none.
 ///
-/// An element that is nested deeper than CLimits::GetMaxElementDepth() can be neither read, copied, written nor tested
-/// for its namespaces (CQnException "The element nesting exceeds the limit of %u levels"). The name of the base,
-/// GetElementName(), plays no part here. Events of inner collections in a destruction come after those of the outer
-/// ones.
+/// An element that is nested deeper than CLimits::GetMaxElementDepth() cannot be read, copied, written or tested for
+/// its namespaces (CQnException "The element nesting exceeds the limit of %u levels"). The name of the base,
+/// GetElementName(), has no effect here. During destruction, the events of inner collections come after those of the
+/// outer ones.
 class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
  public:
-  // A null name, restriction or target namespace is a CQnInvalidNamespaceException "Element Name must have a value",
-  // "Namespace Restriction must have a value", "Target Namespace must have a value".
+  // A null name, restriction or target namespace throws CQnInvalidNamespaceException "Element Name must have a value",
+  // "Namespace Restriction must have a value" or "Target Namespace must have a value".
 
-  /// In no namespace, restricted by "##any".
+  /// Construct in no namespace, restricted by "##any".
   explicit CElement(char const* name);
-  /// In the namespace \p ns and restricted to it.
+  /// Construct in the namespace \p ns, restricted to it.
   /// \throws CQnInvalidNamespaceException "Invalid Namespace [%s]" when \p ns is one of the four wildcards.
   CElement(char const* name, char const* ns);
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when \p restriction refuses \p ns.
   CElement(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
-  /// A generic copy of what \p source writes as a document. \p defaultNamespace, unless null, is declared on this
-  /// element when it is written.
-  /// \throws CQnInvalidParamException "The object to copy from may not be NULL"; what writing \p source and parsing
-  ///         that throw.
+  /// Construct a generic copy of what \p source writes as a document. \p defaultNamespace, unless null, is declared on
+  /// this element when it is written.
+  /// \throws CQnInvalidParamException "The object to copy from may not be NULL"; what writing \p source and parsing the
+  ///         result throw.
   template <class = void>  // so that a literal null is a null name, instead of ambiguous
   CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInstanceMonitor("CElement") {
     CopyObject(source, defaultNamespace);
   }
-  /// Takes constant stack, however deep the children are nested.
+  /// Uses constant stack, however deep the children are nested.
   ~CElement() override;
 
   /// Read the document \p text, UTF-8 unless it declares another encoding: the element takes the name, the content and
-  /// the namespace of the root, if its restriction admits the latter. What it held stays in front.
+  /// the namespace of the root, if its restriction admits that namespace. Existing content stays, in front of the new
+  /// content.
   /// \throws CQnException for unreadable input; CQnValidationException "Invalid Element [%s] found in element [%s]".
   void FromXml(char const* text);
-  /// Become a copy of \p element and everything below it, in place of what this held. The restriction of this element
-  /// stays and is not asked. A value of an attribute "xmlns" becomes the default namespace.
+  /// Become a copy of \p element and everything below it, replacing the existing content. The restriction of this
+  /// element stays and is not applied. The value of an attribute "xmlns" becomes the default namespace.
   /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
   void CopyXmlElement(CXmlElement const* element);
-  /// A copy without the default namespace.
+  /// Create a copy without the default namespace.
   /// \throws CQnInvalidNamespaceException as the constructor, where CopyXmlElement() brought a namespace that the
   ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
@@ -275,13 +276,13 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string const& GetText() const { return m_text; }
   void SetText(std::string text) { m_text = std::move(text); }
   ///@}
-  /// The default namespace that this element declares when it is written; none when empty. With one it can be written
-  /// as text only, is written without its attributes, and the context does not reach its children.
+  /// The default namespace that this element declares when it is written; none when empty. An element that has one can
+  /// only be written as text, is written without its attributes, and does not pass the context on to its children.
   ///@{
   std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
   void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
   ///@}
-  /// The namespaces that SetNamespace() and reading admit; CXmlObjectHelper::IsNamespaceValid() tells the form.
+  /// The namespaces that SetNamespace() and reading admit; see CXmlObjectHelper::IsNamespaceValid() for the form.
   std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
 
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
@@ -296,7 +297,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   CSmartPtr<CElement> FindElement(char const* name, char const* ns = nullptr) const;
   ///@}
 
-  /// Test whether this element, its attributes and everything below could live under these restrictions. Nothing is
+  /// Test whether this element, its attributes and everything below would be valid under these restrictions. Nothing is
   /// stored.
   /// \throws CQnInvalidNamespaceException as a pointer to a new object, which the catcher deletes: "The namespace %s in
   ///         the class %s is invalid against restriction %s" with the name, the namespace and \p restriction, and the
@@ -310,7 +311,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string GetTargetNamespace() const override { return m_namespace; }
   std::string GetNamespace() const override { return m_namespace; }
 
-  /// For those who want to learn of changes. Nothing calls them.
+  /// Notifications of changes. Nothing calls them.
   ///@{
   void FireOnChangeName(char const*) {}
   void FireOnChangeNamespace(char const*) {}
@@ -321,13 +322,14 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// \throws CQnException "An element with a default namespace can only be written as text".
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
-  /// Take the element \p cursor, behind what this held, and return its next sibling; \p cursor itself, untouched, when
-  /// it is null or the restriction refuses its namespace.
+  /// Take the element \p cursor, after the existing content, and return its next sibling; return \p cursor itself,
+  /// untouched, when it is null or the restriction refuses its namespace.
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
  private:
-  // Those of the base, which read the first child of the root. Private, lest they are taken for the one above.
+  // Those of the base, which read the first child of the root. Private, so that they are not mistaken for the one
+  // above.
   void FromXml(char const* text, CXmlSerializationContext const& ctx) override;
   void FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) override;
 
@@ -335,7 +337,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void CopyObject(CXmlObjectBase* source, char const* defaultNamespace);
   CAttributeCol* MakeAttributes() const;
   CElementCol* MakeElements() const;
-  /// The namespace of the collections: that which this element had when it was made.
+  /// The namespace of the collections: the one that this element had when it was created.
   char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
   void ChangeNamespace(std::string ns);
   void CopyFrom(CXmlElement const& element);
@@ -347,8 +349,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string m_namespace;
   std::string m_namespaceRestriction;
   std::string m_targetNamespace;
-  // Made when they are first asked for: most elements of a document are without attributes, or without children, and
-  // the two collections take more than the rest.
+  // Created on first use: most elements of a document have no attributes or no children, and the two collections take
+  // more memory than the rest.
   detail::MadeOnDemand<CAttributeCol> m_attributes;
   detail::MadeOnDemand<CElementCol> m_elements;
   std::string m_defaultNamespace;
@@ -358,12 +360,12 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
 /// The children of a CElement, or the content of a repeated element wildcard.
 class QUILLON9_API CElementCol : public CXmlCollection {
  public:
-  /// A walk over the items. It is valid as long as the item that it stands on is in the collection.
+  /// An iterator over the items. Valid as long as its item is in the collection.
   using iterator = detail::NodeIterator<CElement>;
 
-  /// \p restriction serves to test \p ns, and as namespace of elements that are added by name when \p ns is empty and
-  /// it is a wildcard ("##any" as it stands: no namespace that a document has). Elements of any namespace are held in
-  /// any case. The two numbers change nothing: there are no limits.
+  /// \p restriction is used to check \p ns. If \p ns is empty and \p restriction is a wildcard, it is also the
+  /// namespace of elements that are added by name ("##any" literally: not a namespace that a document has). Elements of
+  /// any namespace can be held regardless. The two numbers have no effect: there are no limits.
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace().
   CElementCol(char const* ns, char const* restriction, char const* targetNamespace, int minOccurs, int maxOccurs);
   ~CElementCol() override;
@@ -371,11 +373,11 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// \throws CQnInvalidNamespaceException as CElement::Clone().
   CSmartPtr<CElementCol> Clone() const;
 
-  /// Append \p element, which becomes shared with the caller.
+  /// Append \p element; the collection shares ownership with the caller.
   /// \throws CQnInvalidParamException "The element to add may not be NULL".
   CSmartPtr<CElement> Add(CElement* element);
-  /// Append a new element in the collection's namespace. For the children of an element without a namespace that is
-  /// "##any" as it stands, so that Add(name, "") is what is wanted there.
+  /// Append a new element in the collection's namespace. For the children of an element without a namespace this is
+  /// literally "##any", so use Add(name, "") there.
   /// \throws CQnInvalidStateException "A Namespace has not been set for this Collection".
   CSmartPtr<CElement> Add(char const* name);
   /// Append a new element.
@@ -402,18 +404,18 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// \throws CQnValidationException for a count outside its limits.
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override;
-  /// Append \p cursor and every sibling behind it, whatever their names are, and return the first that was not taken.
+  /// Append \p cursor and every sibling after it, whatever their names are, and return the first that was not taken.
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
  public:
   /// Append the run of siblings from \p cursor on, which may be null, that have this name and this namespace; return
-  /// the first other one. For descriptors.
+  /// the first other element. For descriptors.
   virtual CXmlElement* FromXmlLockElementName_Int(std::string name, std::string ns, CXmlElement* parent,
                                                   CXmlElement* cursor, CXmlSerializationContext const& ctx);
 
  private:
-  /// Append an element that takes \p cursor, and return what is behind it; \p cursor when it took nothing.
+  /// Append an element that takes \p cursor, and return the element after it; return \p cursor if it took nothing.
   CXmlElement* Take(char const* restriction, CXmlElement* parent, CXmlElement* cursor,
                     CXmlSerializationContext const& ctx);
 
