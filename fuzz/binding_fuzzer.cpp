@@ -18,7 +18,7 @@ using namespace Quillon9Data;
 using namespace Quillon9::Testing;
 using Fuzzing::Require;
 
-/// The second octet; the first one has the options of reading.
+/// The second octet; the first one contains the options of reading.
 enum Options : unsigned { kClassMask = 3, kFormatted = 4, kCompressed = 8, kNoDefaults = 16, kSuggested = 32 };
 
 // ---- Classes with members of every kind
@@ -26,11 +26,11 @@ enum Options : unsigned { kClassMask = 3, kFormatted = 4, kCompressed = 8, kNoDe
 constexpr Shape::Options Of(XmlElementGroupType group, XmlElementType type = XmlElementType_Element) {
   return {group, type, -1, type == XmlElementType_Element, false};
 }
-/// A char has no facets, not even none, so no member of that kind is ever written.
+/// The facet check refuses a char even without facets, so a member of that kind is never written.
 constexpr ItemType WritableKind(ItemType kind) { return kind == ItemType_char ? ItemType_string : kind; }
 
 enum Classes { kLeaf, kGroup, kEither, kText, kNillable, kEvery, kAll, kChoice };
-/// Properties. Those of the elements with a value have the numbers of the kinds, those of the attributes follow.
+/// Properties. Those of elements with a value have the numbers of the kinds; those of attributes follow.
 enum Property {
   kAttributes = 30,
   kColour = 60,
@@ -143,7 +143,7 @@ CSmartPtr<CXmlObjectBase> Make(int classId, char const* name) {
 
 constexpr CWhitespaceUtils::WhitespaceRule kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
-/// With the collections that its tables tell of.
+/// Includes the collections that its tables name.
 CSmartPtr<DynamicClass> MakeRoot(int classId) {
   CSmartPtr<DynamicClass> const root(new DynamicClass(ShapeOf(classId)));
   root->With(kStrings, new CstringCol("s", "", 0, 20, "", -1, 40, "", "", "", "", -1, kCollapse, nullptr));
@@ -155,7 +155,7 @@ CSmartPtr<DynamicClass> MakeRoot(int classId) {
   return root;
 }
 
-// ---- What is told to get lost
+// ---- What is documented as lost
 
 bool IsReadAgain(QnVariant const& value) {
   if (value.GetItemType() == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
@@ -169,7 +169,7 @@ bool AreReadAgain(DynamicClass const& object) {
   return true;
 }
 
-/// By the suggested encodings a float is made of its first octet.
+/// With the suggested encodings, a float is made of its first octet only.
 bool HasFloat(DynamicClass const& object) {
   for (auto const& property : object.m_properties) {
     if (property.second.GetItemType() == ItemType_r4) return true;
@@ -177,7 +177,7 @@ bool HasFloat(DynamicClass const& object) {
   return false;
 }
 
-/// Fast Infoset holds no text behind a child, which is where untyped content has it.
+/// Fast Infoset cannot hold text after a child, which is where untyped content has it.
 bool IsUnmixed(CXmlElement const& element) {
   return element.GetFirstElement() == nullptr || element.GetText().find_first_not_of(" \t\n") == std::string::npos;
 }
@@ -191,18 +191,18 @@ bool IsTakenWhole(CXmlElement const& root, bool isText) {
 CXmlSerializationContext ContextOf(unsigned reading, unsigned writing) {
   std::string letters;
   for (unsigned i = 0; i < 6; ++i) {
-    bool const isExcluded = i == 5 && (reading & 1) != 0;  // missing elements with unknown ones
+    bool const isExcluded = i == 5 && (reading & 1) != 0;  // missing elements together with unknown ones
     if ((reading & 1u << i) != 0 && !isExcluded) letters += "UCIANM"[i];
   }
   CXmlSerializationContext context = Ignoring(letters);
   context.SetNoOptionalAttributeDefaultOutput((writing & kNoDefaults) != 0);
   if ((writing & kSuggested) != 0) context.GetFIContext()->SetSuggestedValues();
-  // Fast Infoset writes the name of a type in an unbound namespace as an attribute of its own.
+  // Fast Infoset writes the name of a type in an unbound namespace as a separate attribute.
   context.GetNamespaceAliases()->Add("t", "urn:type");
   return context;
 }
 
-/// \p document must be read to what writes \p text.
+/// Requires that reading \p document gives an object that writes \p text.
 void RequireObject(CBinaryData const& document, int classId, CXmlSerializationContext const& context,
                    std::string const& text, char const* what) {
   Fuzzing::LimitContent(1u << 26);
@@ -226,7 +226,7 @@ CBinaryData AsText(DynamicClass& object, unsigned writing, CXmlSerializationCont
   if ((writing & kCompressed) != 0) {
     try {
       return object.ToXmlStream(true, isFormatted, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_GZip);
-    } catch (CQnException const&) {  // what is short does not become shorter
+    } catch (CQnException const&) {  // a text that is too short cannot be shortened
     }
   }
   return object.ToXmlStream(true, isFormatted, XmlEncoding_UTF8, EOLType_LF, context);
@@ -237,7 +237,7 @@ void WriteAndRead(DynamicClass& object, int classId, unsigned writing, CXmlSeria
   try {
     text = object.Text(context);
   } catch (CQnException const&) {
-    return;  // facets are judged now
+    return;  // facets are checked now
   }
   RequireObject(AsText(object, writing, context), classId, context, text, "an object written as text is read again");
   CXmlDocument document(context);
@@ -250,14 +250,15 @@ void WriteAndRead(DynamicClass& object, int classId, unsigned writing, CXmlSeria
     octets = object.ToFastInfosetStream(FInfoDecl_None, context);
   } catch (CQnException const& failure) {
     Require(isSuggested, "what is written as text is written as Fast Infoset", failure.GetFullMessage(), text);
-    return;  // the suggested encodings do not have every value
+    return;  // the suggested encodings cannot represent every value
   }
   RequireObject(octets, classId, context, text, "an object written as Fast Infoset is read again");
 }
 
 }  // namespace
 
-/// A document for one of three classes. What it is read to can be written in either format and read again to the same.
+/// A document for one of three classes. The object read from it can be written in either format and read back
+/// unchanged.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Fuzzing::Input input(data, size);
   unsigned const reading = input.Options();

@@ -16,7 +16,7 @@ using namespace Quillon9;
 
 enum Options : unsigned { kWithVocabulary = 1, kWithoutNamespaces = 2, kSmall = 4 };
 
-/// With a vocabulary, every table has entries beforehand.
+/// With a vocabulary, every table has entries from the start.
 CXmlSerializationContext ContextOf(unsigned options) {
   CXmlSerializationContext context;
   if ((options & kWithoutNamespaces) != 0) context.SetSchemaType(SchemaType_DTD);
@@ -32,9 +32,9 @@ CXmlSerializationContext ContextOf(unsigned options) {
 
 }  // namespace
 
-/// Only what has the header reaches the reader of Fast Infoset; all else is for the fuzz target of documents. It gives
-/// a failure or a tree, which can be written in the same format, and in text where its names and characters allow it,
-/// and is then read again.
+/// Only input with the header reaches the reader of Fast Infoset; the fuzz target of documents covers the rest. The
+/// input gives a failure or a tree, which can be written in the same format, and in text if its names and characters
+/// allow it, and is then read again.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   using Quillon9::fi::kHeader;
   Fuzzing::Input input(data, size);

@@ -11,11 +11,11 @@
 #include "quillon9/values/binary_data.h"
 #include "quillon9/values/date_time_span.h"
 
-/// What the fuzz targets have in common: the octets of an input taken one after the other, and the end of a run that
-/// breaks what must hold.
+/// Helpers that the fuzz targets share: taking the octets of an input one after another, and ending a run when a
+/// condition fails.
 namespace Fuzzing {
 
-/// Values and trees are in the code page of the locale: in this one nothing is lost on the way. Set before main.
+/// Values and trees are in the code page of the locale; in this one every character survives. Set before main.
 inline bool const kIsUtf8 = std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
 
 /// Ends the process with a message unless \p holds.
@@ -34,9 +34,9 @@ class Input {
  public:
   Input(std::uint8_t const* data, std::size_t size) : m_data(data), m_size(size) {}
 
-  /// The next octet's six low bits, 0 at the end.
+  /// The six low bits of the next octet; 0 at the end.
   unsigned Options() { return m_size > 0 ? (--m_size, *m_data++ & 0x3Fu) : 0; }
-  /// What comes before the next \p separator, or all that is left.
+  /// The text before the next \p separator, or all that is left.
   std::string Field(char separator) {
     std::size_t length = 0;
     while (length < m_size && m_data[length] != static_cast<unsigned char>(separator)) ++length;
@@ -55,7 +55,7 @@ class Input {
   std::size_t m_size;
 };
 
-/// No document may hold or grow to more than this.
+/// Limits what a document may hold or grow to.
 inline void LimitContent(std::uint32_t bytes) {
   Quillon9::CLimits::SetMaxContentSize(bytes);
   Quillon9::CLimits::SetMaxContentGrowth(1);
@@ -66,7 +66,7 @@ inline std::string Bytes(Quillon9::CBinaryData const& data) {
   return std::string(reinterpret_cast<char const*>(data.GetData()), data.GetLength());
 }
 
-/// An all-zero duration has no text that a parser takes; one whose text has two fractions holds the sum of them.
+/// An all-zero duration has no text that a parser accepts; a duration whose text has two fractions holds their sum.
 inline bool IsReadAgain(Quillon9::CDateTimeSpan const& duration) {
   return duration.ToString().back() != 'P' && duration.GetMilliSeconds() < 1000 && duration.GetMicroSeconds() < 1000;
 }

@@ -19,7 +19,7 @@ using Fuzzing::Require;
 constexpr std::uint32_t kLimits[] = {0, 1, 1000, 1u << 20};
 enum Options : unsigned { kLimitMask = 3, kCompressFirst = 4, kZlib = 8 };
 
-/// A buffer as CQnZip takes it.
+/// A buffer in the form that CQnZip takes.
 struct Buffer {
   explicit Buffer(std::string const& bytes) : data(new unsigned char[bytes.size() + 1]), size(bytes.size()) {
     std::memcpy(data, bytes.data(), bytes.size());
@@ -33,7 +33,7 @@ struct Buffer {
   unsigned long size;
 };
 
-/// What zlib makes of \p bytes: whether they begin with a whole stream, and its first \p limit bytes and one more.
+/// The result of zlib for \p bytes: whether they begin with a whole stream, and its first \p limit bytes and one more.
 bool Inflated(std::string& bytes, std::size_t limit, std::string& result) {
   z_stream stream = {};
   if (inflateInit2(&stream, 15 + 32) != Z_OK) return false;
@@ -85,7 +85,7 @@ void CompressAndBack(std::string const& bytes, CompressionType type) {
 
 }  // namespace
 
-/// Inflating agrees with zlib, up to the limit and no further; compressed bytes come back.
+/// Inflating agrees with zlib, up to the limit and no further; compressed bytes are restored.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Fuzzing::Input input(data, size);
   unsigned const options = input.Options();

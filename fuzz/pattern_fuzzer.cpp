@@ -31,7 +31,7 @@ bool IsPrintable(std::string const& text) {
   return true;
 }
 
-/// Gives an answer, and the same one from the remembered pattern.
+/// Requires an answer, and the same answer from the remembered pattern.
 void Match(std::string const& pattern, std::string const& value) {
   bool matches = false;
   try {
@@ -63,7 +63,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   std::string const value = input.Field('\n');
   if ((options & kReplaced) != 0) {
     std::string const replacement = input.Field('\n');
-    // Replacing "ab" by "bba" over and over makes exponentially more of a text.
+    // Repeatedly replacing "ab" by "bba" lengthens a text exponentially.
     if (value.size() <= 12 && replacement.size() <= 3) Replace(value, pattern, replacement);
     return 0;
   }

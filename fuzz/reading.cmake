@@ -1,4 +1,5 @@
-# What the reading fuzzer and the random search share: the classes of a case, and the model that reads beside the library.
+# The sources that the reading fuzzer and the random search share: the classes of a case, and the model that reads
+# alongside the library.
 
 set(reading_sources
   ${CMAKE_CURRENT_LIST_DIR}/reading_case.cpp

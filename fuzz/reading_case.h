@@ -11,10 +11,10 @@ enum class Compared {
   kResults      ///< values and failures
 };
 
-/// Reads the documents by the library and by the model, and ends the process where they differ.
+/// Reads the documents with the library and with the model, and ends the process where they differ.
 void RunCase(Case const& tried, Compared compared = Compared::kEverything);
 
-/// Reads one document by the library and gives the steps that it took.
+/// Reads one document with the library and returns the number of steps that it took.
 std::size_t StepsOf(Schema const& schema, std::string const& ignoring, std::string const& document);
 
 }  // namespace Reading

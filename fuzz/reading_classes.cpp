@@ -14,14 +14,14 @@ void Tell(std::string item) { World::Current().m_log.push_back(std::move(item));
 
 // ---- Objects
 
-/// Tells of the events of one collection.
+/// Logs the events of one collection.
 class Listener final : public IEventSink {
  public:
   Listener(int object, int index, CXmlCollectionBase* collection)
       : m_object(object), m_index(index), m_collection(collection) {
     m_collection->AddEventListener(this);
   }
-  // Whether a collection is cleared while it goes is no matter of reading.
+  // Reading does not depend on whether a collection is cleared during its destruction.
   ~Listener() { m_collection->RemoveEventListener(this); }
   Listener(Listener const&) = delete;
   Listener& operator=(Listener const&) = delete;
@@ -143,7 +143,7 @@ CSmartPtr<CXmlObjectBase> MakeForElement(CXmlElement* element) {
   return id < 0 ? CSmartPtr<CXmlObjectBase>() : MakeBound(id, element->GetLocalName().c_str());
 }
 
-/// A collection as generated code has it.
+/// A collection as generated code defines it.
 class BoundCollection : public CXmlCollection {
  public:
   explicit BoundCollection(Member const& member)
@@ -207,7 +207,7 @@ CElementInfo* MandatoryOr(bool isMandatory, Arguments... arguments) {
 
 CPrimitiveRestrictions NoFacets() { return CPrimitiveRestrictions("", -1, -1, "", "", "", "", -1); }
 
-// The constructors of a group's members, which have the same arguments in each group.
+// The constructors of a group's members, which take the same arguments in each group.
 #define QN_MEMBERS(Group, Mnd)                                                                                       \
   CElementInfo* Make##Group(Member const& m) {                                                                       \
     char const* const name = m.name.c_str();                                                                         \
@@ -305,7 +305,7 @@ CAttributeInfo* MakeDescriptor(Attribute const& a) {
   return nullptr;
 }
 
-// ---- What an object holds
+// ---- The contents of an object
 
 std::string ValuesOf(CElement const& element) {
   std::string text = "<" + element.GetName() + "|" + element.GetNamespace();

@@ -8,12 +8,13 @@
 #include "quillon9/quillon9.h"
 #include "reading_schema.h"
 
-/// The classes of a schema as the library reads them. They keep a log of everything that the library calls.
+/// The classes of a schema as the library reads them. They log every call from the library.
 namespace Reading {
 
 using Log = std::vector<std::string>;
 
-/// The tables of all classes, and what their objects share. One at a time in a thread; it outlives its objects.
+/// The tables of all classes, and the state that their objects share. One at a time in a thread; it outlives its
+/// objects.
 class World {
  public:
   explicit World(Schema const& schema);
@@ -40,15 +41,15 @@ class World {
   inline static thread_local World* t_current = nullptr;
 };
 
-/// Text of an item of the log, or of a value in it.
+/// The text of an item of the log, or of a value in it.
 ///@{
 std::string Item(char const* what, int object);
 std::string Item(char const* what, int object, int index);
 ///@}
 
-/// An object of the first class. Where its schema says so, it is nillable.
+/// Create an object of the first class. If its schema says so, it is nillable.
 CSmartPtr<Quillon9::CXmlGeneratedClass> MakeRoot();
-/// Everything that an object of MakeRoot() holds, without the numbers of the objects.
+/// Everything that an object of MakeRoot() holds, except the numbers of the objects.
 std::string ValuesOf(Quillon9::CXmlGeneratedClass const& object);
 
 }  // namespace Reading

@@ -1,4 +1,4 @@
-// Tables, options and documents of generated classes, made from the input: the library reads as the model does.
+// Tables, options and documents of generated classes, made from the input: the library must read like the model.
 
 #include <cstddef>
 #include <cstdint>

@@ -286,7 +286,7 @@ class Model::Reader {
     bool const isNamespace = attribute.GetNamespaceURI() == described.ns;
     switch (described.kind) {
       case AttributeKind::kValue:
-        if (!isName || !isNamespace) return false;  // whatever the option says of namespaces
+        if (!isName || !isNamespace) return false;  // whatever the option for namespaces
         SetValue(object, described.index, Converted(attribute.GetValue(), described.type));
         return true;
       case AttributeKind::kEnum:
@@ -410,13 +410,14 @@ class Model::Reader {
   static bool IsSequence(Object const& object) { return object.described->group == XmlElementGroupType_Sequence; }
   static bool IsChoice(Object const& object) { return object.described->group == XmlElementGroupType_Choice; }
 
-  /// Of a sequence: whether the member is absent, and what its answer is then. Moves the cursor to it otherwise.
+  /// For a sequence: return whether the member is absent, and set \p answer accordingly. Otherwise move the cursor to
+  /// it.
   bool IsAbsent(Object const& object, Member const& member, CXmlElement*& cursor, bool& answer) const {
     answer = IsSequence(object) && member.occurs == Occurs::kOptional;
     if (!IsSequence(object) || member.occurs == Occurs::kOptional) return !IsThis(member, cursor);
     bool const hasTag = object.described->hasTag;
     while (!IsThis(member, cursor)) {
-      if (!hasTag && member.content != Content::kValue) return true;  // only values look further
+      if (!hasTag && member.content != Content::kValue) return true;  // only values search further
       if (hasTag && m_ctx.GetIgnoreMissingMandatoryElements()) {
         answer = true;
         return true;
@@ -474,7 +475,7 @@ class Model::Reader {
   }
 
   bool AskMandatoryGroup(Object& object, Member const& member, CXmlElement* parent, CXmlElement*& cursor) {
-    bool const isTold = IsSequence(object) && member.requiresContent;  // absence matters at once
+    bool const isTold = IsSequence(object) && member.requiresContent;  // absence has an effect at once
     bool const hasTag = object.described->hasTag;
     CXmlElement* next = cursor;
     if (!isTold || cursor != nullptr) {

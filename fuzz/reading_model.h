@@ -10,8 +10,8 @@
 
 namespace Reading {
 
-/// A slow reader by the rules of reading, one function for each, that remembers nothing. Of the library it takes the
-/// tree, the conversions of values and the tests of namespaces and facets.
+/// A slow reader that follows the rules of reading, with one function for each rule, and remembers nothing. It uses
+/// only these parts of the library: the tree, the conversions of values and the tests of namespaces and facets.
 class Model {
  public:
   Model(Schema const& schema, Quillon9::CXmlSerializationContext const& ctx);
@@ -19,10 +19,10 @@ class Model {
   Model(Model const&) = delete;
   Model& operator=(Model const&) = delete;
 
-  /// Read the document element \p root into the one object of the first class.
+  /// Read the document element \p root into the single object of the first class.
   void Read(Quillon9::CXmlElement* root);
 
-  /// As ValuesOf() of the library's object.
+  /// Like ValuesOf() for the library's object.
   std::string Values() const;
   Log m_log;
 

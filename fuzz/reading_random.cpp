@@ -22,7 +22,7 @@ Chooser Random(unsigned long seed) {
   };
 }
 
-/// Rows of unknown children are passed in one step from the beginning: results are the same all the same.
+/// Passes rows of unknown children in one step from the beginning, which must not change the results.
 void RunHastily(Case const& tried) {
   ReadingAllowance::t_isHasty = true;
   RunCase(tried, Compared::kResults);
@@ -35,8 +35,8 @@ std::string Repeated(std::string const& text, unsigned times) {
   return all;
 }
 
-/// Four times the children take about four times the steps. Where attempts with effects are repeated that is only so
-/// from the length on at which the allowance ends them.
+/// Four times the children must take about four times the steps. Where attempts with effects are repeated, this holds
+/// only from the length at which the allowance ends them.
 bool IsLinear(unsigned long seed) {
   Chooser const choose = Random(seed);
   Schema const schema = MakeSchema(choose);
@@ -70,7 +70,7 @@ int main(int count, char** arguments) {
     RunCase(tried);
     RunHastily(tried);
   }
-  ReadingAllowance::t_base = 0;  // so that short documents reach the end of it
+  ReadingAllowance::t_base = 0;  // so that short documents reach its end
   ReadingAllowance::t_times = 1;
   bool isLinear = true;
   for (unsigned long seed = first; seed < first + cases / 10; ++seed) isLinear = IsLinear(seed) && isLinear;

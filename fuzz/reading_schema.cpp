@@ -28,7 +28,7 @@ Content PickContent(Chooser const& choose, bool mayBeGroup) {
   return mayBeGroup && OneIn(choose, 3) ? Content::kObject : kContents[choose(7)];
 }
 
-/// A class behind \p id in the list, so that groups, and objects that exist with their owner, never hold themselves.
+/// A class after \p id in the list, so that groups, and objects that exist with their owner, never contain themselves.
 int PickLater(Chooser const& choose, int id, bool hasTag, Schema const& schema) {
   std::vector<int> fitting;
   for (Class const& one : schema) {
@@ -63,7 +63,7 @@ Member MakeMember(Chooser const& choose, Class const& owner, Schema const& schem
                    (tagged < 0 || !OneIn(choose, 3));
   member.classId = member.isGroup ? group : tagged;
   if (member.content == Content::kObject && member.classId < 0) member.content = Content::kValue;
-  // Those of an all group cannot be read at all, which soon says all that there is to say.
+  // Abstract members of an all group cannot be read at all, so a few cases cover them.
   bool const isUnreadable = owner.group == XmlElementGroupType_All && member.content == Content::kAbstract;
   if (isUnreadable && !OneIn(choose, 8)) member.content = Content::kEnum;
   return member;
@@ -87,7 +87,7 @@ void Number(Class& made) {
   if (made.textProperty >= 0) made.textProperty = index;
 }
 
-/// The table of one that derives from another class begins with the descriptors of that class.
+/// The table of a class that derives from another one begins with the descriptors of that class.
 void Inherit(Chooser const& choose, Class& made, Schema const& schema) {
   int const base = PickLater(choose, made.id, made.hasTag, schema);
   if (base < 0 || !OneIn(choose, 3)) return;

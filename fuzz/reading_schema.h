@@ -9,8 +9,8 @@
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/values/item_type.h"
 
-/// What the classes of a random case look like: the same description makes the tables for the library and is what the
-/// model reads by.
+/// Describes the classes of a random case: the library's tables are made from this description, and the model reads by
+/// it.
 namespace Reading {
 
 enum class Content { kValue, kEnum, kObject, kAbstract, kUntyped };
@@ -27,8 +27,8 @@ struct Member {
   int classId = 0;       ///< of a known object, and of the items of a collection of them
   bool isGroup = false;  ///< the object has no tag
   bool requiresContent = false;
-  std::string restriction;      ///< of untyped content, as the descriptor has it
-  std::string heldRestriction;  ///< the same of the mandatory element that the object holds
+  std::string restriction;      ///< of untyped content, in the form that the descriptor takes
+  std::string heldRestriction;  ///< the restriction of the mandatory element that the object holds
   std::string target;
   int minOccurs = 0;
   int maxOccurs = -1;
@@ -46,7 +46,7 @@ struct Attribute {
   std::string restriction;
 };
 
-/// What Init() of a class does.
+/// The action of a class's Init().
 enum class InitKind { kNothing, kClearCollections, kClearAll, kClearAllButObjects };
 
 struct Class {
@@ -59,42 +59,42 @@ struct Class {
   std::string ns;
   InitKind init = InitKind::kNothing;
   int base = -1;              ///< the class whose descriptors the table begins with
-  std::size_t inherited = 0;  ///< how many
+  std::size_t inherited = 0;  ///< number of these descriptors
   std::vector<Member> members;
   std::vector<Attribute> attributes;
 };
 
 using Schema = std::vector<Class>;
 
-/// One document after the other is read into one object of the first class. Where \p ignoring has a letter, the option
-/// is on: U unknown elements, M missing mandatory ones, C missing choice, I collection counts, A unknown attributes, N
-/// namespaces.
+/// The documents are read one after another into one object of the first class. Each letter in \p ignoring turns an
+/// option on: U unknown elements, M missing mandatory ones, C missing choice, I collection counts, A unknown
+/// attributes, N namespaces.
 struct Case {
   Schema schema;
   std::vector<std::string> documents;
   std::string ignoring;
 };
 
-/// Gives a number below its argument, which is not 0: from the octets of an input, or at random.
+/// Returns a number below its argument, which is not 0: taken from the octets of an input, or at random.
 using Chooser = std::function<unsigned(unsigned)>;
 
-/// \p children is how many the document element has at most.
+/// \p children is the maximal number of children of the document element.
 Case MakeCase(Chooser const& choose, unsigned children = 6);
 Schema MakeSchema(Chooser const& choose);
-/// One child of a document element, with what is in it.
+/// One child of a document element, with its contents.
 std::string MakeChild(Chooser const& choose, unsigned depth);
 /// A document whose children are \p content.
 std::string MakeDocument(std::string const& attributes, std::string const& content);
 
-/// The case as a person reads it.
+/// The case in a readable form.
 std::string Describe(Case const& tried);
 
-// The functions of the generated code, which the model calls as well.
+// The functions of the generated code, which the model also calls.
 
 inline char const* EnumText(int value) { return value == 1 ? "1" : "2"; }
 int EnumOf(char const* text);
 
-/// The class of which an element factory makes an object; -1 for none.
+/// The class of the object that an element factory creates; -1 for none.
 int ClassOfElement(Schema const& schema, Quillon9::CXmlElement* element);
 
 }  // namespace Reading

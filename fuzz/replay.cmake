@@ -1,5 +1,5 @@
-# One plain program per *_fuzzer.cpp: NAME_replay runs the seeds and what was ever found, in every test run and with
-# any compiler.
+# One plain program per *_fuzzer.cpp: NAME_replay runs the seeds and all past findings, in every test run and with any
+# compiler.
 
 file(GLOB fuzzer_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_fuzzer.cpp)
 include(${CMAKE_CURRENT_LIST_DIR}/reading.cmake)

@@ -31,7 +31,7 @@ std::vector<fs::path> FilesOf(int count, char** arguments) {
 
 }  // namespace
 
-/// Fails when there is nothing to run. A finding ends the process; the file named last is its input.
+/// Fails when there is nothing to run. A finding ends the process; the last file named is its input.
 int main(int count, char** arguments) {
   std::vector<fs::path> const files = FilesOf(count, arguments);
   for (fs::path const& file : files) {
@@ -39,7 +39,7 @@ int main(int count, char** arguments) {
     std::fflush(stdout);
     std::ifstream stream(file, std::ios::binary);
     std::vector<char> const bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
-    // An exact copy on the heap: AddressSanitizer sees what reads beyond it.
+    // An exact copy on the heap, so that AddressSanitizer detects reads beyond it.
     std::vector<std::uint8_t> const input(bytes.begin(), bytes.end());
     LLVMFuzzerTestOneInput(input.data(), input.size());
   }

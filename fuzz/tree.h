@@ -12,7 +12,7 @@
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 
-/// Trees as the fuzz targets compare them, and the way out and in again through either format.
+/// The form in which the fuzz targets compare trees, and the round trip through either format.
 namespace Fuzzing {
 
 using Quillon9::CXmlAttribute;
@@ -25,7 +25,7 @@ inline void AppendToken(std::string& out, char mark, std::string const& token) {
   out += token;
 }
 
-/// Tells one tree from another, byte for byte.
+/// Appends a form that distinguishes any two trees, byte for byte.
 inline void AppendTree(std::string& out, CXmlElement const& element) {
   AppendToken(out, '<', element.GetNamespaceURI());
   AppendToken(out, ' ', element.GetLocalName());
@@ -47,7 +47,7 @@ inline std::string TreeText(CXmlElement const& element) {
   return text;
 }
 
-/// Whether a predicate on the elements holds for all of a tree.
+/// Whether a predicate holds for all elements of a tree.
 template <class Predicate>
 bool All(CXmlElement const& element, Predicate const& holds) {
   if (!holds(element)) return false;
@@ -62,8 +62,8 @@ inline bool HasNone(std::string const& text, std::string const& characters) {
 }
 
 /// Writers drop carriage returns and end a text at a zero byte; attributes lose tabs to the parser. Namespace names are
-/// written as they stand, and so are texts that begin as CDATA sections do; the parser takes no namespace with '|'. Of
-/// a name that is no UTF-8, as Fast Infoset may have it, nothing may be left to write.
+/// written unescaped, and so are texts that begin like CDATA sections; the parser accepts no namespace with '|'. If a
+/// name is not UTF-8, which Fast Infoset allows, nothing may remain to be written.
 inline bool IsWrittenWhole(CXmlElement const& element) {
   if (element.GetLocalName().empty()) return false;
   std::string const lost("\r\0", 2);
@@ -94,7 +94,8 @@ inline bool IsPrintable(std::string const& text) {
   return true;
 }
 
-/// Fast Infoset carries names, characters and pairs of attributes that no parser of text takes; these it surely does.
+/// Fast Infoset can carry names, characters and pairs of attributes that no parser of text accepts; this accepts only
+/// those that are certainly valid.
 inline bool FitsText(CXmlElement const& element) {
   auto const fits = [](std::string const& uri, std::string const& name) {
     bool const isReserved = uri == "http://www.w3.org/2000/xmlns/";
@@ -145,7 +146,7 @@ inline std::string AsFastInfoset(CXmlElement const& element, Quillon9::CXmlSeria
   return Bytes(stream.GetBinaryStream());
 }
 
-/// What \p write makes of a tree that was read, which must not fail.
+/// The output of \p write for a tree that was read, which must not fail.
 template <class Write>
 std::string Written(Write const& write, std::string const& tree, char const* what) {
   try {
@@ -156,10 +157,10 @@ std::string Written(Write const& write, std::string const& tree, char const* wha
   return "";
 }
 
-/// \p bytes must be read, to the tree \p expected.
+/// Requires that reading \p bytes gives the tree \p expected.
 inline void RequireTree(std::string const& bytes, Quillon9::CXmlSerializationContext const& context,
                         std::string const& expected, char const* what) {
-  LimitContent(1u << 26);  // prefixes that were not there before may make it larger
+  LimitContent(1u << 26);  // new prefixes may make it larger
   Quillon9::CXmlDocument document(context);
   try {
     document.LoadXmlStream(reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size());
@@ -169,7 +170,7 @@ inline void RequireTree(std::string const& bytes, Quillon9::CXmlSerializationCon
   RequireEqual(TreeText(*document.GetDocumentElement()), expected, what);
 }
 
-/// A tree that was read can be written in a format and read again to the same tree.
+/// Requires that a tree that was read can be written in a format and read again to the same tree.
 inline void RequireTextAgain(CXmlElement const& root, Quillon9::CXmlSerializationContext const& context) {
   std::string const tree = TreeText(root);
   std::string const text = Written([&] { return AsText(root); }, tree, "a tree is written as text");

@@ -16,7 +16,7 @@ using Fuzzing::Require;
 using Fuzzing::RequireEqual;
 using Rule = CWhitespaceUtils::WhitespaceRule;
 
-/// The second octet: a whitespace rule, and what the fields behind the text are.
+/// The second octet: a whitespace rule, and the meaning of the fields after the text.
 enum Options : unsigned { kRuleMask = 3, kFacets = 4, kLengths = 8, kFormat = 16 };
 
 QnVariant Parsed(std::string const& text, ItemType kind, Rule rule = CWhitespaceUtils::WhitespaceRule_Collapse) {
@@ -36,7 +36,7 @@ bool IsRoundedToOne(std::string const& decimal) {
   return point != std::string::npos && decimal.size() - point - 1 > static_cast<std::size_t>(CDecimal::m_maxDivider);
 }
 
-/// Kinds whose text stays what it is when it is read and printed once more.
+/// Values whose text is unchanged when it is read and printed once more.
 bool IsStable(QnVariant const& value, ItemType kind, std::string const& text) {
   if (kind == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
   if (kind == ItemType_year) return text.size() == 4;  // years of other lengths are not read
@@ -76,7 +76,7 @@ bool IsWithin(Number const& value, CPrimitiveRestrictions const& facets, ItemTyp
            (!facets.maxExclusive.empty() && value >= number(facets.maxExclusive)));
 }
 
-/// Bounds are judged as those of numbers without limits are.
+/// Requires that bounds are judged like those of numbers of unlimited size.
 void CheckBounds(QnVariant const& value, ItemType kind, CPrimitiveRestrictions const& facets) {
   bool holds = true;
   try {
@@ -89,7 +89,7 @@ void CheckBounds(QnVariant const& value, ItemType kind, CPrimitiveRestrictions c
   try {
     expected = IsWithin(CBigInteger(value.ToString().c_str()), facets, kind);
   } catch (CQnException const&) {
-    return;  // a bound that is no number: which failure comes first does not matter
+    return;  // an invalid bound: the order of the failures does not matter
   }
   Require(holds == expected, "the bounds of a machine number", value.ToString());
 }
@@ -121,7 +121,7 @@ void CountTogether(Number const& a, Number const& b) {
   Require(((a + b) - b) == a, "adding and subtracting", a.ToString(), b.ToString());
   Require((a + b) == (b + a), "adding in either order", a.ToString(), b.ToString());
   Require((a < b) + (a > b) + (a == b) == 1 || (a == b), "one order", a.ToString(), b.ToString());
-  // Products of numbers of many digits take their time, as told.
+  // Products of numbers of many digits are documented as slow.
   if (a.ToString().size() + b.ToString().size() > 4000) return;
   Require((a * b) == (b * a), "multiplying in either order", a.ToString(), b.ToString());
   if (!(b == Number("0"))) (void)(a / b).ToString();
@@ -175,7 +175,7 @@ void Run(Fuzzing::Input& input) {
   PrintAndParse(value, kind);
   if ((options & kFormat) != 0) {
     std::string const format = input.Field('|');
-    // Formats are the program's own; one that asks for a million characters gets them.
+    // Formats come from the program itself; one that asks for a million characters gets them.
     if (!HasLongNumber(format)) (void)value.ToString(format.c_str());
   } else if ((options & kLengths) != 0) {
     CheckLengths(value, kind, input);
@@ -194,8 +194,8 @@ void Run(Fuzzing::Input& input) {
 
 }  // namespace
 
-/// After the options, one of which is the kind: the text of a value, and what is done to it. A value comes back from
-/// its text, keeps the facets that its number keeps, and counts as numbers do.
+/// After the options, one of which is the kind, come the text of a value and the data for operations on it. A value is
+/// restored from its text, satisfies the facets that its number satisfies, and follows the arithmetic of numbers.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Fuzzing::Input input(data, size);
   try {

@@ -30,7 +30,7 @@ CXmlSerializationContext ContextOf(unsigned options) {
 
 bool DropShortNames(CXmlElement* element) { return element->GetLocalName().size() != 1; }
 
-/// ASCII stays as it is, the other octets become characters up to U+FF00, surrogates among them.
+/// ASCII is unchanged; the other octets become characters up to U+FF00, including surrogates.
 std::wstring Wide(std::string const& octets) {
   std::wstring wide;
   for (char const c : octets) {
@@ -50,7 +50,7 @@ void Load(CXmlDocument& document, unsigned options, Fuzzing::Input const& input)
   }
 }
 
-/// Fast Infoset begins with an octet that text never does, or with a declaration of its own.
+/// Fast Infoset begins with an octet that never begins text, or with its own declaration.
 bool IsFastInfoset(CXmlDocument const& document) {
   std::string const start(reinterpret_cast<char const*>(document.GetInputData()),
                           document.GetInputSize() < 100 ? document.GetInputSize() : 100);
@@ -59,7 +59,7 @@ bool IsFastInfoset(CXmlDocument const& document) {
 
 }  // namespace
 
-/// Octets of any kind, compressed ones among them, give a failure or a tree. The tree can be written in either format
+/// Octets of any kind, including compressed ones, give a failure or a tree. The tree can be written in either format
 /// and is then read again.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   Fuzzing::Input input(data, size);
@@ -73,10 +73,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   } catch (CQnException const&) {
     return 0;
   }
-  if (document.GetDocumentElement() == nullptr) return 0;  // the filter may drop that one too
+  if (document.GetDocumentElement() == nullptr) return 0;  // the filter may also drop the document element
   CXmlElement const& root = *document.GetDocumentElement();
   if (!Fuzzing::All(root, Fuzzing::IsWrittenWhole)) return 0;
-  // Fast Infoset has namespaces under any schema, text then has none.
+  // Fast Infoset has namespaces under any schema, but text then has none.
   bool const isInfoset = IsFastInfoset(document);
   if (isInfoset && ((options & kWithoutNamespaces) != 0 || !Fuzzing::All(root, Fuzzing::FitsText))) return 0;
   Fuzzing::RequireTextAgain(root, context);

@@ -1,14 +1,14 @@
-// How fast documents are read into objects and written from them, beside the parser alone on the same octets, and
-// how much memory that takes. Every operation proves its answer before it is timed.
+// How fast documents are read into objects and written from them, beside the parser alone on the same octets, and how
+// much memory that takes. Every operation proves its result before it is timed.
 //
 //   binding_benchmark [--sizes=1,10,100] [--rounds=1] [--no_memory] [--table=FILE] [the options of Google Benchmark]
 //
 //   --sizes      sizes of the documents in megabytes (10^6 bytes)
-//   --rounds     how often all of it is timed; the tables at the end take the medians of single runs, not of aggregates
+//   --rounds     how often everything is timed; the tables at the end take medians of single runs, not of aggregates
 //   --no_memory  measure speed only
 //   --table      also write the tables at the end as JSON, to this file
 //
-// Names are operation/size/layout/locale, as "read/10MB/compact/posix", for --benchmark_filter.
+// Names are operation/size/layout/locale, such as "read/10MB/compact/posix", for --benchmark_filter.
 
 #include <benchmark/benchmark.h>
 #include <expat.h>
@@ -35,7 +35,7 @@ namespace {
 
 using namespace Orders;
 
-/// How the process is set up, which decides how text is converted.
+/// The settings of the process that decide how text is converted.
 struct Setting {
   char const* name;
   char const* locale;
@@ -67,7 +67,7 @@ std::string Name(Operation const& operation, Shape shape, Setting const* setting
   return setting != nullptr ? name + '/' + setting->name : name;
 }
 
-/// Calls \p action; what the library throws becomes a standard exception.
+/// Calls \p action and converts a failure of the library to a standard exception.
 template <class Action>
 void Translated(Action action) {
   try {
@@ -81,7 +81,7 @@ void Translated(Action action) {
 
 bool s_hasFailure = false;
 
-/// The document of this shape, the last one only: benchmarks of one shape follow one another.
+/// The document of this shape. Keeps only the last one, because benchmarks of one shape follow one another.
 Workload& WorkloadOf(Shape shape) {
   static std::unique_ptr<Workload> load;
   static Shape held{};
@@ -125,7 +125,7 @@ void Register(Operation const& operation, Shape shape, Setting const& setting) {
   })->Unit(benchmark::kMillisecond);
 }
 
-// The parser does not look at the locale, but is to be timed beside what it is compared with.
+// The parser does not depend on the locale, but is timed next to the operations that are compared with it.
 void Register(Shape shape) {
   for (Setting const& setting : kSettings) {
     for (Operation const* const operation : kTimed) Register(*operation, shape, setting);
@@ -134,8 +134,8 @@ void Register(Shape shape) {
 
 // ---- Memory
 
-/// What \p operation needs at a time, in bytes for each byte of the document: with the caller's text for reading;
-/// for writing the objects and the written text.
+/// The peak memory that \p operation needs, in bytes for each byte of the document: for reading including the caller's
+/// text; for writing including the objects and the written text.
 std::optional<double> MemoryOf(Operation const& operation, Shape shape) {
   auto const peak = Benchmarks::PeakMemoryOf([&](Benchmarks::MemoryProbe& probe) {
     Translated([&] {
@@ -177,7 +177,7 @@ MemoryTable MeasureMemory(std::vector<Shape> const& shapes) {
 
 // ---- The tables at the end
 
-/// A number in a column, or a dash for what was not measured.
+/// A number in a column, or a dash where nothing was measured.
 void PrintCell(std::optional<double> value, int width, int digits) {
   if (value) {
     std::printf("%*.*f", width, digits, *value);
@@ -245,7 +245,7 @@ void PrintSizes(std::vector<SizeRow> const& rows) {
   }
 }
 
-// ---- The same as JSON: a row for each document and setting, null for what was not measured
+// ---- The same as JSON: a row for each document and setting, null where nothing was measured
 
 struct Number {
   std::optional<double> value;
@@ -298,7 +298,7 @@ struct Options {
   std::string table;
 };
 
-/// With 0 in it for what is no number.
+/// Contains 0 for each item that is not a number.
 std::vector<unsigned> ParseSizes(std::string const& list) {
   std::vector<unsigned> sizes;
   std::istringstream items(list);
@@ -308,7 +308,7 @@ std::vector<unsigned> ParseSizes(std::string const& list) {
   return sizes;
 }
 
-/// False for what nobody knows. Google Benchmark has taken its own options out already.
+/// False for an unknown option. Google Benchmark has already removed its own options.
 bool Parse(int argc, char** argv, Options& options) {
   constexpr char kSizes[] = "--sizes=";
   constexpr char kRounds[] = "--rounds=";
@@ -346,7 +346,7 @@ int main(int argc, char** argv) {
   for (unsigned const size : options.megabytes) {
     for (bool const indented : {false, true}) shapes.push_back({size, indented});
   }
-  // First, while there is nothing in this process that a child would inherit.
+  // First, while this process has nothing that a child would inherit.
   MemoryTable const memory = options.memory ? MeasureMemory(shapes) : MemoryTable();
   for (Shape const shape : shapes) Register(shape);
   benchmark::AddCustomContext("expat", XML_ExpatVersion());

@@ -1,5 +1,5 @@
 // Does one operation of the orders benchmark a number of times and nothing else, so that a tool that counts
-// instructions sees what one more round costs. `scripts/count-instructions` runs it.
+// instructions sees the cost of one more round. `scripts/count-instructions` runs it.
 //
 //   orders_rounds OPERATION SETTING LAYOUT ROUNDS
 //
@@ -7,7 +7,7 @@
 //   SETTING    posix or utf8
 //   LAYOUT     compact or indented
 //
-// Prints the octets of the document of 1 MB that each round goes over.
+// Prints the number of octets of the 1 MB document that each round processes.
 
 #include <clocale>
 #include <cstdio>

@@ -69,7 +69,7 @@ constexpr std::array kZone = {"Z"sv, "Z"sv, "+01:00"sv, "+02:00"sv, "-05:00"sv, 
 constexpr std::string_view kUpper = "ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// A linear congruential generator of 64 bits, of which the top ones are used.
+/// A 64-bit linear congruential generator, of which the top bits are used.
 class Chance {
  public:
   explicit Chance(std::uint64_t seed) : m_state(seed * 0x9E3779B97F4A7C15U + 0x1234567U) {}
@@ -96,7 +96,7 @@ class Chance {
   std::uint64_t m_state;
 };
 
-/// Not the library's own, which is under test.
+/// Independent of the library's encoder, which is under test.
 std::string Base64(std::string_view bytes) {
   std::string text;
   for (std::size_t i = 0; i < bytes.size(); i += 3) {
@@ -148,7 +148,7 @@ class Writer {
     if (m_indented) Add('\n');
   }
 
-  // The order of the calls of m_chance makes the document: each is a statement of its own.
+  // The order of the calls of m_chance decides the document, so each call is a separate statement.
 
   void Order() {
     std::uint64_t const number = ++m_document.sums.orders;
@@ -224,7 +224,7 @@ class Writer {
     m_document.sums.priceE4 += priceE4;
   }
 
-  /// \p value / 1000 without needless zeros, but with one digit behind the point.
+  /// \p value / 1000 without needless zeros, but with at least one digit after the point.
   static std::string Thousandths(std::uint64_t value) {
     std::string text = std::to_string(1000 + value % 1000).replace(0, 1, ".");
     while (text.size() > 2 && text.back() == '0') text.pop_back();

@@ -5,7 +5,7 @@
 
 namespace Orders {
 
-/// What stands in a document, so that a reader can prove that it saw all of it.
+/// Sums over the contents of a document, by which a reader can prove that it saw all of it.
 struct Sums {
   std::uint64_t orders = 0;
   std::uint64_t items = 0;
@@ -14,7 +14,7 @@ struct Sums {
 
   bool operator==(Sums const& other) const;
   bool operator!=(Sums const& other) const { return !(*this == other); }
-  /// All four, for a message.
+  /// All four sums, for a message.
   std::string ToString() const;
 };
 
@@ -23,13 +23,13 @@ struct Document {
   Sums sums;
 };
 
-/// Write a business document of the schema orders.xsd in UTF-8: orders of customers with nested addresses, some
-/// text beyond ASCII, entities, and now and then a base64 label. It ends with the first order that reaches \p
-/// bytes. \p indented puts each element on a line of its own, indented by tabs. Equal arguments give equal octets
-/// on every machine, and a smaller document is the beginning of a larger one, but for its last tag.
+/// Write a business document of the schema orders.xsd in UTF-8: orders of customers with nested addresses, some text
+/// beyond ASCII, entities, and occasionally a base64 label. It ends with the first order that reaches \p bytes. \p
+/// indented puts each element on a separate line, indented by tabs. Equal arguments give equal octets on every machine,
+/// and a smaller document is the beginning of a larger one, except for its last tag.
 Document GenerateOrders(std::uint64_t bytes, bool indented, std::uint64_t seed = 1);
 
-/// The number of units of 0.0001 in a price with at most four digits behind its point.
+/// The number of units of 0.0001 in a price with at most four digits after its point.
 std::uint64_t PriceE4(std::string const& price);
 
 }  // namespace Orders

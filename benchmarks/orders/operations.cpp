@@ -135,7 +135,7 @@ Sums ProveRead(Workload& load) {
   return SumUp(*orders);
 }
 
-/// As the document was: the namespace of the schema is the default one.
+/// Writes as in the original document: the namespace of the schema is the default one.
 CBinaryData Write(Workload const& load) {
   static CXmlSerializationContext const context = [] {
     CXmlSerializationContext ctx;
@@ -153,7 +153,7 @@ Sums ProveWrite(Workload& load) {
   return SumUp(*orders);
 }
 
-// The suggested alphabet for dates has no "." and no "+", which the times of orders have.
+// The suggested alphabet for dates lacks "." and "+", which occur in the times of orders.
 void SuggestEncodings(CFastInfosetContext& context) {
   context.SetSuggestedValues();
   context.SetEncoding(ItemType_datetime, {});

@@ -20,34 +20,34 @@ struct Workload {
 
   /// Fill objects from the document.
   void ReadObjects();
-  /// Write the objects, which are read first where there are none, to infoset.
+  /// Write the objects to infoset; reads them first if there are none.
   void WriteInfoset();
 };
 
-/// One way to go over a whole document.
+/// One way to process a whole document.
 struct Operation {
   char const* name;
   bool writes;        ///< needs objects, not the text
   bool needsInfoset;  ///< reads the document as Fast Infoset
-  /// Do the work once, as it is to be timed; the number of octets taken or given.
+  /// Do the work to be timed once; returns the number of octets read or written.
   std::size_t (*run)(Workload& load);
-  /// Do it once and sum up what came of it. Equal sums prove that the work was done.
+  /// Do it once and sum up the result. Equal sums prove that the work was done.
   Sums (*prove)(Workload& load);
 };
 
-/// The parser alone: namespaces on, handlers that do nothing. What everything else is compared with.
+/// The parser only: namespaces on, handlers that do nothing. The yardstick for all other operations.
 extern Operation const kRawExpat;
 /// CXmlDocument::LoadXmlStream(): parser and tree.
 extern Operation const kLoadTree;
-/// FromXmlStream(): from octets to objects, the objects' destruction included.
+/// FromXmlStream(): from octets to objects, including the destruction of the objects.
 extern Operation const kReadObjects;
 /// ToXmlStream(): from objects to octets, indented as the document is.
 extern Operation const kWriteObjects;
-/// The same two for Fast Infoset with the default settings. Their speed counts the octets of the XML document.
+/// Reading and writing for Fast Infoset with the default settings. Their speed counts the octets of the XML document.
 extern Operation const kReadInfoset;
 extern Operation const kWriteInfoset;
 
-/// The forms of one document and how long they are.
+/// The forms of one document and their lengths.
 struct SizeRow {
   char const* form;
   std::size_t octets;

@@ -43,8 +43,7 @@ CElementInfo* Optional(char const* name, int index, ItemType type, CWhitespaceUt
   return new CElementInfoSeqPrimOpt(name, kNamespace, index, type, nullptr, rule, restrictions);
 }
 
-// A property goes into the variant on reading and comes from it on storing; an absent one leaves the variant
-// invalid.
+// Reading a property copies it to the variant, and storing copies it back; an absent one leaves the variant invalid.
 
 void Access(std::string& property, bool read, QnVariant& value) {
   if (read) {
@@ -326,7 +325,7 @@ void CObjectCol<T>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeri
   for (T const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
 }
 
-// Takes the run of siblings that are items, and returns the first that is none.
+// Takes the run of siblings that are items, and returns the first sibling that is not.
 template <class T>
 CXmlElement* CObjectCol<T>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {
   std::string const ns = GetNamespace();

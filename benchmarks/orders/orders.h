@@ -7,11 +7,11 @@
 
 #include "quillon9/quillon9.h"
 
-/// The classes of orders.xsd, written as a code generator writes them: one for each complex type, one for each
-/// repeated element.
+/// The classes of orders.xsd, written as a code generator writes them: one for each complex type, one for each repeated
+/// element.
 ///
-/// Texts are in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). Setters and getters test
-/// no facets: the library does when it writes. Objects live in CSmartPtr; one graph belongs to one thread at a
+/// Texts are in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). Setters and getters check no
+/// facets: the library checks them when it writes. Objects live in CSmartPtr; one graph belongs to one thread at a
 /// time.
 namespace Orders {
 
@@ -28,13 +28,14 @@ enum StatusType {
   StatusType_returned,
   StatusType_cancelled
 };
-/// \throws Quillon9::CQnInvalidValueException for what is no StatusType.
+/// Convert between a status and its text.
+/// \throws Quillon9::CQnInvalidValueException for a value that is not a StatusType.
 char const* StatusTypeToText(int value);
 int StatusTypeFromText(char const* text);
 
 class CAddress : public Quillon9::CXmlGeneratedClass {
  public:
-  /// The numbers under which the tables of the class know its properties.
+  /// The numbers that the tables of the class use for its properties.
   enum Property { Property_street, Property_city, Property_postalCode, Property_country };
 
   static CSmartPtr<CAddress> CreateInstance(char const* elementName = "address");
@@ -158,12 +159,11 @@ class CItem : public Quillon9::CXmlGeneratedClass {
   std::optional<Quillon9::CBinaryData> m_label;
 };
 
-/// What the collections of this schema have in common: typed items, and how their run of elements is read and
-/// written.
+/// The common base of the collections of this schema: typed items, and how their run of elements is read and written.
 template <class T>
 class CObjectCol : public Quillon9::CXmlCollection {
  public:
-  /// Walks the items; adding is allowed meanwhile, removing the item it stands on is not.
+  /// Iterates over the items. Items may be added meanwhile; the current item must not be removed.
   class Iterator {
    public:
     explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
@@ -233,7 +233,7 @@ class COrder : public Quillon9::CXmlGeneratedClass {
   /// Share \p value with the caller.
   /// \throws Quillon9::CQnInvalidParamException when it is null or was made for another element.
   void SetCustomer(CCustomer* value);
-  /// The collection is this object's for life: reading empties and fills it.
+  /// The collection belongs to this object for life: reading empties and fills it.
   CItemCol* GetItem() const { return m_item; }
   std::int32_t GetId() const { return m_id; }
   void SetId(std::int32_t value) { m_id = value; }
@@ -285,7 +285,7 @@ class COrders : public Quillon9::CXmlGeneratedClass {
 
   static CSmartPtr<COrders> CreateInstance(char const* elementName = "orders");
 
-  /// The collection is this object's for life: reading empties and fills it.
+  /// The collection belongs to this object for life: reading empties and fills it.
   COrderCol* GetOrder() const { return m_order; }
 
   using CXmlGeneratedClass::GetBase;
@@ -306,7 +306,7 @@ class COrders : public Quillon9::CXmlGeneratedClass {
   CSmartPtr<COrderCol> const m_order;
 };
 
-/// Makes the objects that the tables name by number.
+/// Creates the objects that the tables refer to by number.
 class CClassFactory : public Quillon9::CClassfactoryBase {
  public:
   enum ClassId { ClassId_OrdersType, ClassId_OrderType, ClassId_CustomerType, ClassId_AddressType, ClassId_ItemType };

@@ -14,7 +14,7 @@ namespace Benchmarks {
 
 namespace {
 
-/// One line of /proc/self/status, in bytes: VmRSS is resident now, VmHWM the most at a time.
+/// One line of /proc/self/status, in bytes: VmRSS is the present resident size, VmHWM its peak.
 std::uint64_t StatusBytes(std::string const& name) {
   std::ifstream status("/proc/self/status");
   std::string word;
@@ -25,7 +25,7 @@ std::uint64_t StatusBytes(std::string const& name) {
   throw std::runtime_error("/proc/self/status does not tell " + name);
 }
 
-/// Let the system's peak start anew from what is resident now.
+/// Restart the system's peak from the present resident size.
 void ResetPeak() {
   malloc_trim(0);
   std::ofstream file("/proc/self/clear_refs");

@@ -16,7 +16,7 @@ std::optional<double> MedianOf(std::vector<double> values) {
 
 }  // namespace
 
-// Without colours: the output is often kept in a file.
+// Without colours, because the output is often kept in a file.
 ResultCollector::ResultCollector() : ConsoleReporter(OO_None) {}
 
 ResultCollector::~ResultCollector() = default;

@@ -9,8 +9,8 @@
 
 namespace Benchmarks {
 
-/// Prints each benchmark as Google Benchmark does, and remembers its speed for a table at the end. It may serve several
-/// calls of RunSpecifiedBenchmarks(), which are the rounds of one measurement.
+/// Prints each benchmark as Google Benchmark does, and remembers its speed for a table at the end. One object may serve
+/// several calls of RunSpecifiedBenchmarks(), which are the rounds of one measurement.
 class ResultCollector : public benchmark::ConsoleReporter {
  public:
   ResultCollector();
@@ -18,10 +18,10 @@ class ResultCollector : public benchmark::ConsoleReporter {
   bool ReportContext(Context const& context) override;
   void ReportRuns(std::vector<Run> const& runs) override;
 
-  /// Bytes per second of processor time: the median of the rounds. None for what did not run or failed.
+  /// Bytes per second of processor time: the median of the rounds. Empty for a benchmark that did not run or failed.
   std::optional<double> Speed(std::string const& name) const;
-  /// How fast that is beside \p yardstick: the median of the ratios in each round, so that a machine whose speed swings
-  /// counts for both. None where the two did not run equally often.
+  /// The speed relative to \p yardstick: the median of the ratios in each round, so that a machine whose speed varies
+  /// affects both. Empty if the two did not run equally often.
   std::optional<double> Ratio(std::string const& name, std::string const& yardstick) const;
 
  private:

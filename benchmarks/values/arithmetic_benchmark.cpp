@@ -1,4 +1,4 @@
-// Arithmetic with numbers of 10,000 digits, and texts of a million. Every operation proves its answer before it is
+// Arithmetic with numbers of 10,000 digits, and texts of a million. Every operation proves its result before it is
 // timed.
 
 #include <benchmark/benchmark.h>
@@ -33,7 +33,7 @@ std::string Text<CBigInteger>(std::size_t count, unsigned seed) {
   return Digits(count, seed);
 }
 
-/// With as many of them behind the point as a product keeps.
+/// With as many digits after the point as a product keeps.
 template <>
 std::string Text<CDecimal>(std::size_t count, unsigned seed) {
   return Digits(count, seed).insert(count - static_cast<std::size_t>(CDecimal::m_maxDivider), ".");
@@ -49,7 +49,7 @@ struct Operands {
   Number dividend = divisor * quotient + Number(1);  // the quotient is still the nearest
 };
 
-/// Times \p action of the operands; \p isRight tells whether what it gave is right.
+/// Times \p action on the operands; \p isRight returns whether its result is right.
 template <class Given, class Action, class Proof>
 void Register(std::string const& name, Action action, Proof isRight) {
   auto const run = [=](benchmark::State& state) {

@@ -1,5 +1,5 @@
-// How many values of each kind are parsed and printed in a second, through the variant, as reading and writing do it.
-// Every conversion proves its answer before it is timed.
+// How many values of each kind are parsed and printed in a second through the variant, as reading and writing do it.
+// Every conversion proves its result before it is timed.
 
 #include <benchmark/benchmark.h>
 
@@ -12,7 +12,7 @@ namespace {
 
 using namespace Quillon9;
 
-/// A text that comes out as it went in.
+/// A text that is printed exactly as it was read.
 struct Sample {
   ItemType type;
   char const* name;

@@ -37,7 +37,7 @@ TEST(Exceptions, CopiesAreIndependentAndTakeTheNamedClass) {
   EXPECT_EQ("inner", first.GetFullMessage());
 }
 
-// A caller may keep a failure and throw it again from the code that the library calls.
+// A caller may keep a failure and throw it again from code that the library calls.
 TEST(Exceptions, AFailureThatIsThrownAgainAndAgainKeepsItsChain) {
   struct Failing : Testing::DynamicClass {
     using DynamicClass::DynamicClass;

@@ -1,5 +1,6 @@
-// Memory that runs out: in each row one allocation fails, or all from one on, first the first one, then the second,
-// until the row passes. The failure is reported, nothing leaks, and a second try gives what the first should have.
+// Simulates a lack of memory: in each row one allocation fails, or all from one on, starting with the first, then the
+// second, until the row passes. The failure is reported, nothing leaks, and a second try gives the result that the
+// first should have given.
 
 #include <gtest/gtest.h>
 
@@ -30,7 +31,7 @@ using Orders::CPurchaseOrderType;
 
 constexpr auto& kDefault = CXmlSerializationContext::m_defaultContext;
 
-/// What is tried: done under the shortage, and shown without.
+/// The operation under test: `act` runs under the shortage, `show` without it.
 struct Subject {
   std::function<void()> act;
   std::function<std::string()> show;
@@ -38,8 +39,8 @@ struct Subject {
 
 enum class Promise {
   Report,      ///< a failure is reported, and a second try works
-  KeepsState,  ///< and the failed act changed nothing
-  NeverFails   ///< it does without
+  KeepsState,  ///< and the failed operation changed nothing
+  NeverFails   ///< it succeeds without the memory
 };
 
 struct Row {
@@ -50,7 +51,7 @@ struct Row {
 
 struct Outcome {
   bool isStarved = false;
-  std::string failure;  ///< empty when the act passed
+  std::string failure;  ///< empty when the operation passed
   std::string secondFailure;
   std::string before;
   std::string afterFailure;
@@ -71,7 +72,7 @@ std::string FailureOf(Act act) {
   return "";
 }
 
-/// In a thread of its own, so that what the library remembers for a thread is empty, and gone afterwards.
+/// Runs in a separate thread, so that what the library remembers for a thread is empty, and gone afterwards.
 Outcome Try(Row const& row, unsigned long passing, Shortage shortage) {
   Outcome outcome;
   std::thread([&] {
@@ -91,7 +92,8 @@ Outcome Try(Row const& row, unsigned long passing, Shortage shortage) {
   return outcome;
 }
 
-/// What a failed allocation may be reported as. A file that libc has no memory to open is one that does not open.
+/// The ways in which a failed allocation may be reported. A file that libc has no memory to open counts as one that
+/// does not open.
 bool IsReport(std::string const& failure) {
   for (char const* text :
        {"out of memory", "Failed to compress data. [Error Code: -4]", "failed to get memory",
@@ -104,7 +106,7 @@ bool IsReport(std::string const& failure) {
 constexpr unsigned long kNever = ~0UL;
 
 void ExpectAllShortagesReported(Row const& row, Shortage shortage) {
-  Try(row, kNever, shortage);  // what the process keeps for ever is made here
+  Try(row, kNever, shortage);  // creates what the process keeps for ever
   Outcome const whole = Try(row, kNever, shortage);
   ASSERT_EQ("", whole.failure);
   std::string const& expected = whole.shown;
@@ -264,7 +266,7 @@ TEST(Allocation, Writing) {
   std::remove(OrderFile().c_str());
 }
 
-// Otherwise a document that was cut short would close without complaint.
+// Otherwise a document that was cut short would close without a failure.
 TEST(Allocation, ElementThatFailsHalfWayStaysOpen) {
   std::string const text(3000000, '<');
   int halfWay = 0;
@@ -314,7 +316,7 @@ Subject ChangingVariant(Act act) {
   return Changing(std::move(value), act, [](QnVariant const& v) { return v.GetType() + ' ' + v.ToString(); });
 }
 
-/// The holder of the bytes is shared, so that a change copies it first.
+/// The holder of the bytes is shared, so a change copies it first.
 template <class Act>
 Subject ChangingBytes(Act act) {
   auto const values = std::make_shared<std::pair<CBinaryData, CBinaryData>>();
@@ -380,7 +382,7 @@ Subject CheckingPattern(char const* pattern, std::string const& text) {
   return Checking(ItemType_string, text, {pattern, 1, 1000000, "", "", "", "", -1});
 }
 
-// A pattern that was first used without the memory to compile it to machine code must not stay without.
+// A pattern first used when there was no memory to compile it to machine code must still get its machine code later.
 Subject MatchingShortThenLong() {
   char const* const pattern = "(x|y)*";
   return {[=] { TestRegEx(pattern, "xy"); },
@@ -413,7 +415,7 @@ TEST(Allocation, Facets) {
   ExpectAllShortagesReported(rows);
 }
 
-// ---- Tables, and what goes away
+// ---- Tables, and destruction
 
 struct Tables {
   ~Tables() { Clean(); }
@@ -470,7 +472,7 @@ TEST(Allocation, DocumentOfAnotherThreadDropped) {
   ExpectAllShortagesReported({"document", &DroppingDocumentOfAnotherThread, Promise::NeverFails});
 }
 
-// What the tests above rest on: the C libraries ask this program for memory, and are refused it.
+// The assumption of the tests above: the C libraries ask this program for memory, and their requests can fail.
 TEST(Allocation, ReachesTheCLibraries) {
   if (!AreCLibrariesIncluded()) GTEST_SKIP() << "the sanitizer owns malloc";
   auto const fails = [](std::string const& text) {

@@ -106,8 +106,8 @@ void operator delete[](void* memory, std::nothrow_t const&) noexcept { Delete(me
 
 bool Quillon9::Testing::AreCLibrariesIncluded() { return true; }
 
-// The program's malloc takes the place of libc's for every library in it, and hands on to it. operator new ends here
-// as well.
+// The program's malloc replaces that of libc for every library in it, and forwards to it. operator new ends here as
+// well.
 extern "C" {
 
 void* __libc_malloc(std::size_t size);
@@ -162,8 +162,8 @@ void free(void* memory) noexcept {
   __libc_free(memory);
 }
 
-// The first use of a thread's own object that has a destructor leaves a note with libc, which ends the process where
-// it has no memory for it; nobody above libc can do anything about that, so this one allocation always passes.
+// The first use of a thread-local object that has a destructor registers it with libc, which ends the process when it
+// has no memory for that. No code above libc can prevent this, so this allocation always passes.
 int __cxa_thread_atexit_impl(void (*destructor)(void*), void* object, void* library);
 int __cxa_thread_atexit(void (*destructor)(void*), void* object, void* library) noexcept {
   bool const wasArmed = t_isArmed;

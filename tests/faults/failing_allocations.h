@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-/// The allocations of this program, which a test can count and let fail: operator new, and where no sanitizer stands
-/// in the way also the malloc of the C libraries.
+/// Lets a test count the allocations of this program and make them fail: operator new and, unless a sanitizer prevents
+/// it, the malloc of the C libraries.
 namespace Quillon9::Testing {
 
 #if defined(__SANITIZE_THREAD__)
@@ -16,32 +16,32 @@ namespace Quillon9::Testing {
 
 enum class Shortage {
   One,   ///< a single allocation fails
-  Lasts  ///< it fails, and so does every one behind it
+  Lasts  ///< it fails, and so does every later one
 };
 
-/// While one exists, allocations of the calling thread fail as told. One at a time in a thread.
+/// While an object exists, allocations of the calling thread fail as described. One at a time in a thread.
 class FailingAllocations {
  public:
-  /// \p passing allocations pass before the first that fails.
+  /// \p passing allocations pass before the first one fails.
   FailingAllocations(unsigned long passing, Shortage shortage);
   ~FailingAllocations();
   FailingAllocations(FailingAllocations const&) = delete;
   FailingAllocations& operator=(FailingAllocations const&) = delete;
 
-  /// Whether one of the calling thread failed since the last scope began.
+  /// Whether an allocation of the calling thread has failed since the last scope began.
   static bool HasFailed();
 };
 
-/// Allocations of all threads that were not freed yet.
+/// The number of allocations, by all threads, that are not freed yet.
 long CountLiveAllocations();
 
-/// Bytes that the calling thread has asked for until now, those that were freed again included.
+/// The bytes that the calling thread has requested so far, including those already freed.
 std::size_t CountBytesTaken();
 
-/// The octets of these, with what the allocator adds.
+/// The octets of the live allocations, including the overhead of the allocator.
 long CountLiveOctets();
 
-/// Whether those of the C libraries fail and count too.
+/// Whether the allocations of the C libraries fail and count too.
 bool AreCLibrariesIncluded();
 
 }  // namespace Quillon9::Testing

@@ -1,6 +1,6 @@
-// Input that is made to cost: each piece below is either read and written, at a cost that its length bounds, or refused
-// clearly. Costs are counted in allocations. Where work of another kind could grow with the square, the sizes are such
-// that it would take minutes.
+// Input designed to be expensive: each piece below is either read and written, at a cost that its length bounds, or
+// refused clearly. Costs are counted in allocations. Where other work could become quadratic, the sizes are such that
+// it would take minutes.
 
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ std::string Numbered(std::string const& before, std::string const& behind, int c
   return result;
 }
 
-/// Runs \p work, which may allocate so often.
+/// Runs \p work and expects at most this many allocations.
 template <class Work>
 void ExpectAllocationsWithin(std::size_t bound, Work work) {
 #ifdef QN_THREAD_SANITIZER
@@ -80,7 +80,7 @@ TEST(HostileInput, MuchOfAnythingCostsWhatItsLengthIs) {
     ExpectAllocationsWithin(bound + 40 * row.pieces, [&] { element->CopyXmlElement(document.GetDocumentElement()); });
     ExpectAllocationsWithin(bound + 20 * row.pieces, [&] { text = element->ToXml(); });
     if (document.GetDocumentElement()->GetFirstElement() != nullptr && !element->GetText().empty()) continue;
-    CBinaryData const infoset = element->ToFastInfosetStream();  // which has no place for text behind children
+    CBinaryData const infoset = element->ToFastInfosetStream();  // which has no place for text after children
     document.LoadXmlStream(infoset.GetData(), infoset.GetLength());
     CSmartPtr<CElement> const back(new CElement("r", ""));
     back->CopyXmlElement(document.GetDocumentElement());
@@ -99,7 +99,7 @@ TEST(HostileInput, AMillionSiblingsAreReadIntoACollection) {
   EXPECT_EQ(1'000'000, texts->GetCount());
 }
 
-// ---- What declares little and means much
+// ---- Short declarations with a large effect
 
 TEST(HostileInput, BombsAreRefused) {
   std::string laughs = "<!DOCTYPE r [<!ENTITY l0 'lol'>";
@@ -153,7 +153,7 @@ TEST(HostileInput, BombsAreRefused) {
   }
 }
 
-// Tree and objects together: half of what they take is too low a limit, twice as much is high enough.
+// Tree and objects together: half of the memory that they take is too low a limit, twice as much is high enough.
 TEST(HostileInput, ContentCountsAboutWhatItTakes) {
   if (!AreCLibrariesIncluded()) GTEST_SKIP() << "other allocators take other sizes";
   std::uint64_t const size = CLimits::GetMaxContentSize();
@@ -217,7 +217,7 @@ TEST(HostileInput, NothingOutsideTheDocumentIsOpened) {
 
 // ---- Depth
 
-/// Nested classes as deep as the document, each holding one of the same kind.
+/// Nested classes as deep as the document, each containing one of the same kind.
 CSmartPtr<CXmlObjectBase> MakeNested(int, char const* name);
 Shape const& NestedShape() {
   static Shape const shape({}, {new CElementInfoSeqClsOpt("n", "", 0, XmlElementType_Element, MakeNested, 0)},
@@ -332,7 +332,7 @@ int EnumFromText(char const*) {
 
 struct Foreign {};
 
-/// What comes of \p action: the message of a failure of the library, or what else was thrown.
+/// The result of \p action: the message of a failure of the library, or a description of any other exception.
 std::string Outcome(std::function<void()> const& action) {
   try {
     action();
@@ -393,7 +393,7 @@ TEST(HostileInput, WhatACallersFunctionThrowsReachesTheCaller) {
 
 // ---- Code pages
 
-// A name and its namespace are told apart where no byte of a character can be taken for a mark, in all formats.
+// A name is separated from its namespace only at a real mark, never at a byte within a character, in all formats.
 TEST(HostileInput, CharactersThatHoldTheBytesOfMarksGoRound) {
   for (char const* name : {"zh_CN.GB18030", "ja_JP.SJIS", "de_DE.ISO-8859-1", "C.UTF-8"}) {
     ScopedLocale const locale(name);

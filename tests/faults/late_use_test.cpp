@@ -1,5 +1,5 @@
-// Objects that save themselves in their destructors, when the thread or the process ends. What the library remembers is
-// then gone, or was never made.
+// Objects that save themselves in their destructors, when the thread or the process ends. By then, the data that the
+// library remembers is destroyed, or was never created.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ constexpr char kDocument[] =
     R"(<settings xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance"><name>Größe</name><since>2001-02-03</since>)"
     "<factor>1.25</factor><count>12345678901234567890</count><every>P2D</every><rate>0.5</rate></settings>";
 
-/// Writes itself to `path` in both forms while it is destroyed, and checks there what it reads back from them.
+/// Writes itself to `path` in both forms during its destruction, and checks what it reads back from them.
 class Settings {
  public:
   explicit Settings(char const* path) : m_path(path) {}
@@ -70,7 +70,7 @@ std::string Content(std::string const& path) {
 void SaveWhenTheProcessEnds(char const* path) { static Settings const settings(path); }
 void SaveWhenTheThreadEnds(char const* path) { static thread_local Settings const settings(path); }
 
-/// The library's own data of the thread is made after the object, and destroyed before it.
+/// Creates the library's own data of the thread after the object, so that it is destroyed before it.
 void UseAll() {
   CXmlObjectHelper::CheckRestrictionForstring("a", "a", Like("a"));
   CXmlObjectHelper::CheckRestrictionFordate("a", CDateTime(2001, 1, 1), AtLeast("2000-01-01"));
@@ -81,7 +81,7 @@ void UseAll() {
 
 class LateUse : public testing::Test {
  protected:
-  // The child starts from nothing, as a program does: no other test has made the library remember anything.
+  // The child starts like a new program: no other test has made the library remember anything.
   void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
   void TearDown() override {
     EXPECT_EQ(kExpected, Content(m_path));
@@ -130,7 +130,7 @@ TEST_F(LateUse, DataOfAnotherThread) {
   }).join();
 }
 
-/// Made before all others of this program, and destroyed after them. What is tested is what the library has of this kind.
+/// Created before all other objects of this program, and destroyed after them. Tests the library's own static objects.
 [[gnu::init_priority(150)]] struct Earliest {
   ~Earliest() {
     if (path == nullptr) return;

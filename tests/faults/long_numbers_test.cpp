@@ -1,4 +1,4 @@
-// Numbers whose texts are much shorter than their digits. What they take is counted in bytes.
+// Numbers whose texts are much shorter than their digits. Memory is counted in bytes.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// Rejected input leaves nothing behind: after each of these the same document, object, context and thread read a good
-// one, in each of its forms, as if nothing had been.
+// Rejected input leaves no trace: after each of these inputs the same document, object, context and thread read a good
+// one, in each of its forms, as if the bad one had never been read.
 
 #include <gtest/gtest.h>
 
@@ -39,12 +39,12 @@ std::string OrderWith(std::string const& text, std::string const& replacement) {
   return document.replace(document.find(text), text.size(), replacement);
 }
 
-/// Reads through all that stays the same from one input to the next.
+/// Reads with everything that stays the same from one input to the next.
 class Reader {
  public:
   Reader() { m_ctx.SetSchemaType(SchemaType_XSD); }
 
-  /// Whether loading the tree alone is refused, and what reading into the object says.
+  /// Whether just loading the tree is refused, and the message of reading into the object.
   std::pair<bool, std::string> Reject(std::string const& bytes) {
     CBinaryData const data(reinterpret_cast<unsigned char*>(const_cast<char*>(bytes.data())), bytes.size(), false);
     bool isLoadRefused = false;

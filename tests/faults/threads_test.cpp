@@ -1,5 +1,5 @@
-// What threads may share, shared by eight of them at once. Made for ThreadSanitizer; without it, it still finds what
-// comes out wrong.
+// Eight threads at once share everything that threads may share. Made for ThreadSanitizer; without it, the tests still
+// find wrong results.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ using Orders::CPurchaseOrderType;
 
 constexpr std::size_t kThreads = 8;
 
-/// Calls work(thread) in kThreads threads, which begin together.
+/// Calls work(thread) in kThreads threads, which start together.
 template <class Work>
 void InThreads(Work work) {
   std::atomic<std::size_t> waiting{kThreads};
@@ -47,7 +47,7 @@ void ExpectAllEqual(std::vector<std::string> const& texts) {
   for (std::string const& text : texts) EXPECT_EQ(texts[0], text);
 }
 
-/// Everything that is done with a graph of objects; what was written in the end.
+/// Does everything that can be done with a graph of objects; returns the final output.
 std::string ReadAndWrite(CXmlSerializationContext const& ctx) {
   CSmartPtr<CPurchaseOrderType> const order = CPurchaseOrderType::CreateInstance();
   CXmlObjectBase& object = *order;
@@ -60,7 +60,7 @@ std::string ReadAndWrite(CXmlSerializationContext const& ctx) {
   return object.ToXml(true, true, EOLType_LF, ctx) + generic.ToXml(true, true, EOLType_LF, ctx);
 }
 
-// First, so that the tables of the classes are built by threads at the same time.
+// First, so that threads build the tables of the classes at the same time.
 TEST(Threads, EachWithItsOwnGraphAndContext) {
   std::vector<std::string> texts(kThreads);
   InThreads([&](std::size_t thread) {
@@ -102,12 +102,12 @@ TEST(Threads, HoldersOfBytes) {
       ASSERT_EQ(kept, own);
     }
     ASSERT_EQ(bytes, Bytes(own));
-    own.Append("x");  // the last one to do so has the holder for itself
+    own.Append("x");  // the last thread to do so is the only owner of the holder
     own.Clear();
   });
 }
 
-/// A collection that is written by index, which a generated class may do.
+/// A collection that is written by index, as a generated class may do.
 class IndexedCollection : public DynamicCollection {
  public:
   using DynamicCollection::DynamicCollection;
@@ -202,7 +202,7 @@ TEST(Threads, WriteOneGraph) {
         numbers += item->m_properties.at(1).GetI4() == i ? 1 : 0;
       }
       ASSERT_EQ(graph.Items().GetCount(), numbers);
-      children[thread] = graph.Leaf().GetElements();  // made when they are first asked for
+      children[thread] = graph.Leaf().GetElements();  // created on first use
     }
   });
   EXPECT_EQ(std::vector<CElementCol const*>(kThreads, children[0]), children);

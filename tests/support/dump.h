@@ -6,7 +6,7 @@
 
 namespace Quillon9::Testing {
 
-/// A tree on one line: `{uri}name @{uri}name=value 'text' (children)`, with what is empty left out.
+/// A tree on one line: `{uri}name @{uri}name=value 'text' (children)`, with empty parts left out.
 inline std::string Dump(CXmlElement const& element) {
   auto const name = [](std::string const& uri, std::string const& local) {
     return (uri.empty() ? "" : "{" + uri + "}") + local;

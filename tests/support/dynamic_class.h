@@ -8,11 +8,11 @@
 
 #include "quillon9/quillon9.h"
 
-/// A generated class whose tables a test puts together at run time, so that a case is a table, a document and what
-/// comes of it. Properties are kept in variants by their index.
+/// A generated class whose tables a test puts together at run time, so that a case is a table, a document and the
+/// result. Properties are kept in variants by their index.
 namespace Quillon9::Testing {
 
-/// The tables of one class. Owns the descriptors, frees them as generated code does.
+/// The tables of one class. Owns the descriptors and frees them as generated code does.
 class Shape {
  public:
   struct Options {
@@ -82,7 +82,7 @@ class DynamicClass : public CXmlGeneratedClass {
     m_properties[index].SetI4(number);
     return *this;
   }
-  /// The element alone, in one line.
+  /// The element without a declaration, on one line.
   std::string Text(CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const {
     return ToXml(false, false, EOLType_LF, ctx);
   }
@@ -143,7 +143,7 @@ class DynamicCollection : public CXmlCollection {
   Shape const& m_itemShape;
 };
 
-/// Descriptors with the arguments that a test does not care for left out.
+/// Descriptors without the arguments that a test does not care about.
 inline CPrimitiveRestrictions NoFacets() { return CPrimitiveRestrictions("", -1, -1, "", "", "", "", -1); }
 
 template <class Descriptor>
@@ -160,8 +160,8 @@ inline Quillon9Data::CAttributeInfo* Attribute(char const* name, int index, bool
                                                    CWhitespaceUtils::WhitespaceRule_Collapse, facets, defaultValue);
 }
 
-/// Options by one letter each: U unknown elements, M missing mandatory ones, C missing choice, I collection
-/// counts, A unknown attributes, N namespaces.
+/// Options, one letter each: U unknown elements, M missing mandatory ones, C missing choice, I collection counts, A
+/// unknown attributes, N namespaces.
 inline CXmlSerializationContext Ignoring(std::string const& letters) {
   CXmlSerializationContext ctx;
   auto const has = [&](char letter) { return letters.find(letter) != std::string::npos; };
@@ -174,7 +174,7 @@ inline CXmlSerializationContext Ignoring(std::string const& letters) {
   return ctx;
 }
 
-/// Reads \p document into \p object and gives what it then writes, or the whole message of the failure.
+/// Reads \p document into \p object and returns what the object then writes, or the whole message of the failure.
 inline std::string ReadBack(DynamicClass& object, char const* document, std::string const& options = "") {
   CXmlSerializationContext const ctx = Ignoring(options);
   try {

@@ -7,7 +7,7 @@
 
 namespace Quillon9::Testing {
 
-/// Octets from a notation: hexadecimal pairs, blanks, and 'text' as it stands.
+/// Octets from a notation: hexadecimal pairs, blanks, and 'text' taken literally.
 inline std::string Octets(std::string const& notation) {
   std::string octets;
   for (std::size_t at = 0; at < notation.size();) {

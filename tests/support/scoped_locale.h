@@ -5,7 +5,7 @@
 
 namespace Quillon9::Testing {
 
-/// The locale of the process for the life of a scope.
+/// Sets the locale of the process for the life of a scope.
 class ScopedLocale {
  public:
   explicit ScopedLocale(char const* name) : m_isThere(std::setlocale(LC_ALL, name) != nullptr) {}
@@ -13,7 +13,7 @@ class ScopedLocale {
   ScopedLocale(ScopedLocale const&) = delete;
   ScopedLocale& operator=(ScopedLocale const&) = delete;
 
-  /// Whether it exists; where not, nothing has changed.
+  /// Whether the locale exists; if not, nothing has changed.
   bool IsThere() const { return m_isThere; }
 
  private:

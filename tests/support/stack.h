@@ -8,7 +8,7 @@
 
 namespace Quillon9::Testing {
 
-/// Does \p work on a thread that has \p size bytes of stack.
+/// Runs \p work on a thread that has \p size bytes of stack.
 inline void RunWithStack(std::size_t size, std::function<void()> work) {
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);

@@ -1,5 +1,5 @@
-// Sets the locale that QUILLON9_TEST_LOCALE names before the tests run, so that a whole suite can be run in it. Tests
-// that hold in one locale only set that one themselves.
+// Sets the locale that QUILLON9_TEST_LOCALE names before the tests run, so that a whole suite can run in it. Tests that
+// need a certain locale set it themselves.
 
 #include <gtest/gtest.h>
 

@@ -54,7 +54,8 @@ TEST(Unicode, IllegalInputMeasuresAsNothingAndCutOffInputAsWhatIsWritten) {
   EXPECT_EQ(U16{'a'}, Converted<U16>(ConvertUTF32toUTF16, U32{'a', 0x10000}, 3, 2)) << "no half character";
 }
 
-// Every pair of first bytes, against the ranges of table 3-7 of the Unicode Standard, the other bytes being fine.
+// Every pair of first bytes, checked against the ranges of table 3-7 of the Unicode Standard; the other bytes are
+// valid.
 TEST(Unicode, WellFormedSequencesAreThoseOfTheStandard) {
   struct Row {
     int firstLead, lastLead, firstSecond, lastSecond, length;
@@ -77,7 +78,7 @@ TEST(Unicode, WellFormedSequencesAreThoseOfTheStandard) {
   }
 }
 
-/// A locale, and the switch back to false, for one test.
+/// Sets a locale, and the switch back to false, for one test.
 class Encoder : public testing::Test {
  protected:
   ~Encoder() override { ASCIIOnly(false); }
@@ -108,8 +109,8 @@ class Encoder : public testing::Test {
 struct LocaleRow {
   char const* locale;
   std::string utf8;
-  std::string local;  ///< what comes in
-  std::string out;    ///< what goes out again, from \p utf8 taken as text of the locale
+  std::string local;  ///< the result of reading
+  std::string out;    ///< the result of writing, from \p utf8 taken as text of the locale
   std::wstring wide;  ///< the same as wide characters
 };
 

@@ -27,7 +27,7 @@ TEST(StringBuffer, AllWaysOfAppendingFillBlocksInOrder) {
       buffer.Append(std::string("seen\0unseen", 11));
       buffer.Append("a\0z", 3UL);
       expected += "<some textseen" + std::string("a\0z", 3);
-      if (i % 20 == 19) ExpectText(expected, buffer);  // and on from the joined block
+      if (i % 20 == 19) ExpectText(expected, buffer);  // later appends continue from the joined block
     }
     ExpectText(expected, buffer);
   }
@@ -48,7 +48,7 @@ TEST(StringBuffer, BlocksAreJoinedOnceAndASingleBlockIsKept) {
   buffer.Append(std::string(kBlock, 'y'));
   EXPECT_EQ(joined, buffer.GetText());
   ExpectText(std::string(kBlock, 'y'), buffer);
-  buffer.Append("zzz");  // two blocks now, so that nothing is kept
+  buffer.Append("zzz");  // two blocks now, so none is kept
   buffer.Empty();
   ExpectText("", buffer);
 }

@@ -26,7 +26,7 @@ std::string Text(Int128 value) {
   return value < 10 ? last : Text(value / 10) + last;
 }
 
-// Digits of a kind that carries and borrows far: runs of 0 and 9 among others.
+// Digits that cause long carries and borrows, such as runs of 0 and 9.
 std::string RandomDigits(std::mt19937_64& random, std::size_t size) {
   std::string text(1, static_cast<char>('1' + random() % 9));
   while (text.size() < size) {
@@ -169,7 +169,7 @@ TEST(BigInteger, AgreesWithTheProcessor) {
   }
 }
 
-// Lengths on both sides of the changes of method, and results that lie just beside a round number.
+// Lengths on both sides of the thresholds between methods, and results right next to a round number.
 TEST(BigInteger, LongNumbersKeepTheLawsOfArithmetic) {
   std::mt19937_64 random(99);
   std::size_t const sizes[] = {1, 17, 18, 19, 36, 37, 54, 300, 320, 880, 1800, 4000};
@@ -232,7 +232,7 @@ TEST(BigInteger, ZerosOfAnExponentAreLikeOthers) {
   EXPECT_EQ(most * Big::Pow10(2), most * 10 * 10);
 }
 
-// Far above what the fast methods take, and far below what digit-by-digit ones would.
+// Far above the time of the fast methods, and far below that of digit-by-digit ones.
 TEST(BigInteger, LongNumbersAreFast) {
   auto const start = std::chrono::steady_clock::now();
   std::mt19937_64 random(7);
@@ -246,7 +246,7 @@ TEST(BigInteger, LongNumbersAreFast) {
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
 }
 
-// At this length, a division whose cost grows with the square of the length would miss the bound by far.
+// At this length, a division of quadratic cost would exceed the bound by far.
 TEST(BigInteger, DivisionTakesAFewTimesAsLongAsMultiplication) {
   std::mt19937_64 random(8);
   Big const a = RandomNumber(random, 200000).GetAbs();

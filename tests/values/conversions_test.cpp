@@ -157,7 +157,7 @@ TEST(Conversions, FloatingPointFormats) {
   }
 }
 
-// The fast paths must not be told apart from libc, which runs in the "C" locale here.
+// The fast paths must be indistinguishable from libc, which runs in the "C" locale here.
 TEST(Conversions, FloatingPointAgreesWithLibc) {
   Testing::ScopedLocale const point("C");
   std::mt19937_64 random(20240229);

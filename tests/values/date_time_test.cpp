@@ -22,7 +22,7 @@ CDateTime Parsed(Parser parse, char const* text) {
 CDateTime DateOf(char const* text) { return Parsed(&CDateTime::ParseXSDDate, text); }
 CDateTime DateTimeOf(char const* text) { return CDateTime(text); }
 
-/// What the parser makes of a text: its type and its printed form, or the failure.
+/// The result of the parser for a text: its type and its printed form, or the failure.
 std::string Outcome(Parser parse, char const* text) {
   try {
     CDateTime const value = Parsed(parse, text);

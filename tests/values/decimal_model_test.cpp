@@ -1,5 +1,5 @@
-// CDecimal against a model that keeps both parts as integers and computes each operation in its plainest form.
-// After a change, run more steps from other seeds: QN_MODEL_STEPS=1000000 QN_MODEL_SEED=2.
+// CDecimal against a model that keeps both parts as integers and computes each operation in its plainest form. After a
+// change, run more steps from other seeds: QN_MODEL_STEPS=1000000 QN_MODEL_SEED=2.
 
 #include <gtest/gtest.h>
 
@@ -156,7 +156,7 @@ std::vector<Pair> Zeros() {
   return {{{Big(), Big(), 0}, positive}, {{Big("-0"), Big("-0"), 0}, negative}};
 }
 
-// All that tells one value from another.
+// Everything that distinguishes one value from another.
 template <class Value>
 std::string Describe(Value const& value, std::string text, int divider, Value Pair::*part) {
   static std::vector<Pair> const zeros = Zeros();

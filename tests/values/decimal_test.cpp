@@ -162,7 +162,7 @@ TEST(Decimal, Order) {
       EXPECT_EQ(i >= j, a >= b) << ascending[i] << " " << ascending[j];
     }
   }
-  // However it was made, -1 is -1.
+  // -1 is the same value however it was made.
   for (CDecimal const& value : {CDecimal("-1.00"), CDecimal(-1), CDecimal("-1.5") + CDecimal("0.5"), CDecimal("-10e-1"),
                                 CDecimal(CBigInteger(-1))}) {
     EXPECT_TRUE(value <= CDecimal("-1") && value >= CDecimal("-1")) << value.ToString();
@@ -248,14 +248,14 @@ TEST(Decimal, ToNumbers) {
   EXPECT_EQ("-2 1", CDecimal("-1.6").ToBigInteger().ToString() + " " + CBigInteger(CDecimal("1.5")).ToString());
 }
 
-// The same number, kept as one of any length is.
+// The same number in the form for numbers of any length.
 CDecimal MakeLong(CDecimal value) {
   value.ChangeFractionalDivider(40);
   value.Rationalise();
   return value;
 }
 
-// All that is to be seen of what two values give.
+// All visible results of operations on two values.
 std::string Describe(CDecimal const& a, CDecimal const& b) {
   std::string text = a.ToString() + " " + a.ToString(3) + " " + (a + b).ToString() + " " + (a - b).ToString() + " " +
                      (a * b).ToString() + (a == b ? " ==" : "") + (a < b ? " <" : "") + (a <= b ? " <=" : "") +

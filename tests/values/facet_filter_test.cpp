@@ -15,7 +15,7 @@ namespace {
 
 constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
-// What is taken is matched as the engine of regular expressions does it.
+// Patterns that CFixedPattern accepts match as in the regular expression engine.
 TEST(FixedPattern, GivesTheEnginesAnswers) {
   struct Case {
     char const* pattern;
@@ -100,7 +100,7 @@ bool Keeps(QnVariant const& value, ItemType type, CPrimitiveRestrictions const& 
   }
 }
 
-// A filter may leave a value to the check, but those of its kind that keep common facets it lets pass itself.
+// A filter may leave a value to the check, but it must itself accept values of its kind that satisfy common facets.
 TEST(FacetFilter, LetsPassWhatTheCheckLetsPass) {
   struct Case {
     ItemType type;
@@ -143,7 +143,7 @@ TEST(FacetFilter, LetsPassWhatTheCheckLetsPass) {
   }
 }
 
-// Where the bytes of ASCII may stand for other characters, the check converts the value.
+// Where ASCII bytes may represent other characters, the check converts the value.
 TEST(FacetFilter, LeavesPatternsToTheCheckInCodePagesUnlikeAscii) {
   auto const filter = CFacetFilter::Make(ItemType_string, {"[A-Z]{2}", -1, -1, "", "", "", "", -1});
   QnVariant value;

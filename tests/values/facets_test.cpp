@@ -22,8 +22,7 @@ Facets Lengths(int minLength, int maxLength, int length) {
 
 Facets Pattern(char const* pattern) { return Facets(pattern, -1, -1, "", "", "", "", -1); }
 
-/// The failure of a check, the text of CheckRestriction for \p text as a value of the kind \p type; empty for
-/// none.
+/// The failure of a check, the text of CheckRestriction for \p text as a value of the kind \p type; empty for none.
 std::string Checked(ItemType type, std::string const& text, Facets const& facets) {
   QnVariant value;
   value.FromString(text, type, CWhitespaceUtils::WhitespaceRule_None);
@@ -71,7 +70,7 @@ TEST(Facets, ExtremesOfNumbers) {
       {ItemType_r8, "NaN", Facets(), ""},
       {ItemType_r8, "1", Bounds("", "", "", "NaN"), "Invalid Value for a [1.000000]"},
       {ItemType_boolean, "1", Bounds("x", "x", "x", "x"), ""},
-      {ItemType_i4, "5", Facets("x", 9, 0, "", "", "", "", 0), ""},  // facets of other kinds do not count
+      {ItemType_i4, "5", Facets("x", 9, 0, "", "", "", "", 0), ""},  // facets of other kinds are ignored
       {ItemType_ui1, "5", Bounds("", "", "", "256"), "The value [256] is to large to fit in a ui1"},
       {ItemType_i4, "5", Bounds("6", "abc", "", ""), "Invalid Value for a [5]"},  // further bounds are not read
   };
@@ -103,7 +102,7 @@ TEST(Facets, PatternIsInTheCodePageOfTheLocale) {
     EXPECT_NE("", Checked(ItemType_string, "\u20ac", Pattern("[\u00e0-\u00ff]")));
   }
   Testing::ScopedLocale const ascii("C");
-  // No character above 127 exists here, so each byte stands for an unknown one, on both sides.
+  // No character above 127 exists here, so each such byte represents an unknown one, on both sides.
   EXPECT_EQ("", Checked(ItemType_string, "x?", Pattern("x[\xe4]")));
 }
 

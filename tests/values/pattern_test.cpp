@@ -35,7 +35,7 @@ TEST(Pattern, Matches) {
       {"a+", "aaab", false}, {"a+", "baaa", false}, {"a|ab", "ab", false}, {"ab|a", "ab", true},  // one try for all
       {R"(a\Kb)", "ab", false}, {"a*", "", true}, {"", "", true}, {"", "a", false},
       {"(((((((((((a)))))))))))b", "ab", true}, {"[^a]", "\u20ac", true}, {"..", "\u20ac", false},
-      {"a", zero, true}, {"ab", zero, false},  // what stands behind a zero byte does not count
+      {"a", zero, true}, {"ab", zero, false},  // text after a zero byte is ignored
       {R"([\w-.]+)", "a-.", true}, {R"([\w-.]+)", ",", false}, {R"([^]\d-z])", "-", false}, {R"(\d-\d)", "1-2", true},
       {R"([\p{L}-9]+)", "a-9", true}, {R"([\p{L}-9]+)", "5", false}, {"[[:digit:]-a]+", "1-a", true},
       {R"([\-]-a])", "--a]", true}, {R"(\y\M+)", "yMM", true}, {R"(\\y)", R"(\y)", true}, {R"([\k\R]+)", "kR", true},
@@ -48,7 +48,7 @@ TEST(Pattern, Matches) {
 }
 
 TEST(Pattern, ValueIsInTheCodePageOfTheLocale) {
-  for (int i = 0; i < 2; ++i) {  // what is remembered of a pattern must not hold a locale
+  for (int i = 0; i < 2; ++i) {  // a remembered pattern must not depend on a locale
     {
       Testing::ScopedLocale const ascii("C");
       EXPECT_FALSE(TestRegEx(".", "\u00e9"));
@@ -61,7 +61,7 @@ TEST(Pattern, ValueIsInTheCodePageOfTheLocale) {
 
 TEST(Pattern, ThatIsNoneIsAFailure) {
   struct {
-    char const *pattern, *first, *second;  // what each generation of PCRE says
+    char const *pattern, *first, *second;  // the message of each generation of PCRE
   } const rows[] = {
       {"(a", "missing ) at offset 2", "missing closing parenthesis at offset 2"},
       {"a)", "unmatched parentheses at offset 1", "unmatched closing parenthesis at offset 1"},
@@ -111,8 +111,8 @@ TEST(Pattern, WorkIsBounded) {
   }
 }
 
-// A callout before an assertion is what PCRE cannot compile to machine code, so its interpreter runs: the one of the
-// first generation on our stack.
+// PCRE cannot compile a callout before an assertion to machine code, so its interpreter runs: that of the first
+// generation on our stack.
 TEST(Pattern, InterpreterStaysWithinItsMemory) {
   char const* const pattern = "(?:(?(?C1)(?=x)x|(a|b)))*";
   auto const matchAll = [pattern] {

@@ -1,6 +1,5 @@
-// Texts that end before they have begun: everything that reads a text gets each one of one octet, and of two octets
-// that a grammar knows. The checks of the standard library (_GLIBCXX_ASSERTIONS) and the sanitizers find what looks
-// beyond the end.
+// Truncated texts: every function that reads a text gets each text of one octet, and of two octets that a grammar
+// knows. The checks of the standard library (_GLIBCXX_ASSERTIONS) and the sanitizers detect reads beyond the end.
 
 #include <gtest/gtest.h>
 
@@ -36,7 +35,7 @@ std::vector<std::string> ShortTexts() {
   return texts;
 }
 
-/// Whether \p action passes; a refusal has to be one of the library's own failures.
+/// Whether \p action passes; otherwise it must fail with one of the library's own exceptions.
 template <class Action>
 bool Passes(Action action) {
   try {

@@ -101,7 +101,7 @@ TEST(Variant, CopiesAreDeep) {
   QnVariant text;
   text.SetString("one");
   QnVariant const copy(text);
-  text.SetString(text.GetString() + " more");  // the argument is made before the old text goes
+  text.SetString(text.GetString() + " more");  // the argument is made before the old text is released
   EXPECT_EQ("one", copy.GetString());
   EXPECT_EQ("one more", text.GetString());
 }
@@ -114,7 +114,7 @@ TEST(Variant, AssignedToItselfIsEmpty) {
   QnVariant& same = value;
   value = same;
   EXPECT_FALSE(value.IsValid());
-  EXPECT_EQ(2, object->AddRef());  // so that nobody but the pointer held it
+  EXPECT_EQ(2, object->AddRef());  // so that only the pointer held it
   object->Release();
 }
 
@@ -144,7 +144,7 @@ TEST(Variant, HoldsCountedReferences) {
     EXPECT_EQ(4, object->AddRef());
     EXPECT_EQ(3, object->Release());
   }
-  value.SetXmlObject(object);  // held all the time
+  value.SetXmlObject(object);  // held throughout
   EXPECT_EQ("o", value.GetXmlObject()->GetElementName());
   EXPECT_FAILURE(CQnException, "Invalid Type 27", value.GetType());
   EXPECT_FAILURE(CQnException, "Invalid Type 27 to convert to string", value.ToString());
