@@ -59,7 +59,7 @@ template <class Fire>
   if (!m_listeners.empty()) TellListeners(fire);  // few collections have any, and every item fires three events
 }
 
-// Over a copy, since a listener may add or remove listeners while it is told; those removed meanwhile are left out.
+// Iterates over a copy, since a listener may add or remove listeners during the call; removed ones are skipped.
 template <class Fire>
 void CXmlCollectionBase::TellListeners(Fire fire) {
   DeferredRelease::Pause const pause;
@@ -110,11 +110,11 @@ CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, 
 
 CXmlCollection::~CXmlCollection() {
   for (long long rounds = m_count + 1000LL; m_head != nullptr; --rounds) {
-    if (rounds == 0) RemoveAllListeners();  // one that adds without end must not keep this object alive
+    if (rounds == 0) RemoveAllListeners();  // a listener that adds without end must not keep this object alive
     std::uint64_t const removals = m_removals;
     try {
       RemoveNode(m_head);
-    } catch (...) {  // a listener's failure must not end the process, and an item must go all the same
+    } catch (...) {  // a listener's failure must not end the process, and the item must still go
       if (m_removals == removals) Unlink(m_head);
     }
   }
@@ -179,7 +179,7 @@ CNode* CXmlCollection::GetNodeAtIndex(int index) const {
   if (index < 0 || index >= m_count) {
     throw CQnInvalidParamException(FormatString("Index %d is out of range, use 0 - %d", index, m_count));
   }
-  // From the nearest of both ends and the last place, so that a loop over all indices does not cost the square.
+  // Start from the nearer end or the last place, so that a loop over all indices is not quadratic.
   bool const isNearTail = index > m_count / 2;
   CNode* node = isNearTail ? m_tail : m_head;
   int at = isNearTail ? m_count - 1 : 0;
@@ -206,11 +206,11 @@ CNode* CXmlCollection::GetNodeForItem(CXmlObjectBase const* item) const {
 
 void CXmlCollection::RemoveNode(CNode* node) { RemoveNode(node, -1); }
 
-// At index, or anywhere for -1.
+// Removes the node at index, or at an unknown place for -1.
 void CXmlCollection::RemoveNode(CNode* node, int index) {
   std::uint64_t const removals = m_removals;
   if (HasListeners()) AnnounceRemoval(node);
-  Unlink(node, m_removals == removals ? index : -1);  // a listener that removed others has moved it
+  Unlink(node, m_removals == removals ? index : -1);  // a listener that removed other items has moved it
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
 }
@@ -219,13 +219,13 @@ void CXmlCollection::AnnounceRemoval(CNode const* node) {
   CNodePool::Pause const pause(m_nodes);
   std::uint64_t const removals = m_removals;
   FireOnCollectionRemove(-1);
-  if (m_removals != removals && !HoldsNode(node)) {  // a listener was faster
+  if (m_removals != removals && !HoldsNode(node)) {  // a listener has already removed it
     throw CQnInvalidParamException("The object was not found in the collection");
   }
 }
 
-// The add event has been fired, and next, the node to stand in front of (null for the end), was looked up after
-// it: a listener may have changed the list.
+// The add event has been fired, and next, the node to insert before (null for the end), was looked up after it, because
+// a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
   auto* const node = new (m_nodes.Take()) CNode(item);
   if (next != nullptr) m_lastPlace.store(0, std::memory_order_relaxed);
@@ -244,9 +244,9 @@ bool CXmlCollection::HoldsNode(CNode const* node) const {
   return held != nullptr;
 }
 
-// The count is right before the item goes, whose destructor may ask for it. What was remembered stays if the node comes
-// after it, and goes on to the next node if it is the node itself, so that removing at one index again and again takes
-// linear time.
+// The count is already correct when the item is released, because its destructor may read it. The remembered place
+// stays if the node comes after it, and moves to the next node if it is the node itself, so that removing at the same
+// index repeatedly takes linear time.
 void CXmlCollection::Unlink(CNode* node, int index) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node->m_next;
   (node->m_next != nullptr ? node->m_next->m_prev : m_tail) = node->m_prev;

@@ -7,11 +7,11 @@
 
 namespace Quillon9 {
 
-/// Lets the destruction of nested objects take constant stack, since the depth may be a document's choice: the first
-/// one that is destroyed on a thread releases, one after the other, what those below it leave here.
+/// Destroys nested objects with constant stack, because a document may choose the depth. The first object that is
+/// destroyed on a thread releases, one after the other, the objects that those below it leave here.
 class DeferredRelease {
  public:
-  /// Release \p object, which becomes null, now or when the outermost destruction gets to it.
+  /// Release \p object, which becomes null, now or when the outermost destruction reaches it.
   template <class Object>
   static void Release(CSmartPtr<Object>& object) {
     if (t_pending != nullptr) {
@@ -30,7 +30,8 @@ class DeferredRelease {
     t_pending = nullptr;
   }
 
-  /// While one exists, code that knows nothing of a destruction around it runs: what it destroys goes at once.
+  /// For code that is unaware of a destruction around it: while a Pause exists, what this code destroys is released at
+  /// once.
   class Pause {
    public:
     Pause() : m_pending(t_pending) { t_pending = nullptr; }

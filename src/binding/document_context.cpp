@@ -1,4 +1,4 @@
-// The operations of CXmlDocument that look at its context, which holds options of objects and of Fast Infoset too.
+// The operations of CXmlDocument that need its context, which also holds options of objects and of Fast Infoset.
 
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"

@@ -41,7 +41,7 @@ struct FileCloser {
 };
 using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
 
-/// Without blocking, since opening a pipe that nobody writes to would never return; a file is not affected.
+/// Opens without blocking, since opening a pipe without a writer would never return; this does not affect a file.
 FilePtr OpenFile(char const* path) {
   int const descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor == -1) return nullptr;
@@ -50,8 +50,8 @@ FilePtr OpenFile(char const* path) {
   return file;
 }
 
-/// The length of \p file; -1 and errno for what has none. A directory can be opened and positioned on some file
-/// systems, with a length that means nothing.
+/// The length of \p file; -1 with errno set if it has none. On some file systems a directory can be opened and
+/// positioned, but its length is meaningless.
 long GetFileSize(std::FILE* file) {
   struct stat status {};
   if (::fstat(::fileno(file), &status) == 0 && S_ISDIR(status.st_mode)) {
@@ -77,7 +77,7 @@ void ThrowIfTooLarge(unsigned long size) {
   }
 }
 
-/// What an errno says.
+/// The message for an errno.
 std::string ErrorText(int error) { return std::generic_category().message(error); }
 
 }  // namespace
@@ -146,7 +146,7 @@ void CXmlDocument::Load(char const* path) {
   errno = 0;
   std::size_t const count = std::fread(input, 1, m_inputSize, file.get());
   if (count == 0 || count != m_inputSize) {
-    int const error = errno != 0 ? errno : ENODATA;  // an empty file, or one that is shorter now
+    int const error = errno != 0 ? errno : ENODATA;  // the file is empty, or has become shorter
     throw CQnException(
         FormatString("Failed to read the contents of the file [%s] Error [%s]", path, ErrorText(error).c_str()));
   }
@@ -172,7 +172,7 @@ void CXmlDocument::LendInput(void const* data, unsigned long size) {
   StartCounting();
 }
 
-/// The caller may free it before this ends, in a setter for instance.
+/// The caller may free the input before this object is destroyed, for instance in a setter.
 void CXmlDocument::ReturnInput() {
   if (m_ownedInput != nullptr) return;
   m_inputData = nullptr;

@@ -8,7 +8,7 @@
 
 namespace Quillon9 {
 
-/// CXmlObjectHelper::DoesElementNameMatch() for names that are no strings yet.
+/// CXmlObjectHelper::DoesElementNameMatch() for names held as string_view.
 inline bool IsElementNamed(CXmlSerializationContext const& ctx, CXmlElement const* element, std::string_view name,
                            std::string_view ns) {
   if (element == nullptr || !IsSameText(element->GetLocalName(), name)) return false;

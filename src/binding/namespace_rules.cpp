@@ -11,8 +11,8 @@ bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& ctx,
   return IsElementNamed(ctx, element, name, ns);
 }
 
-// Only the first token of the list is judged for what it says. Behind it every token counts as empty, which admits
-// a namespace that is empty or equal to the whole list; asking again for each of them would change nothing.
+// Only the first token of the list is interpreted. Every token after it counts as empty, which admits a namespace that
+// is empty or equal to the whole list; checking each of them again would change nothing.
 bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const& list, std::string const& target) {
   std::size_t const blank = list.find(' ');
   std::string const token = list.substr(0, blank);

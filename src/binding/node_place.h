@@ -6,14 +6,14 @@ namespace Quillon9 {
 
 class CNode;
 
-/// A node of a collection and its index in one word, so that threads which look into the collection at the same time
-/// can remember it without a lock. Large indices are remembered in steps of a power of two.
+/// A node of a collection and its index in one word, so that threads that search the collection at the same time can
+/// remember it without a lock. Large indices are remembered in steps of a power of two.
 class NodePlace {
  public:
-  /// What was remembered as \p word; 0 stands for no node.
+  /// Unpacks \p word, as Word() returned it; 0 stands for no node.
   explicit NodePlace(std::uint64_t word) : m_word(word) {}
-  /// The \p node, which may be null, at \p index, which must be a Step(). No node when the address has more bits than
-  /// there is room for.
+  /// Packs \p node, which may be null, at \p index, which must be a result of Step(). Holds no node when the address
+  /// has too many bits.
   NodePlace(CNode* node, int index) : m_word(0) {
     std::uint64_t const address = reinterpret_cast<std::uintptr_t>(node);
     if (address >> kAddressBits != 0 || node == nullptr) return;
@@ -31,12 +31,12 @@ class NodePlace {
     return static_cast<int>((m_word >> kIndexAt & ((1U << kIndexBits) - 1)) << (m_word >> kShiftAt));
   }
 
-  /// The greatest index up to \p index, which is not negative, that can be remembered.
+  /// The greatest index that can be remembered and is not greater than \p index, which is not negative.
   static int Step(int index) { return index >> ShiftFor(index) << ShiftFor(index); }
 
  private:
-  static constexpr int kAddressBits = 48;  // as many as programs have unless they ask for more
-  static constexpr int kZeroBits = 3;      // at the end of an address
+  static constexpr int kAddressBits = 48;  // as many as programs use unless they ask for more
+  static constexpr int kZeroBits = 3;      // at the low end of an address
   static constexpr int kIndexBits = 14;
   static constexpr int kIndexAt = kAddressBits - kZeroBits;
   static constexpr int kShiftAt = kIndexAt + kIndexBits;

@@ -16,11 +16,11 @@ constexpr std::size_t kMostNodes = 128;
 
 }  // namespace
 
-/// The nodes follow it.
+/// The nodes follow this header.
 struct CNodePool::Block {
   Block* older;
-  std::size_t nodes;  ///< how many it has room for
-  std::size_t taken;  ///< how many of these were ever taken
+  std::size_t nodes;  ///< capacity
+  std::size_t taken;  ///< number of nodes ever taken from this block
 
   void* At(std::size_t index) { return reinterpret_cast<unsigned char*>(this + 1) + index * sizeof(CNode); }
 };

@@ -1,5 +1,5 @@
-// The Fast Infoset output operations of CXmlObjectBase. They stand apart from the class because they lean on the writer
-// and the streams.
+// The Fast Infoset output operations of CXmlObjectBase. They are in a file of their own because they depend on the
+// writer and the streams.
 
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"

@@ -1,5 +1,5 @@
-// The text output operations of CXmlObjectBase: each puts a text writer on a stream and hands it to ToXml_Int.
-// They stand apart from the class because they lean on the writer and the streams.
+// The text output operations of CXmlObjectBase: each creates a text writer on a stream and passes it to ToXml_Int. They
+// are in a file of their own because they depend on the writer and the streams.
 
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
@@ -46,7 +46,7 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
     throw CQnException("ZLIB Compression only available for To Stream methods.");
   }
   if (!ASYNC_TOXMLFILE || compression == CompressionType_GZip) {
-    // Qualified: a derived class that overrides the stream form leaves the file form alone.
+    // Qualified, so that a derived class that overrides the stream form does not change the file form.
     CBinaryData const data = CXmlObjectBase::ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
     CFileBinaryStream(path, encoding, data).ToFile();
     return;

@@ -14,7 +14,7 @@ namespace {
 
 std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
-// The text is made when the element is open.
+// The value is converted to text while the element is open.
 template <class ToText>
 void WriteItem(CXmlWriter* writer, std::string const& name, std::string const& ns, ItemType type, ToText toText) {
   writer->WriteStartElement(name, ns);

@@ -7,7 +7,7 @@
 namespace Quillon9 {
 
 void QnVariant::SetReference(ItemType type, CXmlObjectBase* object) {
-  if (object != nullptr) object->AddRef();  // first: it may be held by nobody but this variant
+  if (object != nullptr) object->AddRef();  // first: this variant may hold the only reference
   Clear();
   Store(type, object);
   m_owns = true;
