@@ -82,7 +82,7 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 
-// Asks for the namespace whatever the context says of namespaces: that is how it differs from IsThisAttribute().
+// Unlike IsThisAttribute(), compares the namespace even where the context ignores namespaces.
 bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass* holder,
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;

@@ -21,7 +21,7 @@ using namespace Quillon9;
 
 namespace {
 
-/// Another one for each member of the process, so that one that was freed is never taken for a later one.
+/// Returns a different number for each member in the process, so that a freed member is never mistaken for a later one.
 std::uint64_t NextNumber() {
   static std::atomic<std::uint64_t> last = 0;
   return ++last;
@@ -73,7 +73,7 @@ bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElemen
   CXmlName const& name = element->GetNames();
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
-  if (name.memory != nullptr) name.member = m_number;  // that of an element by itself may change
+  if (name.memory != nullptr) name.member = m_number;  // the name of a standalone element may change
   return true;
 }
 
@@ -96,13 +96,13 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
 
 namespace {
 
-// The writer, if it is of exactly this class, of which no operation is overridden; else null.
+// Returns the writer if its class is exactly this one, so that no operation is overridden; otherwise null.
 template <class Writer>
 Writer* AsPlain(CXmlWriter* writer) {
   return &typeid(*writer) == &typeid(Writer) ? static_cast<Writer*>(writer) : nullptr;
 }
 
-// A value that cannot be printed fails behind the start of its element.
+// If the value cannot be printed, it fails after the start of its element.
 std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                         char const* format) {
   try {
@@ -113,7 +113,7 @@ std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string
   }
 }
 
-// Hands the text of `value` and its type to `write`.
+// Passes the text of `value` and its type to `write`.
 template <class Write>
 void WriteAtOnce(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                  char const* format, Write write) {
@@ -217,7 +217,7 @@ void CElementInfo::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter*
 
 bool CElementInfo::SeekRequiredElement(CXmlSerializationContext const& ctx, CXmlElement** cursor) const {
   while (!IsThisElement(ctx, *cursor)) {
-    // Asked before unknown elements are: with this option on, none is ever skipped here.
+    // This is checked before unknown elements: with this option on, none is ever skipped here.
     if (ctx.GetIgnoreMissingMandatoryElements()) return false;
     if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) ThrowRequiredElement();
     *cursor = (*cursor)->GetNextSiblingElement();

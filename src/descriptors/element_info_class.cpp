@@ -2,7 +2,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 
-// Members that hold one object: of a known class (Cls), or of a class found from the element (AbsCls).
+// Members that hold one object: of a known class (Cls), or of a class determined from the element (AbsCls).
 namespace Quillon9Data {
 
 using namespace Quillon9;
@@ -30,11 +30,11 @@ bool CElementInfoSeqClsMnd::TakeElementChild(CXmlSerializationContext const& ctx
   return true;
 }
 
-// A child that may be empty counts as present whether it took something or not.
+// A child that may be empty counts as present whether or not it took anything.
 bool CElementInfoSeqClsMnd::TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                             CXmlElement* parent, CXmlElement** cursor, XmlElementType holderType) {
   if (ReadPseudoChild(ctx, FetchChild(holder).Get(), parent, cursor) || *cursor == nullptr) return true;
-  // Where unknown elements are ignored the driver skips this one and asks again.
+  // Where unknown elements are ignored, the driver skips this one and tries again.
   return !ctx.GetIgnoreUnknownElements() || holderType != XmlElementType_Element;
 }
 
@@ -45,7 +45,7 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqClsOpt) {
     if (!IsThisElement(ctx, *cursor)) return true;
     CSmartPtr<CXmlObjectBase> const child = MakeChild(m_classFactory, m_classId);
     ReadChild(ctx, child.Get(), cursor, false);
-    StoreChild(holder, child.Get());  // only now: a child that fails leaves the property as it was
+    StoreChild(holder, child.Get());  // only now: a child that fails leaves the property unchanged
     return true;
   }
   if (*cursor == nullptr) return true;
@@ -116,7 +116,7 @@ QN_ELEMENT_FROM_XML(CElementInfoChoiceClsOpt) {
   return false;
 }
 
-// ---- Sequence, class found from the element. Neither ignoring option reaches Mnd, and its failure has its own text.
+// ---- Sequence, class determined from the element. Neither ignoring option affects Mnd; its failure has its own text.
 
 QN_ELEMENT_TO_XML(CElementInfoSeqAbsClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
 
@@ -142,7 +142,7 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqAbsClsOpt) {
   return true;
 }
 
-// ---- All, class found from the element: written, not read
+// ---- All, class determined from the element: can be written but not read
 
 QN_ELEMENT_TO_XML(CElementInfoAllAbsClsMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
 QN_ELEMENT_FROM_XML(CElementInfoAllAbsClsMnd) {
@@ -160,14 +160,14 @@ QN_ELEMENT_FROM_XML(CElementInfoAllAbsClsOpt) {
 }
 QN_VALIDATE(CElementInfoAllAbsClsOpt) { return true; }
 
-// ---- Choice, class found from the element
+// ---- Choice, class determined from the element
 
 QN_ELEMENT_TO_XML(CElementInfoChoiceAbsClsOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
 
 QN_ELEMENT_FROM_XML(CElementInfoChoiceAbsClsOpt) {
   if (!IsThisElement(ctx, *cursor)) return false;
   CSmartPtr<CXmlObjectBase> const child = m_elementFactory(*cursor);
-  StoreChild(holder, child.Get());  // null as well: the property tells that this member was tried
+  StoreChild(holder, child.Get());  // even if null: this shows that the member was tried
   if (!child) return false;
   ReadChild(ctx, child.Get(), cursor, false);
   return true;

@@ -6,7 +6,7 @@ namespace Quillon9Data {
 
 using namespace Quillon9;
 
-// The members that add nothing to their group have their destructors here, and with them their tables of operations.
+// The members that add nothing to their group have their destructors, and with them their virtual tables, here.
 CElementInfoSeqPrimCol::~CElementInfoSeqPrimCol() = default;
 CElementInfoSeqEnumCol::~CElementInfoSeqEnumCol() = default;
 CElementInfoSeqClsCol::~CElementInfoSeqClsCol() = default;
@@ -37,14 +37,14 @@ bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializ
 
 bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                                 CXmlElement* next, CXmlElement** cursor, XmlElementType holderType) {
-  if (next == *cursor) return false;                         // an empty collection is not this choice's member
+  if (next == *cursor) return false;                         // an empty collection is not the chosen member
   if (holderType == XmlElementType_Element) *cursor = next;  // moved before the count may throw
   if (!JudgeCount(collection, ctx, holderType)) return false;
   *cursor = next;
   return true;
 }
 
-// ---- Sequence: the collection takes every following sibling that it recognises, and its count is judged at once
+// ---- Sequence: the collection takes every following sibling that it recognises; its count is checked immediately
 
 QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
   ValidateCountOnWriting(ctx, holder);
@@ -57,7 +57,7 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqCol) {
   return JudgeCount(*collection, ctx, holderType);
 }
 
-// ---- All: no table holds one
+// ---- All: no table contains one
 
 QN_ELEMENT_TO_XML(CElementInfoAllCol) {
   ValidateCountOnWriting(ctx, holder);
@@ -69,7 +69,7 @@ QN_ELEMENT_FROM_XML(CElementInfoAllCol) {
   return false;
 }
 
-// ---- Choice: the count is not judged on writing, and the driver goes on when the collection is empty
+// ---- Choice: the count is not checked on writing, and the driver goes on when the collection is empty
 
 QN_ELEMENT_TO_XML(CElementInfoChoiceCol) { return ElementToXmlCol(ctx, holder, writer); }
 

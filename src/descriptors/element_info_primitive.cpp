@@ -15,8 +15,8 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
     if (!IsKnown(*cursor) && !SeekRequiredElement(ctx, cursor)) return true;
     return TakePrimitive(holder, cursor);
   }
-  // In a holder without a tag the whole group may be absent. Unlike its enumeration and class sisters this member
-  // skips unknown elements here, and never excuses a missing one.
+  // In a holder without a tag the whole group may be absent. Unlike the enumeration and class members, this one skips
+  // unknown elements here, and never excuses a missing element.
   while (!IsThisElement(ctx, *cursor)) {
     if (!ctx.GetIgnoreUnknownElements() || *cursor == nullptr) return false;
     *cursor = (*cursor)->GetNextSiblingElement();
@@ -27,10 +27,10 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqPrimMnd) {
 QN_ELEMENT_TO_XML(CElementInfoSeqPrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqPrimOpt) {
-  return !IsThisElement(ctx, *cursor) || TakePrimitive(holder, cursor);  // absent is fine: the cursor stays
+  return !IsThisElement(ctx, *cursor) || TakePrimitive(holder, cursor);  // if it is absent, the cursor stays
 }
 
-// ---- All: false where the element is absent, it may come later
+// ---- All: false if the element is absent, because it may come later
 
 QN_ELEMENT_TO_XML(CElementInfoAllPrimMnd) { return ElementToXmlPrim(ctx, holder, writer); }
 QN_ELEMENT_FROM_XML(CElementInfoAllPrimMnd) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }
@@ -40,7 +40,7 @@ QN_ELEMENT_TO_XML(CElementInfoAllPrimOpt) { return ElementToXmlPrimOpt(ctx, hold
 QN_ELEMENT_FROM_XML(CElementInfoAllPrimOpt) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }
 QN_VALIDATE(CElementInfoAllPrimOpt) { return true; }
 
-// ---- Choice: false where the element is absent, another member may take it
+// ---- Choice: false if the element is absent, because another member may take it
 
 QN_ELEMENT_TO_XML(CElementInfoChoicePrimOpt) { return ElementToXmlPrimOpt(ctx, holder, writer); }
 QN_ELEMENT_FROM_XML(CElementInfoChoicePrimOpt) { return IsThisElement(ctx, *cursor) && TakePrimitive(holder, cursor); }

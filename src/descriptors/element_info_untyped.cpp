@@ -4,8 +4,8 @@
 #include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 
-// Members that hold a CElement, or a CElementCol where the element is repeated. Whether one took the element shows in
-// the cursor: a CElement returns the one it was given when the namespace is outside its restriction.
+// Members that hold a CElement, or a CElementCol if the element is repeated. The cursor shows whether a member took the
+// element: a CElement returns the element it was given when the namespace is outside its restriction.
 namespace Quillon9Data {
 
 using namespace Quillon9;
@@ -30,7 +30,7 @@ CSmartPtr<CXmlObjectBase> CElementInfo::ReadNewUntyped(CXmlSerializationContext 
                                                        std::string const& restriction,
                                                        std::string const& targetNamespace) const {
   std::string const ns = GetAnyDefaultNamespace(restriction.c_str(), holderNamespace, targetNamespace.c_str());
-  // What the constructor would say of the namespace comes before the name is looked at; the object only for its name.
+  // Checks the namespace as the constructor would, but before the name; the object is made only for a matching name.
   CXmlObjectHelper::TestNamespace(ns, restriction, targetNamespace);
   if (!IsUntypedName(*cursor)) return nullptr;
   CSmartPtr<CXmlObjectBase> element(
@@ -56,7 +56,7 @@ CXmlElement* CElementInfo::ReadUntypedCollection(CXmlSerializationContext const&
 QN_ELEMENT_TO_XML(CElementInfoSeqUntpdMnd) { return ElementToXmlCls(ctx, holder, writer, false); }
 
 QN_ELEMENT_FROM_XML(CElementInfoSeqUntpdMnd) {
-  if (*cursor == nullptr) ThrowRequiredElement();  // whatever the holder, unlike the sisters
+  if (*cursor == nullptr) ThrowRequiredElement();  // whatever the holder is, unlike the other members
   if (ReadUntyped(ctx, FetchChild(holder).Get(), parent, cursor)) return true;
   if (holderType != XmlElementType_Element) return false;
   throw CQnValidationException(
@@ -98,7 +98,7 @@ QN_ELEMENT_FROM_XML(CElementInfoAllUntpdOpt) {
 
 QN_VALIDATE(CElementInfoAllUntpdOpt) { return true; }
 
-// ---- Choice: a try that took nothing leaves the property null
+// ---- Choice: an attempt that took nothing leaves the property null
 
 QN_ELEMENT_TO_XML(CElementInfoChoiceUntpdOpt) { return ElementToXmlCls(ctx, holder, writer, false); }
 

@@ -60,7 +60,7 @@ bool CXmlGeneratedClass::IsElementInList(CXmlSerializationContext const& ctx, CX
 
 namespace {
 
-/// Whether \p entry is an object of one of these classes, exactly: one of a class derived from them does not count.
+/// Whether the class of \p entry is exactly one of these; a class derived from them does not count.
 template <class... Members>
 bool IsOneOf(CElementInfo const& entry) {
   return ((typeid(entry) == typeid(Members)) || ...);

@@ -1,5 +1,5 @@
-// How a generated class is written. Each rule is tested by the code that writes the thing in question, so an
-// object that is wrong fails in the middle of the output.
+// How a generated class is written. The code that writes something also checks the rules for it, so an object that
+// breaks one fails in the middle of the output.
 
 #include <string>
 #include <string_view>
@@ -60,12 +60,12 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
-  std::string text = std::move(writer->m_namespaceText);  // for its memory
+  std::string text = std::move(writer->m_namespaceText);  // reuses its memory
   std::string_view const wanted = ns != nullptr ? ns : "";
-  if (!IsSameText(text, wanted)) text = wanted;  // neighbours mostly share it
+  if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
   writer->m_namespaceText = std::move(text);
-  // The collection is not made here where there is none: writing changes no context, which threads may share.
+  // Does not create the collection if there is none: writing changes no context, because threads may share it.
   CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
   if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);
   AttributesToXml_Int(writer, ctx);
@@ -110,7 +110,7 @@ void CXmlGeneratedClass::ProcessElementSeqToXml(CXmlSerializationContext const& 
   for (; *elements != nullptr; ++elements) (*elements)->ElementToXml(ctx, this, writer);
 }
 
-// In table order, whatever the order was in which the members were read.
+// Writes in table order, whatever the order in which the members were read.
 void CXmlGeneratedClass::ProcessElementAllToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
                                                 CXmlWriter* writer) const {
   for (; *elements != nullptr; ++elements) (*elements)->ElementToXml(ctx, this, writer);

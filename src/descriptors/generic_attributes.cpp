@@ -70,7 +70,7 @@ CSmartPtr<CAttribute> CAttributeCol::Add(char const* name) { return Add(name, ""
 
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value) {
   std::string const ns = GetNamespace();
-  // The test does not find a URI in a list of several; but where the collection has it from that list, it is admitted.
+  // The check does not find a URI in a list of several; but if the collection has it from that list, it is admitted.
   if (!ns.empty() && ns == FirstToken(m_namespaceRestriction)) return Add(new CAttribute(name, value, ns.c_str()));
   return Add(name, value, ns.c_str());
 }

@@ -20,7 +20,7 @@ bool IsWildcard(std::string const& text) {
   return text == "##any" || text == "##other" || text == "##local" || text == "##targetNamespace";
 }
 
-/// Bounds what recurses over elements within elements.
+/// Bounds the recursion over nested elements.
 NestingGuard Descend() { return NestingGuard(true); }
 
 }  // namespace
@@ -54,7 +54,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
 CElement::~CElement() {
   try {
     if (CSmartPtr<CElementCol> elements = m_elements.Release()) DeferredRelease::Release(elements);
-  } catch (...) {  // no memory for the list: they go with this element, at the cost of stack
+  } catch (...) {  // out of memory for the list: they are destroyed with this element and use stack
   }
 }
 
@@ -78,7 +78,7 @@ CElementCol* CElement::MakeElements() const {
   return m_elements.Keep(new CElementCol(FirstNamespace(), "##any", m_targetNamespace.c_str(), 0, -1));
 }
 
-// The collections stay with the first namespace, which is not known any more once this has another one.
+// The collections keep the first namespace, which is lost once this element has another one.
 void CElement::ChangeNamespace(std::string ns) {
   if (!m_hadNoNamespace && ns != m_namespace) {
     GetAttributes();
@@ -156,7 +156,7 @@ void CElement::SetNamespaceRestrictions(char const* restriction, char const* tar
       for (CElement& child : *elements) child.SetNamespaceRestrictions(list.c_str(), target.c_str());
     }
   } catch (CQnException const& cause) {
-    // A pointer, which callers expect; one from a child passes by, since it is no reference to a failure.
+    // Throw a pointer, because callers expect one. One from a child is not caught here, since it is not a reference.
     throw new CQnInvalidNamespaceException(
         FormatString("The namespace %s in the class %s is invalid against restriction %s", m_name.c_str(),
                      m_namespace.c_str(), list.c_str()),
@@ -209,7 +209,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
   WriteApart(*textWriter, inChoice);
 }
 
-// Text stands behind the children, whatever its place in the document was.
+// Writes the text after the children, wherever it was in the document.
 void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const {
   writer->WriteStartElement(m_name, m_namespace);
@@ -223,7 +223,7 @@ void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializatio
   writer->WriteEndElement();
 }
 
-// With a declaration of its own the element is written by a writer of its own, and put in as it is; without its
+// An element with a namespace declaration of its own is written by a separate writer and inserted verbatim, without its
 // attributes and the caller's options.
 void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
   CTextStream stream(XmlEncoding_Default);
@@ -258,7 +258,7 @@ CElementCol::~CElementCol() = default;
 CSmartPtr<CElementCol> CElementCol::Clone() const {
   CSmartPtr<CElementCol> copy(new CElementCol(m_namespace.c_str(), m_namespaceRestriction.c_str(),
                                               m_targetNamespace.c_str(), GetMinOccurs(), GetMaxOccurs()));
-  copy->m_namespace = m_namespace;  // also where it is empty, and stays so
+  copy->m_namespace = m_namespace;  // even if it is empty, and stays empty
   for (CElement const& element : *this) copy->Add(element.Clone().Get());
   return copy;
 }

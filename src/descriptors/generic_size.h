@@ -7,11 +7,11 @@
 
 namespace Quillon9 {
 
-/// What generic content takes that is made from a tree: each object with its node in a collection, the collections, and
-/// the texts, which are all copied.
+/// The memory that generic content made from a tree takes: each object with its node in a collection, the collections,
+/// and the texts, which are all copied.
 class GenericSize {
  public:
-  /// Count the CElement for \p element, without its attributes and children themselves.
+  /// Count the CElement for \p element, without its attributes and children.
   static void CountElement(CXmlElement const& element) {
     std::size_t const ns = element.GetNamespaceURI().size();
     std::size_t size = kElement + element.GetLocalName().size() + ns + element.GetTextView().size();
@@ -26,7 +26,7 @@ class GenericSize {
   }
 
  private:
-  static constexpr std::size_t kAllocation = 16;  // what the allocator adds
+  static constexpr std::size_t kAllocation = 16;  // overhead of the allocator
   static constexpr std::size_t kElement = kAllocation + sizeof(CElement) + sizeof(CNode);
   static constexpr std::size_t kAttribute = kAllocation + sizeof(CAttribute) + sizeof(CNode);
   static constexpr std::size_t kElements = kAllocation + sizeof(CElementCol);

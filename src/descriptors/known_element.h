@@ -5,7 +5,7 @@
 
 namespace Quillon9Data {
 
-// Here since it is asked of nearly all elements: a percent of reading.
+// Inline: runs for almost every element.
 inline bool CElementInfo::IsKnown(CXmlElement const* element) const {
   return element != nullptr && element->GetNames().member == m_number;
 }

@@ -10,7 +10,7 @@ namespace {
 using Kind = Quillon9::FailedScans::Kind;
 
 struct Rule {
-  Kind kind;  // of one whose object, if it holds one of a known class, has a tag
+  Kind kind;  // for a member whose object, if it holds one of a known class, has a tag
   XmlElementType (*childType)(CElementInfo const&) = nullptr;
 };
 
@@ -27,7 +27,7 @@ std::pair<std::type_index const, Rule> Object(Kind kind) {
 }  // namespace
 
 Kind KindOf(CElementInfo const& member) {
-  // Never freed: destructors of a program's globals may still read.
+  // Never freed, because destructors of a program's globals may still read.
   static auto const& rules = *new std::unordered_map<std::type_index, Rule>{
       Value<CElementInfoSeqPrimMnd>(Kind::kRequired),   Value<CElementInfoSeqPrimOpt>(Kind::kNamed),
       Value<CElementInfoSeqEnumMnd>(Kind::kRequired),   Value<CElementInfoSeqEnumOpt>(Kind::kNamed),

@@ -5,7 +5,7 @@
 
 namespace Quillon9Data {
 
-/// What \p member is when a group asks it. A member of a class that a program derived is Kind::kOther, since it may do
+/// What \p member is when a group tries it. A member of a class that a program derived is Kind::kOther, since it may do
 /// anything.
 Quillon9::FailedScans::Kind KindOf(CElementInfo const& member);
 

@@ -2,8 +2,8 @@
 
 #include "quillon9/descriptors/element_info.h"
 
-// The heads of the three operations that every member of the descriptor family implements, so that a member is told by
-// what it does and the sisters can be compared line by line. Their arguments are `ctx`, `holder`, `writer`; `ctx`,
+// The heads of the three operations that every element descriptor implements, so that a definition shows only what the
+// member does and related members can be compared line by line. Their arguments are `ctx`, `holder`, `writer`; `ctx`,
 // `holder`, `parent`, `cursor`, `holderNamespace`, `holderType`; and `found`, `required`.
 
 #define QN_ELEMENT_TO_XML(Member)                                                                                   \

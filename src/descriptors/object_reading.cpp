@@ -1,5 +1,5 @@
-// The reading operations of CXmlObjectBase: each loads a document and hands its root to FromXml_Int. They stand
-// apart from the class because they lean on the document, and with it on the parser.
+// The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
+// file of their own because they depend on the document, and with it on the parser.
 
 #include "descriptors/failed_scans.h"
 #include "quillon9/base/exceptions.h"

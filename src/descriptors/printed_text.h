@@ -10,8 +10,8 @@
 
 namespace Quillon9Data {
 
-/// The text of a value as QnVariant::ToString() gives it, but that of a string without a copy: the value must outlive
-/// this and stay as it is.
+/// The text of a value as QnVariant::ToString() returns it, but without copying a string: the value must outlive this
+/// object and must not change.
 class PrintedText {
  public:
   PrintedText(Quillon9::QnVariant const& value, char const* format)
@@ -29,8 +29,8 @@ class PrintedText {
   std::string const& m_text;
 };
 
-/// The text of a value of the commonest kinds, without a string: of one that prints into \p room, or the string that
-/// the value holds; there is a zero behind it. A text without data for all others.
+/// The text of a value of the most common kinds, without creating a string: either printed into \p room, or the string
+/// that the value holds. It is followed by a zero. Returns a string_view without data for all other values.
 inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
                                    char (&room)[Quillon9::kGeneralRoom]) {
   using namespace Quillon9;

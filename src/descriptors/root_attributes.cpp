@@ -1,5 +1,5 @@
-// What a context does with the additional root attributes. It stands apart from the class because the attributes are
-// bound objects, which lean on the context themselves.
+// How a context handles the additional root attributes. This is a file of its own because the attributes are bound
+// objects, which depend on the context.
 
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generic_content.h"
