@@ -17,7 +17,7 @@ namespace {
 
 [[noreturn]] void ThrowInvalid(char const* message) { throw CQnInvalidValueException(message); }
 
-// What needs no CDecimal to be understood.
+// The characters of texts that can be read without CDecimal.
 bool IsIntegerCharacter(char c) {
   return IsDigit(c) || c == '-' || c == '+' || c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
@@ -60,23 +60,23 @@ CBigInteger& CBigInteger::operator=(CBigInteger const& other) {
 CBigInteger& CBigInteger::operator=(CBigInteger&& other) noexcept = default;
 CBigInteger::~CBigInteger() = default;
 
-// ---- The zeros that are not among the digits
+// ---- The zeros that are not stored as digits
 
-// Turns zeros into digits until only `remaining` are left. The value stays the same.
+// Turns zeros into digits until only `remaining` are left. The value does not change.
 void CBigInteger::SpellOutZeros(std::uint32_t remaining) {
   if (m_zeros <= remaining) return;
   m_digits.insert(0, m_zeros - remaining, 0);
   m_zeros = remaining;
 }
 
-// All digits; in `scratch` where the value does not hold them.
+// All digits; in `scratch` if the value does not store all of them.
 std::string_view CBigInteger::GetDigits(std::string& scratch) const {
   if (m_zeros == 0) return m_digits;
   scratch.assign(m_zeros, 0);
   return scratch += m_digits;
 }
 
-// Right-aligned in a field of `width` characters that is filled up with zeros.
+// Right-aligned in a field of `width` characters that is padded with zeros.
 void CBigInteger::AppendDigits(std::string& text, std::size_t width) const {
   if (GetLength() < width) text.append(width - GetLength(), '0');
   std::size_t const end = text.size() + m_digits.size();
@@ -156,8 +156,7 @@ CBigInteger CBigInteger::DividedBy(CBigInteger const& divisor, CBigInteger& rema
   return CBigInteger(m_sign == divisor.m_sign ? 1 : -1, DividedDigits(remainder.m_digits, divisor.GetDigits(scratch)));
 }
 
-// The sign alone is asked first, as operator< does; a zero divisor is only refused where there is something to
-// divide.
+// Like operator<, checks only the sign first; a zero divisor is refused only if the dividend is not zero.
 void CBigInteger::CheckDivisor(CBigInteger const& divisor, char const* message) const {
   if (divisor.m_sign < 0 || (divisor.IsZero() && !IsZero())) ThrowInvalid(message);
 }

@@ -22,7 +22,7 @@ void CheckDivider(int divider, int least) {
   throw CQnInvalidParamException(FormatString("The divider of a Decimal is out of range [%d]", divider));
 }
 
-// Appends digits to `units`, which wraps when they are too many, and returns their end.
+// Appends digits to `units`, which wraps round when there are too many, and returns their end.
 char const* ReadUnits(char const* at, std::uint64_t& units) {
   std::uint64_t read = units;
   for (; IsDigit(*at); ++at) read = read * 10 + static_cast<std::uint64_t>(*at - '0');
@@ -30,7 +30,7 @@ char const* ReadUnits(char const* at, std::uint64_t& units) {
   return at;
 }
 
-// Puts the last `count` digits in front of `end`, and returns where they begin.
+// Writes the last `count` digits before `end`, and returns where they begin.
 char* PrintLast(char* end, std::uint64_t value, std::int32_t count) {
   for (; count > 0; --count, value /= 10) *--end = static_cast<char>('0' + value % 10);
   return end;
@@ -63,7 +63,7 @@ CDecimal::CDecimal(CDecimal const& other)
     : m_parts(other.CopyParts()), m_units(other.m_units), m_divider(other.m_divider), m_sign(other.m_sign) {}
 CDecimal::CDecimal(CDecimal&& other) noexcept = default;
 CDecimal& CDecimal::operator=(CDecimal const& other) {
-  m_parts = other.CopyParts();  // from here on nothing can fail
+  m_parts = other.CopyParts();  // nothing can fail after this
   m_units = other.m_units;
   m_divider = other.m_divider;
   m_sign = other.m_sign;
@@ -98,8 +98,8 @@ void CDecimal::SetShort(std::int32_t sign, std::uint64_t units, std::int32_t div
   m_sign = sign;
 }
 
-// What nearly all texts are: a sign, digits, a point and digits, so few that the short form holds them. False when it
-// is another text, and nothing has changed then.
+// Parses the form of nearly all texts: a sign, digits, a point and digits, few enough for the short form. Returns false
+// for any other text, without changing anything.
 bool CDecimal::ParseShort(char const* text) {
   bool const isNegative = *text == '-';
   if (isNegative) ++text;
@@ -138,7 +138,7 @@ void CDecimal::Rationalise() {
   }
 }
 
-// False when the digits become fewer, or too many.
+// False if there would be fewer digits, or too many.
 bool CDecimal::AppendZeros(int divider) {
   if (divider < m_divider || divider > kMostPower) return false;
   Wide const units = Wide{m_units} * PowerOf10(divider - m_divider);
@@ -147,7 +147,7 @@ bool CDecimal::AppendZeros(int divider) {
   return true;
 }
 
-// False when the digits do not become fewer, and for a fraction that rounds up to one.
+// False if there would not be fewer digits, and for a fraction that rounds up to one.
 bool CDecimal::RoundShort(int divider) {
   if (divider >= m_divider) return false;
   std::uint64_t const dropped = PowerOf10(m_divider - divider);
@@ -206,7 +206,7 @@ bool CDecimal::MultiplyShort(CDecimal const& a, CDecimal const& b) {
   return AppendZeros(std::max(2 * std::max(a.m_divider, b.m_divider) - 1, std::min(divider, 1)));
 }
 
-// Without the zeros at the end of the fraction. False when that is zero, or the value too long.
+// Drops the zeros at the end of the fraction. False when the fraction is zero, or the value too long.
 bool CDecimal::SetExact(std::int32_t sign, std::uint64_t whole, std::uint64_t fraction, std::int32_t divider) {
   if (fraction == 0) return false;
   for (; fraction % 10 == 0; --divider) fraction /= 10;
@@ -216,8 +216,8 @@ bool CDecimal::SetExact(std::int32_t sign, std::uint64_t whole, std::uint64_t fr
   return true;
 }
 
-// False when the divisor is zero or too long. The remainder stays within 64 bits, and twice sixteen digits of the
-// fraction come from it: two more than are kept.
+// False when the divisor is zero or too long. The remainder stays within 64 bits, and yields twice sixteen digits of
+// the fraction: two more than are kept.
 bool CDecimal::DivideShort(CDecimal const& a, CDecimal const& b) {
   static_assert(m_maxDivider + 2 == 2 * 16);
   std::int32_t const divider = std::max(a.m_divider, b.m_divider);
@@ -294,7 +294,7 @@ CDecimal CDecimal::GetNegative() const {
 
 // ---- Order
 
-// -1, 0 or +1 for two short values. The sign decides first, also that of zeros.
+// -1, 0 or +1 for two short values. The sign decides first, even for zeros.
 int CDecimal::OrderShort(CDecimal const& other) const {
   if (m_sign != other.m_sign) return m_sign;
   std::int32_t const divider = std::max(m_divider, other.m_divider);

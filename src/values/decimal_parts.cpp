@@ -20,7 +20,7 @@ bool IsAboveHalf(std::string_view digits, std::size_t exponent) {
   return digits.back() > 5 || std::any_of(digits.begin(), digits.end() - 1, [](char digit) { return digit != 0; });
 }
 
-// Not CBigInteger::MAX_DOUBLE itself: constants of other files may be built before that one is.
+// Not CBigInteger::MAX_DOUBLE itself: constants of other files may be initialised earlier.
 CBigInteger const& LargestDouble() {
   static auto const& limit = *new CBigInteger("1.7E+308");
   return limit;
@@ -59,7 +59,7 @@ bool CDecimalParts::Pack(std::uint64_t& units) const {
 
 // ---- Parts and digits
 
-// The value without its point.
+// The value as an integer, without its point.
 CBigInteger CDecimalParts::GetUnits() const {
   CBigInteger units(m_whole);
   units.TimesPow10(static_cast<std::size_t>(m_divider));
@@ -67,7 +67,7 @@ CBigInteger CDecimalParts::GetUnits() const {
   return units;
 }
 
-// Put the point in again, and round.
+// Insert the point again, and round.
 void CDecimalParts::SetUnits(CBigInteger units, std::size_t divider) {
   m_fraction = units.SplitAtPow10(divider);
   m_whole = std::move(units);
@@ -75,7 +75,7 @@ void CDecimalParts::SetUnits(CBigInteger units, std::size_t divider) {
   RoundToLimit();
 }
 
-// What operator* does with a power of ten, at the cost of moving digits.
+// Does the work of operator* for a power of ten, at the cost of moving digits.
 void CDecimalParts::MultiplyByPow10(std::size_t exponent) {
   auto const divider = static_cast<std::size_t>(m_divider);
   CBigInteger units = GetUnits();
@@ -83,7 +83,7 @@ void CDecimalParts::MultiplyByPow10(std::size_t exponent) {
   SetUnits(std::move(units), 2 * divider);
 }
 
-// What operator/ does with a power of ten.
+// Does the work of operator/ for a power of ten.
 void CDecimalParts::DivideByPow10(std::size_t exponent) {
   std::size_t const dropped = exponent + static_cast<std::size_t>(m_divider);
   CBigInteger units = GetUnits();

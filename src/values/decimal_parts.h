@@ -9,8 +9,8 @@
 
 namespace Quillon9 {
 
-/// The number whole + fraction / 10^divider, of any length: what a CDecimal keeps and computes with where its short
-/// form does not do. CDecimal tells what the operations do, and how the signs are carried.
+/// The number whole + fraction / 10^divider, of any length: CDecimal stores and computes long values with it, for which
+/// its short form is not enough. CDecimal documents the operations and the treatment of signs.
 struct CDecimalParts {
   /// The largest exponent of a text, and the largest divider.
   static constexpr int m_maxExponent = 100000;
@@ -19,13 +19,14 @@ struct CDecimalParts {
   CDecimalParts() = default;
   /// \p sign * \p units / 10^\p divider, which is at most kMostPower.
   CDecimalParts(std::int32_t sign, std::uint64_t units, std::int32_t divider);
-  /// Both parts of it, with \p sign.
+  /// Both parts of the number, with \p sign.
   CDecimalParts(std::int32_t sign, Wide whole, Wide fraction, std::int32_t divider);
   explicit CDecimalParts(CBigInteger const& whole);
   CDecimalParts(CBigInteger const& whole, CBigInteger const& fraction, std::int32_t divider);
   static CDecimalParts Parse(char const* text);
 
-  /// Give what the constructor takes. False when that could not tell this number with its signs and its divider.
+  /// Return the arguments of that constructor. False when they could not represent this number with its signs and its
+  /// divider.
   bool Pack(std::uint64_t& units) const;
   std::int32_t GetSign() const { return m_whole.m_sign; }
 

@@ -13,14 +13,14 @@ namespace Quillon9 {
 
 namespace {
 
-// No real value comes near these; eight characters of text must not cost gigabytes. The first is for the digits in
-// front of the point and for those behind it.
+// No real value comes near these limits; eight characters of text must not cost gigabytes. The first one applies
+// separately to the digits before the point and to those after it.
 constexpr std::size_t kMaxDigits = 500000;
 constexpr int kMaxExponent = CDecimalParts::m_maxExponent;
-// Where exponents stop being read: nothing is left of any accepted digits then.
+// Reading of exponents stops here: they leave nothing of any accepted digits.
 constexpr std::size_t kHugeExponent = 100000000;
 
-// A stretch of a text that holds `count` digits and whatever else was skipped.
+// A section of a text that contains `count` digits and skipped characters.
 struct DigitRange {
   char const* begin = nullptr;
   char const* end = nullptr;
@@ -45,7 +45,7 @@ bool IsSign(char c) { return c == '-' || c == '+'; }
                    static_cast<int>(at - text), text));
 }
 
-// `format` takes the limit and the text.
+// `format` expects the limit and the text.
 [[noreturn]] void ThrowBeyondLimit(char const* format, int limit, char const* text) {
   constexpr std::size_t kShown = 64;
   std::string shown(text, strnlen(text, kShown));
@@ -53,7 +53,7 @@ bool IsSign(char c) { return c == '-' || c == '+'; }
   throw CQnOverFlowException(FormatString(format, limit, shown.c_str()));
 }
 
-// Reads digits, and signs when they are looked for, until something that is neither they nor white space.
+// Reads digits, and also signs if `isNegative` is given, until a character that is neither of them nor white space.
 DigitRange ScanDigits(char const* at, bool* isNegative) {
   DigitRange range;
   range.begin = at;

@@ -15,8 +15,8 @@ inline void Trim(Limbs& limbs) {
   while (!limbs.empty() && limbs.back() == 0) limbs.pop_back();
 }
 
-/// value / kBase for a value below 2^123. A multiplication by the reciprocal takes a quarter off the time of a long
-/// division. The first estimate is at most three too small.
+/// value / kBase for a value below 2^123. Multiplying by the reciprocal is faster than dividing. The first estimate is
+/// at most three too small.
 inline Limb SplitNarrow(Wide value, Limb& low) {
   constexpr int kShift = 59;
   constexpr Limb kReciprocal = static_cast<Limb>((Wide{1} << (64 + kShift)) / kBase);
@@ -26,9 +26,9 @@ inline Limb SplitNarrow(Wide value, Limb& low) {
   return quotient;
 }
 
-/// to += from; what is carried runs on in \p to, which has room for it.
+/// to += from; the carry propagates in \p to, which has room for it.
 void AddTo(Limb* to, Limb const* from, std::size_t count);
-/// to -= from, which is not above it.
+/// to -= from, where \p from is not above \p to.
 void SubtractFrom(Limb* to, Limb const* from, std::size_t count);
 /// Write the aSize + bSize limbs of a product; both sizes are above 0.
 void Multiply(Limb const* a, std::size_t aSize, Limb const* b, std::size_t bSize, Limb* product);

@@ -13,11 +13,11 @@ namespace {
 
 constexpr std::size_t kLimbDigits = 18;
 
-// Up to it the plain method is as fast or faster; between 32 and 96 the difference is small.
+// Up to this size the plain method is at least as fast; the exact value matters little.
 constexpr std::size_t kKaratsubaLimbs = 48;
 static_assert(kKaratsubaLimbs <= 256, "a column of the plain method must fit into a Wide");
 
-// value / kBase for every value. Once a column of a product, the plain division costs nothing that could be measured.
+// value / kBase for every value. A plain division is fast enough, since it runs only once for each column of a product.
 Wide SplitWide(Wide value, Limb& low) {
   Wide const quotient = value / kBase;
   low = static_cast<Limb>(value - quotient * kBase);
@@ -56,7 +56,7 @@ void MultiplyPlain(Limb const* a, std::size_t aSize, Limb const* b, std::size_t 
   product[aSize + bSize - 1] = static_cast<Limb>(sum);
 }
 
-// (a1 x + a0)(b1 x + b0) by three products: the middle one is (a1 + a0)(b1 + b0) less the two others.
+// (a1 x + a0)(b1 x + b0) by three products: the middle one is (a1 + a0)(b1 + b0) minus the two others.
 void MultiplyKaratsuba(Limb const* a, Limb const* b, std::size_t size, Limb* product) {
   std::size_t const low = size / 2;
   std::size_t const high = size - low;
@@ -78,7 +78,7 @@ void MultiplyKaratsuba(Limb const* a, Limb const* b, std::size_t size, Limb* pro
   AddTo(product + low, middle, middleSize);
 }
 
-// The longer factor in pieces of the length of the shorter one.
+// Splits the longer factor into pieces as long as the shorter one.
 void MultiplyPieces(Limb const* a, std::size_t aSize, Limb const* b, std::size_t bSize, Limb* product) {
   std::fill_n(product, aSize + bSize, 0);
   std::vector<Limb> piece(2 * bSize);

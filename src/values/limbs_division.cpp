@@ -11,10 +11,10 @@ namespace Quillon9 {
 
 namespace {
 
-// Up to it the plain method is as fast or faster; between 12 and 24 the difference is small.
+// Up to this size the plain method is at least as fast; the exact value matters little.
 constexpr std::size_t kPlainDivisionLimbs = 16;
 
-// limbs *= factor, with one limb more.
+// limbs *= factor, growing by one limb.
 void ScaleLimbs(Limbs& limbs, Limb factor) {
   Limb carry = 0;
   for (Limb& limb : limbs) carry = SplitNarrow(Wide{limb} * factor + carry, limb);
@@ -33,8 +33,8 @@ Limb DivideBySmall(Limbs& limbs, Limb divisor) {
   return rest;
 }
 
-// The next limb of the quotient, at most one too large. `top` is the highest limb of what is left of the dividend,
-// divisorEnd the end of a divisor of two limbs or more.
+// The next limb of the quotient, at most one too large. `top` is the highest limb of the remaining dividend, divisorEnd
+// the end of a divisor of at least two limbs.
 Limb EstimateQuotient(Limb const* top, Limb const* divisorEnd) {
   Limb const divisor = divisorEnd[-1];
   Wide const value = Wide{top[0]} * kBase + top[-1];
@@ -48,8 +48,7 @@ Limb EstimateQuotient(Limb const* top, Limb const* divisorEnd) {
   return static_cast<Limb>(quotient);
 }
 
-// to -= from * factor over size + 1 limbs. True when the result is below zero, and then kBase^(size + 1) too
-// large.
+// to -= from * factor over size + 1 limbs. True when the result is below zero; it is then kBase^(size + 1) too large.
 bool SubtractMultiple(Limb* to, Limb const* from, std::size_t size, Limb factor) {
   Limb carry = 0;
   bool borrow = false;
@@ -63,7 +62,7 @@ bool SubtractMultiple(Limb* to, Limb const* from, std::size_t size, Limb factor)
   return borrow;
 }
 
-// to += from over size limbs and the one above them. True when it is carried out of that.
+// to += from over size limbs and the one above them. True when there is a carry out of that one.
 bool AddBack(Limb* to, Limb const* from, std::size_t size) {
   bool carry = false;
   for (std::size_t i = 0; i <= size; ++i) {
@@ -89,7 +88,7 @@ void DividePlain(Limb* rest, Limb const* divisor, std::size_t size, std::size_t 
   }
 }
 
-// Where the quotient is shorter than the divisor. The leading limbs of both give an estimate that is at most two too
+// For a quotient that is shorter than the divisor. The leading limbs of both give an estimate that is at most two too
 // large; the product with the other limbs of the divisor corrects it.
 void DivideByLeading(Limb* rest, Limb const* divisor, std::size_t size, std::size_t count, Limb* quotient) {
   std::size_t const others = size - count;
@@ -110,8 +109,8 @@ void DivideByLeading(Limb* rest, Limb const* divisor, std::size_t size, std::siz
   }
 }
 
-// Burnikel and Ziegler, Fast Recursive Division, MPI-I-98-1-022: the quotient comes in pieces, each from the leading
-// limbs of the divisor, so that products do most of the work.
+// Burnikel and Ziegler, Fast Recursive Division, MPI-I-98-1-022: the quotient is computed in pieces, each from the
+// leading limbs of the divisor, so that products do most of the work.
 void Divide(Limb* rest, Limb const* divisor, std::size_t size, std::size_t count, Limb* quotient) {
   if (std::min(size, count) <= kPlainDivisionLimbs) return DividePlain(rest, divisor, size, count, quotient);
   if (count < size) return DivideByLeading(rest, divisor, size, count, quotient);
@@ -130,7 +129,7 @@ bool IsBelow(Limbs const& a, Limbs const& b) {
 
 // ---- Square roots
 
-// From above, as for all numbers here; the start is the power of ten that cannot be too small.
+// From above, as for all numbers here; the start is a power of ten that is certainly not too small.
 Wide SquareRootOfWide(Wide value) {
   Wide estimate = 10;
   for (Wide rest = value / 100; rest != 0; rest /= 100) estimate *= 10;

@@ -11,47 +11,47 @@ namespace Quillon9 {
 
 struct CDecimalParts;
 
-/// Holds a value of xs:decimal (W3C XML Schema Part 2, 3.2.3) exactly: a whole part, a fraction part and the
-/// number of digits that the fraction stands for, its divider. Parsing, multiplying and dividing keep
-/// m_maxDivider fraction digits; sums keep all.
+/// Holds a value of xs:decimal (W3C XML Schema Part 2, 3.2.3) exactly: a whole part, a fraction part and the number of
+/// digits in the fraction, its divider. Parsing, multiplying and dividing keep m_maxDivider fraction digits; sums keep
+/// all.
 ///
-/// Where digits are cut the value is rounded to the nearest, an exact half towards zero. Two things about it
-/// would surprise a user of XML Schema. A fraction that rounds up to one stays in the fraction: 0.999 to two
-/// digits is 0 and 100 hundredths, prints "0.100" and does not equal 1. And the zeros differ in order, as those
-/// of CBigInteger do: "-0" lies below "0" though it equals it.
+/// Where digits are cut the value is rounded to the nearest, an exact half towards zero. Two properties would surprise
+/// a user of XML Schema. A fraction that rounds up to one stays in the fraction: 0.999 to two digits is 0 and 100
+/// hundredths, prints "0.100" and does not equal 1. And the zeros are ordered like those of CBigInteger: "-0" lies
+/// below "0" although it equals it.
 ///
-/// Both parts carry the sign of a value; a part that is zero carries the sign of the other one. A sum of two zeros is -0
-/// only if both are. A product with zero and a quotient that is cut to zero are +0.
+/// Both parts carry the sign of a value; a part that is zero carries the sign of the other one. A sum of two zeros is
+/// -0 only if both are. A product with zero and a quotient that is cut to zero are +0.
 ///
-/// Up to 18 digits need no memory beside the object, more need about a byte a digit. The zeros that an exponent appends
-/// take memory only when a sum, a quotient or ToString() needs them as digits; comparing, copying, rounding and
-/// multiplying do not. Arithmetic on long values takes the time of that of CBigInteger.
+/// Up to 18 digits need no memory beside the object; more digits need about a byte each. The zeros that an exponent
+/// appends take memory only when a sum, a quotient or ToString() needs them as digits; comparing, copying, rounding and
+/// multiplying do not. Arithmetic on long values takes as long as that of CBigInteger.
 ///
-/// A plain value: it belongs to one thread at a time, and any number of threads may read it. Operators leave both
-/// operands as they were when they throw. Besides the failures named below, std::bad_alloc. A value that was moved from
-/// may only be assigned to and destroyed.
+/// A plain value: it belongs to one thread at a time, and any number of threads may read it. Operators that throw leave
+/// both operands unchanged. Besides the failures named below, operations may throw std::bad_alloc. A value that was
+/// moved from may only be assigned to and destroyed.
 class QUILLON9_API CDecimal {
  public:
-  /// Most fraction digits after parsing, multiplication and division.
+  /// The maximal number of fraction digits after parsing, multiplication and division.
   static constexpr std::int32_t m_maxDivider = 30;
 
   /// Zero.
   CDecimal();
   /// The number \p value.
   CDecimal(int value);
-  /// The value printed with 13 fraction digits, and parsed.
+  /// Print the value with 13 fraction digits, and parse the text.
   /// \throws CQnInvalidValueException as Parse() does, for an infinity or NaN.
   CDecimal(double value);
   /// Parse() of \p text.
   CDecimal(char const* text);
   /// The number \p whole.
   CDecimal(CBigInteger const& whole);
-  /// \p whole + \p fraction / 10^\p divider as it stands. For a value as others are, the parts do not differ in
-  /// sign and the fraction has no more than \p divider digits; sums put in order what is otherwise.
+  /// \p whole + \p fraction / 10^\p divider, without normalisation. In a normal value the parts do not differ in sign
+  /// and the fraction has no more than \p divider digits; sums normalise any other value.
   /// \param divider 1 to 100,000.
   /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   CDecimal(CBigInteger const& whole, CBigInteger const& fraction, int divider);
-  /// The same number; what is moved from may only be assigned to or destroyed.
+  /// Copy or take over the number; a value that was moved from may only be assigned to or destroyed.
   ///@{
   CDecimal(CDecimal const& other);
   CDecimal(CDecimal&& other) noexcept;
@@ -60,19 +60,19 @@ class QUILLON9_API CDecimal {
   ///@}
   virtual ~CDecimal();
 
-  /// Exact.
+  /// Add and subtract exactly.
   ///@{
   CDecimal operator+(CDecimal const& other) const;
   CDecimal operator-(CDecimal const& other) const;
   CDecimal& operator+=(CDecimal const& other);
   CDecimal& operator-=(CDecimal const& other);
   ///@}
-  /// The exact product, rounded to m_maxDivider fraction digits.
+  /// Compute the exact product and round it to m_maxDivider fraction digits.
   ///@{
   CDecimal operator*(CDecimal const& other) const;
   CDecimal& operator*=(CDecimal const& other);
   ///@}
-  /// The quotient cut after m_maxDivider + 2 fraction digits, and then rounded to m_maxDivider.
+  /// Compute the quotient, cut it after m_maxDivider + 2 fraction digits, and then round it to m_maxDivider.
   /// \throws CQnInvalidValueException "ERROR: Overflow in operator/." when \p divisor is zero.
   ///@{
   CDecimal operator/(CDecimal const& divisor) const;
@@ -86,7 +86,7 @@ class QUILLON9_API CDecimal {
   CDecimal operator--(int);
   ///@}
 
-  /// Compare the whole parts and, when they are equal, the fractions.
+  /// Compare the whole parts and, if they are equal, the fractions.
   ///@{
   bool operator==(CDecimal const& other) const;
   bool operator!=(CDecimal const& other) const { return !(*this == other); }
@@ -101,55 +101,55 @@ class QUILLON9_API CDecimal {
   /// A negated copy.
   CDecimal GetNegative() const;
 
-  /// Read \p text up to its zero byte. After a failure the old value is still there.
+  /// Read \p text up to its zero byte. A failure leaves the old value unchanged.
   ///
-  /// Whole digits, then "." and fraction digits, then "e" or "E", a sign and exponent digits; each may be
-  /// missing, so that "", "-", "." and "e5" are 0. Beyond what xs:decimal allows, there may be an exponent;
-  /// white space is skipped everywhere but behind the first exponent digit ("1 2" is 12); signs count wherever
-  /// they stand in front of the point and the last one wins ("1-2" is -12), and so they do in front of the
-  /// exponent digits.
+  /// The text consists of whole digits, then "." and fraction digits, then "e" or "E", a sign and exponent digits; each
+  /// may be missing, so "", "-", "." and "e5" are 0. Beyond what xs:decimal allows, there may be an exponent; white
+  /// space is skipped everywhere except after the first exponent digit ("1 2" is 12); signs count anywhere before the
+  /// point and the last one wins ("1-2" is -12), and likewise before the exponent digits.
   ///
-  /// The value is rounded to m_maxDivider fraction digits; with an exponent, after the product with or the
-  /// quotient by that power of ten. A fraction that rounds up to one is not carried: 0.999... with 31 nines is
-  /// "0.1000..." with thirty zeros.
+  /// The value is rounded to m_maxDivider fraction digits; with an exponent, after multiplying or dividing by that
+  /// power of ten. A fraction that rounds up to one is not carried: 0.999... with 31 nines is "0.1000..." with thirty
+  /// zeros.
   /// \throws CQnInvalidParamException "The text of a Decimal is null".
-  /// \throws CQnInvalidValueException "The string representing a Decimal, contained an invalid char at position
-  ///         %d [%s]", with the index of the character.
-  /// \throws CQnOverFlowException, before memory is taken: "The digits of a Decimal exceed the limit of %d [%s]"
-  ///         for more than 500,000 digits before or behind the point, "The exponent of a Decimal exceeds the
-  ///         limit of %d [%s]" above 100,000, and below -100,000 unless the value is rounded to 0. Of a long text
-  ///         they show the beginning.
+  /// \throws CQnInvalidValueException "The string representing a Decimal, contained an invalid char at position %d
+  ///         [%s]", with the index of the character.
+  /// \throws CQnOverFlowException, before memory is taken: "The digits of a Decimal exceed the limit of %d [%s]" for
+  ///         more than 500,000 digits before or after the point, "The exponent of a Decimal exceeds the limit of %d
+  ///         [%s]" above 100,000, and below -100,000 unless the value is rounded to 0. They show the beginning of a
+  ///         long text.
   void Parse(char const* text);
 
-  /// The value with all its digits, however long; without a point when the fraction is zero.
+  /// The value with all its digits, however many; without a point when the fraction is zero.
   std::string ToString() const;
-  /// The value after half a unit, 0.5, was added to its magnitude, with the fraction cut after \p digits
-  /// digits. The half is not half of the last digit: 1.234 with one digit is "1.7", and 1.5 is "2.0". A
-  /// fraction shorter than \p digits is not padded, and 0 digits leave the point: "1.".
+  /// Add half a unit, 0.5, to the magnitude of the value and cut the fraction after \p digits digits. The half is not
+  /// half of the last digit: 1.234 with one digit is "1.7", and 1.5 is "2.0". A fraction shorter than \p digits is not
+  /// padded, and 0 digits leave the point: "1.".
   /// \throws CQnInvalidParamException "Invalid number of digits [%d]" below 0.
   std::string ToString(int digits) const;
   /// The nearest double.
-  /// \throws CQnOverFlowException "The Decimal value if to large to fit into a Double" beyond 1.7E+308,
-  ///         somewhat below the largest double, on either side.
+  /// \throws CQnOverFlowException "The Decimal value if to large to fit into a Double" beyond 1.7E+308 in either
+  ///         direction, which is slightly below the largest double.
   double ToDouble() const;
-  /// Rounded, an exact half towards zero.
+  /// The nearest integer, an exact half rounding towards zero.
   /// \throws CQnOverFlowException "The Decimal value if to large to fit into a LONG" outside 32 bits.
   std::int32_t ToLong() const;
-  /// Cut towards zero: not rounded, unlike ToLong().
+  /// The value rounded towards zero, unlike ToLong().
   /// \throws CQnOverFlowException "The Decimal value if to large to fit into a LONGLONG" outside 64 bits.
   std::int64_t ToLongLong() const;
-  /// Rounded, an exact half towards zero.
+  /// The nearest integer, an exact half rounding towards zero.
   CBigInteger ToBigInteger() const;
 
-  /// Drop trailing zeros of the fraction, but keep a divider of at least 1. Of a fraction of zero, one digit is
+  /// Drop trailing zeros of the fraction, but keep a divider of at least 1. If the fraction is zero, only one digit is
   /// dropped.
   void Rationalise();
-  /// Change the number of fraction digits, rounding to the nearest, an exact half towards zero, when it becomes
-  /// less. With \p divider 0 the whole part is rounded; otherwise a fraction that rounds up to one stays one: 0.999 to
-  /// two digits prints "0.100". \param divider 0 to 100,000.
+  /// Change the number of fraction digits; if it decreases, round to the nearest, an exact half towards zero. With \p
+  /// divider 0 the whole part is rounded; otherwise a fraction that rounds up to one stays one: 0.999 to two digits
+  /// prints "0.100".
+  /// \param divider 0 to 100,000.
   /// \throws CQnInvalidParamException "The divider of a Decimal is out of range [%d]".
   void ChangeFractionalDivider(int divider);
-  /// Give both the larger of their dividers.
+  /// Change both values to the larger of their dividers.
   /// \returns that divider.
   static int Normalize(CDecimal& a, CDecimal& b);
 
@@ -172,9 +172,8 @@ class QUILLON9_API CDecimal {
   std::int32_t GetDivider() const;
   std::string PrintShort(bool hasFraction) const;
 
-  // Nearly all values are short. Without memory of their own they are parsed and copied in a third of the time, printed
-  // in half of it: 3 % of the instructions of reading, and of writing, orders with a price each.
-  std::unique_ptr<CDecimalParts> m_parts;  // the value when it is long; otherwise null, and the value is
+  // Nearly all values are short. Parsing, copying and printing them is much faster without separate memory.
+  std::unique_ptr<CDecimalParts> m_parts;  // the value when it is long; null for a short value, which is
   std::uint64_t m_units = 0;               // m_sign * m_units / 10^m_divider, where the divider is at most 19
   std::int32_t m_divider = 1;
   std::int32_t m_sign = 1;  // +1 or -1, also of zero
