@@ -16,7 +16,7 @@ namespace {
 
 using namespace Testing;
 
-/// Writes down the events it hears; throws at the one it is told to.
+/// Records the events that it receives, and throws at the event that it is constructed with.
 class Recorder : public IEventSink {
  public:
   explicit Recorder(int throwAt = -1) : m_throwAt(throwAt) {}
@@ -95,13 +95,13 @@ TEST_F(CollectionTest, ManyItemsByIndex) {
   constexpr int kMany = 300000;
   for (int i = 0; i < kMany; ++i) list.AppendItem(i % 2 == 0 ? a.Get() : b.Get());
   int found = 0;
-  for (int i = 0; i < kMany; ++i) found += list.Item(i) == a.Get() ? 1 : 0;  // not the square
+  for (int i = 0; i < kMany; ++i) found += list.Item(i) == a.Get() ? 1 : 0;  // must not be quadratic
   EXPECT_EQ(kMany / 2, found);
   for (int i = kMany / 2; i < kMany; ++i) list.Remove(kMany / 2);
   EXPECT_EQ(b.Get(), list.Item(kMany / 2 - 1));
 }
 
-// So many that not every index can be remembered.
+// There are so many items that not every index can be remembered.
 TEST_F(CollectionTest, ManyItemsByIndexAmongChanges) {
   DynamicCollection list(m_shape, "item", 0, -1);
   std::vector<CXmlObjectBase*> expected;
@@ -109,7 +109,7 @@ TEST_F(CollectionTest, ManyItemsByIndexAmongChanges) {
   std::mt19937 random(1);
   for (int i = 0; i < 70000; ++i) list.AppendItem(expected.emplace_back(items[random() % 3]));
   for (int step = 0, index = 0; step < 3000; ++step) {
-    // Mostly near the last index, where what is remembered counts.
+    // Usually near the last index, where the remembered place matters.
     index = static_cast<int>(random() % 8 != 0 ? static_cast<unsigned>(index) + random() % 90 : random());
     index = std::abs(index) % list.GetCount();
     auto const at = expected.begin() + index;
@@ -194,12 +194,12 @@ TEST_F(CollectionTest, AListenerThatRaisesStopsTheAddAndNeverTheDestruction) {
     list.AppendItem(nullptr);
     list.AddEventListener(&onRemove);
   }
-  EXPECT_EQ("33", onRemove.Take());  // each item is announced
+  EXPECT_EQ("33", onRemove.Take());  // the removal of each item is reported
   EXPECT_EQ(2, a->AddRef()) << "the collection gave its reference back";
   a->Release();
 }
 
-// However many are added in its place: the node that is to go is told by more than its address and the count.
+// Fails however many items are added in its place: its address and the count are not enough to recognise the node.
 TEST_F(CollectionTest, AListenerThatRemovesTheItemFirstMakesTheRemovalFail) {
   struct Faster : IEventSink {
     Faster(DynamicCollection& collection, int count, CXmlObjectBase* other)
@@ -231,7 +231,7 @@ TEST_F(CollectionTest, AListenerThatRemovesTheItemFirstMakesTheRemovalFail) {
   }
 }
 
-// A listener that removes other items moves the one that is about to go.
+// A listener that removes other items moves the item that is about to be removed.
 TEST_F(CollectionTest, PlacesAreFoundAfterAListenerHasMovedTheItem) {
   struct Remover : IEventSink {
     void OnEvent(CXmlObjectBase* sender, MsgType type, void*) override {

@@ -98,8 +98,8 @@ TEST(NamespaceRules, WildcardLists) {
       {"", "", "T", true},
       {"A", "", "T", false},
       {"T", "##targetNamespace ##local", "T", true},
-      {"", "##targetNamespace ##local", "T", true},    // through the empty token behind the first
-      {"A", "##targetNamespace ##local", "T", false},  // would be asked for ever
+      {"", "##targetNamespace ##local", "T", true},    // admitted by the empty token after the first
+      {"A", "##targetNamespace ##local", "T", false},  // must not be checked forever
       {"A", "B A", "T", false},                        // only the first token counts
       {"A B", "A B", "T", true},
       {"A", " A", "T", false},

@@ -167,7 +167,7 @@ TEST(GeneratedClassReading, UnknownGroupTypesFailInBothDirections) {
             ReadBack(wrong, "<r/>"));
 }
 
-/// Nested classes n deep, each holding one of the same kind.
+/// Creates classes nested n deep, each holding one of the same kind.
 CSmartPtr<CXmlObjectBase> MakeNested(int, char const* name);
 Shape const& NestedShape() {
   static Shape const shape(
@@ -206,7 +206,7 @@ TEST(GeneratedClass, DeepDocumentsGoRoundUpToTheLimitAndFailClearlyBehindIt) {
                  object.FromXml(nested(1000000).c_str()));
 }
 
-/// A group without a tag that holds one of its own kind.
+/// Creates a group without a tag that holds one of its own kind.
 CSmartPtr<CXmlObjectBase> MakeGroup(int, char const* name);
 Shape const& EndlessGroup() {
   static Shape const shape({XmlElementGroupType_Sequence, XmlElementType_Pseudo, -1, true, false},

@@ -1,5 +1,5 @@
-// Each public constructor that takes a pointer can be called with a literal null: no other overload, least of all one
-// that the caller cannot see, makes the call ambiguous. That this compiles is the test.
+// Each public constructor that takes a pointer can be called with a literal null: no other overload makes the call
+// ambiguous, in particular none that the caller cannot see. The test is that this compiles.
 
 #include <gtest/gtest.h>
 
@@ -30,7 +30,7 @@ QN_TAKES_NULL(CDateTime);
 QN_TAKES_NULL(CBinaryData);
 QN_TAKES_NULL(CFastInfosetBinaryData);
 
-// Pointers and other arguments.
+// Pointers with other arguments.
 QN_TAKES(CElement(nullptr, nullptr));
 QN_TAKES(CElement(0, 0));
 QN_TAKES(CElement(nullptr, ""));

@@ -10,7 +10,7 @@ namespace {
 
 using namespace Testing;
 
-/// Opens the helpers that generated setters call.
+/// Makes the helpers that generated setters call accessible.
 class Setters : public DynamicClass {
  public:
   using CXmlObjectBase::Choice_CollectionChanged;

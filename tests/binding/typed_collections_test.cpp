@@ -34,7 +34,7 @@ class EventLog : public IEventSink {
   std::string m_log;
 };
 
-/// <root> with the collection as its only content: what is read, and what is then written.
+/// Reads <root> with the collection as its only content, and returns what is then written.
 std::string RoundTrip(CXmlTypeCollection* collection, char const* content) {
   Shape const shape({}, {new CElementInfoSeqPrimCol("v", "", 0)});
   DynamicClass object(shape);
@@ -46,7 +46,7 @@ TEST(TypedCollections, EveryMemberReadsAndWritesItsKind) {
   struct {
     CXmlTypeCollection* collection;
     char const* content;
-    char const* written;  // null when it is the content again
+    char const* written;  // null when it equals the content
   } const rows[] = {
       {Make<ChexBinaryCol>(), "<v>0AFF</v><v/>", "<v>0AFF</v><v/>"},
       {Make<Cbase64BinaryCol>(), "<v>TWFu</v>", nullptr},
@@ -98,7 +98,7 @@ TEST(TypedCollections, EventsAndFailuresInOrder) {
   EXPECT_EQ("120", log.Take());
   EXPECT_FAILURE(CQnException, "Invalid Value for v [4]", numbers->Add(4));
   EXPECT_EQ("1", log.Take());
-  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", numbers->AddAt(2, 4));  // before the facets
+  EXPECT_FAILURE(CQnInvalidParamException, "Index out of range", numbers->AddAt(2, 4));  // checked before the facets
   EXPECT_EQ("1", log.Take());
   numbers->AddAt(0, 6);
   numbers->AddAt(1, 7);

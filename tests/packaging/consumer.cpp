@@ -1,4 +1,4 @@
-// What a program needs from the installed package: the headers alone, one library, failures that it can catch by
+// What a program needs from the installed package: only the headers and one library, failures that it can catch by
 // class, and classes that it can derive from.
 #include <quillon9/quillon9.h>
 
