@@ -22,7 +22,7 @@ TEST(AttributeWriting, UnsetDefaultAndFacet) {
   CPrimitiveRestrictions const atMost5("", -1, -1, "", "5", "", "", -1);
   struct Row {
     CAttributeInfo* descriptor;
-    int value;  // -1: not set
+    int value;  // -1 means not set
     bool omitDefaults;
     char const* expected;
   } const rows[] = {
@@ -41,7 +41,7 @@ TEST(AttributeWriting, UnsetDefaultAndFacet) {
        "convert to "
        "string"},
       {Colour(true), -1, false, "<root/>"},
-      {Colour(false), -1, false, "<root c=\"red\"/>"},  // a required one counts as number 0
+      {Colour(false), -1, false, "<root c=\"red\"/>"},  // a required value that is not set counts as number 0
       {Colour(true, "green"), 1, true, "<root/>"},
       {Colour(true, "green"), 1, false, "<root c=\"green\"/>"},
   };

@@ -1,4 +1,4 @@
-// Enumerations, all groups, choices and untyped content: what a table of them makes of a document.
+// Enumerations, all groups, choices and untyped content: what a table of them reads from a document.
 
 #include <gtest/gtest.h>
 
@@ -31,7 +31,7 @@ enum Classes { kLeaf, kPair, kEither };
 
 Shape const& ShapeOf(int classId) {
   static Shape const leaf(kSequence, {Prim<CElementInfoSeqPrimOpt>("v", 0)});
-  // Without a tag: a mandatory <p>, an optional <q>, an attribute.
+  // A group without a tag: a mandatory <p>, an optional <q>, an attribute.
   static Shape const pair(Of(XmlElementGroupType_Sequence, XmlElementType_Pseudo),
                           {Prim<CElementInfoSeqPrimMnd>("p", 0), Prim<CElementInfoSeqPrimOpt>("q", 1)},
                           {Attribute("pa", 2, true)});
@@ -46,7 +46,7 @@ CSmartPtr<CXmlObjectBase> MakeForElement(CXmlElement* element) {
 char const* ColourText(int value) { return value == 1 ? "red" : "other"; }
 int ColourOf(char const* text) { return std::strcmp(text, "red") == 0 ? 1 : 2; }
 
-// ---- A table of cases: a class, documents, what is written back or the failure
+// ---- A table of cases: a class, documents, and what is written back or the failure
 
 struct Row {
   char const* options;
@@ -116,7 +116,7 @@ TEST(AllGroup, TakesItsElementsInAnyOrderAndJudgesAtTheEnd) {
           {"", "><c>red</c><a>1</a>", "<root><a>1</a><c>red</c></root>"},
           {"", "><c>red</c><a>1</a><c>red</c>", LeftOver("c")},
           {"", "><c>red</c>", missing},
-          {"M", "><c>red</c>", missing},  // no option excuses it
+          {"M", "><c>red</c>", missing},  // no option excuses this
           {"", ">", missing},
           {"", "><a/><c/><x/>", LeftOver("x")},
           {"U", "><a/><c>red</c><x/><b/>", "<root><a/><c>red</c></root>"}});  // reading ends at <x/>
@@ -131,7 +131,7 @@ TEST(AllGroup, HoldsObjects) {
                            new CElementInfoAllClsOpt("c", "", 2, XmlElementType_Element, MakeClass, kLeaf)};
   Expect(kAll, members,
          {{"", "><c/><p>1</p><q>2</q><a><v>3</v></a>", "<root><a><v>3</v></a><p>1</p><q>2</q><c/></root>"},
-          {"", "><p/>", "<root><a/><p/></root>"},  // one with a tag may be missing when it needs no content
+          {"", "><p/>", "<root><a/><p/></root>"},  // a child with a tag may be missing when it needs no content
           {"", "><a/>", Failure("Failed to find the mandatory element []")}},
          fill);
   Expect(kAll,
@@ -181,10 +181,10 @@ TEST(Choice, TakesTheFirstMemberThatFits) {
          {{"", "><a>1</a>", "<root><a>1</a></root>"},
           {"", "><b>red</b>", "<root><b>red</b></root>"},
           {"", " pa='x'><p>1</p><q>2</q>", "<root pa=\"x\"><p>1</p><q>2</q></root>"},
-          {"", "><d/>", "<root><d/></root>"},  // a choice with nothing set, read and written as the member of one
+          {"", "><d/>", "<root><d/></root>"},  // an empty choice, read and written as a member of a choice
           {"", "><e><v>1</v></e>", "<root><e><v>1</v></e></root>"},
           {"", "><a>1</a><b>red</b>", LeftOver("b")},
-          {"", ">", "<root/>"},  // all members are optional, so the choice is
+          {"", ">", "<root/>"},  // all members are optional, and so is the choice
           {"", "><e xsi:type='none'/>", LeftOver("e")},
           {"U", "><x/><a>1</a>", "<root><a>1</a></root>"}});
 }
@@ -200,7 +200,7 @@ TEST(Choice, LeavesThePropertyOfAFailedTryNull) {
   for (int index : {0, 1}) EXPECT_FALSE(object.m_properties[index].GetXmlObject()) << index;
   EXPECT_FALSE(object.m_properties[2].GetXmlObject());
   EXPECT_TRUE(object.m_properties[3].GetXmlObject());
-  // Without a child left nothing is tried, and nothing is cleared.
+  // When no child is left, no member is tried and no property is cleared.
   object.With(2, new DynamicClass(ShapeOf(kLeaf), "old"));
   object.FromXml("<root/>");
   EXPECT_TRUE(object.m_properties[2].GetXmlObject());
@@ -240,7 +240,7 @@ TEST(UntypedMembers, AreHeldByNameAndNamespace) {
 TEST(UntypedMembers, GetAPlaceholderNamespaceThatTheirRestrictionAdmits) {
   Expect(kSequence, {new CElementInfoSeqUntpdOpt("AnyElement", "", 0, "##other", "")},
          {{"", "><a xmlns='urn:a'/>", "<root><AA:a xmlns:AA=\"urn:a\"/></root>"}});
-  // With a holder in a namespace it is the empty one, which "##other" refuses here, before any name is looked at.
+  // In a holder with a namespace it is the empty one, which "##other" refuses here before any name is checked.
   Expect(kSequence, {new CElementInfoSeqUntpdOpt("x", "", 0, "##other", "")},
          {{"", "><z/>",
            Failure("Invalid namespace []. The namespace must be one of [##other] where the target namespace is []")},
@@ -257,7 +257,7 @@ TEST(UntypedMembers, OfAnAllGroupAndRepeated) {
   auto const fill = [](DynamicClass& object) { object.With(0, new CElementCol("", "##any", "", 0, -1)); };
   Expect(kSequence, {new CElementInfoSeqUntpdCol("x", "", 0), Prim<CElementInfoSeqPrimOpt>("z", 1)},
          {{"", "><x>1</x><x>2</x><z>3</z>", "<root><x>1</x><x>2</x><z>3</z></root>"},
-          {"", "><x/><x xmlns='urn:o'/>", LeftOver("x")},  // a run is of one namespace
+          {"", "><x/><x xmlns='urn:o'/>", LeftOver("x")},  // a run has one namespace
           {"", ">", "<root/>"}},
          fill);
   Expect(kSequence, {new CElementInfoSeqUntpdCol("AnyElement", "", 0), Prim<CElementInfoSeqPrimOpt>("z", 1)},
@@ -270,7 +270,7 @@ TEST(UntypedMembers, OfAnAllGroupAndRepeated) {
          [](DynamicClass& object) { object.With(0, new DynamicCollection(ShapeOf(kLeaf), "x", 0, -1)); });
 }
 
-// ---- Unknown children in front of groups: each is passed once, or this would take hours
+// ---- Unknown children before groups: each is passed once, otherwise this would take hours
 
 Shape const& Group(Members members) {
   static std::vector<std::unique_ptr<Shape>> shapes;
@@ -310,7 +310,7 @@ TEST(IgnoredChildren, CostNoSquareInFrontOfGroups) {
   ReadingAllowance::t_base = base;
 }
 
-// What is known of one tree says nothing about another that happens to lie at the same addresses.
+// What is known of one tree must not be applied to another that happens to have the same addresses.
 TEST(IgnoredChildren, AreForgottenWithTheirDocument) {
   static Shape const& group = Group({Prim<CElementInfoSeqPrimMnd>("a", 0)});
   struct Outer : DynamicClass {

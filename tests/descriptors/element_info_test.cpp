@@ -21,7 +21,7 @@ static_assert(std::is_abstract_v<CElementInfoAllPrimCol> && std::is_abstract_v<C
 static_assert(std::is_abstract_v<CElementInfoAllEnumCol> &&
               !std::is_base_of_v<CElementInfoAllCol, CElementInfoAllEnumCol>);
 
-/// A class with one value <v>, with or without a tag; what the element factories of these tests make.
+/// A class with one value <v>, with or without a tag; the element factories of these tests create it.
 Shape const& Leaf() {
   static Shape const shape({}, {Prim<CElementInfoSeqPrimOpt>("v", 0)});
   return shape;
@@ -40,7 +40,7 @@ CSmartPtr<CXmlObjectBase> MakeForElement(CXmlElement* element) {
   return new DynamicClass(Leaf(), element->GetLocalName().c_str());
 }
 
-/// The holder: <root> with the descriptor under test as property 0, and <z> as property 1 behind it.
+/// The holder: <root> with the descriptor under test as property 0, followed by <z> as property 1.
 struct Row {
   char const* options;
   char const* content;
@@ -52,7 +52,7 @@ template <class MakeDescriptor, class Fill>
 void ExpectRows(MakeDescriptor makeDescriptor, Fill fill, std::initializer_list<Row> rows) {
   for (Row const& row : rows) {
     Shape::Options options;
-    options.rejectUnknownAttributes = false;  // a child without a tag sees the attributes of its holder too
+    options.rejectUnknownAttributes = false;  // a child without a tag also sees the attributes of its holder
     Shape const shape(options, {makeDescriptor(), Prim<CElementInfoSeqPrimOpt>("z", 1)}, {Attribute("own", 2, true)});
     DynamicClass object(shape);
     fill(object);
@@ -94,7 +94,7 @@ TEST(SeqClsMnd, WithoutATag) {
   ExpectRows([] { return new CElementInfoSeqClsMnd("c", "", 0, XmlElementType_Pseudo, MakeClass, 1, true); }, fill,
              {{"", "><p>1</p>", "<root><p>1</p></root>"},
               {"", ">", kRequiredC.c_str()},
-              {"M", "><z>3</z>", kRequiredC.c_str()}});  // not excused
+              {"M", "><z>3</z>", kRequiredC.c_str()}});  // no option excuses this
 }
 
 TEST(SeqClsOpt, WithATagAndWithout) {
@@ -144,7 +144,7 @@ TEST(SeqCol, TakesItsRunAndJudgesTheCount) {
               {"I", "><c/><c/><c/>", "<root><c/><c/><c/></root>"}});
 }
 
-// ---- What a descriptor answers to a holder without a tag, and where it leaves the cursor
+// ---- What a descriptor returns for a holder without a tag, and where it leaves the cursor
 
 struct Probe {
   char const* options;
@@ -195,7 +195,7 @@ TEST(PseudoHolder, DescriptorsAnswerFalseInsteadOfFailing) {
                {{"", "<x/>", false, "x"}, {"", "<c/><c/><c/><x/>", false, "c"}, {"I", "<c/><c/><c/>", true, ""}});
 }
 
-// ---- Writing and the rest
+// ---- Writing and other operations
 
 TEST(PrimitiveWriting, FacetsFailBeforeAnyOutputAndInvalidValuesWriteNothing) {
   Shape const shape(
@@ -207,7 +207,7 @@ TEST(PrimitiveWriting, FacetsFailBeforeAnyOutputAndInvalidValuesWriteNothing) {
                  object.With(0, 6).Text());
 }
 
-/// The text so far, and what the writing of \p value as <v> inside <a> throws.
+/// The text so far, and what writing \p value as <v> inside <a> throws.
 template <class Writer = CXmlTextWriter>
 std::string WriteValue(QnVariant const& value, char const* format) {
   CElementInfoSeqPrimMnd const descriptor("v", "", 0, ItemType_r8, format, CWhitespaceUtils::WhitespaceRule_Collapse,

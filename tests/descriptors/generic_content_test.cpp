@@ -104,7 +104,7 @@ TEST(Element, CopiesAnyBoundObjectAndIsReadByOne) {
                  CElement(static_cast<CXmlObjectBase*>(nullptr), ""));
 }
 
-// The failure comes as a pointer, and that of a child passes its parents by.
+// Receives the failure as a pointer; its parents do not catch that of a child.
 std::string RestrictionFailure(CElement& element, char const* restriction, char const* target) {
   try {
     element.SetNamespaceRestrictions(restriction, target);
@@ -227,11 +227,11 @@ TEST(Element, DepthCostsNoStackAndIsBounded) {
   for (int i = 0; i < 100000; ++i) innermost = innermost->GetElements()->Add("e", "").Get();
   EXPECT_FAILURE(CQnException, kNesting, Text(*root));
   EXPECT_FAILURE(CQnException, kNesting, root->Clone());
-  root = nullptr;  // which must not recurse
+  root = nullptr;  // must not recurse
 }
 
-// New children and attributes take the namespace that the element had when it was made, whatever it has now, and whether
-// it was looked at before or not.
+// New children and attributes take the namespace that the element had when it was created, whatever its namespace is
+// now, and whether or not the collections were used before.
 TEST(Element, KeepsTheNamespaceOfItsCollections) {
   CXmlDocument document;
   document.LoadXml("<p:r xmlns:p='urn:p'/>");
