@@ -21,8 +21,8 @@ namespace Quillon9 {
 /// functions without state: any thread may call them. A failed conversion changes nothing.
 ///
 /// The integer parsers accept leading white space (space and the characters 9 to 13) and one sign, and read an empty
-/// text without digits as 0. A minus sign on an unsigned kind wraps round: "-1" is the largest ui4 or ui8. A zero byte
-/// ends a number; the text after it is ignored.
+/// text as 0. A minus sign on an unsigned kind wraps round: "-1" is the largest ui4 or ui8. A zero byte ends a number;
+/// the text after it is ignored.
 class QUILLON9_API CConversions {
  public:
   /// How to treat white space before a text is converted.

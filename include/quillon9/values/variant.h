@@ -209,7 +209,7 @@ class QUILLON9_API QnVariant {
   [[noreturn]] void ThrowWrongKind(char const* kind) const;
 
   ItemType m_type = ItemType_invalid;
-  bool m_owns = false;                       // whether the pointee of the value, or a counted reference to it, is owned
+  bool m_owns = false;                       // owns the pointee of the value, or a counted reference to it
   alignas(8) unsigned char m_value[8] = {};  // a scalar, or a pointer to m_held or to an object
   // Holds values that are not scalars: giving each its own memory makes reading and writing measurably slower.
   alignas(8) unsigned char m_held[std::max({sizeof(std::string), sizeof(CBigInteger), sizeof(CBinaryData),
