@@ -1,4 +1,4 @@
-# The front door. Everything is done by CMake and the scripts; see CMakePresets.json for more ways to build.
+# The entry point. CMake and the scripts do all the work; see CMakePresets.json for more ways to build.
 
 PREFIX ?= /usr/local
 DESTDIR ?=
@@ -20,25 +20,25 @@ run: deps        ## build and run the purchase order example
 test: all        ## build everything and run the tests
 	ctest --preset release
 
-debug asan tsan: deps   ## the tests without optimisation, or under sanitizers
+debug asan tsan: deps   ## run the tests without optimisation, or under sanitizers
 	cmake --preset $@
 	cmake --build --preset $@
 	ctest --preset $@
 
-hardened: deps   ## the tests in a hardened build, on a stack of 1 MiB
+hardened: deps   ## run the tests in a hardened build, on a stack of 1 MiB
 	cmake --preset hardened
 	cmake --build --preset hardened
 	ulimit -s 1024 && ctest --preset hardened
 
-pcre8: deps-all  ## the tests with the first generation of PCRE
+pcre8: deps-all  ## run the tests with the first generation of PCRE
 	cmake --preset pcre8
 	cmake --build --preset pcre8
 	ctest --preset pcre8
 
-locales: all     ## the tests in each of six locales
+locales: all     ## run the tests in each of six locales
 	scripts/locales build/release
 
-coverage: deps-all   ## which lines of src/ the tests run
+coverage: deps-all   ## report which lines of src/ the tests run
 	cmake --preset coverage
 	cmake --build --preset coverage
 	find build/coverage -name '*.gcda' -delete
@@ -62,28 +62,28 @@ install: deps    ## install under PREFIX (default /usr/local)
 docs: deps-all    ## build the site of the documentation, build/docs/html
 	scripts/check-docs
 
-package-test: all   ## build a program outside the tree against the installed package
+package-test: all   ## build and run a program outside the tree against the installed package
 	scripts/package-test build/release
 
-bare-test: ## on a Debian with nothing but git and make, in a chroot of each of SUITES: takes root and most of an hour
+bare-test: ## build and test in a bare Debian chroot for each of SUITES; takes root and most of an hour
 	scripts/install-deps --bare
 	for suite in $(SUITES); do scripts/bare-machine-test $$suite || exit 1; done
 
-packages: deps-packages   ## make Debian packages, in build/packages/deb
+packages: deps-packages   ## build Debian packages in build/packages/deb
 	cmake --preset packages
 	cmake --build --preset packages --target package
 
-format: deps-all    ## lay out the code
+format: deps-all    ## format the code
 	scripts/format
 
-format-check: deps-all   ## tell what is not laid out so
+format-check: deps-all   ## report files that are not formatted
 	scripts/format --check
 
 tidy: deps-all      ## run clang-tidy
 	cmake --preset debug
 	scripts/tidy build/debug
 
-deps:            ## install what building and testing need
+deps:            ## install what is needed to build and test
 	@scripts/install-deps
 
 deps-all:
@@ -95,5 +95,5 @@ deps-packages:
 clean:           ## remove build/
 	rm -rf build
 
-help:            ## this text
+help:            ## print this text
 	@sed -n 's/^\([a-z -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)

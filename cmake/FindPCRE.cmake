@@ -1,4 +1,4 @@
-# Finds PCRE 8, the library that pkg-config knows as libpcre. Makes the target PCRE::PCRE.
+# Finds PCRE 8, called libpcre in pkg-config. Defines the target PCRE::PCRE.
 
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND)

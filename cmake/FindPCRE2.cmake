@@ -1,4 +1,4 @@
-# Finds PCRE2 for 8-bit text, the library that pkg-config knows as libpcre2-8. Makes the target PCRE2::8BIT.
+# Finds PCRE2 for 8-bit text, called libpcre2-8 in pkg-config. Defines the target PCRE2::8BIT.
 
 find_package(PkgConfig QUIET)
 if(PkgConfig_FOUND)

@@ -1,4 +1,4 @@
-# How everything in this repository is compiled. Included before the first target is made.
+# Sets the compile options of everything in this repository. Must be included before the first target is defined.
 
 set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -20,7 +20,7 @@ if(QUILLON9_SANITIZE)
   add_link_options(-fsanitize=${link_sanitizers})
 endif()
 
-# The tables that the dynamic linker fills are filled at the start and read-only from then on.
+# The dynamic linker fills its tables at the start; they are read-only from then on.
 set(link_read_only LINKER:-z,relro,-z,now)
 
 if(QUILLON9_HARDENED)
@@ -34,7 +34,7 @@ if(QUILLON9_HARDENED)
       add_compile_options(${flag})
     endif()
   endforeach()
-  # Where the compiler does not know the third level, libc warns and takes the second.
+  # If the compiler does not support the third level, libc warns and uses the second.
   set(CMAKE_REQUIRED_FLAGS "-O2 -Werror -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3")
   check_cxx_source_compiles("#include <cstdio>\nint main() {}" has_fortify_3)
   unset(CMAKE_REQUIRED_FLAGS)

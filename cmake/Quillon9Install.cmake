@@ -1,8 +1,8 @@
-# What `cmake --install` puts in place: the library, its headers, a CMake package and a pkg-config file. A program
+# Defines what `cmake --install` installs: the library, its headers, a CMake package and a pkg-config file. A program
 # needs only these: expat, PCRE and zlib stay inside the library, if it is a shared one.
 #
-# In components, which become the packages: runtime, dev, tools (see tools/) and doc, which is installed only when it is
-# asked for: cmake --install BUILD_DIR --component doc.
+# The components become the packages: runtime, dev, tools (see tools/) and doc, which is installed only on request:
+# cmake --install BUILD_DIR --component doc.
 
 include(CMakePackageConfigHelpers)
 
@@ -35,7 +35,7 @@ install(FILES ${PROJECT_BINARY_DIR}/Quillon9Config.cmake DESTINATION ${package_d
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/Quillon9ConfigVersion.cmake DESTINATION ${package_dir} COMPONENT dev)
 
-# The pkg-config file finds its neighbours from where it lies, so an installed tree may be moved as a whole.
+# The pkg-config file locates the rest of the tree relative to itself, so an installed tree may be moved as a whole.
 if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_INCLUDEDIR}")
   set(pc_prefix ${CMAKE_INSTALL_PREFIX})
   set(pc_libdir ${CMAKE_INSTALL_FULL_LIBDIR})
@@ -50,7 +50,7 @@ endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/quillon9.pc.in ${PROJECT_BINARY_DIR}/quillon9.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/quillon9.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT dev)
 
-# The texts, the site where `make docs` has made it, and the examples, which build by themselves where they lie.
+# The pages, the site if `make docs` has built it, and the examples, which can be built on their own where they are.
 set(doc_component COMPONENT doc EXCLUDE_FROM_ALL)
 install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component})
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} ${doc_component} FILES_MATCHING

@@ -1,6 +1,6 @@
-# The Debian packages that `make packages` makes with cpack, one for each component of the installation. What Debian
-# wants in them besides what `cmake --install` puts in place, packaging/debian/complete.cmake adds; what cpack cannot
-# say, mend.cmake beside it does.
+# Defines the Debian packages that `make packages` builds with cpack, one for each component of the installation.
+# packaging/debian/complete.cmake adds what Debian requires in them in addition to the files of `cmake --install`;
+# mend.cmake next to it makes the changes that cpack cannot express.
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME quillon9)
@@ -28,7 +28,7 @@ set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS ON)
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 set(CPACK_DEBIAN_ENABLE_COMPONENT_DEPENDS ON)
 
-# The arguments after these are the lines of the description, the first the short one.
+# The remaining arguments are the lines of the description; the first is the short description.
 macro(quillon9_package component name section multi_arch)
   string(TOUPPER ${component} upper)
   set(CPACK_DEBIAN_${upper}_PACKAGE_NAME ${name})
@@ -44,14 +44,14 @@ set(about
   "Fast Infoset, as they are or compressed."
   ".")
 
-# The number in the name of the package is the one in the name of the library, so that two of them can be installed.
+# The package name has the same number as the library name, so that two major versions can be installed together.
 quillon9_package(runtime libquillon9-${PROJECT_VERSION_MAJOR} libs same
   "run-time library of an XML data binder" ${about}
   "This package holds the shared library.")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
 set(CPACK_QUILLON9_EXPAT_MINIMUM ${expat_minimum})
 
-# No other library: expat, zlib and the pattern engine stay behind the public headers.
+# Depends on no other library: the public headers hide expat, zlib and the pattern engine.
 quillon9_package(dev libquillon9-dev libdevel same
   "run-time library of an XML data binder (development files)" ${about}
   "This package holds what building a program needs: the headers, the CMake"

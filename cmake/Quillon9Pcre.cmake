@@ -1,6 +1,6 @@
-# Chooses the generation of PCRE as QUILLON9_PCRE says. AUTO prefers the second, because the first has no maintainers
-# any more. Sets pcre_generation, pcre_target (what to link), and pcre_other_source, the source of src/values for the
-# generation that is not taken.
+# Selects the generation of PCRE according to QUILLON9_PCRE. AUTO prefers the second, because the first has no
+# maintainers any more. Sets pcre_generation, pcre_target (the target to link), and pcre_other_source, the source in
+# src/values for the generation that is not used.
 
 if(NOT QUILLON9_PCRE MATCHES "^(AUTO|1|2)$")
   message(FATAL_ERROR "QUILLON9_PCRE is AUTO, 1 or 2, not ${QUILLON9_PCRE}")

@@ -1,4 +1,4 @@
-# Runs PROGRAM, which must succeed, and compares what it prints with the file EXPECTED where there is one.
+# Runs PROGRAM, which must succeed, and compares its output with the file EXPECTED, if that exists.
 
 execute_process(COMMAND ${PROGRAM} OUTPUT_VARIABLE output RESULT_VARIABLE result)
 message("${output}")

@@ -8,78 +8,78 @@ char const kHelp[] =
     R"(usage: quillon9 COMMAND [OPTION]... INPUT [OUTPUT]
        quillon9 --help | --version
 
-Reads documents in XML text or Fast Infoset (ITU-T X.891), as they are or in
+Reads documents in XML text or Fast Infoset (ITU-T X.891), uncompressed or in
 gzip or zlib, and shows or converts them.
 
   convert   write a document in another of these forms
   tree      print its elements, attributes and texts as a tree
   inspect   print the octets of a Fast Infoset document, construct by construct
 
-INPUT or OUTPUT - is standard input or output. What form an input has is seen
-from its content. quillon9 COMMAND --help tells of each command.
+INPUT or OUTPUT - is standard input or output. The form of an input is detected
+from its content. quillon9 COMMAND --help describes each command.
 
-Exit status: 0 all went well; 1 a file or document could not be read or
-written; 2 wrong usage.
+Exit status: 0 success; 1 a file or document could not be read or written;
+2 wrong usage.
 )";
 
 char const kConvertHelp[] =
     R"(usage: quillon9 convert [OPTION]... INPUT [OUTPUT]
 
 Writes the document INPUT to OUTPUT, or to standard output, in UTF-8. OUTPUT
-appears or changes only when all of it has been written.
+is created or replaced only when all of it has been written.
 
-  -t, --to=xml|finf        write XML text or Fast Infoset. Otherwise the ending
-                           of OUTPUT tells (.xml, .finf; also in front of .gz
-                           or .z), and standard output gets the form that INPUT
-                           does not have.
+  -t, --to=xml|finf        write XML text or Fast Infoset. Default: as the
+                           extension of OUTPUT says (.xml, .finf; also in front
+                           of .gz or .z); standard output gets the form that
+                           INPUT does not have.
   -z, --compress=none|gzip|zlib
-                           compress the result. Otherwise the ending of OUTPUT
-                           tells: .gz for gzip, .z for zlib.
+                           compress the result. Default: as the extension of
+                           OUTPUT says: .gz for gzip, .z for zlib.
       --format, --no-format
                            XML text: put elements on lines of their own,
                            indented (default), or not. A document with text
-                           beside child elements is never formatted.
+                           next to child elements is never formatted.
       --declaration, --no-declaration
                            begin with an XML declaration, or not. Default: XML
                            text does, Fast Infoset does not.
       --suggested-encodings
                            Fast Infoset: write numbers, truth values, dates and
                            times in binary or packed form, where that is
-                           shorter and gives the very same text back.
+                           shorter and gives exactly the same text back.
       --keep-space         keep white space between elements as text
-  -q, --quiet              do not warn of what is lost
+  -q, --quiet              do not warn about what is lost
   -h, --help               print this
 
-What goes lost, with a warning on standard error: comments, processing
-instructions and the document type declaration; where text stands among child
+What is lost, with a warning on standard error: comments, processing
+instructions and the document type declaration; the position of text among child
 elements (it is written in front of them); a second prefix of one namespace.
 All namespaces are declared on the root element, under the prefixes of the
-input where each is the only one of its name.
+input if each prefix stands for only one namespace.
 )";
 
 char const kTreeHelp[] =
     R"(usage: quillon9 tree [OPTION]... INPUT
 
-Prints the elements of INPUT one a line, indented, with their text, and below
+Prints the elements of INPUT one per line, indented, with their text, and below
 each its attributes, marked by @. Namespaces are listed below the root.
 
       --keep-space         show white space between elements as text
   -h, --help               print this
 
-Comments, processing instructions, the document type declaration and the place
-of text among child elements are not part of the tree.
+Comments, processing instructions, the document type declaration and the
+position of text among child elements are not part of the tree.
 )";
 
 char const kInspectHelp[] =
     R"(usage: quillon9 inspect [OPTION]... INPUT
 
 Prints what each octet of a Fast Infoset document means: the offset of each
-construct (in the decompressed document), its octets and what it is; with
-"-> TABLE #N" what it adds to a table, with "#N" what it takes from one. At the
-end: the size by kind of construct, the entries of the tables, and how much
-shorter the indices make the document.
+construct (in the decompressed document), its octets and what it is;
+"-> TABLE #N" shows what it adds to a table, "#N" what it takes from one. The
+output ends with the size by kind of construct, the entries of the tables, and
+how much shorter the indices make the document.
 
-      --full               print all octets and the whole of each text
+      --full               print all octets and each text in full
   -h, --help               print this
 )";
 
