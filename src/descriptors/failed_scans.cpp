@@ -12,7 +12,7 @@ using Quillon9Data::CElementInfo;
 
 namespace {
 
-// Most members find their element within a few children, and then the index of all children is not needed.
+// Most members find their element within a few children, so the index of all children is not needed.
 constexpr int kNear = 8;
 
 }  // namespace
@@ -38,7 +38,7 @@ FailedScans::Kind FailedScans::Note(CElementInfo const& member) {
 }
 
 void FailedScans::NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement const* stop, std::uint64_t groups) {
-  if (kind == Kind::kGroup) {  // it counts its own steps, unless the program overrides how it is read
+  if (kind == Kind::kGroup) {  // a group counts its own steps, unless the program overrides how it is read
     if (start != nullptr && m_groups == groups) NoteEffect();
     return;
   }
@@ -91,7 +91,7 @@ void FailedScans::NumberChildren() {
   auto const isInFront = [this](std::uint32_t one, std::uint32_t other) {
     return std::less<>()(m_children[one], m_children[other]);
   };
-  // The memory of a document usually hands out increasing addresses.
+  // The memory of a document usually allocates at increasing addresses.
   if (!std::is_sorted(m_byAddress.begin(), m_byAddress.end(), isInFront)) {
     std::sort(m_byAddress.begin(), m_byAddress.end(), isInFront);
   }

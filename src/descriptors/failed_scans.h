@@ -13,24 +13,24 @@
 namespace Quillon9 {
 
 /// Remembers what the groups without a tag inside one element have found out about the children and attributes of that
-/// element. One exists while the element is read under the option that ignores unknown children, and ends with it, so
-/// nothing outlives the tree.
+/// element. One object exists while the element is read under the option that ignores unknown children, and ends with
+/// that read, so nothing outlives the tree.
 ///
-/// When a group lacks a mandatory member, the reader skips one child and asks the group again, and each member then
-/// searches the remaining children again. Without a memory this costs the square of the number of children. Two things
-/// are remembered, because they depend only on names in the tree and asking for them has no effect:
+/// When a group lacks a mandatory member, the reader skips one child and tries the group again, and each member then
+/// searches the remaining children again. Without a memory this is quadratic in the number of children. Two things are
+/// remembered, because they depend only on names in the tree and determining them has no effect:
 ///
 /// - for a member that takes an element by its name, the places of all children with that name. This answers every
 ///   search from any child, up to the end of the children;
 /// - for a table of attribute descriptors, the attributes that it does not ignore.
 ///
-/// Groups, collections and untyped members are asked every time, because being asked changes objects. So the classes see
-/// the same calls as from a reader without a memory, with one exception. If a read has become costly (see
-/// ReadingAllowance), a row of children whose names no member knows is passed in one step. At each of them a group
+/// Groups, collections and untyped members are tried every time, because trying them changes objects. So the classes
+/// see the same calls as from a reader without a memory, with one exception. If a read has become costly (see
+/// ReadingAllowance), a series of children whose names no member knows is passed in one step. At each of them a group
 /// would only repeat the same calls with the same arguments.
 class FailedScans {
  public:
-  /// What a member is when a group asks it.
+  /// How a member behaves when a group tries it.
   enum class Kind : std::uint8_t {
     kNamed,     ///< takes the element under the cursor by its name, and otherwise has no effect
     kRequired,  ///< the same, and a sequence without a tag searches the following children for it
@@ -44,7 +44,7 @@ class FailedScans {
   FailedScans(FailedScans const&) = delete;
   FailedScans& operator=(FailedScans const&) = delete;
 
-  /// The current one if it is about the children of \p parent and \p ctx ignores unknown elements; otherwise null.
+  /// The current one if it belongs to the children of \p parent and \p ctx ignores unknown elements; otherwise null.
   static FailedScans* Of(CXmlElement const* parent, CXmlSerializationContext const& ctx) {
     if (!ctx.GetIgnoreUnknownElements() || t_current == nullptr || t_current->m_parent != parent) return nullptr;
     return t_current->m_ignoresNamespaces == ctx.GetIgnoreNamespaces() ? t_current : nullptr;
@@ -54,7 +54,7 @@ class FailedScans {
     if (ctx.GetIgnoreUnknownElements() && t_current != nullptr) t_current->Spend(ReadingAllowance::SizeOf(element));
   }
 
-  /// While one exists, no FailedScans is current: a setter may read another document while its own is read.
+  /// While a Pause exists, no FailedScans is current, because a setter may read another document during a read.
   class Pause {
    public:
     Pause() : m_outer(t_current) { t_current = nullptr; }
@@ -68,12 +68,12 @@ class FailedScans {
 
   /// Call before \p member is asked. Returns what it is.
   Kind Note(Quillon9Data::CElementInfo const& member);
-  /// Call after a member of kind \p kind moved the cursor from \p start to \p stop. \p groups is what Groups() was
-  /// before.
+  /// Call after a member of kind \p kind has moved the cursor from \p start to \p stop. \p groups is the value of
+  /// Groups() before that.
   void NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement const* stop, std::uint64_t groups);
-  /// The first child from \p cursor on that has the name of \p member; null for none. Note() has been called for it.
+  /// The first child from \p cursor on that has the name of \p member; null for none. Call Note() for \p member first.
   CXmlElement* Find(Quillon9Data::CElementInfo const& member, CXmlSerializationContext const& ctx, CXmlElement* cursor);
-  /// The child at which to ask again what was asked in vain at \p cursor, which is not null; null if none is left.
+  /// The child at which to retry what failed at \p cursor, which is not null; null if no child is left.
   CXmlElement* Pass(CXmlSerializationContext const& ctx, CXmlElement* cursor);
 
   /// The attributes that \p table does not ignore; null if that is not known yet.
@@ -84,10 +84,10 @@ class FailedScans {
   void NoteAttributes(void const* table, std::vector<CXmlAttribute*> attributes) {
     m_attributes.emplace(table, std::move(attributes));
   }
-  /// A group has done something that may not be the same twice, so no children are passed in one step any more.
+  /// Record that a group has done something that may differ the next time: no children are passed in one step any more.
   void NoteEffect() { m_hasEffects = true; }
 
-  /// Count a group that the library reads; the number of them so far.
+  /// Count a group that the library reads; the number of these groups so far.
   ///@{
   void NoteGroup() {
     ++m_groups;
@@ -100,13 +100,13 @@ class FailedScans {
  private:
   struct Member {
     Kind kind;
-    bool isFound = false;                 ///< whether its places have been looked for
+    bool isFound = false;                 ///< whether its places have been determined
     std::vector<std::uint32_t> places{};  ///< of the children with its name, in order
   };
 
   bool IsKnown(CXmlSerializationContext const& ctx, CXmlElement const* child) const;
   void NumberChildren();
-  /// The number of children if \p child is none of them.
+  /// The place of \p child, or the number of children if it is not one of them.
   std::size_t PlaceOf(CXmlElement const* child) const;
   std::vector<std::uint32_t> const& PlacesOf(Quillon9Data::CElementInfo const& member,
                                              CXmlSerializationContext const& ctx);
@@ -118,11 +118,11 @@ class FailedScans {
   bool const m_ignoresNamespaces;
   bool m_hasEffects = false;
   std::uint64_t m_groups = 0;
-  ReadingAllowance m_ownAllowance;  // of the outermost one
+  ReadingAllowance m_ownAllowance;  // used by the outermost one
   ReadingAllowance& m_allowance;
   std::unordered_map<Quillon9Data::CElementInfo const*, Member> m_members;
   std::unordered_map<void const*, std::vector<CXmlAttribute*>> m_attributes;
-  std::vector<CXmlElement*> m_children;    // in document order; filled by the first search that goes far
+  std::vector<CXmlElement*> m_children;    // in document order; filled by the first long search
   std::vector<std::uint32_t> m_byAddress;  // their places in m_children, sorted by address
 };
 

@@ -48,7 +48,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
-  // A group that took nothing is dropped, and tried again for the next child.
+  // A group that took nothing is dropped, and tried again at the next child.
   bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
   if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
   if (info.m_textPropertyIndex != -1) {
@@ -71,7 +71,7 @@ CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXm
   return ReadGroup(info, parent, cursor, ctx, inChoice);
 }
 
-// A function of its own, so that reading without the option needs no stack for the scans.
+// This is a separate function so that reading without the option needs no stack for the scans.
 [[gnu::noinline]] CXmlElement* CXmlGeneratedClass::ReadMembersWithScans(CParentElementInfo const& info,
                                                                         CXmlElement* parent, CXmlElement* cursor,
                                                                         CXmlSerializationContext const& ctx,
@@ -97,7 +97,7 @@ namespace {
   throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
 }
 
-// Most members do not look at the namespace of their holder, whose text costs more than a percent of reading.
+// Most members do not use the namespace of their holder, and its text is expensive to make.
 inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CElementInfo& member,
                 CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
   if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
@@ -105,7 +105,7 @@ inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
   return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
 }
 
-// The same, reported to `scans`, which is null where nothing is remembered.
+// Does the same and reports to `scans`, which is null if nothing is remembered.
 bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, FailedScans* scans, CElementInfo& member,
               CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
   if (scans == nullptr) return Ask(ctx, holder, member, parent, cursor, type);
@@ -127,7 +127,7 @@ CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& m
   return scans->Pass(ctx, cursor);
 }
 
-// Whether the descriptors do nothing when an attribute is not theirs.
+// Whether the descriptors have no effect when an attribute does not belong to them.
 bool TakesByName(CAttributeInfo* const* table) {
   for (; *table != nullptr; ++table) {
     std::type_info const& type = typeid(**table);
@@ -136,7 +136,7 @@ bool TakesByName(CAttributeInfo* const* table) {
   return true;
 }
 
-// The place of the descriptor that took the attribute; the end of the table when none did.
+// Returns the place of the descriptor that took the attribute, or the end of the table if none did.
 std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
                            CXmlAttribute* attribute) {
   std::size_t i = 0;
@@ -155,13 +155,13 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
     nillable->SetNil(true);
   } else if (strcasecmp(value, "false") == 0) {
     nillable->SetNil(false);
-  } else {  // 1 and 0 too, on purpose
+  } else {  // deliberately includes 1 and 0
     throw CQnValidationException(
         FormatString("Unexpected Value for Attribute [%s] found.", attribute.GetLocalName().c_str()));
   }
 }
 
-// False if the attribute is ignored, which depends on its name only.
+// Returns false if the attribute is ignored, which depends only on its name.
 bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAttributeInfo** table, FlagSet& found,
                                        CXmlAttribute* attribute, bool reject) {
   if (attribute->IsNamespaceAttribute()) return false;
@@ -197,7 +197,7 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
   for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
 }
 
-// A group is asked again for each child that is skipped, and gets all attributes each time.
+// A group is tried again for each child that is skipped, and gets all attributes each time.
 void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans,
                                              CXmlElement* parent, CAttributeInfo** table, FlagSet& found, bool reject) {
   bool const isByName = TakesByName(table);
@@ -235,7 +235,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
   return cursor;
 }
 
-/// The same without a tag.
+/// The same for a class without a tag.
 CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                                    CXmlElement* cursor, XmlElementType type) {
   CXmlElement* const entry = cursor;

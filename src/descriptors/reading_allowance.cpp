@@ -40,10 +40,10 @@ std::size_t ReadingAllowance::SizeOf(CXmlElement const& element) {
   return size;
 }
 
-// The size of the tree is looked for when a read has turned out to be costly, which few do.
+// The size of the tree is determined only when a read has turned out to be costly, which is rare.
 void ReadingAllowance::Extend() {
   if (m_size == 0) m_size = TreeSize(m_root);
-  std::size_t const once = std::max(m_members, kFewMembers) * m_size;  // every member is asked about everything
+  std::size_t const once = std::max(m_members, kFewMembers) * m_size;  // every member is tried on everything
   m_patience = t_base + once;
   m_limit = 4 * t_base + t_times * once;
   if (m_spent <= m_limit) return;

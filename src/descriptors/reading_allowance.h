@@ -7,9 +7,9 @@
 
 namespace Quillon9 {
 
-/// Bounds the work of one read that ignores unknown children. A group without a tag may begin to be taken at every
-/// child, inside a group that begins at every child as well. Each attempt has effects that must not be left out, so the
-/// work is bounded instead, in proportion to the size of the tree and of the tables.
+/// Bounds the work of one read that ignores unknown children. A group without a tag may begin at every child, inside a
+/// group that may also begin at every child. Each attempt has effects that must not be left out, so the work is bounded
+/// instead, in proportion to the size of the tree and of the tables.
 ///
 /// A step is an attempt at a group, or an attribute, an element or 32 bytes of text that a reader passes.
 class ReadingAllowance {
@@ -26,18 +26,18 @@ class ReadingAllowance {
     m_spent += steps;
     if (m_spent > m_limit) Extend();
   }
-  /// Whether so much is spent that readers save work where only the number of calls tells the difference.
+  /// Whether so many steps are spent that readers should save work wherever this changes only the number of calls.
   bool IsShort() const { return m_spent > m_patience || t_isHasty; }
-  /// Tell that \p count different members have been asked for the children of one element.
+  /// Record that \p count different members have been tried for the children of one element.
   void NoteMembers(std::size_t count) {
     if (count > m_members) m_members = count;
   }
 
-  /// The size in steps of \p element without what is below its children.
+  /// The size of \p element in steps, without the elements below its children.
   static std::size_t SizeOf(CXmlElement const& element);
 
-  /// For tests. All steps of this thread so far; the steps that any read may take before it is short; how often a read
-  /// may pass its tree for each member; whether every read is short from its beginning.
+  /// For tests: all steps of this thread so far; the steps that any read may take before it is short; how often a read
+  /// may pass its tree for each member; whether every read is short from the beginning.
   ///@{
   inline static thread_local std::uint64_t t_steps = 0;
   inline static thread_local std::size_t t_base = 1000000;
@@ -53,7 +53,7 @@ class ReadingAllowance {
   std::size_t m_patience;
   std::size_t m_spent = 0;
   std::size_t m_members = 0;
-  std::size_t m_size = 0;  // 0 until it is looked for
+  std::size_t m_size = 0;  // 0 until it is determined
 };
 
 }  // namespace Quillon9

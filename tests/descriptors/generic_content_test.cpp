@@ -104,7 +104,7 @@ TEST(Element, CopiesAnyBoundObjectAndIsReadByOne) {
                  CElement(static_cast<CXmlObjectBase*>(nullptr), ""));
 }
 
-// Receives the failure as a pointer; its parents do not catch that of a child.
+// Catches the failure as a pointer. The parents of a child do not catch the failure of that child.
 std::string RestrictionFailure(CElement& element, char const* restriction, char const* target) {
   try {
     element.SetNamespaceRestrictions(restriction, target);

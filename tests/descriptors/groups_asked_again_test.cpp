@@ -1,5 +1,5 @@
-// Groups without a tag where unknown children are ignored: they are asked again for each child that is skipped, and
-// that has the effects that it has.
+// Groups without a tag where unknown children are ignored: they are tried again for each child that is skipped, and
+// each attempt has its effects.
 
 #include <gtest/gtest.h>
 
@@ -40,7 +40,7 @@ std::uint64_t StepsOf(CXmlObjectBase& object, std::string const& content) {
   std::uint64_t const before = ReadingAllowance::t_steps;
   try {
     object.FromXml(("<root>" + content + "</root>").c_str(), Ignoring("UC"));
-  } catch (CQnException const&) {  // for many children, as below
+  } catch (CQnException const&) {  // expected for many children, see below
   }
   return ReadingAllowance::t_steps - before;
 }
@@ -89,7 +89,7 @@ struct Twice {
       : inner(kGroup, members, attributes) {
     t_current = this;
   }
-  // What objects of the inner group keep: Init() leaves it.
+  // Objects of the inner group keep their content because Init() leaves it.
   struct Inner : DynamicClass {
     using DynamicClass::DynamicClass;
     void Init() override {}
@@ -107,7 +107,7 @@ struct Twice {
 };
 Twice* Twice::t_current = nullptr;
 
-// What a new object of a class did not find, one that has been filled before may find.
+// An object that has been filled before may find what a new object of its class did not find.
 TEST(GroupsAskedAgain, FillAnObjectThatKeepsItsCollection) {
   Twice const twice({new CElementInfoSeqPrimCol("c", "", 0), Prim<CElementInfoSeqPrimMnd>("v", 1)});
   DynamicClass object(twice.shape);
@@ -131,7 +131,7 @@ TEST(GroupsAskedAgain, TakeTheirAttributesEachTime) {
 }
 
 TEST(GroupsAskedAgain, EndInAFailureWhereEachAttemptHasEffects) {
-  // In a choice, a group that holds the pair: at each <f> it begins once for each <f> in front.
+  // In a choice, a group that holds the pair: at each <f> it begins once for each earlier <f>.
   static Shape const nested(kGroup, {Group(0, true)});
   ClassFactory const make = [](int, char const* name) -> CSmartPtr<CXmlObjectBase> {
     CSmartPtr<DynamicClass> const group(new DynamicClass(nested, name));
@@ -159,7 +159,7 @@ TEST(HolderNamespace, IsGivenToAnUntypedMemberWhateverWasReadBefore) {
     return new CElementInfoSeqUntpdOpt("AnyElement", "", index, "##targetNamespace ##local", "");
   };
   Shape const base(kTagged, {Prim<CElementInfoSeqPrimOpt>("v", 0)});
-  // Its table begins with the descriptor of the base, and ends with one that looks at the namespace.
+  // Its table begins with the descriptor of the base, and ends with one that uses the namespace.
   Shape const derived(kTagged, {Prim<CElementInfoSeqPrimOpt>("w", 0), any(1)});
   CElementInfo* shared[] = {base.m_elements[0], derived.m_elements[1], nullptr};
   struct Derived : DynamicClass {

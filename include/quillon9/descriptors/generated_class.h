@@ -20,7 +20,7 @@ enum XmlElementGroupType : int {
 /// Whether a class has a tag. Generated tables contain the numbers; any other value counts as having no tag.
 enum XmlElementType : int {
   XmlElementType_Element = 0,  ///< a tag of its own; its children are the children of that tag
-  XmlElementType_Pseudo = 1,   ///< no tag: its content stands among the children of the enclosing element, and its
+  XmlElementType_Pseudo = 1,   ///< no tag: its content is among the children of the enclosing element, and its
                                ///< attributes are written on that element
 };
 
