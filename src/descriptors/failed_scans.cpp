@@ -32,6 +32,7 @@ FailedScans::Kind FailedScans::Note(CElementInfo const& member) {
   auto const found = m_members.find(&member);
   if (found != m_members.end()) return found->second.kind;
   Kind const kind = Quillon9Data::KindOf(member);
+  if (kind == Kind::kOther) NoteEffect();
   m_members.emplace(&member, Member{kind});
   m_allowance.NoteMembers(m_members.size());
   return kind;
@@ -42,7 +43,6 @@ void FailedScans::NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement co
     if (start != nullptr && m_groups == groups) NoteEffect();
     return;
   }
-  if (kind == Kind::kOther) NoteEffect();
   std::size_t steps = kind == Kind::kOther ? 1 : 0;
   for (CXmlElement const* child = start; child != nullptr && child != stop; child = child->GetNextSiblingElement()) {
     steps += 1 + child->GetTextView().size() / 32;
@@ -78,7 +78,7 @@ CXmlElement* FailedScans::Pass(CXmlSerializationContext const& ctx, CXmlElement*
 
 bool FailedScans::IsKnown(CXmlSerializationContext const& ctx, CXmlElement const* child) const {
   return std::any_of(m_members.begin(), m_members.end(), [&](auto const& member) {
-    return member.second.kind <= Kind::kRequired && member.first->IsThisElement(ctx, child);
+    return member.second.kind <= Kind::kHeld && member.first->IsThisElement(ctx, child);
   });
 }
 

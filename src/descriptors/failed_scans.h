@@ -34,9 +34,12 @@ class FailedScans {
   enum class Kind : std::uint8_t {
     kNamed,     ///< takes the element under the cursor by its name, and otherwise has no effect
     kRequired,  ///< the same, and a sequence without a tag searches the following children for it
+    kHeld,      ///< the same, and reads into an object that exists already, which may keep what it got before
     kGroup,     ///< an object without a tag
     kOther      ///< may change objects whenever it is asked: collections, untyped content, a program's own descriptors
   };
+
+  static bool IsSought(Kind kind) { return kind == Kind::kRequired || kind == Kind::kHeld; }
 
   /// For the children of \p parent, which is borrowed. It is the current one of this thread until it is destroyed.
   FailedScans(CXmlElement const& parent, CXmlSerializationContext const& ctx);
@@ -66,7 +69,7 @@ class FailedScans {
     FailedScans* m_outer;
   };
 
-  /// Call before \p member is asked. Returns what it is.
+  /// Call before \p member is asked, also if the answer may be a failure. Returns what it is.
   Kind Note(Quillon9Data::CElementInfo const& member);
   /// Call after a member of kind \p kind has moved the cursor from \p start to \p stop. \p groups is the value of
   /// Groups() before that.

@@ -110,6 +110,7 @@ bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, F
               CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
   if (scans == nullptr) return Ask(ctx, holder, member, parent, cursor, type);
   FailedScans::Kind const kind = scans->Note(member);
+  if (kind == FailedScans::Kind::kHeld && member.IsThisElement(ctx, *cursor)) scans->NoteEffect();
   CXmlElement const* const start = *cursor;
   std::uint64_t const groups = scans->Groups();
   bool const isSatisfied = Ask(ctx, holder, member, parent, cursor, type);
@@ -118,12 +119,12 @@ bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, F
 }
 
 // The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members only
-// groups do so.
+// groups do so, and what a program derives, which Note() knows to have effects.
 CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& member, CXmlElement const* parent,
                       CXmlElement* cursor) {
   FailedScans* const scans = FailedScans::Of(parent, ctx);
   if (scans == nullptr) return cursor->GetNextSiblingElement();
-  if (scans->Note(member) != FailedScans::Kind::kGroup) scans->NoteEffect();
+  scans->Note(member);
   return scans->Pass(ctx, cursor);
 }
 
@@ -202,7 +203,9 @@ void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx
                                              CXmlElement* parent, CAttributeInfo** table, FlagSet& found, bool reject) {
   bool const isByName = TakesByName(table);
   if (!isByName) scans.NoteEffect();
-  std::vector<CXmlAttribute*> const* const known = isByName ? scans.AttributesOf(table) : nullptr;
+  // Of two classes with the same table, one may refuse what the other ignores.
+  bool const isRemembered = isByName && (!reject || ctx.GetIgnoreUnknownAttributes());
+  std::vector<CXmlAttribute*> const* const known = isRemembered ? scans.AttributesOf(table) : nullptr;
   if (known != nullptr) {
     std::size_t steps = 0;
     for (CXmlAttribute* const attribute : *known) {
@@ -218,7 +221,7 @@ void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx
     if (ReadAttribute(ctx, table, found, attribute, reject)) some.push_back(attribute);
   }
   scans.Spend(steps);
-  if (isByName) scans.NoteAttributes(table, std::move(some));
+  if (isRemembered) scans.NoteAttributes(table, std::move(some));
 }
 
 CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
@@ -242,7 +245,7 @@ CXmlElement* CXmlGeneratedClass::ReadSequenceGroup(CXmlSerializationContext cons
   FailedScans* const scans = FailedScans::Of(parent, ctx);
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
     CElementInfo& member = **place;
-    bool const isSought = scans != nullptr && scans->Note(member) == FailedScans::Kind::kRequired;
+    bool const isSought = scans != nullptr && FailedScans::IsSought(scans->Note(member));
     if (isSought) cursor = scans->Find(member, ctx, cursor);
     while (!AskNoted(ctx, this, scans, member, parent, &cursor, type)) {
       if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;

@@ -31,11 +31,11 @@ Kind KindOf(CElementInfo const& member) {
   static auto const& rules = *new std::unordered_map<std::type_index, Rule>{
       Value<CElementInfoSeqPrimMnd>(Kind::kRequired),   Value<CElementInfoSeqPrimOpt>(Kind::kNamed),
       Value<CElementInfoSeqEnumMnd>(Kind::kRequired),   Value<CElementInfoSeqEnumOpt>(Kind::kNamed),
-      Object<CElementInfoSeqClsMnd>(Kind::kRequired),   Object<CElementInfoSeqClsOpt>(Kind::kNamed),
+      Object<CElementInfoSeqClsMnd>(Kind::kHeld),       Object<CElementInfoSeqClsOpt>(Kind::kNamed),
       Value<CElementInfoSeqAbsClsMnd>(Kind::kRequired), Value<CElementInfoSeqAbsClsOpt>(Kind::kNamed),
       Value<CElementInfoAllPrimMnd>(Kind::kNamed),      Value<CElementInfoAllPrimOpt>(Kind::kNamed),
       Value<CElementInfoAllEnumMnd>(Kind::kNamed),      Value<CElementInfoAllEnumOpt>(Kind::kNamed),
-      Object<CElementInfoAllClsMnd>(Kind::kNamed),      Object<CElementInfoAllClsOpt>(Kind::kNamed),
+      Object<CElementInfoAllClsMnd>(Kind::kHeld),       Object<CElementInfoAllClsOpt>(Kind::kNamed),
       Value<CElementInfoChoicePrimOpt>(Kind::kNamed),   Value<CElementInfoChoiceEnumOpt>(Kind::kNamed),
       Object<CElementInfoChoiceClsOpt>(Kind::kNamed),   Value<CElementInfoChoiceAbsClsOpt>(Kind::kNamed),
   };

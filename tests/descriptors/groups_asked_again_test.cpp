@@ -152,6 +152,59 @@ TEST(GroupsAskedAgain, EndInAFailureWhereEachAttemptHasEffects) {
   ReadingAllowance::t_base = base;
 }
 
+// ---- What is remembered
+
+// What one class ignores, another one with the same table may refuse.
+TEST(GroupsAskedAgain, RefuseAnAttributeThatAnotherClassWithTheSameTableIgnores) {
+  struct Sharing : DynamicClass {
+    Sharing(Shape const& shape, CAttributeInfo** table) : DynamicClass(shape), m_table(table) {}
+    CAttributeInfo** GetClassAttributeInfo() const override { return m_table; }
+    CAttributeInfo** m_table;
+  };
+  constexpr Shape::Options strict{XmlElementGroupType_Sequence, XmlElementType_Pseudo, -1, true, false};
+  Shape const first(kGroup, {Prim<CElementInfoSeqPrimMnd>("f", 0)}, {Attribute("a", 1, true)});
+  Shape const second(strict, {Prim<CElementInfoSeqPrimMnd>("h", 0)});
+  Shape const shape(kTagged, {Group(0, false), Group(1, false)});
+  DynamicClass object(shape);
+  object.With(0, new DynamicClass(first, "")).With(1, new Sharing(second, first.m_attributes));
+  char const* const document = "<root a='1' b='2'><f>1</f><h>2</h></root>";
+  EXPECT_EQ(
+      "Failed to process the element [root]\nFailed to process the element [root]\nUnexpected Attribute [b] found.",
+      ReadBack(object, document, "U"));
+  EXPECT_EQ("<root a=\"1\" a=\"1\"><f>1</f><h>2</h></root>", ReadBack(object, document, "UA"));
+}
+
+// The child <f> exists with its group, and its collection grows each time that the group reads it.
+TEST(GroupsAskedAgain, FillAChildThatKeepsItsCollectionAtEachOfThem) {
+  struct Keeping : DynamicClass {
+    using DynamicClass::DynamicClass;
+    void Init() override {}
+  };
+  Shape const child(kTagged, {new CElementInfoSeqPrimCol("c", "", 0)});
+  Shape const sequence(kGroup, {new CElementInfoSeqClsMnd("f", "", 0, XmlElementType_Element, nullptr, 0, false),
+                                Prim<CElementInfoSeqPrimMnd>("h", 1)});
+  Shape const all({XmlElementGroupType_All, XmlElementType_Pseudo, -1, false, false},
+                  {Prim<CElementInfoAllPrimOpt>("g", 2),
+                   new CElementInfoAllClsMnd("f", "", 0, XmlElementType_Element, nullptr, 0, true),
+                   Prim<CElementInfoAllPrimMnd>("h", 1)});
+  Shape const shape(kTagged, {Group(0, false)});
+  for (bool const isHasty : {false, true}) {
+    ReadingAllowance::t_isHasty = isHasty;
+    for (Shape const* const group : {&sequence, &all}) {
+      CSmartPtr<DynamicClass> const held(new Keeping(child, "f"));
+      held->With(0, new CstringCol("c", "", 0, -1, "", -1, -1, "", "", "", "", -1,
+                                   CWhitespaceUtils::WhitespaceRule_None, nullptr));
+      CSmartPtr<DynamicClass> const inner(new DynamicClass(*group, ""));
+      inner->With(0, held.Get());
+      DynamicClass object(shape);
+      object.With(0, inner.Get());
+      object.FromXml("<root><z/><z/><z/><f><c>1</c></f><z/><f><c>1</c></f></root>", Ignoring("U"));
+      EXPECT_EQ(group == &sequence ? 6 : 2, held->m_properties[0].GetXmlCollection()->GetCount()) << isHasty;
+    }
+  }
+  ReadingAllowance::t_isHasty = false;
+}
+
 // ---- The namespace of the holder
 
 TEST(HolderNamespace, IsGivenToAnUntypedMemberWhateverWasReadBefore) {
