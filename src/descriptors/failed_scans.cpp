@@ -40,10 +40,13 @@ FailedScans::Kind FailedScans::Note(CElementInfo const& member) {
 
 void FailedScans::NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement const* stop, std::uint64_t groups) {
   if (kind == Kind::kGroup) {  // a group counts its own steps, unless the program overrides how it is read
-    if (start != nullptr && m_groups == groups) NoteEffect();
-    return;
+    if (start == nullptr || m_groups != groups) return;
+    NoteEffect();
+    return Spend(1);
   }
-  std::size_t steps = kind == Kind::kOther ? 1 : 0;
+  // An element factory may refuse every child that has the name, and is asked about all of them again.
+  bool const isRefused = IsSought(kind) && start != nullptr && start == stop;
+  std::size_t steps = kind == Kind::kOther || isRefused ? 1 : 0;
   for (CXmlElement const* child = start; child != nullptr && child != stop; child = child->GetNextSiblingElement()) {
     steps += 1 + child->GetTextView().size() / 32;
   }

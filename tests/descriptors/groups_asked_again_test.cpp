@@ -152,6 +152,26 @@ TEST(GroupsAskedAgain, EndInAFailureWhereEachAttemptHasEffects) {
   ReadingAllowance::t_base = base;
 }
 
+TEST(GroupsAskedAgain, EndInAFailureWhereAnElementFactoryRefusesAllChildren) {
+  static int asked = 0;
+  ElementFactory const refuse = [](CXmlElement*) -> CSmartPtr<CXmlObjectBase> {
+    ++asked;
+    return nullptr;
+  };
+  static Shape const group(kGroup, {new CElementInfoSeqAbsClsMnd("a", "", 0, XmlElementType_Element, refuse)});
+  ClassFactory const make = [](int, char const* name) -> CSmartPtr<CXmlObjectBase> {
+    return new DynamicClass(group, name);
+  };
+  Shape const shape(kChoice, {new CElementInfoChoiceClsOpt("", "", 0, XmlElementType_Pseudo, make, 0)});
+  DynamicClass object(shape);
+  EXPECT_EQ("<root/>", ReadBack(object, ("<root>" + Repeated("<a/>", 100) + "</root>").c_str(), "UC"));
+  EXPECT_EQ(101 * 100 / 2, asked);  // it may answer in another way the next time
+  std::size_t const base = std::exchange(ReadingAllowance::t_base, 100);
+  StepsOf(object, Repeated("<a/>", 2000));
+  EXPECT_LE(asked, 200000);
+  ReadingAllowance::t_base = base;
+}
+
 // ---- What is remembered
 
 // What one class ignores, another one with the same table may refuse.
