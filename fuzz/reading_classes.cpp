@@ -59,7 +59,9 @@ class BoundClass : public CXmlGeneratedClass {
   CParentElementInfo* GetClassInfo() const override { return m_tables.info.get(); }
   CElementInfo** GetClassElementInfo() const override { return const_cast<CElementInfo**>(m_tables.elements.data()); }
   CAttributeInfo** GetClassAttributeInfo() const override {
-    return const_cast<CAttributeInfo**>(m_tables.attributes.data());
+    int const owner = m_class.sharesAttributes ? m_class.base : m_class.id;
+    World::Tables const& tables = World::Current().m_tables[static_cast<std::size_t>(owner)];
+    return const_cast<CAttributeInfo**>(tables.attributes.data());
   }
   void AccessProperty(int index, bool read, QnVariant& value) override {
     if (read) {

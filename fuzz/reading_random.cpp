@@ -69,6 +69,7 @@ int main(int count, char** arguments) {
     Case const tried = MakeCase(Random(seed));
     RunCase(tried);
     RunHastily(tried);
+    RunHastily(MakeCase(Random(seed), 20));
   }
   ReadingAllowance::t_base = 0;  // so that short documents reach its end
   ReadingAllowance::t_times = 1;

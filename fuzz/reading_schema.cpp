@@ -15,6 +15,7 @@ using namespace Quillon9Data;
 namespace {
 
 constexpr unsigned kClasses = 6;
+constexpr int kFirstAttribute = 100;
 
 std::string Pick(Chooser const& choose, std::initializer_list<char const*> texts) {
   return texts.begin()[choose(static_cast<unsigned>(texts.size()))];
@@ -83,6 +84,7 @@ Attribute MakeAttribute(Chooser const& choose) {
 void Number(Class& made) {
   int index = 0;
   for (Member& member : made.members) member.index = index++;
+  index = kFirstAttribute;  // the same in all classes, so that they may share a table
   for (Attribute& attribute : made.attributes) attribute.index = index++;
   if (made.textProperty >= 0) made.textProperty = index;
 }
@@ -133,6 +135,8 @@ Schema MakeSchema(Chooser const& choose) {
     Inherit(choose, *made, schema);
     for (unsigned count = 1 + choose(4); count > 0; --count) made->members.push_back(MakeMember(choose, *made, schema));
     for (unsigned count = choose(3); count > 0; --count) made->attributes.push_back(MakeAttribute(choose));
+    made->sharesAttributes = made->base >= 0 && made->id % 2 == 0;
+    if (made->sharesAttributes) made->attributes = schema[static_cast<std::size_t>(made->base)].attributes;
     Number(*made);
   }
   return schema;
@@ -178,11 +182,11 @@ std::string Describe(Case const& tried) {
   static char const* const inits[] = {"nothing", "collections", "all", "all but objects"};
   std::string text = "ignoring [" + tried.ignoring + "]\n";
   for (Class const& one : tried.schema) {
-    text += FormatString("class %d: %s, %s, ns [%s], Init clears %s%s%s, text %d, begins with %d of %d\n", one.id,
-                         NameOf(one.group), one.hasTag ? "tag" : "no tag", one.ns.c_str(),
-                         inits[static_cast<int>(one.init)], one.isNillable ? ", nillable" : "",
-                         one.rejectsAttributes ? ", rejects attributes" : "", one.textProperty,
-                         static_cast<int>(one.inherited), one.base);
+    text += FormatString(
+        "class %d: %s, %s, ns [%s], Init clears %s%s%s, text %d, begins with %d of %d%s\n", one.id, NameOf(one.group),
+        one.hasTag ? "tag" : "no tag", one.ns.c_str(), inits[static_cast<int>(one.init)],
+        one.isNillable ? ", nillable" : "", one.rejectsAttributes ? ", rejects attributes" : "", one.textProperty,
+        static_cast<int>(one.inherited), one.base, one.sharesAttributes ? ", shares its attributes" : "");
     for (Member const& member : one.members) {
       text += FormatString("  %d <%s> [%s] %s %s, type %d, class %d%s%s, %d to %d, [%s] held [%s] target [%s]\n",
                            member.index, member.name.c_str(), member.ns.c_str(),

@@ -58,8 +58,9 @@ struct Class {
   int textProperty = -1;
   std::string ns;
   InitKind init = InitKind::kNothing;
-  int base = -1;              ///< the class whose descriptors the table begins with
-  std::size_t inherited = 0;  ///< number of these descriptors
+  int base = -1;                  ///< the class whose descriptors the table begins with
+  std::size_t inherited = 0;      ///< number of these descriptors
+  bool sharesAttributes = false;  ///< the table of attributes is that of the base
   std::vector<Member> members;
   std::vector<Attribute> attributes;
 };
