@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "binding/node_place.h"
 #include "quillon9/base/exceptions.h"
@@ -13,8 +14,8 @@ namespace Quillon9 {
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(char const* name, char const* ns, int minOccurs, int maxOccurs)
-    : m_namespace(ns != nullptr ? ns : ""), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
-  SetElementName(name != nullptr ? name : "");
+    : m_namespace(OrEmpty(ns)), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+  SetElementName(name);
 }
 
 CXmlCollectionBase::~CXmlCollectionBase() = default;

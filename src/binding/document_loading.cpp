@@ -14,6 +14,7 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/streams.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
 
@@ -36,10 +37,7 @@ namespace {
 
 constexpr unsigned long kLargestInput = 0xFFFFFFFFUL;
 
-struct FileCloser {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using FilePtr = std::unique_ptr<std::FILE, FileCloser>;
+using FilePtr = std::unique_ptr<std::FILE, detail::CFileCloser>;
 
 /// Opens without blocking, since opening a pipe without a writer would never return; this does not affect a file.
 FilePtr OpenFile(char const* path) {

@@ -1,4 +1,5 @@
 #include "quillon9/binding/object_base.h"
+#include "base/text_arguments.h"
 #include "binding/name_match.h"
 
 #include <cstring>
@@ -8,12 +9,6 @@
 #include "quillon9/values/object_helper.h"
 
 namespace Quillon9 {
-
-namespace {
-
-char const* OrEmpty(char const* text) { return text != nullptr ? text : ""; }
-
-}  // namespace
 
 CXmlObjectBase::CXmlObjectBase() = default;
 CXmlObjectBase::~CXmlObjectBase() = default;

@@ -3,6 +3,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
@@ -11,8 +12,6 @@
 namespace Quillon9 {
 
 namespace {
-
-std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
 // The value is converted to text while the element is open.
 template <class ToText>

@@ -1,5 +1,6 @@
 #include "quillon9/descriptors/attribute_info.h"
 
+#include "base/text_arguments.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -17,7 +18,7 @@ CAttributeInfo::CAttributeInfo(char const* name, char const* ns, int index, bool
       m_namespace(ns),
       m_propertyIndex(index),
       m_optional(optional),
-      m_defaultValue(defaultValue != nullptr ? defaultValue : "") {}
+      m_defaultValue(OrEmpty(defaultValue)) {}
 
 CAttributeInfo::~CAttributeInfo() = default;
 
@@ -142,8 +143,8 @@ void CAttributeInfoEnum::Validate(CXmlSerializationContext const&, bool found) c
 CAttributeInfoAny::CAttributeInfoAny(char const* name, char const* ns, int index, bool optional,
                                      char const* restriction, char const* targetNamespace, char const* defaultValue)
     : CAttributeInfo(name, ns, index, optional, defaultValue),
-      m_namespaceRestriction(restriction != nullptr ? restriction : ""),
-      m_targetNamespace(targetNamespace != nullptr ? targetNamespace : "") {}
+      m_namespaceRestriction(OrEmpty(restriction)),
+      m_targetNamespace(OrEmpty(targetNamespace)) {}
 
 CAttributeInfoAny::~CAttributeInfoAny() = default;
 

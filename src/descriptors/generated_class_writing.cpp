@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/nesting_guard.h"
+#include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -61,7 +62,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
   std::string text = std::move(writer->m_namespaceText);  // reuses its memory
-  std::string_view const wanted = ns != nullptr ? ns : "";
+  std::string_view const wanted = OrEmpty(ns);
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
   writer->m_namespaceText = std::move(text);

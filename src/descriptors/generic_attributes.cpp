@@ -1,5 +1,6 @@
 #include <utility>
 
+#include "base/text_arguments.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/object_helper.h"
@@ -9,8 +10,6 @@
 namespace Quillon9 {
 
 namespace {
-
-std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
 std::string FirstToken(std::string const& list) { return list.substr(0, list.find(' ')); }
 

@@ -1,6 +1,7 @@
 #include <utility>
 
 #include "base/nesting_guard.h"
+#include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "descriptors/failed_scans.h"
 #include "descriptors/generic_size.h"
@@ -13,8 +14,6 @@
 namespace Quillon9 {
 
 namespace {
-
-std::string OrEmpty(char const* text) { return text != nullptr ? text : ""; }
 
 bool IsWildcard(std::string const& text) {
   return text == "##any" || text == "##other" || text == "##local" || text == "##targetNamespace";

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/byte_blocks.h"
+#include "base/text_arguments.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
 #include "fastinfoset/known_names.h"
@@ -26,8 +27,6 @@ constexpr unsigned long kAlphabets = 2;
 constexpr unsigned long kAlgorithms = 10;
 
 enum Kind : unsigned long { kDefaultEncoding = 0, kRestrictedAlphabet = 1, kEncodingAlgorithm = 2 };
-
-bool StartsWith(std::string const& text, std::string_view start) { return text.compare(0, start.size(), start) == 0; }
 
 std::string const& NoPrefix() {
   static auto const& none = *new std::string;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <utility>
 
+#include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/base64.h"
 
@@ -56,8 +57,6 @@ std::unique_ptr<unsigned char[]> NewBuffer(std::size_t size) {
 void CopyBytes(unsigned char* to, unsigned char const* from, std::size_t length) {
   if (length != 0) std::memmove(to, from, length);
 }
-
-char const* NotNull(char const* text) { return text != nullptr ? text : ""; }
 
 unsigned char const* Bytes(char const* text) { return reinterpret_cast<unsigned char const*>(text); }
 
@@ -232,7 +231,7 @@ void CBinaryData::Append(unsigned char const* data, unsigned long length) {
 
 void CBinaryData::Append(CBinaryData const& other) { Append(other.GetData(), other.GetLength()); }
 
-void CBinaryData::Append(char const* text) { Append(Bytes(NotNull(text)), std::strlen(NotNull(text))); }
+void CBinaryData::Append(char const* text) { Append(Bytes(OrEmpty(text)), std::strlen(OrEmpty(text))); }
 
 void CBinaryData::Append(std::string const& text) { Append(text.c_str()); }
 
@@ -246,7 +245,7 @@ void CBinaryData::SetBuffer(unsigned char const* data, unsigned long length) {
   m_holder = holder;
 }
 
-void CBinaryData::SetBuffer(char const* text) { SetBuffer(Bytes(NotNull(text)), std::strlen(NotNull(text))); }
+void CBinaryData::SetBuffer(char const* text) { SetBuffer(Bytes(OrEmpty(text)), std::strlen(OrEmpty(text))); }
 
 unsigned char* CBinaryData::ReleaseData() {
   if (m_holder == nullptr) return nullptr;
@@ -266,7 +265,7 @@ bool CBinaryData::operator==(CBinaryData const& other) const {
 
 void CBinaryData::SetAsBase64(char const* text) {
   CBinaryData const old(std::move(*this));  // cleared but alive, because the text may be part of it
-  std::unique_ptr<unsigned char[]> bytes = NewBuffer(std::strlen(NotNull(text)) + 1);
+  std::unique_ptr<unsigned char[]> bytes = NewBuffer(std::strlen(OrEmpty(text)) + 1);
   int const length = CBase64().Decode(text, bytes.get());
   Adopt(std::move(bytes), static_cast<unsigned long>(length));
 }
@@ -299,7 +298,7 @@ std::string CBinaryData::GetAsHexString(unsigned char const* data, unsigned long
 }
 
 unsigned long CBinaryData::ConvertToHexData(char const* text, unsigned char** out) {
-  char const* at = NotNull(text);
+  char const* at = OrEmpty(text);
   unsigned long const length = CheckedLength(std::strlen(at) / 2);
   std::unique_ptr<unsigned char[]> bytes = NewBuffer(std::size_t{length} + 1);
   unsigned char* byte = bytes.get();

@@ -7,17 +7,12 @@
 #include <utility>
 
 #include "base/nesting_failure.h"
+#include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
-
-namespace {
-
-std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
-
-}  // namespace
 
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
@@ -44,12 +39,12 @@ void CXmlDocument::Cleanup() {
 }
 
 std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
-  auto const found = m_namespaceAliases.find(std::string(TextOrEmpty(prefix)));
+  auto const found = m_namespaceAliases.find(OrEmpty(prefix));
   return found != m_namespaceAliases.end() ? found->second : std::string();
 }
 
 CXmlElement* CXmlDocument::AddDocElement(char const* namespaceUri, char const* localName) {
-  return AddDocElement(TextOrEmpty(namespaceUri), TextOrEmpty(localName));
+  return AddDocElement(std::string_view(OrEmpty(namespaceUri)), OrEmpty(localName));
 }
 
 CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::string_view localName) {
@@ -66,7 +61,7 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
-  return AddChildElement(TextOrEmpty(namespaceUri), TextOrEmpty(localName));
+  return AddChildElement(std::string_view(OrEmpty(namespaceUri)), OrEmpty(localName));
 }
 
 CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::string_view localName) {

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
 #include "xmlio/converted_text.h"
@@ -30,8 +31,6 @@ SplitName Split(std::string_view name) {
   if (separator == std::string_view::npos) return {{}, name};
   return {name.substr(0, separator), name.substr(separator + 1)};
 }
-
-std::string_view TextOrEmpty(char const* text) { return text != nullptr ? text : std::string_view(); }
 
 [[noreturn]] void ThrowParserFailure(XML_Parser parser) {
   auto const line = static_cast<unsigned long>(XML_GetCurrentLineNumber(parser));
@@ -105,7 +104,7 @@ void CExpatReader::FnEndElement(void* self, XML_Char const*) {
 
 void CExpatReader::FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri) {
   Guarded(self, [=](CExpatReader& reader) {
-    reader.m_document.SetNamespaceAlias(reader.m_toLocal(TextOrEmpty(prefix)), reader.m_toLocal(TextOrEmpty(uri)));
+    reader.m_document.SetNamespaceAlias(reader.m_toLocal(OrEmpty(prefix)), reader.m_toLocal(OrEmpty(uri)));
   });
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "values/local_to_utf8.h"
@@ -48,8 +49,6 @@ void CloseChecked(FileHandle& file, std::string const& path) {
   if (std::fclose(file.release()) != 0) ThrowNotWritten(path);
 }
 
-std::string PathText(char const* path) { return path != nullptr ? path : ""; }
-
 }  // namespace
 
 CTextStream::CTextStream() : m_encoding(XmlEncoding_Default) {}
@@ -84,7 +83,7 @@ CBinaryData CTextStream::GetEncodedStream() const {
 }
 
 CFileTextStream::CFileTextStream(char const* path, XmlEncoding encoding)
-    : CTextStream("CFileTextStream", encoding), m_path(PathText(path)) {}
+    : CTextStream("CFileTextStream", encoding), m_path(OrEmpty(path)) {}
 
 CFileTextStream::~CFileTextStream() = default;
 
@@ -120,10 +119,10 @@ CBinaryStream::CBinaryStream(char const* /*className*/, CBinaryData const& data)
 CBinaryStream::~CBinaryStream() = default;
 
 CFileBinaryStream::CFileBinaryStream(char const* path, XmlEncoding encoding)
-    : CBinaryStream("CFileBinaryStream"), m_path(PathText(path)), m_encoding(encoding) {}
+    : CBinaryStream("CFileBinaryStream"), m_path(OrEmpty(path)), m_encoding(encoding) {}
 
 CFileBinaryStream::CFileBinaryStream(char const* path, XmlEncoding encoding, CBinaryData const& data)
-    : CBinaryStream("CFileBinaryStream", data), m_path(PathText(path)), m_encoding(encoding) {}
+    : CBinaryStream("CFileBinaryStream", data), m_path(OrEmpty(path)), m_encoding(encoding) {}
 
 CFileBinaryStream::~CFileBinaryStream() = default;
 

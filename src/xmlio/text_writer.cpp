@@ -6,6 +6,7 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/streams.h"
@@ -44,8 +45,6 @@ char const* EntityFor(char byte) {
     default: return "&gt;";
   }
 }
-
-bool StartsWith(std::string_view text, std::string_view start) { return text.compare(0, start.size(), start) == 0; }
 
 char* PutTabs(char* to, std::size_t count) {
   for (; count != 0; --count) *to++ = '\t';
