@@ -12,6 +12,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_copy.h"
 #include "descriptors/failed_scans.h"
+#include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -37,6 +38,7 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
 CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   Init();
+  if constexpr (kChecksTables) CheckTablesOnce(*this);
   CParentElementInfo const& info = *GetClassInfo();
   NestingGuard const guard(info.m_elementType == XmlElementType_Element);
   if (info.m_elementType == XmlElementType_Element && !IsSameText(GetElementName(), parent->GetLocalName())) {

@@ -8,6 +8,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/descriptors/attribute_info.h"
@@ -32,6 +33,7 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* 
 
 void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char const* ns,
                                       CXmlSerializationContext const& ctx, bool inChoice) const {
+  if constexpr (kChecksTables) CheckTablesOnce(*this);
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);

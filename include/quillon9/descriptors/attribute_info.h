@@ -59,6 +59,7 @@ class QUILLON9_API CAttributeInfo {
   /// \throws CQnValidationException "Failed to find the required Attribute [%s]" unless it is optional or \p found.
   void ThrowIfRequiredAndMissing(bool found) const;
 
+  friend class TableCheck;
   std::string m_attributeName;  ///< local name
   std::string m_namespace;      ///< empty for none
   int m_propertyIndex;          ///< for AccessProperty()
@@ -86,6 +87,7 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   void CheckRestriction(QnVariant value) const;
 
  private:
+  friend class TableCheck;
   CPrimitiveRestrictions m_restrictions;
   ItemType m_itemType;
   char const* m_format;
@@ -109,6 +111,7 @@ class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
   void Validate(CXmlSerializationContext const& ctx, bool found) const override;
 
  private:
+  friend class TableCheck;
   EnumFromText m_fromText;
   EnumToText m_toText;
 };

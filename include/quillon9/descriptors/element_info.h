@@ -52,6 +52,7 @@ using EnumFromText = int (*)(char const* text);
 ///@}
 
 struct ChildTypes;  // for internal use
+class TableCheck;   // for internal use
 
 /// Base of all element descriptors: what a descriptor stores, and the steps that the derived classes share.
 class QUILLON9_API CElementInfo {
@@ -221,6 +222,7 @@ class QUILLON9_API CElementInfo {
   bool m_primitive;  ///< set by the constructor for primitive members
 
  private:
+  friend class TableCheck;
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for other members, and for rare facets
   std::uint64_t const m_number;
 };
@@ -262,6 +264,7 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
   bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,    \
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
 #define QN_TYPED_OVERRIDES \
+  friend class TableCheck; \
   QN_ELEMENT_OVERRIDES     \
   bool ReadsHolderNamespace() const override { return false; }
 #define QN_UNTYPED_OVERRIDES \

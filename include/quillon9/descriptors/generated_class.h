@@ -88,6 +88,18 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   /// collections of repeated members with ReadProperty().
   bool DoesElementContainOptionalElements() const;
 
+  /// Look for faults in the record and the tables of the class which reading and writing show late or not at all. The
+  /// section "Checked tables" of docs/generated-classes.md lists them. Nothing is changed. The properties of this object
+  /// are read where an entry needs a collection and where two optional entries share an index. A library that was built
+  /// with QUILLON9_CHECK_TABLES calls this when an object of the class is read or written for the first time.
+  ///
+  /// A table without the null pointer at its end is reported only if the next 65,536 pointers in memory are not null.
+  /// Otherwise the behaviour is undefined, as it is when such a class is read or written.
+  /// \throws CQnException "The tables of the class [%s] are wrong:%s", where the name is that of the type in the record,
+  ///         or of the C++ class if that is empty, and a line follows for each fault; what AccessProperty() throws
+  ///         outside the family of CQnException.
+  void CheckTables() const;
+
   /// Free what a generated class built, and set the references to null. Safe to call twice. No object of the class may
   /// still be in use.
   static void CleanMetaData(Quillon9Data::CParentElementInfo*& classInfo, Quillon9Data::CElementInfo**& elements,
