@@ -317,8 +317,8 @@ bool TableCheck::CheckAttribute(CAttributeInfo const& entry) {
     CheckFunction(attribute.m_toText != nullptr && attribute.m_fromText != nullptr, "text function");
   };
   auto const wildcard = [this](CAttributeInfo const& attribute) {
-    QnVariant value;
-    if (!Read(attribute.m_propertyIndex, value) || HeldAs<CAttributeCol>(value) != nullptr) return;
+    QnVariant held;
+    if (!Read(attribute.m_propertyIndex, held) || HeldAs<CAttributeCol>(held) != nullptr) return;
     Find(FormatString("the property %d gives no CAttributeCol", attribute.m_propertyIndex));
   };
   LookAt(Types<CAttributeInfoPrimitive>(), entry, value);
