@@ -29,6 +29,7 @@ using namespace Quillon9;
 namespace {
 
 constexpr int kMaxEntries = 65'536;
+constexpr auto kUnknownGroup = static_cast<XmlElementGroupType>(-1);
 
 template <class... Members>
 struct Types {};
@@ -99,7 +100,7 @@ class TableCheck {
  public:
   explicit TableCheck(CXmlGeneratedClass const& object) : m_object(object) {}
 
-  /// The findings, each behind a line feed.
+  /// Return the findings, each after a line feed; empty if there are none.
   std::string Run();
 
  private:
@@ -118,9 +119,11 @@ class TableCheck {
   void CheckElements(XmlElementGroupType group, CElementInfo* const* table);
   void CheckAttributes(CAttributeInfo* const* table);
   void CheckGroup(XmlElementGroupType group, CElementInfo const& entry);
-  bool CheckMandatory(CElementInfo const& entry, bool isLast);
-  void CheckOptional(CElementInfo const& entry);
-  bool CheckAttribute(CAttributeInfo const& entry);
+  // Whether the entry is of a class that this function checks.
+  bool CheckMandatory(CElementInfo const& entry, bool isLast);  // the program cannot ignore the index of such a member
+  bool CheckOptional(CElementInfo const& entry);
+  bool CheckNamedAttribute(CAttributeInfo const& entry);
+  bool CheckWildcard(CAttributeInfo const& entry, bool isLast);
 
   // What the members have in common, by content kind.
   template <class Member>
@@ -160,7 +163,7 @@ std::string TableCheck::Run() {
   } else {
     CheckRecord(*info);
   }
-  CheckElements(info != nullptr ? info->m_groupType : XmlElementGroupType_Sequence, m_object.GetClassElementInfo());
+  CheckElements(info != nullptr ? info->m_groupType : kUnknownGroup, m_object.GetClassElementInfo());
   CheckAttributes(m_object.GetClassAttributeInfo());
   m_where = "text property";
   if (info != nullptr && info->m_textPropertyIndex != -1) CheckIndex(info->m_textPropertyIndex, false, false);
@@ -193,7 +196,8 @@ void TableCheck::CheckElements(XmlElementGroupType group, CElementInfo* const* t
     m_where = FormatString("elements[%d] [%s]", i, entry.m_elementName.c_str());
     CheckGroup(group, entry);
     bool const isMandatory = CheckMandatory(entry, i == count - 1);
-    if (!isMandatory) CheckOptional(entry);
+    // What a class of the program does with its index is not known.
+    if (!isMandatory && !CheckOptional(entry)) continue;
     CheckIndex(entry.m_propertyIndex, group == XmlElementGroupType_Choice, !isMandatory);
   }
 }
@@ -203,8 +207,8 @@ void TableCheck::CheckAttributes(CAttributeInfo* const* table) {
   for (int i = 0; i < count; ++i) {
     CAttributeInfo const& entry = *table[i];
     m_where = FormatString("attributes[%d] [%s]", i, entry.m_attributeName.c_str());
-    bool const isWildcard = CheckAttribute(entry);
-    if (isWildcard && i < count - 1) Find("a wildcard takes all attributes, so it must be the last entry");
+    bool const isWildcard = CheckWildcard(entry, i == count - 1);
+    if (!isWildcard && !CheckNamedAttribute(entry)) continue;
     CheckIndex(entry.m_propertyIndex, false, entry.m_optional && !isWildcard);
   }
 }
@@ -270,7 +274,6 @@ void TableCheck::CheckUntypedCollection(CElementInfo const& member, bool isLast)
   }
 }
 
-/// Check a member whose index the class cannot ignore. False if \p entry is of no such class.
 bool TableCheck::CheckMandatory(CElementInfo const& entry, bool isLast) {
   auto const value = [this](auto const& member) { CheckValue(member); };
   auto const enumerator = [this](auto const& member) { CheckEnumerator(member); };
@@ -293,21 +296,23 @@ bool TableCheck::CheckMandatory(CElementInfo const& entry, bool isLast) {
                 entry, collection);
 }
 
-void TableCheck::CheckOptional(CElementInfo const& entry) {
+bool TableCheck::CheckOptional(CElementInfo const& entry) {
   auto const value = [this](auto const& member) { CheckValue(member); };
   auto const enumerator = [this](auto const& member) { CheckEnumerator(member); };
   auto const object = [this](auto const& member) { CheckMadeObject(member); };
   auto const abstractObject = [this](auto const& member) { CheckAbstractObject(member); };
   auto const untyped = [this](auto const& member) { CheckName(member.m_elementName, member.m_namespace); };
-  LookAt(Types<CElementInfoSeqPrimOpt, CElementInfoAllPrimOpt, CElementInfoChoicePrimOpt>(), entry, value);
-  LookAt(Types<CElementInfoSeqEnumOpt, CElementInfoAllEnumOpt, CElementInfoChoiceEnumOpt>(), entry, enumerator);
-  LookAt(Types<CElementInfoSeqClsOpt, CElementInfoAllClsOpt, CElementInfoChoiceClsOpt>(), entry, object);
-  LookAt(Types<CElementInfoSeqAbsClsOpt, CElementInfoChoiceAbsClsOpt>(), entry, abstractObject);
-  LookAt(Types<CElementInfoSeqUntpdOpt, CElementInfoAllUntpdOpt, CElementInfoChoiceUntpdOpt>(), entry, untyped);
+  auto const nothing = [](auto const&) {};  // as above
+  return LookAt(Types<CElementInfoSeqPrimOpt, CElementInfoAllPrimOpt, CElementInfoChoicePrimOpt>(), entry, value) ||
+         LookAt(Types<CElementInfoSeqEnumOpt, CElementInfoAllEnumOpt, CElementInfoChoiceEnumOpt>(), entry,
+                enumerator) ||
+         LookAt(Types<CElementInfoSeqClsOpt, CElementInfoAllClsOpt, CElementInfoChoiceClsOpt>(), entry, object) ||
+         LookAt(Types<CElementInfoSeqAbsClsOpt, CElementInfoChoiceAbsClsOpt>(), entry, abstractObject) ||
+         LookAt(Types<CElementInfoAllAbsClsOpt>(), entry, nothing) ||
+         LookAt(Types<CElementInfoSeqUntpdOpt, CElementInfoAllUntpdOpt, CElementInfoChoiceUntpdOpt>(), entry, untyped);
 }
 
-/// Whether \p entry is a wildcard.
-bool TableCheck::CheckAttribute(CAttributeInfo const& entry) {
+bool TableCheck::CheckNamedAttribute(CAttributeInfo const& entry) {
   auto const value = [this](CAttributeInfoPrimitive const& attribute) {
     CheckName(attribute.m_attributeName, attribute.m_namespace);
     CheckKind(attribute.m_itemType, attribute.m_whitespaceRule);
@@ -316,14 +321,18 @@ bool TableCheck::CheckAttribute(CAttributeInfo const& entry) {
     CheckName(attribute.m_attributeName, attribute.m_namespace);
     CheckFunction(attribute.m_toText != nullptr && attribute.m_fromText != nullptr, "text function");
   };
-  auto const wildcard = [this](CAttributeInfo const& attribute) {
-    QnVariant held;
-    if (!Read(attribute.m_propertyIndex, held) || HeldAs<CAttributeCol>(held) != nullptr) return;
-    Find(FormatString("the property %d gives no CAttributeCol", attribute.m_propertyIndex));
-  };
-  LookAt(Types<CAttributeInfoPrimitive>(), entry, value);
-  LookAt(Types<CAttributeInfoEnum>(), entry, enumerator);
-  return LookAt(Types<CAttributeInfoAny>(), entry, wildcard);
+  return LookAt(Types<CAttributeInfoPrimitive>(), entry, value) ||
+         LookAt(Types<CAttributeInfoEnum>(), entry, enumerator);
+}
+
+bool TableCheck::CheckWildcard(CAttributeInfo const& entry, bool isLast) {
+  if (typeid(entry) != typeid(CAttributeInfoAny)) return false;
+  if (!isLast) Find("a wildcard takes all attributes, so it must be the last entry");
+  QnVariant held;
+  if (Read(entry.m_propertyIndex, held) && HeldAs<CAttributeCol>(held) == nullptr) {
+    Find(FormatString("the property %d gives no CAttributeCol", entry.m_propertyIndex));
+  }
+  return true;
 }
 
 void TableCheck::CheckName(std::string const& name, std::string const& ns) {

@@ -9,6 +9,10 @@
 
 #include "dynamic_class.h"
 #include "expect_failure.h"
+#include "feed/feed_types.h"
+#include "gpx_track/gpx_types.h"
+#include "purchase_order/order_types.h"
+#include "shapes/shape_types.h"
 
 namespace Quillon9Data {
 namespace {
@@ -112,12 +116,17 @@ TEST(CheckTables, FindsWhatIsWrongWithIndices) {
   auto const fill = [](DynamicClass& object) { object.With(5, "set"); };
   Shape::Options text;
   text.textProperty = 2;
+  class OwnMember : public CElementInfoSeqPrimMnd {
+   public:
+    using CElementInfoSeqPrimMnd::CElementInfoSeqPrimMnd;
+  };
   Row const rows[] = {
       {{}, {Mnd("a", 0), Opt("b", 0)}, {}, "elements[1] [b]: the index 0 is also that of elements[0] [a]"},
       {{}, {Opt("a", 0)}, {Attribute("b", 0, false)}, "attributes[0] [b]: the index 0 is also that of elements[0] [a]"},
       {text, {}, {Attribute("b", 2, true)}, "text property: the index 2 is also that of attributes[0] [b]"},
       {{}, {Opt("a", 5), Opt("b", 5)}, {}, "elements[1] [b]: the index 5 is also that of elements[0] [a]", fill},
       {{}, {Opt("a", 5), Opt("b", 5)}, {Attribute("c", 5, true)}, ""},  // the class may ignore this index
+      {{}, {Mnd("a", 5), Prim<OwnMember>("b", 5)}, {}, "", fill},       // which may do without its index
       {Group(XmlElementGroupType_Choice), {Choice("a", 5), Choice("b", 5)}, {}, "", fill},  // one occurs
   };
   for (Row const& row : rows) Expect(row);
@@ -194,6 +203,26 @@ TEST(CheckTables, FindsMissingFunctionsAndCollections) {
        fill},
   };
   for (Row const& row : rows) Expect(row);
+}
+
+TEST(CheckTables, PassTheClassesOfTheExamples) {
+  ClassFactory const factories[] = {Atom::CClassFactory::CreateObject, Gpx::CClassFactory::CreateObject,
+                                    Orders::CClassFactory::CreateObject, Drawings::CClassFactory::CreateObject};
+  std::vector<CSmartPtr<CXmlObjectBase>> objects = {new Atom::CFeedType,
+                                                    Gpx::CGpxType::CreateInstance(),
+                                                    Gpx::CTrkType::CreateInstance("trk"),
+                                                    Gpx::CTrksegType::CreateInstance("trkseg"),
+                                                    Gpx::CWptType::CreateInstance("wpt"),
+                                                    new Drawings::CDrawing};
+  for (ClassFactory const factory : factories) {
+    std::size_t const former = objects.size();
+    try {
+      for (int classId = 0;; ++classId) objects.push_back(factory(classId, "x"));
+    } catch (CQnInvalidParamException const&) {  // no class has this number
+    }
+    EXPECT_LT(former + 1, objects.size());
+  }
+  for (auto const& object : objects) EXPECT_EQ("", Findings(dynamic_cast<CXmlGeneratedClass const&>(*object)));
 }
 
 /// A class whose record and tables are those of the pointers, right or wrong.
