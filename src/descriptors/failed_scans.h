@@ -14,7 +14,7 @@ namespace Quillon9 {
 
 /// Remembers what the groups without a tag inside one element have found out about the children and attributes of that
 /// element. One object exists while the element is read under the option that ignores unknown children, and ends with
-/// that read, so nothing outlives the tree.
+/// that read, so nothing outlives the tree. The program must not change the tree during the read.
 ///
 /// When a group lacks a mandatory member, the reader skips one child and tries the group again, and each member then
 /// searches the remaining children again. Without a memory this is quadratic in the number of children. Two things are
@@ -34,11 +34,12 @@ class FailedScans {
   enum class Kind : std::uint8_t {
     kNamed,     ///< takes the element under the cursor by its name, and otherwise has no effect
     kRequired,  ///< the same, and a sequence without a tag searches the following children for it
-    kHeld,      ///< the same, and reads into an object that exists already, which may keep what it got before
+    kHeld,      ///< the same, but reads into an object that exists already and may keep what it read before
     kGroup,     ///< an object without a tag
     kOther      ///< may change objects whenever it is asked: collections, untyped content, a program's own descriptors
   };
 
+  /// Whether a sequence without a tag searches the following children for a member of kind \p kind.
   static bool IsSought(Kind kind) { return kind == Kind::kRequired || kind == Kind::kHeld; }
 
   /// For the children of \p parent, which is borrowed. It is the current one of this thread until it is destroyed.
@@ -69,7 +70,7 @@ class FailedScans {
     FailedScans* m_outer;
   };
 
-  /// Call before \p member is asked, also if the answer may be a failure. Returns what it is.
+  /// Call before \p member is tried. Returns its kind.
   Kind Note(Quillon9Data::CElementInfo const& member);
   /// Call after a member of kind \p kind has moved the cursor from \p start to \p stop. \p groups is the value of
   /// Groups() before that.

@@ -120,8 +120,8 @@ bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, F
   return isSatisfied;
 }
 
-// The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members only
-// groups do so, and what a program derives, which Note() knows to have effects.
+// The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members, only
+// groups do so. A program's own descriptor may do so as well; Note() then records an effect.
 CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& member, CXmlElement const* parent,
                       CXmlElement* cursor) {
   FailedScans* const scans = FailedScans::Of(parent, ctx);

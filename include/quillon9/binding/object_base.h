@@ -160,7 +160,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   virtual void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                          bool inChoice) const = 0;
   /// Read this object from \p parent, whose attributes and text it may take, and from \p cursor, the first child that
-  /// has not been taken yet (null for none). Returns the first child that this object did not take.
+  /// has not been taken yet (null for none). Returns the first child that this object did not take. The children and
+  /// attributes of \p parent must not change until the read of the whole document has ended.
   virtual CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                    bool inChoice) = 0;
 
