@@ -1,0 +1,155 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "quillon9/values/item_type.h"
+#include "schema/components.h"
+
+/// Which classes there will be for a set of schemas: a value of its own, from which C++ text (or anything else) is made.
+/// Nothing here is text of a program but the names.
+namespace Quillon9Generator::Plan {
+
+/// One enumerator.
+struct Enumerator {
+  std::string name;           ///< in C++
+  std::string text;           ///< in documents
+  std::string documentation;
+};
+
+struct Enumeration {
+  std::string cppName;        ///< without the namespace, with the classes around it: CItems::EColour
+  Schema::QualifiedName name;
+  std::string documentation;
+  Schema::Place place;
+  std::vector<Enumerator> enumerators;
+  struct Class const* owner = nullptr;  ///< the class that it is nested in; null for none
+};
+
+/// The facets that a value is checked against. Texts are lexical forms of the schema.
+struct Facets {
+  std::string pattern;  ///< all steps as one pattern; empty for none
+  long length = -1, minLength = -1, maxLength = -1, totalDigits = -1, fractionDigits = -1;
+  std::string minInclusive, maxInclusive, minExclusive, maxExclusive;
+  bool operator==(Facets const& other) const;
+  bool Empty() const;
+};
+
+/// How the value of a simple type is held.
+struct ValueType {
+  Quillon9::ItemType kind = Quillon9::ItemType_string;
+  Schema::WhiteSpace whiteSpace = Schema::WhiteSpace::Collapse;
+  Facets facets;
+  Enumeration const* enumeration = nullptr;  ///< held as its enumerator; kind is then ItemType_i4
+  std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
+};
+
+struct Class;
+
+struct Member {
+  enum class Kind {
+    Value,           ///< of a simple type, enumerations included
+    Values,          ///< repeated
+    Object,          ///< of a class
+    Objects,         ///< repeated
+    NillableValue,   ///< of a simple type, may be nil: CValueElement
+    NillableValues,  ///< repeated
+    Rounds,          ///< a repeated group: objects of a class without a tag
+    Any,             ///< one element of any name that the wildcard allows
+    Anys,            ///< repeated
+    AnyType,         ///< an element of this name with any content
+    AnyTypes,        ///< repeated
+    AnyAttributes    ///< the attributes of a wildcard
+  };
+  enum class Place { Element, Attribute, Text };
+
+  Kind kind = Kind::Value;
+  Place place = Place::Element;
+  int property = 0;          ///< the number of the property, those of the base class included
+  std::string cppName;       ///< as in Get...(): ShipTo
+  std::string field;         ///< the data member: m_shipTo
+  Schema::QualifiedName name;  ///< in documents; empty for rounds and wildcards
+  int minOccurs = 1;
+  int maxOccurs = 1;         ///< Schema::Particle::kUnbounded for no limit
+  bool mandatory = false;    ///< held as a plain value or reference: present in every valid object
+  ValueType value;           ///< of Value..., NillableValue...
+  Class const* type = nullptr;  ///< of Object..., Rounds
+  std::optional<std::string> defaultValue, fixedValue;
+  std::string restriction;   ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace
+  std::string targetNamespace;  ///< of a wildcard: the namespace that ##other excludes
+  std::string documentation;
+  Schema::Place schemaPlace;
+  int choice = -1;           ///< index into Class::choices of the innermost choice that it is an alternative of; -1 for none
+};
+
+/// One row of a class's element table.
+struct Row {
+  enum class Kind { Member, BeginSequence, BeginChoice, BeginAll, End };
+  Kind kind = Kind::Member;
+  int member = -1;        ///< index into Class::members
+  bool optional = false;  ///< of a group: minOccurs 0
+  int choice = -1;        ///< of BeginChoice: index into Class::choices
+};
+
+/// A choice that occurs once and so belongs to the class around it.
+struct Choice {
+  std::string cppName;                      ///< Choice, Choice2
+  std::vector<std::string> alternatives;    ///< names of the enumerators, in order, without None
+  int row = 0;                              ///< the row that begins it
+};
+
+struct Class {
+  std::string cppName;        ///< with the classes around it: CItems::CItem
+  std::string shortName;      ///< CItem
+  Schema::QualifiedName name; ///< of the type; local part empty for an anonymous type or a group
+  std::string defaultElementName;  ///< what CreateInstance() takes by default; empty where several elements have this type
+  std::string targetNamespace;
+  std::string documentation;
+  Schema::Place place;
+  Class const* base = nullptr;
+  Class const* owner = nullptr;         ///< the class that it is nested in
+  bool abstract = false;
+  bool round = false;                   ///< has no tag
+  bool nillable = false;
+  bool mixed = false;
+  bool rejectUnknownAttributes = true;
+  int firstProperty = 0;                ///< the number of properties of all bases
+  std::vector<Member> members;          ///< its own: in schema order, elements first, then text, then attributes
+  std::vector<Row> rows;                ///< its own elements
+  std::vector<Choice> choices;
+  std::vector<Class const*> nested;     ///< in the order of definition
+  std::vector<Enumeration const*> nestedEnumerations;
+  std::vector<Class const*> derived;    ///< all classes derived from it, also indirectly, in order
+};
+
+/// A global element: what ReadX() and ReadRoot() read.
+struct Root {
+  std::string cppName;            ///< PurchaseOrder
+  Schema::QualifiedName name;
+  Class const* type = nullptr;    ///< or, if null, the value of a simple type
+  ValueType value;
+  std::string alias;              ///< CPurchaseOrder where that is another, free name; else empty
+  bool anyType = false;           ///< read as a CElement
+  std::string documentation;
+};
+
+/// Everything that goes into one C++ namespace.
+struct Namespace {
+  std::string cppName;            ///< Company::Orders
+  std::string fileStem;           ///< orders
+  std::vector<Enumeration const*> enumerations;  ///< those that are not nested
+  std::vector<Class const*> classes;             ///< those that are not nested; a base stands before what derives from it
+  std::vector<Root> roots;
+};
+
+struct Plan {
+  std::vector<Namespace> namespaces;
+  std::vector<std::string> schemaFiles;  ///< names without folders, for the first comment
+  std::vector<std::unique_ptr<Class>> classStorage;
+  std::vector<std::unique_ptr<Enumeration>> enumerationStorage;
+};
+
+}  // namespace Quillon9Generator::Plan

@@ -1,0 +1,148 @@
+#pragma once
+
+#include <cstdint>
+
+#include "quillon9/text/whitespace.h"
+#include "quillon9/values/item_type.h"
+
+namespace Quillon9 {
+
+class CClassTables;
+class CEnumTexts;
+
+/// The facets of a simple type. Null and -1 stand for a facet that is not set.
+struct CFacets {
+  char const* pattern = nullptr;
+  int length = -1;
+  int minLength = -1;
+  int maxLength = -1;
+  char const* minInclusive = nullptr;
+  char const* maxInclusive = nullptr;
+  char const* minExclusive = nullptr;
+  char const* maxExclusive = nullptr;
+  int totalDigits = -1;
+  int fractionDigits = -1;
+};
+
+/// How the values of a simple type are read, checked and written.
+struct CValueType {
+  ItemType kind = ItemType_string;
+  CWhitespaceUtils::WhitespaceRule whitespace = CWhitespaceUtils::WhitespaceRule_Collapse;
+  CFacets const* facets = nullptr;           ///< null for none
+  CEnumTexts const* enumeration = nullptr;   ///< null unless the values are enumerators; kind is ItemType_i4 then
+};
+
+/// The namespaces that a wildcard allows: "##any", "##other", or a list of URIs, of which "##local" stands for none.
+struct CNamespaceRule {
+  char const* allowed = "##any";
+  char const* target = "";  ///< the namespace that "##other" excludes
+};
+
+enum class RowKind : std::uint8_t {
+  Value, Values, Object, Objects, Rounds, Any, Anys, AnyType, AnyTypes, BeginSequence, BeginChoice, BeginAll, EndGroup
+};
+
+/// Whether a member or group must occur where it stands.
+enum class Occurs : std::uint8_t { Once, Optional };
+
+/// One entry of the element table of a generated class, or the begin or end of a group.
+struct CElementRow {
+  RowKind kind = RowKind::Value;
+  Occurs occurs = Occurs::Once;
+  int property = -1;
+  char const* name = "";
+  char const* ns = "";
+  int minOccurs = 0;   ///< of repeated members
+  int maxOccurs = -1;  ///< -1 for no limit
+  CValueType const* value = nullptr;
+  CClassTables const* type = nullptr;
+  CNamespaceRule const* rule = nullptr;
+  char const* defaultText = nullptr;  ///< null for none
+  char const* fixedText = nullptr;
+};
+
+/// One entry of the attribute table of a generated class.
+struct CAttributeRow {
+  int property = -1;
+  char const* name = "";
+  char const* ns = "";
+  Occurs occurs = Occurs::Optional;
+  CValueType const* value = nullptr;    ///< null for the attributes of a wildcard
+  CNamespaceRule const* rule = nullptr; ///< of a wildcard
+  char const* defaultText = nullptr;
+  char const* fixedText = nullptr;
+};
+
+/// Makers of rows, so that a table reads like the schema.
+namespace Rows {
+
+inline constexpr Occurs kOnce = Occurs::Once;
+inline constexpr Occurs kOptional = Occurs::Optional;
+
+constexpr CElementRow Value(char const* name, char const* ns, int property, Occurs occurs, CValueType const& value,
+                            char const* defaultText = nullptr, char const* fixedText = nullptr) {
+  return {RowKind::Value, occurs, property, name, ns, 0, -1, &value, nullptr, nullptr, defaultText, fixedText};
+}
+constexpr CElementRow Values(char const* name, char const* ns, int property, int minOccurs, int maxOccurs,
+                             CValueType const& value) {
+  return {RowKind::Values, kOptional, property, name, ns, minOccurs, maxOccurs, &value};
+}
+constexpr CElementRow Object(char const* name, char const* ns, int property, Occurs occurs, CClassTables const& type) {
+  return {RowKind::Object, occurs, property, name, ns, 0, -1, nullptr, &type};
+}
+constexpr CElementRow Objects(char const* name, char const* ns, int property, int minOccurs, int maxOccurs,
+                              CClassTables const& type) {
+  return {RowKind::Objects, kOptional, property, name, ns, minOccurs, maxOccurs, nullptr, &type};
+}
+constexpr CElementRow Rounds(char const* name, int property, int minOccurs, int maxOccurs, CClassTables const& type) {
+  return {RowKind::Rounds, kOptional, property, name, "", minOccurs, maxOccurs, nullptr, &type};
+}
+constexpr CElementRow Any(int property, Occurs occurs, CNamespaceRule const& rule) {
+  return {RowKind::Any, occurs, property, "", "", 0, -1, nullptr, nullptr, &rule};
+}
+constexpr CElementRow Anys(int property, int minOccurs, int maxOccurs, CNamespaceRule const& rule) {
+  return {RowKind::Anys, kOptional, property, "", "", minOccurs, maxOccurs, nullptr, nullptr, &rule};
+}
+constexpr CElementRow AnyType(char const* name, char const* ns, int property, Occurs occurs) {
+  return {RowKind::AnyType, occurs, property, name, ns};
+}
+constexpr CElementRow AnyTypes(char const* name, char const* ns, int property, int minOccurs, int maxOccurs) {
+  return {RowKind::AnyTypes, kOptional, property, name, ns, minOccurs, maxOccurs};
+}
+constexpr CElementRow BeginSequence(Occurs occurs) { return {RowKind::BeginSequence, occurs}; }
+constexpr CElementRow BeginChoice(Occurs occurs) { return {RowKind::BeginChoice, occurs}; }
+constexpr CElementRow BeginAll(Occurs occurs) { return {RowKind::BeginAll, occurs}; }
+constexpr CElementRow EndGroup() { return {RowKind::EndGroup}; }
+
+constexpr CAttributeRow Attribute(char const* name, char const* ns, int property, Occurs occurs,
+                                  CValueType const& value, char const* defaultText = nullptr,
+                                  char const* fixedText = nullptr) {
+  return {property, name, ns, occurs, &value, nullptr, defaultText, fixedText};
+}
+constexpr CAttributeRow AnyAttributes(int property, CNamespaceRule const& rule) {
+  return {property, "", "", kOptional, nullptr, &rule};
+}
+
+}  // namespace Rows
+
+/// What a generated class is, in constants.
+struct CClassRow {
+  char const* typeName = "";         ///< of the type in its schema, for xsi:type; empty for an anonymous type
+  char const* typeNamespace = "";
+  char const* targetNamespace = "";  ///< of its element where that is the document root
+  CClassTables* base = nullptr;      ///< the class it derives from, whose rows come first; null for none
+  CElementRow const* elements = nullptr;
+  int elementCount = 0;
+  CAttributeRow const* attributes = nullptr;
+  int attributeCount = 0;
+  int firstProperty = 0;             ///< the number of properties of all bases
+  int propertyCount = 0;             ///< of its own
+  int textProperty = -1;             ///< the property that holds the text of the element; -1 for none
+  CValueType const* text = nullptr;  ///< of that property; null for the text of mixed content
+  bool round = false;                ///< has no tag: one round of a repeated group
+  bool rejectUnknownAttributes = true;
+  CClassTables* const* derived = nullptr;  ///< all classes derived from it, also indirectly
+  int derivedCount = 0;
+};
+
+}  // namespace Quillon9
