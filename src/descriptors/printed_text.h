@@ -48,9 +48,13 @@ inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const*
     case ItemType_ui2: return integer(value.GetUI2());
     case ItemType_ui4: return integer(value.GetUI4());
     case ItemType_ui8: return integer(value.GetUI8());
+    case ItemType_r4:
+      if (!IsShortestFormat(format) || !std::isfinite(value.GetR4())) return {};
+      return printed(PutShortest(room, value.GetR4()));
     case ItemType_r8:
-      if (format != nullptr || !std::isfinite(value.GetR8())) return {};
-      return printed(PutGeneral(room, value.GetR8(), 16));
+      if (!std::isfinite(value.GetR8())) return {};
+      if (format == nullptr) return printed(PutGeneral(room, value.GetR8(), 16));
+      return IsShortestFormat(format) ? printed(PutShortest(room, value.GetR8())) : std::string_view();
     default: return {};
   }
 }

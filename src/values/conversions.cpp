@@ -68,15 +68,19 @@ bool IsFloatingWord(std::string_view text, double& value) {
   return true;
 }
 
-double ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
+float Narrowed(std::string_view text, double value, float) { return NearestFloat(text, value); }
+double Narrowed(std::string_view, double value, double) { return value; }
+
+template <class Floating>
+Floating ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
   double value = 0;
-  if (IsRule(rule) && ParseShortDouble(text, value)) return value;
+  if (IsRule(rule) && ParseShortDouble(text, value)) return Narrowed(text, value, Floating{});
   std::string scratch;
   std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
   bool const endsInDigit = !number.empty() && number.back() >= '0' && number.back() <= '9';
-  if (!endsInDigit && IsFloatingWord(number, value)) return value;
+  if (!endsInDigit && IsFloatingWord(number, value)) return static_cast<Floating>(value);
   if (ParseDouble(number, value) != NumberStatus::Ok) ThrowInvalidValue(malformed, number);
-  return value;
+  return Narrowed(number, value, Floating{});
 }
 
 template <class Floating>
@@ -84,6 +88,10 @@ std::string FloatingText(Floating value, char const* format, std::size_t bufferS
   if (value != value) return "NaN";
   if (value < std::numeric_limits<Floating>::lowest()) return "-INF";
   if (value > std::numeric_limits<Floating>::max()) return "INF";
+  if (IsShortestFormat(format)) {
+    char room[kGeneralRoom];
+    return std::string(room, PutShortest(room, value));
+  }
   double const wide = value;
   return format != nullptr ? FormattedText(format, wide, bufferSize) : GeneralText(wide, precision);
 }
@@ -171,12 +179,11 @@ std::string CConversions::r8ToString(double value, char const* format) {
 }
 
 float TextConversions::r4FromText(std::string_view text, WhitespaceRule rule) {
-  static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
-  return static_cast<float>(ParseFloating(text, rule, "The value [%s] can not be converted to a r4"));
+  return ParseFloating<float>(text, rule, "The value [%s] can not be converted to a r4");
 }
 
 double TextConversions::r8FromText(std::string_view text, WhitespaceRule rule) {
-  return ParseFloating(text, rule, "The value [%s] can not be converted to a r8");
+  return ParseFloating<double>(text, rule, "The value [%s] can not be converted to a r8");
 }
 
 // ---- Boolean, character, binary
@@ -231,7 +238,7 @@ CBigInteger TextConversions::integerFromText(std::string_view text, WhitespaceRu
 }
 
 std::string CConversions::decimalToString(CDecimal const& value, char const* format) {
-  if (format == nullptr) return value.ToString();
+  if (format == nullptr || IsShortestFormat(format)) return value.ToString();
   long const digits = std::strtol(format, nullptr, 10);  // 0 for a text without digits
   constexpr int kMost = std::numeric_limits<int>::max();
   return value.ToString(digits > kMost ? kMost : digits < -kMost ? -kMost : static_cast<int>(digits));

@@ -10,6 +10,7 @@
 #include <new>
 
 #include "quillon9/base/exceptions.h"
+#include "quillon9/values/conversions.h"
 #include "values/powers_of_10.h"
 
 namespace Quillon9 {
@@ -233,6 +234,30 @@ char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision) {
 std::string GeneralText(double value, int precision) {
   char room[kGeneralRoom];
   return std::string(room, PutGeneral(room, value, precision));
+}
+
+bool IsShortestFormat(char const* format) {
+  return format == kShortestFormat || (format != nullptr && std::strcmp(format, kShortestFormat) == 0);
+}
+
+char* PutShortest(char (&room)[kGeneralRoom], float value) {
+  return std::to_chars(room, room + sizeof room, value).ptr;
+}
+
+char* PutShortest(char (&room)[kGeneralRoom], double value) {
+  return std::to_chars(room, room + sizeof room, value).ptr;
+}
+
+// Rounding twice goes wrong only where the first rounding arrives exactly between two floats; such a double has no bits
+// below the first one that a float lacks.
+float NearestFloat(std::string_view text, double wide) {
+  static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
+  constexpr std::uint64_t kLowBits = (std::uint64_t{1} << 28) - 1;
+  std::uint64_t bits = 0;
+  std::memcpy(&bits, &wide, sizeof bits);
+  auto const narrow = static_cast<float>(wide);
+  if ((bits & kLowBits) != 0 || static_cast<double>(narrow) == wide || wide != wide) return narrow;
+  return strtof_l(std::string(text).c_str(), nullptr, NumberLocale());
 }
 
 std::string FixedText(double value, int precision) {

@@ -66,6 +66,16 @@ std::string GeneralText(double value, int precision);
 constexpr std::size_t kGeneralRoom = 64;
 char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision);
 
+/// Whether \p format is kShortestFormat or a copy of it; false for null.
+bool IsShortestFormat(char const* format);
+
+/// Print the shortest text that reads back as the same finite value into \p room. Returns the end of the text.
+char* PutShortest(char (&room)[kGeneralRoom], float value);
+char* PutShortest(char (&room)[kGeneralRoom], double value);
+
+/// The float nearest to the number \p text. \p wide is what ParseDouble() made of it.
+float NearestFloat(std::string_view text, double wide);
+
 /// Print as "%.*f" does in the "C" locale, so a \p precision of 6 prints like "%f"; \p precision is 0 to 1000.
 std::string FixedText(double value, int precision = 6);
 

@@ -58,6 +58,7 @@ TEST(TypedCollections, EveryMemberReadsAndWritesItsKind) {
       {Make<Cui2Col>(), "<v>65535</v>", nullptr},
       {Make<Cui4Col>(), "<v>4294967295</v>", nullptr},
       {Make<Cui8Col>(), "<v>18446744073709551615</v>", nullptr},
+      {Make<Cr4Col>("", kShortestFormat), "<v>16777216.0</v><v>0.10000000149</v>", "<v>16777216</v><v>0.1</v>"},
       {Make<Cr4Col>("", "%.2f"), "<v>1.5</v><v>NaN</v>", "<v>1.50</v><v>NaN</v>"},
       {Make<Cr8Col>(), "<v>0.1</v><v>-INF</v>", nullptr},
       {Make<CdurationCol>(), "<v>P1DT2H</v>", nullptr},

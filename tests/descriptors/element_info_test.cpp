@@ -237,6 +237,7 @@ TEST(PrimitiveWriting, ValuesArePrintedBehindTheStartOfTheirElementByTheWritersO
   QnVariant number;
   number.SetR8(0.5);
   EXPECT_EQ("<a><v>0.50</v>", WriteValue(number, "%.2f"));
+  EXPECT_EQ("<a><v>0.5</v>", WriteValue(number, kShortestFormat));
   EXPECT_EQ("<a1><v1>0.50</v1>", WriteValue<Renaming>(number, "%.2f"));
   EXPECT_EQ("<a><v The format [%s] does not print one floating-point number", WriteValue(number, "%s"));
   QnVariant object;

@@ -157,6 +157,44 @@ TEST(Conversions, FloatingPointFormats) {
   }
 }
 
+TEST(Conversions, ShortestFormat) {
+  std::string const format = kShortestFormat;  // a copy
+  EXPECT_EQ("8.72", CConversions::r8ToString(8.72, format.c_str()));
+  EXPECT_EQ("0.1", CConversions::r4ToString(0.1f, format.c_str()));
+  EXPECT_EQ("1e+22", CConversions::r8ToString(1e22, kShortestFormat));
+  EXPECT_EQ("-0", CConversions::r8ToString(-0.0, kShortestFormat));
+  EXPECT_EQ("-INF", CConversions::r4ToString(-std::numeric_limits<float>::infinity(), kShortestFormat));
+  EXPECT_EQ("NaN", CConversions::r8ToString(std::numeric_limits<double>::quiet_NaN(), kShortestFormat));
+  EXPECT_EQ("12345678901234567890.125",
+            CConversions::decimalToString(CDecimal("12345678901234567890.125"), kShortestFormat));
+
+  std::mt19937_64 random(20240301);
+  for (int i = 0; i < 100000; ++i) {
+    std::uint64_t const bits = random();
+    double wide = 0;
+    float narrow = 0;
+    std::memcpy(&wide, &bits, sizeof wide);
+    std::memcpy(&narrow, &bits, sizeof narrow);
+    if (std::isfinite(wide)) {
+      std::string const text = CConversions::r8ToString(wide, kShortestFormat);
+      EXPECT_EQ(wide, CConversions::r8FromString(text, kNone)) << text;
+    }
+    if (std::isfinite(narrow)) {
+      std::string const text = CConversions::r4ToString(narrow, kShortestFormat);
+      EXPECT_EQ(narrow, CConversions::r4FromString(text, kNone)) << text;
+    }
+  }
+}
+
+// Rounding these to a double first would give the neighbouring float.
+TEST(Conversions, FloatsAreRoundedOnce) {
+  for (char const* text : {"7.038531e-26", "1.00000005960464477539062500000000001", "1.0000001788139343261718749999999",
+                           "7.0064923216240853546186479164495807e-46", "340282356779733661637539395458142568447"}) {
+    EXPECT_EQ(std::strtof(text, nullptr), CConversions::r4FromString(text, kNone)) << text;
+    EXPECT_EQ(-std::strtof(text, nullptr), CConversions::r4FromString(std::string("-") + text, kNone)) << text;
+  }
+}
+
 // The fast paths must be indistinguishable from libc, which runs in the "C" locale here.
 TEST(Conversions, FloatingPointAgreesWithLibc) {
   Testing::ScopedLocale const point("C");

@@ -13,6 +13,11 @@
 
 namespace Quillon9 {
 
+/// A format beside those of printf, accepted wherever a format is: a `float` or `double` is printed by the shortest text
+/// that reads back as the same value ("0.1", "1e+22"), a decimal as without a format. NaN, "INF" and "-INF" are printed
+/// as always. A copy of this text means the same.
+inline constexpr char const* kShortestFormat = "%shortest";
+
 /// Converts primitive values to text and back, with a pair of functions for each ItemType. The lexical forms are close
 /// to W3C XML Schema Part 2; where they differ, this documentation holds.
 ///
@@ -76,15 +81,15 @@ class QUILLON9_API CConversions {
   static std::uint8_t ui1FromString(std::string const& text, WhitespaceRule rule);
 
   /// Print "NaN", "INF", "-INF" or the number: with the printf format \p format, cutting the result off after 31 bytes,
-  /// or with "%.7g" when \p format is null.
+  /// by its shortest text for kShortestFormat, or with "%.7g" when \p format is null.
   /// \throws CQnException "The format [%s] does not print one floating-point number" when \p format has a conversion
   ///         other than a, e, f and g (upper-case too), or more than one.
   static std::string r4ToString(float value, char const* format = nullptr);
   /// Like r4ToString(), but with the result of \p format cut off after 47 bytes, and "%.16g" when it is null. Sixteen
-  /// digits do not always restore the same double.
+  /// digits do not always restore the same double; kShortestFormat does.
   static std::string r8ToString(double value, char const* format = nullptr);
 
-  /// Parse as r8FromString() does and round the result to a float, which can make it infinite or zero.
+  /// Parse what r8FromString() parses as the nearest float, which can be infinite or zero.
   /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r4".
   static float r4FromString(std::string const& text, WhitespaceRule rule);
   /// Parse a floating-point number. An empty text, "NaN", "-NAN" and "1.#QNAN" are NaN, "INF" and "-INF" the
@@ -127,7 +132,7 @@ class QUILLON9_API CConversions {
   ///@}
 
   /// CDecimal::ToString(), or CDecimal::ToString(int) with a \p format, which is the text of a digit count (0 for a
-  /// text without digits).
+  /// text without digits); kShortestFormat counts as no format.
   /// \throws CQnInvalidParamException "Invalid number of digits [%d]" for a negative count.
   static std::string decimalToString(CDecimal const& value, char const* format = nullptr);
   /// \throws CQnInvalidValueException and CQnOverFlowException as CDecimal::Parse() does.

@@ -154,7 +154,7 @@ class QUILLON9_API QnVariant {
   CXmlCollectionBase* LookAtXmlCollection() const;
 
   /// The text of the value, as the `...ToString` of CConversions prints it. \p format applies only to r4, r8 and
-  /// decimal; null means their default form.
+  /// decimal; null means their default form, and kShortestFormat the shortest text that reads back the same.
   /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held;
   ///         whatever the conversion throws: for a \p format that prints anything but the one number,
   ///         CQnInvalidValueException "Date Not Set".
