@@ -4,9 +4,11 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 FUZZ_SECONDS ?= 60
 SUITES ?= bookworm trixie
+SCHEMAS ?= ../shared/schemas
+SETS ?=
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales coverage fuzz bench docs install package-test bare-test packages \
-  format format-check tidy deps deps-all deps-packages clean help
+.PHONY: all run test debug asan tsan hardened pcre8 locales schemas coverage fuzz bench docs install package-test bare-test \
+  packages format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
 	cmake --preset release
@@ -37,6 +39,11 @@ pcre8: deps-all  ## run the tests with the first generation of PCRE
 
 locales: all     ## run the tests in each of six locales
 	scripts/locales build/release
+
+schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents through the generator; takes an hour
+	cmake --preset release
+	cmake --build --preset release --target quillon9 quillon9_program
+	tests/schemas/check_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
 
 coverage: deps-all   ## report which lines of src/ the tests run
 	cmake --preset coverage
