@@ -58,6 +58,7 @@
 #include "quillon9/fwd.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/string_buffer.h"
+#include "quillon9/text/text_encoding.h"
 #include "quillon9/text/unicode.h"
 #include "quillon9/text/whitespace.h"
 #include "quillon9/values/base64.h"

@@ -15,6 +15,7 @@
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
+#include "text/utf8_text.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
 
@@ -77,6 +78,12 @@ void ThrowIfTooLarge(unsigned long size) {
 
 /// The message for an errno.
 std::string ErrorText(int error) { return std::generic_category().message(error); }
+
+/// How a tree holds its text: as the read of an object around it does, unless its own context asks for UTF-8.
+Utf8Text::Use TextUse(CXmlSerializationContext const& context) {
+  bool const mustBeUtf8 = context.GetTextEncoding() == TextEncoding_UTF8 && !Utf8Text::IsInUse();
+  return mustBeUtf8 ? Utf8Text::Use::kYes : Utf8Text::Current();
+}
 
 }  // namespace
 
@@ -179,6 +186,7 @@ void CXmlDocument::ReturnInput() {
 
 void CXmlDocument::Parse() {
   if (m_ownedInput != nullptr) DecompressInput();
+  Utf8Text::Scope const scope(TextUse(m_context));
   CFastInfosetReader reader(*m_context.GetFIContext(), *this);
   if (!reader.Parse()) ParseText();
 }
@@ -193,6 +201,7 @@ void CXmlDocument::DecompressInput() {
 }
 
 void CXmlDocument::ParseText() {
+  Utf8Text::Scope const scope(TextUse(m_context));
   CExpatReader reader(*this);
   reader.CreateParser();
   reader.Parse(true);

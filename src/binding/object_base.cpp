@@ -15,6 +15,8 @@ CXmlObjectBase::~CXmlObjectBase() = default;
 
 void CXmlObjectBase::OnEvent(CXmlObjectBase*, MsgType, void*) {}
 
+bool CXmlObjectBase::HoldsUtf8Text() const { return false; }
+
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
 
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,

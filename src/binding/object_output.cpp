@@ -1,6 +1,7 @@
 // The Fast Infoset output operations of CXmlObjectBase. They are in a file of their own because they depend on the
 // writer and the streams.
 
+#include "binding/text_scope.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/fastinfoset/writer.h"
@@ -10,6 +11,7 @@ namespace Quillon9 {
 
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
                                                 CompressionType compression) const {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
   writer.Open();

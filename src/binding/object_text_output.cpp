@@ -1,6 +1,7 @@
 // The text output operations of CXmlObjectBase: each creates a text writer on a stream and passes it to ToXml_Int. They
 // are in a file of their own because they depend on the writer and the streams.
 
+#include "binding/text_scope.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/xmlio/streams.h"
@@ -26,13 +27,17 @@ void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHead
 
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
                                   CXmlSerializationContext const& ctx) const {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream;
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
-  return stream.CopyText();
+  std::string text = stream.CopyText();
+  Utf8Text::Check(text);
+  return text;
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
                                         CXmlSerializationContext const& ctx, CompressionType compression) const {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
   CBinaryData data = stream.GetEncodedStream();
@@ -51,6 +56,7 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
     CFileBinaryStream(path, encoding, data).ToFile();
     return;
   }
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CFileTextStream stream(path, encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
 }

@@ -3,6 +3,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
+#include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -44,6 +45,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   if (source == nullptr) throw CQnInvalidParamException("The object to copy from may not be NULL");
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
+  if (source->HoldsUtf8Text() || Utf8Text::IsInUse()) context.SetTextEncoding(TextEncoding_UTF8);
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);
   document.LoadXmlStream(text.GetData(), text.GetLength());
@@ -170,6 +172,7 @@ void CElement::FromXml(char const* text, CXmlSerializationContext const& ctx) { 
 void CElement::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) { CXmlObjectBase::FromXml(text, ctx); }
 
 void CElement::FromXml(char const* text) {
+  Utf8Text::Scope const scope(TextUse(*this, CXmlSerializationContext::m_defaultContext));
   CXmlDocument document(CXmlSerializationContext::m_defaultContext);
   document.LoadXml(text);
   CXmlElement* const root = document.GetDocumentElement();

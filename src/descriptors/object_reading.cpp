@@ -1,6 +1,7 @@
 // The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
 // file of their own because they depend on the document, and with it on the parser.
 
+#include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
@@ -24,24 +25,28 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
 }  // namespace
 
 void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
   document.Load(path);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
   document.LoadLentXml(text);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
 void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
   document.LoadXml(text);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
   document.LoadLentXmlStream(data, length);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
@@ -52,12 +57,16 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationCon
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
   ReadFrom(element, *this, ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationContext const& ctx) {
   if (element == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
-  std::string const text = element->ToXml(false, false, EOLType_LF, CXmlSerializationContext::m_defaultContext);
+  CXmlSerializationContext writing = CXmlSerializationContext::m_defaultContext;
+  // The generic content comes from a read like this one.
+  if (TextUse(*this, ctx) != Utf8Text::Use::kNo) writing.SetTextEncoding(TextEncoding_UTF8);
+  std::string const text = element->ToXml(false, false, EOLType_LF, writing);
   FromXml(text.c_str(), ctx);
 }
 

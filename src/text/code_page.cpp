@@ -7,11 +7,15 @@
 #include <cstring>
 #include <iterator>
 
+#include "quillon9/text/encoder.h"
+#include "text/utf8_text.h"
+
 namespace Quillon9::CodePage {
 
 // Lists only the code pages that certainly match ASCII: some that resemble it have other characters at 0x5C and 0x7E,
 // and some hold a character back until the next one is known.
 Charset Current() {
+  if (Utf8Text::IsInUse()) return Charset::kUtf8;
   char const* const name = nl_langinfo(CODESET);
   if (std::strcmp(name, "UTF-8") == 0) return Charset::kUtf8;
   if (std::strncmp(name, "ISO-8859-", 9) == 0) return Charset::kAscii;
@@ -21,6 +25,8 @@ Charset Current() {
                                    [=](char const* known) { return std::strcmp(name, known) == 0; });
   return isKnown ? Charset::kAscii : Charset::kOther;
 }
+
+bool IsPassedThrough() { return ASCII_ONLY && !Utf8Text::IsInUse(); }
 
 bool IsAscii(wchar_t const* text, std::size_t length) {
   return std::all_of(text, text + length, [](wchar_t c) { return static_cast<std::uint32_t>(c) < 0x80; });
@@ -36,6 +42,7 @@ void Writer::Put(std::uint32_t character) {
     m_target += static_cast<char>(character);
     return;
   }
+  if (Utf8Text::IsInUse()) return PutUtf8(static_cast<wchar_t>(character));
   char bytes[MB_LEN_MAX];
   std::size_t const length = std::wcrtomb(bytes, static_cast<wchar_t>(character), &m_state);
   if (length != static_cast<std::size_t>(-1)) {
@@ -44,6 +51,13 @@ void Writer::Put(std::uint32_t character) {
     m_target += '?';
     m_state = {};
   }
+}
+
+void Writer::PutUtf8(wchar_t character) {
+  std::uint8_t bytes[4];
+  std::size_t const length = UnicodeToUTF8(&character, 1, bytes, sizeof bytes);
+  if (length == 0) m_target += '?';
+  m_target.append(reinterpret_cast<char const*>(bytes), length);
 }
 
 void Writer::Finish() {

@@ -9,8 +9,8 @@
 
 namespace Quillon9 {
 
-/// The encoding of the current locale, as far as it matters for conversions. Each function queries libc anew, since the
-/// program may change its locale; any thread.
+/// The encoding of the current locale, as far as it matters for conversions, or UTF-8 while Utf8Text is in use. Each
+/// function queries libc anew, since the program may change its locale; any thread.
 namespace CodePage {
 
 enum class Charset {
@@ -21,6 +21,9 @@ enum class Charset {
 
 /// The charset of the calling thread's locale, or of the process's.
 Charset Current();
+
+/// Whether ASCIIOnly(true) is in force, so that nothing is converted.
+bool IsPassedThrough();
 
 inline std::uint8_t const* Bytes(char const* text) { return reinterpret_cast<std::uint8_t const*>(text); }
 
@@ -46,6 +49,8 @@ class Writer {
   void Finish();
 
  private:
+  void PutUtf8(wchar_t character);
+
   std::string& m_target;
   Charset m_charset;
   std::mbstate_t m_state{};

@@ -52,7 +52,7 @@ void CEncoder::AppendUtf8ToLocalCodePage(std::string& target, char const* text, 
 }
 
 bool CEncoder::IsUtf8SameInLocalCodePage(char const* text, std::size_t length) {
-  if (length == 0 || ASCII_ONLY) return true;
+  if (length == 0 || CodePage::IsPassedThrough()) return true;
   return CodePage::IsSameInUtf8(CodePage::Current(), text, length) && std::memchr(text, 0, length) == nullptr;
 }
 

@@ -5,7 +5,6 @@
 
 #include "base/byte_blocks.h"
 #include "base/text_copy.h"
-#include "quillon9/text/encoder.h"
 #include "text/code_page.h"
 
 namespace Quillon9 {
@@ -20,7 +19,7 @@ bool IsPlain(std::string_view text) { return !ByteBlocks::Any(text, ' ', FindUnp
 CUtf8ToLocal::CUtf8ToLocal() : m_kind(Find()) {}
 
 CUtf8ToLocal::Kind CUtf8ToLocal::Find() {
-  if (ASCII_ONLY) return Kind::kSame;
+  if (CodePage::IsPassedThrough()) return Kind::kSame;
   switch (CodePage::Current()) {
     case CodePage::Charset::kUtf8: return Kind::kUtf8;
     case CodePage::Charset::kAscii: return Kind::kAscii;

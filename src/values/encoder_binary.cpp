@@ -11,6 +11,7 @@
 #include "quillon9/text/unicode.h"
 #include "quillon9/values/binary_data.h"
 #include "text/code_page.h"
+#include "text/utf8_text.h"
 #include "values/local_to_utf8.h"
 
 namespace Quillon9 {
@@ -38,10 +39,11 @@ CBinaryData CopyOf(char const* text, std::size_t length) {
 
 CBinaryData CEncoder::LocalCodePageToUtf8Binary(char const* text) {
   std::size_t const length = text != nullptr ? std::strlen(text) : 0;
-  if (ASCII_ONLY) return CopyOf(text, length);
+  if (CodePage::IsPassedThrough()) return CopyOf(text, length);
   if (length == 0) return CBinaryData();
   CodePage::Charset const charset = CodePage::Current();
   if (CodePage::IsSameInUtf8(charset, text, length)) return CopyOf(text, length);
+  Utf8Text::Check({text, length});
   std::unique_ptr<wchar_t[]> const wide(new wchar_t[length + 1]);
   wide[CodePage::Decode(charset, text, length, wide.get())] = L'\0';
   return UnicodeToUtf8Binary(wide.get());
@@ -56,7 +58,8 @@ CBinaryData LocalCodePageToUtf8Binary(std::vector<std::string_view> const& block
   for (std::string_view const block : blocks) end += block.copy(end, block.size());
   *end = '\0';
   std::size_t const length = std::strlen(text);
-  bool const isSame = ASCII_ONLY || (length != 0 && CodePage::IsSameInUtf8(CodePage::Current(), text, length));
+  bool const isSame =
+      CodePage::IsPassedThrough() || (length != 0 && CodePage::IsSameInUtf8(CodePage::Current(), text, length));
   return isSame ? Adopt(std::move(joined), length) : CEncoder::LocalCodePageToUtf8Binary(text);
 }
 
@@ -69,6 +72,7 @@ CBinaryData CEncoder::LocalCodePageToUnicodeBinary(char const* text) {
     UTF8ToUnicode(CodePage::Bytes(text), length, reinterpret_cast<wchar_t*>(buffer.get()), count);
     return Adopt(std::move(buffer), count * sizeof(wchar_t));
   }
+  Utf8Text::Check({text, length});
   std::unique_ptr<wchar_t[]> const wide(new wchar_t[length + 1]);
   std::size_t const size = CodePage::Decode(charset, text, length, wide.get()) * sizeof(wchar_t);
   return CopyOf(reinterpret_cast<char const*>(wide.get()), size);

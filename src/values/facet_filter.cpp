@@ -8,6 +8,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/conversions.h"
+#include "text/utf8_text.h"
 #include "values/fixed_pattern.h"
 
 namespace Quillon9 {
@@ -56,7 +57,7 @@ class CTextFilter : public CFacetFilter {
  private:
   bool IsWithin(QnVariant const& held) const override {
     std::string const& value = held.GetString();
-    auto const length = static_cast<std::int64_t>(value.size());
+    auto const length = static_cast<std::int64_t>(Utf8Text::LengthOf(value));
     if (length < m_minLength || (m_maxLength >= 0 && length > m_maxLength) || (m_length >= 0 && length != m_length)) {
       return false;
     }

@@ -12,6 +12,7 @@
 #include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
+#include "text/utf8_text.h"
 #include "values/number_text.h"
 #include "values/pattern_matching.h"
 #include "values/remembered_value.h"
@@ -116,7 +117,7 @@ bool KeepsPattern(std::string const& value, std::string const& pattern) {
 }
 
 void CheckText(char const* name, std::string const& value, CPrimitiveRestrictions const& r) {
-  if (!IsAllowedLength(value.size(), r) || !KeepsPattern(value, r.pattern)) ThrowInvalidValue(name, value);
+  if (!IsAllowedLength(Utf8Text::LengthOf(value), r) || !KeepsPattern(value, r.pattern)) ThrowInvalidValue(name, value);
 }
 
 void CheckBinary(char const* name, CBinaryData const& value, CPrimitiveRestrictions const& r) {

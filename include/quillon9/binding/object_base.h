@@ -92,10 +92,12 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   virtual void ToFastInfosetFile(char const* path, FInfoDecl decl = FInfoDecl_None,
                                  CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
                                  CompressionType compression = CompressionType_None) const;
-  /// Write a document as text in the local code page. \p includeHeader writes the XML declaration, \p formatted puts
+  /// Write a document as text in the local code page, or in UTF-8 under TextEncoding_UTF8. \p includeHeader writes the XML declaration, \p formatted puts
   /// each element on a line of its own, indented by tabs. FromXml() takes undeclared text as UTF-8, so it can read the
   /// result only if the code page is UTF-8 or the text is pure ASCII; ToXmlStream() and FromXmlStream() always match.
-  /// \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as inner exception.
+  /// \throws CQnValidationException "Failed to convert the element [%s] to XML" with the cause as inner exception;
+  ///         CQnInvalidValueException "The text is not well-formed UTF-8 after [%s]" under TextEncoding_UTF8, possibly
+  ///         also as such a cause.
   virtual std::string ToXml(bool includeHeader = true, bool formatted = true, EOLType eol = EOLType_LF,
                             CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) const;
   /// Write a document as encoded bytes, compressed if \p compression asks for it.
@@ -166,6 +168,11 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
                                    bool inChoice) = 0;
 
  public:
+  /// Whether this object and everything inside it hold their text in UTF-8 in any locale, as generated classes do. A
+  /// read or write of this object then behaves as under TextEncoding_UTF8, and facets count the lengths of strings in
+  /// characters. False here; only the object that is read or written is asked, not the objects inside it.
+  virtual bool HoldsUtf8Text() const;
+
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.
   std::string const& GetElementName() const { return m_elementName; }

@@ -8,6 +8,7 @@
 #include "quillon9/export.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"
+#include "quillon9/text/text_encoding.h"
 #include "quillon9/xmlio/schema_type.h"
 
 namespace Quillon9 {
@@ -93,6 +94,14 @@ class QUILLON9_API CXmlSerializationContext {
   void SetStripCDATA(bool strip) { m_stripCDATA = strip; }
   ///@}
 
+  /// The encoding of all text of the read or write in memory: TextEncoding_Locale (the default), or TextEncoding_UTF8,
+  /// in which no character is lost in any locale, and text that is not well-formed is refused on writing. Classes whose
+  /// HoldsUtf8Text() says so always use UTF-8. CXmlDocument uses this option too.
+  ///@{
+  TextEncoding GetTextEncoding() const { return m_textEncoding; }
+  void SetTextEncoding(TextEncoding encoding) { m_textEncoding = encoding; }
+  ///@}
+
   /// Text to write inside the start tag of the root, such as a schema location attribute. It is written verbatim.
   ///@{
   std::string const& GetInLineSchema() const { return m_inLineSchema; }
@@ -150,6 +159,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_noOptionalAttributeDefaultOutput = false;
   CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
+  TextEncoding m_textEncoding = TextEncoding_Locale;
 };
 
 }  // namespace Quillon9

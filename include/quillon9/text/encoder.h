@@ -35,7 +35,9 @@ class QUILLON9_API CQnUtf16Exception : public CQnException, public std::logic_er
 
 /// Converts between UTF-8, wide characters and the local code page, which is the multibyte encoding of the current
 /// locale: that of the calling thread if it has one (uselocale), else that of the process. Each call looks the locale
-/// up; the library never sets it.
+/// up; the library never sets it. During a read or write under TextEncoding_UTF8, the local code page of its thread is
+/// UTF-8, ASCIIOnly(bool) has no effect, and the conversions from the local code page refuse ill-formed text with
+/// CQnInvalidValueException "The text is not well-formed UTF-8 after [%s]".
 ///
 /// No character is a failure. Each character that the local code page cannot express becomes one `?`, and so does each
 /// byte that has no meaning in it; input that is not well-formed UTF-8 ends the text. Results contain the text up to

@@ -23,8 +23,8 @@ class CTreeMemory;
 /// each load drops the previous contents. Comments, processing instructions and the document type are not kept.
 /// External DTDs and entities are never fetched. The supported encodings are those built into expat.
 ///
-/// All text of the tree is in the code page of the process locale, or in UTF-8 under ASCIIOnly(true). Only one thread
-/// at a time may use a document and its tree.
+/// All text of the tree is in the code page of the process locale, or in UTF-8 under ASCIIOnly(true) or if the context
+/// asks for TextEncoding_UTF8 when the tree is loaded. Only one thread at a time may use a document and its tree.
 class QUILLON9_API CXmlDocument {
  public:
   /// Called for each element when it is complete, children first. Returns true to have the element removed and
