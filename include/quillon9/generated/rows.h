@@ -78,6 +78,9 @@ namespace Rows {
 
 inline constexpr Occurs kOnce = Occurs::Once;
 inline constexpr Occurs kOptional = Occurs::Optional;
+inline constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
+inline constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
+inline constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
 
 constexpr CElementRow Value(char const* name, char const* ns, int property, Occurs occurs, CValueType const& value,
                             char const* defaultText = nullptr, char const* fixedText = nullptr) {

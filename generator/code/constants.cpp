@@ -1,0 +1,149 @@
+#include "code/constants.h"
+
+#include <algorithm>
+#include <cctype>
+
+#include "code/members.h"
+#include "code/types.h"
+
+namespace Quillon9Generator::Code {
+
+namespace {
+
+/// The letters and digits of \p name, the first letter of each word raised.
+std::string Camel(std::string const& name) {
+  std::string result;
+  bool raise = true;
+  for (char const c : name) {
+    bool const isWord = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+    if (isWord) result += raise && c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+    raise = !isWord;
+  }
+  return result;
+}
+
+/// What a constant is called for a type of the schema: "po:SKU" gives "SKU", an anonymous type \p hint.
+std::string TypeName(Plan::ValueType const& type, std::string const& hint) {
+  std::string const local = Camel(type.schemaName.substr(type.schemaName.find(':') + 1));
+  return local.empty() ? hint : local;
+}
+
+std::string TextOrNull(std::string const& text) { return text.empty() ? "nullptr" : Literal(text); }
+
+/// `a, b, c` without what is at the end of \p values the same as at the end of \p defaults.
+std::string WithoutDefaults(std::vector<std::string> values, std::vector<std::string> const& defaults) {
+  while (!values.empty() && values.back() == defaults[values.size() - 1]) values.pop_back();
+  std::string list;
+  for (std::string const& value : values) list += (list.empty() ? "" : ", ") + value;
+  return list;
+}
+
+void PrintGroup(Text& text, std::vector<std::string> const& lines) {
+  for (std::string const& line : lines) text.Line(line);
+  if (!lines.empty()) text.Blank();
+}
+
+}  // namespace
+
+std::string Constants::Unique(std::string const& wanted) {
+  std::string name = wanted;
+  for (int number = 2; !m_names.insert(name).second; ++number) name = wanted + std::to_string(number);
+  return name;
+}
+
+std::string Constants::Uri(std::string const& uri) {
+  if (uri.empty()) return "\"\"";
+  auto const [entry, added] = m_uris.emplace(uri, "");
+  if (added) {
+    entry->second = Unique("kNs");
+    m_uriLines.push_back("constexpr char " + entry->second + "[] = " + Literal(uri) + ";");
+  }
+  return entry->second;
+}
+
+std::string Constants::Rule(Plan::Member const& wildcard) {
+  bool const isOther = wildcard.restriction == "##other";
+  std::string const target = isOther ? wildcard.targetNamespace : "";
+  auto const [entry, added] = m_rules.emplace(std::make_tuple(wildcard.restriction, target), "");
+  if (added) {
+    bool const isAny = wildcard.restriction == "##any";
+    entry->second = Unique(isAny ? "kAnyNamespace" : isOther ? "kOtherNamespace" : "kNamespaces");
+    std::string const list = WithoutDefaults({Literal(wildcard.restriction), Literal(target)}, {"\"##any\"", "\"\""});
+    m_ruleLines.push_back("constexpr Quillon9::CNamespaceRule " + entry->second + "{" + list + "};");
+  }
+  return entry->second;
+}
+
+std::string Constants::Texts(Plan::Enumeration const& enumeration) {
+  auto const [entry, added] = m_texts.emplace(&enumeration, "");
+  if (!added) return entry->second;
+  std::string stem = enumeration.cppName;
+  stem = Camel(enumeration.owner != nullptr ? Identifier(*enumeration.owner) + ShortName(enumeration).substr(1)
+                                            : ShortName(enumeration).substr(1));
+  entry->second = Unique("k" + stem + "Enum");
+  std::string const list = Unique("k" + stem + "Text");
+  std::vector<std::string> texts;
+  for (Plan::Enumerator const& each : enumeration.enumerators) texts.push_back(Literal(each.text));
+  for (std::string const& line : BracedList("constexpr char const* " + list + "[] = ", texts))
+    m_typeLines.push_back(line);
+  m_typeLines.push_back("constexpr Quillon9::CEnumTexts " + entry->second + "{" + Literal(ShortName(enumeration)) +
+                        ", " + list + "};");
+  return entry->second;
+}
+
+std::string Constants::Facets(Plan::Facets const& facets, std::string const& wanted) {
+  FacetKey key{facets.pattern,      facets.length,         facets.minLength,    facets.maxLength,
+               facets.totalDigits,  facets.fractionDigits, facets.minInclusive, facets.maxInclusive,
+               facets.minExclusive, facets.maxExclusive};
+  auto const [entry, added] = m_facets.emplace(std::move(key), "");
+  if (added) {
+    entry->second = Unique(wanted);
+    std::string const list = WithoutDefaults(
+        {TextOrNull(facets.pattern), std::to_string(facets.length), std::to_string(facets.minLength),
+         std::to_string(facets.maxLength), TextOrNull(facets.minInclusive), TextOrNull(facets.maxInclusive),
+         TextOrNull(facets.minExclusive), TextOrNull(facets.maxExclusive), std::to_string(facets.totalDigits),
+         std::to_string(facets.fractionDigits)},
+        {"nullptr", "-1", "-1", "-1", "nullptr", "nullptr", "nullptr", "nullptr", "-1", "-1"});
+    m_typeLines.push_back("constexpr Quillon9::CFacets " + entry->second + "{" + list + "};");
+  }
+  return entry->second;
+}
+
+std::string Constants::ValueType(Plan::ValueType const& type, std::string const& hint) {
+  std::string const name = TypeName(type, hint);
+  std::string const facets = type.facets.Empty() ? "nullptr" : '&' + Facets(type.facets, "k" + name + "Facets");
+  std::string const texts = type.enumeration != nullptr ? '&' + Texts(*type.enumeration) : "nullptr";
+  auto const [entry, added] = m_types.emplace(
+      std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets, type.enumeration), "");
+  if (!added) return entry->second;
+  static constexpr char const* kRules[] = {"kPreserve", "kReplace", "kCollapse"};
+  entry->second = Unique("k" + name);
+  std::string const list =
+      WithoutDefaults({"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts},
+                      {"", "kCollapse", "nullptr", "nullptr"});
+  m_typeLines.push_back("constexpr Quillon9::CValueType " + entry->second + "{" + list + "};");
+  return entry->second;
+}
+
+std::string Constants::ValueElement(Plan::ValueType const& type, std::string const& hint) {
+  std::string const value = ValueType(type, hint);
+  auto const [entry, added] = m_valueElements.emplace(value, "");
+  if (added) {
+    std::string const name = value.substr(1) + "Element";
+    std::string const row = Unique("k" + name);
+    entry->second = Unique("g_" + name);
+    std::string const cpp = ValueElementType(type, {&m_ns, nullptr});
+    m_elementLines.push_back("constexpr Quillon9::CClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");");
+    m_elementLines.push_back("Quillon9::CClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};");
+  }
+  return entry->second;
+}
+
+void Constants::Print(Text& text) const {
+  PrintGroup(text, m_uriLines);
+  PrintGroup(text, m_ruleLines);
+  PrintGroup(text, m_typeLines);
+  PrintGroup(text, m_elementLines);
+}
+
+}  // namespace Quillon9Generator::Code

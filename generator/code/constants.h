@@ -1,0 +1,58 @@
+#pragma once
+
+#include <map>
+#include <set>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "code/names.h"
+#include "code/text.h"
+#include "plan/plan.h"
+
+namespace Quillon9Generator::Code {
+
+/// The constants of one source file that the tables of several classes share. Each is collected when it is first asked
+/// for, and stands in the file once.
+class Constants {
+ public:
+  explicit Constants(Plan::Namespace const& ns) : m_ns(ns) {}
+
+  /// The names of the constants for a value type, a namespace, a wildcard. \p hint names a type without a name of its
+  /// own.
+  ///@{
+  std::string ValueType(Plan::ValueType const& type, std::string const& hint);
+  std::string Uri(std::string const& uri);
+  std::string Rule(Plan::Member const& wildcard);
+  ///@}
+  /// The name of the table of texts of \p enumeration.
+  std::string Texts(Plan::Enumeration const& enumeration);
+  /// The name of the tables of an element of simple type.
+  std::string ValueElement(Plan::ValueType const& type, std::string const& hint);
+  /// \p wanted, or with the first number that makes it unique in the file.
+  std::string Unique(std::string const& wanted);
+
+  /// Append the definitions of all, in an order in which each is known before its use.
+  void Print(Text& text) const;
+
+ private:
+  using FacetKey =
+      std::tuple<std::string, long, long, long, long, long, std::string, std::string, std::string, std::string>;
+
+  std::string Facets(Plan::Facets const& facets, std::string const& wanted);
+
+  Plan::Namespace const& m_ns;
+  // Names that the makers of rows have, too.
+  std::set<std::string> m_names{"kOnce", "kOptional", "kPreserve", "kReplace", "kCollapse"};
+  std::map<std::string, std::string> m_uris;
+  std::map<std::tuple<std::string, std::string>, std::string> m_rules;
+  std::map<Plan::Enumeration const*, std::string> m_texts;
+  std::map<FacetKey, std::string> m_facets;
+  std::map<std::tuple<int, int, std::string, Plan::Enumeration const*>, std::string> m_types;
+  std::map<std::string, std::string> m_valueElements;  ///< by the name of the value type
+  std::vector<std::string> m_uriLines, m_ruleLines;
+  std::vector<std::string> m_typeLines;  ///< facets, texts and value types
+  std::vector<std::string> m_elementLines;
+};
+
+}  // namespace Quillon9Generator::Code

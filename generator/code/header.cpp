@@ -1,0 +1,208 @@
+#include "code/header.h"
+
+#include "code/members.h"
+
+namespace Quillon9Generator::Code {
+
+using Plan::Class;
+using Plan::Enumeration;
+using Plan::Namespace;
+
+namespace {
+
+char const kSource[] = "Quillon9::CXmlSource const& source";
+char const kContext[] =
+    "Quillon9::CXmlSerializationContext const& ctx = Quillon9::CXmlSerializationContext::m_defaultContext";
+
+void PrintEnumeration(Text& text, Enumeration const& enumeration) {
+  text.Comment(enumeration.documentation);
+  bool isDocumented = false;
+  std::string line = "enum class " + ShortName(enumeration) + " : int {";
+  for (std::size_t i = 0; i < enumeration.enumerators.size(); ++i) {
+    line += (i != 0 ? ", " : " ") + enumeration.enumerators[i].name;
+    isDocumented = isDocumented || !enumeration.enumerators[i].documentation.empty();
+  }
+  line += " };";
+  if (!isDocumented && text.Fits(line.size())) return text.Line(line);
+  text.Line("enum class " + ShortName(enumeration) + " : int {");
+  text.Indent(2);
+  for (std::size_t i = 0; i < enumeration.enumerators.size(); ++i) {
+    text.Comment(enumeration.enumerators[i].documentation);
+    text.Line(enumeration.enumerators[i].name + (i + 1 < enumeration.enumerators.size() ? "," : ""));
+  }
+  text.Outdent(2);
+  text.Line("};");
+}
+
+void PrintChoice(Text& text, Plan::Choice const& choice) {
+  Enumeration enumeration;
+  enumeration.cppName = "E" + choice.cppName;
+  enumeration.enumerators.push_back({"None", "", ""});
+  for (std::string const& name : choice.alternatives) enumeration.enumerators.push_back({name, "", ""});
+  PrintEnumeration(text, enumeration);
+}
+
+/// The base in the declaration of \p cls and, without the argument of the template, in its constructor.
+struct Base {
+  std::string declared;
+  std::string constructed;
+};
+
+Base BaseOf(Class const& cls, Scope const& scope) {
+  std::string const plain = cls.base != nullptr ? NameOf(*cls.base, scope) : "Quillon9::CBoundObject";
+  bool baseIsNillable = false;
+  for (Class const* base = cls.base; base != nullptr; base = base->base) baseIsNillable |= base->nillable;
+  if (cls.nillable && !baseIsNillable) return {"Quillon9::CNillable<" + plain + ">", "CNillable"};
+  return {plain, cls.base != nullptr ? plain : "CBoundObject"};
+}
+
+void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
+  Scope const scope{&ns, &cls};
+  Base const base = BaseOf(cls, {&ns, cls.owner});
+  text.Comment(cls.documentation);
+  text.Line("class " + cls.shortName + " : public " + base.declared + " {");
+  text.Line(" public:");
+  text.Indent(2);
+  if (cls.nested.size() > 1) {  // they may refer to one another
+    for (Class const* nested : cls.nested) text.Line("class " + nested->shortName + ";");
+  }
+  for (Enumeration const* nested : cls.nestedEnumerations) {
+    text.Blank();
+    PrintEnumeration(text, *nested);
+  }
+  for (Plan::Choice const& choice : cls.choices) PrintChoice(text, choice);
+  for (Class const* nested : cls.nested) {
+    text.Blank();
+    PrintClass(text, *nested, ns);
+  }
+  text.Blank();
+  text.Line("static Quillon9::CClassTables s_class;");
+  if (!cls.abstract) {
+    std::string const name = cls.defaultElementName.empty() ? "\"\"" : Literal(cls.defaultElementName);
+    text.Function("static CSmartPtr<" + cls.shortName + "> CreateInstance(char const* elementName = " + name + ")",
+                  "return new " + cls.shortName + "(s_class, elementName);");
+  }
+  text.Blank();
+  for (Plan::Choice const& choice : cls.choices) {
+    text.Function(
+        "E" + choice.cppName + " Get" + choice.cppName + "() const",
+        "return static_cast<E" + choice.cppName + ">(Alternative(s_class, " + std::to_string(choice.row) + "));");
+  }
+  for (Plan::Member const& member : cls.members) DeclareAccessors(text, member, scope);
+
+  text.Blank();
+  text.Outdent(2);
+  text.Line(" protected:");
+  text.Indent(2);
+  text.Function(cls.shortName + "(Quillon9::CClassTables const& tables, char const* elementName) : " +
+                    base.constructed + "(tables, elementName)",
+                "");
+  text.Line("~" + cls.shortName + "() override;");
+  text.Line("Quillon9::CPropertyRef Property(int index) override;");
+  text.Outdent(2);
+  if (!cls.members.empty()) {
+    text.Blank();
+    text.Line(" private:");
+    text.Indent(2);
+    for (Plan::Member const& member : cls.members) DeclareField(text, member, scope);
+    text.Outdent(2);
+  }
+  text.Line("};");
+}
+
+void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
+  std::vector<Enumeration const*> const all = AllEnumerations(ns);
+  if (all.empty()) return;
+  text.Blank();
+  text.Line("/// The text of the schema; null for a number that is no enumerator.");
+  text.Line("///@{");
+  for (Enumeration const* each : all) text.Line("char const* ToText(" + each->cppName + " value);");
+  text.Line("///@}");
+  text.Line("/// The enumerator for a text of the schema.");
+  text.Line("/// \\throws Quillon9::CQnInvalidValueException for any other text.");
+  text.Line("///@{");
+  for (Enumeration const* each : all) text.Line(each->cppName + " " + FromTextName(*each) + "(std::string_view text);");
+  text.Line("///@}");
+}
+
+void PrintRootFunctions(Text& text, Namespace const& ns) {
+  if (ns.roots.empty()) return;
+  text.Blank();
+  for (Plan::Root const& root : ns.roots) {
+    if (!root.alias.empty()) text.Line("using " + root.alias + " = " + RootType(root, ns) + ";");
+  }
+  for (Plan::Root const& root : ns.roots) {
+    std::string const pointer = "CSmartPtr<" + RootType(root, ns) + "> ";
+    text.Blank();
+    text.Comment(root.documentation);
+    if (!root.documentation.empty()) text.Line("///");
+    text.Line("/// Read a document whose element is " + root.name.local + ".");
+    text.Call(pointer + "Read" + root.cppName, {kSource, kContext}, ";");
+    if (!CanBeCreated(root)) continue;
+    text.Line("/// A new object for the element " + root.name.local + ".");
+    text.Line(pointer + "Create" + root.cppName + "();");
+  }
+  text.Blank();
+  text.Line("/// Read a document whose element is any of these.");
+  text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
+}
+
+void AddEnumerations(std::vector<Enumeration const*>& all, Class const& cls) {
+  all.insert(all.end(), cls.nestedEnumerations.begin(), cls.nestedEnumerations.end());
+  for (Class const* nested : cls.nested) AddEnumerations(all, *nested);
+}
+
+void AddClasses(std::vector<Class const*>& all, Class const& cls) {
+  for (Class const* nested : cls.nested) AddClasses(all, *nested);
+  all.push_back(&cls);
+}
+
+}  // namespace
+
+std::string FromTextName(Enumeration const& enumeration) {
+  std::string const prefix = enumeration.owner != nullptr ? Identifier(*enumeration.owner) + '_' : "";
+  return prefix + ShortName(enumeration).substr(1) + "FromText";
+}
+
+std::vector<Enumeration const*> AllEnumerations(Namespace const& ns) {
+  std::vector<Enumeration const*> all = ns.enumerations;
+  for (Class const* cls : ns.classes) AddEnumerations(all, *cls);
+  return all;
+}
+
+std::vector<Class const*> AllClasses(Namespace const& ns) {
+  std::vector<Class const*> all;
+  for (Class const* cls : ns.classes) AddClasses(all, *cls);
+  return all;
+}
+
+std::string RootType(Plan::Root const& root, Namespace const& ns) {
+  if (root.anyType) return "Quillon9::CElement";
+  return root.type != nullptr ? root.type->cppName : ValueElementType(root.value, {&ns, nullptr});
+}
+
+bool CanBeCreated(Plan::Root const& root) { return !root.anyType && (root.type == nullptr || !root.type->abstract); }
+
+void PrintHeader(Text& text, Namespace const& ns) {
+  text.Line("#pragma once");
+  text.Blank();
+  text.Line("#include \"quillon9/generated.h\"");
+  text.Blank();
+  text.Line("namespace " + ns.cppName + " {");
+  text.Line("");
+  for (Class const* cls : ns.classes) text.Line("class " + cls->shortName + ";");
+  for (Enumeration const* enumeration : ns.enumerations) {
+    text.Blank();
+    PrintEnumeration(text, *enumeration);
+  }
+  for (Class const* cls : ns.classes) {
+    text.Blank();
+    PrintClass(text, *cls, ns);
+  }
+  PrintEnumerationFunctions(text, ns);
+  PrintRootFunctions(text, ns);
+  text.Blank();
+  text.Line("}  // namespace " + ns.cppName);
+}
+
+}  // namespace Quillon9Generator::Code

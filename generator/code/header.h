@@ -1,0 +1,27 @@
+#pragma once
+
+#include "code/text.h"
+#include "plan/plan.h"
+
+namespace Quillon9Generator::Code {
+
+/// Append what the header of \p ns declares, after its first line.
+void PrintHeader(Text& text, Plan::Namespace const& ns);
+
+/// The name of the function that converts a text into \p enumeration: `ColourFromText`, for a nested one
+/// `Items_ColourFromText`.
+std::string FromTextName(Plan::Enumeration const& enumeration);
+
+/// The enumerations of the namespace and of all its classes, those of a class after those around it.
+std::vector<Plan::Enumeration const*> AllEnumerations(Plan::Namespace const& ns);
+
+/// The classes of the namespace with the nested ones, these before the class around them.
+std::vector<Plan::Class const*> AllClasses(Plan::Namespace const& ns);
+
+/// The type of the object that reads \p root.
+std::string RootType(Plan::Root const& root, Plan::Namespace const& ns);
+
+/// Whether objects for \p root can be made.
+bool CanBeCreated(Plan::Root const& root);
+
+}  // namespace Quillon9Generator::Code

@@ -1,0 +1,192 @@
+#include "code/members.h"
+
+#include "code/types.h"
+#include "code/value_text.h"
+
+namespace Quillon9Generator::Code {
+
+using Plan::Member;
+using Kind = Plan::Member::Kind;
+
+namespace {
+
+std::string TypeOf(Plan::ValueType const& value, Scope const& scope) {
+  return value.enumeration != nullptr ? NameOf(*value.enumeration, scope) : CppType(value);
+}
+
+/// The class of the objects or of the collection that the member holds; empty for a value.
+std::string HeldClass(Member const& member, Scope const& scope) {
+  auto const collectionOf = [](std::string const& item) { return "Quillon9::CObjectCol<" + item + ">"; };
+  switch (member.kind) {
+    case Kind::Value: return "";
+    case Kind::Values:
+      return member.value.enumeration == nullptr ? CollectionType(member.value)
+                                                 : "Quillon9::CEnumCol<" + TypeOf(member.value, scope) + ">";
+    case Kind::Object: return NameOf(*member.type, scope);
+    case Kind::Objects:
+    case Kind::Rounds: return collectionOf(NameOf(*member.type, scope));
+    case Kind::NillableValue: return ValueElementType(member.value, scope);
+    case Kind::NillableValues: return collectionOf(ValueElementType(member.value, scope));
+    case Kind::Any:
+    case Kind::AnyType: return "Quillon9::CElement";
+    case Kind::Anys:
+    case Kind::AnyTypes: return "Quillon9::CAnyElementCol";
+    case Kind::AnyAttributes: return "Quillon9::CAttributeCol";
+  }
+  return "";
+}
+
+bool IsCollection(Member const& member) {
+  switch (member.kind) {
+    case Kind::Values:
+    case Kind::Objects:
+    case Kind::Rounds:
+    case Kind::NillableValues:
+    case Kind::Anys:
+    case Kind::AnyTypes:
+    case Kind::AnyAttributes: return true;
+    case Kind::Value:
+    case Kind::Object:
+    case Kind::NillableValue:
+    case Kind::Any:
+    case Kind::AnyType: return false;
+  }
+  return false;
+}
+
+/// Whether the class of the member's object is one that the library cannot make itself: any element.
+bool IsAnyElement(Member const& member) { return member.kind == Kind::Any || member.kind == Kind::AnyType; }
+
+bool CanBeCreated(Member const& member) {
+  return !IsAnyElement(member) && (member.type == nullptr || !member.type->abstract);
+}
+
+/// What the value is while the document says nothing; null for none.
+std::string const* ImpliedValue(Member const& member) {
+  if (member.fixedValue) return &*member.fixedValue;
+  return member.defaultValue ? &*member.defaultValue : nullptr;
+}
+
+std::string ImpliedText(Member const& member, Scope const& scope) {
+  return ValueText(member.value, *ImpliedValue(member), TypeOf(member.value, scope));
+}
+
+std::string Comment(Member const& member) {
+  std::string comment = member.documentation;
+  auto const add = [&comment](std::string const& line) {
+    if (!line.empty()) comment += (comment.empty() ? "" : "\n\n") + line;
+  };
+  add(DescribeFacets(member.value.facets));
+  if (member.fixedValue) {
+    add("Fixed: " + *member.fixedValue + ".");
+  } else if (member.defaultValue) {
+    add("Default: " + *member.defaultValue + ".");
+  }
+  return comment;
+}
+
+std::string Call(char const* function, Member const& member, bool takesValue) {
+  return std::string(function) + "(" + std::to_string(member.property) + ", " + member.field +
+         (takesValue ? ", std::move(value))" : ")");
+}
+
+/// The body of the setter of a value of type \p scalar or not.
+std::string SetterBody(Member const& member, bool scalar) {
+  std::string const value = scalar ? "value" : "std::move(value)";
+  if (!HasChecks(member) && member.choice < 0) return member.field + " = " + value + ";";
+  return "Assign(" + std::to_string(member.property) + ", " + member.field + ", " + value + ");";
+}
+
+void DeclareValue(Text& text, Member const& member, Scope const& scope) {
+  std::string const type = TypeOf(member.value, scope);
+  bool const scalar = IsScalar(member.value);
+  std::string const getter = " Get" + member.cppName + "() const";
+  std::string const setter = "void Set" + member.cppName;
+  if (member.mandatory) {
+    text.Function(type + (scalar ? "" : " const&") + getter, "return " + member.field + ";");
+    text.Function(setter + "(" + type + " value)", SetterBody(member, scalar));
+    return;
+  }
+  std::string const optional = "std::optional<" + type + ">";
+  if (ImpliedValue(member) != nullptr) {
+    text.Function(type + getter, "return " + member.field + ".value_or(" + ImpliedText(member, scope) + ");");
+    text.Function("bool Has" + member.cppName + "() const", "return " + member.field + ".has_value();");
+  } else {
+    text.Function(optional + (scalar ? "" : " const&") + getter, "return " + member.field + ";");
+  }
+  text.Function(setter + "(" + optional + " value)", SetterBody(member, scalar));
+}
+
+void DeclareObject(Text& text, Member const& member, std::string const& type) {
+  std::string const getter = " Get" + member.cppName + "()";
+  if (member.mandatory && CanBeCreated(member)) {
+    text.Line(type + "&" + getter + ";");
+    text.Line(type + " const&" + getter + " const;");
+  } else {
+    text.Function(type + "*" + getter, "return " + member.field + ";");
+    text.Function(type + " const*" + getter + " const", "return " + member.field + ";");
+    if (CanBeCreated(member)) text.Line(type + "& Create" + member.cppName + "();");
+  }
+  text.Line("void Set" + member.cppName + "(CSmartPtr<" + type + "> value);");
+}
+
+}  // namespace
+
+std::string ValueElementType(Plan::ValueType const& value, Scope const& scope) {
+  return "Quillon9::CValueElement<" + TypeOf(value, scope) + ">";
+}
+
+void DeclareAccessors(Text& text, Member const& member, Scope const& scope) {
+  text.Comment(Comment(member));
+  if (member.kind == Kind::Value) return DeclareValue(text, member, scope);
+  std::string const type = HeldClass(member, scope);
+  if (!IsCollection(member)) return DeclareObject(text, member, type);
+  text.Line(type + "& Get" + member.cppName + "();");
+  text.Line(type + " const& Get" + member.cppName + "() const;");
+}
+
+void DeclareField(Text& text, Member const& member, Scope const& scope) {
+  if (member.kind != Kind::Value) {
+    text.Line("CSmartPtr<" + HeldClass(member, scope) + "> " + member.field + ";");
+    return;
+  }
+  std::string const type = TypeOf(member.value, scope);
+  if (!member.mandatory) return text.Line("std::optional<" + type + "> " + member.field + ";");
+  std::string const initial =
+      ImpliedValue(member) != nullptr ? " = " + ImpliedText(member, scope) : Initializer(member.value);
+  text.Line(type + " " + member.field + initial + ";");
+}
+
+void DefineAccessors(Text& text, Member const& member, Scope const& scope) {
+  if (member.kind == Kind::Value) return;
+  // The return type stands before the name of the class, and so outside of its scope.
+  std::string const type = HeldClass(member, {scope.ns, nullptr});
+  std::string const& cls = scope.cls->cppName;
+  std::string const getter = " " + cls + "::Get" + member.cppName + "()";
+  if (IsCollection(member)) {
+    std::string const body = "return " + Call("Collection", member, false) + ";";
+    text.Function(type + "&" + getter, body);
+    text.Function(type + " const&" + getter + " const", body);
+    return;
+  }
+  if (member.mandatory && CanBeCreated(member)) {
+    std::string const body = "return " + Call("Object", member, false) + ";";
+    text.Function(type + "&" + getter, body);
+    text.Function(type + " const&" + getter + " const", body);
+  } else if (CanBeCreated(member)) {
+    text.Function(type + "& " + cls + "::Create" + member.cppName + "()",
+                  "return " + Call("Create", member, false) + ";");
+  }
+  text.Function("void " + cls + "::Set" + member.cppName + "(CSmartPtr<" + HeldClass(member, scope) + "> value)",
+                Call("Hold", member, true) + ";");
+}
+
+std::string PropertyOf(Member const& member) {
+  bool const isPlainValue = member.kind == Kind::Value && member.value.enumeration == nullptr;
+  bool const needsKind = isPlainValue && SharesCppType(member.value.kind) &&
+                         member.value.kind != Quillon9::ItemType_ui1 && member.value.kind != Quillon9::ItemType_ui2;
+  if (!needsKind) return member.field;
+  return "{" + member.field + ", Quillon9::" + KindName(member.value.kind) + "}";
+}
+
+}  // namespace Quillon9Generator::Code

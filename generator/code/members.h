@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+#include "code/names.h"
+#include "code/text.h"
+#include "plan/plan.h"
+
+/// The text for one member of a class.
+namespace Quillon9Generator::Code {
+
+/// What reads and changes the member, in the public part of its class.
+void DeclareAccessors(Text& text, Plan::Member const& member, Scope const& scope);
+
+/// The data member.
+void DeclareField(Text& text, Plan::Member const& member, Scope const& scope);
+
+/// The functions that DeclareAccessors() leaves to the source.
+void DefineAccessors(Text& text, Plan::Member const& member, Scope const& scope);
+
+/// The value of the member for CPropertyRef: `m_x`, or `{m_x, Quillon9::ItemType_date}`.
+std::string PropertyOf(Plan::Member const& member);
+
+/// The type of an element of simple type that may be nil or is the root: `Quillon9::CValueElement<std::string>`.
+std::string ValueElementType(Plan::ValueType const& value, Scope const& scope);
+
+}  // namespace Quillon9Generator::Code
