@@ -40,10 +40,51 @@ struct ModelGroup;
 /// The built-in types of XML Schema Part 2, including the two that are not derived from another.
 enum class BuiltIn {
   None,  ///< a type of the user
-  AnySimpleType, String, NormalizedString, Token, Language, NMToken, NMTokens, Name, NCName, ID, IDRef, IDRefs, Entity,
-  Entities, Boolean, Base64Binary, HexBinary, Float, Double, Decimal, Integer, NonPositiveInteger, NegativeInteger,
-  Long, Int, Short, Byte, NonNegativeInteger, UnsignedLong, UnsignedInt, UnsignedShort, UnsignedByte, PositiveInteger,
-  Duration, DateTime, Time, Date, GYearMonth, GYear, GMonthDay, GDay, GMonth, AnyURI, QName, Notation
+  AnySimpleType,
+  String,
+  NormalizedString,
+  Token,
+  Language,
+  NMToken,
+  NMTokens,
+  Name,
+  NCName,
+  ID,
+  IDRef,
+  IDRefs,
+  Entity,
+  Entities,
+  Boolean,
+  Base64Binary,
+  HexBinary,
+  Float,
+  Double,
+  Decimal,
+  Integer,
+  NonPositiveInteger,
+  NegativeInteger,
+  Long,
+  Int,
+  Short,
+  Byte,
+  NonNegativeInteger,
+  UnsignedLong,
+  UnsignedInt,
+  UnsignedShort,
+  UnsignedByte,
+  PositiveInteger,
+  Duration,
+  DateTime,
+  Time,
+  Date,
+  GYearMonth,
+  GYear,
+  GMonthDay,
+  GDay,
+  GMonth,
+  AnyURI,
+  QName,
+  Notation
 };
 
 enum class Variety { Atomic, List, Union };
@@ -67,12 +108,12 @@ struct Facets {
 struct SimpleType : Component {
   QualifiedName name;  ///< local part empty for an anonymous type
   BuiltIn builtIn = BuiltIn::None;
-  SimpleType const* base = nullptr;       ///< null only for anySimpleType
-  BuiltIn ancestor = BuiltIn::None;       ///< nearest built-in type from this one up; the type itself if it is built in
+  SimpleType const* base = nullptr;  ///< null only for anySimpleType
+  BuiltIn ancestor = BuiltIn::None;  ///< nearest built-in type from this one up; the type itself if it is built in
   Variety variety = Variety::Atomic;
-  SimpleType const* itemType = nullptr;   ///< of a list
+  SimpleType const* itemType = nullptr;        ///< of a list
   std::vector<SimpleType const*> memberTypes;  ///< of a union
-  Facets facets;                          ///< all that apply, including inherited ones
+  Facets facets;                               ///< all that apply, including inherited ones
 
   bool IsAnonymous() const { return name.local.empty(); }
 };
@@ -96,8 +137,8 @@ struct Wildcard : Component {
   enum class Constraint { Any, Other, Listed };
   enum class Processing { Strict, Lax, Skip };
   Constraint constraint = Constraint::Any;
-  std::string notNamespace;                ///< for Other: the target namespace
-  std::vector<std::string> namespaces;     ///< for Listed; an empty text stands for no namespace
+  std::string notNamespace;             ///< for Other: the target namespace
+  std::vector<std::string> namespaces;  ///< for Listed; an empty text stands for no namespace
   Processing processing = Processing::Strict;
 };
 
@@ -140,7 +181,7 @@ struct ComplexType : Component {
   enum class Derivation { None, Restriction, Extension };  ///< None: restriction of anyType
   enum class Content { Empty, Simple, ElementOnly, Mixed };
 
-  QualifiedName name;  ///< local part empty for an anonymous type
+  QualifiedName name;                         ///< local part empty for an anonymous type
   ElementDeclaration const* owner = nullptr;  ///< the element that declares an anonymous type
   bool abstract = false;
   bool anyType = false;  ///< the type xs:anyType itself
@@ -149,10 +190,10 @@ struct ComplexType : Component {
   SimpleType const* simpleBase = nullptr;  ///< the base if that is a simple type
   Content content = Content::Empty;
   SimpleType const* simpleContent = nullptr;  ///< the type of the text, for Content::Simple
-  std::optional<Particle> particle;     ///< the whole content, for an extension the base's followed by its own
-  std::optional<Particle> ownParticle;  ///< what an extension adds; otherwise the same as particle
-  std::vector<AttributeUse> attributes;     ///< all, those of the base first
-  std::vector<AttributeUse> ownAttributes;  ///< what an extension adds; otherwise the same as attributes
+  std::optional<Particle> particle;           ///< the whole content, for an extension the base's followed by its own
+  std::optional<Particle> ownParticle;        ///< what an extension adds; otherwise the same as particle
+  std::vector<AttributeUse> attributes;       ///< all, those of the base first
+  std::vector<AttributeUse> ownAttributes;    ///< what an extension adds; otherwise the same as attributes
   std::optional<Wildcard> attributeWildcard;  ///< the complete one
   std::vector<ComplexType const*> derived;    ///< directly derived ones, in document order
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "schema/components.h"
@@ -32,6 +33,7 @@ class Diagnostics {
   void Add(Diagnostic diagnostic);
 
   std::vector<Diagnostic> m_all;
+  std::unordered_set<std::string> m_known;  // the lines of all
   bool m_hasErrors = false;
 };
 

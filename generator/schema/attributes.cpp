@@ -1,0 +1,101 @@
+#include <algorithm>
+
+#include "schema/builder.h"
+#include "schema/limits.h"
+
+namespace Quillon9Generator::Schema {
+
+void Builder::FillAttribute(AttributeDeclaration& attribute, Document const& document, Node const& node) {
+  ReadValueConstraint(node, attribute.defaultValue, attribute.fixedValue);
+  Node const* const anonymous = node.Child(Tag::SimpleType);
+  std::optional<std::string_view> const name = node.Find("type");
+  if (name && anonymous != nullptr) {
+    m_diagnostics.Error(node.place, "xs:attribute has both an attribute type and an anonymous type");
+  }
+  attribute.type = anonymous != nullptr ? AnonymousSimpleType(document, *anonymous)
+                   : name               ? FindSimpleType(document, node, *name)
+                                        : m_builtIns.Get(BuiltIn::AnySimpleType);
+}
+
+Builder::AttributeSet Builder::MakeAttributes(Document const& document, Node const& node) {
+  AttributeSet set;
+  Node const* wildcard = nullptr;
+  for (Node const& child : node.children) {
+    if (child.tag == Tag::Attribute) AddAttribute(set, document, child);
+    if (child.tag == Tag::AttributeGroup) AddAttributeGroup(set, document, child);
+    if (child.tag == Tag::AnyAttribute) wildcard = &child;
+  }
+  if (wildcard == nullptr) return set;
+  Wildcard const own = MakeWildcard(document, *wildcard);
+  set.wildcard = set.wildcard ? Intersection(own, *set.wildcard) : own;
+  return set;
+}
+
+void Builder::AddAttribute(AttributeSet& set, Document const& document, Node const& node) {
+  AttributeUse use;
+  use.place = node.place;
+  use.declaration = node.Has("ref") ? ReferredAttribute(document, node) : LocalAttribute(document, node);
+  if (use.declaration == nullptr) return;
+  std::string_view const how = Trimmed(node.Find("use").value_or("optional"));
+  if (how == "prohibited") return set.prohibited.push_back(use.declaration->name);
+  use.required = how == "required";
+  if (!use.required && how != "optional") {
+    m_diagnostics.Error(node.place, "wrong use \"" + std::string(how) + "\"");
+  }
+  ReadValueConstraint(node, use.defaultValue, use.fixedValue);
+  if (!use.defaultValue && !use.fixedValue) {
+    use.defaultValue = use.declaration->defaultValue;
+    use.fixedValue = use.declaration->fixedValue;
+  }
+  AddUse(set.uses, use);
+}
+
+AttributeDeclaration const* Builder::ReferredAttribute(Document const& document, Node const& node) {
+  if (node.Has("name") || node.Has("type") || node.Child(Tag::SimpleType) != nullptr) {
+    m_diagnostics.Error(node.place, "xs:attribute with ref has neither a name nor a type of its own");
+  }
+  Global<AttributeDeclaration> const* const found = Find(m_attributes, "attribute", document, node, *node.Find("ref"));
+  return found != nullptr ? found->object : nullptr;
+}
+
+AttributeDeclaration const* Builder::LocalAttribute(Document const& document, Node const& node) {
+  std::string const name = ReadName(node);
+  if (name.empty()) return nullptr;
+  AttributeDeclaration& attribute = m_storage.attributes.emplace_back();
+  Describe(attribute, node);
+  attribute.name.local = name;
+  if (IsQualified(document, node, "attributeFormDefault")) attribute.name.ns = document.targetNamespace;
+  FillAttribute(attribute, document, node);
+  return &attribute;
+}
+
+/// The same declaration twice, as by a group that is reached on two ways, is no error.
+void Builder::AddUse(std::vector<AttributeUse>& uses, AttributeUse const& use) {
+  QualifiedName const& name = use.declaration->name;
+  auto const same = std::find_if(uses.begin(), uses.end(),
+                                 [&](AttributeUse const& other) { return other.declaration->name == name; });
+  if (same == uses.end()) return uses.push_back(use);
+  if (same->declaration == use.declaration) return;
+  m_diagnostics.Error(use.place, "a second attribute \"" + name.local + "\" in one type");
+}
+
+void Builder::AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node) {
+  std::optional<std::string_view> const reference = node.Find("ref");
+  if (!reference) return m_diagnostics.Error(node.place, "xs:attributeGroup has no ref");
+  Global<AttributeSet>* const group = Find(m_attributeGroups, "attribute group", document, node, *reference);
+  if (group == nullptr) return;
+  Complete(*group);
+  AttributeSet const& added = *group->object;
+  if (!MayInherit(added.uses.size(), node.place)) return;
+  for (AttributeUse const& use : added.uses) AddUse(set.uses, use);
+  if (!added.wildcard) return;
+  set.wildcard = set.wildcard ? Intersection(*set.wildcard, *added.wildcard) : *added.wildcard;
+}
+
+void Builder::Complete(Global<AttributeSet>& global) {
+  if (!Begin(global)) return;
+  *global.object = MakeAttributes(*global.document, *global.node);
+  End(global);
+}
+
+}  // namespace Quillon9Generator::Schema

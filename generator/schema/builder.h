@@ -1,0 +1,194 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "schema/built_ins.h"
+#include "schema/documents.h"
+#include "schema/storage.h"
+
+namespace Quillon9Generator::Schema {
+
+/// Makes the components of a set from the nodes of its documents. First each global component gets its object and its
+/// name; then all are filled. Only what needs another one complete (a type its base, a set of attributes its groups)
+/// asks for that to be filled first; references elsewhere are pointers to objects that may be filled later, so they may
+/// form circles.
+class Builder {
+ public:
+  Builder(Storage& storage, Diagnostics& diagnostics);
+
+  /// Fill \p set, whose storage this is, from all documents.
+  void Build(Documents const& documents, SchemaSet& set);
+
+ private:
+  enum class State { Empty, Filling, Filled };
+
+  /// A global component and where it is defined. Those of built-in types have no node.
+  template <class Object>
+  struct Global {
+    Node const* node = nullptr;
+    Document const* document = nullptr;
+    Object* object = nullptr;
+    State state = State::Empty;
+  };
+  template <class Object>
+  using Table = std::map<QualifiedName, Global<Object>>;
+
+  /// The attributes of a type or group, before those of a base are known.
+  struct AttributeSet {
+    std::vector<AttributeUse> uses;
+    std::vector<QualifiedName> prohibited;
+    std::optional<Wildcard> wildcard;
+  };
+  /// An anonymous type, filled after the global ones so that it may be derived from the type that contains it.
+  struct Pending {
+    ComplexType* type;
+    Node const* node;
+    Document const* document;
+  };
+  /// A type as it is referred to: one of the two, or none after an error.
+  struct TypeReference {
+    SimpleType const* simple = nullptr;  ///< complete
+    Global<ComplexType>* complex = nullptr;
+  };
+  struct GroupSize {
+    int height = 0;  ///< 0 while it is being determined
+    std::uint64_t particles = 0;
+  };
+
+  // declarations.cpp: the names of global components
+  void Declare(Document const& document);
+  void DeclareOne(Document const& document, Node const& node);
+  template <class Object>
+  void AddGlobal(Table<Object>& table, std::deque<Object>& storage, Document const& document, Node const& node);
+  void AddType(Document const& document, Node const& node);
+  template <class Object>
+  void ReportDuplicate(Document const& document, Node const& node, Global<Object> const& first);
+  std::string ReadName(Node const& node);
+  std::optional<QualifiedName> GlobalName(Document const& document, Node const& node);
+  void FillAll(SchemaSet& set);
+  void FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set);
+
+  // completion.cpp: in which order components are filled that need one another
+  template <class Object>
+  bool Begin(Global<Object>& global);
+  template <class Object>
+  void End(Global<Object>& global);
+
+  // references.cpp: names in attribute values
+  std::optional<QualifiedName> Resolve(Document const& document, Node const& node, std::string_view text);
+  template <class Object>
+  Global<Object>* Find(Table<Object>& table, char const* kind, Document const& document, Node const& node,
+                       std::string_view text);
+  void ReportMissing(char const* kind, Node const& node, std::string_view text, QualifiedName const& name,
+                     bool isInTarget);
+  std::string HintFor(QualifiedName const& name, bool isInTarget) const;
+  TypeReference FindType(Document const& document, Node const& node, std::string_view text);
+  SimpleType const* FindSimpleType(Document const& document, Node const& node, std::string_view text);
+
+  // attribute_values.cpp: other attribute values
+  bool ReadBool(Node const& node, std::string_view attribute, bool otherwise);
+  void ReadOccurrence(Node const& node, Particle& particle);
+  void ReadValueConstraint(Node const& node, std::optional<std::string>& defaultValue,
+                           std::optional<std::string>& fixedValue);
+  bool IsQualified(Document const& document, Node const& node, std::string_view formDefault);
+  static void Describe(Component& component, Node const& node);
+
+  // simple_types.cpp, facets.cpp
+  void Complete(Global<SimpleType>& global);
+  SimpleType const* ReferredSimpleType(Document const& document, Node const& node, std::string_view attribute);
+  SimpleType const* AnonymousSimpleType(Document const& document, Node const& node);
+  void FillSimpleType(SimpleType& type, Document const& document, Node const& node);
+  void FillRestriction(SimpleType& type, Document const& document, Node const& node);
+  void Derive(SimpleType& type, SimpleType const* base);
+  void FillList(SimpleType& type, Document const& document, Node const& node);
+  void FillUnion(SimpleType& type, Document const& document, Node const& node);
+  static bool HasFacets(Node const& node);
+  void ApplyFacets(SimpleType& type, Node const& node);
+  bool CheckFacet(SimpleType const& type, Node const& facet);
+  void ApplyWhiteSpace(SimpleType& type, Node const& facet);
+  void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);
+  void ApplyBound(SimpleType& type, Node const& facet, std::string const& value);
+  void ApplyNumber(std::optional<long>& number, Node const& facet, std::string const& value);
+  void CheckLengths(SimpleType const& type, Node const& node);
+  /// Return whether \p count more values may be copied.
+  bool MayInherit(std::size_t count, Place const& place);
+
+  // elements.cpp
+  void FillElement(ElementDeclaration& element, Document const& document, Node const& node);
+  void FillElementType(ElementDeclaration& element, Document const& document, Node const& node);
+  void FillSubstitution(ElementDeclaration& element, Document const& document, Node const& node);
+  void CompleteSubstitutions();
+  void CheckSubstitution(ElementDeclaration& element);
+  void TakeTypeOfHead(ElementDeclaration& element);
+
+  // particles.cpp
+  std::optional<Particle> MakeParticle(Document const& document, Node const& node);
+  bool MakeTerm(Particle& particle, Document const& document, Node const& node);
+  bool MakeElementTerm(Particle& particle, Document const& document, Node const& node);
+  bool MakeGroupTerm(Particle& particle, Document const& document, Node const& node);
+  void FillModelGroup(ModelGroup& group, Document const& document, Node const& node);
+  void FillGroup(GroupDefinition const& definition, Document const& document, Node const& node);
+
+  // wildcards.cpp
+  Wildcard MakeWildcard(Document const& document, Node const& node);
+  Wildcard Intersection(Wildcard const& first, Wildcard const& second);
+  Wildcard United(Wildcard const& first, Wildcard const& second);
+
+  // attributes.cpp
+  void FillAttribute(AttributeDeclaration& attribute, Document const& document, Node const& node);
+  AttributeSet MakeAttributes(Document const& document, Node const& node);
+  void AddAttribute(AttributeSet& set, Document const& document, Node const& node);
+  AttributeDeclaration const* ReferredAttribute(Document const& document, Node const& node);
+  AttributeDeclaration const* LocalAttribute(Document const& document, Node const& node);
+  void AddUse(std::vector<AttributeUse>& uses, AttributeUse const& use);
+  void AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node);
+  void Complete(Global<AttributeSet>& global);
+
+  // complex_types.cpp
+  void Complete(Global<ComplexType>& global);
+  void FillComplexType(ComplexType& type, Document const& document, Node const& node);
+  void FillSimpleContent(ComplexType& type, Document const& document, Node const& node);
+  void FillComplexContent(ComplexType& type, Document const& document, Node const& node, bool mixed);
+  void KeepSimpleContent(ComplexType& type, ComplexType const& base, Node const& derivation);
+  Node const* DerivationIn(Node const& content);
+  TypeReference FindBase(Document const& document, Node const& derivation);
+  SimpleType const* SimpleContentOf(ComplexType const& base, Node const& derivation);
+  SimpleType const* RestrictedContent(ComplexType const& base, Document const& document, Node const& derivation);
+  std::optional<Particle> OwnParticle(Document const& document, Node const& node);
+  static void SetBase(ComplexType& type, ComplexType const* base, Node const& derivation);
+  void SetParticle(ComplexType& type, ComplexType const* base, std::optional<Particle> own, bool mixed);
+  void SetAttributes(ComplexType& type, ComplexType const* base, AttributeSet own);
+  static void Restrict(std::vector<AttributeUse>& uses, AttributeSet const& own);
+
+  // checks.cpp: what can only be seen when all components are there
+  void LinkDerivedTypes(SchemaSet const& set);
+  void CheckGroups();
+  GroupSize SizeOf(ModelGroup const* group, Place const& reference, int depth);
+
+  Storage& m_storage;
+  Diagnostics& m_diagnostics;
+  BuiltInTypes const m_builtIns;
+  Documents const* m_documents = nullptr;
+  Table<ElementDeclaration> m_elements;
+  Table<AttributeDeclaration> m_attributes;
+  Table<SimpleType> m_simpleTypes;
+  Table<ComplexType> m_complexTypes;
+  Table<GroupDefinition> m_groups;
+  Table<AttributeSet> m_attributeGroups;
+  std::deque<AttributeSet> m_attributeSets;
+  std::vector<std::pair<Node const*, QualifiedName>> m_order;  // of all global components
+  std::deque<Pending> m_pending;
+  std::unordered_map<ModelGroup const*, GroupSize> m_sizes;
+  std::uint64_t m_inherited = 0;
+  int m_depth = 0;  // of types and groups that are being completed
+};
+
+}  // namespace Quillon9Generator::Schema

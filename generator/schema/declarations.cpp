@@ -1,0 +1,156 @@
+#include "schema/builder.h"
+
+namespace Quillon9Generator::Schema {
+
+namespace {
+
+std::string At(Place const& place) {
+  return place.file == nullptr
+             ? std::string("built in")
+             : "at " + *place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
+}
+
+bool IsName(std::string_view text) {
+  auto const isLetter = [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || (c & 0x80) != 0;
+  };
+  if (text.empty() || !isLetter(text.front())) return false;
+  for (char const c : text) {
+    if (!isLetter(c) && !(c >= '0' && c <= '9') && c != '.' && c != '-') return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+Builder::Builder(Storage& storage, Diagnostics& diagnostics)
+    : m_storage(storage), m_diagnostics(diagnostics), m_builtIns(AddBuiltInTypes(storage)) {
+  for (SimpleType& type : storage.simpleTypes) m_simpleTypes[type.name] = {nullptr, nullptr, &type, State::Filled};
+  ComplexType& anyType = storage.complexTypes.front();
+  m_complexTypes[anyType.name] = {nullptr, nullptr, &anyType, State::Filled};
+}
+
+void Builder::Build(Documents const& documents, SchemaSet& set) {
+  m_documents = &documents;
+  std::set<std::string> namespaces;
+  for (Document const* document : documents.All()) {
+    if (document->source->GetPath() != nullptr) set.files.push_back(document->source->GetPath());
+    if (namespaces.insert(document->targetNamespace).second) set.targetNamespaces.push_back(document->targetNamespace);
+    Declare(*document);
+  }
+  FillAll(set);
+}
+
+void Builder::Declare(Document const& document) {
+  for (Node const& node : document.Root().children) DeclareOne(document, node);
+}
+
+void Builder::DeclareOne(Document const& document, Node const& node) {
+  switch (node.tag) {
+    case Tag::Element: return AddGlobal(m_elements, m_storage.elements, document, node);
+    case Tag::Attribute: return AddGlobal(m_attributes, m_storage.attributes, document, node);
+    case Tag::Group: return AddGlobal(m_groups, m_storage.groups, document, node);
+    case Tag::AttributeGroup: return AddGlobal(m_attributeGroups, m_attributeSets, document, node);
+    case Tag::SimpleType:
+    case Tag::ComplexType: return AddType(document, node);
+    default: return;  // the rest has no name, or does not change what classes there are
+  }
+}
+
+template <class Object>
+void Builder::AddGlobal(Table<Object>& table, std::deque<Object>& storage, Document const& document, Node const& node) {
+  std::optional<QualifiedName> const name = GlobalName(document, node);
+  if (!name) return;
+  auto const [entry, isNew] = table.try_emplace(*name);
+  if (!isNew) return ReportDuplicate(document, node, entry->second);
+  Object& object = storage.emplace_back();
+  if constexpr (!std::is_same_v<Object, AttributeSet>) {
+    object.name = *name;
+    Describe(object, node);
+  }
+  if constexpr (std::is_same_v<Object, GroupDefinition>) object.group = &m_storage.modelGroups.emplace_back();
+  entry->second = {&node, &document, &object, State::Empty};
+  m_order.emplace_back(&node, *name);
+}
+
+void Builder::AddType(Document const& document, Node const& node) {
+  std::optional<QualifiedName> const name = GlobalName(document, node);
+  if (!name) return;
+  auto const simple = m_simpleTypes.find(*name);
+  if (simple != m_simpleTypes.end()) return ReportDuplicate(document, node, simple->second);
+  auto const complex = m_complexTypes.find(*name);
+  if (complex != m_complexTypes.end()) return ReportDuplicate(document, node, complex->second);
+  if (node.tag == Tag::SimpleType) return AddGlobal(m_simpleTypes, m_storage.simpleTypes, document, node);
+  AddGlobal(m_complexTypes, m_storage.complexTypes, document, node);
+}
+
+/// The built-in types stay. Imports from several places may bring different copies of one namespace, of which the first
+/// is taken, as validators do it.
+template <class Object>
+void Builder::ReportDuplicate(Document const& document, Node const& node, Global<Object> const& first) {
+  if (first.node == nullptr) return;
+  if (document.import != first.document->import) {
+    return m_diagnostics.Warning(document.Root().place, "definitions of the namespace \"" + document.targetNamespace +
+                                                            "\" that are there already are ignored; the first are " +
+                                                            At(first.document->Root().place));
+  }
+  m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " \"" + std::string(Trimmed(*node.Find("name"))) +
+                                      "\" is defined twice; the first is " + At(first.node->place));
+}
+
+std::optional<QualifiedName> Builder::GlobalName(Document const& document, Node const& node) {
+  std::string const name = ReadName(node);
+  if (name.empty()) return std::nullopt;
+  return QualifiedName{document.targetNamespace, name};
+}
+
+std::string Builder::ReadName(Node const& node) {
+  std::optional<std::string_view> const text = node.Find("name");
+  if (!text) {
+    m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " has no name");
+    return {};
+  }
+  std::string name(Trimmed(*text));
+  if (IsName(name)) return name;
+  m_diagnostics.Error(node.place, "\"" + name + "\" is not a name");
+  return {};
+}
+
+void Builder::FillAll(SchemaSet& set) {
+  for (auto const& [node, name] : m_order) FillGlobal(*node, name, set);
+  for (; !m_pending.empty(); m_pending.pop_front()) {
+    Pending const next = m_pending.front();
+    FillComplexType(*next.type, *next.document, *next.node);
+  }
+  CompleteSubstitutions();
+  LinkDerivedTypes(set);
+  CheckGroups();
+}
+
+void Builder::FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set) {
+  if (node.tag == Tag::Element) {
+    auto const& global = m_elements[name];
+    global.object->global = true;
+    FillElement(*global.object, *global.document, node);
+    set.elements.push_back(global.object);
+  } else if (node.tag == Tag::Attribute) {
+    auto const& global = m_attributes[name];
+    global.object->global = true;
+    FillAttribute(*global.object, *global.document, node);
+    set.attributes.push_back(global.object);
+  } else if (node.tag == Tag::Group) {
+    auto const& global = m_groups[name];
+    FillGroup(*global.object, *global.document, node);
+    set.groups.push_back(global.object);
+  } else if (node.tag == Tag::AttributeGroup) {
+    Complete(m_attributeGroups[name]);
+  } else if (node.tag == Tag::SimpleType) {
+    Complete(m_simpleTypes[name]);
+    set.simpleTypes.push_back(m_simpleTypes[name].object);
+  } else {
+    Complete(m_complexTypes[name]);
+    set.complexTypes.push_back(m_complexTypes[name].object);
+  }
+}
+
+}  // namespace Quillon9Generator::Schema

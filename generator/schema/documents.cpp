@@ -1,0 +1,149 @@
+#include "schema/documents.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "schema/grammar.h"
+#include "schema/paths.h"
+#include "schema/well_known.h"
+
+namespace Quillon9Generator::Schema {
+
+namespace {
+
+std::string TargetNamespace(SourceFile const& source) {
+  return std::string(Trimmed(source.GetRoot().Find("targetNamespace").value_or("")));
+}
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
+
+}  // namespace
+
+Documents::Documents(LoadOptions const& options, std::deque<std::string>& paths, Diagnostics& diagnostics)
+    : m_options(options), m_paths(paths), m_diagnostics(diagnostics), m_locations(m_catalog, options.includePaths) {}
+
+void Documents::Load() {
+  for (std::string const& path : m_options.catalogs) m_catalog.Read(path, m_diagnostics);
+  for (std::string const& path : m_options.documents) AddMain(path);
+  for (std::size_t i = 0; i < m_documents.size(); ++i) Follow(m_documents[i]);
+  AddWellKnown();
+}
+
+bool Documents::HasNamespace(std::string_view ns) const {
+  return std::any_of(m_all.begin(), m_all.end(),
+                     [=](Document const* document) { return document->targetNamespace == ns; });
+}
+
+/// Return the file, or null if it could not be read or is no schema, for which one error is enough.
+SourceFile const* Documents::Read(std::string const& path, Place const& reference) {
+  struct stat status = {};
+  if (stat(path.c_str(), &status) != 0 && reference.file != nullptr) return nullptr;
+  auto const [entry, isNew] = m_files.try_emplace({status.st_dev, status.st_ino});
+  if (!isNew) return entry->second.get();
+  auto file = std::make_unique<SourceFile>(&m_paths.emplace_back(path));
+  if (!file->Read(m_diagnostics, reference)) return nullptr;
+  Node const& root = file->GetRoot();
+  if (root.tag != Tag::Schema) {
+    m_diagnostics.Error(root.place, "this is not a schema: the document element is " + Quoted(root.name));
+    return nullptr;
+  }
+  CheckGrammar(root, m_diagnostics);
+  return (entry->second = std::move(file)).get();
+}
+
+void Documents::AddMain(std::string const& path) {
+  SourceFile const* const source = Read(path, {});
+  if (source != nullptr) Add({source, {path, {}}, TargetNamespace(*source), 0, false});
+}
+
+void Documents::Add(Document document) {
+  if (!m_known.insert({document.source, document.targetNamespace}).second) return;
+  bool const isCopy = IsCopy(document);
+  m_documents.push_back(std::move(document));
+  if (!isCopy) m_all.push_back(&m_documents.back());
+}
+
+// One file is often there twice, under the address of its maker and in a folder next to its user. What it includes must
+// still be followed, since that may differ.
+bool Documents::IsCopy(Document const& document) {
+  return !m_contents.try_emplace({document.source->GetOctets(), document.targetNamespace}, document.source).second;
+}
+
+void Documents::Follow(Document const& document) {
+  for (Node const& node : document.Root().children) {
+    if (node.tag == Tag::Redefine) m_diagnostics.Error(node.place, "xs:redefine is not supported yet");
+    if (node.tag == Tag::Include || node.tag == Tag::Redefine) Include(document, node);
+    if (node.tag == Tag::Import) Import(document, node);
+  }
+}
+
+void Documents::Include(Document const& document, Node const& node) {
+  std::string_view const location = Trimmed(node.Find("schemaLocation").value_or(""));
+  if (location.empty())
+    return m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " has no schemaLocation");
+  std::optional<Location> const found = m_locations.Find(location, document.location);
+  if (!found) {
+    return m_diagnostics.Error(node.place, "cannot find " + Quoted(location) +
+                                               (IsRemote(location) ? "; name a file for it with --catalog" : ""));
+  }
+  SourceFile const* const source = Read(found->path, node.place);
+  if (source == nullptr) return;
+  std::string const ns = TargetNamespace(*source);
+  if (!ns.empty() && ns != document.targetNamespace) {
+    return m_diagnostics.Error(node.place, Quoted(location) + " has the target namespace " + Quoted(ns) +
+                                               " and can only be imported, not included");
+  }
+  Add({source, *found, document.targetNamespace, document.import, ns.empty() && !document.targetNamespace.empty()});
+}
+
+void Documents::Import(Document const& document, Node const& node) {
+  std::string const ns(Trimmed(node.Find("namespace").value_or("")));
+  if (ns == document.targetNamespace) {
+    return m_diagnostics.Error(node.place, "a schema cannot import its own namespace " + Quoted(ns));
+  }
+  std::string_view const location = Trimmed(node.Find("schemaLocation").value_or(""));
+  if (!location.empty()) {
+    std::optional<Location> const found = m_locations.Find(location, document.location);
+    // A file that only has the name of a remote one may be another.
+    bool const isCertain = !IsRemote(location) || (found && !found->address.empty());
+    if (found && ImportFrom(*found, node, ns, isCertain)) return;
+  }
+  std::optional<Location> const found = m_locations.FindNamespace(ns);
+  if (found && ImportFrom(*found, node, ns, true)) return;
+  m_lost.push_back({node.place, ns, std::string(location)});
+}
+
+/// Return whether the import is done with, if only by an error.
+bool Documents::ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch) {
+  SourceFile const* const source = Read(location.path, node.place);
+  if (source == nullptr) return true;
+  std::string const target = TargetNamespace(*source);
+  if (target == ns) {
+    Add({source, location, ns, ++m_imports, false});
+  } else if (mustMatch) {
+    m_diagnostics.Error(node.place,
+                        Quoted(location.path) + " has the target namespace " + Quoted(target) + ", not " + Quoted(ns));
+  }
+  return target == ns || mustMatch;
+}
+
+// Only for namespaces that no file brings, which is certain at the end.
+void Documents::AddWellKnown() {
+  std::vector<LostImport> lost;
+  for (LostImport& import : m_lost) {
+    char const* const text = WellKnownSchema(import.ns);
+    if (text == nullptr) {
+      if (!HasNamespace(import.ns)) lost.push_back(std::move(import));
+      continue;
+    }
+    if (*text == '\0' || HasNamespace(import.ns)) continue;
+    auto& source = m_wellKnown[import.ns] = std::make_unique<SourceFile>(nullptr);
+    source->ReadText(text);
+    Add({source.get(), {}, import.ns, ++m_imports, false});
+  }
+  m_lost = std::move(lost);
+}
+
+}  // namespace Quillon9Generator::Schema

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <deque>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "schema/load.h"
+#include "schema/locations.h"
+#include "schema/source_file.h"
+
+namespace Quillon9Generator::Schema {
+
+/// A file as one namespace has it. A file without a target namespace may be included into several.
+struct Document {
+  SourceFile const* source = nullptr;
+  Location location;
+  std::string targetNamespace;
+  int import = 0;          ///< the number of the import that brought it, with what that file includes; 0 for none
+  bool chameleon = false;  ///< names without a prefix are in the target namespace, which the file does not name
+
+  Node const& Root() const { return source->GetRoot(); }
+};
+
+/// An import whose document was not found.
+struct LostImport {
+  Place place;
+  std::string ns;
+  std::string location;
+};
+
+/// Reads the main documents of a set and those that they include and import, each once.
+class Documents {
+ public:
+  /// The paths of all files are kept in \p paths, which outlives the components.
+  Documents(LoadOptions const& options, std::deque<std::string>& paths, Diagnostics& diagnostics);
+
+  void Load();
+
+  /// Return all documents in the order in which they were first referred to; none has the same content as another.
+  std::vector<Document const*> const& All() const { return m_all; }
+  std::vector<LostImport> const& GetLostImports() const { return m_lost; }
+  bool HasNamespace(std::string_view ns) const;
+
+ private:
+  SourceFile const* Read(std::string const& path, Place const& reference);
+  void AddMain(std::string const& path);
+  void Add(Document document);
+  bool IsCopy(Document const& document);
+  void Follow(Document const& document);
+  void Include(Document const& document, Node const& node);
+  void Import(Document const& document, Node const& node);
+  bool ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch);
+  void AddWellKnown();
+
+  LoadOptions const& m_options;
+  std::deque<std::string>& m_paths;
+  Diagnostics& m_diagnostics;
+  Catalog m_catalog;
+  Locations m_locations;
+  std::map<std::pair<unsigned long, unsigned long>, std::unique_ptr<SourceFile>> m_files;  // by device and number
+  std::map<std::string, std::unique_ptr<SourceFile>> m_wellKnown;                          // by namespace
+  std::set<std::pair<SourceFile const*, std::string>> m_known;                             // with the target namespace
+  std::map<std::pair<std::string_view, std::string>, SourceFile const*> m_contents;
+  std::deque<Document> m_documents;
+  std::vector<Document const*> m_all;
+  std::vector<LostImport> m_lost;
+  int m_imports = 0;
+};
+
+}  // namespace Quillon9Generator::Schema

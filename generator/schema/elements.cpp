@@ -1,0 +1,85 @@
+#include "schema/builder.h"
+#include "schema/limits.h"
+
+namespace Quillon9Generator::Schema {
+
+void Builder::FillElement(ElementDeclaration& element, Document const& document, Node const& node) {
+  element.nillable = ReadBool(node, "nillable", false);
+  element.abstract = ReadBool(node, "abstract", false);
+  ReadValueConstraint(node, element.defaultValue, element.fixedValue);
+  FillElementType(element, document, node);
+  FillSubstitution(element, document, node);
+}
+
+void Builder::FillElementType(ElementDeclaration& element, Document const& document, Node const& node) {
+  Node const* const simple = node.Child(Tag::SimpleType);
+  Node const* const complex = node.Child(Tag::ComplexType);
+  std::optional<std::string_view> const name = node.Find("type");
+  if (name && (simple != nullptr || complex != nullptr)) {
+    return m_diagnostics.Error(node.place, "xs:element has both an attribute type and an anonymous type");
+  }
+  if (simple != nullptr) {
+    element.simpleType = AnonymousSimpleType(document, *simple);
+  } else if (complex != nullptr) {
+    ComplexType& type = m_storage.complexTypes.emplace_back();
+    Describe(type, *complex);
+    type.owner = &element;
+    element.complexType = &type;
+    m_pending.push_back({&type, complex, &document});
+  } else if (name) {
+    TypeReference const type = FindType(document, node, *name);
+    element.simpleType = type.simple;
+    element.complexType = type.complex != nullptr ? type.complex->object : nullptr;
+    if (type.simple == nullptr && type.complex == nullptr) element.complexType = m_builtIns.anyType;  // after an error
+  } else if (!node.Has("substitutionGroup")) {
+    element.complexType = m_builtIns.anyType;
+  }
+}
+
+void Builder::FillSubstitution(ElementDeclaration& element, Document const& document, Node const& node) {
+  std::optional<std::string_view> const name = node.Find("substitutionGroup");
+  if (!name) return;
+  if (!element.global) return m_diagnostics.Error(node.place, "a local element cannot be in a substitution group");
+  Global<ElementDeclaration> const* const head = Find(m_elements, "element", document, node, *name);
+  if (head != nullptr) element.substitutionHead = head->object;
+}
+
+void Builder::CompleteSubstitutions() {
+  for (auto const& [node, name] : m_order) {
+    if (node->tag != Tag::Element) continue;
+    ElementDeclaration& element = *m_elements[name].object;
+    CheckSubstitution(element);
+    TakeTypeOfHead(element);
+    if (element.substitutionHead == nullptr) continue;
+    m_elements[element.substitutionHead->name].object->substitutes.push_back(&element);
+  }
+}
+
+/// Heads that lead back to the element are an error, after which it has no head.
+void Builder::CheckSubstitution(ElementDeclaration& element) {
+  int levels = 0;
+  for (ElementDeclaration const* head = element.substitutionHead; head != nullptr; head = head->substitutionHead) {
+    if (head != &element && ++levels <= kMaxLevels) continue;
+    m_diagnostics.Error(element.place,
+                        head == &element
+                            ? "the element \"" + element.name.local + "\" substitutes itself"
+                            : "more than " + std::to_string(kMaxLevels) + " elements substitute one another");
+    element.substitutionHead = nullptr;
+    return;
+  }
+}
+
+// A type is inherited from the nearest head that has one.
+void Builder::TakeTypeOfHead(ElementDeclaration& element) {
+  int levels = 0;
+  ElementDeclaration const* source = &element;
+  while (source->simpleType == nullptr && source->complexType == nullptr && source->substitutionHead != nullptr) {
+    source = source->substitutionHead;
+    if (++levels > kMaxLevels) break;  // a circle, which is reported at the elements in it
+  }
+  element.simpleType = source->simpleType;
+  element.complexType = source->complexType;
+  if (element.simpleType == nullptr && element.complexType == nullptr) element.complexType = m_builtIns.anyType;
+}
+
+}  // namespace Quillon9Generator::Schema

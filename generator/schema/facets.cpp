@@ -1,0 +1,181 @@
+#include <algorithm>
+#include <cstdlib>
+#include <set>
+
+#include "schema/builder.h"
+
+namespace Quillon9Generator::Schema {
+
+namespace {
+
+bool IsLength(Tag tag) { return tag == Tag::Length || tag == Tag::MinLength || tag == Tag::MaxLength; }
+
+bool IsBound(Tag tag) {
+  return tag == Tag::MinInclusive || tag == Tag::MaxInclusive || tag == Tag::MinExclusive || tag == Tag::MaxExclusive;
+}
+
+bool IsDigits(Tag tag) { return tag == Tag::TotalDigits || tag == Tag::FractionDigits; }
+
+bool IsFacet(Tag tag) {
+  return IsLength(tag) || IsBound(tag) || IsDigits(tag) || tag == Tag::Pattern || tag == Tag::Enumeration ||
+         tag == Tag::WhiteSpace;
+}
+
+BuiltIn PrimitiveOf(SimpleType const* type) {
+  while (type->base != nullptr && type->base->builtIn != BuiltIn::AnySimpleType) type = type->base;
+  return type->builtIn;
+}
+
+/// https://www.w3.org/TR/xmlschema-2/#defn-coss
+bool AppliesToPrimitive(Tag tag, BuiltIn primitive) {
+  switch (primitive) {
+    case BuiltIn::String:
+    case BuiltIn::HexBinary:
+    case BuiltIn::Base64Binary:
+    case BuiltIn::AnyURI:
+    case BuiltIn::QName:
+    case BuiltIn::Notation: return !IsBound(tag) && !IsDigits(tag);
+    case BuiltIn::Decimal: return !IsLength(tag);
+    case BuiltIn::Boolean: return tag == Tag::Pattern || tag == Tag::WhiteSpace;
+    case BuiltIn::AnySimpleType:
+    case BuiltIn::None: return true;
+    default: return !IsLength(tag) && !IsDigits(tag);
+  }
+}
+
+bool Applies(Tag tag, SimpleType const& type) {
+  if (type.variety == Variety::Union) return tag == Tag::Pattern || tag == Tag::Enumeration;
+  if (type.variety == Variety::List) return !IsBound(tag) && !IsDigits(tag);
+  return AppliesToPrimitive(tag, PrimitiveOf(&type));
+}
+
+/// Return \p text as a type with this facet compares it.
+std::string Normalized(std::string_view text, WhiteSpace whiteSpace) {
+  std::string result(text);
+  if (whiteSpace == WhiteSpace::Preserve) return result;
+  std::replace_if(
+      result.begin(), result.end(), [](char c) { return c == '\t' || c == '\n' || c == '\r'; }, ' ');
+  if (whiteSpace == WhiteSpace::Replace) return result;
+  result = Trimmed(result);
+  auto const areBlanks = [](char a, char b) { return a == ' ' && b == ' '; };
+  result.erase(std::unique(result.begin(), result.end(), areBlanks), result.end());
+  return result;
+}
+
+/// Return whether \p text is a decimal number, or an integer if no fraction is allowed.
+bool IsDecimal(std::string_view text, bool mayHaveFraction) {
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  std::size_t const point = mayHaveFraction ? std::min(text.find('.'), text.size()) : text.size();
+  std::string const digits = std::string(text.substr(0, point)).append(text.substr(std::min(point + 1, text.size())));
+  return !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos;
+}
+
+std::string TextOf(Node const& facet) { return "xs:" + std::string(facet.name); }
+
+}  // namespace
+
+bool Builder::HasFacets(Node const& node) {
+  return std::any_of(node.children.begin(), node.children.end(), [](Node const& child) { return IsFacet(child.tag); });
+}
+
+void Builder::ApplyFacets(SimpleType& type, Node const& node) {
+  if (Node const* const whiteSpace = node.Child(Tag::WhiteSpace)) ApplyWhiteSpace(type, *whiteSpace);
+  std::set<Tag> known;
+  std::vector<std::string> patterns;
+  std::vector<EnumerationValue> values;
+  for (Node const& facet : node.children) {
+    if (!IsFacet(facet.tag) || !CheckFacet(type, facet)) continue;
+    std::string_view const text = *facet.Find("value");
+    if (facet.tag == Tag::Pattern) {
+      patterns.emplace_back(text);
+    } else if (facet.tag == Tag::Enumeration) {
+      Describe(values.emplace_back(), facet);
+      values.back().text = Normalized(text, type.facets.whiteSpace);
+    } else if (!known.insert(facet.tag).second) {
+      m_diagnostics.Error(facet.place, "a second " + TextOf(facet));
+    } else {
+      ApplyFacet(type, facet, std::string(Trimmed(text)));
+    }
+  }
+  if (!patterns.empty()) type.facets.patterns.push_back(std::move(patterns));
+  if (!values.empty()) type.facets.enumeration = std::move(values);
+  CheckLengths(type, node);
+}
+
+bool Builder::CheckFacet(SimpleType const& type, Node const& facet) {
+  if (!facet.Has("value")) {
+    m_diagnostics.Error(facet.place, TextOf(facet) + " has no value");
+    return false;
+  }
+  if (Applies(facet.tag, type)) return true;
+  std::string const kind = type.variety == Variety::List    ? "a list"
+                           : type.variety == Variety::Union ? "a union"
+                                                            : std::string("xs:") + NameOf(PrimitiveOf(&type));
+  m_diagnostics.Error(facet.place, TextOf(facet) + " is no facet of " + kind);
+  return false;
+}
+
+void Builder::ApplyWhiteSpace(SimpleType& type, Node const& facet) {
+  std::string_view const text = Trimmed(facet.Find("value").value_or(""));
+  if (text == "preserve") {
+    type.facets.whiteSpace = WhiteSpace::Preserve;
+  } else if (text == "replace") {
+    type.facets.whiteSpace = WhiteSpace::Replace;
+  } else if (text == "collapse") {
+    type.facets.whiteSpace = WhiteSpace::Collapse;
+  } else {
+    m_diagnostics.Error(facet.place, "wrong value \"" + std::string(text) + "\" of xs:whiteSpace");
+  }
+}
+
+void Builder::ApplyFacet(SimpleType& type, Node const& facet, std::string const& value) {
+  Facets& facets = type.facets;
+  switch (facet.tag) {
+    case Tag::Length: return ApplyNumber(facets.length, facet, value);
+    case Tag::MinLength: return ApplyNumber(facets.minLength, facet, value);
+    case Tag::MaxLength: return ApplyNumber(facets.maxLength, facet, value);
+    case Tag::TotalDigits: return ApplyNumber(facets.totalDigits, facet, value);
+    case Tag::FractionDigits: return ApplyNumber(facets.fractionDigits, facet, value);
+    case Tag::WhiteSpace: return;  // applied before
+    default: return ApplyBound(type, facet, value);
+  }
+}
+
+void Builder::ApplyNumber(std::optional<long>& number, Node const& facet, std::string const& value) {
+  constexpr std::size_t kMostDigits = 18;
+  std::string_view const digits = std::string_view(value).substr(value.rfind('+', 0) == 0 ? 1 : 0);
+  bool const isNumber = !digits.empty() && digits.find_first_not_of("0123456789") == std::string_view::npos;
+  if (isNumber && digits.size() <= kMostDigits) {
+    number = std::stol(std::string(digits));
+  } else {
+    m_diagnostics.Error(facet.place, "wrong value \"" + value + "\" of " + TextOf(facet));
+  }
+}
+
+void Builder::ApplyBound(SimpleType& type, Node const& facet, std::string const& value) {
+  BuiltIn const primitive = PrimitiveOf(&type);
+  if (value.empty() || (primitive == BuiltIn::Decimal && !IsDecimal(value, type.facets.fractionDigits != 0))) {
+    return m_diagnostics.Error(facet.place, "wrong value \"" + value + "\" of " + TextOf(facet));
+  }
+  Facets& facets = type.facets;
+  if (facet.tag == Tag::MinInclusive || facet.tag == Tag::MinExclusive) {
+    facets.minInclusive.reset();
+    facets.minExclusive.reset();
+    (facet.tag == Tag::MinInclusive ? facets.minInclusive : facets.minExclusive) = value;
+  } else {
+    facets.maxInclusive.reset();
+    facets.maxExclusive.reset();
+    (facet.tag == Tag::MaxInclusive ? facets.maxInclusive : facets.maxExclusive) = value;
+  }
+}
+
+void Builder::CheckLengths(SimpleType const& type, Node const& node) {
+  Facets const& facets = type.facets;
+  long const min = facets.minLength.value_or(0);
+  bool const isEmptyRange = facets.maxLength && min > *facets.maxLength;
+  bool const isOutside =
+      facets.length && (*facets.length < min || (facets.maxLength && *facets.length > *facets.maxLength));
+  if (isEmptyRange || isOutside) m_diagnostics.Error(node.place, "no value has the length that the facets ask for");
+}
+
+}  // namespace Quillon9Generator::Schema

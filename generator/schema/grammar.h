@@ -1,0 +1,12 @@
+#pragma once
+
+#include "schema/diagnostics.h"
+#include "schema/node.h"
+
+namespace Quillon9Generator::Schema {
+
+/// Check which elements and attributes stand in each element of a schema document. What depends on references or on
+/// values is not checked here. Afterwards, the other parts may ignore what they do not know.
+void CheckGrammar(Node const& schema, Diagnostics& diagnostics);
+
+}  // namespace Quillon9Generator::Schema

@@ -1,0 +1,30 @@
+#include "schema/load.h"
+
+#include "schema/builder.h"
+
+namespace Quillon9Generator::Schema {
+
+namespace {
+
+void WarnOfLostImports(Documents const& documents, Diagnostics& diagnostics) {
+  for (LostImport const& import : documents.GetLostImports()) {
+    if (import.location.empty()) continue;
+    diagnostics.Warning(import.place, "cannot find \"" + import.location + "\" for the namespace \"" + import.ns +
+                                          "\"; name a file for it with --catalog");
+  }
+}
+
+}  // namespace
+
+SchemaSet LoadSchemas(LoadOptions const& options, Diagnostics& diagnostics) {
+  auto const storage = std::make_shared<Storage>();
+  SchemaSet set;
+  set.storage = storage;
+  Documents documents(options, storage->paths, diagnostics);
+  documents.Load();
+  WarnOfLostImports(documents, diagnostics);
+  Builder(*storage, diagnostics).Build(documents, set);
+  return set;
+}
+
+}  // namespace Quillon9Generator::Schema

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "schema/catalog.h"
+
+namespace Quillon9Generator::Schema {
+
+/// Where a document comes from.
+struct Location {
+  std::string path;
+  std::string address;  ///< the address that a catalog replaced by the path; empty for none
+};
+
+/// Finds the files that schema documents name.
+class Locations {
+ public:
+  Locations(Catalog const& catalog, std::vector<std::string> const& includePaths)
+      : m_catalog(catalog), m_includePaths(includePaths) {}
+
+  /// Find the file for \p location as \p referring names it: by the catalogs; next to \p referring; in the include
+  /// paths. For a remote address, a file of its name next to \p referring or in the include paths will do.
+  std::optional<Location> Find(std::string_view location, Location const& referring) const;
+  /// Find the file that the catalogs name for a namespace.
+  std::optional<Location> FindNamespace(std::string_view ns) const;
+
+ private:
+  std::optional<Location> InCatalog(std::string const& address) const;
+  std::optional<Location> NextTo(std::string_view location, Location const& referring) const;
+  std::optional<Location> InIncludePaths(std::string_view location) const;
+
+  Catalog const& m_catalog;
+  std::vector<std::string> const& m_includePaths;
+};
+
+}  // namespace Quillon9Generator::Schema
