@@ -68,19 +68,15 @@ bool IsFloatingWord(std::string_view text, double& value) {
   return true;
 }
 
-float Narrowed(std::string_view text, double value, float) { return NearestFloat(text, value); }
-double Narrowed(std::string_view, double value, double) { return value; }
-
-template <class Floating>
-Floating ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
+double ParseFloating(std::string_view text, WhitespaceRule rule, char const* malformed) {
   double value = 0;
-  if (IsRule(rule) && ParseShortDouble(text, value)) return Narrowed(text, value, Floating{});
+  if (IsRule(rule) && ParseShortDouble(text, value)) return value;
   std::string scratch;
   std::string_view const number = ApplyWhitespaceRule(rule, text, scratch);
   bool const endsInDigit = !number.empty() && number.back() >= '0' && number.back() <= '9';
-  if (!endsInDigit && IsFloatingWord(number, value)) return static_cast<Floating>(value);
+  if (!endsInDigit && IsFloatingWord(number, value)) return value;
   if (ParseDouble(number, value) != NumberStatus::Ok) ThrowInvalidValue(malformed, number);
-  return Narrowed(number, value, Floating{});
+  return value;
 }
 
 template <class Floating>
@@ -179,11 +175,12 @@ std::string CConversions::r8ToString(double value, char const* format) {
 }
 
 float TextConversions::r4FromText(std::string_view text, WhitespaceRule rule) {
-  return ParseFloating<float>(text, rule, "The value [%s] can not be converted to a r4");
+  static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
+  return static_cast<float>(ParseFloating(text, rule, "The value [%s] can not be converted to a r4"));
 }
 
 double TextConversions::r8FromText(std::string_view text, WhitespaceRule rule) {
-  return ParseFloating<double>(text, rule, "The value [%s] can not be converted to a r8");
+  return ParseFloating(text, rule, "The value [%s] can not be converted to a r8");
 }
 
 // ---- Boolean, character, binary

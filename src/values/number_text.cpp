@@ -240,24 +240,18 @@ bool IsShortestFormat(char const* format) {
   return format == kShortestFormat || (format != nullptr && std::strcmp(format, kShortestFormat) == 0);
 }
 
+// A float is read by way of a double. For a few shortest texts, such as 7.038531e-26, rounding twice gives the
+// neighbouring float; nine digits are always near enough.
 char* PutShortest(char (&room)[kGeneralRoom], float value) {
-  return std::to_chars(room, room + sizeof room, value).ptr;
+  char* const end = std::to_chars(room, room + sizeof room, value).ptr;
+  double wide = 0;
+  ParseDouble(std::string_view(room, static_cast<std::size_t>(end - room)), wide);
+  if (static_cast<float>(wide) == value) return end;
+  return std::to_chars(room, room + sizeof room, value, std::chars_format::scientific, 8).ptr;
 }
 
 char* PutShortest(char (&room)[kGeneralRoom], double value) {
   return std::to_chars(room, room + sizeof room, value).ptr;
-}
-
-// Rounding twice goes wrong only where the first rounding arrives exactly between two floats; such a double has no bits
-// below the first one that a float lacks.
-float NearestFloat(std::string_view text, double wide) {
-  static_assert(std::numeric_limits<float>::is_iec559, "rounding a double to a float must saturate to infinity");
-  constexpr std::uint64_t kLowBits = (std::uint64_t{1} << 28) - 1;
-  std::uint64_t bits = 0;
-  std::memcpy(&bits, &wide, sizeof bits);
-  auto const narrow = static_cast<float>(wide);
-  if ((bits & kLowBits) != 0 || static_cast<double>(narrow) == wide || wide != wide) return narrow;
-  return strtof_l(std::string(text).c_str(), nullptr, NumberLocale());
 }
 
 std::string FixedText(double value, int precision) {

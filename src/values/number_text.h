@@ -73,9 +73,6 @@ bool IsShortestFormat(char const* format);
 char* PutShortest(char (&room)[kGeneralRoom], float value);
 char* PutShortest(char (&room)[kGeneralRoom], double value);
 
-/// The float nearest to the number \p text. \p wide is what ParseDouble() made of it.
-float NearestFloat(std::string_view text, double wide);
-
 /// Print as "%.*f" does in the "C" locale, so a \p precision of 6 prints like "%f"; \p precision is 0 to 1000.
 std::string FixedText(double value, int precision = 6);
 

@@ -89,7 +89,7 @@ class QUILLON9_API CConversions {
   /// digits do not always restore the same double; kShortestFormat does.
   static std::string r8ToString(double value, char const* format = nullptr);
 
-  /// Parse what r8FromString() parses as the nearest float, which can be infinite or zero.
+  /// Parse as r8FromString() does and round the result to a float, which can make it infinite or zero.
   /// \throws CQnInvalidValueException "The value [%s] can not be converted to a r4".
   static float r4FromString(std::string const& text, WhitespaceRule rule);
   /// Parse a floating-point number. An empty text, "NaN", "-NAN" and "1.#QNAN" are NaN, "INF" and "-INF" the
