@@ -8,13 +8,16 @@ class CQNCriticalSection;
 
 namespace Quillon9 {
 
+class CAnyElementCol;
 class CAttribute;
 class CAttributeCol;
 class CBase64;
 class CBigInteger;
 class CBinaryData;
 class CBinaryStream;
+class CBoundObject;
 class CClassfactoryBase;
+class CClassTables;
 class CConversions;
 class CDateTime;
 class CDateTimeSpan;
@@ -22,6 +25,8 @@ class CDecimal;
 class CElement;
 class CElementCol;
 class CEncoder;
+class CEnumCollection;
+class CEnumTexts;
 class CFastInfosetBinaryData;
 class CFastInfosetContext;
 class CFastInfosetWriter;
@@ -33,7 +38,9 @@ class CInstanceMonitor;
 class CLimits;
 class CNamespaceAliasMap;
 class CNode;
+class CObjectCollection;
 class CPlainClasses;
+class CPropertyRef;
 class CPrimitiveRestrictions;
 class CQnException;
 class CQnInvalidNamespaceException;
@@ -57,12 +64,21 @@ class CXmlNameFilter;
 class CXmlObjectBase;
 class CXmlObjectHelper;
 class CXmlSerializationContext;
+class CXmlSource;
 class CXmlTextWriter;
 class CXmlTypeCollection;
 class CXmlWriter;
 class IEventSink;
 class INillable;
 class QnVariant;
+template <class Enum>
+class CEnumCol;
+template <class Base>
+class CNillable;
+template <class T>
+class CObjectCol;
+template <class T>
+class CValueElement;
 template <class Node>
 class CXmlNodeIterator;
 template <class Node>

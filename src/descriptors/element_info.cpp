@@ -163,14 +163,17 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   if (text == nullptr) {
     throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
   }
+  WriteText(writer, text, ItemType_string);
+  return true;
+}
+
+void CElementInfo::WriteText(CXmlWriter* writer, std::string_view text, ItemType type) const {
   if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    textWriter->WriteTextElement(m_elementName, m_namespace, text, ItemType_string);
-    return true;
+    return textWriter->WriteTextElement(m_elementName, m_namespace, text, type);
   }
   writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(text, ItemType_string);
+  writer->WriteString(std::string(text), type);
   writer->WriteEndElement();
-  return true;
 }
 
 bool CElementInfo::ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,

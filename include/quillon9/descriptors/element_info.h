@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/descriptors/generated_class.h"
@@ -177,6 +178,9 @@ class QUILLON9_API CElementInfo {
   /// Let the untyped \p collection read from \p cursor on. Returns the first element that it did not take.
   CXmlElement* ReadUntypedCollection(CXmlSerializationContext const& ctx, Quillon9::CXmlCollectionBase* collection,
                                      CXmlElement* parent, CXmlElement* cursor) const;
+
+  /// Write the element with the content \p text, which is that of a value of the kind \p type.
+  void WriteText(CXmlWriter* writer, std::string_view text, ItemType type) const;
 
   // The counts of collections.
 

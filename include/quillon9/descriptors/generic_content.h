@@ -1,15 +1,13 @@
 #pragma once
 
 #include <atomic>
-#include <cstddef>
-#include <iterator>
 #include <string>
 #include <utility>
 
-#include "quillon9/base/exceptions.h"
 #include "quillon9/base/instance_monitor.h"
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/collection.h"
+#include "quillon9/binding/node_iterator.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
@@ -72,57 +70,6 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
 };
 
 namespace detail {
-
-/// An iterator over the items of a collection, for range-for. Valid as long as its item is in the collection.
-template <class Item>
-class NodeIterator {
- public:
-  /// The member types that algorithms expect of an iterator.
-  ///@{
-  using iterator_category = std::forward_iterator_tag;
-  using value_type = Item;
-  using difference_type = std::ptrdiff_t;
-  using pointer = Item*;
-  using reference = Item&;
-  ///@}
-
-  NodeIterator() = default;
-  /// Point at \p node; null is the end.
-  explicit NodeIterator(CNode* node) : m_node(node) {}
-
-  /// The item.
-  /// \throws CQnException "No More Elements in the Collection" at the end.
-  ///@{
-  Item& operator*() const { return *static_cast<Item*>(Node()->m_item.Get()); }
-  Item* operator->() const { return &**this; }
-  ///@}
-  /// Go to the next item.
-  /// \throws CQnException "No More Elements in the Collection" at the end.
-  ///@{
-  NodeIterator& operator++() {
-    m_node = Node()->m_next;
-    return *this;
-  }
-  NodeIterator operator++(int) {
-    NodeIterator const old = *this;
-    ++*this;
-    return old;
-  }
-  ///@}
-  /// Whether both point at the same item.
-  ///@{
-  bool operator==(NodeIterator const& other) const { return m_node == other.m_node; }
-  bool operator!=(NodeIterator const& other) const { return m_node != other.m_node; }
-  ///@}
-
- private:
-  CNode* Node() const {
-    if (m_node == nullptr) throw CQnException("No More Elements in the Collection");
-    return m_node;
-  }
-
-  CNode* m_node = nullptr;
-};
 
 /// Shares ownership of an object, or is empty until the object is first needed. Threads that ask for it at the same
 /// time get the same object.

@@ -1,0 +1,163 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/binding/node_iterator.h"
+#include "quillon9/export.h"
+#include "quillon9/generated/bound_object.h"
+#include "quillon9/generated/class_tables.h"
+
+namespace Quillon9 {
+
+/// Base of all CObjectCol: how a run of elements, or of groups without a tag, is read and written.
+class QUILLON9_API CObjectCollection : public CXmlCollection {
+ public:
+  ~CObjectCollection() override;
+
+  /// The number of items.
+  std::size_t size() const { return static_cast<std::size_t>(GetCount()); }
+  /// Whether there are none.
+  bool empty() const { return GetCount() == 0; }
+
+ protected:
+  /// Makes an item with this element name.
+  using Create = CSmartPtr<CXmlObjectBase> (*)(char const* elementName);
+
+  /// The arguments of CXmlCollectionBase, the function that makes an item, and whether the items have a tag. \p tables
+  /// are those of the class of the items, which are then made by them; null if that class is not a CBoundObject.
+  CObjectCollection(char const* name, char const* ns, int minOccurs, int maxOccurs, CClassTables const* tables,
+                    Create create, Quillon9Data::XmlElementType itemType);
+  /// The collection of a row. Where a group of the row may be empty, there is no minimum.
+  explicit CObjectCollection(CElementRow const& row);
+
+  /// The item that \p element becomes, which is under the cursor; null where it is not an item. Here, an element of
+  /// the name and namespace of this collection is an item, and its xsi:type chooses among derived classes of
+  /// CBoundObject. A collection of a substitution group, or of an abstract type of other classes, overrides it.
+  virtual CSmartPtr<CXmlObjectBase> ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element);
+
+  /// Check the count, then write each item.
+  /// \throws CQnValidationException for a count outside its limits; what the items throw.
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
+  /// Append an item for each element from \p cursor on, up to the first that is not one; or, where the items have no
+  /// tag, as long as an item takes elements.
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override;
+
+  /// A new item, which is not in the collection yet.
+  CSmartPtr<CXmlObjectBase> NewItem() const;
+  /// Check an item that the program adds, and give it the name of this collection if it has none.
+  void Prepare(CXmlObjectBase* item);
+
+ private:
+  CXmlElement* ReadRounds(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
+  CXmlElement* ReadItems(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
+
+  std::string m_itemNamespace;
+  CClassTables const* m_tables;
+  Create m_create;
+  bool m_hasRounds;  // the items have no tag
+};
+
+/// A collection of objects of the class \p T, or derived from it, with the manners of a standard container. Items are
+/// reached in constant time at both ends and next to the last place used.
+///
+/// It serves classes of any origin: those derived from CBoundObject, and others that have a static
+/// `CreateInstance(elementName)`, under CElementInfoSeqClsCol, CElementInfoSeqAbsClsCol and their sisters.
+template <class T>
+class CObjectCol : public CObjectCollection {
+ public:
+  /// The member types that algorithms expect of a container.
+  ///@{
+  using value_type = T;
+  using reference = T&;
+  using const_reference = T const&;
+  using size_type = std::size_t;
+  using difference_type = std::ptrdiff_t;
+  using iterator = detail::NodeIterator<T>;
+  using const_iterator = detail::NodeIterator<T const>;
+  ///@}
+
+  /// The name and the namespace of the items and the limits of their number; \p maxOccurs -1 means no upper limit.
+  /// \p itemType says whether the items have a tag, as the record of their class does.
+  CObjectCol(char const* name, char const* ns, int minOccurs, int maxOccurs,
+             Quillon9Data::XmlElementType itemType = Quillon9Data::XmlElementType_Element)
+      : CObjectCollection(name, ns, minOccurs, maxOccurs, OwnTables(), &MakeItem, itemType) {}
+  /// The collection of a row, with the tables that the row names.
+  static CSmartPtr<CXmlObjectBase> ForRow(CElementRow const& row) { return new CObjectCol(row); }
+
+  /// The items in order. An iterator is valid as long as its item is in the collection.
+  ///@{
+  iterator begin() { return iterator(GetFirstNode()); }
+  iterator end() { return iterator(); }
+  const_iterator begin() const { return const_iterator(GetFirstNode()); }
+  const_iterator end() const { return const_iterator(); }
+  const_iterator cbegin() const { return begin(); }
+  const_iterator cend() const { return end(); }
+  ///@}
+  /// The item at \p index, from 0; the first; the last.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" when there is none.
+  ///@{
+  T& operator[](int index) { return At(index); }
+  T const& operator[](int index) const { return At(index); }
+  T& at(int index) { return At(index); }
+  T const& at(int index) const { return At(index); }
+  T& front() { return At(0); }
+  T const& front() const { return At(0); }
+  T& back() { return At(GetCount() - 1); }
+  T const& back() const { return At(GetCount() - 1); }
+  ///@}
+
+  /// Append a new item.
+  /// \throws CQnInvalidStateException "The type [%s] is abstract".
+  T& Add() {
+    CSmartPtr<CXmlObjectBase> const item = NewItem();
+    AppendItem(item.Get());
+    return *static_cast<T*>(item.Get());
+  }
+  /// Append \p item, or put it at \p index, from 0 to size(). The collection shares it with the caller. One of a
+  /// derived class of CBoundObject will be written with xsi:type.
+  /// \throws CQnInvalidParamException when it is null or was made for another element; "Index out of range".
+  ///@{
+  T& Add(CSmartPtr<T> const& item) {
+    Prepare(item.Get());
+    AppendItem(item.Get());
+    return *item;
+  }
+  T& Insert(int index, CSmartPtr<T> const& item) {
+    Prepare(item.Get());
+    AddItemAt(index, item.Get());
+    return *item;
+  }
+  ///@}
+  /// Remove the item at \p place, which must be one of this collection, or all from \p first up to \p last. Returns the
+  /// place after it.
+  ///@{
+  iterator erase(const_iterator place) {
+    iterator const next(place.GetNode()->m_next);
+    RemoveNode(place.GetNode());
+    return next;
+  }
+  iterator erase(const_iterator first, const_iterator last) {
+    while (first != last) first = erase(first);
+    return iterator(last.GetNode());
+  }
+  ///@}
+
+ protected:
+  explicit CObjectCol(CElementRow const& row) : CObjectCollection(row) {}
+
+ private:
+  T& At(int index) const { return *static_cast<T*>(GetNodeAtIndex(index)->m_item.Get()); }
+  static CClassTables const* OwnTables() {
+    if constexpr (std::is_base_of_v<CBoundObject, T>) return &T::s_class;
+    return nullptr;
+  }
+  static CSmartPtr<CXmlObjectBase> MakeItem(char const* name) { return T::CreateInstance(name); }
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <utility>
+
+#include "quillon9/generated/bound_object.h"
+
+namespace Quillon9 {
+
+/// The row of a class CValueElement whose value is of the type \p value; \p targetNamespace is that of its element
+/// where it is the document root.
+constexpr CClassRow ValueElementRow(CValueType const& value, char const* targetNamespace = "") {
+  CClassRow row;
+  row.targetNamespace = targetNamespace;
+  row.propertyCount = 1;
+  row.textProperty = 0;
+  row.text = &value;
+  return row;
+}
+
+/// An element of simple type that is an object of its own: because it may be nil, or because it is the document
+/// element. It has no attributes.
+template <class T>
+class CValueElement : public CNillable<CBoundObject> {
+ public:
+  /// The function for a CClassTables with ValueElementRow().
+  static CSmartPtr<CXmlObjectBase> Make(CClassTables const& tables, char const* elementName) {
+    return new CValueElement(tables, elementName);
+  }
+
+  /// The value.
+  T const& GetValue() const { return m_value; }
+  /// Set it; it is not nil any more.
+  /// \throws CQnException "Invalid Value for %s [%s]" for a broken facet.
+  void SetValue(T value) {
+    Assign(0, m_value, std::move(value));
+    SetNil(false);
+  }
+
+ protected:
+  CValueElement(CClassTables const& tables, char const* elementName) : CNillable(tables, elementName) {}
+  CPropertyRef Property(int index) override {
+    if (index != 0) return {};
+    return {m_value, GetClassTables().GetRow().text->kind};
+  }
+
+ private:
+  T m_value{};
+};
+
+}  // namespace Quillon9

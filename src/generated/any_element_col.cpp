@@ -1,0 +1,44 @@
+#include "quillon9/generated/any_element_col.h"
+
+#include "binding/name_match.h"
+#include "generated/namespace_rule.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+CAnyElementCol::CAnyElementCol(CElementRow const& row) : CObjectCol(row), m_rule(row.rule) {}
+
+CAnyElementCol::~CAnyElementCol() = default;
+
+CElement& CAnyElementCol::Add(char const* name, char const* ns) { return Add(new CElement(name, ns, "##any", "")); }
+
+CElement& CAnyElementCol::Add(CSmartPtr<CElement> const& element) {
+  Throw_IfPropertyIsNull(element.Get(), GetElementName().c_str());
+  if (m_rule != nullptr) {
+    RequireAllowed(*m_rule, element->GetNamespace());
+  } else if (element->GetName() != GetElementName()) {
+    element->SetElementName(element->GetName().c_str());  // for the failure
+    Throw_IfElementNameDiffers(element.Get(), GetElementName().c_str());
+  }
+  AppendItem(element.Get());
+  return *element;
+}
+
+CSmartPtr<CXmlObjectBase> CAnyElementCol::ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element) {
+  bool const isItem = m_rule != nullptr ? Allows(*m_rule, element->GetNamespaceURI())
+                                        : IsElementNamed(ctx, element, GetElementName(), GetNamespace());
+  return isItem ? new CElement("") : nullptr;
+}
+
+CXmlElement* CAnyElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                         bool) {
+  while (cursor != nullptr && (m_rule == nullptr || GetMaxOccurs() < 0 || GetCount() < GetMaxOccurs())) {
+    CSmartPtr<CXmlObjectBase> const element = ItemFor(ctx, cursor);
+    if (!element) break;
+    cursor = CXmlObjectBase::FromXml_Int(element.Get(), parent, cursor, ctx);
+    AppendItem(element.Get());
+  }
+  return cursor;
+}
+
+}  // namespace Quillon9

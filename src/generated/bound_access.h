@@ -1,0 +1,31 @@
+#pragma once
+
+#include "quillon9/binding/collection.h"
+#include "quillon9/generated/bound_object.h"
+
+namespace Quillon9 {
+
+/// What the descriptors of generated classes do with their objects.
+struct BoundAccess {
+  static CPropertyRef Property(CXmlGeneratedClass const* holder, int index) {
+    return static_cast<CBoundObject const*>(holder)->ConstProperty(index);
+  }
+  /// A new object of the class that \p element becomes where the type that has \p tables is declared.
+  static CSmartPtr<CXmlObjectBase> MakeFor(CClassTables const& tables, CXmlElement const& element,
+                                           char const* elementName) {
+    CSmartPtr<CXmlObjectBase> object = tables.TypeOf(element).CreateObject(elementName);
+    MarkNew(*object);
+    return object;
+  }
+  /// Say that \p object, which is bound, was made just now for a read.
+  static void MarkNew(CXmlObjectBase& object) { static_cast<CBoundObject&>(object).m_isNew = true; }
+  /// Check the name of \p object, or set it if it has none, and note whether its type is not \p declared.
+  /// \throws CQnInvalidParamException for another name.
+  static void Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared);
+  /// Give \p object the namespace in which it is written as document element; a constant.
+  static void SetRootNamespace(CXmlObjectBase& object, char const* ns) {
+    static_cast<CBoundObject&>(object).m_rootNamespace = ns;
+  }
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,165 @@
+#include "quillon9/generated/bound_object.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "generated/bound_access.h"
+#include "generated/built_class.h"
+#include "generated/namespace_rule.h"
+#include "generated/type_attribute.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+CBoundObject::CBoundObject(CClassTables const& tables, char const* elementName) : m_tables(&tables) {
+  SetElementName(elementName);
+}
+
+CBoundObject::~CBoundObject() = default;
+
+std::string CBoundObject::GetTargetNamespace() const {
+  return m_rootNamespace != nullptr ? m_rootNamespace : m_tables->GetRow().targetNamespace;
+}
+
+std::string CBoundObject::GetNamespace() const { return m_tables->GetRow().targetNamespace; }
+
+CParentElementInfo* CBoundObject::GetClassInfo() const { return m_tables->Built().Info(); }
+CElementInfo** CBoundObject::GetClassElementInfo() const { return m_tables->Built().Elements(); }
+CAttributeInfo** CBoundObject::GetClassAttributeInfo() const { return m_tables->Built().Attributes(); }
+
+namespace {
+
+void AccessText(ValueRule const& rule, CPropertyRef const& property, bool read, QnVariant& value) {
+  if (!read) return property.Store(rule.Read(value.GetString(), false));
+  QnVariant held;
+  property.Read(held);
+  if (held.IsValid()) rule.Check(held);
+  value.SetString(held.IsValid() ? rule.Print(held) : std::string());
+}
+
+}  // namespace
+
+void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
+  CPropertyRef const property = Property(index);
+  if (!property) {
+    if (index != kConvertedText) return;
+    BuiltClass const& built = m_tables->Built();
+    return AccessText(*built.TextRule(), Property(built.TextProperty()), read, value);
+  }
+  if (read) {
+    property.Read(value);
+  } else {
+    property.Store(value);
+  }
+}
+
+void CBoundObject::Init() {
+  if (std::exchange(m_isNew, false)) return;
+  CClassRow const& row = m_tables->GetRow();
+  for (int i = 0; i < row.firstProperty + row.propertyCount; ++i) {
+    CPropertyRef const property = Property(i);
+    if (property) property.Clear();
+  }
+}
+
+CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                       bool inChoice) {
+  m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
+  return CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
+}
+
+void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
+  CClassRow const& row = m_tables->GetRow();
+  if (m_writesType && *row.typeName != '\0' && ctx.GetWriteTypeAttribute()) {
+    writer->WriteAttributeType(row.typeNamespace, row.typeName, ItemType_string);
+  }
+  CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
+}
+
+// ---- What accessors call
+
+ItemType CBoundObject::KindOf(int property) const {
+  CValueType const* const type = m_tables->Built().At(property).value;
+  return type != nullptr ? type->kind : ItemType_invalid;
+}
+
+void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {
+  if (!value.IsSet()) return;
+  ValueRule const* const rule = m_tables->Built().At(property).rule.get();
+  if (rule != nullptr) {
+    QnVariant held;
+    value.Read(held);
+    rule->Check(held);
+  }
+  Select(property);
+}
+
+void CBoundObject::PrepareObject(int property, CXmlObjectBase* object) {
+  BuiltClass::Member const& member = m_tables->Built().At(property);
+  CElementRow const& row = *member.element;
+  if (object == nullptr) {
+    if (member.isRequired) Throw_IfPropertyIsNull(nullptr, row.name);
+    return;
+  }
+  if (row.kind == RowKind::Object) {
+    BoundAccess::Adopt(static_cast<CBoundObject&>(*object), row.name, *row.type);
+  } else if (row.kind == RowKind::Any) {
+    RequireAllowed(*row.rule, static_cast<CElement const&>(*object).GetNamespace());
+  } else {
+    static_cast<CElement&>(*object).SetName(row.name);
+    static_cast<CElement&>(*object).SetNamespace(row.ns);
+  }
+  Select(property);
+}
+
+void BoundAccess::Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared) {
+  if (!declared.GetRow().round) {
+    if (object.GetElementName().empty()) object.SetElementName(elementName);
+    object.Throw_IfElementNameDiffers(&object, elementName);
+  }
+  if (object.m_tables != &declared) object.m_writesType = true;
+}
+
+CSmartPtr<CXmlObjectBase> CBoundObject::NewObject(int property) const {
+  CElementRow const& row = *m_tables->Built().At(property).element;
+  return row.type->CreateObject(row.name);
+}
+
+CSmartPtr<CXmlObjectBase> CBoundObject::NewCollection(int property, CPropertyRef const& member) const {
+  return member.Make(m_tables->Built().At(property).element);
+}
+
+void CBoundObject::ThrowNotSet(int property) const {
+  throw CQnInvalidStateException(
+      FormatString("The element [%s] is not set", m_tables->Built().At(property).element->name));
+}
+
+int CBoundObject::Alternative(CClassTables const& tables, int row) const {
+  BuiltClass const& built = m_tables->Built();
+  int const choice = built.FindChoice(&tables.GetRow().elements[row]);
+  if (choice < 0) return 0;
+  auto const& alternatives = built.Alternatives(choice);
+  auto const isSet = [&](int property) { return ConstProperty(property).IsSet(); };
+  auto const chosen = std::find_if(alternatives.begin(), alternatives.end(), [&](std::vector<int> const& properties) {
+    return std::any_of(properties.begin(), properties.end(), isSet);
+  });
+  return chosen != alternatives.end() ? static_cast<int>(chosen - alternatives.begin()) + 1 : 0;
+}
+
+void CBoundObject::Select(int property) {
+  BuiltClass const& built = m_tables->Built();
+  for (auto const& [choice, chosen] : built.At(property).choices) {
+    auto const& alternatives = built.Alternatives(choice);
+    for (std::size_t i = 0; i < alternatives.size(); ++i) {
+      if (static_cast<int>(i) == chosen) continue;
+      for (int const other : alternatives[i]) Property(other).Clear();
+    }
+  }
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,100 @@
+#include "quillon9/generated/class_tables.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "generated/built_class.h"
+#include "generated/type_attribute.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+BuiltClass const& CClassTables::Build() const {
+  auto made = std::make_unique<BuiltClass const>(*this);
+  BuiltClass const* held = nullptr;
+  // Another thread may have been faster.
+  if (m_built.compare_exchange_strong(held, made.get(), std::memory_order_acq_rel)) return *made.release();
+  return *held;
+}
+
+CSmartPtr<CXmlObjectBase> CClassTables::CreateObject(char const* elementName) const {
+  if (m_create != nullptr) return m_create(*this, elementName);
+  throw CQnInvalidStateException(FormatString("The type [%s] is abstract", m_row->typeName));
+}
+
+CXmlAttribute const* FindTypeAttribute(CXmlElement const& element) {
+  return element.FindAttribute("type", "http://www.w3.org/2001/XMLSchema-instance");
+}
+
+namespace {
+
+/// What an xsi:type names.
+class TypeName {
+ public:
+  TypeName(CXmlElement const& element, std::string_view value) : m_element(element) {
+    constexpr std::string_view kBlanks = " \t\n\r";
+    std::size_t const start = std::min(value.find_first_not_of(kBlanks), value.size());
+    value = value.substr(start, value.find_last_not_of(kBlanks) + 1 - start);
+    std::size_t const colon = value.find(':');
+    if (colon != std::string_view::npos) m_prefix = value.substr(0, colon);
+    m_local = value.substr(colon + 1);  // all of it where there is no colon
+    if (element.GetDocument() != nullptr) m_ns = element.GetDocument()->LookupNamespaceFromAlias(m_prefix.c_str());
+  }
+
+  /// The type among \p declared and those derived from it; null for none.
+  CClassTables const* Find(CClassTables const& declared) const {
+    CClassTables const* const exact = FindIn(declared, &m_ns);
+    if (exact != nullptr) return exact;
+    if (!m_prefix.empty() && m_ns.empty()) return nullptr;  // not declared anywhere
+    CClassTables const* const likely = FindIn(declared, &m_element.GetNamespaceURI());
+    return likely != nullptr ? likely : FindIn(declared, nullptr);
+  }
+
+  std::string Text() const { return m_prefix.empty() ? m_local : m_prefix + ":" + m_local; }
+
+ private:
+  /// In any namespace for null, but then only a single one.
+  CClassTables const* FindIn(CClassTables const& declared, std::string const* ns) const {
+    CClassTables const* found = nullptr;
+    int count = 0;
+    auto const look = [&](CClassTables const& tables) {
+      CClassRow const& row = tables.GetRow();
+      if (row.typeName != m_local || (ns != nullptr && row.typeNamespace != *ns)) return;
+      found = &tables;
+      ++count;
+    };
+    look(declared);
+    CClassRow const& row = declared.GetRow();
+    for (int i = 0; i < row.derivedCount; ++i) look(*row.derived[i]);
+    return count == 1 || ns != nullptr ? found : nullptr;
+  }
+
+  CXmlElement const& m_element;
+  std::string m_prefix;
+  std::string m_local;
+  std::string m_ns;
+};
+
+}  // namespace
+
+CClassTables const& CClassTables::TypeOf(CXmlElement const& element) const {
+  CXmlAttribute const* const attribute = element.GetFirstAttribute() != nullptr ? FindTypeAttribute(element) : nullptr;
+  CClassTables const* found = this;
+  bool const isSimple = *m_row->typeName == '\0' && m_row->derivedCount == 0;  // a simple type, of which there is one
+  if (attribute != nullptr && !isSimple) {
+    TypeName const name(element, attribute->GetValueView());
+    found = name.Find(*this);
+    if (found == nullptr) {
+      throw CQnValidationException(FormatString("The type [%s] of the element [%s] is not derived from [%s]",
+                                                name.Text().c_str(), element.GetLocalName().c_str(), m_row->typeName));
+    }
+  }
+  if (!found->IsAbstract()) return *found;
+  throw CQnValidationException(FormatString("The type [%s] of the element [%s] is abstract", found->m_row->typeName,
+                                            element.GetLocalName().c_str()));
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,204 @@
+#include <algorithm>
+
+#include "descriptors/member_signatures.h"
+#include "generated/content.h"
+#include "generated/members.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+namespace {
+
+bool MustOccur(Particle const& particle) { return particle.isRequired; }
+
+bool ContentIsRequired(RowKind kind, std::vector<Particle> const& particles) {
+  if (kind != RowKind::BeginChoice) return std::any_of(particles.begin(), particles.end(), MustOccur);
+  return !particles.empty() && std::all_of(particles.begin(), particles.end(), MustOccur);
+}
+
+}  // namespace
+
+GroupInfo::GroupInfo(RowKind kind, Occurs occurs, std::vector<Particle> particles)
+    : CElementInfoSeq("", "", -1),
+      m_kind(kind),
+      m_isRequired(occurs == Occurs::Once && ContentIsRequired(kind, particles)),
+      m_particles(std::move(particles)) {}
+
+GroupInfo::~GroupInfo() = default;
+
+bool GroupInfo::Begins(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const {
+  if (cursor == nullptr) return false;
+  for (Particle const& particle : m_particles) {
+    if (particle.Begins(ctx, cursor)) return true;
+    if (m_kind == RowKind::BeginSequence && particle.isRequired) return false;
+  }
+  return false;
+}
+
+bool GroupInfo::IsSet(CXmlGeneratedClass const* holder) const {
+  return std::any_of(m_particles.begin(), m_particles.end(),
+                     [&](Particle const& particle) { return particle.IsSet(holder); });
+}
+
+void GroupInfo::AppendNames(std::string& names) const {
+  for (Particle const& particle : m_particles) {
+    particle.AppendNames(names);
+    if (m_kind == RowKind::BeginSequence && particle.isRequired) return;
+  }
+}
+
+namespace {
+
+std::string NamesOf(GroupInfo const& group) {
+  std::string names;
+  group.AppendNames(names);
+  return names;
+}
+
+}  // namespace
+
+void GroupInfo::ThrowMissing() const {
+  auto const first = std::find_if(m_particles.begin(), m_particles.end(), MustOccur);
+  if (m_kind != RowKind::BeginChoice && first != m_particles.end()) first->ThrowMissing();
+  throw CQnValidationException(
+      FormatString("Failed to find one of the required elements [%s]", NamesOf(*this).c_str()));
+}
+
+bool GroupInfo::AcceptsMissing(CXmlSerializationContext const& ctx) const {
+  return m_kind == RowKind::BeginChoice ? ctx.GetIgnoreMissingChoice() : ctx.GetIgnoreMissingMandatoryElements();
+}
+
+// ---- Reading
+
+namespace {
+
+/// Move \p cursor to the element that begins \p part, a particle or group. False, with the cursor unchanged, where that
+/// is not the element under the cursor, or, where unknown elements are ignored, one of those after it.
+template <class Part>
+bool Seek(Part const& part, CXmlSerializationContext const& ctx, CXmlElement** cursor) {
+  for (CXmlElement* at = *cursor; at != nullptr; at = at->GetNextSiblingElement()) {
+    if (part.Begins(ctx, at)) {
+      *cursor = at;
+      return true;
+    }
+    if (!ctx.GetIgnoreUnknownElements()) return false;
+  }
+  return false;
+}
+
+}  // namespace
+
+QN_ELEMENT_FROM_XML(GroupInfo) {
+  Place const place = {ctx, holder, parent, cursor};
+  if (Begins(ctx, *cursor)) {
+    Read(place);
+    return true;
+  }
+  if (!m_isRequired) return true;
+  if (holderType != XmlElementType_Element) return false;
+  if (Seek(*this, ctx, cursor)) {
+    Read(place);
+  } else if (!AcceptsMissing(ctx)) {
+    ThrowMissing();
+  }
+  return true;
+}
+
+void GroupInfo::Read(Place const& place) const {
+  switch (m_kind) {
+    case RowKind::BeginChoice: return ReadChoice(place);
+    case RowKind::BeginAll: return ReadAll(place);
+    default: return ReadSequence(place);
+  }
+}
+
+namespace {
+
+void Take(Particle const& particle, CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+          CXmlElement* parent, CXmlElement** cursor) {
+  particle.info->ElementFromXml(ctx, holder, parent, cursor, "", XmlElementType_Pseudo);
+}
+
+}  // namespace
+
+void GroupInfo::ReadSequence(Place const& place) const {
+  for (Particle const& particle : m_particles) {
+    if (particle.isRequired ? Seek(particle, place.ctx, place.cursor) : particle.Begins(place.ctx, *place.cursor)) {
+      Take(particle, place.ctx, place.holder, place.parent, place.cursor);
+    } else if (particle.isRequired && !place.ctx.GetIgnoreMissingMandatoryElements()) {
+      particle.ThrowMissing();
+    }
+  }
+}
+
+void GroupInfo::ReadChoice(Place const& place) const {
+  for (Particle const& particle : m_particles) {
+    if (!particle.Begins(place.ctx, *place.cursor)) continue;
+    return Take(particle, place.ctx, place.holder, place.parent, place.cursor);
+  }
+}
+
+void GroupInfo::ReadAll(Place const& place) const {
+  std::vector<Particle const*> left;
+  for (Particle const& particle : m_particles) left.push_back(&particle);
+  while (*place.cursor != nullptr) {
+    auto const next = std::find_if(
+        left.begin(), left.end(), [&](Particle const* particle) { return particle->Begins(place.ctx, *place.cursor); });
+    if (next != left.end()) {
+      Take(**next, place.ctx, place.holder, place.parent, place.cursor);
+      left.erase(next);
+    } else if (place.ctx.GetIgnoreUnknownElements()) {
+      *place.cursor = (*place.cursor)->GetNextSiblingElement();
+    } else {
+      break;
+    }
+  }
+  auto const missing =
+      std::find_if(left.begin(), left.end(), [](Particle const* particle) { return particle->isRequired; });
+  if (missing != left.end() && !place.ctx.GetIgnoreMissingMandatoryElements()) (*missing)->ThrowMissing();
+}
+
+// ---- Writing
+
+QN_ELEMENT_TO_XML(GroupInfo) {
+  if (m_kind == RowKind::BeginChoice) return WriteChoice(ctx, holder, writer);
+  if (!m_isRequired && !IsSet(holder)) return false;
+  return WriteMembers(ctx, holder, writer);
+}
+
+bool GroupInfo::WriteChoice(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                            CXmlWriter* writer) const {
+  auto const isSet = [&](Particle const& particle) { return particle.IsSet(holder); };
+  auto const chosen = std::find_if(m_particles.begin(), m_particles.end(), isSet);
+  if (chosen == m_particles.end()) {
+    if (!m_isRequired || ctx.GetIgnoreMissingChoice()) return false;
+    throw CQnValidationException(
+        FormatString("None of the elements [%s] is set, and one is required", NamesOf(*this).c_str()));
+  }
+  if (std::any_of(chosen + 1, m_particles.end(), isSet)) {
+    throw CQnValidationException(
+        FormatString("More than one of the elements [%s] is set, but they exclude each other", NamesOf(*this).c_str()));
+  }
+  return chosen->info->ElementToXml(ctx, holder, writer);
+}
+
+bool GroupInfo::WriteMembers(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                             CXmlWriter* writer) const {
+  bool isWritten = false;
+  for (Particle const& particle : m_particles) {
+    // A group inside says itself what it lacks.
+    if (particle.group != nullptr || particle.IsSet(holder)) {
+      isWritten |= particle.info->ElementToXml(ctx, holder, writer);
+    } else if (particle.isRequired && !ctx.GetIgnoreMissingMandatoryElements()) {
+      std::string name;
+      particle.AppendNames(name);
+      ThrowElementNotSet(name.c_str());
+    }
+  }
+  return isWritten;
+}
+
+}  // namespace Quillon9

@@ -1,0 +1,221 @@
+#include "generated/members.h"
+
+#include <memory>
+
+#include "descriptors/member_signatures.h"
+#include "generated/bound_access.h"
+#include "generated/built_class.h"
+#include "generated/content.h"
+#include "generated/namespace_rule.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+using namespace Quillon9Data;
+
+void ThrowElementNotSet(char const* name) {
+  throw CQnValidationException(FormatString("The required element [%s] is not set", name));
+}
+
+namespace {
+
+/// Whether \p cursor is an element of the member with this row and descriptor.
+bool IsElementOf(CElementRow const& row, CElementInfo const& info, CXmlSerializationContext const& ctx,
+                 CXmlElement const* cursor) {
+  if (cursor == nullptr) return false;
+  if (row.kind == RowKind::Rounds) return row.type->Built().Round().Begins(ctx, cursor);
+  return row.rule != nullptr ? Allows(*row.rule, cursor->GetNamespaceURI()) : info.IsThisElement(ctx, cursor);
+}
+
+[[noreturn]] void ThrowMissingElement(CElementRow const& row) {
+  if (row.rule != nullptr) {
+    throw CQnValidationException(
+        FormatString("Failed to find the required element from namespace [%s]", row.rule->allowed));
+  }
+  if (row.kind == RowKind::Rounds) row.type->Built().Round().ThrowMissing();
+  throw CQnValidationException(FormatString("Failed to find a required element [%s]", row.name));
+}
+
+}  // namespace
+
+// ---- The particles of groups
+
+bool MayBeAbsent(CElementRow const& row) {
+  switch (row.kind) {
+    case RowKind::Values:
+    case RowKind::Objects:
+    case RowKind::Anys:
+    case RowKind::AnyTypes: return row.minOccurs <= 0;
+    case RowKind::Rounds: return row.minOccurs <= 0 || MayBeEmpty(row.type->GetRow());
+    default: return row.occurs == Occurs::Optional;
+  }
+}
+
+bool Particle::Begins(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const {
+  return group != nullptr ? group->Begins(ctx, cursor) : IsElementOf(*row, *info, ctx, cursor);
+}
+
+bool Particle::IsSet(CXmlGeneratedClass const* holder) const {
+  return group != nullptr ? group->IsSet(holder) : BoundAccess::Property(holder, row->property).IsSet();
+}
+
+void Particle::ThrowMissing() const {
+  if (group != nullptr) group->ThrowMissing();
+  ThrowMissingElement(*row);
+}
+
+void Particle::AppendNames(std::string& names) const {
+  if (group != nullptr) return group->AppendNames(names);
+  if (row->kind == RowKind::Rounds) return row->type->Built().Round().AppendNames(names);
+  if (!names.empty()) names += ", ";
+  names += row->rule != nullptr ? row->rule->allowed : row->name;
+}
+
+std::unique_ptr<CElementInfo> MakeMember(CElementRow const& row, bool isInGroup) {
+  bool const isRequired = !isInGroup && !MayBeAbsent(row);
+  switch (row.kind) {
+    case RowKind::Value: {
+      CValueType const& type = *row.value;
+      if (type.enumeration != nullptr || row.defaultText != nullptr || row.fixedText != nullptr ||
+          ValueRule::HasDigits(type)) {
+        return std::make_unique<ValueMember>(row, isRequired);
+      }
+      char const* const format = FormatOf(type.kind);
+      if (isRequired) {
+        return std::make_unique<CElementInfoSeqPrimMnd>(row.name, row.ns, row.property, type.kind, format,
+                                                        type.whitespace, RestrictionsOf(type));
+      }
+      return std::make_unique<CElementInfoSeqPrimOpt>(row.name, row.ns, row.property, type.kind, format,
+                                                      type.whitespace, RestrictionsOf(type));
+    }
+    case RowKind::Object: return std::make_unique<ObjectMember>(row, isRequired);
+    case RowKind::Any:
+    case RowKind::AnyType: return std::make_unique<ElementMember>(row, isRequired);
+    default: return std::make_unique<CollectionMember>(row, isRequired);
+  }
+}
+
+// ---- What the members share
+
+BoundMember::BoundMember(CElementRow const& row, bool isRequired)
+    : CElementInfoSeq(row.name, row.ns, row.property), m_row(row), m_isRequired(isRequired) {}
+
+BoundMember::BoundMember(CElementRow const& row, bool isRequired, CPrimitiveRestrictions const& restrictions)
+    : CElementInfoSeq(row.name, row.ns, row.property, row.value->kind, FormatOf(row.value->kind), row.value->whitespace,
+                      restrictions),
+      m_row(row),
+      m_isRequired(isRequired) {}
+
+bool BoundMember::Seek(CXmlSerializationContext const& ctx, CXmlElement** cursor, XmlElementType holderType,
+                       bool& answer) const {
+  CXmlElement* at = *cursor;
+  if (IsElementOf(m_row, *this, ctx, at)) return true;
+  answer = !m_isRequired || holderType == XmlElementType_Element;
+  if (!m_isRequired || holderType != XmlElementType_Element) return false;
+  if (ctx.GetIgnoreMissingMandatoryElements()) return false;
+  while (ctx.GetIgnoreUnknownElements() && at != nullptr) {
+    at = at->GetNextSiblingElement();
+    if (!IsElementOf(m_row, *this, ctx, at)) continue;
+    *cursor = at;
+    return true;
+  }
+  ThrowMissingElement(m_row);
+}
+
+bool BoundMember::AbsentOnWriting(CXmlSerializationContext const& ctx) const {
+  if (m_isRequired && !ctx.GetIgnoreMissingMandatoryElements()) ThrowElementNotSet(m_row.name);
+  return false;
+}
+
+// ---- Values
+
+ValueMember::ValueMember(CElementRow const& row, bool isRequired)
+    : BoundMember(row, isRequired, RestrictionsOf(*row.value)),
+      m_rule(row.name, *row.value, row.defaultText, row.fixedText) {}
+
+QN_ELEMENT_TO_XML(ValueMember) {
+  QnVariant value;
+  ReadProperty(holder, value);
+  if (!value.IsValid()) return false;
+  m_rule.Check(value);
+  if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
+  WriteText(writer, m_rule.Print(value), ItemType_string);
+  return true;
+}
+
+QN_ELEMENT_FROM_XML(ValueMember) {
+  bool answer = false;
+  if (!Seek(ctx, cursor, holderType, answer)) return answer;
+  QnVariant value = m_rule.Read((*cursor)->GetTextView(), true);
+  AccessProperty(holder, false, value);
+  *cursor = (*cursor)->GetNextSiblingElement();
+  return true;
+}
+
+// ---- Objects
+
+QN_ELEMENT_TO_XML(ObjectMember) {
+  CXmlObjectBase const* const child = BoundAccess::Property(holder, m_propertyIndex).Look();
+  if (child == nullptr) return AbsentOnWriting(ctx);
+  CXmlObjectBase::ToXml_Int(child, writer, false, m_namespace.c_str(), ctx, false);
+  return true;
+}
+
+QN_ELEMENT_FROM_XML(ObjectMember) {
+  bool answer = false;
+  if (!Seek(ctx, cursor, holderType, answer)) return answer;
+  CSmartPtr<CXmlObjectBase> const child = BoundAccess::MakeFor(*m_row.type, **cursor, m_row.name);
+  ReadChild(ctx, child.Get(), cursor, false);
+  BoundAccess::Property(holder, m_propertyIndex).Hold(child.Get());  // a child that fails is not stored
+  return true;
+}
+
+// ---- Generic elements
+
+QN_ELEMENT_TO_XML(ElementMember) {
+  auto* const element = static_cast<CElement*>(BoundAccess::Property(holder, m_propertyIndex).Look());
+  if (element == nullptr) return AbsentOnWriting(ctx);
+  if (m_row.rule != nullptr) RequireAllowed(*m_row.rule, element->GetNamespace());
+  CXmlObjectBase::ToXml_Int(element, writer, false, m_namespace.c_str(), ctx, false);
+  return true;
+}
+
+QN_ELEMENT_FROM_XML(ElementMember) {
+  bool answer = false;
+  if (!Seek(ctx, cursor, holderType, answer)) return answer;
+  CSmartPtr<CElement> const element = new CElement("");
+  *cursor = FromXml_Int(element.Get(), parent, *cursor, ctx, false);
+  BoundAccess::Property(holder, m_propertyIndex).Hold(element.Get());
+  return true;
+}
+
+// ---- Collections
+
+QN_ELEMENT_TO_XML(CollectionMember) {
+  CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
+  if (property.IsSet()) {
+    CXmlObjectBase::ToXml_Int(property.Look(), writer, false, m_namespace.c_str(), ctx, false);
+    return true;
+  }
+  if (m_isRequired) static_cast<CXmlCollectionBase const&>(*property.Make(&m_row)).ValidateCount(ctx);
+  return false;
+}
+
+QN_ELEMENT_FROM_XML(CollectionMember) {
+  bool const isThere = IsElementOf(m_row, *this, ctx, *cursor);
+  if (!isThere && !m_isRequired) return true;
+  if (!isThere && holderType != XmlElementType_Element) return false;
+  CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
+  CSmartPtr<CXmlObjectBase> held = property.Look();
+  if (!held) {
+    held = property.Make(&m_row);
+    if (isThere) property.Hold(held.Get());
+  }
+  if (isThere) *cursor = FromXml_Int(held.Get(), parent, *cursor, ctx, false);
+  static_cast<CXmlCollectionBase const&>(*held).ValidateCount(ctx);
+  return true;
+}
+
+}  // namespace Quillon9

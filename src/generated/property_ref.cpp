@@ -1,0 +1,121 @@
+#include "quillon9/generated/property_ref.h"
+
+#include "generated/value_rule.h"
+#include "quillon9/descriptors/generic_content.h"
+
+namespace Quillon9::detail {
+
+namespace {
+
+/// How a variant holds a kind.
+template <ItemType number>
+struct Held;
+#define QN_VALUE_KIND(number, stem, Access, Type)                                       \
+  template <>                                                                           \
+  struct Held<ItemType_##stem> {                                                        \
+    static void Set(QnVariant& to, Type const& value) { to.Set##Access(value); }        \
+    static void Get(QnVariant const& from, Type& value) { value = from.Get##Access(); } \
+  };
+#include "values/item_types.def"
+
+template <class Value>
+Value& As(void* member) {
+  return *static_cast<Value*>(member);
+}
+template <class Value>
+Value const& As(void const* member) {
+  return *static_cast<Value const*>(member);
+}
+
+}  // namespace
+
+template <class Value, ItemType number>
+CPropertyKind const ValueKind<Value, number>::kPlain = {
+    [](void const* member, QnVariant& value) { Held<number>::Set(value, As<Value>(member)); },
+    [](void* member, QnVariant const& value) { Held<number>::Get(value, As<Value>(member)); },
+    [](void* member) { As<Value>(member) = Value(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+
+template <class Value, ItemType number>
+CPropertyKind const ValueKind<Value, number>::kOptional = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<Value>>(member);
+      if (held) Held<number>::Set(value, *held);
+    },
+    [](void* member, QnVariant const& value) {
+      auto& held = As<std::optional<Value>>(member);
+      Held<number>::Get(value, held ? *held : held.emplace());
+    },
+    [](void* member) { As<std::optional<Value>>(member).reset(); },
+    [](void const* member) { return As<std::optional<Value>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+
+#define QN_DEFINE_KIND(Value, number) template struct ValueKind<Value, number>;
+QN_VALUE_TYPES(QN_DEFINE_KIND)
+#undef QN_DEFINE_KIND
+
+// ---- Collections of values
+
+namespace {
+
+/// A collection of numbers whose type limits their digits, which the library's own collections do not know. They are
+/// checked on writing, as those of single values are.
+template <class Collection>
+class DigitsCol : public Collection {
+ public:
+  DigitsCol(CElementRow const& row, CFacets const& f, CValueType const& type)
+      : Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
+                   f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind)),
+        m_facets(f) {}
+
+ protected:
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override {
+    for (auto const& value : *this) {
+      QnVariant held;
+      CPropertyRef(const_cast<std::decay_t<decltype(value)>&>(value)).Read(held);
+      ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held.ToString());
+    }
+    Collection::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
+  }
+
+ private:
+  CFacets const& m_facets;
+};
+
+template <class Collection>
+CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
+  static constexpr CValueType kText;
+  static constexpr CFacets kNone;
+  CValueType const& type = row.value != nullptr ? *row.value : kText;
+  CFacets const& f = type.facets != nullptr ? *type.facets : kNone;
+  using Value = std::decay_t<decltype(*std::declval<Collection const&>().begin())>;
+  constexpr bool isNumber = std::is_same_v<Value, CDecimal> || std::is_same_v<Value, CBigInteger> ||
+                            (std::is_integral_v<Value> && !std::is_same_v<Value, bool>);
+  if constexpr (isNumber) {
+    if (ValueRule::HasDigits(type)) return new DigitsCol<Collection>(row, f, type);
+  }
+  return new Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength,
+                        f.minInclusive, f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace,
+                        FormatOf(type.kind));
+}
+
+}  // namespace
+
+#define QN_DEFINE_COLLECTION(stem)                                                        \
+  CSmartPtr<CXmlObjectBase> NewCollection<C##stem##Col>::ForRow(CElementRow const* row) { \
+    return MakeCollection<C##stem##Col>(*row);                                            \
+  }
+QN_VALUE_COLLECTIONS(QN_DEFINE_COLLECTION)
+#undef QN_DEFINE_COLLECTION
+
+CSmartPtr<CXmlObjectBase> NewCollection<CAttributeCol>::ForRow(CElementRow const*) {
+  return new CAttributeCol("", "##any", "");
+}
+
+}  // namespace Quillon9::detail

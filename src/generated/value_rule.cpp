@@ -1,0 +1,109 @@
+#include "generated/value_rule.h"
+
+#include <algorithm>
+
+#include "base/text_arguments.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/generated/enum_col.h"
+#include "quillon9/values/conversions.h"
+#include "quillon9/values/object_helper.h"
+#include "text/whitespace_view.h"
+
+namespace Quillon9 {
+
+CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
+  if (type.facets == nullptr) return {};
+  CFacets const& f = *type.facets;
+  return {OrEmpty(f.pattern),
+          f.minLength,
+          f.maxLength,
+          OrEmpty(f.minInclusive),
+          OrEmpty(f.maxInclusive),
+          OrEmpty(f.minExclusive),
+          OrEmpty(f.maxExclusive),
+          f.length};
+}
+
+char const* FormatOf(ItemType kind) { return kind == ItemType_r4 || kind == ItemType_r8 ? kShortestFormat : nullptr; }
+
+ValueRule::ValueRule(char const* name, CValueType const& type, char const* defaultText, char const* fixedText)
+    : m_name(name),
+      m_type(type),
+      m_restrictions(RestrictionsOf(type)),
+      m_filter(CFacetFilter::Make(type.kind, m_restrictions)),
+      m_default(fixedText != nullptr ? fixedText : defaultText),
+      m_fixed(fixedText) {}
+
+QnVariant ValueRule::Convert(std::string_view text) const {
+  QnVariant value;
+  if (m_type.enumeration == nullptr) {
+    value.FromString(std::string(text), m_type.kind, m_type.whitespace);
+  } else {
+    std::string scratch;
+    value.SetI4(m_type.enumeration->FromText(ApplyWhitespaceRule(m_type.whitespace, text, scratch)));
+  }
+  return value;
+}
+
+QnVariant ValueRule::Read(std::string_view text, bool isElement) const {
+  QnVariant value = Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
+  CheckFixed(value);
+  return value;
+}
+
+namespace {
+
+/// Whether two values of one kind are equal, however they are written.
+bool IsSame(QnVariant const& a, QnVariant const& b) {
+  switch (a.GetItemType()) {
+    case ItemType_decimal: return a.GetDecimal() == b.GetDecimal();
+    case ItemType_r4:
+    case ItemType_r8: return a.ToString(kShortestFormat) == b.ToString(kShortestFormat);
+    default: return a.ToString() == b.ToString();
+  }
+}
+
+}  // namespace
+
+void ValueRule::CheckFixed(QnVariant const& value) const {
+  if (m_fixed == nullptr || IsSame(value, Convert(m_fixed))) return;
+  throw CQnInvalidValueException(
+      FormatString("The value [%s] of [%s] is not the fixed value [%s]", Print(value).c_str(), m_name, m_fixed));
+}
+
+void ValueRule::Check(QnVariant const& value) const {
+  if (m_type.enumeration == nullptr) {
+    if (m_filter == nullptr || !m_filter->Passes(value)) {
+      CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
+    }
+    if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value.ToString());
+  }
+  CheckFixed(value);
+}
+
+std::string ValueRule::Print(QnVariant const& value) const {
+  if (m_type.enumeration == nullptr) return value.ToString(FormatOf(m_type.kind));
+  char const* const text = m_type.enumeration->ToText(value.GetI4());
+  if (text != nullptr) return text;
+  throw CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name));
+}
+
+void ValueRule::CheckDigits(char const* name, CFacets const& facets, std::string const& number) {
+  auto const isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  std::size_t const point = std::min(number.find('.'), number.size());
+  // Zeros in front and at the end of a fraction do not count.
+  std::size_t const first = std::min(number.find_first_of("123456789"), point);
+  std::size_t last = number.size();
+  while (last > point && number[last - 1] == '0') --last;
+  auto const count = [&](std::size_t from, std::size_t to) {
+    return from < to ? std::count_if(number.begin() + static_cast<std::ptrdiff_t>(from),
+                                     number.begin() + static_cast<std::ptrdiff_t>(to), isDigit)
+                     : 0;
+  };
+  auto const fraction = count(point, last);
+  bool const isShort = (facets.totalDigits < 0 || count(first, point) + fraction <= facets.totalDigits) &&
+                       (facets.fractionDigits < 0 || fraction <= facets.fractionDigits);
+  if (!isShort) throw CQnException(FormatString("Invalid Value for %s [%s]", name, number.c_str()));
+}
+
+}  // namespace Quillon9

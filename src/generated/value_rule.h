@@ -1,0 +1,55 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "quillon9/generated/rows.h"
+#include "quillon9/values/restrictions.h"
+#include "quillon9/values/variant.h"
+#include "values/facet_filter.h"
+
+namespace Quillon9 {
+
+/// The facets of a row as the library's descriptors take them. The digits are not among them.
+CPrimitiveRestrictions RestrictionsOf(CValueType const& type);
+/// How values of this kind are printed in generated classes; null for the usual form.
+char const* FormatOf(ItemType kind);
+
+/// How the values of one member of a generated class are read, checked and written. Immutable.
+class ValueRule {
+ public:
+  /// The texts may be null. The others are constants that live until the process ends.
+  ValueRule(char const* name, CValueType const& type, char const* defaultText, char const* fixedText);
+
+  /// The value of a text; an enumerator is the number of it. An empty text of an element that has a default or fixed
+  /// value stands for that.
+  /// \throws CQnInvalidValueException for a text that does not convert, and for one that is not the fixed value.
+  QnVariant Read(std::string_view text, bool isElement) const;
+  /// \throws as CBoundObject::Assign() does.
+  void Check(QnVariant const& value) const;
+  /// The text of a value.
+  std::string Print(QnVariant const& value) const;
+
+  CValueType const& GetType() const { return m_type; }
+
+  /// Whether values of this type have rules that CPrimitiveRestrictions does not express.
+  static bool HasDigits(CValueType const& type) {
+    return type.facets != nullptr && (type.facets->totalDigits >= 0 || type.facets->fractionDigits >= 0);
+  }
+  /// \throws CQnException "Invalid Value for %s [%s]" for a number with too many digits.
+  static void CheckDigits(char const* name, CFacets const& facets, std::string const& number);
+
+ private:
+  QnVariant Convert(std::string_view text) const;
+  void CheckFixed(QnVariant const& value) const;
+
+  char const* m_name;
+  CValueType const& m_type;
+  CPrimitiveRestrictions m_restrictions;
+  std::unique_ptr<CFacetFilter const> m_filter;  // null for rare facets
+  char const* m_default;                         // for an element without content; null for none
+  char const* m_fixed;
+};
+
+}  // namespace Quillon9

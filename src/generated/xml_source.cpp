@@ -1,0 +1,88 @@
+#include "quillon9/generated/xml_source.h"
+
+#include <istream>
+#include <iterator>
+
+#include "binding/name_match.h"
+#include "generated/bound_access.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/binary_data.h"
+#include "quillon9/xmlio/document.h"
+
+namespace Quillon9 {
+
+CXmlSource::CXmlSource(CBinaryData const& bytes)
+    : m_kind(Kind::Bytes), m_data(bytes.GetData()), m_size(bytes.GetLength()) {}
+
+namespace {
+
+std::string ReadToEnd(std::istream& stream) {
+  std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  if (stream.bad()) throw CQnException("Failed to read the stream");
+  return bytes;
+}
+
+}  // namespace
+
+void CXmlSource::Load(CXmlDocument& document) const {
+  switch (m_kind) {
+    case Kind::File: return document.Load(static_cast<char const*>(m_data));
+    case Kind::Bytes: return document.LoadLentXmlStream(static_cast<unsigned char const*>(m_data), m_size);
+    case Kind::Stream: break;
+  }
+  std::string const bytes = ReadToEnd(*static_cast<std::istream*>(const_cast<void*>(m_data)));
+  document.LoadXmlStream(reinterpret_cast<unsigned char const*>(bytes.data()), bytes.size());
+}
+
+namespace {
+
+std::string NameOf(std::string const& ns, std::string const& name) { return ns.empty() ? name : "{" + ns + "}" + name; }
+
+[[noreturn]] void ThrowWrongRoot(CXmlElement const& root, CRootRow const* roots, int count) {
+  constexpr int kShown = 8;
+  std::string expected;
+  for (int i = 0; i < count && i < kShown; ++i) {
+    expected += (i == 0 ? "" : "] or [") + NameOf(roots[i].ns, roots[i].name);
+  }
+  if (count > kShown) expected += "] or [...";
+  throw CQnValidationException(FormatString("The document element is [%s] instead of [%s]",
+                                            NameOf(root.GetNamespaceURI(), root.GetLocalName()).c_str(),
+                                            expected.c_str()));
+}
+
+CRootRow const& FindRoot(CXmlElement const& root, CRootRow const* roots, int count,
+                         CXmlSerializationContext const& ctx) {
+  for (int i = 0; i < count; ++i) {
+    if (IsElementNamed(ctx, &root, roots[i].name, roots[i].ns)) return roots[i];
+  }
+  ThrowWrongRoot(root, roots, count);
+}
+
+}  // namespace
+
+CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* roots, int count,
+                                      CXmlSerializationContext const& ctx) {
+  CXmlDocument document(ctx);
+  source.Load(document);
+  CXmlElement const* const root = document.GetDocumentElement();
+  CRootRow const& row = FindRoot(*root, roots, count, ctx);
+  if (row.type == nullptr) {
+    CSmartPtr<CElement> const element = new CElement("");
+    element->CopyXmlElement(root);
+    return element;
+  }
+  CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, *root, row.name);
+  BoundAccess::SetRootNamespace(*object, row.ns);
+  object->FromXmlElement(root, ctx);
+  return object;
+}
+
+CSmartPtr<CXmlObjectBase> CreateAnyRoot(CRootRow const& root) {
+  if (root.type == nullptr) return new CElement(root.name, root.ns, "##any", "");
+  CSmartPtr<CXmlObjectBase> object = root.type->CreateObject(root.name);
+  BoundAccess::SetRootNamespace(*object, root.ns);
+  return object;
+}
+
+}  // namespace Quillon9
