@@ -15,13 +15,13 @@ namespace Quillon9Generator::Plan {
 
 /// One enumerator.
 struct Enumerator {
-  std::string name;           ///< in C++
-  std::string text;           ///< in documents
+  std::string name;  ///< in C++
+  std::string text;  ///< in documents
   std::string documentation;
 };
 
 struct Enumeration {
-  std::string cppName;        ///< without the namespace, with the classes around it: CItems::EColour
+  std::string cppName;  ///< without the namespace, with the classes around it: CItems::EColour
   Schema::QualifiedName name;
   std::string documentation;
   Schema::Place place;
@@ -68,21 +68,21 @@ struct Member {
 
   Kind kind = Kind::Value;
   Place place = Place::Element;
-  int property = 0;          ///< the number of the property, those of the base class included
-  std::string cppName;       ///< as in Get...(): ShipTo
-  std::string field;         ///< the data member: m_shipTo
+  int property = 0;            ///< the number of the property, those of the base class included
+  std::string cppName;         ///< as in Get...(): ShipTo
+  std::string field;           ///< the data member: m_shipTo
   Schema::QualifiedName name;  ///< in documents; empty for rounds and wildcards
   int minOccurs = 1;
-  int maxOccurs = 1;         ///< Schema::Particle::kUnbounded for no limit
-  bool mandatory = false;    ///< held as a plain value or reference: present in every valid object
-  ValueType value;           ///< of Value..., NillableValue...
+  int maxOccurs = 1;            ///< Schema::Particle::kUnbounded for no limit
+  bool mandatory = false;       ///< held as a plain value or reference: present in every valid object
+  ValueType value;              ///< of Value..., NillableValue...
   Class const* type = nullptr;  ///< of Object..., Rounds
   std::optional<std::string> defaultValue, fixedValue;
-  std::string restriction;   ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace
+  std::string restriction;      ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace
   std::string targetNamespace;  ///< of a wildcard: the namespace that ##other excludes
   std::string documentation;
   Schema::Place schemaPlace;
-  int choice = -1;           ///< index into Class::choices of the innermost choice that it is an alternative of; -1 for none
+  int choice = -1;  ///< index into Class::choices of the innermost choice that it is an alternative of; -1 for none
 };
 
 /// One row of a class's element table.
@@ -96,52 +96,53 @@ struct Row {
 
 /// A choice that occurs once and so belongs to the class around it.
 struct Choice {
-  std::string cppName;                      ///< Choice, Choice2
-  std::vector<std::string> alternatives;    ///< names of the enumerators, in order, without None
-  int row = 0;                              ///< the row that begins it
+  std::string cppName;                    ///< Choice, Choice2
+  std::vector<std::string> alternatives;  ///< names of the enumerators, in order, without None
+  int row = 0;                            ///< the row that begins it
 };
 
 struct Class {
-  std::string cppName;        ///< with the classes around it: CItems::CItem
-  std::string shortName;      ///< CItem
-  Schema::QualifiedName name; ///< of the type; local part empty for an anonymous type or a group
-  std::string defaultElementName;  ///< what CreateInstance() takes by default; empty where several elements have this type
+  std::string cppName;         ///< with the classes around it: CItems::CItem
+  std::string shortName;       ///< CItem
+  Schema::QualifiedName name;  ///< of the type; local part empty for an anonymous type or a group
+  std::string
+      defaultElementName;  ///< what CreateInstance() takes by default; empty where several elements have this type
   std::string targetNamespace;
   std::string documentation;
   Schema::Place place;
   Class const* base = nullptr;
-  Class const* owner = nullptr;         ///< the class that it is nested in
+  Class const* owner = nullptr;  ///< the class that it is nested in
   bool abstract = false;
-  bool round = false;                   ///< has no tag
+  bool round = false;  ///< has no tag
   bool nillable = false;
   bool mixed = false;
   bool rejectUnknownAttributes = true;
-  int firstProperty = 0;                ///< the number of properties of all bases
-  std::vector<Member> members;          ///< its own: in schema order, elements first, then text, then attributes
-  std::vector<Row> rows;                ///< its own elements
+  int firstProperty = 0;        ///< the number of properties of all bases
+  std::vector<Member> members;  ///< its own: in schema order, elements first, then text, then attributes
+  std::vector<Row> rows;        ///< its own elements
   std::vector<Choice> choices;
-  std::vector<Class const*> nested;     ///< in the order of definition
+  std::vector<Class const*> nested;  ///< in the order of definition
   std::vector<Enumeration const*> nestedEnumerations;
-  std::vector<Class const*> derived;    ///< all classes derived from it, also indirectly, in order
+  std::vector<Class const*> derived;  ///< all classes derived from it, also indirectly, in order
 };
 
 /// A global element: what ReadX() and ReadRoot() read.
 struct Root {
-  std::string cppName;            ///< PurchaseOrder
+  std::string cppName;  ///< PurchaseOrder
   Schema::QualifiedName name;
-  Class const* type = nullptr;    ///< or, if null, the value of a simple type
+  Class const* type = nullptr;  ///< or, if null, the value of a simple type
   ValueType value;
-  std::string alias;              ///< CPurchaseOrder where that is another, free name; else empty
-  bool anyType = false;           ///< read as a CElement
+  std::string alias;     ///< CPurchaseOrder where that is another, free name; else empty
+  bool anyType = false;  ///< read as a CElement
   std::string documentation;
 };
 
 /// Everything that goes into one C++ namespace.
 struct Namespace {
-  std::string cppName;            ///< Company::Orders
-  std::string fileStem;           ///< orders
+  std::string cppName;                           ///< Company::Orders
+  std::string fileStem;                          ///< orders
   std::vector<Enumeration const*> enumerations;  ///< those that are not nested
-  std::vector<Class const*> classes;             ///< those that are not nested; a base stands before what derives from it
+  std::vector<Class const*> classes;  ///< those that are not nested; a base stands before what derives from it
   std::vector<Root> roots;
 };
 

@@ -1,0 +1,450 @@
+#include "plan/class_builder.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "plan/names.h"
+
+namespace Quillon9Generator::Plan {
+
+namespace {
+
+using Schema::ComplexType;
+using Schema::ElementDeclaration;
+using Schema::Wildcard;
+
+std::string Quoted(std::string const& name) { return "\"" + name + "\""; }
+
+bool IsAnySimpleType(Schema::SimpleType const* type) {
+  return type == nullptr || type->builtIn == Schema::BuiltIn::AnySimpleType;
+}
+
+// Not a simple type that a class of its own could hold with xsi:type.
+bool IsAnything(ElementDeclaration const& element) {
+  if (element.complexType != nullptr) return element.complexType->anyType;
+  return IsAnySimpleType(element.simpleType);
+}
+
+void SetRestriction(Wildcard const& wildcard, Member& member) {
+  switch (wildcard.constraint) {
+    case Wildcard::Constraint::Any: member.restriction = "##any"; return;
+    case Wildcard::Constraint::Other:
+      member.restriction = "##other";
+      member.targetNamespace = wildcard.notNamespace;
+      return;
+    case Wildcard::Constraint::Listed: break;
+  }
+  for (std::string const& ns : wildcard.namespaces) {
+    if (!member.restriction.empty()) member.restriction += ' ';
+    member.restriction += ns.empty() ? "##local" : ns;
+  }
+}
+
+// Whether all that \p narrow allows is allowed by \p wide.
+bool Covers(Wildcard const& wide, Wildcard const& narrow) {
+  auto const allows = [&wide](std::string const& ns) {
+    if (wide.constraint == Wildcard::Constraint::Other) return !ns.empty() && ns != wide.notNamespace;
+    return std::find(wide.namespaces.begin(), wide.namespaces.end(), ns) != wide.namespaces.end();
+  };
+  if (wide.constraint == Wildcard::Constraint::Any) return true;
+  if (narrow.constraint == Wildcard::Constraint::Listed) {
+    return std::all_of(narrow.namespaces.begin(), narrow.namespaces.end(), allows);
+  }
+  return wide.constraint == narrow.constraint && wide.notNamespace == narrow.notNamespace;
+}
+
+Class const* WithMember(Class const* cls, Member::Place place) {
+  auto const isThere = [place](Member const& member) { return member.place == place; };
+  while (cls != nullptr && std::none_of(cls->members.begin(), cls->members.end(), isThere)) cls = cls->base;
+  return cls;
+}
+
+bool HasAnyAttributes(Class const* cls) {
+  auto const isThere = [](Member const& member) { return member.kind == Member::Kind::AnyAttributes; };
+  while (cls != nullptr && std::none_of(cls->members.begin(), cls->members.end(), isThere)) cls = cls->base;
+  return cls != nullptr;
+}
+
+Member::Kind Repeated(Member::Kind kind) {
+  switch (kind) {
+    case Member::Kind::Value: return Member::Kind::Values;
+    case Member::Kind::Object: return Member::Kind::Objects;
+    case Member::Kind::NillableValue: return Member::Kind::NillableValues;
+    case Member::Kind::Any: return Member::Kind::Anys;
+    case Member::Kind::AnyType: return Member::Kind::AnyTypes;
+    default: return kind;
+  }
+}
+
+// The names of all elements that can stand in place of \p head, the most direct first.
+std::vector<std::string> SubstitutesOf(ElementDeclaration const& head) {
+  std::vector<ElementDeclaration const*> found{&head};
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    for (ElementDeclaration const* member : found[i]->substitutes) {
+      if (std::find(found.begin(), found.end(), member) != found.end()) continue;
+      found.push_back(member);
+      if (!member->abstract) names.push_back(member->name.local);
+    }
+  }
+  return names;
+}
+
+std::string Listed(std::vector<std::string> const& names) {
+  constexpr std::size_t kMost = 5;
+  std::string text;
+  for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) text += (i == 0 ? "" : ", ") + Quoted(names[i]);
+  if (names.size() > kMost) text += " and " + std::to_string(names.size() - kMost) + " more";
+  return text;
+}
+
+}  // namespace
+
+ClassBuilder::ClassBuilder(Schema::SchemaSet const& set, PlanOptions const& options, Plan& plan,
+                           Schema::Diagnostics& diagnostics)
+    : m_set(set),
+      m_options(options),
+      m_plan(plan),
+      m_diagnostics(diagnostics),
+      m_values(options, plan, diagnostics),
+      m_derivations(diagnostics) {}
+
+void ClassBuilder::Build() {
+  NoteElementsOfGroups();
+  MakeClassesOfTypes();
+  for (Schema::SimpleType const* type : m_set.simpleTypes) m_values.Of(type, {});
+  MakeRoots();
+  // Filling a class finds those of anonymous types.
+  for (std::size_t i = 0; i < m_toFill.size(); ++i) {
+    auto const [cls, type] = m_toFill[i];
+    Fill(*cls, *type);
+  }
+  FinishClasses();
+}
+
+void ClassBuilder::NoteElementsOfGroups() {
+  for (Schema::GroupDefinition const* definition : m_set.groups) {
+    std::vector<Schema::ModelGroup const*> pending{definition->group};
+    while (!pending.empty()) {
+      Schema::ModelGroup const* const group = pending.back();
+      pending.pop_back();
+      if (group == nullptr) continue;
+      for (Schema::Particle const& particle : group->particles) {
+        if (auto const* const element = std::get_if<ElementDeclaration const*>(&particle.term)) {
+          if (!(*element)->global) m_groups.emplace(*element, definition);
+        } else if (auto const* const inner = std::get_if<Schema::ModelGroup const*>(&particle.term)) {
+          if (particle.group == nullptr) pending.push_back(*inner);
+        }
+      }
+    }
+  }
+}
+
+// ---- Classes
+
+Class* ClassBuilder::NewClass(std::string shortName, Class const* owner) {
+  m_plan.classStorage.push_back(std::make_unique<Class>());
+  Class* const cls = m_plan.classStorage.back().get();
+  cls->shortName = std::move(shortName);
+  cls->owner = owner;
+  return cls;
+}
+
+Class* ClassBuilder::NewClassOf(ComplexType const& type, Class const* user) {
+  ElementDeclaration const* const owner = type.IsAnonymous() ? type.owner : nullptr;
+  std::string name = owner != nullptr ? owner->name.local : type.name.local;
+  if (!type.IsAnonymous()) name = NameOf(type.name, m_options);
+  Class const* enclosing = type.IsAnonymous() ? user : nullptr;
+  auto const group = m_groups.find(owner);
+  if (owner != nullptr && owner->global) {
+    name = NameOf(owner->name, m_options);
+    enclosing = nullptr;
+  } else if (owner != nullptr && group != m_groups.end()) {  // all users of the group share it
+    name = UpperCamel(group->second->name.local) + UpperCamel(name);
+    enclosing = nullptr;
+  }
+  Class* const cls = NewClass(std::move(name), enclosing);
+  cls->name = type.name;
+  cls->targetNamespace = owner != nullptr ? owner->name.ns : type.name.ns;
+  cls->documentation = type.documentation.empty() && owner != nullptr ? owner->documentation : type.documentation;
+  cls->place = type.place;
+  cls->abstract = type.abstract;
+  m_toFill.emplace_back(cls, &type);
+  return cls;
+}
+
+Class* ClassBuilder::ClassOf(ComplexType const& type, Class const* user) {
+  auto const known = m_classes.find(&type);
+  if (known != m_classes.end()) return known->second;
+  return m_classes[&type] = NewClassOf(type, user);
+}
+
+void ClassBuilder::MakeClassesOfTypes() {
+  for (ComplexType const* type : m_set.complexTypes) ClassOf(*type, nullptr);
+  for (ElementDeclaration const* element : m_set.elements) {
+    if (element->complexType != nullptr && !element->complexType->anyType) ClassOf(*element->complexType, nullptr);
+  }
+}
+
+void ClassBuilder::Fill(Class& cls, ComplexType const& type) {
+  if (!m_filled.insert(&cls).second) return;
+  ComplexType const* const base = m_derivations.BaseOf(type);
+  if (base != nullptr) {
+    Class* const baseClass = ClassOf(*base, nullptr);
+    Fill(*baseClass, *base);
+    cls.base = baseClass;
+  }
+  FillContent(cls, type);
+  AddText(cls, type);
+  AddAttributes(cls, type);
+}
+
+void ClassBuilder::FillContent(Class& cls, ComplexType const& type) {
+  Schema::Particle const* const own = m_derivations.OwnContent(type);
+  std::optional<ContentNode> const content =
+      NormalizedContent(own != nullptr ? std::optional<Schema::Particle>(*own) : std::nullopt);
+  if (!content) {
+    m_diagnostics.Error(type.place,
+                        "the content model is too large: groups that refer to groups multiply to more than "
+                        "a million elements");
+    return;
+  }
+  for (ContentNode const& child : content->children) AddNode(cls, child, {});
+}
+
+void ClassBuilder::AddText(Class& cls, ComplexType const& type) {
+  bool const isMixed = type.content == ComplexType::Content::Mixed;
+  cls.mixed = isMixed;
+  if (isMixed && !cls.members.empty()) {
+    m_diagnostics.Warning(type.place,
+                          (type.IsAnonymous() ? "mixed content" : "the mixed content of " + Quoted(type.name.local)) +
+                              std::string(" is read as one text; where it stands among the elements is not kept"));
+  }
+  if ((!isMixed && type.content != ComplexType::Content::Simple) || WithMember(cls.base, Member::Place::Text)) return;
+  Member text;
+  text.place = Member::Place::Text;
+  text.mandatory = true;
+  text.schemaPlace = type.place;
+  if (isMixed) {
+    text.value.whiteSpace = Schema::WhiteSpace::Preserve;
+  } else {
+    text.value = m_values.Of(type.simpleContent, {&cls, cls.shortName});
+  }
+  cls.members.push_back(std::move(text));
+}
+
+// ---- Attributes
+
+void ClassBuilder::AddAttributes(Class& cls, ComplexType const& type) {
+  for (Schema::AttributeUse const* use : m_derivations.OwnAttributes(type)) AddAttribute(cls, *use);
+  if (type.attributeWildcard) AddAttributeWildcard(cls, type);
+}
+
+void ClassBuilder::AddAttribute(Class& cls, Schema::AttributeUse const& use) {
+  Schema::AttributeDeclaration const& declaration = *use.declaration;
+  Member member;
+  member.place = Member::Place::Attribute;
+  member.name = declaration.name;
+  member.minOccurs = use.required ? 1 : 0;
+  member.mandatory = use.required;
+  member.value = ValueOf(declaration.type, declaration.name, &declaration, declaration.global, cls);
+  member.defaultValue = use.defaultValue;
+  member.fixedValue = use.fixedValue;
+  member.documentation = declaration.documentation;
+  member.schemaPlace = use.place;
+  cls.members.push_back(std::move(member));
+}
+
+void ClassBuilder::AddAttributeWildcard(Class& cls, ComplexType const& type) {
+  Wildcard const& wildcard = *type.attributeWildcard;
+  if (HasAnyAttributes(cls.base)) {
+    bool const isCovered =
+        type.base == nullptr || !type.base->attributeWildcard || Covers(*type.base->attributeWildcard, wildcard);
+    if (!isCovered) {
+      m_diagnostics.Warning(wildcard.place, "attributes of other namespaces than the wildcard of the base type " +
+                                                Quoted(type.base->name.local) + " allows are refused");
+    }
+    return;
+  }
+  Member member;
+  member.kind = Member::Kind::AnyAttributes;
+  member.place = Member::Place::Attribute;
+  member.minOccurs = 0;
+  member.maxOccurs = Schema::Particle::kUnbounded;
+  member.documentation = wildcard.documentation;
+  member.schemaPlace = wildcard.place;
+  SetRestriction(wildcard, member);
+  cls.members.push_back(std::move(member));
+}
+
+// ---- Content
+
+void ClassBuilder::AddNode(Class& cls, ContentNode const& node, Position position) {
+  if (node.kind == ContentNode::Kind::Element) return AddElement(cls, node, position);
+  if (node.kind == ContentNode::Kind::Wildcard) return AddWildcard(cls, node, position);
+  if (node.IsRepeated()) return AddRounds(cls, node, position);
+  AddGroup(cls, node, position);
+}
+
+void ClassBuilder::AddGroup(Class& cls, ContentNode const& node, Position position) {
+  Row begin;
+  begin.kind = node.kind == ContentNode::Kind::All ? Row::Kind::BeginAll : Row::Kind::BeginSequence;
+  begin.optional = node.minOccurs == 0;
+  position.mandatory = position.mandatory && node.minOccurs > 0;
+  if (node.kind == ContentNode::Kind::Choice) {
+    begin.kind = Row::Kind::BeginChoice;
+    begin.choice = static_cast<int>(cls.choices.size());
+    position = {false, begin.choice};
+    Choice choice;
+    choice.row = static_cast<int>(cls.rows.size());
+    cls.choices.push_back(std::move(choice));
+  }
+  cls.rows.push_back(begin);
+  for (ContentNode const& child : node.children) AddNode(cls, child, position);
+  Row end;
+  end.kind = Row::Kind::End;
+  cls.rows.push_back(end);
+}
+
+void ClassBuilder::AddRow(Class& cls, Member member, Position position) {
+  member.mandatory = position.mandatory && member.minOccurs > 0 && member.maxOccurs == 1;
+  member.choice = position.choice;
+  Row row;
+  row.member = static_cast<int>(cls.members.size());
+  cls.members.push_back(std::move(member));
+  cls.rows.push_back(row);
+}
+
+ValueType ClassBuilder::ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name,
+                                void const* declaration, bool global, Class const& user) {
+  auto const group = m_groups.find(declaration);
+  if (group == m_groups.end()) return m_values.Of(type, {global ? nullptr : &user, name.local});
+  return m_values.Of(type, {nullptr, UpperCamel(group->second->name.local) + UpperCamel(name.local)});
+}
+
+void ClassBuilder::NoteUse(Class& cls, ElementDeclaration const& element) {
+  m_elementsOf[&cls].insert(element.name);
+  cls.nillable = cls.nillable || element.nillable;
+}
+
+void ClassBuilder::SetElementType(Class& cls, Member& member, ElementDeclaration const& element) {
+  if (IsAnything(element)) {
+    member.kind = Member::Kind::AnyType;
+  } else if (element.complexType != nullptr) {
+    Class* const type = ClassOf(*element.complexType, &cls);
+    NoteUse(*type, element);
+    member.kind = Member::Kind::Object;
+    member.type = type;
+  } else {
+    member.kind = element.nillable ? Member::Kind::NillableValue : Member::Kind::Value;
+    member.value = ValueOf(element.simpleType, element.name, &element, element.global, cls);
+  }
+  if (member.maxOccurs != 1) member.kind = Repeated(member.kind);
+}
+
+void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position position) {
+  ElementDeclaration const& element = *node.element;
+  Member member;
+  member.name = element.name;
+  member.minOccurs = node.minOccurs;
+  member.maxOccurs = node.maxOccurs;
+  member.documentation = element.documentation;
+  member.schemaPlace = node.place;
+  SetElementType(cls, member, element);
+  WarnOfSubstitutes(element, node.place);
+  if (member.kind == Member::Kind::Value) {
+    member.defaultValue = element.defaultValue;
+    member.fixedValue = element.fixedValue;
+  } else if (element.defaultValue) {
+    m_diagnostics.Warning(element.place, "the default value of the element " + Quoted(element.name.local) +
+                                             " is not applied to an empty element, since it is repeated, nillable or "
+                                             "of a complex type");
+  }
+  AddRow(cls, std::move(member), position);
+}
+
+void ClassBuilder::WarnOfSubstitutes(ElementDeclaration const& element, Schema::Place const& place) {
+  if (!element.global || element.substitutes.empty()) return;
+  std::vector<std::string> const names = SubstitutesOf(element);
+  if (names.empty()) return;
+  m_diagnostics.Warning(place, "only the element " + Quoted(element.name.local) +
+                                   (element.abstract ? ", which is abstract," : "") + " itself is read here, not " +
+                                   Listed(names) + " of its substitution group");
+}
+
+void ClassBuilder::AddWildcard(Class& cls, ContentNode const& node, Position position) {
+  Member member;
+  member.kind = node.IsRepeated() ? Member::Kind::Anys : Member::Kind::Any;
+  member.minOccurs = node.minOccurs;
+  member.maxOccurs = node.maxOccurs;
+  member.documentation = node.wildcard->documentation;
+  member.schemaPlace = node.place;
+  SetRestriction(*node.wildcard, member);
+  AddRow(cls, std::move(member), position);
+}
+
+void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position position) {
+  std::string name = node.kind == ContentNode::Kind::Choice ? "Choice" : "Sequence";
+  if (node.group != nullptr) name = node.group->name.local;
+  Class* const round = NewClass(std::move(name), &cls);
+  m_filled.insert(round);
+  round->round = true;
+  round->targetNamespace = cls.targetNamespace;
+  round->rejectUnknownAttributes = false;
+  round->place = node.place;
+  if (node.group != nullptr) round->documentation = node.group->documentation;
+  ContentNode once = node;
+  once.minOccurs = once.maxOccurs = 1;
+  if (once.kind == ContentNode::Kind::Sequence) {
+    for (ContentNode const& child : once.children) AddNode(*round, child, {});
+  } else {
+    AddNode(*round, once, {});
+  }
+  Member member;
+  member.kind = Member::Kind::Rounds;
+  member.minOccurs = node.minOccurs;
+  member.maxOccurs = node.maxOccurs;
+  member.type = round;
+  member.documentation = round->documentation;
+  member.schemaPlace = node.place;
+  AddRow(cls, std::move(member), position);
+}
+
+// ---- The rest
+
+void ClassBuilder::MakeRoots() {
+  m_plan.namespaces.emplace_back();
+  for (ElementDeclaration const* element : m_set.elements) {
+    Root root;
+    root.cppName = NameOf(element->name, m_options);
+    root.name = element->name;
+    root.documentation = element->documentation;
+    root.anyType = IsAnything(*element);
+    if (!root.anyType && element->complexType != nullptr) {
+      Class* const cls = ClassOf(*element->complexType, nullptr);
+      NoteUse(*cls, *element);
+      root.type = cls;
+    } else if (!root.anyType) {
+      root.value = m_values.Of(element->simpleType, {nullptr, element->name.local});
+    }
+    if (!element->abstract) m_plan.namespaces.back().roots.push_back(std::move(root));
+  }
+}
+
+// What only all members together say.
+void ClassBuilder::FinishClasses() {
+  for (auto const& cls : m_plan.classStorage) {
+    auto const elements = m_elementsOf.find(cls.get());
+    if (elements != m_elementsOf.end() && elements->second.size() == 1) {
+      cls->defaultElementName = elements->second.begin()->local;
+      cls->targetNamespace = elements->second.begin()->ns;
+    }
+    for (Class const* base = cls->base; base != nullptr; base = base->base) {
+      cls->nillable = cls->nillable || base->nillable;
+    }
+  }
+}
+
+}  // namespace Quillon9Generator::Plan

@@ -1,0 +1,70 @@
+#include "plan/make_plan.h"
+
+#include <cstddef>
+#include <set>
+#include <tuple>
+
+#include "plan/class_builder.h"
+#include "plan/naming.h"
+#include "plan/order.h"
+
+namespace Quillon9Generator::Plan {
+
+namespace {
+
+char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+std::string FileStemOf(std::string const& cppNamespace) {
+  std::size_t const colon = cppNamespace.rfind(':');
+  std::string stem = colon == std::string::npos ? cppNamespace : cppNamespace.substr(colon + 1);
+  for (char& c : stem) c = Lowered(c);
+  return stem;
+}
+
+std::string WithoutFolder(std::string const& path) { return path.substr(path.find_last_of('/') + 1); }
+
+// An option for a type that does not exist is most likely misspelled.
+void CheckOptions(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
+  std::set<std::string> simple, all;
+  for (Schema::SimpleType const* type : set.simpleTypes) simple.insert(KeyOf(type->name));
+  for (Schema::ComplexType const* type : set.complexTypes) all.insert(KeyOf(type->name));
+  for (Schema::ElementDeclaration const* element : set.elements) all.insert(KeyOf(element->name));
+  all.insert(simple.begin(), simple.end());
+  for (auto const& each : options.kinds) {
+    bool const isBuiltIn = each.first.compare(0, 3, "xs:") == 0;
+    if (!isBuiltIn && simple.count(each.first) == 0) {
+      diagnostics.Error("", "no simple type \"" + each.first + "\" to map to another kind");
+    }
+  }
+  for (auto const& each : options.names) {
+    if (all.count(each.first) == 0) {
+      diagnostics.Error("", "no type or global element \"" + each.first + "\" to rename");
+    }
+  }
+}
+
+}  // namespace
+
+bool Facets::operator==(Facets const& other) const {
+  auto const all = [](Facets const& f) {
+    return std::tie(f.pattern, f.length, f.minLength, f.maxLength, f.totalDigits, f.fractionDigits, f.minInclusive,
+                    f.maxInclusive, f.minExclusive, f.maxExclusive);
+  };
+  return all(*this) == all(other);
+}
+
+bool Facets::Empty() const { return *this == Facets(); }
+
+Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
+  Plan plan;
+  CheckOptions(set, options, diagnostics);
+  ClassBuilder(set, options, plan, diagnostics).Build();
+  plan.namespaces.front().cppName = options.cppNamespace;
+  plan.namespaces.front().fileStem = FileStemOf(options.cppNamespace);
+  for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
+  OrderClasses(plan);
+  GiveNames(plan);
+  return plan;
+}
+
+}  // namespace Quillon9Generator::Plan

@@ -1,0 +1,319 @@
+#include "plan/value_types.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <utility>
+
+#include "plan/patterns.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/values/pattern.h"
+
+namespace Quillon9Generator::Plan {
+
+namespace {
+
+using namespace Quillon9;
+using Schema::BuiltIn;
+using Schema::SimpleType;
+
+struct NamedKind {
+  char const* name;
+  ItemType kind;
+};
+
+constexpr NamedKind kNamedKinds[] = {
+    {"hexBinary", ItemType_hexBinary},
+    {"base64Binary", ItemType_base64Binary},
+    {"i1", ItemType_i1},
+    {"i2", ItemType_i2},
+    {"i4", ItemType_i4},
+    {"i8", ItemType_i8},
+    {"ui1", ItemType_ui1},
+    {"ui2", ItemType_ui2},
+    {"ui4", ItemType_ui4},
+    {"ui8", ItemType_ui8},
+    {"r4", ItemType_r4},
+    {"r8", ItemType_r8},
+    {"duration", ItemType_duration},
+    {"yearMonth", ItemType_yearMonth},
+    {"monthDay", ItemType_monthDay},
+    {"year", ItemType_year},
+    {"month", ItemType_month},
+    {"day", ItemType_day},
+    {"date", ItemType_date},
+    {"datetime", ItemType_datetime},
+    {"time", ItemType_time},
+    {"string", ItemType_string},
+    {"boolean", ItemType_boolean},
+    {"decimal", ItemType_decimal},
+    {"integer", ItemType_integer},
+};
+
+ItemType KindOf(BuiltIn type) {
+  switch (type) {
+    case BuiltIn::Boolean: return ItemType_boolean;
+    case BuiltIn::Base64Binary: return ItemType_base64Binary;
+    case BuiltIn::HexBinary: return ItemType_hexBinary;
+    case BuiltIn::Float: return ItemType_r4;
+    case BuiltIn::Double: return ItemType_r8;
+    case BuiltIn::Decimal: return ItemType_decimal;
+    case BuiltIn::Integer:
+    case BuiltIn::NonPositiveInteger:
+    case BuiltIn::NegativeInteger:
+    case BuiltIn::NonNegativeInteger:
+    case BuiltIn::PositiveInteger: return ItemType_integer;
+    case BuiltIn::Long: return ItemType_i8;
+    case BuiltIn::Int: return ItemType_i4;
+    case BuiltIn::Short: return ItemType_i2;
+    case BuiltIn::Byte: return ItemType_i1;
+    case BuiltIn::UnsignedLong: return ItemType_ui8;
+    case BuiltIn::UnsignedInt: return ItemType_ui4;
+    case BuiltIn::UnsignedShort: return ItemType_ui2;
+    case BuiltIn::UnsignedByte: return ItemType_ui1;
+    case BuiltIn::Duration: return ItemType_duration;
+    case BuiltIn::DateTime: return ItemType_datetime;
+    case BuiltIn::Time: return ItemType_time;
+    case BuiltIn::Date: return ItemType_date;
+    case BuiltIn::GYearMonth: return ItemType_yearMonth;
+    case BuiltIn::GYear: return ItemType_year;
+    case BuiltIn::GMonthDay: return ItemType_monthDay;
+    case BuiltIn::GDay: return ItemType_day;
+    case BuiltIn::GMonth: return ItemType_month;
+    case BuiltIn::None:
+    case BuiltIn::AnySimpleType:
+    case BuiltIn::String:
+    case BuiltIn::NormalizedString:
+    case BuiltIn::Token:
+    case BuiltIn::Language:
+    case BuiltIn::NMToken:
+    case BuiltIn::NMTokens:
+    case BuiltIn::Name:
+    case BuiltIn::NCName:
+    case BuiltIn::ID:
+    case BuiltIn::IDRef:
+    case BuiltIn::IDRefs:
+    case BuiltIn::Entity:
+    case BuiltIn::Entities:
+    case BuiltIn::AnyURI:
+    case BuiltIn::QName:
+    case BuiltIn::Notation: return ItemType_string;
+  }
+  return ItemType_string;
+}
+
+// xs:string, xs:token and what derives from them, but for lists.
+bool IsText(SimpleType const& type) {
+  return type.variety == Schema::Variety::Atomic && type.ancestor >= BuiltIn::String &&
+         type.ancestor <= BuiltIn::Entities;
+}
+
+bool IsNumber(ItemType kind) {
+  return (kind >= ItemType_i1 && kind <= ItemType_r8) || kind == ItemType_decimal || kind == ItemType_integer;
+}
+
+bool IsWholeNumber(ItemType kind) { return IsNumber(kind) && kind != ItemType_r4 && kind != ItemType_r8; }
+
+bool IsDateOrTime(ItemType kind) { return kind >= ItemType_duration && kind <= ItemType_time; }
+
+// ---- Facets
+
+// What the bounds of xs:int and its kind say, the kind says already.
+struct KindBounds {
+  ItemType kind;
+  char const* min;
+  char const* max;
+};
+
+constexpr KindBounds kKindBounds[] = {
+    {ItemType_i1, "-128", "127"},
+    {ItemType_i2, "-32768", "32767"},
+    {ItemType_i4, "-2147483648", "2147483647"},
+    {ItemType_i8, "-9223372036854775808", "9223372036854775807"},
+    {ItemType_ui1, "0", "255"},
+    {ItemType_ui2, "0", "65535"},
+    {ItemType_ui4, "0", "4294967295"},
+    {ItemType_ui8, "0", "18446744073709551615"},
+};
+
+void DropBoundsOfKind(ItemType kind, Facets& facets) {
+  for (KindBounds const& bounds : kKindBounds) {
+    if (bounds.kind != kind) continue;
+    if (facets.minInclusive == bounds.min) facets.minInclusive.clear();
+    if (facets.maxInclusive == bounds.max) facets.maxInclusive.clear();
+  }
+}
+
+// The integers without limits that are bounded on one side.
+void AddBoundsOfAncestor(BuiltIn ancestor, Facets& facets) {
+  bool const hasMin = !facets.minInclusive.empty() || !facets.minExclusive.empty();
+  bool const hasMax = !facets.maxInclusive.empty() || !facets.maxExclusive.empty();
+  if (!hasMin && ancestor == BuiltIn::NonNegativeInteger) facets.minInclusive = "0";
+  if (!hasMin && ancestor == BuiltIn::PositiveInteger) facets.minInclusive = "1";
+  if (!hasMax && ancestor == BuiltIn::NonPositiveInteger) facets.maxInclusive = "0";
+  if (!hasMax && ancestor == BuiltIn::NegativeInteger) facets.maxInclusive = "-1";
+}
+
+void SetBounds(SimpleType const& type, ItemType kind, Facets& facets) {
+  facets.minInclusive = type.facets.minInclusive.value_or("");
+  facets.maxInclusive = type.facets.maxInclusive.value_or("");
+  facets.minExclusive = type.facets.minExclusive.value_or("");
+  facets.maxExclusive = type.facets.maxExclusive.value_or("");
+  AddBoundsOfAncestor(type.ancestor, facets);
+  DropBoundsOfKind(kind, facets);
+  if (IsWholeNumber(kind)) facets.totalDigits = type.facets.totalDigits.value_or(-1);
+  if (kind == ItemType_decimal) facets.fractionDigits = type.facets.fractionDigits.value_or(-1);
+}
+
+void SetLengths(SimpleType const& type, Facets& facets) {
+  facets.length = type.facets.length.value_or(-1);
+  facets.minLength = type.facets.minLength.value_or(-1);
+  facets.maxLength = type.facets.maxLength.value_or(-1);
+}
+
+// The members of a union say what becomes of white space: nothing, unless all agree that it goes.
+Schema::WhiteSpace WhiteSpaceOf(SimpleType const& type) {
+  if (type.variety == Schema::Variety::List) return Schema::WhiteSpace::Collapse;
+  if (type.variety == Schema::Variety::Atomic) return type.facets.whiteSpace;
+  bool const allCollapse = std::all_of(type.memberTypes.begin(), type.memberTypes.end(), [](SimpleType const* member) {
+    return WhiteSpaceOf(*member) == Schema::WhiteSpace::Collapse;
+  });
+  return allCollapse ? Schema::WhiteSpace::Collapse : Schema::WhiteSpace::Preserve;
+}
+
+// ---- Enumerations
+
+bool HasSameTexts(SimpleType const& type, SimpleType const& other) {
+  auto const sameText = [](Schema::EnumerationValue const& a, Schema::EnumerationValue const& b) {
+    return a.text == b.text;
+  };
+  return std::equal(type.facets.enumeration.begin(), type.facets.enumeration.end(), other.facets.enumeration.begin(),
+                    other.facets.enumeration.end(), sameText);
+}
+
+// The type that introduced the values of \p type.
+SimpleType const& OriginOfTexts(SimpleType const& type) {
+  SimpleType const* origin = &type;
+  while (origin->base != nullptr && HasSameTexts(*origin, *origin->base)) origin = origin->base;
+  return *origin;
+}
+
+std::vector<Enumerator> EnumeratorsOf(SimpleType const& type) {
+  std::vector<Enumerator> enumerators;
+  for (Schema::EnumerationValue const& value : type.facets.enumeration) {
+    auto const isSame = [&value](Enumerator const& other) { return other.text == value.text; };
+    if (std::any_of(enumerators.begin(), enumerators.end(), isSame)) continue;
+    enumerators.push_back({"", value.text, value.documentation});
+  }
+  return enumerators;
+}
+
+std::string NameForUsers(SimpleType const& type) {
+  if (type.builtIn != BuiltIn::None) return "xs:" + type.name.local;
+  return type.name.local;
+}
+
+}  // namespace
+
+std::optional<ItemType> KindFromName(std::string_view name) {
+  for (NamedKind const& each : kNamedKinds) {
+    if (each.name == name) return each.kind;
+  }
+  return std::nullopt;
+}
+
+char const* KindName(ItemType kind) {
+  for (NamedKind const& each : kNamedKinds) {
+    if (each.kind == kind) return each.name;
+  }
+  return "";
+}
+
+std::string KeyOf(Schema::QualifiedName const& name) {
+  return name.ns.empty() ? name.local : "{" + name.ns + "}" + name.local;
+}
+
+std::string NameOf(Schema::QualifiedName const& name, PlanOptions const& options) {
+  auto const renamed = options.names.find(KeyOf(name));
+  return renamed != options.names.end() ? renamed->second : name.local;
+}
+
+ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
+  if (m_options.kinds.empty()) return nullptr;
+  for (SimpleType const* each = &type; each != nullptr; each = each->base) {
+    if (each->IsAnonymous()) continue;
+    auto const mapped =
+        m_options.kinds.find(each->builtIn != BuiltIn::None ? "xs:" + each->name.local : KeyOf(each->name));
+    if (mapped != m_options.kinds.end()) return &mapped->second;
+  }
+  return nullptr;
+}
+
+void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
+  std::optional<std::string> const pattern = CombinePatterns(type.facets.patterns);
+  try {
+    if (pattern && !pattern->empty()) TestRegEx(*pattern, "");
+    if (pattern) facets.pattern = *pattern;
+    if (pattern) return;
+  } catch (CQnException const&) {  // too large for PCRE
+  }
+  m_diagnostics.Warning(type.place,
+                        (type.IsAnonymous() ? "the pattern" : "the pattern of \"" + type.name.local + "\"") +
+                            " is not checked: it is no regular expression, or too large");
+}
+
+Enumeration* ValueTypes::EnumerationOf(SimpleType const& type, Use const& use) {
+  SimpleType const& origin = OriginOfTexts(type);
+  Enumeration*& known = m_enumerations[&origin];
+  if (known != nullptr) {
+    if (known->owner != use.user) known->owner = nullptr;
+    return known;
+  }
+  m_plan.enumerationStorage.push_back(std::make_unique<Enumeration>());
+  known = m_plan.enumerationStorage.back().get();
+  known->cppName = origin.IsAnonymous() ? use.name : NameOf(origin.name, m_options);
+  known->name = origin.name;
+  known->documentation = origin.documentation;
+  known->place = origin.place;
+  known->enumerators = EnumeratorsOf(origin);
+  known->owner = origin.IsAnonymous() ? use.user : nullptr;
+  return known;
+}
+
+ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
+  ValueType value;
+  ItemType const* const mapped = MappedKind(type);
+  bool const isAtomic = type.variety == Schema::Variety::Atomic;
+  ItemType const natural = isAtomic ? KindOf(type.ancestor) : ItemType_string;
+  value.kind = mapped != nullptr ? *mapped : natural;
+  value.schemaName = NameForUsers(type);
+  value.whiteSpace = value.kind == ItemType_string ? WhiteSpaceOf(type) : Schema::WhiteSpace::Collapse;
+  if (IsText(type) && mapped == nullptr && !type.facets.enumeration.empty()) {
+    value.enumeration = EnumerationOf(type, use);
+    value.kind = ItemType_i4;
+    return value;
+  }
+  if (value.kind == ItemType_string && !type.facets.patterns.empty()) SetPattern(type, value.facets);
+  bool const hasBytes = value.kind == ItemType_hexBinary || value.kind == ItemType_base64Binary;
+  bool const isTextOrAddress = IsText(type) || (isAtomic && type.ancestor == BuiltIn::AnyURI);
+  if (value.kind == natural && (hasBytes || isTextOrAddress)) SetLengths(type, value.facets);
+  bool const keepsBounds =
+      value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
+  if (keepsBounds) SetBounds(type, value.kind, value.facets);
+  return value;
+}
+
+ValueType ValueTypes::Of(SimpleType const* type, Use const& use) {
+  if (type == nullptr) {
+    ValueType text;
+    text.whiteSpace = Schema::WhiteSpace::Preserve;
+    text.schemaName = "xs:anySimpleType";
+    return text;
+  }
+  auto const known = m_values.find(type);
+  if (known == m_values.end()) return m_values.emplace(type, Decide(*type, use)).first->second;
+  if (known->second.enumeration != nullptr) EnumerationOf(*type, use);  // one more user
+  return known->second;
+}
+
+}  // namespace Quillon9Generator::Plan
