@@ -57,6 +57,18 @@ void Memory() {
   ASCIIOnly(false);
 }
 
+void Utf8() {
+  std::cout << "[utf8]\n";
+  std::setlocale(LC_ALL, "C");
+  // [utf8]
+  CXmlSerializationContext ctx;
+  ctx.SetTextEncoding(TextEncoding_UTF8);  // in any locale
+  CXmlDocument document(ctx);
+  document.LoadXml("<p>Z\u00FCrich, 5 \u20AC</p>");
+  std::cout << Shown(document.GetDocumentElement()->GetText()) << '\n';
+  // [utf8]
+}
+
 void Input() {
   std::cout << "[input]\n";
   std::setlocale(LC_ALL, "C.UTF-8");
@@ -95,6 +107,7 @@ int main() {
   std::setlocale(LC_ALL, "C.UTF-8");  // or "", if the user's locale is a UTF-8 one; before other threads run
   // [start]
   Memory();
+  Utf8();
   Input();
   Wide();
   LineEnds();

@@ -9,6 +9,7 @@
 #include "quillon9/base/limits.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/expat_version.h"
+#include "xmlio/single_byte_encoding.h"
 
 namespace Quillon9 {
 
@@ -54,6 +55,7 @@ void CExpatReader::CreateParser() {
   XML_SetCharacterDataHandler(m_parser.get(), FnText);
   XML_SetStartDoctypeDeclHandler(m_parser.get(), FnStartDocumentType);
   XML_SetAttlistDeclHandler(m_parser.get(), FnAttributeDeclaration);
+  XML_SetUnknownEncodingHandler(m_parser.get(), FnUnknownEncoding, this);
   if (!m_document.StripsCDATA()) {
     XML_SetCdataSectionHandler(m_parser.get(), FnStartCDATA, FnEndCDATA);
   }
@@ -139,6 +141,26 @@ void CExpatReader::FnStartDocumentType(void* self, XML_Char const*, XML_Char con
 void CExpatReader::FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const*, XML_Char const*,
                                           XML_Char const*, int) {
   Guarded(self, [=](CExpatReader& reader) { reader.CountDeclaredAttribute(element); });
+}
+
+// expat has encodings of its own, and asks for the others by name.
+int CExpatReader::FnUnknownEncoding(void* self, XML_Char const* name, XML_Encoding* encoding) {
+  bool isKnown = false;
+  Guarded(self, [&](CExpatReader& reader) {
+    encoding->data = nullptr;
+    encoding->convert = nullptr;
+    encoding->release = nullptr;
+    isKnown = !reader.HasByteOrderMark() && FillSingleByteTable(name, encoding->map);
+  });
+  return isKnown ? XML_STATUS_OK : XML_STATUS_ERROR;
+}
+
+// Whether the first bytes show that the document is in UTF-8 or UTF-16, whatever it declares.
+bool CExpatReader::HasByteOrderMark() const {
+  std::string_view const start(reinterpret_cast<char const*>(m_document.GetInputData()),
+                               std::min(m_document.GetInputSize(), 3UL));
+  std::string_view const two = start.substr(0, 2);
+  return start == "\xEF\xBB\xBF" || two == "\xFF\xFE" || two == "\xFE\xFF" || two.find('\0') != std::string_view::npos;
 }
 
 // At each start tag of an element, expat goes through all attributes declared for it, repeated ones included.

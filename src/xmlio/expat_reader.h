@@ -50,6 +50,8 @@ class CExpatReader {
   static void XMLCALL FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const* attribute,
                                              XML_Char const* type, XML_Char const* value, int isRequired);
 
+  static int XMLCALL FnUnknownEncoding(void* self, XML_Char const* name, XML_Encoding* encoding);
+
   template <class Action>
   static void Guarded(void* self, Action action) noexcept;
   XML_Status Feed(bool isFinal);
@@ -58,6 +60,7 @@ class CExpatReader {
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
   void AppendMark(std::string_view mark);
+  bool HasByteOrderMark() const;
   void CountDeclaredAttribute(XML_Char const* element);
 
   CXmlDocument& m_document;

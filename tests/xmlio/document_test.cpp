@@ -135,6 +135,54 @@ TEST_F(Document, MalformedTextFailsWithTheParsersText) {
   EXPECT_FAILURE(CQnException, "syntax error at line 1", document.LoadXml("<p:a xmlns:p='u|v'/>"));
 }
 
+TEST_F(Document, SingleByteEncodingsOfTheSystemAreRead) {
+  constexpr char kUnknown[] = "unknown encoding at line 1";
+  constexpr char kBadByte[] = "not well-formed (invalid token) at line 1";
+  struct Row {
+    std::string start;
+    std::string encoding;
+    std::string byte;
+    std::string expected;
+  } const rows[] = {
+      {"", "windows-1252", "\x80", "€ €"},
+      {"", "Windows-1251", "\xE6", "ж ж"},
+      {"", "ISO-8859-15", "\xA4", "€ €"},
+      {"", "koi8-r", "\xD6", "ж ж"},
+      {"", "windows-1258", "a\xCC", "a\u0300 a\u0300"},
+      {"", "macintosh", "\x8A", "ä ä"},
+      {"", "windows-1252", "\x81", kBadByte},
+      {"", "ISO-8859-1", "\x80", "\u0080 \u0080"},  // expat's own
+      {"", "Shift_JIS", "x", kUnknown},
+      {"", "GB18030", "x", kUnknown},
+      {"", "UTF-7", "x", kUnknown},
+      {"", "ISO-2022-KR", "x", kUnknown},
+      {"", "TSCII", "x", kUnknown},
+      {"", "IBM037", "x", kUnknown},
+      {"", "ISO646-DE", "x", kUnknown},
+      {"", "no-such-encoding", "x", kUnknown},
+      {"", std::string(100000, 'x'), "x", kUnknown},
+      {"", "windows-1252//TRANSLIT", "x", "XML declaration not well-formed at line 1"},
+      {"\xEF\xBB\xBF", "windows-1252", "x", kUnknown},
+  };
+  CXmlSerializationContext context;
+  context.SetTextEncoding(TextEncoding_UTF8);
+  CXmlDocument document(context);
+  for (Row const& row : rows) {
+    std::string const text =
+        row.start + "<?xml version='1.0' encoding='" + row.encoding + "'?><p a='" + row.byte + "'>" + row.byte + "</p>";
+    std::string read;
+    try {
+      document.LoadXml(text.c_str());
+      CXmlElement const& root = *document.GetDocumentElement();
+      read = root.GetText() + ' ' + root.GetFirstAttribute()->GetValue();
+    } catch (CQnException const& failure) {
+      read = failure.GetMessage();
+    }
+    EXPECT_EQ(row.expected, read) << row.encoding.substr(0, 50);
+  }
+  EXPECT_FAILURE(CQnException, kUnknown, document.LoadXml(L"<?xml version='1.0' encoding='windows-1252'?><p/>"));
+}
+
 /// A file in a folder of its own, both removed at the end.
 class TemporaryFile {
  public:

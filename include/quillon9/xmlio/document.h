@@ -21,7 +21,8 @@ class CTreeMemory;
 
 /// A document in memory: the bytes it was read from and the tree of its elements. An object can be loaded repeatedly;
 /// each load drops the previous contents. Comments, processing instructions and the document type are not kept.
-/// External DTDs and entities are never fetched. The supported encodings are those built into expat.
+/// External DTDs and entities are never fetched. The supported encodings are those built into expat and
+/// every single-byte encoding that extends ASCII and that iconv() knows.
 ///
 /// All text of the tree is in the code page of the process locale, or in UTF-8 under ASCIIOnly(true) or if the context
 /// asks for TextEncoding_UTF8 when the tree is loaded. Only one thread at a time may use a document and its tree.
