@@ -57,12 +57,14 @@ quillon9_package(dev libquillon9-dev libdevel same
   "This package holds what building a program needs: the headers, the CMake"
   "package and the pkg-config file.")
 set(CPACK_COMPONENT_DEV_DEPENDS runtime)
+set(CPACK_DEBIAN_DEV_PACKAGE_RECOMMENDS quillon9-tools)  # for quillon9_generate()
 set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS libquillon9-doc)
 
 quillon9_package(tools quillon9-tools text foreign
-  "convert and show documents in XML text and Fast Infoset" ${about}
-  "This package holds the program quillon9, which converts documents between XML"
-  "text and Fast Infoset and shows what is in them.")
+  "generate classes from XML Schema; convert and show documents" ${about}
+  "This package holds the program quillon9, which generates C++ classes from XML"
+  "Schemas, converts documents between XML text and Fast Infoset, and shows what"
+  "is in them.")
 set(CPACK_COMPONENT_TOOLS_DEPENDS runtime)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR})

@@ -20,8 +20,17 @@ class UsageError : public std::runtime_error {
 /// A file or document that cannot be read or written; what() begins with its name.
 class Failure : public std::runtime_error {
  public:
-  Failure(std::string const& name, std::string const& reason) : std::runtime_error(name + ": " + reason) {}
+  Failure(std::string const& name, std::string const& reason)
+      : std::runtime_error(name + ": " + reason), m_reason(reason) {}
+  /// What happened, without the name.
+  std::string const& Reason() const { return m_reason; }
+
+ private:
+  std::string m_reason;
 };
+
+/// The command has failed, and has printed why.
+class Reported : public std::exception {};
 
 /// Return the name of the file \p path of the command line for messages. The name of a file may contain control
 /// sequences that a terminal would obey.

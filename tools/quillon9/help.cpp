@@ -8,9 +8,11 @@ char const kHelp[] =
     R"(usage: quillon9 COMMAND [OPTION]... INPUT [OUTPUT]
        quillon9 --help | --version
 
-Reads documents in XML text or Fast Infoset (ITU-T X.891), uncompressed or in
-gzip or zlib, and shows or converts them.
+Generates C++ classes from XML Schemas, for programs that use the library
+Quillon9. Reads documents in XML text or Fast Infoset (ITU-T X.891),
+uncompressed or in gzip or zlib, and shows or converts them.
 
+  generate  write C++ classes for the documents of a schema
   convert   write a document in another of these forms
   tree      print its elements, attributes and texts as a tree
   inspect   print the octets of a Fast Infoset document, construct by construct
@@ -81,6 +83,39 @@ how much shorter the indices make the document.
 
       --full               print all octets and each text in full
   -h, --help               print this
+)";
+
+char const kGenerateHelp[] =
+    R"(usage: quillon9 generate [OPTION]... SCHEMA...
+
+Writes C++ classes that read and write the documents of the XML Schemas SCHEMA
+and of all schemas that they include or import: a header and a source, which are
+named after the namespace. A file whose content stays the same is not touched.
+
+  -n, --namespace=NAME     put the classes into this C++ namespace, such as
+                           Orders or Company::Orders. Default: the name of the
+                           first SCHEMA.
+  -o, --output=FOLDER      write the files to FOLDER, which is created if it does
+                           not exist. Default: the current folder.
+      --map=TYPE=KIND      hold values of the simple type TYPE as KIND: string,
+                           i4, r8, decimal, datetime and so on, as in ItemType.
+                           TYPE is {namespace}name, name or xs:name.
+      --rename={NAMESPACE}TYPE=NAME
+                           call a type or a global element NAME in C++.
+  -c, --catalog=FILE       look up addresses of schemas in this OASIS XML catalog
+  -I, --include-path=FOLDER
+                           look for included and imported schemas in FOLDER, too
+      --dependency-file=FILE
+                           write a rule for make or ninja to FILE: the generated
+                           files depend on all schemas that were read.
+      --dependency-target=TARGET
+                           make TARGET depend on them in that rule instead
+      --list-outputs       print the names of the generated files, and write none
+  -h, --help               print this
+
+The options --map, --rename, --catalog and --include-path may be repeated.
+Nothing is fetched from a network. Faults are printed on standard error as
+FILE:LINE:COLUMN: error: TEXT; if there is one, nothing is written.
 )";
 
 std::string VersionText() {

@@ -9,6 +9,7 @@ extern char const kHelp[];
 extern char const kConvertHelp[];
 extern char const kTreeHelp[];
 extern char const kInspectHelp[];
+extern char const kGenerateHelp[];
 
 /// The output of --version.
 std::string VersionText();

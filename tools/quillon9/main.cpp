@@ -1,4 +1,5 @@
-// The program quillon9: converts documents between XML text and Fast Infoset, and shows what is in them.
+// The program quillon9: generates classes from schemas, converts documents between XML text and Fast Infoset, and shows
+// what is in them.
 
 #include <langinfo.h>
 
@@ -55,6 +56,7 @@ void Run(int argc, char** argv) {
   if (command == "convert") return RunCommand(ParseConvertOptions(argc, argv), &Convert, kConvertHelp);
   if (command == "tree") return RunCommand(ParseTreeOptions(argc, argv), &PrintTree, kTreeHelp);
   if (command == "inspect") return RunCommand(ParseInspectOptions(argc, argv), &Inspect, kInspectHelp);
+  if (command == "generate") return RunCommand(ParseGenerateOptions(argc, argv), &Generate, kGenerateHelp);
   throw UsageError("there is no command " + command);
 }
 
@@ -73,6 +75,8 @@ int main(int argc, char** argv) {
   } catch (UsageError const& error) {
     std::fprintf(stderr, "quillon9: %s\nquillon9 --help tells what there is.\n", Escaped(error.what()).c_str());
     return kWrongUsage;
+  } catch (Reported const&) {
+    return kFailed;
   } catch (std::exception const& failure) {
     std::fprintf(stderr, "quillon9: %s\n", failure.what());
   } catch (Quillon9::CQnException const& failure) {

@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "cpp_names.h"
 #include "failure.h"
+#include "plan/make_plan.h"
 
 namespace Quillon9Tool {
 
@@ -18,7 +20,20 @@ using Quillon9::CompressionType_ZLib;
 namespace {
 
 // Options without a short form.
-enum LongOnly { kFormat = 0x100, kNoFormat, kDeclaration, kNoDeclaration, kSuggestedEncodings, kKeepSpace, kFull };
+enum LongOnly {
+  kFormat = 0x100,
+  kNoFormat,
+  kDeclaration,
+  kNoDeclaration,
+  kSuggestedEncodings,
+  kKeepSpace,
+  kFull,
+  kMap,
+  kRename,
+  kDependencyFile,
+  kDependencyTarget,
+  kListOutputs
+};
 
 constexpr option kHelp = {"help", no_argument, nullptr, 'h'};
 constexpr option kEnd = {nullptr, 0, nullptr, 0};
@@ -36,6 +51,18 @@ constexpr option kConvertOptions[] = {{"to", required_argument, nullptr, 't'},
                                       kEnd};
 constexpr option kTreeOptions[] = {{"keep-space", no_argument, nullptr, kKeepSpace}, kHelp, kEnd};
 constexpr option kInspectOptions[] = {{"full", no_argument, nullptr, kFull}, kHelp, kEnd};
+
+constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr, 'n'},
+                                       {"output", required_argument, nullptr, 'o'},
+                                       {"map", required_argument, nullptr, kMap},
+                                       {"rename", required_argument, nullptr, kRename},
+                                       {"catalog", required_argument, nullptr, 'c'},
+                                       {"include-path", required_argument, nullptr, 'I'},
+                                       {"dependency-file", required_argument, nullptr, kDependencyFile},
+                                       {"dependency-target", required_argument, nullptr, kDependencyTarget},
+                                       {"list-outputs", no_argument, nullptr, kListOutputs},
+                                       kHelp,
+                                       kEnd};
 
 /// getopt_long() identifies a long option that it refuses either not at all or by its value.
 [[noreturn]] void ThrowRefused(int result, char** argv, std::string_view letters) {
@@ -111,7 +138,53 @@ void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compres
   }
 }
 
+/// The two sides of the last `=` in \p value, neither of which may be empty. A namespace may contain others.
+std::pair<std::string, std::string> Sides(char const* name, std::string const& value) {
+  std::size_t const equals = value.rfind('=');
+  if (equals == value.npos || equals == 0 || equals + 1 == value.size()) {
+    throw UsageError(std::string(name) + " " + value + " has not the form TYPE=" + (name[2] == 'm' ? "KIND" : "NAME"));
+  }
+  return {value.substr(0, equals), value.substr(equals + 1)};
+}
+
+void AddKind(GenerateOptions& options, std::string const& value) {
+  auto const [type, kind] = Sides("--map", value);
+  std::optional<Quillon9::ItemType> const number = Quillon9Generator::Plan::KindFromName(kind);
+  if (!number) throw UsageError("--map " + value + ": there is no kind of value " + kind);
+  options.kinds[type] = *number;
+}
+
+void AddName(GenerateOptions& options, std::string const& value) {
+  auto const [type, name] = Sides("--rename", value);
+  if (!IsCppName(name)) throw UsageError("--rename " + value + ": " + name + " is not a name in C++");
+  options.names[type] = name;
+}
+
 }  // namespace
+
+std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
+  GenerateOptions options;
+  auto const take = [&](int option, std::string const& value) {
+    if (option == 'n') options.cppNamespace = value;
+    if (option == 'o') options.output = value.empty() ? "." : value;
+    if (option == 'c') options.catalogs.push_back(value);
+    if (option == 'I') options.includePaths.push_back(value);
+    if (option == kMap) AddKind(options, value);
+    if (option == kRename) AddName(options, value);
+    if (option == kDependencyFile) options.dependencyFile = value;
+    if (option == kDependencyTarget) options.dependencyTarget = value;
+    if (option == kListOutputs) options.listOutputs = true;
+  };
+  auto const operands = ReadOptions(argc, argv, ":n:o:c:I:h", kGenerateOptions, take);
+  if (!operands) return std::nullopt;
+  if (operands->empty()) throw UsageError("a schema is missing");
+  options.schemas = *operands;
+  if (options.cppNamespace.empty()) options.cppNamespace = NamespaceFor(options.schemas.front());
+  if (!IsCppNamespace(options.cppNamespace)) {
+    throw UsageError("--namespace " + options.cppNamespace + " cannot be a namespace of generated classes");
+  }
+  return options;
+}
 
 std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
   ConvertOptions options;

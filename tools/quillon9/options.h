@@ -1,7 +1,9 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "quillon9/quillon9.h"
 
@@ -31,10 +33,24 @@ struct InspectOptions {
   bool full = false;
 };
 
+struct GenerateOptions {
+  std::vector<std::string> schemas;
+  std::string cppNamespace;  ///< Company::Orders
+  std::string output = ".";
+  std::map<std::string, Quillon9::ItemType> kinds;  ///< from --map
+  std::map<std::string, std::string> names;         ///< from --rename
+  std::vector<std::string> catalogs;
+  std::vector<std::string> includePaths;
+  std::string dependencyFile;    ///< empty for none
+  std::string dependencyTarget;  ///< empty for the generated files
+  bool listOutputs = false;
+};
+
 /// Return what the arguments \p argv of a command ask for, argv[0] being its name; nothing if they ask for help.
 /// \throws UsageError
 std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv);
 std::optional<TreeOptions> ParseTreeOptions(int argc, char** argv);
+std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv);
 std::optional<InspectOptions> ParseInspectOptions(int argc, char** argv);
 
 }  // namespace Quillon9Tool

@@ -2,6 +2,8 @@
 
 _quillon9_options() {
   case $1 in
+    generate) echo '--namespace= --output= --map= --rename= --catalog= --include-path= --dependency-file=
+                    --dependency-target= --list-outputs --help' ;;
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --quiet --help' ;;
     tree) echo '--keep-space --help' ;;
@@ -14,7 +16,7 @@ _quillon9() {
   local command=${COMP_WORDS[1]} words=
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    mapfile -t COMPREPLY < <(compgen -W 'convert tree inspect --help --version' -- "$word")
+    mapfile -t COMPREPLY < <(compgen -W 'generate convert tree inspect --help --version' -- "$word")
     return
   fi
   # "=" is a word of its own where it breaks words.
@@ -27,6 +29,14 @@ _quillon9() {
     convert:--to | convert:-t) words='xml finf' ;;
     convert:--compress | convert:-z) words='none gzip zlib' ;;
     *) [[ $word != -* ]] || words=$(_quillon9_options "$command") ;;
+  esac
+  case $command:$before in
+    generate:--namespace | generate:-n | generate:--map | generate:--rename | generate:--dependency-target) return ;;
+    generate:--output | generate:-o | generate:--include-path | generate:-I)
+      compopt -o filenames
+      mapfile -t COMPREPLY < <(compgen -d -- "$word")
+      return
+      ;;
   esac
   if [[ -n $words ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$words" -- "$word")

@@ -1,0 +1,138 @@
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "code/write.h"
+#include "commands.h"
+#include "failure.h"
+#include "files.h"
+#include "plan/make_plan.h"
+#include "schema/load.h"
+
+namespace Quillon9Tool {
+
+namespace Code = Quillon9Generator::Code;
+namespace Plan = Quillon9Generator::Plan;
+namespace Schema = Quillon9Generator::Schema;
+namespace fs = std::filesystem;
+
+using Schema::Diagnostic;
+
+namespace {
+
+void Print(Diagnostic const& diagnostic) {
+  Diagnostic shown = diagnostic;
+  shown.file = Escaped(shown.file);
+  std::fprintf(stderr, "%s\n", Schema::Format(shown).c_str());
+}
+
+/// Print all that was found.
+/// \throws Reported if there is an error.
+void Report(Schema::Diagnostics const& diagnostics) {
+  for (Diagnostic const& each : diagnostics.All()) Print(each);
+  if (diagnostics.HasErrors()) throw Reported();
+}
+
+[[noreturn]] void Fail(std::string const& file, std::string const& reason) {
+  Print({Diagnostic::Severity::Error, file, 0, 0, reason});
+  throw Reported();
+}
+
+/// The path of \p name in the folder \p folder, as short as the user gave it.
+std::string PathIn(std::string const& folder, std::string const& name) {
+  return folder == "." ? name : (fs::path(folder) / name).string();
+}
+
+bool HasContent(std::string const& path, std::string const& content) {
+  std::error_code error;
+  if (fs::file_size(path, error) != content.size() || error) return false;
+  std::ifstream file(path, std::ios::binary);
+  std::string existing(content.size(), '\0');
+  return file.read(existing.data(), static_cast<std::streamsize>(existing.size())) && existing == content;
+}
+
+/// Write \p content unless the file has it already, so that nothing that depends on it is built again.
+void Update(std::string const& path, std::string const& content) {
+  if (HasContent(path, content)) return;
+  try {
+    WriteOutput(path, content);
+  } catch (Failure const& failure) {
+    Fail(path, failure.Reason());
+  }
+}
+
+void CreateFolder(std::string const& folder) {
+  std::error_code error;
+  fs::create_directories(folder, error);
+  if (error) Fail(folder, error.message());
+  if (!fs::is_directory(folder)) Fail(folder, "it is not a folder");
+}
+
+/// Warn of files that an earlier run for the same schemas has left in \p folder and that are not among \p written.
+void WarnOfStaleFiles(std::string const& folder, std::string const& firstLine,
+                      std::vector<std::string> const& written) {
+  std::vector<std::string> stale;
+  std::error_code error;
+  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+    std::string const extension = entry->path().extension().string();
+    std::string const name = entry->path().filename().string();
+    if ((extension != ".h" && extension != ".cpp") || !entry->is_regular_file()) continue;
+    if (std::find(written.begin(), written.end(), name) != written.end()) continue;
+    std::ifstream file(entry->path(), std::ios::binary);
+    std::string line(firstLine.size() + 1, '\0');
+    if (file.read(line.data(), static_cast<std::streamsize>(line.size())) && line == firstLine + '\n') {
+      stale.push_back(name);
+    }
+  }
+  std::sort(stale.begin(), stale.end());
+  for (std::string const& name : stale) {
+    Print({Diagnostic::Severity::Warning, PathIn(folder, name), 0, 0,
+           "an earlier run has written this file, which is not generated any more"});
+  }
+}
+
+Plan::Plan MakePlan(GenerateOptions const& options, Schema::SchemaSet const& set, Schema::Diagnostics& diagnostics) {
+  Plan::PlanOptions planOptions;
+  planOptions.cppNamespace = options.cppNamespace;
+  planOptions.kinds = options.kinds;
+  planOptions.names = options.names;
+  return Plan::MakePlan(set, planOptions, diagnostics);
+}
+
+void WriteFiles(GenerateOptions const& options, Plan::Plan const& plan, Schema::SchemaSet const& set) {
+  Code::CodeOptions codeOptions;
+  codeOptions.firstLine = Code::FirstLine(plan.schemaFiles);
+  CreateFolder(options.output);
+  std::vector<std::string> paths;
+  for (Code::GeneratedFile const& file : Code::Write(plan, codeOptions)) {
+    paths.push_back(PathIn(options.output, file.path));
+    Update(paths.back(), file.content);
+  }
+  WarnOfStaleFiles(options.output, codeOptions.firstLine, Code::FileNames(plan));
+  if (options.dependencyFile.empty()) return;
+  if (!options.dependencyTarget.empty()) paths = {options.dependencyTarget};
+  std::vector<std::string> sources = options.catalogs;
+  for (std::string const* file : set.files) sources.push_back(*file);
+  Update(options.dependencyFile, Code::DependencyFile(paths, sources));
+}
+
+}  // namespace
+
+void Generate(GenerateOptions const& options) {
+  Schema::Diagnostics diagnostics;
+  Schema::SchemaSet const set =
+      Schema::LoadSchemas({options.schemas, options.catalogs, options.includePaths}, diagnostics);
+  if (diagnostics.HasErrors()) Report(diagnostics);
+  Plan::Plan const plan = MakePlan(options, set, diagnostics);
+  Report(diagnostics);
+  if (!options.listOutputs) return WriteFiles(options, plan, set);
+  Console console;
+  for (std::string const& name : Code::FileNames(plan)) console.Write(PathIn(options.output, name) + '\n');
+  console.Finish();
+}
+
+}  // namespace Quillon9Tool
