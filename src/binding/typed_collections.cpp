@@ -1,12 +1,14 @@
 #include "quillon9/binding/typed_collections.h"
 
 #include <limits>
+#include <optional>
 #include <utility>
 
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "text/utf8_text.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -87,8 +89,11 @@ void CTypedColImpl<Kind>::Add(Argument value) {
 
 template <class Kind>
 void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
-  this->Insert(index, std::forward<Argument>(value),
-               [this](Value const& held) { Kind::Check(this->GetElementName().c_str(), held, this->m_restrictions); });
+  this->Insert(index, std::forward<Argument>(value), [this](Value const& held) {
+    std::optional<Utf8Text::Scope> scope;
+    if (Kind::kItemType == ItemType_string && this->HoldsUtf8Text()) scope.emplace(Utf8Text::Use::kCountingCharacters);
+    Kind::Check(this->GetElementName().c_str(), held, this->m_restrictions);
+  });
 }
 
 template <class Kind>

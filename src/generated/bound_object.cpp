@@ -11,10 +11,16 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "text/utf8_text.h"
 
 namespace Quillon9 {
 
 using namespace Quillon9Data;
+
+CXmlObjectBase const& detail::KeepForever(CSmartPtr<CXmlObjectBase> const& object) {
+  object->AddRef();
+  return *object;
+}
 
 CBoundObject::CBoundObject(CClassTables const& tables, char const* elementName) : m_tables(&tables) {
   SetElementName(elementName);
@@ -67,6 +73,8 @@ void CBoundObject::Init() {
   }
 }
 
+bool CBoundObject::HoldsUtf8Text() const { return true; }
+
 CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                        bool inChoice) {
   m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
@@ -92,6 +100,7 @@ void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {
   if (!value.IsSet()) return;
   ValueRule const* const rule = m_tables->Built().At(property).rule.get();
   if (rule != nullptr) {
+    Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
     QnVariant held;
     value.Read(held);
     rule->Check(held);

@@ -204,7 +204,11 @@ QN_ELEMENT_TO_XML(CollectionMember) {
 }
 
 QN_ELEMENT_FROM_XML(CollectionMember) {
-  bool const isThere = IsElementOf(m_row, *this, ctx, *cursor);
+  CXmlElement* first = *cursor;
+  while (m_isRequired && ctx.GetIgnoreUnknownElements() && first != nullptr && !IsElementOf(m_row, *this, ctx, first)) {
+    first = first->GetNextSiblingElement();
+  }
+  bool const isThere = IsElementOf(m_row, *this, ctx, first);
   if (!isThere && !m_isRequired) return true;
   if (!isThere && holderType != XmlElementType_Element) return false;
   CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
@@ -213,7 +217,7 @@ QN_ELEMENT_FROM_XML(CollectionMember) {
     held = property.Make(&m_row);
     if (isThere) property.Hold(held.Get());
   }
-  if (isThere) *cursor = FromXml_Int(held.Get(), parent, *cursor, ctx, false);
+  if (isThere) *cursor = FromXml_Int(held.Get(), parent, first, ctx, false);
   static_cast<CXmlCollectionBase const&>(*held).ValidateCount(ctx);
   return true;
 }

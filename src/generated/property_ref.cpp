@@ -88,6 +88,13 @@ class DigitsCol : public Collection {
   CFacets const& m_facets;
 };
 
+/// A collection of texts, whose lengths are numbers of characters in generated classes.
+class TextCol : public CstringCol {
+ public:
+  using CstringCol::CstringCol;
+  bool HoldsUtf8Text() const override { return true; }
+};
+
 template <class Collection>
 CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   static constexpr CValueType kText;
@@ -100,9 +107,9 @@ CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   if constexpr (isNumber) {
     if (ValueRule::HasDigits(type)) return new DigitsCol<Collection>(row, f, type);
   }
-  return new Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength,
-                        f.minInclusive, f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace,
-                        FormatOf(type.kind));
+  using Made = std::conditional_t<std::is_same_v<Collection, CstringCol>, TextCol, Collection>;
+  return new Made(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
+                  f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind));
 }
 
 }  // namespace

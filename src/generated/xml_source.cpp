@@ -9,6 +9,7 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/document.h"
+#include "text/utf8_text.h"
 
 namespace Quillon9 {
 
@@ -63,6 +64,7 @@ CRootRow const& FindRoot(CXmlElement const& root, CRootRow const* roots, int cou
 
 CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* roots, int count,
                                       CXmlSerializationContext const& ctx) {
+  Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
   CXmlDocument document(ctx);
   source.Load(document);
   CXmlElement const* const root = document.GetDocumentElement();

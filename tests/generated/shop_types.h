@@ -148,7 +148,7 @@ class COrder : public Quillon9::CBoundObject {
   void SetCity(std::optional<std::string> value) { Assign(3, m_city, std::move(value)); }
   Quillon9::Ci4Col& GetSlot() { return Collection(4, m_slot); }
   Quillon9::Ci4Col const& GetSlot() const { return Collection(4, m_slot); }
-  EChoice2 GetChoice2() const { return static_cast<EChoice2>(Alternative(s_class, 8)); }
+  EChoice2 GetChoice2() const { return static_cast<EChoice2>(Alternative(s_class, 9)); }
   std::optional<std::string> const& GetCard() const { return m_card; }
   void SetCard(std::optional<std::string> value) { Assign(5, m_card, std::move(value)); }
   CAmount* GetAmount() { return m_amount; }

@@ -161,10 +161,31 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     return count;
   }
 
-  /// The values in order, for range-for. Valid until the collection changes.
-  auto begin() const { return m_items.begin(); }
-  /// The end of the values.
-  auto end() const { return m_items.end(); }
+  /// The member types that algorithms expect of a container.
+  ///@{
+  using value_type = Value;
+  using const_iterator = typename std::vector<Value>::const_iterator;
+  using iterator = const_iterator;
+  using const_reference = typename std::vector<Value>::const_reference;
+  using reference = const_reference;
+  using size_type = std::size_t;
+  using difference_type = std::ptrdiff_t;
+  ///@}
+  /// The values in order. Valid until the collection changes.
+  ///@{
+  const_iterator begin() const { return m_items.begin(); }
+  const_iterator end() const { return m_items.end(); }
+  ///@}
+  /// The number of values.
+  std::size_t size() const { return static_cast<std::size_t>(m_items.Count()); }
+  /// Whether there are none.
+  bool empty() const { return m_items.Count() == 0; }
+  /// The value at \p index, from 0. Valid until the collection changes.
+  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" with the count.
+  const_reference operator[](int index) const {
+    CheckItemIndex(index);
+    return begin()[index];
+  }
 
  protected:
   /// A copy of the value at \p index.

@@ -14,6 +14,8 @@ class QUILLON9_API CAnyElementCol : public CObjectCol<CElement> {
   /// maximum; without a rule, those that have the name and the namespace of the row.
   static CSmartPtr<CXmlObjectBase> ForRow(CElementRow const& row) { return new CAnyElementCol(row); }
   ~CAnyElementCol() override;
+  /// True.
+  bool HoldsUtf8Text() const override { return true; }
 
   /// Append a new element in the namespace \p ns, or an existing one.
   /// \throws CQnInvalidNamespaceException "Invalid namespace [%s]. The namespace must be one of [%s] where the target

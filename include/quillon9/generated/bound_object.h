@@ -21,16 +21,14 @@ struct Same {
   using Type = T;
 };
 
-/// An empty collection that all constant objects share which have none of their own. Never freed, because destructors
-/// of a program's globals may still look at it.
+/// Keep an object until the process ends, because destructors of a program's globals may still look at it.
+QUILLON9_API CXmlObjectBase const& KeepForever(CSmartPtr<CXmlObjectBase> const& object);
+
+/// An empty collection, which all constant objects share that have none of their own.
 template <class Collection>
 Collection const& EmptyCollection() {
-  static auto const& empty = [&]() -> Collection const& {
-    static CElementRow const row{};
-    CSmartPtr<CXmlObjectBase> const made = NewCollection<Collection>::ForRow(&row);
-    made->AddRef();
-    return *static_cast<Collection const*>(made.Get());
-  }();
+  static constexpr CElementRow kRow;
+  static auto const& empty = static_cast<Collection const&>(KeepForever(NewCollection<Collection>::ForRow(&kRow)));
   return empty;
 }
 
@@ -41,7 +39,7 @@ Collection const& EmptyCollection() {
 ///
 /// What docs/generated-classes.md says of all generated classes holds, except that writing a mandatory object that is
 /// not set fails, a group that has consumed an element must complete, and a choice with two alternatives set fails on
-/// writing. An optional collection does not exist until it is first needed.
+/// writing. An optional collection does not exist until it is first needed. All text is UTF-8, in any locale.
 class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
  public:
   ~CBoundObject() override;
@@ -67,6 +65,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   Quillon9Data::CElementInfo** GetClassElementInfo() const override;
   Quillon9Data::CAttributeInfo** GetClassAttributeInfo() const override;
   void Init() override;
+  /// True.
+  bool HoldsUtf8Text() const override;
 
  protected:
   /// \p tables is kept and belongs to the most derived class; \p elementName is copied.

@@ -42,6 +42,8 @@ class QUILLON9_API CEnumTexts {
 class QUILLON9_API CEnumCollection : public detail::ValueCol<int> {
  public:
   ~CEnumCollection() override;
+  /// Whether it belongs to a generated class.
+  bool HoldsUtf8Text() const override { return true; }
   /// Apply the white-space rule of the type to \p text, and add the enumerator.
   /// \throws CQnInvalidValueException as CEnumTexts::FromText() does.
   void AddFromString(std::string text) override;

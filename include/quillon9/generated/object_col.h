@@ -17,6 +17,8 @@ namespace Quillon9 {
 class QUILLON9_API CObjectCollection : public CXmlCollection {
  public:
   ~CObjectCollection() override;
+  /// Whether it belongs to a generated class.
+  bool HoldsUtf8Text() const override { return m_tables != nullptr; }
 
   /// The number of items.
   std::size_t size() const { return static_cast<std::size_t>(GetCount()); }
@@ -86,7 +88,7 @@ class CObjectCol : public CObjectCollection {
   /// \p itemType says whether the items have a tag, as the record of their class does.
   CObjectCol(char const* name, char const* ns, int minOccurs, int maxOccurs,
              Quillon9Data::XmlElementType itemType = Quillon9Data::XmlElementType_Element)
-      : CObjectCollection(name, ns, minOccurs, maxOccurs, OwnTables(), &MakeItem, itemType) {}
+      : CObjectCollection(name, ns, minOccurs, maxOccurs, OwnTables(), OwnCreate(), itemType) {}
   /// The collection of a row, with the tables that the row names.
   static CSmartPtr<CXmlObjectBase> ForRow(CElementRow const& row) { return new CObjectCol(row); }
 
@@ -157,7 +159,13 @@ class CObjectCol : public CObjectCollection {
     if constexpr (std::is_base_of_v<CBoundObject, T>) return &T::s_class;
     return nullptr;
   }
-  static CSmartPtr<CXmlObjectBase> MakeItem(char const* name) { return T::CreateInstance(name); }
+  static Create OwnCreate() {
+    if constexpr (std::is_base_of_v<CBoundObject, T>) {
+      return nullptr;
+    } else {
+      return [](char const* name) -> CSmartPtr<CXmlObjectBase> { return T::CreateInstance(name); };
+    }
+  }
 };
 
 }  // namespace Quillon9
