@@ -1,7 +1,4 @@
-#include <algorithm>
-
 #include "schema/builder.h"
-#include "schema/limits.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -19,12 +16,15 @@ void Builder::FillAttribute(AttributeDeclaration& attribute, Document const& doc
 
 Builder::AttributeSet Builder::MakeAttributes(Document const& document, Node const& node) {
   AttributeSet set;
+  std::vector<AttributeUse> uses;
   Node const* wildcard = nullptr;
   for (Node const& child : node.children) {
     if (child.tag == Tag::Attribute) AddAttribute(set, document, child);
     if (child.tag == Tag::AttributeGroup) AddAttributeGroup(set, document, child);
     if (child.tag == Tag::AnyAttribute) wildcard = &child;
   }
+  AddUses(uses, set.uses);
+  set.uses = std::move(uses);
   if (wildcard == nullptr) return set;
   Wildcard const own = MakeWildcard(document, *wildcard);
   set.wildcard = set.wildcard ? Intersection(own, *set.wildcard) : own;
@@ -47,7 +47,7 @@ void Builder::AddAttribute(AttributeSet& set, Document const& document, Node con
     use.defaultValue = use.declaration->defaultValue;
     use.fixedValue = use.declaration->fixedValue;
   }
-  AddUse(set.uses, use);
+  set.uses.push_back(use);
 }
 
 AttributeDeclaration const* Builder::ReferredAttribute(Document const& document, Node const& node) {
@@ -69,14 +69,24 @@ AttributeDeclaration const* Builder::LocalAttribute(Document const& document, No
   return &attribute;
 }
 
-/// The same declaration twice, as by a group that is reached on two ways, is no error.
-void Builder::AddUse(std::vector<AttributeUse>& uses, AttributeUse const& use) {
-  QualifiedName const& name = use.declaration->name;
-  auto const same = std::find_if(uses.begin(), uses.end(),
-                                 [&](AttributeUse const& other) { return other.declaration->name == name; });
-  if (same == uses.end()) return uses.push_back(use);
-  if (same->declaration == use.declaration) return;
-  m_diagnostics.Error(use.place, "a second attribute \"" + name.local + "\" in one type");
+/// Append \p added to \p uses. The same declaration twice, as by a group that is reached on two ways, is no error.
+void Builder::AddUses(std::vector<AttributeUse>& uses, std::vector<AttributeUse> const& added) {
+  UsesByName known = ByName(uses);
+  for (AttributeUse const& use : added) {
+    QualifiedName const& name = use.declaration->name;
+    auto const [entry, isNew] = known.try_emplace(name, uses.size());
+    if (isNew) {
+      uses.push_back(use);
+    } else if (uses[entry->second].declaration != use.declaration) {
+      m_diagnostics.Error(use.place, "a second attribute \"" + name.local + "\" in one type");
+    }
+  }
+}
+
+Builder::UsesByName Builder::ByName(std::vector<AttributeUse> const& uses) {
+  UsesByName indices;
+  for (std::size_t i = 0; i != uses.size(); ++i) indices.emplace(uses[i].declaration->name, i);
+  return indices;
 }
 
 void Builder::AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node) {
@@ -87,7 +97,7 @@ void Builder::AddAttributeGroup(AttributeSet& set, Document const& document, Nod
   Complete(*group);
   AttributeSet const& added = *group->object;
   if (!MayInherit(added.uses.size(), node.place)) return;
-  for (AttributeUse const& use : added.uses) AddUse(set.uses, use);
+  set.uses.insert(set.uses.end(), added.uses.begin(), added.uses.end());
   if (!added.wildcard) return;
   set.wildcard = set.wildcard ? Intersection(*set.wildcard, *added.wildcard) : *added.wildcard;
 }

@@ -58,6 +58,8 @@ class Builder {
     SimpleType const* simple = nullptr;  ///< complete
     Global<ComplexType>* complex = nullptr;
   };
+  /// The indices of attribute uses.
+  using UsesByName = std::map<QualifiedName, std::size_t>;
   struct GroupSize {
     int height = 0;  ///< 0 while it is being determined
     std::uint64_t particles = 0;
@@ -77,6 +79,7 @@ class Builder {
   void FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set);
 
   // completion.cpp: in which order components are filled that need one another
+  bool MayDescend(Node const& node);
   template <class Object>
   bool Begin(Global<Object>& global);
   template <class Object>
@@ -148,7 +151,8 @@ class Builder {
   void AddAttribute(AttributeSet& set, Document const& document, Node const& node);
   AttributeDeclaration const* ReferredAttribute(Document const& document, Node const& node);
   AttributeDeclaration const* LocalAttribute(Document const& document, Node const& node);
-  void AddUse(std::vector<AttributeUse>& uses, AttributeUse const& use);
+  void AddUses(std::vector<AttributeUse>& uses, std::vector<AttributeUse> const& added);
+  static UsesByName ByName(std::vector<AttributeUse> const& uses);
   void AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node);
   void Complete(Global<AttributeSet>& global);
 

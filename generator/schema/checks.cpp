@@ -55,6 +55,9 @@ Builder::GroupSize Builder::SizeOf(ModelGroup const* group, Place const& referen
     ++sum.particles;
     ModelGroup const* const inner = GroupOf(particle);
     if (inner == nullptr || depth > kMaxLevels) continue;
+    if (inner->compositor == ModelGroup::Compositor::All) {
+      m_diagnostics.Error(particle.place, "xs:all can only be the whole content of a type");
+    }
     GroupSize const part = SizeOf(inner, particle.place, depth + 1);
     sum.height = std::max(sum.height, part.height + 1);
     sum.particles = std::min(sum.particles + part.particles, kMaxExpandedParticles + 1);

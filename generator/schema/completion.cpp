@@ -3,6 +3,12 @@
 
 namespace Quillon9Generator::Schema {
 
+bool Builder::MayDescend(Node const& node) {
+  if (m_depth < kMaxLevels) return true;
+  m_diagnostics.Error(node.place, "more than " + std::to_string(kMaxLevels) + " definitions need one another");
+  return false;
+}
+
 /// Return whether \p global has to be filled now. A component that needs itself is an error.
 template <class Object>
 bool Builder::Begin(Global<Object>& global) {
@@ -13,11 +19,7 @@ bool Builder::Begin(Global<Object>& global) {
     m_diagnostics.Error(global.node->place, "xs:" + name + " is defined by itself");
     return false;
   }
-  if (m_depth >= kMaxLevels) {
-    m_diagnostics.Error(global.node->place,
-                        "more than " + std::to_string(kMaxLevels) + " definitions need one another, up to xs:" + name);
-    return false;
-  }
+  if (!MayDescend(*global.node)) return false;
   ++m_depth;
   global.state = State::Filling;
   return true;

@@ -164,7 +164,7 @@ void Builder::SetAttributes(ComplexType& type, ComplexType const* base, Attribut
       type.attributeWildcard =
           own.wildcard ? United(*own.wildcard, *base->attributeWildcard) : *base->attributeWildcard;
     }
-    for (AttributeUse const& use : own.uses) AddUse(type.attributes, use);
+    AddUses(type.attributes, own.uses);
     type.ownAttributes = std::move(own.uses);
   } else {
     Restrict(type.attributes, own);
@@ -174,15 +174,13 @@ void Builder::SetAttributes(ComplexType& type, ComplexType const* base, Attribut
 
 /// Replace, remove and add uses as a restriction says.
 void Builder::Restrict(std::vector<AttributeUse>& uses, AttributeSet const& own) {
+  UsesByName const inherited = ByName(uses);
   for (AttributeUse const& use : own.uses) {
-    auto const inherited = std::find_if(uses.begin(), uses.end(), [&](AttributeUse const& other) {
-      return other.declaration->name == use.declaration->name;
-    });
-    inherited != uses.end() ? void(*inherited = use) : uses.push_back(use);
+    auto const found = inherited.find(use.declaration->name);
+    found != inherited.end() ? void(uses[found->second] = use) : uses.push_back(use);
   }
-  auto const isProhibited = [&](AttributeUse const& use) {
-    return std::find(own.prohibited.begin(), own.prohibited.end(), use.declaration->name) != own.prohibited.end();
-  };
+  std::set<QualifiedName> const prohibited(own.prohibited.begin(), own.prohibited.end());
+  auto const isProhibited = [&](AttributeUse const& use) { return prohibited.count(use.declaration->name) != 0; };
   uses.erase(std::remove_if(uses.begin(), uses.end(), isProhibited), uses.end());
 }
 

@@ -3,6 +3,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
 #include <optional>
 
 #include "schema/grammar.h"
@@ -39,7 +42,11 @@ bool Documents::HasNamespace(std::string_view ns) const {
 /// Return the file, or null if it could not be read or is no schema, for which one error is enough.
 SourceFile const* Documents::Read(std::string const& path, Place const& reference) {
   struct stat status = {};
-  if (stat(path.c_str(), &status) != 0 && reference.file != nullptr) return nullptr;
+  if (stat(path.c_str(), &status) != 0) {
+    std::string const reason = "cannot read " + Quoted(path) + ": " + std::strerror(errno);
+    reference.file != nullptr ? m_diagnostics.Error(reference, reason) : m_diagnostics.Error(path, reason);
+    return nullptr;
+  }
   auto const [entry, isNew] = m_files.try_emplace({status.st_dev, status.st_ino});
   if (!isNew) return entry->second.get();
   auto file = std::make_unique<SourceFile>(&m_paths.emplace_back(path));
@@ -112,7 +119,8 @@ void Documents::Import(Document const& document, Node const& node) {
   }
   std::optional<Location> const found = m_locations.FindNamespace(ns);
   if (found && ImportFrom(*found, node, ns, true)) return;
-  m_lost.push_back({node.place, ns, std::string(location)});
+  LostImport& lost = m_lost[ns];
+  if (lost.location.empty()) lost = {node.place, std::string(location)};
 }
 
 /// Return whether the import is done with, if only by an error.
@@ -131,19 +139,17 @@ bool Documents::ImportFrom(Location const& location, Node const& node, std::stri
 
 // Only for namespaces that no file brings, which is certain at the end.
 void Documents::AddWellKnown() {
-  std::vector<LostImport> lost;
-  for (LostImport& import : m_lost) {
-    char const* const text = WellKnownSchema(import.ns);
-    if (text == nullptr) {
-      if (!HasNamespace(import.ns)) lost.push_back(std::move(import));
-      continue;
+  for (auto lost = m_lost.begin(); lost != m_lost.end();) {
+    std::string const& ns = lost->first;
+    char const* const text = WellKnownSchema(ns);
+    bool const isThere = HasNamespace(ns);
+    if (!isThere && text != nullptr && *text != '\0') {
+      auto& source = m_wellKnown[ns] = std::make_unique<SourceFile>(nullptr);
+      source->ReadText(text);
+      Add({source.get(), {}, ns, ++m_imports, false});
     }
-    if (*text == '\0' || HasNamespace(import.ns)) continue;
-    auto& source = m_wellKnown[import.ns] = std::make_unique<SourceFile>(nullptr);
-    source->ReadText(text);
-    Add({source.get(), {}, import.ns, ++m_imports, false});
+    lost = isThere || text != nullptr ? m_lost.erase(lost) : std::next(lost);
   }
-  m_lost = std::move(lost);
 }
 
 }  // namespace Quillon9Generator::Schema

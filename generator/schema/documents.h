@@ -29,8 +29,7 @@ struct Document {
 /// An import whose document was not found.
 struct LostImport {
   Place place;
-  std::string ns;
-  std::string location;
+  std::string location;  ///< empty if the schema names none
 };
 
 /// Reads the main documents of a set and those that they include and import, each once.
@@ -43,7 +42,8 @@ class Documents {
 
   /// Return all documents in the order in which they were first referred to; none has the same content as another.
   std::vector<Document const*> const& All() const { return m_all; }
-  std::vector<LostImport> const& GetLostImports() const { return m_lost; }
+  /// Return the first lost import of each namespace that no document has.
+  std::map<std::string, LostImport> const& GetLostImports() const { return m_lost; }
   bool HasNamespace(std::string_view ns) const;
 
  private:
@@ -68,7 +68,7 @@ class Documents {
   std::map<std::pair<std::string_view, std::string>, SourceFile const*> m_contents;
   std::deque<Document> m_documents;
   std::vector<Document const*> m_all;
-  std::vector<LostImport> m_lost;
+  std::map<std::string, LostImport> m_lost;  // by namespace
   int m_imports = 0;
 };
 

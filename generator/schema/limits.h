@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 /// Bounds on what a hostile schema may cost. No real schema comes near them.
@@ -10,6 +11,8 @@ namespace Quillon9Generator::Schema {
 constexpr int kMaxLevels = 200;
 /// Into how many particles one type may grow when each reference to a group is replaced by its content.
 constexpr std::uint64_t kMaxExpandedParticles = 100000;
+/// How many namespaces one wildcard may list.
+constexpr std::size_t kMaxNamespaces = 1000;
 /// How many values all types together may inherit: attributes, enumeration values and patterns. Each is copied.
 constexpr std::uint64_t kMaxInherited = 2000000;
 

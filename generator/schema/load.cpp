@@ -7,9 +7,9 @@ namespace Quillon9Generator::Schema {
 namespace {
 
 void WarnOfLostImports(Documents const& documents, Diagnostics& diagnostics) {
-  for (LostImport const& import : documents.GetLostImports()) {
+  for (auto const& [ns, import] : documents.GetLostImports()) {
     if (import.location.empty()) continue;
-    diagnostics.Warning(import.place, "cannot find \"" + import.location + "\" for the namespace \"" + import.ns +
+    diagnostics.Warning(import.place, "cannot find \"" + import.location + "\" for the namespace \"" + ns +
                                           "\"; name a file for it with --catalog");
   }
 }

@@ -71,7 +71,8 @@ enum class Tag {
 /// Return the tag of an element of the namespace of XML Schema.
 Tag TagOf(std::string_view localName);
 
-/// The prefixes that one start tag declares, and the scope around it. The default namespace has an empty prefix.
+/// The prefixes that one start tag declares, in alphabetical order, and the scope around it. The default namespace has
+/// an empty prefix.
 struct Scope {
   Scope const* outer = nullptr;
   std::vector<std::pair<std::string_view, std::string_view>> bindings;

@@ -73,7 +73,12 @@ void Builder::FillModelGroup(ModelGroup& group, Document const& document, Node c
                                                : ModelGroup::Compositor::Sequence;
   for (Node const& child : node.children) {
     if (child.tag == Tag::Annotation) continue;
-    if (auto particle = MakeParticle(document, child)) group.particles.push_back(std::move(*particle));
+    std::optional<Particle> particle = MakeParticle(document, child);
+    if (!particle) continue;
+    if (node.tag == Tag::All && particle->maxOccurs != 1) {
+      m_diagnostics.Error(child.place, "an element in xs:all cannot occur more than once");
+    }
+    group.particles.push_back(std::move(*particle));
   }
 }
 

@@ -14,6 +14,9 @@ std::string Text(QualifiedName const& name) {
   return name.ns.empty() ? name.local : "{" + name.ns + "}" + name.local;
 }
 
+/// Return the name of a type after a blank; nothing for an anonymous one.
+std::string Name(QualifiedName const& name) { return name.local.empty() ? std::string() : " " + Text(name); }
+
 std::string Quoted(std::string const& text) { return "\"" + text + "\""; }
 
 std::string Occurrence(Particle const& particle) {
@@ -117,7 +120,7 @@ class Printer {
 
   void PrintSimpleType(SimpleType const& type) {
     PrintDocumentation(type);
-    std::string text = "simpleType " + Text(type.name);
+    std::string text = "simpleType" + Name(type.name);
     if (type.variety == Variety::Atomic || type.base->builtIn != BuiltIn::AnySimpleType) {
       text += ": " + Reference(*type.base);
       if (type.base->builtIn == BuiltIn::None) text += std::string(" (xs:") + NameOf(type.ancestor) + ")";
@@ -159,7 +162,7 @@ class Printer {
 
   void PrintComplexType(ComplexType const& type) {
     PrintDocumentation(type);
-    std::string text = "complexType " + Text(type.name);
+    std::string text = "complexType" + Name(type.name);
     if (type.derivation != ComplexType::Derivation::None) {
       text += type.derivation == ComplexType::Derivation::Extension ? " extends " : " restricts ";
       text += type.base != nullptr         ? Text(type.base->name)
@@ -205,11 +208,11 @@ class Printer {
     if (auto const* const wildcard = std::get_if<Wildcard const*>(&particle.term)) {
       return Line("any" + Text(**wildcard) + Occurrence(particle));
     }
-    if (particle.group != nullptr) return Line("group ref " + Text(particle.group->name) + Occurrence(particle));
     ModelGroup const* const group = *std::get_if<ModelGroup const*>(&particle.term);
     if (base != nullptr && base->particle && base->particle->term == particle.term) {
       return Line("content of " + Text(base->name));
     }
+    if (particle.group != nullptr) return Line("group ref " + Text(particle.group->name) + Occurrence(particle));
     Line(Text(group->compositor) + Occurrence(particle));
     PrintParticles(*group, base);
   }

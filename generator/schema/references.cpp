@@ -57,9 +57,9 @@ std::string Builder::HintFor(QualifiedName const& name, bool isInTarget) const {
   if (m_documents->HasNamespace(name.ns)) {
     return name.ns.empty() ? " without a namespace" : " in the namespace " + Quoted(name.ns);
   }
-  for (LostImport const& import : m_documents->GetLostImports()) {
-    if (import.ns != name.ns || import.location.empty()) continue;
-    return "; the import from " + Quoted(import.location) + " was not found; name a file for it with --catalog";
+  auto const& lost = m_documents->GetLostImports();
+  if (auto const import = lost.find(name.ns); import != lost.end() && !import->second.location.empty()) {
+    return "; \"" + import->second.location + "\" was not found; name a file for it with --catalog";
   }
   return "; is an import missing?";
 }

@@ -12,7 +12,11 @@ void Builder::Complete(Global<SimpleType>& global) {
 SimpleType const* Builder::AnonymousSimpleType(Document const& document, Node const& node) {
   SimpleType& type = m_storage.simpleTypes.emplace_back();
   Describe(type, node);
+  Derive(type, m_builtIns.Get(BuiltIn::AnySimpleType));
+  if (!MayDescend(node)) return &type;
+  ++m_depth;
   FillSimpleType(type, document, node);
+  --m_depth;
   return &type;
 }
 

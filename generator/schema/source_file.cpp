@@ -1,5 +1,6 @@
 #include "schema/source_file.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -107,6 +108,7 @@ void SourceFile::FillAttributes(Node& node, Quillon9::CXmlElement const& element
     }
   }
   if (!bindings.empty() || outer == nullptr) {
+    std::sort(bindings.begin(), bindings.end());
     m_scopes.push_back({outer, std::move(bindings)});
     node.scope = &m_scopes.back();
   }

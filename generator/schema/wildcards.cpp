@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "schema/builder.h"
+#include "schema/limits.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -12,8 +13,10 @@ bool Lists(Wildcard const& wildcard, std::string const& ns) {
   return std::find(wildcard.namespaces.begin(), wildcard.namespaces.end(), ns) != wildcard.namespaces.end();
 }
 
-void List(Wildcard& wildcard, std::string const& ns) {
+bool List(Wildcard& wildcard, std::string const& ns) {
+  if (wildcard.namespaces.size() >= kMaxNamespaces) return false;
   if (!Lists(wildcard, ns)) wildcard.namespaces.push_back(ns);
+  return true;
 }
 
 /// Return \p wildcard, which lists namespaces, without those that \p predicate selects.
@@ -24,19 +27,22 @@ Wildcard Without(Wildcard wildcard, Predicate predicate) {
   return wildcard;
 }
 
-void ReadNamespaces(Wildcard& wildcard, std::string_view names, std::string const& target) {
-  if (names == "##any") return;
+/// Return whether not too many namespaces are listed.
+bool ReadNamespaces(Wildcard& wildcard, std::string_view names, std::string const& target) {
+  if (names == "##any") return true;
   wildcard.constraint = names == "##other" ? Constraint::Other : Constraint::Listed;
   if (names == "##other") {
     wildcard.notNamespace = target;
-    return;
+    return true;
   }
   while (!names.empty()) {
     std::size_t const end = std::min(names.find_first_of(" \t\r\n"), names.size());
     std::string_view const name = names.substr(0, end);
-    List(wildcard, name == "##targetNamespace" ? target : name == "##local" ? std::string() : std::string(name));
     names = Trimmed(names.substr(end));
+    std::string const ns = name == "##targetNamespace" ? target : name == "##local" ? "" : std::string(name);
+    if (!List(wildcard, ns)) return false;
   }
+  return true;
 }
 
 }  // namespace
@@ -44,7 +50,9 @@ void ReadNamespaces(Wildcard& wildcard, std::string_view names, std::string cons
 Wildcard Builder::MakeWildcard(Document const& document, Node const& node) {
   Wildcard wildcard;
   Describe(wildcard, node);
-  ReadNamespaces(wildcard, Trimmed(node.Find("namespace").value_or("##any")), document.targetNamespace);
+  if (!ReadNamespaces(wildcard, Trimmed(node.Find("namespace").value_or("##any")), document.targetNamespace)) {
+    m_diagnostics.Error(node.place, "more than " + std::to_string(kMaxNamespaces) + " namespaces in one wildcard");
+  }
   std::string_view const processing = Trimmed(node.Find("processContents").value_or("strict"));
   if (processing == "lax") {
     wildcard.processing = Wildcard::Processing::Lax;
