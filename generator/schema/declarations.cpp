@@ -68,6 +68,7 @@ void Builder::AddGlobal(Table<Object>& table, std::deque<Object>& storage, Docum
     object.name = *name;
     Describe(object, node);
   }
+  if constexpr (std::is_same_v<Object, SimpleType>) object.base = m_builtIns.Get(BuiltIn::AnySimpleType);
   if constexpr (std::is_same_v<Object, GroupDefinition>) object.group = &m_storage.modelGroups.emplace_back();
   entry->second = {&node, &document, &object, State::Empty};
   m_order.emplace_back(&node, *name);

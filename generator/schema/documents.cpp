@@ -90,19 +90,20 @@ void Documents::Include(Document const& document, Node const& node) {
   std::string_view const location = Trimmed(node.Find("schemaLocation").value_or(""));
   if (location.empty())
     return m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " has no schemaLocation");
-  std::optional<Location> const found = m_locations.Find(location, document.location);
-  if (!found) {
+  std::vector<Location> const found = m_locations.Find(location, document.location);
+  if (found.empty()) {
     return m_diagnostics.Error(node.place, "cannot find " + Quoted(location) +
                                                (IsRemote(location) ? "; name a file for it with --catalog" : ""));
   }
-  SourceFile const* const source = Read(found->path, node.place);
+  SourceFile const* const source = Read(found.front().path, node.place);
   if (source == nullptr) return;
   std::string const ns = TargetNamespace(*source);
   if (!ns.empty() && ns != document.targetNamespace) {
     return m_diagnostics.Error(node.place, Quoted(location) + " has the target namespace " + Quoted(ns) +
                                                " and can only be imported, not included");
   }
-  Add({source, *found, document.targetNamespace, document.import, ns.empty() && !document.targetNamespace.empty()});
+  Add({source, found.front(), document.targetNamespace, document.import,
+       ns.empty() && !document.targetNamespace.empty()});
 }
 
 void Documents::Import(Document const& document, Node const& node) {
@@ -112,10 +113,11 @@ void Documents::Import(Document const& document, Node const& node) {
   }
   std::string_view const location = Trimmed(node.Find("schemaLocation").value_or(""));
   if (!location.empty()) {
-    std::optional<Location> const found = m_locations.Find(location, document.location);
-    // A file that only has the name of a remote one may be another.
-    bool const isCertain = !IsRemote(location) || (found && !found->address.empty());
-    if (found && ImportFrom(*found, node, ns, isCertain)) return;
+    for (Location const& found : m_locations.Find(location, document.location)) {
+      // A file that only has the name of a remote one may be another.
+      bool const isCertain = !IsRemote(location) || !found.address.empty();
+      if (ImportFrom(found, node, ns, isCertain)) return;
+    }
   }
   std::optional<Location> const found = m_locations.FindNamespace(ns);
   if (found && ImportFrom(*found, node, ns, true)) return;

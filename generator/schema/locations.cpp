@@ -4,23 +4,21 @@
 
 namespace Quillon9Generator::Schema {
 
-namespace {
-
-std::optional<Location> IfFile(std::string const& path) {
-  if (IsFile(path)) return Location{path, {}};
-  return std::nullopt;
-}
-
-}  // namespace
-
-std::optional<Location> Locations::Find(std::string_view location, Location const& referring) const {
-  if (auto found = InCatalog(std::string(location))) return found;
+std::vector<Location> Locations::Find(std::string_view location, Location const& referring) const {
+  std::vector<Location> found;
+  if (auto const entry = InCatalog(std::string(location))) found.push_back(*entry);
   if (!referring.address.empty()) {
-    std::string const address = Resolved(referring.address, location);
-    if (auto found = InCatalog(address)) return found;
+    if (auto const entry = InCatalog(Resolved(referring.address, location))) found.push_back(*entry);
   }
-  if (auto found = NextTo(location, referring)) return found;
-  return InIncludePaths(location);
+  for (std::string const& path : PathsOf(location, referring)) {
+    std::string const unescaped = Unescaped(path);
+    if (IsFile(path)) {
+      found.push_back({path, {}});
+    } else if (unescaped != path && IsFile(unescaped)) {
+      found.push_back({unescaped, {}});
+    }
+  }
+  return found;
 }
 
 std::optional<Location> Locations::FindNamespace(std::string_view ns) const { return InCatalog(std::string(ns)); }
@@ -31,21 +29,17 @@ std::optional<Location> Locations::InCatalog(std::string const& address) const {
   return Location{*path, IsRemote(address) ? address : std::string()};
 }
 
-std::optional<Location> Locations::NextTo(std::string_view location, Location const& referring) const {
-  if (IsRemote(location)) return IfFile(Resolved(referring.path, LastPart(location)));
-  std::string const path = Resolved(referring.path, location);
-  if (auto found = IfFile(path)) return found;
-  return IfFile(Unescaped(path));
-}
-
-std::optional<Location> Locations::InIncludePaths(std::string_view location) const {
+/// Return the paths at which a file may be, besides those of the catalogs.
+std::vector<std::string> Locations::PathsOf(std::string_view location, Location const& referring) const {
+  std::string_view const name = LastPart(location);
+  std::vector<std::string> paths = {Resolved(referring.path, IsRemote(location) ? name : location)};
   std::size_t const host = IsRemote(location) ? location.find("//") : std::string_view::npos;
   if (host != std::string_view::npos) location.remove_prefix(host + 2);
   for (std::string const& folder : m_includePaths) {
-    if (auto found = IfFile(Resolved(folder + "/", location))) return found;
-    if (auto found = IfFile(Resolved(folder + "/", LastPart(location)))) return found;
+    paths.push_back(Resolved(folder + "/", location));
+    paths.push_back(Resolved(folder + "/", name));
   }
-  return std::nullopt;
+  return paths;
 }
 
 }  // namespace Quillon9Generator::Schema

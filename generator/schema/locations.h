@@ -21,16 +21,15 @@ class Locations {
   Locations(Catalog const& catalog, std::vector<std::string> const& includePaths)
       : m_catalog(catalog), m_includePaths(includePaths) {}
 
-  /// Find the file for \p location as \p referring names it: by the catalogs; next to \p referring; in the include
-  /// paths. For a remote address, a file of its name next to \p referring or in the include paths will do.
-  std::optional<Location> Find(std::string_view location, Location const& referring) const;
+  /// Find the files that may be meant by \p location as \p referring names it, the best first: by the catalogs; next to
+  /// \p referring; in the include paths. For a remote address, files of its name in the two last places will do.
+  std::vector<Location> Find(std::string_view location, Location const& referring) const;
   /// Find the file that the catalogs name for a namespace.
   std::optional<Location> FindNamespace(std::string_view ns) const;
 
  private:
   std::optional<Location> InCatalog(std::string const& address) const;
-  std::optional<Location> NextTo(std::string_view location, Location const& referring) const;
-  std::optional<Location> InIncludePaths(std::string_view location) const;
+  std::vector<std::string> PathsOf(std::string_view location, Location const& referring) const;
 
   Catalog const& m_catalog;
   std::vector<std::string> const& m_includePaths;

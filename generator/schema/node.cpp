@@ -64,9 +64,9 @@ Tag TagOf(std::string_view localName) {
 std::optional<std::string_view> Scope::Find(std::string_view prefix) const {
   for (Scope const* scope = this; scope != nullptr; scope = scope->outer) {
     auto const& declared = scope->bindings;
-    auto const found = std::lower_bound(
-        declared.begin(), declared.end(), prefix,
-        [](auto const& binding, std::string_view wanted) { return binding.first < wanted; });
+    auto const found =
+        std::lower_bound(declared.begin(), declared.end(), prefix,
+                         [](auto const& binding, std::string_view wanted) { return binding.first < wanted; });
     if (found != declared.end() && found->first == prefix) return found->second;
   }
   if (prefix == "xml") return kXmlNamespace;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +24,9 @@ struct MalformedText {
 /// What a pass over the text of a document finds that the library's tree does not keep.
 struct TagPlaces {
   std::vector<TagPlace> places;  ///< of all start tags in document order
+  /// The texts of the elements called documentation that have child elements, theirs included, by the number of the
+  /// start tag from 0. None for an encoding that expat does not know.
+  std::map<std::size_t, std::string> documentation;
   std::optional<MalformedText> malformed;
 };
 

@@ -69,7 +69,8 @@ Builder::TypeReference Builder::FindType(Document const& document, Node const& n
   if (!name) return {};
   if (auto const simple = m_simpleTypes.find(*name); simple != m_simpleTypes.end()) {
     Complete(simple->second);
-    return {simple->second.object, nullptr};
+    bool const isComplete = simple->second.state == State::Filled;  // else after an error
+    return {isComplete ? simple->second.object : m_builtIns.Get(BuiltIn::AnySimpleType), nullptr};
   }
   if (auto const complex = m_complexTypes.find(*name); complex != m_complexTypes.end()) {
     return {nullptr, &complex->second};

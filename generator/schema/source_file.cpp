@@ -65,14 +65,14 @@ void SourceFile::ReportUnreadable(Diagnostics& diagnostics, Place const& referen
 
 void SourceFile::BuildNodes(Diagnostics* diagnostics) {
   m_diagnostics = diagnostics;
-  if (m_path != nullptr) m_places = FindTags(GetOctets()).places;
+  if (m_path != nullptr) m_tags = FindTags(GetOctets());
   Fill(m_root, *m_document->GetDocumentElement(), nullptr, 1);
-  m_places = {};
+  m_tags = {};
 }
 
 Place SourceFile::NextPlace() {
-  if (m_nextPlace >= m_places.size()) return {m_path, 0, 0};
-  TagPlace const place = m_places[m_nextPlace++];
+  if (m_nextPlace >= m_tags.places.size()) return {m_path, 0, 0};
+  TagPlace const place = m_tags.places[m_nextPlace++];
   return {m_path, place.line, place.column};
 }
 
@@ -132,13 +132,19 @@ void SourceFile::Name(Node& node, std::string_view name) {
 }
 
 void SourceFile::FillDocumentation(Node& node, Quillon9::CXmlElement const& element) {
+  std::size_t const number = m_nextPlace - 1;
   SkipTags(element);
   if (element.GetFirstElement() == nullptr) {
     node.text = element.GetTextView();
     return;
   }
-  AppendText(m_texts.emplace_back(), element);
-  node.text = m_texts.back();
+  std::string& text = m_texts.emplace_back();
+  if (auto const found = m_tags.documentation.find(number); found != m_tags.documentation.end()) {
+    text = std::move(found->second);
+  } else {
+    AppendText(text, element);
+  }
+  node.text = text;
 }
 
 void SourceFile::SkipTags(Quillon9::CXmlElement const& element) {

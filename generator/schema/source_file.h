@@ -47,9 +47,9 @@ class SourceFile {
   Quillon9::CXmlSerializationContext m_context;
   std::unique_ptr<Quillon9::CXmlDocument> m_document;
   std::deque<Scope> m_scopes;
-  std::deque<std::string> m_texts;
+  std::deque<std::string> m_texts;  // of documentation with child elements
   Node m_root;
-  std::vector<TagPlace> m_places;  // only while the nodes are built
+  TagPlaces m_tags;  // only while the nodes are built
   std::size_t m_nextPlace = 0;
   Diagnostics* m_diagnostics = nullptr;
 };
