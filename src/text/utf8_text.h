@@ -46,7 +46,9 @@ class Utf8Text {
   static std::size_t CountCharacters(std::string_view text);
   static void CheckWellFormed(std::string_view text);
 
-  static inline thread_local Use t_use = Use::kNo;
+  // Each check of a text reads it, so it is placed where that takes no call; it is small enough for a library that is
+  // loaded later.
+  [[gnu::tls_model("initial-exec")]] static inline thread_local Use t_use = Use::kNo;
 };
 
 }  // namespace Quillon9
