@@ -15,13 +15,17 @@ using Schema::ComplexType;
 using Schema::ElementDeclaration;
 using Schema::Wildcard;
 
+/// Of the content models of all types together, with the groups written out. The largest sets of real schemas have a
+/// tenth of that.
+constexpr std::size_t kMostParts = 200'000;
+
 std::string Quoted(std::string const& name) { return "\"" + name + "\""; }
 
 bool IsAnySimpleType(Schema::SimpleType const* type) {
   return type == nullptr || type->builtIn == Schema::BuiltIn::AnySimpleType;
 }
 
-// Not a simple type that a class of its own could hold with xsi:type.
+// An element of any content, or of any simple type, which xsi:type names then.
 bool IsAnything(ElementDeclaration const& element) {
   if (element.complexType != nullptr) return element.complexType->anyType;
   return IsAnySimpleType(element.simpleType);
@@ -109,7 +113,8 @@ ClassBuilder::ClassBuilder(Schema::SchemaSet const& set, PlanOptions const& opti
       m_plan(plan),
       m_diagnostics(diagnostics),
       m_values(options, plan, diagnostics),
-      m_derivations(diagnostics) {}
+      m_derivations(diagnostics),
+      m_budget(kMostParts) {}
 
 void ClassBuilder::Build() {
   NoteElementsOfGroups();
@@ -204,11 +209,11 @@ void ClassBuilder::Fill(Class& cls, ComplexType const& type) {
 void ClassBuilder::FillContent(Class& cls, ComplexType const& type) {
   Schema::Particle const* const own = m_derivations.OwnContent(type);
   std::optional<ContentNode> const content =
-      NormalizedContent(own != nullptr ? std::optional<Schema::Particle>(*own) : std::nullopt);
+      NormalizedContent(own != nullptr ? std::optional<Schema::Particle>(*own) : std::nullopt, m_budget);
   if (!content) {
-    m_diagnostics.Error(type.place,
-                        "the content model is too large: groups that refer to groups multiply to more than "
-                        "a million elements");
+    if (!m_diagnostics.HasErrors()) {
+      m_diagnostics.Error(type.place, "the content models are too large or too deep when all groups are written out");
+    }
     return;
   }
   for (ContentNode const& child : content->children) AddNode(cls, child, {});

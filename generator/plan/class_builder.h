@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <map>
 #include <set>
 #include <string>
@@ -61,6 +62,7 @@ class ClassBuilder {
   Schema::Diagnostics& m_diagnostics;
   ValueTypes m_values;
   Derivations m_derivations;
+  std::size_t m_budget;  ///< how many parts of content models may still come
 
   std::map<Schema::ComplexType const*, Class*> m_classes;
   std::map<void const*, Schema::GroupDefinition const*> m_groups;  ///< of the declarations of local elements

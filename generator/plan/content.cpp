@@ -13,7 +13,7 @@ namespace {
 
 using Kind = ContentNode::Kind;
 constexpr int kUnbounded = Schema::Particle::kUnbounded;
-constexpr std::size_t kMostParts = 1'000'000;
+constexpr int kMostLevels = 2000;
 
 // ---- From the components
 
@@ -26,9 +26,10 @@ Kind KindOf(Schema::ModelGroup::Compositor compositor) {
   return Kind::Sequence;
 }
 
-// Returns false when there are too many parts.
-bool Build(Schema::Particle const& particle, ContentNode& node, std::size_t& parts) {
-  if (++parts > kMostParts) return false;
+// Returns false when there are too many parts or levels.
+bool Build(Schema::Particle const& particle, ContentNode& node, std::size_t& budget, int level) {
+  if (budget == 0 || level > kMostLevels) return false;
+  --budget;
   node.minOccurs = particle.minOccurs;
   node.maxOccurs = particle.maxOccurs;
   node.place = particle.place;
@@ -47,7 +48,7 @@ bool Build(Schema::Particle const& particle, ContentNode& node, std::size_t& par
   node.kind = KindOf(group.compositor);
   node.children.resize(group.particles.size());
   for (std::size_t i = 0; i < group.particles.size(); ++i) {
-    if (!Build(group.particles[i], node.children[i], parts)) return false;
+    if (!Build(group.particles[i], node.children[i], budget, level + 1)) return false;
   }
   return true;
 }
@@ -139,12 +140,11 @@ void Simplify(ContentNode& node) {
 
 }  // namespace
 
-std::optional<ContentNode> NormalizedContent(std::optional<Schema::Particle> const& particle) {
+std::optional<ContentNode> NormalizedContent(std::optional<Schema::Particle> const& particle, std::size_t& budget) {
   ContentNode content;
   if (!particle) return content;
-  std::size_t parts = 0;
   ContentNode node;
-  if (!Build(*particle, node, parts)) return std::nullopt;
+  if (!Build(*particle, node, budget, 0)) return std::nullopt;
   Simplify(node);
   if (node.kind == Kind::Sequence && node.minOccurs == 1 && node.maxOccurs == 1) return node;
   if (!node.IsGroup() || !node.children.empty()) content.children.push_back(std::move(node));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <vector>
 
@@ -26,7 +27,8 @@ struct ContentNode {
 };
 
 /// The content of \p particle as a sequence that occurs once; without children for a particle that allows no content.
-/// Nothing if it has more than a million parts, which groups that refer to groups can reach.
-std::optional<ContentNode> NormalizedContent(std::optional<Schema::Particle> const& particle);
+/// Takes its size from \p budget. Nothing if that is used up, which groups that refer to groups can reach, or if groups
+/// are nested so deeply that working on them would need too much stack.
+std::optional<ContentNode> NormalizedContent(std::optional<Schema::Particle> const& particle, std::size_t& budget);
 
 }  // namespace Quillon9Generator::Plan

@@ -122,9 +122,9 @@ ComplexType const* Derivations::BaseOf(ComplexType const& type) {
 Particle const* Derivations::OwnContent(ComplexType const& type) {
   ComplexType const* const base = BaseOf(type);
   if (base != nullptr && type.derivation != ComplexType::Derivation::Extension) return nullptr;
-  // An extension of anyType has a base of any content, which has no class.
-  bool const extends =
-      type.derivation == ComplexType::Derivation::Extension && (base != nullptr || type.base == nullptr);
+  // What extends xs:anyType has any elements in front of its own, which would take those.
+  bool const extendsAny = type.base == nullptr && type.ownParticle;
+  bool const extends = type.derivation == ComplexType::Derivation::Extension && (base != nullptr || extendsAny);
   std::optional<Particle> const& particle = extends ? type.ownParticle : type.particle;
   return particle ? &*particle : nullptr;
 }

@@ -187,6 +187,8 @@ std::string UpperCamel(std::string_view utf8) {
   return IsDigit(static_cast<unsigned char>(name.front())) ? "N" + name : name;
 }
 
+std::string NoMacro(std::string name) { return IsMacro(name) ? name + '_' : name; }
+
 std::string FieldName(std::string_view cppName) {
   std::string_view const name = cppName.substr(std::min(cppName.find_first_not_of('_'), cppName.size() - 1));
   std::string field = "m_" + std::string(name);
@@ -200,7 +202,6 @@ std::string FieldName(std::string_view cppName) {
 }
 
 std::string NameScope::Take(std::string wanted, std::string_view suffix) {
-  if (IsMacro(wanted)) wanted += '_';
   if (!IsFree(wanted)) wanted += suffix;
   std::string name = wanted;
   if (IsDigit(static_cast<unsigned char>(wanted.back()))) wanted += '_';  // N1 and N12 would look alike otherwise

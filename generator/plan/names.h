@@ -12,6 +12,9 @@ namespace Quillon9Generator::Plan {
 /// the first one too; letters beyond ASCII are transliterated; a leading digit gets N in front. Never empty.
 std::string UpperCamel(std::string_view utf8);
 
+/// \p name, or with "_" at its end where a macro of the standard headers has that name.
+std::string NoMacro(std::string name);
+
 /// The name of the data member for the accessors Get\p cppName(): m_shipTo for ShipTo.
 std::string FieldName(std::string_view cppName);
 
@@ -27,8 +30,7 @@ class NameScope {
     return m_taken.count(name) == 0 && (m_outer == nullptr || m_outer->IsFree(name));
   }
 
-  /// \p wanted if it is free and no macro of the standard headers; else, if \p suffix is not empty, with that at its
-  /// end; else that with 2, 3, ...
+  /// \p wanted if it is free; else, if \p suffix is not empty, with that at its end; else that with 2, 3, ...
   std::string Take(std::string wanted, std::string_view suffix = {});
 
  private:

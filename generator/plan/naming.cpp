@@ -26,12 +26,15 @@ bool IsNamedByElement(Member const& member) {
   return member.place == Member::Place::Element && !member.name.local.empty();
 }
 
-std::string TextName(Class const& cls) { return cls.mixed ? "Text" : "Value"; }
+std::string TextName(Class const& cls, NameScope const& scope) {
+  std::string const name = cls.mixed ? "Text" : "Value";
+  return scope.IsFree(name) ? name : "Content";
+}
 
 /// Names the members and choices of classes, a base before what derives from it.
 class MemberNames {
  public:
-  explicit MemberNames(NameScope const& types) : m_types(types) {
+  MemberNames() {
     for (char const* name : kInheritedAccessors) m_inherited.Reserve(name);
   }
 
@@ -46,7 +49,7 @@ class MemberNames {
     for (Member& member : cls.members) {
       if (member.cppName.empty()) NameUntagged(cls, member, scope);
     }
-    for (Choice& choice : cls.choices) choice.cppName = ChoiceName(scope);
+    for (Choice& choice : cls.choices) choice.cppName = scope.Take("Choice");
     for (Choice& choice : cls.choices) NameAlternatives(cls, choice);
   }
 
@@ -81,18 +84,12 @@ class MemberNames {
 
   void NameUntagged(Class const& cls, Member& member, NameScope& scope) {
     if (member.place == Member::Place::Text) {
-      member.cppName = scope.Take(TextName(cls), "Text");
+      member.cppName = scope.Take(TextName(cls, scope));
     } else if (member.kind == Member::Kind::Rounds) {
       Set(member, scope, UpperCamel(member.type->shortName), "Group");
     } else {
       member.cppName = scope.Take(member.place == Member::Place::Attribute ? "AnyAttribute" : "Any");
     }
-  }
-
-  std::string ChoiceName(NameScope& scope) const {
-    std::string name = scope.Take("Choice");
-    while (!m_types.IsFree("E" + name)) name = scope.Take("Choice");
-    return name;
   }
 
   static void NameAlternatives(Class const& cls, Choice& choice) {
@@ -104,7 +101,8 @@ class MemberNames {
       Row const& each = cls.rows[row];
       if (each.kind == Row::Kind::Member) {
         if (isNew)
-          choice.alternatives.push_back(scope.Take(cls.members[static_cast<std::size_t>(each.member)].cppName));
+          choice.alternatives.push_back(
+              scope.Take(NoMacro(cls.members[static_cast<std::size_t>(each.member)].cppName)));
         isNew = depth == 0;
       } else {
         depth += each.kind == Row::Kind::End ? -1 : 1;
@@ -113,7 +111,6 @@ class MemberNames {
     }
   }
 
-  NameScope const& m_types;
   NameScope m_inherited;
   std::map<Class const*, NameScope> m_scopes;
 };
@@ -129,14 +126,14 @@ void NameEnumerators(Enumeration& enumeration) {
   for (Enumerator& enumerator : enumeration.enumerators) {
     std::string name = UpperCamel(enumerator.text);
     name.erase(0, std::min(name.find_first_not_of('_'), name.size()));  // with a capital behind it is reserved
-    enumerator.name = scope.Take(UpperCamel(name.empty() ? "Empty" : name));
+    enumerator.name = scope.Take(NoMacro(UpperCamel(name.empty() ? "Empty" : name)));
   }
 }
 
 /// Gives the names of one plan.
 class Namer {
  public:
-  explicit Namer(Plan& plan) : m_plan(plan), m_members(m_types) {
+  explicit Namer(Plan& plan) : m_plan(plan) {
     for (auto const& cls : plan.classStorage) m_mutable[cls.get()] = cls.get();
     for (auto const& each : plan.enumerationStorage) m_mutableEnumerations[each.get()] = each.get();
     for (char const* name : kNamesOfLibrary) m_types.Reserve(name);
@@ -159,11 +156,11 @@ class Namer {
     for (bool const isNamed : {true, false}) {
       for (auto const& cls : m_plan.classStorage) {
         if (cls->owner != nullptr || cls->name.local.empty() == isNamed) continue;
-        cls->shortName = m_types.Take("C" + UpperCamel(cls->shortName), "Element");
+        cls->shortName = m_types.Take("C" + UpperCamel(cls->shortName), isNamed ? "" : "Element");
       }
       for (auto const& enumeration : m_plan.enumerationStorage) {
         if (enumeration->owner != nullptr || enumeration->name.local.empty() == isNamed) continue;
-        enumeration->cppName = m_types.Take("E" + UpperCamel(enumeration->cppName));
+        enumeration->cppName = m_types.Take(NoMacro("E" + UpperCamel(enumeration->cppName)));
       }
     }
   }
@@ -189,8 +186,9 @@ class Namer {
   }
 
   void NameNested(Class const& cls, std::vector<std::string> outer) {
-    NameScope scope(&m_types);
-    outer.push_back(cls.shortName);
+    NameScope scope;
+    for (char const* name : kNamesOfLibrary) scope.Reserve(name);
+    for (Class const* base = &cls; base != nullptr; base = base->base) outer.push_back(base->shortName);
     for (std::string const& name : outer) scope.Reserve(name);
     for (Choice const& choice : cls.choices) scope.Reserve("E" + choice.cppName);
     for (Class const* nested : cls.nested) {
@@ -200,7 +198,7 @@ class Namer {
     }
     for (Enumeration const* nested : cls.nestedEnumerations) {
       Enumeration& named = *m_mutableEnumerations.at(nested);
-      named.cppName = cls.cppName + "::" + scope.Take("E" + UpperCamel(named.cppName));
+      named.cppName = cls.cppName + "::" + scope.Take(NoMacro("E" + UpperCamel(named.cppName)));
     }
     for (Class const* nested : cls.nested) NameNested(*nested, outer);
   }

@@ -37,15 +37,16 @@ Ranges const& Blanks() {
 Ranges Complement(Ranges const& ranges) {
   Ranges result;
   char32_t next = 0;
-  auto const addUpTo = [&result, &next](char32_t end) {  // surrogates are not characters
-    if (next < 0xD800 && end > 0xDFFF) result.emplace_back(next, 0xD7FF), next = 0xE000;
-    if (next < end) result.emplace_back(next, end - 1);
+  auto const addBelow = [&result, &next](char32_t end) {
+    if (next < 0xD800 && next < end) result.emplace_back(next, std::min<char32_t>(end, 0xD800) - 1);
+    next = std::max<char32_t>(next, 0xE000);  // surrogates are not characters
+    if (end > next) result.emplace_back(next, end - 1);
   };
   for (auto const& [first, last] : ranges) {
-    addUpTo(first);
+    addBelow(first);
     next = last + 1;
   }
-  addUpTo(0x110000);
+  addBelow(0x110000);
   return result;
 }
 

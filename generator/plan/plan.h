@@ -9,8 +9,8 @@
 #include "quillon9/values/item_type.h"
 #include "schema/components.h"
 
-/// Which classes there will be for a set of schemas: a value of its own, from which C++ text (or anything else) is made.
-/// Nothing here is text of a program but the names.
+/// Which classes there will be for a set of schemas: a value of its own, from which C++ text (or anything else) is
+/// made. Nothing here is text of a program but the names.
 namespace Quillon9Generator::Plan {
 
 /// One enumerator.

@@ -108,7 +108,9 @@ std::string RowsText(Class const& cls) {
 }
 
 void PrintEnumeration(Enumeration const& enumeration, std::string const& indent, std::string& text) {
-  text += indent + "enum " + enumeration.cppName + " of " + NameText(enumeration.name) + ":";
+  text += indent + "enum " + enumeration.cppName;
+  if (!enumeration.name.local.empty()) text += " of " + NameText(enumeration.name);
+  text += ':';
   for (Enumerator const& each : enumeration.enumerators) text += " " + each.name + "=" + Quoted(each.text);
   text += '\n';
 }

@@ -144,22 +144,11 @@ void DropBoundsOfKind(ItemType kind, Facets& facets) {
   }
 }
 
-// The integers without limits that are bounded on one side.
-void AddBoundsOfAncestor(BuiltIn ancestor, Facets& facets) {
-  bool const hasMin = !facets.minInclusive.empty() || !facets.minExclusive.empty();
-  bool const hasMax = !facets.maxInclusive.empty() || !facets.maxExclusive.empty();
-  if (!hasMin && ancestor == BuiltIn::NonNegativeInteger) facets.minInclusive = "0";
-  if (!hasMin && ancestor == BuiltIn::PositiveInteger) facets.minInclusive = "1";
-  if (!hasMax && ancestor == BuiltIn::NonPositiveInteger) facets.maxInclusive = "0";
-  if (!hasMax && ancestor == BuiltIn::NegativeInteger) facets.maxInclusive = "-1";
-}
-
 void SetBounds(SimpleType const& type, ItemType kind, Facets& facets) {
   facets.minInclusive = type.facets.minInclusive.value_or("");
   facets.maxInclusive = type.facets.maxInclusive.value_or("");
   facets.minExclusive = type.facets.minExclusive.value_or("");
   facets.maxExclusive = type.facets.maxExclusive.value_or("");
-  AddBoundsOfAncestor(type.ancestor, facets);
   DropBoundsOfKind(kind, facets);
   if (IsWholeNumber(kind)) facets.totalDigits = type.facets.totalDigits.value_or(-1);
   if (kind == ItemType_decimal) facets.fractionDigits = type.facets.fractionDigits.value_or(-1);
@@ -179,6 +168,16 @@ Schema::WhiteSpace WhiteSpaceOf(SimpleType const& type) {
     return WhiteSpaceOf(*member) == Schema::WhiteSpace::Collapse;
   });
   return allCollapse ? Schema::WhiteSpace::Collapse : Schema::WhiteSpace::Preserve;
+}
+
+// The patterns of xs:NCName and its kind are not checked, as those of numbers and dates are not: each name would cost a
+// match.
+std::vector<std::vector<std::string>> PatternsOfUser(SimpleType const& type) {
+  SimpleType const* builtIn = &type;
+  while (builtIn->builtIn == BuiltIn::None && builtIn->base != nullptr) builtIn = builtIn->base;
+  auto const& all = type.facets.patterns;
+  auto const own = static_cast<std::ptrdiff_t>(std::min(builtIn->facets.patterns.size(), all.size()));
+  return {all.begin() + own, all.end()};
 }
 
 // ---- Enumerations
@@ -250,7 +249,7 @@ ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
 }
 
 void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
-  std::optional<std::string> const pattern = CombinePatterns(type.facets.patterns);
+  std::optional<std::string> const pattern = CombinePatterns(PatternsOfUser(type));
   try {
     if (pattern && !pattern->empty()) TestRegEx(*pattern, "");
     if (pattern) facets.pattern = *pattern;

@@ -5,9 +5,7 @@
 #include <cwchar>
 #include <string>
 
-#include "quillon9/text/encoder.h"
 #include "text/utf8_scan.h"
-#include "text/utf8_text.h"
 
 namespace Quillon9 {
 
@@ -25,7 +23,7 @@ enum class Charset {
 Charset Current();
 
 /// Whether ASCIIOnly(true) is in force, so that nothing is converted.
-inline bool IsPassedThrough() { return ASCII_ONLY && !Utf8Text::IsInUse(); }
+bool IsPassedThrough();
 
 inline std::uint8_t const* Bytes(char const* text) { return reinterpret_cast<std::uint8_t const*>(text); }
 
