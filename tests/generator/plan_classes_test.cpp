@@ -1,0 +1,283 @@
+#include "plan_text.h"
+
+namespace Quillon9Generator::Testing {
+namespace {
+
+class Classes : public testing::TestWithParam<PlanCase> {};
+
+TEST_P(Classes, AreAsPlanned) { EXPECT_EQ(PlanText(GetParam().schema), GetParam().plan); }
+
+constexpr PlanCase kCases[] = {
+    {"ABaseStandsBeforeWhatDerives",
+     R"(
+<complexType name='C'><complexContent><extension base='t:B'>
+  <sequence><element name='c' type='t:A'/></sequence><attribute name='x' use='required'/>
+</extension></complexContent></complexType>
+<complexType name='B'><complexContent><extension base='t:A'/></complexContent></complexType>
+<complexType name='A' abstract='true'>
+  <sequence><element name='a' type='t:C' minOccurs='0'/></sequence><attribute name='y'/></complexType>)",
+     R"(
+class CA of A abstract element c
+  0 A m_a: object a? CC
+  1 Y m_y: value @y? string preserve
+class CB of B : CA
+class CC of C : CB element a
+  2 C m_c: object c CA mandatory
+  3 X m_x: value @x string preserve mandatory
+)"},
+    {"AnonymousTypesAreNested",
+     R"(
+<element name='order'><complexType><sequence>
+  <element name='item' maxOccurs='9'><complexType>
+    <sequence><element name='item' minOccurs='0'><complexType/></element></sequence>
+    <attribute name='colour'><simpleType><restriction base='token'><enumeration value='red'/></restriction>
+    </simpleType></attribute></complexType></element>
+</sequence></complexType></element>)",
+     R"(
+class COrder element order
+  class COrder::CItem element item
+    enum COrder::CItem::EColour: Red="red"
+    class COrder::CItem::CItem2 element item
+    0 Item m_item: object item? COrder::CItem::CItem2
+    1 Colour m_colour: value @colour? COrder::CItem::EColour
+  0 Item m_item: objects item{1,9} COrder::CItem
+root Order order COrder
+)"},
+    {"ANestedClassLeavesTheClassThatItsBaseNeeds",
+     R"(
+<complexType name='Node'><sequence><element name='child' minOccurs='0'>
+  <complexType><complexContent><extension base='t:Leaf'/></complexContent></complexType></element></sequence>
+</complexType>
+<complexType name='Leaf'><complexContent><extension base='t:Node'/></complexContent></complexType>)",
+     R"(
+class CNode of Node
+  0 Child m_child: object child? CNodeChild
+class CLeaf of Leaf : CNode
+class CNodeChild : CLeaf element child
+)"},
+    {"TypesInGroupsAreShared",
+     R"(
+<group name='person'><sequence><element name='name'><complexType/></element>
+  <element name='sex'><simpleType><restriction base='string'><enumeration value='f'/></restriction></simpleType>
+</element></sequence></group>
+<attributeGroup name='g'><attribute name='unit'>
+  <simpleType><restriction base='NMTOKEN'><enumeration value='m'/></restriction></simpleType></attribute>
+</attributeGroup>
+<complexType name='A'><group ref='t:person'/><attributeGroup ref='t:g'/></complexType>
+<complexType name='B'><group ref='t:person' maxOccurs='unbounded'/><attributeGroup ref='t:g'/></complexType>)",
+     R"(
+enum EPersonSex: F="f"
+enum EUnit: M="m"
+class CA of A
+  0 Name m_name: object name CPersonName mandatory
+  1 Sex m_sex: value sex EPersonSex preserve mandatory
+  2 Unit m_unit: value @unit? EUnit
+class CB of B
+  class CB::CPerson round
+    0 Name m_name: object name CPersonName mandatory
+    1 Sex m_sex: value sex EPersonSex preserve mandatory
+  0 Person m_person: rounds{1,} CB::CPerson
+  1 Unit m_unit: value @unit? EUnit
+class CPersonName element name
+)"},
+    {"ARestrictionHasTheMembersOfItsBase",
+     R"(
+<complexType name='A'><sequence><element name='a' type='int' minOccurs='0'/>
+  <element name='b' type='t:A' minOccurs='0'/><any namespace='##other' processContents='lax' minOccurs='0'/>
+</sequence><attribute name='x'/><anyAttribute namespace='##any'/></complexType>
+<complexType name='B'><complexContent><restriction base='t:A'><sequence><element name='b' type='t:B'/></sequence>
+  <attribute name='x' use='prohibited'/></restriction></complexContent></complexType>
+<complexType name='C'><complexContent><restriction base='t:A'><sequence/><attribute name='z' type='int'/>
+</restriction></complexContent></complexType>)",
+     R"(
+class CA of A element b
+  0 A m_a: value a? i4
+  1 B m_b: object b? CA
+  2 Any m_any: any? allows "##other" not "urn:t"
+  3 X m_x: value @x? string preserve
+  4 AnyAttribute m_anyAttribute: anyattributes @{0,} allows "##any"
+class CB of B : CA
+class CC of C : CA
+  5 Z m_z: value @z? i4
+)"},
+    {"ARestrictionThatNeedsMoreDoesNotDerive",
+     R"(
+<element name='shape' type='string' abstract='true'/>
+<element name='circle' type='string' substitutionGroup='t:shape'/>
+<complexType name='A'><sequence><element ref='t:shape'/></sequence></complexType>
+<complexType name='B'><complexContent>
+  <restriction base='t:A'><sequence><element ref='t:circle'/></sequence></restriction></complexContent></complexType>
+<complexType name='C'><sequence><element name='c' type='t:A'/></sequence></complexType>
+<complexType name='D'><complexContent>
+  <restriction base='t:C'><sequence><element name='c' type='t:B'/></sequence></restriction></complexContent>
+</complexType>)",
+     R"(
+class CA of A element c
+  0 Shape m_shape: value shape string preserve mandatory
+class CB of B element c
+  0 Circle m_circle: value circle string preserve mandatory
+class CC of C
+  0 C m_c: object c CA mandatory
+class CD of D
+  0 C m_c: object c CB mandatory
+root Circle circle string preserve
+a.xsd:4:33: warning: only the element "shape", which is abstract, itself is read here, not "circle" of its substitution group
+a.xsd:5:1: warning: the class of the type "B" does not derive from that of "A", since the base has no element "circle"; it cannot stand where that is expected
+a.xsd:8:1: warning: the class of the type "D" does not derive from that of "C", since the element "c" has another type in the base; it cannot stand where that is expected
+)"},
+    {"AnExtensionOfARestrictionMayNotDerive",
+     R"(
+<complexType name='A'><sequence><element name='a' type='int'/><element name='b' type='int' minOccurs='0'/></sequence>
+</complexType>
+<complexType name='B'><complexContent><restriction base='t:A'><sequence><element name='a' type='int'/></sequence>
+</restriction></complexContent></complexType>
+<complexType name='C'><complexContent><extension base='t:B'><sequence><element name='b' type='int'/></sequence>
+</extension></complexContent></complexType>
+<complexType name='D'><complexContent><extension base='t:B'><sequence><element name='d' type='int'/></sequence>
+</extension></complexContent></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value a i4 mandatory
+  1 B m_b: value b? i4
+class CB of B : CA
+class CC of C
+  0 A m_a: value a i4 mandatory
+  1 B m_b: value b i4 mandatory
+class CD of D : CB
+  2 D m_d: value d i4 mandatory
+a.xsd:6:1: warning: the class of the type "C" does not derive from that of "B", since its base is restricted in the element "b"; it cannot stand where that is expected
+)"},
+    {"Texts",
+     R"(
+<complexType name='price'><simpleContent><extension base='decimal'><attribute name='value'/></extension>
+</simpleContent></complexType>
+<complexType name='low'><simpleContent><restriction base='t:price'><maxInclusive value='9'/></restriction>
+</simpleContent></complexType>
+<complexType name='para' mixed='true'><choice minOccurs='0' maxOccurs='unbounded'>
+  <element name='b' type='string'/></choice></complexType>
+<complexType name='name' mixed='true'><attribute name='x'/></complexType>
+<complexType name='more' mixed='true'><complexContent><extension base='t:para'><attribute name='text'/></extension>
+</complexContent></complexType>)",
+     R"(
+class CPrice of price
+  0 Content m_content: value #text decimal mandatory
+  1 Value m_value: value @value? string preserve
+class CLow of low : CPrice
+class CPara of para mixed
+  0 B m_b: values b{0,} string preserve
+  1 Text m_text: value #text string preserve mandatory
+class CName of name mixed
+  0 Text m_text: value #text string preserve mandatory
+  1 X m_x: value @x? string preserve
+class CMore of more : CPara mixed
+  2 TextAttribute m_textAttribute: value @text? string preserve
+a.xsd:6:1: warning: the mixed content of "para" is read as one text; where it stands among the elements is not kept
+)"},
+    {"Nil",
+     R"(
+<complexType name='A'/><complexType name='B'><complexContent><extension base='t:A'/></complexContent></complexType>
+<complexType name='C'><sequence><element name='a' type='t:A' nillable='true'/>
+  <element name='b' type='int' nillable='true'/>
+  <element name='c' type='int' nillable='true' maxOccurs='2' default='3'/></sequence></complexType>)",
+     R"(
+class CA of A nillable element a
+class CB of B : CA nillable
+class CC of C
+  0 A m_a: object a CA mandatory
+  1 B m_b: nillable value b i4 mandatory
+  2 C m_c: nillable values c{1,2} i4
+a.xsd:5:3: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable or of a complex type
+)"},
+    {"AnythingAndWildcards",
+     R"(
+<complexType name='A'><sequence><element name='a'/><element name='b' type='anySimpleType' maxOccurs='2'/>
+  <any namespace='urn:x ##local ##targetNamespace'/><any maxOccurs='unbounded' minOccurs='0'/>
+</sequence><anyAttribute namespace='##other'/></complexType>
+<complexType name='B'><complexContent><extension base='t:A'><anyAttribute namespace='urn:t'/></extension>
+</complexContent></complexType>
+<complexType name='C'><complexContent><extension base='t:A'><anyAttribute namespace='urn:x'/></extension>
+</complexContent></complexType>
+<complexType name='D'><complexContent><extension base='anyType'><attribute name='d'/></extension></complexContent>
+</complexType>
+<element name='any'/>)",
+     R"(
+class CA of A
+  0 A m_a: anytype a mandatory
+  1 B m_b: anytypes b{1,2}
+  2 Any m_any: any mandatory allows "urn:x ##local urn:t"
+  3 Any2 m_any2: anys{0,} allows "##any"
+  4 AnyAttribute m_anyAttribute: anyattributes @{0,} allows "##other" not "urn:t"
+class CB of B : CA
+class CC of C : CA
+class CD of D mixed
+  0 Any m_any: anys{0,} allows "##any"
+  1 Text m_text: value #text string preserve mandatory
+  2 D m_d: value @d? string preserve
+  3 AnyAttribute m_anyAttribute: anyattributes @{0,} allows "##any"
+root Any any anytype
+a.xsd:5:61: warning: attributes of other namespaces than the wildcard of the base type "A" allows are refused
+a.xsd:9:1: warning: the mixed content of "D" is read as one text; where it stands among the elements is not kept
+)"},
+    {"SubstitutionGroups",
+     R"(
+<element name='head' type='t:A'/><element name='one' type='t:A' substitutionGroup='t:head' abstract='true'/>
+<element name='two' type='t:A' substitutionGroup='t:one'/>
+<complexType name='A'><sequence><element ref='t:head' minOccurs='0'/></sequence></complexType>)",
+     R"(
+class CA of A
+  0 Head m_head: object head? CA
+root Head head CA alias CHead
+root Two two CA alias CTwo
+a.xsd:4:33: warning: only the element "head" itself is read here, not "two" of its substitution group
+)"},
+    {"DefaultsAndFixedValues",
+     R"(
+<complexType name='A'><sequence><element name='a' type='int' default='1'/>
+  <element name='b' type='string' fixed='x' minOccurs='0'/><element name='c' type='int' default='1' maxOccurs='2'/>
+</sequence><attribute name='d' type='int' default='7'/><attribute name='e' fixed='y' use='required'/></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value a i4 mandatory default="1"
+  1 B m_b: value b? string preserve fixed="x"
+  2 C m_c: values c{1,2} i4
+  3 D m_d: value @d? i4 default="7"
+  4 E m_e: value @e string preserve mandatory fixed="y"
+a.xsd:3:60: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable or of a complex type
+)"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Plan, Classes, testing::ValuesIn(kCases), NameOfCase);
+
+/// Groups g0 to g\p count, of which each has the one before \p times.
+std::string GroupsInGroups(int count, int times, std::string const& begin, std::string const& end) {
+  std::string text = "<group name='g0'><sequence><element name='a' type='int'/></sequence></group>";
+  for (int i = 1; i <= count; ++i) {
+    text += "<group name='g" + std::to_string(i) + "'><sequence>" + begin;
+    for (int j = 0; j < times; ++j) text += "<group ref='t:g" + std::to_string(i - 1) + "'/>";
+    text += end + "</sequence></group>";
+  }
+  return text;
+}
+
+TEST(PlanLimits, EndInAnError) {
+  std::string types, begin, end;
+  for (char const name : {'A', 'B', 'C', 'D', 'E'}) {
+    types += std::string("<complexType name='") + name + "'><group ref='t:g15'/></complexType>";
+  }
+  for (int i = 0; i < 150; ++i) {
+    begin += "<choice>";
+    end += "</choice>";
+  }
+  std::string const deep = "<complexType name='A'><group ref='t:g20'/></complexType>";
+  for (std::string const& schema : {GroupsInGroups(15, 2, "", "") + types, GroupsInGroups(20, 1, begin, end) + deep}) {
+    SchemaFiles files;
+    Schema::SchemaSet const set = SchemaOf(schema, files);
+    Schema::Diagnostics diagnostics;
+    Plan::MakePlan(set, {}, diagnostics);
+    ASSERT_EQ(diagnostics.All().size(), 1U);
+    EXPECT_NE(diagnostics.All()[0].text.find("the content models are too large"), std::string::npos);
+  }
+}
+
+}  // namespace
+}  // namespace Quillon9Generator::Testing

@@ -1,0 +1,162 @@
+#include <clocale>
+
+#include "plan/patterns.h"
+#include "plan_text.h"
+#include "quillon9/values/pattern.h"
+
+namespace Quillon9Generator::Testing {
+namespace {
+
+class Values : public testing::TestWithParam<PlanCase> {};
+
+TEST_P(Values, AreHeldAsTheirKind) { EXPECT_EQ(PlanText(GetParam().schema), GetParam().plan); }
+
+constexpr PlanCase kCases[] = {
+    {"BuiltInTypes",
+     R"(
+<complexType name='A'><attribute name='a' type='unsignedShort'/><attribute name='b' type='positiveInteger'/>
+  <attribute name='c' type='decimal'/><attribute name='d' type='gYear'/><attribute name='e' type='NCName'/>
+  <attribute name='f' type='NMTOKENS'/><attribute name='g' type='QName'/><attribute name='h' type='normalizedString'/>
+  <attribute name='i' type='base64Binary'/><attribute name='j' type='float'/></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value @a? ui2
+  1 B m_b: value @b? integer minInclusive=1
+  2 C m_c: value @c? decimal
+  3 D m_d: value @d? year
+  4 E m_e: value @e? string
+  5 F m_f: value @f? string
+  6 G m_g: value @g? string
+  7 H m_h: value @h? string replace
+  8 I m_i: value @i? base64Binary
+  9 J m_j: value @j? r4
+)"},
+    {"Facets",
+     R"(
+<simpleType name='code'><restriction base='token'><pattern value='[A-Z]{2,2}'/><maxLength value='2'/></restriction>
+</simpleType>
+<simpleType name='list'><list itemType='t:code'/></simpleType>
+<complexType name='A'><attribute name='a' type='t:code'/>
+  <attribute name='b'><simpleType><restriction base='t:code'><pattern value='A.|B'/><pattern value='.Z'/></restriction>
+  </simpleType></attribute>
+  <attribute name='c'><simpleType><restriction base='byte'><minInclusive value='-5'/><totalDigits value='2'/>
+  </restriction></simpleType></attribute>
+  <attribute name='d'><simpleType><restriction base='decimal'><fractionDigits value='2'/><maxExclusive value='9.5'/>
+    <enumeration value='1'/></restriction></simpleType></attribute>
+  <attribute name='e'><simpleType><restriction base='t:list'><maxLength value='3'/></restriction></simpleType>
+  </attribute>
+  <attribute name='f'><simpleType><union memberTypes='int t:code'/></simpleType></attribute>
+  <attribute name='g'><simpleType><union memberTypes='int string'/></simpleType></attribute>
+  <attribute name='h'><simpleType><restriction base='date'><minInclusive value='2000-01-01'/></restriction>
+  </simpleType></attribute>
+  <attribute name='i'><simpleType><restriction base='hexBinary'><length value='4'/></restriction></simpleType>
+  </attribute></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value @a? string pattern=[A-Z]{2} maxLength=2
+  1 B m_b: value @b? string pattern=(?=(?:[A-Z]{2})\z)(?:A[^\n\r]|B|[^\n\r]Z)\z maxLength=2
+  2 C m_c: value @c? i1 totalDigits=2 minInclusive=-5
+  3 D m_d: value @d? decimal fractionDigits=2 maxExclusive=9.5
+  4 E m_e: value @e? string
+  5 F m_f: value @f? string
+  6 G m_g: value @g? string preserve
+  7 H m_h: value @h? date minInclusive=2000-01-01
+  8 I m_i: value @i? hexBinary length=4
+)"},
+    {"Enumerations",
+     R"(
+<simpleType name='colour'><restriction base='string'><enumeration value='red'/><enumeration value='blue'/></restriction>
+</simpleType>
+<simpleType name='same'><restriction base='t:colour'><maxLength value='4'/></restriction></simpleType>
+<simpleType name='part'><restriction base='t:colour'><enumeration value='red'/></restriction></simpleType>
+<simpleType name='address'><restriction base='anyURI'><enumeration value='urn:a'/></restriction></simpleType>
+<complexType name='A'><attribute name='a' type='t:same' default='red'/><attribute name='b' type='t:part'/>
+  <attribute name='c' type='t:address'/>
+  <attribute name='d'><simpleType><union memberTypes='t:colour t:part'/></simpleType></attribute></complexType>)",
+     R"(
+enum EColour of colour: Red="red" Blue="blue"
+enum EPart of part: Red="red"
+class CA of A
+  0 A m_a: value @a? EColour preserve default="red"
+  1 B m_b: value @b? EPart preserve
+  2 C m_c: value @c? string
+  3 D m_d: value @d? string preserve
+)"},
+    {"WrongPattern",
+     R"(
+<simpleType name='a'><restriction base='string'><pattern value='(a'/></restriction></simpleType>
+<complexType name='A'><attribute name='a' type='t:a'/></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value @a? string preserve
+a.xsd:2:1: warning: the pattern of "a" is not checked: it is no regular expression, or too large
+)"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Plan, Values, testing::ValuesIn(kCases), NameOfCase);
+
+// ---- Patterns, by what the library makes of them
+
+using Steps = std::vector<std::vector<std::string>>;
+
+TEST(Patterns, MatchAsInXmlSchema) {
+  std::setlocale(LC_ALL, "C.UTF-8");
+  struct {
+    Steps steps;
+    std::vector<char const*> matching;
+    std::vector<char const*> others;
+  } const cases[] = {
+      {{{"a|ab"}}, {"a", "ab"}, {"abb", ""}},
+      {{{"(ab)?(abc)?"}}, {"abc", "ab", "ababc", ""}, {"abca"}},
+      {{{"a", "b+"}}, {"a", "bb"}, {"ab"}},
+      {{{"[a-z]+"}, {".{3}", "x.*"}}, {"abc", "xy"}, {"ab", "AB1", "x1"}},
+      {{{""}}, {""}, {"a"}},
+      {{{"a{0}b{2,2}c{1,}"}}, {"bbc", "bbccc"}, {"abbc", "bb"}},
+      {{{"^a$|\\^\\.\\-"}}, {"^a$", "^.-"}, {"a"}},
+      {{{"\\d\\D"}}, {"1a", "\xD9\xA3-"}, {"11"}},
+      {{{"\\w\\W"}}, {"\xC3\xA4 ", "+!"}, {"!a", "_a"}},
+      {{{"\\s\\S"}},
+       {" a", "\t."},
+       {"  ",
+        "\xC2\xA0"
+        "a"}},
+      {{{"\\i\\c*"}}, {"a:b-1", "\xC3\xA4.\xD0\x96", "_"}, {"1a", "a b"}},
+      {{{"\\I\\C"}}, {"1 ", "-!"}, {"a ", "1a"}},
+      {{{"[\\i-[:]][\\c-[:]]*"}}, {"ab", "a-b"}, {"a:b", ":a", ""}},
+      {{{"[a-z-[aeiou-[e]]]+"}}, {"bed"}, {"bad"}},
+      {{{"[^a-c\\d]+"}}, {"xyz"}, {"xa", "x1"}},
+      {{{"[\\-+.\\[\\]^-]+"}}, {"-+.[]^"}, {",", "\\"}},
+      {{{"[a-]x"}}, {"ax", "-x"}, {"bx"}},
+      {{{"\\p{Lu}\\P{Lu}\\p{IsCyrillic}\\P{IsBasicLatin}"}}, {"A1\xD0\x96\xC3\xA4"}, {"A1ab", "aA\xD0\x96\xC3\xA4"}},
+      {{{"[\\p{IsGreek}\\P{L}]+"}},
+       {"\xCE\xB1"
+        "1"},
+       {"a"}},
+      {{{"a.b"}},
+       {"a.b",
+        "a\xE2\x82\xAC"
+        "b"},
+       {"a\nb"}},
+      {{{"\\\\i\\/"}}, {"\\i/"}, {"ai/"}},
+  };
+  for (auto const& each : cases) {
+    std::optional<std::string> const pattern = Plan::CombinePatterns(each.steps);
+    ASSERT_TRUE(pattern) << each.steps[0][0];
+    for (char const* text : each.matching) EXPECT_TRUE(Quillon9::TestRegEx(*pattern, text)) << *pattern << " " << text;
+    for (char const* text : each.others) EXPECT_FALSE(Quillon9::TestRegEx(*pattern, text)) << *pattern << " " << text;
+  }
+  std::setlocale(LC_ALL, "C");
+}
+
+TEST(Patterns, AreNoneWhereTheGrammarIsBroken) {
+  for (char const* pattern : {"(a", "a)", "[a", "[]", "*a", "a**", "a{2,1}", "a{99999}", "\\q", "\\p{IsNothing}",
+                              "\\p{L", "[z-a]", "a{", "\\", "[a-z-[b]"}) {
+    EXPECT_FALSE(Plan::CombinePatterns({{pattern}})) << pattern;
+  }
+  EXPECT_FALSE(Plan::CombinePatterns({{std::string(100'000, '(')}}));
+  EXPECT_EQ(Plan::CombinePatterns({}), "");
+  EXPECT_EQ(Plan::CombinePatterns({{"[A-Z]{3,3}-\\."}}), "[A-Z]{3}-\\.");  // the library knows such patterns by heart
+}
+
+}  // namespace
+}  // namespace Quillon9Generator::Testing
