@@ -96,4 +96,4 @@ clean:           ## remove build/
 	rm -rf build
 
 help:            ## print this text
-	@sed -n 's/^\([a-z -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)
+	@sed -n 's/^\([a-z0-9 -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)
