@@ -33,7 +33,6 @@ class CInstanceMonitor;
 class CLimits;
 class CNamespaceAliasMap;
 class CNode;
-class CPlainClasses;
 class CPrimitiveRestrictions;
 class CQnException;
 class CQnInvalidNamespaceException;

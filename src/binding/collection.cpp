@@ -7,6 +7,7 @@
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "binding/node_place.h"
+#include "binding/node_pool.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -217,7 +218,7 @@ void CXmlCollection::RemoveNode(CNode* node, int index) {
 }
 
 void CXmlCollection::AnnounceRemoval(CNode const* node) {
-  CNodePool::Pause const pause(m_nodes);
+  NodePool::Pause const pause(m_nodes);
   std::uint64_t const removals = m_removals;
   FireOnCollectionRemove(-1);
   if (m_removals != removals && !HoldsNode(node)) {  // a listener has already removed it
@@ -228,7 +229,7 @@ void CXmlCollection::AnnounceRemoval(CNode const* node) {
 // The add event has been fired, and next, the node to insert before (null for the end), was looked up after it, because
 // a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
-  auto* const node = new (m_nodes.Take()) CNode(item);
+  auto* const node = new (NodePool::Take(m_nodes)) CNode(item);
   if (next != nullptr) m_lastPlace.store(0, std::memory_order_relaxed);
   node->m_next = next;
   node->m_prev = next != nullptr ? next->m_prev : m_tail;
@@ -260,7 +261,7 @@ void CXmlCollection::Unlink(CNode* node, int index) {
     m_lastPlace.store(0, std::memory_order_relaxed);
   }
   node->~CNode();
-  m_nodes.Give(node);
+  NodePool::Give(m_nodes, node);
 }
 
 }  // namespace Quillon9

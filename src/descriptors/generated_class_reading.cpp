@@ -47,7 +47,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
   CTreeMemory* const memory = parent->Memory();
   if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
-  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
+  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainTypes() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again at the next child.

@@ -37,7 +37,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
-  INillable const* const nillable = AsNillable(&writer->m_plainClasses);
+  INillable const* const nillable = AsNillable(writer->m_plainClasses.get());
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
   } else {

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/address_sanitizer.h"
-#include "quillon9/base/plain_classes.h"
+#include "base/plain_classes.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 
@@ -69,7 +69,7 @@ class CTreeMemory {
   void FreeDetached(void* node) noexcept;
 
   /// The classes read from this tree that are not nillable.
-  CPlainClasses& PlainClasses() { return m_plainClasses; }
+  PlainClasses& PlainTypes() { return m_plainClasses; }
 
   /// Count \p bytes of what is made from the tree against the bounds on the document, while the document exists.
   /// \throws what CXmlDocument::CountContent() throws.
@@ -133,7 +133,7 @@ class CTreeMemory {
   CXmlDocument const* m_document;
   CXmlDocument* m_counting;
   CXmlName m_noName;
-  CPlainClasses m_plainClasses;
+  PlainClasses m_plainClasses;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

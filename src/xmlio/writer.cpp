@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "base/nesting_failure.h"
+#include "base/plain_classes.h"
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
@@ -217,7 +218,9 @@ std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string co
   return ScopeToChange().BindToGenerated(uri);
 }
 
-CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }
+CXmlWriter::CXmlWriter(char const* /*className*/) : m_plainClasses(std::make_unique<PlainClasses>()) {
+  CXmlWriter::AddNamespace("xml", XML_NAMESPACE);
+}
 
 CXmlWriter::~CXmlWriter() {
   delete m_context;

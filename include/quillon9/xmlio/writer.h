@@ -5,13 +5,13 @@
 #include <memory>
 #include <string>
 
-#include "quillon9/base/plain_classes.h"
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
 
 namespace Quillon9 {
 
 class CNamespaceScope;
+class PlainClasses;
 
 /// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
 /// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes (Namespaces
@@ -114,7 +114,7 @@ class QUILLON9_API CXmlWriter {
 
   CXmlWriterContext* m_spare = nullptr;  ///< contexts for reuse, linked as parents
   std::string m_namespaceText;           ///< the last one that was passed on, kept for its memory
-  CPlainClasses m_plainClasses;
+  std::unique_ptr<PlainClasses> m_plainClasses;
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
