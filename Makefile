@@ -30,7 +30,7 @@ hardened: deps   ## run the tests in a hardened build, on a stack of 1 MiB
 	cmake --build --preset hardened
 	ulimit -s 1024 && ctest --preset hardened
 
-pcre8: deps-all  ## run the tests with the first generation of PCRE
+pcre8: deps-all  ## run the tests with PCRE 8 in place of PCRE2
 	cmake --preset pcre8
 	cmake --build --preset pcre8
 	ctest --preset pcre8
@@ -59,13 +59,13 @@ install: deps    ## install under PREFIX (default /usr/local)
 	cmake --build --preset release --target quillon9 quillon9_program
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
 
-docs: deps-all    ## build the site of the documentation, build/docs/html
+docs: deps-all    ## build the documentation site in build/docs/html
 	scripts/check-docs
 
 package-test: all   ## build and run a program outside the tree against the installed package
 	scripts/package-test build/release
 
-bare-test: ## build and test in a bare Debian chroot for each of SUITES; takes root and most of an hour
+bare-test: ## build and test in a bare Debian chroot for each of SUITES; needs root and takes most of an hour
 	scripts/install-deps --bare
 	for suite in $(SUITES); do scripts/bare-machine-test $$suite || exit 1; done
 
