@@ -2,17 +2,15 @@
 
 #include <atomic>
 #include <cstring>
-#include <typeinfo>
 
 #include "base/text_copy.h"
 #include "descriptors/known_element.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/fastinfoset/writer.h"
 #include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/text_writer.h"
+#include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
 
 namespace Quillon9Data {
@@ -96,12 +94,6 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
 
 namespace {
 
-// Returns the writer if its class is exactly this one, so that no operation is overridden; otherwise null.
-template <class Writer>
-Writer* AsPlain(CXmlWriter* writer) {
-  return &typeid(*writer) == &typeid(Writer) ? static_cast<Writer*>(writer) : nullptr;
-}
-
 // If the value cannot be printed, it fails after the start of its element.
 std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                         char const* format) {
@@ -113,17 +105,6 @@ std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string
   }
 }
 
-// Passes the text of `value` and its type to `write`.
-template <class Write>
-void WriteAtOnce(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
-                 char const* format, Write write) {
-  char room[kGeneralRoom];
-  std::string_view const text = TextAtHand(value, format, room);
-  ItemType const type = value.GetItemType();
-  if (text.data() != nullptr) return write(text, type);
-  write(PrintOrFail(writer, name, ns, value, format), type);
-}
-
 }  // namespace
 
 bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
@@ -132,18 +113,13 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
   CheckRestriction(value);
-  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
-      textWriter->WriteTextElement(m_elementName, m_namespace, text, type);
-    });
-  } else if (auto* const infosetWriter = AsPlain<CFastInfosetWriter>(writer)) {
-    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
-      infosetWriter->WriteTextElement(m_elementName, m_namespace, text, type, m_number);
-    });
+  char room[kGeneralRoom];
+  std::string_view const text = TextAtHand(value, m_format, room);
+  if (text.data() != nullptr) {
+    writer->WriteTextElement(m_elementName, m_namespace, text, value.GetItemType(), m_number);
   } else {
-    writer->WriteStartElement(m_elementName, m_namespace);
-    writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
-    writer->WriteEndElement();
+    std::string const printed = PrintOrFail(*writer, m_elementName, m_namespace, value, m_format);
+    writer->WriteTextElement(m_elementName, m_namespace, printed, value.GetItemType(), m_number);
   }
   return true;
 }
@@ -163,13 +139,7 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   if (text == nullptr) {
     throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
   }
-  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    textWriter->WriteTextElement(m_elementName, m_namespace, text, ItemType_string);
-    return true;
-  }
-  writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(text, ItemType_string);
-  writer->WriteEndElement();
+  writer->WriteTextElement(m_elementName, m_namespace, text, ItemType_string, m_number);
   return true;
 }
 

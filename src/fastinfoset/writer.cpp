@@ -1,6 +1,7 @@
 #include "quillon9/fastinfoset/writer.h"
 
 #include <iterator>
+#include <typeinfo>
 #include <utility>
 
 #include "base/byte_blocks.h"
@@ -207,13 +208,13 @@ void CFastInfosetWriter::WriteEndElement() {
 // An element that gets neither attributes nor children needs a context only if it fails and has to stay open.
 void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                           std::string_view value, ItemType type, std::uint64_t member) {
+  auto const inSteps = [&] { CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member); };
+  if (&typeid(*this) != &typeid(CFastInfosetWriter)) return inSteps();  // it may override one of the steps
   WriteElement(false);
-  if (m_context == nullptr) return WriteTextInSteps(localName, namespaceUri, value, type);
+  if (m_context == nullptr) return inSteps();
   std::string const* prefix = nullptr;
   unsigned long index = member != 0 ? m_knownNames->Find(member, m_context->GetScopeState()) : 0;
-  if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
-    return WriteTextInSteps(localName, namespaceUri, value, type);
-  }
+  if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;
   CloseTag();
@@ -252,13 +253,6 @@ void CFastInfosetWriter::LeaveOpen(std::string const& localName, std::string con
   CXmlWriterContext* const context = NewContext(localName, namespaceUri);
   context->m_tagOpen = !hasName;
   (hasName ? m_context : m_pendingElement) = context;
-}
-
-void CFastInfosetWriter::WriteTextInSteps(std::string const& localName, std::string const& namespaceUri,
-                                          std::string_view value, ItemType type) {
-  CFastInfosetWriter::WriteStartElement(localName, namespaceUri);
-  CFastInfosetWriter::WriteString(std::string(value), type);
-  CFastInfosetWriter::WriteEndElement();
 }
 
 // Return the index of a child of the open element; 0 if its name is to be written in full.

@@ -252,10 +252,12 @@ void CXmlTextWriter::AppendText(std::string_view text) {
 // An element that gets neither attributes nor children needs no context unless it can fail half-way, and a single check
 // of the remaining room covers all of it. This saves much of the work of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
-                                      std::string_view value, ItemType) {
+                                      std::string_view value, ItemType type, std::uint64_t member) {
+  bool const isPlain = &typeid(*this) == &typeid(CXmlTextWriter) && !m_streamFlushes;  // overrides nothing
   std::string const* prefix = nullptr;
-  bool const isKnown = m_context != nullptr && FindPrefixOfChild(*m_context, namespaceUri, prefix);
-  if (!isKnown || m_streamFlushes) return WriteTextInSteps(localName, namespaceUri, value);
+  if (!isPlain || m_context == nullptr || !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
+    return CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member);
+  }
   CloseParentElm();
   RequireRoomForChild();
   std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
@@ -297,13 +299,6 @@ char* CXmlTextWriter::PutEndTag(char* to, std::string_view name) const {
   to = CopyOver(to, name);
   *to++ = '>';
   return PutLineEnd(to);
-}
-
-void CXmlTextWriter::WriteTextInSteps(std::string const& localName, std::string const& namespaceUri,
-                                      std::string_view value) {
-  CXmlTextWriter::WriteStartElement(localName, namespaceUri);
-  CXmlTextWriter::WriteString(std::string(value), ItemType_string);
-  CXmlTextWriter::WriteEndElement();
 }
 
 void CXmlTextWriter::WriteEndElement() {

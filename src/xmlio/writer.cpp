@@ -249,6 +249,13 @@ void CXmlWriter::AddNamespace(std::string const& alias, std::string const& uri) 
   }
 }
 
+void CXmlWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                                  ItemType type, std::uint64_t /*member*/) {
+  WriteStartElement(localName, namespaceUri);
+  WriteString(std::string(value), type);
+  WriteEndElement();
+}
+
 std::string CXmlWriter::GetUniquePrefix(std::map<std::string, std::string> const& map) {
   // Far fewer than half of the numbers are reserved, so one of these is free.
   std::vector<bool> taken(map.size() * 2 + 1);

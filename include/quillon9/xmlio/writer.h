@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
@@ -70,6 +71,16 @@ class QUILLON9_API CXmlWriter {
   /// Write xsi:nil="true".
   /// \throws CQnException as WriteAttributeString().
   virtual void WriteAttributeNil() = 0;
+  /// Write an element that contains only text. The base class calls WriteStartElement(), WriteString() and
+  /// WriteEndElement(); a concrete writer may have a faster way to the same output. The writers of the library use
+  /// theirs only for objects of exactly their own class, so a derived class sees its overrides of the three operations
+  /// called.
+  /// \param value a NUL byte must follow it.
+  /// \param member 0, or the process-wide number of a class member, under which a writer may remember the name; one
+  ///        number must always come with the same two names.
+  /// \throws CQnException as these three operations do.
+  virtual void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                                ItemType type, std::uint64_t member = 0);
 
   /// Return the first generated prefix that does not occur as a value in \p map (namespace URI to prefix), compared
   /// exactly. Prefixes that begin with "xml" in any case are reserved and skipped. Linear in the map's size.
