@@ -176,7 +176,7 @@ void TableCheck::CheckRecord(CParentElementInfo const& info) {
     Find(FormatString("unknown number %d", static_cast<int>(info.m_groupType)));
   }
   m_where = FormatString("type name [%s]", info.m_typeName.c_str());
-  if (info.m_typeAttributeWanted) CheckName(info.m_typeName, info.m_typeNamespace);  // otherwise nobody asks for it
+  if (info.m_typeAttributeWanted) CheckName(info.m_typeName, info.m_typeNamespace);  // otherwise it is not used
 }
 
 template <class Entry>

@@ -795,7 +795,7 @@ class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
   ~CElementInfoAllPrimCol() override;
 };
 
-/// A collection of enumerators, in an all group. Unlike its sisters, it does not derive from a `Col` class.
+/// A collection of enumerators, in an all group. Unlike the other collections, it does not derive from a `Col` class.
 class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
  public:
   /// The name, the namespace and the index of the property, as for CElementInfo.
