@@ -80,11 +80,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void AppendEndTag();
   void AppendLineEnd();
   void AppendText(std::string_view text);
-  char* PutEndTag(char* to, std::string_view name) const;
-  char* PutLineEnd(char* to) const;
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
-  void Commit(char const* start, char const* end);
   void AppendDocumentDeclarations();
   void FlushIfFull();
 
