@@ -75,7 +75,6 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "quillon9/xmlio/element_ranges.h"
-#include "quillon9/xmlio/node_text.h"
 #include "quillon9/xmlio/output_options.h"
 #include "quillon9/xmlio/schema_type.h"
 #include "quillon9/xmlio/streams.h"

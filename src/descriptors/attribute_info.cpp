@@ -8,6 +8,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9Data {
 
@@ -88,7 +89,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, 
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  value.FromText(attribute->GetValueView(), m_itemType, m_whitespaceRule);
+  value.FromText(XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   return true;
 }

@@ -12,6 +12,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9Data {
 
@@ -68,7 +69,7 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
   if (element == nullptr) return false;
   if (IsKnown(element)) return true;  // documents repeat themselves
-  CXmlName const& name = element->GetNames();
+  TreeName const& name = XmlNodeAccess::NameOf(*element);
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
   if (name.memory != nullptr) name.member = m_number;  // the name of a standalone element may change
@@ -206,7 +207,7 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
   QnVariant value;
-  value.FromText((*cursor)->GetTextView(), m_itemType, m_whitespaceRule);
+  value.FromText(XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

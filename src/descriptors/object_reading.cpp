@@ -6,6 +6,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -31,7 +32,7 @@ void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext cons
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
   CXmlDocument document(ctx);
-  document.LoadLentXml(text);
+  XmlNodeAccess::LoadLent(document, text);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
@@ -43,7 +44,7 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
   CXmlDocument document(ctx);
-  document.LoadLentXmlStream(data, length);
+  XmlNodeAccess::LoadLent(document, data, length);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 

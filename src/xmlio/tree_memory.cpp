@@ -4,6 +4,7 @@
 #include <new>
 
 #include "base/per_thread.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -64,7 +65,7 @@ void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   if (m_detached == 0) {
     delete this;
   } else if (root != nullptr) {
-    root->Dispose();  // what it has outside this memory need not wait
+    XmlNodeAccess::Dispose(root);  // what it has outside this memory need not wait
   }
 }
 
@@ -73,14 +74,13 @@ void CTreeMemory::FreeDetached(void* node) noexcept {
   if (--m_detached == 0 && m_isAbandoned) delete this;
 }
 
-CXmlName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
+TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   auto const found = m_names.find({namespaceUri, localName});
   if (found != m_names.end()) return found->second.get();
   std::size_t const size = namespaceUri.size() + localName.size();
   CountContent(kNameCharge + 2 * size);
-  std::unique_ptr<CXmlName> name(
-      new CXmlName{std::string(namespaceUri), std::string(localName), this, nullptr, 0, ChargeOfNode(size)});
-  CXmlName const* const result = name.get();
+  auto name = std::make_unique<TreeName>(namespaceUri, localName, this, ChargeOfNode(size));
+  TreeName const* const result = name.get();
   m_names.emplace(std::make_pair(std::string_view(result->namespaceUri), std::string_view(result->localName)),
                   std::move(name));
   return result;
