@@ -15,7 +15,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/descriptors/generic_content.h"
-#include "quillon9/xmlio/writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -37,7 +37,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
-  INillable const* const nillable = AsNillable(writer->m_plainClasses.get());
+  INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
   } else {
@@ -63,11 +63,11 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
-  std::string text = std::move(writer->m_namespaceText);  // reuses its memory
+  std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
-  writer->m_namespaceText = std::move(text);
+  XmlWriterAccess::NamespaceText(*writer) = std::move(text);
   // Does not create the collection if there is none: writing changes no context, because threads may share it.
   CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
   if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);

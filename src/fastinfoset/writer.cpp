@@ -17,6 +17,7 @@
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -153,15 +154,14 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
 // An element with the name of its last neighbour at this depth has the same number, which saves a lookup.
 void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
-  if (pending.m_numberedState != 0 && pending.m_numberedState == pending.GetScopeState()) {
-    return m_output->Integer1To2pw20Bit3(leading, pending.m_nameNumber);
+  if (unsigned long const number = XmlWriterAccess::NameNumber(pending)) {
+    return m_output->Integer1To2pw20Bit3(leading, number);
   }
   std::string const& uri = pending.m_namespace;
   std::string const& prefix = pending.NeedsNoPrefix() ? NoPrefix() : PrefixOf(pending, uri);
   unsigned long const index = m_vocabulary.GetElementNameIndex().FindName(prefix, uri, pending.m_elementName);
   ElementName(leading, index, &prefix, uri, pending.m_elementName);
-  pending.m_nameNumber = index;
-  pending.m_numberedState = index != 0 ? pending.GetScopeState() : 0;
+  XmlWriterAccess::SetNameNumber(pending, index);
 }
 
 void CFastInfosetWriter::WriteNamespaceAttributes() {
@@ -213,12 +213,12 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   WriteElement(false);
   if (m_context == nullptr) return inSteps();
   std::string const* prefix = nullptr;
-  unsigned long index = member != 0 ? m_knownNames->Find(member, m_context->GetScopeState()) : 0;
+  unsigned long index = member != 0 ? m_knownNames->Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
   if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;
   CloseTag();
-  RequireRoomForChild();
+  XmlWriterAccess::RequireRoomForChild(*m_context);
   bool hasName = false;
   try {
     if (index == 0) index = FindNameOfChild(prefix, localName, namespaceUri, member);
@@ -260,7 +260,7 @@ unsigned long CFastInfosetWriter::FindNameOfChild(std::string const* prefix, std
                                                   std::string const& namespaceUri, std::uint64_t member) {
   CFIIndexMap& map = m_vocabulary.GetElementNameIndex();
   unsigned long const index = map.FindName(prefix != nullptr ? *prefix : NoPrefix(), namespaceUri, localName);
-  if (index != 0 && member != 0) m_knownNames->Add(member, m_context->GetScopeState(), index);
+  if (index != 0 && member != 0) m_knownNames->Add(member, XmlWriterAccess::ScopeState(*m_context), index);
   return index;
 }
 

@@ -12,6 +12,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/streams.h"
 #include "xmlio/child_prefix.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -268,7 +269,7 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
     return CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member);
   }
   CloseParentElm();
-  RequireRoomForChild();
+  XmlWriterAccess::RequireRoomForChild(*m_context);
   std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
   std::string_view const lineEnd = m_format ? std::string_view(m_lineEnd) : std::string_view();
   std::size_t const endTag = RoomFor("</>", prefix, localName) + lineEnd.size() + CTextCursor::kOverrun;
