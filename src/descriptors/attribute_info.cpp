@@ -8,6 +8,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/variant_access.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9Data {
@@ -40,7 +41,7 @@ std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object) { r
 
 void CAttributeInfo::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                                CXmlSerializationContext const& ctx) {
-  object->ToXml_Int(writer, isRoot, ns, ctx, false);
+  CXmlObjectBase::ToXml_Int(object, writer, isRoot, ns, ctx, false);
 }
 
 void CAttributeInfo::TestNamespace(std::string const& ns, std::string const& list, std::string const& target) {
@@ -89,7 +90,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, 
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  value.FromText(XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
+  VariantAccess::FromText(value, XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   return true;
 }

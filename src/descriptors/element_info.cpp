@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/text_copy.h"
+#include "binding/object_access.h"
 #include "descriptors/known_element.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
@@ -12,6 +13,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/variant_access.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9Data {
@@ -178,7 +180,7 @@ void CElementInfo::ReadProperty(CXmlGeneratedClass const* holder, QnVariant& val
 
 CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                                        CXmlSerializationContext const& ctx, bool inChoice) const {
-  return object->FromXml_Int(parent, cursor, ctx, inChoice);
+  return ObjectAccess::FromXml(*object, parent, cursor, ctx, inChoice);
 }
 
 void CElementInfo::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
@@ -207,7 +209,7 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
   QnVariant value;
-  value.FromText(XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
+  VariantAccess::FromText(value, XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

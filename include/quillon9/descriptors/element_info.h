@@ -51,9 +51,6 @@ using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
 ///@}
 
-struct ChildTypes;  // for internal use
-class TableCheck;   // for internal use
-
 /// Base of all element descriptors: what a descriptor stores, and the steps that the derived classes share.
 class QUILLON9_API CElementInfo {
  public:
@@ -92,8 +89,6 @@ class QUILLON9_API CElementInfo {
   /// Whether ElementFromXml() uses the namespace of the holder, which is otherwise not requested from the holder. True
   /// here; of the classes below, true for those of untyped content.
   virtual bool ReadsHolderNamespace() const { return true; }
-  /// The number of this member, which no other member ever has; readers use it to recognise members.
-  std::uint64_t GetNumber() const { return m_number; }
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
@@ -222,9 +217,9 @@ class QUILLON9_API CElementInfo {
   bool m_primitive;  ///< set by the constructor for primitive members
 
  private:
-  friend class TableCheck;
+  friend struct DescriptorAccess;
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for other members, and for rare facets
-  std::uint64_t const m_number;
+  std::uint64_t const m_number;  // which no other member ever has; readers use it to recognise members
 };
 
 // ---- The three groups
@@ -263,9 +258,9 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
       const override;                                                                                          \
   bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,    \
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
-#define QN_TYPED_OVERRIDES \
-  friend class TableCheck; \
-  QN_ELEMENT_OVERRIDES     \
+#define QN_TYPED_OVERRIDES        \
+  friend struct DescriptorAccess; \
+  QN_ELEMENT_OVERRIDES            \
   bool ReadsHolderNamespace() const override { return false; }
 #define QN_UNTYPED_OVERRIDES \
   QN_ELEMENT_OVERRIDES       \
@@ -438,7 +433,6 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   bool TakeElementChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement** cursor,
                         XmlElementType holderType);
   bool TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
@@ -462,7 +456,6 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -485,7 +478,6 @@ class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   [[maybe_unused]] ClassFactory m_classFactory;
   [[maybe_unused]] int m_classId;
@@ -504,7 +496,6 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -523,7 +514,6 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
