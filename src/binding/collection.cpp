@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "binding/node_place.h"
@@ -191,6 +192,7 @@ CNode* CXmlCollection::GetNodeAtIndex(int index) const {
     at = last.Index();
   }
   node = Walk(node, index - at);
+  kNodePlace.Verify([&] { return m_count > kMostVerified || node == Walk(m_head, index); });
   int const step = NodePlace::Step(index);
   if (last.Node() == nullptr || step != last.Index()) {
     m_lastPlace.store(NodePlace(Walk(node, step - index), step).Word(), std::memory_order_relaxed);

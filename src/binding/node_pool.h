@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "base/fast_paths.h"
 #include "quillon9/binding/collection.h"
 
 namespace Quillon9 {
@@ -58,8 +59,8 @@ class NodePool {
   static void EndPause(NodePool*& pool) noexcept;
   static void Delete(NodePool*& pool) noexcept;
 
-  static constexpr std::size_t kFirstNodes = 2;
-  static constexpr std::size_t kMostNodes = 128;
+  static constexpr std::size_t kFirstNodes = kNodePool.IsOn() ? 2 : 1;
+  static constexpr std::size_t kMostNodes = kNodePool.IsOn() ? 128 : 1;
 
   Block* m_newest = &m_first;
   Free* m_free = nullptr;

@@ -79,9 +79,9 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   if (m_optional && !value.IsValid()) return;
   PrintedText const text(value, m_format);  // also reports a required value that is not set
   if (IsSuppressedDefault(ctx, text.Get())) return;
-  if (m_filter == nullptr || !m_filter->Passes(value)) {
+  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
     CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
-  }
+  });
   writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 

@@ -70,18 +70,19 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
   if (element == nullptr) return false;
-  if (IsKnown(element)) return true;  // documents repeat themselves
+  if (IsKnown(element)) return true;
   TreeName const& name = XmlNodeAccess::NameOf(*element);
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
-  if (name.memory != nullptr) name.member = m_number;  // the name of a standalone element may change
+  RememberMember(name, m_number);
   return true;
 }
 
 void CElementInfo::CheckRestriction(QnVariant const& value) const {
-  if (m_filter != nullptr && m_filter->Passes(value)) return;
-  if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
-  CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
+  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
+    if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
+    CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
+  });
 }
 
 std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace) {

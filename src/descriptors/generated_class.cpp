@@ -2,6 +2,7 @@
 
 #include <typeinfo>
 
+#include "base/fast_paths.h"
 #include "base/plain_classes.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/descriptors/attribute_info.h"
@@ -39,7 +40,10 @@ void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
 
 INillable const* CXmlGeneratedClass::AsNillable(PlainClasses* plainClasses) const {
   std::type_info const& type = typeid(*this);
-  if (plainClasses != nullptr && plainClasses->Has(type)) return nullptr;
+  if (kPlainClasses.IsOn() && plainClasses != nullptr && plainClasses->Has(type)) {
+    kPlainClasses.Verify([this] { return dynamic_cast<INillable const*>(this) == nullptr; });
+    return nullptr;
+  }
   auto const* const nillable = dynamic_cast<INillable const*>(this);
   if (nillable == nullptr && plainClasses != nullptr) plainClasses->Add(type);
   return nillable;

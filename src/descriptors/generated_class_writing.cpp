@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
@@ -65,6 +66,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (isRoot) WriteRootPrologue(writer, ctx);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
+  if (!kNamespaceText.IsOn()) text = std::string();
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
   XmlWriterAccess::NamespaceText(*writer) = std::move(text);

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "base/byte_blocks.h"
+#include "base/fast_paths.h"
 #include "base/seeded_hash.h"
 #include "base/text_copy.h"
 
@@ -12,7 +13,7 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
-constexpr std::size_t kRecentNames = 256;  // two for each result of QuickHash()
+constexpr std::size_t kRecentPlaces = 256;  // two for each result of QuickHash()
 constexpr char kKeySeparator = '\x01';
 
 using SeededHash::kShort;
@@ -85,11 +86,17 @@ void CFIIndexMap::MakeQNameKey(std::string_view prefix, std::string_view namespa
 // Look among recent names first, without building the key or hashing the namespace.
 unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view namespaceUri,
                                     std::string_view localName) {
-  if (m_recent.empty()) m_recent.resize(kRecentNames);
+  if (m_recent.empty()) m_recent.resize(kRecentPlaces);
   // Each hash has two places, so that two names do not evict each other in turn.
   std::uint32_t* const recent = &m_recent[QuickHash(localName) * 2];
   for (std::uint32_t const index : {recent[0], recent[1]}) {
-    if (index != 0 && IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) return index;
+    if (!kRecentNames.IsOn() || index == 0) continue;
+    if (!IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) continue;
+    kRecentNames.Verify([&] {
+      MakeQNameKey(prefix, namespaceUri, localName, m_key);
+      return index == Find(m_key);
+    });
+    return index;
   }
   MakeQNameKey(prefix, namespaceUri, localName, m_key);
   unsigned long const index = Find(m_key);

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/byte_blocks.h"
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
@@ -154,7 +155,9 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
 // An element with the name of its last neighbour at this depth has the same number, which saves a lookup.
 void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
-  if (unsigned long const number = XmlWriterAccess::NameNumber(pending)) {
+  unsigned long const number = kRememberedNumber.IsOn() ? XmlWriterAccess::NameNumber(pending) : 0;
+  if (number != 0) {
+    kRememberedNumber.Verify([&] { return number == IndexOf(pending, pending.m_namespace, pending.m_elementName); });
     return m_output->Integer1To2pw20Bit3(leading, number);
   }
   std::string const& uri = pending.m_namespace;
@@ -162,6 +165,17 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   unsigned long const index = m_vocabulary.GetElementNameIndex().FindName(prefix, uri, pending.m_elementName);
   ElementName(leading, index, &prefix, uri, pending.m_elementName);
   XmlWriterAccess::SetNameNumber(pending, index);
+}
+
+// The slow answer of both memories of names: the index of the name in the scope of `context`, 0 if it has none.
+unsigned long CFastInfosetWriter::IndexOf(CXmlWriterContext const& context, std::string const& uri,
+                                          std::string const& localName) {
+  bool const hasPrefix = !uri.empty() && uri != context.GetDefaultNamespace();
+  std::string const* const prefix = hasPrefix ? context.FindPrefix(uri) : &NoPrefix();
+  if (prefix == nullptr) return 0;
+  std::string key;
+  CFIIndexMap::MakeQNameKey(*prefix, uri, localName, key);
+  return m_vocabulary.GetElementNameIndex().Find(key);
 }
 
 void CFastInfosetWriter::WriteNamespaceAttributes() {
@@ -209,12 +223,16 @@ void CFastInfosetWriter::WriteEndElement() {
 void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                           std::string_view value, ItemType type, std::uint64_t member) {
   auto const inSteps = [&] { CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member); };
-  if (&typeid(*this) != &typeid(CFastInfosetWriter)) return inSteps();  // it may override one of the steps
+  bool const isPlain = &typeid(*this) == &typeid(CFastInfosetWriter);  // overrides none of the steps
+  if (!kElementAtOnce.IsOn() || !isPlain) return inSteps();
   WriteElement(false);
   if (m_context == nullptr) return inSteps();
   std::string const* prefix = nullptr;
   unsigned long index = member != 0 ? m_knownNames->Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
   if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
+  if (index != 0) {
+    kKnownNames.Verify([&] { return index == IndexOf(*m_context, namespaceUri, localName); });
+  }
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;
   CloseTag();

@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "base/seeded_hash.h"
 #include "quillon9/xmlio/document.h"
 
@@ -22,7 +23,8 @@ class CNameCache {
     // Documents are repetitive: most names follow one that they followed before.
     if (m_last != nullptr) {
       for (Entry* const likely : m_last->followers) {
-        if (likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
+        if (!kFollowers.IsOn() || likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
+        kFollowers.Verify([&] { return m_entries.at(whole).get() == likely; });
         m_last = likely;
         return likely->name;
       }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "base/text_cursor.h"
@@ -265,7 +266,8 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
                                       std::string_view value, ItemType type, std::uint64_t member) {
   bool const isPlain = &typeid(*this) == &typeid(CXmlTextWriter) && !m_streamFlushes;  // overrides nothing
   std::string const* prefix = nullptr;
-  if (!isPlain || m_context == nullptr || !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
+  if (!kElementAtOnce.IsOn() || !isPlain || m_context == nullptr ||
+      !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
     return CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member);
   }
   CloseParentElm();

@@ -3,6 +3,7 @@
 #include <array>
 #include <new>
 
+#include "base/fast_paths.h"
 #include "base/per_thread.h"
 #include "xmlio/node_access.h"
 
@@ -24,7 +25,7 @@ class BlockCache {
     return std::move(cache->m_blocks[--cache->m_count]);
   }
   static void Give(Block block) noexcept {
-    BlockCache* const cache = PerThread<BlockCache>::Find();
+    BlockCache* const cache = kBlockCache.IsOn() ? PerThread<BlockCache>::Find() : nullptr;
     if (cache == nullptr || cache->m_count == kMost) return;
     cache->m_blocks[cache->m_count++] = std::move(block);
   }

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/fast_paths.h"
 #include "base/nesting_failure.h"
 #include "base/plain_classes.h"
 #include "base/text_copy.h"
@@ -178,10 +179,14 @@ CNamespaceScope& XmlWriterAccess::ScopeToChange(Context& context) {
   return *context.m_scope;
 }
 
-// Cached from the start of the element for its end, and for the next element that reuses this context.
+// Remembered from the start of the element for its end, and for the next element that reuses this context. Where the
+// answers are verified, the state is stored inverted, so that NeedsNoPrefix() calls this function each time.
 void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
-  m_needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
-  m_comparedState = m_scopeOwner->m_scopeState;
+  bool const needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
+  std::uint64_t const state = m_scopeOwner->m_scopeState;
+  kRememberedComparison.Verify([&] { return m_comparedState != ~state || m_needsNoPrefix == needsNoPrefix; });
+  m_needsNoPrefix = needsNoPrefix;
+  if constexpr (kRememberedComparison.IsOn()) m_comparedState = kChecksCaches ? ~state : state;
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const {
@@ -303,7 +308,7 @@ XmlWriterAccess::Context* XmlWriterAccess::NewChild(CXmlWriter& writer, std::str
 
 // An element that bound nothing leaves its context to the next one, which saves much of the time of writing.
 void XmlWriterAccess::Release(CXmlWriter& writer, Context* context) {
-  if (context->m_followed != nullptr && context->m_firstFollower == nullptr) {
+  if (kSpareContexts.IsOn() && context->m_followed != nullptr && context->m_firstFollower == nullptr) {
     StopFollowing(*context);
     context->m_parent = std::exchange(writer.m_spare, context);
     return;
