@@ -5,7 +5,7 @@ DESTDIR ?=
 FUZZ_SECONDS ?= 60
 SUITES ?= bookworm trixie
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales coverage fuzz bench docs install package-test bare-test packages \
+.PHONY: all run test debug asan tsan hardened pcre8 locales coverage fuzz bench ablation docs install package-test bare-test packages \
   format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
@@ -53,6 +53,9 @@ fuzz: deps-all   ## run each fuzz target for FUZZ_SECONDS
 bench: deps      ## build and run the benchmarks
 	cmake --preset release -DQUILLON9_BUILD_BENCHMARKS=ON
 	cmake --build --preset release --target bench
+
+ablation: deps-all   ## measure what each mechanism that remembers something gains; takes a quarter of an hour
+	scripts/ablation
 
 install: deps    ## install under PREFIX (default /usr/local)
 	cmake --preset release
