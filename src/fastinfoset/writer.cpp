@@ -57,6 +57,17 @@ bool IsEncoded(CFastInfosetContext const& options, CFastInfosetContext::EncodedC
   }
 }
 
+// The slow answer of both memories of names: the index of the name in the scope of `context`, 0 if it has none.
+unsigned long IndexOf(CFIIndexMap const& names, CXmlWriter::CXmlWriterContext const& context, std::string const& uri,
+                      std::string const& localName) {
+  bool const hasPrefix = !uri.empty() && uri != context.GetDefaultNamespace();
+  std::string const* const prefix = hasPrefix ? context.FindPrefix(uri) : &NoPrefix();
+  if (prefix == nullptr) return 0;
+  std::string key;
+  CFIIndexMap::MakeQNameKey(*prefix, uri, localName, key);
+  return names.Find(key);
+}
+
 }  // namespace
 
 CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const& options, CBinaryStream& stream)
@@ -157,7 +168,9 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
   unsigned long const number = kRememberedNumber.IsOn() ? XmlWriterAccess::NameNumber(pending) : 0;
   if (number != 0) {
-    kRememberedNumber.Verify([&] { return number == IndexOf(pending, pending.m_namespace, pending.m_elementName); });
+    kRememberedNumber.Verify([&] {
+      return number == IndexOf(m_vocabulary.GetElementNameIndex(), pending, pending.m_namespace, pending.m_elementName);
+    });
     return m_output->Integer1To2pw20Bit3(leading, number);
   }
   std::string const& uri = pending.m_namespace;
@@ -165,17 +178,6 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   unsigned long const index = m_vocabulary.GetElementNameIndex().FindName(prefix, uri, pending.m_elementName);
   ElementName(leading, index, &prefix, uri, pending.m_elementName);
   XmlWriterAccess::SetNameNumber(pending, index);
-}
-
-// The slow answer of both memories of names: the index of the name in the scope of `context`, 0 if it has none.
-unsigned long CFastInfosetWriter::IndexOf(CXmlWriterContext const& context, std::string const& uri,
-                                          std::string const& localName) {
-  bool const hasPrefix = !uri.empty() && uri != context.GetDefaultNamespace();
-  std::string const* const prefix = hasPrefix ? context.FindPrefix(uri) : &NoPrefix();
-  if (prefix == nullptr) return 0;
-  std::string key;
-  CFIIndexMap::MakeQNameKey(*prefix, uri, localName, key);
-  return m_vocabulary.GetElementNameIndex().Find(key);
 }
 
 void CFastInfosetWriter::WriteNamespaceAttributes() {
@@ -231,7 +233,8 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   unsigned long index = member != 0 ? m_knownNames->Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
   if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
   if (index != 0) {
-    kKnownNames.Verify([&] { return index == IndexOf(*m_context, namespaceUri, localName); });
+    kKnownNames.Verify(
+        [&] { return index == IndexOf(m_vocabulary.GetElementNameIndex(), *m_context, namespaceUri, localName); });
   }
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;

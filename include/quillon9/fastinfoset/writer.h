@@ -94,7 +94,6 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   bool IsPlain(ItemType type) const;
   void LeaveOpen(std::string const& localName, std::string const& namespaceUri, bool hasName);
   void NameOfPending(std::uint32_t leading);
-  unsigned long IndexOf(CXmlWriterContext const& context, std::string const& uri, std::string const& localName);
   void WriteNamespaceAttributes();
   static std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
   void CloseTag();
