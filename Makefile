@@ -7,8 +7,8 @@ SUITES ?= bookworm trixie
 SCHEMAS ?= ../shared/schemas
 SETS ?=
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales schemas coverage fuzz bench docs install package-test bare-test \
-  packages format format-check tidy deps deps-all deps-packages clean help
+.PHONY: all run test debug asan tsan hardened pcre8 locales schemas coverage fuzz bench ablation docs install \
+  package-test bare-test packages format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
 	cmake --preset release
@@ -32,7 +32,7 @@ hardened: deps   ## run the tests in a hardened build, on a stack of 1 MiB
 	cmake --build --preset hardened
 	ulimit -s 1024 && ctest --preset hardened
 
-pcre8: deps-all  ## run the tests with the first generation of PCRE
+pcre8: deps-all  ## run the tests with PCRE 8 in place of PCRE2
 	cmake --preset pcre8
 	cmake --build --preset pcre8
 	ctest --preset pcre8
@@ -61,18 +61,21 @@ bench: deps      ## build and run the benchmarks
 	cmake --preset release -DQUILLON9_BUILD_BENCHMARKS=ON
 	cmake --build --preset release --target bench
 
+ablation: deps-all   ## measure what each mechanism that remembers something gains; takes a quarter of an hour
+	scripts/ablation
+
 install: deps    ## install under PREFIX (default /usr/local)
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
 
-docs: deps-all    ## build the site of the documentation, build/docs/html
+docs: deps-all    ## build the documentation site in build/docs/html
 	scripts/check-docs
 
 package-test: all   ## build and run a program outside the tree against the installed package
 	scripts/package-test build/release
 
-bare-test: ## build and test in a bare Debian chroot for each of SUITES; takes root and most of an hour
+bare-test: ## build and test in a bare Debian chroot for each of SUITES; needs root and takes most of an hour
 	scripts/install-deps --bare
 	for suite in $(SUITES); do scripts/bare-machine-test $$suite || exit 1; done
 
@@ -103,4 +106,4 @@ clean:           ## remove build/
 	rm -rf build
 
 help:            ## print this text
-	@sed -n 's/^\([a-z -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)
+	@sed -n 's/^\([a-z0-9 -]*\):[^#]*## /make \1: /p' $(MAKEFILE_LIST)

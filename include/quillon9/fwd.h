@@ -39,7 +39,6 @@ class CLimits;
 class CNamespaceAliasMap;
 class CNode;
 class CObjectCollection;
-class CPlainClasses;
 class CPropertyRef;
 class CPrimitiveRestrictions;
 class CQnException;

@@ -78,23 +78,6 @@ template <class Stops>
   }
 }
 
-/// Copy \p text up to its first zero byte to \p to, which has room for all of it. Returns the end of the copy.
-inline char* CopyName(char* to, std::string_view text) {
-  std::size_t at = CopyBlocks(to, text, HasZero());
-  for (; at < text.size() && text[at] != '\0'; ++at) to[at] = text[at];
-  return to + at;
-}
-
-/// Copy \p text in whole blocks of kCopyBlock bytes, so up to that many bytes after both ends may be read and written.
-/// Returns the end of the copy.
-constexpr std::size_t kCopyBlock = sizeof(std::uint64_t);
-inline char* CopyOver(char* to, std::string_view text) {
-  for (std::size_t at = 0; at < text.size(); at += kCopyBlock) {
-    StoreBlock(to + at, ByteBlocks::Load<std::uint64_t>(text.data() + at));
-  }
-  return to + text.size();
-}
-
 /// Whether the two texts are equal.
 inline bool IsSameText(std::string_view left, std::string_view right) {
   constexpr std::size_t kBlock = sizeof(std::uint64_t);

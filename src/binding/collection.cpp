@@ -4,9 +4,11 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "binding/node_place.h"
+#include "binding/node_pool.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -190,6 +192,7 @@ CNode* CXmlCollection::GetNodeAtIndex(int index) const {
     at = last.Index();
   }
   node = Walk(node, index - at);
+  kNodePlace.Verify([&] { return m_count > kMostVerified || node == Walk(m_head, index); });
   int const step = NodePlace::Step(index);
   if (last.Node() == nullptr || step != last.Index()) {
     m_lastPlace.store(NodePlace(Walk(node, step - index), step).Word(), std::memory_order_relaxed);
@@ -217,7 +220,7 @@ void CXmlCollection::RemoveNode(CNode* node, int index) {
 }
 
 void CXmlCollection::AnnounceRemoval(CNode const* node) {
-  CNodePool::Pause const pause(m_nodes);
+  NodePool::Pause const pause(m_nodes);
   std::uint64_t const removals = m_removals;
   FireOnCollectionRemove(-1);
   if (m_removals != removals && !HoldsNode(node)) {  // a listener has already removed it
@@ -228,7 +231,7 @@ void CXmlCollection::AnnounceRemoval(CNode const* node) {
 // The add event has been fired, and next, the node to insert before (null for the end), was looked up after it, because
 // a listener may have changed the list.
 void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
-  auto* const node = new (m_nodes.Take()) CNode(item);
+  auto* const node = new (NodePool::Take(m_nodes)) CNode(item);
   if (next != nullptr) m_lastPlace.store(0, std::memory_order_relaxed);
   node->m_next = next;
   node->m_prev = next != nullptr ? next->m_prev : m_tail;
@@ -260,7 +263,7 @@ void CXmlCollection::Unlink(CNode* node, int index) {
     m_lastPlace.store(0, std::memory_order_relaxed);
   }
   node->~CNode();
-  m_nodes.Give(node);
+  NodePool::Give(m_nodes, node);
 }
 
 }  // namespace Quillon9

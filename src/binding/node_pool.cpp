@@ -1,38 +1,23 @@
-#include "quillon9/binding/node_pool.h"
+#include "binding/node_pool.h"
 
 #include <algorithm>
 #include <new>
 #include <utility>
 
 #include "base/address_sanitizer.h"
-#include "quillon9/binding/collection.h"
 
 namespace Quillon9 {
 
-namespace {
-
-constexpr std::size_t kFirstNodes = 2;
-constexpr std::size_t kMostNodes = 128;
-
-}  // namespace
-
-/// The nodes follow this header.
-struct CNodePool::Block {
-  Block* older;
-  std::size_t nodes;  ///< capacity
-  std::size_t taken;  ///< number of nodes ever taken from this block
-
-  void* At(std::size_t index) { return reinterpret_cast<unsigned char*>(this + 1) + index * sizeof(CNode); }
-};
-
-struct CNodePool::Free {
-  Free* next;
-};
-
-void* CNodePool::Take() {
+void* NodePool::Take(NodePool*& pool) {
   static_assert(alignof(CNode) <= alignof(Block) && sizeof(CNode) >= sizeof(Free), "does not fit");
-  if (m_free == nullptr && (m_newest == nullptr || m_newest->taken == m_newest->nodes)) {
-    std::size_t const nodes = m_newest == nullptr ? kFirstNodes : std::min(2 * m_newest->nodes, kMostNodes);
+  static_assert(sizeof(NodePool) % alignof(Block) == 0, "the nodes of the first block do not follow it");
+  if (pool == nullptr) pool = new (::operator new(sizeof(NodePool) + kFirstNodes * sizeof(CNode))) NodePool;
+  return pool->TakeOne();
+}
+
+void* NodePool::TakeOne() {
+  if (m_free == nullptr && m_newest->taken == m_newest->nodes) {
+    std::size_t const nodes = std::min(2 * m_newest->nodes, kMostNodes);
     m_newest = new (::operator new(sizeof(Block) + nodes * sizeof(CNode))) Block{m_newest, nodes, 0};
   }
   ++m_count;
@@ -41,34 +26,35 @@ void* CNodePool::Take() {
   return std::exchange(m_free, m_free->next);
 }
 
-void CNodePool::Give(void* storage) noexcept {
-  Free*& list = m_pauses == 0 ? m_free : m_held;
+void NodePool::Give(NodePool*& pool, void* storage) noexcept {
+  Free*& list = pool->m_pauses == 0 ? pool->m_free : pool->m_held;
   list = new (storage) Free{list};
   ASAN_POISON_MEMORY_REGION(storage, sizeof(CNode));
-  if (--m_count == 0 && m_pauses == 0) Clear();
+  if (--pool->m_count == 0 && pool->m_pauses == 0) Delete(pool);
 }
 
-void CNodePool::EndPause() noexcept {
-  if (--m_pauses != 0) return;
-  while (m_held != nullptr) {
-    Free* const storage = m_held;
+void NodePool::EndPause(NodePool*& pool) noexcept {
+  if (--pool->m_pauses != 0) return;
+  while (pool->m_held != nullptr) {
+    Free* const storage = pool->m_held;
     ASAN_UNPOISON_MEMORY_REGION(storage, sizeof(CNode));
-    m_held = storage->next;
-    storage->next = m_free;
-    m_free = storage;
+    pool->m_held = storage->next;
+    storage->next = pool->m_free;
+    pool->m_free = storage;
     ASAN_POISON_MEMORY_REGION(storage, sizeof(CNode));
   }
-  if (m_count == 0) Clear();
+  if (pool->m_count == 0) Delete(pool);
 }
 
-void CNodePool::Clear() noexcept {
-  m_free = nullptr;
-  while (m_newest != nullptr) {
-    Block* const block = m_newest;
-    m_newest = block->older;
+void NodePool::Delete(NodePool*& pool) noexcept {
+  NodePool* const old = std::exchange(pool, nullptr);
+  for (Block* block = old->m_newest; block != nullptr;) {
+    Block* const older = block->older;
     ASAN_UNPOISON_MEMORY_REGION(block->At(0), block->nodes * sizeof(CNode));
-    ::operator delete(block);
+    if (older != nullptr) ::operator delete(block);  // the first one is part of the pool
+    block = older;
   }
+  ::operator delete(old);
 }
 
 }  // namespace Quillon9

@@ -9,6 +9,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -42,7 +43,7 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
                                              bool) {
   std::string const ns = GetNamespace();
   while (cursor != nullptr && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
-    std::string_view const text = cursor->GetTextView();
+    std::string_view const text = XmlNodeAccess::TextOf(*cursor);
     ObjectContent::Count(*cursor, ObjectContent::kValue + text.size());
     AddFromString(std::string(text));
     cursor = cursor->GetNextSiblingElement();

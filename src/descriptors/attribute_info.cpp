@@ -8,6 +8,8 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/variant_access.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9Data {
 
@@ -39,7 +41,7 @@ std::string CAttributeInfo::GetTargetNamespace(CXmlObjectBase const* object) { r
 
 void CAttributeInfo::ToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer, bool isRoot, char const* ns,
                                CXmlSerializationContext const& ctx) {
-  object->ToXml_Int(writer, isRoot, ns, ctx, false);
+  CXmlObjectBase::ToXml_Int(object, writer, isRoot, ns, ctx, false);
 }
 
 void CAttributeInfo::TestNamespace(std::string const& ns, std::string const& list, std::string const& target) {
@@ -77,9 +79,9 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   if (m_optional && !value.IsValid()) return;
   PrintedText const text(value, m_format);  // also reports a required value that is not set
   if (IsSuppressedDefault(ctx, text.Get())) return;
-  if (m_filter == nullptr || !m_filter->Passes(value)) {
+  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
     CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
-  }
+  });
   writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 
@@ -88,7 +90,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, 
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  value.FromText(attribute->GetValueView(), m_itemType, m_whitespaceRule);
+  VariantAccess::FromText(value, XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   return true;
 }

@@ -2,18 +2,19 @@
 
 #include <atomic>
 #include <cstring>
-#include <typeinfo>
 
 #include "base/text_copy.h"
+#include "binding/object_access.h"
 #include "descriptors/known_element.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
-#include "quillon9/fastinfoset/writer.h"
 #include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
-#include "quillon9/xmlio/text_writer.h"
+#include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/variant_access.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9Data {
 
@@ -69,18 +70,19 @@ bool CElementInfoChoice::Validate(CXmlSerializationContext const&, CXmlGenerated
 
 bool CElementInfo::IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
   if (element == nullptr) return false;
-  if (IsKnown(element)) return true;  // documents repeat themselves
-  CXmlName const& name = element->GetNames();
+  if (IsKnown(element)) return true;
+  TreeName const& name = XmlNodeAccess::NameOf(*element);
   if (!IsSameText(name.localName, m_elementName)) return false;
   if (!IsSameText(name.namespaceUri, m_namespace)) return ctx.GetIgnoreNamespaces();
-  if (name.memory != nullptr) name.member = m_number;  // the name of a standalone element may change
+  RememberMember(name, m_number);
   return true;
 }
 
 void CElementInfo::CheckRestriction(QnVariant const& value) const {
-  if (m_filter != nullptr && m_filter->Passes(value)) return;
-  if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
-  CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
+  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
+    if (!m_primitive) throw CQnException("Cannot CheckRestriction for type: " + value.GetType());
+    CXmlObjectHelper::CheckRestriction(m_elementName.c_str(), value, m_itemType, m_restrictions);
+  });
 }
 
 std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char const* ns, char const* targetNamespace) {
@@ -96,12 +98,6 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
 
 namespace {
 
-// Returns the writer if its class is exactly this one, so that no operation is overridden; otherwise null.
-template <class Writer>
-Writer* AsPlain(CXmlWriter* writer) {
-  return &typeid(*writer) == &typeid(Writer) ? static_cast<Writer*>(writer) : nullptr;
-}
-
 // If the value cannot be printed, it fails after the start of its element.
 std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                         char const* format) {
@@ -113,17 +109,6 @@ std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string
   }
 }
 
-// Passes the text of `value` and its type to `write`.
-template <class Write>
-void WriteAtOnce(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
-                 char const* format, Write write) {
-  char room[kGeneralRoom];
-  std::string_view const text = TextAtHand(value, format, room);
-  ItemType const type = value.GetItemType();
-  if (text.data() != nullptr) return write(text, type);
-  write(PrintOrFail(writer, name, ns, value, format), type);
-}
-
 }  // namespace
 
 bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGeneratedClass const* holder,
@@ -132,18 +117,13 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
   CheckRestriction(value);
-  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
-      textWriter->WriteTextElement(m_elementName, m_namespace, text, type);
-    });
-  } else if (auto* const infosetWriter = AsPlain<CFastInfosetWriter>(writer)) {
-    WriteAtOnce(*writer, m_elementName, m_namespace, value, m_format, [&](std::string_view text, ItemType type) {
-      infosetWriter->WriteTextElement(m_elementName, m_namespace, text, type, m_number);
-    });
+  char room[kGeneralRoom];
+  std::string_view const text = TextAtHand(value, m_format, room);
+  if (text.data() != nullptr) {
+    writer->WriteTextElement(m_elementName, m_namespace, text, value.GetItemType(), m_number);
   } else {
-    writer->WriteStartElement(m_elementName, m_namespace);
-    writer->WriteString(PrintedText(value, m_format).Get(), value.GetItemType());
-    writer->WriteEndElement();
+    std::string const printed = PrintOrFail(*writer, m_elementName, m_namespace, value, m_format);
+    writer->WriteTextElement(m_elementName, m_namespace, printed, value.GetItemType(), m_number);
   }
   return true;
 }
@@ -168,12 +148,7 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
 }
 
 void CElementInfo::WriteText(CXmlWriter* writer, std::string_view text, ItemType type) const {
-  if (auto* const textWriter = AsPlain<CXmlTextWriter>(writer)) {
-    return textWriter->WriteTextElement(m_elementName, m_namespace, text, type);
-  }
-  writer->WriteStartElement(m_elementName, m_namespace);
-  writer->WriteString(std::string(text), type);
-  writer->WriteEndElement();
+  writer->WriteTextElement(m_elementName, m_namespace, text, type, m_number);
 }
 
 bool CElementInfo::ElementToXmlEnumOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -210,7 +185,7 @@ void CElementInfo::ReadProperty(CXmlGeneratedClass const* holder, QnVariant& val
 
 CXmlElement* CElementInfo::FromXml_Int(CXmlObjectBase* object, CXmlElement* parent, CXmlElement* cursor,
                                        CXmlSerializationContext const& ctx, bool inChoice) const {
-  return object->FromXml_Int(parent, cursor, ctx, inChoice);
+  return ObjectAccess::FromXml(*object, parent, cursor, ctx, inChoice);
 }
 
 void CElementInfo::AttributesToXml_Int(CXmlObjectBase const* object, CXmlWriter* writer,
@@ -239,7 +214,7 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
   QnVariant value;
-  value.FromText((*cursor)->GetTextView(), m_itemType, m_whitespaceRule);
+  VariantAccess::FromText(value, XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <numeric>
 
+#include "base/fast_paths.h"
 #include "descriptors/member_kind.h"
 
 namespace Quillon9 {
@@ -14,6 +15,11 @@ namespace {
 
 // Most members find their element within a few children, so the index of all children is not needed.
 constexpr int kNear = 8;
+
+CXmlElement* Search(CElementInfo const& member, CXmlSerializationContext const& ctx, CXmlElement* cursor) {
+  while (cursor != nullptr && !member.IsThisElement(ctx, cursor)) cursor = cursor->GetNextSiblingElement();
+  return cursor;
+}
 
 }  // namespace
 
@@ -62,12 +68,14 @@ CXmlElement* FailedScans::Find(CElementInfo const& member, CXmlSerializationCont
   if (m_children.empty()) NumberChildren();
   std::size_t const start = PlaceOf(cursor);
   if (start == m_children.size()) {  // a collection of the program moved the cursor out of the children
-    while (cursor != nullptr && !member.IsThisElement(ctx, cursor)) cursor = cursor->GetNextSiblingElement();
-    return cursor;
+    return Search(member, ctx, cursor);
   }
   std::vector<std::uint32_t> const& places = PlacesOf(member, ctx);
   auto const place = std::lower_bound(places.begin(), places.end(), start);
-  return place != places.end() ? m_children[*place] : nullptr;
+  CXmlElement* const found = place != places.end() ? m_children[*place] : nullptr;
+  kFailedScans.Verify(
+      [&] { return m_children.size() > std::size_t{kMostVerified} || found == Search(member, ctx, cursor); });
+  return found;
 }
 
 CXmlElement* FailedScans::Pass(CXmlSerializationContext const& ctx, CXmlElement* cursor) {

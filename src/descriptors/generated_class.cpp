@@ -2,7 +2,8 @@
 
 #include <typeinfo>
 
-#include "quillon9/base/plain_classes.h"
+#include "base/fast_paths.h"
+#include "base/plain_classes.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -37,9 +38,12 @@ void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
   const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);
 }
 
-INillable const* CXmlGeneratedClass::AsNillable(CPlainClasses* plainClasses) const {
+INillable const* CXmlGeneratedClass::AsNillable(PlainClasses* plainClasses) const {
   std::type_info const& type = typeid(*this);
-  if (plainClasses != nullptr && plainClasses->Has(type)) return nullptr;
+  if (kPlainClasses.IsOn() && plainClasses != nullptr && plainClasses->Has(type)) {
+    kPlainClasses.Verify([this] { return dynamic_cast<INillable const*>(this) == nullptr; });
+    return nullptr;
+  }
   auto const* const nillable = dynamic_cast<INillable const*>(this);
   if (nillable == nullptr && plainClasses != nullptr) plainClasses->Add(type);
   return nillable;

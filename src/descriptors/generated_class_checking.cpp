@@ -14,6 +14,7 @@
 #include <typeindex>
 #include <typeinfo>
 
+#include "descriptors/descriptor_access.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -27,6 +28,8 @@ namespace Quillon9Data {
 using namespace Quillon9;
 
 namespace {
+
+using Access = DescriptorAccess;
 
 constexpr int kMaxEntries = 65'536;
 constexpr auto kUnknownGroup = static_cast<XmlElementGroupType>(-1);
@@ -176,7 +179,7 @@ void TableCheck::CheckRecord(CParentElementInfo const& info) {
     Find(FormatString("unknown number %d", static_cast<int>(info.m_groupType)));
   }
   m_where = FormatString("type name [%s]", info.m_typeName.c_str());
-  if (info.m_typeAttributeWanted) CheckName(info.m_typeName, info.m_typeNamespace);  // otherwise nobody asks for it
+  if (info.m_typeAttributeWanted) CheckName(info.m_typeName, info.m_typeNamespace);  // otherwise it is not used
 }
 
 template <class Entry>
@@ -193,12 +196,12 @@ void TableCheck::CheckElements(XmlElementGroupType group, CElementInfo* const* t
   int const count = Count("elements", table);
   for (int i = 0; i < count; ++i) {
     CElementInfo const& entry = *table[i];
-    m_where = FormatString("elements[%d] [%s]", i, entry.m_elementName.c_str());
+    m_where = FormatString("elements[%d] [%s]", i, Access::Name(entry).c_str());
     CheckGroup(group, entry);
     bool const isMandatory = CheckMandatory(entry, i == count - 1);
     // What a class of the program does with its index is not known.
     if (!isMandatory && !CheckOptional(entry)) continue;
-    CheckIndex(entry.m_propertyIndex, group == XmlElementGroupType_Choice, !isMandatory);
+    CheckIndex(Access::PropertyIndex(entry), group == XmlElementGroupType_Choice, !isMandatory);
   }
 }
 
@@ -206,10 +209,10 @@ void TableCheck::CheckAttributes(CAttributeInfo* const* table) {
   int const count = Count("attributes", table);
   for (int i = 0; i < count; ++i) {
     CAttributeInfo const& entry = *table[i];
-    m_where = FormatString("attributes[%d] [%s]", i, entry.m_attributeName.c_str());
+    m_where = FormatString("attributes[%d] [%s]", i, Access::Name(entry).c_str());
     bool const isWildcard = CheckWildcard(entry, i == count - 1);
     if (!isWildcard && !CheckNamedAttribute(entry)) continue;
-    CheckIndex(entry.m_propertyIndex, false, entry.m_optional && !isWildcard);
+    CheckIndex(Access::PropertyIndex(entry), false, Access::IsOptional(entry) && !isWildcard);
   }
 }
 
@@ -225,48 +228,48 @@ void TableCheck::CheckGroup(XmlElementGroupType group, CElementInfo const& entry
 
 template <class Member>
 void TableCheck::CheckValue(Member const& member) {
-  CheckName(member.m_elementName, member.m_namespace);
-  CheckKind(member.m_itemType, member.m_whitespaceRule);
+  CheckName(Access::Name(member), Access::Namespace(member));
+  CheckKind(Access::ItemTypeOf(member), Access::WhitespaceRuleOf(member));
 }
 
 template <class Member>
 void TableCheck::CheckEnumerator(Member const& member) {
-  CheckName(member.m_elementName, member.m_namespace);
-  CheckFunction(member.m_toText != nullptr && member.m_fromText != nullptr, "text function");
+  CheckName(Access::Name(member), Access::Namespace(member));
+  CheckFunction(Access::ToText(member) != nullptr && Access::FromText(member) != nullptr, "text function");
 }
 
 template <class Member>
 void TableCheck::CheckObject(Member const& member) {
   // The name of a group appears in failures only.
-  if (member.m_childType == XmlElementType_Element) CheckName(member.m_elementName, member.m_namespace);
+  if (Access::ChildType(member) == XmlElementType_Element) CheckName(Access::Name(member), Access::Namespace(member));
 }
 
 template <class Member>
 void TableCheck::CheckMadeObject(Member const& member) {
   CheckObject(member);
-  CheckFunction(member.m_classFactory != nullptr, "class factory");
+  CheckFunction(Access::ClassFactoryOf(member) != nullptr, "class factory");
 }
 
 template <class Member>
 void TableCheck::CheckAbstractObject(Member const& member) {
-  CheckName(member.m_elementName, member.m_namespace);
-  CheckFunction(member.m_elementFactory != nullptr, "element factory");
+  CheckName(Access::Name(member), Access::Namespace(member));
+  CheckFunction(Access::ElementFactoryOf(member) != nullptr, "element factory");
 }
 
 void TableCheck::CheckCollection(CElementInfo const& member) {
   QnVariant value;
-  if (!Read(member.m_propertyIndex, value) || HeldAs<CXmlCollectionBase>(value) != nullptr) return;
-  Find(FormatString("the property %d gives no collection", member.m_propertyIndex));
+  if (!Read(Access::PropertyIndex(member), value) || HeldAs<CXmlCollectionBase>(value) != nullptr) return;
+  Find(FormatString("the property %d gives no collection", Access::PropertyIndex(member)));
 }
 
 void TableCheck::CheckUntypedCollection(CElementInfo const& member, bool isLast) {
-  CheckName(member.m_elementName, member.m_namespace);
+  CheckName(Access::Name(member), Access::Namespace(member));
   QnVariant value;
-  if (!Read(member.m_propertyIndex, value)) return;
+  if (!Read(Access::PropertyIndex(member), value)) return;
   auto const* const elements = HeldAs<CElementCol>(value);
-  bool const takesAll = member.m_elementName == "AnyElement";
+  bool const takesAll = Access::Name(member) == "AnyElement";
   if (takesAll ? HeldAs<CXmlCollectionBase>(value) == nullptr : elements == nullptr) {
-    Find(FormatString("the property %d gives no CElementCol", member.m_propertyIndex));
+    Find(FormatString("the property %d gives no CElementCol", Access::PropertyIndex(member)));
   }
   // A class derived from CElementCol may leave something to the next entry.
   if (takesAll && !isLast && elements != nullptr && typeid(*elements) == typeid(CElementCol)) {
@@ -279,7 +282,7 @@ bool TableCheck::CheckMandatory(CElementInfo const& entry, bool isLast) {
   auto const enumerator = [this](auto const& member) { CheckEnumerator(member); };
   auto const object = [this](auto const& member) { CheckObject(member); };
   auto const abstractObject = [this](auto const& member) { CheckAbstractObject(member); };
-  auto const untyped = [this](auto const& member) { CheckName(member.m_elementName, member.m_namespace); };
+  auto const untyped = [this](auto const& member) { CheckName(Access::Name(member), Access::Namespace(member)); };
   auto const collection = [this](auto const& member) { CheckCollection(member); };
   auto const untypedCollection = [&](auto const& member) { CheckUntypedCollection(member, isLast); };
   auto const nothing = [](auto const&) {};  // this class is never read, so it uses neither name nor factory
@@ -301,7 +304,7 @@ bool TableCheck::CheckOptional(CElementInfo const& entry) {
   auto const enumerator = [this](auto const& member) { CheckEnumerator(member); };
   auto const object = [this](auto const& member) { CheckMadeObject(member); };
   auto const abstractObject = [this](auto const& member) { CheckAbstractObject(member); };
-  auto const untyped = [this](auto const& member) { CheckName(member.m_elementName, member.m_namespace); };
+  auto const untyped = [this](auto const& member) { CheckName(Access::Name(member), Access::Namespace(member)); };
   auto const nothing = [](auto const&) {};  // as above
   return LookAt(Types<CElementInfoSeqPrimOpt, CElementInfoAllPrimOpt, CElementInfoChoicePrimOpt>(), entry, value) ||
          LookAt(Types<CElementInfoSeqEnumOpt, CElementInfoAllEnumOpt, CElementInfoChoiceEnumOpt>(), entry,
@@ -314,12 +317,12 @@ bool TableCheck::CheckOptional(CElementInfo const& entry) {
 
 bool TableCheck::CheckNamedAttribute(CAttributeInfo const& entry) {
   auto const value = [this](CAttributeInfoPrimitive const& attribute) {
-    CheckName(attribute.m_attributeName, attribute.m_namespace);
-    CheckKind(attribute.m_itemType, attribute.m_whitespaceRule);
+    CheckName(Access::Name(attribute), Access::Namespace(attribute));
+    CheckKind(Access::ItemTypeOf(attribute), Access::WhitespaceRuleOf(attribute));
   };
   auto const enumerator = [this](CAttributeInfoEnum const& attribute) {
-    CheckName(attribute.m_attributeName, attribute.m_namespace);
-    CheckFunction(attribute.m_toText != nullptr && attribute.m_fromText != nullptr, "text function");
+    CheckName(Access::Name(attribute), Access::Namespace(attribute));
+    CheckFunction(Access::ToText(attribute) != nullptr && Access::FromText(attribute) != nullptr, "text function");
   };
   return LookAt(Types<CAttributeInfoPrimitive>(), entry, value) ||
          LookAt(Types<CAttributeInfoEnum>(), entry, enumerator);
@@ -329,8 +332,8 @@ bool TableCheck::CheckWildcard(CAttributeInfo const& entry, bool isLast) {
   if (typeid(entry) != typeid(CAttributeInfoAny)) return false;
   if (!isLast) Find("a wildcard takes all attributes, so it must be the last entry");
   QnVariant held;
-  if (Read(entry.m_propertyIndex, held) && HeldAs<CAttributeCol>(held) == nullptr) {
-    Find(FormatString("the property %d gives no CAttributeCol", entry.m_propertyIndex));
+  if (Read(Access::PropertyIndex(entry), held) && HeldAs<CAttributeCol>(held) == nullptr) {
+    Find(FormatString("the property %d gives no CAttributeCol", Access::PropertyIndex(entry)));
   }
   return true;
 }

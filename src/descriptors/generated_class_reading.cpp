@@ -18,6 +18,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 #include "xmlio/tree_memory.h"
 
@@ -45,9 +46,9 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
     SetElementName(parent->GetLocalName().c_str());
   }
   ProcessAttributesFromXml(ctx, parent, info.m_rejectUnknownAttributes);
-  CTreeMemory* const memory = parent->Memory();
+  CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*parent);
   if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
-  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainClasses() : nullptr);
+  INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainTypes() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again at the next child.

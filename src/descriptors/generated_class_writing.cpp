@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
@@ -15,7 +16,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/descriptors/generic_content.h"
-#include "quillon9/xmlio/writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -37,7 +38,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
-  INillable const* const nillable = AsNillable(&writer->m_plainClasses);
+  INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
   } else {
@@ -63,11 +64,12 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, ctx);
-  std::string text = std::move(writer->m_namespaceText);  // reuses its memory
+  std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
+  if (!kNamespaceText.IsOn()) text = std::string();
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
-  writer->m_namespaceText = std::move(text);
+  XmlWriterAccess::NamespaceText(*writer) = std::move(text);
   // Does not create the collection if there is none: writing changes no context, because threads may share it.
   CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
   if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);

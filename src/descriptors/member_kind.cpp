@@ -2,6 +2,9 @@
 
 #include <typeindex>
 #include <unordered_map>
+#include <utility>
+
+#include "descriptors/descriptor_access.h"
 
 namespace Quillon9Data {
 
@@ -20,8 +23,13 @@ std::pair<std::type_index const, Rule> Value(Kind kind) {
 }
 
 template <class Member>
+XmlElementType ChildTypeOf(CElementInfo const& member) {
+  return DescriptorAccess::ChildType(static_cast<Member const&>(member));
+}
+
+template <class Member>
 std::pair<std::type_index const, Rule> Object(Kind kind) {
-  return {typeid(Member), Rule{kind, ChildTypes::Of<Member>}};
+  return {typeid(Member), Rule{kind, ChildTypeOf<Member>}};
 }
 
 }  // namespace

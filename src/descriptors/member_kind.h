@@ -9,12 +9,4 @@ namespace Quillon9Data {
 /// anything.
 Quillon9::FailedScans::Kind KindOf(CElementInfo const& member);
 
-/// Reads the child type of the members that hold an object.
-struct ChildTypes {
-  template <class Member>
-  static XmlElementType Of(CElementInfo const& member) {
-    return static_cast<Member const&>(member).m_childType;
-  }
-};
-
 }  // namespace Quillon9Data

@@ -7,6 +7,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -34,7 +35,7 @@ void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext cons
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
-  document.LoadLentXml(text);
+  XmlNodeAccess::LoadLent(document, text);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 
@@ -48,7 +49,7 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CXmlDocument document(ctx);
-  document.LoadLentXmlStream(data, length);
+  XmlNodeAccess::LoadLent(document, data, length);
   ReadFrom(document.GetDocumentElement(), *this, ctx);
 }
 

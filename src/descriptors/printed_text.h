@@ -31,8 +31,8 @@ class PrintedText {
 
 /// The text of a value of the most common kinds, without creating a string: either printed into \p room, or the string
 /// that the value holds. It is followed by a zero. Returns a string_view without data for all other values.
-inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
-                                   char (&room)[Quillon9::kGeneralRoom]) {
+[[gnu::always_inline]] inline std::string_view TextAtHand(Quillon9::QnVariant const& value, char const* format,
+                                                          char (&room)[Quillon9::kGeneralRoom]) {
   using namespace Quillon9;
   auto const printed = [&](char* end) {
     *end = '\0';

@@ -26,7 +26,8 @@ class ReadingAllowance {
     m_spent += steps;
     if (m_spent > m_limit) Extend();
   }
-  /// Whether so many steps are spent that readers should save work wherever this changes only the number of calls.
+  /// Whether so many steps have been spent that readers should save work wherever this changes only the number of
+  /// calls.
   bool IsShort() const { return m_spent > m_patience || t_isHasty; }
   /// Record that \p count different members have been tried for the children of one element.
   void NoteMembers(std::size_t count) {
@@ -36,8 +37,8 @@ class ReadingAllowance {
   /// The size of \p element in steps, without the elements below its children.
   static std::size_t SizeOf(CXmlElement const& element);
 
-  /// For tests: all steps of this thread so far; the steps that any read may take before it is short; how often a read
-  /// may pass its tree for each member; whether every read is short from the beginning.
+  /// For tests: all steps of this thread so far; the steps that any read may take before IsShort() can be true; how
+  /// often a read may pass its tree for each member; whether IsShort() is always true.
   ///@{
   inline static thread_local std::uint64_t t_steps = 0;
   inline static thread_local std::size_t t_base = 1000000;

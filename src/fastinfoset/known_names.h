@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/fast_paths.h"
 namespace Quillon9 {
 
 /// The indices of the names that a writer recently wrote for the members of classes. Objects are repetitive, so most
@@ -11,8 +12,9 @@ namespace Quillon9 {
 class CKnownNames {
  public:
   /// Return the index of the name that \p member, which is not 0, has in the scope with the state \p scope (see
-  /// CXmlWriterContext::GetScopeState()), or 0 if it is not known.
+  /// XmlWriterAccess::ScopeState()), or 0 if it is not known.
   unsigned long Find(std::uint64_t member, std::uint64_t scope) const {
+    if constexpr (!kKnownNames.IsOn()) return 0;
     Name const& name = m_names[member % kNames];
     return name.m_member == member && name.m_scope == scope ? name.m_index : 0;
   }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/text_copy.h"
+#include "base/text_cursor.h"
 #include "fastinfoset/constants.h"
 #include "quillon9/fwd.h"
 
@@ -27,12 +28,14 @@ class COctetSink {
   COctetSink& operator=(COctetSink const&) = delete;
 
   void Octet(std::uint32_t octet) {
-    Reserve(1);
-    Put(octet);
+    CTextCursor to = Reserve(1);
+    to.Put(CharOf(octet));
+    Commit(to);
   }
   void Octets(std::string_view octets) {
-    Reserve(octets.size());
-    m_size += CopyBlocks(m_octets.get() + m_size, octets, [](std::uint64_t) { return false; });
+    CTextCursor to = Reserve(octets.size());
+    to.PutUntil(octets, [](std::uint64_t) { return false; });
+    Commit(to);
   }
   /// Pass the collected octets to the stream.
   void Flush();
@@ -73,11 +76,12 @@ class COctetSink {
   void Stored(fi::Form const& form, std::uint32_t leading, unsigned long value, int moreOctets);
   void OctetString(std::uint32_t leading, std::string_view octets, fi::Form const& medium, fi::Form const& large);
 
-  /// Octet() without the check for room.
-  void Put(std::uint32_t octet) { m_octets[m_size++] = static_cast<char>(static_cast<unsigned char>(octet)); }
-  void Reserve(std::size_t more) {
+  static char CharOf(std::uint32_t octet) { return static_cast<char>(static_cast<unsigned char>(octet)); }
+  CTextCursor Reserve(std::size_t more) {
     if (m_capacity - m_size < more) Grow(more);
+    return {m_octets.get() + m_size, more};
   }
+  void Commit(CTextCursor const& written) { m_size += written.Written(); }
   void Grow(std::size_t more);
 
   CBinaryStream& m_stream;
@@ -90,22 +94,19 @@ class COctetSink {
 // Inline: most values of a document pass through here.
 inline bool COctetSink::AsciiStringBit7(std::uint32_t leading, std::string_view text) {
   if (text.empty() || text.size() >= fi::kLength7Large.m_first) return false;
-  std::size_t const start = m_size;
-  Reserve(text.size() + 2);
+  constexpr std::size_t kLength = 2;  // the octets of the longest length that is possible here
+  CTextCursor to = Reserve(kLength + text.size());
   if (text.size() < fi::kLength7Medium.m_first) {
-    Put(leading | static_cast<std::uint32_t>(text.size() - 1));
+    to.Put(CharOf(leading | static_cast<std::uint32_t>(text.size() - 1)));
   } else {
-    Put(leading | fi::kLength7Medium.m_pattern);
-    Put(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first));
+    to.Put(CharOf(leading | fi::kLength7Medium.m_pattern));
+    to.Put(CharOf(static_cast<std::uint32_t>(text.size() - fi::kLength7Medium.m_first)));
   }
   auto const isOther = [](std::uint64_t block) {
     return ((block | ByteBlocks::Below(block, 1)) & ByteBlocks::kHighBits) != 0;
   };
-  if (CopyBlocks(m_octets.get() + m_size, text, isOther) != text.size()) {
-    m_size = start;
-    return false;
-  }
-  m_size += text.size();
+  if (to.PutUntil(text, isOther) != text.size()) return false;
+  Commit(to);
   return true;
 }
 

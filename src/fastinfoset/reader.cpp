@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/restricted_alphabet.h"
 #include "quillon9/base/exceptions.h"
@@ -195,7 +196,8 @@ CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t 
   CFIVocabulary::CQNameParts const& parts = EntryOf(table, index);
   if (shared.size() < table.size()) shared.resize(table.size());
   CXmlName const*& name = shared[index - 1];
-  if (name == nullptr) name = SharedName(parts);
+  if (!kInfosetNames.IsOn() || name == nullptr) name = SharedName(parts);
+  kInfosetNames.Verify([&] { return name == SharedName(parts); });
   return name;
 }
 

@@ -1,12 +1,11 @@
 #include "quillon9/fastinfoset/vocabulary.h"
 
-#include <sys/random.h>
-
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include "base/byte_blocks.h"
+#include "base/fast_paths.h"
+#include "base/seeded_hash.h"
 #include "base/text_copy.h"
 
 namespace Quillon9 {
@@ -14,63 +13,17 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::size_t kFirstSlots = 16;
-constexpr std::size_t kRecentNames = 256;  // two for each result of QuickHash()
+constexpr std::size_t kRecentPlaces = 256;  // two for each result of QuickHash()
 constexpr char kKeySeparator = '\x01';
 
-using ByteBlocks::Load;
-using ByteBlocks::LoadShort;
-
-// Combine both halves of the product, so that every bit of either factor has an effect.
-std::uint64_t Mix(std::uint64_t a, std::uint64_t b) {
-  __extension__ using Wide = unsigned __int128;
-  Wide const product = static_cast<Wide>(a) * b;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
-}
-
-constexpr std::uint64_t kOdd = 0x9E3779B97F4A7C15U;
-
-/// Values that an outsider cannot know.
-struct Secret {
-  std::uint64_t start;   ///< the initial value of a hash
-  std::uint64_t factor;  ///< for one of the two factors: a text that made a factor 0 would cancel the other
-};
-
-Secret DrawSecret() {
-  Secret drawn;
-  if (getrandom(&drawn, sizeof drawn, GRND_NONBLOCK) == sizeof drawn) return drawn;
-  auto const now = static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count());
-  drawn.start = Mix(now ^ kOdd, reinterpret_cast<std::uintptr_t>(&drawn) ^ kOdd);
-  drawn.factor = Mix(drawn.start, now ^ kOdd);
-  return drawn;
-}
-
-// Drawn once per process, so that an attacker cannot choose strings that collide in a map.
-Secret const& TheSecret() {
-  static Secret const secret = DrawSecret();
-  return secret;
-}
-
-constexpr std::size_t kShort = sizeof(std::uint64_t);
-
-std::uint64_t HashLong(std::string_view text) {
-  Secret const& secret = TheSecret();
-  char const* at = text.data();
-  std::size_t left = text.size();
-  std::uint64_t hash = secret.start ^ left * kOdd;
-  for (; left > 16; left -= 16, at += 16) {
-    hash = Mix(hash ^ Load<std::uint64_t>(at), Load<std::uint64_t>(at + 8) ^ secret.factor);
-  }
-  std::uint64_t const low = left > 8 ? Load<std::uint64_t>(at) : LoadShort(at, left, 0);
-  std::uint64_t const high = left > 8 ? Load<std::uint64_t>(at + left - 8) : 0;
-  return Mix(hash ^ low, high ^ secret.factor);
-}
+using SeededHash::kShort;
 
 bool IsAt(char const* at, std::string_view part) { return IsSameText({at, part.size()}, part); }
 
 // Hash only the length and the ends, where collisions do no harm: names that a document chooses to collide are still
 // found in the map.
 std::size_t QuickHash(std::string_view text) {
-  return (LoadShort(text.data(), text.size(), 0) ^ text.size()) * kOdd >> 57;
+  return (ByteBlocks::LoadShort(text.data(), text.size(), 0) ^ text.size()) * SeededHash::kOdd >> 57;
 }
 
 bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view namespaceUri,
@@ -87,15 +40,13 @@ bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view n
 // ---- CFIIndexMap
 
 CFIIndexMap::Slot CFIIndexMap::MakeSlot(std::string_view text, std::size_t index) {
-  return {text.size() <= kShort ? LoadShort(text.data(), text.size(), 0) : HashLong(text),
+  return {text.size() <= kShort ? SeededHash::ShortWord(text) : SeededHash::OfLong(text),
           static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX)),
           static_cast<std::uint32_t>(index)};
 }
 
 std::uint64_t CFIIndexMap::HashOf(Slot const& slot) {
-  if (slot.m_length > kShort) return slot.m_word;
-  Secret const& secret = TheSecret();
-  return Mix(secret.start ^ slot.m_length * kOdd ^ slot.m_word, secret.factor);
+  return slot.m_length > kShort ? slot.m_word : SeededHash::OfShort(slot.m_word, slot.m_length);
 }
 
 // Return the slot of `text`, or the free slot where it belongs. There is always a free one. Open addressing is faster
@@ -135,11 +86,17 @@ void CFIIndexMap::MakeQNameKey(std::string_view prefix, std::string_view namespa
 // Look among recent names first, without building the key or hashing the namespace.
 unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view namespaceUri,
                                     std::string_view localName) {
-  if (m_recent.empty()) m_recent.resize(kRecentNames);
+  if (m_recent.empty()) m_recent.resize(kRecentPlaces);
   // Each hash has two places, so that two names do not evict each other in turn.
   std::uint32_t* const recent = &m_recent[QuickHash(localName) * 2];
   for (std::uint32_t const index : {recent[0], recent[1]}) {
-    if (index != 0 && IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) return index;
+    if (!kRecentNames.IsOn() || index == 0) continue;
+    if (!IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) continue;
+    kRecentNames.Verify([&] {
+      MakeQNameKey(prefix, namespaceUri, localName, m_key);
+      return index == Find(m_key);
+    });
+    return index;
   }
   MakeQNameKey(prefix, namespaceUri, localName, m_key);
   unsigned long const index = Find(m_key);

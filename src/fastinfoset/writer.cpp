@@ -1,9 +1,11 @@
 #include "quillon9/fastinfoset/writer.h"
 
 #include <iterator>
+#include <typeinfo>
 #include <utility>
 
 #include "base/byte_blocks.h"
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
@@ -16,6 +18,7 @@
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -52,6 +55,17 @@ bool IsEncoded(CFastInfosetContext const& options, CFastInfosetContext::EncodedC
       return true;
     default: ThrowFastInfosetWriteFailure(FormatString("Unknown encoding in %s.", unknownKind));
   }
+}
+
+// The slow answer of both memories of names: the index of the name in the scope of `context`, 0 if it has none.
+unsigned long IndexOf(CFIIndexMap const& names, CXmlWriter::CXmlWriterContext const& context, std::string const& uri,
+                      std::string const& localName) {
+  bool const hasPrefix = !uri.empty() && uri != context.GetDefaultNamespace();
+  std::string const* const prefix = hasPrefix ? context.FindPrefix(uri) : &NoPrefix();
+  if (prefix == nullptr) return 0;
+  std::string key;
+  CFIIndexMap::MakeQNameKey(*prefix, uri, localName, key);
+  return names.Find(key);
 }
 
 }  // namespace
@@ -152,15 +166,18 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
 // An element with the name of its last neighbour at this depth has the same number, which saves a lookup.
 void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
-  if (pending.m_numberedState != 0 && pending.m_numberedState == pending.GetScopeState()) {
-    return m_output->Integer1To2pw20Bit3(leading, pending.m_nameNumber);
+  unsigned long const number = kRememberedNumber.IsOn() ? XmlWriterAccess::NameNumber(pending) : 0;
+  if (number != 0) {
+    kRememberedNumber.Verify([&] {
+      return number == IndexOf(m_vocabulary.GetElementNameIndex(), pending, pending.m_namespace, pending.m_elementName);
+    });
+    return m_output->Integer1To2pw20Bit3(leading, number);
   }
   std::string const& uri = pending.m_namespace;
   std::string const& prefix = pending.NeedsNoPrefix() ? NoPrefix() : PrefixOf(pending, uri);
   unsigned long const index = m_vocabulary.GetElementNameIndex().FindName(prefix, uri, pending.m_elementName);
   ElementName(leading, index, &prefix, uri, pending.m_elementName);
-  pending.m_nameNumber = index;
-  pending.m_numberedState = index != 0 ? pending.GetScopeState() : 0;
+  XmlWriterAccess::SetNameNumber(pending, index);
 }
 
 void CFastInfosetWriter::WriteNamespaceAttributes() {
@@ -207,17 +224,22 @@ void CFastInfosetWriter::WriteEndElement() {
 // An element that gets neither attributes nor children needs a context only if it fails and has to stay open.
 void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
                                           std::string_view value, ItemType type, std::uint64_t member) {
+  auto const inSteps = [&] { CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member); };
+  bool const isPlain = &typeid(*this) == &typeid(CFastInfosetWriter);  // overrides none of the steps
+  if (!kElementAtOnce.IsOn() || !isPlain) return inSteps();
   WriteElement(false);
-  if (m_context == nullptr) return WriteTextInSteps(localName, namespaceUri, value, type);
+  if (m_context == nullptr) return inSteps();
   std::string const* prefix = nullptr;
-  unsigned long index = member != 0 ? m_knownNames->Find(member, m_context->GetScopeState()) : 0;
-  if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
-    return WriteTextInSteps(localName, namespaceUri, value, type);
+  unsigned long index = member != 0 ? m_knownNames->Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
+  if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
+  if (index != 0) {
+    kKnownNames.Verify(
+        [&] { return index == IndexOf(m_vocabulary.GetElementNameIndex(), *m_context, namespaceUri, localName); });
   }
   if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
   ++m_context->m_childCount;
   CloseTag();
-  RequireRoomForChild();
+  XmlWriterAccess::RequireRoomForChild(*m_context);
   bool hasName = false;
   try {
     if (index == 0) index = FindNameOfChild(prefix, localName, namespaceUri, member);
@@ -254,19 +276,12 @@ void CFastInfosetWriter::LeaveOpen(std::string const& localName, std::string con
   (hasName ? m_context : m_pendingElement) = context;
 }
 
-void CFastInfosetWriter::WriteTextInSteps(std::string const& localName, std::string const& namespaceUri,
-                                          std::string_view value, ItemType type) {
-  CFastInfosetWriter::WriteStartElement(localName, namespaceUri);
-  CFastInfosetWriter::WriteString(std::string(value), type);
-  CFastInfosetWriter::WriteEndElement();
-}
-
 // Return the index of a child of the open element; 0 if its name is to be written in full.
 unsigned long CFastInfosetWriter::FindNameOfChild(std::string const* prefix, std::string const& localName,
                                                   std::string const& namespaceUri, std::uint64_t member) {
   CFIIndexMap& map = m_vocabulary.GetElementNameIndex();
   unsigned long const index = map.FindName(prefix != nullptr ? *prefix : NoPrefix(), namespaceUri, localName);
-  if (index != 0 && member != 0) m_knownNames->Add(member, m_context->GetScopeState(), index);
+  if (index != 0 && member != 0) m_knownNames->Add(member, XmlWriterAccess::ScopeState(*m_context), index);
   return index;
 }
 

@@ -9,6 +9,7 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "text/utf8_text.h"
 
 namespace Quillon9 {
@@ -29,7 +30,7 @@ std::string ReadToEnd(std::istream& stream) {
 void CXmlSource::Load(CXmlDocument& document) const {
   switch (m_kind) {
     case Kind::File: return document.Load(static_cast<char const*>(m_data));
-    case Kind::Bytes: return document.LoadLentXmlStream(static_cast<unsigned char const*>(m_data), m_size);
+    case Kind::Bytes: return XmlNodeAccess::LoadLent(document, static_cast<unsigned char const*>(m_data), m_size);
     case Kind::Stream: break;
   }
   std::string const bytes = ReadToEnd(*static_cast<std::istream*>(const_cast<void*>(m_data)));

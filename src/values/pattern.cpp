@@ -86,15 +86,23 @@ bool Matches(CompiledPattern& pattern, std::string_view subject) {
   return pattern.Matches(subject.data(), static_cast<int>(subject.size()));
 }
 
-}  // namespace
-
-bool MatchesPattern(std::string const& utf8Pattern, std::string const& value) {
-  RememberedValue<Compile> const compiled(utf8Pattern);  // compiling takes much longer than matching a short value
-  CompiledPattern& pattern = *compiled;
+bool MatchesLocal(CompiledPattern& pattern, std::string const& value) {
   if (CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size())) return Matches(pattern, value);
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(value.c_str());
   if (utf8.GetLength() == 0) return Matches(pattern, "");
   return Matches(pattern, {reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()});
+}
+
+}  // namespace
+
+bool MatchesPattern(std::string const& utf8Pattern, std::string const& value) {
+  RememberedValue<Compile> const compiled(utf8Pattern);  // compiling takes much longer than matching a short value
+  bool const matches = MatchesLocal(*compiled, value);
+  kRememberedValue.Verify([&] {
+    CompiledPattern fresh = Compile(utf8Pattern);
+    return matches == MatchesLocal(fresh, value);
+  });
+  return matches;
 }
 
 bool TestRegEx(std::string pattern, std::string value) { return MatchesPattern(pattern, value); }

@@ -6,6 +6,7 @@
 #include <type_traits>
 #include <unordered_map>
 
+#include "base/fast_paths.h"
 #include "base/per_thread.h"
 
 namespace Quillon9 {
@@ -33,6 +34,7 @@ class RememberedValue {
   static constexpr std::size_t kMost = 64;
 
   static Value* Find(std::string const& text) {
+    if constexpr (!kRememberedValue.IsOn()) return nullptr;
     Values* const values = PerThread<Values>::Find();
     if (values == nullptr) return nullptr;
     auto const known = values->find(text);

@@ -5,13 +5,14 @@
 
 #include "quillon9/xmlio/element.h"
 #include "text/utf8_to_local.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
 /// Append \p utf8 to the text of \p target, converted by \p toLocal and without its carriage returns.
 inline void AppendConverted(CXmlElement& target, CUtf8ToLocal const& toLocal, std::string_view utf8) {
   // Most text is plain ASCII, which is detected while it is copied.
-  if (toLocal.KeepsAscii() && target.AppendPlainText(utf8)) return;
+  if (toLocal.KeepsAscii() && XmlNodeAccess::AppendPlainText(target, utf8)) return;
   if (toLocal.IsSameExcludingCR(utf8)) return target.AppendText(utf8);
   std::string local;
   toLocal.AppendExcludingCR(local, utf8);

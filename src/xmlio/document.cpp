@@ -10,9 +10,16 @@
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
+#include "xmlio/node_access.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
+
+namespace {
+
+std::size_t ChargeOf(CXmlName const& name) { return static_cast<TreeName const&>(name).charge; }
+
+}  // namespace
 
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
@@ -54,9 +61,9 @@ CXmlElement* CXmlDocument::AddDocElement(std::string_view namespaceUri, std::str
 CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
   CheckDepth();
-  CountContent(name->charge);
+  CountContent(ChargeOf(*name));
   m_elementStack.reserve(1);
-  m_documentElement = new (Memory()) CXmlElement(*name);
+  m_documentElement = XmlNodeAccess::NewElement(*name, Memory());
   return PushOpen(m_documentElement, nullptr);
 }
 
@@ -71,9 +78,9 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
-  CountContent(name->charge);
-  CXmlElement* const before = parent->m_lastChild;
-  return PushOpen(parent->AddChild(name), before);
+  CountContent(ChargeOf(*name));
+  CXmlElement* const before = XmlNodeAccess::LastChild(*parent);
+  return PushOpen(XmlNodeAccess::AddChild(*parent, *name), before);
 }
 
 CXmlElement* CXmlDocument::PushOpen(CXmlElement* element, CXmlElement* before) {
@@ -87,7 +94,8 @@ void CXmlDocument::EndFilteredElement() {
   m_elementStack.pop_back();
   if (!AskFilter(element) || m_elementStack.empty()) return;
   CXmlElement* const parent = m_elementStack.back().element;
-  if (parent->m_lastChild == element) parent->RemoveLastChild(before)->Dispose();
+  if (XmlNodeAccess::LastChild(*parent) != element) return;  // the filter has detached it
+  XmlNodeAccess::Dispose(XmlNodeAccess::RemoveLastChild(*parent, before));
 }
 
 bool CXmlDocument::AskFilter(CXmlElement* element) {
@@ -127,8 +135,8 @@ void CXmlDocument::AddElementAttribute(CXmlElement* element, std::string_view lo
 }
 
 void CXmlDocument::AddElementAttribute(CXmlElement* element, CXmlName const* name, std::string_view value) {
-  CountContent(name->charge + value.size());
-  element->AddAttribute(name, value);
+  CountContent(ChargeOf(*name) + value.size());
+  XmlNodeAccess::AddAttribute(*element, *name, value);
 }
 
 void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text, unsigned long length) {

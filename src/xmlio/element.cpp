@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "xmlio/node_access.h"
+#include "xmlio/node_text.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
@@ -36,17 +38,22 @@ thread_local struct {
 // ---- Attributes
 
 CXmlAttribute::CXmlAttribute(std::string localName, std::string_view value, std::string namespaceUri) {
-  auto name = std::make_unique<CXmlName>();
-  name->namespaceUri = std::move(namespaceUri);
-  name->localName = std::move(localName);
-  m_value.Append(value, nullptr);
+  auto name = std::make_unique<TreeName>(std::move(namespaceUri), std::move(localName), nullptr);
+  NodeText::Append(m_value, value, nullptr);
   m_name = name.release();
 }
 
 CXmlAttribute::~CXmlAttribute() {
-  m_value.Free(m_name->memory);
-  if (m_name->memory == nullptr) delete m_name;
+  CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this);
+  NodeText::Free(m_value, memory);
+  if (memory == nullptr) delete &XmlNodeAccess::NameOf(*this);
 }
+
+std::string const& CXmlAttribute::GetValue() const {
+  return NodeText::GetString(m_value, XmlNodeAccess::MemoryOf(*this));
+}
+
+std::string_view CXmlAttribute::GetValueView() const { return XmlNodeAccess::TextOf(*this); }
 
 bool CXmlAttribute::IsNilAttribute() const { return GetLocalName() == "nil" && IsSchemaMachinery(GetNamespaceURI()); }
 
@@ -56,27 +63,27 @@ bool CXmlAttribute::IsNamespaceAttribute() const {
   return name == "xmlns" || name == "type" || name == "schemaLocation" || name == "noNamespaceSchemaLocation";
 }
 
-void CXmlAttribute::Dispose() noexcept {
-  CTreeMemory* const memory = m_name->memory;
+void XmlNodeAccess::Dispose(CXmlAttribute* attribute) noexcept {
+  CTreeMemory* const memory = MemoryOf(*attribute);
   if (memory == nullptr) {
-    delete this;
+    delete attribute;
   } else {
-    m_value.Free(memory);
-    memory->Free(this, sizeof(CXmlAttribute));
+    NodeText::Free(attribute->m_value, memory);
+    memory->Free(attribute, sizeof(CXmlAttribute));
   }
 }
 
 // ---- The element itself
 
-CXmlElement::CXmlElement(CXmlDocument const* document) : m_name(new CXmlName{{}, {}, nullptr, document}) {}
+CXmlElement::CXmlElement(CXmlDocument const* document) : m_name(new TreeName({}, {}, document)) {}
 
 CXmlElement::~CXmlElement() {
-  DeleteChildren();
-  FreeContents();
-  if (CTreeMemory* const memory = Memory()) {
+  XmlNodeAccess::DeleteChildren(*this);
+  XmlNodeAccess::FreeContents(*this);
+  if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this)) {
     t_deleted = {this, memory};
   } else {
-    delete m_name;
+    delete &XmlNodeAccess::NameOf(*this);
   }
 }
 
@@ -93,23 +100,34 @@ void CXmlElement::operator delete(void* node, std::size_t) noexcept {
 }
 
 CXmlDocument const* CXmlElement::GetDocument() const {
-  CTreeMemory const* const memory = Memory();
-  return memory != nullptr ? memory->GetDocument() : m_name->document;
+  TreeName const& name = XmlNodeAccess::NameOf(*this);
+  return name.memory != nullptr ? name.memory->GetDocument() : name.document;
 }
 
+namespace {
+
+/// The name of a standalone element.
+CXmlName& OwnName(CXmlElement& element) { return const_cast<CXmlName&>(element.GetNames()); }
+
+}  // namespace
+
+std::string const& CXmlElement::GetText() const { return NodeText::GetString(m_text, XmlNodeAccess::MemoryOf(*this)); }
+
+std::string_view CXmlElement::GetTextView() const { return XmlNodeAccess::TextOf(*this); }
+
 void CXmlElement::SetElementName(std::string_view localName) {
-  if (CTreeMemory* const memory = Memory()) {
+  if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this)) {
     m_name = memory->ShareName(GetNamespaceURI(), localName);
   } else {
-    OwnName().localName = std::string(localName);  // copied first: it may be part of the text it replaces
+    OwnName(*this).localName = std::string(localName);  // copied first: it may be part of the text it replaces
   }
 }
 
 void CXmlElement::SetNamespace(std::string_view namespaceUri) {
-  if (CTreeMemory* const memory = Memory()) {
+  if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this)) {
     m_name = memory->ShareName(namespaceUri, GetLocalName());
   } else {
-    OwnName().namespaceUri = std::string(namespaceUri);
+    OwnName(*this).namespaceUri = std::string(namespaceUri);
   }
 }
 
@@ -117,23 +135,29 @@ void CXmlElement::AppendText(char const* text, int length) {
   if (length > 0) AppendText(std::string_view(text, static_cast<std::size_t>(length)));
 }
 
+void CXmlElement::AppendText(std::string_view text) { NodeText::Append(m_text, text, XmlNodeAccess::MemoryOf(*this)); }
+
+bool CXmlElement::AppendPlainText(std::string_view text) { return XmlNodeAccess::AppendPlainText(*this, text); }
+
 // ---- Its attributes
 
-CXmlAttribute* CXmlElement::LastAttribute() const {
-  CTreeAttributes* const held = TableOf(m_attributes);
-  return held != nullptr ? held->table.back() : reinterpret_cast<CXmlAttribute*>(m_attributes);
+CXmlAttribute* XmlNodeAccess::LastAttribute(CXmlElement const& element) {
+  CTreeAttributes* const held = TableOf(element.m_attributes);
+  return held != nullptr ? held->table.back() : reinterpret_cast<CXmlAttribute*>(element.m_attributes);
 }
 
-CXmlAttribute* CXmlElement::GetFirstAttribute() const {
-  if (m_attributes == 0) return nullptr;
-  return reinterpret_cast<CXmlAttribute*>(LastAttribute()->m_next & ~CXmlAttribute::kIsLast);
+CXmlAttribute* XmlNodeAccess::FirstAttribute(CXmlElement const& element) {
+  if (element.m_attributes == 0) return nullptr;
+  return reinterpret_cast<CXmlAttribute*>(LastAttribute(element)->m_next & ~CXmlAttribute::kIsLast);
 }
+
+CXmlAttribute* CXmlElement::GetFirstAttribute() const { return XmlNodeAccess::FirstAttribute(*this); }
 
 std::vector<CXmlAttribute*> const& CXmlElement::GetAttributes() const {
   static auto const* const none = new std::vector<CXmlAttribute*>;
   if (m_attributes == 0) return *none;
   if (TableOf(m_attributes) == nullptr) {
-    auto attributes = std::make_unique<CTreeAttributes>(Memory());
+    auto attributes = std::make_unique<CTreeAttributes>(XmlNodeAccess::MemoryOf(*this));
     for (auto* next = GetFirstAttribute(); next != nullptr; next = next->GetNextAttribute()) {
       attributes->table.push_back(next);
     }
@@ -151,26 +175,28 @@ std::string const& CXmlElement::GetAttribute(std::string const& localName, std::
 }
 
 void CXmlElement::AddAttribute(std::string_view localName, std::string_view value, std::string_view namespaceUri) {
-  if (CTreeMemory* const memory = Memory()) return AddAttribute(memory->ShareName(namespaceUri, localName), value);
+  if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this)) {
+    return XmlNodeAccess::AddAttribute(*this, *memory->ShareName(namespaceUri, localName), value);
+  }
   auto attribute = std::make_unique<CXmlAttribute>(std::string(localName), value, std::string(namespaceUri));
-  LinkAttribute(attribute.get());
+  XmlNodeAccess::LinkAttribute(*this, attribute.get());
   attribute.release();
 }
 
-void CXmlElement::AddAttribute(CXmlName const* name, std::string_view value) {
-  CTreeMemory& memory = *Memory();
-  auto* const attribute = new (memory.Allocate(sizeof(CXmlAttribute))) CXmlAttribute(*name);
-  attribute->m_value.Append(value, &memory);
-  LinkAttribute(attribute);
+void XmlNodeAccess::AddAttribute(CXmlElement& element, CXmlName const& name, std::string_view value) {
+  CTreeMemory& memory = *MemoryOf(element);
+  auto* const attribute = new (memory.Allocate(sizeof(CXmlAttribute))) CXmlAttribute(name);
+  NodeText::Append(attribute->m_value, value, &memory);
+  LinkAttribute(element, attribute);
 }
 
-void CXmlElement::LinkAttribute(CXmlAttribute* attribute) {
+void XmlNodeAccess::LinkAttribute(CXmlElement& element, CXmlAttribute* attribute) {
   auto const place = reinterpret_cast<std::uintptr_t>(attribute);
-  CXmlAttribute* const last = m_attributes != 0 ? LastAttribute() : nullptr;
-  if (CTreeAttributes* const held = TableOf(m_attributes)) {
+  CXmlAttribute* const last = element.m_attributes != 0 ? LastAttribute(element) : nullptr;
+  if (CTreeAttributes* const held = TableOf(element.m_attributes)) {
     held->table.push_back(attribute);
   } else {
-    m_attributes = place;
+    element.m_attributes = place;
   }
   attribute->m_next = (last != nullptr ? last->m_next : place) | CXmlAttribute::kIsLast;
   if (last != nullptr) last->m_next = place;
@@ -179,69 +205,66 @@ void CXmlElement::LinkAttribute(CXmlAttribute* attribute) {
 // ---- Its children
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
-  CTreeMemory const* const memory = Memory();
-  return memory != nullptr ? AddChild(memory->NoName()) : AddChild(new CXmlElement(GetDocument()));
+  CTreeMemory const* const memory = XmlNodeAccess::MemoryOf(*this);
+  if (memory != nullptr) return XmlNodeAccess::AddChild(*this, *memory->NoName());
+  return XmlNodeAccess::AddChild(*this, new CXmlElement(GetDocument()));
 }
 
 CXmlElement* CXmlElement::RemoveLastChildElement() {
   if (m_lastChild == nullptr) return nullptr;
   CXmlElement* before = nullptr;
   for (auto* child = GetFirstElement(); child != m_lastChild; child = child->GetNextSiblingElement()) before = child;
-  CXmlElement* const removed = RemoveLastChild(before);
-  if (CTreeMemory* const memory = Memory()) memory->CountDetached();
+  CXmlElement* const removed = XmlNodeAccess::RemoveLastChild(*this, before);
+  if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*this)) memory->CountDetached();
   return removed;
 }
 
-/// The caller knows the child in front of it.
-CXmlElement* CXmlElement::RemoveLastChild(CXmlElement* before) noexcept {
-  CXmlElement* const removed = std::exchange(m_lastChild, before);
+CXmlElement* XmlNodeAccess::RemoveLastChild(CXmlElement& parent, CXmlElement* before) noexcept {
+  CXmlElement* const removed = std::exchange(parent.m_lastChild, before);
   if (before != nullptr) before->m_next = removed->m_next;
-  removed->m_next = kIsLast;
+  removed->m_next = CXmlElement::kIsLast;
   return removed;
 }
 
-/// Return the first child, with \p rest linked after the last one; this element has no children afterwards.
-CXmlElement* CXmlElement::TakeChildren(CXmlElement* rest) noexcept {
-  CXmlElement* const first = GetFirstElement();
-  CXmlElement* const last = std::exchange(m_lastChild, nullptr);
-  last->m_next = rest != nullptr ? reinterpret_cast<std::uintptr_t>(rest) : kIsLast;
+CXmlElement* XmlNodeAccess::TakeChildren(CXmlElement& parent, CXmlElement* rest) noexcept {
+  CXmlElement* const first = parent.GetFirstElement();
+  CXmlElement* const last = std::exchange(parent.m_lastChild, nullptr);
+  last->m_next = rest != nullptr ? reinterpret_cast<std::uintptr_t>(rest) : CXmlElement::kIsLast;
   return first;
 }
 
 // Iterative, because the document determines the depth of the tree: each element passes its children to the chain
 // before it is destroyed.
-void CXmlElement::DeleteChildren() noexcept {
-  CXmlElement* chain = m_lastChild != nullptr ? TakeChildren(nullptr) : nullptr;
+void XmlNodeAccess::DeleteChildren(CXmlElement& parent) noexcept {
+  CXmlElement* chain = parent.m_lastChild != nullptr ? TakeChildren(parent, nullptr) : nullptr;
   while (chain != nullptr) {
     CXmlElement* const element = chain;
     chain = element->GetNextSiblingElement();
-    if (element->m_lastChild != nullptr) chain = element->TakeChildren(chain);
-    element->Dispose();
+    if (element->m_lastChild != nullptr) chain = TakeChildren(*element, chain);
+    Dispose(element);
   }
 }
 
-/// Free everything except the children and the name.
-void CXmlElement::FreeContents() noexcept {
-  CXmlAttribute* next = GetFirstAttribute();
+void XmlNodeAccess::FreeContents(CXmlElement& element) noexcept {
+  CXmlAttribute* next = FirstAttribute(element);
   while (next != nullptr) {
     CXmlAttribute* const attribute = next;
     next = attribute->GetNextAttribute();
-    attribute->Dispose();
+    Dispose(attribute);
   }
-  delete TableOf(m_attributes);
-  m_text.Free(Memory());
+  delete TableOf(element.m_attributes);
+  NodeText::Free(element.m_text, MemoryOf(element));
 }
 
-/// Destroy an element that no caller owns.
-void CXmlElement::Dispose() noexcept {
-  CTreeMemory* const memory = Memory();
+void XmlNodeAccess::Dispose(CXmlElement* element) noexcept {
+  CTreeMemory* const memory = MemoryOf(*element);
   if (memory == nullptr) {
-    delete this;
+    delete element;
     return;
   }
-  DeleteChildren();
-  FreeContents();
-  memory->Free(this, sizeof(CXmlElement));
+  DeleteChildren(*element);
+  FreeContents(*element);
+  memory->Free(element, sizeof(CXmlElement));
 }
 
 }  // namespace Quillon9

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
@@ -172,13 +173,18 @@ void CExpatReader::CountDeclaredAttribute(XML_Char const* element) {
 }
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {
+  if constexpr (!kParsedNames.IsOn()) return SharedName(whole);
   CXmlName const* const known = m_names.Find(whole);
-  return known != nullptr ? known : NewName(whole);
+  if (known == nullptr) return NewName(whole);
+  kParsedNames.Verify([&] { return known == SharedName(whole); });
+  return known;
 }
 
-CXmlName const* CExpatReader::NewName(XML_Char const* whole) {
+CXmlName const* CExpatReader::NewName(XML_Char const* whole) { return m_names.Add(whole, SharedName(whole)); }
+
+CXmlName const* CExpatReader::SharedName(XML_Char const* whole) {
   SplitName const parts = Split(whole);
-  return m_names.Add(whole, m_document.ShareName(m_toLocal(parts.namespaceUri), m_toLocal(parts.localName)));
+  return m_document.ShareName(m_toLocal(parts.namespaceUri), m_toLocal(parts.localName));
 }
 
 void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attributes) {

@@ -57,6 +57,7 @@ class CExpatReader {
   XML_Status Feed(bool isFinal);
   CXmlName const* NameOf(XML_Char const* whole);
   [[gnu::noinline]] CXmlName const* NewName(XML_Char const* whole);
+  CXmlName const* SharedName(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
   void AppendMark(std::string_view mark);

@@ -3,12 +3,13 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
-#include <random>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 
+#include "base/fast_paths.h"
+#include "base/seeded_hash.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -22,7 +23,8 @@ class CNameCache {
     // Documents are repetitive: most names follow one that they followed before.
     if (m_last != nullptr) {
       for (Entry* const likely : m_last->followers) {
-        if (likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
+        if (!kFollowers.IsOn() || likely == nullptr || std::strcmp(likely->whole.c_str(), whole) != 0) continue;
+        kFollowers.Verify([&] { return m_entries.at(whole).get() == likely; });
         m_last = likely;
         return likely->name;
       }
@@ -48,27 +50,8 @@ class CNameCache {
     Entry* followers[2];  ///< the names that came after this one, the latest first
   };
 
-  /// Seeded, because the document chooses the names: its author cannot know which ones collide.
-  struct Hash {
-    std::size_t operator()(std::string_view text) const {
-      std::size_t hash = Seed();
-      for (; text.size() >= sizeof hash; text.remove_prefix(sizeof hash)) hash = Mix(hash, Word(text, sizeof hash));
-      return Mix(hash, Word(text, text.size()) ^ (text.size() << 56));
-    }
-    static std::size_t Word(std::string_view text, std::size_t size) {
-      std::size_t word = 0;
-      std::memcpy(&word, text.data(), size);
-      return word;
-    }
-    static std::size_t Mix(std::size_t hash, std::size_t word) {
-      __extension__ using Wide = unsigned __int128;
-      Wide const product = static_cast<Wide>(hash ^ word) * (0x9E3779B97F4A7C15U ^ Seed());
-      return static_cast<std::size_t>(product) ^ static_cast<std::size_t>(product >> 64);
-    }
-    static std::size_t Seed() {
-      static std::size_t const seed = (std::size_t{std::random_device()()} << 32 | std::random_device()()) | 1;
-      return seed;
-    }
+  struct Hash {  // the document chooses the names
+    std::size_t operator()(std::string_view text) const { return SeededHash::OfText(text); }
   };
 
   CXmlName const* Follow(std::unique_ptr<Entry> const& entry) {

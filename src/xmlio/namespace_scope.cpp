@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "base/text_copy.h"
 #include "quillon9/xmlio/writer.h"
 
 namespace Quillon9 {
@@ -24,12 +23,9 @@ CNamespaceScope::~CNamespaceScope() {
 }
 
 std::string const* CNamespaceScope::Find(std::string const& uri) const {
-  if (m_lastFound != nullptr && IsSameText(m_lastFound->first, uri)) return &m_lastFound->second;
   for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer.get()) {
     auto const found = scope->m_own.find(uri);
-    if (found == scope->m_own.end()) continue;
-    m_lastFound = &*found;
-    return &found->second;
+    if (found != scope->m_own.end()) return &found->second;
   }
   return nullptr;
 }
@@ -38,7 +34,6 @@ void CNamespaceScope::Bind(std::string const& uri, std::string const& prefix) {
   if (Find(uri) != nullptr) m_isChanged = true;
   m_prefixes.insert(prefix);
   m_own[uri] = prefix;
-  m_lastFound = nullptr;
 }
 
 std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
@@ -76,7 +71,6 @@ std::string& CNamespaceScope::At(std::string const& uri) {
   std::string const* const known = Find(uri);
   auto const entry = m_own.emplace(uri, known != nullptr ? *known : std::string());
   m_isChanged = true;
-  m_lastFound = nullptr;
   return entry.first->second;
 }
 

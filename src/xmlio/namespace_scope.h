@@ -56,8 +56,6 @@ class CNamespaceScope {
   std::size_t m_nextGenerated = 0;   ///< every generated prefix with a smaller number is taken
   /// A binding was replaced, which may have freed a prefix: look for the next one among all bindings.
   bool m_isChanged = false;
-  /// Neighbouring elements usually share a namespace, and the binding may be many scopes away.
-  mutable Map::value_type const* m_lastFound = nullptr;
 };
 
 }  // namespace Quillon9

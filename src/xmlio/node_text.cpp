@@ -1,4 +1,4 @@
-#include "quillon9/xmlio/node_text.h"
+#include "xmlio/node_text.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,91 +8,98 @@
 #include "base/text_copy.h"
 #include "xmlio/tree_memory.h"
 
-namespace Quillon9 {
+namespace Quillon9::NodeText {
 
 namespace {
 
+/// The two bytes in front of a text.
+constexpr std::size_t kHead = 2;
 /// A longer text is a string from the start: it moves less often when it grows, and its destruction frees the memory.
 constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 3;
 
-}  // namespace
+bool IsString(std::uintptr_t place) { return (place & kIsString) != 0; }
+CTreeString* StringAt(std::uintptr_t place) { return reinterpret_cast<CTreeString*>(place & ~kIsString); }
+char* BytesAt(std::uintptr_t place) { return reinterpret_cast<char*>(place); }
+std::size_t SizeAt(std::uintptr_t place) { return static_cast<unsigned char>(BytesAt(place)[-2]); }
+std::size_t CapacityAt(std::uintptr_t place) { return static_cast<unsigned char>(BytesAt(place)[-1]); }
 
-std::string_view CNodeText::ViewOfString() const { return String()->text; }
-
-std::string const& CNodeText::GetString(CTreeMemory* memory) const {
-  static std::string const* const none = new std::string;
-  if (m_place == 0) return *none;
-  if (!IsString()) BecomeString(memory, Size());
-  return String()->text;
+void FreeBytes(std::uintptr_t place, CTreeMemory* memory) noexcept {
+  if (place != 0) memory->Free(BytesAt(place) - kHead, kHead + CapacityAt(place) + 1);
 }
 
-void CNodeText::BecomeString(CTreeMemory* memory, std::size_t capacity) const {
+void BecomeString(std::uintptr_t& place, CTreeMemory* memory, std::size_t capacity) {
   auto string = std::make_unique<CTreeString>(memory);
   string->text.reserve(capacity);
-  string->text.assign(GetView());
-  FreeBytes(memory);
-  m_place = reinterpret_cast<std::uintptr_t>(string.release()) | kIsString;
-}
-
-void CNodeText::FreeBytes(CTreeMemory* memory) const noexcept {
-  if (m_place != 0) memory->Free(Bytes() - kHead, kHead + Capacity() + 1);
+  string->text.assign(GetView(place));
+  FreeBytes(place, memory);
+  place = reinterpret_cast<std::uintptr_t>(string.release()) | kIsString;
 }
 
 /// Start an empty text in this many granules at \p bytes.
-inline void CNodeText::Place(char* bytes, std::size_t granules) {
-  m_place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
+void Place(std::uintptr_t& place, char* bytes, std::size_t granules) {
+  place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
   bytes[1] = static_cast<char>(static_cast<unsigned char>(granules * CTreeMemory::kGranule - kHead - 1));
 }
 
 /// The number of granules for a text of \p size bytes with its head and its zero.
-inline std::size_t CNodeText::GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
+std::size_t GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
+
+/// Make the bytes up to \p end part of the text.
+void Commit(std::uintptr_t place, char* end) {
+  *end = '\0';
+  BytesAt(place)[-2] = static_cast<char>(static_cast<unsigned char>(end - BytesAt(place)));
+}
 
 /// Move the text to storage for \p size bytes in total.
-void CNodeText::Move(std::size_t size, CTreeMemory& memory) {
-  std::size_t const old = m_place != 0 ? Size() : 0;
+void Move(std::uintptr_t& place, std::size_t size, CTreeMemory& memory) {
+  std::size_t const old = place != 0 ? SizeAt(place) : 0;
   std::size_t const granules = GranulesFor(std::min(std::max(size, 2 * old), kMostBytes));
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
-  if (old != 0) std::memcpy(bytes + kHead, Bytes(), old);
-  FreeBytes(&memory);
-  Place(bytes, granules);
-  Commit(Bytes() + old);
+  if (old != 0) std::memcpy(bytes + kHead, BytesAt(place), old);
+  FreeBytes(place, &memory);
+  Place(place, bytes, granules);
+  Commit(place, BytesAt(place) + old);
 }
 
 /// Return where \p size more bytes and a zero are to be written; null if the text is or must become a string.
-inline char* CNodeText::Reserve(std::size_t size, CTreeMemory* memory) {
-  if (IsString() || memory == nullptr) return nullptr;
-  std::size_t const total = (m_place != 0 ? Size() : 0) + size;
+char* Reserve(std::uintptr_t& place, std::size_t size, CTreeMemory* memory) {
+  if (IsString(place) || memory == nullptr) return nullptr;
+  std::size_t const total = (place != 0 ? SizeAt(place) : 0) + size;
   if (total > kMostBytes) return nullptr;
-  if (m_place == 0 || total > Capacity()) Move(total, *memory);
-  return Bytes() + Size();
-}
-
-/// Make the bytes that were written there part of the text.
-inline void CNodeText::Commit(char* end) {
-  *end = '\0';
-  Bytes()[-2] = static_cast<char>(static_cast<unsigned char>(end - Bytes()));
+  if (place == 0 || total > CapacityAt(place)) Move(place, total, *memory);
+  return BytesAt(place) + SizeAt(place);
 }
 
 /// Return whether \p text lies within these bytes, which may move.
-bool CNodeText::IsPart(std::string_view text) const {
-  if (m_place == 0 || IsString()) return false;
+bool IsPart(std::uintptr_t place, std::string_view text) {
+  if (place == 0 || IsString(place)) return false;
   std::less<> const isBelow;
-  return !isBelow(text.data(), Bytes()) && isBelow(text.data(), Bytes() + Size());
+  return !isBelow(text.data(), BytesAt(place)) && isBelow(text.data(), BytesAt(place) + SizeAt(place));
 }
 
-void CNodeText::Append(std::string_view text, CTreeMemory* memory) {
+}  // namespace
+
+std::string_view ViewOfString(std::uintptr_t place) { return StringAt(place)->text; }
+
+std::string const& GetString(std::uintptr_t& place, CTreeMemory* memory) {
+  static std::string const* const none = new std::string;
+  if (place == 0) return *none;
+  if (!IsString(place)) BecomeString(place, memory, SizeAt(place));
+  return StringAt(place)->text;
+}
+
+void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
   if (text.empty()) return;
-  if (IsPart(text)) return Append(std::string(text), memory);
-  if (char* const to = Reserve(text.size(), memory)) {
-    Commit(to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
-    return;
+  if (IsPart(place, text)) return Append(place, std::string(text), memory);
+  if (char* const to = Reserve(place, text.size(), memory)) {
+    return Commit(place, to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
   }
-  if (!IsString()) BecomeString(memory, GetView().size() + text.size());
-  String()->text.append(text);
+  if (!IsString(place)) BecomeString(place, memory, GetView(place).size() + text.size());
+  StringAt(place)->text.append(text);
 }
 
 /// AppendPlain() for the first text, which is nearly always the only one.
-bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
+bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory) {
   if (text.size() > kMostBytes) return false;
   std::size_t const granules = GranulesFor(text.size());
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
@@ -100,27 +107,27 @@ bool CNodeText::SetPlain(std::string_view text, CTreeMemory& memory) {
     memory.Free(bytes, granules * CTreeMemory::kGranule);
     return false;
   }
-  Place(bytes, granules);
-  Commit(Bytes() + text.size());
+  Place(place, bytes, granules);
+  Commit(place, BytesAt(place) + text.size());
   return true;
 }
 
-bool CNodeText::AppendMorePlain(std::string_view text, CTreeMemory* memory) {
-  if (IsPart(text)) return false;
-  char* const to = Reserve(text.size(), memory);
+bool AppendMorePlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
+  if (IsPart(place, text)) return false;
+  char* const to = Reserve(place, text.size(), memory);
   if (to == nullptr) return false;
   bool const isPlain = CopyBlocks(to, text, HasUnplain()) == text.size();
-  Commit(isPlain ? to + text.size() : to);  // the first blocks of other text have overwritten the zero
+  Commit(place, isPlain ? to + text.size() : to);  // the first blocks of other text have overwritten the zero
   return isPlain;
 }
 
-void CNodeText::Free(CTreeMemory* memory) noexcept {
-  if (IsString()) {
-    delete String();
+void Free(std::uintptr_t& place, CTreeMemory* memory) noexcept {
+  if (IsString(place)) {
+    delete StringAt(place);
   } else {
-    FreeBytes(memory);
+    FreeBytes(place, memory);
   }
-  m_place = 0;
+  place = 0;
 }
 
-}  // namespace Quillon9
+}  // namespace Quillon9::NodeText

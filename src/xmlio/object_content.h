@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
@@ -18,10 +19,10 @@ class ObjectContent {
  public:
   /// \p element belongs to the tree, which must outlive this object.
   explicit ObjectContent(CXmlElement const& element)
-      : m_document(element.Memory() != nullptr ? element.Memory()->Counting() : nullptr),
-        m_before(m_document != nullptr ? m_document->m_contentSize : 0) {}
+      : m_document(CountingFor(XmlNodeAccess::MemoryOf(element))),
+        m_before(m_document != nullptr ? XmlNodeAccess::ContentSize(*m_document) : 0) {}
   ~ObjectContent() {
-    if (m_document != nullptr) m_document->m_contentSize = m_before;
+    if (m_document != nullptr) XmlNodeAccess::ContentSize(*m_document) = m_before;
   }
   ObjectContent(ObjectContent const&) = delete;
   ObjectContent& operator=(ObjectContent const&) = delete;
@@ -29,7 +30,7 @@ class ObjectContent {
   /// Count \p bytes of what is made from \p element.
   /// \throws what CXmlDocument::CountContent() throws.
   static void Count(CXmlElement const& element, std::size_t bytes) {
-    if (CTreeMemory* const memory = element.Memory()) memory->CountContent(bytes);
+    if (CTreeMemory* const memory = XmlNodeAccess::MemoryOf(element)) memory->CountContent(bytes);
   }
 
   /// The charge for an object of a generated class. The library does not know its real size: not every object is
@@ -39,6 +40,10 @@ class ObjectContent {
   static constexpr std::size_t kValue = 96;
 
  private:
+  static CXmlDocument* CountingFor(CTreeMemory const* memory) {
+    return memory != nullptr ? memory->Counting() : nullptr;
+  }
+
   CXmlDocument* const m_document;
   std::uint64_t const m_before;
 };

@@ -6,11 +6,14 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "base/text_cursor.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/streams.h"
 #include "xmlio/child_prefix.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -46,15 +49,31 @@ char const* EntityFor(char byte) {
   }
 }
 
-char* PutTabs(char* to, std::size_t count) {
-  for (; count != 0; --count) *to++ = '\t';
-  return to;
+// Room for a name and a string of markup around it; `prefix` is null for a name without one.
+std::size_t RoomFor(std::string_view markup, std::string const* prefix, std::string const& localName) {
+  return markup.size() + (prefix != nullptr ? prefix->size() + 1 : 0) + localName.size();
 }
 
-char* PutPrefix(char* to, std::string_view prefix) {
-  to = CopyName(to, prefix);
-  *to++ = ':';
-  return to;
+void PutPrefix(CTextCursor& to, std::string_view prefix) {
+  to.PutName(prefix);
+  to.Put(':');
+}
+
+void PutQName(CTextCursor& to, std::string const* prefix, std::string const& localName) {
+  if (prefix != nullptr) PutPrefix(to, *prefix);
+  to.PutName(localName);
+}
+
+CTextCursor Reserve(CTextStream& stream, std::size_t room) { return {stream.Reserve(room), room}; }
+
+void Commit(CTextStream& stream, CTextCursor const& written) { stream.Commit(written.Written()); }
+
+// `name` must be part of the output, so that the bytes after it can be read.
+void PutEndTag(CTextCursor& to, std::string_view name, std::string_view lineEnd) {
+  to.Put("</");
+  to.PutAgain(name);
+  to.Put('>');
+  to.PutName(lineEnd);
 }
 
 char const* EncodingDeclaration(XmlEncoding encoding) {
@@ -157,19 +176,14 @@ void CXmlTextWriter::WriteStartElement(std::string const& localName, std::string
   std::string const* const prefix =
       m_context->NeedsNoPrefix() ? nullptr : &FindOrBindPrefix(*m_context, namespaceUri, isNew);
   std::size_t const tabs = m_format ? m_context->m_depth : 0;
-  char* const start = m_stream->Reserve(tabs + (prefix != nullptr ? prefix->size() : 0) + localName.size() + 2);
-  char* end = PutTabs(start, tabs);
-  *end++ = '<';
-  if (prefix != nullptr) end = PutPrefix(end, *prefix);
-  end = CopyName(end, localName);
-  Commit(start, end);
+  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("<", prefix, localName));
+  to.Put('\t', tabs);
+  to.Put('<');
+  PutQName(to, prefix, localName);
+  Commit(*m_stream, to);
   if (isNew) AppendDeclaration(*prefix, namespaceUri);
   if (m_context->m_depth == 0) AppendDocumentDeclarations();
   FlushIfFull();
-}
-
-void CXmlTextWriter::Commit(char const* start, char const* end) {
-  m_stream->Commit(static_cast<unsigned long>(end - start));
 }
 
 void CXmlTextWriter::AppendDocumentDeclarations() {
@@ -200,14 +214,11 @@ void CXmlTextWriter::WriteAttributeString(std::string const& localName, std::str
     prefix = &FindOrBindPrefix(*m_context, namespaceUri, isNew);
     if (isNew) AppendDeclaration(*prefix, namespaceUri);
   }
-  char* const start = m_stream->Reserve((prefix != nullptr ? prefix->size() : 0) + localName.size() + 4);
-  char* end = start;
-  *end++ = ' ';
-  if (prefix != nullptr) end = PutPrefix(end, *prefix);
-  end = CopyName(end, localName);
-  *end++ = '=';
-  *end++ = '"';
-  Commit(start, end);
+  CTextCursor to = Reserve(*m_stream, RoomFor(" =\"", prefix, localName));
+  to.Put(' ');
+  PutQName(to, prefix, localName);
+  to.Put("=\"");
+  Commit(*m_stream, to);
   AppendEscaped(value, true);
   m_stream->Append('"');
   FlushIfFull();
@@ -252,33 +263,38 @@ void CXmlTextWriter::AppendText(std::string_view text) {
 // An element that gets neither attributes nor children needs no context unless it can fail half-way, and a single check
 // of the remaining room covers all of it. This saves much of the work of writing.
 void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri,
-                                      std::string_view value, ItemType) {
+                                      std::string_view value, ItemType type, std::uint64_t member) {
+  bool const isPlain = &typeid(*this) == &typeid(CXmlTextWriter) && !m_streamFlushes;  // overrides nothing
   std::string const* prefix = nullptr;
-  bool const isKnown = m_context != nullptr && FindPrefixOfChild(*m_context, namespaceUri, prefix);
-  if (!isKnown || m_streamFlushes) return WriteTextInSteps(localName, namespaceUri, value);
-  CloseParentElm();
-  RequireRoomForChild();
-  std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
-  std::size_t const tag = (prefix != nullptr ? prefix->size() : 0) + localName.size() + 4 + m_lineEnd.size();
-  std::size_t const copied = value.size() <= kLongestPiece ? value.size() : 0;
-  char* const start = m_stream->Reserve(tabs + 2 * tag + copied + kCopyBlock);
-  char* end = PutTabs(start, tabs);
-  *end++ = '<';
-  char* const name = end;
-  if (prefix != nullptr) end = PutPrefix(end, *prefix);
-  end = CopyName(end, localName);
-  std::string_view const written(name, static_cast<std::size_t>(end - name));
-  if (value.empty()) {
-    *end++ = '/';
-    *end++ = '>';
-    return Commit(start, PutLineEnd(end));
+  if (!kElementAtOnce.IsOn() || !isPlain || m_context == nullptr ||
+      !FindPrefixOfChild(*m_context, namespaceUri, prefix)) {
+    return CXmlWriter::WriteTextElement(localName, namespaceUri, value, type, member);
   }
-  *end++ = '>';
-  std::size_t const plain = CopyBlocks(end, value.substr(0, copied), HasMarkup());
-  end += plain;
-  if (plain == value.size()) return Commit(start, PutEndTag(end, written));
+  CloseParentElm();
+  XmlWriterAccess::RequireRoomForChild(*m_context);
+  std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
+  std::string_view const lineEnd = m_format ? std::string_view(m_lineEnd) : std::string_view();
+  std::size_t const endTag = RoomFor("</>", prefix, localName) + lineEnd.size() + CTextCursor::kOverrun;
+  std::size_t const copied = value.size() <= kLongestPiece ? value.size() : 0;
+  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("<>", prefix, localName) + copied + endTag);
+  to.Put('\t', tabs);
+  to.Put('<');
+  char const* const name = to.At();
+  PutQName(to, prefix, localName);
+  std::string_view const written(name, static_cast<std::size_t>(to.At() - name));
+  if (value.empty()) {
+    to.Put("/>");
+    to.PutName(lineEnd);
+    return Commit(*m_stream, to);
+  }
+  to.Put('>');
+  std::size_t const plain = to.PutUntil(value.substr(0, copied), HasMarkup());
+  if (plain == value.size()) {
+    PutEndTag(to, written, lineEnd);
+    return Commit(*m_stream, to);
+  }
   CXmlWriterContext* const context = NewContext(localName, namespaceUri);  // stays open if the rest fails
-  Commit(start, end);
+  Commit(*m_stream, to);
   context->m_tagOpen = false;
   m_context = context;
   if (plain == 0) {
@@ -286,24 +302,10 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
   } else {
     AppendEscaped(value.substr(plain), false);
   }
-  char* const rest = m_stream->Reserve(tag + kCopyBlock);
-  Commit(rest, PutEndTag(rest, written));
+  CTextCursor rest = Reserve(*m_stream, endTag);
+  PutEndTag(rest, written, lineEnd);
+  Commit(*m_stream, rest);
   PopContext();
-}
-
-char* CXmlTextWriter::PutEndTag(char* to, std::string_view name) const {
-  *to++ = '<';
-  *to++ = '/';
-  to = CopyOver(to, name);
-  *to++ = '>';
-  return PutLineEnd(to);
-}
-
-void CXmlTextWriter::WriteTextInSteps(std::string const& localName, std::string const& namespaceUri,
-                                      std::string_view value) {
-  CXmlTextWriter::WriteStartElement(localName, namespaceUri);
-  CXmlTextWriter::WriteString(std::string(value), ItemType_string);
-  CXmlTextWriter::WriteEndElement();
 }
 
 void CXmlTextWriter::WriteEndElement() {
@@ -324,14 +326,13 @@ void CXmlTextWriter::AppendEndTag() {
   // If the default namespace has changed in the meantime, there is no prefix.
   std::string const* const prefix = hasPrefix ? m_context->FindPrefix(m_context->m_namespace) : nullptr;
   std::size_t const tabs = m_format && m_context->m_childCount != 0 ? m_context->m_depth : 0;
-  char* const start = m_stream->Reserve(tabs + (prefix != nullptr ? prefix->size() : 0) + localName.size() + 4);
-  char* end = PutTabs(start, tabs);
-  *end++ = '<';
-  *end++ = '/';
-  if (hasPrefix) end = PutPrefix(end, prefix != nullptr ? std::string_view(*prefix) : std::string_view());
-  end = CopyName(end, localName);
-  *end++ = '>';
-  Commit(start, end);
+  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("</:>", prefix, localName));
+  to.Put('\t', tabs);
+  to.Put("</");
+  if (hasPrefix) PutPrefix(to, prefix != nullptr ? std::string_view(*prefix) : std::string_view());
+  to.PutName(localName);
+  to.Put('>');
+  Commit(*m_stream, to);
 }
 
 void CXmlTextWriter::WriteRawElement(std::string const& text) {
@@ -347,8 +348,9 @@ void CXmlTextWriter::PadAndAppend(char const* text, bool inAttribute) {
 void CXmlTextWriter::AppendEscaped(std::string_view text, bool inAttribute) {
   while (!text.empty()) {
     std::string_view const piece = text.substr(0, kLongestPiece);
-    std::size_t const copied = CopyBlocks(m_stream->Reserve(piece.size()), piece, HasMarkup());
-    m_stream->Commit(copied);
+    CTextCursor to = Reserve(*m_stream, piece.size());
+    std::size_t const copied = to.PutUntil(piece, HasMarkup());
+    Commit(*m_stream, to);
     text.remove_prefix(copied);
     if (copied == piece.size()) continue;
     std::size_t run = 0;
@@ -373,9 +375,6 @@ void CXmlTextWriter::CloseTag() {
 }
 
 void CXmlTextWriter::AppendLineEnd() { m_stream->Append(m_lineEnd); }
-
-// Line ends belong to formatting, so unformatted output gets none.
-char* CXmlTextWriter::PutLineEnd(char* to) const { return m_format ? CopyName(to, m_lineEnd) : to; }
 
 void CXmlTextWriter::FlushIfFull() {
   if (m_streamFlushes && m_stream->GetLength() >= kFlushAt) m_stream->Flush();

@@ -3,7 +3,9 @@
 #include <array>
 #include <new>
 
+#include "base/fast_paths.h"
 #include "base/per_thread.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -23,7 +25,7 @@ class BlockCache {
     return std::move(cache->m_blocks[--cache->m_count]);
   }
   static void Give(Block block) noexcept {
-    BlockCache* const cache = PerThread<BlockCache>::Find();
+    BlockCache* const cache = kBlockCache.IsOn() ? PerThread<BlockCache>::Find() : nullptr;
     if (cache == nullptr || cache->m_count == kMost) return;
     cache->m_blocks[cache->m_count++] = std::move(block);
   }
@@ -64,7 +66,7 @@ void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   if (m_detached == 0) {
     delete this;
   } else if (root != nullptr) {
-    root->Dispose();  // what it has outside this memory need not wait
+    XmlNodeAccess::Dispose(root);  // what it has outside this memory need not wait
   }
 }
 
@@ -73,14 +75,13 @@ void CTreeMemory::FreeDetached(void* node) noexcept {
   if (--m_detached == 0 && m_isAbandoned) delete this;
 }
 
-CXmlName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
+TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   auto const found = m_names.find({namespaceUri, localName});
   if (found != m_names.end()) return found->second.get();
   std::size_t const size = namespaceUri.size() + localName.size();
   CountContent(kNameCharge + 2 * size);
-  std::unique_ptr<CXmlName> name(
-      new CXmlName{std::string(namespaceUri), std::string(localName), this, nullptr, 0, ChargeOfNode(size)});
-  CXmlName const* const result = name.get();
+  auto name = std::make_unique<TreeName>(namespaceUri, localName, this, ChargeOfNode(size));
+  TreeName const* const result = name.get();
   m_names.emplace(std::make_pair(std::string_view(result->namespaceUri), std::string_view(result->localName)),
                   std::move(name));
   return result;

@@ -10,13 +10,28 @@
 #include <vector>
 
 #include "base/address_sanitizer.h"
-#include "quillon9/base/plain_classes.h"
+#include "base/plain_classes.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 
 namespace Quillon9 {
 
 class CTreeMemory;
+
+/// A name with what the library keeps about it. Each CXmlName is one.
+struct TreeName final : CXmlName {
+  /// A name in \p treeMemory, with which each node counts for \p nodeCharge.
+  TreeName(std::string_view uri, std::string_view name, CTreeMemory* treeMemory, std::size_t nodeCharge)
+      : CXmlName(std::string(uri), std::string(name)), memory(treeMemory), charge(nodeCharge) {}
+  /// The name of a standalone element of \p itsDocument, or of a standalone attribute.
+  TreeName(std::string uri, std::string name, CXmlDocument const* itsDocument)
+      : CXmlName(std::move(uri), std::move(name)), document(itsDocument) {}
+
+  CTreeMemory* memory = nullptr;           ///< of the document that shares it; null for a standalone node's name
+  CXmlDocument const* document = nullptr;  ///< of a standalone element
+  mutable std::uint64_t member = 0;        ///< the number of the class member that is known to have both names
+  std::size_t charge = 0;                  ///< what each node with this name counts for against CLimits, in a document
+};
 
 /// Data that a node has outside the memory of its tree. It is freed with its node or with the memory.
 class CTreeExtra {
@@ -54,7 +69,7 @@ class CTreeMemory {
  public:
   /// For the nodes of \p document. Allocate it with new; the document releases it with Abandon().
   explicit CTreeMemory(CXmlDocument* document)
-      : m_document(document), m_counting(document), m_noName{{}, {}, this, nullptr, 0, kNodeCharge} {}
+      : m_document(document), m_counting(document), m_noName({}, {}, this, kNodeCharge) {}
   CTreeMemory(CTreeMemory const&) = delete;
   CTreeMemory& operator=(CTreeMemory const&) = delete;
 
@@ -69,7 +84,7 @@ class CTreeMemory {
   void FreeDetached(void* node) noexcept;
 
   /// The classes read from this tree that are not nillable.
-  CPlainClasses& PlainClasses() { return m_plainClasses; }
+  PlainClasses& PlainTypes() { return m_plainClasses; }
 
   /// Count \p bytes of what is made from the tree against the bounds on the document, while the document exists.
   /// \throws what CXmlDocument::CountContent() throws.
@@ -88,10 +103,10 @@ class CTreeMemory {
   }
 
   /// Return the only name with these texts. A new one counts as content.
-  CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
+  TreeName const* ShareName(std::string_view namespaceUri, std::string_view localName);
 
   /// Return the name of elements that have not been given one yet.
-  CXmlName const* NoName() const { return &m_noName; }
+  TreeName const* NoName() const { return &m_noName; }
 
   /// Return storage of \p size bytes, at most kLargest, aligned for a pointer.
   void* Allocate(std::size_t size) { return AllocateGranules(Granules(size)); }
@@ -132,8 +147,8 @@ class CTreeMemory {
 
   CXmlDocument const* m_document;
   CXmlDocument* m_counting;
-  CXmlName m_noName;
-  CPlainClasses m_plainClasses;
+  TreeName m_noName;
+  PlainClasses m_plainClasses;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};
@@ -142,22 +157,7 @@ class CTreeMemory {
   std::vector<std::unique_ptr<char[]>> m_blocks;
   CTreeExtra* m_extras = nullptr;
   /// By namespace, then by local name. Ordered, because the document chooses the names.
-  std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<CXmlName>> m_names;
+  std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<TreeName>> m_names;
 };
-
-// Inline: the readers create nearly all elements here.
-
-inline CXmlElement* CXmlElement::AddChild(CXmlElement* child) noexcept {
-  auto const place = reinterpret_cast<std::uintptr_t>(child);
-  child->m_next = (m_lastChild != nullptr ? m_lastChild->m_next : place) | kIsLast;
-  if (m_lastChild != nullptr) m_lastChild->m_next = place;
-  m_lastChild = child;
-  return child;
-}
-
-inline CXmlElement* CXmlElement::AddChild(CXmlName const* name) {
-  CTreeMemory& memory = *Memory();
-  return AddChild(::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(*name));
-}
 
 }  // namespace Quillon9

@@ -7,11 +7,14 @@
 #include <utility>
 #include <vector>
 
+#include "base/fast_paths.h"
 #include "base/nesting_failure.h"
+#include "base/plain_classes.h"
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
 #include "xmlio/namespace_scope.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -55,7 +58,7 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_elementName(localName),
       m_parent(parent),
       m_inherits(true) {
-  Follow(*parent);
+  XmlWriterAccess::Follow(*this, *parent);
 }
 
 CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, std::string const& namespaceUri,
@@ -71,8 +74,8 @@ CXmlWriter::CXmlWriterContext::CXmlWriterContext(std::string const& localName, s
       m_scopeState(NextState()) {}
 
 CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
-  LeaveFollowers();
-  StopFollowing();
+  XmlWriterAccess::LeaveFollowers(*this);
+  XmlWriterAccess::StopFollowing(*this);
   // Iterative, because the document determines the length of the chain.
   for (CXmlWriterContext* context = m_parent; context != nullptr;) {
     CXmlWriterContext* parent = std::exchange(context->m_parent, nullptr);
@@ -80,109 +83,110 @@ CXmlWriter::CXmlWriterContext::~CXmlWriterContext() {
   }
 }
 
-void CXmlWriter::CXmlWriterContext::Reuse(std::string const& localName, std::string const& namespaceUri,
-                                          CXmlWriterContext* parent) {
-  m_childCount = 0;
-  m_tagOpen = true;
-  m_attributesWritten = false;
-  m_depth = parent->m_depth + 1;
-  if (!IsSameText(m_namespace, namespaceUri)) {  // rare, and so is the comparison with the default that follows
-    m_namespace = namespaceUri;
-    m_comparedState = 0;
-    m_numberedState = 0;
+void XmlWriterAccess::Reuse(Context& context, std::string const& localName, std::string const& namespaceUri,
+                            Context& parent) {
+  context.m_childCount = 0;
+  context.m_tagOpen = true;
+  context.m_attributesWritten = false;
+  context.m_depth = parent.m_depth + 1;
+  if (!IsSameText(context.m_namespace, namespaceUri)) {  // rare, and so is the comparison with the default that follows
+    context.m_namespace = namespaceUri;
+    context.m_comparedState = 0;
+    context.m_numberedState = 0;
   }
-  if (!IsSameText(m_elementName, localName)) {
-    m_elementName = localName;
-    m_numberedState = 0;
+  if (!IsSameText(context.m_elementName, localName)) {
+    context.m_elementName = localName;
+    context.m_numberedState = 0;
   }
-  m_parent = parent;
-  Follow(*parent);
+  context.m_parent = &parent;
+  Follow(context, parent);
 }
 
-void CXmlWriter::CXmlWriterContext::Follow(CXmlWriterContext& context) {
-  m_followed = &context;
-  m_scopeOwner = context.m_scopeOwner;
-  m_nextFollower = context.m_firstFollower;
-  m_place = &context.m_firstFollower;
-  if (m_nextFollower != nullptr) m_nextFollower->m_place = &m_nextFollower;
-  *m_place = this;
+void XmlWriterAccess::Follow(Context& context, Context& followed) {
+  context.m_followed = &followed;
+  context.m_scopeOwner = followed.m_scopeOwner;
+  context.m_nextFollower = followed.m_firstFollower;
+  context.m_place = &followed.m_firstFollower;
+  if (context.m_nextFollower != nullptr) context.m_nextFollower->m_place = &context.m_nextFollower;
+  *context.m_place = &context;
 }
 
-void CXmlWriter::CXmlWriterContext::StopFollowing() {
-  if (m_followed == nullptr) return;
-  m_followed = nullptr;
-  *m_place = m_nextFollower;
-  if (m_nextFollower != nullptr) m_nextFollower->m_place = m_place;
+void XmlWriterAccess::StopFollowing(Context& context) {
+  if (context.m_followed == nullptr) return;
+  context.m_followed = nullptr;
+  *context.m_place = context.m_nextFollower;
+  if (context.m_nextFollower != nullptr) context.m_nextFollower->m_place = context.m_place;
 }
 
-// Their links to this context, which is being destroyed, have been cleared. Allocates nothing.
-void CXmlWriter::CXmlWriterContext::LeaveFollowers() {
-  m_isLoose = false;  // references to the bindings end with this context
-  while (m_firstFollower != nullptr) {
-    CXmlWriterContext& follower = *m_firstFollower;
-    if (m_followed == nullptr) {
-      follower.KeepScope();
+// The links of the followers to their parent have been cleared.
+void XmlWriterAccess::LeaveFollowers(Context& context) {
+  context.m_isLoose = false;  // references to the bindings end with this context
+  while (context.m_firstFollower != nullptr) {
+    Context& follower = *context.m_firstFollower;
+    if (context.m_followed == nullptr) {
+      KeepScope(follower);
     } else {
-      follower.StopFollowing();
-      follower.Follow(*m_followed);
+      StopFollowing(follower);
+      Follow(follower, *context.m_followed);
     }
   }
 }
 
-// Visit the followers, and recursively the followers of those for which the visit returns true. A visited follower may
-// leave the list.
 template <class Visit>
-void CXmlWriter::CXmlWriterContext::ForEachFollower(Visit visit) {
-  CXmlWriterContext* at = m_firstFollower;
+void XmlWriterAccess::ForEachFollower(Context& context, Visit visit) {
+  Context* at = context.m_firstFollower;
   while (at != nullptr) {
-    CXmlWriterContext* next = at->m_nextFollower;
-    CXmlWriterContext* around = at->m_followed;
+    Context* next = at->m_nextFollower;
+    Context* around = at->m_followed;
     if (visit(*at) && at->m_firstFollower != nullptr) {
       at = at->m_firstFollower;
       continue;
     }
-    for (; next == nullptr && around != this; around = around->m_followed) next = around->m_nextFollower;
+    for (; next == nullptr && around != &context; around = around->m_followed) next = around->m_nextFollower;
     at = next;
   }
 }
 
-// Become the owner of a scope with the bindings in force. A scope that several contexts hold never changes, so it is
-// shared, unless a caller may have a reference to one of its bindings.
-void CXmlWriter::CXmlWriterContext::KeepScope() {
-  if (m_scopeOwner == this) return;
-  CXmlWriterContext const& owner = *m_scopeOwner;
-  m_scope = owner.m_isLoose
-                ? std::make_shared<CNamespaceScope>(owner.m_scope->GetDefaultNamespace(), owner.m_scope->All())
-                : owner.m_scope;
-  m_scopeState = owner.m_isLoose ? NextState() : owner.m_scopeState;
-  m_isLoose = false;
-  m_inherits = false;
-  m_scopeOwner = this;
-  StopFollowing();
-  ForEachFollower([this](CXmlWriterContext& follower) {
-    follower.m_scopeOwner = this;
+// A scope that several contexts hold never changes, so it is shared, unless a caller may have a reference to one of its
+// bindings.
+void XmlWriterAccess::KeepScope(Context& context) {
+  if (context.m_scopeOwner == &context) return;
+  Context const& owner = *context.m_scopeOwner;
+  context.m_scope = owner.m_isLoose
+                        ? std::make_shared<CNamespaceScope>(owner.m_scope->GetDefaultNamespace(), owner.m_scope->All())
+                        : owner.m_scope;
+  context.m_scopeState = owner.m_isLoose ? NextState() : owner.m_scopeState;
+  context.m_isLoose = false;
+  context.m_inherits = false;
+  context.m_scopeOwner = &context;
+  StopFollowing(context);
+  ForEachFollower(context, [&context](Context& follower) {
+    follower.m_scopeOwner = &context;
     return true;
   });
 }
 
-// Return a scope that only this context holds and that is about to change. Followers whose link was cleared since they
-// began to follow keep the bindings in force.
-CNamespaceScope& CXmlWriter::CXmlWriterContext::ScopeToChange() {
-  ForEachFollower([](CXmlWriterContext& follower) {
-    bool const isLinked = follower.IsLinked();
-    if (!isLinked) follower.KeepScope();
+// Followers whose link was cleared since they began to follow keep the bindings in force.
+CNamespaceScope& XmlWriterAccess::ScopeToChange(Context& context) {
+  ForEachFollower(context, [](Context& follower) {
+    bool const isLinked = IsLinked(follower);
+    if (!isLinked) KeepScope(follower);
     return isLinked;
   });
-  KeepScope();
-  if (m_scope.use_count() > 1) m_scope = std::make_shared<CNamespaceScope>(m_scope);
-  m_scopeState = NextState();  // first: the change may be followed by a failure
-  return *m_scope;
+  KeepScope(context);
+  if (context.m_scope.use_count() > 1) context.m_scope = std::make_shared<CNamespaceScope>(context.m_scope);
+  context.m_scopeState = NextState();  // first: the change may be followed by a failure
+  return *context.m_scope;
 }
 
-// Cached from the start of the element for its end, and for the next element that reuses this context.
+// Remembered from the start of the element for its end, and for the next element that reuses this context. Where the
+// answers are verified, the state is stored inverted, so that NeedsNoPrefix() calls this function each time.
 void CXmlWriter::CXmlWriterContext::CompareWithDefault() const {
-  m_needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
-  m_comparedState = m_scopeOwner->m_scopeState;
+  bool const needsNoPrefix = m_namespace.empty() || IsSameText(m_namespace, GetDefaultNamespace());
+  std::uint64_t const state = m_scopeOwner->m_scopeState;
+  kRememberedComparison.Verify([&] { return m_comparedState != ~state || m_needsNoPrefix == needsNoPrefix; });
+  m_needsNoPrefix = needsNoPrefix;
+  if constexpr (kRememberedComparison.IsOn()) m_comparedState = kChecksCaches ? ~state : state;
 }
 
 std::string const& CXmlWriter::CXmlWriterContext::GetDefaultNamespace() const {
@@ -199,25 +203,23 @@ std::string const* CXmlWriter::CXmlWriterContext::FindPrefix(std::string const& 
 
 std::string& CXmlWriter::CXmlWriterContext::GetNamespaceMapValue(std::string const& uri) {
   CXmlWriterContext* owner = this;
-  while (owner->IsLinked()) owner = owner->m_followed;
-  CNamespaceScope& scope = owner->ScopeToChange();
+  while (XmlWriterAccess::IsLinked(*owner)) owner = owner->m_followed;
+  CNamespaceScope& scope = XmlWriterAccess::ScopeToChange(*owner);
   owner->m_isLoose = true;
   return scope.At(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetDefaultNamespace(std::string const& uri) {
-  ScopeToChange().SetDefaultNamespace(uri);
+  XmlWriterAccess::ScopeToChange(*this).SetDefaultNamespace(uri);
 }
 
 void CXmlWriter::CXmlWriterContext::SetNamespaceMapValue(std::string const& uri, std::string const& prefix) {
-  ScopeToChange().Bind(uri, prefix);
+  XmlWriterAccess::ScopeToChange(*this).Bind(uri, prefix);
 }
 
-std::string const& CXmlWriter::CXmlWriterContext::BindToGenerated(std::string const& uri) {
-  return ScopeToChange().BindToGenerated(uri);
+CXmlWriter::CXmlWriter(char const* /*className*/) : m_plainClasses(std::make_unique<PlainClasses>()) {
+  CXmlWriter::AddNamespace("xml", XML_NAMESPACE);
 }
-
-CXmlWriter::CXmlWriter(char const* /*className*/) { CXmlWriter::AddNamespace("xml", XML_NAMESPACE); }
 
 CXmlWriter::~CXmlWriter() {
   delete m_context;
@@ -244,6 +246,13 @@ void CXmlWriter::AddNamespace(std::string const& alias, std::string const& uri) 
   } else {
     m_namespaceMap[uri] = alias;
   }
+}
+
+void CXmlWriter::WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                                  ItemType type, std::uint64_t /*member*/) {
+  WriteStartElement(localName, namespaceUri);
+  WriteString(std::string(value), type);
+  WriteEndElement();
 }
 
 std::string CXmlWriter::GetUniquePrefix(std::map<std::string, std::string> const& map) {
@@ -278,27 +287,30 @@ std::string CXmlWriter::NsIntToString(int number) {
 CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localName, std::string const& namespaceUri) {
   std::uint32_t const limit = CLimits::GetMaxElementDepth();
   RequireLevel(m_context == nullptr ? 0 : m_context->m_depth + 1, limit);
-  if (m_context != nullptr && m_spare != nullptr) {
-    CXmlWriterContext* const context = m_spare;
-    CXmlWriterContext* const others = context->m_parent;
-    context->Reuse(localName, namespaceUri, m_context);
-    context->m_isDeepest = context->m_depth + 1 >= limit;
-    m_spare = others;
-    return context;
-  }
-  auto* const context = m_context != nullptr ? new CXmlWriterContext(localName, namespaceUri, m_context)
+  auto* const context = m_context != nullptr ? XmlWriterAccess::NewChild(*this, localName, namespaceUri)
                                              : new CXmlWriterContext(localName, namespaceUri, m_defaultNamespace,
                                                                      m_namespaceMap, nullptr);
-  context->m_isDeepest = context->m_depth + 1 >= limit;
+  XmlWriterAccess::SetLimit(*context, limit);
+  return context;
+}
+
+void CXmlWriter::PopContext() { XmlWriterAccess::Release(*this, std::exchange(m_context, m_context->m_parent)); }
+
+XmlWriterAccess::Context* XmlWriterAccess::NewChild(CXmlWriter& writer, std::string const& localName,
+                                                    std::string const& namespaceUri) {
+  Context* const context = writer.m_spare;
+  if (context == nullptr) return new Context(localName, namespaceUri, writer.m_context);
+  Context* const others = context->m_parent;
+  Reuse(*context, localName, namespaceUri, *writer.m_context);
+  writer.m_spare = others;
   return context;
 }
 
 // An element that bound nothing leaves its context to the next one, which saves much of the time of writing.
-void CXmlWriter::PopContext() {
-  CXmlWriterContext* const context = std::exchange(m_context, m_context->m_parent);
-  if (context->m_followed != nullptr && context->m_firstFollower == nullptr) {
-    context->StopFollowing();
-    context->m_parent = std::exchange(m_spare, context);
+void XmlWriterAccess::Release(CXmlWriter& writer, Context* context) {
+  if (kSpareContexts.IsOn() && context->m_followed != nullptr && context->m_firstFollower == nullptr) {
+    StopFollowing(*context);
+    context->m_parent = std::exchange(writer.m_spare, context);
     return;
   }
   context->m_parent = nullptr;
@@ -313,14 +325,14 @@ void CXmlWriter::RequireOpenElement() const {
   if (m_context == nullptr) throw CQnException("There is no open element to end");
 }
 
-void CXmlWriter::RequireRoomBelowDeepest() const {
-  RequireLevel(m_context->m_depth + 1, CLimits::GetMaxElementDepth());
+void XmlWriterAccess::RequireRoomBelowDeepest(Context const& open) {
+  RequireLevel(open.m_depth + 1, CLimits::GetMaxElementDepth());
 }
 
 std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew) {
   std::string const* const found = context.FindPrefix(uri);
   isNew = found == nullptr;
-  return isNew ? context.BindToGenerated(uri) : *found;
+  return isNew ? XmlWriterAccess::ScopeToChange(context).BindToGenerated(uri) : *found;
 }
 
 std::string const& CXmlWriter::SchemaInstanceNamespace() {

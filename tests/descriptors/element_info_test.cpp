@@ -234,11 +234,20 @@ TEST(PrimitiveWriting, ValuesArePrintedBehindTheStartOfTheirElementByTheWritersO
       CXmlTextWriter::WriteStartElement(name + "1", ns);
     }
   };
+  struct Bracketing : CXmlTextWriter {
+    using CXmlTextWriter::CXmlTextWriter;
+    void WriteTextElement(std::string const& name, std::string const& ns, std::string_view value, ItemType type,
+                          std::uint64_t member) override {
+      CXmlTextWriter::WriteTextElement(name, ns, '[' + std::string(value) + ']', type, member);
+    }
+  };
   QnVariant number;
   number.SetR8(0.5);
   EXPECT_EQ("<a><v>0.50</v>", WriteValue(number, "%.2f"));
   EXPECT_EQ("<a><v>0.5</v>", WriteValue(number, kShortestFormat));
   EXPECT_EQ("<a1><v1>0.50</v1>", WriteValue<Renaming>(number, "%.2f"));
+  EXPECT_EQ("<a><v>[0.50]</v>", WriteValue<Bracketing>(number, "%.2f"));
+  EXPECT_EQ("<a><v>[0.5]</v>", WriteValue<Bracketing>(number, nullptr));
   EXPECT_EQ("<a><v The format [%s] does not print one floating-point number", WriteValue(number, "%s"));
   QnVariant object;
   object.SetXmlObject(nullptr);

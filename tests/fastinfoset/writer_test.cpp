@@ -282,6 +282,27 @@ TEST(FastInfosetWriter, TextElementsAtOnce) {
 }
 
 // This also holds when the bindings change between two elements of a member.
+TEST(FastInfosetWriter, TextElementsCallTheOverridesOfADerivedClass) {
+  struct Marking : CFastInfosetWriter {
+    using CFastInfosetWriter::CFastInfosetWriter;
+    void WriteString(std::string const& value, ItemType type) override {
+      CFastInfosetWriter::WriteString(value + '2', type);
+    }
+  };
+  CBinaryStream stream;
+  Marking writer(Plain(), stream);
+  writer.WriteStartDocument(FInfoDecl_None);
+  writer.WriteStartElement("a", "");
+  static_cast<CXmlWriter&>(writer).WriteTextElement("b", "", "x", ItemType_string, 1);
+  writer.WriteTextElement("b", "", "x", ItemType_string, 1);
+  writer.WriteEndElement();
+  writer.WriteEndDocument();
+  Doc expected;
+  expected.Declare(FInfoDecl_None).Start("a");
+  for (int i = 0; i < 2; ++i) expected.Start("b").Text("x2").End();
+  EXPECT_EQ(expected.End().Done(), Bytes(stream.GetBinaryStream()));
+}
+
 TEST(FastInfosetWriter, MembersAreNumberedAnewInEachScope) {
   auto const write = [](bool atOnce) {
     Doc doc;

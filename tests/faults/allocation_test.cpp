@@ -15,6 +15,7 @@
 #include <thread>
 #include <utility>
 
+#include "base/fast_paths.h"
 #include "failing_allocations.h"
 #include "octets.h"
 #include "orders.h"
@@ -280,7 +281,7 @@ TEST(Allocation, ElementThatFailsHalfWayStaysOpen) {
                    writer.WriteTextElement("a", "", text, ItemType_string);
                  }).empty();
     writer.WriteEndElement();
-    bool const isHalfWay = hasFailed && std::string_view(stream.GetText()).find("<a>") != std::string_view::npos;
+    bool const isHalfWay = hasFailed && std::string_view(stream.GetText()).find("<a") != std::string_view::npos;
     EXPECT_EQ(isHalfWay, !FailureOf([&] { writer.Close(); }).empty()) << passing;
     if (isHalfWay) ++halfWay;
   }
@@ -394,6 +395,8 @@ Subject CheckingBounds(ItemType type, char const* low, char const* text, char co
 }
 
 TEST(Allocation, Facets) {
+  // Only remembering a bound takes memory.
+  constexpr Promise kBounds = kRememberedValue.IsOn() ? Promise::Report : Promise::NeverFails;
   Row const rows[] = {
       {"pattern", [] { return CheckingPattern("[a-z]{3}-(x|y)+\\d\\i\\c*", "abc-xyxy1name"); }},
       {"pattern on a short and a long value", &MatchingShortThenLong},
@@ -403,14 +406,15 @@ TEST(Allocation, Facets) {
          return CheckingBounds(ItemType_integer, "1", "123456789012345678901234567890",
                                "1234567890123456789012345678901");
        }},
-      {"i4", [] { return CheckingBounds(ItemType_i4, "1", "2", "3"); }},
-      {"r8", [] { return CheckingBounds(ItemType_r8, "0.1", "2.5", "1e300"); }},
+      {"i4", [] { return CheckingBounds(ItemType_i4, "1", "2", "3"); }, kBounds},
+      {"r8", [] { return CheckingBounds(ItemType_r8, "0.1", "2.5", "1e300"); }, kBounds},
       {"dateTime",
        [] {
          return CheckingBounds(ItemType_datetime, "2000-01-01T00:00:00Z", "2024-03-18T10:11:12",
                                "2100-01-01T00:00:00Z");
-       }},
-      {"duration", [] { return CheckingBounds(ItemType_duration, "P1D", "P2D", "P3D"); }},
+       },
+       kBounds},
+      {"duration", [] { return CheckingBounds(ItemType_duration, "P1D", "P2D", "P3D"); }, kBounds},
   };
   ExpectAllShortagesReported(rows);
 }

@@ -236,6 +236,7 @@ class Counted : public CElement {
 };
 
 TEST(Threads, CountedReferences) {
+  g_destroyed = 0;  // the test may run again
   for (int object = 1; object <= 20; ++object) {
     std::vector<CSmartPtr<CElement>> references(kThreads, CSmartPtr<CElement>(new Counted));
     InThreads([&](std::size_t thread) {

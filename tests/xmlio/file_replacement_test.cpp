@@ -52,6 +52,14 @@ class Identity {
   std::vector<gid_t> m_groups;
 };
 
+/// Whether a user can reach the files in a folder, which takes a right to search it and each folder above it.
+bool CanReach(std::string const& folder, uid_t user, gid_t group) {
+  Identity const identity(user, group);
+  return ::faccessat(AT_FDCWD, folder.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
+constexpr char kUnreachable[] = "other users cannot reach the folder for temporary files, which TMPDIR can change";
+
 /// Makes files above this size impossible to write for the duration of a scope, as a full disk would for every user.
 class SizeLimit {
  public:
@@ -120,6 +128,11 @@ class FileReplacement : public testing::Test {
     return static_cast<std::size_t>(std::distance(fs::directory_iterator(m_folder), fs::directory_iterator()));
   }
 
+  /// Whether the test can act as other users in its folder.
+  bool OthersCanReach() const {
+    return CanReach(m_folder, kUser, kGroup) && CanReach(m_folder, kOtherUser, kOtherGroup);
+  }
+
   std::string m_folder;
 };
 
@@ -175,6 +188,7 @@ TEST_F(FileReplacement, RightsAreThoseOfTheOldFileOrOfANewOne) {
 
 TEST_F(FileReplacement, OwnerAndGroupStayOrNobodyGetsMoreRights) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can act as several users";
+  if (!OthersCanReach()) GTEST_SKIP() << kUnreachable;
   struct {
     uid_t writer;
     gid_t group;
@@ -240,6 +254,7 @@ TEST_F(FileReplacement, AccessListIsThatOfTheOldFile) {
   EXPECT_EQ(0644U, ModeOf(plain));
 
   if (::geteuid() != 0) return;
+  if (!OthersCanReach()) GTEST_SKIP() << kUnreachable;
   ASSERT_EQ(0, ::chown(listed.c_str(), kUser, kGroup));
   {
     Identity const identity(kUser, kOtherGroup);
@@ -313,6 +328,7 @@ TEST_F(FileReplacement, LongestAndRelativeNamesWork) {
 }
 
 TEST_F(FileReplacement, ProtectedFilesAreRefusedAndProtectedFoldersWrittenInPlace) {
+  if (::geteuid() == 0 && !OthersCanReach()) GTEST_SKIP() << kUnreachable;
   std::string const path = Make("a.xml", "old", 0444);
   ASSERT_EQ(0, ::chmod(m_folder.c_str(), 0755));
   std::optional<Identity> identity;
@@ -338,6 +354,7 @@ bool IsGuarded(char const* what) { return Read(std::string("/proc/sys/fs/protect
 
 TEST_F(FileReplacement, FilesAndLinksOfOthersInAStickyFolderAreLeftToTheSystem) {
   if (::geteuid() != 0) GTEST_SKIP() << "only root can act as several users";
+  if (!OthersCanReach()) GTEST_SKIP() << kUnreachable;
   if (IsGuarded("regular") || IsGuarded("symlinks")) GTEST_SKIP() << "the system refuses to write such files";
   ASSERT_EQ(0, ::chmod(m_folder.c_str(), 01777));
   std::string const path = MakeFor(kOtherUser, kOtherGroup, 0666);

@@ -14,6 +14,7 @@
 
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 namespace {
@@ -86,7 +87,7 @@ void ExpectSame(Model const& model, Context const& context, States& states) {
     }
   }
   ASSERT_EQ(context.m_namespace.empty() || context.m_namespace == scope.m_defaultNamespace, context.NeedsNoPrefix());
-  states.Check(context.GetScopeState(), scope);
+  states.Check(XmlWriterAccess::ScopeState(context), scope);
 }
 
 /// Makes protected operations callable, and starts each element with the operation after the one that requests it.

@@ -253,6 +253,30 @@ TEST(TextWriter, TextElementsAtOnce) {
   }
 }
 
+TEST(TextWriter, TextElementsCallTheOverridesOfADerivedClass) {
+  struct Marking : CXmlTextWriter {
+    using CXmlTextWriter::CXmlTextWriter;
+    void WriteStartElement(std::string const& name, std::string const& ns) override {
+      CXmlTextWriter::WriteStartElement(name + '1', ns);
+    }
+    void WriteString(std::string const& value, ItemType type) override {
+      CXmlTextWriter::WriteString(value + (type == ItemType_i4 ? "2" : ""), type);
+    }
+    void WriteEndElement() override {
+      WriteString("3", ItemType_string);
+      CXmlTextWriter::WriteEndElement();
+    }
+  };
+  CTextStream stream;
+  Marking writer(stream);
+  writer.SetFormat(false);
+  writer.WriteStartElement("a", "");
+  static_cast<CXmlWriter&>(writer).WriteTextElement("b", "", "x", ItemType_i4);
+  writer.WriteTextElement("c", "", "", ItemType_string);
+  writer.WriteEndElement();
+  EXPECT_EQ("<a1><b1>x23</b1><c1>3</c1>3</a1>", stream.CopyText());
+}
+
 TEST(TextWriter, DeclarationFollowsTheStreamsEncoding) {
   char const* const encodings[] = {"", " encoding=\"UTF-8\"", " encoding=\"UTF-16\"", ""};
   for (int encoding = XmlEncoding_Default; encoding <= XmlEncoding_Unicode; ++encoding) {

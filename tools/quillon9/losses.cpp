@@ -4,6 +4,7 @@
 #include <climits>
 #include <vector>
 
+#include "base/text_arguments.h"
 #include "infoset_parser.h"
 #include "infoset_strings.h"
 
@@ -11,6 +12,7 @@ namespace Quillon9Tool {
 
 using Quillon9::CEncoder;
 using Quillon9::CFIVocabulary;
+using Quillon9::StartsWith;
 
 namespace {
 
@@ -29,8 +31,6 @@ std::string_view OneByteAUnit(std::string_view xml, std::string& buffer) {
   }
   return buffer;
 }
-
-bool StartsWith(std::string_view text, std::string_view start) { return text.substr(0, start.size()) == start; }
 
 /// Return the rest of \p text after the first \p end.
 std::string_view Behind(std::string_view text, std::string_view end) {

@@ -5,11 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "quillon9/binding/node_pool.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/export.h"
 
 namespace Quillon9 {
+
+class NodePool;
 
 /// Base of all collections: the element name (GetElementName()) and the namespace of the items, the occurrence limits,
 /// and the listeners. A repeating element of a schema becomes a collection property of its class.
@@ -170,7 +171,7 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   void RemoveNode(CNode* node, int index);
   void Unlink(CNode* node, int index = -1);
 
-  CNodePool m_nodes;
+  NodePool* m_nodes = nullptr;  // owned; null without nodes
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;

@@ -247,8 +247,7 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   void Throw_IfPropertyIsNull(CXmlObjectBase* value, char const* name);
 
  private:
-  friend class Quillon9Data::CElementInfo;  // the descriptors give children their part of the tree
-  friend class Quillon9Data::CAttributeInfo;
+  friend struct ObjectAccess;
 
   std::string m_elementName;
   std::atomic<int> m_refCount = 0;  // instead of a mutex and a count: faster and smaller

@@ -59,7 +59,7 @@ class QUILLON9_API CAttributeInfo {
   /// \throws CQnValidationException "Failed to find the required Attribute [%s]" unless it is optional or \p found.
   void ThrowIfRequiredAndMissing(bool found) const;
 
-  friend class TableCheck;
+  friend struct DescriptorAccess;
   std::string m_attributeName;  ///< local name
   std::string m_namespace;      ///< empty for none
   int m_propertyIndex;          ///< for AccessProperty()
@@ -87,7 +87,7 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   void CheckRestriction(QnVariant value) const;
 
  private:
-  friend class TableCheck;
+  friend struct DescriptorAccess;
   CPrimitiveRestrictions m_restrictions;
   ItemType m_itemType;
   char const* m_format;
@@ -111,7 +111,7 @@ class QUILLON9_API CAttributeInfoEnum : public CAttributeInfo {
   void Validate(CXmlSerializationContext const& ctx, bool found) const override;
 
  private:
-  friend class TableCheck;
+  friend struct DescriptorAccess;
   EnumFromText m_fromText;
   EnumToText m_toText;
 };

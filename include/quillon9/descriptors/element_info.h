@@ -52,9 +52,6 @@ using EnumToText = char const* (*)(int value);
 using EnumFromText = int (*)(char const* text);
 ///@}
 
-struct ChildTypes;  // for internal use
-class TableCheck;   // for internal use
-
 /// Base of all element descriptors: what a descriptor stores, and the steps that the derived classes share.
 class QUILLON9_API CElementInfo {
  public:
@@ -93,8 +90,6 @@ class QUILLON9_API CElementInfo {
   /// Whether ElementFromXml() uses the namespace of the holder, which is otherwise not requested from the holder. True
   /// here; of the classes below, true for those of untyped content.
   virtual bool ReadsHolderNamespace() const { return true; }
-  /// The number of this member, which no other member ever has; readers use it to recognise members.
-  std::uint64_t GetNumber() const { return m_number; }
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
@@ -226,9 +221,9 @@ class QUILLON9_API CElementInfo {
   bool m_primitive;  ///< set by the constructor for primitive members
 
  private:
-  friend class TableCheck;
+  friend struct DescriptorAccess;
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for other members, and for rare facets
-  std::uint64_t const m_number;
+  std::uint64_t const m_number;  // which no other member ever has; readers use it to recognise members
 };
 
 // ---- The three groups
@@ -267,9 +262,9 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
       const override;                                                                                          \
   bool ElementFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,    \
                       CXmlElement** cursor, char const* holderNamespace, XmlElementType holderType) override;
-#define QN_TYPED_OVERRIDES \
-  friend class TableCheck; \
-  QN_ELEMENT_OVERRIDES     \
+#define QN_TYPED_OVERRIDES        \
+  friend struct DescriptorAccess; \
+  QN_ELEMENT_OVERRIDES            \
   bool ReadsHolderNamespace() const override { return false; }
 #define QN_UNTYPED_OVERRIDES \
   QN_ELEMENT_OVERRIDES       \
@@ -442,7 +437,6 @@ class QUILLON9_API CElementInfoSeqClsMnd : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   bool TakeElementChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement** cursor,
                         XmlElementType holderType);
   bool TakePseudoChild(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
@@ -466,7 +460,6 @@ class QUILLON9_API CElementInfoSeqClsOpt : public CElementInfoSeq {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -489,7 +482,6 @@ class QUILLON9_API CElementInfoAllClsMnd : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   [[maybe_unused]] ClassFactory m_classFactory;
   [[maybe_unused]] int m_classId;
@@ -508,7 +500,6 @@ class QUILLON9_API CElementInfoAllClsOpt : public CElementInfoAll {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -527,7 +518,6 @@ class QUILLON9_API CElementInfoChoiceClsOpt : public CElementInfoChoice {
   QN_PSEUDO_OBJECT_OVERRIDE
 
  private:
-  friend struct ChildTypes;
   XmlElementType m_childType;
   ClassFactory m_classFactory;
   int m_classId;
@@ -799,7 +789,7 @@ class QUILLON9_API CElementInfoAllPrimCol : public CElementInfoAllCol {
   ~CElementInfoAllPrimCol() override;
 };
 
-/// A collection of enumerators, in an all group. Unlike its sisters, it does not derive from a `Col` class.
+/// A collection of enumerators, in an all group. Unlike the other collections, it does not derive from a `Col` class.
 class QUILLON9_API CElementInfoAllEnumCol : public CElementInfoAll {
  public:
   /// The name, the namespace and the index of the property, as for CElementInfo.

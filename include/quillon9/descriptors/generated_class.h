@@ -52,6 +52,7 @@ namespace Quillon9 {
 
 class FailedScans;
 class FlagSet;
+class PlainClasses;
 
 /// Base of every generated class. Reads and writes any class by the description that the class gives of itself through
 /// five operations, one record and two tables.
@@ -176,7 +177,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;
   /// This object as a nillable one, or null. \p plainClasses may be null.
-  INillable const* AsNillable(CPlainClasses* plainClasses) const;
+  INillable const* AsNillable(PlainClasses* plainClasses) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
   void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;

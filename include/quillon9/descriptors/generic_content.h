@@ -275,8 +275,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
                            bool inChoice) override;
 
  private:
-  // Those of the base, which read the first child of the root. Private, so that they are not mistaken for the one
-  // above.
+  // The operations of the base, which read the first child of the root. They are private so that they are not mistaken
+  // for the one above.
   void FromXml(char const* text, CXmlSerializationContext const& ctx) override;
   void FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) override;
 

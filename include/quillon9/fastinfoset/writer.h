@@ -73,13 +73,9 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   /// case.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
-
-  /// Do the same as WriteStartElement(), WriteString() and WriteEndElement() in a row, but faster. Overrides of these
-  /// in a derived class are not called. A zero must follow \p value. \p member is 0 or the process-wide number of a
-  /// class member; one number must always come with the same two names.
-  /// \throws CQnException as these three do.
+  /// Write the element in one step, unless this object is of a derived class. \p member saves the lookup of a name.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
-                        ItemType type, std::uint64_t member = 0);
+                        ItemType type, std::uint64_t member = 0) override;
 
   /// Write the header, preceded by the declaration \p decl.
   /// \throws CQnException "Invalid declaration value [%d]".
@@ -92,8 +88,6 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
     if (m_pendingElement != nullptr) WritePendingElement(hasAttributes);
   }
   void WritePendingElement(bool hasAttributes);
-  void WriteTextInSteps(std::string const& localName, std::string const& namespaceUri, std::string_view value,
-                        ItemType type);
   unsigned long FindNameOfChild(std::string const* prefix, std::string const& localName,
                                 std::string const& namespaceUri, std::uint64_t member);
   void WriteText(std::string_view value, ItemType type);

@@ -24,7 +24,7 @@ class QUILLON9_API CQnUtf16Exception : public CQnException, public std::logic_er
  public:
   /// Holds \p message and has no inner exception.
   explicit CQnUtf16Exception(std::string const& message);
-  /// Copies the text and clones the inner chain.
+  /// Copies the text and shares the inner chain.
   ///@{
   CQnUtf16Exception(CQnUtf16Exception const& other) = default;
   CQnUtf16Exception& operator=(CQnUtf16Exception const& other) = default;

@@ -20,10 +20,10 @@ struct CDecimalParts;
 /// zeros are equal and print "0", but the order operators compare the signs first, so -0 lies below +0 (unexpectedly
 /// for a user of XML Schema: "-0" violates minInclusive "0").
 ///
-/// Memory is a byte a digit. The zeros that an exponent or Pow10() appends take memory only when a sum, a quotient or
-/// ToString() needs them as digits; comparing, copying and multiplying do not. The time of parsing, printing,
-/// comparing, adding and subtracting grows with the number of digits n, that of multiplying with n to the power of 1.6
-/// (Karatsuba). A division takes as long as a few products, SquareRoot() as long as a few divisions.
+/// A number takes one byte per digit. The zeros that an exponent or Pow10() appends take memory only when a sum, a
+/// quotient or ToString() needs them as digits; comparing, copying and multiplying do not. The time of parsing,
+/// printing, comparing, adding and subtracting grows with the number of digits n, that of multiplying with n to the
+/// power of 1.6 (Karatsuba). A division takes as long as a few products, SquareRoot() as long as a few divisions.
 ///
 /// A plain value: it belongs to one thread at a time, and any number of threads may read it. Operators that throw leave
 /// both operands unchanged. Besides the failures named below, operations may throw std::bad_alloc. A value that was

@@ -133,7 +133,7 @@ class QUILLON9_API CBinaryData {
   /// \throws CQnException "Invalid char in hex string [%c]"; for an odd number of digits the text ends at the opening
   ///         bracket. The value is then left cleared.
   void SetAsHexString(char const* text);
-  /// Two upper-case hexadecimal digits a byte; empty without a holder.
+  /// Two upper-case hexadecimal digits for each byte; empty without a holder.
   std::string GetAsHexString() const;
   /// Two upper-case hexadecimal digits for each of \p length bytes; empty when \p data is null.
   static std::string GetAsHexString(unsigned char const* data, unsigned long length);

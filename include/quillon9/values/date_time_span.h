@@ -11,8 +11,8 @@ namespace Quillon9 {
 /// normalisation, under one sign for the whole. A plain value.
 ///
 /// It differs from XML Schema as follows: an all-zero span prints "P", which no parser accepts; numbers wrap at 32
-/// bits; of the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparing goes by calendar days
-/// and ignores months, see CompareTo().
+/// bits; of the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparison uses calendar days
+/// and ignores months; see CompareTo().
 class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.

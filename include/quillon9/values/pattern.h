@@ -15,10 +15,10 @@ namespace Quillon9 {
 /// does not match "ab".
 ///
 /// \p pattern is UTF-8, \p value is in the local code page; both end before their first zero byte. Work and memory are
-/// bounded: a match that would need more than a million steps (and two more a byte of the value) or 128 MiB of
-/// backtracking memory counts as no match. "[a-z]*" takes no such memory, "(a|b)*" 32 bytes a character. Where the
-/// pattern cannot be compiled to machine code, the bound for PCRE 8 is the thread's stack, with 1 KiB a level of
-/// backtracking; PCRE2 takes some 150 bytes a level of the 128 MiB.
+/// bounded: a match that would need more than a million steps (plus two for each byte of the value) or 128 MiB of
+/// backtracking memory counts as no match. "[a-z]*" takes no such memory, "(a|b)*" 32 bytes per character. Where
+/// the pattern cannot be compiled to machine code, the bound for PCRE 8 is the thread's stack, with 1 KiB per level of
+/// backtracking; PCRE2 takes some 150 bytes of the 128 MiB per level.
 ///
 /// PCRE 8 and PCRE2 give the same answers with these exceptions: their messages and some offsets; characters added to
 /// Unicode after version 7, which PCRE 8 does not know; a class that contains both a property and one of D, S and W,

@@ -166,8 +166,7 @@ class QUILLON9_API QnVariant {
   void FromString(std::string const& text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
 
  private:
-  friend class Quillon9Data::CElementInfo;  // which have text held as string_view
-  friend class Quillon9Data::CAttributeInfoPrimitive;
+  friend struct VariantAccess;
 
   /// FromString() for a text that is followed by a zero.
   void FromText(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);

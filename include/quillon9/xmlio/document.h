@@ -161,9 +161,7 @@ class QUILLON9_API CXmlDocument {
     CXmlElement* before;
   };
 
-  friend class ObjectContent;   // gives back what objects counted
-  friend class CXmlObjectBase;  // reads from bytes that outlive its document
-  friend class CXmlSource;      // and so does this
+  friend struct XmlNodeAccess;
   /// LoadXml() and LoadXmlStream() without the copy, which would cost time and double the memory for the input.
   ///@{
   void LoadLentXml(char const* text);

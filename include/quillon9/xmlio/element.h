@@ -4,26 +4,30 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/element_ranges.h"
-#include "quillon9/xmlio/node_text.h"
 
 namespace Quillon9 {
 
 class CTreeMemory;
 
-/// The two names of an element or attribute, and where it belongs. The nodes of a document share one object for each
-/// pair of names. For readers; other callers ask the nodes.
+/// The two names of an element or attribute. The nodes of a document share one object for each pair of names, which
+/// CXmlDocument::ShareName() returns. For readers; other callers ask the nodes.
 struct CXmlName {
-  std::string namespaceUri;                ///< empty for none
-  std::string localName;                   ///< without prefix
-  CTreeMemory* memory = nullptr;           ///< of the document that shares it; null for a standalone node's name
-  CXmlDocument const* document = nullptr;  ///< of a standalone element
-  mutable std::uint64_t member = 0;        ///< the number of the class member that is known to have both names
-  std::size_t charge = 0;                  ///< what each node with this name counts for against CLimits, in a document
+  CXmlName(CXmlName const&) = delete;
+  CXmlName& operator=(CXmlName const&) = delete;
+
+  std::string namespaceUri;  ///< empty for none
+  std::string localName;     ///< without prefix
+
+ protected:
+  /// Only the library creates names, because they know where they belong.
+  CXmlName(std::string uri, std::string name) : namespaceUri(std::move(uri)), localName(std::move(name)) {}
+  ~CXmlName() = default;
 };
 
 /// One attribute of a parsed element. It is immutable and owned by its element. Namespace declarations are attributes
@@ -39,9 +43,9 @@ class QUILLON9_API CXmlAttribute {
   /// Return the name without its prefix.
   std::string const& GetLocalName() const { return m_name->localName; }
   /// Return the value with entities resolved. It lives as long as this attribute.
-  std::string const& GetValue() const { return m_value.GetString(m_name->memory); }
+  std::string const& GetValue() const;
   /// Return the same bytes without creating a string, until GetValue() is called. A zero follows them.
-  std::string_view GetValueView() const { return m_value.GetView(); }
+  std::string_view GetValueView() const;
   /// Return the namespace; empty if the attribute is in none.
   std::string const& GetNamespaceURI() const { return m_name->namespaceUri; }
   /// Return the next attribute of the same element in document order, or null.
@@ -56,16 +60,15 @@ class QUILLON9_API CXmlAttribute {
   bool IsNamespaceAttribute() const;
 
  private:
-  friend class CXmlElement;
+  friend struct XmlNodeAccess;
   static constexpr std::uintptr_t kIsLast = 1;
 
   /// Use a name that a document shares.
   explicit CXmlAttribute(CXmlName const& name) noexcept : m_name(&name) {}
-  void Dispose() noexcept;
 
   CXmlName const* m_name;
-  CNodeText m_value;
-  std::uintptr_t m_next = kIsLast;  // the next one; in the last one, the first one with the bit kIsLast
+  mutable std::uintptr_t m_value = 0;  // only NodeText in the sources can read it
+  std::uintptr_t m_next = kIsLast;     // the next one; in the last one, the first one with the bit kIsLast
 };
 
 /// One element of a parsed document: its name, attributes and children, and all character data directly inside it as
@@ -99,10 +102,10 @@ class QUILLON9_API CXmlElement {
   /// Return both names, until this element gets others. For readers.
   CXmlName const& GetNames() const { return *m_name; }
   /// Return all character data directly inside the element, until more is appended.
-  std::string const& GetText() const { return m_text.GetString(Memory()); }
+  std::string const& GetText() const;
   /// Return the same bytes without creating a string, until GetText() is called or more is appended. A zero follows
   /// them.
-  std::string_view GetTextView() const { return m_text.GetView(); }
+  std::string_view GetTextView() const;
   /// Return the attributes in document order.
   std::vector<CXmlAttribute*> const& GetAttributes() const;
   /// Return the first attribute, or null. Continuing with GetNextAttribute() costs less than the vector, which
@@ -147,10 +150,10 @@ class QUILLON9_API CXmlElement {
   /// Append the \p length bytes at \p text; a negative length appends nothing.
   ///@{
   void AppendText(char const* text, int length);
-  void AppendText(std::string_view text) { m_text.Append(text, Memory()); }
+  void AppendText(std::string_view text);
   ///@}
   /// Append ASCII without zeros and carriage returns. Return false, with nothing changed, for other or long text.
-  bool AppendPlainText(std::string_view text) { return m_text.AppendPlain(text, Memory()); }
+  bool AppendPlainText(std::string_view text);
 
   /// Append an attribute. Names are not checked for duplicates.
   void AddAttribute(std::string_view localName, std::string_view value, std::string_view namespaceUri);
@@ -171,33 +174,18 @@ class QUILLON9_API CXmlElement {
   ///@}
 
  private:
-  friend class CXmlDocument;
-  friend class CXmlGeneratedClass;  // caches in the memory what it would otherwise determine for every object
-  friend class CTreeMemory;
-  friend class ObjectContent;  // counts in the memory what is made from the tree
+  friend struct XmlNodeAccess;
   static constexpr std::uintptr_t kIsLast = 1;
 
   /// Create an element of a document's tree with a name that the tree shares.
   explicit CXmlElement(CXmlName const& name) noexcept : m_name(&name) {}
-  CTreeMemory* Memory() const { return m_name->memory; }
-  CXmlName& OwnName() { return const_cast<CXmlName&>(*m_name); }
-  CXmlAttribute* LastAttribute() const;
-  void AddAttribute(CXmlName const* name, std::string_view value);
-  void LinkAttribute(CXmlAttribute* attribute);
-  CXmlElement* AddChild(CXmlElement* child) noexcept;
-  CXmlElement* AddChild(CXmlName const* name);
-  CXmlElement* RemoveLastChild(CXmlElement* before) noexcept;
-  CXmlElement* TakeChildren(CXmlElement* rest) noexcept;
-  void DeleteChildren() noexcept;
-  void FreeContents() noexcept;
-  void Dispose() noexcept;
 
   // Kept at 48 bytes: the size of a node determines much of the time of reading.
   std::uintptr_t m_next = kIsLast;  // the next sibling; in the last one, the first one with the bit kIsLast
   CXmlElement* m_lastChild = nullptr;
   mutable std::uintptr_t m_attributes = 0;  // the last one; with the lowest bit set, the CTreeAttributes
   CXmlName const* m_name;                   // knows the memory as well; a standalone element owns it
-  CNodeText m_text;
+  mutable std::uintptr_t m_text = 0;        // only NodeText in the sources can read it
 };
 
 }  // namespace Quillon9

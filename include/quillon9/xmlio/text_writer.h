@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -45,6 +46,10 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Write the attribute; a type in no namespace or in the default namespace gets no prefix.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  /// Write the element in one step, unless this object is of a derived class. No NUL byte needs to follow \p value, and
+  /// \p member has no effect.
+  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                        ItemType type, std::uint64_t member = 0) override;
 
   /// Return whether line ends and tabs are written.
   bool GetFormat() const { return m_format; }
@@ -63,11 +68,6 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void WriteHeaderDirective(std::string const& text);
   /// Call CloseParentElm(), then write \p text literally, such as elements written elsewhere.
   void WriteRawElement(std::string const& text);
-  /// Do the same as WriteStartElement(), WriteString() and WriteEndElement() in a row, but faster. Overrides of these
-  /// in a derived class are not called.
-  /// \throws CQnException as WriteStartElement().
-  void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
-                        ItemType type);
   /// Count a child of the open element and close its start tag. Do nothing when no element is open.
   void CloseParentElm();
   /// Append \p text up to its NUL, escaped; null counts as empty. `"`, `&`, `<` and `>` become entity references and
@@ -79,13 +79,9 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();
-  void WriteTextInSteps(std::string const& localName, std::string const& namespaceUri, std::string_view value);
   void AppendText(std::string_view text);
-  char* PutEndTag(char* to, std::string_view name) const;
-  char* PutLineEnd(char* to) const;
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
-  void Commit(char const* start, char const* end);
   void AppendDocumentDeclarations();
   void FlushIfFull();
 

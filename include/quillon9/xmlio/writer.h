@@ -4,14 +4,15 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 
-#include "quillon9/base/plain_classes.h"
 #include "quillon9/export.h"
 #include "quillon9/values/item_type.h"
 
 namespace Quillon9 {
 
 class CNamespaceScope;
+class PlainClasses;
 
 /// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
 /// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes (Namespaces
@@ -70,6 +71,16 @@ class QUILLON9_API CXmlWriter {
   /// Write xsi:nil="true".
   /// \throws CQnException as WriteAttributeString().
   virtual void WriteAttributeNil() = 0;
+  /// Write an element that contains only text. The base class calls WriteStartElement(), WriteString() and
+  /// WriteEndElement(); a concrete writer may have a faster way to the same output. The writers of the library use
+  /// theirs only for objects of exactly their own class, so a derived class sees its overrides of the three operations
+  /// called.
+  /// \param value a NUL byte must follow it.
+  /// \param member 0, or the process-wide number of a class member, under which a writer may remember the name; one
+  ///        number must always come with the same two names.
+  /// \throws CQnException as these three operations do.
+  virtual void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
+                                ItemType type, std::uint64_t member = 0);
 
   /// Return the first generated prefix that does not occur as a value in \p map (namespace URI to prefix), compared
   /// exactly. Prefixes that begin with "xml" in any case are reserved and skipped. Linear in the map's size.
@@ -94,9 +105,6 @@ class QUILLON9_API CXmlWriter {
   /// Check that an element is open.
   /// \throws CQnException "There is no open element to end" otherwise.
   void RequireOpenElement() const;
-  /// Check that the open element, which must exist, may have children.
-  /// \throws CQnException as WriteStartElement() otherwise.
-  void RequireRoomForChild() const;  // inline: runs for each element that is written at once
   /// Return the prefix bound to \p uri in \p context and set \p isNew to false. An unbound URI gets a generated prefix
   /// in the scope of \p context, and \p isNew becomes true. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
@@ -108,13 +116,11 @@ class QUILLON9_API CXmlWriter {
   std::map<std::string, std::string> m_namespaceMap;  ///< URI to prefix, for the document element
 
  private:
-  void RequireRoomBelowDeepest() const;
-
-  friend class CXmlGeneratedClass;  // caches here what it would otherwise determine for every object
+  friend struct XmlWriterAccess;
 
   CXmlWriterContext* m_spare = nullptr;  ///< contexts for reuse, linked as parents
-  std::string m_namespaceText;           ///< the last one that was passed on, kept for its memory
-  CPlainClasses m_plainClasses;
+  std::string m_namespaceText;
+  std::unique_ptr<PlainClasses> m_plainClasses;
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a
@@ -148,9 +154,6 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// Return the prefix of \p uri in the bindings in force, or null. Valid until the next change of bindings here or in
   /// a parent. Cheaper than a lookup in GetNamespaceMap(), which is built on request.
   std::string const* FindPrefix(std::string const& uri) const;
-  /// Return a number for the default namespace and the bindings in force. Within the process, equal numbers other than
-  /// 0 mean equal bindings. 0 if a caller of GetNamespaceMapValue() may change them unnoticed.
-  std::uint64_t GetScopeState() const { return m_scopeOwner->m_isLoose ? 0 : m_scopeOwner->m_scopeState; }
   /// Set the default namespace for this element and its contents.
   void SetDefaultNamespace(std::string const& uri);
   /// Bind \p uri to \p prefix for this element and its contents, replacing its previous prefix.
@@ -171,33 +174,13 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   CXmlWriterContext* m_parent;       ///< enclosing element, owned while linked
   bool m_attributesWritten = false;  ///< for formats that close a list of attributes
   bool m_inherits;                   ///< default namespace and bindings come from the parent
-  /// For formats that number names: the GetScopeState() at which the element had this number; 0 for never. The next
-  /// element that reuses this context keeps it if it has the same name.
-  ///@{
-  std::uint64_t m_numberedState = 0;
-  unsigned long m_nameNumber = 0;
-  ///@}
 
  private:
-  friend class CXmlWriter;
+  friend struct XmlWriterAccess;
 
-  /// Become an element inside \p parent, as with the first constructor. For a context that bound nothing and does not
-  /// follow another.
-  void Reuse(std::string const& localName, std::string const& namespaceUri, CXmlWriterContext* parent);
-  void Follow(CXmlWriterContext& context);
-  void StopFollowing();
-  void LeaveFollowers();
-  template <class Visit>
-  void ForEachFollower(Visit visit);
-  bool IsLinked() const { return m_followed != nullptr && m_followed == m_parent; }
-  void KeepScope();
-  CNamespaceScope& ScopeToChange();
-  std::string const& BindToGenerated(std::string const& uri);
   void CompareWithDefault() const;
 
-  /// A context without its own bindings follows the enclosing one and is in the list of its followers, so that a change
-  /// reaches it at once. The owner of the scope is the context at the end of that chain, which follows none: for a
-  /// context with its own bindings, the context itself.
+  /// Who shares the bindings of whom.
   ///@{
   CXmlWriterContext* m_scopeOwner;
   CXmlWriterContext* m_followed = nullptr;
@@ -212,11 +195,9 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The state number of the scope when this element's namespace was last compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
-  bool m_isDeepest = false;  ///< no element may be inside this one, by the limit when it started
+  bool m_isDeepest = false;           ///< no element may be inside this one, by the limit when it started
+  std::uint64_t m_numberedState = 0;  ///< the state number of the scope when the name got its number; 0 for never
+  unsigned long m_nameNumber = 0;
 };
-
-inline void CXmlWriter::RequireRoomForChild() const {
-  if (m_context->m_isDeepest) RequireRoomBelowDeepest();
-}
 
 }  // namespace Quillon9

@@ -8,9 +8,8 @@
 namespace Quillon9 {
 
 /// Remembers, for one document that is read or written, which classes of its objects are known not to be nillable,
-/// because the cast that finds this out walks the tree of a class's bases. For the library's own use; one thread at a
-/// time.
-class CPlainClasses {
+/// because the cast that finds this out walks the tree of a class's bases. One thread at a time.
+class PlainClasses {
  public:
   /// Whether \p type was added and no other class has taken its place since.
   bool Has(std::type_info const& type) const { return m_types[Place(type)] == &type; }

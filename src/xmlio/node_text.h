@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace Quillon9 {
+
+class CTreeMemory;
+
+/// The text of a node of a tree: bytes in the tree's memory, followed by a zero. It becomes a std::string only on
+/// request and when it is long. Nearly all texts are short and only looked at: a std::string in each node would double
+/// the memory of a tree and require a visit to each node at its end.
+///
+/// A node holds one word, its \p place: 0 for an empty text, the address of the first byte, or that of the string with
+/// the bit kIsString. The memory is that of the node's document, or null for a standalone node, and is the same in all
+/// calls. Only one thread at a time may use a text, even to look at it.
+namespace NodeText {
+
+constexpr std::uintptr_t kIsString = 1;
+
+std::string_view ViewOfString(std::uintptr_t place);
+bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory);
+bool AppendMorePlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
+
+/// Return the bytes, until the next call of another operation.
+inline std::string_view GetView(std::uintptr_t place) {
+  if (place == 0) return std::string_view("", 0);
+  if ((place & kIsString) != 0) return ViewOfString(place);
+  // Two bytes in front of the text hold its length and how long it may get in place.
+  auto const* const bytes = reinterpret_cast<char const*>(place);
+  return {bytes, static_cast<unsigned char>(bytes[-2])};
+}
+/// Return the same as a string, which lives until the next Append() or Free().
+std::string const& GetString(std::uintptr_t& place, CTreeMemory* memory);
+/// Append \p text. Appending n bytes in any number of pieces costs O(n).
+void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
+/// Append ASCII without zeros and carriage returns, checking it while copying. Return false, with nothing changed, if
+/// the text is not of this kind or has to become a string.
+inline bool AppendPlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
+  return place == 0 && memory != nullptr ? SetPlain(place, text, *memory) : AppendMorePlain(place, text, memory);
+}
+/// Release all memory; the text is empty afterwards. Without this call, the bytes go with the tree's memory, and those
+/// of a standalone node leak.
+void Free(std::uintptr_t& place, CTreeMemory* memory) noexcept;
+
+}  // namespace NodeText
+
+}  // namespace Quillon9

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "quillon9/xmlio/writer.h"
+
+namespace Quillon9 {
+
+class CNamespaceScope;
+
+/// The only friend of CXmlWriter and its open elements: what the library does with them and other writers must not, and
+/// what it does so often that it has to be inline.
+struct XmlWriterAccess {
+  using Context = CXmlWriter::CXmlWriterContext;
+
+  /// \name What writing objects remembers in the writer
+  ///@{
+  static PlainClasses& PlainTypes(CXmlWriter& writer) { return *writer.m_plainClasses; }
+  /// The last namespace that was passed on, kept for its memory.
+  static std::string& NamespaceText(CXmlWriter& writer) { return writer.m_namespaceText; }
+  ///@}
+
+  /// Check that the element may have children.
+  /// \throws CQnException as CXmlWriter::WriteStartElement() otherwise.
+  static void RequireRoomForChild(Context const& open) {
+    if (open.m_isDeepest) RequireRoomBelowDeepest(open);
+  }
+
+  /// Remember whether the element may have children under the \p limit of levels.
+  static void SetLimit(Context& context, std::uint32_t limit) { context.m_isDeepest = context.m_depth + 1 >= limit; }
+
+  /// \name Numbers of names
+  ///@{
+  /// Return a number for the default namespace and the bindings in force. Within the process, equal numbers other than
+  /// 0 mean equal bindings. 0 if a caller of GetNamespaceMapValue() may change them unnoticed.
+  static std::uint64_t ScopeState(Context const& context) {
+    return context.m_scopeOwner->m_isLoose ? 0 : context.m_scopeOwner->m_scopeState;
+  }
+  /// Return the number that a format gave to the name of the element; 0 if there is none or the bindings have changed
+  /// since. The next element that reuses this context keeps it if it has the same name.
+  static unsigned long NameNumber(Context const& context) {
+    bool const isKnown = context.m_numberedState != 0 && context.m_numberedState == ScopeState(context);
+    return isKnown ? context.m_nameNumber : 0;
+  }
+  static void SetNameNumber(Context& context, unsigned long number) {
+    context.m_nameNumber = number;
+    context.m_numberedState = number != 0 ? ScopeState(context) : 0;
+  }
+  ///@}
+
+  /// \name Namespace scopes
+  /// A context without its own bindings follows the enclosing one and is in the list of its followers, so that a change
+  /// reaches it at once. The owner of the scope is the context at the end of that chain, which follows none: for a
+  /// context with its own bindings, the context itself.
+  ///@{
+  static void Follow(Context& context, Context& followed);
+  static void StopFollowing(Context& context);
+  /// Let the followers of a context that is being destroyed keep their bindings. Allocates nothing.
+  static void LeaveFollowers(Context& context);
+  /// Visit the followers, and recursively the followers of those for which the visit returns true. A visited follower
+  /// may leave the list.
+  template <class Visit>
+  static void ForEachFollower(Context& context, Visit visit);
+  static bool IsLinked(Context const& context) {
+    return context.m_followed != nullptr && context.m_followed == context.m_parent;
+  }
+  /// Make the context the owner of a scope with the bindings in force.
+  static void KeepScope(Context& context);
+  /// Return a scope that only this context holds and that is about to change.
+  static CNamespaceScope& ScopeToChange(Context& context);
+  ///@}
+
+  /// Return a spare context of the writer, with at least one open element, or a new one, for an element inside the open
+  /// one.
+  static Context* NewChild(CXmlWriter& writer, std::string const& localName, std::string const& namespaceUri);
+  /// Let the context of an element that ended serve a later one, or delete it.
+  static void Release(CXmlWriter& writer, Context* context);
+
+ private:
+  static void RequireRoomBelowDeepest(Context const& open);
+  static void Reuse(Context& context, std::string const& localName, std::string const& namespaceUri, Context& parent);
+};
+
+}  // namespace Quillon9
