@@ -53,6 +53,8 @@ bool Derivations::HoldsType(ElementDeclaration const& wide, ElementDeclaration c
   if (wide.complexType == nullptr) return narrow.complexType == nullptr;
   if (wide.complexType->anyType) return true;
   if (narrow.complexType == nullptr) return false;
+  // Without xsi:type, the tables of the base could not say which class an object of an abstract type has.
+  if (wide.complexType->abstract && narrow.complexType != wide.complexType) return false;
   ComplexType const* type = narrow.complexType;
   while (type != wide.complexType) {
     bool const addsNothing = type->derivation == ComplexType::Derivation::Restriction && OwnAttributes(*type).empty();

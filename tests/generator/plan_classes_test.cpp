@@ -125,6 +125,23 @@ a.xsd:4:33: warning: only the element "shape", which is abstract, itself is read
 a.xsd:5:1: warning: the class of the type "B" does not derive from that of "A", since the base has no element "circle"; it cannot stand where that is expected
 a.xsd:8:1: warning: the class of the type "D" does not derive from that of "C", since the element "c" has another type in the base; it cannot stand where that is expected
 )"},
+    {"ARestrictionOfAnAbstractElementDoesNotDerive",
+     R"(
+<complexType name='A' abstract='true'/>
+<complexType name='B'><complexContent><restriction base='t:A'/></complexContent></complexType>
+<complexType name='C'><sequence><element name='c' type='t:A'/></sequence></complexType>
+<complexType name='D'><complexContent>
+  <restriction base='t:C'><sequence><element name='c' type='t:B'/></sequence></restriction></complexContent>
+</complexType>)",
+     R"(
+class CA of A abstract element c
+class CB of B : CA element c
+class CC of C
+  0 C m_c: object c CA mandatory
+class CD of D
+  0 C m_c: object c CB mandatory
+a.xsd:5:1: warning: the class of the type "D" does not derive from that of "C", since the element "c" has another type in the base; it cannot stand where that is expected
+)"},
     {"AnExtensionOfARestrictionMayNotDerive",
      R"(
 <complexType name='A'><sequence><element name='a' type='int'/><element name='b' type='int' minOccurs='0'/></sequence>
