@@ -195,7 +195,7 @@ struct ComplexType : Component {
   std::vector<AttributeUse> attributes;       ///< all, those of the base first
   std::vector<AttributeUse> ownAttributes;    ///< what an extension adds; otherwise the same as attributes
   std::optional<Wildcard> attributeWildcard;  ///< the complete one
-  std::vector<ComplexType const*> derived;    ///< directly derived ones, in document order
+  std::vector<ComplexType const*> derived;    ///< directly derived ones, anonymous ones too, in document order
 
   bool IsAnonymous() const { return name.local.empty(); }
 };

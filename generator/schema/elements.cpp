@@ -8,6 +8,8 @@ void Builder::FillElement(ElementDeclaration& element, Document const& document,
   element.abstract = ReadBool(node, "abstract", false);
   ReadValueConstraint(node, element.defaultValue, element.fixedValue);
   FillElementType(element, document, node);
+  bool const hasType = element.simpleType != nullptr || element.complexType != nullptr;
+  if (!hasType && !element.global) element.complexType = m_builtIns.anyType;  // a global one may have that of its head
   FillSubstitution(element, document, node);
 }
 
@@ -31,8 +33,6 @@ void Builder::FillElementType(ElementDeclaration& element, Document const& docum
     element.simpleType = type.simple;
     element.complexType = type.complex != nullptr ? type.complex->object : nullptr;
     if (type.simple == nullptr && type.complex == nullptr) element.complexType = m_builtIns.anyType;  // after an error
-  } else if (!node.Has("substitutionGroup")) {
-    element.complexType = m_builtIns.anyType;
   }
 }
 

@@ -109,6 +109,9 @@ TEST(SchemaErrors, Grammar) {
        "40: error: xs:choice cannot stand next to xs:sequence in xs:complexType\n"
        "69: error: xs:simpleType needs xs:restriction, xs:list or xs:union\n"
        "94: error: xs:element has both an attribute type and an anonymous type\n"},
+      {"<xs:group name='G'><xs:sequence><xs:element name='e' type='xs:int'><xs:complexType/></xs:element></xs:sequence>"
+       "</xs:group>",
+       "33: error: xs:element has both an attribute type and an anonymous type\n"},
       {"<xs:complexType name='T'><xs:assert test='1'/></xs:complexType><xs:defaultOpenContent/>",
        "26: warning: xs:assert belongs to XML Schema 1.1 and is not checked\n"
        "64: error: xs:defaultOpenContent belongs to XML Schema 1.1, which is not supported\n"},
