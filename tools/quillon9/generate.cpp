@@ -4,6 +4,7 @@
 #include <fstream>
 #include <string>
 #include <system_error>
+#include <tuple>
 #include <vector>
 
 #include "code/write.h"
@@ -30,10 +31,14 @@ void Print(Diagnostic const& diagnostic) {
   std::fprintf(stderr, "%s\n", Schema::Format(shown).c_str());
 }
 
-/// Print all that was found.
+/// Print all that was found, file by file from top to bottom.
 /// \throws Reported if there is an error.
 void Report(Schema::Diagnostics const& diagnostics) {
-  for (Diagnostic const& each : diagnostics.All()) Print(each);
+  std::vector<Diagnostic> sorted = diagnostics.All();
+  std::stable_sort(sorted.begin(), sorted.end(), [](Diagnostic const& a, Diagnostic const& b) {
+    return std::tie(a.file, a.line, a.column) < std::tie(b.file, b.line, b.column);
+  });
+  for (Diagnostic const& each : sorted) Print(each);
   if (diagnostics.HasErrors()) throw Reported();
 }
 
