@@ -11,7 +11,7 @@
 #include "expect_failure.h"
 #include "feed/feed_types.h"
 #include "gpx_track/gpx_types.h"
-#include "purchase_order/order_types.h"
+#include "orders.h"
 #include "shapes/shape_types.h"
 
 namespace Quillon9Data {
@@ -207,13 +207,17 @@ TEST(CheckTables, FindsMissingFunctionsAndCollections) {
 
 TEST(CheckTables, PassTheClassesOfTheExamples) {
   ClassFactory const factories[] = {Atom::CClassFactory::CreateObject, Gpx::CClassFactory::CreateObject,
-                                    Orders::CClassFactory::CreateObject, Drawings::CClassFactory::CreateObject};
+                                    Drawings::CClassFactory::CreateObject};
   std::vector<CSmartPtr<CXmlObjectBase>> objects = {new Atom::CFeedType,
                                                     Gpx::CGpxType::CreateInstance(),
                                                     Gpx::CTrkType::CreateInstance("trk"),
                                                     Gpx::CTrksegType::CreateInstance("trkseg"),
                                                     Gpx::CWptType::CreateInstance("wpt"),
-                                                    new Drawings::CDrawing};
+                                                    new Drawings::CDrawing,
+                                                    Orders::CPurchaseOrderType::CreateInstance(),
+                                                    Orders::CUSAddress::CreateInstance(),
+                                                    Orders::CItems::CreateInstance(),
+                                                    Orders::CItems::CItem::CreateInstance()};
   for (ClassFactory const factory : factories) {
     std::size_t const former = objects.size();
     try {

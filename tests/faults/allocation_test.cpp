@@ -18,8 +18,8 @@
 #include "base/fast_paths.h"
 #include "failing_allocations.h"
 #include "octets.h"
-#include "orders.h"
 #include "quillon9/quillon9.h"
+#include "sample_order.h"
 
 #ifndef QN_THREAD_SANITIZER
 

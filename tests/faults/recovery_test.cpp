@@ -9,8 +9,8 @@
 
 #include "expect_failure.h"
 #include "octets.h"
-#include "orders.h"
 #include "quillon9/quillon9.h"
+#include "sample_order.h"
 
 namespace Quillon9 {
 namespace {
@@ -122,23 +122,22 @@ TEST(Recovery, FromEachRejectedInput) {
 
 TEST(Recovery, FromEachRejectedValueOnWriting) {
   CSmartPtr<CPurchaseOrderType> const order = NewOrder();
-  CSmartPtr<Orders::CItem> const item = order->GetItems()->GetItem()->Item(1);
   std::string const expected = order->ToXml();
   CBinaryData const expectedFastInfoset = order->ToFastInfosetStream();
-  auto const expectRefusal = [&](char const* cause) {
+  auto const expectRefusal = [&](std::string const& document, char const* cause) {
     std::string const message =
         "Failed to convert the element [purchaseOrder] to XML\nFailed to convert the element [items] to XML\n"
         "Failed to convert the element [item] to XML\n";
+    order->FromXml(document.c_str());
     EXPECT_FAILURE(CQnValidationException, message + cause, order->ToXml());
     EXPECT_FAILURE(CQnValidationException, message + cause, order->ToFastInfosetStream());
   };
-  item->SetQuantity(100);
-  expectRefusal("Invalid Value for quantity [100]");
-  item->SetQuantity(3);
+  expectRefusal(OrderWith("<quantity>3", "<quantity>100"), "Invalid Value for quantity [100]");
+  order->GetItems().GetItem()[1].SetQuantity(3);
   EXPECT_EQ(expected, order->ToXml());
-  item->SetPartNum("203-tw");
-  expectRefusal("Failed to convert attributes to XML\nInvalid Value for partNum [203-tw]");
-  item->SetPartNum("203-TW");
+  expectRefusal(OrderWith("203-TW", "203-tw"),
+                "Failed to convert attributes to XML\nInvalid Value for partNum [203-tw]");
+  order->GetItems().GetItem()[1].SetPartNum("203-TW");
   EXPECT_EQ(expected, order->ToXml());
   EXPECT_EQ(expectedFastInfoset, order->ToFastInfosetStream());
 }

@@ -15,8 +15,8 @@
 #include "dynamic_class.h"
 #include "expect_failure.h"
 #include "octets.h"
-#include "orders.h"
 #include "quillon9/quillon9.h"
+#include "sample_order.h"
 
 namespace Quillon9 {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "order_types.h"
+#include "orders.h"
 
 /// A document of the purchase order example, whose classes use values, facets, objects and collections.
 namespace Quillon9::Testing {
@@ -17,10 +17,6 @@ inline constexpr char kOrder[] =
     "<item partNum='203-TW'><productName>Trowel</productName><quantity>3</quantity><USPrice>12.50</USPrice></item>"
     "</items></purchaseOrder>";
 
-inline CSmartPtr<Orders::CPurchaseOrderType> NewOrder() {
-  CSmartPtr<Orders::CPurchaseOrderType> order = Orders::CPurchaseOrderType::CreateInstance();
-  order->FromXml(kOrder);
-  return order;
-}
+inline CSmartPtr<Orders::CPurchaseOrderType> NewOrder() { return Orders::ReadPurchaseOrder(XmlText(kOrder)); }
 
 }  // namespace Quillon9::Testing
