@@ -266,12 +266,14 @@ TEST(BoundObject, SettersCheckValues) {
 }
 
 TEST(BoundObject, ConstObjectsMakeNoCollections) {
-  COrder const& order = *CreateOrder();
+  CSmartPtr<COrder> const made = CreateOrder();
+  COrder const& order = *made;
   EXPECT_TRUE(order.GetLine().empty());
   EXPECT_EQ(order.GetSlot().begin(), order.GetSlot().end());
   EXPECT_EQ(0u, order.GetColour().size());
   EXPECT_TRUE(order.GetAny().empty());
-  COrder const& other = *CreateOrder();
+  CSmartPtr<COrder> const another = CreateOrder();
+  COrder const& other = *another;
   EXPECT_EQ(&other.GetLine(), &order.GetLine());
 }
 
