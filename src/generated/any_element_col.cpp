@@ -1,6 +1,7 @@
 #include "quillon9/generated/any_element_col.h"
 
 #include "binding/name_match.h"
+#include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "quillon9/xmlio/document.h"
 
@@ -24,20 +25,15 @@ CElement& CAnyElementCol::Add(CSmartPtr<CElement> const& element) {
   return *element;
 }
 
-CSmartPtr<CXmlObjectBase> CAnyElementCol::ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element) {
-  bool const isItem = m_rule != nullptr ? Allows(*m_rule, element->GetNamespaceURI())
-                                        : IsElementNamed(ctx, element, GetElementName(), GetNamespace());
-  return isItem ? new CElement("") : nullptr;
+bool CAnyElementCol::Takes(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
+  if (element == nullptr) return false;
+  if (m_rule == nullptr) return IsElementNamed(ctx, element, GetElementName(), GetNamespace());
+  return (GetMaxOccurs() < 0 || GetCount() < GetMaxOccurs()) && Allows(*m_rule, element->GetNamespaceURI());
 }
 
 CXmlElement* CAnyElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                          bool) {
-  while (cursor != nullptr && (m_rule == nullptr || GetMaxOccurs() < 0 || GetCount() < GetMaxOccurs())) {
-    CSmartPtr<CXmlObjectBase> const element = ItemFor(ctx, cursor);
-    if (!element) break;
-    cursor = CXmlObjectBase::FromXml_Int(element.Get(), parent, cursor, ctx);
-    AppendItem(element.Get());
-  }
+  while (Takes(ctx, cursor)) AppendItem(TakeGeneric(parent, &cursor, ctx).Get());
   return cursor;
 }
 

@@ -5,6 +5,7 @@
 
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
+#include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
@@ -78,7 +79,10 @@ bool CBoundObject::HoldsUtf8Text() const { return true; }
 CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                        bool inChoice) {
   m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
-  return CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
+  CXmlElement* const next = CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
+  BuiltClass const& built = m_tables->Built();
+  if (built.IsMixed() && HasOnlyLayout(*parent)) Property(built.TextProperty()).Clear();
+  return next;
 }
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {

@@ -111,6 +111,8 @@ void BuiltClass::NoteText(CClassRow const& row) {
   ForEachBase(row, [&](CClassRow const& base) {
     if (base.textProperty < 0) return;
     m_info.m_textPropertyIndex = base.textProperty;
+    m_textProperty = base.textProperty;
+    m_isMixed = base.text == nullptr;
     Member& member = Noted(base.textProperty);
     member.value = base.text;
     m_textRule = nullptr;
@@ -119,7 +121,6 @@ void BuiltClass::NoteText(CClassRow const& row) {
                                                     nullptr, nullptr);
     m_textRule = member.rule.get();
     m_info.m_textPropertyIndex = kConvertedText;
-    m_textProperty = base.textProperty;
   });
 }
 

@@ -50,8 +50,10 @@ class BuiltClass {
   Member const& At(int property) const { return m_members[static_cast<std::size_t>(property)]; }
   /// The rule of the text of the element; null if that is plain text.
   ValueRule const* TextRule() const { return m_textRule; }
-  /// The property that holds the converted text.
+  /// The property that holds the text; -1 for none.
   int TextProperty() const { return m_textProperty; }
+  /// Whether that is the text of mixed content.
+  bool IsMixed() const { return m_isMixed; }
   /// The content of a class without a tag.
   GroupInfo const& Round() const { return *m_round; }
   /// The properties of each alternative of a choice.
@@ -82,6 +84,7 @@ class BuiltClass {
   std::vector<Choice> m_choices;
   ValueRule const* m_textRule = nullptr;
   int m_textProperty = -1;
+  bool m_isMixed = false;
   std::vector<std::unique_ptr<Quillon9Data::CElementInfo>> m_elements;
   std::vector<std::unique_ptr<Quillon9Data::CAttributeInfo>> m_attributes;
   std::vector<Quillon9Data::CElementInfo*> m_elementTable;  // both end with a null pointer

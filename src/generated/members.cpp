@@ -6,6 +6,7 @@
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content.h"
+#include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -185,8 +186,7 @@ QN_ELEMENT_TO_XML(ElementMember) {
 QN_ELEMENT_FROM_XML(ElementMember) {
   bool answer = false;
   if (!Seek(ctx, cursor, holderType, answer)) return answer;
-  CSmartPtr<CElement> const element = new CElement("");
-  *cursor = FromXml_Int(element.Get(), parent, *cursor, ctx, false);
+  CSmartPtr<CElement> const element = TakeGeneric(parent, cursor, ctx);
   BoundAccess::Property(holder, m_propertyIndex).Hold(element.Get());
   return true;
 }

@@ -5,6 +5,7 @@
 
 #include "binding/name_match.h"
 #include "generated/bound_access.h"
+#include "generated/generic_reading.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/binary_data.h"
@@ -70,11 +71,7 @@ CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* 
   source.Load(document);
   CXmlElement const* const root = document.GetDocumentElement();
   CRootRow const& row = FindRoot(*root, roots, count, ctx);
-  if (row.type == nullptr) {
-    CSmartPtr<CElement> const element = new CElement("");
-    element->CopyXmlElement(root);
-    return element;
-  }
+  if (row.type == nullptr) return CopyGeneric(*root);
   CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, *root, row.name);
   BoundAccess::SetRootNamespace(*object, row.ns);
   object->FromXmlElement(root, ctx);

@@ -113,6 +113,12 @@ TEST(BoundObject, KeepsForeignElementsAndAttributes) {
       WriteFailure(*order));
 }
 
+TEST(BoundObject, DropsTheLayoutOfForeignElements) {
+  auto const order =
+      ReadOrder(XmlText(Order(kParty + "<pickup>x</pickup>" + kLine + "<extra>\n <p>\n  <q> </q>\n </p> </extra>")));
+  EXPECT_EQ(Order(kParty + "<pickup>x</pickup>" + kLine + "<extra><p><q> </q></p></extra>"), Written(*order));
+}
+
 TEST(BoundObject, RefusesWhatTheSchemaDoes) {
   std::string const start = kParty + "<pickup>x</pickup>";
   struct {

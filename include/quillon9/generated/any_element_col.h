@@ -7,7 +7,8 @@
 
 namespace Quillon9 {
 
-/// The elements of a repeated wildcard, or those of one name that may have any content.
+/// The elements of a repeated wildcard, or those of one name that may have any content. They do not keep white space that
+/// only separates children.
 class QUILLON9_API CAnyElementCol : public CObjectCol<CElement> {
  public:
   /// The collection of a row. It takes exactly the elements whose namespace the rule of the row allows, up to its
@@ -27,12 +28,12 @@ class QUILLON9_API CAnyElementCol : public CObjectCol<CElement> {
   ///@}
 
  protected:
-  CSmartPtr<CXmlObjectBase> ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element) override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
  private:
   explicit CAnyElementCol(CElementRow const& row);
+  bool Takes(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
 
   CNamespaceRule const* m_rule;  // null where all have the same name
 };

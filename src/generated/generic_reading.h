@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string_view>
+
+#include "quillon9/base/smart_ptr.h"
+#include "quillon9/descriptors/generic_content.h"
+#include "quillon9/fwd.h"
+
+namespace Quillon9 {
+
+/// Whether \p element has children and no text but the white space between them. That comes from the layout of the
+/// document, and a writer that makes a layout of its own would add to it each time.
+bool HasOnlyLayout(CXmlElement const& element);
+
+/// Read the element under \p cursor, a child of \p parent, into a new generic one, without the white space that belongs
+/// to the layout, and move the cursor.
+CSmartPtr<CElement> TakeGeneric(CXmlElement* parent, CXmlElement** cursor, CXmlSerializationContext const& ctx);
+/// The same for the document element.
+CSmartPtr<CElement> CopyGeneric(CXmlElement const& root);
+
+}  // namespace Quillon9
