@@ -1,5 +1,9 @@
 #pragma once
 
+#include <memory>
+#include <utility>
+#include <vector>
+
 #include "quillon9/binding/collection.h"
 #include "quillon9/generated/bound_object.h"
 
@@ -22,6 +26,15 @@ struct BoundAccess {
   /// Check the name of \p object, or set it if it has none, and note whether its type is not \p declared.
   /// \throws CQnInvalidParamException for another name.
   static void Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared);
+  /// The places of the members of an all group in the order in which they were read; null where that is their own.
+  ///@{
+  static std::vector<int> const* Order(CXmlGeneratedClass const* holder) {
+    return static_cast<CBoundObject const*>(holder)->m_order.get();
+  }
+  static void SetOrder(CXmlGeneratedClass* holder, std::vector<int> order) {
+    static_cast<CBoundObject*>(holder)->m_order = std::make_unique<std::vector<int>>(std::move(order));
+  }
+  ///@}
   /// Give \p object the namespace in which it is written as document element; a constant.
   static void SetRootNamespace(CXmlObjectBase& object, char const* ns) {
     static_cast<CBoundObject&>(object).m_rootNamespace = ns;

@@ -67,6 +67,7 @@ void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
 
 void CBoundObject::Init() {
   if (std::exchange(m_isNew, false)) return;
+  m_order.reset();
   CClassRow const& row = m_tables->GetRow();
   for (int i = 0; i < row.firstProperty + row.propertyCount; ++i) {
     CPropertyRef const property = Property(i);

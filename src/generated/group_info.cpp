@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "descriptors/member_signatures.h"
+#include "generated/bound_access.h"
 #include "generated/content.h"
 #include "generated/members.h"
 #include "quillon9/base/exceptions.h"
@@ -143,11 +144,13 @@ void GroupInfo::ReadChoice(Place const& place) const {
 
 void GroupInfo::ReadAll(Place const& place) const {
   std::vector<Particle const*> left;
+  std::vector<int> order;
   for (Particle const& particle : m_particles) left.push_back(&particle);
   while (*place.cursor != nullptr) {
     auto const next = std::find_if(
         left.begin(), left.end(), [&](Particle const* particle) { return particle->Begins(place.ctx, *place.cursor); });
     if (next != left.end()) {
+      order.push_back(static_cast<int>(*next - m_particles.data()));
       Take(**next, place.ctx, place.holder, place.parent, place.cursor);
       left.erase(next);
     } else if (place.ctx.GetIgnoreUnknownElements()) {
@@ -156,6 +159,7 @@ void GroupInfo::ReadAll(Place const& place) const {
       break;
     }
   }
+  if (!std::is_sorted(order.begin(), order.end())) BoundAccess::SetOrder(place.holder, std::move(order));
   auto const missing =
       std::find_if(left.begin(), left.end(), [](Particle const* particle) { return particle->isRequired; });
   if (missing != left.end() && !place.ctx.GetIgnoreMissingMandatoryElements()) (*missing)->ThrowMissing();
@@ -185,18 +189,36 @@ bool GroupInfo::WriteChoice(CXmlSerializationContext const& ctx, CXmlGeneratedCl
   return chosen->info->ElementToXml(ctx, holder, writer);
 }
 
+namespace {
+
+bool WriteMember(Particle const& particle, CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                 CXmlWriter* writer) {
+  // A group inside says itself what it lacks.
+  if (particle.group != nullptr || particle.IsSet(holder)) return particle.info->ElementToXml(ctx, holder, writer);
+  if (!particle.isRequired || ctx.GetIgnoreMissingMandatoryElements()) return false;
+  std::string name;
+  particle.AppendNames(name);
+  ThrowElementNotSet(name.c_str());
+}
+
+}  // namespace
+
+// The members of an all group keep the order of the document, although it means nothing; others follow.
 bool GroupInfo::WriteMembers(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                              CXmlWriter* writer) const {
+  std::vector<int> const* const order = m_kind == RowKind::BeginAll ? BoundAccess::Order(holder) : nullptr;
   bool isWritten = false;
-  for (Particle const& particle : m_particles) {
-    // A group inside says itself what it lacks.
-    if (particle.group != nullptr || particle.IsSet(holder)) {
-      isWritten |= particle.info->ElementToXml(ctx, holder, writer);
-    } else if (particle.isRequired && !ctx.GetIgnoreMissingMandatoryElements()) {
-      std::string name;
-      particle.AppendNames(name);
-      ThrowElementNotSet(name.c_str());
+  auto const isFirst = [&](int place) {
+    return order != nullptr && std::find(order->begin(), order->end(), place) != order->end();
+  };
+  if (order != nullptr) {
+    for (int const place : *order) {
+      auto const at = static_cast<std::size_t>(place);
+      if (at < m_particles.size()) isWritten |= WriteMember(m_particles[at], ctx, holder, writer);
     }
+  }
+  for (std::size_t i = 0; i < m_particles.size(); ++i) {
+    if (!isFirst(static_cast<int>(i))) isWritten |= WriteMember(m_particles[i], ctx, holder, writer);
   }
   return isWritten;
 }

@@ -181,7 +181,7 @@ TEST(BoundObject, DefaultsAreWhatGettersSayAndAreNotWritten) {
   EXPECT_TRUE(order->GetLine()[0].HasUnit());  // an empty element has the default as its value
   EXPECT_EQ("kg", order->GetLine()[0].GetUnit());
   EXPECT_EQ(Order(kParty + "<pickup>x</pickup><amount>1</amount>"
-                           "<line><quantity>7</quantity><price>1</price><unit>kg</unit></line>"),
+                           "<line><unit>kg</unit><price>1</price><quantity>7</quantity></line>"),
             Written(*order));
 }
 

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/descriptors/generated_class.h"
@@ -152,6 +154,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CClassTables const* m_tables;
   char const* m_rootNamespace = nullptr;  // null unless it is known
+  // The members of an all group in the order of the document, by their place in the group; null for that of the schema.
+  std::unique_ptr<std::vector<int>> m_order;
   bool m_writesType = false;
   bool m_isNew = false;  // made for a read, so that there is nothing to empty
 };
