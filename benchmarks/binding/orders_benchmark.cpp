@@ -8,7 +8,8 @@
 //   --no_memory  measure speed only
 //   --table      also write the tables at the end as JSON, to this file
 //
-// Names are operation/size/layout/locale, such as "read/10MB/compact/posix", for --benchmark_filter.
+// Names are operation/size/layout/locale, such as "read/10MB/compact/posix", for --benchmark_filter. What uses generated
+// classes has "/generated" at the end.
 
 #include <benchmark/benchmark.h>
 #include <expat.h>
@@ -58,13 +59,15 @@ struct Shape {
   bool operator==(Shape const& other) const { return megabytes == other.megabytes && indented == other.indented; }
 };
 
-constexpr Operation const* kTimed[] = {&kRawExpat,     &kLoadTree,    &kReadObjects,
-                                       &kWriteObjects, &kReadInfoset, &kWriteInfoset};
 constexpr Operation const* kBound[] = {&kLoadTree, &kReadObjects, &kWriteObjects, &kReadInfoset, &kWriteInfoset};
 
-std::string Name(Operation const& operation, Shape shape, Setting const* setting) {
-  std::string const name = std::string(operation.name) + '/' + shape.Name();
-  return setting != nullptr ? name + '/' + setting->name : name;
+constexpr Classes const* kClasses[] = {&kByHand, &kGenerated};
+
+/// The operations that use no classes have one name for all.
+std::string Name(Operation const& operation, Shape shape, Setting const* setting, Classes const& classes) {
+  std::string name = std::string(operation.name) + '/' + shape.Name();
+  if (setting != nullptr) name = name + '/' + setting->name;
+  return operation.bindsClasses && &classes != &kByHand ? name + '/' + classes.name : name;
 }
 
 /// Calls \p action and converts a failure of the library to a standard exception.
@@ -109,26 +112,35 @@ void TimeProven(benchmark::State& state, Operation const& operation, Workload& l
   state.SetBytesProcessed(static_cast<std::int64_t>(bytes));
 }
 
-void Time(benchmark::State& state, Operation const& operation, Shape shape, Setting const& setting) {
+void Time(benchmark::State& state, Operation const& operation, Shape shape, Setting const& setting,
+          Classes const& classes) {
   try {
     setting.Select();
-    Translated([&] { TimeProven(state, operation, WorkloadOf(shape)); });
+    Workload& load = WorkloadOf(shape);
+    load.UseClasses(classes);
+    Translated([&] { TimeProven(state, operation, load); });
   } catch (std::exception const& failure) {
     s_hasFailure = true;
     state.SkipWithError(failure.what());
   }
 }
 
-void Register(Operation const& operation, Shape shape, Setting const& setting) {
-  benchmark::RegisterBenchmark(Name(operation, shape, &setting).c_str(), [=, &operation](benchmark::State& state) {
-    Time(state, operation, shape, setting);
-  })->Unit(benchmark::kMillisecond);
+void Register(Operation const& operation, Shape shape, Setting const& setting, Classes const& classes) {
+  auto const time = [=, &operation, &setting, &classes](benchmark::State& state) {
+    Time(state, operation, shape, setting, classes);
+  };
+  benchmark::RegisterBenchmark(Name(operation, shape, &setting, classes).c_str(), time)->Unit(benchmark::kMillisecond);
 }
 
 // The parser does not depend on the locale, but is timed next to the operations that are compared with it.
 void Register(Shape shape) {
   for (Setting const& setting : kSettings) {
-    for (Operation const* const operation : kTimed) Register(*operation, shape, setting);
+    Register(kRawExpat, shape, setting, kByHand);
+    for (Classes const* const classes : kClasses) {
+      for (Operation const* const operation : kBound) {
+        if (operation->bindsClasses || classes == &kByHand) Register(*operation, shape, setting, *classes);
+      }
+    }
   }
 }
 
@@ -136,15 +148,15 @@ void Register(Shape shape) {
 
 /// The peak memory that \p operation needs, in bytes for each byte of the document: for reading including the caller's
 /// text; for writing including the objects and the written text.
-std::optional<double> MemoryOf(Operation const& operation, Shape shape) {
+std::optional<double> MemoryOf(Operation const& operation, Shape shape, Classes const& classes) {
   auto const peak = Benchmarks::PeakMemoryOf([&](Benchmarks::MemoryProbe& probe) {
     Translated([&] {
       kSettings[0].Select();
-      Workload small(20000, shape.indented);  // touches the code and builds the tables
+      Workload small(20000, shape.indented, classes);  // touches the code and builds the tables
       small.WriteInfoset();
       operation.prove(small);
       probe.Begin();
-      Workload load(shape.Bytes(), shape.indented);
+      Workload load(shape.Bytes(), shape.indented, classes);
       if (operation.needsInfoset) load.WriteInfoset();
       if (operation.writes) load.ReadObjects();
       if (operation.needsInfoset || operation.writes) {
@@ -163,13 +175,19 @@ using MemoryTable = std::map<std::string, double>;
 
 MemoryTable MeasureMemory(std::vector<Shape> const& shapes) {
   MemoryTable table;
+  auto const measure = [&](Operation const& operation, Shape shape, Classes const& classes) {
+    auto const [cell, isNew] = table.try_emplace(Name(operation, shape, nullptr, classes), 0);
+    if (!isNew) return;
+    if (auto const memory = MemoryOf(operation, shape, classes)) {
+      cell->second = *memory;
+    } else {
+      table.erase(cell);
+      s_hasFailure = true;
+    }
+  };
   for (Shape const shape : shapes) {
-    for (Operation const* const operation : kBound) {
-      if (auto const memory = MemoryOf(*operation, shape)) {
-        table[Name(*operation, shape, nullptr)] = *memory;
-      } else {
-        s_hasFailure = true;
-      }
+    for (Classes const* const classes : kClasses) {
+      for (Operation const* const operation : kBound) measure(*operation, shape, *classes);
     }
   }
   return table;
@@ -186,13 +204,14 @@ void PrintCell(std::optional<double> value, int width, int digits) {
   }
 }
 
-void PrintSpeedRow(Benchmarks::ResultCollector const& results, Shape shape, Setting const& setting) {
-  std::string const yardstick = Name(kRawExpat, shape, &setting);
+void PrintSpeedRow(Benchmarks::ResultCollector const& results, Shape shape, Setting const& setting,
+                   Classes const& classes) {
+  std::string const yardstick = Name(kRawExpat, shape, &setting, classes);
   std::optional<double> const expat = results.Speed(yardstick);
-  std::printf("%-16s %-6s", shape.Name().c_str(), setting.name);
+  std::printf("%-16s %-6s %-9s", shape.Name().c_str(), setting.name, classes.name);
   PrintCell(expat ? std::optional(*expat / 1e6) : std::nullopt, 9, 1);
   for (Operation const* const operation : kBound) {
-    std::string const name = Name(*operation, shape, &setting);
+    std::string const name = Name(*operation, shape, &setting, classes);
     std::optional<double> const speed = results.Speed(name);
     PrintCell(speed ? std::optional(*speed / 1e6) : std::nullopt, 11, 1);
     PrintCell(results.Ratio(name, yardstick), 6, 2);
@@ -204,26 +223,32 @@ void PrintSpeed(Benchmarks::ResultCollector const& results, std::vector<Shape> c
   std::printf(
       "\nSpeed: MB of document per second of processor time, and ratio to raw expat on the same document in the same "
       "round\n\n");
-  std::printf("%-16s %-6s%9s", "document", "locale", "expat");
+  std::printf("%-16s %-6s %-9s%9s", "document", "locale", "classes", "expat");
   for (Operation const* const operation : kBound) std::printf("%11s%6s", operation->name, "ratio");
   std::printf("\n");
   for (Shape const shape : shapes) {
-    for (Setting const& setting : kSettings) PrintSpeedRow(results, shape, setting);
+    for (Setting const& setting : kSettings) {
+      for (Classes const* const classes : kClasses) PrintSpeedRow(results, shape, setting, *classes);
+    }
   }
+}
+
+void PrintMemoryRow(MemoryTable const& table, Shape shape, Classes const& classes) {
+  std::printf("%-16s %-9s", shape.Name().c_str(), classes.name);
+  for (Operation const* const operation : kBound) {
+    auto const cell = table.find(Name(*operation, shape, nullptr, classes));
+    PrintCell(cell != table.end() ? std::optional(cell->second) : std::nullopt, 11, 1);
+  }
+  std::printf("\n");
 }
 
 void PrintMemory(MemoryTable const& table, std::vector<Shape> const& shapes) {
   std::printf("\nPeak memory: bytes per byte of document, the caller's text included\n\n");
-  std::printf("%-16s", "document");
+  std::printf("%-16s %-9s", "document", "classes");
   for (Operation const* const operation : kBound) std::printf("%11s", operation->name);
   std::printf("\n");
   for (Shape const shape : shapes) {
-    std::printf("%-16s", shape.Name().c_str());
-    for (Operation const* const operation : kBound) {
-      auto const cell = table.find(Name(*operation, shape, nullptr));
-      PrintCell(cell != table.end() ? std::optional(cell->second) : std::nullopt, 11, 1);
-    }
-    std::printf("\n");
+    for (Classes const* const classes : kClasses) PrintMemoryRow(table, shape, *classes);
   }
 }
 
@@ -245,7 +270,7 @@ void PrintSizes(std::vector<SizeRow> const& rows) {
   }
 }
 
-// ---- The same as JSON: a row for each document and setting, null where nothing was measured
+// ---- The same as JSON: a row for each document, setting and set of classes, null where nothing was measured
 
 struct Number {
   std::optional<double> value;
@@ -255,13 +280,13 @@ struct Number {
 };
 
 void WriteJsonRow(std::ostream& out, Benchmarks::ResultCollector const& results, MemoryTable const& memory, Shape shape,
-                  Setting const& setting) {
-  std::string const yardstick = Name(kRawExpat, shape, &setting);
-  out << "    {\"document\": \"" << shape.Name() << "\", \"setting\": \"" << setting.name
-      << "\", \"expat_bytes_per_second\": " << Number{results.Speed(yardstick)};
+                  Setting const& setting, Classes const& classes) {
+  std::string const yardstick = Name(kRawExpat, shape, &setting, classes);
+  out << "    {\"document\": \"" << shape.Name() << "\", \"setting\": \"" << setting.name << "\", \"classes\": \""
+      << classes.name << "\", \"expat_bytes_per_second\": " << Number{results.Speed(yardstick)};
   for (Operation const* const operation : kBound) {
-    std::string const name = Name(*operation, shape, &setting);
-    auto const cell = memory.find(Name(*operation, shape, nullptr));
+    std::string const name = Name(*operation, shape, &setting, classes);
+    auto const cell = memory.find(Name(*operation, shape, nullptr, classes));
     out << ",\n     \"" << operation->name << "\": {\"bytes_per_second\": " << Number{results.Speed(name)}
         << ", \"ratio_to_expat\": " << Number{results.Ratio(name, yardstick)}
         << ", \"memory_per_byte\": " << Number{cell != memory.end() ? std::optional(cell->second) : std::nullopt}
@@ -277,8 +302,10 @@ void WriteJson(std::string const& path, Benchmarks::ResultCollector const& resul
   char const* separator = "";
   for (Shape const shape : shapes) {
     for (Setting const& setting : kSettings) {
-      out << std::exchange(separator, ",\n");
-      WriteJsonRow(out, results, memory, shape, setting);
+      for (Classes const* const classes : kClasses) {
+        out << std::exchange(separator, ",\n");
+        WriteJsonRow(out, results, memory, shape, setting, *classes);
+      }
     }
   }
   out << "],\n  \"octets_of_1MB\": {";

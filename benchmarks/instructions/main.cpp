@@ -1,9 +1,10 @@
 // Does one operation of the orders benchmark a number of times and nothing else, so that a tool that counts
 // instructions sees the cost of one more round. `scripts/count-instructions` runs it.
 //
-//   orders_rounds OPERATION SETTING LAYOUT ROUNDS
+//   orders_rounds OPERATION CLASSES SETTING LAYOUT ROUNDS
 //
 //   OPERATION  expat, tree, read, write, finf_read or finf_write
+//   CLASSES    hand or generated; expat and tree use none
 //   SETTING    posix or utf8
 //   LAYOUT     compact or indented
 //
@@ -37,16 +38,17 @@ bool SelectSetting(char const* name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  Operation const* const operation = argc == 5 ? FindOperation(argv[1]) : nullptr;
-  if (operation == nullptr || !SelectSetting(argv[2])) {
-    std::fprintf(stderr, "usage: %s OPERATION posix|utf8 compact|indented ROUNDS\n", argv[0]);
+  Operation const* const operation = argc == 6 ? FindOperation(argv[1]) : nullptr;
+  if (operation == nullptr || !SelectSetting(argv[3])) {
+    std::fprintf(stderr, "usage: %s OPERATION hand|generated posix|utf8 compact|indented ROUNDS\n", argv[0]);
     return 2;
   }
   try {
-    Workload load(1000000, std::strcmp(argv[3], "indented") == 0);
+    bool const isGenerated = std::strcmp(argv[2], "generated") == 0;
+    Workload load(1000000, std::strcmp(argv[4], "indented") == 0, isGenerated ? kGenerated : kByHand);
     if (operation->needsInfoset) load.WriteInfoset();
     if (operation->writes) load.ReadObjects();
-    for (long round = std::strtol(argv[4], nullptr, 10); round > 0; --round) operation->run(load);
+    for (long round = std::strtol(argv[5], nullptr, 10); round > 0; --round) operation->run(load);
     std::printf("%zu\n", load.document.text.size());
   } catch (Quillon9::CQnException const& failure) {
     std::fprintf(stderr, "%s\n", failure.GetFullMessage().c_str());

@@ -7,6 +7,9 @@
 #include <string_view>
 #include <type_traits>
 
+#include "generatedorders.h"
+#include "orders/orders.h"
+
 namespace Orders {
 
 using namespace Quillon9;
@@ -110,17 +113,37 @@ Sums ProveTree(Workload& load) {
 
 // ---- Objects
 
-std::size_t RunRead(Workload& load) {
+CSmartPtr<CXmlObjectBase> ReadTextByHand(std::string& text) {
   CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(Bytes(load.document.text), load.document.text.size());
-  return load.document.text.size();
+  orders->FromXmlStream(Bytes(text), text.size());
+  return orders.Get();
 }
 
-Sums SumUp(COrders const& orders) {
+CSmartPtr<CXmlObjectBase> ReadInfosetByHand(CBinaryData const& infoset) {
+  CSmartPtr<COrders> const orders = COrders::CreateInstance();
+  orders->FromXmlStream(infoset);
+  return orders.Get();
+}
+
+CSmartPtr<CXmlObjectBase> ReadTextGenerated(std::string& text) {
+  return GeneratedOrders::ReadOrders(XmlText(text)).Get();
+}
+
+CSmartPtr<CXmlObjectBase> ReadInfosetGenerated(CBinaryData const& infoset) {
+  return GeneratedOrders::ReadOrders(infoset).Get();
+}
+
+CItemCol const& ItemsOf(COrder const& order) { return *order.GetItem(); }
+Quillon9::CObjectCol<GeneratedOrders::CItemType> const& ItemsOf(GeneratedOrders::COrderType const& order) {
+  return order.GetItem();
+}
+
+template <class Orders>
+Sums SumUpOrders(Orders const& allOrders) {
   Sums sums;
-  for (COrder const& order : *orders.GetOrder()) {
+  for (auto const& order : allOrders) {
     ++sums.orders;
-    for (CItem const& item : *order.GetItem()) {
+    for (auto const& item : ItemsOf(order)) {
       ++sums.items;
       sums.quantity += static_cast<std::uint64_t>(item.GetQuantity());
       sums.priceE4 += PriceE4(item.GetPrice().ToString());
@@ -129,11 +152,18 @@ Sums SumUp(COrders const& orders) {
   return sums;
 }
 
-Sums ProveRead(Workload& load) {
-  CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(Bytes(load.document.text), load.document.text.size());
-  return SumUp(*orders);
+Sums SumUpByHand(CXmlObjectBase const& orders) { return SumUpOrders(*dynamic_cast<COrders const&>(orders).GetOrder()); }
+
+Sums SumUpGenerated(CXmlObjectBase const& orders) {
+  return SumUpOrders(dynamic_cast<GeneratedOrders::COrders const&>(orders).GetOrder());
 }
+
+std::size_t RunRead(Workload& load) {
+  load.classes->readText(load.document.text);
+  return load.document.text.size();
+}
+
+Sums ProveRead(Workload& load) { return load.classes->sumUp(*load.classes->readText(load.document.text)); }
 
 /// Writes as in the original document: the namespace of the schema is the default one.
 CBinaryData Write(Workload const& load) {
@@ -147,11 +177,7 @@ CBinaryData Write(Workload const& load) {
 
 std::size_t RunWrite(Workload& load) { return Write(load).GetLength(); }
 
-Sums ProveWrite(Workload& load) {
-  CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(Write(load));
-  return SumUp(*orders);
-}
+Sums ProveWrite(Workload& load) { return load.classes->sumUp(*load.classes->readInfoset(Write(load))); }
 
 // The suggested alphabet for dates lacks "." and "+", which occur in the times of orders.
 void SuggestEncodings(CFastInfosetContext& context) {
@@ -167,26 +193,17 @@ CBinaryData WriteAsInfoset(Workload const& load, bool suggested = false,
 }
 
 std::size_t RunReadInfoset(Workload& load) {
-  CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(load.infoset);
+  load.classes->readInfoset(load.infoset);
   return load.document.text.size();
 }
 
-Sums ProveReadInfoset(Workload& load) {
-  CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(load.infoset);
-  return SumUp(*orders);
-}
+Sums ProveReadInfoset(Workload& load) { return load.classes->sumUp(*load.classes->readInfoset(load.infoset)); }
 
 std::size_t RunWriteInfoset(Workload& load) {
   return WriteAsInfoset(load).GetLength() != 0 ? load.document.text.size() : 0;
 }
 
-Sums ProveWriteInfoset(Workload& load) {
-  CSmartPtr<COrders> const orders = COrders::CreateInstance();
-  orders->FromXmlStream(WriteAsInfoset(load));
-  return SumUp(*orders);
-}
+Sums ProveWriteInfoset(Workload& load) { return load.classes->sumUp(*load.classes->readInfoset(WriteAsInfoset(load))); }
 
 }  // namespace
 
@@ -209,19 +226,24 @@ std::vector<SizeRow> SizesOf(Workload& load) {
           {"Fast Infoset, suggested, gzip", WriteAsInfoset(load, true, CompressionType_GZip).GetLength()}};
 }
 
-Workload::Workload(std::uint64_t bytes, bool isIndented)
-    : indented(isIndented), document(GenerateOrders(bytes, isIndented)) {}
+Workload::Workload(std::uint64_t bytes, bool isIndented, Classes const& boundClasses)
+    : indented(isIndented), document(GenerateOrders(bytes, isIndented)), classes(&boundClasses) {}
 
-void Workload::ReadObjects() {
-  objects = COrders::CreateInstance();
-  objects->FromXmlStream(Bytes(document.text), document.text.size());
+void Workload::UseClasses(Classes const& boundClasses) {
+  if (classes != &boundClasses) objects = nullptr;
+  classes = &boundClasses;
 }
 
-Operation const kRawExpat = {"expat", false, false, RunExpat, ProveExpat};
-Operation const kLoadTree = {"tree", false, false, RunTree, ProveTree};
-Operation const kReadObjects = {"read", false, false, RunRead, ProveRead};
-Operation const kWriteObjects = {"write", true, false, RunWrite, ProveWrite};
-Operation const kReadInfoset = {"finf_read", false, true, RunReadInfoset, ProveReadInfoset};
-Operation const kWriteInfoset = {"finf_write", true, false, RunWriteInfoset, ProveWriteInfoset};
+void Workload::ReadObjects() { objects = classes->readText(document.text); }
+
+Classes const kByHand = {"by hand", ReadTextByHand, ReadInfosetByHand, SumUpByHand};
+Classes const kGenerated = {"generated", ReadTextGenerated, ReadInfosetGenerated, SumUpGenerated};
+
+Operation const kRawExpat = {"expat", false, false, false, RunExpat, ProveExpat};
+Operation const kLoadTree = {"tree", false, false, false, RunTree, ProveTree};
+Operation const kReadObjects = {"read", false, false, true, RunRead, ProveRead};
+Operation const kWriteObjects = {"write", true, false, true, RunWrite, ProveWrite};
+Operation const kReadInfoset = {"finf_read", false, true, true, RunReadInfoset, ProveReadInfoset};
+Operation const kWriteInfoset = {"finf_write", true, false, true, RunWriteInfoset, ProveWriteInfoset};
 
 }  // namespace Orders

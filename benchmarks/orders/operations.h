@@ -5,18 +5,35 @@
 #include <vector>
 
 #include "orders/generator.h"
-#include "orders/orders.h"
+#include "quillon9/quillon9.h"
 
 namespace Orders {
 
+/// A set of classes for the schema.
+struct Classes {
+  char const* name;
+  CSmartPtr<Quillon9::CXmlObjectBase> (*readText)(std::string& text);
+  CSmartPtr<Quillon9::CXmlObjectBase> (*readInfoset)(Quillon9::CBinaryData const& infoset);
+  Sums (*sumUp)(Quillon9::CXmlObjectBase const& orders);
+};
+
+/// Those of orders/orders.h.
+extern Classes const kByHand;
+/// Those that `quillon9 generate` makes of orders.xsd, read by the functions that it makes for the document element.
+extern Classes const kGenerated;
+
 /// A document and, where an operation writes, the objects that were read from it.
 struct Workload {
-  Workload(std::uint64_t bytes, bool isIndented);
+  Workload(std::uint64_t bytes, bool isIndented, Classes const& boundClasses = kByHand);
 
   bool indented;
   Document document;
-  CSmartPtr<COrders> objects;     ///< null until ReadObjects()
-  Quillon9::CBinaryData infoset;  ///< the document as Fast Infoset; empty until WriteInfoset()
+  Classes const* classes;
+  CSmartPtr<Quillon9::CXmlObjectBase> objects;  ///< null until ReadObjects()
+  Quillon9::CBinaryData infoset;                ///< the document as Fast Infoset; empty until WriteInfoset()
+
+  /// Forget the objects if they are of other classes.
+  void UseClasses(Classes const& boundClasses);
 
   /// Fill objects from the document.
   void ReadObjects();
@@ -29,6 +46,7 @@ struct Operation {
   char const* name;
   bool writes;        ///< needs objects, not the text
   bool needsInfoset;  ///< reads the document as Fast Infoset
+  bool bindsClasses;  ///< uses the classes of the workload
   /// Do the work to be timed once; returns the number of octets read or written.
   std::size_t (*run)(Workload& load);
   /// Do it once and sum up the result. Equal sums prove that the work was done.
@@ -39,7 +57,7 @@ struct Operation {
 extern Operation const kRawExpat;
 /// CXmlDocument::LoadXmlStream(): parser and tree.
 extern Operation const kLoadTree;
-/// FromXmlStream(): from octets to objects, including the destruction of the objects.
+/// From octets to objects, including the destruction of the objects.
 extern Operation const kReadObjects;
 /// ToXmlStream(): from objects to octets, indented as the document is.
 extern Operation const kWriteObjects;

@@ -7,9 +7,6 @@
 #include <cstring>
 #include <iterator>
 
-#include "quillon9/text/encoder.h"
-#include "text/utf8_text.h"
-
 namespace Quillon9::CodePage {
 
 // Lists only the code pages that certainly match ASCII: some that resemble it have other characters at 0x5C and 0x7E,
@@ -25,8 +22,6 @@ Charset Current() {
                                    [=](char const* known) { return std::strcmp(name, known) == 0; });
   return isKnown ? Charset::kAscii : Charset::kOther;
 }
-
-bool IsPassedThrough() { return ASCII_ONLY && !Utf8Text::IsInUse(); }
 
 bool IsAscii(wchar_t const* text, std::size_t length) {
   return std::all_of(text, text + length, [](wchar_t c) { return static_cast<std::uint32_t>(c) < 0x80; });

@@ -5,7 +5,9 @@
 #include <cwchar>
 #include <string>
 
+#include "quillon9/text/encoder.h"
 #include "text/utf8_scan.h"
+#include "text/utf8_text.h"
 
 namespace Quillon9 {
 
@@ -23,7 +25,7 @@ enum class Charset {
 Charset Current();
 
 /// Whether ASCIIOnly(true) is in force, so that nothing is converted.
-bool IsPassedThrough();
+inline bool IsPassedThrough() { return ASCII_ONLY && !Utf8Text::IsInUse(); }
 
 inline std::uint8_t const* Bytes(char const* text) { return reinterpret_cast<std::uint8_t const*>(text); }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <string_view>
 #include <utility>
@@ -19,7 +20,10 @@ class Utf8Text {
   /// Holds for the time of one read, write or check. Scopes nest; the innermost one counts.
   class Scope {
    public:
-    explicit Scope(Use use) : m_before(std::exchange(t_use, use)) {}
+    explicit Scope(Use use) : m_before(std::exchange(t_use, use)) {
+      if (use != Use::kNo && !s_isEverUsed.load(std::memory_order_relaxed))
+        s_isEverUsed.store(true, std::memory_order_relaxed);
+    }
     ~Scope() { t_use = m_before; }
     Scope(Scope const&) = delete;
     Scope& operator=(Scope const&) = delete;
@@ -28,12 +32,12 @@ class Utf8Text {
     Use m_before;
   };
 
-  static Use Current() { return t_use; }
-  static bool IsInUse() { return t_use != Use::kNo; }
+  static Use Current() { return s_isEverUsed.load(std::memory_order_relaxed) ? t_use : Use::kNo; }
+  static bool IsInUse() { return Current() != Use::kNo; }
 
   /// The length of \p text as a facet counts it.
   static std::size_t LengthOf(std::string_view text) {
-    return t_use == Use::kCountingCharacters ? CountCharacters(text) : text.size();
+    return Current() == Use::kCountingCharacters ? CountCharacters(text) : text.size();
   }
 
   /// Do nothing unless \p text is ill-formed while UTF-8 is in use.
@@ -47,6 +51,9 @@ class Utf8Text {
   static void CheckWellFormed(std::string_view text);
 
   static inline thread_local Use t_use = Use::kNo;
+  // Whether any thread has ever used UTF-8. Programs that never do are spared the call that finds the data of a thread,
+  // which each check of a text would make. A thread sees its own change, so no order is needed.
+  static inline std::atomic<bool> s_isEverUsed{false};
 };
 
 }  // namespace Quillon9

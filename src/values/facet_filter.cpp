@@ -57,11 +57,16 @@ class CTextFilter : public CFacetFilter {
  private:
   bool IsWithin(QnVariant const& held) const override {
     std::string const& value = held.GetString();
-    auto const length = static_cast<std::int64_t>(Utf8Text::LengthOf(value));
-    if (length < m_minLength || (m_maxLength >= 0 && length > m_maxLength) || (m_length >= 0 && length != m_length)) {
-      return false;
-    }
+    if (!HasAllowedLength(value)) return false;
     return !m_pattern || (m_pattern->Matches(value) && CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size()));
+  }
+
+  bool HasAllowedLength(std::string const& value) const {
+    auto const bytes = static_cast<std::int64_t>(value.size());
+    // A character has one to four bytes, so most texts need not be counted.
+    if (m_length < 0 && (bytes + 3) / 4 >= m_minLength && (m_maxLength < 0 || bytes <= m_maxLength)) return true;
+    auto const length = static_cast<std::int64_t>(Utf8Text::LengthOf(value));
+    return length >= m_minLength && (m_maxLength < 0 || length <= m_maxLength) && (m_length < 0 || length == m_length);
   }
 
   std::int64_t m_minLength;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <limits>
@@ -250,7 +251,16 @@ char* PutShortest(char (&room)[kGeneralRoom], float value) {
   return std::to_chars(room, room + sizeof room, value, std::chars_format::scientific, 8).ptr;
 }
 
+// Fifteen digits tell apart all texts that have no more, so if they read back, no shorter text does. This is faster
+// than to_chars(). An exponent can be shorter only for integers.
 char* PutShortest(char (&room)[kGeneralRoom], double value) {
+  constexpr int kDigits = std::numeric_limits<double>::digits10;
+  char* const end = PrintCommonDouble(room, value, kDigits);
+  if (end != nullptr && (std::fabs(value) < 1e5 || std::find(room, end, '.') != end)) {
+    double read = 0;
+    if (ParseShortDouble(std::string_view(room, static_cast<std::size_t>(end - room)), read) && read == value)
+      return end;
+  }
   return std::to_chars(room, room + sizeof room, value).ptr;
 }
 

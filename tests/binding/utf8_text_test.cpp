@@ -68,7 +68,8 @@ void ExpectNothingIsLost(std::function<CSmartPtr<DynamicClass>()> const& make, C
   std::u32string const expected = U"<root größe=\"😀\"><имя>Zoë, Привет, 日本, 😀</имя></root>";
   EXPECT_EQ(std::string(reinterpret_cast<char const*>(expected.data()), 4 * expected.size()), TextOf(wide));
 
-  CXmlDocument document(Utf8Context());
+  CXmlSerializationContext const utf8 = Utf8Context();
+  CXmlDocument document(utf8);
   document.LoadXml(kDocument);
   object = make();
   object->FromXmlElement(document.GetDocumentElement(), ctx);

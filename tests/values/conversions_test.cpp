@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cfloat>
+#include <charconv>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
@@ -183,6 +184,19 @@ TEST(Conversions, ShortestFormat) {
       std::string const text = CConversions::r4ToString(narrow, kShortestFormat);
       EXPECT_EQ(narrow, CConversions::r4FromString(text, kNone)) << text;
     }
+  }
+}
+
+// Numbers of few digits are printed in a way of their own.
+TEST(Conversions, ShortestTextOfFewDigits) {
+  std::mt19937_64 random(20240302);
+  for (int i = 0; i < 100000; ++i) {
+    int const places = static_cast<int>(random() % 20) - 4;
+    double const value = static_cast<double>(random() >> random() % 64) / std::pow(10.0, places);
+    char room[64];
+    std::string const expected(room, std::to_chars(room, room + sizeof room, value).ptr);
+    EXPECT_EQ(expected, CConversions::r8ToString(value, kShortestFormat));
+    EXPECT_EQ((value == 0 ? "" : "-") + expected, CConversions::r8ToString(value == 0 ? 0 : -value, kShortestFormat));
   }
 }
 
