@@ -69,7 +69,7 @@ std::string Constants::Rule(Plan::Member const& wildcard) {
     bool const isAny = wildcard.restriction == "##any";
     entry->second = Unique(isAny ? "kAnyNamespace" : isOther ? "kOtherNamespace" : "kNamespaces");
     std::string const list = WithoutDefaults({Literal(wildcard.restriction), Literal(target)}, {"\"##any\"", "\"\""});
-    m_ruleLines.push_back("constexpr Quillon9::CNamespaceRule " + entry->second + "{" + list + "};");
+    m_ruleLines.push_back("constexpr NamespaceRule " + entry->second + "{" + list + "};");
   }
   return entry->second;
 }
@@ -104,7 +104,7 @@ std::string Constants::Facets(Plan::Facets const& facets, std::string const& wan
          TextOrNull(facets.minExclusive), TextOrNull(facets.maxExclusive), std::to_string(facets.totalDigits),
          std::to_string(facets.fractionDigits)},
         {"nullptr", "-1", "-1", "-1", "nullptr", "nullptr", "nullptr", "nullptr", "-1", "-1"});
-    m_typeLines.push_back("constexpr Quillon9::CFacets " + entry->second + "{" + list + "};");
+    m_typeLines.push_back("constexpr Facets " + entry->second + "{" + list + "};");
   }
   return entry->second;
 }
@@ -121,7 +121,7 @@ std::string Constants::ValueType(Plan::ValueType const& type, std::string const&
   std::string const list =
       WithoutDefaults({"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts},
                       {"", "kCollapse", "nullptr", "nullptr"});
-  m_typeLines.push_back("constexpr Quillon9::CValueType " + entry->second + "{" + list + "};");
+  m_typeLines.push_back("constexpr ValueType " + entry->second + "{" + list + "};");
   return entry->second;
 }
 
@@ -133,8 +133,8 @@ std::string Constants::ValueElement(Plan::ValueType const& type, std::string con
     std::string const row = Unique("k" + name);
     entry->second = Unique("g_" + name);
     std::string const cpp = ValueElementType(type, {&m_ns, nullptr});
-    m_elementLines.push_back("constexpr Quillon9::CClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");");
-    m_elementLines.push_back("Quillon9::CClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};");
+    m_elementLines.push_back("constexpr ClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");");
+    m_elementLines.push_back("ClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};");
   }
   return entry->second;
 }

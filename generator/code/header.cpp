@@ -1,5 +1,7 @@
 #include "code/header.h"
 
+#include <set>
+
 #include "code/members.h"
 
 namespace Quillon9Generator::Code {
@@ -11,8 +13,7 @@ using Plan::Namespace;
 namespace {
 
 char const kSource[] = "Quillon9::CXmlSource const& source";
-char const kContext[] =
-    "Quillon9::CXmlSerializationContext const& ctx = Quillon9::CXmlSerializationContext::m_defaultContext";
+char const kContext[] = "Quillon9::CXmlSerializationContext const& ctx = Quillon9::DefaultContext()";
 
 void PrintEnumeration(Text& text, Enumeration const& enumeration) {
   text.Comment(enumeration.documentation);
@@ -56,6 +57,14 @@ Base BaseOf(Class const& cls, Scope const& scope) {
   return {plain, cls.base != nullptr ? plain : "CBoundObject"};
 }
 
+void PrintConstructor(Text& text, Class const& cls, std::string const& base) {
+  std::string const declarator = cls.shortName + "(Quillon9::CClassTables const& tables, char const* name)";
+  std::string const rest = ": " + base + "(tables, name) {}";
+  if (text.Fits(declarator.size() + 1 + rest.size())) return text.Line(declarator + ' ' + rest);
+  text.Line(declarator);
+  text.Line("    " + rest);
+}
+
 void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   Scope const scope{&ns, &cls};
   Base const base = BaseOf(cls, {&ns, cls.owner});
@@ -79,10 +88,10 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   text.Line("static Quillon9::CClassTables s_class;");
   if (!cls.abstract) {
     std::string const name = cls.defaultElementName.empty() ? "\"\"" : Literal(cls.defaultElementName);
-    text.Function("static CSmartPtr<" + cls.shortName + "> CreateInstance(char const* elementName = " + name + ")",
-                  "return new " + cls.shortName + "(s_class, elementName);");
+    text.Function("static CSmartPtr<" + cls.shortName + "> CreateInstance(char const* name = " + name + ")",
+                  "return new " + cls.shortName + "(s_class, name);");
   }
-  text.Blank();
+  if (!cls.choices.empty() || !cls.members.empty()) text.Blank();
   for (Plan::Choice const& choice : cls.choices) {
     text.Function(
         "E" + choice.cppName + " Get" + choice.cppName + "() const",
@@ -94,10 +103,7 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   text.Outdent(2);
   text.Line(" protected:");
   text.Indent(2);
-  text.Function(cls.shortName + "(Quillon9::CClassTables const& tables, char const* elementName) : " +
-                    base.constructed + "(tables, elementName)",
-                "");
-  text.Line("~" + cls.shortName + "() override;");
+  PrintConstructor(text, cls, base.constructed);
   text.Line("Quillon9::CPropertyRef Property(int index) override;");
   text.Outdent(2);
   if (!cls.members.empty()) {
@@ -108,6 +114,31 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
     text.Outdent(2);
   }
   text.Line("};");
+}
+
+/// Collect the classes that \p cls refers to but that are not nested in another.
+void AddReferences(std::set<Class const*>& referred, Class const& cls) {
+  for (Plan::Member const& member : cls.members) {
+    if (member.type != nullptr && member.type->owner == nullptr) referred.insert(member.type);
+  }
+  for (Class const* nested : cls.nested) AddReferences(referred, *nested);
+}
+
+/// Declare the classes that others use before their definition.
+void PrintForwardDeclarations(Text& text, Namespace const& ns) {
+  std::set<Class const*> known;
+  std::set<Class const*> needed;
+  for (Class const* cls : ns.classes) {
+    known.insert(cls);
+    std::set<Class const*> referred;
+    AddReferences(referred, *cls);
+    for (Class const* each : referred) {
+      if (known.count(each) == 0) needed.insert(each);
+    }
+  }
+  for (Class const* cls : ns.classes) {
+    if (needed.count(cls) != 0) text.Line("class " + cls->shortName + ";");
+  }
 }
 
 void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
@@ -131,20 +162,23 @@ void PrintRootFunctions(Text& text, Namespace const& ns) {
   for (Plan::Root const& root : ns.roots) {
     if (!root.alias.empty()) text.Line("using " + root.alias + " = " + RootType(root, ns) + ";");
   }
-  for (Plan::Root const& root : ns.roots) {
-    std::string const pointer = "CSmartPtr<" + RootType(root, ns) + "> ";
-    text.Blank();
-    text.Comment(root.documentation);
-    if (!root.documentation.empty()) text.Line("///");
-    text.Line("/// Read a document whose element is " + root.name.local + ".");
-    text.Call(pointer + "Read" + root.cppName, {kSource, kContext}, ";");
-    if (!CanBeCreated(root)) continue;
-    text.Line("/// A new object for the element " + root.name.local + ".");
-    text.Line(pointer + "Create" + root.cppName + "();");
-  }
+  auto const pointer = [&ns](Plan::Root const& root) { return "CSmartPtr<" + RootType(root, ns) + "> "; };
   text.Blank();
+  text.Line("/// Read a document whose element has the name of the function.");
+  text.Line("///@{");
+  for (Plan::Root const& root : ns.roots) {
+    text.Comment(root.documentation);
+    text.Call(pointer(root) + "Read" + root.cppName, {kSource, kContext}, ";");
+  }
+  text.Line("///@}");
   text.Line("/// Read a document whose element is any of these.");
   text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
+  text.Line("/// A new object for the element that has the name of the function.");
+  text.Line("///@{");
+  for (Plan::Root const& root : ns.roots) {
+    if (CanBeCreated(root)) text.Line(pointer(root) + "Create" + root.cppName + "();");
+  }
+  text.Line("///@}");
 }
 
 void AddEnumerations(std::vector<Enumeration const*>& all, Class const& cls) {
@@ -190,7 +224,7 @@ void PrintHeader(Text& text, Namespace const& ns) {
   text.Blank();
   text.Line("namespace " + ns.cppName + " {");
   text.Line("");
-  for (Class const* cls : ns.classes) text.Line("class " + cls->shortName + ";");
+  PrintForwardDeclarations(text, ns);
   for (Enumeration const* enumeration : ns.enumerations) {
     text.Blank();
     PrintEnumeration(text, *enumeration);

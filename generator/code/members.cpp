@@ -74,8 +74,9 @@ std::string ImpliedText(Member const& member, Scope const& scope) {
 std::string Comment(Member const& member) {
   std::string comment = member.documentation;
   auto const add = [&comment](std::string const& line) {
-    if (!line.empty()) comment += (comment.empty() ? "" : "\n\n") + line;
+    if (!line.empty()) comment += (comment.empty() ? "" : "\n") + line;
   };
+  if (!comment.empty()) comment += '\n';
   add(DescribeFacets(member.value.facets));
   if (member.fixedValue) {
     add("Fixed: " + *member.fixedValue + ".");
@@ -120,14 +121,24 @@ void DeclareValue(Text& text, Member const& member, Scope const& scope) {
 void DeclareObject(Text& text, Member const& member, std::string const& type) {
   std::string const getter = " Get" + member.cppName + "()";
   if (member.mandatory && CanBeCreated(member)) {
-    text.Line(type + "&" + getter + ";");
-    text.Line(type + " const&" + getter + " const;");
+    std::string const body = "return " + Call("Object", member, false) + ";";
+    text.Function(type + "&" + getter, body);
+    text.Function(type + " const&" + getter + " const", body);
   } else {
     text.Function(type + "*" + getter, "return " + member.field + ";");
     text.Function(type + " const*" + getter + " const", "return " + member.field + ";");
-    if (CanBeCreated(member)) text.Line(type + "& Create" + member.cppName + "();");
+    if (CanBeCreated(member)) {
+      text.Function(type + "& Create" + member.cppName + "()", "return " + Call("Create", member, false) + ";");
+    }
   }
-  text.Line("void Set" + member.cppName + "(CSmartPtr<" + type + "> value);");
+  text.Function("void Set" + member.cppName + "(CSmartPtr<" + type + "> value)", Call("Hold", member, true) + ";");
+}
+
+void DeclareCollection(Text& text, Member const& member, std::string const& type) {
+  std::string const getter = " Get" + member.cppName + "()";
+  std::string const body = "return " + Call("Collection", member, false) + ";";
+  text.Function(type + "&" + getter, body);
+  text.Function(type + " const&" + getter + " const", body);
 }
 
 }  // namespace
@@ -140,9 +151,7 @@ void DeclareAccessors(Text& text, Member const& member, Scope const& scope) {
   text.Comment(Comment(member));
   if (member.kind == Kind::Value) return DeclareValue(text, member, scope);
   std::string const type = HeldClass(member, scope);
-  if (!IsCollection(member)) return DeclareObject(text, member, type);
-  text.Line(type + "& Get" + member.cppName + "();");
-  text.Line(type + " const& Get" + member.cppName + "() const;");
+  IsCollection(member) ? DeclareCollection(text, member, type) : DeclareObject(text, member, type);
 }
 
 void DeclareField(Text& text, Member const& member, Scope const& scope) {
@@ -157,36 +166,12 @@ void DeclareField(Text& text, Member const& member, Scope const& scope) {
   text.Line(type + " " + member.field + initial + ";");
 }
 
-void DefineAccessors(Text& text, Member const& member, Scope const& scope) {
-  if (member.kind == Kind::Value) return;
-  // The return type stands before the name of the class, and so outside of its scope.
-  std::string const type = HeldClass(member, {scope.ns, nullptr});
-  std::string const& cls = scope.cls->cppName;
-  std::string const getter = " " + cls + "::Get" + member.cppName + "()";
-  if (IsCollection(member)) {
-    std::string const body = "return " + Call("Collection", member, false) + ";";
-    text.Function(type + "&" + getter, body);
-    text.Function(type + " const&" + getter + " const", body);
-    return;
-  }
-  if (member.mandatory && CanBeCreated(member)) {
-    std::string const body = "return " + Call("Object", member, false) + ";";
-    text.Function(type + "&" + getter, body);
-    text.Function(type + " const&" + getter + " const", body);
-  } else if (CanBeCreated(member)) {
-    text.Function(type + "& " + cls + "::Create" + member.cppName + "()",
-                  "return " + Call("Create", member, false) + ";");
-  }
-  text.Function("void " + cls + "::Set" + member.cppName + "(CSmartPtr<" + HeldClass(member, scope) + "> value)",
-                Call("Hold", member, true) + ";");
-}
-
 std::string PropertyOf(Member const& member) {
   bool const isPlainValue = member.kind == Kind::Value && member.value.enumeration == nullptr;
   bool const needsKind = isPlainValue && SharesCppType(member.value.kind) &&
                          member.value.kind != Quillon9::ItemType_ui1 && member.value.kind != Quillon9::ItemType_ui2;
   if (!needsKind) return member.field;
-  return "{" + member.field + ", Quillon9::" + KindName(member.value.kind) + "}";
+  return "Quillon9::CPropertyRef(" + member.field + ", Quillon9::" + KindName(member.value.kind) + ")";
 }
 
 }  // namespace Quillon9Generator::Code

@@ -15,10 +15,7 @@ void DeclareAccessors(Text& text, Plan::Member const& member, Scope const& scope
 /// The data member.
 void DeclareField(Text& text, Plan::Member const& member, Scope const& scope);
 
-/// The functions that DeclareAccessors() leaves to the source.
-void DefineAccessors(Text& text, Plan::Member const& member, Scope const& scope);
-
-/// The value of the member for CPropertyRef: `m_x`, or `{m_x, Quillon9::ItemType_date}`.
+/// The member as an argument of Pick(): `m_x`, or a CPropertyRef where its C++ type does not say its kind.
 std::string PropertyOf(Plan::Member const& member);
 
 /// The type of an element of simple type that may be nil or is the root: `Quillon9::CValueElement<std::string>`.

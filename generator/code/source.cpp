@@ -1,5 +1,7 @@
 #include "code/source.h"
 
+#include <algorithm>
+#include <cstddef>
 #include <map>
 
 #include "code/constants.h"
@@ -14,36 +16,48 @@ using Plan::Namespace;
 
 namespace {
 
+/// More members are not named in one call, since compilers limit the depth of the expression that it becomes.
+constexpr std::size_t kMostPicked = 100;
+
+/// The calls that pick a property: of the base, and of the class in portions.
 void DefineProperties(Text& text, Class const& cls, Namespace const& ns) {
-  std::string const base =
-      cls.base != nullptr ? NameOf(*cls.base, {&ns, &cls}) + "::Property(index)" : std::string("{}");
-  std::string const signature = "Quillon9::CPropertyRef " + cls.cppName + "::Property(int index)";
-  if (cls.members.empty()) {
-    text.Function("Quillon9::CPropertyRef " + cls.cppName + "::Property(int" + (cls.base != nullptr ? " index)" : ")"),
-                  "return " + base + ";");
-    return;
+  bool const usesIndex = cls.base != nullptr || !cls.members.empty();
+  if (cls.base == nullptr && cls.members.size() <= kMostPicked) {
+    std::string call = "return {};";
+    if (usesIndex) call = "return Pick(index";
+    for (Plan::Member const& member : cls.members) call += ", " + PropertyOf(member);
+    if (usesIndex) call += ");";
+    std::string const line =
+        "PropertyRef " + cls.cppName + "::Property(int" + (usesIndex ? " index" : "") + ") { " + call + " }";
+    if (text.Fits(line.size())) return text.Line(line);
   }
-  text.Line(signature + " {");
+  text.Line("PropertyRef " + cls.cppName + "::Property(int" + (usesIndex ? " index) {" : ") {"));
   text.Indent(2);
-  text.Line("switch (index) {");
-  for (Plan::Member const& member : cls.members) {
-    text.Line("  case " + std::to_string(member.property) + ": return " + PropertyOf(member) + ";");
+  if (cls.base != nullptr) {
+    std::string const call = NameOf(*cls.base, {&ns, &cls}) + "::Property(index);";
+    text.Line((cls.members.empty() ? "" : "if (index < " + std::to_string(cls.firstProperty) + ") ") + "return " +
+              call);
+  } else if (cls.members.empty()) {
+    text.Line("return {};");
   }
-  text.Line("}");
-  text.Line("return " + base + ";");
+  for (std::size_t begin = 0; begin < cls.members.size(); begin += kMostPicked) {
+    std::size_t const end = std::min(begin + kMostPicked, cls.members.size());
+    int const first = cls.members[begin].property;
+    std::vector<std::string> arguments = {first == 0 ? "index" : "index - " + std::to_string(first)};
+    for (std::size_t i = begin; i < end; ++i) arguments.push_back(PropertyOf(cls.members[i]));
+    bool const isLast = end == cls.members.size();
+    std::string const condition = isLast ? "" : "if (index < " + std::to_string(cls.members[end].property) + ") ";
+    text.Call(condition + "return Pick", arguments, ";");
+  }
   text.Outdent(2);
   text.Line("}");
 }
 
 void DefineClass(Text& text, Class const& cls, Namespace const& ns, std::string const& row) {
-  text.Blank();
-  text.Line("// ---- " + cls.cppName);
-  text.Blank();
-  std::string const factory = cls.abstract ? "" : ", &Quillon9::MakeObject<" + cls.cppName + ">";
-  text.Line("Quillon9::CClassTables " + cls.cppName + "::s_class{" + row + factory + "};");
-  text.Line(cls.cppName + "::~" + cls.shortName + "() = default;");
+  std::vector<std::string> arguments = {row};
+  if (!cls.abstract) arguments.push_back("&MakeObject<" + cls.cppName + ">");
+  text.Call("ClassTables " + cls.cppName + "::s_class", arguments, ";", '{');
   DefineProperties(text, cls, ns);
-  for (Plan::Member const& member : cls.members) DefineAccessors(text, member, {&ns, &cls});
 }
 
 void DefineEnumerationFunctions(Text& text, Namespace const& ns, Constants& constants) {
@@ -59,24 +73,19 @@ void DefineEnumerationFunctions(Text& text, Namespace const& ns, Constants& cons
 
 void DefineRootFunctions(Text& text, Namespace const& ns, std::string const& roots) {
   if (ns.roots.empty()) return;
-  std::vector<std::string> const parameters = {"Quillon9::CXmlSource const& source",
-                                               "Quillon9::CXmlSerializationContext const& ctx"};
-  auto const read = [&](std::string const& type, std::string const& name, std::string const& body) {
-    text.Blank();
-    text.Call("CSmartPtr<" + type + "> " + name, parameters, " {");
-    text.Line("  return " + body + ";");
-    text.Line("}");
-  };
+  text.Blank();
+  std::string const parameters = "(XmlSource const& source, Context const& ctx)";
   for (std::size_t i = 0; i < ns.roots.size(); ++i) {
     Plan::Root const& root = ns.roots[i];
     std::string const type = RootType(root, ns);
     std::string const row = roots + "[" + std::to_string(i) + "]";
-    read(type, "Read" + root.cppName, "Quillon9::ReadRoot<" + type + ">(source, " + row + ", ctx)");
+    text.Function("CSmartPtr<" + type + "> Read" + root.cppName + parameters,
+                  "return RootFrom<" + type + ">(source, " + row + ", ctx);");
     if (!CanBeCreated(root)) continue;
-    text.Function("CSmartPtr<" + type + "> Create" + root.cppName + "()",
-                  "return Quillon9::CreateRoot<" + type + ">(" + row + ");");
+    text.Function("CSmartPtr<" + type + "> Create" + root.cppName + "()", "return NewRoot<" + type + ">(" + row + ");");
   }
-  read("Quillon9::CXmlObjectBase", "ReadRoot", "Quillon9::ReadAnyRoot(source, " + roots + ", ctx)");
+  text.Function("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot" + parameters,
+                "return Quillon9::ReadAnyRoot(source, " + roots + ", ctx);");
 }
 
 }  // namespace
@@ -103,6 +112,7 @@ void PrintSource(Text& text, Namespace const& ns) {
   text.Line("// clang-format on");
   text.Blank();
   text.Line("}  // namespace");
+  text.Blank();
   for (Class const* cls : classes) DefineClass(text, *cls, ns, rowNames[cls]);
   DefineEnumerationFunctions(text, ns, constants);
   DefineRootFunctions(text, ns, roots);

@@ -130,8 +130,7 @@ std::string PrintArray(Text& text, std::string const& type, std::string const& n
                        std::vector<std::string> const& items) {
   if (items.empty()) return "nullptr";
   text.Line("constexpr " + type + " " + name + "[] = {");
-  for (std::string const& item : items) text.Line("    " + item + ",");
-  text.Line("};");
+  for (std::size_t i = 0; i < items.size(); ++i) text.Line("    " + items[i] + (i + 1 < items.size() ? "," : "};"));
   return name;
 }
 
@@ -139,8 +138,7 @@ std::string DerivedClasses(Text& text, Plan::Class const& cls, std::string const
   std::vector<std::string> items;
   for (Plan::Class const* each : cls.derived) items.push_back('&' + TablesOf(*each));
   if (items.empty()) return "nullptr";
-  for (std::string const& line : BracedList("constexpr Quillon9::CClassTables* " + name + "[] = ", items))
-    text.Line(line);
+  for (std::string const& line : BracedList("constexpr ClassTables* " + name + "[] = ", items)) text.Line(line);
   return name;
 }
 
@@ -157,11 +155,9 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
   std::string const textType =
       hasTextType ? '&' + constants.ValueType(textMember->value, textMember->cppName) : "nullptr";
 
-  text.Line("// " + cls.cppName);
-  std::string const elementArray =
-      PrintArray(text, "Quillon9::CElementRow", constants.Unique(stem + "Elements"), elements);
+  std::string const elementArray = PrintArray(text, "ElementRow", constants.Unique(stem + "Elements"), elements);
   std::string const attributeArray =
-      PrintArray(text, "Quillon9::CAttributeRow", constants.Unique(stem + "Attributes"), attributes);
+      PrintArray(text, "AttributeRow", constants.Unique(stem + "Attributes"), attributes);
   std::string const derivedArray = DerivedClasses(text, cls, constants.Unique(stem + "Derived"));
   std::vector<std::string> const fields = {Literal(cls.name.local),
                                            cls.name.local.empty() ? "\"\"" : constants.Uri(cls.name.ns),
@@ -186,8 +182,7 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
   while (count != 0 && fields[count - 1] == kDefaults[count - 1]) --count;
   std::string const name = constants.Unique(stem + "Class");
   std::vector<std::string> const given(fields.begin(), fields.begin() + static_cast<std::ptrdiff_t>(count));
-  for (std::string const& line : BracedList("constexpr Quillon9::CClassRow " + name, given)) text.Line(line);
-  text.Blank();
+  for (std::string const& line : BracedList("constexpr ClassRow " + name, given)) text.Line(line);
   return name;
 }
 
@@ -199,7 +194,7 @@ std::string PrintRoots(Text& text, Plan::Namespace const& ns, Constants& constan
                                                       : '&' + constants.ValueElement(root.value, root.cppName);
     rows.push_back("{" + Literal(root.name.local) + ", " + constants.Uri(root.name.ns) + ", " + tables + "}");
   }
-  return PrintArray(text, "Quillon9::CRootRow", constants.Unique("kRoots"), rows);
+  return PrintArray(text, "RootRow", constants.Unique("kRoots"), rows);
 }
 
 }  // namespace Quillon9Generator::Code

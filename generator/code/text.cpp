@@ -134,19 +134,20 @@ void Text::Blank() {
   if (!m_text.empty() && !endsWith("\n\n") && !endsWith("{\n") && !endsWith(" public:\n")) m_text += '\n';
 }
 
-void Text::Call(std::string_view head, std::vector<std::string> const& arguments, std::string_view tail) {
-  std::string line = std::string(head) + '(';
+void Text::Call(std::string_view head, std::vector<std::string> const& arguments, std::string_view tail, char open) {
+  std::string const close = (open == '{' ? "}" : ")") + std::string(tail);
+  std::string line = std::string(head) + open;
   for (std::size_t i = 0; i < arguments.size(); ++i) line += (i != 0 ? ", " : "") + arguments[i];
-  (line += ')') += tail;
+  line += close;
   if (Fits(line.size()) || arguments.empty()) return Line(line);
 
   auto const pack = [&](std::string first, std::size_t indent) {
     std::vector<std::string> lines{std::move(first)};
     for (std::size_t i = 0; i < arguments.size(); ++i) {
       bool const last = i + 1 == arguments.size();
-      std::string const piece = arguments[i] + (last ? ')' + std::string(tail) : ",");
+      std::string const piece = arguments[i] + (last ? close : ",");
       std::string& current = lines.back();
-      bool const starts = current.size() == indent || current.back() == '(';
+      bool const starts = current.size() == indent || current.back() == open;
       if (Fits(current.size() + (starts ? 0 : 1) + piece.size()) && !(starts && lines.size() == 1 && indent == 4)) {
         current += (starts ? "" : " ") + piece;
       } else {
@@ -155,7 +156,7 @@ void Text::Call(std::string_view head, std::vector<std::string> const& arguments
     }
     return lines;
   };
-  std::string const opening = std::string(head) + '(';
+  std::string const opening = std::string(head) + open;
   std::vector<std::string> lines = pack(opening, opening.size());
   auto const tooLong = [this](std::string const& text) { return !Fits(text.size()); };
   if (std::any_of(lines.begin(), lines.end(), tooLong) || lines.front() == opening) lines = pack(opening, 4);
@@ -165,7 +166,13 @@ void Text::Call(std::string_view head, std::vector<std::string> const& arguments
 void Text::Function(std::string_view signature, std::string_view body) {
   std::string const line = std::string(signature) + (body.empty() ? " {}" : " { " + std::string(body) + " }");
   if (Fits(line.size()) || body.empty()) return Line(line);
-  Line(std::string(signature) + " {");
+  std::size_t const parameters = signature.find('(') + 1;
+  if (Fits(signature.size() + 2)) {
+    Line(std::string(signature) + " {");
+  } else {
+    Line(signature.substr(0, parameters));
+    Line("    " + std::string(signature.substr(parameters)) + " {");
+  }
   Indent(2);
   std::size_t const open = body.find('(');
   if (Fits(body.size()) || open == body.npos || body.substr(body.size() - 2) != ");") {
@@ -178,28 +185,29 @@ void Text::Function(std::string_view signature, std::string_view body) {
 }
 
 void Text::Comment(std::string_view documentation) {
-  bool paragraph = false;
+  std::string line = "///";
   bool any = false;
+  bool paragraph = false;  // an empty line is due
+  auto const finish = [&] {
+    if (line.size() > 3) Line(line);
+    line = "///";
+  };
   for (std::string_view const source : Lines(documentation)) {
     std::vector<std::string> const words = Words(source);
     if (words.empty()) {
+      finish();
       paragraph = any;
-      continue;
     }
-    if (paragraph) Line("///");
-    paragraph = false;
-    any = true;
-    std::string line = "///";
     for (std::string const& word : words) {
-      if (line.size() > 3 && m_indent + Width(line) + 1 + Width(word) > kColumns) {
-        Line(line);
-        line = "///";
-      }
+      if (paragraph) Line("///");
+      paragraph = false;
+      any = true;
+      if (line.size() > 3 && m_indent + Width(line) + 1 + Width(word) > kColumns) finish();
       line += ' ';
       line += word;
     }
-    Line(line);
   }
+  finish();
 }
 
 }  // namespace Quillon9Generator::Code

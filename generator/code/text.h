@@ -26,12 +26,12 @@ class Text {
   void Line(std::string_view line);
   /// Append an empty line, unless there is one already or a brace has just been opened.
   void Blank();
-  /// Append `head(arguments)tail`. Where it is too long for a line, it is broken between the arguments, as clang-format
+  /// Append `head(arguments)tail`, or with braces if \p open is one. Where it is too long for a line, it is broken between the arguments, as clang-format
   /// does: below the opening parenthesis, or else on lines of its own.
-  void Call(std::string_view head, std::vector<std::string> const& arguments, std::string_view tail);
+  void Call(std::string_view head, std::vector<std::string> const& arguments, std::string_view tail, char open = '(');
   /// Append a function on one line, or its body on a line of its own if that is too long.
   void Function(std::string_view signature, std::string_view body);
-  /// Append \p documentation as lines that begin with `///`, wrapped. What would end the comment or be a command of a
+  /// Append \p documentation as lines that begin with `///`, each paragraph filled anew. What would end the comment or be a command of a
   /// documentation tool is made harmless. Nothing for an empty text.
   void Comment(std::string_view documentation);
 

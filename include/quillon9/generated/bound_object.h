@@ -135,6 +135,15 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   T const& Collection(int, CSmartPtr<T> const& member) const {
     return member.Get() != nullptr ? *member : detail::EmptyCollection<T>();
   }
+  /// The member with this \p index among \p members, counted from 0; none for a number outside. Compilers make of it
+  /// what they make of a switch.
+  template <class... Members>
+  static CPropertyRef Pick(int index, Members&&... members) {
+    CPropertyRef picked;
+    int number = 0;
+    static_cast<void>(((index == number++ && (picked = CPropertyRef(std::forward<Members>(members)), true)) || ...));
+    return picked;
+  }
   /// Which alternative of a choice is set: 1 for the first, 0 for none. \p row is the place of the beginning of the
   /// choice among the element rows of the class that has \p tables: this class or a base.
   int Alternative(CClassTables const& tables, int row) const;

@@ -59,4 +59,11 @@ CSmartPtr<CXmlObjectBase> MakeObject(CClassTables const&, char const* elementNam
   return Class::CreateInstance(elementName);
 }
 
+namespace Rows {
+
+using ClassTables = CClassTables;
+using Quillon9::MakeObject;
+
+}  // namespace Rows
+
 }  // namespace Quillon9

@@ -234,4 +234,10 @@ class CPropertyRef {
   CPropertyKind const* m_kind = nullptr;
 };
 
+namespace Rows {
+
+using PropertyRef = CPropertyRef;
+
+}  // namespace Rows
+
 }  // namespace Quillon9

@@ -28,8 +28,8 @@ struct CFacets {
 struct CValueType {
   ItemType kind = ItemType_string;
   CWhitespaceUtils::WhitespaceRule whitespace = CWhitespaceUtils::WhitespaceRule_Collapse;
-  CFacets const* facets = nullptr;           ///< null for none
-  CEnumTexts const* enumeration = nullptr;   ///< null unless the values are enumerators; kind is ItemType_i4 then
+  CFacets const* facets = nullptr;          ///< null for none
+  CEnumTexts const* enumeration = nullptr;  ///< null unless the values are enumerators; kind is ItemType_i4 then
 };
 
 /// The namespaces that a wildcard allows: "##any", "##other", or a list of URIs, of which "##local" stands for none.
@@ -39,7 +39,19 @@ struct CNamespaceRule {
 };
 
 enum class RowKind : std::uint8_t {
-  Value, Values, Object, Objects, Rounds, Any, Anys, AnyType, AnyTypes, BeginSequence, BeginChoice, BeginAll, EndGroup
+  Value,
+  Values,
+  Object,
+  Objects,
+  Rounds,
+  Any,
+  Anys,
+  AnyType,
+  AnyTypes,
+  BeginSequence,
+  BeginChoice,
+  BeginAll,
+  EndGroup
 };
 
 /// Whether a member or group must occur where it stands.
@@ -67,14 +79,20 @@ struct CAttributeRow {
   char const* name = "";
   char const* ns = "";
   Occurs occurs = Occurs::Optional;
-  CValueType const* value = nullptr;    ///< null for the attributes of a wildcard
-  CNamespaceRule const* rule = nullptr; ///< of a wildcard
+  CValueType const* value = nullptr;     ///< null for the attributes of a wildcard
+  CNamespaceRule const* rule = nullptr;  ///< of a wildcard
   char const* defaultText = nullptr;
   char const* fixedText = nullptr;
 };
 
-/// Makers of rows, so that a table reads like the schema.
+/// Makers of rows and short names, so that a table reads like the schema. No name of a generated class is like these.
 namespace Rows {
+
+using ElementRow = CElementRow;
+using AttributeRow = CAttributeRow;
+using ValueType = CValueType;
+using Facets = CFacets;
+using NamespaceRule = CNamespaceRule;
 
 inline constexpr Occurs kOnce = Occurs::Once;
 inline constexpr Occurs kOptional = Occurs::Optional;
@@ -130,7 +148,7 @@ constexpr CAttributeRow AnyAttributes(int property, CNamespaceRule const& rule) 
 
 /// What a generated class is, in constants.
 struct CClassRow {
-  char const* typeName = "";         ///< of the type in its schema, for xsi:type; empty for an anonymous type
+  char const* typeName = "";  ///< of the type in its schema, for xsi:type; empty for an anonymous type
   char const* typeNamespace = "";
   char const* targetNamespace = "";  ///< of its element where that is the document root
   CClassTables* base = nullptr;      ///< the class it derives from, whose rows come first; null for none
@@ -147,5 +165,11 @@ struct CClassRow {
   CClassTables* const* derived = nullptr;  ///< all classes derived from it, also indirectly
   int derivedCount = 0;
 };
+
+namespace Rows {
+
+using ClassRow = CClassRow;
+
+}  // namespace Rows
 
 }  // namespace Quillon9

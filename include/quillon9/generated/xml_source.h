@@ -45,6 +45,9 @@ class QUILLON9_API CXmlSource {
   std::size_t m_size = 0;
 };
 
+/// The context of functions that read documents, unless they get another.
+inline CXmlSerializationContext const& DefaultContext() { return CXmlSerializationContext::m_defaultContext; }
+
 /// A global element of a schema.
 struct CRootRow {
   char const* name = "";
@@ -77,5 +80,25 @@ template <class Class>
 CSmartPtr<Class> CreateRoot(CRootRow const& root) {
   return static_cast<Class*>(CreateAnyRoot(root).Get());
 }
+
+namespace Rows {
+
+using XmlSource = CXmlSource;
+using Context = CXmlSerializationContext;
+using RootRow = CRootRow;
+
+/// ReadRoot() and CreateRoot() under names that no generated function has.
+///@{
+template <class Class>
+CSmartPtr<Class> RootFrom(CXmlSource const& source, CRootRow const& root, CXmlSerializationContext const& ctx) {
+  return ReadRoot<Class>(source, root, ctx);
+}
+template <class Class>
+CSmartPtr<Class> NewRoot(CRootRow const& root) {
+  return CreateRoot<Class>(root);
+}
+///@}
+
+}  // namespace Rows
 
 }  // namespace Quillon9
