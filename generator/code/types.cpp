@@ -1,5 +1,6 @@
 #include "code/types.h"
 
+#include <string_view>
 #include <vector>
 
 namespace Quillon9Generator::Code {
@@ -63,6 +64,17 @@ std::string Count(long least, long most, char const* what) {
   return std::to_string(least) + " to " + std::to_string(most) + unit;
 }
 
+/// \p pattern without what the plan has put around it so that it matches whole values.
+std::string SchemaPattern(std::string const& pattern) {
+  constexpr std::string_view kBefore = "(?:";
+  constexpr std::string_view kAfter = ")\\z";
+  bool const isWrapped = pattern.size() > kBefore.size() + kAfter.size() &&
+                         pattern.compare(0, kBefore.size(), kBefore) == 0 &&
+                         pattern.compare(pattern.size() - kAfter.size(), kAfter.size(), kAfter) == 0;
+  if (!isWrapped) return pattern;
+  return pattern.substr(kBefore.size(), pattern.size() - kBefore.size() - kAfter.size());
+}
+
 void Add(std::vector<std::string>& parts, std::string const& value, char const* before, char const* after) {
   if (!value.empty()) parts.push_back(before + value + after);
 }
@@ -101,10 +113,11 @@ std::string DescribeFacets(Plan::Facets const& facets) {
   }
   if (facets.totalDigits >= 0) parts.push_back(Count(-1, facets.totalDigits, "digits"));
   if (facets.fractionDigits >= 0) parts.push_back(Count(-1, facets.fractionDigits, "digits of the fraction"));
-  if (facets.pattern.size() > kLongestPattern) {
+  std::string const pattern = SchemaPattern(facets.pattern);
+  if (pattern.size() > kLongestPattern) {
     parts.push_back("a pattern");
   } else {
-    Add(parts, facets.pattern, "pattern ", "");
+    Add(parts, pattern, "pattern ", "");
   }
   std::string text;
   for (std::string const& part : parts) text += (text.empty() ? "Facets: " : ", ") + part;

@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "code/text.h"
+#include "code/value_text.h"
+#include "code/write.h"
+#include "golden/drawings.h"
+#include "golden/orders.h"
+#include "plan/make_plan.h"
+#include "schema/load.h"
+
+namespace Quillon9Generator::Testing {
+namespace {
+
+using Company::Drawings::CCircle;
+using Company::Drawings::CDrawing;
+using Company::Drawings::EColour;
+
+std::string ReadFile(std::string const& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+std::vector<Code::GeneratedFile> Generate(std::string const& schema, std::string const& cppNamespace) {
+  Schema::Diagnostics diagnostics;
+  Schema::SchemaSet const set = Schema::LoadSchemas({{schema}, {}, {}}, diagnostics);
+  Plan::PlanOptions options;
+  options.cppNamespace = cppNamespace;
+  Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
+  EXPECT_TRUE(diagnostics.All().empty());
+  return Code::Write(plan, {});
+}
+
+// The files are also compiled into this test. To accept a change: quillon9 generate -n NAMESPACE -o tests/generator/golden
+// SCHEMA.
+TEST(Code, WritesTheGoldenFiles) {
+  struct Row {
+    char const* schema;
+    char const* cppNamespace;
+  };
+  Row const rows[] = {{QUILLON9_EXAMPLES "/purchase_order/purchase_order.xsd", "Orders"},
+                      {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"}};
+  for (Row const& row : rows) {
+    for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
+      EXPECT_EQ(file.content, ReadFile(std::string(QUILLON9_GOLDEN "/") + file.path)) << file.path;
+    }
+  }
+}
+
+char const kDrawing[] =
+    "<drawing xmlns='urn:drawing' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' palette='dark'>"
+    "<author born='1967'>Zo\xC3\xAB</author><background/>"
+    "<shape xsi:type='Circle' id='a'><line>bl\xC3\xA4ulich \"?\?=\"</line><radius>0.1</radius></shape>"
+    "<comment>two</comment>"
+    "<shape xsi:type='Group' id='b'><member xsi:type='Circle' id='c'><radius>INF</radius></member></shape>"
+    "<reviewed xsi:nil='true'/><palette>red</palette><palette>light-green</palette>"
+    "<x:other xmlns:x='urn:x'>5</x:other></drawing>";
+
+TEST(Code, GoldenClassesReadAndWriteWhatTheSchemaSays) {
+  CSmartPtr<CDrawing> drawing = Company::Drawings::ReadDrawing(Quillon9::XmlText(kDrawing));
+  EXPECT_EQ(drawing->GetChoice2(), CDrawing::EChoice2::Author);
+  EXPECT_EQ(drawing->GetAuthor()->GetValue(), "Zo\xC3\xAB");
+  EXPECT_EQ(drawing->GetBackground(), EColour::LightGreen);
+  EXPECT_EQ(drawing->GetChoice().GetCount(), 3);
+  EXPECT_EQ(drawing->GetChoice()[1].GetChoice(), CDrawing::CChoice::EChoice::Comment);
+  EXPECT_EQ(dynamic_cast<CCircle&>(*drawing->GetChoice()[0].GetShape()).GetRadius(), 0.1);
+  EXPECT_EQ(drawing->GetScale(), 1.0F);
+  EXPECT_FALSE(drawing->HasScale());
+  EXPECT_TRUE(drawing->GetReviewed().IsNil());
+  EXPECT_EQ(drawing->GetPalette()[1], EColour::LightGreen);
+  EXPECT_EQ(drawing->GetAny().GetCount(), 1);
+
+  std::string const written = drawing->ToXml();
+  EXPECT_EQ(Company::Drawings::ReadDrawing(Quillon9::XmlText(written))->ToXml(), written);
+  EXPECT_EQ(written.find("scale"), written.npos) << written;
+
+  drawing->SetCompany("Shapes");
+  EXPECT_EQ(drawing->GetChoice2(), CDrawing::EChoice2::Company);
+  EXPECT_EQ(drawing->GetAuthor(), nullptr);
+  EXPECT_THROW(drawing->SetScale(0.0F), Quillon9::CQnException);
+  EXPECT_THROW(drawing->SetVersion(Quillon9::CDecimal("2")), Quillon9::CQnInvalidValueException);
+  EXPECT_THROW(Company::Drawings::ReadNote(Quillon9::XmlText(kDrawing)), Quillon9::CQnValidationException);
+}
+
+TEST(Code, GoldenOrderComesBack) {
+  auto const order = Orders::ReadPurchaseOrder(QUILLON9_EXAMPLES "/purchase_order/purchase_order.xml");
+  EXPECT_EQ(order->GetShipTo().GetCountry(), "US");
+  EXPECT_GT(order->GetItems().GetItem().GetCount(), 0);
+  std::string const written = order->ToXml();
+  EXPECT_EQ(Orders::ReadPurchaseOrder(Quillon9::XmlText(written))->ToXml(), written);
+}
+
+TEST(Code, LiteralsAndCommentsHoldAnyText) {
+  EXPECT_EQ(Code::Literal("a\"\\\n\x01?\?=\xC3\xA4"
+                          "1"),
+            R"("a\"\\\n\001?\?=\303\2441")");
+  struct Row {
+    char const* documentation;
+    char const* comment;
+  };
+  Row const rows[] = {
+      {"", ""},
+      {" \n\t\n", ""},
+      {"a\n  b\n\n\nc ", "/// a b\n///\n/// c\n"},
+      {"a\\b @c \\", "/// a\\\\b \\@c &#92;\n"},
+      {"x\xE2\x80\xAEy what?\?/", "/// xy what?? /\n"},
+  };
+  for (Row const& row : rows) {
+    Code::Text text;
+    text.Comment(row.documentation);
+    EXPECT_EQ(text.Take(), row.comment);
+  }
+}
+
+TEST(Code, DefaultsBecomeExpressionsOfTheirType) {
+  struct Row {
+    Quillon9::ItemType kind;
+    char const* text;
+    char const* expression;
+  };
+  std::string const collapse = ", Quillon9::CWhitespaceUtils::WhitespaceRule_Collapse)";
+  Row const rows[] = {
+      {Quillon9::ItemType_string, " a  b ", "\"a b\""},
+      {Quillon9::ItemType_boolean, "1", "true"},
+      {Quillon9::ItemType_i4, "+007", "7"},
+      {Quillon9::ItemType_i8, "-9223372036854775807", "-9223372036854775807"},
+      {Quillon9::ItemType_i8, "-9223372036854775808", "Quillon9::CConversions::i8FromString(\"-9223372036854775808\""},
+      {Quillon9::ItemType_ui8, "18446744073709551615", "18446744073709551615U"},
+      {Quillon9::ItemType_r4, "1", "1.0F"},
+      {Quillon9::ItemType_r8, "1e-3", "1e-3"},
+      {Quillon9::ItemType_r8, "-INF", "Quillon9::CConversions::r8FromString(\"-INF\""},
+      {Quillon9::ItemType_decimal, " 1.50", "Quillon9::CDecimal(\"1.50\")"},
+      {Quillon9::ItemType_date, "2001-02-03", "Quillon9::CConversions::dateFromString(\"2001-02-03\""},
+  };
+  for (Row const& row : rows) {
+    Plan::ValueType type;
+    type.kind = row.kind;
+    std::string expected = row.expression;
+    if (expected.find("FromString") != expected.npos) expected += collapse;
+    EXPECT_EQ(Code::ValueText(type, row.text, ""), expected);
+  }
+}
+
+TEST(Code, DependencyFileEscapesPaths) {
+  EXPECT_EQ(Code::DependencyFile({"out/a b.h", "c.cpp"}, {"x#$.xsd", "y\\ z.xsd"}),
+            "out/a\\ b.h c.cpp: \\\n  x\\#$$.xsd \\\n  y\\\\\\ z.xsd\n\nx\\#$$.xsd:\n\ny\\\\\\ z.xsd:\n");
+}
+
+}  // namespace
+}  // namespace Quillon9Generator::Testing
