@@ -80,7 +80,8 @@ TEST_F(ProgramTest, WhatCannotBeReadOrWrittenIsStatus1UnderItsName) {
 }
 
 TEST_F(ProgramTest, HelpAndVersionGoToStandardOutput) {
-  for (char const* const arguments : {"--help", "-h", "convert --help", "convert a b c -h", "tree -h", "inspect -h"}) {
+  for (char const* const arguments :
+       {"--help", "-h", "convert --help", "convert a b c -h", "tree -h", "inspect -h", "generate -h"}) {
     Outcome const outcome = Run(arguments);
     EXPECT_EQ(outcome.status, 0) << arguments;
     EXPECT_EQ(outcome.output.compare(0, 15, "usage: quillon9"), 0) << outcome.output;
