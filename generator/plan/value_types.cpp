@@ -279,6 +279,26 @@ Enumeration* ValueTypes::EnumerationOf(SimpleType const& type, Use const& use) {
   return known;
 }
 
+// A type that only inherits a facet is not warned of again.
+void ValueTypes::WarnOfUnchecked(SimpleType const& type, ValueType const& value) {
+  if (type.builtIn != BuiltIn::None || type.base == nullptr) return;
+  Schema::Facets const& own = type.facets;
+  Schema::Facets const& base = type.base->facets;
+  std::string names;
+  auto const note = [&names](char const* name) { names += (names.empty() ? "" : ", ") + std::string(name); };
+  if (!own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
+  bool const hasLengths = own.length || own.minLength || own.maxLength;
+  Facets const& kept = value.facets;
+  bool const keepsLengths = kept.length >= 0 || kept.minLength >= 0 || kept.maxLength >= 0;
+  bool const isInherited =
+      own.length == base.length && own.minLength == base.minLength && own.maxLength == base.maxLength;
+  if (hasLengths && !keepsLengths && !isInherited) note("length");
+  if (own.patterns.size() > base.patterns.size() && value.kind != ItemType_string) note("pattern");
+  if (names.empty()) return;
+  m_diagnostics.Warning(type.place, (type.IsAnonymous() ? "a facet" : "a facet of \"" + type.name.local + "\"") +
+                                        " is not checked: " + names);
+}
+
 ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
   ValueType value;
   ItemType const* const mapped = MappedKind(type);
@@ -299,6 +319,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
   bool const keepsBounds =
       value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
   if (keepsBounds) SetBounds(type, value.kind, value.facets);
+  WarnOfUnchecked(type, value);
   return value;
 }
 

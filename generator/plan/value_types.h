@@ -25,6 +25,7 @@ class ValueTypes {
   ValueType Of(Schema::SimpleType const* type, Use const& use);
 
  private:
+  void WarnOfUnchecked(Schema::SimpleType const& type, ValueType const& value);
   ValueType Decide(Schema::SimpleType const& type, Use const& use);
   Quillon9::ItemType const* MappedKind(Schema::SimpleType const& type) const;
   Enumeration* EnumerationOf(Schema::SimpleType const& type, Use const& use);

@@ -62,6 +62,8 @@ class CA of A
   6 G m_g: value @g? string preserve
   7 H m_h: value @h? date minInclusive=2000-01-01
   8 I m_i: value @i? hexBinary length=4
+a.xsd:10:23: warning: a facet is not checked: enumeration
+a.xsd:12:23: warning: a facet is not checked: length
 )"},
     {"Enumerations",
      R"(
@@ -81,6 +83,7 @@ class CA of A
   1 B m_b: value @b? EPart preserve
   2 C m_c: value @c? string
   3 D m_d: value @d? string preserve
+a.xsd:6:1: warning: a facet of "address" is not checked: enumeration
 )"},
     {"WrongPattern",
      R"(
