@@ -41,7 +41,7 @@ TEST(Code, WritesTheGoldenFiles) {
     char const* schema;
     char const* cppNamespace;
   };
-  Row const rows[] = {{QUILLON9_EXAMPLES "/purchase_order/purchase_order.xsd", "Orders"},
+  Row const rows[] = {{QUILLON9_GOLDEN "/purchase_order.xsd", "Orders"},
                       {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"}};
   for (Row const& row : rows) {
     for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
@@ -86,9 +86,14 @@ TEST(Code, GoldenClassesReadAndWriteWhatTheSchemaSays) {
 }
 
 TEST(Code, GoldenOrderComesBack) {
-  auto const order = Orders::ReadPurchaseOrder(QUILLON9_EXAMPLES "/purchase_order/purchase_order.xml");
+  auto const order = Orders::ReadPurchaseOrder(Quillon9::XmlText(
+      "<purchaseOrder><shipTo><name>A</name><street>B</street><city>C</city><state>D</state><zip>12345</zip></shipTo>"
+      "<items><item partNum='123-AB'><productName>P</productName><quantity>2</quantity><USPrice>1.5</USPrice>"
+      "<serial>1</serial><serial>2</serial></item></items></purchaseOrder>"));
   EXPECT_EQ(order->GetShipTo().GetCountry(), "US");
-  EXPECT_GT(order->GetItems().GetItem().GetCount(), 0);
+  EXPECT_EQ(order->GetBillTo(), nullptr);
+  EXPECT_EQ(order->GetItems().GetItem()[0].GetSerial().GetCount(), 2);
+  EXPECT_THROW(order->GetItems().GetItem()[0].SetQuantity(100), Quillon9::CQnException);
   std::string const written = order->ToXml();
   EXPECT_EQ(Orders::ReadPurchaseOrder(Quillon9::XmlText(written))->ToXml(), written);
 }

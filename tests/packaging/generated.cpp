@@ -5,8 +5,8 @@
 
 int main() {
   try {
-    auto const letter = Post::Letters::ReadLetter(
-        Quillon9::XmlText("<letter><to>Zo\xC3\xAB</to><to>Bob</to><text>Hi</text></letter>"));
+    auto const letter =
+        Post::Letters::ReadLetter(Quillon9::XmlText("<letter><to>Zo\xC3\xAB</to><to>Bob</to><text>Hi</text></letter>"));
     letter->GetTo().Add("Eve");
     letter->SetSheets(letter->GetSheets() + 6);
     auto const again = Post::Letters::ReadLetter(Quillon9::XmlText(letter->ToXml()));

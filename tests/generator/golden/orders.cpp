@@ -9,10 +9,12 @@ using namespace Quillon9::Rows;
 // clang-format off
 constexpr ValueType kString{Quillon9::ItemType_string, kPreserve};
 constexpr ValueType kDate{Quillon9::ItemType_date};
-constexpr ValueType kDecimal{Quillon9::ItemType_decimal};
+constexpr Facets kZipFacets{"[\\p{Nd}]{5}"};
+constexpr ValueType kZip{Quillon9::ItemType_string, kCollapse, &kZipFacets};
 constexpr ValueType kNMTOKEN{Quillon9::ItemType_string};
 constexpr Facets kQuantityFacets{nullptr, -1, -1, -1, "1", nullptr, nullptr, "100"};
 constexpr ValueType kQuantity{Quillon9::ItemType_i4, kCollapse, &kQuantityFacets};
+constexpr ValueType kDecimal{Quillon9::ItemType_decimal};
 constexpr Facets kSerialFacets{nullptr, -1, 1, 20};
 constexpr ValueType kSerial{Quillon9::ItemType_string, kCollapse, &kSerialFacets};
 constexpr Facets kSKUFacets{"[\\p{Nd}]{3}-[A-Z]{2}"};
@@ -35,7 +37,7 @@ constexpr ElementRow kUSAddress_Elements[] = {
     Value("street", "", 1, kOnce, kString),
     Value("city", "", 2, kOnce, kString),
     Value("state", "", 3, kOnce, kString),
-    Value("zip", "", 4, kOnce, kDecimal)};
+    Value("zip", "", 4, kOnce, kZip)};
 constexpr AttributeRow kUSAddress_Attributes[] = {
     Attribute("country", "", 5, kOptional, kNMTOKEN, "US")};
 constexpr ClassRow kUSAddress_Class{"USAddress", "", "", nullptr, kUSAddress_Elements, 5, kUSAddress_Attributes, 1, 0,

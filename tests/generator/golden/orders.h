@@ -8,6 +8,7 @@ namespace Orders {
 class CUSAddress;
 class CItems;
 
+/// Without billTo, the bill goes to the same address as the goods.
 class CPurchaseOrderType : public Quillon9::CBoundObject {
  public:
   static Quillon9::CClassTables s_class;
@@ -55,8 +56,9 @@ class CUSAddress : public Quillon9::CBoundObject {
   void SetCity(std::string value) { m_city = std::move(value); }
   std::string const& GetState() const { return m_state; }
   void SetState(std::string value) { m_state = std::move(value); }
-  Quillon9::CDecimal const& GetZip() const { return m_zip; }
-  void SetZip(Quillon9::CDecimal value) { m_zip = std::move(value); }
+  /// Facets: pattern [\\p{Nd}]{5}.
+  std::string const& GetZip() const { return m_zip; }
+  void SetZip(std::string value) { Assign(4, m_zip, std::move(value)); }
   /// Default: US.
   std::string GetCountry() const { return m_country.value_or("US"); }
   bool HasCountry() const { return m_country.has_value(); }
@@ -71,7 +73,7 @@ class CUSAddress : public Quillon9::CBoundObject {
   std::string m_street;
   std::string m_city;
   std::string m_state;
-  Quillon9::CDecimal m_zip;
+  std::string m_zip;
   std::optional<std::string> m_country;
 };
 
