@@ -319,7 +319,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
   bool const keepsBounds =
       value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
   if (keepsBounds) SetBounds(type, value.kind, value.facets);
-  WarnOfUnchecked(type, value);
+  if (mapped == nullptr) WarnOfUnchecked(type, value);
   return value;
 }
 
