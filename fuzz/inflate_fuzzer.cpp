@@ -64,7 +64,7 @@ void Decompress(std::string bytes, std::uint32_t limit) {
   if (isWhole && !isTooLong) {
     Require(buffer.Bytes() == expected, "a whole stream is inflated");
   } else {
-    Require(buffer.Bytes() == bytes, "all else stays as it is");
+    Require(buffer.Bytes() == bytes, "a failure leaves the buffer unchanged");
   }
 }
 

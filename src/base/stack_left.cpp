@@ -12,7 +12,7 @@ constexpr std::size_t kReserve = 64 * 1024;
 
 }  // namespace
 
-// Called once a thread: for the main thread libc reads a file.
+// Called once for each thread, because libc reads a file for the main thread.
 void ThreadStack::Find() {
   pthread_attr_t attributes;
   if (pthread_getattr_np(pthread_self(), &attributes) != 0) return;

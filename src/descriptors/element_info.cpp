@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "binding/object_access.h"
 #include "descriptors/known_element.h"
@@ -92,7 +93,7 @@ std::string CElementInfo::GetAnyDefaultNamespace(char const* restriction, char c
   if (text == "##local") return "";
   if (text == "##targetNamespace") return targetNamespace;
   std::size_t const blank = text.find(' ');
-  if (blank == std::string::npos || text.size() <= 2 || text.compare(0, 2, "##") != 0) return "";
+  if (blank == std::string::npos || text.size() <= 2 || !StartsWith(text, "##")) return "";
   return GetAnyDefaultNamespace(text.substr(0, blank).c_str(), ns, targetNamespace);
 }
 

@@ -252,7 +252,7 @@ CElementCol::CElementCol(char const* ns, char const* restriction, char const* ta
     : m_namespaceRestriction("##any"), m_namespace(OrEmpty(ns)), m_targetNamespace(OrEmpty(targetNamespace)) {
   std::string const list = OrEmpty(restriction);
   CXmlObjectHelper::TestNamespace(m_namespace, list, m_targetNamespace);
-  if (m_namespace.empty() && list.compare(0, 2, "##") == 0) m_namespace = list;
+  if (m_namespace.empty() && StartsWith(list, "##")) m_namespace = list;
 }
 
 CElementCol::~CElementCol() = default;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/fast_paths.h"
+
 namespace Quillon9 {
 
 /// The indices of the names that a writer recently wrote for the members of classes. Objects are repetitive, so most

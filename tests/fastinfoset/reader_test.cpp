@@ -152,7 +152,7 @@ TEST(FastInfosetReader, RecognisesTheHeaderBehindItsDeclarations) {
     std::string const tail = row.outcome == "b" ? "" : body;
     EXPECT_EQ(Outcome(Octets(row.octets) + tail), row.outcome) << row.octets;
   }
-  EXPECT_EQ(Outcome(Octets("E0 00 00 01")), "syntax error at line 1") << "no octet behind the header";
+  EXPECT_EQ(Outcome(Octets("E0 00 00 01")), "syntax error at line 1") << "no octet after the header";
   for (char const* version : {"", " version='1.0'", " version='1.1'"}) {
     for (char const* standalone : {"", " standalone='yes'", " standalone='no'"}) {
       std::string const declaration = std::string("<?xml") + version + " encoding='finf'" + standalone + "?>";

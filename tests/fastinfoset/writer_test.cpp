@@ -123,6 +123,10 @@ TEST(FastInfosetWriter, Namespaces) {
   // A binding ends with its element, so its prefix is reused.
   EXPECT_EQ(Doc().Start("a").Start("b", "u").Start("b", "u").End(2).Start("b", "v").End(2).Hexed(),
             Expected("38F0 3C 00'a' 3F 01'AA' 00'u' 00'b' 01 FF 3F 81 00'v' 81 FF F0"));
+  // The prefix of a name changes after elements with that name.
+  EXPECT_EQ(Doc().Alias("p", "u").Start("a").Start("b", "u").End().Start("b", "u").End().Alias("q", "u").Start("b", "u")
+                .End(2).Hexed(),
+            Expected("38 CF 00'p' 00'u' F0 3C 00'a' 3F 81 81 00'b' F0 01 F0 3F 00'q' 81 81 FF F0"));
 }
 
 TEST(FastInfosetWriter, TypeAndNil) {

@@ -5,7 +5,7 @@
 namespace Quillon9::Testing {
 namespace {
 
-std::string const kSeeHelp = "quillon9 --help tells what there is.\n";
+std::string const kSeeHelp = "quillon9 --help lists the commands.\n";
 
 TEST_F(ProgramTest, WrongUsageIsStatus2) {
   struct Row {

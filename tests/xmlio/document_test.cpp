@@ -49,6 +49,7 @@ TEST_F(Document, TreesOfText) {
       {"<a xmlns='d'><b c=''/><x:b xmlns:x='' /></a>", nullptr, "a @xmlns=d (b @c=) (x:b @xmlns:x=)"},
       {"<a>x<b>1</b>y<!-- c --><?p i?><b>2</b>z</a>", "a 'xyz' (b '1') (b '2')"},
       {"<a>\n\t<b/>\n</a>", "a '\n\t\n' (b)"},
+      {"<a><b/><c/><b/><d/><b/><e/><b/><c/></a>", "a (b) (c) (b) (d) (b) (e) (b) (c)"},
       {"<a>&#13;b&#13;&#13;c\r\nd&#13;</a>", "a 'bc\nd'"},
       {"<a b='&#13;&lt;'/>", "a @b=\r<"},
       {"<!DOCTYPE a [<!ENTITY e 'x<b/>'><!ATTLIST a c CDATA 'd'>]><a>&e;y</a>", "a @c=d 'xy' (b)"},

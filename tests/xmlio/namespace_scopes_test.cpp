@@ -210,7 +210,7 @@ unsigned FirstSeed() {
   return GTEST_FLAG_GET(shuffle) ? static_cast<unsigned>(testing::UnitTest::GetInstance()->random_seed()) * 1000 : 0;
 }
 
-TEST(NamespaceScopes, ContextsAreAsTheModelTells) {
+TEST(NamespaceScopes, ContextsMatchTheModel) {
   for (unsigned seed = 0; seed < 200; ++seed) {
     SCOPED_TRACE(FirstSeed() + seed);
     States states;
@@ -290,7 +290,7 @@ class LateElements {
   std::unique_ptr<Model> m_late;
 };
 
-TEST(NamespaceScopes, ElementsThatAreStartedLateAreAsTheModelTells) {
+TEST(NamespaceScopes, ElementsThatAreStartedLateMatchTheModel) {
   for (unsigned seed = 0; seed < 200; ++seed) {
     SCOPED_TRACE(FirstSeed() + seed);
     States states;

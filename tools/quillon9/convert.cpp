@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "base/text_arguments.h"
 #include "commands.h"
 #include "failure.h"
 #include "files.h"
@@ -108,7 +109,7 @@ class TreeWriter {
 
   void WriteText(std::string const& text) {
     if (text.empty()) return;
-    if (m_isText && text.compare(0, kCdataStart.size(), kCdataStart) == 0) {
+    if (m_isText && StartsWith(text, kCdataStart)) {
       // In one piece, it would be written as a CDATA section.
       m_writer.WriteString(text.substr(0, 1), ItemType_string);
       m_writer.WriteString(text.substr(1), ItemType_string);

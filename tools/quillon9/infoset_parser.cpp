@@ -92,7 +92,7 @@ void InfosetParser::Parse() {
   Content();
   if (m_octets.GetLeft() == 0) return;
   m_octets.Take(m_octets.GetLeft());
-  EmitMark(What::Behind, Group::Other, 0);
+  EmitMark(What::AfterDocument, Group::Other, 0);
 }
 
 // ---- The header

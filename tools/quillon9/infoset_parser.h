@@ -82,7 +82,7 @@ enum class What : std::uint8_t {
   EndOfTwoElements,
   EndOfElementAndDocument,
   EndOfDocument,
-  Behind,
+  AfterDocument,
 };
 
 /// The category in which the octets of a part are counted.

@@ -70,9 +70,9 @@ char const* LabelOf(What what) {
     case What::EndOfTwoElements: return "end of the element and of one in it";
     case What::EndOfElementAndDocument: return "end of the element and of the document";
     case What::EndOfDocument: return "end of the document";
-    case What::Behind: break;
+    case What::AfterDocument: break;
   }
-  return "behind the document, not looked at";
+  return "after the document, not read";
 }
 
 char const* LabelOf(Group group) {

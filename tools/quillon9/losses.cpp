@@ -18,7 +18,7 @@ namespace {
 
 /// Return XML text in UTF-16 as one byte for each unit, "?" for units above 0xFF, none of which is a markup delimiter.
 /// Return other text unchanged.
-std::string_view OneByteAUnit(std::string_view xml, std::string& buffer) {
+std::string_view OneBytePerUnit(std::string_view xml, std::string& buffer) {
   if (xml.size() < 2) return xml;
   auto const byteAt = [xml](std::size_t at) { return static_cast<unsigned char>(xml[at]); };
   bool const isBig = (byteAt(0) == 0xFE && byteAt(1) == 0xFF) || (byteAt(0) == 0 && byteAt(1) == '<');
@@ -33,7 +33,7 @@ std::string_view OneByteAUnit(std::string_view xml, std::string& buffer) {
 }
 
 /// Return the rest of \p text after the first \p end.
-std::string_view Behind(std::string_view text, std::string_view end) {
+std::string_view After(std::string_view text, std::string_view end) {
   std::size_t const found = text.find(end);
   return found == std::string_view::npos ? std::string_view() : text.substr(found + end.size());
 }
@@ -100,7 +100,7 @@ void Count(Part const& part, Losses& losses) {
 Losses FindLosses(std::string_view xml) {
   Losses losses;
   std::string buffer;
-  std::string_view rest = OneByteAUnit(xml, buffer);
+  std::string_view rest = OneBytePerUnit(xml, buffer);
   bool isFirst = true;
   while (!rest.empty()) {
     std::size_t const mark = rest.find('<');
@@ -108,13 +108,13 @@ Losses FindLosses(std::string_view xml) {
     rest.remove_prefix(mark);
     if (StartsWith(rest, "<!--")) {
       ++losses.comments;
-      rest = Behind(rest.substr(4), "-->");
+      rest = After(rest.substr(4), "-->");
     } else if (StartsWith(rest, "<?")) {
       bool const isDeclaration = isFirst && StartsWith(rest, "<?xml") && rest.find_first_of(" \t\r\n") == 5;
       if (!isDeclaration) ++losses.processingInstructions;
-      rest = Behind(rest, "?>");
+      rest = After(rest, "?>");
     } else if (StartsWith(rest, "<![CDATA[")) {
-      rest = Behind(rest, "]]>");
+      rest = After(rest, "]]>");
     } else {
       if (StartsWith(rest, "<!DOCTYPE")) ++losses.documentTypes;
       rest.remove_prefix(1);

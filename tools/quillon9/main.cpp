@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     CloseStandardOutput();
     return 0;
   } catch (UsageError const& error) {
-    std::fprintf(stderr, "quillon9: %s\nquillon9 --help tells what there is.\n", Escaped(error.what()).c_str());
+    std::fprintf(stderr, "quillon9: %s\nquillon9 --help lists the commands.\n", Escaped(error.what()).c_str());
     return kWrongUsage;
   } catch (Reported const&) {
     return kFailed;

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "base/text_arguments.h"
 #include "tree_walk.h"
 
 namespace Quillon9Tool {
@@ -9,6 +10,7 @@ namespace Quillon9Tool {
 using Quillon9::CXmlAttribute;
 using Quillon9::CXmlElement;
 using Quillon9::CXmlWriter;
+using Quillon9::StartsWith;
 
 namespace {
 
@@ -70,7 +72,7 @@ void Namespaces::MakePrefix(std::string const& uri) {
   std::string prefix;
   do {
     prefix = CXmlWriter::NsIntToString(m_nextGenerated++);
-  } while (prefix.compare(0, kReserved.size(), kReserved) == 0 || !m_taken.insert(prefix).second);
+  } while (StartsWith(prefix, kReserved) || !m_taken.insert(prefix).second);
   m_prefixes.emplace(uri, prefix);
 }
 

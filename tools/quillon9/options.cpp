@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/text_arguments.h"
 #include "cpp_names.h"
 #include "failure.h"
 #include "plan/make_plan.h"
@@ -16,6 +17,7 @@ using Quillon9::CompressionType;
 using Quillon9::CompressionType_GZip;
 using Quillon9::CompressionType_None;
 using Quillon9::CompressionType_ZLib;
+using Quillon9::StartsWith;
 
 namespace {
 
@@ -69,7 +71,7 @@ constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr,
   bool const isMissingValue = result == ':';
   std::string const last = argv[optind - 1];
   bool const isKnown = optopt == 0 || optopt >= kFormat || letters.find(static_cast<char>(optopt)) != letters.npos;
-  bool const isLong = isMissingValue ? last.compare(0, 2, "--") == 0 : isKnown;
+  bool const isLong = isMissingValue ? StartsWith(last, "--") : isKnown;
   std::string const name = isLong ? last : std::string{'-', static_cast<char>(optopt)};
   throw UsageError(isMissingValue ? "the option " + name + " needs a value" : "there is no option " + name);
 }

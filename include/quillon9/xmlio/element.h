@@ -16,7 +16,7 @@ namespace Quillon9 {
 class CTreeMemory;
 
 /// The two names of an element or attribute. The nodes of a document share one object for each pair of names, which
-/// CXmlDocument::ShareName() returns. For readers; other callers ask the nodes.
+/// CXmlDocument::ShareName() returns. For readers; other callers use the operations of the nodes.
 struct CXmlName {
   CXmlName(CXmlName const&) = delete;
   CXmlName& operator=(CXmlName const&) = delete;
