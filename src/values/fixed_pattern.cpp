@@ -52,7 +52,7 @@ std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeSet(std::string_vi
   CharacterSet set;
   if (SkipStart(text, "[")) return TakeClass(text);
   if (SkipStart(text, "\\d")) {
-    for (char digit = '0'; digit <= '9'; ++digit) set.Add(static_cast<unsigned char>(digit));
+    set.AddRange('0', '9');
     return set;
   }
   if (text.front() == '\\' && (text.substr(1, 1) == "-" || text.substr(1, 1) == ".")) {
@@ -68,6 +68,11 @@ std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeSet(std::string_vi
 std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeClass(std::string_view& text) {
   CharacterSet set;
   do {
+    if (SkipStart(text, "\\p{Nd}")) {  // as the generator writes the "\d" of a schema
+      set.AddRange('0', '9');
+      if (text.substr(0, 1) == "-") return std::nullopt;
+      continue;
+    }
     if (text.empty() || !IsPlain(text.front())) return std::nullopt;
     char const first = text.front();
     text.remove_prefix(1);
@@ -77,10 +82,7 @@ std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeClass(std::string_
       last = text.front();
       text.remove_prefix(1);
     }
-    for (char c = first;; ++c) {
-      set.Add(static_cast<unsigned char>(c));
-      if (c == last) break;
-    }
+    set.AddRange(first, last);
   } while (!SkipStart(text, "]"));
   return set;
 }

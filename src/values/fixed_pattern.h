@@ -13,7 +13,7 @@ namespace Quillon9 {
 class CFixedPattern {
  public:
   /// Parse the pattern \p text. Returns nothing when it contains more than letters, digits, blanks, some marks, "\d",
-  /// classes of letters, digits and blanks, and a number of repetitions, or when it is for more than 64 characters.
+  /// classes of letters, digits, "\p{Nd}" and blanks, and a number of repetitions, or when it is for more than 64 characters.
   /// TestRegEx() accepts every pattern that this function accepts, and gives the same answers for values in ASCII.
   static std::optional<CFixedPattern> Parse(std::string_view text);
 
@@ -25,6 +25,9 @@ class CFixedPattern {
     std::uint64_t m_bits[2] = {0, 0};
 
     void Add(unsigned char character) { m_bits[character / 64] |= std::uint64_t{1} << character % 64; }
+    void AddRange(char first, char last) {
+      for (int c = first; c <= last; ++c) Add(static_cast<unsigned char>(c));
+    }
     bool Has(unsigned char character) const {
       return character < 128 && (m_bits[character / 64] >> character % 64 & 1) != 0;
     }
