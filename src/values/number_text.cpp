@@ -150,18 +150,27 @@ char* PrintScaled(char* to, std::uint64_t value, int places) {
   return to + places + 1;
 }
 
-// Prints a value that is at least 2^-10 and has at most `precision` digits before the point, by exact integers, which
-// is faster than to_chars() with a precision. Returns the end, or null for other values.
-char* PrintCommonDouble(char* to, double value, int precision) {
+constexpr double kExactPowersOf10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+/// A magnitude as digits / 10^places, without zeros at the end of the fraction.
+struct ScaledDouble {
+  std::uint64_t digits = 0;
+  int places = -1;  ///< below 0 for none
+};
+
+// Rounds the magnitude of a value that is at least 2^-10 and has at most `precision` digits before the point to as many
+// digits, by exact integers, which is faster than to_chars() with a precision. Returns none for other values.
+ScaledDouble ScaleCommonDouble(double value, int precision) {
   constexpr int kFractionBits = 52;
   std::uint64_t bits = 0;
   std::memcpy(&bits, &value, sizeof bits);
   int const exponent = static_cast<int>(bits >> kFractionBits & 0x7FF) - 1023;
-  if (exponent < -10 || exponent >= kFractionBits) return nullptr;
+  if (exponent < -10 || exponent >= kFractionBits) return {};
   // The number of digits before the point minus one is the decimal logarithm, which is this value or one more.
   int const logarithm = exponent < 0 ? -((-exponent * 1233 + 4095) / 4096) : exponent * 1233 / 4096;
   int places = precision - 1 - logarithm;
-  if (places < 1 || places > kMostPower) return nullptr;
+  if (places < 1 || places > kMostPower) return {};
   std::uint64_t const hidden = std::uint64_t{1} << kFractionBits;
   std::uint64_t const mantissa = (bits & (hidden - 1)) | hidden;
   std::uint64_t digits = RoundScaled(mantissa, kFractionBits - exponent, places);
@@ -170,12 +179,14 @@ char* PrintCommonDouble(char* to, double value, int precision) {
   }
   for (; places > 8 && digits % 100000000 == 0; places -= 8) digits /= 100000000;
   for (; places > 0 && digits % 10 == 0; --places) digits /= 10;
-  if (value < 0) *to++ = '-';
-  return PrintScaled(to, digits, places);
+  return {digits, places};
 }
 
-constexpr double kExactPowersOf10[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                       1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+// Prints the magnitude of `value` with its sign and returns the end.
+char* PrintSigned(char* to, double value, ScaledDouble const& magnitude) {
+  if (value < 0) *to++ = '-';
+  return PrintScaled(to, magnitude.digits, magnitude.places);
+}
 
 [[noreturn]] void ThrowBadFormat(char const* format) {
   throw CQnException(FormatString("The format [%s] does not print one floating-point number", format));
@@ -228,7 +239,8 @@ NumberStatus ParseDouble(std::string_view text, double& value) {
 }
 
 char* PutGeneral(char (&room)[kGeneralRoom], double value, int precision) {
-  if (char* const end = PrintCommonDouble(room, value, precision)) return end;
+  ScaledDouble const scaled = ScaleCommonDouble(value, precision);
+  if (scaled.places >= 0) return PrintSigned(room, value, scaled);
   return std::to_chars(room, room + sizeof room, value, std::chars_format::general, precision).ptr;
 }
 
@@ -252,14 +264,15 @@ char* PutShortest(char (&room)[kGeneralRoom], float value) {
 }
 
 // Fifteen digits tell apart all texts that have no more, so if they read back, no shorter text does. This is faster
-// than to_chars(). An exponent can be shorter only for integers.
+// than to_chars(). The quotient is what reading gives: both operands are exact, so it is rounded once (IEEE 754). An
+// exponent can be shorter only for integers.
 char* PutShortest(char (&room)[kGeneralRoom], double value) {
   constexpr int kDigits = std::numeric_limits<double>::digits10;
-  char* const end = PrintCommonDouble(room, value, kDigits);
-  if (end != nullptr && (std::fabs(value) < 1e5 || std::find(room, end, '.') != end)) {
-    double read = 0;
-    if (ParseShortDouble(std::string_view(room, static_cast<std::size_t>(end - room)), read) && read == value)
-      return end;
+  ScaledDouble const scaled = ScaleCommonDouble(value, kDigits);
+  bool const isCommon = scaled.places > 0 || (scaled.places == 0 && std::fabs(value) < 1e5);
+  if (isCommon && scaled.places <= kDigits &&
+      static_cast<double>(scaled.digits) / kExactPowersOf10[scaled.places] == std::fabs(value)) {
+    return PrintSigned(room, value, scaled);
   }
   return std::to_chars(room, room + sizeof room, value).ptr;
 }
