@@ -41,7 +41,8 @@ CAttributeInfo** CBoundObject::GetClassAttributeInfo() const { return m_tables->
 
 namespace {
 
-void AccessText(ValueRule const& rule, CPropertyRef const& property, bool read, QnVariant& value) {
+// Kept apart, so that access to other properties needs no room for this one.
+[[gnu::noinline]] void AccessText(ValueRule const& rule, CPropertyRef property, bool read, QnVariant& value) {
   if (!read) return property.Store(rule.Read(value.GetString(), false));
   QnVariant held;
   property.Read(held);
@@ -52,12 +53,12 @@ void AccessText(ValueRule const& rule, CPropertyRef const& property, bool read, 
 }  // namespace
 
 void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
-  CPropertyRef const property = Property(index);
-  if (!property) {
-    if (index != kConvertedText) return;
+  if (index == kConvertedText) {
     BuiltClass const& built = m_tables->Built();
     return AccessText(*built.TextRule(), Property(built.TextProperty()), read, value);
   }
+  CPropertyRef const property = Property(index);
+  if (!property) return;
   if (read) {
     property.Read(value);
   } else {
@@ -86,11 +87,18 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   return next;
 }
 
+namespace {
+
+[[gnu::noinline]] void WriteTypeAttribute(CXmlWriter& writer, CClassRow const& row,
+                                          CXmlSerializationContext const& ctx) {
+  if (*row.typeName == '\0' || !ctx.GetWriteTypeAttribute()) return;
+  writer.WriteAttributeType(row.typeNamespace, row.typeName, ItemType_string);
+}
+
+}  // namespace
+
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
-  CClassRow const& row = m_tables->GetRow();
-  if (m_writesType && *row.typeName != '\0' && ctx.GetWriteTypeAttribute()) {
-    writer->WriteAttributeType(row.typeNamespace, row.typeName, ItemType_string);
-  }
+  if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);
   CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
 }
 
