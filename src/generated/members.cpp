@@ -140,7 +140,7 @@ QN_ELEMENT_TO_XML(ValueMember) {
   QnVariant value;
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
-  m_rule.Check(value);
+  m_rule.CheckOwn(value);
   if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
   return true;

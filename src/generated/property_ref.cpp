@@ -79,7 +79,7 @@ class DigitsCol : public Collection {
     for (auto const& value : *this) {
       QnVariant held;
       CPropertyRef(const_cast<std::decay_t<decltype(value)>&>(value)).Read(held);
-      ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held.ToString());
+      ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held);
     }
     Collection::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
   }

@@ -1,6 +1,6 @@
 #include "generated/value_rule.h"
 
-#include <algorithm>
+#include <limits>
 
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
@@ -47,7 +47,7 @@ QnVariant ValueRule::Convert(std::string_view text) const {
 
 QnVariant ValueRule::Read(std::string_view text, bool isElement) const {
   QnVariant value = Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
-  CheckFixed(value);
+  if (m_fixed != nullptr) CheckFixed(value);
   return value;
 }
 
@@ -66,19 +66,16 @@ bool IsSame(QnVariant const& a, QnVariant const& b) {
 }  // namespace
 
 void ValueRule::CheckFixed(QnVariant const& value) const {
-  if (m_fixed == nullptr || IsSame(value, Convert(m_fixed))) return;
+  if (IsSame(value, Convert(m_fixed))) return;
   throw CQnInvalidValueException(
       FormatString("The value [%s] of [%s] is not the fixed value [%s]", Print(value).c_str(), m_name, m_fixed));
 }
 
 void ValueRule::Check(QnVariant const& value) const {
-  if (m_type.enumeration == nullptr) {
-    if (m_filter == nullptr || !m_filter->Passes(value)) {
-      CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
-    }
-    if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value.ToString());
+  if (m_type.enumeration == nullptr && (m_filter == nullptr || !m_filter->Passes(value))) {
+    CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }
-  CheckFixed(value);
+  CheckOwn(value);
 }
 
 std::string ValueRule::Print(QnVariant const& value) const {
@@ -88,22 +85,14 @@ std::string ValueRule::Print(QnVariant const& value) const {
   throw CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name));
 }
 
-void ValueRule::CheckDigits(char const* name, CFacets const& facets, std::string const& number) {
-  auto const isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  std::size_t const point = std::min(number.find('.'), number.size());
-  // Zeros in front and at the end of a fraction do not count.
-  std::size_t const first = std::min(number.find_first_of("123456789"), point);
-  std::size_t last = number.size();
-  while (last > point && number[last - 1] == '0') --last;
-  auto const count = [&](std::size_t from, std::size_t to) {
-    return from < to ? std::count_if(number.begin() + static_cast<std::ptrdiff_t>(from),
-                                     number.begin() + static_cast<std::ptrdiff_t>(to), isDigit)
-                     : 0;
-  };
-  auto const fraction = count(point, last);
-  bool const isShort = (facets.totalDigits < 0 || count(first, point) + fraction <= facets.totalDigits) &&
-                       (facets.fractionDigits < 0 || fraction <= facets.fractionDigits);
-  if (!isShort) throw CQnException(FormatString("Invalid Value for %s [%s]", name, number.c_str()));
+void ValueRule::CheckDigits(char const* name, CFacets const& facets, QnVariant const& number) {
+  constexpr int kNoLimit = std::numeric_limits<int>::max();
+  int const total = facets.totalDigits >= 0 ? facets.totalDigits : kNoLimit;
+  int const fraction = facets.fractionDigits >= 0 ? facets.fractionDigits : kNoLimit;
+  bool const isShort = number.GetItemType() == ItemType_decimal
+                           ? number.GetDecimal().HasAtMostDigits(total, fraction)
+                           : CDecimal(number.ToString().c_str()).HasAtMostDigits(total, fraction);
+  if (!isShort) throw CQnException(FormatString("Invalid Value for %s [%s]", name, number.ToString().c_str()));
 }
 
 }  // namespace Quillon9

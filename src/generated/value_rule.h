@@ -28,6 +28,11 @@ class ValueRule {
   QnVariant Read(std::string_view text, bool isElement) const;
   /// \throws as CBoundObject::Assign() does.
   void Check(QnVariant const& value) const;
+  /// The part of Check() that the library's descriptors do not do: the digits and the fixed value.
+  void CheckOwn(QnVariant const& value) const {
+    if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
+    if (m_fixed != nullptr) CheckFixed(value);
+  }
   /// The text of a value.
   std::string Print(QnVariant const& value) const;
 
@@ -38,11 +43,11 @@ class ValueRule {
     return type.facets != nullptr && (type.facets->totalDigits >= 0 || type.facets->fractionDigits >= 0);
   }
   /// \throws CQnException "Invalid Value for %s [%s]" for a number with too many digits.
-  static void CheckDigits(char const* name, CFacets const& facets, std::string const& number);
+  static void CheckDigits(char const* name, CFacets const& facets, QnVariant const& number);
 
  private:
   QnVariant Convert(std::string_view text) const;
-  void CheckFixed(QnVariant const& value) const;
+  void CheckFixed(QnVariant const& value) const;  // there must be one
 
   char const* m_name;
   CValueType const& m_type;

@@ -352,6 +352,14 @@ std::string CDecimal::ToString(int digits) const {
   return text;
 }
 
+bool CDecimal::HasAtMostDigits(int total, int fraction) const {
+  if (m_parts != nullptr) return m_parts->HasAtMostDigits(total, fraction);
+  std::uint64_t units = m_units;
+  int places = m_divider;
+  for (; places > 0 && units % 10 == 0; --places) units /= 10;
+  return places <= fraction && places <= total && (total > kMostPower || units < PowerOf10(total));
+}
+
 double CDecimal::ToDouble() const {
   if (m_parts != nullptr && m_parts->IsBeyondDouble()) {
     throw CQnOverFlowException("The Decimal value if to large to fit into a Double");

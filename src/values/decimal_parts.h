@@ -40,6 +40,7 @@ struct CDecimalParts {
   bool IsNotAbove(CDecimalParts const& other) const;
   bool IsBeyondDouble() const;
 
+  bool HasAtMostDigits(int total, int fraction) const;
   std::string ToString() const;
   std::string ToString(int digits) const;
 

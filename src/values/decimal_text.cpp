@@ -137,6 +137,18 @@ CDecimalParts CDecimalParts::Parse(char const* text) {
   return parsed;
 }
 
+bool CDecimalParts::HasAtMostDigits(int total, int fraction) const {
+  std::string const text = ToString();
+  std::size_t const point = std::min(text.find('.'), text.size());
+  std::size_t const first = std::min(text.find_first_of("123456789"), point);
+  std::size_t const last = text.find_last_not_of('0') + 1;
+  std::size_t const places = last > point + 1 ? last - point - 1 : 0;
+  auto const isAtMost = [](std::size_t count, int limit) {
+    return limit >= 0 && count <= static_cast<std::size_t>(limit);
+  };
+  return isAtMost(places, fraction) && isAtMost(point - first + places, total);
+}
+
 std::string CDecimalParts::ToString() const {
   if (m_fraction.IsZero()) return m_whole.ToString();
   auto const divider = static_cast<std::size_t>(m_divider);

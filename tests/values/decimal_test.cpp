@@ -213,6 +213,31 @@ TEST(Decimal, Rounding) {
   }
 }
 
+// The limits that each value just keeps.
+TEST(Decimal, CountsDigitsAsFacetsDo) {
+  struct Case {
+    char const* text;
+    int total, fraction;
+  } const cases[] = {{"0", 0, 0},
+                     {"-0.00", 0, 0},
+                     {"7", 1, 0},
+                     {"007.50", 2, 1},
+                     {"-123.456", 6, 3},
+                     {"0.05", 2, 2},
+                     {"1200", 4, 0},
+                     {"999999999999999999", 18, 0},
+                     {"1234567890123456789.000", 19, 0},
+                     {"0.000000000000000000000000000001", 30, 30},
+                     {"123456789012345678901234567890.12", 32, 2}};
+  for (Case const& each : cases) {
+    CDecimal const value(each.text);
+    EXPECT_TRUE(value.HasAtMostDigits(each.total, each.fraction)) << each.text;
+    EXPECT_TRUE(value.HasAtMostDigits(100, 100)) << each.text;
+    EXPECT_FALSE(value.HasAtMostDigits(each.total - 1, each.fraction)) << each.text;
+    EXPECT_FALSE(value.HasAtMostDigits(each.total, each.fraction - 1)) << each.text;
+  }
+}
+
 TEST(Decimal, PrintWithDigits) {
   struct Row {
     char const* text;

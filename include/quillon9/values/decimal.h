@@ -140,6 +140,11 @@ class QUILLON9_API CDecimal {
   /// The nearest integer, an exact half rounding towards zero.
   CBigInteger ToBigInteger() const;
 
+  /// Whether the value has at most \p total digits, and at most \p fraction of them after the point, as the facets
+  /// totalDigits and fractionDigits count them (W3C XML Schema Part 2, 4.3.11 and 4.3.12): without zeros in front and
+  /// at the end of the fraction. Throws nothing but std::bad_alloc.
+  bool HasAtMostDigits(int total, int fraction) const;
+
   /// Drop trailing zeros of the fraction, but keep a divider of at least 1. If the fraction is zero, only one digit is
   /// dropped.
   void Rationalise();
