@@ -1,14 +1,11 @@
 # One plain program per *_fuzzer.cpp: NAME_replay runs the seeds and all past findings, in every test run and with any
 # compiler.
 
-file(GLOB fuzzer_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_LIST_DIR}/*_fuzzer.cpp)
-include(${CMAKE_CURRENT_LIST_DIR}/reading.cmake)
+include(${CMAKE_CURRENT_LIST_DIR}/targets.cmake)
 foreach(source IN LISTS fuzzer_sources)
   cmake_path(GET source STEM fuzzer)
   string(REGEX REPLACE "_fuzzer$" "" name ${fuzzer})
-  add_executable(${name}_replay ${source} ${${name}_sources} ${CMAKE_CURRENT_LIST_DIR}/replay_main.cpp)
-  target_include_directories(${name}_replay PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
-  target_link_libraries(${name}_replay PRIVATE quillon9_internal)
+  quillon9_add_fuzz_program(${name}_replay ${name} ${source} ${CMAKE_CURRENT_LIST_DIR}/replay_main.cpp)
   add_test(NAME ${name}_replay COMMAND ${name}_replay
     ${CMAKE_CURRENT_LIST_DIR}/seeds/${name} ${PROJECT_SOURCE_DIR}/tests/regression/${name})
   set_tests_properties(${name}_replay PROPERTIES TIMEOUT 120)

@@ -24,7 +24,7 @@ void Catalog::Read(std::string const& path, Diagnostics& diagnostics) {
   context.SetTextEncoding(Quillon9::TextEncoding_UTF8);
   Quillon9::CXmlDocument document(context);
   try {
-    document.Load(path.c_str());
+    m_files.Load(document, path);
   } catch (Quillon9::CQnException const& failure) {
     diagnostics.Error(path, failure.GetMessage());
     return;

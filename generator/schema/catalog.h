@@ -8,6 +8,7 @@
 
 #include "quillon9/quillon9.h"
 #include "schema/diagnostics.h"
+#include "schema/files.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -15,6 +16,8 @@ namespace Quillon9Generator::Schema {
 /// (https://www.oasis-open.org/committees/entity/spec-2001-08-06.html). Entries for public identifiers are ignored.
 class Catalog {
  public:
+  explicit Catalog(Files const& files) : m_files(files) {}
+
   /// Add the entries of the catalog at \p path and of those that it names. Faults go to \p diagnostics.
   void Read(std::string const& path, Diagnostics& diagnostics);
   /// Return the path that stands for \p address.
@@ -32,6 +35,7 @@ class Catalog {
   void ReadEntry(Quillon9::CXmlElement const& element, std::string const& base);
   void Add(Entry::Kind kind, std::string const& address, std::string target);
 
+  Files const& m_files;
   std::vector<Entry> m_entries;
   std::set<std::string> m_read;  // the paths of all catalogs
 };

@@ -1,9 +1,6 @@
 #include "schema/documents.h"
 
-#include <sys/stat.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <iterator>
 #include <optional>
@@ -24,8 +21,14 @@ std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\
 
 }  // namespace
 
-Documents::Documents(LoadOptions const& options, std::deque<std::string>& paths, Diagnostics& diagnostics)
-    : m_options(options), m_paths(paths), m_diagnostics(diagnostics), m_locations(m_catalog, options.includePaths) {}
+Documents::Documents(LoadOptions const& options, Files const& files, std::deque<std::string>& paths,
+                     Diagnostics& diagnostics)
+    : m_options(options),
+      m_files(files),
+      m_paths(paths),
+      m_diagnostics(diagnostics),
+      m_catalog(files),
+      m_locations(m_catalog, options.includePaths, files) {}
 
 void Documents::Load() {
   for (std::string const& path : m_options.catalogs) m_catalog.Read(path, m_diagnostics);
@@ -41,16 +44,16 @@ bool Documents::HasNamespace(std::string_view ns) const {
 
 /// Return the file, or null if it could not be read or is no schema, for which one error is enough.
 SourceFile const* Documents::Read(std::string const& path, Place const& reference) {
-  struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) {
-    std::string const reason = "cannot read " + Quoted(path) + ": " + std::strerror(errno);
+  Files::Status const status = m_files.Find(path);
+  if (status.error != 0) {
+    std::string const reason = "cannot read " + Quoted(path) + ": " + std::strerror(status.error);
     reference.file != nullptr ? m_diagnostics.Error(reference, reason) : m_diagnostics.Error(path, reason);
     return nullptr;
   }
-  auto const [entry, isNew] = m_files.try_emplace({status.st_dev, status.st_ino});
+  auto const [entry, isNew] = m_sources.try_emplace(status.identity);
   if (!isNew) return entry->second.get();
   auto file = std::make_unique<SourceFile>(&m_paths.emplace_back(path));
-  if (!file->Read(m_diagnostics, reference)) return nullptr;
+  if (!file->Read(m_files, m_diagnostics, reference)) return nullptr;
   Node const& root = file->GetRoot();
   if (root.tag != Tag::Schema) {
     m_diagnostics.Error(root.place, "this is not a schema: the document element is " + Quoted(root.name));

@@ -36,7 +36,7 @@ struct LostImport {
 class Documents {
  public:
   /// The paths of all files are kept in \p paths, which outlives the components.
-  Documents(LoadOptions const& options, std::deque<std::string>& paths, Diagnostics& diagnostics);
+  Documents(LoadOptions const& options, Files const& files, std::deque<std::string>& paths, Diagnostics& diagnostics);
 
   void Load();
 
@@ -58,13 +58,14 @@ class Documents {
   void AddWellKnown();
 
   LoadOptions const& m_options;
+  Files const& m_files;
   std::deque<std::string>& m_paths;
   Diagnostics& m_diagnostics;
   Catalog m_catalog;
   Locations m_locations;
-  std::map<std::pair<unsigned long, unsigned long>, std::unique_ptr<SourceFile>> m_files;  // by device and number
-  std::map<std::string, std::unique_ptr<SourceFile>> m_wellKnown;                          // by namespace
-  std::set<std::pair<SourceFile const*, std::string>> m_known;                             // with the target namespace
+  std::map<std::pair<unsigned long, unsigned long>, std::unique_ptr<SourceFile>> m_sources;  // by identity
+  std::map<std::string, std::unique_ptr<SourceFile>> m_wellKnown;                            // by namespace
+  std::set<std::pair<SourceFile const*, std::string>> m_known;  // with the target namespace
   std::map<std::pair<std::string_view, std::string>, SourceFile const*> m_contents;
   std::deque<Document> m_documents;
   std::vector<Document const*> m_all;

@@ -17,10 +17,14 @@ void WarnOfLostImports(Documents const& documents, Diagnostics& diagnostics) {
 }  // namespace
 
 SchemaSet LoadSchemas(LoadOptions const& options, Diagnostics& diagnostics) {
+  return LoadSchemas(options, SystemFiles(), diagnostics);
+}
+
+SchemaSet LoadSchemas(LoadOptions const& options, Files const& files, Diagnostics& diagnostics) {
   auto const storage = std::make_shared<Storage>();
   SchemaSet set;
   set.storage = storage;
-  Documents documents(options, storage->paths, diagnostics);
+  Documents documents(options, files, storage->paths, diagnostics);
   documents.Load();
   WarnOfLostImports(documents, diagnostics);
   Builder(*storage, diagnostics).Build(documents, set);

@@ -5,6 +5,7 @@
 
 #include "schema/components.h"
 #include "schema/diagnostics.h"
+#include "schema/files.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -20,6 +21,8 @@ struct LoadOptions {
 /// supported yet is an error there, never dropped.
 /// \throws nothing but std::bad_alloc for faults of the input.
 SchemaSet LoadSchemas(LoadOptions const& options, Diagnostics& diagnostics);
+/// The same for documents that need not be files of the system.
+SchemaSet LoadSchemas(LoadOptions const& options, Files const& files, Diagnostics& diagnostics);
 
 /// The component model as text, one line for each fact, for tests and for finding faults.
 std::string Print(SchemaSet const& set);

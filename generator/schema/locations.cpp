@@ -12,9 +12,9 @@ std::vector<Location> Locations::Find(std::string_view location, Location const&
   }
   for (std::string const& path : PathsOf(location, referring)) {
     std::string const unescaped = Unescaped(path);
-    if (IsFile(path)) {
+    if (m_files.IsFile(path)) {
       found.push_back({path, {}});
-    } else if (unescaped != path && IsFile(unescaped)) {
+    } else if (unescaped != path && m_files.IsFile(unescaped)) {
       found.push_back({unescaped, {}});
     }
   }
@@ -25,7 +25,7 @@ std::optional<Location> Locations::FindNamespace(std::string_view ns) const { re
 
 std::optional<Location> Locations::InCatalog(std::string const& address) const {
   std::optional<std::string> const path = m_catalog.Find(address);
-  if (!path || !IsFile(*path)) return std::nullopt;
+  if (!path || !m_files.IsFile(*path)) return std::nullopt;
   return Location{*path, IsRemote(address) ? address : std::string()};
 }
 

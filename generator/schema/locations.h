@@ -18,8 +18,8 @@ struct Location {
 /// Finds the files that schema documents name.
 class Locations {
  public:
-  Locations(Catalog const& catalog, std::vector<std::string> const& includePaths)
-      : m_catalog(catalog), m_includePaths(includePaths) {}
+  Locations(Catalog const& catalog, std::vector<std::string> const& includePaths, Files const& files)
+      : m_catalog(catalog), m_includePaths(includePaths), m_files(files) {}
 
   /// Find the files that may be meant by \p location as \p referring names it, the best first: by the catalogs; next to
   /// \p referring; in the include paths. For a remote address, files of its name in the two last places will do.
@@ -33,6 +33,7 @@ class Locations {
 
   Catalog const& m_catalog;
   std::vector<std::string> const& m_includePaths;
+  Files const& m_files;
 };
 
 }  // namespace Quillon9Generator::Schema

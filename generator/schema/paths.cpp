@@ -75,10 +75,4 @@ std::string_view LastPart(std::string_view location) {
   return slash == std::string_view::npos ? location : location.substr(slash + 1);
 }
 
-bool IsFile(std::string const& path) {
-  std::error_code ignored;
-  auto const status = std::filesystem::status(path, ignored);
-  return std::filesystem::exists(status) && !std::filesystem::is_directory(status);
-}
-
 }  // namespace Quillon9Generator::Schema

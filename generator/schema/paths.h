@@ -18,7 +18,5 @@ std::string Unescaped(std::string_view path);
 std::string Resolved(std::string_view base, std::string_view location);
 /// Return what follows the last '/'.
 std::string_view LastPart(std::string_view location);
-/// Return whether \p path is an existing file that is not a folder.
-bool IsFile(std::string const& path);
 
 }  // namespace Quillon9Generator::Schema

@@ -34,9 +34,9 @@ SourceFile::SourceFile(std::string const* path) : m_path(path) {
   m_document = std::make_unique<Quillon9::CXmlDocument>(m_context);
 }
 
-bool SourceFile::Read(Diagnostics& diagnostics, Place const& reference) {
+bool SourceFile::Read(Files const& files, Diagnostics& diagnostics, Place const& reference) {
   try {
-    m_document->Load(m_path->c_str());
+    files.Load(*m_document, *m_path);
   } catch (Quillon9::CQnException const& failure) {
     ReportUnreadable(diagnostics, reference, failure.GetMessage());
     return false;

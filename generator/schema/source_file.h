@@ -8,6 +8,7 @@
 
 #include "quillon9/quillon9.h"
 #include "schema/diagnostics.h"
+#include "schema/files.h"
 #include "schema/node.h"
 #include "schema/places.h"
 
@@ -23,7 +24,7 @@ class SourceFile {
 
   /// Read the file. A fault goes to \p diagnostics, with \p reference as its place if there is no file to read.
   /// \return whether the file was read.
-  bool Read(Diagnostics& diagnostics, Place const& reference);
+  bool Read(Files const& files, Diagnostics& diagnostics, Place const& reference);
   /// Take \p text, which must be well-formed, in place of a file.
   void ReadText(char const* text);
 
