@@ -161,21 +161,18 @@ class QUILLON9_API ValueCol : public CXmlTypeCollection {
     return count;
   }
 
-  /// The member types that algorithms expect of a container.
-  ///@{
-  using value_type = Value;
-  using const_iterator = typename std::vector<Value>::const_iterator;
-  using iterator = const_iterator;
-  using const_reference = typename std::vector<Value>::const_reference;
-  using reference = const_reference;
-  using size_type = std::size_t;
-  using difference_type = std::ptrdiff_t;
-  ///@}
+  // The member types that algorithms expect of a container.
+  using value_type = Value;                                              ///< the values
+  using const_iterator = typename std::vector<Value>::const_iterator;    ///< goes through them
+  using iterator = const_iterator;                                       ///< the same: values do not change in place
+  using const_reference = typename std::vector<Value>::const_reference;  ///< a value in the collection
+  using reference = const_reference;                                     ///< the same
+  using size_type = std::size_t;                                         ///< a number of values
+  using difference_type = std::ptrdiff_t;                                ///< a distance between values
   /// The values in order. Valid until the collection changes.
-  ///@{
   const_iterator begin() const { return m_items.begin(); }
+  /// The end of the values.
   const_iterator end() const { return m_items.end(); }
-  ///@}
   /// The number of values.
   std::size_t size() const { return static_cast<std::size_t>(m_items.Count()); }
   /// Whether there are none.

@@ -20,7 +20,7 @@ namespace detail {
 /// \p T, in a place from which a template argument is not deduced.
 template <class T>
 struct Same {
-  using Type = T;
+  using Type = T;  ///< the same
 };
 
 /// Keep an object until the process ends, because destructors of a program's globals may still look at it.
@@ -177,6 +177,7 @@ class CNillable : public Base, public INillable {
   bool IsNil() const override { return m_isNil; }
   /// Set that. The members keep what they hold.
   void SetNil(bool nil) override { m_isNil = nil; }
+  /// Make it not nil, and empty the members.
   void Init() override {
     m_isNil = false;
     Base::Init();

@@ -24,6 +24,7 @@ class QUILLON9_API CClassTables {
   /// \p row is kept; it is a constant that lives until the process ends. \p create is null for an abstract class.
   constexpr explicit CClassTables(CClassRow const& row, Create create = nullptr) : m_row(&row), m_create(create) {}
 
+  /// The row that was passed to the constructor.
   CClassRow const& GetRow() const { return *m_row; }
   /// Whether there are no objects of exactly this class.
   bool IsAbstract() const { return m_create == nullptr; }
@@ -61,6 +62,7 @@ CSmartPtr<CXmlObjectBase> MakeObject(CClassTables const&, char const* elementNam
 
 namespace Rows {
 
+/// A short name.
 using ClassTables = CClassTables;
 using Quillon9::MakeObject;
 

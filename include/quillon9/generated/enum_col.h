@@ -78,15 +78,23 @@ class CEnumCol : public CEnumCollection {
     using reference = Enum;
     ///@}
     const_iterator() = default;
+    /// Point at this number.
     explicit const_iterator(std::vector<int>::const_iterator at) : m_at(at) {}
+    /// The enumerator.
     Enum operator*() const { return static_cast<Enum>(*m_at); }
+    /// Go to the next one.
+    ///@{
     const_iterator& operator++() {
       ++m_at;
       return *this;
     }
     const_iterator operator++(int) { return const_iterator(m_at++); }
+    ///@}
+    /// Whether both point at the same one.
+    ///@{
     bool operator==(const_iterator const& other) const { return m_at == other.m_at; }
     bool operator!=(const_iterator const& other) const { return m_at != other.m_at; }
+    ///@}
 
    private:
     std::vector<int>::const_iterator m_at;
@@ -104,8 +112,11 @@ class CEnumCol : public CEnumCollection {
   /// The collection of a row.
   static CSmartPtr<CXmlObjectBase> ForRow(CElementRow const& row) { return new CEnumCol(row); }
 
+  /// The enumerators in order.
+  ///@{
   const_iterator begin() const { return const_iterator(CEnumCollection::begin()); }
   const_iterator end() const { return const_iterator(CEnumCollection::end()); }
+  ///@}
   /// The enumerator at \p index, from 0.
   /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" when there is none.
   ///@{

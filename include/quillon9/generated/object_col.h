@@ -73,16 +73,14 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
 template <class T>
 class CObjectCol : public CObjectCollection {
  public:
-  /// The member types that algorithms expect of a container.
-  ///@{
-  using value_type = T;
-  using reference = T&;
-  using const_reference = T const&;
-  using size_type = std::size_t;
-  using difference_type = std::ptrdiff_t;
-  using iterator = detail::NodeIterator<T>;
-  using const_iterator = detail::NodeIterator<T const>;
-  ///@}
+  // The member types that algorithms expect of a container.
+  using value_type = T;                                  ///< the items
+  using reference = T&;                                  ///< an item
+  using const_reference = T const&;                      ///< an item that is only read
+  using size_type = std::size_t;                         ///< a number of items
+  using difference_type = std::ptrdiff_t;                ///< a distance between items
+  using iterator = detail::NodeIterator<T>;              ///< valid as long as its item is in the collection
+  using const_iterator = detail::NodeIterator<T const>;  ///< the same, for reading
 
   /// The name and the namespace of the items and the limits of their number; \p maxOccurs -1 means no upper limit.
   /// \p itemType says whether the items have a tag, as the record of their class does.
@@ -92,27 +90,28 @@ class CObjectCol : public CObjectCollection {
   /// The collection of a row, with the tables that the row names.
   static CSmartPtr<CXmlObjectBase> ForRow(CElementRow const& row) { return new CObjectCol(row); }
 
-  /// The items in order. An iterator is valid as long as its item is in the collection.
-  ///@{
+  /// The first item.
   iterator begin() { return iterator(GetFirstNode()); }
+  /// The end of the items.
   iterator end() { return iterator(); }
+  /// The first item.
   const_iterator begin() const { return const_iterator(GetFirstNode()); }
+  /// The end of the items.
   const_iterator end() const { return const_iterator(); }
+  /// The first item.
   const_iterator cbegin() const { return begin(); }
+  /// The end of the items.
   const_iterator cend() const { return end(); }
-  ///@}
-  /// The item at \p index, from 0; the first; the last.
-  /// \throws CQnInvalidParamException "Index %d is out of range, use 0 - %d" when there is none.
-  ///@{
-  T& operator[](int index) { return At(index); }
-  T const& operator[](int index) const { return At(index); }
-  T& at(int index) { return At(index); }
-  T const& at(int index) const { return At(index); }
-  T& front() { return At(0); }
-  T const& front() const { return At(0); }
-  T& back() { return At(GetCount() - 1); }
-  T const& back() const { return At(GetCount() - 1); }
-  ///@}
+
+  // All of these throw CQnInvalidParamException "Index %d is out of range, use 0 - %d" when there is no such item.
+  T& operator[](int index) { return At(index); }              ///< The item at \p index, from 0.
+  T const& operator[](int index) const { return At(index); }  ///< The item at \p index, from 0.
+  T& at(int index) { return At(index); }                      ///< The item at \p index, from 0.
+  T const& at(int index) const { return At(index); }          ///< The item at \p index, from 0.
+  T& front() { return At(0); }                                ///< The first item.
+  T const& front() const { return At(0); }                    ///< The first item.
+  T& back() { return At(GetCount() - 1); }                    ///< The last item.
+  T const& back() const { return At(GetCount() - 1); }        ///< The last item.
 
   /// Append a new item.
   /// \throws CQnInvalidStateException "The type [%s] is abstract".
@@ -121,36 +120,35 @@ class CObjectCol : public CObjectCollection {
     AppendItem(item.Get());
     return *static_cast<T*>(item.Get());
   }
-  /// Append \p item, or put it at \p index, from 0 to size(). The collection shares it with the caller. One of a
-  /// derived class of CBoundObject will be written with xsi:type.
-  /// \throws CQnInvalidParamException when it is null or was made for another element; "Index out of range".
-  ///@{
+  /// Append \p item. The collection shares it with the caller. One of a derived class of CBoundObject will be written
+  /// with xsi:type.
+  /// \throws CQnInvalidParamException when it is null or was made for another element.
   T& Add(CSmartPtr<T> const& item) {
     Prepare(item.Get());
     AppendItem(item.Get());
     return *item;
   }
+  /// The same, but put it at \p index, from 0 to size().
+  /// \throws CQnInvalidParamException as Add(), and "Index out of range".
   T& Insert(int index, CSmartPtr<T> const& item) {
     Prepare(item.Get());
     AddItemAt(index, item.Get());
     return *item;
   }
-  ///@}
-  /// Remove the item at \p place, which must be one of this collection, or all from \p first up to \p last. Returns the
-  /// place after it.
-  ///@{
+  /// Remove the item at \p place, which must be one of this collection. Returns the place after it.
   iterator erase(const_iterator place) {
     iterator const next(place.GetNode()->m_next);
     RemoveNode(place.GetNode());
     return next;
   }
+  /// Remove all items from \p first up to \p last, and return that place.
   iterator erase(const_iterator first, const_iterator last) {
     while (first != last) first = erase(first);
     return iterator(last.GetNode());
   }
-  ///@}
 
  protected:
+  /// The collection of a row.
   explicit CObjectCol(CElementRow const& row) : CObjectCollection(row) {}
 
  private:

@@ -32,6 +32,7 @@ struct CPropertyKind {
   CSmartPtr<CXmlObjectBase> (*make)(CElementRow const* row);
 };
 
+/// \cond
 namespace detail {
 
 /// The kind of a member that holds a value: how \p Value is held in a variant as the kind \p number.
@@ -194,6 +195,7 @@ QN_SEVERAL_KINDS(CDateTime, ItemType_datetime, ItemType_date, ItemType_time, Ite
 #undef QN_SEVERAL_KINDS
 
 }  // namespace detail
+/// \endcond
 
 /// A data member of a generated class: where it is, and what can be done with it. Valid as long as the member.
 class CPropertyRef {
@@ -236,6 +238,7 @@ class CPropertyRef {
 
 namespace Rows {
 
+/// A short name.
 using PropertyRef = CPropertyRef;
 
 }  // namespace Rows

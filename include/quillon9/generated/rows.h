@@ -12,46 +12,48 @@ class CEnumTexts;
 
 /// The facets of a simple type. Null and -1 stand for a facet that is not set.
 struct CFacets {
-  char const* pattern = nullptr;
-  int length = -1;
-  int minLength = -1;
-  int maxLength = -1;
-  char const* minInclusive = nullptr;
-  char const* maxInclusive = nullptr;
-  char const* minExclusive = nullptr;
-  char const* maxExclusive = nullptr;
-  int totalDigits = -1;
-  int fractionDigits = -1;
+  char const* pattern = nullptr;       ///< a regular expression, for texts
+  int length = -1;                     ///< of a text in characters, or of binary data in bytes
+  int minLength = -1;                  ///< at least so many of them
+  int maxLength = -1;                  ///< at most so many of them
+  char const* minInclusive = nullptr;  ///< the smallest value
+  char const* maxInclusive = nullptr;  ///< the largest value
+  char const* minExclusive = nullptr;  ///< smaller than all values
+  char const* maxExclusive = nullptr;  ///< larger than all values
+  int totalDigits = -1;                ///< at most so many digits
+  int fractionDigits = -1;             ///< at most so many after the point
 };
 
 /// How the values of a simple type are read, checked and written.
 struct CValueType {
-  ItemType kind = ItemType_string;
-  CWhitespaceUtils::WhitespaceRule whitespace = CWhitespaceUtils::WhitespaceRule_Collapse;
-  CFacets const* facets = nullptr;          ///< null for none
-  CEnumTexts const* enumeration = nullptr;  ///< null unless the values are enumerators; kind is ItemType_i4 then
+  ItemType kind = ItemType_string;  ///< how a variant holds it
+  CWhitespaceUtils::WhitespaceRule whitespace =
+      CWhitespaceUtils::WhitespaceRule_Collapse;  ///< applied to the text first
+  CFacets const* facets = nullptr;                ///< null for none
+  CEnumTexts const* enumeration = nullptr;        ///< null unless the values are enumerators; kind is ItemType_i4 then
 };
 
 /// The namespaces that a wildcard allows: "##any", "##other", or a list of URIs, of which "##local" stands for none.
 struct CNamespaceRule {
-  char const* allowed = "##any";
-  char const* target = "";  ///< the namespace that "##other" excludes
+  char const* allowed = "##any";  ///< what the schema says
+  char const* target = "";        ///< the namespace that "##other" excludes
 };
 
+/// What a row of an element table describes.
 enum class RowKind : std::uint8_t {
-  Value,
-  Values,
-  Object,
-  Objects,
-  Rounds,
-  Any,
-  Anys,
-  AnyType,
-  AnyTypes,
-  BeginSequence,
-  BeginChoice,
-  BeginAll,
-  EndGroup
+  Value,          ///< a value
+  Values,         ///< a collection of values
+  Object,         ///< an object
+  Objects,        ///< a collection of objects
+  Rounds,         ///< a collection of objects without a tag: the rounds of a repeated group
+  Any,            ///< one element of a wildcard
+  Anys,           ///< a collection of them
+  AnyType,        ///< an element of one name with any content
+  AnyTypes,       ///< a collection of them
+  BeginSequence,  ///< the members up to EndGroup are a sequence
+  BeginChoice,    ///< a choice
+  BeginAll,       ///< an all group
+  EndGroup        ///< the end of the group that began last
 };
 
 /// Whether a member or group must occur where it stands.
@@ -59,35 +61,37 @@ enum class Occurs : std::uint8_t { Once, Optional };
 
 /// One entry of the element table of a generated class, or the begin or end of a group.
 struct CElementRow {
-  RowKind kind = RowKind::Value;
-  Occurs occurs = Occurs::Once;
-  int property = -1;
-  char const* name = "";
-  char const* ns = "";
-  int minOccurs = 0;   ///< of repeated members
-  int maxOccurs = -1;  ///< -1 for no limit
-  CValueType const* value = nullptr;
-  CClassTables const* type = nullptr;
-  CNamespaceRule const* rule = nullptr;
-  char const* defaultText = nullptr;  ///< null for none
-  char const* fixedText = nullptr;
+  RowKind kind = RowKind::Value;         ///< what it describes
+  Occurs occurs = Occurs::Once;          ///< of single members and of groups
+  int property = -1;                     ///< the number of the property; -1 for groups
+  char const* name = "";                 ///< of the element
+  char const* ns = "";                   ///< its namespace; empty for none
+  int minOccurs = 0;                     ///< of repeated members
+  int maxOccurs = -1;                    ///< -1 for no limit
+  CValueType const* value = nullptr;     ///< of values
+  CClassTables const* type = nullptr;    ///< of objects
+  CNamespaceRule const* rule = nullptr;  ///< of wildcards
+  char const* defaultText = nullptr;     ///< null for none
+  char const* fixedText = nullptr;       ///< null for none
 };
 
 /// One entry of the attribute table of a generated class.
 struct CAttributeRow {
-  int property = -1;
-  char const* name = "";
-  char const* ns = "";
-  Occurs occurs = Occurs::Optional;
+  int property = -1;                     ///< the number of the property
+  char const* name = "";                 ///< of the attribute
+  char const* ns = "";                   ///< its namespace; empty for none
+  Occurs occurs = Occurs::Optional;      ///< whether it is required
   CValueType const* value = nullptr;     ///< null for the attributes of a wildcard
   CNamespaceRule const* rule = nullptr;  ///< of a wildcard
-  char const* defaultText = nullptr;
-  char const* fixedText = nullptr;
+  char const* defaultText = nullptr;     ///< null for none
+  char const* fixedText = nullptr;       ///< null for none
 };
 
 /// Makers of rows and short names, so that a table reads like the schema. No name of a generated class is like these.
 namespace Rows {
 
+/// Short names.
+///@{
 using ElementRow = CElementRow;
 using AttributeRow = CAttributeRow;
 using ValueType = CValueType;
@@ -99,7 +103,10 @@ inline constexpr Occurs kOptional = Occurs::Optional;
 inline constexpr auto kPreserve = CWhitespaceUtils::WhitespaceRule_Preserve;
 inline constexpr auto kReplace = CWhitespaceUtils::WhitespaceRule_Replace;
 inline constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+///@}
 
+/// Each makes the row of the kind that has its name. The texts and references are kept; null stands for no text.
+///@{
 constexpr CElementRow Value(char const* name, char const* ns, int property, Occurs occurs, CValueType const& value,
                             char const* defaultText = nullptr, char const* fixedText = nullptr) {
   return {RowKind::Value, occurs, property, name, ns, 0, -1, &value, nullptr, nullptr, defaultText, fixedText};
@@ -143,31 +150,33 @@ constexpr CAttributeRow Attribute(char const* name, char const* ns, int property
 constexpr CAttributeRow AnyAttributes(int property, CNamespaceRule const& rule) {
   return {property, "", "", kOptional, nullptr, &rule};
 }
+///@}
 
 }  // namespace Rows
 
 /// What a generated class is, in constants.
 struct CClassRow {
-  char const* typeName = "";  ///< of the type in its schema, for xsi:type; empty for an anonymous type
-  char const* typeNamespace = "";
-  char const* targetNamespace = "";  ///< of its element where that is the document root
-  CClassTables* base = nullptr;      ///< the class it derives from, whose rows come first; null for none
-  CElementRow const* elements = nullptr;
-  int elementCount = 0;
-  CAttributeRow const* attributes = nullptr;
-  int attributeCount = 0;
-  int firstProperty = 0;             ///< the number of properties of all bases
-  int propertyCount = 0;             ///< of its own
-  int textProperty = -1;             ///< the property that holds the text of the element; -1 for none
-  CValueType const* text = nullptr;  ///< of that property; null for the text of mixed content
-  bool round = false;                ///< has no tag: one round of a repeated group
-  bool rejectUnknownAttributes = true;
-  CClassTables* const* derived = nullptr;  ///< all classes derived from it, also indirectly
-  int derivedCount = 0;
+  char const* typeName = "";                  ///< of the type in its schema, for xsi:type; empty for an anonymous type
+  char const* typeNamespace = "";             ///< of that type
+  char const* targetNamespace = "";           ///< of its element where that is the document root
+  CClassTables* base = nullptr;               ///< the class it derives from, whose rows come first; null for none
+  CElementRow const* elements = nullptr;      ///< its own, not those of the base
+  int elementCount = 0;                       ///< of its own
+  CAttributeRow const* attributes = nullptr;  ///< its own
+  int attributeCount = 0;                     ///< of its own
+  int firstProperty = 0;                      ///< the number of properties of all bases
+  int propertyCount = 0;                      ///< of its own
+  int textProperty = -1;                      ///< the property that holds the text of the element; -1 for none
+  CValueType const* text = nullptr;           ///< of that property; null for the text of mixed content
+  bool round = false;                         ///< has no tag: one round of a repeated group
+  bool rejectUnknownAttributes = true;        ///< whether others are a failure
+  CClassTables* const* derived = nullptr;     ///< all classes derived from it, also indirectly
+  int derivedCount = 0;                       ///< of these
 };
 
 namespace Rows {
 
+/// A short name.
 using ClassRow = CClassRow;
 
 }  // namespace Rows

@@ -37,6 +37,7 @@ class CValueElement : public CNillable<CBoundObject> {
   }
 
  protected:
+  /// The arguments of CBoundObject.
   CValueElement(CClassTables const& tables, char const* elementName) : CNillable(tables, elementName) {}
   CPropertyRef Property(int index) override {
     if (index != 0) return {};

@@ -28,7 +28,9 @@ class QUILLON9_API CXmlSource {
   CXmlSource(char const* path) : m_kind(Kind::File), m_data(path) {}
   CXmlSource(std::string const& path) : m_kind(Kind::File), m_data(path.c_str()) {}
   ///@}
+  /// A text; see XmlText().
   CXmlSource(CXmlText text) : m_kind(Kind::Bytes), m_data(text.text.data()), m_size(text.text.size()) {}
+  /// Octets.
   CXmlSource(CBinaryData const& bytes);
   /// The rest of \p stream, which is read to its end.
   CXmlSource(std::istream& stream) : m_kind(Kind::Stream), m_data(&stream) {}
@@ -50,8 +52,8 @@ inline CXmlSerializationContext const& DefaultContext() { return CXmlSerializati
 
 /// A global element of a schema.
 struct CRootRow {
-  char const* name = "";
-  char const* ns = "";
+  char const* name = "";               ///< its local name
+  char const* ns = "";                 ///< its namespace; empty for none
   CClassTables const* type = nullptr;  ///< null for an element with any content, which is read into a CElement
 };
 
@@ -62,6 +64,7 @@ struct CRootRow {
 ///         CXmlObjectBase::FromXmlElement() throw.
 QUILLON9_API CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* roots, int count,
                                                    CXmlSerializationContext const& ctx);
+/// The same for an array.
 template <int count>
 CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const (&roots)[count],
                                       CXmlSerializationContext const& ctx) {
@@ -83,9 +86,12 @@ CSmartPtr<Class> CreateRoot(CRootRow const& root) {
 
 namespace Rows {
 
+/// Short names.
+///@{
 using XmlSource = CXmlSource;
 using Context = CXmlSerializationContext;
 using RootRow = CRootRow;
+///@}
 
 /// ReadRoot() and CreateRoot() under names that no generated function has.
 ///@{
