@@ -4,24 +4,60 @@
 //
 //   feed [document...]
 
-#include <langinfo.h>
-
 #include <algorithm>
-#include <clocale>
 #include <cstddef>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
-#include "feed_types.h"
+#include "atom.h"
+#include "quillon9/quillon9.h"
 
 using namespace Atom;
 using namespace Quillon9;
 
 namespace {
+
+constexpr char kNamespace[] = "http://www.w3.org/2005/Atom";
+
+/// Options with text in UTF-8, as the generated classes have it, so that no character depends on the locale.
+CXmlSerializationContext Utf8Context() {
+  CXmlSerializationContext ctx;
+  ctx.SetTextEncoding(TextEncoding_UTF8);
+  return ctx;
+}
+
+// ---- The children of feeds, entries, sources and persons, of which one is set in each round
+
+CXmlObjectBase const* FirstOf(std::initializer_list<CXmlObjectBase const*> alternatives) {
+  auto const isSet = [](CXmlObjectBase const* object) { return object != nullptr; };
+  return *std::find_if(alternatives.begin(), alternatives.end(), isSet);
+}
+
+CXmlObjectBase const* ChildIn(CFeedType::CChoice const& round) {
+  return FirstOf({round.GetAuthor(), round.GetCategory(), round.GetContributor(), round.GetEntry(),
+                  round.GetGenerator(), round.GetIcon(), round.GetId(), round.GetLink(), round.GetLogo(),
+                  round.GetRights(), round.GetSubtitle(), round.GetTitle(), round.GetUpdated(), round.GetAny()});
+}
+
+CXmlObjectBase const* ChildIn(CEntryType::CChoice const& round) {
+  return FirstOf({round.GetAuthor(), round.GetCategory(), round.GetContent(), round.GetContributor(), round.GetId(),
+                  round.GetLink(), round.GetPublished(), round.GetRights(), round.GetSource(), round.GetSummary(),
+                  round.GetTitle(), round.GetUpdated(), round.GetAny()});
+}
+
+CXmlObjectBase const* ChildIn(CSourceType::CChoice const& round) {
+  return FirstOf({round.GetAuthor(), round.GetCategory(), round.GetContributor(), round.GetGenerator(), round.GetIcon(),
+                  round.GetId(), round.GetLink(), round.GetLogo(), round.GetRights(), round.GetSubtitle(),
+                  round.GetTitle(), round.GetUpdated(), round.GetAny()});
+}
+
+CXmlObjectBase const* ChildIn(CPersonType::CChoice const& round) {
+  return FirstOf({round.GetName(), round.GetUri(), round.GetEmail(), round.GetAny()});
+}
 
 // ---- Documents as lists
 
@@ -51,10 +87,8 @@ bool operator==(Line const& a, Line const& b) {
 
 bool IsBlank(std::string const& text) { return CWhitespaceUtils::Collapse(text).empty(); }
 
-/// Return the text of an element with these children; text that only separates them does not count.
-std::string Significant(std::string const& text, CElementCol const& children) {
-  return children.GetCount() > 0 && IsBlank(text) ? "" : text;
-}
+/// Return the text of an element with children or without; text that only separates them does not count.
+std::string Significant(std::string const& text, bool hasChildren) { return hasChildren && IsBlank(text) ? "" : text; }
 
 void AppendAttributes(Lines& lines, int depth, CAttributeCol const& attributes) {
   std::size_t const first = lines.size();
@@ -68,42 +102,67 @@ void AppendAttributes(Lines& lines, int depth, CAttributeCol const& attributes) 
 
 void Append(Lines& lines, int depth, CElement const& element) {
   lines.push_back({depth, NameOf(element.GetName(), element.GetNamespace()),
-                   Significant(element.GetText(), *element.GetElements()), true});
+                   Significant(element.GetText(), element.GetElements()->GetCount() > 0), true});
   AppendAttributes(lines, depth + 1, *element.GetAttributes());
   for (CElement const& child : *element.GetElements()) Append(lines, depth + 1, child);
 }
 
-/// Return what the list shows of \p object besides its children.
-std::string Shown(CCommonType const& object) {
-  if (auto const* const date = dynamic_cast<CDateType const*>(&object)) return date->GetDateTime().ToString();
-  if (auto const* const link = dynamic_cast<CLinkType const*>(&object)) {
+/// Return what the list shows of \p open besides its children.
+std::string Shown(COpenType const& open) {
+  if (auto const* const link = dynamic_cast<CLinkType const*>(&open)) {
     return link->GetRel().value_or("alternate") + ", " + link->GetHref();
   }
-  if (auto const* const category = dynamic_cast<CCategoryType const*>(&object)) return category->GetTerm();
-  if (auto const* const text = dynamic_cast<CTextType const*>(&object)) {
-    std::string const type = text->GetType().value_or("text");
-    return (type == "text" ? "" : "[" + type + "] ") + text->GetSrc().value_or("") +
-           Significant(text->GetText(), *text->GetAny());
-  }
-  auto const* const simple = dynamic_cast<CSimpleType const*>(&object);
-  return simple != nullptr ? simple->GetText() : "";
+  if (auto const* const category = dynamic_cast<CCategoryType const*>(&open)) return category->GetTerm();
+  auto const& text = dynamic_cast<CTextType const&>(open);
+  std::string const type = text.GetType().value_or("text");
+  return (type == "text" ? "" : "[" + type + "] ") + text.GetSrc().value_or("") +
+         Significant(text.GetText(), !text.GetAny().empty());
 }
 
-void Append(Lines& lines, int depth, CCommonType const& object) {
-  lines.push_back({depth, object.GetElementName(), Shown(object), false});
-  AppendAttributes(lines, depth + 1, *object.GetAnyAttribute());
-  if (auto const* const open = dynamic_cast<COpenType const*>(&object)) {
-    for (CElement const& element : *open->GetAny()) Append(lines, depth + 1, element);
-  }
-  auto const* const container = dynamic_cast<CContainerType const*>(&object);
-  if (container == nullptr) return;
-  for (CMember const& member : *container->GetMember()) {
-    if (auto const* const element = dynamic_cast<CElement const*>(member.GetObject())) {
-      Append(lines, depth + 1, *element);
-    } else {
-      Append(lines, depth + 1, dynamic_cast<CCommonType const&>(*member.GetObject()));
-    }
-  }
+template <class Object>
+void AppendElement(Lines& lines, int depth, Object const& object, std::string const& value) {
+  lines.push_back({depth, object.GetElementName(), value, false});
+  AppendAttributes(lines, depth + 1, object.GetAnyAttribute());
+}
+
+void AppendAny(Lines& lines, int depth, CXmlObjectBase const& object);
+
+template <class Container>
+void AppendContainer(Lines& lines, int depth, Container const& object) {
+  AppendElement(lines, depth, object, "");
+  for (auto const& round : object.GetChoice()) AppendAny(lines, depth + 1, *ChildIn(round));
+}
+
+void Append(Lines& lines, int depth, CFeedType const& feed) { AppendContainer(lines, depth, feed); }
+void Append(Lines& lines, int depth, CEntryType const& entry) { AppendContainer(lines, depth, entry); }
+void Append(Lines& lines, int depth, CSourceType const& source) { AppendContainer(lines, depth, source); }
+void Append(Lines& lines, int depth, CPersonType const& person) { AppendContainer(lines, depth, person); }
+void Append(Lines& lines, int depth, CDateType const& date) {
+  AppendElement(lines, depth, date, date.GetValue().ToString());
+}
+void Append(Lines& lines, int depth, CSimpleType const& simple) {
+  AppendElement(lines, depth, simple, simple.GetValue());
+}
+void Append(Lines& lines, int depth, COpenType const& open) {
+  AppendElement(lines, depth, open, Shown(open));
+  for (CElement const& element : open.GetAny()) Append(lines, depth + 1, element);
+}
+
+/// Append \p object if it is of this class.
+template <class Class>
+bool AppendIf(Lines& lines, int depth, CXmlObjectBase const& object) {
+  auto const* const known = dynamic_cast<Class const*>(&object);
+  if (known != nullptr) Append(lines, depth, *known);
+  return known != nullptr;
+}
+
+template <class... Classes>
+void AppendAs(Lines& lines, int depth, CXmlObjectBase const& object) {
+  (AppendIf<Classes>(lines, depth, object) || ...);
+}
+
+void AppendAny(Lines& lines, int depth, CXmlObjectBase const& object) {
+  AppendAs<CEntryType, CSourceType, CPersonType, CDateType, CSimpleType, COpenType, CElement>(lines, depth, object);
 }
 
 template <class Object>
@@ -157,7 +216,7 @@ bool HasElementWithoutNamespace(CElement const& element) {
 /// namespace, because the library never undeclares the default; and with the original prefixes for some namespaces. All
 /// other prefixes are generated.
 CXmlSerializationContext ContextFor(CXmlDocument const& document, CElement const& root) {
-  CXmlSerializationContext ctx;
+  CXmlSerializationContext ctx = Utf8Context();
   if (HasElementWithoutNamespace(root)) {
     ctx.GetNamespaceAliases()->Add("atom", kNamespace);
   } else {
@@ -175,28 +234,31 @@ std::string Write(CXmlObjectBase const& object, CXmlSerializationContext const& 
   return object.ToXml(true, false, EOLType_LF, ctx);
 }
 
-CSmartPtr<CElement> ReadGeneric(std::string const& text) {
+CSmartPtr<CElement> GenericOf(CXmlDocument const& document) {
   CSmartPtr<CElement> element = new CElement("");
-  element->FromXml(text.c_str());
+  element->CopyXmlElement(document.GetDocumentElement());
   return element;
+}
+
+CSmartPtr<CElement> ReadGeneric(std::string const& text) {
+  CXmlDocument document(Utf8Context());
+  document.LoadXml(text.c_str());
+  return GenericOf(document);
 }
 
 // ---- The steps
 
 /// Give \p entry another title and time, adding them if it has none.
 void Change(CEntryType& entry) {
-  CSmartPtr<CTextType> title = entry.Find<CTextType>(Property_title);
-  if (!title) {
-    title = new CTextType("title");
-    entry.GetMember()->Add(Property_title, title);
-  }
-  title->SetPlainText("Corrected & shortened");
-  CSmartPtr<CDateType> updated = entry.Find<CDateType>(Property_updated);
-  if (!updated) {
-    updated = new CDateType("updated");
-    entry.GetMember()->Add(Property_updated, updated);
-  }
-  updated->SetDateTime("2024-05-05T06:00:00Z");
+  using EChoice = CEntryType::CChoice::EChoice;
+  auto const find = [&](EChoice choice) {
+    auto& rounds = entry.GetChoice();
+    auto const isIt = [&](CEntryType::CChoice const& round) { return round.GetChoice() == choice; };
+    auto const found = std::find_if(rounds.begin(), rounds.end(), isIt);
+    return found != rounds.end() ? &*found : &rounds.Add();
+  };
+  find(EChoice::Title)->CreateTitle().SetText("Corrected & shortened");
+  find(EChoice::Updated)->CreateUpdated().SetValue("2024-05-05T06:00:00Z");
 }
 
 /// Print where two texts differ, in whole tags.
@@ -215,22 +277,22 @@ void PrintChange(std::string const& before, std::string const& after) {
 
 /// Return whether the changed \p feed is read back unaltered. Without an entry nothing is changed.
 bool ChangeAndReadAgain(CFeedType& feed, CXmlSerializationContext const& ctx) {
-  auto* const entry = feed.Find<CEntryType>(Property_entry);
-  if (entry == nullptr) return true;
+  auto const hasEntry = [](CFeedType::CChoice const& round) { return round.GetEntry() != nullptr; };
+  auto const round = std::find_if(feed.GetChoice().begin(), feed.GetChoice().end(), hasEntry);
+  if (round == feed.GetChoice().end()) return true;
   std::string const before = Write(feed, ctx);
-  Change(*entry);
+  Change(*round->GetEntry());
   std::string const after = Write(feed, ctx);
   std::printf("\nThe first entry is changed:\n");
   PrintChange(before, after);
-  CSmartPtr<CFeedType> const again = new CFeedType;
-  again->FromXml(after.c_str());
+  CSmartPtr<CFeedType> const again = ReadFeed(XmlText(after));
   bool const same = Write(*again, ctx) == after;
   std::printf("Read and written again: %s.\n", same ? "the same text" : "another text");
   return Compare("Read again", ListOf(feed), ListOf(*again)) && same;
 }
 
 bool ProcessFeed(CXmlDocument const& document, CElement const& original) {
-  CSmartPtr<CFeedType> const feed = new CFeedType;
+  CSmartPtr<CFeedType> const feed = CreateFeed();
   feed->FromXmlElement(document.GetDocumentElement());
   Print(ListOf(*feed));
   PrintMixed(original);
@@ -244,18 +306,17 @@ bool ProcessOther(CElement const& original) {
   std::printf("No Atom feed: no class is for <%s>, all is generic.\n", original.GetName().c_str());
   Print(ListOf(original));
   PrintMixed(original);
-  std::string const text = Write(original, CXmlSerializationContext::m_defaultContext);
+  std::string const text = Write(original, Utf8Context());
   return Compare("Written and read as generic content", ListOf(original), ListOf(*ReadGeneric(text)));
 }
 
 /// Return whether the document \p path could be read and was preserved. If not, standard error or the list says why.
 bool Process(char const* path) {
   try {
-    CXmlDocument document;
+    CXmlDocument document(Utf8Context());
     document.Load(path);
     std::printf("%s (+ marks generic content)\n", std::filesystem::path(path).filename().c_str());
-    CSmartPtr<CElement> const original = new CElement("");
-    original->CopyXmlElement(document.GetDocumentElement());
+    CSmartPtr<CElement> const original = GenericOf(document);
     bool const isFeed = original->GetName() == "feed" && original->GetNamespace() == kNamespace;
     return isFeed ? ProcessFeed(document, *original) : ProcessOther(*original);
   } catch (CQnException const& failure) {
@@ -277,9 +338,7 @@ void PrintChain(CQnException const& failure) {
 bool FailsToRead(char const* what, char const* entry) {
   std::printf("%s:\n", what);
   try {
-    CSmartPtr<CFeedType> const feed = new CFeedType;
-    feed->FromXml(
-        ("<feed xmlns='http://www.w3.org/2005/Atom'><entry>" + std::string(entry) + "</entry></feed>").c_str());
+    ReadFeed(XmlText("<feed xmlns='http://www.w3.org/2005/Atom'><entry>" + std::string(entry) + "</entry></feed>"));
   } catch (CQnException const& failure) {
     PrintChain(failure);
     return true;
@@ -296,17 +355,9 @@ bool ShowFailures() {
   return ok;
 }
 
-/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
-/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none.
-void ChooseLocale() {
-  std::setlocale(LC_ALL, "");
-  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  ChooseLocale();
   if (argc == 1) return Process(FEED_DOCUMENT) && ShowFailures() ? 0 : 1;
   bool ok = true;
   for (int i = 1; i < argc; ++i) {

@@ -3,21 +3,18 @@
 //
 //   gpx_track [document...]
 
-#include <langinfo.h>
-
 #include <algorithm>
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "gpx_types.h"
+#include "gpx.h"
+#include "quillon9/quillon9.h"
 
 using namespace Gpx;
 using namespace Quillon9;
@@ -31,10 +28,11 @@ bool IsForeign(CXmlElement* element) {
   return element->GetNamespaceURI() != element->GetDocument()->GetDocumentElement()->GetNamespaceURI();
 }
 
-/// Elements that the classes do not bind are skipped. Namespaces are ignored, so that GPX 1.0, which has a different
+/// Text is in UTF-8, as in the classes. Elements that the classes do not bind are skipped. Namespaces are ignored, so that GPX 1.0, which has a different
 /// one, can be read too.
 CXmlSerializationContext LenientContext() {
   CXmlSerializationContext ctx;
+  ctx.SetTextEncoding(TextEncoding_UTF8);
   ctx.SetIgnoreUnknownElements(true);
   ctx.SetIgnoreNamespaces(true);
   return ctx;
@@ -119,7 +117,7 @@ void AddSegment(Figures& figures, CTrksegType const& segment) {
   CWptType const* previous = nullptr;
   std::optional<double> height;
   ++figures.segments;
-  for (CWptType const& point : *segment.GetTrkpt()) {
+  for (CWptType const& point : segment.GetTrkpt()) {
     ++figures.points;
     if (previous != nullptr) figures.length = figures.length.value_or(0) + Distance(*previous, point);
     previous = &point;
@@ -166,7 +164,7 @@ void PrintLine(char const* indent, char const* label, std::string const& value) 
 
 void PrintTrack(CTrkType const& track) {
   Figures figures;
-  for (CTrksegType const& segment : *track.GetTrkseg()) AddSegment(figures, segment);
+  for (CTrksegType const& segment : track.GetTrkseg()) AddSegment(figures, segment);
   PrintLine("  ", "track", Shown(track.GetName()));
   PrintLine("    ", "segments", std::to_string(figures.segments));
   PrintLine("    ", "points", std::to_string(figures.points));
@@ -184,8 +182,8 @@ void PrintDocument(char const* path, CGpxType const& gpx) {
   PrintLine("  ", "creator", "GPX " + gpx.GetVersion() + " by " + CWhitespaceUtils::Collapse(gpx.GetCreator()));
   PrintLine("  ", "name", Shown(metadata != nullptr ? metadata->GetName() : gpx.GetName()));
   PrintLine("  ", "time", Shown(metadata != nullptr ? metadata->GetTime() : gpx.GetTime()));
-  PrintLine("  ", "tracks", std::to_string(gpx.GetTrk()->GetCount()));
-  for (CTrkType const& track : *gpx.GetTrk()) PrintTrack(track);
+  PrintLine("  ", "tracks", std::to_string(gpx.GetTrk().size()));
+  for (CTrkType const& track : gpx.GetTrk()) PrintTrack(track);
   std::printf("\n");
 }
 
@@ -228,18 +226,9 @@ bool ShowFailure() {
   return false;
 }
 
-/// The text of all objects is in the code page of the process locale, and characters that it cannot express become "?".
-/// So a program that must not lose anything runs in a UTF-8 locale, even if its environment has none. The other
-/// categories stay as in C: numbers are printed with a decimal point.
-void ChooseLocale() {
-  std::setlocale(LC_CTYPE, "");
-  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
-  ChooseLocale();
   if (argc == 1) return PrintFile(GPX_TRACK_DOCUMENT) && ShowFailure() ? 0 : 1;
   bool ok = true;
   for (int i = 1; i < argc; ++i) ok &= PrintFile(argv[i]);
