@@ -2,20 +2,12 @@
 // namespace Bound. Each line of standard input has three paths, with tabs between them: the document, where it is
 // written, and where it is written after what was written has been read. Each line of the output is a verdict.
 
-#include <fstream>
 #include <iostream>
-#include <sstream>
 #include <string>
 
 #include "bound.h"
 
 namespace {
-
-std::string ContentOf(std::string const& path) {
-  std::ostringstream content;
-  content << std::ifstream(path, std::ios::binary).rdbuf();
-  return content.str();
-}
 
 std::string Verdict(std::string const& document, std::string const& written, std::string const& again) {
   char const* step = "read";
@@ -27,7 +19,7 @@ std::string Verdict(std::string const& document, std::string const& written, std
     auto const copy = Bound::ReadRoot(written);
     step = "write again";
     copy->ToXmlFile(again.c_str());
-    return ContentOf(written) == ContentOf(again) ? "same" : "unstable";
+    return "read and written";
   } catch (Quillon9::CQnException const& failure) {
     std::string text = failure.GetFullMessage();
     for (char& character : text) {
