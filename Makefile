@@ -5,9 +5,10 @@ DESTDIR ?=
 FUZZ_SECONDS ?= 60
 SUITES ?= bookworm trixie
 SCHEMAS ?= ../shared/schemas
+SUITE ?= ../shared/xsts/xsts.tar.xz
 SETS ?=
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales schemas coverage fuzz bench ablation docs install \
+.PHONY: all run test debug asan tsan hardened pcre8 locales schemas xsts coverage fuzz bench ablation docs install \
   package-test bare-test packages format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
@@ -44,6 +45,11 @@ schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents 
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	tests/schemas/check_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
+
+xsts: deps       ## send the schemas of the W3C test SUITE (SETS of it) through the generator; takes two minutes
+	cmake --preset release
+	cmake --build --preset release --target quillon9 quillon9_program
+	tests/schemas/xsts.py --suite $(SUITE) --build build/release $(SETS)
 
 coverage: deps-all   ## report which lines of src/ the tests run
 	cmake --preset coverage
