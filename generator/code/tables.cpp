@@ -109,8 +109,9 @@ std::vector<std::string> ElementRows(Plan::Class const& cls, Constants& constant
   for (Plan::Row const& row : cls.rows) {
     if (row.kind == Plan::Row::Kind::End) --depth;
     bool const isMember = row.kind == Plan::Row::Kind::Member;
-    std::string const line =
-        isMember ? ElementRow(cls.members[static_cast<std::size_t>(row.member)], constants) : GroupRow(row);
+    std::string const line = isMember
+                                 ? ElementRow(Plan::MembersOfRows(cls)[static_cast<std::size_t>(row.member)], constants)
+                                 : GroupRow(row);
     lines.push_back(std::string(2 * depth, ' ') + line);
     if (!isMember && row.kind != Plan::Row::Kind::End) ++depth;
   }
@@ -119,8 +120,10 @@ std::vector<std::string> ElementRows(Plan::Class const& cls, Constants& constant
 
 std::vector<std::string> AttributeRows(Plan::Class const& cls, Constants& constants) {
   std::vector<std::string> lines;
-  for (Member const& member : cls.members) {
-    if (member.place == Member::Place::Attribute) lines.push_back(AttributeRow(member, constants));
+  for (std::vector<Member> const* members : {&cls.restated, &cls.members}) {
+    for (Member const& member : *members) {
+      if (member.place == Member::Place::Attribute) lines.push_back(AttributeRow(member, constants));
+    }
   }
   return lines;
 }
@@ -174,10 +177,12 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
                                            cls.round ? "true" : "false",
                                            cls.rejectUnknownAttributes && !cls.round ? "true" : "false",
                                            derivedArray,
-                                           std::to_string(cls.derived.size())};
+                                           std::to_string(cls.derived.size()),
+                                           cls.replacesElements ? "true" : "false",
+                                           cls.replacesAttributes ? "true" : "false"};
   static std::vector<std::string> const kDefaults = {"\"\"",    "\"\"", "\"\"",    "nullptr", "nullptr", "0",
                                                      "nullptr", "0",    "0",       "0",       "-1",      "nullptr",
-                                                     "false",   "true", "nullptr", "0"};
+                                                     "false",   "true", "nullptr", "0",       "false",   "false"};
   std::size_t count = fields.size();
   while (count != 0 && fields[count - 1] == kDefaults[count - 1]) --count;
   std::string const name = constants.Unique(stem + "Class");

@@ -65,10 +65,55 @@ Class const* WithMember(Class const* cls, Member::Place place) {
   return cls;
 }
 
+// The attributes of a class with those of its bases, as their tables have them.
+std::vector<Member const*> AttributesOf(Class const* cls) {
+  std::vector<Class const*> chain;
+  for (; cls != nullptr; cls = cls->base) {
+    chain.push_back(cls);
+    if (cls->replacesAttributes) break;
+  }
+  std::vector<Member const*> attributes;
+  auto const append = [&attributes](std::vector<Member> const& members) {
+    for (Member const& member : members) {
+      if (member.place == Member::Place::Attribute) attributes.push_back(&member);
+    }
+  };
+  for (auto each = chain.rbegin(); each != chain.rend(); ++each) {
+    append((*each)->restated);
+    append((*each)->members);
+  }
+  return attributes;
+}
+
 bool HasAnyAttributes(Class const* cls) {
-  auto const isThere = [](Member const& member) { return member.kind == Member::Kind::AnyAttributes; };
-  while (cls != nullptr && std::none_of(cls->members.begin(), cls->members.end(), isThere)) cls = cls->base;
-  return cls != nullptr;
+  std::vector<Member const*> const attributes = AttributesOf(cls);
+  return std::any_of(attributes.begin(), attributes.end(),
+                     [](Member const* member) { return member->kind == Member::Kind::AnyAttributes; });
+}
+
+// The member of a base that holds a part of a restriction; there is one.
+template <class Condition>
+Member const& MemberOfBase(Class const* cls, Condition isThis) {
+  for (;; cls = cls->base) {
+    std::vector<Member> const& members = cls->replacesElements ? cls->restated : cls->members;
+    auto const found = std::find_if(members.begin(), members.end(), [&](Member const& member) {
+      return member.place == Member::Place::Element && isThis(member);
+    });
+    if (found != members.end()) return *found;
+  }
+}
+
+Member Restated(Member const& ofBase) {
+  Member member = ofBase;
+  if (member.restates == nullptr) member.restates = &ofBase;
+  member.choice = -1;
+  return member;
+}
+
+bool SameRow(Member const& a, Member const& b) {
+  return a.minOccurs == b.minOccurs && a.defaultValue == b.defaultValue && a.fixedValue == b.fixedValue &&
+         a.value.facets == b.value.facets && a.value.whiteSpace == b.value.whiteSpace &&
+         a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
 }
 
 Member::Kind Repeated(Member::Kind kind) {
@@ -113,7 +158,7 @@ ClassBuilder::ClassBuilder(Schema::SchemaSet const& set, PlanOptions const& opti
       m_plan(plan),
       m_diagnostics(diagnostics),
       m_values(options, plan, diagnostics),
-      m_derivations(diagnostics),
+      m_derivations(set, diagnostics),
       m_budget(kMostParts) {}
 
 void ClassBuilder::Build() {
@@ -208,8 +253,12 @@ void ClassBuilder::Fill(Class& cls, ComplexType const& type) {
 
 void ClassBuilder::FillContent(Class& cls, ComplexType const& type) {
   Schema::Particle const* const own = m_derivations.OwnContent(type);
-  std::optional<ContentNode> const content =
-      NormalizedContent(own != nullptr ? std::optional<Schema::Particle>(*own) : std::nullopt, m_budget);
+  cls.replacesElements = m_derivations.ReplacesElements(type);
+  std::optional<Schema::Particle> const none;
+  std::optional<ContentNode> const content = NormalizedContent(cls.replacesElements ? type.particle
+                                                               : own != nullptr ? std::optional<Schema::Particle>(*own)
+                                                                                : none,
+                                                               m_budget);
   if (!content) {
     if (!m_diagnostics.HasErrors()) {
       m_diagnostics.Error(type.place, "the content models are too large or too deep when all groups are written out");
@@ -243,8 +292,58 @@ void ClassBuilder::AddText(Class& cls, ComplexType const& type) {
 // ---- Attributes
 
 void ClassBuilder::AddAttributes(Class& cls, ComplexType const& type) {
-  for (Schema::AttributeUse const* use : m_derivations.OwnAttributes(type)) AddAttribute(cls, *use);
+  std::vector<Member const*> const inherited = AttributesOf(cls.base);
+  if (type.derivation == ComplexType::Derivation::Restriction) RestateAttributes(cls, type, inherited);
+  for (Schema::AttributeUse const& use : type.attributes) {
+    auto const isThis = [&use](Member const* member) { return member->name == use.declaration->name; };
+    if (std::none_of(inherited.begin(), inherited.end(), isThis)) AddAttribute(cls, use);
+  }
   if (type.attributeWildcard) AddAttributeWildcard(cls, type);
+}
+
+// The table of the base does where the restriction only gives an attribute a type of another kind, which the member of
+// the base could not hold.
+void ClassBuilder::RestateAttributes(Class& cls, ComplexType const& type, std::vector<Member const*> const& inherited) {
+  std::vector<Member> restated;
+  bool isSame = true;
+  for (Member const* ofBase : inherited) {
+    std::optional<Member> member = RestatedAttribute(cls, type, *ofBase);
+    isSame = isSame && member && SameRow(*member, *ofBase);
+    if (member) restated.push_back(std::move(*member));
+  }
+  if (isSame) return;
+  cls.replacesAttributes = true;
+  cls.restated.insert(cls.restated.end(), restated.begin(), restated.end());
+}
+
+std::optional<Member> ClassBuilder::RestatedAttribute(Class const& cls, ComplexType const& type, Member const& ofBase) {
+  Member member = Restated(ofBase);
+  if (member.kind == Member::Kind::AnyAttributes) {
+    if (!type.attributeWildcard) return std::nullopt;
+    bool const isNarrower =
+        !type.base->attributeWildcard || Covers(*type.base->attributeWildcard, *type.attributeWildcard);
+    if (isNarrower) SetRestriction(*type.attributeWildcard, member);
+    return member;
+  }
+  auto const use =
+      std::find_if(type.attributes.begin(), type.attributes.end(),
+                   [&ofBase](Schema::AttributeUse const& each) { return each.declaration->name == ofBase.name; });
+  if (use == type.attributes.end()) return ofBase.mandatory ? std::optional<Member>(member) : std::nullopt;
+  Schema::AttributeDeclaration const& declaration = *use->declaration;
+  member.minOccurs = use->required ? 1 : member.minOccurs;
+  member.defaultValue = use->defaultValue;
+  member.fixedValue = use->fixedValue;
+  RestateValue(cls, member, declaration.type, declaration.name, &declaration, declaration.global);
+  return member;
+}
+
+// The member of the base can hold a value of its own kind only.
+void ClassBuilder::RestateValue(Class const& cls, Member& member, Schema::SimpleType const* type,
+                                Schema::QualifiedName const& name, void const* declaration, bool global) {
+  bool const needsEnumeration = type != nullptr && type->IsAnonymous() && !type->facets.enumeration.empty();
+  if (needsEnumeration) return;
+  ValueType value = ValueOf(type, name, declaration, global, cls);
+  if (value.kind == member.value.kind && value.enumeration == member.value.enumeration) member.value = std::move(value);
 }
 
 void ClassBuilder::AddAttribute(Class& cls, Schema::AttributeUse const& use) {
@@ -287,10 +386,54 @@ void ClassBuilder::AddAttributeWildcard(Class& cls, ComplexType const& type) {
 // ---- Content
 
 void ClassBuilder::AddNode(Class& cls, ContentNode const& node, Position position) {
+  if (cls.replacesElements && (!node.IsGroup() || node.IsRepeated())) return Restate(cls, node);
   if (node.kind == ContentNode::Kind::Element) return AddElement(cls, node, position);
   if (node.kind == ContentNode::Kind::Wildcard) return AddWildcard(cls, node, position);
   if (node.IsRepeated()) return AddRounds(cls, node, position);
   AddGroup(cls, node, position);
+}
+
+// A member of the base with the occurrence and type of the restriction. It stays repeated, if it is.
+void ClassBuilder::Restate(Class& cls, ContentNode const& node) {
+  bool const isElement = node.kind == ContentNode::Kind::Element;
+  Member member = Restated(MemberOfBase(cls.base, [&](Member const& each) {
+    if (isElement) return each.name == node.element->name && !each.name.local.empty();
+    bool const isRounds = each.kind == Member::Kind::Rounds;
+    return node.IsGroup() ? isRounds : each.name.local.empty() && !isRounds;
+  }));
+  member.minOccurs = node.minOccurs;
+  member.maxOccurs = node.maxOccurs;
+  member.schemaPlace = node.place;
+  if (isElement) {
+    RestateElementType(cls, member, *node.element);
+  } else if (!node.IsGroup()) {
+    SetRestriction(*node.wildcard, member);
+  }
+  Row row;
+  row.member = static_cast<int>(cls.restated.size());
+  cls.restated.push_back(std::move(member));
+  cls.rows.push_back(row);
+}
+
+void ClassBuilder::RestateElementType(Class& cls, Member& member, ElementDeclaration const& element) {
+  switch (member.kind) {
+    case Member::Kind::Object:
+    case Member::Kind::Objects: {
+      Class* const type = ClassOf(*element.complexType, &cls);
+      NoteUse(*type, element);
+      member.type = type;
+      return;
+    }
+    case Member::Kind::Value:
+      member.defaultValue = element.defaultValue;
+      member.fixedValue = element.fixedValue;
+      [[fallthrough]];
+    case Member::Kind::Values:
+    case Member::Kind::NillableValue:
+    case Member::Kind::NillableValues:
+      return RestateValue(cls, member, element.simpleType, element.name, &element, element.global);
+    default: return;
+  }
 }
 
 void ClassBuilder::AddGroup(Class& cls, ContentNode const& node, Position position) {
@@ -300,11 +443,13 @@ void ClassBuilder::AddGroup(Class& cls, ContentNode const& node, Position positi
   position.mandatory = position.mandatory && node.minOccurs > 0;
   if (node.kind == ContentNode::Kind::Choice) {
     begin.kind = Row::Kind::BeginChoice;
-    begin.choice = static_cast<int>(cls.choices.size());
+    if (!cls.replacesElements) {
+      begin.choice = static_cast<int>(cls.choices.size());
+      Choice choice;
+      choice.row = static_cast<int>(cls.rows.size());
+      cls.choices.push_back(std::move(choice));
+    }
     position = {false, begin.choice};
-    Choice choice;
-    choice.row = static_cast<int>(cls.rows.size());
-    cls.choices.push_back(std::move(choice));
   }
   cls.rows.push_back(begin);
   for (ContentNode const& child : node.children) AddNode(cls, child, position);

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -43,8 +44,14 @@ class ClassBuilder {
   void AddAttributes(Class& cls, Schema::ComplexType const& type);
   void AddAttribute(Class& cls, Schema::AttributeUse const& use);
   void AddAttributeWildcard(Class& cls, Schema::ComplexType const& type);
+  void RestateAttributes(Class& cls, Schema::ComplexType const& type, std::vector<Member const*> const& inherited);
+  std::optional<Member> RestatedAttribute(Class const& cls, Schema::ComplexType const& type, Member const& ofBase);
+  void RestateValue(Class const& cls, Member& member, Schema::SimpleType const* type, Schema::QualifiedName const& name,
+                    void const* declaration, bool global);
 
   void AddNode(Class& cls, ContentNode const& node, Position position);
+  void Restate(Class& cls, ContentNode const& node);
+  void RestateElementType(Class& cls, Member& member, Schema::ElementDeclaration const& element);
   void AddGroup(Class& cls, ContentNode const& node, Position position);
   void AddElement(Class& cls, ContentNode const& node, Position position);
   void AddWildcard(Class& cls, ContentNode const& node, Position position);

@@ -43,6 +43,16 @@ void CheckOptions(Schema::SchemaSet const& set, PlanOptions const& options, Sche
   }
 }
 
+void NumberRestatedMembers(Plan& plan) {
+  for (auto const& cls : plan.classStorage) {
+    for (Member& member : cls->restated) {
+      member.property = member.restates->property;
+      member.cppName = member.restates->cppName;
+      member.field = member.restates->field;
+    }
+  }
+}
+
 }  // namespace
 
 bool Facets::operator==(Facets const& other) const {
@@ -64,6 +74,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
   OrderClasses(plan);
   GiveNames(plan);
+  NumberRestatedMembers(plan);
   return plan;
 }
 

@@ -83,15 +83,16 @@ struct Member {
   std::string documentation;
   Schema::Place schemaPlace;
   int choice = -1;  ///< index into Class::choices of the innermost choice that it is an alternative of; -1 for none
+  Member const* restates = nullptr;  ///< of Class::restated: the member of a base that it is
 };
 
 /// One row of a class's element table.
 struct Row {
   enum class Kind { Member, BeginSequence, BeginChoice, BeginAll, End };
   Kind kind = Kind::Member;
-  int member = -1;        ///< index into Class::members
+  int member = -1;        ///< index into Class::members, or into Class::restated where that replaces the elements
   bool optional = false;  ///< of a group: minOccurs 0
-  int choice = -1;        ///< of BeginChoice: index into Class::choices
+  int choice = -1;        ///< of BeginChoice: index into Class::choices; -1 where the choice is that of a base
 };
 
 /// A choice that occurs once and so belongs to the class around it.
@@ -120,11 +121,20 @@ struct Class {
   int firstProperty = 0;        ///< the number of properties of all bases
   std::vector<Member> members;  ///< its own: in schema order, elements first, then text, then attributes
   std::vector<Row> rows;        ///< its own elements
+  /// The members of its bases that a restriction keeps, as it has them: with the properties and names of the bases.
+  std::vector<Member> restated;
+  bool replacesElements = false;    ///< the rows are of restated members, and those of the bases do not apply
+  bool replacesAttributes = false;  ///< the same of attributes
   std::vector<Choice> choices;
   std::vector<Class const*> nested;  ///< in the order of definition
   std::vector<Enumeration const*> nestedEnumerations;
   std::vector<Class const*> derived;  ///< all classes derived from it, also indirectly, in order
 };
+
+/// What Row::member is an index into.
+inline std::vector<Member> const& MembersOfRows(Class const& cls) {
+  return cls.replacesElements ? cls.restated : cls.members;
+}
 
 /// A global element: what ReadX() and ReadRoot() read.
 struct Root {

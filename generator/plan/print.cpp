@@ -93,9 +93,11 @@ std::string RowsText(Class const& cls) {
   for (Row const& row : cls.rows) {
     if (row.kind != Row::Kind::End && !text.empty() && text.back() != '(') text += ' ';
     switch (row.kind) {
-      case Row::Kind::Member: text += cls.members[static_cast<std::size_t>(row.member)].cppName; continue;
+      case Row::Kind::Member: text += MembersOfRows(cls)[static_cast<std::size_t>(row.member)].cppName; continue;
       case Row::Kind::BeginSequence: text += "sequence("; break;
-      case Row::Kind::BeginChoice: text += cls.choices[static_cast<std::size_t>(row.choice)].cppName + "("; break;
+      case Row::Kind::BeginChoice:
+        text += row.choice < 0 ? "choice(" : cls.choices[static_cast<std::size_t>(row.choice)].cppName + "(";
+        break;
       case Row::Kind::BeginAll: text += "all("; break;
       case Row::Kind::End:
         text += optional.back() ? ")?" : ")";
@@ -123,6 +125,8 @@ std::string ClassLine(Class const& cls) {
   if (cls.round) line += " round";
   if (cls.nillable) line += " nillable";
   if (cls.mixed) line += " mixed";
+  if (cls.replacesElements) line += " replaces-elements";
+  if (cls.replacesAttributes) line += " replaces-attributes";
   if (!cls.defaultElementName.empty()) {
     line += " element " + NameText({cls.targetNamespace, cls.defaultElementName});
   }
@@ -134,14 +138,14 @@ void PrintClass(Class const& cls, std::string const& indent, std::string& text) 
   std::string const inner = indent + "  ";
   for (Enumeration const* nested : cls.nestedEnumerations) PrintEnumeration(*nested, inner, text);
   for (Class const* nested : cls.nested) PrintClass(*nested, inner, text);
+  for (Member const& member : cls.restated) text += inner + "restates " + MemberText(member) + '\n';
   for (Member const& member : cls.members) text += inner + MemberText(member) + '\n';
   for (Choice const& choice : cls.choices) {
     text += inner + "choice " + choice.cppName + ":";
     for (std::string const& alternative : choice.alternatives) text += " " + alternative;
     text += '\n';
   }
-  if (!cls.choices.empty() || RowsText(cls).find('(') != std::string::npos)
-    text += inner + "rows " + RowsText(cls) + '\n';
+  if (RowsText(cls).find('(') != std::string::npos) text += inner + "rows " + RowsText(cls) + '\n';
 }
 
 std::string RootLine(Root const& root) {

@@ -99,7 +99,16 @@ namespace {
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);
+  if (!m_tables->Built().RemovedProperties().empty()) RequireRemovedUnset();
   CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
+}
+
+void CBoundObject::RequireRemovedUnset() const {
+  for (BuiltClass::Removed const& removed : m_tables->Built().RemovedProperties()) {
+    if (!ConstProperty(removed.property).IsSet()) continue;
+    throw CQnValidationException(
+        FormatString("[%s] is set, but the type [%s] does not allow it", removed.name, m_tables->GetRow().typeName));
+  }
 }
 
 // ---- What accessors call
@@ -161,8 +170,9 @@ void CBoundObject::ThrowNotSet(int property) const {
       FormatString("The element [%s] is not set", m_tables->Built().At(property).element->name));
 }
 
+// Asked of the class that has the choice, since a class that restricts it has rows of its own.
 int CBoundObject::Alternative(CClassTables const& tables, int row) const {
-  BuiltClass const& built = m_tables->Built();
+  BuiltClass const& built = tables.Built();
   int const choice = built.FindChoice(&tables.GetRow().elements[row]);
   if (choice < 0) return 0;
   auto const& alternatives = built.Alternatives(choice);

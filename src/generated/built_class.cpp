@@ -44,10 +44,24 @@ bool GroupMayBeEmpty(RowList const& rows, std::size_t& at, RowKind kind) {
 RowList ElementRowsOf(CClassRow const& row) {
   RowList rows;
   ForEachBase(row, [&](CClassRow const& base) {
+    if (base.replacesBaseElements) rows.clear();
     for (int i = 0; i < base.elementCount; ++i) rows.push_back(&base.elements[i]);
   });
   return rows;
 }
+
+namespace {
+
+std::vector<CAttributeRow const*> AttributeRowsOf(CClassRow const& row) {
+  std::vector<CAttributeRow const*> rows;
+  ForEachBase(row, [&](CClassRow const& base) {
+    if (base.replacesBaseAttributes) rows.clear();
+    for (int i = 0; i < base.attributeCount; ++i) rows.push_back(&base.attributes[i]);
+  });
+  return rows;
+}
+
+}  // namespace
 
 bool MayBeEmpty(CClassRow const& row) {
   std::size_t at = 0;
@@ -90,18 +104,46 @@ std::unique_ptr<ValueRule const> RuleOf(char const* name, CValueType const& type
 void BuiltClass::NoteProperties(CClassRow const& row) {
   ForEachBase(row, [&](CClassRow const& base) {
     for (int i = 0; i < base.elementCount; ++i) {
+      if (base.elements[i].property >= 0) NoteElement(base.elements[i]);
+    }
+    for (int i = 0; i < base.attributeCount; ++i) NoteAttribute(base.attributes[i]);
+  });
+  NoteRemoved(row);
+}
+
+void BuiltClass::NoteElement(CElementRow const& element) {
+  Member& member = Noted(element.property);
+  member.element = &element;
+  member.value = element.value;
+  if (element.kind == RowKind::Value) member.rule = RuleOf(element.name, *element.value, element.fixedText);
+}
+
+void BuiltClass::NoteAttribute(CAttributeRow const& attribute) {
+  Member& member = Noted(attribute.property);
+  member.value = attribute.value;
+  if (attribute.value != nullptr) member.rule = RuleOf(attribute.name, *attribute.value, attribute.fixedText);
+}
+
+// The accessors of a base work on an object of a class that restricts it, also for what the restriction removed.
+void BuiltClass::NoteRemoved(CClassRow const& row) {
+  std::vector<bool> isThere(m_members.size());
+  for (CElementRow const* element : ElementRowsOf(row)) {
+    if (element->property >= 0) isThere[static_cast<std::size_t>(element->property)] = true;
+  }
+  for (CAttributeRow const* attribute : AttributeRowsOf(row)) {
+    isThere[static_cast<std::size_t>(attribute->property)] = true;
+  }
+  ForEachBase(row, [&](CClassRow const& base) {
+    auto const note = [&](int property, char const* name) {
+      if (property >= 0 && !isThere[static_cast<std::size_t>(property)]) m_removed.push_back({property, name});
+    };
+    for (int i = 0; i < base.elementCount; ++i) {
       CElementRow const& element = base.elements[i];
-      if (element.property < 0) continue;
-      Member& member = Noted(element.property);
-      member.element = &element;
-      member.value = element.value;
-      if (element.kind == RowKind::Value) member.rule = RuleOf(element.name, *element.value, element.fixedText);
+      note(element.property, element.rule != nullptr ? element.rule->allowed : element.name);
     }
     for (int i = 0; i < base.attributeCount; ++i) {
       CAttributeRow const& attribute = base.attributes[i];
-      Member& member = Noted(attribute.property);
-      member.value = attribute.value;
-      if (attribute.value != nullptr) member.rule = RuleOf(attribute.name, *attribute.value, attribute.fixedText);
+      note(attribute.property, attribute.rule != nullptr ? attribute.rule->allowed : attribute.name);
     }
   });
 }
@@ -183,12 +225,9 @@ void BuiltClass::MakeElements(CClassRow const& row, RowList const& rows) {
 // A wildcard takes what the others leave, also those of derived classes.
 void BuiltClass::MakeAttributes(CClassRow const& row) {
   for (bool const isWildcard : {false, true}) {
-    ForEachBase(row, [&](CClassRow const& base) {
-      for (int i = 0; i < base.attributeCount; ++i) {
-        CAttributeRow const& attribute = base.attributes[i];
-        if ((attribute.value == nullptr) == isWildcard) m_attributes.push_back(MakeAttribute(attribute));
-      }
-    });
+    for (CAttributeRow const* attribute : AttributeRowsOf(row)) {
+      if ((attribute->value == nullptr) == isWildcard) m_attributes.push_back(MakeAttribute(*attribute));
+    }
   }
   for (auto const& attribute : m_attributes) m_attributeTable.push_back(attribute.get());
   m_attributeTable.push_back(nullptr);

@@ -13,7 +13,7 @@
 
 namespace Quillon9 {
 
-/// All rows of a class in the order of its content: those of its bases come first.
+/// All rows of a class in the order of its content: those of its bases come first, unless it replaces them.
 std::vector<CElementRow const*> ElementRowsOf(CClassRow const& row);
 /// Whether an object of this class may be written without any element.
 bool MayBeEmpty(CClassRow const& row);
@@ -33,6 +33,12 @@ class BuiltClass {
     std::vector<std::pair<int, int>> choices;  ///< the choices that it is in, and the alternative of each
   };
 
+  /// A property of a base that a restriction removed.
+  struct Removed {
+    int property;
+    char const* name;
+  };
+
   explicit BuiltClass(CClassTables const& tables);
   ~BuiltClass();
   BuiltClass(BuiltClass const&) = delete;
@@ -48,6 +54,7 @@ class BuiltClass {
   int PropertyCount() const { return static_cast<int>(m_members.size()); }
   /// \p property is a number that the class has.
   Member const& At(int property) const { return m_members[static_cast<std::size_t>(property)]; }
+  std::vector<Removed> const& RemovedProperties() const { return m_removed; }
   /// The rule of the text of the element; null if that is plain text.
   ValueRule const* TextRule() const { return m_textRule; }
   /// The property that holds the text; -1 for none.
@@ -71,6 +78,9 @@ class BuiltClass {
   using RowList = std::vector<CElementRow const*>;
 
   void NoteProperties(CClassRow const& row);
+  void NoteElement(CElementRow const& element);
+  void NoteAttribute(CAttributeRow const& attribute);
+  void NoteRemoved(CClassRow const& row);
   void NoteChoices(RowList const& rows);
   void NoteText(CClassRow const& row);
   void MakeElements(CClassRow const& row, RowList const& rows);
@@ -81,6 +91,7 @@ class BuiltClass {
 
   Quillon9Data::CParentElementInfo m_info;
   std::vector<Member> m_members;
+  std::vector<Removed> m_removed;
   std::vector<Choice> m_choices;
   ValueRule const* m_textRule = nullptr;
   int m_textProperty = -1;

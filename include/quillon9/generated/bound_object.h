@@ -155,6 +155,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CPropertyRef ConstProperty(int index) const { return const_cast<CBoundObject*>(this)->Property(index); }
   ItemType KindOf(int property) const;
+  void RequireRemovedUnset() const;
   void PrepareValue(int property, CPropertyRef const& value);
   void PrepareObject(int property, CXmlObjectBase* object);
   CSmartPtr<CXmlObjectBase> NewObject(int property) const;

@@ -172,6 +172,10 @@ struct CClassRow {
   bool rejectUnknownAttributes = true;        ///< whether others are a failure
   CClassTables* const* derived = nullptr;     ///< all classes derived from it, also indirectly
   int derivedCount = 0;                       ///< of these
+  /// Whether the elements are those of the bases as a restriction has them, under the property numbers of the bases: no
+  /// row of a base applies, and a property without a row must not be set.
+  bool replacesBaseElements = false;
+  bool replacesBaseAttributes = false;  ///< the same of the attributes
 };
 
 namespace Rows {
