@@ -32,6 +32,8 @@ bool IsAnything(ElementDeclaration const& element) {
 }
 
 void SetRestriction(Wildcard const& wildcard, Member& member) {
+  member.restriction.clear();
+  member.targetNamespace.clear();
   switch (wildcard.constraint) {
     case Wildcard::Constraint::Any: member.restriction = "##any"; return;
     case Wildcard::Constraint::Other:

@@ -240,6 +240,45 @@ TEST(BoundObject, WritesOnlyWhatTheSchemaAllows) {
             Written(*order));
 }
 
+TEST(BoundObject, ARestrictionHasRowsOfItsOwn) {
+  std::string const type = " xsi:type='HomeOrder'";
+  std::string const status = " status='blue'";
+  std::string const start = "<party id='007'><name>N</name></party>";
+  std::string const street = "<street>s</street>";
+  auto const order = ReadOrder(XmlText(Order(start + street + kLine, type + status)));
+  EXPECT_EQ(Order(start + street + kLine, type + status), Written(*order));
+  EXPECT_EQ(COrder::EChoice::Street, order->GetChoice());  // what the base knows still holds
+  EXPECT_EQ("N", order->GetParty().GetName());
+
+  struct {
+    std::string content;
+    std::string cause;
+    std::string attributes;
+  } const cases[] = {
+      {start + "<pickup>x</pickup>" + kLine, "Failed to find a required element [street]", status},
+      {start + street + kLine + kLine, "The Maximum number of [line] elements allowed in this collection is 1", status},
+      {start + street + kLine, "Failed to find the required Attribute [status]", ""},
+      {start + street + kLine, "Unexpected Attribute [version] found.", status + " version='1.0'"},
+      {"<party xsi:type='Firm' id='007'><name>N</name></party>",
+       "The type [Firm] of the element [party] is not derived from [Person]", status},
+  };
+  for (auto const& [content, cause, attributes] : cases) {
+    EXPECT_EQ(cause, CauseOf([&] { ReadOrder(XmlText(Order(content, type + attributes))); })) << content;
+  }
+
+  EXPECT_NE("", CauseOf([&] { order->SetStreet(""); }));
+  order->SetCity("c");
+  EXPECT_EQ("[city] is set, but the type [HomeOrder] does not allow it", WriteFailure(*order));
+  order->SetCity(std::nullopt);
+  order->SetVersion("1.0");
+  EXPECT_EQ("[version] is set, but the type [HomeOrder] does not allow it", WriteFailure(*order));
+  order->SetVersion(std::nullopt);
+  order->GetLine().Clear();
+  order->GetLine().Add().SetQuantity(1);
+  EXPECT_EQ("", WriteFailure(*order));
+  EXPECT_EQ("", CauseOf([&] { CHomeOrder::CreateInstance()->GetParty().SetName("N"); }));  // not of the abstract type
+}
+
 TEST(BoundObject, SettersCheckValues) {
   auto const order = CreateOrder();
   auto const party = CPerson::CreateInstance();

@@ -170,7 +170,9 @@ constexpr CElementRow kOrderElements[] = {
 constexpr CAttributeRow kOrderAttributes[] = {AnyAttributes(17, kOtherRule),
                                               Attribute("status", "", 15, kOptional, kColour, "red"),
                                               Attribute("version", "", 16, kOptional, kToken, nullptr, "1.0")};
-constexpr CClassRow kOrderRow{"Order", kNs, kNs, nullptr, kOrderElements, 23, kOrderAttributes, 3, 0, 18};
+constexpr CClassTables* kOrderDerived[] = {&CHomeOrder::s_class};
+constexpr CClassRow kOrderRow{"Order", kNs, kNs, nullptr, kOrderElements, 23,   kOrderAttributes, 3,
+                              0,       18,  -1,  nullptr, false,          true, kOrderDerived,    1};
 static_assert(sizeof kOrderElements / sizeof *kOrderElements == 23);
 }  // namespace
 Quillon9::CClassTables COrder::s_class{kOrderRow, &Quillon9::MakeObject<COrder>};
@@ -198,6 +200,34 @@ Quillon9::CPropertyRef COrder::Property(int index) {
   }
   return {};
 }
+
+// ---- HomeOrder
+namespace {
+constexpr CElementRow kHomeOrderElements[] = {Object("party", kNs, 0, kOnce, CPerson::s_class),
+                                              Value("street", kNs, 2, kOnce, kName),
+                                              Objects("line", kNs, 10, 1, 1, CLine::s_class)};
+constexpr CAttributeRow kHomeOrderAttributes[] = {Attribute("status", "", 15, kOnce, kColour)};
+constexpr CClassRow kHomeOrderRow{"HomeOrder",
+                                  kNs,
+                                  kNs,
+                                  &COrder::s_class,
+                                  kHomeOrderElements,
+                                  3,
+                                  kHomeOrderAttributes,
+                                  1,
+                                  18,
+                                  0,
+                                  -1,
+                                  nullptr,
+                                  false,
+                                  true,
+                                  nullptr,
+                                  0,
+                                  true,
+                                  true};
+}  // namespace
+Quillon9::CClassTables CHomeOrder::s_class{kHomeOrderRow, &Quillon9::MakeObject<CHomeOrder>};
+CHomeOrder::~CHomeOrder() = default;
 
 // ---- Roots
 namespace {

@@ -204,6 +204,19 @@ class COrder : public Quillon9::CBoundObject {
   CSmartPtr<Quillon9::CAttributeCol> m_anyAttributes;
 };
 
+/// Restricts COrder: the party is a person, the choice is its street, and there are no attributes but the status.
+class CHomeOrder : public COrder {
+ public:
+  static Quillon9::CClassTables s_class;
+  static CSmartPtr<CHomeOrder> CreateInstance(char const* elementName = "order") {
+    return new CHomeOrder(s_class, elementName);
+  }
+
+ protected:
+  CHomeOrder(Quillon9::CClassTables const& tables, char const* elementName) : COrder(tables, elementName) {}
+  ~CHomeOrder() override;
+};
+
 CSmartPtr<COrder> ReadOrder(
     Quillon9::CXmlSource const& source,
     Quillon9::CXmlSerializationContext const& ctx = Quillon9::CXmlSerializationContext::m_defaultContext);
