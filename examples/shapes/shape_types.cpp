@@ -122,56 +122,21 @@ CParentElementInfo* CDrawingObject::GetClassInfo() const { return m_metaData.Get
 CElementInfo** CDrawingObject::GetClassElementInfo() const { return m_metaData.Get().m_elements; }
 CAttributeInfo** CDrawingObject::GetClassAttributeInfo() const { return m_metaData.Get().m_attributes; }
 
-// ---- Collections
+// ---- Shapes of any kind
 
-template <class Item>
-CItemCol<Item>::CItemCol(char const* elementName, int minOccurs)
-    : CXmlCollection(elementName, kNamespace, minOccurs, -1) {}
+CShapeCol::CShapeCol() : CObjectCol("shape", kNamespace, 1, -1) {}
 
-// [write]
-template <class Item>
-void CItemCol<Item>::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
-                               bool) const {
-  ValidateCount(ctx);
-  for (Item const& item : *this) CXmlObjectBase::ToXml_Int(&item, writer, false, ns, ctx, false);
+// [item-for]
+// Shapes have many names, so the factory decides, not the collection's own name, which is that of the head.
+CSmartPtr<CXmlObjectBase> CShapeCol::ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element) {
+  bool const isOurs = ctx.GetIgnoreNamespaces() || element->GetNamespaceURI() == kNamespace;
+  return isOurs ? CClassFactory::CreateShape(element) : nullptr;
 }
-// [write]
+// [item-for]
 
-// [read-substitution]
-// Reads siblings as long as each is a shape. Shapes have many names, so the factory decides, not the collection's own
-// name, which is that of the head.
-template <>
-CXmlElement* CItemCol<CShapeType>::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx,
-                                               bool) {
-  while (cursor != nullptr && (ctx.GetIgnoreNamespaces() || cursor->GetNamespaceURI() == kNamespace)) {
-    CSmartPtr<CXmlObjectBase> const shape = CClassFactory::CreateShape(cursor);
-    if (!shape) break;
-    CXmlObjectBase::FromXml_Int(shape, cursor, cursor->GetFirstElement(), ctx);
-    AppendItem(shape);
-    cursor = cursor->GetNextSiblingElement();
-  }
-  return cursor;
+CSmartPtr<CShapeType> CShapeType::CreateInstance(char const*) {
+  throw CQnInvalidStateException("The type [ShapeType] is abstract");
 }
-// [read-substitution]
-
-// [read-groups]
-// Reads siblings as long as the next ones form a point. A point has no tag, so it reads from the siblings itself.
-template <>
-CXmlElement* CItemCol<CPoint>::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
-                                           CXmlSerializationContext const& ctx, bool) {
-  while (cursor != nullptr) {
-    CSmartPtr<CPoint> const point = new CPoint(GetElementName().c_str());
-    CXmlElement* const next = CXmlObjectBase::FromXml_Int(point, parent, cursor, ctx);
-    if (next == cursor) break;
-    AppendItem(point);
-    cursor = next;
-  }
-  return cursor;
-}
-// [read-groups]
-
-template class CItemCol<CShapeType>;
-template class CItemCol<CPoint>;
 
 // ---- Meta
 
@@ -429,7 +394,7 @@ static CMetaData s_polyline([](CMetaData& data) {
 
 CPolyline::CPolyline(char const* elementName)
     : CShapeType(elementName, s_polyline),
-      m_point(new CItemCol<CPoint>("point", 2)),
+      m_point(new CObjectCol<CPoint>("point", kNamespace, 2, -1, XmlElementType_Pseudo)),
       m_anchor(new CstringCol("anchor", kNamespace, 2, -1, "", -1, -1, "", "", "", "", -1, kCollapse, nullptr)) {}
 
 void CPolyline::Init() {
@@ -456,9 +421,7 @@ static CMetaData s_drawing([](CMetaData& data) {
 });
 
 CDrawing::CDrawing(char const* elementName)
-    : CDrawingObject(elementName, s_drawing),
-      m_meta(new CMeta("meta")),
-      m_shape(new CItemCol<CShapeType>("shape", 1)) {}
+    : CDrawingObject(elementName, s_drawing), m_meta(new CMeta("meta")), m_shape(new CShapeCol) {}
 
 void CDrawing::Init() {
   m_meta = new CMeta("meta");

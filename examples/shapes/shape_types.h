@@ -4,6 +4,7 @@
 #include <string>
 
 #include "../support/meta_data.h"
+#include "quillon9/generated.h"
 #include "quillon9/quillon9.h"
 
 /// The classes of shapes.xsd, one for each of its complex types and for each choice or sequence that is not the whole
@@ -64,50 +65,6 @@ class CDrawingObject : public Quillon9::CXmlGeneratedClass {
  private:
   CMetaData& m_metaData;
 };
-
-class CPoint;
-class CShapeType;
-
-/// Objects in document order. The collection belongs to its owner for the owner's whole life: reading empties and fills
-/// it.
-template <class Item>
-class CItemCol : public Quillon9::CXmlCollection {
- public:
-  /// Iterates over the items.
-  class Iterator {
-   public:
-    explicit Iterator(Quillon9::CNode* node) : m_node(node) {}
-    Item& operator*() const { return static_cast<Item&>(*m_node->m_item); }
-    Iterator& operator++() {
-      m_node = m_node->m_next;
-      return *this;
-    }
-    bool operator!=(Iterator const& other) const { return m_node != other.m_node; }
-
-   private:
-    Quillon9::CNode* m_node;
-  };
-
-  /// Create a collection of \p minOccurs or more items. Messages call them \p elementName.
-  CItemCol(char const* elementName, int minOccurs);
-
-  Iterator begin() const { return Iterator(GetFirstNode()); }
-  Iterator end() const { return Iterator(nullptr); }
-
- protected:
-  void ToXml_Int(Quillon9::CXmlWriter* writer, bool isRoot, char const* ns,
-                 Quillon9::CXmlSerializationContext const& ctx, bool inChoice) const override;
-  Quillon9::CXmlElement* FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
-                                     Quillon9::CXmlSerializationContext const& ctx, bool inChoice) override;
-};
-
-// Points are read differently from shapes.
-template <>
-Quillon9::CXmlElement* CItemCol<CPoint>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
-                                                     Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
-template <>
-Quillon9::CXmlElement* CItemCol<CShapeType>::FromXml_Int(Quillon9::CXmlElement* parent, Quillon9::CXmlElement* cursor,
-                                                         Quillon9::CXmlSerializationContext const& ctx, bool inChoice);
 
 /// What a drawing says about itself: an all group.
 class CMeta : public CDrawingObject {
@@ -170,6 +127,8 @@ class CPolar : public CDrawingObject {
 class CPoint : public CDrawingObject {
  public:
   explicit CPoint(char const* elementName);
+  /// What CObjectCol makes its items by.
+  static CSmartPtr<CPoint> CreateInstance(char const* elementName) { return new CPoint(elementName); }
 
   CCartesian* GetCartesian() const { return m_cartesian; }
   CPolar* GetPolar() const { return m_polar; }
@@ -260,6 +219,9 @@ class CGradientFill : public CFillType {
 /// Abstract: the head of the substitution group.
 class CShapeType : public CDrawingObject {
  public:
+  /// \throws Quillon9::CQnInvalidStateException "The type [%s] is abstract", always.
+  static CSmartPtr<CShapeType> CreateInstance(char const* elementName);
+
   std::string const& GetId() const { return m_id; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
@@ -270,6 +232,16 @@ class CShapeType : public CDrawingObject {
 
  private:
   std::string m_id;
+};
+
+/// The shapes of a drawing, one or more. Each has a name of the substitution group whose head is shape.
+class CShapeCol : public Quillon9::CObjectCol<CShapeType> {
+ public:
+  CShapeCol();
+
+ protected:
+  CSmartPtr<Quillon9::CXmlObjectBase> ItemFor(Quillon9::CXmlSerializationContext const& ctx,
+                                              Quillon9::CXmlElement* element) override;
 };
 
 /// Abstract: a shape that is filled.
@@ -326,7 +298,7 @@ class CPolyline : public CShapeType {
  public:
   explicit CPolyline(char const* elementName);
 
-  CItemCol<CPoint>* GetPoint() const { return m_point; }
+  Quillon9::CObjectCol<CPoint>* GetPoint() const { return m_point; }
   /// Return the ids of other shapes.
   Quillon9::CstringCol* GetAnchor() const { return m_anchor; }
 
@@ -334,7 +306,7 @@ class CPolyline : public CShapeType {
   void Init() override;
 
  private:
-  CSmartPtr<CItemCol<CPoint>> const m_point;
+  CSmartPtr<Quillon9::CObjectCol<CPoint>> const m_point;
   CSmartPtr<Quillon9::CstringCol> const m_anchor;
 };
 
@@ -345,14 +317,14 @@ class CDrawing : public CDrawingObject {
 
   /// Return the meta data, which are never null.
   CMeta* GetMeta() const { return m_meta; }
-  CItemCol<CShapeType>* GetShape() const { return m_shape; }
+  CShapeCol* GetShape() const { return m_shape; }
 
   void AccessProperty(int index, bool read, Quillon9::QnVariant& value) override;
   void Init() override;
 
  private:
   CSmartPtr<CMeta> m_meta;
-  CSmartPtr<CItemCol<CShapeType>> const m_shape;
+  CSmartPtr<CShapeCol> const m_shape;
 };
 
 /// Creates objects of the class that a table identifies by number or that an element requires.
