@@ -10,8 +10,8 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/node_access.h"
 #include "text/utf8_text.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
