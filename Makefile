@@ -74,6 +74,7 @@ install: deps    ## install under PREFIX (default /usr/local)
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)"
+	DESTDIR="$(DESTDIR)" cmake --install build/release --prefix "$(PREFIX)" --component doc
 
 docs: deps-all    ## build the documentation site in build/docs/html
 	scripts/check-docs

@@ -4,6 +4,7 @@
 #include <set>
 #include <tuple>
 
+#include "plan/check_values.h"
 #include "plan/class_builder.h"
 #include "plan/naming.h"
 #include "plan/order.h"
@@ -75,6 +76,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   OrderClasses(plan);
   GiveNames(plan);
   NumberRestatedMembers(plan);
+  CheckValues(plan, diagnostics);
   return plan;
 }
 

@@ -44,6 +44,7 @@ struct ValueType {
   Schema::WhiteSpace whiteSpace = Schema::WhiteSpace::Collapse;
   Facets facets;
   Enumeration const* enumeration = nullptr;  ///< held as its enumerator; kind is then ItemType_i4
+  bool isQualifiedName = false;              ///< a text with a prefix that means something: QName or NOTATION
   std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
 };
 

@@ -250,15 +250,17 @@ ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
 
 void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
   std::optional<std::string> const pattern = CombinePatterns(PatternsOfUser(type));
+  char const* cause = "it is no regular expression of XML Schema";
   try {
     if (pattern && !pattern->empty()) TestRegEx(*pattern, "");
     if (pattern) facets.pattern = *pattern;
     if (pattern) return;
-  } catch (CQnException const&) {  // too large for PCRE
+  } catch (CQnException const&) {
+    cause = "it is too large";
   }
   m_diagnostics.Warning(type.place,
                         (type.IsAnonymous() ? "the pattern" : "the pattern of \"" + type.name.local + "\"") +
-                            " is not checked: it is no regular expression, or too large");
+                            " is not checked: " + cause);
 }
 
 Enumeration* ValueTypes::EnumerationOf(SimpleType const& type, Use const& use) {
@@ -306,6 +308,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
   ItemType const natural = isAtomic ? KindOf(type.ancestor) : ItemType_string;
   value.kind = mapped != nullptr ? *mapped : natural;
   value.schemaName = NameForUsers(type);
+  value.isQualifiedName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
   value.whiteSpace = value.kind == ItemType_string ? WhiteSpaceOf(type) : Schema::WhiteSpace::Collapse;
   if (IsText(type) && mapped == nullptr && !type.facets.enumeration.empty()) {
     value.enumeration = EnumerationOf(type, use);

@@ -30,6 +30,7 @@ class CA of A
   7 H m_h: value @h? string replace
   8 I m_i: value @i? base64Binary
   9 J m_j: value @j? r4
+a.xsd:4:40: warning: the qualified name in "g" is kept as text; its prefix is not declared on writing
 )"},
     {"Facets",
      R"(
@@ -92,7 +93,28 @@ a.xsd:6:1: warning: a facet of "address" is not checked: enumeration
      R"(
 class CA of A
   0 A m_a: value @a? string preserve
-a.xsd:2:1: warning: the pattern of "a" is not checked: it is no regular expression, or too large
+a.xsd:2:1: warning: the pattern of "a" is not checked: it is no regular expression of XML Schema
+)"},
+    {"WrongDefaults",
+     R"(
+<simpleType name='c'><restriction base='string'><enumeration value='red'/></restriction></simpleType>
+<complexType name='a'>
+ <attribute name='b' type='unsignedByte' default='300'/>
+ <attribute name='c' type='t:c' fixed='blue'/>
+ <attribute name='d' type='dateTime' default='12000-01-01T00:00:00'/>
+ <attribute name='e' type='QName' default='t:x'/>
+</complexType>)",
+     R"(
+enum EC of c: Red="red"
+class CA of a
+  0 B m_b: value @b? ui1 default="300"
+  1 C m_c: value @c? EC preserve fixed="blue"
+  2 D m_d: value @d? datetime
+  3 E m_e: value @e? string default="t:x"
+a.xsd:4:2: error: the default value "300" of "b" is no value of its type
+a.xsd:5:2: error: the fixed value "blue" of "c" is none of the enumeration
+a.xsd:6:2: warning: the default value "12000-01-01T00:00:00" of "d" is not supported and dropped
+a.xsd:7:2: warning: the qualified name in "e" is kept as text; its prefix is not declared on writing
 )"},
 };
 

@@ -1,0 +1,83 @@
+#include "plan/check_values.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+#include "quillon9/base/exceptions.h"
+#include "quillon9/text/whitespace.h"
+#include "quillon9/values/variant.h"
+
+namespace Quillon9Generator::Plan {
+
+namespace {
+
+using Quillon9::CWhitespaceUtils;
+using Quillon9::ItemType;
+
+bool IsEnumerator(Enumeration const& enumeration, std::string const& text) {
+  std::string const collapsed = CWhitespaceUtils::Collapse(text);
+  return std::any_of(enumeration.enumerators.begin(), enumeration.enumerators.end(),
+                     [&](Enumerator const& each) { return each.text == text || each.text == collapsed; });
+}
+
+/// Whether the library reads \p text as a value of the kind.
+bool IsReadable(ItemType kind, std::string const& text) {
+  try {
+    Quillon9::QnVariant value;
+    value.FromString(text, kind, CWhitespaceUtils::WhitespaceRule_Collapse);
+    return true;
+  } catch (Quillon9::CQnException const&) {
+    return false;
+  }
+}
+
+/// Whether the library holds all values of this kind that a schema can give.
+bool HoldsAll(ItemType kind) {
+  return kind == Quillon9::ItemType_boolean || (kind >= Quillon9::ItemType_i1 && kind <= Quillon9::ItemType_ui8);
+}
+
+class ValueCheck {
+ public:
+  explicit ValueCheck(Schema::Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
+
+  void Check(Member& member) {
+    bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::Values;
+    if (!isValue || member.schemaPlace.file == nullptr) return;
+    CheckText(member, member.defaultValue, "default");
+    CheckText(member, member.fixedValue, "fixed");
+    if (!member.value.isQualifiedName) return;
+    m_diagnostics.Warning(member.schemaPlace, "the qualified name in \"" + member.name.local +
+                                                  "\" is kept as text; its prefix is not declared on writing");
+  }
+
+ private:
+  void CheckText(Member const& member, std::optional<std::string>& text, char const* what) {
+    if (!text) return;
+    std::string const subject =
+        std::string("the ") + what + " value \"" + *text + "\" of \"" + member.name.local + "\"";
+    ValueType const& type = member.value;
+    if (type.enumeration != nullptr) {
+      if (!IsEnumerator(*type.enumeration, *text)) {
+        m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
+      }
+    } else if (type.kind != Quillon9::ItemType_string && !IsReadable(type.kind, *text)) {
+      if (HoldsAll(type.kind)) return m_diagnostics.Error(member.schemaPlace, subject + " is no value of its type");
+      m_diagnostics.Warning(member.schemaPlace, subject + " is not supported and dropped");
+      text.reset();
+    }
+  }
+
+  Schema::Diagnostics& m_diagnostics;
+};
+
+}  // namespace
+
+void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics) {
+  ValueCheck check(diagnostics);
+  for (auto const& cls : plan.classStorage) {
+    for (Member& member : cls->members) check.Check(member);
+  }
+}
+
+}  // namespace Quillon9Generator::Plan

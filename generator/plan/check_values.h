@@ -1,0 +1,12 @@
+#pragma once
+
+#include "plan/plan.h"
+#include "schema/diagnostics.h"
+
+namespace Quillon9Generator::Plan {
+
+/// Check that each default and fixed value of \p plan is a value of its type. One that is not is an error; one that the
+/// library cannot hold is dropped with a warning. Warns of values that are kept as text, but mean more than that.
+void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics);
+
+}  // namespace Quillon9Generator::Plan
