@@ -8,6 +8,7 @@
 #include "plan/class_builder.h"
 #include "plan/naming.h"
 #include "plan/order.h"
+#include "schema/built_ins.h"
 
 namespace Quillon9Generator::Plan {
 
@@ -31,9 +32,12 @@ void CheckOptions(Schema::SchemaSet const& set, PlanOptions const& options, Sche
   for (Schema::ComplexType const* type : set.complexTypes) all.insert(KeyOf(type->name));
   for (Schema::ElementDeclaration const* element : set.elements) all.insert(KeyOf(element->name));
   all.insert(simple.begin(), simple.end());
+  for (int i = static_cast<int>(Schema::BuiltIn::AnySimpleType); i <= static_cast<int>(Schema::BuiltIn::Notation);
+       ++i) {
+    simple.insert(std::string("xs:") + Schema::NameOf(static_cast<Schema::BuiltIn>(i)));
+  }
   for (auto const& each : options.kinds) {
-    bool const isBuiltIn = each.first.compare(0, 3, "xs:") == 0;
-    if (!isBuiltIn && simple.count(each.first) == 0) {
+    if (simple.count(each.first) == 0) {
       diagnostics.Error("", "no simple type \"" + each.first + "\" to map to another kind");
     }
   }

@@ -17,13 +17,27 @@ namespace {
 constexpr char const* kNamesOfLibrary[] = {"CBoundObject", "CSmartPtr", "CXmlGeneratedClass", "CXmlObjectBase"};
 
 /// Members for whose names a generated class has functions already: GetElementName(), CreateInstance(), SetNil().
-constexpr char const* kInheritedAccessors[] = {
-    "Base",      "ClassAttributeInfo", "ClassElementInfo", "ClassElementInfoCount",
-    "ClassInfo", "ElementName",        "Instance",         "Namespace",
-    "Nil",       "TargetNamespace"};
+constexpr char const* kInheritedAccessors[] = {"Base",
+                                               "ClassAttributeInfo",
+                                               "ClassElementInfo",
+                                               "ClassElementInfoCount",
+                                               "ClassInfo",
+                                               "ClassTables",
+                                               "ElementName",
+                                               "Instance",
+                                               "Namespace",
+                                               "Nil",
+                                               "TargetNamespace",
+                                               "TypeAttribute"};
 
 bool IsNamedByElement(Member const& member) {
   return member.place == Member::Place::Element && !member.name.local.empty();
+}
+
+/// A name for an enumerator. With "_" in front of its capital it would be reserved for the compiler.
+std::string EnumeratorName(std::string name) {
+  name.erase(0, std::min(name.find_first_not_of('_'), name.size()));
+  return NoMacro(UpperCamel(name.empty() ? "Empty" : name));
 }
 
 std::string TextName(Class const& cls, NameScope const& scope) {
@@ -100,9 +114,10 @@ class MemberNames {
     for (auto row = static_cast<std::size_t>(choice.row) + 1; depth >= 0; ++row) {
       Row const& each = cls.rows[row];
       if (each.kind == Row::Kind::Member) {
-        if (isNew)
-          choice.alternatives.push_back(
-              scope.Take(NoMacro(cls.members[static_cast<std::size_t>(each.member)].cppName)));
+        if (isNew) {
+          std::string const& member = cls.members[static_cast<std::size_t>(each.member)].cppName;
+          choice.alternatives.push_back(scope.Take(EnumeratorName(member)));
+        }
         isNew = depth == 0;
       } else {
         depth += each.kind == Row::Kind::End ? -1 : 1;
@@ -124,9 +139,7 @@ void NameFields(Class& cls) {
 void NameEnumerators(Enumeration& enumeration) {
   NameScope scope;
   for (Enumerator& enumerator : enumeration.enumerators) {
-    std::string name = UpperCamel(enumerator.text);
-    name.erase(0, std::min(name.find_first_not_of('_'), name.size()));  // with a capital behind it is reserved
-    enumerator.name = scope.Take(NoMacro(UpperCamel(name.empty() ? "Empty" : name)));
+    enumerator.name = scope.Take(EnumeratorName(UpperCamel(enumerator.text)));
   }
 }
 

@@ -51,9 +51,10 @@ constexpr PlanCase kCases[] = {
 <complexType name='A'><sequence><element name='x' type='int'/><element name='X' type='int'/>
   <element name='namespace' type='int'/><element name='elementName' type='int'/><choice>
     <element name='choice' type='int'/><element name='none' type='int'/></choice>
-  <choice><element name='y' type='int'/><element name='None' type='int'/></choice></sequence>
+  <choice><element name='_y' type='int'/><element name='None' type='int'/></choice></sequence>
   <attribute name='x' type='int'/><attribute name='y-z' type='int'/><attribute name='y.z' type='int'/>
-  <attribute name='nil' type='int'/><attribute name='MAX' type='int'/></complexType>
+  <attribute name='nil' type='int'/><attribute name='MAX' type='int'/>
+  <attribute name='type-attribute' type='int'/></complexType>
 <complexType name='B'><complexContent><extension base='t:A'><sequence><element name='x1' type='int'/></sequence>
   <attribute name='X1' type='int'/><attribute name='X' type='int'/></extension></complexContent></complexType>)",
      R"(
@@ -64,20 +65,21 @@ class CA of A
   3 ElementNameElement m_elementNameElement: value elementName i4 mandatory
   4 Choice m_choice: value choice i4 in 0
   5 None m_none: value none i4 in 0
-  6 Y m_y: value y i4 in 1
+  6 _Y m_y: value _y i4 in 1
   7 None2 m_none2: value None i4 in 1
   8 XAttribute m_xAttribute: value @x? i4
   9 YZ m_yz: value @y-z? i4
   10 YZ2 m_yz2: value @y.z? i4
   11 NilAttribute m_nilAttribute: value @nil? i4
   12 MAX m_max: value @MAX? i4
+  13 TypeAttributeAttribute m_typeAttributeAttribute: value @type-attribute? i4
   choice Choice2: Choice None2
   choice Choice3: Y None2
-  rows X X2 NamespaceElement ElementNameElement Choice2(Choice None) Choice3(Y None2)
+  rows X X2 NamespaceElement ElementNameElement Choice2(Choice None) Choice3(_Y None2)
 class CB of B : CA
-  13 X1 m_x1: value x1 i4 mandatory
-  14 X1Attribute m_x1Attribute: value @X1? i4
-  15 XAttribute2 m_xAttribute2: value @X? i4
+  14 X1 m_x1: value x1 i4 mandatory
+  15 X1Attribute m_x1Attribute: value @X1? i4
+  16 XAttribute2 m_xAttribute2: value @X? i4
 )"},
     {"Types",
      R"(
@@ -133,7 +135,8 @@ TEST(Options, NamesAndKindsAreTheUsers) {
   options.names = {{"{urn:t}a", "Alpha"}, {"{urn:t}e", "Echo"}, {"nobody", "X"}};
   options.kinds = {{"xs:dateTime", *Plan::KindFromName("string")},
                    {"{urn:t}e", *Plan::KindFromName("string")},
-                   {"{urn:t}none", *Plan::KindFromName("i4")}};
+                   {"{urn:t}none", *Plan::KindFromName("i4")},
+                   {"xs:datetime", *Plan::KindFromName("string")}};
   EXPECT_EQ(PlanText(R"(
 <simpleType name='e'><restriction base='string'><enumeration value='a'/></restriction></simpleType>
 <simpleType name='t'><restriction base='dateTime'><maxInclusive value='2000-01-01T00:00:00'/></restriction></simpleType>
@@ -143,6 +146,7 @@ TEST(Options, NamesAndKindsAreTheUsers) {
 class CAlpha of a
   0 X m_x: value @x? string
   1 Y m_y: value @y? string preserve
+error: no simple type "xs:datetime" to map to another kind
 error: no simple type "none" to map to another kind
 error: no type or global element "nobody" to rename
 )");
