@@ -1,20 +1,50 @@
 #include "quillon9/generated/property_ref.h"
 
 #include "generated/value_rule.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 
 namespace Quillon9::detail {
 
 namespace {
 
+constexpr CDateTime::DTType DateTypeOf(ItemType kind) {
+  switch (kind) {
+    case ItemType_date: return CDateTime::dt_date;
+    case ItemType_time: return CDateTime::dt_time;
+    case ItemType_yearMonth: return CDateTime::dt_gYearMonth;
+    case ItemType_monthDay: return CDateTime::dt_gMonthDay;
+    default: return CDateTime::dt_dateTime;
+  }
+}
+
+template <ItemType number, class Value>
+void RequireType(Value const&) {}
+
+/// A CDateTime knows its type itself, and its text has the form of that. One that is clear has no text.
+template <ItemType number>
+void RequireType(CDateTime const& value) {
+  constexpr CDateTime::DTType kType = DateTypeOf(number);
+  if (value.GetType() == kType || value.GetType() == CDateTime::dt_yearZero) return;
+  throw CQnInvalidValueException(FormatString("The value [%s] is a %s instead of a %s", value.ToString().c_str(),
+                                              value.GetTypeAsString().c_str(),
+                                              CDateTime::GetTypeAsString(kType).c_str()));
+}
+
 /// How a variant holds a kind.
 template <ItemType number>
 struct Held;
-#define QN_VALUE_KIND(number, stem, Access, Type)                                       \
-  template <>                                                                           \
-  struct Held<ItemType_##stem> {                                                        \
-    static void Set(QnVariant& to, Type const& value) { to.Set##Access(value); }        \
-    static void Get(QnVariant const& from, Type& value) { value = from.Get##Access(); } \
+#define QN_VALUE_KIND(number, stem, Access, Type)         \
+  template <>                                             \
+  struct Held<ItemType_##stem> {                          \
+    static void Set(QnVariant& to, Type const& value) {   \
+      RequireType<ItemType_##stem>(value);                \
+      to.Set##Access(value);                              \
+    }                                                     \
+    static void Get(QnVariant const& from, Type& value) { \
+      value = from.Get##Access();                         \
+      RequireType<ItemType_##stem>(value);                \
+    }                                                     \
   };
 #include "values/item_types.def"
 
@@ -95,6 +125,22 @@ class TextCol : public CstringCol {
   bool HoldsUtf8Text() const override { return true; }
 };
 
+/// A collection of dates, whose bounds count months.
+template <class Collection>
+class DateCol : public Collection {
+ public:
+  template <class... Arguments>
+  explicit DateCol(Arguments... arguments) : Collection(arguments...) {
+    this->m_restrictions.comparesMonths = true;
+  }
+};
+
+/// The class that is made for a collection without a limit of digits.
+template <class Collection>
+using Manners = std::conditional_t<
+    std::is_same_v<Collection, CstringCol>, TextCol,
+    std::conditional_t<std::is_base_of_v<CdatetimeBaseCol, Collection>, DateCol<Collection>, Collection>>;
+
 template <class Collection>
 CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   static constexpr CValueType kText;
@@ -107,9 +153,9 @@ CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   if constexpr (isNumber) {
     if (ValueRule::HasDigits(type)) return new DigitsCol<Collection>(row, f, type);
   }
-  using Made = std::conditional_t<std::is_same_v<Collection, CstringCol>, TextCol, Collection>;
-  return new Made(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
-                  f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind));
+  return new Manners<Collection>(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength,
+                                 f.minInclusive, f.maxInclusive, f.minExclusive, f.maxExclusive, f.length,
+                                 type.whitespace, FormatOf(type.kind));
 }
 
 }  // namespace

@@ -14,14 +14,11 @@ namespace Quillon9 {
 CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
   if (type.facets == nullptr) return {};
   CFacets const& f = *type.facets;
-  return {OrEmpty(f.pattern),
-          f.minLength,
-          f.maxLength,
-          OrEmpty(f.minInclusive),
-          OrEmpty(f.maxInclusive),
-          OrEmpty(f.minExclusive),
-          OrEmpty(f.maxExclusive),
-          f.length};
+  CPrimitiveRestrictions restrictions(OrEmpty(f.pattern), f.minLength, f.maxLength, OrEmpty(f.minInclusive),
+                                      OrEmpty(f.maxInclusive), OrEmpty(f.minExclusive), OrEmpty(f.maxExclusive),
+                                      f.length);
+  restrictions.comparesMonths = true;
+  return restrictions;
 }
 
 char const* FormatOf(ItemType kind) { return kind == ItemType_r4 || kind == ItemType_r8 ? kShortestFormat : nullptr; }

@@ -13,6 +13,7 @@
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
 #include "text/utf8_text.h"
+#include "values/date_order.h"
 #include "values/number_text.h"
 #include "values/pattern_matching.h"
 #include "values/remembered_value.h"
@@ -75,10 +76,19 @@ void CheckBigNumber(char const* name, Value const& value, CPrimitiveRestrictions
 
 // ---- Dates, times and durations, which are only partially ordered
 
+int Order(CDateTimeSpan const& value, CDateTimeSpan const& bound, CPrimitiveRestrictions const&) {
+  return static_cast<int>(value.CompareTo(bound));
+}
+
+int Order(CDateTime const& value, CDateTime const& bound, CPrimitiveRestrictions const& r) {
+  bool const isExact = r.comparesMonths && value.GetType() == bound.GetType();
+  return isExact ? OrderOfDates(value, bound) : value.CompareTo(bound);
+}
+
 template <auto parse, class Value>
 bool IsWithinDateBounds(Value const& value, CPrimitiveRestrictions const& r) {
   enum { Equal, Less, Greater };  // the results of CompareTo(); any other result is indeterminate and violates no bound
-  auto const compare = [&](std::string const& text) { return static_cast<int>(value.CompareTo(*Bound<parse>(text))); };
+  auto const compare = [&](std::string const& text) { return Order(value, *Bound<parse>(text), r); };
   if (!r.minInclusive.empty() && compare(r.minInclusive) == Less) return false;
   if (!r.maxInclusive.empty() && compare(r.maxInclusive) == Greater) return false;
   if (!r.minExclusive.empty()) {

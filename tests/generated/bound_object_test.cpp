@@ -225,6 +225,11 @@ TEST(BoundObject, WritesOnlyWhatTheSchemaAllows) {
   order->SetStreet("s");
   order->SetUntil(CDateTime(2024, 1, 1));
   EXPECT_EQ("The required element [from] is not set", WriteFailure(*order));
+  EXPECT_EQ("Invalid Value for from [2019-12-31]", CauseOf([&] { order->SetFrom(CDateTime(2019, 12, 31)); }));
+  order->SetFrom(CDateTime(2024, 1, 1));  // a month before that of the bound
+  order->SetUntil(CDateTime(2024, 1, 1, 0, 0, 0));
+  EXPECT_EQ("The value [2024-01-01T00:00:00] is a dateTime instead of a date", WriteFailure(*order));
+  order->SetFrom(std::nullopt);
   order->SetUntil(std::nullopt);
   EXPECT_EQ("The Minimum number of [line] elements allowed in this collection is 1", WriteFailure(*order));
   EXPECT_EQ("Invalid Value for quantity [0]", CauseOf([&] {

@@ -4,7 +4,7 @@
 //
 //   order:  @status Colour = red, @version fixed 1.0, any attribute ##other
 //           party Party; (pickup | (street, city?) | slot[1..3] int); (card | amount Amount nillable)?;
-//           (from date, until date)?; (text | mark Colour)*; line Line[1..5]; weight double? nillable; colour Colour*;
+//           (from date since 2020-02-02, until date)?; (text | mark Colour)*; line Line[1..5]; weight double? nillable; colour Colour*;
 //           extra (any content)?; any{0..2} of urn:a, urn:b or no namespace
 //   Party:  abstract: name (1 to 20), @id \d{3};  Firm: founded date?;  Person: nothing more
 //   Amount: decimal of 2 fraction digits, @currency = EUR
@@ -30,11 +30,13 @@ constexpr CFacets kIdFacets{"\\d{3}"};
 constexpr CFacets kQuantityFacets{nullptr, -1, -1, -1, "1", nullptr, nullptr, "100"};
 constexpr CFacets kPriceFacets{nullptr, -1, -1, -1, nullptr, nullptr, nullptr, nullptr, 6, 2};
 constexpr CFacets kAmountFacets{nullptr, -1, -1, -1, nullptr, nullptr, nullptr, nullptr, -1, 2};
+constexpr CFacets kStartDateFacets{nullptr, -1, -1, -1, "2020-02-02"};
 
 constexpr CValueType kString{ItemType_string, kPreserve};
 constexpr CValueType kToken{ItemType_string, kCollapse};
 constexpr CValueType kInt{ItemType_i4};
 constexpr CValueType kDate{ItemType_date};
+constexpr CValueType kStartDate{ItemType_date, kCollapse, &kStartDateFacets};
 constexpr CValueType kDouble{ItemType_r8};
 constexpr CValueType kColour{ItemType_i4, kCollapse, nullptr, &kColours};
 constexpr CValueType kName{ItemType_string, kPreserve, &kNameFacets};
@@ -157,7 +159,7 @@ constexpr CElementRow kOrderElements[] = {
     Object("amount", kNs, 6, kOnce, CAmount::s_class),
     EndGroup(),
     BeginSequence(kOptional),
-    Value("from", kNs, 7, kOnce, kDate),
+    Value("from", kNs, 7, kOnce, kStartDate),
     Value("until", kNs, 8, kOnce, kDate),
     EndGroup(),
     Rounds("choice", 9, 0, -1, COrder::CChoice::s_class),

@@ -128,5 +128,36 @@ TEST(Facets, KindsWithoutFacets) {
                  Helper::CheckRestriction("a", value, ItemType_string, Facets()));
 }
 
+TEST(Facets, BoundsOfDatesMayCountMonths) {
+  struct {
+    ItemType type;
+    char const* below;
+    char const* bound;
+    char const* above;
+  } const cases[] = {
+      {ItemType_date, "2001-01-15", "2001-03-10", "2001-05-05"},
+      {ItemType_date, "2000-02-29", "2000-03-01", "2000-03-02"},
+      {ItemType_date, "-0001-12-31", "0001-01-01", "0001-01-02"},
+      {ItemType_date, "2001-01-01+14:00", "2001-01-01Z", "2001-01-01-01:00"},
+      {ItemType_date, "1999-12-31", "2000-01-01Z", "2000-01-02"},  // by more than 14 hours
+      {ItemType_datetime, "2000-12-31T23:59:59.999999999", "2001-01-01T00:00:00", "2001-01-01T00:00:00.000000001"},
+      {ItemType_datetime, "2000-12-31T19:59:59-04:00", "2001-01-01T00:00:00Z", "2001-01-01T05:31:00+05:30"},
+      {ItemType_time, "09:00:00", "10:00:00", "10:00:00.5"},
+      {ItemType_yearMonth, "1999-12", "2000-02", "2000-03"},
+      {ItemType_monthDay, "--02-29", "--03-01", "--04-01"},
+  };
+  for (auto const& each : cases) {
+    Facets least = Bounds(each.bound, "", "", "");
+    Facets most = Bounds("", "", "", each.bound);
+    least.comparesMonths = most.comparesMonths = true;
+    EXPECT_NE("", Checked(each.type, each.below, least)) << each.below;
+    EXPECT_EQ("", Checked(each.type, each.bound, least)) << each.bound;
+    EXPECT_EQ("", Checked(each.type, each.above, least)) << each.above;
+    EXPECT_EQ("", Checked(each.type, each.below, most)) << each.below;
+    EXPECT_NE("", Checked(each.type, each.bound, most)) << each.bound;
+    EXPECT_NE("", Checked(each.type, each.above, most)) << each.above;
+  }
+}
+
 }  // namespace
 }  // namespace Quillon9

@@ -37,6 +37,9 @@ class QUILLON9_API CPrimitiveRestrictions {
   std::string minExclusive;     ///< the value must be above it
   std::string maxExclusive;     ///< the value must be below it
   std::int32_t length = -1;     ///< -1: not set
+  /// Whether the bounds of dates count months as XML Schema does. CDateTime::CompareTo(), which decides otherwise, does
+  /// not.
+  bool comparesMonths = false;
 };
 
 }  // namespace Quillon9
