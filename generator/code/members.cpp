@@ -71,12 +71,29 @@ std::string ImpliedText(Member const& member, Scope const& scope) {
   return ValueText(member.value, *ImpliedValue(member), TypeOf(member.value, scope));
 }
 
+std::string LettersAndDigits(std::string const& name) {
+  std::string kept;
+  for (char const c : name) {
+    if ((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z')) kept += c;
+    if (c >= 'A' && c <= 'Z') kept += static_cast<char>(c - 'A' + 'a');
+  }
+  return kept;
+}
+
+/// Says which name of a document the accessors stand for, where theirs does not show it.
+std::string DescribeName(Member const& member) {
+  std::string const& name = member.name.local;
+  if (name.empty() || LettersAndDigits(name) == LettersAndDigits(member.cppName)) return "";
+  return (member.place == Member::Place::Attribute ? "The attribute " : "The element ") + name + ".";
+}
+
 std::string Comment(Member const& member) {
   std::string comment = member.documentation;
   auto const add = [&comment](std::string const& line) {
     if (!line.empty()) comment += (comment.empty() ? "" : "\n") + line;
   };
   if (!comment.empty()) comment += '\n';
+  add(DescribeName(member));
   add(DescribeFacets(member.value.facets));
   if (member.fixedValue) {
     add("Fixed: " + *member.fixedValue + ".");

@@ -80,6 +80,7 @@ class CDrawing : public Quillon9::CBoundObject {
   float GetScale() const { return m_scale.value_or(1.0F); }
   bool HasScale() const { return m_scale.has_value(); }
   void SetScale(std::optional<float> value) { Assign(9, m_scale, value); }
+  /// The attribute palette.
   std::optional<std::string> const& GetPaletteAttribute() const { return m_paletteAttribute; }
   void SetPaletteAttribute(std::optional<std::string> value) { m_paletteAttribute = std::move(value); }
   Quillon9::CAttributeCol& GetAnyAttribute() { return Collection(11, m_anyAttribute); }
