@@ -154,7 +154,8 @@ TEST(BoundObject, RefusesWhatTheSchemaDoes) {
       {"<party xsi:type='Firm'><name>N</name></party>", "Failed to find the required Attribute [id]"},
   };
   for (auto const& [content, cause, attributes] : cases) {
-    EXPECT_EQ(cause, CauseOf([&] { ReadOrder(XmlText(Order(content, attributes))); })) << content;
+    std::string const document = Order(content, attributes);
+    EXPECT_EQ(cause, CauseOf([&document] { ReadOrder(XmlText(document)); })) << content;
   }
 }
 
@@ -268,7 +269,8 @@ TEST(BoundObject, ARestrictionHasRowsOfItsOwn) {
        "The type [Firm] of the element [party] is not derived from [Person]", status},
   };
   for (auto const& [content, cause, attributes] : cases) {
-    EXPECT_EQ(cause, CauseOf([&] { ReadOrder(XmlText(Order(content, type + attributes))); })) << content;
+    std::string const document = Order(content, type + attributes);
+    EXPECT_EQ(cause, CauseOf([&document] { ReadOrder(XmlText(document)); })) << content;
   }
 
   EXPECT_NE("", CauseOf([&] { order->SetStreet(""); }));
