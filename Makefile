@@ -41,7 +41,7 @@ pcre8: deps-all  ## run the tests with PCRE 8 in place of PCRE2
 locales: all     ## run the tests in each of six locales
 	scripts/locales build/release
 
-schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents through the generator; takes an hour
+schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents through the generator; takes a quarter of an hour
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	tests/schemas/check_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
