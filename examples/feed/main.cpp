@@ -241,7 +241,8 @@ CSmartPtr<CElement> GenericOf(CXmlDocument const& document) {
 }
 
 CSmartPtr<CElement> ReadGeneric(std::string const& text) {
-  CXmlDocument document(Utf8Context());
+  CXmlSerializationContext const ctx = Utf8Context();
+  CXmlDocument document(ctx);
   document.LoadXml(text.c_str());
   return GenericOf(document);
 }
@@ -313,7 +314,8 @@ bool ProcessOther(CElement const& original) {
 /// Return whether the document \p path could be read and was preserved. If not, standard error or the list says why.
 bool Process(char const* path) {
   try {
-    CXmlDocument document(Utf8Context());
+    CXmlSerializationContext const ctx = Utf8Context();  // the document refers to it
+    CXmlDocument document(ctx);
     document.Load(path);
     std::printf("%s (+ marks generic content)\n", std::filesystem::path(path).filename().c_str());
     CSmartPtr<CElement> const original = GenericOf(document);
