@@ -2,6 +2,7 @@
 
 #include "code/types.h"
 #include "code/value_text.h"
+#include "plan/names.h"
 
 namespace Quillon9Generator::Code {
 
@@ -73,9 +74,9 @@ std::string ImpliedText(Member const& member, Scope const& scope) {
 
 std::string LettersAndDigits(std::string const& name) {
   std::string kept;
-  for (char const c : name) {
+  for (char const each : name) {
+    char const c = Plan::Lowered(each);
     if ((c >= '0' && c <= '9') || (c >= 'a' && c <= 'z')) kept += c;
-    if (c >= 'A' && c <= 'Z') kept += static_cast<char>(c - 'A' + 'a');
   }
   return kept;
 }

@@ -72,10 +72,8 @@ std::string ValueText(Plan::ValueType const& type, std::string const& text, std:
   }
   std::string const collapsed = CWhitespaceUtils::Collapse(text);
   if (type.enumeration != nullptr) {
-    for (Plan::Enumerator const& each : type.enumeration->enumerators) {
-      if (each.text == collapsed || each.text == text) return enumerationName + "::" + each.name;
-    }
-    return enumerationName + "{}";
+    Plan::Enumerator const* const found = type.enumeration->Find(text);
+    return enumerationName + (found != nullptr ? "::" + found->name : "{}");
   }
   switch (type.kind) {
     case Quillon9::ItemType_boolean: return collapsed == "true" || collapsed == "1" ? "true" : "false";

@@ -1,6 +1,5 @@
 #include "plan/check_values.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -14,12 +13,6 @@ namespace {
 
 using Quillon9::CWhitespaceUtils;
 using Quillon9::ItemType;
-
-bool IsEnumerator(Enumeration const& enumeration, std::string const& text) {
-  std::string const collapsed = CWhitespaceUtils::Collapse(text);
-  return std::any_of(enumeration.enumerators.begin(), enumeration.enumerators.end(),
-                     [&](Enumerator const& each) { return each.text == text || each.text == collapsed; });
-}
 
 /// Whether the library reads \p text as a value of the kind.
 bool IsReadable(ItemType kind, std::string const& text) {
@@ -58,7 +51,7 @@ class ValueCheck {
         std::string("the ") + what + " value \"" + *text + "\" of \"" + member.name.local + "\"";
     ValueType const& type = member.value;
     if (type.enumeration != nullptr) {
-      if (!IsEnumerator(*type.enumeration, *text)) {
+      if (type.enumeration->Find(*text) == nullptr) {
         m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
       }
     } else if (type.kind != Quillon9::ItemType_string && !IsReadable(type.kind, *text)) {

@@ -1,20 +1,21 @@
 #include "plan/make_plan.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <set>
 #include <tuple>
 
 #include "plan/check_values.h"
 #include "plan/class_builder.h"
+#include "plan/names.h"
 #include "plan/naming.h"
 #include "plan/order.h"
+#include "quillon9/text/whitespace.h"
 #include "schema/built_ins.h"
 
 namespace Quillon9Generator::Plan {
 
 namespace {
-
-char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 std::string FileStemOf(std::string const& cppNamespace) {
   std::size_t const colon = cppNamespace.rfind(':');
@@ -59,6 +60,13 @@ void NumberRestatedMembers(Plan& plan) {
 }
 
 }  // namespace
+
+Enumerator const* Enumeration::Find(std::string const& text) const {
+  std::string const collapsed = Quillon9::CWhitespaceUtils::Collapse(text);
+  auto const found = std::find_if(enumerators.begin(), enumerators.end(),
+                                  [&](Enumerator const& each) { return each.text == text || each.text == collapsed; });
+  return found != enumerators.end() ? &*found : nullptr;
+}
 
 bool Facets::operator==(Facets const& other) const {
   auto const all = [](Facets const& f) {

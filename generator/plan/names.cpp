@@ -13,7 +13,6 @@ namespace {
 bool IsDigit(char32_t c) { return c >= '0' && c <= '9'; }
 bool IsAsciiLetter(char32_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 char Raised(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 // Punctuation and blanks: those of ASCII and Latin-1 but the three letters among them, and the block of general ones.
 bool IsSeparator(char32_t c) {

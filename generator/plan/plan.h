@@ -27,6 +27,9 @@ struct Enumeration {
   Schema::Place place;
   std::vector<Enumerator> enumerators;
   struct Class const* owner = nullptr;  ///< the class that it is nested in; null for none
+
+  /// The enumerator with this text, also without the white space around it; null for none.
+  Enumerator const* Find(std::string const& text) const;
 };
 
 /// The facets that a value is checked against. Texts are lexical forms of the schema.

@@ -59,12 +59,11 @@ AttributeDeclaration const* Builder::ReferredAttribute(Document const& document,
 }
 
 AttributeDeclaration const* Builder::LocalAttribute(Document const& document, Node const& node) {
-  std::string const name = ReadName(node);
-  if (name.empty()) return nullptr;
+  std::optional<QualifiedName> const name = LocalName(document, node, "attributeFormDefault");
+  if (!name) return nullptr;
   AttributeDeclaration& attribute = m_storage.attributes.emplace_back();
   Describe(attribute, node);
-  attribute.name.local = name;
-  if (IsQualified(document, node, "attributeFormDefault")) attribute.name.ns = document.targetNamespace;
+  attribute.name = *name;
   FillAttribute(attribute, document, node);
   return &attribute;
 }

@@ -75,6 +75,7 @@ class Builder {
   void ReportDuplicate(Document const& document, Node const& node, Global<Object> const& first);
   std::string ReadName(Node const& node);
   std::optional<QualifiedName> GlobalName(Document const& document, Node const& node);
+  std::optional<QualifiedName> LocalName(Document const& document, Node const& node, std::string_view formDefault);
   void FillAll(SchemaSet& set);
   void FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set);
 

@@ -105,6 +105,13 @@ std::optional<QualifiedName> Builder::GlobalName(Document const& document, Node 
   return QualifiedName{document.targetNamespace, name};
 }
 
+std::optional<QualifiedName> Builder::LocalName(Document const& document, Node const& node,
+                                                std::string_view formDefault) {
+  std::string const name = ReadName(node);
+  if (name.empty()) return std::nullopt;
+  return QualifiedName{IsQualified(document, node, formDefault) ? document.targetNamespace : "", name};
+}
+
 std::string Builder::ReadName(Node const& node) {
   std::optional<std::string_view> const text = node.Find("name");
   if (!text) {

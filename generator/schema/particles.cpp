@@ -42,12 +42,11 @@ bool Builder::MakeElementTerm(Particle& particle, Document const& document, Node
     if (element != nullptr) particle.term = element->object;
     return element != nullptr;
   }
-  std::string const name = ReadName(node);
-  if (name.empty()) return false;
+  std::optional<QualifiedName> const name = LocalName(document, node, "elementFormDefault");
+  if (!name) return false;
   ElementDeclaration& element = m_storage.elements.emplace_back();
   Describe(element, node);
-  element.name.local = name;
-  if (IsQualified(document, node, "elementFormDefault")) element.name.ns = document.targetNamespace;
+  element.name = *name;
   FillElement(element, document, node);
   particle.term = &element;
   return true;

@@ -24,7 +24,7 @@ bool BeginsGroup(CElementRow const& row) {
 }
 
 /// Whether the particles from \p at up to the end of their group may all be absent, or one of them in a choice. Moves
-/// \p at behind that end.
+/// \p at past that end.
 bool GroupMayBeEmpty(RowList const& rows, std::size_t& at, RowKind kind) {
   bool all = true;
   bool any = false;
