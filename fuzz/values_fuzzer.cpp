@@ -30,17 +30,18 @@ bool IsDate(ItemType kind) {
          kind == ItemType_monthDay;
 }
 
-/// A fraction that rounds up to one stays one, and prints one digit too many.
-bool IsRoundedToOne(std::string const& decimal) {
+/// A fraction that rounds up to one stays one, and prints one digit too many: 1 and zeros.
+bool MayBeRoundedToOne(std::string const& decimal) {
   std::size_t const point = decimal.find('.');
-  return point != std::string::npos && decimal.size() - point - 1 > static_cast<std::size_t>(CDecimal::m_maxDivider);
+  return point != std::string::npos && decimal.size() - point > 2 && decimal[point + 1] == '1' &&
+         decimal.find_first_not_of('0', point + 2) == std::string::npos;
 }
 
 /// Values whose text is unchanged when it is read and printed once more.
 bool IsStable(QnVariant const& value, ItemType kind, std::string const& text) {
   if (kind == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
   if (kind == ItemType_year) return text.size() == 4;  // years of other lengths are not read
-  return kind != ItemType_decimal || !IsRoundedToOne(text);
+  return kind != ItemType_decimal || !MayBeRoundedToOne(text);
 }
 
 void PrintAndParse(QnVariant const& value, ItemType kind) {
@@ -153,7 +154,7 @@ void Count(QnVariant const& value, ItemType kind, std::string const& other) {
     DivideIntegers(value.GetInteger(), Parsed(other, kind).GetInteger());
   } else if (kind == ItemType_decimal) {
     CDecimal const second = Parsed(other, kind).GetDecimal();
-    if (IsRoundedToOne(value.ToString()) || IsRoundedToOne(second.ToString())) return;
+    if (MayBeRoundedToOne(value.ToString()) || MayBeRoundedToOne(second.ToString())) return;
     CountTogether(value.GetDecimal(), second);
   }
 }
