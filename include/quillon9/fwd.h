@@ -27,6 +27,9 @@ class CElementCol;
 class CEncoder;
 class CEnumCollection;
 class CEnumTexts;
+class CFailure;
+class CFailureList;
+class CFailurePlace;
 class CFastInfosetBinaryData;
 class CFastInfosetContext;
 class CFastInfosetWriter;
@@ -68,6 +71,7 @@ class CXmlTextWriter;
 class CXmlTypeCollection;
 class CXmlWriter;
 class IEventSink;
+class IFailureSink;
 class INillable;
 class QnVariant;
 template <class Enum>

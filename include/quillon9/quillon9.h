@@ -34,6 +34,7 @@
 
 #include "quillon9/base/critical_section.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/base/failures.h"
 #include "quillon9/base/instance_monitor.h"
 #include "quillon9/base/limits.h"
 #include "quillon9/base/smart_ptr.h"

@@ -4,6 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "base/failure_detail.h"
+
 namespace Quillon9 {
 
 CQnException::CQnException() = default;
@@ -11,16 +13,20 @@ CQnException::CQnException() = default;
 CQnException::CQnException(std::string message) : m_message(std::move(message)) {}
 
 CQnException::CQnException(std::string message, CQnException const& inner)
-    : m_message(std::move(message)), m_inner(Share(inner.Clone())) {}
+    : m_message(std::move(message)), m_detail(inner.m_detail), m_inner(Share(inner.Clone())) {}
 
-CQnException::CQnException(CQnException const& other) : m_message(other.m_message), m_inner(Share(other.m_inner)) {}
+CQnException::CQnException(CQnException const& other)
+    : m_message(other.m_message), m_detail(other.m_detail), m_inner(Share(other.m_inner)) {}
 
 CQnException::CQnException(CQnException&& other) noexcept
-    : m_message(std::move(other.m_message)), m_inner(std::exchange(other.m_inner, nullptr)) {}
+    : m_message(std::move(other.m_message)),
+      m_detail(std::move(other.m_detail)),
+      m_inner(std::exchange(other.m_inner, nullptr)) {}
 
 CQnException& CQnException::operator=(CQnException const& other) {
   CQnException copy(other);  // first: other may be part of the chain that is released here
   std::swap(m_message, copy.m_message);
+  std::swap(m_detail, copy.m_detail);
   std::swap(m_inner, copy.m_inner);
   return *this;
 }
@@ -36,6 +42,20 @@ std::string CQnException::GetFullMessage() const {
     text += inner->m_message;
   }
   return text;
+}
+
+CFailurePlace const* CQnException::GetPlace() const {
+  return m_detail != nullptr && m_detail->hasPlace ? &m_detail->place : nullptr;
+}
+
+FailureKind CQnException::GetKind() const { return m_detail != nullptr ? m_detail->kind : FailureKind_Other; }
+
+std::string CQnException::GetReport() const {
+  CQnException const* cause = this;
+  while (cause->m_inner != nullptr) cause = cause->m_inner;
+  CFailurePlace const* const place = GetPlace();
+  return CFailure(GetKind(), FailureSeverity_Error, place != nullptr ? *place : CFailurePlace(), cause->m_message)
+      .GetReport();
 }
 
 CQnException* CQnException::Share(CQnException* inner) noexcept {

@@ -2,11 +2,15 @@
 
 #include <atomic>
 #include <cstdarg>
+#include <memory>
 #include <string>
 
+#include "quillon9/base/failures.h"
 #include "quillon9/export.h"
 
 namespace Quillon9 {
+
+struct CFailureDetail;
 
 /// Root of all failures that the library reports: thrown by value, caught by reference. Thrown directly for I/O, parser
 /// and format errors, violated facets and logic errors.
@@ -45,13 +49,26 @@ class QUILLON9_API CQnException {
   /// This text and the texts of all inner exceptions, outermost first, joined by line feeds.
   std::string GetFullMessage() const;
 
+  /// Where the innermost fault of the chain is: the value or attribute that does not convert, the element or attribute
+  /// that no member takes; for something missing, the element in front of which it is missing, or the end tag of its
+  /// parent. Null for a failure that is not about a place in a document or in a graph of objects. The same for all
+  /// failures of a chain. It lives as long as this object or any copy of it.
+  CFailurePlace const* GetPlace() const;
+  /// The kind of the innermost fault of the chain.
+  FailureKind GetKind() const;
+  /// The text of the innermost failure with its place, on one line; see CFailure::GetReport().
+  std::string GetReport() const;
+
  private:
+  friend struct FailureAccess;
+
   static CQnException* Share(CQnException* inner) noexcept;
   void ReleaseInner() noexcept;
 
   std::string m_message;
-  CQnException* m_inner = nullptr;   // owned jointly with the other failures that have it as inner exception
-  std::atomic<unsigned> m_outer{0};  // number of failures that have this one as inner exception
+  std::shared_ptr<CFailureDetail> m_detail;  // shared by the chain; null if there is none
+  CQnException* m_inner = nullptr;           // owned jointly with the other failures that have it as inner exception
+  std::atomic<unsigned> m_outer{0};          // number of failures that have this one as inner exception
 };
 
 /// A decimal value does not fit.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -102,6 +103,41 @@ class QUILLON9_API CXmlSerializationContext {
   void SetTextEncoding(TextEncoding encoding) { m_textEncoding = encoding; }
   ///@}
 
+  /// \name Failures
+  /// @{
+
+  /// Who is told all failures of a read, instead of the read ending at the first one; null, the default, for nobody.
+  /// After a failure, the member keeps what Init() gave it, an unexpected element or attribute is skipped, and what is
+  /// missing is passed over. A read whose sink says always to go on returns normally. Remarks about what options make
+  /// the reader drop, and about characters that become "?", go to the same sink; writing sends it only the latter. The
+  /// sink is borrowed and must outlive every read under this context; a sink serves one read at a time.
+  ///@{
+  IFailureSink* GetFailureSink() const { return m_failureSink; }
+  void SetFailureSink(IFailureSink* sink) { m_failureSink = sink; }
+  ///@}
+
+  /// The number of errors after which a read ends with the last one, whatever its sink says. Default 1000; 0 for no
+  /// limit. Each remark beyond as many is not told.
+  ///@{
+  std::uint32_t GetMaxFailures() const { return m_maxFailures; }
+  void SetMaxFailures(std::uint32_t count) { m_maxFailures = count; }
+  ///@}
+
+  /// Check the facets of single elements and of attributes on reading too, not only on writing, with the same texts
+  /// and classes of failures. Default false.
+  ///@{
+  bool GetChecksFacetsOnReading() const { return m_checksFacetsOnReading; }
+  void SetChecksFacetsOnReading(bool check) { m_checksFacetsOnReading = check; }
+  ///@}
+
+  /// Check on reading that an element or attribute has its fixed value, where a generated class knows one. Default
+  /// true.
+  ///@{
+  bool GetChecksFixedValuesOnReading() const { return m_checksFixedValuesOnReading; }
+  void SetChecksFixedValuesOnReading(bool check) { m_checksFixedValuesOnReading = check; }
+  ///@}
+  /// @}
+
   /// Text to write inside the start tag of the root, such as a schema location attribute. It is written verbatim.
   ///@{
   std::string const& GetInLineSchema() const { return m_inLineSchema; }
@@ -160,6 +196,10 @@ class QUILLON9_API CXmlSerializationContext {
   CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
   TextEncoding m_textEncoding = TextEncoding_Locale;
+  IFailureSink* m_failureSink = nullptr;
+  std::uint32_t m_maxFailures = 1000;
+  bool m_checksFacetsOnReading = false;
+  bool m_checksFixedValuesOnReading = true;
 };
 
 }  // namespace Quillon9

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/fwd.h"
+
+namespace Quillon9 {
+
+/// A node of a tree where something is wrong.
+struct FailurePoint {
+  CXmlElement const* element;
+  CXmlAttribute const* attribute = nullptr;  ///< of the element; null for the element itself
+  bool isAtEnd = false;                      ///< the end tag of the element
+
+  /// \p cursor, which is a child of \p parent, or the end tag of \p parent if there is no child left.
+  static FailurePoint At(CXmlElement const* parent, CXmlElement const* cursor) {
+    return cursor != nullptr ? FailurePoint{cursor} : FailurePoint{parent, nullptr, true};
+  }
+};
+
+/// Finds the places of nodes in the input of a read.
+class PlaceFinder {
+ public:
+  virtual CFailurePlace Find(FailurePoint const& point) = 0;
+
+ protected:
+  ~PlaceFinder() = default;
+};
+
+/// The failures of one read or check: notes where they are, sends them to the sink of the context, and decides whether to go on. It
+/// lives on the stack of the operation of the caller, and is the current one of its thread meanwhile.
+///
+/// Reading code passes a failure to Note() or GoesOn() in a catch block at the innermost place that knows the node, and
+/// throws it again unless the answer is true. So a read without failures does nothing for this.
+class FailureReport {
+ public:
+  /// \p ctx and \p places are borrowed.
+  FailureReport(CXmlSerializationContext const& ctx, PlaceFinder& places);
+  ~FailureReport() { t_current = m_outer; }
+  FailureReport(FailureReport const&) = delete;
+  FailureReport& operator=(FailureReport const&) = delete;
+
+  /// Note that \p failure is at \p point, unless a place nearer to its cause was noted before.
+  static void Note(CQnException& failure, FailurePoint const& point);
+  /// Note(), and send \p failure to the sink of \p ctx if there is one and it does not know it yet. True if the read is
+  /// to go on as if the faulty part were not there; false if the caller must throw the failure again.
+  static bool GoesOn(CXmlSerializationContext const& ctx, CQnException& failure, FailurePoint const& point);
+  /// Send a remark to the sink of \p ctx, if there is one.
+  static void Remark(CXmlSerializationContext const& ctx, FailureKind kind, FailurePoint const& point,
+                     std::string const& text);
+
+  /// For the operation of the caller: find the place of \p failure, which ends it, and send it to the sink unless the
+  /// sink knows it.
+  void Complete(CQnException& failure);
+
+ private:
+  /// The current one, if it belongs to a read with the sink of \p ctx.
+  static FailureReport* Of(CXmlSerializationContext const& ctx);
+  void FindPlace(CQnException& failure);
+  bool Tell(CQnException& failure);
+
+  static inline thread_local FailureReport* t_current = nullptr;
+
+  IFailureSink* m_sink;
+  PlaceFinder& m_places;
+  std::uint64_t m_most;
+  std::uint64_t m_errors = 0;
+  std::uint64_t m_remarks = 0;
+  FailureReport* m_outer;
+};
+
+}  // namespace Quillon9
