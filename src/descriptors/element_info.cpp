@@ -55,6 +55,9 @@ CElementInfoChoice::~CElementInfoChoice() = default;
 void CElementInfo::PseudoChildAttributeToXml(CXmlSerializationContext const&, CXmlGeneratedClass const*,
                                              CXmlWriter*) const {}
 
+bool CElementInfo::MayBegin(CXmlSerializationContext const&, CXmlElement const*) const { return true; }
+bool CElementInfo::IsRepeated() const { return false; }
+
 namespace {
 
 [[noreturn]] void ThrowNeverValidated() { throw CQnException("Not implemented, should never be called"); }

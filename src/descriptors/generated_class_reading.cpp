@@ -50,7 +50,8 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainTypes() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
-  CXmlElement* const next = ReadMembers(info, parent, cursor, ctx, inChoice);
+  CXmlElement* const next = ctx.GetFailureSink() == nullptr ? ReadMembers(info, parent, cursor, ctx, inChoice)
+                                                            : ReadMembersWithSink(parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again at the next child.
   bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
   if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
@@ -60,6 +61,11 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
     AccessProperty(info.m_textPropertyIndex, false, text);
   }
   return next;
+}
+
+CXmlElement* CXmlGeneratedClass::ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
+                                                     CXmlSerializationContext const& ctx, bool inChoice) {
+  return ReadMembers(*GetClassInfo(), parent, cursor, ctx, inChoice);
 }
 
 CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,

@@ -42,6 +42,9 @@ class GroupInfo : public Quillon9Data::CElementInfoSeq {
                       CXmlElement** cursor, char const* holderNamespace,
                       Quillon9Data::XmlElementType holderType) override;
   bool ReadsHolderNamespace() const override { return false; }
+  bool MayBegin(CXmlSerializationContext const& ctx, CXmlElement const* element) const override {
+    return Begins(ctx, element);
+  }
 
   bool Begins(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const;
   bool IsSet(CXmlGeneratedClass const* holder) const;

@@ -109,6 +109,10 @@ BoundMember::BoundMember(CElementRow const& row, bool isRequired, CPrimitiveRest
       m_row(row),
       m_isRequired(isRequired) {}
 
+bool BoundMember::MayBegin(CXmlSerializationContext const& ctx, CXmlElement const* element) const {
+  return IsElementOf(m_row, *this, ctx, element);
+}
+
 bool BoundMember::Seek(CXmlSerializationContext const& ctx, CXmlElement** cursor, XmlElementType holderType,
                        bool& answer) const {
   CXmlElement* at = *cursor;

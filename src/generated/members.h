@@ -15,6 +15,7 @@ class BoundMember : public Quillon9Data::CElementInfoSeq {
  public:
   BoundMember(CElementRow const& row, bool isRequired);
   bool ReadsHolderNamespace() const override { return false; }
+  bool MayBegin(CXmlSerializationContext const& ctx, CXmlElement const* element) const override;
 
  protected:
   BoundMember(CElementRow const& row, bool isRequired, CPrimitiveRestrictions const& restrictions);
@@ -66,6 +67,7 @@ class ElementMember : public BoundMember {
 class CollectionMember : public BoundMember {
  public:
   using BoundMember::BoundMember;
+  bool IsRepeated() const override { return true; }
   QN_BOUND_OVERRIDES
 };
 

@@ -90,6 +90,13 @@ class QUILLON9_API CElementInfo {
   /// Whether ElementFromXml() uses the namespace of the holder, which is otherwise not requested from the holder. True
   /// here; of the classes below, true for those of untyped content.
   virtual bool ReadsHolderNamespace() const { return true; }
+  /// Whether ElementFromXml() may take \p element, which is not null, as the first of its elements. A read that goes on
+  /// after failures skips an element that no descriptor may take. True here, which is right for any descriptor: it only
+  /// makes such a read report more failures.
+  virtual bool MayBegin(CXmlSerializationContext const& ctx, CXmlElement const* element) const;
+  /// Whether ElementFromXml() may be called again after it has returned true, to add further elements to those that it
+  /// has taken before. A read that goes on does so after it has skipped an unexpected element. False here.
+  virtual bool IsRepeated() const;
 
   /// Whether \p element, which may be null, has this name and, unless \p ctx ignores namespaces, this namespace.
   bool IsThisElement(CXmlSerializationContext const& ctx, CXmlElement const* element) const;

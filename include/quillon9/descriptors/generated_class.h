@@ -121,6 +121,13 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
 
+  /// Fill the members from \p cursor and its siblings as the read drivers below do, for a context with a failure sink: go
+  /// on after each failure as far as the sink says so. Returns the first child that was not taken. The attributes have
+  /// been read.
+  /// \throws what the read drivers throw, when the sink ends the read.
+  virtual CXmlElement* ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
+                                           CXmlSerializationContext const& ctx, bool inChoice);
+
   /// Offer every attribute of \p parent to the attribute descriptors. With \p reject, an attribute that no descriptor
   /// takes is a failure, unless \p ctx ignores unknown attributes.
   /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also, whatever \p ctx says, for xsi:nil on a
