@@ -52,10 +52,8 @@ CFailureList::~CFailureList() = default;
 bool CFailureList::OnFailure(CFailure const& failure) {
   bool const isError = failure.GetSeverity() == FailureSeverity_Error;
   std::size_t& count = isError ? m_errors : m_remarks;
-  if (count < m_most) {
-    m_failures.push_back(failure);
-    ++count;
-  }
+  if (count < m_most) m_failures.push_back(failure);
+  ++count;
   return !isError || m_errors < m_most;
 }
 

@@ -93,7 +93,7 @@ class QUILLON9_API CFailurePlace {
 /// One failure or remark, as a sink receives it. Copying copies it; it refers to nothing of the read that made it.
 class QUILLON9_API CFailure {
  public:
-  /// \p text longer than 4096 bytes is cut, with "..." in place of what is left out.
+  /// If \p text is longer than 4096 bytes, it is cut to that length, with "..." at the end.
   CFailure(FailureKind kind, FailureSeverity severity, CFailurePlace place, std::string const& text);
   CFailure(CFailure const& other);
   CFailure(CFailure&& other) noexcept;
@@ -107,8 +107,9 @@ class QUILLON9_API CFailure {
   /// What is wrong. For an error, the message of the exception that ends the read if there is no sink.
   std::string const& GetText() const { return m_text; }
   /// One line in the form of a compiler, without a line feed: `orders.xml:12:7: error: /order/item[3]: ...`. Parts that
-  /// are not known are left out; where there is no line, `@` and the offset take its place. Control characters are
-  /// written as escape sequences, and long texts are cut.
+  /// are not known are left out; where there is no line, `@` and the offset take its place. A remark has `remark` in
+  /// place of `error`. The text is cut to 1024 bytes. Control characters, and bytes that are part of no character, are
+  /// written as escape sequences such as `\n`, `\x1B` and `\u{2028}`.
   std::string GetReport() const;
 
  private:
@@ -133,7 +134,7 @@ class QUILLON9_API IFailureSink {
 /// A sink that keeps what it receives. For one thread.
 class QUILLON9_API CFailureList : public IFailureSink {
  public:
-  /// Stops the read after \p most errors, and keeps at most as many errors and as many remarks.
+  /// Stops the read at error number \p most, and keeps at most as many errors and as many remarks.
   explicit CFailureList(std::size_t most = 100);
   CFailureList(CFailureList const&) = delete;
   CFailureList& operator=(CFailureList const&) = delete;
