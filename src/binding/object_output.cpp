@@ -1,6 +1,7 @@
 // The Fast Infoset output operations of CXmlObjectBase. They are in a file of their own because they depend on the
 // writer and the streams.
 
+#include "binding/lost_text.h"
 #include "binding/text_scope.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
@@ -14,12 +15,14 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
+  LossesOfWriting losses(ctx, &writer);
   writer.Open();
   writer.WriteStartDocument(decl);
   std::string const targetNamespace = GetTargetNamespace();
   ToXml_Int(&writer, true, targetNamespace.c_str(), ctx, false);
   writer.WriteEndDocument();
   writer.Close();
+  losses.Tell();
   CBinaryData data = stream.GetBinaryStream();
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;

@@ -1,6 +1,7 @@
 // The text output operations of CXmlObjectBase: each creates a text writer on a stream and passes it to ToXml_Int. They
 // are in a file of their own because they depend on the writer and the streams.
 
+#include "binding/lost_text.h"
 #include "binding/text_scope.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
@@ -40,7 +41,9 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  LossesOfWriting losses(ctx, nullptr);
   CBinaryData data = stream.GetEncodedStream();
+  losses.Tell();
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
 }

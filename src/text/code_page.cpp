@@ -7,6 +7,8 @@
 #include <cstring>
 #include <iterator>
 
+#include "text/lost_characters.h"
+
 namespace Quillon9::CodePage {
 
 // Lists only the code pages that certainly match ASCII: some that resemble it have other characters at 0x5C and 0x7E,
@@ -45,14 +47,17 @@ void Writer::Put(std::uint32_t character) {
   } else {
     m_target += '?';
     m_state = {};
+    LostCharacters::Report({character, false, 0});
   }
 }
 
 void Writer::PutUtf8(wchar_t character) {
   std::uint8_t bytes[4];
   std::size_t const length = UnicodeToUTF8(&character, 1, bytes, sizeof bytes);
-  if (length == 0) m_target += '?';
   m_target.append(reinterpret_cast<char const*>(bytes), length);
+  if (length != 0) return;
+  m_target += '?';
+  LostCharacters::Report({static_cast<std::uint32_t>(character), false, 0});
 }
 
 void Writer::Finish() {
@@ -85,6 +90,7 @@ std::size_t Decode(Charset charset, char const* text, std::size_t length, wchar_
     if (!isValid) {
       target[count] = L'?';
       state = {};
+      LostCharacters::Report({Bytes(text)[at], true, count});
     }
     at += isValid ? std::max(taken, std::size_t{1}) : 1;
   }

@@ -12,6 +12,7 @@
 #include "quillon9/values/object_helper.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/variant.h"
+#include "text/lost_characters.h"
 #include "text/utf8_text.h"
 #include "values/date_order.h"
 #include "values/number_text.h"
@@ -122,6 +123,7 @@ bool KeepsPattern(std::string const& value, std::string const& pattern) {
   bool const isUtf8 = std::all_of(pattern.begin(), pattern.end(), [](char c) { return c > 0; }) ||
                       CEncoder::IsUtf8SameInLocalCodePage(pattern.data(), pattern.size());
   if (isUtf8) return MatchesPattern(pattern, value);
+  LostCharacters::Scope const unobserved(nullptr);  // the copy serves only the comparison
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(pattern.c_str());
   return MatchesPattern(std::string(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()), value);
 }

@@ -8,6 +8,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
+#include "text/lost_characters.h"
 #include "values/pattern_engine.h"
 #include "values/pattern_matching.h"
 #include "values/remembered_value.h"
@@ -88,6 +89,7 @@ bool Matches(CompiledPattern& pattern, std::string_view subject) {
 
 bool MatchesLocal(CompiledPattern& pattern, std::string const& value) {
   if (CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size())) return Matches(pattern, value);
+  LostCharacters::Scope const unobserved(nullptr);  // the copy serves only the comparison
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(value.c_str());
   if (utf8.GetLength() == 0) return Matches(pattern, "");
   return Matches(pattern, {reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()});

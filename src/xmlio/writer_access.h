@@ -21,6 +21,9 @@ struct XmlWriterAccess {
   static std::string& NamespaceText(CXmlWriter& writer) { return writer.m_namespaceText; }
   ///@}
 
+  /// The innermost open element, or null.
+  static Context const* OpenElement(CXmlWriter const& writer) { return writer.m_context; }
+
   /// Check that the element may have children.
   /// \throws CQnException as CXmlWriter::WriteStartElement() otherwise.
   static void RequireRoomForChild(Context const& open) {
