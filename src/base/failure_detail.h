@@ -43,4 +43,10 @@ Exception OfKind(FailureKind kind, Exception failure) {
   return failure;
 }
 
+/// Give \p failure this kind, unless its cause is known to be of another one.
+inline void GiveKind(CQnException& failure, FailureKind kind) {
+  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  if (detail.kind == FailureKind_Other) detail.kind = kind;
+}
+
 }  // namespace Quillon9

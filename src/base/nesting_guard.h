@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "base/failure_detail.h"
 #include "base/nesting_failure.h"
 #include "base/stack_left.h"
 #include "quillon9/base/exceptions.h"
@@ -26,7 +27,8 @@ class NestingGuard {
     bool const isWithinLimit = m_nesting.elements <= limit && m_nesting.groups <= limit && isWithinTotal;
     if (isWithinLimit && !m_nesting.stack.IsShort()) return;
     Leave();
-    if (isWithinLimit) throw CQnException("The element nesting exceeds the stack of the thread");
+    if (isWithinLimit)
+      throw OfKind(FailureKind_Limit, CQnException("The element nesting exceeds the stack of the thread"));
     ThrowNestedTooDeep(limit);
   }
   ~NestingGuard() { Leave(); }

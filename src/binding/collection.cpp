@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/failure_detail.h"
 #include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
@@ -35,12 +36,14 @@ void CXmlCollectionBase::ValidateCount(CXmlSerializationContext const& ctx) cons
   if (ctx.GetIgnoreInvalidCollectionCounts()) return;
   int const count = GetCount();
   if (count > m_maxOccurs && m_maxOccurs != -1) {
-    throw CQnValidationException(FormatString("The Maximum number of [%s] elements allowed in this collection is %d",
-                                              GetElementName().c_str(), m_maxOccurs));
+    throw OfKind(FailureKind_Count, CQnValidationException(FormatString(
+                                        "The Maximum number of [%s] elements allowed in this collection is %d",
+                                        GetElementName().c_str(), m_maxOccurs)));
   }
   if (count < m_minOccurs) {
-    throw CQnValidationException(FormatString("The Minimum number of [%s] elements allowed in this collection is %d",
-                                              GetElementName().c_str(), m_minOccurs));
+    throw OfKind(FailureKind_Count, CQnValidationException(FormatString(
+                                        "The Minimum number of [%s] elements allowed in this collection is %d",
+                                        GetElementName().c_str(), m_minOccurs)));
   }
 }
 

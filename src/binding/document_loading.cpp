@@ -9,6 +9,7 @@
 #include <system_error>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "fastinfoset/reader.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
@@ -72,7 +73,8 @@ void ThrowIfNoStream(unsigned char const* data, unsigned long size) {
 
 void ThrowIfTooLarge(unsigned long size) {
   if (size > kLargestInput) {
-    throw CQnException(FormatString("The document exceeds the limit of %lu bytes", kLargestInput));
+    throw OfKind(FailureKind_Limit,
+                 CQnException(FormatString("The document exceeds the limit of %lu bytes", kLargestInput)));
   }
 }
 
@@ -145,7 +147,8 @@ void CXmlDocument::Load(char const* path) {
         FormatString("Failed to get the size of the file [%s] Error [%s]", path, ErrorText(errno).c_str()));
   }
   if (static_cast<unsigned long>(size) > kLargestInput) {
-    throw CQnException(FormatString("The file [%s] exceeds the limit of %lu bytes", path, kLargestInput));
+    throw OfKind(FailureKind_Limit,
+                 CQnException(FormatString("The file [%s] exceeds the limit of %lu bytes", path, kLargestInput)));
   }
   unsigned char* const input = AllocateInput(static_cast<unsigned long>(size));
   errno = 0;

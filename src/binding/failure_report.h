@@ -46,6 +46,12 @@ class FailureReport {
 
   /// Note that \p failure is at \p point, unless a place nearer to its cause was noted before.
   static void Note(CQnException& failure, FailurePoint const& point);
+  /// The same for throw statements.
+  template <class Exception>
+  static Exception Noted(FailurePoint const& point, Exception failure) {
+    Note(failure, point);
+    return failure;
+  }
   /// Note(), and send \p failure to the sink of \p ctx if there is one and it does not know it yet. True if the read is
   /// to go on as if the faulty part were not there; false if the caller must throw the failure again.
   static bool GoesOn(CXmlSerializationContext const& ctx, CQnException& failure, FailurePoint const& point);

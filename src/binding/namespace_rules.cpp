@@ -1,5 +1,6 @@
 // The rules of CXmlObjectHelper by which an element is recognised and a wildcard accepts a namespace.
 
+#include "base/failure_detail.h"
 #include "binding/name_match.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/object_helper.h"
@@ -34,9 +35,10 @@ bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const
 
 void CXmlObjectHelper::TestNamespace(std::string const& ns, std::string const& list, std::string const& target) {
   if (IsNamespaceValid(ns, list, target)) return;
-  throw CQnInvalidNamespaceException(
-      FormatString("Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
-                   ns.c_str(), list.c_str(), target.c_str()));
+  throw OfKind(FailureKind_Namespace,
+               CQnInvalidNamespaceException(FormatString(
+                   "Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
+                   ns.c_str(), list.c_str(), target.c_str())));
 }
 
 }  // namespace Quillon9

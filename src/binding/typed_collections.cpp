@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text_arguments.h"
+#include "binding/failure_report.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
@@ -43,9 +44,13 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
                                              bool) {
   std::string const ns = GetNamespace();
   while (cursor != nullptr && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
-    std::string_view const text = XmlNodeAccess::TextOf(*cursor);
-    ObjectContent::Count(*cursor, ObjectContent::kValue + text.size());
-    AddFromString(std::string(text));
+    try {
+      std::string_view const text = XmlNodeAccess::TextOf(*cursor);
+      ObjectContent::Count(*cursor, ObjectContent::kValue + text.size());
+      AddFromString(std::string(text));
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {cursor})) throw;
+    }
     cursor = cursor->GetNextSiblingElement();
   }
   return cursor;

@@ -1,5 +1,6 @@
 #include "quillon9/descriptors/attribute_info.h"
 
+#include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
@@ -54,7 +55,9 @@ bool CAttributeInfo::IsSuppressedDefault(CXmlSerializationContext const& ctx, st
 
 void CAttributeInfo::ThrowIfRequiredAndMissing(bool found) const {
   if (m_optional || found) return;
-  throw CQnValidationException(FormatString("Failed to find the required Attribute [%s]", m_attributeName.c_str()));
+  throw OfKind(
+      FailureKind_MissingAttribute,
+      CQnValidationException(FormatString("Failed to find the required Attribute [%s]", m_attributeName.c_str())));
 }
 
 // ---- Primitive
@@ -131,7 +134,12 @@ bool CAttributeInfoEnum::AttributeFromXml(CXmlSerializationContext const& ctx, C
                                           CXmlAttribute* attribute) {
   if (!IsThisAttribute(ctx, attribute)) return false;
   QnVariant value;
-  value.SetI4(m_fromText(attribute->GetValueView().data()));
+  try {
+    value.SetI4(m_fromText(attribute->GetValueView().data()));
+  } catch (CQnException& failure) {
+    GiveKind(failure, FailureKind_BadValue);
+    throw;
+  }
   AccessProperty(holder, false, value);
   return true;
 }
@@ -156,7 +164,8 @@ CAttributeCol& AttributesOf(QnVariant const& value) {
   bool const isObject = value.GetItemType() == ItemType_xmlCollection || value.GetItemType() == ItemType_xmlObject;
   auto* const attributes = isObject ? dynamic_cast<CAttributeCol*>(value.GetXmlObject().Get()) : nullptr;
   if (attributes != nullptr) return *attributes;
-  throw CQnException("Serialization Data Error : The collection should be a CAttributeCol, it was not!");
+  throw OfKind(FailureKind_Factory,
+               CQnException("Serialization Data Error : The collection should be a CAttributeCol, it was not!"));
 }
 
 }  // namespace

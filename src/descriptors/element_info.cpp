@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "binding/object_access.h"
@@ -208,12 +209,14 @@ bool CElementInfo::SeekRequiredElement(CXmlSerializationContext const& ctx, CXml
 }
 
 void CElementInfo::ThrowRequiredElement() const {
-  throw CQnValidationException(FormatString("Failed to find a required element [%s]", m_elementName.c_str()));
+  throw OfKind(FailureKind_MissingElement,
+               CQnValidationException(FormatString("Failed to find a required element [%s]", m_elementName.c_str())));
 }
 
 bool CElementInfo::ValidateMandatory(bool found, bool required) const {
   if (found || !required) return found;
-  throw CQnValidationException(FormatString("Failed to find the mandatory element [%s]", m_elementName.c_str()));
+  throw OfKind(FailureKind_MissingElement, CQnValidationException(FormatString(
+                                               "Failed to find the mandatory element [%s]", m_elementName.c_str())));
 }
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
@@ -226,7 +229,12 @@ bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** curso
 
 bool CElementInfo::TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const {
   QnVariant value;
-  value.SetI4(fromText((*cursor)->GetTextView().data()));
+  try {
+    value.SetI4(fromText((*cursor)->GetTextView().data()));
+  } catch (CQnException& failure) {
+    GiveKind(failure, FailureKind_BadValue);
+    throw;
+  }
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;
@@ -257,7 +265,8 @@ void CElementInfo::ReadAndStoreChild(CXmlSerializationContext const& ctx, CXmlGe
 CSmartPtr<CXmlObjectBase> CElementInfo::MakeChild(ClassFactory classFactory, int classId) const {
   CSmartPtr<CXmlObjectBase> child = classFactory(classId, m_elementName.c_str());
   if (!child)
-    throw CQnException(FormatString("The class factory made no object for the element [%s]", m_elementName.c_str()));
+    throw OfKind(FailureKind_Factory, CQnException(FormatString("The class factory made no object for the element [%s]",
+                                                                m_elementName.c_str())));
   return child;
 }
 
@@ -265,7 +274,9 @@ CSmartPtr<CXmlObjectBase> CElementInfo::FetchChild(CXmlGeneratedClass* holder) c
   QnVariant value;
   AccessProperty(holder, true, value);
   CSmartPtr<CXmlObjectBase> child = value.GetXmlObject();
-  if (!child) throw CQnException(FormatString("The class has no object for the element [%s]", m_elementName.c_str()));
+  if (!child)
+    throw OfKind(FailureKind_Factory,
+                 CQnException(FormatString("The class has no object for the element [%s]", m_elementName.c_str())));
   return child;
 }
 
@@ -278,7 +289,8 @@ CXmlCollectionBase* CElementInfo::LookAtCollection(CXmlGeneratedClass const* hol
   ReadProperty(holder, value);
   CXmlCollectionBase* const collection = value.LookAtXmlCollection();
   if (collection == nullptr) {
-    throw CQnException(FormatString("The class has no collection for the element [%s]", m_elementName.c_str()));
+    throw OfKind(FailureKind_Factory,
+                 CQnException(FormatString("The class has no collection for the element [%s]", m_elementName.c_str())));
   }
   return collection;
 }

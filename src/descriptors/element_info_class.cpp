@@ -1,3 +1,4 @@
+#include "base/failure_detail.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
@@ -125,8 +126,9 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqAbsClsMnd) {
   if (IsThisElement(ctx, *cursor)) child = m_elementFactory(*cursor);
   if (!child) {
     if (holderType != XmlElementType_Element) return false;
-    throw CQnValidationException(
-        FormatString("Failed to find a suitable substitution element for [%s]", m_elementName.c_str()));
+    throw OfKind(*cursor == nullptr || !IsThisElement(ctx, *cursor) ? FailureKind_MissingElement : FailureKind_Factory,
+                 CQnValidationException(
+                     FormatString("Failed to find a suitable substitution element for [%s]", m_elementName.c_str())));
   }
   ReadAndStoreChild(ctx, holder, child.Get(), cursor);
   return true;

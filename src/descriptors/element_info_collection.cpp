@@ -1,6 +1,8 @@
+#include "binding/failure_report.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
+#include "quillon9/xmlio/document.h"
 
 namespace Quillon9Data {
 
@@ -44,6 +46,24 @@ bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerial
   return true;
 }
 
+namespace {
+
+/// The first item of \p collection above its maximum if there is one, and \p next otherwise. The items are the children
+/// of \p parent in front of \p next that have the name of \p member.
+FailurePoint WhereCountIsWrong(CElementInfo const& member, CXmlSerializationContext const& ctx,
+                               CXmlCollectionBase const& collection, CXmlElement const* parent,
+                               CXmlElement const* next) {
+  int const most = collection.GetMaxOccurs();
+  if (most < 0 || collection.GetCount() <= most) return FailurePoint::At(parent, next);
+  int count = 0;
+  for (CXmlElement const* item = parent->GetFirstElement(); item != next; item = item->GetNextSiblingElement()) {
+    if (member.IsThisElement(ctx, item) && ++count > most) return {item};
+  }
+  return FailurePoint::At(parent, next);
+}
+
+}  // namespace
+
 // ---- Sequence: the collection takes every following sibling that it recognises; its count is checked immediately
 
 QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
@@ -54,7 +74,12 @@ QN_ELEMENT_TO_XML(CElementInfoSeqCol) {
 QN_ELEMENT_FROM_XML(CElementInfoSeqCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
   *cursor = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
-  return JudgeCount(*collection, ctx, holderType);
+  try {
+    return JudgeCount(*collection, ctx, holderType);
+  } catch (CQnException& failure) {
+    FailureReport::Note(failure, WhereCountIsWrong(*this, ctx, *collection, parent, *cursor));
+    throw;
+  }
 }
 
 // ---- All: no table contains one
@@ -75,7 +100,13 @@ QN_ELEMENT_TO_XML(CElementInfoChoiceCol) { return ElementToXmlCol(ctx, holder, w
 
 QN_ELEMENT_FROM_XML(CElementInfoChoiceCol) {
   CSmartPtr<CXmlCollectionBase> const collection = FetchCollection(holder);
-  return AcceptChosen(*collection, ctx, FromXml_Int(collection.Get(), parent, *cursor, ctx, false), cursor, holderType);
+  CXmlElement* const next = FromXml_Int(collection.Get(), parent, *cursor, ctx, false);
+  try {
+    return AcceptChosen(*collection, ctx, next, cursor, holderType);
+  } catch (CQnException& failure) {
+    FailureReport::Note(failure, WhereCountIsWrong(*this, ctx, *collection, parent, *cursor));
+    throw;
+  }
 }
 
 }  // namespace Quillon9Data

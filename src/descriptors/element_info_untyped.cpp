@@ -1,3 +1,4 @@
+#include "base/failure_detail.h"
 #include "descriptors/member_signatures.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -44,8 +45,9 @@ CXmlElement* CElementInfo::ReadUntypedCollection(CXmlSerializationContext const&
   if (m_elementName == kAnyElement) return FromXml_Int(collection, parent, cursor, ctx, false);
   auto* const elements = dynamic_cast<CElementCol*>(collection);
   if (elements == nullptr) {
-    throw CQnException(
-        FormatString("The collection for the element [%s] is none of untyped elements", m_elementName.c_str()));
+    throw OfKind(FailureKind_Factory,
+                 CQnException(FormatString("The collection for the element [%s] is none of untyped elements",
+                                           m_elementName.c_str())));
   }
   std::string const ns = cursor != nullptr ? cursor->GetNamespaceURI() : "";
   return elements->FromXmlLockElementName_Int(m_elementName, ns, parent, cursor, ctx);
@@ -59,8 +61,9 @@ QN_ELEMENT_FROM_XML(CElementInfoSeqUntpdMnd) {
   if (*cursor == nullptr) ThrowRequiredElement();  // whatever the holder is, unlike the other members
   if (ReadUntyped(ctx, FetchChild(holder).Get(), parent, cursor)) return true;
   if (holderType != XmlElementType_Element) return false;
-  throw CQnValidationException(
-      FormatString("Failed to find the required element from namespace [%s]", m_namespace.c_str()));
+  throw OfKind(FailureKind_MissingElement,
+               CQnValidationException(
+                   FormatString("Failed to find the required element from namespace [%s]", m_namespace.c_str())));
 }
 
 QN_ELEMENT_TO_XML(CElementInfoSeqUntpdOpt) { return ElementToXmlCls(ctx, holder, writer, false); }

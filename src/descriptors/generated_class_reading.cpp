@@ -8,9 +8,11 @@
 #include <utility>
 #include <vector>
 
+#include "base/failure_detail.h"
 #include "base/flag_set.h"
 #include "base/nesting_guard.h"
 #include "base/text_copy.h"
+#include "binding/failure_report.h"
 #include "descriptors/failed_scans.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
@@ -30,7 +32,8 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   try {
     return ReadElement(parent, cursor, ctx, inChoice);
-  } catch (CQnException const& cause) {
+  } catch (CQnException& cause) {
+    FailureReport::Note(cause, {parent});
     throw CQnValidationException(FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()),
                                  cause);
   }
@@ -103,15 +106,21 @@ CXmlElement* CXmlGeneratedClass::ReadGroup(CParentElementInfo const& info, CXmlE
 namespace {
 
 [[noreturn]] void ThrowUnexpectedAttribute(CXmlAttribute const& attribute) {
-  throw CQnValidationException(FormatString("Unexpected Attribute [%s] found.", attribute.GetLocalName().c_str()));
+  throw OfKind(FailureKind_UnexpectedAttribute, CQnValidationException(FormatString("Unexpected Attribute [%s] found.",
+                                                                                    attribute.GetLocalName().c_str())));
 }
 
 // Most members do not use the namespace of their holder, and its text is expensive to make.
 inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CElementInfo& member,
                 CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
-  if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
-  std::string const ns = holder->GetNamespace();
-  return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
+  try {
+    if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
+    std::string const ns = holder->GetNamespace();
+    return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
+  } catch (CQnException& failure) {
+    FailureReport::Note(failure, FailurePoint::At(parent, *cursor));
+    throw;
+  }
 }
 
 // Does the same and reports to `scans`, which is null if nothing is remembered.
@@ -146,14 +155,6 @@ bool TakesByName(CAttributeInfo* const* table) {
   return true;
 }
 
-// Returns the place of the descriptor that took the attribute, or the end of the table if none did.
-std::size_t OfferAttribute(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CAttributeInfo** table,
-                           CXmlAttribute* attribute) {
-  std::size_t i = 0;
-  while (table[i] != nullptr && !table[i]->AttributeFromXml(ctx, holder, attribute)) ++i;
-  return i;
-}
-
 }  // namespace
 
 void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
@@ -166,26 +167,33 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
   } else if (strcasecmp(value, "false") == 0) {
     nillable->SetNil(false);
   } else {  // deliberately includes 1 and 0
-    throw CQnValidationException(
-        FormatString("Unexpected Value for Attribute [%s] found.", attribute.GetLocalName().c_str()));
+    throw OfKind(FailureKind_Nil, CQnValidationException(FormatString("Unexpected Value for Attribute [%s] found.",
+                                                                      attribute.GetLocalName().c_str())));
   }
 }
 
 // Returns false if the attribute is ignored, which depends only on its name.
 bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAttributeInfo** table, FlagSet& found,
-                                       CXmlAttribute* attribute, bool reject) {
+                                       CXmlAttribute* attribute, bool reject, CXmlElement const* parent) {
   if (attribute->IsNamespaceAttribute()) return false;
-  if (attribute->IsNilAttribute()) {
-    ReadNilAttribute(*attribute);
-    return true;
+  bool const isNil = attribute->IsNilAttribute();
+  std::size_t taker = 0;
+  try {
+    if (isNil) {
+      ReadNilAttribute(*attribute);
+      return true;
+    }
+    while (table[taker] != nullptr && !table[taker]->AttributeFromXml(ctx, this, attribute)) ++taker;
+    if (table[taker] == nullptr) {
+      if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
+      return false;
+    }
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {parent, attribute})) throw;
+    if (isNil || table[taker] == nullptr) return true;
   }
-  std::size_t const taker = OfferAttribute(ctx, this, table, attribute);
-  if (table[taker] != nullptr) {
-    found.Set(taker);
-    return true;
-  }
-  if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
-  return false;
+  found.Set(taker);
+  return true;
 }
 
 void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
@@ -201,10 +209,16 @@ void CXmlGeneratedClass::ProcessAttributesFromXml(CXmlSerializationContext const
   } else {
     for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr;
          attribute = attribute->GetNextAttribute()) {
-      ReadAttribute(ctx, table, found, attribute, reject);
+      ReadAttribute(ctx, table, found, attribute, reject, parent);
     }
   }
-  for (std::size_t i = 0; i < count; ++i) table[i]->Validate(ctx, found[i]);
+  for (std::size_t i = 0; i < count; ++i) {
+    try {
+      table[i]->Validate(ctx, found[i]);
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {parent})) throw;
+    }
+  }
 }
 
 // A group is tried again for each child that is skipped, and gets all attributes each time.
@@ -219,7 +233,7 @@ void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx
     std::size_t steps = 0;
     for (CXmlAttribute* const attribute : *known) {
       steps += 1 + attribute->GetValueView().size() / 32;
-      ReadAttribute(ctx, table, found, attribute, reject);
+      ReadAttribute(ctx, table, found, attribute, reject, parent);
     }
     return scans.Spend(steps);
   }
@@ -227,7 +241,7 @@ void CXmlGeneratedClass::ReadGroupAttributes(CXmlSerializationContext const& ctx
   std::size_t steps = 0;
   for (auto* attribute = parent->GetFirstAttribute(); attribute != nullptr; attribute = attribute->GetNextAttribute()) {
     steps += 1 + attribute->GetValueView().size() / 32;
-    if (ReadAttribute(ctx, table, found, attribute, reject)) some.push_back(attribute);
+    if (ReadAttribute(ctx, table, found, attribute, reject, parent)) some.push_back(attribute);
   }
   scans.Spend(steps);
   if (isRemembered) scans.NoteAttributes(table, std::move(some));
@@ -282,7 +296,12 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
   for (std::size_t i = 0; i < count; ++i) {
     auto const* const member = dynamic_cast<CElementInfoAll const*>(GetClassElementInfo()[i]);
     if (member == nullptr) throw CQnException("The table of an all group holds a member of another group");
-    if (!member->Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
+    try {
+      if (!member->Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
+    } catch (CQnException& failure) {
+      FailureReport::Note(failure, FailurePoint::At(parent, cursor));
+      throw;
+    }
   }
   if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
   return cursor;
@@ -312,11 +331,14 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationCo
   if (!found && !inChoice) {
     if (type == XmlElementType_Pseudo && ctx.GetIgnoreUnknownElements()) return entry;
     if (type == XmlElementType_Element && !DoesElementContainOptionalElements() && !ctx.GetIgnoreMissingChoice()) {
-      throw CQnValidationException(
-          FormatString("No child elements within the element [%s] were populated. The element represents a "
-                       "choice, so one and only "
-                       "one element should be populated. The element contained no sutable child elements",
-                       parent->GetLocalName().c_str()));
+      throw FailureReport::Noted(
+          FailurePoint::At(parent, cursor),
+          OfKind(FailureKind_EmptyChoice,
+                 CQnValidationException(
+                     FormatString("No child elements within the element [%s] were populated. The element represents a "
+                                  "choice, so one and only "
+                                  "one element should be populated. The element contained no sutable child elements",
+                                  parent->GetLocalName().c_str()))));
     }
   }
   if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
@@ -326,10 +348,12 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationCo
 void CXmlGeneratedClass::RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent,
                                         CXmlElement const* cursor) const {
   if (cursor == nullptr || ctx.GetIgnoreUnknownElements()) return;
-  throw CQnValidationException(
-      FormatString("Failed read all the elements held within the element [%s]. The unexpected element [%s] "
-                   "remains un processed",
-                   parent->GetLocalName().c_str(), cursor->GetLocalName().c_str()));
+  throw FailureReport::Noted(
+      {cursor}, OfKind(FailureKind_UnexpectedElement,
+                       CQnValidationException(FormatString(
+                           "Failed read all the elements held within the element [%s]. The unexpected element [%s] "
+                           "remains un processed",
+                           parent->GetLocalName().c_str(), cursor->GetLocalName().c_str()))));
 }
 
 }  // namespace Quillon9

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/fast_paths.h"
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
@@ -127,9 +128,11 @@ void CXmlGeneratedClass::ProcessElementChoiceToXml(CXmlSerializationContext cons
     if ((*elements)->ElementToXml(ctx, this, writer)) return;
   }
   if (DoesElementContainOptionalElements() || inChoice || ctx.GetIgnoreMissingChoice()) return;
-  throw CQnValidationException(
-      "This element is a choice, and as such must have at one (and only one) valid item, currently there are none "
-      "set");
+  throw OfKind(
+      FailureKind_EmptyChoice,
+      CQnValidationException(
+          "This element is a choice, and as such must have at one (and only one) valid item, currently there are none "
+          "set"));
 }
 
 }  // namespace Quillon9

@@ -1,6 +1,8 @@
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/text_arguments.h"
+#include "binding/failure_report.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/values/object_helper.h"
@@ -97,18 +99,23 @@ void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSeri
   for (CAttribute const& attribute : *this) CXmlObjectBase::ToXml_Int(&attribute, writer, false, ns, ctx, false);
 }
 
-CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const&,
+CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                         bool) {
   if (parent == nullptr) return cursor;
   for (auto const* attribute = parent->GetFirstAttribute(); attribute != nullptr;
        attribute = attribute->GetNextAttribute()) {
-    std::string const& ns = attribute->GetNamespaceURI();
-    if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {
-      throw CQnInvalidNamespaceException(FormatString(
-          "Invalid Attribute [%s]. The attributes namespace is Inappropriate.", attribute->GetLocalName().c_str()));
+    try {
+      std::string const& ns = attribute->GetNamespaceURI();
+      if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {
+        throw OfKind(FailureKind_Namespace, CQnInvalidNamespaceException(FormatString(
+                                                "Invalid Attribute [%s]. The attributes namespace is Inappropriate.",
+                                                attribute->GetLocalName().c_str())));
+      }
+      GenericSize::CountAttribute(*parent, *attribute);
+      Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(), ns.c_str());
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {parent, attribute})) throw;
     }
-    GenericSize::CountAttribute(*parent, *attribute);
-    Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(), ns.c_str());
   }
   return cursor;
 }

@@ -1,8 +1,10 @@
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
+#include "binding/failure_report.h"
 #include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
 #include "descriptors/generic_size.h"
@@ -185,14 +187,21 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
     return cursor;
   }
   NestingGuard const guard = Descend();
-  GenericSize::CountElement(*cursor);
-  FailedScans::SpendOnGeneric(*cursor, ctx);
   CXmlElement* left = cursor->GetFirstElement();
-  if (cursor->GetFirstAttribute() != nullptr) CXmlObjectBase::FromXml_Int(GetAttributes(), cursor, nullptr, ctx);
-  if (left != nullptr) left = CXmlObjectBase::FromXml_Int(GetElements(), cursor, left, ctx);
+  try {
+    GenericSize::CountElement(*cursor);
+    FailedScans::SpendOnGeneric(*cursor, ctx);
+    if (cursor->GetFirstAttribute() != nullptr) CXmlObjectBase::FromXml_Int(GetAttributes(), cursor, nullptr, ctx);
+    if (left != nullptr) left = CXmlObjectBase::FromXml_Int(GetElements(), cursor, left, ctx);
+  } catch (CQnException& failure) {
+    FailureReport::Note(failure, {cursor});
+    throw;
+  }
   if (left != nullptr) {
-    throw CQnValidationException(
-        FormatString("Invalid Element [%s] found in element [%s]", cursor->GetLocalName().c_str(), m_name.c_str()));
+    throw FailureReport::Noted(
+        {left}, OfKind(FailureKind_UnexpectedElement,
+                       CQnValidationException(FormatString("Invalid Element [%s] found in element [%s]",
+                                                           cursor->GetLocalName().c_str(), m_name.c_str()))));
   }
   m_text = cursor->GetTextView();
   m_name = cursor->GetLocalName();
@@ -305,9 +314,14 @@ CXmlElement* CElementCol::Take(char const* restriction, CXmlElement* parent, CXm
                                CXmlSerializationContext const& ctx) {
   CSmartPtr<CElement> const element(new CElement(cursor->GetLocalName().c_str(), cursor->GetNamespaceURI().c_str(),
                                                  restriction, m_targetNamespace.c_str()));
-  CXmlElement* const next = CXmlObjectBase::FromXml_Int(element.Get(), parent, cursor, ctx);
-  if (next != cursor) Add(element.Get());
-  return next;
+  try {
+    CXmlElement* const next = CXmlObjectBase::FromXml_Int(element.Get(), parent, cursor, ctx);
+    if (next != cursor) Add(element.Get());
+    return next;
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {cursor})) throw;
+    return cursor->GetNextSiblingElement();
+  }
 }
 
 CXmlElement* CElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -47,8 +48,9 @@ void ReadingAllowance::Extend() {
   m_patience = t_base + once;
   m_limit = 4 * t_base + t_times * once;
   if (m_spent <= m_limit) return;
-  throw CQnException(FormatString("Reading the element [%s] takes too many attempts at groups without a tag",
-                                  m_root.GetLocalName().c_str()));
+  throw OfKind(FailureKind_Limit,
+               CQnException(FormatString("Reading the element [%s] takes too many attempts at groups without a tag",
+                                         m_root.GetLocalName().c_str())));
 }
 
 }  // namespace Quillon9

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "text/code_page.h"
 
@@ -20,7 +21,8 @@ void Utf8Text::CheckWellFormed(std::string_view text) {
   std::size_t first = length - std::min(length, kMostShown);
   while (first < length && IsTrailByte(CodePage::Bytes(text.data())[first])) ++first;
   std::string const shown(text.substr(first, length - first));
-  throw CQnInvalidValueException(FormatString("The text is not well-formed UTF-8 after [%s]", shown.c_str()));
+  throw OfKind(FailureKind_BadValue,
+               CQnInvalidValueException(FormatString("The text is not well-formed UTF-8 after [%s]", shown.c_str())));
 }
 
 }  // namespace Quillon9

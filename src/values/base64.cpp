@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -92,7 +93,7 @@ std::string CBase64::Encode(unsigned char const* data, int length) {
 int CBase64::Decode(char const* text, unsigned char* out) {
   if (text == nullptr || out == nullptr) return 0;
   std::size_t const length = std::strlen(text);
-  if (length / 4 >= INT_MAX / 3) throw CQnException("The base64 text is too long");
+  if (length / 4 >= INT_MAX / 3) throw OfKind(FailureKind_BadValue, CQnException("The base64 text is too long"));
   Start(nullptr, 0);
   int position = 0;
   auto const* at = reinterpret_cast<unsigned char const*>(text);

@@ -5,6 +5,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/decimal.h"
 #include "values/digits.h"
@@ -15,7 +16,9 @@ namespace Quillon9 {
 
 namespace {
 
-[[noreturn]] void ThrowInvalid(char const* message) { throw CQnInvalidValueException(message); }
+[[noreturn]] void ThrowInvalid(char const* message) {
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(message));
+}
 
 // The characters of texts that can be read without CDecimal.
 bool IsIntegerCharacter(char c) {

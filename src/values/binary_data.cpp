@@ -7,6 +7,7 @@
 #include <functional>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/base64.h"
@@ -33,7 +34,8 @@ constexpr std::array<signed char, 256> kHexTable = MakeHexTable();
 
 std::uint32_t CheckedLength(std::uint64_t length) {
   if (length > UINT32_MAX) {
-    throw CQnException(FormatString("The data is too long [%llu bytes]", static_cast<unsigned long long>(length)));
+    throw OfKind(FailureKind_BadValue, CQnException(FormatString("The data is too long [%llu bytes]",
+                                                                 static_cast<unsigned long long>(length))));
   }
   return static_cast<std::uint32_t>(length);
 }
@@ -62,7 +64,7 @@ unsigned char const* Bytes(char const* text) { return reinterpret_cast<unsigned 
 
 unsigned char HexNibble(char c) {
   signed char const value = kHexTable[static_cast<unsigned char>(c)];
-  if (value < 0) throw CQnException(FormatString("Invalid char in hex string [%c]", c));
+  if (value < 0) throw OfKind(FailureKind_BadValue, CQnException(FormatString("Invalid char in hex string [%c]", c)));
   return static_cast<unsigned char>(value);
 }
 
@@ -272,7 +274,8 @@ void CBinaryData::SetAsBase64(char const* text) {
 
 std::string CBinaryData::GetAsBase64() const {
   if (GetLength() > kMaxBase64Length) {
-    throw CQnException(FormatString("The data is too long for base64 [%lu bytes]", GetLength()));
+    throw OfKind(FailureKind_BadValue,
+                 CQnException(FormatString("The data is too long for base64 [%lu bytes]", GetLength())));
   }
   return CBase64().Encode(GetData(), static_cast<int>(GetLength()));
 }

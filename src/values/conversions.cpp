@@ -6,6 +6,7 @@
 #include <limits>
 #include <optional>
 
+#include "base/failure_detail.h"
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "values/number_text.h"
@@ -28,7 +29,7 @@ constexpr std::size_t kR8BufferSize = 48;
 
 // `format` contains one "%s", which is replaced by `text` up to its first zero byte.
 [[noreturn]] void ThrowInvalidValue(char const* format, std::string_view text) {
-  throw CQnInvalidValueException(FormatString(format, text.data()));
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(format, text.data())));
 }
 
 // No rule changes a number that consists only of digits, a sign and a point, so applying the rule can be skipped.

@@ -5,6 +5,7 @@
 #include <iterator>
 #include <limits>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -61,7 +62,7 @@ CDateTime& CDateTime::operator=(long const& time) {
   long const year = fields.tm_year + 1900L;
   if (!isKnown || year > std::numeric_limits<std::int16_t>::max() || year < std::numeric_limits<std::int16_t>::min()) {
     RequireTypeOf(dt_dateTime);
-    throw CQnInvalidValueException(FormatString("Invalid Time [%ld]", time));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Time [%ld]", time)));
   }
   SetDateTime(static_cast<std::int16_t>(year), static_cast<std::uint8_t>(fields.tm_mon + 1),
               static_cast<std::uint8_t>(fields.tm_mday), static_cast<std::uint8_t>(fields.tm_hour),
@@ -140,11 +141,12 @@ void CDateTime::SetGYearMonth(std::int16_t year, std::uint8_t month) {
 
 void CDateTime::SetDateTime(CDateTime const& source, DTType target) {
   if (!CheckConversion(source.m_type, target)) {
-    throw CQnInvalidValueException(
-        FormatString("Attempting to set a CDateTime of type %s using an XmlDateTime of type %s. The source CDateTime "
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString(
+                     "Attempting to set a CDateTime of type %s using an XmlDateTime of type %s. The source CDateTime "
                      "does not contian "
                      "enough data to allow the conversion.",
-                     GetTypeAsString(target).c_str(), source.GetTypeAsString().c_str()));
+                     GetTypeAsString(target).c_str(), source.GetTypeAsString().c_str())));
   }
   *this = source;
   m_type = target;
@@ -165,7 +167,8 @@ bool CDateTime::CheckConversion(DTType source, DTType target) {
     case dt_gDay:
     case dt_gMonth: return false;
   }
-  throw CQnInvalidValueException(FormatString("Unknown date type %d.", static_cast<int>(source)));
+  throw OfKind(FailureKind_BadValue,
+               CQnInvalidValueException(FormatString("Unknown date type %d.", static_cast<int>(source))));
 }
 
 void CDateTime::Clear() { *this = CDateTime(); }
@@ -239,7 +242,8 @@ double CDateTime::GetRealSecond() const {
 int CDateTime::GetDayOfYear() const {
   Require(m_type == dt_dateTime || m_type == dt_date, "GetDayOfYear");
   if (m_month < 1 || m_month > std::size(g_monthDayInYear)) {
-    throw CQnInvalidValueException(FormatString("Invalid Month [%d] (1 <= month <= 12)", m_month));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString("Invalid Month [%d] (1 <= month <= 12)", m_month)));
   }
   return g_monthDayInYear[m_month - 1] + m_day + (IsLeapYear(m_year) && m_month <= 2 ? 1 : 0);
 }
@@ -254,8 +258,10 @@ int CDateTime::GetDayOfWeek() const {
 
 long CDateTime::GetTime() const {
   if (m_type != dt_dateTime && m_type != dt_date) {
-    throw CQnInvalidValueException(FormatString(
-        "Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: %s.", GetTypeAsString().c_str()));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(
+                     FormatString("Failed to GetTime, Date Status must be dateTime or date. Invalid Date Type: %s.",
+                                  GetTypeAsString().c_str())));
   }
   CDateTime const normal = GetNormalized();
   std::tm fields{};
@@ -286,7 +292,8 @@ void CDateTime::SetUTC() {
 
 void CDateTime::SetTimeZone(std::int16_t hour, std::uint8_t minute) {
   if (hour < -23 || hour > 23 || minute > 59) {
-    throw CQnInvalidValueException(FormatString("Invalid TimeZone [%d:%d]", hour, minute));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString("Invalid TimeZone [%d:%d]", hour, minute)));
   }
   m_isUTC = true;
   m_hasTimeZone = true;
@@ -309,23 +316,26 @@ std::uint8_t CDateTime::GetZoneMinute() const {
 namespace {
 
 [[noreturn]] void ThrowInvalid(char const* format, int value) {
-  throw CQnInvalidValueException(FormatString(format, value));
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(format, value)));
 }
 
 }  // namespace
 
 void CDateTime::Validate() const {
-  if (m_type == dt_yearZero) throw CQnInvalidValueException("Invalid Year Zero");
+  if (m_type == dt_yearZero) throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Year Zero"));
   if (HasMonth() ? m_month < 1 || m_month > 12 : m_month != 0) {
     if (HasMonth()) ThrowInvalid("Invalid Month [%d] (1 <= month <= 12)", m_month);
-    throw CQnInvalidValueException(FormatString("Invalid Month [%d] for type %s", m_month, GetTypeAsString().c_str()));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Month [%d] for type %s", m_month,
+                                                                             GetTypeAsString().c_str())));
   }
   if (HasYear() && (m_year == 0 || m_year < MIN_YEAR || m_year > MAX_YEAR)) {
-    throw CQnInvalidValueException(
-        FormatString("Invalid Year [%d] (%d <= year <= %d && year != 0)", m_year, MAX_YEAR, MIN_YEAR));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(
+                     FormatString("Invalid Year [%d] (%d <= year <= %d && year != 0)", m_year, MAX_YEAR, MIN_YEAR)));
   }
   if (!HasYear() && m_year != 0) {
-    throw CQnInvalidValueException(FormatString("Invalid Year [%d] for type %s", m_year, GetTypeAsString().c_str()));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Year [%d] for type %s", m_year,
+                                                                             GetTypeAsString().c_str())));
   }
   ValidateDay();
   ValidateTime();
@@ -344,7 +354,8 @@ void CDateTime::ValidateDay() const {
   } else if (m_type == dt_gDay) {
     if (m_day == 0) ThrowInvalid("Invalid Day [%d] (1 <= day <= 31)", m_day);
   } else if (m_day != 0) {
-    throw CQnInvalidValueException(FormatString("Invalid Day [%d] for type %s", m_day, GetTypeAsString().c_str()));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Day [%d] for type %s", m_day,
+                                                                             GetTypeAsString().c_str())));
   }
 }
 
@@ -369,11 +380,12 @@ void CDateTime::ValidateTime() const {
   for (auto const& field : fields) {
     if (HasTime()) {
       if (field.value <= field.greatest) continue;
-      throw CQnInvalidValueException(FormatString("Invalid %s [%d] (0 <= %s)", field.name, field.value, field.range));
+      throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid %s [%d] (0 <= %s)", field.name,
+                                                                               field.value, field.range)));
     }
     if (field.value == 0) continue;
-    throw CQnInvalidValueException(
-        FormatString("Invalid %s [%d] for type %s", field.name, field.value, GetTypeAsString().c_str()));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid %s [%d] for type %s", field.name,
+                                                                             field.value, GetTypeAsString().c_str())));
   }
 }
 

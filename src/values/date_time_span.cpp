@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <iterator>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/date_time.h"
@@ -68,8 +69,9 @@ void CDateTimeSpan::Clear() { *this = CDateTimeSpan(); }
 namespace {
 
 [[noreturn]] void ThrowInvalidDuration(char const* text) {
-  throw CQnInvalidValueException(
-      FormatString("Invalid XSD Duration [%s] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", text));
+  throw OfKind(FailureKind_BadValue,
+               CQnInvalidValueException(
+                   FormatString("Invalid XSD Duration [%s] expected [-]P[nY][nM][nD][T[nH][nM][nS.ff]]", text)));
 }
 
 // How far a text has been read, which decides what may follow.
@@ -94,7 +96,8 @@ void CDateTimeSpan::ReadFraction(char const*& at, char const* text) {
   for (std::size_t count = 0; IsDigit(*at); ++at, ++count) {
     int const digit = *at - '0';
     if (count == 9) {
-      throw CQnInvalidValueException(FormatString("Invalid XSD Duration [%s] Fraction part too long", text));
+      throw OfKind(FailureKind_BadValue,
+                   CQnInvalidValueException(FormatString("Invalid XSD Duration [%s] Fraction part too long", text)));
     }
     if (count < 6) {
       std::uint16_t& group = count < 3 ? m_milliSeconds : m_microSeconds;
@@ -107,8 +110,10 @@ void CDateTimeSpan::ReadFraction(char const*& at, char const* text) {
 
 void CDateTimeSpan::ParseXSDDuration(char const* text) {
   Clear();
-  if (text == nullptr) throw CQnInvalidValueException("Invalid XSD Duration (Null String)");
-  if (*text == '\0') throw CQnInvalidValueException("Invalid XSD Duration (Empty String)");
+  if (text == nullptr)
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid XSD Duration (Null String)"));
+  if (*text == '\0')
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid XSD Duration (Empty String)"));
   char const* at = text;
   if (*at == '-') {
     m_negative = true;

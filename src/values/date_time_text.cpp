@@ -2,6 +2,7 @@
 
 #include <cstring>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/date_time.h"
 #include "values/number_text.h"
@@ -67,7 +68,8 @@ std::string ToFracString(unsigned short milli, unsigned short micro, unsigned sh
 std::string CDateTime::ToString(char const* format) const {
   bool const allZero = m_year == 0 && m_month == 0 && m_day == 0 && m_hour == 0 && m_minute == 0 && m_second == 0 &&
                        m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0;
-  if (m_type == dt_yearZero || (m_type != dt_time && allZero)) throw CQnInvalidValueException("Date Not Set");
+  if (m_type == dt_yearZero || (m_type != dt_time && allZero))
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Date Not Set"));
   if (format == nullptr || std::strcmp(format, "G") == 0) return "";
   if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
   char text[64];  // all fields together have 52 characters at most
@@ -125,22 +127,24 @@ void CDateTime::SetZone(char const* text) {
     int minute = 0;
     bool const valid =
         std::strlen(text) == 6 && ReadDigits(text + 1, 2, hour) && text[3] == ':' && ReadDigits(text + 4, 2, minute);
-    if (!valid) throw CQnInvalidValueException(FormatString("Invalid XSD Time Zone [%s]", text));
+    if (!valid)
+      throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid XSD Time Zone [%s]", text)));
     if (hour == 24) hour = 0;
     SetTimeZone(static_cast<std::int16_t>(*text == '-' ? -hour : hour), static_cast<std::uint8_t>(minute));
   }
 }
 
 void CDateTime::SetXSDTime(char const* text) {
-  if (text == nullptr) throw CQnInvalidValueException("Invalid Time (Null String)");
-  if (*text == '\0') throw CQnInvalidValueException("Invalid XSD Time (Empty String)");
+  if (text == nullptr) throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Time (Null String)"));
+  if (*text == '\0') throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid XSD Time (Empty String)"));
   std::uint8_t hour = 0;
   std::uint8_t minute = 0;
   std::uint8_t second = 0;
   bool const valid = ReadDigits(text, 2, hour) && text[2] == ':' && ReadDigits(text + 3, 2, minute) && text[5] == ':' &&
                      ReadDigits(text + 6, 2, second) && hour <= 23 && minute <= 59 && second <= 59;
   if (!valid) {
-    throw CQnInvalidValueException(FormatString("Invalid XSD Time [%s] expected hh:mm:ss[.ff]", text));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString("Invalid XSD Time [%s] expected hh:mm:ss[.ff]", text)));
   }
   m_hour = hour;
   m_minute = minute;
@@ -152,7 +156,8 @@ void CDateTime::SetXSDTime(char const* text) {
     ++at;
     for (std::size_t count = 0; IsDigit(*at); ++at, ++count) {
       if (count == 9) {
-        throw CQnInvalidValueException(FormatString("Invalid XSD Time [%s] Fraction part too long", text));
+        throw OfKind(FailureKind_BadValue,
+                     CQnInvalidValueException(FormatString("Invalid XSD Time [%s] Fraction part too long", text)));
       }
       std::uint16_t& group = *groups[count / 3];
       group = static_cast<std::uint16_t>(group + (*at - '0') * weights[count % 3]);
@@ -163,19 +168,22 @@ void CDateTime::SetXSDTime(char const* text) {
 }
 
 void CDateTime::SetXSDDate(char const* text) {
-  if (text == nullptr) throw CQnInvalidValueException("Invalid Date (Null String)");
-  if (*text == '\0') throw CQnInvalidValueException("Invalid Date (Empty String)");
-  if (std::strchr(text, 'T') != nullptr) throw CQnInvalidValueException("Invalid Date ('T' not allowed)");
+  if (text == nullptr) throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Date (Null String)"));
+  if (*text == '\0') throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Date (Empty String)"));
+  if (std::strchr(text, 'T') != nullptr)
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Date ('T' not allowed)"));
   auto length = static_cast<long>(std::strlen(text));
   bool const hasColon = std::strchr(text, ':') != nullptr;
   bool const endsInZ = text[length - 1] == 'Z';
-  if (endsInZ && hasColon) throw CQnInvalidValueException("Invalid Date (Bad Zone value)");
+  if (endsInZ && hasColon)
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid Date (Bad Zone value)"));
   length -= endsInZ ? 1 : hasColon ? 6 : 0;
   bool const isShort = text[0] == '-' && text[1] == '-';
   bool const negative = !isShort && text[0] == '-';
   bool const valid = isShort ? ReadShortDate(text, length) : ReadFullDate(text + negative, length - negative, negative);
   if (!valid) {
-    throw CQnInvalidValueException(FormatString("Invalid XSD Date [%s] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                           "Invalid XSD Date [%s] expected CCYY-MM-DD[Z|[+|-]hh:mm]", text)));
   }
   if (endsInZ || hasColon) SetZone(text + length);
 }
@@ -230,13 +238,15 @@ void CDateTime::ParseXSDTime(char const* text) {
 }
 
 void CDateTime::ParseXSDDateTime(char const* text) {
-  if (text == nullptr) throw CQnInvalidValueException("Invalid DateTime (Null String)");
+  if (text == nullptr) throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Invalid DateTime (Null String)"));
   char const* const separator = std::strchr(text, 'T');
-  if (separator == nullptr) throw CQnInvalidValueException(FormatString("Invalid XSD DateTime [%s]", text));
+  if (separator == nullptr)
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid XSD DateTime [%s]", text)));
   Clear();
   SetXSDDate(std::string(text, separator).c_str());
   if (m_type != dt_date) {
-    throw CQnInvalidValueException(FormatString("Invalid XSD DateTime [%s] expected CCYY-MM-DDThh:mm:ss[.ff]", text));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                           "Invalid XSD DateTime [%s] expected CCYY-MM-DDThh:mm:ss[.ff]", text)));
   }
   SetXSDTime(separator + 1);
   m_type = dt_dateTime;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/whitespace.h"
 #include "values/decimal_parts.h"
@@ -40,9 +41,10 @@ bool IsExponentMark(char c) { return c == 'e' || c == 'E'; }
 bool IsSign(char c) { return c == '-' || c == '+'; }
 
 [[noreturn]] void ThrowInvalidChar(char const* text, char const* at) {
-  throw CQnInvalidValueException(
-      FormatString("The string representing a Decimal, contained an invalid char at position %d [%s]",
-                   static_cast<int>(at - text), text));
+  throw OfKind(FailureKind_BadValue,
+               CQnInvalidValueException(
+                   FormatString("The string representing a Decimal, contained an invalid char at position %d [%s]",
+                                static_cast<int>(at - text), text)));
 }
 
 // `format` expects the limit and the text.
@@ -50,7 +52,7 @@ bool IsSign(char c) { return c == '-' || c == '+'; }
   constexpr std::size_t kShown = 64;
   std::string shown(text, strnlen(text, kShown));
   if (text[shown.size()] != '\0') shown += "...";
-  throw CQnOverFlowException(FormatString(format, limit, shown.c_str()));
+  throw OfKind(FailureKind_BadValue, CQnOverFlowException(FormatString(format, limit, shown.c_str())));
 }
 
 // Reads digits, and also signs if `isNegative` is given, until a character that is neither of them nor white space.

@@ -6,6 +6,7 @@
 #include <limits>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "values/limbs.h"
 #include "values/number_text.h"
@@ -66,7 +67,7 @@ Digits MultipliedDigits(std::string_view a, std::string_view b) {
 }
 
 Digits DividedDigits(Digits& a, std::string_view b) {
-  if (CountDigits(b) == 0) throw CQnInvalidValueException("ERROR: Overflow in Divide.");
+  if (CountDigits(b) == 0) throw OfKind(FailureKind_BadValue, CQnInvalidValueException("ERROR: Overflow in Divide."));
   Digits quotient;
   if (std::max(a.size(), b.size()) <= kWideDigits) {
     Wide const dividend = PackWide(a);
@@ -102,7 +103,8 @@ Digits DigitsOf(unsigned long long value) {
 Digits DigitsOfDouble(double value) {
   if (!std::isfinite(value)) {
     std::string const text = GeneralText(value, 6);
-    throw CQnInvalidValueException(FormatString("The value [%s] can not be converted to a BigInteger", text.c_str()));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                           "The value [%s] can not be converted to a BigInteger", text.c_str())));
   }
   double rest = std::ceil(value - 0.5);
   if (rest <= kExactDouble) return DigitsOf(rest > 0 ? static_cast<std::uint64_t>(rest) : 0);

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/unicode.h"
@@ -23,7 +24,8 @@ constexpr std::size_t kLargestBinary = 0xFFFFFFFFU;
 using Buffer = std::unique_ptr<unsigned char[]>;
 
 Buffer Allocate(std::size_t size) {
-  if (size > kLargestBinary) throw CQnException(FormatString("The data is too long [%zu bytes]", size));
+  if (size > kLargestBinary)
+    throw OfKind(FailureKind_BadValue, CQnException(FormatString("The data is too long [%zu bytes]", size)));
   return Buffer(new unsigned char[size]);
 }
 

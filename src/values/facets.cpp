@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
@@ -24,7 +25,7 @@ namespace Quillon9 {
 namespace {
 
 [[noreturn]] void ThrowInvalidValue(char const* name, std::string const& shown) {
-  throw CQnException(FormatString("Invalid Value for %s [%s]", name, shown.c_str()));
+  throw OfKind(FailureKind_BrokenFacet, CQnException(FormatString("Invalid Value for %s [%s]", name, shown.c_str())));
 }
 
 // ---- Numbers. Each test states the condition that must hold, so that a NaN fails it.

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/binary_data.h"
@@ -83,7 +84,8 @@ CompiledPattern Compile(std::string const& pattern) { return CompiledPattern(pat
 
 bool Matches(CompiledPattern& pattern, std::string_view subject) {
   subject = subject.substr(0, subject.find('\0'));
-  if (subject.size() > INT_MAX) throw CQnException("The value is too long to be matched");
+  if (subject.size() > INT_MAX)
+    throw OfKind(FailureKind_BrokenFacet, CQnException("The value is too long to be matched"));
   return pattern.Matches(subject.data(), static_cast<int>(subject.size()));
 }
 

@@ -10,6 +10,7 @@
 #include <new>
 #include <vector>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
 #include "quillon9/values/binary_data.h"
@@ -73,7 +74,8 @@ class Collector {
     m_length += length;
     std::uint32_t const limit = CLimits::GetMaxDecompressedSize();
     if (m_length > limit) {
-      throw CQnException(FormatString("The decompressed data exceeds the limit of %u bytes", limit));
+      throw OfKind(FailureKind_Limit,
+                   CQnException(FormatString("The decompressed data exceeds the limit of %u bytes", limit)));
     }
   }
 

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/nesting_failure.h"
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
@@ -112,8 +113,9 @@ void CXmlDocument::StartCounting() {
 }
 
 void CXmlDocument::ThrowContentTooLarge() const {
-  throw CQnException(FormatString("The content of the document exceeds the limit of %llu bytes",
-                                  static_cast<unsigned long long>(m_contentLimit)));
+  throw OfKind(FailureKind_Limit,
+               CQnException(FormatString("The content of the document exceeds the limit of %llu bytes",
+                                         static_cast<unsigned long long>(m_contentLimit))));
 }
 
 void CXmlDocument::CheckDocumentType() {

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
@@ -168,8 +169,9 @@ bool CExpatReader::HasByteOrderMark() const {
 void CExpatReader::CountDeclaredAttribute(XML_Char const* element) {
   std::uint32_t const limit = CLimits::GetMaxDeclaredAttributes();
   if (++m_declaredAttributes[element] <= limit) return;
-  throw CQnException(FormatString("The document type declares more than %u attributes for the element [%s]", limit,
-                                  m_toLocal(element).c_str()));
+  throw OfKind(FailureKind_Limit,
+               CQnException(FormatString("The document type declares more than %u attributes for the element [%s]",
+                                         limit, m_toLocal(element).c_str())));
 }
 
 CXmlName const* CExpatReader::NameOf(XML_Char const* whole) {

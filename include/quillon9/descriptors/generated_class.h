@@ -173,7 +173,7 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   CXmlElement* ReadGroup(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
                          CXmlSerializationContext const& ctx, bool inChoice);
   bool ReadAttribute(CXmlSerializationContext const& ctx, Quillon9Data::CAttributeInfo** table, FlagSet& found,
-                     CXmlAttribute* attribute, bool reject);
+                     CXmlAttribute* attribute, bool reject, CXmlElement const* parent);
   void ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans, CXmlElement* parent,
                            Quillon9Data::CAttributeInfo** table, FlagSet& found, bool reject);
   void ReadNilAttribute(CXmlAttribute const& attribute);
