@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <cwchar>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <utility>
 
 #include "base/failure_detail.h"
+#include "binding/document_places.h"
 #include "fastinfoset/reader.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
@@ -61,14 +63,16 @@ long GetFileSize(std::FILE* file) {
   return _filelength(file);
 }
 
+[[noreturn]] void ThrowEmptyText() { throw OfKind(FailureKind_Input, CQnException("XML String is empty!")); }
+
 std::size_t LengthOrThrow(char const* text) {
   std::size_t const length = text != nullptr ? std::strlen(text) : 0;
-  if (length == 0) throw CQnException("XML String is empty!");
+  if (length == 0) ThrowEmptyText();
   return length;
 }
 
 void ThrowIfNoStream(unsigned char const* data, unsigned long size) {
-  if (size == 0 || data == nullptr) throw CQnException("XML Stream is empty!");
+  if (size == 0 || data == nullptr) throw OfKind(FailureKind_Input, CQnException("XML Stream is empty!"));
 }
 
 void ThrowIfTooLarge(unsigned long size) {
@@ -80,6 +84,14 @@ void ThrowIfTooLarge(unsigned long size) {
 
 /// The message for an errno.
 std::string ErrorText(int error) { return std::generic_category().message(error); }
+
+/// A filter of the program may have read something else, and know a place in that.
+void SetPlace(CQnException& failure, CFailurePlace place) {
+  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  if (detail.hasPlace) return;
+  detail.place = std::move(place);
+  detail.hasPlace = true;
+}
 
 /// How a tree holds its text: as the read of an object around it does, unless its own context asks for UTF-8.
 Utf8Text::Use TextUse(CXmlSerializationContext const& context) {
@@ -95,17 +107,10 @@ void CXmlDocument::LoadXml(char const* text) {
   ParseText();
 }
 
-void CXmlDocument::LoadLentXml(char const* text) {
-  Cleanup();
-  LendInput(text, LengthOrThrow(text));
-  ParseText();
-  ReturnInput();
-}
-
 void CXmlDocument::LoadXml(wchar_t const* text) {
   Cleanup();
   std::size_t const length = text != nullptr ? std::wcslen(text) : 0;
-  if (length == 0) throw CQnException("XML String is empty!");
+  if (length == 0) ThrowEmptyText();
   unsigned char* out = AllocateInput(2 * length + 2);
   *out++ = 0xFF;  // the byte order mark, little-endian
   *out++ = 0xFE;
@@ -114,7 +119,7 @@ void CXmlDocument::LoadXml(wchar_t const* text) {
     *out++ = static_cast<unsigned char>(character & 0xFF);
     *out++ = static_cast<unsigned char>(character >> 8 & 0xFF);
   }
-  ParseText();
+  ParseText(true);
 }
 
 void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) {
@@ -124,27 +129,28 @@ void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) 
   Parse();
 }
 
-void CXmlDocument::LoadLentXmlStream(unsigned char const* data, unsigned long size) {
-  Cleanup();
-  ThrowIfNoStream(data, size);
-  if (HasCompressedHeader(data, size)) {
-    CopyInput(data, size);
-  } else {
-    LendInput(data, size);
-  }
-  Parse();
-  ReturnInput();
-}
-
 void CXmlDocument::Load(char const* path) {
   Cleanup();
   if (path == nullptr) path = "";
+  try {
+    ReadFile(path);
+    Parse(path);
+  } catch (CQnException& failure) {
+    CFailurePlace place;
+    place.SetFile(path);
+    SetPlace(failure, std::move(place));
+    throw;
+  }
+}
+
+void CXmlDocument::ReadFile(char const* path) {
   FilePtr file = OpenFile(path);
-  if (file == nullptr) throw CQnException(FormatString("Failed to open the file [%s]", path));
+  if (file == nullptr)
+    throw OfKind(FailureKind_Input, CQnException(FormatString("Failed to open the file [%s]", path)));
   long const size = GetFileSize(file.get());
   if (size < 0) {
-    throw CQnException(
-        FormatString("Failed to get the size of the file [%s] Error [%s]", path, ErrorText(errno).c_str()));
+    throw OfKind(FailureKind_Input, CQnException(FormatString("Failed to get the size of the file [%s] Error [%s]",
+                                                              path, ErrorText(errno).c_str())));
   }
   if (static_cast<unsigned long>(size) > kLargestInput) {
     throw OfKind(FailureKind_Limit,
@@ -155,11 +161,9 @@ void CXmlDocument::Load(char const* path) {
   std::size_t const count = std::fread(input, 1, m_inputSize, file.get());
   if (count == 0 || count != m_inputSize) {
     int const error = errno != 0 ? errno : ENODATA;  // the file is empty, or has become shorter
-    throw CQnException(
-        FormatString("Failed to read the contents of the file [%s] Error [%s]", path, ErrorText(error).c_str()));
+    throw OfKind(FailureKind_Input, CQnException(FormatString("Failed to read the contents of the file [%s] Error [%s]",
+                                                              path, ErrorText(error).c_str())));
   }
-  file.reset();
-  Parse();
 }
 
 unsigned char* CXmlDocument::AllocateInput(unsigned long size) {
@@ -173,25 +177,11 @@ unsigned char* CXmlDocument::AllocateInput(unsigned long size) {
 
 void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy(AllocateInput(size), data, size); }
 
-void CXmlDocument::LendInput(void const* data, unsigned long size) {
-  ThrowIfTooLarge(size);
-  m_inputData = static_cast<unsigned char const*>(data);
-  m_inputSize = size;
-  StartCounting();
-}
-
-/// The caller may free the input before this object is destroyed, for instance in a setter.
-void CXmlDocument::ReturnInput() {
-  if (m_ownedInput != nullptr) return;
-  m_inputData = nullptr;
-  m_inputSize = 0;
-}
-
-void CXmlDocument::Parse() {
-  if (m_ownedInput != nullptr) DecompressInput();
+void CXmlDocument::Parse(char const* file) {
+  DecompressInput();
   Utf8Text::Scope const scope(TextUse(m_context));
   CFastInfosetReader reader(*m_context.GetFIContext(), *this);
-  if (!reader.Parse()) ParseText();
+  if (!reader.Parse()) ParseText(false, file);
 }
 
 void CXmlDocument::DecompressInput() {
@@ -203,11 +193,17 @@ void CXmlDocument::DecompressInput() {
   m_inputData = data;
 }
 
-void CXmlDocument::ParseText() {
+void CXmlDocument::ParseText(bool isWide, char const* file) {
   Utf8Text::Scope const scope(TextUse(m_context));
   CExpatReader reader(*this);
   reader.CreateParser();
-  reader.Parse(true);
+  try {
+    reader.Parse(true);
+  } catch (CQnException& failure) {
+    InputForm const form = isWide ? InputForm::kWideText : InputForm::kBytes;
+    SetPlace(failure, PlaceInText(*this, reader.GetPosition(), form, file));
+    throw;
+  }
 }
 
 }  // namespace Quillon9

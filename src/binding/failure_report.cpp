@@ -40,7 +40,7 @@ void FailureReport::Remark(CXmlSerializationContext const& ctx, FailureKind kind
   FailureReport* const report = Of(ctx);
   if (report == nullptr || report->m_remarks >= report->m_most) return;
   ++report->m_remarks;
-  report->m_sink->OnFailure(CFailure(kind, FailureSeverity_Remark, report->m_places.Find(point), text));
+  report->m_sink->OnFailure(CFailure(kind, FailureSeverity_Remark, report->PlaceOf(point), text));
 }
 
 void FailureReport::Complete(CQnException& failure) {
@@ -48,12 +48,21 @@ void FailureReport::Complete(CQnException& failure) {
   if (m_sink != nullptr && !FailureAccess::DetailOf(failure).isTold) Tell(failure);
 }
 
+// A read of a part of a tree, within the read of its document, has no positions itself.
+CFailurePlace FailureReport::PlaceOf(FailurePoint const& point) const {
+  FailureReport const* report = this;
+  if (point.element != nullptr) {
+    while (report != nullptr && !report->m_places.HasPositionsOf(*point.element)) report = report->m_outer;
+  }
+  return (report != nullptr ? report : this)->m_places.Find(point);
+}
+
 void FailureReport::FindPlace(CQnException& failure) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
-  if (detail.hasPlace || detail.element == nullptr) return;
-  detail.place = m_places.Find({static_cast<CXmlElement const*>(detail.element),
-                                static_cast<CXmlAttribute const*>(detail.attribute), detail.isAtEnd});
-  detail.hasPlace = true;
+  if (detail.hasPlace) return;
+  detail.place = PlaceOf({static_cast<CXmlElement const*>(detail.element),
+                          static_cast<CXmlAttribute const*>(detail.attribute), detail.isAtEnd});
+  detail.hasPlace = detail.element != nullptr || !detail.place.GetFile().empty();
 }
 
 // What the sink throws passes on; so the failure counts as known beforehand.

@@ -25,7 +25,10 @@ struct FailurePoint {
 /// Finds the places of nodes in the input of a read.
 class PlaceFinder {
  public:
+  /// The place of \p point, or what is known of it. If its element is null, that is the file at most.
   virtual CFailurePlace Find(FailurePoint const& point) = 0;
+  /// Whether it knows where in the input \p element is.
+  virtual bool HasPositionsOf(CXmlElement const& element) const = 0;
 
  protected:
   ~PlaceFinder() = default;
@@ -66,6 +69,7 @@ class FailureReport {
  private:
   /// The current one, if it belongs to a read with the sink of \p ctx.
   static FailureReport* Of(CXmlSerializationContext const& ctx);
+  CFailurePlace PlaceOf(FailurePoint const& point) const;
   void FindPlace(CQnException& failure);
   bool Tell(CQnException& failure);
 

@@ -5,6 +5,7 @@
 #include "base/text_arguments.h"
 #include "binding/deferred_release.h"
 #include "binding/failure_report.h"
+#include "binding/reported_read.h"
 #include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
 #include "descriptors/generic_size.h"
@@ -174,11 +175,15 @@ void CElement::FromXml(char const* text, CXmlSerializationContext const& ctx) { 
 void CElement::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) { CXmlObjectBase::FromXml(text, ctx); }
 
 void CElement::FromXml(char const* text) {
-  Utf8Text::Scope const scope(TextUse(*this, CXmlSerializationContext::m_defaultContext));
-  CXmlDocument document(CXmlSerializationContext::m_defaultContext);
-  document.LoadXml(text);
-  CXmlElement* const root = document.GetDocumentElement();
-  FromXml_Int(root, root, CXmlSerializationContext::m_defaultContext, false);
+  CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext;
+  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  CXmlDocument document(ctx);
+  DocumentPlaces places(document, InputForm::kBytes);
+  ReadWithReport(ctx, places, [&] {
+    document.LoadXml(text);
+    CXmlElement* const root = document.GetDocumentElement();
+    FromXml_Int(root, root, ctx, false);
+  });
 }
 
 CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx, bool) {

@@ -1,13 +1,13 @@
 // The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
 // file of their own because they depend on the document, and with it on the parser.
 
+#include "binding/reported_read.h"
 #include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -23,34 +23,36 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
   CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
 }
 
+/// \p load gets an empty document.
+template <class Load>
+void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, InputForm form, char const* file,
+                  Load load) {
+  Utf8Text::Scope const scope(TextUse(object, ctx));
+  CXmlDocument document(ctx);
+  DocumentPlaces places(document, form, file);
+  ReadWithReport(ctx, places, [&] {
+    load(document);
+    ReadFrom(document.GetDocumentElement(), object, ctx);
+  });
+}
+
 }  // namespace
 
 void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
-  CXmlDocument document(ctx);
-  document.Load(path);
-  ReadFrom(document.GetDocumentElement(), *this, ctx);
+  ReadDocument(*this, ctx, InputForm::kBytes, path, [&](CXmlDocument& document) { document.Load(path); });
 }
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
-  CXmlDocument document(ctx);
-  XmlNodeAccess::LoadLent(document, text);
-  ReadFrom(document.GetDocumentElement(), *this, ctx);
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
 }
 
 void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
-  CXmlDocument document(ctx);
-  document.LoadXml(text);
-  ReadFrom(document.GetDocumentElement(), *this, ctx);
+  ReadDocument(*this, ctx, InputForm::kWideText, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
 }
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
-  CXmlDocument document(ctx);
-  XmlNodeAccess::LoadLent(document, data, length);
-  ReadFrom(document.GetDocumentElement(), *this, ctx);
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
+               [&](CXmlDocument& document) { document.LoadXmlStream(data, length); });
 }
 
 void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationContext const& ctx) {
@@ -59,7 +61,8 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationCon
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
-  ReadFrom(element, *this, ctx);
+  DocumentPlaces places(element);
+  ReadWithReport(ctx, places, [&] { ReadFrom(element, *this, ctx); });
 }
 
 void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationContext const& ctx) {

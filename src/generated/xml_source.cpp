@@ -3,7 +3,9 @@
 #include <istream>
 #include <iterator>
 
+#include "base/failure_detail.h"
 #include "binding/name_match.h"
+#include "binding/reported_read.h"
 #include "generated/bound_access.h"
 #include "generated/generic_reading.h"
 #include "quillon9/base/exceptions.h"
@@ -11,7 +13,6 @@
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/document.h"
 #include "text/utf8_text.h"
-#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -22,7 +23,7 @@ namespace {
 
 std::string ReadToEnd(std::istream& stream) {
   std::string bytes{std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-  if (stream.bad()) throw CQnException("Failed to read the stream");
+  if (stream.bad()) throw OfKind(FailureKind_Input, CQnException("Failed to read the stream"));
   return bytes;
 }
 
@@ -31,7 +32,7 @@ std::string ReadToEnd(std::istream& stream) {
 void CXmlSource::Load(CXmlDocument& document) const {
   switch (m_kind) {
     case Kind::File: return document.Load(static_cast<char const*>(m_data));
-    case Kind::Bytes: return XmlNodeAccess::LoadLent(document, static_cast<unsigned char const*>(m_data), m_size);
+    case Kind::Bytes: return document.LoadXmlStream(static_cast<unsigned char const*>(m_data), m_size);
     case Kind::Stream: break;
   }
   std::string const bytes = ReadToEnd(*static_cast<std::istream*>(const_cast<void*>(m_data)));
@@ -49,9 +50,10 @@ std::string NameOf(std::string const& ns, std::string const& name) { return ns.e
     expected += (i == 0 ? "" : "] or [") + NameOf(roots[i].ns, roots[i].name);
   }
   if (count > kShown) expected += "] or [...";
-  throw CQnValidationException(FormatString("The document element is [%s] instead of [%s]",
-                                            NameOf(root.GetNamespaceURI(), root.GetLocalName()).c_str(),
-                                            expected.c_str()));
+  throw OfKind(FailureKind_UnexpectedElement,
+               CQnValidationException(FormatString("The document element is [%s] instead of [%s]",
+                                                   NameOf(root.GetNamespaceURI(), root.GetLocalName()).c_str(),
+                                                   expected.c_str())));
 }
 
 CRootRow const& FindRoot(CXmlElement const& root, CRootRow const* roots, int count,
@@ -62,20 +64,30 @@ CRootRow const& FindRoot(CXmlElement const& root, CRootRow const* roots, int cou
   ThrowWrongRoot(root, roots, count);
 }
 
+CSmartPtr<CXmlObjectBase> ReadRootElement(CXmlElement const& root, CRootRow const* roots, int count,
+                                          CXmlSerializationContext const& ctx) try {
+  CRootRow const& row = FindRoot(root, roots, count, ctx);
+  if (row.type == nullptr) return CopyGeneric(root);
+  CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, root, row.name);
+  BoundAccess::SetRootNamespace(*object, row.ns);
+  object->FromXmlElement(&root, ctx);
+  return object;
+} catch (CQnException& failure) {
+  FailureReport::Note(failure, {&root});
+  throw;
+}
+
 }  // namespace
 
 CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* roots, int count,
                                       CXmlSerializationContext const& ctx) {
   Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
   CXmlDocument document(ctx);
-  source.Load(document);
-  CXmlElement const* const root = document.GetDocumentElement();
-  CRootRow const& row = FindRoot(*root, roots, count, ctx);
-  if (row.type == nullptr) return CopyGeneric(*root);
-  CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, *root, row.name);
-  BoundAccess::SetRootNamespace(*object, row.ns);
-  object->FromXmlElement(root, ctx);
-  return object;
+  DocumentPlaces places(document, InputForm::kBytes, source.GetPath());
+  return ReadWithReport(ctx, places, [&] {
+    source.Load(document);
+    return ReadRootElement(*document.GetDocumentElement(), roots, count, ctx);
+  });
 }
 
 CSmartPtr<CXmlObjectBase> CreateAnyRoot(CRootRow const& root) {

@@ -120,7 +120,7 @@ void CXmlDocument::ThrowContentTooLarge() const {
 
 void CXmlDocument::CheckDocumentType() {
   if (CLimits::GetAllowDocumentType()) return;
-  throw CQnException("The document has a document type declaration, which is not allowed");
+  throw OfKind(FailureKind_Limit, CQnException("The document has a document type declaration, which is not allowed"));
 }
 
 void CXmlDocument::ThrowNoneOpen() { throw CQnException("No element is open"); }

@@ -11,18 +11,12 @@
 #include "quillon9/base/limits.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/expat_version.h"
-#include "xmlio/single_byte_encoding.h"
 
 namespace Quillon9 {
 
 namespace {
 
 constexpr char kSeparator = '|';
-
-/// Expat copies the bytes of a call to a buffer of at most 1 GiB, so larger input is passed in slices. Otherwise there
-/// is one call, because expat scans a token that spans calls again from its start in each of them.
-constexpr unsigned long kLargestCall = 0x3FFF0000UL;
-constexpr unsigned long kSlice = 0x10000000UL;
 
 struct SplitName {
   std::string_view namespaceUri;
@@ -37,7 +31,8 @@ SplitName Split(std::string_view name) {
 
 [[noreturn]] void ThrowParserFailure(XML_Parser parser) {
   auto const line = static_cast<unsigned long>(XML_GetCurrentLineNumber(parser));
-  throw CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(parser)), line));
+  throw OfKind(FailureKind_Parse,
+               CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(parser)), line)));
 }
 
 }  // namespace
@@ -64,24 +59,10 @@ void CExpatReader::CreateParser() {
 }
 
 void CExpatReader::Parse(bool isFinal) {
-  XML_Status const status = Feed(isFinal);
+  XML_Status const status = Input().FeedTo(m_parser.get(), isFinal);
   if (m_failure != nullptr) std::rethrow_exception(std::exchange(m_failure, nullptr));
   if (status != XML_STATUS_OK) ThrowParserFailure(m_parser.get());
   if (isFinal) m_parser.reset();
-}
-
-XML_Status CExpatReader::Feed(bool isFinal) {
-  auto const* data = reinterpret_cast<char const*>(m_document.GetInputData());
-  unsigned long left = m_document.GetInputSize();
-  unsigned long const perCall = left <= kLargestCall ? left : kSlice;
-  XML_Status status;
-  do {
-    unsigned long const size = std::min(left, perCall);
-    status = XML_Parse(m_parser.get(), data, static_cast<int>(size), isFinal && size == left);
-    data += size;
-    left -= size;
-  } while (status == XML_STATUS_OK && left > 0);
-  return status;
 }
 
 // A stopped parser still makes some calls, for example for the end of an empty element. They see the failure and do
@@ -148,21 +129,8 @@ void CExpatReader::FnAttributeDeclaration(void* self, XML_Char const* element, X
 // expat has encodings of its own, and asks for the others by name.
 int CExpatReader::FnUnknownEncoding(void* self, XML_Char const* name, XML_Encoding* encoding) {
   bool isKnown = false;
-  Guarded(self, [&](CExpatReader& reader) {
-    encoding->data = nullptr;
-    encoding->convert = nullptr;
-    encoding->release = nullptr;
-    isKnown = !reader.HasByteOrderMark() && FillSingleByteTable(name, encoding->map);
-  });
+  Guarded(self, [&](CExpatReader& reader) { isKnown = reader.Input().FillEncoding(name, *encoding); });
   return isKnown ? XML_STATUS_OK : XML_STATUS_ERROR;
-}
-
-// Whether the first bytes show that the document is in UTF-8 or UTF-16, whatever it declares.
-bool CExpatReader::HasByteOrderMark() const {
-  std::string_view const start(reinterpret_cast<char const*>(m_document.GetInputData()),
-                               std::min(m_document.GetInputSize(), 3UL));
-  std::string_view const two = start.substr(0, 2);
-  return start == "\xEF\xBB\xBF" || two == "\xFF\xFE" || two == "\xFE\xFF" || two.find('\0') != std::string_view::npos;
 }
 
 // At each start tag of an element, expat goes through all attributes declared for it, repeated ones included.

@@ -11,6 +11,7 @@
 
 #include "quillon9/xmlio/document.h"
 #include "text/utf8_to_local.h"
+#include "xmlio/expat_input.h"
 #include "xmlio/name_cache.h"
 
 namespace Quillon9 {
@@ -32,6 +33,8 @@ class CExpatReader {
   /// Feed the whole input. With \p isFinal the document must end there. After a failure the parser accepts no more.
   /// \throws CQnException "[what expat says] at line [number]"; whatever a callback threw.
   void Parse(bool isFinal);
+  /// After a failure of Parse(): where the parser was.
+  InputPosition GetPosition() const { return Input().PositionOf(m_parser.get()); }
 
  private:
   struct ParserDeleter {
@@ -52,16 +55,15 @@ class CExpatReader {
 
   static int XMLCALL FnUnknownEncoding(void* self, XML_Char const* name, XML_Encoding* encoding);
 
+  ExpatInput Input() const { return {m_document.GetInputData(), m_document.GetInputSize()}; }
   template <class Action>
   static void Guarded(void* self, Action action) noexcept;
-  XML_Status Feed(bool isFinal);
   CXmlName const* NameOf(XML_Char const* whole);
   [[gnu::noinline]] CXmlName const* NewName(XML_Char const* whole);
   CXmlName const* SharedName(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
   void AppendMark(std::string_view mark);
-  bool HasByteOrderMark() const;
   void CountDeclaredAttribute(XML_Char const* element);
 
   CXmlDocument& m_document;

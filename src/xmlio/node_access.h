@@ -79,13 +79,6 @@ struct XmlNodeAccess {
 
   /// \name The document
   /// @{
-  /// LoadXml() and LoadXmlStream() without the copy, for bytes that outlive the document.
-  ///@{
-  static void LoadLent(CXmlDocument& document, char const* text) { document.LoadLentXml(text); }
-  static void LoadLent(CXmlDocument& document, unsigned char const* data, unsigned long size) {
-    document.LoadLentXmlStream(data, size);
-  }
-  ///@}
   /// What CXmlDocument::CountContent() has counted.
   static std::uint64_t& ContentSize(CXmlDocument& document) { return document.m_contentSize; }
   /// @}

@@ -38,6 +38,8 @@ class QUILLON9_API CXmlSource {
   /// Load the document.
   /// \throws what CXmlDocument::Load() and LoadXmlStream() throw; CQnException "Failed to read the stream".
   void Load(CXmlDocument& document) const;
+  /// The path of the file; null if the source is something else.
+  char const* GetPath() const { return m_kind == Kind::File ? static_cast<char const*>(m_data) : nullptr; }
 
  private:
   enum class Kind { File, Bytes, Stream };

@@ -86,8 +86,7 @@ class QUILLON9_API CXmlDocument {
   CXmlSerializationContext const& GetContext() const { return m_context; }
   /// Return the schema type that the context had when this document was constructed.
   SchemaType GetSchemaType() const { return m_schemaType; }
-  /// Return the bytes of the input, decompressed, which live until the next Cleanup(). Null before a load, and after
-  /// one by CXmlObjectBase unless the input was compressed.
+  /// Return the bytes of the input, decompressed, which live until the next Cleanup(). Null before a load.
   unsigned char const* GetInputData() const { return m_inputData; }
   /// Return the number of these bytes.
   unsigned long GetInputSize() const { return m_inputSize; }
@@ -162,17 +161,11 @@ class QUILLON9_API CXmlDocument {
   };
 
   friend struct XmlNodeAccess;
-  /// LoadXml() and LoadXmlStream() without the copy, which would cost time and double the memory for the input.
-  ///@{
-  void LoadLentXml(char const* text);
-  void LoadLentXmlStream(unsigned char const* data, unsigned long size);
-  ///@}
-  void LendInput(void const* data, unsigned long size);
-  void ReturnInput();
   void CopyInput(void const* data, unsigned long size);
-  void Parse();
+  void Parse(char const* file = nullptr);
   void DecompressInput();
-  void ParseText();
+  void ReadFile(char const* path);
+  void ParseText(bool isWide = false, char const* file = nullptr);
   unsigned char* AllocateInput(unsigned long size);
   CXmlElement* OpenElementOrThrow() const {
     if (m_elementStack.empty()) ThrowNoneOpen();
@@ -192,7 +185,7 @@ class QUILLON9_API CXmlDocument {
   std::map<std::string, std::string> m_namespaceAliases;
   unsigned char const* m_inputData = nullptr;
   unsigned long m_inputSize = 0;
-  std::unique_ptr<unsigned char[]> m_ownedInput;  // null if the bytes belong to the caller
+  std::unique_ptr<unsigned char[]> m_ownedInput;
   SchemaType m_schemaType;
   ElementFilter m_filter;
   CXmlSerializationContext const& m_context;
