@@ -28,7 +28,7 @@ void FailureReport::Note(CQnException& failure, FailurePoint const& point) {
 bool FailureReport::GoesOn(CXmlSerializationContext const& ctx, CQnException& failure, FailurePoint const& point) {
   Note(failure, point);
   FailureReport* const report = Of(ctx);
-  if (report == nullptr) return false;
+  if (report == nullptr || report->m_thrown != nullptr) return false;
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   if (detail.isTold || detail.kind == FailureKind_Limit) return false;
   report->FindPlace(failure);
@@ -38,12 +38,13 @@ bool FailureReport::GoesOn(CXmlSerializationContext const& ctx, CQnException& fa
 void FailureReport::Remark(CXmlSerializationContext const& ctx, FailureKind kind, FailurePoint const& point,
                            std::string const& text) {
   FailureReport* const report = Of(ctx);
-  if (report == nullptr || report->m_remarks >= report->m_most) return;
+  if (report == nullptr || report->m_thrown != nullptr || report->m_remarks >= report->m_most) return;
   ++report->m_remarks;
-  report->m_sink->OnFailure(CFailure(kind, FailureSeverity_Remark, report->PlaceOf(point), text));
+  report->Send(CFailure(kind, FailureSeverity_Remark, report->PlaceOf(point), text));
 }
 
 void FailureReport::Complete(CQnException& failure) {
+  if (m_thrown != nullptr) std::rethrow_exception(m_thrown);  // without the lines of the open elements
   FindPlace(failure);
   if (m_sink != nullptr && !FailureAccess::DetailOf(failure).isTold) Tell(failure);
 }
@@ -65,15 +66,22 @@ void FailureReport::FindPlace(CQnException& failure) {
   detail.hasPlace = detail.element != nullptr || !detail.place.GetFile().empty();
 }
 
-// What the sink throws passes on; so the failure counts as known beforehand.
 bool FailureReport::Tell(CQnException& failure) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   detail.isTold = true;
   CQnException const* cause = &failure;
   while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
-  bool const goesOn =
-      m_sink->OnFailure(CFailure(detail.kind, FailureSeverity_Error, detail.place, cause->GetMessage()));
+  bool const goesOn = Send(CFailure(detail.kind, FailureSeverity_Error, detail.place, cause->GetMessage()));
   return goesOn && ++m_errors < m_most;
+}
+
+// On its way to the caller, what the sink throws may be taken for a failure of the document. A read may consist of
+// several with one sink.
+bool FailureReport::Send(CFailure const& failure) try { return m_sink->OnFailure(failure); } catch (...) {
+  for (FailureReport* report = this; report != nullptr; report = report->m_outer) {
+    if (report->m_sink == m_sink) report->m_thrown = std::current_exception();
+  }
+  throw;
 }
 
 }  // namespace Quillon9

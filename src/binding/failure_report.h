@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -64,6 +65,7 @@ class FailureReport {
 
   /// For the operation of the caller: find the place of \p failure, which ends it, and send it to the sink unless the
   /// sink knows it.
+  /// \throws what the sink throws, or has thrown before.
   void Complete(CQnException& failure);
 
  private:
@@ -72,6 +74,7 @@ class FailureReport {
   CFailurePlace PlaceOf(FailurePoint const& point) const;
   void FindPlace(CQnException& failure);
   bool Tell(CQnException& failure);
+  bool Send(CFailure const& failure);
 
   static inline thread_local FailureReport* t_current = nullptr;
 
@@ -80,6 +83,7 @@ class FailureReport {
   std::uint64_t m_most;
   std::uint64_t m_errors = 0;
   std::uint64_t m_remarks = 0;
+  std::exception_ptr m_thrown;  // by the sink, which is not called any more
   FailureReport* m_outer;
 };
 

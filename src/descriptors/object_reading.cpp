@@ -1,6 +1,7 @@
 // The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
 // file of their own because they depend on the document, and with it on the parser.
 
+#include "binding/lost_text.h"
 #include "binding/reported_read.h"
 #include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
@@ -31,7 +32,9 @@ void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, I
   CXmlDocument document(ctx);
   DocumentPlaces places(document, form, file);
   ReadWithReport(ctx, places, [&] {
+    LossesOfReading losses(document);
     load(document);
+    losses.Tell();
     ReadFrom(document.GetDocumentElement(), object, ctx);
   });
 }

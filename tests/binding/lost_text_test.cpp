@@ -43,5 +43,103 @@ TEST(LostText, WritingReportsBytesThatAreNoCharacters) {
   }
 }
 
+TEST(LostText, ReadingReportsCharactersThatTheCodePageLacks) {
+  struct Row {
+    char const* locale;
+    char const* document;
+    std::string told;
+  } const rows[] = {
+      {"C", "<root><a>Zoe</a></root>", ""},
+      {"C.UTF-8", "<root c='\u20AC'><a>\U0001F600</a></root>", ""},
+      {"C", "<root><a>\u20AC \u20AC\u00EB</a>\n<b>\u20AC</b></root>",
+       "1:7: remark: /root/a: The character U+20AC has no place in the code page\n"
+       "1:7: remark: /root/a: The character U+00EB has no place in the code page\n"
+       "2:1: remark: /root/b: The character U+20AC has no place in the code page\n"},
+      {"C", "<root c='\U0001F600'>\n  <a/></root>",
+       "1:1: remark: /root: The character U+1F600 has no place in the code page\n"},
+      // A namespace is known before its element.
+      {"C", "<root xmlns:n='\u20AC'><a xmlns:m='\u00EB'/></root>",
+       "1:1: remark: /root: The character U+20AC has no place in the code page\n"
+       "1:1: remark: /root: The character U+00EB has no place in the code page\n"},
+      {"de_DE.ISO-8859-1", "<root c='\u00EB'><a>\u00EB&#x20AC;</a></root>",
+       "1:13: remark: /root/a: The character U+20AC has no place in the code page\n"},
+      {"ja_JP.SJIS", "<root><a>\u65E5\u00EB</a></root>",
+       "1:7: remark: /root/a: The character U+00EB has no place in the code page\n"},
+  };
+  Shape const shape = NoteShape();
+  for (Row const& row : rows) {
+    ScopedLocale const scoped(row.locale);
+    if (!scoped.IsThere()) continue;
+    CFailureList list;
+    CXmlSerializationContext ctx;
+    ctx.SetFailureSink(&list);
+    DynamicClass object(shape);
+    object.FromXml(row.document, ctx);
+    EXPECT_EQ(row.told, list.GetReport()) << row.locale;
+    list.Clear();
+    ctx.SetTextEncoding(TextEncoding_UTF8);
+    object.FromXml(row.document, ctx);
+    EXPECT_EQ("", list.GetReport()) << row.locale;
+  }
+}
+
+TEST(LostText, ReadingFastInfosetReportsThemToo) {
+  Shape const shape = NoteShape();
+  CXmlSerializationContext utf8;
+  utf8.SetTextEncoding(TextEncoding_UTF8);
+  DynamicClass object(shape);
+  object.FromXml("<root c='\u20AC'><a>\u00EB</a><b>\u00EB</b></root>", utf8);
+  CBinaryData const data = object.ToFastInfosetStream(FInfoDecl_None, utf8);
+  ScopedLocale const scoped("C");
+  CFailureList list;
+  CXmlSerializationContext ctx;
+  ctx.SetFailureSink(&list);
+  object.FromXmlStream(data, ctx);
+  ASSERT_LE(2U, list.GetFailures().size());  // a text that is repeated is converted once
+  EXPECT_EQ("/root", list.GetFailures()[0].GetPlace().GetPath());
+  EXPECT_EQ("The character U+20AC has no place in the code page", list.GetFailures()[0].GetText());
+  EXPECT_EQ("/root/a", list.GetFailures()[1].GetPlace().GetPath());
+}
+
+TEST(LostText, RemarksAreLimited) {
+  ScopedLocale const scoped("C");
+  Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("a", 0)});
+  std::string document = "<root><a>";
+  for (char last = '\x80'; last != '\xC0'; ++last) document += std::string("\xD0") + last;
+  document += "</a></root>";
+  for (std::uint32_t const most : {1U, 10U, 0U}) {
+    CFailureList list;
+    CXmlSerializationContext ctx;
+    ctx.SetFailureSink(&list);
+    ctx.SetMaxFailures(most);
+    DynamicClass object(shape);
+    object.FromXml(document.c_str(), ctx);
+    EXPECT_EQ(most != 0 ? most : 64U, list.GetFailures().size());
+  }
+}
+
+// What a sink throws reaches the caller as it is, also if it could be a failure of the document.
+TEST(LostText, ASinkMayThrow) {
+  struct Throwing : IFailureSink {
+    bool OnFailure(CFailure const&) override {
+      ++m_calls;
+      throw CQnOverFlowException("sink");
+    }
+    int m_calls = 0;
+  };
+  ScopedLocale const scoped("C");
+  Shape const shape = NoteShape();
+  Throwing sink;
+  CXmlSerializationContext ctx;
+  ctx.SetFailureSink(&sink);
+  DynamicClass object(shape);
+  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<root><a>\u20AC\u20AC\u00EB</a></root>", ctx));
+  EXPECT_EQ(1, sink.m_calls);
+  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<root><b/></root>", ctx));
+  EXPECT_EQ(2, sink.m_calls);
+  object.With(0, "\xE9");
+  EXPECT_FAILURE(CQnOverFlowException, "sink", object.ToFastInfosetStream(FInfoDecl_None, ctx));
+}
+
 }  // namespace
 }  // namespace Quillon9
