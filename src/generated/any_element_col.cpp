@@ -1,8 +1,10 @@
 #include "quillon9/generated/any_element_col.h"
 
+#include "binding/failure_report.h"
 #include "binding/name_match.h"
 #include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -33,7 +35,15 @@ bool CAnyElementCol::Takes(CXmlSerializationContext const& ctx, CXmlElement cons
 
 CXmlElement* CAnyElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                          bool) {
-  while (Takes(ctx, cursor)) AppendItem(TakeGeneric(parent, &cursor, ctx).Get());
+  while (Takes(ctx, cursor)) {
+    CXmlElement* const element = cursor;
+    try {
+      AppendItem(TakeGeneric(parent, &cursor, ctx).Get());
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {element})) throw;
+      cursor = element->GetNextSiblingElement();
+    }
+  }
   return cursor;
 }
 

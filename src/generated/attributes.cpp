@@ -39,7 +39,7 @@ class ValueAttribute : public CAttributeInfo {
   bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                         CXmlAttribute* attribute) override {
     if (!IsThisAttribute(ctx, attribute)) return false;
-    QnVariant value = m_rule.Read(attribute->GetValueView(), false);
+    QnVariant value = m_rule.Read(attribute->GetValueView(), false, &ctx);
     AccessProperty(holder, false, value);
     return true;
   }

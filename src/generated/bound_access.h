@@ -35,6 +35,11 @@ struct BoundAccess {
     static_cast<CBoundObject*>(holder)->m_order = std::make_unique<std::vector<int>>(std::move(order));
   }
   ///@}
+  /// \throws CQnValidationException for \p cursor, a child of \p parent that is left over.
+  static void RejectLeftOver(CXmlGeneratedClass const& holder, CXmlSerializationContext const& ctx,
+                             CXmlElement const* parent, CXmlElement const* cursor) {
+    static_cast<CBoundObject const&>(holder).RejectLeftOver(ctx, parent, cursor);
+  }
   /// Give \p object the namespace in which it is written as document element; a constant.
   static void SetRootNamespace(CXmlObjectBase& object, char const* ns) {
     static_cast<CBoundObject&>(object).m_rootNamespace = ns;

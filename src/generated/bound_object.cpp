@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <utility>
 
+#include "binding/failure_report.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
+#include "generated/content_reader.h"
 #include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "generated/type_attribute.h"
@@ -84,7 +86,35 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   CXmlElement* const next = CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
   BuiltClass const& built = m_tables->Built();
   if (built.IsMixed() && HasOnlyLayout(*parent)) Property(built.TextProperty()).Clear();
+  if (ctx.GetChecksFacetsOnReading() && built.TextRule() != nullptr) CheckTextFacets(*parent, ctx);
   return next;
+}
+
+// AccessProperty() stores the text of a document, but does not know the context.
+void CBoundObject::CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx) {
+  BuiltClass const& built = m_tables->Built();
+  CPropertyRef const property = Property(built.TextProperty());
+  auto const* const nillable = dynamic_cast<INillable const*>(this);
+  if (nillable != nullptr && nillable->IsNil()) return;
+  try {
+    QnVariant held;
+    property.Read(held);
+    if (held.IsValid()) built.TextRule()->Check(held);
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {&element})) {
+      throw CQnValidationException(FormatString("Failed to process the element [%s]", element.GetLocalName().c_str()),
+                                   failure);
+    }
+    property.Clear();
+  }
+}
+
+CXmlElement* CBoundObject::ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
+                                               CXmlSerializationContext const& ctx, bool inChoice) {
+  if (ctx.GetIgnoreUnknownElements()) {
+    return CXmlGeneratedClass::ReadMembersWithSink(parent, cursor, ctx, inChoice);
+  }
+  return ReadContent(m_tables->Built().Content(), *this, parent, cursor, ctx);
 }
 
 namespace {

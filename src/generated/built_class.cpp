@@ -215,10 +215,10 @@ void BuiltClass::MakeElements(CClassRow const& row, RowList const& rows) {
   if (row.round) {
     auto round = std::make_unique<GroupInfo>(RowKind::BeginSequence, Occurs::Once, MakeParticles(rows, at));
     m_round = round.get();
-    m_elements.push_back(std::move(round));
+    m_elements.push_back({nullptr, m_round->IsRequired(), std::move(round), m_round});
   }
-  while (at < rows.size()) m_elements.push_back(MakeParticle(rows, at, false).info);
-  for (auto const& element : m_elements) m_elementTable.push_back(element.get());
+  while (at < rows.size()) m_elements.push_back(MakeParticle(rows, at, false));
+  for (Particle const& element : m_elements) m_elementTable.push_back(element.info.get());
   m_elementTable.push_back(nullptr);
 }
 

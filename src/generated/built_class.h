@@ -52,6 +52,8 @@ class BuiltClass {
     return const_cast<Quillon9Data::CAttributeInfo**>(m_attributeTable.data());
   }
   int PropertyCount() const { return static_cast<int>(m_members.size()); }
+  /// The particles of the element table; for a class without a tag, its round.
+  std::vector<Particle> const& Content() const { return m_elements; }
   /// \p property is a number that the class has.
   Member const& At(int property) const { return m_members[static_cast<std::size_t>(property)]; }
   std::vector<Removed> const& RemovedProperties() const { return m_removed; }
@@ -96,7 +98,7 @@ class BuiltClass {
   ValueRule const* m_textRule = nullptr;
   int m_textProperty = -1;
   bool m_isMixed = false;
-  std::vector<std::unique_ptr<Quillon9Data::CElementInfo>> m_elements;
+  std::vector<Particle> m_elements;
   std::vector<std::unique_ptr<Quillon9Data::CAttributeInfo>> m_attributes;
   std::vector<Quillon9Data::CElementInfo*> m_elementTable;  // both end with a null pointer
   std::vector<Quillon9Data::CAttributeInfo*> m_attributeTable;

@@ -3,7 +3,10 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "base/failure_detail.h"
+#include "binding/failure_report.h"
 #include "generated/built_class.h"
 #include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
@@ -88,13 +91,18 @@ CClassTables const& CClassTables::TypeOf(CXmlElement const& element) const {
     TypeName const name(element, attribute->GetValueView());
     found = name.Find(*this);
     if (found == nullptr) {
-      throw CQnValidationException(FormatString("The type [%s] of the element [%s] is not derived from [%s]",
-                                                name.Text().c_str(), element.GetLocalName().c_str(), m_row->typeName));
+      throw FailureReport::Noted(
+          {&element, attribute},
+          OfKind(FailureKind_Factory, CQnValidationException(FormatString(
+                                          "The type [%s] of the element [%s] is not derived from [%s]",
+                                          name.Text().c_str(), element.GetLocalName().c_str(), m_row->typeName))));
     }
   }
   if (!found->IsAbstract()) return *found;
-  throw CQnValidationException(FormatString("The type [%s] of the element [%s] is abstract", found->m_row->typeName,
-                                            element.GetLocalName().c_str()));
+  throw FailureReport::Noted({&element, attribute},
+                             OfKind(FailureKind_Factory, CQnValidationException(FormatString(
+                                                             "The type [%s] of the element [%s] is abstract",
+                                                             found->m_row->typeName, element.GetLocalName().c_str()))));
 }
 
 }  // namespace Quillon9

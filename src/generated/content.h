@@ -49,6 +49,10 @@ class GroupInfo : public Quillon9Data::CElementInfoSeq {
   bool Begins(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const;
   bool IsSet(CXmlGeneratedClass const* holder) const;
   bool IsRequired() const { return m_isRequired; }
+  RowKind Kind() const { return m_kind; }
+  std::vector<Particle> const& Particles() const { return m_particles; }
+  /// Whether \p ctx ignores that nothing begins it.
+  bool AcceptsMissing(CXmlSerializationContext const& ctx) const;
   [[noreturn]] void ThrowMissing() const;
   void AppendNames(std::string& names) const;
 
@@ -66,7 +70,6 @@ class GroupInfo : public Quillon9Data::CElementInfoSeq {
   void ReadAll(Place const& place) const;
   bool WriteChoice(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
   bool WriteMembers(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder, CXmlWriter* writer) const;
-  bool AcceptsMissing(CXmlSerializationContext const& ctx) const;
 
   RowKind m_kind;
   bool m_isRequired;

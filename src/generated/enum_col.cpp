@@ -5,6 +5,7 @@
 #include <numeric>
 #include <string>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/writer.h"
 
@@ -17,8 +18,9 @@ int CEnumTexts::FromText(std::string_view text) const {
   int const* const found = std::lower_bound(
       sorted, sorted + m_count, text, [&](int number, std::string_view sought) { return m_texts[number] < sought; });
   if (found != sorted + m_count && m_texts[*found] == text) return *found;
-  throw CQnInvalidValueException(
-      FormatString("The value [%s] is not one of the enumeration [%s]", std::string(text).c_str(), m_name));
+  throw OfKind(FailureKind_BadValue,
+               CQnInvalidValueException(FormatString("The value [%s] is not one of the enumeration [%s]",
+                                                     std::string(text).c_str(), m_name)));
 }
 
 int const* CEnumTexts::Sorted() const {
@@ -57,8 +59,9 @@ void CEnumCollection::AddFromString(std::string text) {
 void CEnumCollection::InsertNumber(int index, int number) {
   Insert(index, number, [this](int value) {
     if (m_texts->ToText(value) != nullptr) return;
-    throw CQnInvalidValueException(
-        FormatString("The number %d is not one of the enumeration [%s]", value, m_texts->GetName()));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(
+                     FormatString("The number %d is not one of the enumeration [%s]", value, m_texts->GetName())));
   });
 }
 

@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "base/failure_detail.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/content.h"
@@ -64,8 +65,9 @@ std::string NamesOf(GroupInfo const& group) {
 void GroupInfo::ThrowMissing() const {
   auto const first = std::find_if(m_particles.begin(), m_particles.end(), MustOccur);
   if (m_kind != RowKind::BeginChoice && first != m_particles.end()) first->ThrowMissing();
-  throw CQnValidationException(
-      FormatString("Failed to find one of the required elements [%s]", NamesOf(*this).c_str()));
+  throw OfKind(
+      FailureKind_EmptyChoice,
+      CQnValidationException(FormatString("Failed to find one of the required elements [%s]", NamesOf(*this).c_str())));
 }
 
 bool GroupInfo::AcceptsMissing(CXmlSerializationContext const& ctx) const {

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "base/failure_detail.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
@@ -32,11 +33,13 @@ bool IsElementOf(CElementRow const& row, CElementInfo const& info, CXmlSerializa
 
 [[noreturn]] void ThrowMissingElement(CElementRow const& row) {
   if (row.rule != nullptr) {
-    throw CQnValidationException(
-        FormatString("Failed to find the required element from namespace [%s]", row.rule->allowed));
+    throw OfKind(FailureKind_MissingElement,
+                 CQnValidationException(
+                     FormatString("Failed to find the required element from namespace [%s]", row.rule->allowed)));
   }
   if (row.kind == RowKind::Rounds) row.type->Built().Round().ThrowMissing();
-  throw CQnValidationException(FormatString("Failed to find a required element [%s]", row.name));
+  throw OfKind(FailureKind_MissingElement,
+               CQnValidationException(FormatString("Failed to find a required element [%s]", row.name)));
 }
 
 }  // namespace
@@ -153,9 +156,14 @@ QN_ELEMENT_TO_XML(ValueMember) {
 QN_ELEMENT_FROM_XML(ValueMember) {
   bool answer = false;
   if (!Seek(ctx, cursor, holderType, answer)) return answer;
-  QnVariant value = m_rule.Read((*cursor)->GetTextView(), true);
-  AccessProperty(holder, false, value);
-  *cursor = (*cursor)->GetNextSiblingElement();
+  CXmlElement* const element = *cursor;
+  try {
+    QnVariant value = m_rule.Read(element->GetTextView(), true, &ctx);
+    AccessProperty(holder, false, value);
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {element})) throw;
+  }
+  *cursor = element->GetNextSiblingElement();
   return true;
 }
 
@@ -171,9 +179,15 @@ QN_ELEMENT_TO_XML(ObjectMember) {
 QN_ELEMENT_FROM_XML(ObjectMember) {
   bool answer = false;
   if (!Seek(ctx, cursor, holderType, answer)) return answer;
-  CSmartPtr<CXmlObjectBase> const child = BoundAccess::MakeFor(*m_row.type, **cursor, m_row.name);
-  ReadChild(ctx, child.Get(), cursor, false);
-  BoundAccess::Property(holder, m_propertyIndex).Hold(child.Get());  // a child that fails is not stored
+  CXmlElement* const element = *cursor;
+  try {
+    CSmartPtr<CXmlObjectBase> const child = BoundAccess::MakeFor(*m_row.type, *element, m_row.name);
+    ReadChild(ctx, child.Get(), cursor, false);
+    BoundAccess::Property(holder, m_propertyIndex).Hold(child.Get());  // a child that fails is not stored
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {element})) throw;
+    *cursor = element->GetNextSiblingElement();
+  }
   return true;
 }
 
@@ -190,8 +204,14 @@ QN_ELEMENT_TO_XML(ElementMember) {
 QN_ELEMENT_FROM_XML(ElementMember) {
   bool answer = false;
   if (!Seek(ctx, cursor, holderType, answer)) return answer;
-  CSmartPtr<CElement> const element = TakeGeneric(parent, cursor, ctx);
-  BoundAccess::Property(holder, m_propertyIndex).Hold(element.Get());
+  CXmlElement* const source = *cursor;
+  try {
+    CSmartPtr<CElement> const element = TakeGeneric(parent, cursor, ctx);
+    BoundAccess::Property(holder, m_propertyIndex).Hold(element.Get());
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, {source})) throw;
+    *cursor = source->GetNextSiblingElement();
+  }
   return true;
 }
 
@@ -215,15 +235,48 @@ QN_ELEMENT_FROM_XML(CollectionMember) {
   bool const isThere = IsElementOf(m_row, *this, ctx, first);
   if (!isThere && !m_isRequired) return true;
   if (!isThere && holderType != XmlElementType_Element) return false;
+  if (isThere) *cursor = ReadItems(ctx, holder, parent, first);
+  try {
+    ValidateCount(ctx, holder);
+  } catch (CQnException& failure) {
+    FailureReport::Note(failure, WhereCountIsWrong(ctx, holder, parent, first, *cursor));
+    throw;
+  }
+  return true;
+}
+
+CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                         CXmlElement* parent, CXmlElement* cursor) const {
   CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
   CSmartPtr<CXmlObjectBase> held = property.Look();
   if (!held) {
     held = property.Make(&m_row);
-    if (isThere) property.Hold(held.Get());
+    property.Hold(held.Get());
   }
-  if (isThere) *cursor = FromXml_Int(held.Get(), parent, first, ctx, false);
-  static_cast<CXmlCollectionBase const&>(*held).ValidateCount(ctx);
-  return true;
+  return FromXml_Int(held.Get(), parent, cursor, ctx, false);
+}
+
+void CollectionMember::ValidateCount(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const {
+  CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
+  auto const* const held = static_cast<CXmlCollectionBase const*>(property.Look());
+  if (held != nullptr) return held->ValidateCount(ctx);
+  static_cast<CXmlCollectionBase const&>(*property.Make(&m_row)).ValidateCount(ctx);
+}
+
+FailurePoint CollectionMember::WhereCountIsWrong(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                                 CXmlElement const* parent, CXmlElement const* first,
+                                                 CXmlElement const* next) const {
+  auto const* const held =
+      static_cast<CXmlCollectionBase const*>(BoundAccess::Property(holder, m_propertyIndex).Look());
+  int const most = m_row.maxOccurs;
+  if (m_row.kind == RowKind::Rounds || held == nullptr || most < 0 || held->GetCount() <= most) {
+    return FailurePoint::At(parent, next);
+  }
+  int count = 0;
+  for (CXmlElement const* item = first; item != next; item = item->GetNextSiblingElement()) {
+    if (IsElementOf(m_row, *this, ctx, item) && ++count > most) return {item};
+  }
+  return FailurePoint::At(parent, next);
 }
 
 }  // namespace Quillon9

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "binding/failure_report.h"
 #include "generated/value_rule.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/generated/rows.h"
@@ -67,6 +68,14 @@ class ElementMember : public BoundMember {
 class CollectionMember : public BoundMember {
  public:
   using BoundMember::BoundMember;
+  /// Read from \p cursor, which is an item, on. Returns the first child that is not taken.
+  CXmlElement* ReadItems(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
+                         CXmlElement* cursor) const;
+  /// \throws CQnValidationException for a count outside the limits, unless \p ctx ignores that.
+  void ValidateCount(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder) const;
+  /// The first item above the maximum among the children from \p first up to \p next, or \p next if there is none.
+  FailurePoint WhereCountIsWrong(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                                 CXmlElement const* parent, CXmlElement const* first, CXmlElement const* next) const;
   bool IsRepeated() const override { return true; }
   QN_BOUND_OVERRIDES
 };

@@ -1,8 +1,10 @@
 #include "quillon9/generated/object_col.h"
 
+#include "binding/failure_report.h"
 #include "binding/name_match.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
+#include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -61,10 +63,14 @@ CXmlElement* CObjectCollection::FromXml_Int(CXmlElement* parent, CXmlElement* cu
 
 CXmlElement* CObjectCollection::ReadItems(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx) {
   for (; cursor != nullptr; cursor = cursor->GetNextSiblingElement()) {
-    CSmartPtr<CXmlObjectBase> const item = ItemFor(ctx, cursor);
-    if (!item) break;
-    CXmlObjectBase::FromXml_Int(item.Get(), cursor, cursor->GetFirstElement(), ctx);
-    AppendItem(item.Get());
+    try {
+      CSmartPtr<CXmlObjectBase> const item = ItemFor(ctx, cursor);
+      if (!item) break;
+      CXmlObjectBase::FromXml_Int(item.Get(), cursor, cursor->GetFirstElement(), ctx);
+      AppendItem(item.Get());
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {cursor})) throw;
+    }
   }
   return cursor;
 }

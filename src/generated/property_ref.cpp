@@ -1,5 +1,6 @@
 #include "quillon9/generated/property_ref.h"
 
+#include "base/failure_detail.h"
 #include "generated/value_rule.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -26,9 +27,9 @@ template <ItemType number>
 void RequireType(CDateTime const& value) {
   constexpr CDateTime::DTType kType = DateTypeOf(number);
   if (value.GetType() == kType || value.GetType() == CDateTime::dt_yearZero) return;
-  throw CQnInvalidValueException(FormatString("The value [%s] is a %s instead of a %s", value.ToString().c_str(),
-                                              value.GetTypeAsString().c_str(),
-                                              CDateTime::GetTypeAsString(kType).c_str()));
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                         "The value [%s] is a %s instead of a %s", value.ToString().c_str(),
+                                         value.GetTypeAsString().c_str(), CDateTime::GetTypeAsString(kType).c_str())));
 }
 
 /// How a variant holds a kind.

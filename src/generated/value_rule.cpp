@@ -2,8 +2,10 @@
 
 #include <limits>
 
+#include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/binding/serialization_context.h"
 #include "quillon9/generated/enum_col.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/object_helper.h"
@@ -42,9 +44,10 @@ QnVariant ValueRule::Convert(std::string_view text) const {
   return value;
 }
 
-QnVariant ValueRule::Read(std::string_view text, bool isElement) const {
+QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx) const {
   QnVariant value = Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
-  if (m_fixed != nullptr) CheckFixed(value);
+  if (m_fixed != nullptr && (ctx == nullptr || ctx->GetChecksFixedValuesOnReading())) CheckFixed(value);
+  if (ctx != nullptr && ctx->GetChecksFacetsOnReading()) CheckFacets(value);
   return value;
 }
 
@@ -64,15 +67,21 @@ bool IsSame(QnVariant const& a, QnVariant const& b) {
 
 void ValueRule::CheckFixed(QnVariant const& value) const {
   if (IsSame(value, Convert(m_fixed))) return;
-  throw CQnInvalidValueException(
-      FormatString("The value [%s] of [%s] is not the fixed value [%s]", Print(value).c_str(), m_name, m_fixed));
+  throw OfKind(FailureKind_FixedValue,
+               CQnInvalidValueException(FormatString("The value [%s] of [%s] is not the fixed value [%s]",
+                                                     Print(value).c_str(), m_name, m_fixed)));
 }
 
-void ValueRule::Check(QnVariant const& value) const {
+void ValueRule::CheckFacets(QnVariant const& value) const {
   if (m_type.enumeration == nullptr && (m_filter == nullptr || !m_filter->Passes(value))) {
     CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }
-  CheckOwn(value);
+  if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
+}
+
+void ValueRule::Check(QnVariant const& value) const {
+  CheckFacets(value);
+  if (m_fixed != nullptr) CheckFixed(value);
 }
 
 std::string ValueRule::Print(QnVariant const& value) const {
@@ -89,7 +98,9 @@ void ValueRule::CheckDigits(char const* name, CFacets const& facets, QnVariant c
   bool const isShort = number.GetItemType() == ItemType_decimal
                            ? number.GetDecimal().HasAtMostDigits(total, fraction)
                            : CDecimal(number.ToString().c_str()).HasAtMostDigits(total, fraction);
-  if (!isShort) throw CQnException(FormatString("Invalid Value for %s [%s]", name, number.ToString().c_str()));
+  if (isShort) return;
+  throw OfKind(FailureKind_BrokenFacet,
+               CQnException(FormatString("Invalid Value for %s [%s]", name, number.ToString().c_str())));
 }
 
 }  // namespace Quillon9

@@ -23,9 +23,10 @@ class ValueRule {
   ValueRule(char const* name, CValueType const& type, char const* defaultText, char const* fixedText);
 
   /// The value of a text; an enumerator is the number of it. An empty text of an element that has a default or fixed
-  /// value stands for that.
-  /// \throws CQnInvalidValueException for a text that does not convert, and for one that is not the fixed value.
-  QnVariant Read(std::string_view text, bool isElement) const;
+  /// value stands for that. \p ctx, if it is not null, says what is checked.
+  /// \throws CQnInvalidValueException for a text that does not convert, and for one that is not the fixed value; what
+  ///         Check() throws if \p ctx says that facets are checked.
+  QnVariant Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx = nullptr) const;
   /// \throws as CBoundObject::Assign() does.
   void Check(QnVariant const& value) const;
   /// The part of Check() that the library's descriptors do not do: the digits and the fixed value.
@@ -47,6 +48,7 @@ class ValueRule {
 
  private:
   QnVariant Convert(std::string_view text) const;
+  void CheckFacets(QnVariant const& value) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one
 
   char const* m_name;

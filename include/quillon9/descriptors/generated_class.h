@@ -147,6 +147,10 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   CXmlElement* ProcessElementChoiceFromXml(CXmlSerializationContext const& ctx, CXmlElement* parent,
                                            CXmlElement* cursor, Quillon9Data::XmlElementType type, bool inChoice);
   ///@}
+  /// What they do with \p cursor, the first child of \p parent that was not taken, or null.
+  /// \throws CQnValidationException "Failed read all the elements held within the element [%s]. The unexpected element
+  ///         [%s] remains un processed", unless there is none or \p ctx ignores unknown elements.
+  void RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlElement const* cursor) const;
 
   /// The write drivers.
   /// \throws CQnValidationException for a choice with nothing set; what the descriptors throw.
@@ -179,7 +183,6 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans, CXmlElement* parent,
                             CXmlElement** cursor, Quillon9Data::XmlElementType type);
-  void RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlElement const* cursor) const;
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;

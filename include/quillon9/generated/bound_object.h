@@ -80,6 +80,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
+  CXmlElement* ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                   bool inChoice) override;
 
   // What the accessors of generated classes call. \p property is the number of \p member.
 
@@ -156,6 +158,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   CPropertyRef ConstProperty(int index) const { return const_cast<CBoundObject*>(this)->Property(index); }
   ItemType KindOf(int property) const;
   void RequireRemovedUnset() const;
+  void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void PrepareValue(int property, CPropertyRef const& value);
   void PrepareObject(int property, CXmlObjectBase* object);
   CSmartPtr<CXmlObjectBase> NewObject(int property) const;
