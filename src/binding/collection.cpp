@@ -33,17 +33,21 @@ std::string CXmlCollectionBase::GetTargetNamespace() const {
 std::string CXmlCollectionBase::GetNamespace() const { return m_namespace; }
 
 void CXmlCollectionBase::ValidateCount(CXmlSerializationContext const& ctx) const {
+  RequireValidCount(ctx, GetElementName().c_str());
+}
+
+void CXmlCollectionBase::RequireValidCount(CXmlSerializationContext const& ctx, char const* names) const {
   if (ctx.GetIgnoreInvalidCollectionCounts()) return;
   int const count = GetCount();
   if (count > m_maxOccurs && m_maxOccurs != -1) {
-    throw OfKind(FailureKind_Count, CQnValidationException(FormatString(
-                                        "The Maximum number of [%s] elements allowed in this collection is %d",
-                                        GetElementName().c_str(), m_maxOccurs)));
+    throw OfKind(FailureKind_Count,
+                 CQnValidationException(FormatString(
+                     "The Maximum number of [%s] elements allowed in this collection is %d", names, m_maxOccurs)));
   }
   if (count < m_minOccurs) {
-    throw OfKind(FailureKind_Count, CQnValidationException(FormatString(
-                                        "The Minimum number of [%s] elements allowed in this collection is %d",
-                                        GetElementName().c_str(), m_minOccurs)));
+    throw OfKind(FailureKind_Count,
+                 CQnValidationException(FormatString(
+                     "The Minimum number of [%s] elements allowed in this collection is %d", names, m_minOccurs)));
   }
 }
 

@@ -13,6 +13,11 @@ CAnyElementCol::CAnyElementCol(CElementRow const& row) : CObjectCol(row), m_rule
 
 CAnyElementCol::~CAnyElementCol() = default;
 
+void CAnyElementCol::ValidateCount(CXmlSerializationContext const& ctx) const {
+  if (m_rule == nullptr) return CObjectCol::ValidateCount(ctx);
+  RequireValidCount(ctx, m_rule->allowed);
+}
+
 CElement& CAnyElementCol::Add(char const* name, char const* ns) { return Add(new CElement(name, ns, "##any", "")); }
 
 CElement& CAnyElementCol::Add(CSmartPtr<CElement> const& element) {

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "base/failure_detail.h"
+#include "binding/failure_report.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/content.h"
@@ -120,6 +121,16 @@ void GroupInfo::Read(Place const& place) const {
 
 namespace {
 
+/// Report that \p part, a particle or group, is missing.
+template <class Part>
+void Miss(Part const& part, CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlElement const* cursor) {
+  try {
+    part.ThrowMissing();
+  } catch (CQnException& failure) {
+    if (!FailureReport::GoesOn(ctx, failure, FailurePoint::At(parent, cursor))) throw;
+  }
+}
+
 void Take(Particle const& particle, CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
           CXmlElement* parent, CXmlElement** cursor) {
   particle.info->ElementFromXml(ctx, holder, parent, cursor, "", XmlElementType_Pseudo);
@@ -132,7 +143,7 @@ void GroupInfo::ReadSequence(Place const& place) const {
     if (particle.isRequired ? Seek(particle, place.ctx, place.cursor) : particle.Begins(place.ctx, *place.cursor)) {
       Take(particle, place.ctx, place.holder, place.parent, place.cursor);
     } else if (particle.isRequired && !place.ctx.GetIgnoreMissingMandatoryElements()) {
-      particle.ThrowMissing();
+      Miss(particle, place.ctx, place.parent, *place.cursor);
     }
   }
 }
@@ -162,9 +173,10 @@ void GroupInfo::ReadAll(Place const& place) const {
     }
   }
   if (!std::is_sorted(order.begin(), order.end())) BoundAccess::SetOrder(place.holder, std::move(order));
-  auto const missing =
-      std::find_if(left.begin(), left.end(), [](Particle const* particle) { return particle->isRequired; });
-  if (missing != left.end() && !place.ctx.GetIgnoreMissingMandatoryElements()) (*missing)->ThrowMissing();
+  if (place.ctx.GetIgnoreMissingMandatoryElements()) return;
+  for (Particle const* const particle : left) {
+    if (particle->isRequired) Miss(*particle, place.ctx, place.parent, *place.cursor);
+  }
 }
 
 // ---- Writing

@@ -28,6 +28,13 @@ CObjectCollection::CObjectCollection(CElementRow const& row)
 
 CObjectCollection::~CObjectCollection() = default;
 
+void CObjectCollection::ValidateCount(CXmlSerializationContext const& ctx) const {
+  if (!m_hasRounds || m_tables == nullptr || IsValidCount(ctx)) return CXmlCollection::ValidateCount(ctx);
+  std::string names;  // rounds have none of their own
+  m_tables->Built().Round().AppendNames(names);
+  RequireValidCount(ctx, names.c_str());
+}
+
 CSmartPtr<CXmlObjectBase> CObjectCollection::NewItem() const {
   if (m_tables != nullptr) return m_tables->CreateObject(GetElementName().c_str());
   return m_create(GetElementName().c_str());

@@ -3,6 +3,7 @@
 #include "base/failure_detail.h"
 #include "generated/value_rule.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generic_content.h"
 
 namespace Quillon9::detail {
@@ -95,7 +96,7 @@ QN_VALUE_TYPES(QN_DEFINE_KIND)
 namespace {
 
 /// A collection of numbers whose type limits their digits, which the library's own collections do not know. They are
-/// checked on writing, as those of single values are.
+/// checked when those of single values are.
 template <class Collection>
 class DigitsCol : public Collection {
  public:
@@ -104,19 +105,44 @@ class DigitsCol : public Collection {
                    f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind)),
         m_facets(f) {}
 
+  void AddFromString(std::string text) override {
+    Collection::AddFromString(std::move(text));
+    if (!m_checksItems) return;
+    int const last = this->GetCount() - 1;
+    try {
+      RequireDigits(this->ItemAt(last));
+    } catch (...) {
+      this->Remove(last);
+      throw;
+    }
+  }
+
  protected:
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override {
+    m_checksItems = ctx.GetChecksFacetsOnReading();
+    struct Reset {
+      bool& isOn;
+      ~Reset() { isOn = false; }
+    } const reset{m_checksItems};
+    return Collection::FromXml_Int(parent, cursor, ctx, inChoice);
+  }
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override {
-    for (auto const& value : *this) {
-      QnVariant held;
-      CPropertyRef(const_cast<std::decay_t<decltype(value)>&>(value)).Read(held);
-      ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held);
-    }
+    for (auto const& value : *this) RequireDigits(value);
     Collection::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
   }
 
  private:
+  template <class Value>
+  void RequireDigits(Value const& value) const {
+    QnVariant held;
+    CPropertyRef(const_cast<std::decay_t<Value>&>(value)).Read(held);
+    ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held);
+  }
+
   CFacets const& m_facets;
+  bool m_checksItems = false;  // of a read that checks facets
 };
 
 /// A collection of texts, whose lengths are numbers of characters in generated classes.

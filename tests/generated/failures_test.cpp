@@ -196,6 +196,41 @@ TEST(BoundFailures, StrictReading) {
          " version='2'", strict);
 }
 
+TEST(BoundFailures, DigitsOfListItems) {
+  static constexpr CFacets kFacets{nullptr, -1, -1, -1, nullptr, nullptr, nullptr, nullptr, 2};
+  static constexpr CValueType kType{ItemType_i4, CWhitespaceUtils::WhitespaceRule_Collapse, &kFacets};
+  CElementRow const row = Rows::Values("i", "", 0, 0, -1, kType);
+  CSmartPtr<CXmlObjectBase> const items = detail::NewCollection<Ci4Col>::ForRow(&row);
+  CFailureList list;
+  CXmlSerializationContext strict;
+  strict.SetChecksFacetsOnReading(true);
+  strict.SetFailureSink(&list);
+  items->FromXml("<r><i>10</i><i>100</i><i>11</i></r>", strict);
+  EXPECT_EQ("1:13: error: /r/i[2]: Invalid Value for i [100]\n", list.GetReport());
+  EXPECT_EQ(2, static_cast<Ci4Col&>(*items).GetCount());
+  items->FromXml("<r><i>100</i></r>");
+  EXPECT_EQ(3, static_cast<Ci4Col&>(*items).GetCount());
+}
+
+TEST(BoundFailures, CountsNameWhatHasNoName) {
+  static constexpr CNamespaceRule kRule{"urn:a ##local"};
+  CElementRow const rounds = Rows::Rounds("choice", 0, 2, -1, COrder::CChoice::s_class);
+  CElementRow const any = Rows::Anys(0, 2, -1, kRule);
+  auto const causeOf = [](CSmartPtr<CXmlObjectBase> const& items) {
+    EXPECT_THROW(static_cast<CXmlCollectionBase&>(*items).ValidateCount({}), CQnValidationException);
+    try {
+      static_cast<CXmlCollectionBase&>(*items).ValidateCount({});
+    } catch (CQnException const& failure) {
+      return failure.GetMessage();
+    }
+    return std::string();
+  };
+  EXPECT_EQ("The Minimum number of [text, mark] elements allowed in this collection is 2",
+            causeOf(CObjectCol<COrder::CChoice>::ForRow(rounds)));
+  EXPECT_EQ("The Minimum number of [urn:a ##local] elements allowed in this collection is 2",
+            causeOf(CAnyElementCol::ForRow(any)));
+}
+
 // ---- Random damage
 
 struct Node {

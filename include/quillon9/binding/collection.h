@@ -82,6 +82,8 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
     long long m_allowance;
     long long m_left;
   };
+  /// \throws CQnValidationException for a count outside the limits, with \p names for the items.
+  void RequireValidCount(CXmlSerializationContext const& ctx, char const* names) const;
   /// Whether any listener is registered.
   bool HasListeners() const { return !m_listeners.empty(); }
   /// Remove every listener.

@@ -17,6 +17,8 @@ class QUILLON9_API CAnyElementCol : public CObjectCol<CElement> {
   ~CAnyElementCol() override;
   /// True.
   bool HoldsUtf8Text() const override { return true; }
+  /// As for any collection. The failure names elements of a wildcard by its rule.
+  void ValidateCount(CXmlSerializationContext const& ctx) const override;
 
   /// Append a new element in the namespace \p ns, or an existing one.
   /// \throws CQnInvalidNamespaceException "Invalid namespace [%s]. The namespace must be one of [%s] where the target

@@ -19,6 +19,8 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
   ~CObjectCollection() override;
   /// Whether it belongs to a generated class.
   bool HoldsUtf8Text() const override { return m_tables != nullptr; }
+  /// As for any collection. The failure names rounds, which have no name, by those of the elements that begin them.
+  void ValidateCount(CXmlSerializationContext const& ctx) const override;
 
   /// The number of items.
   std::size_t size() const { return static_cast<std::size_t>(GetCount()); }
