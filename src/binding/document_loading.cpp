@@ -180,8 +180,7 @@ void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy
 void CXmlDocument::Parse(char const* file) {
   DecompressInput();
   Utf8Text::Scope const scope(TextUse(m_context));
-  CFastInfosetReader reader(*m_context.GetFIContext(), *this);
-  if (!reader.Parse()) ParseText(false, file);
+  if (!ParseInfoset(file)) ParseText(false, file);
 }
 
 void CXmlDocument::DecompressInput() {
@@ -191,6 +190,18 @@ void CXmlDocument::DecompressInput() {
   static_cast<void>(m_ownedInput.release());  // Decompress() has deleted it
   m_ownedInput.reset(data);
   m_inputData = data;
+}
+
+bool CXmlDocument::ParseInfoset(char const* file) {
+  CFastInfosetReader reader(*m_context.GetFIContext(), *this);
+  try {
+    return reader.Parse();
+  } catch (CQnException& failure) {
+    FailureKind& kind = FailureAccess::DetailOf(failure).kind;
+    if (kind == FailureKind_Other) kind = FailureKind_Parse;  // of encoded values
+    SetPlace(failure, PlaceInInfoset(*this, reader.GetOffset(), file));
+    throw;
+  }
 }
 
 void CXmlDocument::ParseText(bool isWide, char const* file) {

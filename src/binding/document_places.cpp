@@ -6,7 +6,9 @@
 #include <utility>
 #include <vector>
 
+#include "binding/infoset_scan.h"
 #include "quillon9/xmlio/document.h"
+#include "text/lost_characters.h"
 #include "text/utf8_to_local.h"
 #include "xmlio/text_scan.h"
 
@@ -68,13 +70,21 @@ void SetPosition(CFailurePlace& place, InputPosition const& at, InputForm form) 
 
 struct DocumentPlaces::Found {
   DocumentOutline outline;
-  std::optional<TextScan> scan;  // if the outline has positions in text
-  bool hasPositions = false;
+  // At most one of them: where the outline comes from. Neither if it has no positions.
+  std::optional<TextScan> text;
+  std::optional<InfosetScan> infoset;
   Numbers<CXmlElement> elements;  // sorted
   // The attributes of the last element that was asked for: many attributes of one element may be wrong.
   std::uint32_t attributesOf = DocumentOutline::kNone;
   Numbers<CXmlAttribute> attributes;  // sorted
   std::vector<InputPosition> attributePositions;
+
+  bool HasPositions() const { return text.has_value() || infoset.has_value(); }
+  void Scan(CXmlDocument const& document) {
+    if (infoset.emplace(document).Outline(outline)) return;
+    infoset.reset();
+    text.emplace(InputOf(document)).Outline(outline);
+  }
 };
 
 DocumentPlaces::DocumentPlaces(CXmlDocument const& document, InputForm form, char const* file)
@@ -99,13 +109,11 @@ DocumentPlaces::Found& DocumentPlaces::Prepare() {
       found->elements.emplace_back(&element, static_cast<std::uint32_t>(found->elements.size()));
     };
     Walk(*root, add, [] {});
-    if (m_form != InputForm::kUnseen && m_document->GetInputData() != nullptr) {
-      found->scan.emplace(InputOf(*m_document)).Outline(found->outline);
-      found->hasPositions = found->outline.GetSize() == found->elements.size();
-    }
+    if (m_form != InputForm::kUnseen && m_document->GetInputData() != nullptr) found->Scan(*m_document);
     // A program can change the tree while it is read; then only the tree knows the path.
-    if (!found->hasPositions) {
-      found->scan.reset();
+    if (found->outline.GetSize() != found->elements.size()) {
+      found->text.reset();
+      found->infoset.reset();
       found->outline = OutlineOf(*root);
     }
     std::sort(found->elements.begin(), found->elements.end());
@@ -118,14 +126,15 @@ CFailurePlace DocumentPlaces::Find(FailurePoint const& point) {
   CFailurePlace place;
   if (m_file != nullptr) place.SetFile(m_file);
   if (point.element == nullptr) return place;
+  LostCharacters::Scope const unheard(nullptr);  // what the first read has lost is lost again
   Found& found = Prepare();
   std::uint32_t const element = NumberIn(found.elements, point.element);
   if (element == DocumentOutline::kNone) return place;
-  if (found.hasPositions) {
+  if (found.HasPositions()) {
     SetPosition(place, point.isAtEnd ? found.outline.EndOf(element) : found.outline.StartOf(element), m_form);
   }
   std::string path = found.outline.PathOf(element);
-  if (found.scan.has_value()) path = CUtf8ToLocal()(path);
+  if (found.text.has_value()) path = CUtf8ToLocal()(path);
   if (point.attribute != nullptr) AddAttribute(place, path, point, element);
   place.SetPath(std::move(path));
   return place;
@@ -143,8 +152,8 @@ void DocumentPlaces::AddAttribute(CFailurePlace& place, std::string& path, Failu
     std::sort(found.attributes.begin(), found.attributes.end());
     bool const areDeclarations = m_document != nullptr && m_document->GetSchemaType() == SchemaType_DTD;
     found.attributePositions.clear();
-    if (found.scan.has_value()) {
-      found.attributePositions = found.scan->AttributesAt(found.outline.StartOf(element), areDeclarations);
+    if (found.text.has_value()) {
+      found.attributePositions = found.text->AttributesAt(found.outline.StartOf(element), areDeclarations);
     }
     found.attributesOf = element;
   }
@@ -153,7 +162,9 @@ void DocumentPlaces::AddAttribute(CFailurePlace& place, std::string& path, Failu
   if (number < found.attributePositions.size()) {
     InputPosition const& at = found.attributePositions[number];
     SetPosition(place, at, m_form);
-    path += "/@" + CUtf8ToLocal()(found.scan->NameAt(at));
+    path += "/@" + CUtf8ToLocal()(found.text->NameAt(at));
+  } else if (found.infoset.has_value()) {
+    path += "/@" + DocumentOutline::Shown(found.infoset->NameOf(*point.attribute));
   } else {  // from the document type, or without a position
     path += "/@" + DocumentOutline::Shown(point.attribute->GetLocalName());
   }
@@ -164,9 +175,21 @@ CFailurePlace PlaceInText(CXmlDocument const& document, InputPosition const& at,
   if (file != nullptr) place.SetFile(file);
   SetPosition(place, at, form);
   if (document.GetDocumentElement() == nullptr) return place;
+  LostCharacters::Scope const unheard(nullptr);
   DocumentOutline outline;
   TextScan(InputOf(document)).Outline(outline, at.offset);
   place.SetPath(CUtf8ToLocal()(outline.PathOf(outline.GetOpen())));
+  return place;
+}
+
+CFailurePlace PlaceInInfoset(CXmlDocument const& document, std::size_t offset, char const* file) {
+  CFailurePlace place;
+  if (file != nullptr) place.SetFile(file);
+  place.SetOffset(static_cast<std::int64_t>(offset));
+  LostCharacters::Scope const unheard(nullptr);
+  DocumentOutline outline;
+  InfosetScan(document).Outline(outline);
+  place.SetPath(outline.PathOf(outline.GetOpen()));
   return place;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <memory>
 #include <string>
 
@@ -49,5 +49,8 @@ class DocumentPlaces final : public PlaceFinder {
 /// The place \p at of a failure that ended the load of \p document from \p file, or null. Its path is that of the
 /// innermost element that is open there.
 CFailurePlace PlaceInText(CXmlDocument const& document, InputPosition const& at, InputForm form, char const* file);
+
+/// The same for Fast Infoset, whose reader has stopped at \p offset.
+CFailurePlace PlaceInInfoset(CXmlDocument const& document, std::size_t offset, char const* file);
 
 }  // namespace Quillon9

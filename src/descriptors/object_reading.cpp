@@ -1,6 +1,10 @@
 // The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
 // file of their own because they depend on the document, and with it on the parser.
 
+#include <string>
+#include <utility>
+
+#include "base/failure_detail.h"
 #include "binding/lost_text.h"
 #include "binding/reported_read.h"
 #include "binding/text_scope.h"
@@ -22,6 +26,17 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
   ObjectContent const content(*root);
   FailedScans::Pause const pause;
   CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
+}
+
+/// The caller has never seen \p text, so a place in it means nothing.
+void LoadUnseen(CXmlDocument& document, std::string const& text) try {
+  document.LoadXml(text.c_str());
+} catch (CQnException& failure) {
+  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  CFailurePlace place;
+  place.SetPath(detail.place.GetPath());
+  detail.place = std::move(place);
+  throw;
 }
 
 /// \p load gets an empty document.
@@ -74,7 +89,7 @@ void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationCo
   // The generic content comes from a read like this one.
   if (TextUse(*this, ctx) != Utf8Text::Use::kNo) writing.SetTextEncoding(TextEncoding_UTF8);
   std::string const text = element->ToXml(false, false, EOLType_LF, writing);
-  FromXml(text.c_str(), ctx);
+  ReadDocument(*this, ctx, InputForm::kUnseen, nullptr, [&](CXmlDocument& document) { LoadUnseen(document, text); });
 }
 
 }  // namespace Quillon9

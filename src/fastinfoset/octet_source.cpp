@@ -2,12 +2,13 @@
 
 #include <string>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 
-void ThrowFastInfosetFailure(char const* reason) {
-  throw CQnException(std::string("Failed to parse FastInfoset. ") + reason);
+void ThrowFastInfosetFailure(char const* reason, FailureKind kind) {
+  throw OfKind(kind, CQnException(std::string("Failed to parse FastInfoset. ") + reason));
 }
 
 void COctetSource::ThrowEndOfFile() { ThrowFastInfosetFailure("Unexpected End of File."); }

@@ -4,12 +4,13 @@
 #include <cstdint>
 
 #include "fastinfoset/constants.h"
+#include "quillon9/base/failures.h"
 
 namespace Quillon9 {
 
 /// Fail with "Failed to parse FastInfoset. " and \p reason.
-/// \throws CQnException always.
-[[noreturn]] void ThrowFastInfosetFailure(char const* reason);
+/// \throws CQnException of \p kind, always.
+[[noreturn]] void ThrowFastInfosetFailure(char const* reason, FailureKind kind = FailureKind_Parse);
 
 /// Reads the octets of a Fast Infoset document in sequence, and the forms of integers and lengths in Rec. ITU-T X.891,
 /// C.21 to C.28. A form is named after the bit of the current octet on which it begins, bit 1 being the most
@@ -22,6 +23,7 @@ class COctetSource {
 
   std::uint8_t const* GetBegin() const { return m_begin; }
   std::uint8_t const* GetPosition() const { return m_position; }
+  std::size_t GetOffset() const { return static_cast<std::size_t>(m_position - m_begin); }
   std::size_t GetLeft() const { return static_cast<std::size_t>(m_end - m_position); }
 
   /// Skip \p count octets and return the first of them.

@@ -84,6 +84,7 @@ void CFastInfosetReader::ReadChildren() {
 
 // Iterative, because the document determines the depth of the nesting: the document keeps the open elements.
 void CFastInfosetReader::ElementBit2(std::uint32_t octet) {
+  if (m_outline != nullptr) return OutlineElement(octet);
   StartElement(octet);
   while (CXmlElement* const element = m_document.GetOpenElement()) ReadContent(element, m_source.Octet());
 }
@@ -96,7 +97,8 @@ void CFastInfosetReader::StartElement(std::uint32_t octet) {
   }
   std::uint32_t const limit = CLimits::GetMaxElementDepth();
   if (m_document.GetOpenElementCount() >= limit) {
-    ThrowFastInfosetFailure(FormatString("The element nesting exceeds the limit of %u levels", limit).c_str());
+    ThrowFastInfosetFailure(FormatString("The element nesting exceeds the limit of %u levels", limit).c_str(),
+                            FailureKind_Limit);
   }
   CXmlName const* const name = ElementNameBit3(octet);
   CXmlElement* const element =

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fastinfoset/octet_source.h"
@@ -11,6 +13,7 @@
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/document.h"
 #include "text/utf8_to_local.h"
+#include "xmlio/document_outline.h"
 
 namespace Quillon9 {
 
@@ -37,6 +40,14 @@ class CFastInfosetReader {
   ///         throws for its octets; "The element nesting exceeds the limit of %u levels" beyond
   ///         CLimits::GetMaxElementDepth(); CQnUtf16Exception for a string in UTF-16. The elements read so far stay.
   bool Parse();
+  /// Parse(), and add the elements to \p outline with the offset of the octet on which each begins and ends. Elements
+  /// that are open at a failure stay so.
+  /// \returns, \throws as Parse() does.
+  bool ParseWithOutline(DocumentOutline& outline);
+  /// The offset of the next octet.
+  std::size_t GetOffset() const { return m_source.GetOffset(); }
+  /// After ParseWithOutline(): the name of an attribute as the document spells it.
+  std::string GetSpelledAttribute(CXmlName const& name);
 
  private:
   using Strings = std::vector<std::string>;
@@ -90,6 +101,14 @@ class CFastInfosetReader {
   void Attributes(CXmlElement* element);
   void AtrributeBit2(CXmlElement* element, std::uint32_t octet);
 
+  // The outline, defined in reader_outline.cpp.
+  using Spellings = std::map<std::pair<std::string, std::string>, std::string>;
+  void OutlineElement(std::uint32_t octet);
+  void FollowStart(std::size_t open, std::size_t at);
+  void FollowEnds(std::size_t& open, std::size_t at);
+  void Learn(Names const& table, std::size_t& known, Spellings& spellings);
+  static std::string Spelled(Spellings const& spellings, CXmlName const& name);
+
   // Names and strings.
   CXmlName const* AttributeNameBit2(std::uint32_t octet);
   CXmlName const* ElementNameBit3(std::uint32_t octet);
@@ -114,6 +133,12 @@ class CFastInfosetReader {
   SharedNames m_attributeNames;
   /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
+  DocumentOutline* m_outline = nullptr;
+  /// The spelling of names, by namespace and local name, and the number of entries of the table that it has.
+  ///@{
+  Spellings m_elementSpellings;
+  std::size_t m_knownElements = 0;
+  ///@}
 };
 
 }  // namespace Quillon9

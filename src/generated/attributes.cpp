@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "base/failure_detail.h"
 #include "generated/bound_access.h"
 #include "generated/namespace_rule.h"
 #include "generated/value_rule.h"
@@ -10,8 +9,6 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
-#include "xmlio/checking_writer.h"
-#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -31,7 +28,7 @@ class ValueAttribute : public CAttributeInfo {
     QnVariant value;
     ReadProperty(holder, value);
     if (!value.IsValid() && m_optional) return;
-    std::string const text = Print(value);
+    std::string const text = m_rule.Print(value);
     if (IsSuppressedDefault(ctx, text)) return;
     m_rule.Check(value);
     bool const isEnumerator = m_rule.GetType().enumeration != nullptr;
@@ -50,15 +47,6 @@ class ValueAttribute : public CAttributeInfo {
   void Validate(CXmlSerializationContext const&, bool found) const override { ThrowIfRequiredAndMissing(found); }
 
  private:
-  std::string Print(QnVariant const& value) const {
-    try {
-      return m_rule.Print(value);
-    } catch (CQnException& failure) {
-      if (!value.IsValid()) FailureAccess::DetailOf(failure).kind = FailureKind_MissingAttribute;
-      throw;
-    }
-  }
-
   ValueRule m_rule;
 };
 
@@ -72,7 +60,7 @@ class AnyAttributes : public CAttributeInfo {
                       CXmlWriter* writer) const override {
     auto const* const held = static_cast<CAttributeCol const*>(BoundAccess::Property(holder, m_propertyIndex).Look());
     if (held == nullptr) return;
-    for (CAttribute const& attribute : *held) RequireAllowedAttribute(attribute, *writer);
+    for (CAttribute const& attribute : *held) RequireAllowed(m_rule, attribute.GetNamespace());
     ToXml_Int(held, writer, false, "", ctx);
   }
 
@@ -90,15 +78,6 @@ class AnyAttributes : public CAttributeInfo {
   void Validate(CXmlSerializationContext const&, bool) const override {}
 
  private:
-  void RequireAllowedAttribute(CAttribute const& attribute, CXmlWriter const& writer) const {
-    try {
-      RequireAllowed(m_rule, attribute.GetNamespace());
-    } catch (CQnException& failure) {
-      CheckingWriter* const check = XmlWriterAccess::Checking(writer);
-      if (check == nullptr || !check->GoesOn(failure, attribute.GetName().c_str())) throw;
-    }
-  }
-
   CNamespaceRule const& m_rule;
 };
 

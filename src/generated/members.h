@@ -47,8 +47,6 @@ class ValueMember : public BoundMember {
   QN_BOUND_OVERRIDES
 
  private:
-  bool OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter const& writer) const;
-
   ValueRule m_rule;
 };
 

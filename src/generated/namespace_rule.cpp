@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -34,10 +33,9 @@ bool Allows(CNamespaceRule const& rule, std::string_view ns) {
 
 void RequireAllowed(CNamespaceRule const& rule, std::string_view ns) {
   if (Allows(rule, ns)) return;
-  throw OfKind(FailureKind_Namespace,
-               CQnInvalidNamespaceException(FormatString(
-                   "Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
-                   std::string(ns).c_str(), rule.allowed, rule.target)));
+  throw CQnInvalidNamespaceException(
+      FormatString("Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
+                   std::string(ns).c_str(), rule.allowed, rule.target));
 }
 
 }  // namespace Quillon9

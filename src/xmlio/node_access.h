@@ -79,6 +79,12 @@ struct XmlNodeAccess {
 
   /// \name The document
   /// @{
+  /// Give \p document the input of another one, which must outlive it, for a second tree under the same limits.
+  static void LendInput(CXmlDocument& document, CXmlDocument const& from) {
+    document.m_inputData = from.m_inputData;
+    document.m_inputSize = from.m_inputSize;
+    document.StartCounting();
+  }
   /// What CXmlDocument::CountContent() has counted.
   static std::uint64_t& ContentSize(CXmlDocument& document) { return document.m_contentSize; }
   /// @}

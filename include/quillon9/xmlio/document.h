@@ -165,6 +165,7 @@ class QUILLON9_API CXmlDocument {
   void Parse(char const* file = nullptr);
   void DecompressInput();
   void ReadFile(char const* path);
+  bool ParseInfoset(char const* file);
   void ParseText(bool isWide = false, char const* file = nullptr);
   unsigned char* AllocateInput(unsigned long size);
   CXmlElement* OpenElementOrThrow() const {
