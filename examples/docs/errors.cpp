@@ -142,10 +142,22 @@ void Write() {
   // [write]
 }
 
+void Check() {
+  std::cout << "[check]\n";
+  // [check]
+  COrder order;
+  order.m_shipTo->m_city = "Mill\x07Valley";
+  order.m_shipTo->m_zip = 100000;
+  CFailureList failures;
+  if (!order.Check(CXmlSerializationContext::m_defaultContext, &failures)) std::cout << failures.GetReport();
+  // [check]
+}
+
 }  // namespace
 
 int main() {
   ReadNested();
   Sort();
   Write();
+  Check();
 }

@@ -3,6 +3,7 @@
 
 #include "binding/lost_text.h"
 #include "binding/text_scope.h"
+#include "binding/write_failure.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/fastinfoset/writer.h"
@@ -10,8 +11,26 @@
 
 namespace Quillon9 {
 
+namespace {
+
+/// \p failure ended a write. Of no effect if that was before the root.
+void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
+              CXmlSerializationContext const& ctx) noexcept {
+  try {
+    Utf8Text::Scope const scope(TextUse(object, ctx));
+    CBinaryStream stream;
+    CFastInfosetWriter encoder(*ctx.GetFIContext(), stream);
+    encoder.Open();
+    encoder.WriteStartDocument(decl);
+    WriteFailure::AddPlace(failure, object, ctx, encoder);
+  } catch (...) {  // the failure that ended the write counts
+  }
+}
+
+}  // namespace
+
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
-                                                CompressionType compression) const {
+                                                CompressionType compression) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
@@ -26,6 +45,9 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   CBinaryData data = stream.GetBinaryStream();
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
+} catch (CQnException& failure) {
+  AddPlace(failure, *this, decl, ctx);
+  throw;
 }
 
 void CXmlObjectBase::ToFastInfosetFile(char const* path, FInfoDecl decl, CXmlSerializationContext const& ctx,

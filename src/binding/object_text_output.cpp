@@ -3,6 +3,7 @@
 
 #include "binding/lost_text.h"
 #include "binding/text_scope.h"
+#include "binding/write_failure.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/xmlio/streams.h"
@@ -27,17 +28,20 @@ void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHead
 }  // namespace
 
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
-                                  CXmlSerializationContext const& ctx) const {
+                                  CXmlSerializationContext const& ctx) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream;
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
   std::string text = stream.CopyText();
   Utf8Text::Check(text);
   return text;
+} catch (CQnException& failure) {
+  WriteFailure::AddPlace(failure, *this, ctx);
+  throw;
 }
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
-                                        CXmlSerializationContext const& ctx, CompressionType compression) const {
+                                        CXmlSerializationContext const& ctx, CompressionType compression) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
@@ -46,6 +50,9 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
   losses.Tell();
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
+} catch (CQnException& failure) {
+  WriteFailure::AddPlace(failure, *this, ctx);
+  throw;
 }
 
 void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
@@ -59,9 +66,14 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
     CFileBinaryStream(path, encoding, data).ToFile();
     return;
   }
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
-  CFileTextStream stream(path, encoding);
-  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  try {
+    Utf8Text::Scope const scope(TextUse(*this, ctx));
+    CFileTextStream stream(path, encoding);
+    WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  } catch (CQnException& failure) {
+    WriteFailure::AddPlace(failure, *this, ctx);
+    throw;
+  }
 }
 
 }  // namespace Quillon9

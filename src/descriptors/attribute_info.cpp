@@ -75,12 +75,29 @@ CAttributeInfoPrimitive::CAttributeInfoPrimitive(char const* name, char const* n
 
 CAttributeInfoPrimitive::~CAttributeInfoPrimitive() = default;
 
+namespace {
+
+/// \p value, which is not valid, cannot be converted, and that is the failure of a required attribute.
+[[gnu::cold]] void ThrowNotSet(QnVariant const& value) {
+  try {
+    value.ToString();
+  } catch (CQnException& failure) {
+    FailureAccess::DetailOf(failure).kind = FailureKind_MissingAttribute;
+    throw;
+  }
+}
+
+}  // namespace
+
 void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                                              CXmlWriter* writer) const {
   QnVariant value;
   ReadProperty(holder, value);
-  if (m_optional && !value.IsValid()) return;
-  PrintedText const text(value, m_format);  // also reports a required value that is not set
+  if (!value.IsValid()) {
+    if (m_optional) return;
+    ThrowNotSet(value);
+  }
+  PrintedText const text(value, m_format);
   if (IsSuppressedDefault(ctx, text.Get())) return;
   CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
     CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
@@ -122,8 +139,8 @@ void CAttributeInfoEnum::AttributeToXml(CXmlSerializationContext const& ctx, CXm
   int const number = value.GetI4();  // 0 for a required value that is not set
   char const* const enumerator = m_toText(number);
   if (enumerator == nullptr) {
-    throw CQnException(
-        FormatString("The number %d of the attribute [%s] has no text", number, m_attributeName.c_str()));
+    throw OfKind(FailureKind_BadValue, CQnException(FormatString("The number %d of the attribute [%s] has no text",
+                                                                 number, m_attributeName.c_str())));
   }
   std::string const text = enumerator;
   if (IsSuppressedDefault(ctx, text)) return;

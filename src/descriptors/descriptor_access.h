@@ -55,6 +55,10 @@ struct DescriptorAccess {
     return member.m_childType;
   }
   template <class Member>
+  static bool RequiresContent(Member const& member) {
+    return member.m_requiresContent;
+  }
+  template <class Member>
   static ClassFactory ClassFactoryOf(Member const& member) {
     return member.m_classFactory;
   }

@@ -146,7 +146,8 @@ bool CElementInfo::ElementToXmlEnum(CXmlSerializationContext const&, CXmlGenerat
   int const number = value.GetI4();
   char const* const text = toText(number);
   if (text == nullptr) {
-    throw CQnException(FormatString("The number %d of the element [%s] has no text", number, m_elementName.c_str()));
+    throw OfKind(FailureKind_BadValue, CQnException(FormatString("The number %d of the element [%s] has no text",
+                                                                 number, m_elementName.c_str())));
   }
   WriteText(writer, text, ItemType_string);
   return true;

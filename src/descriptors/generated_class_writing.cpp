@@ -10,6 +10,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/member_check.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -17,6 +18,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "xmlio/checking_writer.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -25,6 +27,9 @@ using namespace Quillon9Data;
 
 void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                                    bool inChoice) const {
+  if (CheckingWriter* const check = XmlWriterAccess::Checking(*writer)) {
+    return CheckElement(*check, isRoot, ns, ctx, inChoice);
+  }
   try {
     WriteElement(writer, isRoot, ns, ctx, inChoice);
   } catch (CQnException const& cause) {
@@ -107,7 +112,13 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializati
 
 void CXmlGeneratedClass::ProcessAttributesToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
                                                 CAttributeInfo** attributes, CXmlWriter* writer) const {
-  for (; *attributes != nullptr; ++attributes) (*attributes)->AttributeToXml(ctx, this, writer);
+  for (; *attributes != nullptr; ++attributes) {
+    try {
+      (*attributes)->AttributeToXml(ctx, this, writer);
+    } catch (CQnException& failure) {
+      if (!MemberCheck::GoesOn(*writer, failure, **attributes)) throw;
+    }
+  }
   for (; *elements != nullptr; ++elements) (*elements)->PseudoChildAttributeToXml(ctx, this, writer);
 }
 
@@ -127,6 +138,11 @@ void CXmlGeneratedClass::ProcessElementChoiceToXml(CXmlSerializationContext cons
   for (; *elements != nullptr; ++elements) {
     if ((*elements)->ElementToXml(ctx, this, writer)) return;
   }
+  RequireChoice(ctx, inChoice);
+}
+
+// Nothing of this choice is set.
+void CXmlGeneratedClass::RequireChoice(CXmlSerializationContext const& ctx, bool inChoice) const {
   if (DoesElementContainOptionalElements() || inChoice || ctx.GetIgnoreMissingChoice()) return;
   throw OfKind(
       FailureKind_EmptyChoice,

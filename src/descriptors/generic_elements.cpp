@@ -14,6 +14,8 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
+#include "xmlio/checking_writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -220,8 +222,13 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
                          bool inChoice) const {
   NestingGuard const guard = Descend();
   if (m_defaultNamespace.empty()) return WriteContent(writer, ns, ctx, inChoice);
+  CheckingWriter* const check = XmlWriterAccess::Checking(*writer);
+  if (check != nullptr && check->WritesText()) return WriteApartTo(*check, inChoice);
   auto* const textWriter = dynamic_cast<CXmlTextWriter*>(writer);
-  if (textWriter == nullptr) throw CQnException("An element with a default namespace can only be written as text");
+  if (textWriter == nullptr) {
+    if (check != nullptr) check->WriteStartElement(m_name, m_namespace);  // for the place of the failure
+    throw CQnException("An element with a default namespace can only be written as text");
+  }
   WriteApart(*textWriter, inChoice);
 }
 
@@ -247,17 +254,21 @@ void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
   inner.SetEOLType(writer.GetEOLType());
   inner.SetFormat(writer.GetFormat());
   inner.SetDefaultNamespace(m_defaultNamespace);
-  inner.WriteStartElement(m_name, m_namespace);
-  CXmlSerializationContext context;
-  context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-  if (auto const* const elements = m_elements.Get()) {
-    CXmlObjectBase::ToXml_Int(elements, &inner, false, m_namespace.c_str(), context, inChoice);
-  }
-  inner.WriteString(m_text, ItemType_string);
-  inner.WriteEndElement();
+  WriteApartTo(inner, inChoice);
   stream.Flush();
   writer.CloseParentElm();
   writer.WriteRawElement(stream.GetText());
+}
+
+void CElement::WriteApartTo(CXmlWriter& writer, bool inChoice) const {
+  writer.WriteStartElement(m_name, m_namespace);
+  CXmlSerializationContext context;
+  context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
+  if (auto const* const elements = m_elements.Get()) {
+    CXmlObjectBase::ToXml_Int(elements, &writer, false, m_namespace.c_str(), context, inChoice);
+  }
+  writer.WriteString(m_text, ItemType_string);
+  writer.WriteEndElement();
 }
 
 // ---- CElementCol

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/failure_detail.h"
 #include "generated/bound_access.h"
 #include "generated/namespace_rule.h"
 #include "generated/value_rule.h"
@@ -9,6 +10,8 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/checking_writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
@@ -28,7 +31,7 @@ class ValueAttribute : public CAttributeInfo {
     QnVariant value;
     ReadProperty(holder, value);
     if (!value.IsValid() && m_optional) return;
-    std::string const text = m_rule.Print(value);
+    std::string const text = Print(value);
     if (IsSuppressedDefault(ctx, text)) return;
     m_rule.Check(value);
     bool const isEnumerator = m_rule.GetType().enumeration != nullptr;
@@ -47,6 +50,15 @@ class ValueAttribute : public CAttributeInfo {
   void Validate(CXmlSerializationContext const&, bool found) const override { ThrowIfRequiredAndMissing(found); }
 
  private:
+  std::string Print(QnVariant const& value) const {
+    try {
+      return m_rule.Print(value);
+    } catch (CQnException& failure) {
+      if (!value.IsValid()) FailureAccess::DetailOf(failure).kind = FailureKind_MissingAttribute;
+      throw;
+    }
+  }
+
   ValueRule m_rule;
 };
 
@@ -60,7 +72,7 @@ class AnyAttributes : public CAttributeInfo {
                       CXmlWriter* writer) const override {
     auto const* const held = static_cast<CAttributeCol const*>(BoundAccess::Property(holder, m_propertyIndex).Look());
     if (held == nullptr) return;
-    for (CAttribute const& attribute : *held) RequireAllowed(m_rule, attribute.GetNamespace());
+    for (CAttribute const& attribute : *held) RequireAllowedAttribute(attribute, *writer);
     ToXml_Int(held, writer, false, "", ctx);
   }
 
@@ -78,6 +90,15 @@ class AnyAttributes : public CAttributeInfo {
   void Validate(CXmlSerializationContext const&, bool) const override {}
 
  private:
+  void RequireAllowedAttribute(CAttribute const& attribute, CXmlWriter const& writer) const {
+    try {
+      RequireAllowed(m_rule, attribute.GetNamespace());
+    } catch (CQnException& failure) {
+      CheckingWriter* const check = XmlWriterAccess::Checking(writer);
+      if (check == nullptr || !check->GoesOn(failure, attribute.GetName().c_str())) throw;
+    }
+  }
+
   CNamespaceRule const& m_rule;
 };
 

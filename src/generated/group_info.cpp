@@ -2,6 +2,7 @@
 
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
+#include "descriptors/member_check.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/content.h"
@@ -193,12 +194,16 @@ bool GroupInfo::WriteChoice(CXmlSerializationContext const& ctx, CXmlGeneratedCl
   auto const chosen = std::find_if(m_particles.begin(), m_particles.end(), isSet);
   if (chosen == m_particles.end()) {
     if (!m_isRequired || ctx.GetIgnoreMissingChoice()) return false;
-    throw CQnValidationException(
-        FormatString("None of the elements [%s] is set, and one is required", NamesOf(*this).c_str()));
+    throw OfKind(FailureKind_EmptyChoice,
+                 CQnValidationException(
+                     FormatString("None of the elements [%s] is set, and one is required", NamesOf(*this).c_str())));
   }
   if (std::any_of(chosen + 1, m_particles.end(), isSet)) {
-    throw CQnValidationException(
-        FormatString("More than one of the elements [%s] is set, but they exclude each other", NamesOf(*this).c_str()));
+    try {
+      MemberCheck::ThrowMoreThanOne(NamesOf(*this).c_str());
+    } catch (CQnException& failure) {
+      if (!MemberCheck::GoesOn(*writer, failure, *this)) throw;
+    }
   }
   return chosen->info->ElementToXml(ctx, holder, writer);
 }
@@ -215,6 +220,17 @@ bool WriteMember(Particle const& particle, CXmlSerializationContext const& ctx, 
   ThrowElementNotSet(name.c_str());
 }
 
+/// The same, and a check goes on after a failure.
+bool WriteOrCheckMember(Particle const& particle, CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
+                        CXmlWriter* writer) {
+  try {
+    return WriteMember(particle, ctx, holder, writer);
+  } catch (CQnException& failure) {
+    if (!MemberCheck::GoesOn(*writer, failure, *particle.info)) throw;
+    return true;
+  }
+}
+
 }  // namespace
 
 // The members of an all group keep the order of the document, although it means nothing; others follow.
@@ -228,11 +244,11 @@ bool GroupInfo::WriteMembers(CXmlSerializationContext const& ctx, CXmlGeneratedC
   if (order != nullptr) {
     for (int const place : *order) {
       auto const at = static_cast<std::size_t>(place);
-      if (at < m_particles.size()) isWritten |= WriteMember(m_particles[at], ctx, holder, writer);
+      if (at < m_particles.size()) isWritten |= WriteOrCheckMember(m_particles[at], ctx, holder, writer);
     }
   }
   for (std::size_t i = 0; i < m_particles.size(); ++i) {
-    if (!isFirst(static_cast<int>(i))) isWritten |= WriteMember(m_particles[i], ctx, holder, writer);
+    if (!isFirst(static_cast<int>(i))) isWritten |= WriteOrCheckMember(m_particles[i], ctx, holder, writer);
   }
   return isWritten;
 }

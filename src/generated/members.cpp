@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/failure_detail.h"
+#include "descriptors/member_check.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
@@ -12,14 +13,13 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9 {
 
 using namespace Quillon9Data;
 
-void ThrowElementNotSet(char const* name) {
-  throw CQnValidationException(FormatString("The required element [%s] is not set", name));
-}
+void ThrowElementNotSet(char const* name) { MemberCheck::ThrowNotSet(name); }
 
 namespace {
 
@@ -143,10 +143,16 @@ ValueMember::ValueMember(CElementRow const& row, bool isRequired)
     : BoundMember(row, isRequired, RestrictionsOf(*row.value)),
       m_rule(row.name, *row.value, row.defaultText, row.fixedText) {}
 
+// A write lets pass that a required value is not set.
+bool ValueMember::OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter const& writer) const {
+  CheckingWriter const* const check = XmlWriterAccess::Checking(writer);
+  return check != nullptr && check->JudgesReading() && AbsentOnWriting(ctx);
+}
+
 QN_ELEMENT_TO_XML(ValueMember) {
   QnVariant value;
   ReadProperty(holder, value);
-  if (!value.IsValid()) return false;
+  if (!value.IsValid()) return OmitOnWriting(ctx, *writer);
   m_rule.CheckOwn(value);
   if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
@@ -193,10 +199,23 @@ QN_ELEMENT_FROM_XML(ObjectMember) {
 
 // ---- Generic elements
 
+namespace {
+
+void RequireAllowedElement(CNamespaceRule const& rule, CElement const& element, CXmlWriter& writer) {
+  try {
+    RequireAllowed(rule, element.GetNamespace());
+  } catch (CQnException& failure) {
+    CheckingWriter* const check = XmlWriterAccess::Checking(writer);
+    if (check == nullptr || !check->GoesOnAt(element.GetName(), element.GetNamespace(), failure)) throw;
+  }
+}
+
+}  // namespace
+
 QN_ELEMENT_TO_XML(ElementMember) {
   auto* const element = static_cast<CElement*>(BoundAccess::Property(holder, m_propertyIndex).Look());
   if (element == nullptr) return AbsentOnWriting(ctx);
-  if (m_row.rule != nullptr) RequireAllowed(*m_row.rule, element->GetNamespace());
+  if (m_row.rule != nullptr) RequireAllowedElement(*m_row.rule, *element, *writer);
   CXmlObjectBase::ToXml_Int(element, writer, false, m_namespace.c_str(), ctx, false);
   return true;
 }

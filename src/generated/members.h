@@ -47,6 +47,8 @@ class ValueMember : public BoundMember {
   QN_BOUND_OVERRIDES
 
  private:
+  bool OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter const& writer) const;
+
   ValueRule m_rule;
 };
 

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
@@ -33,9 +34,10 @@ bool Allows(CNamespaceRule const& rule, std::string_view ns) {
 
 void RequireAllowed(CNamespaceRule const& rule, std::string_view ns) {
   if (Allows(rule, ns)) return;
-  throw CQnInvalidNamespaceException(
-      FormatString("Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
-                   std::string(ns).c_str(), rule.allowed, rule.target));
+  throw OfKind(FailureKind_Namespace,
+               CQnInvalidNamespaceException(FormatString(
+                   "Invalid namespace [%s]. The namespace must be one of [%s] where the target namespace is [%s]",
+                   std::string(ns).c_str(), rule.allowed, rule.target)));
 }
 
 }  // namespace Quillon9

@@ -5,6 +5,8 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "xmlio/checking_writer.h"
+#include "xmlio/writer_access.h"
 
 namespace Quillon9::detail {
 
@@ -129,6 +131,7 @@ class DigitsCol : public Collection {
   }
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override {
+    if (CheckingWriter* const check = XmlWriterAccess::Checking(*writer)) return CheckItems(*check, ctx);
     for (auto const& value : *this) RequireDigits(value);
     Collection::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
   }
@@ -139,6 +142,19 @@ class DigitsCol : public Collection {
     QnVariant held;
     CPropertyRef(const_cast<std::decay_t<Value>&>(value)).Read(held);
     ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held);
+  }
+  // The text of a number is always valid.
+  void CheckItems(CheckingWriter& writer, CXmlSerializationContext const& ctx) const {
+    for (auto const& value : *this) {
+      writer.WriteStartElement(this->GetElementName(), this->GetNamespace());
+      try {
+        RequireDigits(value);
+      } catch (CQnException& failure) {
+        if (!writer.GoesOn(failure)) throw;
+      }
+      writer.WriteEndElement();
+    }
+    this->ValidateCount(ctx);
   }
 
   CFacets const& m_facets;

@@ -88,7 +88,8 @@ std::string ValueRule::Print(QnVariant const& value) const {
   if (m_type.enumeration == nullptr) return value.ToString(FormatOf(m_type.kind));
   char const* const text = m_type.enumeration->ToText(value.GetI4());
   if (text != nullptr) return text;
-  throw CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name));
+  throw OfKind(FailureKind_BadValue,
+               CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name)));
 }
 
 void ValueRule::CheckDigits(char const* name, CFacets const& facets, QnVariant const& number) {

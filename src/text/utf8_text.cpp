@@ -14,6 +14,11 @@ std::size_t Utf8Text::CountCharacters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return !IsTrailByte(static_cast<std::uint8_t>(c)); }));
 }
 
+bool Utf8Text::IsIllFormed(std::string_view message) {
+  constexpr std::string_view kStart = "The text is not well-formed UTF-8 ";
+  return message.substr(0, kStart.size()) == kStart;
+}
+
 void Utf8Text::CheckWellFormed(std::string_view text) {
   std::size_t const length = LegalUtf8Length(CodePage::Bytes(text.data()), text.size());
   if (length == text.size()) return;

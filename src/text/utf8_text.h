@@ -46,6 +46,9 @@ class Utf8Text {
     if (IsInUse()) CheckWellFormed(text);
   }
 
+  /// Whether \p message is that of Check().
+  static bool IsIllFormed(std::string_view message);
+
  private:
   static std::size_t CountCharacters(std::string_view text);
   static void CheckWellFormed(std::string_view text);

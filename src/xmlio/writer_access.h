@@ -8,6 +8,7 @@
 namespace Quillon9 {
 
 class CNamespaceScope;
+class CheckingWriter;
 
 /// The only friend of CXmlWriter and its open elements: what the library does with them and other writers must not, and
 /// what it does so often that it has to be inline.
@@ -23,6 +24,13 @@ struct XmlWriterAccess {
 
   /// The innermost open element, or null.
   static Context const* OpenElement(CXmlWriter const& writer) { return writer.m_context; }
+
+  /// \name A writer that writes nothing and goes on after failures
+  ///@{
+  /// \p writer as such a one; null if it is another.
+  static CheckingWriter* Checking(CXmlWriter const& writer) { return writer.m_checking; }
+  static void SetChecking(CheckingWriter& writer);
+  ///@}
 
   /// Check that the element may have children.
   /// \throws CQnException as CXmlWriter::WriteStartElement() otherwise.

@@ -146,6 +146,30 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   virtual void FromXmlElement(CElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
 
+  /// Find out whether a write of this object as text would succeed and a read of that text would take it back, without
+  /// writing anything. It goes on after each failure, and sends it to \p sink in the order of the document: with the
+  /// text that a write would fail with, such as a broken facet, a missing object, an enumerator without a text, a wrong
+  /// count, an empty choice, a namespace that a wildcard does not allow, and text that is not well-formed UTF-8; and for
+  /// what a write lets pass but a reader refuses, such as a mandatory member that is not set, two members of a choice,
+  /// and control characters. The options of \p ctx that relax reading and writing relax this, too. What is written
+  /// literally, such as processing instructions, CDATA sections and names, is not parsed, and what a code page or an
+  /// encoding of Fast Infoset cannot represent is not found.
+  ///
+  /// The path of a failure leads from the root through the elements and attributes that a write would make; one for
+  /// a missing element ends at the element in which it is missing. It has local names, and a number from 1 for each
+  /// element with siblings of that name, also later ones. Line, column, offset and file are not known.
+  ///
+  /// A class that overrides ToXml_Int() is checked by calling that with another writer; a failure that it throws is
+  /// told at that object, or at the element that it had begun, and the rest of the object is passed over.
+  ///
+  /// \param sink borrowed; null for the answer only. The check ends when it returns false, and after
+  ///        ctx.GetMaxFailures() failures. The sink of \p ctx is not used.
+  /// \return Whether there is no failure.
+  /// \throws what \p sink throws, and what classes of the program throw outside the family of CQnException. The failures
+  ///         themselves are not thrown. Any number of threads may check a graph that no thread changes.
+  bool Check(CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext,
+             IFailureSink* sink = nullptr) const;
+
   virtual ~CXmlObjectBase();
 
   /// The namespace in which the element of this object is written at the document root.

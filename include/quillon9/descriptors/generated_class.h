@@ -50,6 +50,7 @@ class QUILLON9_API CParentElementInfo {
 
 namespace Quillon9 {
 
+class CheckingWriter;
 class FailedScans;
 class FlagSet;
 class PlainClasses;
@@ -183,6 +184,16 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans, CXmlElement* parent,
                             CXmlElement** cursor, Quillon9Data::XmlElementType type);
+
+  // What the last four do for a writer that only checks.
+  void CheckElement(CheckingWriter& writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                    bool inChoice) const;
+  void CheckStart(CheckingWriter& writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                  bool inChoice) const;
+  void CheckContent(CheckingWriter& writer, CXmlSerializationContext const& ctx, bool inChoice) const;
+  void CheckMembers(CheckingWriter& writer, CXmlSerializationContext const& ctx) const;
+  void CheckChoice(CheckingWriter& writer, CXmlSerializationContext const& ctx, bool inChoice) const;
+  void RequireChoice(CXmlSerializationContext const& ctx, bool inChoice) const;
 
   void WriteElement(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;

@@ -290,6 +290,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void CopyFrom(CXmlElement const& element);
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
+  void WriteApartTo(CXmlWriter& writer, bool inChoice) const;
 
   std::string m_name;
   std::string m_text;

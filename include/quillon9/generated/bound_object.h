@@ -157,8 +157,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CPropertyRef ConstProperty(int index) const { return const_cast<CBoundObject*>(this)->Property(index); }
   ItemType KindOf(int property) const;
-  void RequireRemovedUnset() const;
   void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
+  void RequireRemovedUnset(CXmlWriter const& writer) const;
   void PrepareValue(int property, CPropertyRef const& value);
   void PrepareObject(int property, CXmlObjectBase* object);
   CSmartPtr<CXmlObjectBase> NewObject(int property) const;

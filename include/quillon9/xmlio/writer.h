@@ -12,6 +12,7 @@
 namespace Quillon9 {
 
 class CNamespaceScope;
+class CheckingWriter;
 class PlainClasses;
 
 /// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
@@ -121,6 +122,7 @@ class QUILLON9_API CXmlWriter {
   CXmlWriterContext* m_spare = nullptr;  ///< contexts for reuse, linked as parents
   std::string m_namespaceText;
   std::unique_ptr<PlainClasses> m_plainClasses;
+  CheckingWriter* m_checking = nullptr;  // this one, if it only checks
 };
 
 /// One open element of a writer, with the namespace bindings in force inside it. Most elements bind nothing, so a

@@ -1,0 +1,150 @@
+// A walk over a graph of objects as a write would make it, which writes nothing: the check of an object, and the search
+// for the place of a failure that ended a write.
+
+#include <exception>
+#include <limits>
+#include <string>
+#include <typeinfo>
+#include <utility>
+
+#include "base/failure_detail.h"
+#include "binding/text_scope.h"
+#include "binding/write_failure.h"
+#include "quillon9/base/exceptions.h"
+#include "quillon9/binding/object_base.h"
+#include "text/utf8_text.h"
+#include "xmlio/checking_writer.h"
+
+namespace Quillon9 {
+
+namespace {
+
+using Scope = CheckingWriter::Scope;
+
+CQnException const& CauseOf(CQnException const& failure) {
+  CQnException const* cause = &failure;
+  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+  return *cause;
+}
+
+void Walk(CXmlObjectBase const& object, CXmlSerializationContext const& ctx, CheckingWriter& writer) {
+  try {
+    std::string const targetNamespace = object.GetTargetNamespace();
+    CXmlObjectBase::ToXml_Int(&object, &writer, true, targetNamespace.c_str(), ctx, false);
+    writer.Close();
+  } catch (CQnException& failure) {
+    writer.GoesOn(failure);
+  }
+}
+
+/// For the first walk, which only counts siblings.
+class Noticing : public CheckReceiver {
+ public:
+  explicit Noticing(bool goesOn) : m_goesOn(goesOn) {}
+  bool OnFailure(CQnException&, CheckingWriter const&) override {
+    m_hasFailures = true;
+    return m_goesOn;
+  }
+  bool HasFailures() const { return m_hasFailures; }
+
+ private:
+  bool m_goesOn;
+  bool m_hasFailures = false;
+};
+
+/// Sends the failures to a sink. What the sink throws ends the walk and is kept, because classes wrap failures.
+class Telling : public CheckReceiver {
+ public:
+  Telling(IFailureSink& sink, std::uint64_t most)
+      : m_sink(sink), m_left(most != 0 ? most : std::numeric_limits<std::uint64_t>::max()) {}
+
+  bool OnFailure(CQnException& failure, CheckingWriter const& writer) override {
+    CFailurePlace place;
+    place.SetPath(writer.GetPath());
+    CFailure const told(failure.GetKind(), FailureSeverity_Error, std::move(place), CauseOf(failure).GetMessage());
+    try {
+      return m_sink.OnFailure(told) && --m_left != 0;
+    } catch (...) {
+      m_thrown = std::current_exception();
+      return false;
+    }
+  }
+  void Rethrow() const {
+    if (m_thrown != nullptr) std::rethrow_exception(m_thrown);
+  }
+
+ private:
+  IFailureSink& m_sink;
+  std::uint64_t m_left;
+  std::exception_ptr m_thrown;
+};
+
+/// Ends the walk at the failure with a given cause.
+class Finding : public CheckReceiver {
+ public:
+  explicit Finding(CQnException& failure) : m_failure(failure), m_cause(CauseOf(failure)) {}
+
+  bool OnFailure(CQnException& found, CheckingWriter const& writer) override {
+    if (!IsSame(CauseOf(found))) return true;
+    CFailureDetail& detail = FailureAccess::DetailOf(m_failure);
+    if (detail.kind == FailureKind_Other) detail.kind = found.GetKind();
+    detail.place.SetPath(writer.GetPath());
+    detail.hasPlace = !detail.place.GetPath().empty();
+    return false;
+  }
+
+ private:
+  // A text that is not well-formed is shown with what precedes it, which is the whole document where text is written.
+  bool IsSame(CQnException const& found) const {
+    if (typeid(found) != typeid(m_cause)) return false;
+    std::string const& text = m_cause.GetMessage();
+    return found.GetMessage() == text || (Utf8Text::IsIllFormed(text) && Utf8Text::IsIllFormed(found.GetMessage()));
+  }
+
+  CQnException& m_failure;
+  CQnException const& m_cause;
+};
+
+void Find(CQnException& failure, CXmlObjectBase const& object, CXmlSerializationContext const& ctx, Scope scope,
+          CXmlWriter* encoder) noexcept {
+  try {
+    if (failure.GetPlace() != nullptr) return;
+    Utf8Text::Scope const use(TextUse(object, ctx));
+    Noticing counting(true);
+    CheckingWriter first(scope, counting, nullptr);
+    Walk(object, ctx, first);
+    Finding finding(failure);
+    CheckingWriter second(scope, finding, &first);
+    second.SetEncoder(encoder);
+    Walk(object, ctx, second);
+  } catch (...) {  // the failure that ended the write counts
+  }
+}
+
+}  // namespace
+
+void WriteFailure::AddPlace(CQnException& failure, CXmlObjectBase const& object,
+                            CXmlSerializationContext const& ctx) noexcept {
+  Find(failure, object, ctx, Scope::kWriting, nullptr);
+}
+
+void WriteFailure::AddPlace(CQnException& failure, CXmlObjectBase const& object, CXmlSerializationContext const& ctx,
+                            CXmlWriter& encoder) noexcept {
+  Find(failure, object, ctx, Scope::kEncoding, &encoder);
+}
+
+bool CXmlObjectBase::Check(CXmlSerializationContext const& ctx, IFailureSink* sink) const {
+  Utf8Text::Scope const use(TextUse(*this, ctx));
+  Noticing noticing(sink != nullptr);
+  CheckingWriter first(Scope::kWritingAndReading, noticing, nullptr);
+  Walk(*this, ctx, first);
+  if (!noticing.HasFailures()) return true;
+  if (sink == nullptr) return false;
+  Telling telling(*sink, ctx.GetMaxFailures());
+  CheckingWriter second(Scope::kWritingAndReading, telling, &first);
+  Walk(*this, ctx, second);
+  telling.Rethrow();
+  return false;
+}
+
+}  // namespace Quillon9
