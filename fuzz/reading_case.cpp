@@ -59,6 +59,57 @@ void RunCase(Case const& tried, Compared compared) {
   }
 }
 
+namespace {
+
+struct Sink : IFailureSink {
+  explicit Sink(bool goesOn) : m_goesOn(goesOn) {}
+  bool OnFailure(CFailure const& failure) override {
+    if (failure.GetSeverity() == FailureSeverity_Error) m_errors.push_back(failure.GetReport());
+    return m_goesOn;
+  }
+  bool m_goesOn;
+  std::vector<std::string> m_errors;
+};
+
+struct Outcome {
+  std::string failure;
+  std::string values;
+  std::string calls;
+};
+
+Outcome OutcomeOf(Case const& tried, std::string const& document, IFailureSink* sink) {
+  CXmlSerializationContext ctx = Testing::Ignoring(tried.ignoring);
+  ctx.SetFailureSink(sink);
+  World world(tried.schema);
+  CSmartPtr<CXmlGeneratedClass> const object = MakeRoot();
+  std::string const failure = FailureOf([&] { object->FromXml(document.c_str(), ctx); });
+  return {failure, ValuesOf(*object), Joined(world.m_log)};
+}
+
+}  // namespace
+
+void RunWithSinks(Case const& tried) {
+  for (std::string const& document : tried.documents) {
+    std::string const about = Describe(tried) + "in the document " + document + "\n";
+    Outcome const without = OutcomeOf(tried, document, nullptr);
+    Sink stopping(false);
+    Outcome const stopped = OutcomeOf(tried, document, &stopping);
+    Fuzzing::RequireEqual(stopped.failure, without.failure, (about + "the failure of a read that was stopped").c_str());
+    Fuzzing::RequireEqual(stopped.values, without.values, (about + "the values of a read that was stopped").c_str());
+    Fuzzing::RequireEqual(stopped.calls, without.calls, (about + "the calls of a read that was stopped").c_str());
+    Sink patient(true);
+    Outcome const all = OutcomeOf(tried, document, &patient);
+    Fuzzing::Require(patient.m_errors.empty() == without.failure.empty(), (about + "the failures").c_str(),
+                     Joined(patient.m_errors), without.failure);
+    if (without.failure.empty()) {
+      Fuzzing::RequireEqual(all.values, without.values, (about + "the values of a read with a sink").c_str());
+      Fuzzing::RequireEqual(all.calls, without.calls, (about + "the calls of a read with a sink").c_str());
+    } else {
+      Fuzzing::RequireEqual(patient.m_errors.front(), stopping.m_errors.front(), (about + "the first failure").c_str());
+    }
+  }
+}
+
 std::size_t StepsOf(Schema const& schema, std::string const& ignoring, std::string const& document) {
   World const world(schema);
   CSmartPtr<CXmlGeneratedClass> const object = MakeRoot();

@@ -7,6 +7,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   std::uint8_t const* const end = data + size;
-  Reading::RunCase(Reading::MakeCase([&](unsigned below) { return data != end ? *data++ % below : 0; }));
+  Reading::Case const tried = Reading::MakeCase([&](unsigned below) { return data != end ? *data++ % below : 0; });
+  Reading::RunCase(tried);
+  Reading::RunWithSinks(tried);
   return 0;
 }

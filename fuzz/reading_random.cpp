@@ -68,6 +68,7 @@ int main(int count, char** arguments) {
   for (unsigned long seed = first; seed < first + cases; ++seed) {
     Case const tried = MakeCase(Random(seed));
     RunCase(tried);
+    RunWithSinks(tried);
     RunHastily(tried);
     RunHastily(MakeCase(Random(seed), 20));
   }

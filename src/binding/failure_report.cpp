@@ -1,10 +1,21 @@
 #include "binding/failure_report.h"
 
+#include <functional>
 #include <limits>
 
 #include "base/failure_detail.h"
 
 namespace Quillon9 {
+
+namespace {
+
+CQnException const& CauseOf(CQnException const& failure) {
+  CQnException const* cause = &failure;
+  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+  return *cause;
+}
+
+}  // namespace
 
 FailureReport::FailureReport(CXmlSerializationContext const& ctx, PlaceFinder& places)
     : m_sink(ctx.GetFailureSink()),
@@ -31,8 +42,18 @@ bool FailureReport::GoesOn(CXmlSerializationContext const& ctx, CQnException& fa
   if (report == nullptr || report->m_thrown != nullptr) return false;
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   if (detail.isTold || detail.kind == FailureKind_Limit) return false;
+  if (!report->IsNew(failure)) return true;
   report->FindPlace(failure);
   return report->Tell(failure);
+}
+
+void FailureReport::NoteLoss(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection) {
+  if (FailureReport* const report = Of(ctx)) report->m_losers.insert(&collection);
+}
+
+bool FailureReport::HasLost(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection) {
+  FailureReport const* const report = Of(ctx);
+  return report != nullptr && report->m_losers.count(&collection) != 0;
 }
 
 void FailureReport::Remark(CXmlSerializationContext const& ctx, FailureKind kind, FailurePoint const& point,
@@ -66,12 +87,17 @@ void FailureReport::FindPlace(CQnException& failure) {
   detail.hasPlace = detail.element != nullptr || !detail.place.GetFile().empty();
 }
 
+bool FailureReport::IsNew(CQnException const& failure) {
+  CFailureDetail const& detail = *FailureAccess::FindDetail(failure);
+  if (detail.element == nullptr) return true;
+  std::size_t const text = std::hash<std::string>()(CauseOf(failure).GetMessage());
+  return m_told.emplace(detail.element, detail.attribute, detail.isAtEnd, text).second;
+}
+
 bool FailureReport::Tell(CQnException& failure) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   detail.isTold = true;
-  CQnException const* cause = &failure;
-  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
-  bool const goesOn = Send(CFailure(detail.kind, FailureSeverity_Error, detail.place, cause->GetMessage()));
+  bool const goesOn = Send(CFailure(detail.kind, FailureSeverity_Error, detail.place, CauseOf(failure).GetMessage()));
   return goesOn && ++m_errors < m_most;
 }
 

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <exception>
+#include <set>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "quillon9/base/exceptions.h"
@@ -59,6 +61,11 @@ class FailureReport {
   /// Note(), and send \p failure to the sink of \p ctx if there is one and it does not know it yet. True if the read is
   /// to go on as if the faulty part were not there; false if the caller must throw the failure again.
   static bool GoesOn(CXmlSerializationContext const& ctx, CQnException& failure, FailurePoint const& point);
+  /// A failure cost \p collection an item. So it is no fault of the document if there are too few.
+  ///@{
+  static void NoteLoss(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection);
+  static bool HasLost(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection);
+  ///@}
   /// Send a remark to the sink of \p ctx, if there is one.
   static void Remark(CXmlSerializationContext const& ctx, FailureKind kind, FailurePoint const& point,
                      std::string const& text);
@@ -72,6 +79,7 @@ class FailureReport {
   /// The current one, if it belongs to a read with the sink of \p ctx.
   static FailureReport* Of(CXmlSerializationContext const& ctx);
   CFailurePlace PlaceOf(FailurePoint const& point) const;
+  bool IsNew(CQnException const& failure);
   void FindPlace(CQnException& failure);
   bool Tell(CQnException& failure);
   bool Send(CFailure const& failure);
@@ -84,6 +92,9 @@ class FailureReport {
   std::uint64_t m_errors = 0;
   std::uint64_t m_remarks = 0;
   std::exception_ptr m_thrown;  // by the sink, which is not called any more
+  // The failures that the sink knows, by their node, attribute, end tag and text: a group that is tried again fails again.
+  std::set<std::tuple<void const*, void const*, bool, std::size_t>> m_told;
+  std::set<void const*> m_losers;  // collections
   FailureReport* m_outer;
 };
 

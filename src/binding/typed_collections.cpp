@@ -50,6 +50,7 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
       AddFromString(std::string(text));
     } catch (CQnException& failure) {
       if (!FailureReport::GoesOn(ctx, failure, {cursor})) throw;
+      FailureReport::NoteLoss(ctx, *this);
     }
     cursor = cursor->GetNextSiblingElement();
   }

@@ -99,24 +99,29 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
   }
   PrintedText const text(value, m_format);
   if (IsSuppressedDefault(ctx, text.Get())) return;
-  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
-    CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
-  });
+  CheckFacets(value);
   writer->WriteAttributeString(m_attributeName, m_namespace, text.Get(), value.GetItemType());
 }
 
 // Unlike IsThisAttribute(), compares the namespace even where the context ignores namespaces.
-bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const&, CXmlGeneratedClass* holder,
+bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
   VariantAccess::FromText(value, XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
+  if (ctx.GetChecksFacetsOnReading()) CheckFacets(value);
   AccessProperty(holder, false, value);
   return true;
 }
 
 void CAttributeInfoPrimitive::Validate(CXmlSerializationContext const&, bool found) const {
   ThrowIfRequiredAndMissing(found);
+}
+
+void CAttributeInfoPrimitive::CheckFacets(QnVariant const& value) const {
+  CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
+    CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
+  });
 }
 
 void CAttributeInfoPrimitive::CheckRestriction(QnVariant value) const {

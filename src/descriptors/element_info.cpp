@@ -221,8 +221,14 @@ bool CElementInfo::ValidateMandatory(bool found, bool required) const {
 }
 
 bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const {
+  return TakePrimitive(CXmlSerializationContext::m_defaultContext, holder, cursor);
+}
+
+bool CElementInfo::TakePrimitive(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
+                                 CXmlElement** cursor) const {
   QnVariant value;
   VariantAccess::FromText(value, XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
+  if (ctx.GetChecksFacetsOnReading()) CheckRestriction(value);
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

@@ -30,10 +30,36 @@ void CElementInfo::ValidateCountOnWriting(CXmlSerializationContext const& ctx, C
   if (!ctx.GetIgnoreInvalidCollectionCounts()) LookAtCollection(holder, value)->ValidateCount(ctx);
 }
 
+namespace {
+
+/// The first item of \p collection above its maximum, or \p next if there are too few. The items are the children of
+/// \p parent in front of \p next that have the name of \p member.
+FailurePoint WhereCountIsWrong(CElementInfo const& member, CXmlSerializationContext const& ctx,
+                               CXmlCollectionBase const& collection, CXmlElement const* parent,
+                               CXmlElement const* next) {
+  if (collection.GetCount() < collection.GetMinOccurs()) return FailurePoint::At(parent, next);
+  int count = 0;
+  for (CXmlElement const* item = parent->GetFirstElement(); item != next; item = item->GetNextSiblingElement()) {
+    if (member.IsThisElement(ctx, item) && ++count > collection.GetMaxOccurs()) return {item};
+  }
+  return FailurePoint::At(parent, next);
+}
+
+/// Whether \p collection has too few items because of failures that the sink knows.
+bool IsExcused(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx) {
+  return collection.GetCount() < collection.GetMinOccurs() && FailureReport::HasLost(ctx, collection);
+}
+
+}  // namespace
+
 bool CElementInfo::JudgeCount(CXmlCollectionBase const& collection, CXmlSerializationContext const& ctx,
                               XmlElementType holderType) {
-  if (holderType != XmlElementType_Element) return collection.IsValidCount(ctx);
-  collection.ValidateCount(ctx);
+  if (holderType != XmlElementType_Element) return collection.IsValidCount(ctx) || IsExcused(collection, ctx);
+  try {
+    collection.ValidateCount(ctx);
+  } catch (CQnException const&) {
+    if (!IsExcused(collection, ctx)) throw;
+  }
   return true;
 }
 
@@ -45,24 +71,6 @@ bool CElementInfo::AcceptChosen(CXmlCollectionBase const& collection, CXmlSerial
   *cursor = next;
   return true;
 }
-
-namespace {
-
-/// The first item of \p collection above its maximum if there is one, and \p next otherwise. The items are the children
-/// of \p parent in front of \p next that have the name of \p member.
-FailurePoint WhereCountIsWrong(CElementInfo const& member, CXmlSerializationContext const& ctx,
-                               CXmlCollectionBase const& collection, CXmlElement const* parent,
-                               CXmlElement const* next) {
-  int const most = collection.GetMaxOccurs();
-  if (most < 0 || collection.GetCount() <= most) return FailurePoint::At(parent, next);
-  int count = 0;
-  for (CXmlElement const* item = parent->GetFirstElement(); item != next; item = item->GetNextSiblingElement()) {
-    if (member.IsThisElement(ctx, item) && ++count > most) return {item};
-  }
-  return FailurePoint::At(parent, next);
-}
-
-}  // namespace
 
 // ---- Sequence: the collection takes every following sibling that it recognises; its count is checked immediately
 

@@ -14,6 +14,7 @@
 #include "base/text_copy.h"
 #include "binding/failure_report.h"
 #include "descriptors/failed_scans.h"
+#include "descriptors/member_asking.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/attribute_info.h"
@@ -61,14 +62,13 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   if (info.m_textPropertyIndex != -1) {
     QnVariant text;
     text.SetString(std::string(parent->GetTextView()));
-    AccessProperty(info.m_textPropertyIndex, false, text);
+    try {
+      AccessProperty(info.m_textPropertyIndex, false, text);
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, {parent})) throw;
+    }
   }
   return next;
-}
-
-CXmlElement* CXmlGeneratedClass::ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
-                                                     CXmlSerializationContext const& ctx, bool inChoice) {
-  return ReadMembers(*GetClassInfo(), parent, cursor, ctx, inChoice);
 }
 
 CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
@@ -110,40 +110,17 @@ namespace {
                                                                                     attribute.GetLocalName().c_str())));
 }
 
-// Most members do not use the namespace of their holder, and its text is expensive to make.
-inline bool Ask(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CElementInfo& member,
-                CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
-  try {
-    if (!member.ReadsHolderNamespace()) return member.ElementFromXml(ctx, holder, parent, cursor, "", type);
-    std::string const ns = holder->GetNamespace();
-    return member.ElementFromXml(ctx, holder, parent, cursor, ns.c_str(), type);
-  } catch (CQnException& failure) {
-    FailureReport::Note(failure, FailurePoint::At(parent, *cursor));
-    throw;
-  }
-}
-
-// Does the same and reports to `scans`, which is null if nothing is remembered.
+// Asks `member` and reports to `scans`, which is null if nothing is remembered.
 bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, FailedScans* scans, CElementInfo& member,
               CXmlElement* parent, CXmlElement** cursor, XmlElementType type) {
-  if (scans == nullptr) return Ask(ctx, holder, member, parent, cursor, type);
+  if (scans == nullptr) return MemberAsking::Ask(ctx, holder, member, parent, cursor, type);
   FailedScans::Kind const kind = scans->Note(member);
   if (kind == FailedScans::Kind::kHeld && member.IsThisElement(ctx, *cursor)) scans->NoteEffect();
   CXmlElement const* const start = *cursor;
   std::uint64_t const groups = scans->Groups();
-  bool const isSatisfied = Ask(ctx, holder, member, parent, cursor, type);
+  bool const isSatisfied = MemberAsking::Ask(ctx, holder, member, parent, cursor, type);
   scans->NoteAnswer(kind, start, *cursor, groups);
   return isSatisfied;
-}
-
-// The child at which a sequence with a tag asks `member` again, which said no at `cursor`. Of the library's members, only
-// groups do so. A program's own descriptor may do so as well; Note() then records an effect.
-CXmlElement* PassVain(CXmlSerializationContext const& ctx, CElementInfo const& member, CXmlElement const* parent,
-                      CXmlElement* cursor) {
-  FailedScans* const scans = FailedScans::Of(parent, ctx);
-  if (scans == nullptr) return cursor->GetNextSiblingElement();
-  scans->Note(member);
-  return scans->Pass(ctx, cursor);
 }
 
 // Whether the descriptors have no effect when an attribute does not belong to them.
@@ -252,9 +229,9 @@ CXmlElement* CXmlGeneratedClass::ProcessElementSeqFromXml(CXmlSerializationConte
   if (type != XmlElementType_Element) return ReadSequenceGroup(ctx, parent, cursor, type);
   CXmlElement* const entry = cursor;
   for (CElementInfo* const* place = GetClassElementInfo(); *place != nullptr; ++place) {
-    while (!Ask(ctx, this, **place, parent, &cursor, type)) {
+    while (!MemberAsking::Ask(ctx, this, **place, parent, &cursor, type)) {
       if (!ctx.GetIgnoreUnknownElements() || cursor == nullptr) return entry;
-      cursor = PassVain(ctx, **place, parent, cursor);
+      cursor = MemberAsking::PassVain(ctx, **place, parent, cursor);
     }
   }
   RejectLeftOver(ctx, parent, cursor);
@@ -294,13 +271,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementAllFromXml(CXmlSerializationConte
     }
   }
   for (std::size_t i = 0; i < count; ++i) {
-    auto const* const member = dynamic_cast<CElementInfoAll const*>(GetClassElementInfo()[i]);
-    if (member == nullptr) throw CQnException("The table of an all group holds a member of another group");
+    CElementInfoAll const& member = MemberAsking::OfAllGroup(*GetClassElementInfo()[i]);
     try {
-      if (!member->Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
+      if (!member.Validate(ctx, this, found[i], type == XmlElementType_Element)) return entry;
     } catch (CQnException& failure) {
-      FailureReport::Note(failure, FailurePoint::At(parent, cursor));
-      throw;
+      if (!FailureReport::GoesOn(ctx, failure, FailurePoint::At(parent, cursor))) throw;
     }
   }
   if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
@@ -331,14 +306,11 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationCo
   if (!found && !inChoice) {
     if (type == XmlElementType_Pseudo && ctx.GetIgnoreUnknownElements()) return entry;
     if (type == XmlElementType_Element && !DoesElementContainOptionalElements() && !ctx.GetIgnoreMissingChoice()) {
-      throw FailureReport::Noted(
-          FailurePoint::At(parent, cursor),
-          OfKind(FailureKind_EmptyChoice,
-                 CQnValidationException(
-                     FormatString("No child elements within the element [%s] were populated. The element represents a "
-                                  "choice, so one and only "
-                                  "one element should be populated. The element contained no sutable child elements",
-                                  parent->GetLocalName().c_str()))));
+      try {
+        MemberAsking::ThrowEmptyChoice(parent, cursor);
+      } catch (CQnException& failure) {
+        if (!FailureReport::GoesOn(ctx, failure, {parent})) throw;
+      }
     }
   }
   if (type == XmlElementType_Element) RejectLeftOver(ctx, parent, cursor);
@@ -348,12 +320,7 @@ CXmlElement* CXmlGeneratedClass::ProcessElementChoiceFromXml(CXmlSerializationCo
 void CXmlGeneratedClass::RejectLeftOver(CXmlSerializationContext const& ctx, CXmlElement const* parent,
                                         CXmlElement const* cursor) const {
   if (cursor == nullptr || ctx.GetIgnoreUnknownElements()) return;
-  throw FailureReport::Noted(
-      {cursor}, OfKind(FailureKind_UnexpectedElement,
-                       CQnValidationException(FormatString(
-                           "Failed read all the elements held within the element [%s]. The unexpected element [%s] "
-                           "remains un processed",
-                           parent->GetLocalName().c_str(), cursor->GetLocalName().c_str()))));
+  MemberAsking::ThrowLeftOver(parent, cursor);
 }
 
 }  // namespace Quillon9

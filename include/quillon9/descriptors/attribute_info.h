@@ -26,8 +26,9 @@ class QUILLON9_API CAttributeInfo {
   ///         not set is written as number 0 instead) or has no text.
   virtual void AttributeToXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
                               CXmlWriter* writer) const = 0;
-  /// Store \p attribute if it belongs to this descriptor; returns whether it does. Facets are not checked on reading.
-  /// \throws CQnInvalidValueException for a text that does not convert.
+  /// Store \p attribute if it belongs to this descriptor; returns whether it does. Facets are checked only if
+  /// \p ctx asks for that.
+  /// \throws CQnInvalidValueException for a text that does not convert; CQnException for a broken facet.
   virtual bool AttributeFromXml(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                 CXmlAttribute* attribute) = 0;
   /// The check after the last attribute. \p found says whether AttributeFromXml() took one.
@@ -87,6 +88,8 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   void CheckRestriction(QnVariant value) const;
 
  private:
+  void CheckFacets(QnVariant const& value) const;
+
   friend struct DescriptorAccess;
   CPrimitiveRestrictions m_restrictions;
   ItemType m_itemType;

@@ -156,7 +156,10 @@ class QUILLON9_API CElementInfo {
 
   // The steps of reading. Those that return bool report whether they took the element and moved \p cursor.
 
-  /// Convert the text of the element under \p cursor, store it and move on. Always returns true.
+  /// Convert the text of the element under \p cursor, check its facets if \p ctx asks for that, store it and move on.
+  /// Always returns true.
+  bool TakePrimitive(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement** cursor) const;
+  /// The same without facets.
   bool TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** cursor) const;
   /// The same with \p fromText, which gets the text exactly as the document contains it.
   bool TakeEnum(CXmlGeneratedClass* holder, CXmlElement** cursor, EnumFromText fromText) const;
@@ -301,7 +304,7 @@ class QUILLON9_API CElementInfoChoice : public CElementInfo {
 // In a holder without a tag a missing mandatory element is not a failure: the whole group may be absent, so the result
 // is false. On writing, Mnd and Opt behave alike: a value that is not valid and a null object write nothing.
 
-// ---- Values. Facets are checked on writing only.
+// ---- Values. Facets are checked on writing, and on reading where the context asks for that.
 
 /// A value, mandatory, in a sequence.
 class QUILLON9_API CElementInfoSeqPrimMnd : public CElementInfoSeq {
@@ -707,6 +710,7 @@ class QUILLON9_API CElementInfoSeqCol : public CElementInfoSeq {
  public:
   /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoSeqCol(char const* name, char const* ns, int index) : CElementInfoSeq(name, ns, index) {}
+  bool IsRepeated() const override { return true; }
   QN_TYPED_OVERRIDES
 };
 
@@ -724,6 +728,7 @@ class QUILLON9_API CElementInfoChoiceCol : public CElementInfoChoice {
  public:
   /// The name, the namespace and the index of the property, as for CElementInfo.
   CElementInfoChoiceCol(char const* name, char const* ns, int index) : CElementInfoChoice(name, ns, index) {}
+  bool IsRepeated() const override { return true; }
   QN_TYPED_OVERRIDES
 };
 

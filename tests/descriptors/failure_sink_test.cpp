@@ -1,0 +1,254 @@
+// Reading with a sink: which failures it receives, and what the object then holds.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <stdexcept>
+
+#include "dynamic_class.h"
+#include "quillon9/descriptors/generic_content.h"
+
+namespace Quillon9Data {
+namespace {
+
+using namespace Quillon9;
+using namespace Quillon9::Testing;
+
+constexpr Shape::Options Of(XmlElementGroupType group, XmlElementType type = XmlElementType_Element) {
+  return {group, type, -1, true, false};
+}
+constexpr Shape::Options kSequence = Of(XmlElementGroupType_Sequence);
+
+enum Classes { kLeaf, kPair };
+
+Shape const& ShapeOf(int classId) {
+  static Shape const leaf(kSequence, {Prim<CElementInfoSeqPrimOpt>("v", 0, ItemType_i4)},
+                          {Attribute("id", 1, true, ItemType_i4)});
+  static Shape const pair({XmlElementGroupType_Sequence, XmlElementType_Pseudo, -1, false, false},
+                          {Prim<CElementInfoSeqPrimMnd>("p", 0, ItemType_i4), Prim<CElementInfoSeqPrimMnd>("q", 1)});
+  return classId == kLeaf ? leaf : pair;
+}
+CSmartPtr<CXmlObjectBase> MakeClass(int classId, char const* name) { return new DynamicClass(ShapeOf(classId), name); }
+CSmartPtr<CXmlObjectBase> MakeNothing(CXmlElement*) { return nullptr; }
+CSmartPtr<CXmlObjectBase> MakeNoClass(int, char const*) { return nullptr; }
+
+char const* NameOf(FailureKind kind) {
+  static char const* const names[] = {"other",      "input",    "parse",      "limit",      "value",
+                                      "facet",      "fixed",    "missing",    "attribute?", "unexpected",
+                                      "attribute!", "count",    "choice",     "namespace",  "factory",
+                                      "nil",        "-element", "-attribute", "-text",      "-character"};
+  return names[kind];
+}
+
+struct Sink : IFailureSink {
+  explicit Sink(std::size_t most) : m_most(most) {}
+  bool OnFailure(CFailure const& failure) override {
+    m_told += std::string(m_told.empty() ? "" : "; ") + NameOf(failure.GetKind()) + " " + failure.GetPlace().GetPath();
+    return ++m_count < m_most;
+  }
+  std::size_t m_most;
+  std::size_t m_count = 0;
+  std::string m_told;
+};
+
+using Fill = void (*)(DynamicClass&);
+
+// What the sink receives, " -> ", and what the object writes; or "!" and the innermost failure that ends the read.
+std::string Read(Shape const& shape, std::string const& content, std::string const& options, Fill fill,
+                 std::size_t most = 1000) {
+  CXmlSerializationContext ctx = Ignoring(options);
+  ctx.SetChecksFacetsOnReading(options.find('F') != std::string::npos);
+  Sink sink(most);
+  ctx.SetFailureSink(&sink);
+  DynamicClass object(shape);
+  if (fill != nullptr) fill(object);
+  try {
+    object.FromXml(("<root xmlns:o='urn:o'" + content + "</root>").c_str(), ctx);
+  } catch (CQnException const& failure) {
+    CQnException const* cause = &failure;
+    while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+    return sink.m_told + " ! " + cause->GetMessage();
+  }
+  std::string text;
+  for (auto const& [index, value] : object.m_properties) {
+    if (value.GetItemType() == ItemType_xmlCollection) {
+      CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
+      text += " " + std::to_string(index) + "=#" + std::to_string(collection->GetCount());
+    } else if (value.IsValid() && value.GetItemType() != ItemType_xmlObject) {
+      text += " " + std::to_string(index) + "=" + value.ToString(nullptr);
+    }
+  }
+  return sink.m_told + " ->" + text;
+}
+
+struct Row {
+  char const* content;
+  char const* expected;
+  char const* options = "";
+};
+
+void Expect(Shape const& shape, std::initializer_list<Row> rows, Fill fill = nullptr) {
+  for (Row const& row : rows) {
+    EXPECT_EQ(row.expected, Read(shape, row.content, row.options, fill)) << row.options << row.content;
+  }
+}
+
+TEST(FailureSink, ReceivesEachValueThatDoesNotConvert) {
+  Expect(
+      Shape(kSequence,
+            {Prim<CElementInfoSeqPrimMnd>("a", 0, ItemType_i4), Prim<CElementInfoSeqPrimOpt>("b", 1, ItemType_i4),
+             new CElementInfoSeqClsOpt("child", "", 2, XmlElementType_Element, MakeClass, kLeaf),
+             new CElementInfoSeqClsOpt("", "", 3, XmlElementType_Pseudo, MakeClass, kPair),
+             new CElementInfoSeqPrimCol("i", "", 4),
+             new CElementInfoSeqClsOpt("none", "", 5, XmlElementType_Element, MakeNoClass, kLeaf),
+             new CElementInfoSeqAbsClsOpt("abstract", "", 6, XmlElementType_Element, MakeNothing),
+             Prim<CElementInfoSeqPrimMnd>("z", 9)},
+            {Attribute("r", 7, false, ItemType_i4), Attribute("s", 8, true, ItemType_i4)}),
+      {{" r='1' s='2'><a>3</a><b>4</b><i>5</i><z>6</z>", " -> 0=3 1=4 4=#1 7=1 8=2 9=6"},
+       {" r='x' s='y'><a>x</a><b>y</b><i>5</i><z/>",
+        "value /root/@r; value /root/@s; value /root/a; value /root/b -> 4=#1 9="},
+       {" q='1' s='y'><a>3</a><i>5</i><z/>", "attribute! /root/@q; value /root/@s; attribute? /root -> 0=3 4=#1 9="},
+       {" r='1'><a>3</a><child id='x'><v>y</v></child><child/><i>5</i><z>6</z>",
+        "value /root/child[1]/@id; value /root/child[1]/v; count /root/child[2] -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><p>x</p><q>1</q><i>5</i><z>6</z>", "value /root/p -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><i>x</i><i>5</i><i>99</i><z>6</z>", "value /root/i[1]; facet /root/i[3] -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><i>x</i><z>6</z>", "value /root/i -> 0=3 4=#0 7=1 9=6"},
+       {" r='1'><a>3</a><i>5</i><none/><abstract/><z>6</z>",
+        "factory /root/none; missing /root/abstract -> 0=3 4=#1 7=1 9=6"}},
+      [](DynamicClass& object) {
+        object.With(4, new Ci4Col("i", "", 1, 3, "", -1, -1, "", "50", "", "", -1,
+                                  CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+      });
+}
+
+// One extra element gives one failure wherever it is, and nothing else is lost.
+TEST(FailureSink, ReceivesOneFailureForOneExtraElement) {
+  Shape const shape(kSequence, {Prim<CElementInfoSeqPrimMnd>("a", 0), Prim<CElementInfoSeqPrimOpt>("b", 1),
+                                new CElementInfoSeqPrimCol("i", "", 2), Prim<CElementInfoSeqPrimMnd>("c", 3),
+                                new CElementInfoSeqPrimCol("j", "", 4), Prim<CElementInfoSeqPrimMnd>("d", 5)});
+  Fill const fill = [](DynamicClass& object) {
+    for (int const index : {2, 4}) {
+      object.With(index, new CstringCol(index == 2 ? "i" : "j", "", 60, -1, "", -1, -1, "", "", "", "", -1,
+                                        CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+    }
+  };
+  std::vector<std::string> children = {"<a>1</a>", "<b>2</b>"};
+  children.insert(children.end(), 100, "<i/>");
+  children.push_back("<c>3</c>");
+  children.insert(children.end(), 100, "<j/>");
+  children.push_back("<d>4</d>");
+  for (std::size_t count : {1u, 3u}) {
+    for (std::size_t at = 0; at <= children.size(); ++at) {
+      std::string content = ">";
+      for (std::size_t i = 0; i <= children.size(); ++i) {
+        for (std::size_t extra = 0; i == at && extra < count; ++extra) content += "<x/>";
+        if (i < children.size()) content += children[i];
+      }
+      std::string const read = Read(shape, content, "", fill);
+      EXPECT_NE(std::string::npos, read.find(" -> 0=1 1=2 2=#100 3=3 4=#100 5=4")) << at << read;
+      std::string paths = read.substr(0, read.find(" ->"));
+      for (std::size_t extra = 1; extra <= count; ++extra) {
+        std::string const path = count == 1 ? "/root/x" : "/root/x[" + std::to_string(extra) + "]";
+        EXPECT_NE(std::string::npos, paths.find(path)) << at << read;
+      }
+      EXPECT_EQ(count - 1, static_cast<std::size_t>(std::count(paths.begin(), paths.end(), ';'))) << at << read;
+    }
+  }
+}
+
+TEST(FailureSink, TellsWhatIsMissingOnce) {
+  Expect(Shape(kSequence, {Prim<CElementInfoSeqPrimMnd>("a", 0), Prim<CElementInfoSeqPrimMnd>("b", 1),
+                           new CElementInfoSeqClsOpt("", "", 2, XmlElementType_Pseudo, MakeClass, kPair),
+                           Prim<CElementInfoSeqPrimMnd>("c", 3)}),
+         {{">", "missing /root; missing /root; missing /root ->"},
+          {"><c>1</c>", "missing /root/c; missing /root/c -> 3=1"},
+          {"><x/><b>1</b><c>2</c>", "missing /root/x -> 1=1 3=2"},
+          {"><a/><b/><cc/>", "missing /root/cc -> 0= 1="},
+          {"><p>1</p><q/><c/>", "missing /root/p; missing /root/p -> 3="},
+          {"><x/><y/><a/><b/><z/>", "missing /root/x; unexpected /root/y; missing /root/z -> 0= 1="},
+          {"><b/><a/><c/>", "missing /root/b; missing /root/a -> 1= 3="},
+          {"><x/><c>1</c>", "missing /root; missing /root -> 3=1", "U"},
+          {"><c/>", " -> 3=", "M"}});
+}
+
+TEST(FailureSink, GoesOnInOtherGroups) {
+  Expect(
+      Shape(Of(XmlElementGroupType_All), {Prim<CElementInfoAllPrimMnd>("a", 0, ItemType_i4),
+                                          Prim<CElementInfoAllPrimMnd>("b", 1), Prim<CElementInfoAllPrimOpt>("c", 2)}),
+      {{"><b/><a>1</a>", " -> 0=1 1="},
+       {"><b/><x/><a>1</a>", "missing /root/x -> 0=1 1="},
+       {"><c/><x/><y/><a>1</a><b/>", "missing /root/x; unexpected /root/y -> 0=1 1= 2="},
+       {">", "missing /root; missing /root ->"},
+       {"><a>x</a><c/><b/><b/>", "value /root/a; unexpected /root/b[2] -> 1= 2="}});
+  Shape const choice(Of(XmlElementGroupType_Choice),
+                     {Prim<CElementInfoChoicePrimOpt>("a", 0, ItemType_i4), new CElementInfoChoicePrimCol("i", "", 1)});
+  Fill const fill = [](DynamicClass& object) {
+    object.With(1, new Ci4Col("i", "", 2, 3, "", -1, -1, "", "50", "", "", -1,
+                              CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+  };
+  Expect(choice,
+         {{"><a>1</a>", " -> 0=1 1=#0"},
+          {"><a>x</a>", "value /root/a -> 1=#0"},
+          {"><x/><a>1</a>", "unexpected /root/x -> 0=1 1=#0"},
+          {"><a>1</a><a>2</a><i/>", "unexpected /root/a[2]; unexpected /root/i -> 0=1 1=#0"},
+          {"><i>1</i><x/><i>2</i>", "count /root/x -> 1=#2"},
+          {"><i>1</i><i>2</i><x/><i>3</i><i>4</i>", "unexpected /root/x; count /root/i[4] -> 1=#4"}},
+         fill);
+  Expect(Shape(Of(XmlElementGroupType_Choice), {}),
+         {{">", "choice /root ->"}, {"><x/><y/>", "choice /root/x; unexpected /root/y ->"}});
+}
+
+TEST(FailureSink, GoesOnInWildcards) {
+  Shape const shape(
+      kSequence,
+      {new CElementInfoSeqUntpdMnd("AnyElement", "", 0, "##local", ""), Prim<CElementInfoSeqPrimMnd>("z", 2)},
+      {new CAttributeInfoAny("", "", 1, true, "##local", "", nullptr)});
+  Fill const fill = [](DynamicClass& object) {
+    object.With(0, new CElement("AnyElement", "", "##local", "")).With(1, new CAttributeCol("", "##local", ""));
+  };
+  Expect(shape,
+         {{" o:y='1' b='2'><x/><z/>", "namespace /root/@o:y -> 1=#1 2="},
+          {"><o:x/><x/><z/>", "missing /root/o:x -> 1=#0 2="},
+          {"><x/><o:y/><z/>", "missing /root/o:y -> 1=#0 2="}},
+         fill);
+}
+
+TEST(FailureSink, ChecksFacetsWhereTheContextAsksForIt) {
+  CPrimitiveRestrictions const facets("", -1, -1, "", "50", "", "", -1);
+  Shape const shape(kSequence, {Prim<CElementInfoSeqPrimMnd>("a", 0, ItemType_i4, facets)},
+                    {Attribute("b", 1, true, ItemType_i4, facets)});
+  Expect(shape, {{" b='51'><a>51</a>", " -> 0=51 1=51"},
+                 {" b='51'><a>51</a>", "facet /root/@b; facet /root/a ->", "F"},
+                 {" b='50'><a>50</a>", " -> 0=50 1=50", "F"}});
+}
+
+TEST(FailureSink, EndsAReadWithTheFailureThatItStopsAt) {
+  Shape const shape(kSequence, {new CElementInfoSeqPrimCol("i", "", 0)});
+  Fill const fill = [](DynamicClass& object) {
+    object.With(0, new Ci4Col("i", "", 1, 2, "", -1, -1, "", "50", "", "", -1,
+                              CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+  };
+  std::string const content = "><i>x</i><i>2</i><i>99</i><i>y</i>";
+  EXPECT_EQ("value /root/i[1] ! The value [x] can not be converted to a i4", Read(shape, content, "", fill, 1));
+  EXPECT_EQ("value /root/i[1]; facet /root/i[3] ! Invalid Value for i [99]", Read(shape, content, "", fill, 2));
+  EXPECT_EQ("value /root/i[1]; facet /root/i[3]; value /root/i[4] -> 0=#1", Read(shape, content, "", fill));
+
+  DynamicClass object(shape);
+  fill(object);
+  Sink sink(1000);
+  CXmlSerializationContext ctx;
+  ctx.SetFailureSink(&sink);
+  ctx.SetMaxFailures(2);
+  EXPECT_THROW(object.FromXml(("<root" + content + "</root>").c_str(), ctx), CQnValidationException);
+  EXPECT_EQ(2u, sink.m_count);
+
+  struct Throwing : IFailureSink {
+    bool OnFailure(CFailure const&) override { throw std::runtime_error("enough"); }
+  } throwing;
+  ctx.SetFailureSink(&throwing);
+  EXPECT_THROW(object.FromXml(("<root" + content + "</root>").c_str(), ctx), std::runtime_error);
+}
+
+}  // namespace
+}  // namespace Quillon9Data
