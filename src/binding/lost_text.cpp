@@ -3,39 +3,52 @@
 #include <cstddef>
 #include <limits>
 
+#include "binding/check_walk.h"
 #include "binding/failure_report.h"
 #include "quillon9/base/failures.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
-#include "xmlio/writer_access.h"
+#include "xmlio/checking_writer.h"
 
 namespace Quillon9 {
 
 namespace {
 
-std::string TextFor(LostCharacter const& lost) {
-  return FormatString(lost.isByte ? "The byte 0x%02X is not part of a character of the code page"
-                                  : "The character U+%04X has no place in the code page",
-                      static_cast<unsigned>(lost.code));
-}
-
 std::size_t MostRemarks(CXmlSerializationContext const& ctx) {
   return ctx.GetMaxFailures() != 0 ? ctx.GetMaxFailures() : std::numeric_limits<std::size_t>::max();
 }
 
-/// The names of the open elements, from the root.
-std::string PathOf(CXmlWriter const& writer) {
-  std::vector<CXmlWriter::CXmlWriterContext const*> open;
-  for (auto const* at = XmlWriterAccess::OpenElement(writer); at != nullptr; at = at->m_parent) open.push_back(at);
-  std::string path;
-  for (auto at = open.rbegin(); at != open.rend(); ++at) {
-    path += '/';
-    std::string const* const prefix = (*at)->NeedsNoPrefix() ? nullptr : (*at)->FindPrefix((*at)->m_namespace);
-    if (prefix != nullptr) path += *prefix + ':';
-    path += (*at)->m_elementName;
-  }
-  return path;
+CFailure Remark(std::string path, std::string const& text) {
+  CFailurePlace place;
+  place.SetPath(std::move(path));
+  return {FailureKind_LostCharacter, FailureSeverity_Remark, std::move(place), text};
 }
+
+/// For the first walk, which only counts siblings.
+struct Ignoring final : CheckReceiver {
+  bool OnFailure(CQnException&, CheckingWriter const&) override { return true; }
+};
+
+/// Collects what a walk over a graph finds, up to a limit.
+class Finding final : public CheckReceiver {
+ public:
+  explicit Finding(std::size_t most) : m_most(most) {}
+
+  bool OnFailure(CQnException& failure, CheckingWriter const& writer) override {
+    if (failure.GetKind() != FailureKind_LostCharacter) return true;
+    std::string path = writer.GetPath();
+    // A name and a value may lose the same byte.
+    bool const isNew = m_known.insert(path + '\n' + failure.GetMessage()).second;
+    if (isNew) m_remarks.push_back(Remark(std::move(path), failure.GetMessage()));
+    return m_remarks.size() < m_most;
+  }
+  std::vector<CFailure> const& GetRemarks() const { return m_remarks; }
+
+ private:
+  std::size_t m_most;
+  std::vector<CFailure> m_remarks;
+  std::set<std::string> m_known;
+};
 
 }  // namespace
 
@@ -57,30 +70,37 @@ void LossesOfReading::Tell() {
   for (auto const& [element, character] : m_losses) {
     // Names and namespaces of the root come in front of it.
     FailurePoint const point{element != nullptr ? element : m_document.GetDocumentElement()};
-    FailureReport::Remark(m_document.GetContext(), FailureKind_LostCharacter, point, TextFor({character, false, 0}));
+    FailureReport::Remark(m_document.GetContext(), FailureKind_LostCharacter, point,
+                          LostCharacter{character, false}.GetText());
   }
 }
 
 // ---- LossesOfWriting
 
-LossesOfWriting::LossesOfWriting(CXmlSerializationContext const& ctx, CXmlWriter const* writer)
-    : m_ctx(ctx), m_writer(writer) {
+LossesOfWriting::LossesOfWriting(CXmlSerializationContext const& ctx) : m_ctx(ctx) {
   LostCharacters::Observer* const observer = ctx.GetFailureSink() != nullptr ? this : nullptr;
   m_scope.emplace(observer);
 }
 
+// Characters are lost only in conversions that the program itself makes in the middle of a write.
 void LossesOfWriting::OnLost(LostCharacter const& lost) {
-  if (m_remarks.size() >= MostRemarks(m_ctx)) return;
-  std::string const path = m_writer != nullptr ? PathOf(*m_writer) : std::string();
-  if (!m_known.insert({path, lost.code}).second) return;
-  CFailurePlace place;
-  place.SetPath(path);
-  m_remarks.emplace_back(FailureKind_LostCharacter, FailureSeverity_Remark, place, TextFor(lost));
+  if (lost.isByte) m_bytes.insert(lost.code);
 }
 
-void LossesOfWriting::Tell() {
+void LossesOfWriting::Tell(CXmlObjectBase const& object) {
   m_scope.reset();
-  for (CFailure const& remark : m_remarks) m_ctx.GetFailureSink()->OnFailure(remark);
+  if (m_bytes.empty()) return;
+  Ignoring counting;
+  CheckingWriter first(CheckingWriter::Scope::kCharacters, counting, nullptr);
+  WalkAsWrite(object, m_ctx, first);
+  Finding finding(MostRemarks(m_ctx));
+  CheckingWriter second(CheckingWriter::Scope::kCharacters, finding, &first);
+  WalkAsWrite(object, m_ctx, second);
+  std::vector<CFailure> remarks = finding.GetRemarks();
+  if (remarks.empty()) {  // a class writes something else each time
+    for (std::uint32_t const byte : m_bytes) remarks.push_back(Remark("", LostCharacter{byte, true}.GetText()));
+  }
+  for (CFailure const& remark : remarks) m_ctx.GetFailureSink()->OnFailure(remark);
 }
 
 }  // namespace Quillon9

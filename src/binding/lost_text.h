@@ -33,22 +33,20 @@ class LossesOfReading final : LostCharacters::Observer {
   std::optional<LostCharacters::Scope> m_scope;
 };
 
-/// The same for a write. It sends nothing before the end of the write, because what a sink throws must not pass through
-/// the levels of a write, which would wrap it.
+/// The same for a write. Where in the graph the lost bytes are is found only if there are any, by walking over it again.
 class LossesOfWriting final : LostCharacters::Observer {
  public:
-  /// All are borrowed. \p writer knows the open elements at each loss; null if the text is converted as a whole.
-  LossesOfWriting(CXmlSerializationContext const& ctx, CXmlWriter const* writer);
-  /// Stop collecting, and send a remark for each different byte of an element.
-  void Tell();
+  /// \p ctx is borrowed.
+  explicit LossesOfWriting(CXmlSerializationContext const& ctx);
+  /// Stop collecting, and send a remark for each different byte of an element or attribute of \p object, which was
+  /// written. What the sink throws must not pass through the levels of a write, which would wrap it.
+  void Tell(CXmlObjectBase const& object);
 
  private:
   void OnLost(LostCharacter const& lost) override;
 
   CXmlSerializationContext const& m_ctx;
-  CXmlWriter const* m_writer;
-  std::vector<CFailure> m_remarks;
-  std::set<std::pair<std::string, std::uint32_t>> m_known;  // path and byte
+  std::set<std::uint32_t> m_bytes;
   std::optional<LostCharacters::Scope> m_scope;
 };
 

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/failure_detail.h"
+#include "binding/check_walk.h"
 #include "binding/text_scope.h"
 #include "binding/write_failure.h"
 #include "quillon9/base/exceptions.h"
@@ -25,16 +26,6 @@ CQnException const& CauseOf(CQnException const& failure) {
   CQnException const* cause = &failure;
   while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
   return *cause;
-}
-
-void Walk(CXmlObjectBase const& object, CXmlSerializationContext const& ctx, CheckingWriter& writer) {
-  try {
-    std::string const targetNamespace = object.GetTargetNamespace();
-    CXmlObjectBase::ToXml_Int(&object, &writer, true, targetNamespace.c_str(), ctx, false);
-    writer.Close();
-  } catch (CQnException& failure) {
-    writer.GoesOn(failure);
-  }
 }
 
 /// For the first walk, which only counts siblings.
@@ -112,11 +103,11 @@ void Find(CQnException& failure, CXmlObjectBase const& object, CXmlSerialization
     Utf8Text::Scope const use(TextUse(object, ctx));
     Noticing counting(true);
     CheckingWriter first(scope, counting, nullptr);
-    Walk(object, ctx, first);
+    WalkAsWrite(object, ctx, first);
     Finding finding(failure);
     CheckingWriter second(scope, finding, &first);
     second.SetEncoder(encoder);
-    Walk(object, ctx, second);
+    WalkAsWrite(object, ctx, second);
   } catch (...) {  // the failure that ended the write counts
   }
 }
@@ -137,12 +128,12 @@ bool CXmlObjectBase::Check(CXmlSerializationContext const& ctx, IFailureSink* si
   Utf8Text::Scope const use(TextUse(*this, ctx));
   Noticing noticing(sink != nullptr);
   CheckingWriter first(Scope::kWritingAndReading, noticing, nullptr);
-  Walk(*this, ctx, first);
+  WalkAsWrite(*this, ctx, first);
   if (!noticing.HasFailures()) return true;
   if (sink == nullptr) return false;
   Telling telling(*sink, ctx.GetMaxFailures());
   CheckingWriter second(Scope::kWritingAndReading, telling, &first);
-  Walk(*this, ctx, second);
+  WalkAsWrite(*this, ctx, second);
   telling.Rethrow();
   return false;
 }

@@ -34,14 +34,14 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
-  LossesOfWriting losses(ctx, &writer);
+  LossesOfWriting losses(ctx);
   writer.Open();
   writer.WriteStartDocument(decl);
   std::string const targetNamespace = GetTargetNamespace();
   ToXml_Int(&writer, true, targetNamespace.c_str(), ctx, false);
   writer.WriteEndDocument();
   writer.Close();
-  losses.Tell();
+  losses.Tell(*this);
   CBinaryData data = stream.GetBinaryStream();
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;

@@ -45,9 +45,9 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
   Utf8Text::Scope const scope(TextUse(*this, ctx));
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
-  LossesOfWriting losses(ctx, nullptr);
+  LossesOfWriting losses(ctx);
   CBinaryData data = stream.GetEncodedStream();
-  losses.Tell();
+  losses.Tell(*this);
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
 } catch (CQnException& failure) {

@@ -47,7 +47,7 @@ void Writer::Put(std::uint32_t character) {
   } else {
     m_target += '?';
     m_state = {};
-    LostCharacters::Report({character, false, 0});
+    LostCharacters::Report({character, false});
   }
 }
 
@@ -57,7 +57,7 @@ void Writer::PutUtf8(wchar_t character) {
   m_target.append(reinterpret_cast<char const*>(bytes), length);
   if (length != 0) return;
   m_target += '?';
-  LostCharacters::Report({static_cast<std::uint32_t>(character), false, 0});
+  LostCharacters::Report({static_cast<std::uint32_t>(character), false});
 }
 
 void Writer::Finish() {
@@ -90,7 +90,7 @@ std::size_t Decode(Charset charset, char const* text, std::size_t length, wchar_
     if (!isValid) {
       target[count] = L'?';
       state = {};
-      LostCharacters::Report({Bytes(text)[at], true, count});
+      LostCharacters::Report({Bytes(text)[at], true});
     }
     at += isValid ? std::max(taken, std::size_t{1}) : 1;
   }

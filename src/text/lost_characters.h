@@ -1,8 +1,10 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <utility>
+
+#include "quillon9/base/exceptions.h"
 
 namespace Quillon9 {
 
@@ -10,7 +12,13 @@ namespace Quillon9 {
 struct LostCharacter {
   std::uint32_t code;  ///< the character that the target encoding lacks, or the byte that is no part of a character
   bool isByte;
-  std::size_t index;  ///< of the "?" among the characters of the result, for a byte; 0 for a character
+
+  /// For a remark.
+  std::string GetText() const {
+    return FormatString(isByte ? "The byte 0x%02X is not part of a character of the code page"
+                               : "The character U+%04X has no place in the code page",
+                        static_cast<unsigned>(code));
+  }
 };
 
 /// Whom the conversions of the calling thread tell what they lose; nobody unless a scope says so. Only the branch that

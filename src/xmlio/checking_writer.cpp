@@ -1,11 +1,16 @@
 #include "xmlio/checking_writer.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <set>
 #include <utility>
 
 #include "base/bounded_text.h"
 #include "base/failure_detail.h"
+#include "quillon9/text/encoder.h"
+#include "quillon9/values/binary_data.h"
 #include "quillon9/values/variant.h"
+#include "text/lost_characters.h"
 #include "text/utf8_text.h"
 #include "xmlio/writer_access.h"
 
@@ -128,9 +133,27 @@ bool IsControlCharacter(char c) { return static_cast<unsigned char>(c) < ' ' && 
 
 }  // namespace
 
+// One failure for each byte that the conversion loses.
+void CheckingWriter::RequireCharacters(std::string_view text, char const* attribute) {
+  struct : LostCharacters::Observer {
+    void OnLost(LostCharacter const& lost) override { codes.insert(lost.code); }
+    std::set<std::uint32_t> codes;
+  } losses;
+  {
+    LostCharacters::Scope const scope(&losses);
+    CEncoder::LocalCodePageToUtf8Binary(std::string(text).c_str());
+  }
+  for (std::uint32_t const byte : losses.codes) {
+    CQnException failure(LostCharacter{byte, true}.GetText());
+    FailureAccess::DetailOf(failure).kind = FailureKind_LostCharacter;
+    GoesOn(failure, attribute);
+  }
+}
+
 void CheckingWriter::RequireText(std::string_view text, ItemType type, char const* attribute) {
   if (!WritesText()) return;
   text = text.substr(0, text.find('\0'));
+  if (m_scope == Scope::kCharacters) return RequireCharacters(text, attribute);
   try {
     Utf8Text::Check(text);
     if (!JudgesReading()) return;

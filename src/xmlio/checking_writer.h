@@ -32,6 +32,7 @@ class CheckingWriter : public CXmlWriter {
   enum class Scope {
     kWriting,            ///< what a write of text fails on
     kWritingAndReading,  ///< also what a reader of that text refuses
+    kCharacters,         ///< what a write loses because it is not part of a character of the code page
     kEncoding            ///< what a write by another writer fails on
   };
 
@@ -114,6 +115,7 @@ class CheckingWriter : public CXmlWriter {
   void Enter(std::string const& name);
   void Leave();
   bool HasSiblings(Level const& level) const;
+  void RequireCharacters(std::string_view text, char const* attribute);
   void RequireText(std::string_view text, ItemType type, char const* attribute);
 
   Scope m_scope;

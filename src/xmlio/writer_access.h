@@ -22,9 +22,6 @@ struct XmlWriterAccess {
   static std::string& NamespaceText(CXmlWriter& writer) { return writer.m_namespaceText; }
   ///@}
 
-  /// The innermost open element, or null.
-  static Context const* OpenElement(CXmlWriter const& writer) { return writer.m_context; }
-
   /// \name A writer that writes nothing and goes on after failures
   ///@{
   /// \p writer as such a one; null if it is another.
