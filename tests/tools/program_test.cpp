@@ -39,7 +39,7 @@ TEST_F(ProgramTest, WrongUsageIsStatus2) {
 
 TEST_F(ProgramTest, WhatCannotBeReadOrWrittenIsStatus1UnderItsName) {
   Write("good.xml", "<a/>");
-  Write("cut.xml", "<a>");
+  Write("cut.xml", "<a>\n <b/>\n <b>");
   Write("empty.xml", "");
   Write("cut.gz", "\x1F\x8B\x08");
   Write("cut.finf", std::string("\xE0\x00\x00\x01\x00\x3C\x00", 7));
@@ -49,15 +49,20 @@ TEST_F(ProgramTest, WhatCannotBeReadOrWrittenIsStatus1UnderItsName) {
   struct Row {
     char const* arguments;
     char const* message;
+    char const* report = "";
   };
   Row const rows[] = {
       {"tree nowhere.xml", "nowhere.xml: No such file or directory"},
       {"tree .", ".: Is a directory"},
-      {"tree cut.xml", "cut.xml: no element found at line 1"},
+      {"tree cut.xml", "cut.xml: no element found at line 3",
+       "cut.xml:3:5: error: /a/b[2]: no element found at line 3\n"},
+      {"convert cut.xml b.finf", "cut.xml: no element found at line 3",
+       "cut.xml:3:5: error: /a/b[2]: no element found at line 3\n"},
       {"tree - <../in", "standard input: the input is empty"},
       {"convert empty.xml b.finf", "empty.xml: the input is empty"},
       {"tree cut.gz", "cut.gz: its gzip data are damaged or incomplete"},
-      {"tree cut.finf", "cut.finf: Failed to parse FastInfoset. Unexpected End of File."},
+      {"tree cut.finf", "cut.finf: Failed to parse FastInfoset. Unexpected End of File.",
+       "cut.finf:@7: error: Failed to parse FastInfoset. Unexpected End of File.\n"},
       {"inspect cut.finf >/dev/null", "cut.finf: at octet 6 (6): the document ends in the middle"},
       {"inspect good.xml", "good.xml: this is no Fast Infoset document"},
       {"convert external.finf b.xml", "external.finf: it cannot be read without the vocabulary \"u:x\""},
@@ -74,7 +79,7 @@ TEST_F(ProgramTest, WhatCannotBeReadOrWrittenIsStatus1UnderItsName) {
   for (Row const& row : rows) {
     Outcome const outcome = Run(row.arguments);
     EXPECT_EQ(outcome.status, 1) << row.arguments;
-    EXPECT_EQ(outcome.errors, std::string("quillon9: ") + row.message + '\n') << row.arguments;
+    EXPECT_EQ(outcome.errors, std::string("quillon9: ") + row.message + '\n' + row.report) << row.arguments;
     EXPECT_EQ(outcome.output, "") << row.arguments;
   }
 }

@@ -77,6 +77,9 @@ int main(int argc, char** argv) {
     return kWrongUsage;
   } catch (Reported const&) {
     return kFailed;
+  } catch (Failure const& failure) {
+    std::fprintf(stderr, "quillon9: %s\n", failure.what());
+    if (!failure.Report().empty()) std::fprintf(stderr, "%s\n", failure.Report().c_str());
   } catch (std::exception const& failure) {
     std::fprintf(stderr, "quillon9: %s\n", failure.what());
   } catch (Quillon9::CQnException const& failure) {
