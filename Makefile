@@ -8,7 +8,7 @@ SCHEMAS ?= ../shared/schemas
 SUITE ?= ../shared/xsts/xsts.tar.xz
 SETS ?=
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales schemas xsts coverage fuzz bench ablation docs install \
+.PHONY: all run test debug asan tsan hardened pcre8 locales schemas damage xsts coverage fuzz bench ablation docs install \
   package-test bare-test packages format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
@@ -45,6 +45,11 @@ schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents 
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	tests/schemas/check_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
+
+damage: deps     ## damage documents of SCHEMAS (of SETS, ten by default), and check that failures name the damaged spots
+	cmake --preset release
+	cmake --build --preset release --target quillon9 quillon9_program
+	tests/schemas/damage.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
 
 xsts: deps       ## send the schemas of the W3C test SUITE (SETS of it) through the generator; takes two minutes
 	cmake --preset release

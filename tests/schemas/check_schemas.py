@@ -93,10 +93,10 @@ def generate(schema_set, arguments, folder):
     return [path for path in files if path.endswith(".cpp")]
 
 
-def compile_sources(schema_set, arguments, folder, sources):
+def compile_sources(schema_set, arguments, folder, sources, driver="driver.cpp"):
     """Compile the sources and the driver, and link them. Return the path of the program."""
     objects = []
-    for source in sources + [os.path.join(HERE, "driver.cpp")]:
+    for source in sources + [os.path.join(HERE, driver)]:
         target = os.path.join(folder, os.path.basename(source) + ".o")
         command = arguments.compiler.split() + ["-std=c++17", "-O0", *WARNINGS, "-I", folder]
         command += ["-I", os.path.join(arguments.source, "include"), "-c", source, "-o", target]
@@ -161,12 +161,18 @@ def judge(schema_set, document, verdict, written, again):
     schema_set.details += [f"{document}: %s: %s: %s" % found for found in differences[:10]]
 
 
-def check(schema_set, arguments):
+def empty_folder(schema_set, arguments):
+    """The folder for what is made from a set, without the files of an earlier run."""
     folder = os.path.join(arguments.work, schema_set.name)
     os.makedirs(folder, exist_ok=True)
-    for name in os.listdir(folder):  # files of an earlier run
+    for name in os.listdir(folder):
         if os.path.isfile(os.path.join(folder, name)):
             os.remove(os.path.join(folder, name))
+    return folder
+
+
+def check(schema_set, arguments):
+    folder = empty_folder(schema_set, arguments)
     sources = generate(schema_set, arguments, folder)
     program = compile_sources(schema_set, arguments, folder, sources) if sources else None
     if program:
