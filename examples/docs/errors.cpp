@@ -1,98 +1,82 @@
 // The code of docs/errors.md.
 
+#include <clocale>
 #include <iostream>
 #include <new>
 
+#include "orders.h"
 #include "quillon9/quillon9.h"
 
 using namespace Quillon9;
-using namespace Quillon9Data;
 
 namespace {
 
-constexpr auto kCollapse = CWhitespaceUtils::WhitespaceRule_Collapse;
+void First() {
+  std::cout << "[first]\n";
+  // [first]
+  try {
+    auto const order = Orders::ReadOrder("orders.xml");
+  } catch (CQnException const& failure) {
+    std::cout << failure.GetReport() << '\n';
+  }
+  // [first]
+}
 
-class CAddress : public CXmlGeneratedClass {
- public:
-  enum { City, Zip };
-  std::string m_city;
-  std::int32_t m_zip = 0;
+void All() {
+  std::cout << "[all]\n";
+  // [all]
+  CFailureList failures;
+  CXmlSerializationContext ctx;
+  ctx.SetFailureSink(&failures);
+  auto const order = Orders::ReadOrder("orders.xml", ctx);
+  std::cout << failures.GetReport();
+  // [all]
+  std::cout << "[kept]\n";
+  // [kept]
+  for (Orders::CItem const& item : order->GetItems().GetItem()) {
+    std::cout << item.GetProduct() << ": " << item.GetQuantity() << '\n';
+  }
+  // [kept]
+}
 
-  void AccessProperty(int index, bool read, QnVariant& value) override {
-    if (index == City) read ? value.SetString(m_city) : void(m_city = value.GetString());
-    if (index == Zip) read ? value.SetI4(m_zip) : void(m_zip = value.GetI4());
-  }
-  CParentElementInfo* GetClassInfo() const override {
-    static CParentElementInfo info(XmlElementGroupType_Sequence, XmlElementType_Element, "Address", "", -1, true,
-                                   false);
-    return &info;
-  }
-  CElementInfo** GetClassElementInfo() const override {
-    static CElementInfoSeqPrimMnd city("city", "", City, ItemType_string, nullptr, kCollapse, {});
-    static CPrimitiveRestrictions const fiveDigits("", -1, -1, "", "99999", "", "", -1);
-    static CElementInfoSeqPrimMnd zip("zip", "", Zip, ItemType_i4, nullptr, kCollapse, fiveDigits);
-    static CElementInfo* table[] = {&city, &zip, nullptr};
-    return table;
-  }
-  CAttributeInfo** GetClassAttributeInfo() const override {
-    static CAttributeInfo* table[] = {nullptr};
-    return table;
-  }
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return ""; }
-  std::string GetNamespace() const override { return ""; }
-  void Init() override {}
-};
+void Remarks() {
+  std::cout << "[remarks]\n";
+  // [remarks]
+  std::setlocale(LC_ALL, "C");  // which has only ASCII
+  CFailureList failures;
+  CXmlSerializationContext ctx;
+  ctx.SetFailureSink(&failures);
+  CElement price("price", "");
+  CXmlObjectBase& object = price;
+  object.FromXml("<price><amount>5 \u20AC</amount></price>", ctx);
+  std::cout << failures.GetReport();
+  // [remarks]
+}
 
-class COrder : public CXmlGeneratedClass {
- public:
-  enum { Number, ShipTo };
-  std::int32_t m_number = 0;
-  CSmartPtr<CAddress> m_shipTo;
-
-  COrder() { Init(); }
-  void AccessProperty(int index, bool read, QnVariant& value) override {
-    if (index == Number) read ? value.SetI4(m_number) : void(m_number = value.GetI4());
-    if (index == ShipTo && read) value.SetXmlObject(m_shipTo);
-  }
-  CParentElementInfo* GetClassInfo() const override {
-    static CParentElementInfo info(XmlElementGroupType_Sequence, XmlElementType_Element, "Order", "", -1, true, false);
-    return &info;
-  }
-  CElementInfo** GetClassElementInfo() const override {
-    static CElementInfoSeqPrimMnd number("number", "", Number, ItemType_i4, nullptr, kCollapse, {});
-    static CElementInfoSeqClsMnd shipTo("shipTo", "", ShipTo, XmlElementType_Element, nullptr, 0, true);
-    static CElementInfo* table[] = {&number, &shipTo, nullptr};
-    return table;
-  }
-  CAttributeInfo** GetClassAttributeInfo() const override {
-    static CAttributeInfo* table[] = {nullptr};
-    return table;
-  }
-  CXmlObjectBase* GetBase() override { return this; }
-  std::string GetTargetNamespace() const override { return ""; }
-  std::string GetNamespace() const override { return ""; }
-  void Init() override {
-    SetElementName("order");
-    m_number = 0;
-    m_shipTo = new CAddress;
-    m_shipTo->SetElementName("shipTo");
-  }
-};
+void Check() {
+  std::cout << "[check]\n";
+  // [check]
+  auto const order = Orders::CreateOrder();
+  order->GetShipTo().SetCity("Mill\x07Valley");
+  order->GetItems();  // an empty list, but the schema wants at least one item
+  CFailureList failures;
+  if (!order->Check(CXmlSerializationContext::m_defaultContext, &failures)) std::cout << failures.GetReport();
+  // [check]
+}
 
 void ReadNested() {
   std::cout << "[nested]\n";
   // [nested]
-  COrder order;
+  auto const order = Orders::CreateOrder();
   try {
-    order.FromXml("<order><number>7</number><shipTo><city>Mill Valley</city><zip>9o952</zip></shipTo></order>");
+    order->FromXml("<order number='7'><shipTo><city>Mill Valley</city><zip>9o952</zip></shipTo></order>");
   } catch (CQnException const& failure) {
     std::cout << failure.GetFullMessage() << '\n';
   }
   // [nested]
   std::cout << "[state]\n"
-            << "number " << order.m_number << ", city " << order.m_shipTo->m_city << ", zip " << order.m_shipTo->m_zip
-            << '\n';
+            << "number " << order->GetNumber() << ", city " << order->GetShipTo().GetCity() << ", zip "
+            << order->GetShipTo().GetZip() << '\n';
 }
 
 // [innermost]
@@ -104,7 +88,7 @@ CQnException const& Innermost(CQnException const& failure) {
 // [innermost]
 
 // [catch]
-bool Read(COrder& order, char const* text) try {
+bool Read(Orders::COrder& order, char const* text) try {
   order.FromXml(text);
   return true;
 } catch (CQnValidationException const& failure) {  // well-formed, but not what the classes describe
@@ -123,39 +107,32 @@ bool Read(COrder& order, char const* text) try {
 
 void Sort() {
   std::cout << "[catch]\n";
-  COrder order;
-  Read(order, "<order><number>x</number></order>");
-  Read(order, "<order><number>1</number></order>");
-  Read(order, "<order><number>1</nummer></order>");
+  auto const order = Orders::CreateOrder();
+  Read(*order, "<order number='x'/>");
+  Read(*order, "<order number='1'/>");
+  Read(*order, "<order number='1'></odrer>");
 }
 
 void Write() {
   std::cout << "[write]\n";
   // [write]
-  COrder order;
-  order.m_shipTo->m_zip = 100000;  // the facet allows at most 99999
+  auto const order = Orders::CreateOrder();
+  order->GetShipTo().SetCity("Mill Valley");
+  order->GetItems();  // an empty list, but the schema wants at least one item
   try {
-    std::cout << order.ToXml();
+    std::cout << order->ToXml();
   } catch (CQnException const& failure) {
-    std::cout << failure.GetFullMessage() << '\n';
+    std::cout << failure.GetFullMessage() << '\n' << failure.GetReport() << '\n';
   }
   // [write]
-}
-
-void Check() {
-  std::cout << "[check]\n";
-  // [check]
-  COrder order;
-  order.m_shipTo->m_city = "Mill\x07Valley";
-  order.m_shipTo->m_zip = 100000;
-  CFailureList failures;
-  if (!order.Check(CXmlSerializationContext::m_defaultContext, &failures)) std::cout << failures.GetReport();
-  // [check]
 }
 
 }  // namespace
 
 int main() {
+  First();
+  All();
+  Remarks();
   ReadNested();
   Sort();
   Write();

@@ -107,7 +107,7 @@ void ReadWrong() {
                 "<reading hour='6'><temperatur>4</temperatur></reading>"
                 "</report>"));
   } catch (CQnException const& failure) {
-    std::cout << failure.GetFullMessage() << '\n';
+    std::cout << failure.GetReport() << '\n' << failure.GetFullMessage() << '\n';
   }
 }
 // [wrong]

@@ -14,5 +14,5 @@ int main() try {
   std::cout << shelf->ToXml();
   Books::ReadShelf(Quillon9::XmlText("<shelf><book><title>Solaris</title></book></shelf>"));
 } catch (Quillon9::CQnException const& failure) {
-  std::cout << failure.GetFullMessage() << '\n';
+  std::cout << failure.GetReport() << '\n';
 }

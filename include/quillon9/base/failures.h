@@ -46,10 +46,13 @@ class QUILLON9_API CFailurePlace {
  public:
   /// No part is known.
   CFailurePlace();
+  /// Copies or takes over all parts.
+  ///@{
   CFailurePlace(CFailurePlace const& other);
   CFailurePlace(CFailurePlace&& other) noexcept;
   CFailurePlace& operator=(CFailurePlace const& other);
   CFailurePlace& operator=(CFailurePlace&& other) noexcept;
+  ///@}
   ~CFailurePlace();
 
   /// The line in the text of the document, from 1; 0 if there is none, as in Fast Infoset and in a graph of objects.
@@ -95,15 +98,21 @@ class QUILLON9_API CFailure {
  public:
   /// If \p text is longer than 4096 bytes, it is cut to that length, with "..." at the end.
   CFailure(FailureKind kind, FailureSeverity severity, CFailurePlace place, std::string const& text);
+  /// Copies or takes over all parts.
+  ///@{
   CFailure(CFailure const& other);
   CFailure(CFailure&& other) noexcept;
   CFailure& operator=(CFailure const& other);
   CFailure& operator=(CFailure&& other) noexcept;
+  ///@}
   ~CFailure();
 
+  /// What kind of fault it is about, whether it is one, and where it is.
+  ///@{
   FailureKind GetKind() const { return m_kind; }
   FailureSeverity GetSeverity() const { return m_severity; }
   CFailurePlace const& GetPlace() const { return m_place; }
+  ///@}
   /// What is wrong. For an error, the message of the exception that ends the read if there is no sink.
   std::string const& GetText() const { return m_text; }
   /// One line in the form of a compiler, without a line feed: `orders.xml:12:7: error: /order/item[3]: ...`. Parts that
