@@ -42,7 +42,9 @@ bool FailureReport::GoesOn(CXmlSerializationContext const& ctx, CQnException& fa
   if (report == nullptr || report->m_thrown != nullptr) return false;
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   if (detail.isTold || detail.kind == FailureKind_Limit) return false;
-  if (!report->IsNew(failure)) return true;
+  FailurePoint const known{static_cast<CXmlElement const*>(detail.element),
+                           static_cast<CXmlAttribute const*>(detail.attribute), detail.isAtEnd};
+  if (known.element != nullptr && !report->IsNew(known, CauseOf(failure).GetMessage())) return true;
   report->FindPlace(failure);
   return report->Tell(failure);
 }
@@ -60,6 +62,7 @@ void FailureReport::Remark(CXmlSerializationContext const& ctx, FailureKind kind
                            std::string const& text) {
   FailureReport* const report = Of(ctx);
   if (report == nullptr || report->m_thrown != nullptr || report->m_remarks >= report->m_most) return;
+  if (point.element != nullptr && !report->IsNew(point, text)) return;
   ++report->m_remarks;
   report->Send(CFailure(kind, FailureSeverity_Remark, report->PlaceOf(point), text));
 }
@@ -87,11 +90,8 @@ void FailureReport::FindPlace(CQnException& failure) {
   detail.hasPlace = detail.element != nullptr || !detail.place.GetFile().empty();
 }
 
-bool FailureReport::IsNew(CQnException const& failure) {
-  CFailureDetail const& detail = *FailureAccess::FindDetail(failure);
-  if (detail.element == nullptr) return true;
-  std::size_t const text = std::hash<std::string>()(CauseOf(failure).GetMessage());
-  return m_told.emplace(detail.element, detail.attribute, detail.isAtEnd, text).second;
+bool FailureReport::IsNew(FailurePoint const& point, std::string const& text) {
+  return m_told.emplace(point.element, point.attribute, point.isAtEnd, std::hash<std::string>()(text)).second;
 }
 
 bool FailureReport::Tell(CQnException& failure) {

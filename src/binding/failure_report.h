@@ -79,7 +79,7 @@ class FailureReport {
   /// The current one, if it belongs to a read with the sink of \p ctx.
   static FailureReport* Of(CXmlSerializationContext const& ctx);
   CFailurePlace PlaceOf(FailurePoint const& point) const;
-  bool IsNew(CQnException const& failure);
+  bool IsNew(FailurePoint const& point, std::string const& text);
   void FindPlace(CQnException& failure);
   bool Tell(CQnException& failure);
   bool Send(CFailure const& failure);

@@ -59,6 +59,20 @@ void FailedScans::NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement co
   Spend(steps);
 }
 
+void FailedScans::ListTaken(CElementInfo const& member, Kind kind, CXmlSerializationContext const& ctx,
+                            CXmlElement const* start, CXmlElement const* stop, std::size_t listed) {
+  if (!m_isListing) return;
+  // A group has listed its members' elements, which are lost if it took none in the end.
+  if (start == stop) return m_taken.resize(listed);
+  if (kind == Kind::kGroup || m_taken.size() != listed) return;
+  // Elements in front of the first one that the member takes were passed over.
+  auto const isFirst = [&](CXmlElement const* child) {
+    return kind == Kind::kOther ? member.MayBegin(ctx, child) : member.IsThisElement(ctx, child);
+  };
+  while (start != stop && !isFirst(start)) start = start->GetNextSiblingElement();
+  for (; start != stop; start = start->GetNextSiblingElement()) m_taken.push_back(start);
+}
+
 CXmlElement* FailedScans::Find(CElementInfo const& member, CXmlSerializationContext const& ctx, CXmlElement* cursor) {
   for (int i = 0; i < kNear; ++i) {
     if (cursor == nullptr || member.IsThisElement(ctx, cursor)) return cursor;

@@ -75,6 +75,27 @@ class FailedScans {
   /// Call after a member of kind \p kind has moved the cursor from \p start to \p stop. \p groups is the value of
   /// Groups() before that.
   void NoteAnswer(Kind kind, CXmlElement const* start, CXmlElement const* stop, std::uint64_t groups);
+  /// Keep a list of the children that members take, for ForEachDropped(). Of this list, the current number of entries.
+  ///@{
+  void StartListing() { m_isListing = true; }
+  std::size_t Listed() const { return m_taken.size(); }
+  ///@}
+  /// Call after \p member of kind \p kind has moved the cursor from \p start to \p stop. \p listed is the value of
+  /// Listed() before that.
+  void ListTaken(Quillon9Data::CElementInfo const& member, Kind kind, CXmlSerializationContext const& ctx,
+                 CXmlElement const* start, CXmlElement const* stop, std::size_t listed);
+  /// Call \p tell with each child that no member took.
+  template <class Tell>
+  void ForEachDropped(Tell tell) const {
+    auto taken = m_taken.begin();
+    for (CXmlElement const* child = m_parent->GetFirstElement(); child; child = child->GetNextSiblingElement()) {
+      if (taken != m_taken.end() && *taken == child) {
+        ++taken;
+      } else {
+        tell(*child);
+      }
+    }
+  }
   /// The first child from \p cursor on that has the name of \p member; null for none. Call Note() for \p member first.
   CXmlElement* Find(Quillon9Data::CElementInfo const& member, CXmlSerializationContext const& ctx, CXmlElement* cursor);
   /// The child at which to retry what failed at \p cursor, which is not null; null if no child is left.
@@ -121,6 +142,8 @@ class FailedScans {
   CXmlElement const* const m_parent;
   bool const m_ignoresNamespaces;
   bool m_hasEffects = false;
+  bool m_isListing = false;
+  std::vector<CXmlElement const*> m_taken;  // in document order
   std::uint64_t m_groups = 0;
   ReadingAllowance m_ownAllowance;  // used by the outermost one
   ReadingAllowance& m_allowance;

@@ -55,7 +55,7 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainTypes() : nullptr);
   if (nillable != nullptr && nillable->IsNil()) return cursor;
   CXmlElement* const next = ctx.GetFailureSink() == nullptr ? ReadMembers(info, parent, cursor, ctx, inChoice)
-                                                            : ReadMembersWithSink(parent, cursor, ctx, inChoice);
+                                                            : ReadMembersReported(parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again at the next child.
   bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
   if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
@@ -118,9 +118,16 @@ bool AskNoted(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, F
   if (kind == FailedScans::Kind::kHeld && member.IsThisElement(ctx, *cursor)) scans->NoteEffect();
   CXmlElement const* const start = *cursor;
   std::uint64_t const groups = scans->Groups();
+  std::size_t const listed = scans->Listed();
   bool const isSatisfied = MemberAsking::Ask(ctx, holder, member, parent, cursor, type);
   scans->NoteAnswer(kind, start, *cursor, groups);
+  scans->ListTaken(member, kind, ctx, start, *cursor, listed);
   return isSatisfied;
+}
+
+void RemarkAttribute(CXmlSerializationContext const& ctx, CXmlElement const* parent, CXmlAttribute const& attribute) {
+  FailureReport::Remark(ctx, FailureKind_DroppedAttribute, {parent, &attribute},
+                        FormatString("The attribute [%s] is ignored", attribute.GetLocalName().c_str()));
 }
 
 // Whether the descriptors have no effect when an attribute does not belong to them.
@@ -163,6 +170,7 @@ bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAtt
     while (table[taker] != nullptr && !table[taker]->AttributeFromXml(ctx, this, attribute)) ++taker;
     if (table[taker] == nullptr) {
       if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
+      if (reject && ctx.GetFailureSink() != nullptr) RemarkAttribute(ctx, parent, *attribute);
       return false;
     }
   } catch (CQnException& failure) {

@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -28,7 +29,7 @@ namespace {
 class ReportedContent {
  public:
   ReportedContent(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder, CXmlElement* parent,
-                  CXmlElement* cursor)
+                  CXmlElement* cursor, FailedScans* scans)
       : m_ctx(ctx),
         m_holder(holder),
         m_parent(parent),
@@ -37,15 +38,26 @@ class ReportedContent {
         m_members(holder->GetClassElementInfo()),
         m_count(static_cast<std::size_t>(holder->GetClassElementInfoCount())),
         m_isSequence(holder->GetClassInfo()->m_groupType == XmlElementGroupType_Sequence),
+        m_scans(scans),
         m_isTold(m_count) {}
 
+  CXmlElement* Read(XmlElementGroupType group, bool inChoice) {
+    switch (group) {
+      case XmlElementGroupType_Sequence: return ReadSequence();
+      case XmlElementGroupType_Choice: return ReadChoice(inChoice);
+      case XmlElementGroupType_All: return ReadAll();
+    }
+    throw CQnException("Unknow Group Type");
+  }
+
+ private:
   CXmlElement* ReadSequence();
   CXmlElement* ReadAll();
   CXmlElement* ReadChoice(bool inChoice);
-
- private:
   bool AskFrom(std::size_t i);
   bool Ask(std::size_t i);
+  bool AskNoted(CElementInfo& member);
+  void Settle(std::size_t i, CXmlElement const* start, std::size_t listed);
   bool Offer();
   bool Judge(FlagSet const& found);
   void NoteTaken(std::size_t i);
@@ -63,8 +75,10 @@ class ReportedContent {
   CElementInfo** const m_members;
   std::size_t const m_count;
   bool const m_isSequence;
-  std::size_t m_next = 0;  // the member to ask first after an element has been skipped
-  FlagSet m_isTold;        // the members whose absence the sink knows
+  FailedScans* const m_scans;  // null unless unknown elements are ignored
+  bool m_isNoted = false;      // whether m_scans learns of the members' answers
+  std::size_t m_next = 0;      // the member to ask first after an element has been skipped
+  FlagSet m_isTold;            // the members whose absence the sink knows
 
   // The element in front of which something was missing, and which may itself be the fault; whether the sink knows that;
   // and what else was missing in front of it.
@@ -98,25 +112,42 @@ bool ReportedContent::Ask(std::size_t i) {
   CElementInfo& member = *m_members[i];
   for (;;) {
     CXmlElement* const start = m_cursor;
+    std::size_t const listed = m_scans != nullptr ? m_scans->Listed() : 0;
+    bool isSatisfied = false;
     try {
-      bool const isSatisfied = MemberAsking::Once(m_ctx, m_holder, member, m_parent, &m_cursor, XmlElementType_Element);
-      if (m_cursor != start) NoteTaken(i);
-      return isSatisfied;
+      isSatisfied = AskNoted(member);
     } catch (CQnException& failure) {
       if (MemberAsking::IsAboutClaimed(failure, member, m_cursor)) {
         MemberAsking::PassFaulty(m_ctx, failure, member, m_parent, &m_cursor);
-        NoteTaken(i);
+        Settle(i, start, listed);
         if (!member.IsRepeated()) return true;
-      } else {
-        FailureReport::Note(failure, FailurePoint::At(m_parent, m_cursor));
-        if (failure.GetKind() != FailureKind_Count) m_cursor = start;  // what was sought in vain may stop later members
-        bool const isTaken = m_cursor != start;
-        if (isTaken) NoteTaken(i);
-        PassOver(i, failure);
-        return isTaken || m_isSequence;
+        continue;
       }
+      FailureReport::Note(failure, FailurePoint::At(m_parent, m_cursor));
+      if (failure.GetKind() != FailureKind_Count) m_cursor = start;  // what was sought in vain may stop later members
+      Settle(i, start, listed);
+      PassOver(i, failure);
+      return m_cursor != start || m_isSequence;
     }
+    Settle(i, start, listed);
+    return isSatisfied;
   }
+}
+
+bool ReportedContent::AskNoted(CElementInfo& member) {
+  FailedScans::Kind const kind = m_isNoted ? m_scans->Note(member) : FailedScans::Kind::kOther;
+  CXmlElement const* const start = m_cursor;
+  std::uint64_t const groups = m_isNoted ? m_scans->Groups() : 0;
+  bool const isSatisfied = MemberAsking::Once(m_ctx, m_holder, member, m_parent, &m_cursor, XmlElementType_Element);
+  if (m_isNoted) m_scans->NoteAnswer(kind, start, m_cursor, groups);
+  return isSatisfied;
+}
+
+// Member i has moved the cursor from `start`, or has taken nothing.
+void ReportedContent::Settle(std::size_t i, CXmlElement const* start, std::size_t listed) {
+  CElementInfo const& member = *m_members[i];
+  if (m_scans != nullptr) m_scans->ListTaken(member, KindOf(member), m_ctx, start, m_cursor, listed);
+  if (m_cursor != start) NoteTaken(i);
 }
 
 // The doubtful element belongs to a member, so what was missing in front of it is missing indeed.
@@ -197,7 +228,7 @@ CXmlElement* ReportedContent::ReadAll() {
       }
     }
     if ((isFirst || m_cursor == nullptr) && !Judge(found)) return m_entry;
-    if (m_cursor == nullptr) return nullptr;
+    if (m_cursor == nullptr || m_ctx.GetIgnoreUnknownElements()) return m_cursor;
     SkipLeftOver();
   }
 }
@@ -212,7 +243,7 @@ bool ReportedContent::Judge(FlagSet const& found) {
     } catch (CQnException& failure) {
       if (!FailureReport::GoesOn(m_ctx, failure, FailurePoint::At(m_parent, m_cursor))) throw;
       m_isTold.Set(i);
-      Doubt(true);
+      if (!m_ctx.GetIgnoreUnknownElements()) Doubt(true);
     }
   }
   return true;
@@ -220,6 +251,11 @@ bool ReportedContent::Judge(FlagSet const& found) {
 
 CXmlElement* ReportedContent::ReadChoice(bool inChoice) {
   bool isChosen = Offer();
+  while (!isChosen && m_ctx.GetIgnoreUnknownElements() && m_cursor != nullptr) {
+    m_cursor = m_isNoted ? m_scans->Pass(m_ctx, m_cursor) : m_cursor->GetNextSiblingElement();
+    m_isNoted = true;
+    if (m_cursor != nullptr) isChosen = Offer();
+  }
   if (!isChosen && !inChoice && !m_holder->DoesElementContainOptionalElements() && !m_ctx.GetIgnoreMissingChoice()) {
     try {
       MemberAsking::ThrowEmptyChoice(m_parent, m_cursor);
@@ -228,7 +264,7 @@ CXmlElement* ReportedContent::ReadChoice(bool inChoice) {
       Doubt(true);
     }
   }
-  while (m_cursor != nullptr) {
+  while (m_cursor != nullptr && !m_ctx.GetIgnoreUnknownElements()) {
     SkipLeftOver();
     if (m_cursor == nullptr) break;
     if (!isChosen) {
@@ -237,7 +273,7 @@ CXmlElement* ReportedContent::ReadChoice(bool inChoice) {
       Ask(m_next);
     }
   }
-  return nullptr;
+  return m_cursor;
 }
 
 bool ReportedContent::Offer() {
@@ -251,23 +287,32 @@ bool ReportedContent::Offer() {
 
 }  // namespace
 
+CXmlElement* CXmlGeneratedClass::ReadMembersReported(CXmlElement* parent, CXmlElement* cursor,
+                                                     CXmlSerializationContext const& ctx, bool inChoice) {
+  CXmlElement* const next = ReadMembersWithSink(parent, cursor, ctx, inChoice);
+  CParentElementInfo const& info = *GetClassInfo();
+  bool const hasText = parent->GetTextView().find_first_not_of(" \t\r\n") != std::string_view::npos;
+  if (hasText && info.m_textPropertyIndex == -1 && info.m_elementType == XmlElementType_Element) {
+    FailureReport::Remark(ctx, FailureKind_DroppedText, {parent},
+                          FormatString("The text of the element [%s] is ignored", parent->GetLocalName().c_str()));
+  }
+  return next;
+}
+
 CXmlElement* CXmlGeneratedClass::ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
                                                      CXmlSerializationContext const& ctx, bool inChoice) {
   CParentElementInfo const& info = *GetClassInfo();
-  bool const isSequence = info.m_groupType == XmlElementGroupType_Sequence;
-  // Where unknown elements are ignored, none is left over, and only a sequence has to look again for others.
-  bool const isAsWithout =
-      info.m_elementType != XmlElementType_Element || (ctx.GetIgnoreUnknownElements() && !isSequence);
-  if (isAsWithout) return ReadMembers(info, parent, cursor, ctx, inChoice);
+  if (info.m_elementType != XmlElementType_Element) return ReadMembers(info, parent, cursor, ctx, inChoice);
   std::optional<FailedScans> scans;
-  if (ctx.GetIgnoreUnknownElements()) scans.emplace(*parent, ctx);
-  ReportedContent content(ctx, this, parent, cursor);
-  switch (info.m_groupType) {
-    case XmlElementGroupType_Sequence: return content.ReadSequence();
-    case XmlElementGroupType_Choice: return content.ReadChoice(inChoice);
-    case XmlElementGroupType_All: return content.ReadAll();
-  }
-  return ReadMembers(info, parent, cursor, ctx, inChoice);  // throws
+  if (ctx.GetIgnoreUnknownElements()) scans.emplace(*parent, ctx).StartListing();
+  ReportedContent content(ctx, this, parent, cursor, scans ? &*scans : nullptr);
+  CXmlElement* const next = content.Read(info.m_groupType, inChoice);
+  if (!scans) return next;
+  scans->ForEachDropped([&](CXmlElement const& child) {
+    FailureReport::Remark(ctx, FailureKind_DroppedElement, {&child},
+                          FormatString("The element [%s] is ignored", child.GetLocalName().c_str()));
+  });
+  return next;
 }
 
 }  // namespace Quillon9

@@ -168,7 +168,7 @@ TEST(FailureSink, TellsWhatIsMissingOnce) {
           {"><p>1</p><q/><c/>", "missing /root/p; missing /root/p -> 3="},
           {"><x/><y/><a/><b/><z/>", "missing /root/x; unexpected /root/y; missing /root/z -> 0= 1="},
           {"><b/><a/><c/>", "missing /root/b; missing /root/a -> 1= 3="},
-          {"><x/><c>1</c>", "missing /root; missing /root -> 3=1", "U"},
+          {"><x/><c>1</c>", "missing /root; missing /root; -element /root/x -> 3=1", "U"},
           {"><c/>", " -> 3=", "M"}});
 }
 
@@ -221,6 +221,31 @@ TEST(FailureSink, ChecksFacetsWhereTheContextAsksForIt) {
   Expect(shape, {{" b='51'><a>51</a>", " -> 0=51 1=51"},
                  {" b='51'><a>51</a>", "facet /root/@b; facet /root/a ->", "F"},
                  {" b='50'><a>50</a>", " -> 0=50 1=50", "F"}});
+}
+
+TEST(FailureSink, RemarksWhatOptionsDrop) {
+  Expect(Shape(kSequence,
+               {Prim<CElementInfoSeqPrimMnd>("a", 0),
+                new CElementInfoSeqClsOpt("", "", 1, XmlElementType_Pseudo, MakeClass, kPair),
+                Prim<CElementInfoSeqPrimMnd>("c", 2), new CElementInfoSeqPrimCol("i", "", 3)},
+               {Attribute("r", 4, true)}),
+         {{"><a>1</a><c>2</c>text", "-text /root -> 0=1 2=2 3=#0"},
+          {" r='1' s='2'><a>1</a><c>2</c>\n", "-attribute /root/@s -> 0=1 2=2 3=#0 4=1", "A"},
+          {"><x/><a>1</a><y/><c>2</c><i/><i/><z/><i/>",
+           "-element /root/x; -element /root/y; -element /root/z; -element /root/i[3] -> 0=1 2=2 3=#2", "U"},
+          {"><a>1</a><p>1</p><q/><c>2</c>", " -> 0=1 2=2 3=#0", "U"},
+          {"><a>1</a><p>1</p><x/><q/><c>2</c>", "-element /root/x -> 0=1 2=2 3=#0", "U"},
+          {"><a>1</a><p>1</p><x/><c>2</c>", "-element /root/p; -element /root/x -> 0=1 2=2 3=#0", "U"},
+          {"><b/><c>2</c>", "missing /root; -element /root/b -> 2=2 3=#0", "U"}},
+         [](DynamicClass& object) {
+           object.With(3, new CstringCol("i", "", 0, -1, "", -1, -1, "", "", "", "", -1,
+                                         CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
+         });
+  Expect(Shape(Of(XmlElementGroupType_Choice), {Prim<CElementInfoChoicePrimOpt>("a", 0)}),
+         {{"><x/><a>1</a><y/>", "-element /root/x; -element /root/y -> 0=1", "U"}});
+  Expect(
+      Shape(Of(XmlElementGroupType_All), {Prim<CElementInfoAllPrimMnd>("a", 0), Prim<CElementInfoAllPrimOpt>("b", 1)}),
+      {{"><a>1</a><x/><b/>", "-element /root/x; -element /root/b -> 0=1", "U"}});
 }
 
 TEST(FailureSink, EndsAReadWithTheFailureThatItStopsAt) {

@@ -171,6 +171,8 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                            bool inChoice);
   CXmlElement* ReadMembers(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
                            CXmlSerializationContext const& ctx, bool inChoice);
+  CXmlElement* ReadMembersReported(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                   bool inChoice);
   CXmlElement* ReadMembersWithScans(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent,
                                     CXmlElement* cursor, CXmlSerializationContext const& ctx, bool inChoice);
   CXmlElement* ReadSequenceGroup(CXmlSerializationContext const& ctx, CXmlElement* parent, CXmlElement* cursor,
