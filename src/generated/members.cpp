@@ -152,7 +152,7 @@ bool ValueMember::OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter 
 QN_ELEMENT_TO_XML(ValueMember) {
   QnVariant value;
   ReadProperty(holder, value);
-  if (!value.IsValid()) return OmitOnWriting(ctx, *writer);
+  if (!value.IsValid()) return m_isRequired && OmitOnWriting(ctx, *writer);
   m_rule.CheckOwn(value);
   if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
