@@ -350,7 +350,8 @@ std::string Describe() {
     text += std::to_string(i) + " " + kGroups[described.shape->m_info->m_groupType];
     if (described.type == XmlElementType_Pseudo) text += " without a tag";
     for (Member const& member : described.members) {
-      text += std::string("; ") + typeid(*described.shape->m_elements[member.index]).name() + " " + member.name + " " +
+      CElementInfo const& entry = *described.shape->m_elements[member.index];
+      text += std::string("; ") + typeid(entry).name() + " " + member.name + " " +
               kContents[static_cast<int>(member.content)] + " " + std::to_string(member.classId);
     }
     text += "\n";

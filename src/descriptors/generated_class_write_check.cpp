@@ -49,6 +49,18 @@ void CXmlGeneratedClass::CheckStart(CheckingWriter& writer, bool isRoot, char co
   }
 }
 
+void CXmlGeneratedClass::CheckAttributes(CheckingWriter& writer, CXmlSerializationContext const& ctx,
+                                         CElementInfo** elements, CAttributeInfo** attributes) const {
+  for (; *attributes != nullptr; ++attributes) {
+    try {
+      (*attributes)->AttributeToXml(ctx, this, &writer);
+    } catch (CQnException& failure) {
+      if (!MemberCheck::GoesOn(writer, failure, **attributes)) throw;
+    }
+  }
+  for (; *elements != nullptr; ++elements) (*elements)->PseudoChildAttributeToXml(ctx, this, &writer);
+}
+
 void CXmlGeneratedClass::CheckContent(CheckingWriter& writer, CXmlSerializationContext const& ctx,
                                       bool inChoice) const {
   switch (GetClassInfo()->m_groupType) {

@@ -10,7 +10,6 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
-#include "descriptors/member_check.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -112,13 +111,10 @@ void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializati
 
 void CXmlGeneratedClass::ProcessAttributesToXml(CXmlSerializationContext const& ctx, CElementInfo** elements,
                                                 CAttributeInfo** attributes, CXmlWriter* writer) const {
-  for (; *attributes != nullptr; ++attributes) {
-    try {
-      (*attributes)->AttributeToXml(ctx, this, writer);
-    } catch (CQnException& failure) {
-      if (!MemberCheck::GoesOn(*writer, failure, **attributes)) throw;
-    }
+  if (CheckingWriter* const check = XmlWriterAccess::Checking(*writer)) {
+    return CheckAttributes(*check, ctx, elements, attributes);
   }
+  for (; *attributes != nullptr; ++attributes) (*attributes)->AttributeToXml(ctx, this, writer);
   for (; *elements != nullptr; ++elements) (*elements)->PseudoChildAttributeToXml(ctx, this, writer);
 }
 

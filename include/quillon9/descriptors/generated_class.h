@@ -187,11 +187,13 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans, CXmlElement* parent,
                             CXmlElement** cursor, Quillon9Data::XmlElementType type);
 
-  // What the last four do for a writer that only checks.
+  // What the functions for writing do for a writer that only checks.
   void CheckElement(CheckingWriter& writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                     bool inChoice) const;
   void CheckStart(CheckingWriter& writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
+  void CheckAttributes(CheckingWriter& writer, CXmlSerializationContext const& ctx,
+                       Quillon9Data::CElementInfo** elements, Quillon9Data::CAttributeInfo** attributes) const;
   void CheckContent(CheckingWriter& writer, CXmlSerializationContext const& ctx, bool inChoice) const;
   void CheckMembers(CheckingWriter& writer, CXmlSerializationContext const& ctx) const;
   void CheckChoice(CheckingWriter& writer, CXmlSerializationContext const& ctx, bool inChoice) const;
