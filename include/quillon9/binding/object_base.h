@@ -135,13 +135,14 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// The same with the bytes of \p data.
   virtual void FromXmlStream(CBinaryData const& data,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read from an element of a tree that has already been loaded; the caller keeps ownership of the tree.
+  /// Read from an element of a tree that has already been loaded; the caller keeps ownership of the tree. The place of a
+  /// failure is only a path, which begins at \p element and has no prefixes.
   /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CXmlElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read from generic content, by way of the text that \p element writes under the default context: characters that
   /// the local code page cannot represent are lost, and text in a code page that is neither UTF-8 nor ASCII cannot be
-  /// read back.
+  /// read back. The place of a failure is only a path, which has no prefixes.
   /// \throws CQnInvalidParamException "The element to read from may not be NULL".
   virtual void FromXmlElement(CElement const* element,
                               CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);

@@ -55,11 +55,14 @@ class QUILLON9_API CXmlDocument {
   /// All four loads copy their input. They fail with CQnException on malformed XML ("[what expat says] at line
   /// [number]"; the elements read so far stay until Cleanup()), beyond CLimits::GetMaxElementDepth() ("The element
   /// nesting exceeds the limit of %u levels") and beyond 4,294,967,295 bytes ("The document exceeds the limit of
-  /// 4294967295 bytes"; for a file, with its path: see Load()).
+  /// 4294967295 bytes"; for a file, with its path: see Load()). CQnException::GetPlace() says where in the input a
+  /// reader stopped, with the path of the innermost element that is open there. To name the elements as the document
+  /// spells them, a load that fails reads the input again up to that place.
   /// \throws CQnException "XML String is empty!", also for null.
   void LoadXml(char const* text);
   /// Load wide text. Only the low 16 bits of each character count, so pass a character beyond the basic plane as a
-  /// surrogate pair. A declared encoding must be UTF-16. Failures as above.
+  /// surrogate pair. A declared encoding must be UTF-16. Failures as above; the offsets of their places count the bytes
+  /// of \p text.
   void LoadXml(wchar_t const* text);
   /// Load \p size bytes of XML text or Fast Infoset (Rec. ITU-T X.891), plain or compressed with gzip or zlib. The
   /// filter does not see the elements of Fast Infoset.
@@ -72,6 +75,7 @@ class QUILLON9_API CXmlDocument {
   ///         "Failed to get the size of the file [%s] Error [%s]" (a directory, a pipe),
   ///         "Failed to read the contents of the file [%s] Error [%s]" (also an empty file),
   ///         "The file [%s] exceeds the limit of 4294967295 bytes"; otherwise as above. Error is the system's text.
+  ///         The place of each of them names the file.
   void Load(char const* path);
 
   /// Return the root of the tree, owned by this document; null if nothing was read.
