@@ -96,8 +96,9 @@ CXmlElement const* DocumentPlaces::Root() const {
   return m_document != nullptr ? m_document->GetDocumentElement() : m_root;
 }
 
-bool DocumentPlaces::HasPositionsOf(CXmlElement const& element) const {
-  return m_form != InputForm::kUnseen && element.GetDocument() == m_document;
+bool DocumentPlaces::HasPositionsOf(CXmlElement const* element) {
+  bool const isLoaded = m_form != InputForm::kUnseen && m_document->GetDocumentElement() != nullptr;
+  return isLoaded && NumberIn(Prepare().elements, element) != DocumentOutline::kNone;
 }
 
 DocumentPlaces::Found& DocumentPlaces::Prepare() {

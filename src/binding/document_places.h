@@ -30,7 +30,7 @@ class DocumentPlaces final : public PlaceFinder {
   ~DocumentPlaces();
 
   CFailurePlace Find(FailurePoint const& point) override;
-  bool HasPositionsOf(CXmlElement const& element) const override;
+  bool HasPositionsOf(CXmlElement const* element) override;
 
  private:
   struct Found;

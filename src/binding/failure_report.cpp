@@ -77,7 +77,7 @@ void FailureReport::Complete(CQnException& failure) {
 CFailurePlace FailureReport::PlaceOf(FailurePoint const& point) const {
   FailureReport const* report = this;
   if (point.element != nullptr) {
-    while (report != nullptr && !report->m_places.HasPositionsOf(*point.element)) report = report->m_outer;
+    while (report != nullptr && !report->m_places.HasPositionsOf(point.element)) report = report->m_outer;
   }
   return (report != nullptr ? report : this)->m_places.Find(point);
 }

@@ -30,8 +30,9 @@ class PlaceFinder {
  public:
   /// The place of \p point, or what is known of it. If its element is null, that is the file at most.
   virtual CFailurePlace Find(FailurePoint const& point) = 0;
-  /// Whether it knows where in the input \p element is.
-  virtual bool HasPositionsOf(CXmlElement const& element) const = 0;
+  /// Whether it knows where in the input \p element is. That may have been deleted with a tree of the program, which a
+  /// class of the program has read within the read of its document.
+  virtual bool HasPositionsOf(CXmlElement const* element) = 0;
 
  protected:
   ~PlaceFinder() = default;

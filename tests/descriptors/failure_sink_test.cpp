@@ -248,6 +248,43 @@ TEST(FailureSink, RemarksWhatOptionsDrop) {
       {{"><a>1</a><x/><b/>", "-element /root/x; -element /root/b -> 0=1", "U"}});
 }
 
+// A class whose setter reads a document of its own, which is gone when the failure reaches the read around it.
+class Nested : public DynamicClass {
+ public:
+  using DynamicClass::DynamicClass;
+  void AccessProperty(int index, bool read, QnVariant& value) override {
+    if (!read && index == 0) ReadOther();
+    DynamicClass::AccessProperty(index, read, value);
+  }
+
+ private:
+  static void ReadOther() {
+    CXmlDocument document;
+    document.LoadXml("<other id='x'/>");
+    DynamicClass object(ShapeOf(kLeaf));
+    CXmlElement* const root = document.GetDocumentElement();
+    CXmlObjectBase::FromXml_Int(&object, root, root->GetFirstElement(), CXmlSerializationContext::m_defaultContext);
+  }
+};
+
+TEST(FailureSink, ReceivesFailuresOfTreesThatAreGone) {
+  Shape const shape(kSequence,
+                    {Prim<CElementInfoSeqPrimMnd>("a", 0), Prim<CElementInfoSeqPrimMnd>("b", 1, ItemType_i4)});
+  for (bool const hasSink : {true, false}) {
+    Sink sink(1000);
+    CXmlSerializationContext ctx;
+    if (hasSink) ctx.SetFailureSink(&sink);
+    Nested object(shape);
+    try {
+      object.FromXml("<root><a/><b>x</b></root>", ctx);
+      EXPECT_EQ("value ; value /root/b", sink.m_told);
+    } catch (CQnException const& failure) {
+      EXPECT_FALSE(hasSink);
+      EXPECT_EQ("error: The value [x] can not be converted to a i4", failure.GetReport());
+    }
+  }
+}
+
 TEST(FailureSink, EndsAReadWithTheFailureThatItStopsAt) {
   Shape const shape(kSequence, {new CElementInfoSeqPrimCol("i", "", 0)});
   Fill const fill = [](DynamicClass& object) {
