@@ -139,11 +139,33 @@ std::string Constants::ValueElement(Plan::ValueType const& type, std::string con
   return entry->second;
 }
 
+std::string Constants::Group(Plan::ElementGroup const& group) {
+  auto const [entry, added] = m_groups.emplace(&group, "");
+  if (!added) return entry->second;
+  std::string const stem = "k" + Camel(group.head->name.local);
+  entry->second = Unique(stem + "Group");
+  std::string const list = Unique(stem + "Elements");
+  std::vector<std::string> elements;
+  for (Plan::ElementGroup::Element const& element : group.elements) {
+    std::string const tables = element.anyType           ? "nullptr"
+                               : element.type != nullptr ? '&' + TablesOf(*element.type)
+                                                         : '&' + ValueElement(element.value, Camel(element.name.local));
+    elements.push_back("{" + Literal(element.name.local) + ", " + Uri(element.name.ns) + ", " + tables + "}");
+  }
+  for (std::string const& line : BracedList("constexpr GroupElement " + list + "[] = ", elements)) {
+    m_groupLines.push_back(line);
+  }
+  m_groupLines.push_back("constexpr ElementGroup " + entry->second + "{" + list + ", " +
+                         std::to_string(elements.size()) + "};");
+  return entry->second;
+}
+
 void Constants::Print(Text& text) const {
   PrintGroup(text, m_uriLines);
   PrintGroup(text, m_ruleLines);
   PrintGroup(text, m_typeLines);
   PrintGroup(text, m_elementLines);
+  PrintGroup(text, m_groupLines);
 }
 
 }  // namespace Quillon9Generator::Code

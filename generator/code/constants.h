@@ -29,6 +29,8 @@ class Constants {
   std::string Texts(Plan::Enumeration const& enumeration);
   /// The name of the tables of an element of simple type.
   std::string ValueElement(Plan::ValueType const& type, std::string const& hint);
+  /// The name of \p group.
+  std::string Group(Plan::ElementGroup const& group);
   /// \p wanted, or with the first number that makes it unique in the file.
   std::string Unique(std::string const& wanted);
 
@@ -53,6 +55,8 @@ class Constants {
   std::vector<std::string> m_uriLines, m_ruleLines;
   std::vector<std::string> m_typeLines;  ///< facets, texts and value types
   std::vector<std::string> m_elementLines;
+  std::map<Plan::ElementGroup const*, std::string> m_groups;
+  std::vector<std::string> m_groupLines;
 };
 
 }  // namespace Quillon9Generator::Code

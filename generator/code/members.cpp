@@ -15,6 +15,22 @@ std::string TypeOf(Plan::ValueType const& value, Scope const& scope) {
   return value.enumeration != nullptr ? NameOf(*value.enumeration, scope) : CppType(value);
 }
 
+/// The class that holds the elements of \p group.
+std::string HolderOf(Plan::ElementGroup const& group, Scope const& scope) {
+  switch (group.holder) {
+    case Plan::ElementGroup::Holder::Class: return NameOf(*group.type, scope);
+    case Plan::ElementGroup::Holder::Value: return ValueElementType(group.value, scope);
+    case Plan::ElementGroup::Holder::BoundObject: return "Quillon9::CBoundObject";
+    case Plan::ElementGroup::Holder::AnyObject: return "Quillon9::CXmlObjectBase";
+  }
+  return "";
+}
+
+/// The class of one object of the member.
+std::string ObjectClass(Member const& member, Scope const& scope) {
+  return member.group != nullptr ? HolderOf(*member.group, scope) : NameOf(*member.type, scope);
+}
+
 /// The class of the objects or of the collection that the member holds; empty for a value.
 std::string HeldClass(Member const& member, Scope const& scope) {
   auto const collectionOf = [](std::string const& item) { return "Quillon9::CObjectCol<" + item + ">"; };
@@ -23,9 +39,9 @@ std::string HeldClass(Member const& member, Scope const& scope) {
     case Kind::Values:
       return member.value.enumeration == nullptr ? CollectionType(member.value)
                                                  : "Quillon9::CEnumCol<" + TypeOf(member.value, scope) + ">";
-    case Kind::Object: return NameOf(*member.type, scope);
+    case Kind::Object: return ObjectClass(member, scope);
     case Kind::Objects:
-    case Kind::Rounds: return collectionOf(NameOf(*member.type, scope));
+    case Kind::Rounds: return collectionOf(ObjectClass(member, scope));
     case Kind::NillableValue: return ValueElementType(member.value, scope);
     case Kind::NillableValues: return collectionOf(ValueElementType(member.value, scope));
     case Kind::Any:
@@ -59,6 +75,7 @@ bool IsCollection(Member const& member) {
 bool IsAnyElement(Member const& member) { return member.kind == Kind::Any || member.kind == Kind::AnyType; }
 
 bool CanBeCreated(Member const& member) {
+  if (member.group != nullptr) return member.group->canCreateHead;
   return !IsAnyElement(member) && (member.type == nullptr || !member.type->abstract);
 }
 
@@ -88,6 +105,18 @@ std::string DescribeName(Member const& member) {
   return (member.place == Member::Place::Attribute ? "The attribute " : "The element ") + name + ".";
 }
 
+/// Names elements that may stand in place of the head of a substitution group.
+std::string DescribeGroup(Member const& member) {
+  if (member.group == nullptr) return "";
+  constexpr std::size_t kMost = 8;
+  std::string names;
+  std::size_t count = 0;
+  for (Plan::ElementGroup::Element const& element : member.group->elements) {
+    if (++count <= kMost) names += (count == 1 ? "" : ", ") + element.name.local;
+  }
+  return "Any of the elements " + names + (count > kMost ? " and " + std::to_string(count - kMost) + " others." : ".");
+}
+
 std::string Comment(Member const& member) {
   std::string comment = member.documentation;
   auto const add = [&comment](std::string const& line) {
@@ -95,6 +124,7 @@ std::string Comment(Member const& member) {
   };
   if (!comment.empty()) comment += '\n';
   add(DescribeName(member));
+  add(DescribeGroup(member));
   add(DescribeFacets(member.value.facets));
   if (member.fixedValue) {
     add("Fixed: " + *member.fixedValue + ".");

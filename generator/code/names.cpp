@@ -57,6 +57,8 @@ std::string NameOf(Plan::Enumeration const& target, Scope const& scope) {
 
 std::string ShortName(Plan::Enumeration const& enumeration) { return LastPart(enumeration.cppName); }
 
+std::string TablesOf(Plan::Class const& cls) { return cls.cppName + "::s_class"; }
+
 std::string Identifier(Plan::Class const& cls) {
   std::string const prefix = cls.owner != nullptr ? Identifier(*cls.owner) + '_' : "";
   return prefix + cls.shortName.substr(1);

@@ -22,6 +22,9 @@ std::string NameOf(Plan::Enumeration const& target, Scope const& scope);
 /// The last part of the name of \p enumeration.
 std::string ShortName(Plan::Enumeration const& enumeration);
 
+/// The tables of \p cls, as seen in the namespace of the generated classes.
+std::string TablesOf(Plan::Class const& cls);
+
 /// The name of a class for constants in the source: `CItems::CItem` gives `Items_Item`.
 std::string Identifier(Plan::Class const& cls);
 

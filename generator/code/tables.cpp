@@ -33,8 +33,6 @@ void AddDefaults(RowCall& row, Member const& member) {
   if (member.fixedValue) row << Literal(*member.fixedValue);
 }
 
-std::string TablesOf(Plan::Class const& cls) { return cls.cppName + "::s_class"; }
-
 std::string ElementRow(Member const& member, Constants& constants) {
   std::string const name = Literal(member.name.local);
   std::string const once = OccursText(member.minOccurs > 0);
@@ -56,8 +54,12 @@ std::string ElementRow(Member const& member, Constants& constants) {
       return row.Text();
     }
     case Kind::Values: return (repeated(named("Values")) << constants.ValueType(member.value, member.cppName)).Text();
-    case Kind::Object: return (named("Object") << once << TablesOf(*member.type)).Text();
-    case Kind::Objects: return (repeated(named("Objects")) << TablesOf(*member.type)).Text();
+    case Kind::Object:
+      if (member.group != nullptr) return (named("Head") << once << constants.Group(*member.group)).Text();
+      return (named("Object") << once << TablesOf(*member.type)).Text();
+    case Kind::Objects:
+      if (member.group != nullptr) return (repeated(named("Heads")) << constants.Group(*member.group)).Text();
+      return (repeated(named("Objects")) << TablesOf(*member.type)).Text();
     case Kind::NillableValue:
       return (named("Object") << once << constants.ValueElement(member.value, member.cppName)).Text();
     case Kind::NillableValues:

@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "plan/element_groups.h"
 #include "plan/names.h"
 
 namespace Quillon9Generator::Plan {
@@ -127,28 +128,6 @@ Member::Kind Repeated(Member::Kind kind) {
     case Member::Kind::AnyType: return Member::Kind::AnyTypes;
     default: return kind;
   }
-}
-
-// The names of all elements that can stand in place of \p head, the most direct first.
-std::vector<std::string> SubstitutesOf(ElementDeclaration const& head) {
-  std::vector<ElementDeclaration const*> found{&head};
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < found.size(); ++i) {
-    for (ElementDeclaration const* member : found[i]->substitutes) {
-      if (std::find(found.begin(), found.end(), member) != found.end()) continue;
-      found.push_back(member);
-      if (!member->abstract) names.push_back(member->name.local);
-    }
-  }
-  return names;
-}
-
-std::string Listed(std::vector<std::string> const& names) {
-  constexpr std::size_t kMost = 5;
-  std::string text;
-  for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i) text += (i == 0 ? "" : ", ") + Quoted(names[i]);
-  if (names.size() > kMost) text += " and " + std::to_string(names.size() - kMost) + " more";
-  return text;
 }
 
 }  // namespace
@@ -399,6 +378,7 @@ void ClassBuilder::AddNode(Class& cls, ContentNode const& node, Position positio
 void ClassBuilder::Restate(Class& cls, ContentNode const& node) {
   bool const isElement = node.kind == ContentNode::Kind::Element;
   Member member = Restated(MemberOfBase(cls.base, [&](Member const& each) {
+    if (isElement && each.group != nullptr && StandsFor(*node.element, *each.group->head)) return true;
     if (isElement) return each.name == node.element->name && !each.name.local.empty();
     bool const isRounds = each.kind == Member::Kind::Rounds;
     return node.IsGroup() ? isRounds : each.name.local.empty() && !isRounds;
@@ -418,6 +398,11 @@ void ClassBuilder::Restate(Class& cls, ContentNode const& node) {
 }
 
 void ClassBuilder::RestateElementType(Class& cls, Member& member, ElementDeclaration const& element) {
+  if (member.group != nullptr) {
+    member.name = element.name;
+    member.group = GroupOf(element);
+    return;
+  }
   switch (member.kind) {
     case Member::Kind::Object:
     case Member::Kind::Objects: {
@@ -477,12 +462,15 @@ ValueType ClassBuilder::ValueOf(Schema::SimpleType const* type, Schema::Qualifie
 }
 
 void ClassBuilder::NoteUse(Class& cls, ElementDeclaration const& element) {
-  m_elementsOf[&cls].insert(element.name);
+  if (!element.abstract) m_elementsOf[&cls].insert(element.name);
   cls.nillable = cls.nillable || element.nillable;
 }
 
 void ClassBuilder::SetElementType(Class& cls, Member& member, ElementDeclaration const& element) {
-  if (IsAnything(element)) {
+  if (!element.standIns.empty()) {
+    member.kind = Member::Kind::Object;
+    member.group = GroupOf(element);
+  } else if (IsAnything(element)) {
     member.kind = Member::Kind::AnyType;
   } else if (element.complexType != nullptr) {
     Class* const type = ClassOf(*element.complexType, &cls);
@@ -505,25 +493,39 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.documentation = element.documentation;
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
-  WarnOfSubstitutes(element, node.place);
   if (member.kind == Member::Kind::Value) {
     member.defaultValue = element.defaultValue;
     member.fixedValue = element.fixedValue;
   } else if (element.defaultValue) {
     m_diagnostics.Warning(element.place, "the default value of the element " + Quoted(element.name.local) +
-                                             " is not applied to an empty element, since it is repeated, nillable or "
-                                             "of a complex type");
+                                             " is not applied to an empty element, since it is repeated, nillable, of "
+                                             "a complex type or in a substitution group");
   }
   AddRow(cls, std::move(member), position);
 }
 
-void ClassBuilder::WarnOfSubstitutes(ElementDeclaration const& element, Schema::Place const& place) {
-  if (!element.global || element.substitutes.empty()) return;
-  std::vector<std::string> const names = SubstitutesOf(element);
-  if (names.empty()) return;
-  m_diagnostics.Warning(place, "only the element " + Quoted(element.name.local) +
-                                   (element.abstract ? ", which is abstract," : "") + " itself is read here, not " +
-                                   Listed(names) + " of its substitution group");
+ElementGroup const* ClassBuilder::GroupOf(ElementDeclaration const& head) {
+  auto const [entry, isNew] = m_elementGroups.emplace(&head, nullptr);
+  if (!isNew) return entry->second;
+  m_plan.groupStorage.push_back(std::make_unique<ElementGroup>());
+  ElementGroup& group = *m_plan.groupStorage.back();
+  entry->second = &group;
+  group.head = &head;
+  std::vector<ElementDeclaration const*> declarations = head.standIns;
+  if (!head.abstract) declarations.push_back(&head);
+  for (ElementDeclaration const* declaration : declarations) {
+    ElementGroup::Element element;
+    element.name = declaration->name;
+    element.anyType = IsAnything(*declaration);
+    if (!element.anyType && declaration->complexType != nullptr) {
+      element.type = ClassOf(*declaration->complexType, nullptr);
+    } else if (!element.anyType) {
+      element.value = m_values.Of(declaration->simpleType, {nullptr, declaration->name.local});
+    }
+    group.elements.push_back(std::move(element));
+  }
+  if (head.complexType != nullptr && !IsAnything(head)) group.type = ClassOf(*head.complexType, nullptr);
+  return &group;
 }
 
 void ClassBuilder::AddWildcard(Class& cls, ContentNode const& node, Position position) {
@@ -587,6 +589,7 @@ void ClassBuilder::MakeRoots() {
 
 // What only all members together say.
 void ClassBuilder::FinishClasses() {
+  for (auto const& group : m_plan.groupStorage) FinishGroup(*group);
   for (auto const& cls : m_plan.classStorage) {
     auto const elements = m_elementsOf.find(cls.get());
     if (elements != m_elementsOf.end() && elements->second.size() == 1) {
@@ -595,6 +598,9 @@ void ClassBuilder::FinishClasses() {
     }
     for (Class const* base = cls->base; base != nullptr; base = base->base) {
       cls->nillable = cls->nillable || base->nillable;
+    }
+    for (Member& member : cls->members) {
+      if (member.group != nullptr) member.type = member.group->type;
     }
   }
 }

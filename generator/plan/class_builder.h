@@ -59,7 +59,7 @@ class ClassBuilder {
   void AddRow(Class& cls, Member member, Position position);
   void SetElementType(Class& cls, Member& member, Schema::ElementDeclaration const& element);
   void NoteUse(Class& cls, Schema::ElementDeclaration const& element);
-  void WarnOfSubstitutes(Schema::ElementDeclaration const& element, Schema::Place const& place);
+  ElementGroup const* GroupOf(Schema::ElementDeclaration const& head);
   ValueType ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name, void const* declaration,
                     bool global, Class const& user);
 
@@ -72,6 +72,7 @@ class ClassBuilder {
   std::size_t m_budget;  ///< how many parts of content models may still come
 
   std::map<Schema::ComplexType const*, Class*> m_classes;
+  std::map<Schema::ElementDeclaration const*, ElementGroup*> m_elementGroups;  ///< by their heads
   std::map<void const*, Schema::GroupDefinition const*> m_groups;  ///< of the declarations of local elements
   std::vector<std::pair<Class*, Schema::ComplexType const*>> m_toFill;
   std::set<Class const*> m_filled;

@@ -5,6 +5,8 @@
 #include <set>
 #include <utility>
 
+#include "plan/element_groups.h"
+
 namespace Quillon9Generator::Plan {
 
 namespace {
@@ -170,6 +172,15 @@ bool Derivations::TableHoldsType(ElementDeclaration const& wide, ElementDeclarat
   return true;
 }
 
+// An element of a substitution group stands where its head is declared.
+bool Derivations::HasHeadOf(Elements const& elements, ElementDeclaration const& element) {
+  for (ElementDeclaration const* head = element.substitutionHead; head != nullptr; head = head->substitutionHead) {
+    auto const found = elements.byName.find(head->name);
+    if (found != elements.byName.end() && found->second == head) return true;
+  }
+  return false;
+}
+
 std::string Derivations::ObstacleOfRestriction(ComplexType const& type) {
   Elements narrow;
   Collect(type.particle, narrow);
@@ -178,7 +189,7 @@ std::string Derivations::ObstacleOfRestriction(ComplexType const& type) {
   for (auto const& [name, element] : narrow.byName) {
     auto const found = wide.byName.find(name);
     if (found == wide.byName.end()) {
-      if (!wide.hasWildcard) return "the base has no element " + Quoted(name.local);
+      if (!wide.hasWildcard && !HasHeadOf(wide, *element)) return "the base has no element " + Quoted(name.local);
     } else if (!TableHoldsType(*found->second, *element)) {
       return "the element " + Quoted(name.local) + " has another type in the base";
     }
@@ -262,7 +273,9 @@ bool Derivations::Match(Parts const& wide, Parts const& narrow, std::vector<std:
     auto const isThis = [&part](Part const& other) {
       if (part.node->IsGroup() || other.node->IsGroup()) return part.node->IsGroup() && other.node->IsGroup();
       if (part.node->kind != other.node->kind) return false;
-      return part.node->kind == ContentNode::Kind::Wildcard || part.node->element->name == other.node->element->name;
+      if (part.node->kind == ContentNode::Kind::Wildcard) return true;
+      return part.node->element->name == other.node->element->name ||
+             StandsFor(*part.node->element, *other.node->element);
     };
     auto const found = std::find_if(wide.begin(), wide.end(), isThis);
     if (found == wide.end() || std::find_if(found + 1, wide.end(), isThis) != wide.end()) return false;
@@ -284,6 +297,7 @@ bool Derivations::MemberHoldsType(ElementDeclaration const& wide, ElementDeclara
 bool Derivations::RoundHolds(ContentNode const& wide, ContentNode const& narrow) const {
   if (wide.kind != narrow.kind || wide.IsRepeated() != narrow.IsRepeated()) return false;
   if (wide.kind == ContentNode::Kind::Element) {
+    if (StandsFor(*narrow.element, *wide.element)) return true;
     return wide.element->name == narrow.element->name && TableHoldsType(*wide.element, *narrow.element);
   }
   return std::equal(wide.children.begin(), wide.children.end(), narrow.children.begin(), narrow.children.end(),
@@ -293,7 +307,8 @@ bool Derivations::RoundHolds(ContentNode const& wide, ContentNode const& narrow)
 bool Derivations::MemberHolds(Part const& wide, Part const& narrow) const {
   if ((wide.mandatory && !narrow.mandatory) || (narrow.repeated && !wide.repeated)) return false;
   if (narrow.node->IsGroup()) return RoundHolds(*wide.node, *narrow.node);
-  return narrow.node->kind == ContentNode::Kind::Wildcard ||
+  if (narrow.node->kind == ContentNode::Kind::Wildcard) return true;
+  return StandsFor(*narrow.node->element, *wide.node->element) ||
          MemberHoldsType(*wide.node->element, *narrow.node->element);
 }
 

@@ -14,7 +14,7 @@ namespace Quillon9Generator::Plan {
 /// Decides which complex types become C++ classes that derive from the class of their base. An extension does. A
 /// restriction does where its elements fit into the members of the base, and then has a table of its own over these; or
 /// where the table of the base reads its documents. Both may fail where a restriction gives an element a wider type, or
-/// takes an element of a substitution group in place of its head.
+/// takes several elements of a substitution group in place of their head.
 class Derivations {
  public:
   /// Decides for all types of \p set, which must outlive this object.
@@ -65,6 +65,7 @@ class Derivations {
   std::string ObstacleOfExtension(Schema::ComplexType const& type);
   Elements const& ElementsOfTables(Schema::ComplexType const& type);
   bool TableHoldsType(Schema::ElementDeclaration const& wide, Schema::ElementDeclaration const& narrow) const;
+  static bool HasHeadOf(Elements const& elements, Schema::ElementDeclaration const& element);
   bool AddsAttributes(Schema::ComplexType const& type) const;
   bool SharesRestrictedTable(Schema::ComplexType const& type) const;
 

@@ -53,6 +53,31 @@ struct ValueType {
 
 struct Class;
 
+/// The elements that may stand where the head of a substitution group is declared. All members of classes that are of
+/// one head share it.
+struct ElementGroup {
+  struct Element {
+    Schema::QualifiedName name;
+    Class const* type = nullptr;  ///< or, if null, the value of a simple type
+    ValueType value;
+    bool anyType = false;  ///< held as a CElement
+  };
+  /// What holds each of the elements.
+  enum class Holder {
+    Class,        ///< type: they are of that class, or derived from it
+    Value,        ///< an object for a value of the C++ type of value
+    BoundObject,  ///< they have no other class in common
+    AnyObject     ///< one of them is held as a CElement
+  };
+
+  Schema::ElementDeclaration const* head = nullptr;
+  std::vector<Element> elements;  ///< those that are not abstract, sorted by name, then by namespace
+  Holder holder = Holder::BoundObject;
+  Class const* type = nullptr;
+  ValueType value;
+  bool canCreateHead = false;  ///< the head is an element of its own, and an object of what holds the elements
+};
+
 struct Member {
   enum class Kind {
     Value,           ///< of a simple type, enumerations included
@@ -80,7 +105,8 @@ struct Member {
   int maxOccurs = 1;            ///< Schema::Particle::kUnbounded for no limit
   bool mandatory = false;       ///< held as a plain value or reference: present in every valid object
   ValueType value;              ///< of Value..., NillableValue...
-  Class const* type = nullptr;  ///< of Object..., Rounds
+  Class const* type = nullptr;  ///< of Object..., Rounds; null where a group has no class
+  ElementGroup const* group = nullptr;  ///< of Object...: the elements that may stand in place of this one
   std::optional<std::string> defaultValue, fixedValue;
   std::string restriction;      ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace
   std::string targetNamespace;  ///< of a wildcard: the namespace that ##other excludes
@@ -165,6 +191,7 @@ struct Plan {
   std::vector<std::string> schemaFiles;  ///< names without folders, for the first comment
   std::vector<std::unique_ptr<Class>> classStorage;
   std::vector<std::unique_ptr<Enumeration>> enumerationStorage;
+  std::vector<std::unique_ptr<ElementGroup>> groupStorage;
 };
 
 }  // namespace Quillon9Generator::Plan

@@ -67,6 +67,24 @@ std::string OccursText(int least, int most) {
   return "{" + std::to_string(least) + "," + (most == Schema::Particle::kUnbounded ? "" : std::to_string(most)) + "}";
 }
 
+std::string GroupText(ElementGroup const& group) {
+  std::string text;
+  switch (group.holder) {
+    case ElementGroup::Holder::Class: break;
+    case ElementGroup::Holder::Value: text = " " + ValueText(group.value); break;
+    case ElementGroup::Holder::BoundObject: text = " bound-object"; break;
+    case ElementGroup::Holder::AnyObject: text = " any-object"; break;
+  }
+  for (std::size_t i = 0; i < group.elements.size(); ++i) {
+    ElementGroup::Element const& element = group.elements[i];
+    std::string const type = element.anyType           ? "anytype"
+                             : element.type != nullptr ? element.type->cppName
+                                                       : ValueText(element.value);
+    text += (i == 0 ? " of " : ", ") + NameText(element.name) + " " + type;
+  }
+  return text;
+}
+
 std::string MemberText(Member const& member) {
   std::string text = std::to_string(member.property) + " " + member.cppName + " " + member.field + ": ";
   text += KindText(member.kind);
@@ -75,6 +93,7 @@ std::string MemberText(Member const& member) {
   if (member.place == Member::Place::Element && !member.name.local.empty()) text += ' ';
   text += NameText(member.name) + OccursText(member.minOccurs, member.maxOccurs);
   if (member.type != nullptr) text += " " + member.type->cppName;
+  if (member.group != nullptr) text += GroupText(*member.group);
   bool const isValue = member.kind <= Member::Kind::Values || member.kind == Member::Kind::NillableValue ||
                        member.kind == Member::Kind::NillableValues;
   if (isValue) text += " " + ValueText(member.value);

@@ -52,6 +52,21 @@ bool Builder::ReadBool(Node const& node, std::string_view attribute, bool otherw
   return false;
 }
 
+Blocked Builder::ReadBlock(Document const& document, Node const& node) {
+  std::string_view text = Trimmed(node.Find("block").value_or(document.Root().Find("blockDefault").value_or("")));
+  Blocked blocked;
+  while (!text.empty()) {
+    std::size_t const end = std::min(text.find_first_of(" \t\r\n"), text.size());
+    std::string_view const word = text.substr(0, end);
+    bool const isAll = word == "#all";
+    blocked.substitution |= isAll || word == "substitution";
+    blocked.extension |= isAll || word == "extension";
+    blocked.restriction |= isAll || word == "restriction";
+    text = Trimmed(text.substr(end));
+  }
+  return blocked;
+}
+
 void Builder::ReadOccurrence(Node const& node, Particle& particle) {
   std::string_view const min = Trimmed(node.Find("minOccurs").value_or("1"));
   std::string_view const max = Trimmed(node.Find("maxOccurs").value_or("1"));

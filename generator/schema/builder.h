@@ -99,6 +99,7 @@ class Builder {
 
   // attribute_values.cpp: other attribute values
   bool ReadBool(Node const& node, std::string_view attribute, bool otherwise);
+  static Blocked ReadBlock(Document const& document, Node const& node);
   void ReadOccurrence(Node const& node, Particle& particle);
   void ReadValueConstraint(Node const& node, std::optional<std::string>& defaultValue,
                            std::optional<std::string>& fixedValue);
@@ -132,6 +133,7 @@ class Builder {
   void CompleteSubstitutions();
   void CheckSubstitution(ElementDeclaration& element);
   void TakeTypeOfHead(ElementDeclaration& element);
+  void CollectStandIns();
 
   // particles.cpp
   std::optional<Particle> MakeParticle(Document const& document, Node const& node);

@@ -131,6 +131,7 @@ void Builder::FillAll(SchemaSet& set) {
     FillComplexType(*next.type, *next.document, *next.node);
   }
   CompleteSubstitutions();
+  CollectStandIns();
   LinkDerivedTypes(set);
   CheckGroups();
 }

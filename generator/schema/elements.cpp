@@ -6,6 +6,7 @@ namespace Quillon9Generator::Schema {
 void Builder::FillElement(ElementDeclaration& element, Document const& document, Node const& node) {
   element.nillable = ReadBool(node, "nillable", false);
   element.abstract = ReadBool(node, "abstract", false);
+  element.block = ReadBlock(document, node);
   ReadValueConstraint(node, element.defaultValue, element.fixedValue);
   FillElementType(element, document, node);
   bool const hasType = element.simpleType != nullptr || element.complexType != nullptr;
@@ -80,6 +81,47 @@ void Builder::TakeTypeOfHead(ElementDeclaration& element) {
   element.simpleType = source->simpleType;
   element.complexType = source->complexType;
   if (element.simpleType == nullptr && element.complexType == nullptr) element.complexType = m_builtIns.anyType;
+}
+
+namespace {
+
+/// Whether \p derived, a type other than \p base, may stand where an element of the type \p base blocks that much.
+bool IsBlocked(ComplexType const* derived, ComplexType const& base, Blocked blocked) {
+  bool extends = false, restricts = false;
+  for (ComplexType const* type = derived; type != nullptr && type != &base; type = type->base) {
+    bool const isExtension = type->derivation == ComplexType::Derivation::Extension;
+    (isExtension ? extends : restricts) = true;
+    ComplexType const& next = type->base != nullptr ? *type->base : base;
+    blocked.extension |= next.block.extension;
+    blocked.restriction |= next.block.restriction;
+  }
+  return (extends && blocked.extension) || (restricts && blocked.restriction);
+}
+
+/// XML Schema Part 1, 3.3.6, "Substitution Group OK (Transitive)".
+bool MayStandFor(ElementDeclaration const& head, ElementDeclaration const& member) {
+  if (member.abstract) return false;
+  bool const isSameType = member.simpleType == head.simpleType && member.complexType == head.complexType;
+  if (isSameType) return true;
+  if (member.complexType == nullptr || head.complexType == nullptr) return !head.block.restriction;
+  return !IsBlocked(member.complexType, *head.complexType, head.block);
+}
+
+}  // namespace
+
+// Needs the derivation of all types.
+void Builder::CollectStandIns() {
+  for (auto const& [node, name] : m_order) {
+    if (node->tag != Tag::Element) continue;
+    ElementDeclaration& head = *m_elements[name].object;
+    if (head.block.substitution) continue;
+    std::vector<ElementDeclaration const*> group = head.substitutes;
+    for (std::size_t i = 0; i < group.size(); ++i) {  // no element is in its own group
+      std::vector<ElementDeclaration const*> const& next = group[i]->substitutes;
+      if (MayStandFor(head, *group[i])) head.standIns.push_back(group[i]);
+      group.insert(group.end(), next.begin(), next.end());
+    }
+  }
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -40,10 +40,13 @@ struct BoundAccess {
                              CXmlElement const* parent, CXmlElement const* cursor) {
     static_cast<CBoundObject const&>(holder).RejectLeftOver(ctx, parent, cursor);
   }
-  /// Give \p object the namespace in which it is written as document element; a constant.
-  static void SetRootNamespace(CXmlObjectBase& object, char const* ns) {
-    static_cast<CBoundObject&>(object).m_rootNamespace = ns;
+  /// The namespace of the global element that \p object was made for, a constant; null where it is not known.
+  ///@{
+  static char const* ElementNamespace(CBoundObject const& object) { return object.m_elementNamespace; }
+  static void SetElementNamespace(CXmlObjectBase& object, char const* ns) {
+    static_cast<CBoundObject&>(object).m_elementNamespace = ns;
   }
+  ///@}
 };
 
 }  // namespace Quillon9

@@ -8,6 +8,7 @@
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
+#include "generated/element_group.h"
 #include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "generated/type_attribute.h"
@@ -28,6 +29,14 @@ CXmlObjectBase const& detail::KeepForever(CSmartPtr<CXmlObjectBase> const& objec
   return *object;
 }
 
+namespace {
+
+constexpr CClassRow kAnyObject;
+
+}  // namespace
+
+CClassTables CBoundObject::s_class{kAnyObject};
+
 CBoundObject::CBoundObject(CClassTables const& tables, char const* elementName) : m_tables(&tables) {
   SetElementName(elementName);
 }
@@ -35,7 +44,7 @@ CBoundObject::CBoundObject(CClassTables const& tables, char const* elementName) 
 CBoundObject::~CBoundObject() = default;
 
 std::string CBoundObject::GetTargetNamespace() const {
-  return m_rootNamespace != nullptr ? m_rootNamespace : m_tables->GetRow().targetNamespace;
+  return m_elementNamespace != nullptr ? m_elementNamespace : m_tables->GetRow().targetNamespace;
 }
 
 std::string CBoundObject::GetNamespace() const { return m_tables->GetRow().targetNamespace; }
@@ -188,7 +197,9 @@ void CBoundObject::PrepareObject(int property, CXmlObjectBase* object) {
     if (member.isRequired) Throw_IfPropertyIsNull(nullptr, row.name);
     return;
   }
-  if (row.kind == RowKind::Object) {
+  if (row.group != nullptr) {
+    AdoptStandIn(*object, row);
+  } else if (row.kind == RowKind::Object) {
     BoundAccess::Adopt(static_cast<CBoundObject&>(*object), row.name, *row.type);
   } else if (row.kind == RowKind::Any) {
     RequireAllowed(*row.rule, static_cast<CElement const&>(*object).GetNamespace());
@@ -209,7 +220,7 @@ void BoundAccess::Adopt(CBoundObject& object, char const* elementName, CClassTab
 
 CSmartPtr<CXmlObjectBase> CBoundObject::NewObject(int property) const {
   CElementRow const& row = *m_tables->Built().At(property).element;
-  return row.type->CreateObject(row.name);
+  return row.group != nullptr ? NewHead(row) : row.type->CreateObject(row.name);
 }
 
 CSmartPtr<CXmlObjectBase> CBoundObject::NewCollection(int property, CPropertyRef const& member) const {

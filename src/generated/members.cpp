@@ -8,6 +8,7 @@
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content.h"
+#include "generated/element_group.h"
 #include "generated/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "quillon9/base/exceptions.h"
@@ -27,6 +28,7 @@ namespace {
 bool IsElementOf(CElementRow const& row, CElementInfo const& info, CXmlSerializationContext const& ctx,
                  CXmlElement const* cursor) {
   if (cursor == nullptr) return false;
+  if (row.group != nullptr) return FindStandIn(*row.group, ctx, cursor) != nullptr;
   if (row.kind == RowKind::Rounds) return row.type->Built().Round().Begins(ctx, cursor);
   return row.rule != nullptr ? Allows(*row.rule, cursor->GetNamespaceURI()) : info.IsThisElement(ctx, cursor);
 }
@@ -178,7 +180,8 @@ QN_ELEMENT_FROM_XML(ValueMember) {
 QN_ELEMENT_TO_XML(ObjectMember) {
   CXmlObjectBase const* const child = BoundAccess::Property(holder, m_propertyIndex).Look();
   if (child == nullptr) return AbsentOnWriting(ctx);
-  CXmlObjectBase::ToXml_Int(child, writer, false, m_namespace.c_str(), ctx, false);
+  char const* const ns = m_row.group != nullptr ? NamespaceOfStandIn(*child, m_row) : m_namespace.c_str();
+  CXmlObjectBase::ToXml_Int(child, writer, false, ns, ctx, false);
   return true;
 }
 
@@ -187,8 +190,13 @@ QN_ELEMENT_FROM_XML(ObjectMember) {
   if (!Seek(ctx, cursor, holderType, answer)) return answer;
   CXmlElement* const element = *cursor;
   try {
-    CSmartPtr<CXmlObjectBase> const child = BoundAccess::MakeFor(*m_row.type, *element, m_row.name);
-    ReadChild(ctx, child.Get(), cursor, false);
+    CSmartPtr<CXmlObjectBase> child;
+    if (m_row.group != nullptr) {
+      child = ReadStandIn(m_row, parent, cursor, ctx);
+    } else {
+      child = BoundAccess::MakeFor(*m_row.type, *element, m_row.name);
+      ReadChild(ctx, child.Get(), cursor, false);
+    }
     BoundAccess::Property(holder, m_propertyIndex).Hold(child.Get());  // a child that fails is not stored
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {element})) throw;

@@ -4,6 +4,7 @@
 #include "binding/name_match.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
+#include "generated/element_group.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
 
@@ -22,6 +23,7 @@ CObjectCollection::CObjectCollection(char const* name, char const* ns, int minOc
 CObjectCollection::CObjectCollection(CElementRow const& row)
     : CXmlCollection(row.name, row.ns, MayBeAbsent(row) ? 0 : row.minOccurs, row.maxOccurs),
       m_itemNamespace(row.ns),
+      m_row(&row),
       m_tables(row.type),
       m_create(nullptr),
       m_hasRounds(row.kind == RowKind::Rounds) {}
@@ -35,7 +37,10 @@ void CObjectCollection::ValidateCount(CXmlSerializationContext const& ctx) const
   RequireValidCount(ctx, names.c_str());
 }
 
+bool CObjectCollection::HasGroup() const { return m_row != nullptr && m_row->group != nullptr; }
+
 CSmartPtr<CXmlObjectBase> CObjectCollection::NewItem() const {
+  if (HasGroup()) return NewHead(*m_row);
   if (m_tables != nullptr) return m_tables->CreateObject(GetElementName().c_str());
   return m_create(GetElementName().c_str());
 }
@@ -48,7 +53,9 @@ CSmartPtr<CXmlObjectBase> CObjectCollection::ItemFor(CXmlSerializationContext co
 
 void CObjectCollection::Prepare(CXmlObjectBase* item) {
   Throw_IfPropertyIsNull(item, GetElementName().c_str());
-  if (m_tables != nullptr) {
+  if (HasGroup()) {
+    AdoptStandIn(*item, *m_row);
+  } else if (m_tables != nullptr) {
     BoundAccess::Adopt(static_cast<CBoundObject&>(*item), GetElementName().c_str(), *m_tables);
   } else if (!m_hasRounds) {
     Throw_IfElementNameDiffers(item, GetElementName().c_str());
@@ -58,8 +65,11 @@ void CObjectCollection::Prepare(CXmlObjectBase* item) {
 void CObjectCollection::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
                                   bool) const {
   ValidateCount(ctx);
+  bool const hasGroup = HasGroup();
   for (CNode const* node = GetFirstNode(); node != nullptr; node = node->m_next) {
-    CXmlObjectBase::ToXml_Int(node->m_item.Get(), writer, false, ns, ctx, false);
+    CXmlObjectBase const* const item = node->m_item.Get();
+    char const* const itemNamespace = hasGroup ? NamespaceOfStandIn(*item, *m_row) : ns;
+    CXmlObjectBase::ToXml_Int(item, writer, false, itemNamespace, ctx, false);
   }
 }
 
@@ -68,12 +78,21 @@ CXmlElement* CObjectCollection::FromXml_Int(CXmlElement* parent, CXmlElement* cu
   return m_hasRounds ? ReadRounds(parent, cursor, ctx) : ReadItems(parent, cursor, ctx);
 }
 
-CXmlElement* CObjectCollection::ReadItems(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx) {
+/// The item that \p cursor is, read; null where it is none.
+CSmartPtr<CXmlObjectBase> CObjectCollection::ReadItem(CXmlElement* parent, CXmlElement* cursor,
+                                                      CXmlSerializationContext const& ctx) {
+  if (HasGroup()) return ReadStandIn(*m_row, parent, &cursor, ctx);
+  CSmartPtr<CXmlObjectBase> item = ItemFor(ctx, cursor);
+  if (item) CXmlObjectBase::FromXml_Int(item.Get(), cursor, cursor->GetFirstElement(), ctx);
+  return item;
+}
+
+CXmlElement* CObjectCollection::ReadItems(CXmlElement* parent, CXmlElement* cursor,
+                                          CXmlSerializationContext const& ctx) {
   for (; cursor != nullptr; cursor = cursor->GetNextSiblingElement()) {
     try {
-      CSmartPtr<CXmlObjectBase> const item = ItemFor(ctx, cursor);
+      CSmartPtr<CXmlObjectBase> const item = ReadItem(parent, cursor, ctx);
       if (!item) break;
-      CXmlObjectBase::FromXml_Int(item.Get(), cursor, cursor->GetFirstElement(), ctx);
       AppendItem(item.Get());
     } catch (CQnException& failure) {
       if (!FailureReport::GoesOn(ctx, failure, {cursor})) throw;

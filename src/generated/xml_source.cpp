@@ -69,7 +69,7 @@ CSmartPtr<CXmlObjectBase> ReadRootElement(CXmlElement const& root, CRootRow cons
   CRootRow const& row = FindRoot(root, roots, count, ctx);
   if (row.type == nullptr) return CopyGeneric(root);
   CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, root, row.name);
-  BoundAccess::SetRootNamespace(*object, row.ns);
+  BoundAccess::SetElementNamespace(*object, row.ns);
   object->FromXmlElement(&root, ctx);
   return object;
 } catch (CQnException& failure) {
@@ -93,7 +93,7 @@ CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* 
 CSmartPtr<CXmlObjectBase> CreateAnyRoot(CRootRow const& root) {
   if (root.type == nullptr) return new CElement(root.name, root.ns, "##any", "");
   CSmartPtr<CXmlObjectBase> object = root.type->CreateObject(root.name);
-  BoundAccess::SetRootNamespace(*object, root.ns);
+  BoundAccess::SetElementNamespace(*object, root.ns);
   return object;
 }
 

@@ -46,6 +46,9 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
  public:
   ~CBoundObject() override;
 
+  /// What is known about no class in particular: it is abstract, and has no elements.
+  static CClassTables s_class;
+
   /// What the class knows about itself.
   CClassTables const& GetClassTables() const { return *m_tables; }
   /// Whether the element is written with xsi:type. True after reading an element that has it, and where an object of a
@@ -57,8 +60,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   using CXmlGeneratedClass::GetBase;
   CXmlObjectBase* GetBase() override { return this; }
-  /// The namespace of the document element that CreateRoot() or ReadRoot() made this object for, or else the one that
-  /// the row of the class names.
+  /// The namespace of the global element that CreateRoot() or ReadRoot() made this object for, or that it has become by
+  /// standing where the head of a substitution group is declared; or else the one that the row of the class names.
   std::string GetTargetNamespace() const override;
   /// The namespace that the row of the class names.
   std::string GetNamespace() const override;
@@ -166,7 +169,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   [[noreturn]] void ThrowNotSet(int property) const;
 
   CClassTables const* m_tables;
-  char const* m_rootNamespace = nullptr;  // null unless it is known
+  char const* m_elementNamespace = nullptr;  // of the global element that it was made for; null unless that is known
   // The members of an all group in the order of the document, by their place in the group; null for that of the schema.
   std::unique_ptr<std::vector<int>> m_order;
   bool m_writesType = false;

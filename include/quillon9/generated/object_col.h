@@ -18,7 +18,7 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
  public:
   ~CObjectCollection() override;
   /// Whether it belongs to a generated class.
-  bool HoldsUtf8Text() const override { return m_tables != nullptr; }
+  bool HoldsUtf8Text() const override { return m_tables != nullptr || m_row != nullptr; }
   /// As for any collection. The failure names rounds, which have no name, by those of the elements that begin them.
   void ValidateCount(CXmlSerializationContext const& ctx) const override;
 
@@ -59,9 +59,12 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
 
  private:
   CXmlElement* ReadRounds(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
+  CSmartPtr<CXmlObjectBase> ReadItem(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
+  bool HasGroup() const;
   CXmlElement* ReadItems(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
 
   std::string m_itemNamespace;
+  CElementRow const* m_row = nullptr;  // null unless it was made for one
   CClassTables const* m_tables;
   Create m_create;
   bool m_hasRounds;  // the items have no tag
@@ -115,21 +118,28 @@ class CObjectCol : public CObjectCollection {
   T& back() { return At(GetCount() - 1); }                    ///< The last item.
   T const& back() const { return At(GetCount() - 1); }        ///< The last item.
 
-  /// Append a new item.
-  /// \throws CQnInvalidStateException "The type [%s] is abstract".
+  /// Append a new item; of a substitution group, its head.
+  /// \throws CQnInvalidStateException "The type [%s] is abstract", "The element [%s] is abstract".
   T& Add() {
     CSmartPtr<CXmlObjectBase> const item = NewItem();
     AppendItem(item.Get());
     return *static_cast<T*>(item.Get());
   }
   /// Append \p item. The collection shares it with the caller. One of a derived class of CBoundObject will be written
-  /// with xsi:type.
+  /// with xsi:type, unless it is another element of a substitution group.
   /// \throws CQnInvalidParamException when it is null or was made for another element.
+  ///@{
   T& Add(CSmartPtr<T> const& item) {
     Prepare(item.Get());
     AppendItem(item.Get());
     return *item;
   }
+  template <class Derived, class = std::enable_if_t<std::is_convertible_v<Derived*, T*>>>
+  Derived& Add(CSmartPtr<Derived> const& item) {
+    Add(CSmartPtr<T>(item));
+    return *item;
+  }
+  ///@}
   /// The same, but put it at \p index, from 0 to size().
   /// \throws CQnInvalidParamException as Add(), and "Index out of range".
   T& Insert(int index, CSmartPtr<T> const& item) {

@@ -39,6 +39,20 @@ struct CNamespaceRule {
   char const* target = "";        ///< the namespace that "##other" excludes
 };
 
+/// One element of a substitution group.
+struct CGroupElement {
+  char const* name = "";               ///< its local name
+  char const* ns = "";                 ///< its namespace; empty for none
+  CClassTables const* type = nullptr;  ///< null for an element with any content, which is held as a CElement
+};
+
+/// The elements that may stand where the head of a substitution group is declared: all members, and the head itself,
+/// but for abstract ones.
+struct CElementGroup {
+  CGroupElement const* elements = nullptr;  ///< sorted by name, then by namespace, octet by octet
+  int count = 0;                            ///< of these
+};
+
 /// What a row of an element table describes.
 enum class RowKind : std::uint8_t {
   Value,          ///< a value
@@ -73,6 +87,8 @@ struct CElementRow {
   CNamespaceRule const* rule = nullptr;  ///< of wildcards
   char const* defaultText = nullptr;     ///< null for none
   char const* fixedText = nullptr;       ///< null for none
+  /// Of objects, in place of a type: what may stand where this element, the head of the group, is declared.
+  CElementGroup const* group = nullptr;
 };
 
 /// One entry of the attribute table of a generated class.
@@ -97,6 +113,8 @@ using AttributeRow = CAttributeRow;
 using ValueType = CValueType;
 using Facets = CFacets;
 using NamespaceRule = CNamespaceRule;
+using GroupElement = CGroupElement;
+using ElementGroup = CElementGroup;
 
 inline constexpr Occurs kOnce = Occurs::Once;
 inline constexpr Occurs kOptional = Occurs::Optional;
@@ -121,6 +139,14 @@ constexpr CElementRow Object(char const* name, char const* ns, int property, Occ
 constexpr CElementRow Objects(char const* name, char const* ns, int property, int minOccurs, int maxOccurs,
                               CClassTables const& type) {
   return {RowKind::Objects, kOptional, property, name, ns, minOccurs, maxOccurs, nullptr, &type};
+}
+constexpr CElementRow Head(char const* name, char const* ns, int property, Occurs occurs, CElementGroup const& group) {
+  return {RowKind::Object, occurs, property, name, ns, 0, -1, nullptr, nullptr, nullptr, nullptr, nullptr, &group};
+}
+constexpr CElementRow Heads(char const* name, char const* ns, int property, int minOccurs, int maxOccurs,
+                            CElementGroup const& group) {
+  return {RowKind::Objects, kOptional, property, name,    ns,      minOccurs, maxOccurs,
+          nullptr,          nullptr,   nullptr,  nullptr, nullptr, &group};
 }
 constexpr CElementRow Rounds(char const* name, int property, int minOccurs, int maxOccurs, CClassTables const& type) {
   return {RowKind::Rounds, kOptional, property, name, "", minOccurs, maxOccurs, nullptr, &type};
