@@ -111,7 +111,10 @@ std::string DescribeGroup(Member const& member) {
   constexpr std::size_t kMost = 8;
   std::string names;
   std::size_t count = 0;
+  std::string const* last = nullptr;
   for (Plan::ElementGroup::Element const& element : member.group->elements) {
+    if (last != nullptr && *last == element.name.local) continue;  // of another namespace
+    last = &element.name.local;
     if (++count <= kMost) names += (count == 1 ? "" : ", ") + element.name.local;
   }
   return "Any of the elements " + names + (count > kMost ? " and " + std::to_string(count - kMost) + " others." : ".");

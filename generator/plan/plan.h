@@ -102,10 +102,10 @@ struct Member {
   std::string field;           ///< the data member: m_shipTo
   Schema::QualifiedName name;  ///< in documents; empty for rounds and wildcards
   int minOccurs = 1;
-  int maxOccurs = 1;            ///< Schema::Particle::kUnbounded for no limit
-  bool mandatory = false;       ///< held as a plain value or reference: present in every valid object
-  ValueType value;              ///< of Value..., NillableValue...
-  Class const* type = nullptr;  ///< of Object..., Rounds; null where a group has no class
+  int maxOccurs = 1;                    ///< Schema::Particle::kUnbounded for no limit
+  bool mandatory = false;               ///< held as a plain value or reference: present in every valid object
+  ValueType value;                      ///< of Value..., NillableValue...
+  Class const* type = nullptr;          ///< of Object..., Rounds; null where a group has no class
   ElementGroup const* group = nullptr;  ///< of Object...: the elements that may stand in place of this one
   std::optional<std::string> defaultValue, fixedValue;
   std::string restriction;      ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace

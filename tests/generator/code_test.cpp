@@ -7,7 +7,9 @@
 #include "code/text.h"
 #include "code/value_text.h"
 #include "code/write.h"
+#include "expect_failure.h"
 #include "golden/drawings.h"
+#include "golden/fleets.h"
 #include "golden/orders.h"
 #include "plan/make_plan.h"
 #include "schema/load.h"
@@ -42,7 +44,8 @@ TEST(Code, WritesTheGoldenFiles) {
     char const* cppNamespace;
   };
   Row const rows[] = {{QUILLON9_GOLDEN "/purchase_order.xsd", "Orders"},
-                      {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"}};
+                      {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"},
+                      {QUILLON9_GOLDEN "/drones.xsd", "Fleets"}};
   for (Row const& row : rows) {
     for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
       EXPECT_EQ(file.content, ReadFile(std::string(QUILLON9_GOLDEN "/") + file.path)) << file.path;
@@ -96,6 +99,103 @@ TEST(Code, GoldenOrderComesBack) {
   EXPECT_THROW(order->GetItems().GetItem()[0].SetQuantity(100), Quillon9::CQnException);
   std::string const written = order->ToXml();
   EXPECT_EQ(Orders::ReadPurchaseOrder(Quillon9::XmlText(written))->ToXml(), written);
+}
+
+/// A fleet with these elements in place of a name, the vehicles and what follows them.
+std::string FleetOf(std::string const& name, std::string const& vehicles, std::string const& rest) {
+  return "<fleet xmlns='urn:fleet' xmlns:d='urn:drones' xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance'>" + name +
+         vehicles + rest + "</fleet>";
+}
+
+TEST(Code, GoldenElementsStandInPlaceOfTheirHead) {
+  auto const fleet = Fleets::ReadFleet(Quillon9::XmlText(FleetOf(
+      "<nickname> blue  wheels </nickname>",
+      "<van plate='1' seats='7'/><d:car><tractor/><d:range>5</d:range></d:car><car xsi:type='SportsCar' seats='2'/>"
+      "<truck/><car xsi:nil='true'/>",
+      "<memo plate='3'/><until>2024-02-01</until><tractor/><weight>7.5</weight><truck/>")));
+  EXPECT_EQ(fleet->GetName().GetValue(), "blue wheels");
+  EXPECT_EQ(fleet->GetName().GetElementName(), "nickname");
+  std::string names;
+  for (Fleets::CVehicle const& vehicle : fleet->GetVehicle()) {
+    names += "{" + vehicle.GetTargetNamespace() + "}" + vehicle.GetElementName() + " ";
+  }
+  EXPECT_EQ(names, "{urn:fleet}van {urn:drones}car {urn:fleet}car {urn:fleet}truck {urn:fleet}car ");
+  auto const& drone = dynamic_cast<Fleets::CDrone const&>(fleet->GetVehicle()[1]);
+  EXPECT_EQ(drone.GetRange(), 5);
+  EXPECT_EQ(drone.GetVehicle()->GetElementName(), "tractor");
+  EXPECT_NE(dynamic_cast<Fleets::CSportsCar*>(&fleet->GetVehicle()[2]), nullptr);
+  EXPECT_TRUE(dynamic_cast<Fleets::CCar&>(fleet->GetVehicle()[4]).IsNil());
+  EXPECT_EQ(fleet->GetChoice(), Fleets::CFleet::EChoice::Remark);
+  EXPECT_NE(dynamic_cast<Quillon9::CValueElement<Quillon9::CDecimal> const*>(fleet->GetSequence()[1].GetLimit()),
+            nullptr);
+  std::string const written = fleet->ToXml();
+  EXPECT_NE(written.find("SportsCar"), written.npos) << written;
+  EXPECT_EQ(written.find("xsi:type"), written.rfind("xsi:type")) << written;
+  EXPECT_EQ(Fleets::ReadFleet(Quillon9::XmlText(written))->ToXml(), written);
+}
+
+TEST(Code, GoldenElementsAreMadeByTheirNames) {
+  auto const fleet = Fleets::CreateFleet();
+  fleet->GetName().SetValue("plain");
+  fleet->GetVehicle().Add(Fleets::CreateVan()).SetSeats(3);
+  fleet->GetVehicle().Add(Fleets::CreateCar());                 // the drone
+  fleet->GetVehicle().Add(Fleets::CDrone::CreateInstance(""));  // the only element of its class
+  fleet->GetVehicle().Add(Fleets::CTruck::CreateInstance("tractor"));
+  fleet->GetVehicle()[3].SetVehicle(Fleets::CreateTruck());
+  fleet->SetRemark(new Quillon9::CElement("remark", "urn:fleet", "##any", ""));
+  auto& round = fleet->GetSequence().Add();
+  round.SetLimit(Fleets::CreateWeight());
+  EXPECT_EQ(round.GetTruck().GetElementName(), "truck");
+  EXPECT_EQ(
+      Fleets::ReadFleet(Quillon9::XmlText(fleet->ToXml()))->ToXml(),
+      Fleets::ReadFleet(Quillon9::XmlText(FleetOf("<name>plain</name>",
+                                                  "<van "
+                                                  "seats='3'/><d:car><d:range>0</d:range></d:car><d:car><d:range>0</"
+                                                  "d:range></d:car><tractor><truck/></tractor>",
+                                                  "<remark/><weight>0</weight><truck/>")))
+          ->ToXml());
+
+  auto& vehicles = fleet->GetVehicle();
+  EXPECT_FAILURE(CQnInvalidStateException, "The element [vehicle] is abstract", vehicles.Add());
+  EXPECT_FAILURE(CQnInvalidParamException, "The element [] is not in the substitution group of [vehicle]",
+                 vehicles.Add(Fleets::CCar::CreateInstance("")));
+  EXPECT_FAILURE(CQnInvalidParamException, "The element [memo] is not in the substitution group of [vehicle]",
+                 vehicles.Add(Fleets::CreateMemo()));
+  EXPECT_FAILURE(CQnInvalidParamException, "An object of the type [Car] cannot be the element [tractor]",
+                 vehicles.Add(Fleets::CCar::CreateInstance("tractor")));
+  EXPECT_FAILURE(CQnInvalidParamException, "The element [memo] is not in the substitution group of [remark]",
+                 fleet->SetRemark(new Quillon9::CElement("memo", "urn:fleet", "##any", "")));
+}
+
+TEST(Code, GoldenElementsStandNowhereElse) {
+  struct Row {
+    char const* name;
+    char const* vehicles;
+    char const* rest;
+    char const* failure;
+  };
+  Row const rows[] = {
+      {"<name/>", "<van/>", "", ""},
+      {"", "<van/>", "", "Failed to find a required element [name]"},
+      {"<name/>", "<vehicle/>", "", "[vehicle]"},
+      {"<name/>", "<d:van/>", "", "[vehicle]"},
+      {"<name/>", "<van/><fleet/>", "", "[fleet]"},
+      {"<name/>", "<van/>", "<weight>41</weight><truck/>", ""},
+      {"<name/>", "<van/>", "<weight>x</weight><truck/>", "invalid char at position 0 [x]"},
+      {"<name/>", "<van/>", "<limit/><truck/>", "[limit]"},
+      {"<name/>", "<van/>", "<weight>1</weight><car/>", "Failed to find a required element [truck]"},
+      {"<name/>", "<truck xsi:type='Car'/>", "", "The type [Car] of the element [truck] is not derived from [Truck]"},
+  };
+  for (Row const& row : rows) {
+    std::string failure;
+    try {
+      Fleets::ReadFleet(Quillon9::XmlText(FleetOf(row.name, row.vehicles, row.rest)));
+    } catch (Quillon9::CQnException const& thrown) {
+      failure = thrown.GetFullMessage();
+    }
+    EXPECT_EQ(failure.empty(), *row.failure == '\0') << row.vehicles << row.rest << failure;
+    EXPECT_NE(failure.find(row.failure), failure.npos) << failure;
+  }
 }
 
 TEST(Code, LiteralsAndCommentsHoldAnyText) {

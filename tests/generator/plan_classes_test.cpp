@@ -153,28 +153,49 @@ class CSame of Same : CA
 )"},
     {"ARestrictionThatNeedsMoreDoesNotDerive",
      R"(
-<element name='shape' type='string' abstract='true'/>
-<element name='circle' type='string' substitutionGroup='t:shape'/>
-<complexType name='A'><sequence><element ref='t:shape'/></sequence></complexType>
-<complexType name='B'><complexContent>
-  <restriction base='t:A'><sequence><element ref='t:circle'/></sequence></restriction></complexContent></complexType>
+<complexType name='X' abstract='true'/>
+<complexType name='Y'><complexContent><extension base='t:X'/></complexContent></complexType>
+<complexType name='A'><sequence><element name='x' type='t:X' maxOccurs='2'/></sequence></complexType>
+<complexType name='B'><complexContent><restriction base='t:A'>
+  <sequence><element name='x' type='t:Y'/><element name='x' type='t:Y'/></sequence></restriction></complexContent></complexType>
 <complexType name='C'><sequence><element name='c' type='t:A'/></sequence></complexType>
 <complexType name='D'><complexContent>
   <restriction base='t:C'><sequence><element name='c' type='t:B'/></sequence></restriction></complexContent>
 </complexType>)",
      R"(
+class CX of X abstract element x
+class CY of Y : CX element x
 class CA of A element c
-  0 Shape m_shape: value shape string preserve mandatory
+  0 X m_x: objects x{1,2} CX
 class CB of B element c
-  0 Circle m_circle: value circle string preserve mandatory
+  0 X m_x: object x CY mandatory
+  1 X2 m_x2: object x CY mandatory
 class CC of C
   0 C m_c: object c CA mandatory
 class CD of D
   0 C m_c: object c CB mandatory
-root Circle circle string preserve
-a.xsd:4:33: warning: only the element "shape", which is abstract, itself is read here, not "circle" of its substitution group
-a.xsd:5:1: warning: the class of the type "B" does not derive from that of "A", since the base has no element "circle"; it cannot stand where that is expected
+a.xsd:5:1: warning: the class of the type "B" does not derive from that of "A", since the element "x" has another type in the base; it cannot stand where that is expected
 a.xsd:8:1: warning: the class of the type "D" does not derive from that of "C", since the element "c" has another type in the base; it cannot stand where that is expected
+)"},
+    {"ARestrictionTakesAnElementInPlaceOfItsHead",
+     R"(
+<element name='shape' type='token' abstract='true'/>
+<element name='round' type='token' substitutionGroup='t:shape'/>
+<element name='circle' type='token' substitutionGroup='t:round'/>
+<complexType name='A'><sequence><element ref='t:shape' maxOccurs='9'/></sequence></complexType>
+<complexType name='B'><complexContent>
+  <restriction base='t:A'><sequence><element ref='t:round'/></sequence></restriction></complexContent></complexType>
+<complexType name='C'><complexContent>
+  <restriction base='t:B'><sequence><element ref='t:circle'/></sequence></restriction></complexContent></complexType>)",
+     R"(
+class CA of A
+  0 Shape m_shape: objects shape{1,9} string of circle string, round string
+class CB of B : CA replaces-elements
+  restates 0 Shape m_shape: objects round string of circle string, round string
+class CC of C : CB replaces-elements
+  restates 0 Shape m_shape: objects circle string of circle string
+root Round round string
+root Circle circle string
 )"},
     {"ARestrictionGivesAnAbstractElementItsType",
      R"(
@@ -259,7 +280,7 @@ class CC of C
   0 A m_a: object a CA mandatory
   1 B m_b: nillable value b i4 mandatory
   2 C m_c: nillable values c{1,2} i4
-a.xsd:5:3: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable or of a complex type
+a.xsd:5:3: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
 )"},
     {"AnythingAndWildcards",
      R"(
@@ -294,14 +315,81 @@ a.xsd:9:1: warning: the mixed content of "D" is read as one text; where it stand
     {"SubstitutionGroups",
      R"(
 <element name='head' type='t:A'/><element name='one' type='t:A' substitutionGroup='t:head' abstract='true'/>
-<element name='two' type='t:A' substitutionGroup='t:one'/>
-<complexType name='A'><sequence><element ref='t:head' minOccurs='0'/></sequence></complexType>)",
+<element name='two' type='t:B' substitutionGroup='t:one'/>
+<complexType name='A'><sequence><element ref='t:head' minOccurs='0'/><element ref='t:two'/></sequence></complexType>
+<complexType name='B'><complexContent><extension base='t:A'/></complexContent></complexType>
+<element name='text' type='string' default='x'/>
+<element name='word' type='token' substitutionGroup='t:text' nillable='true'/>
+<element name='measure' abstract='true'/>
+<element name='length' type='int' substitutionGroup='t:measure'/><element name='pair' type='t:B' substitutionGroup='t:measure'/>
+<element name='thing'/><element name='bolt' type='t:A' substitutionGroup='t:thing'/>
+<element name='a' abstract='true'/><element name='b' type='t:A' substitutionGroup='t:a'/>
+<element name='c' type='t:B' substitutionGroup='t:a'/>
+<complexType name='C'><sequence><element ref='t:text'/><element ref='t:measure'/>
+  <choice maxOccurs='9'><element ref='t:thing'/><element ref='t:a'/></choice></sequence></complexType>)",
      R"(
 class CA of A
-  0 Head m_head: object head? CA
+  0 Head m_head: object head? CA of head CA, two CB
+  1 Two m_two: object two CB mandatory
+class CB of B : CA
+class CC of C
+  class CC::CChoice round
+    0 Thing m_thing: object thing any-object of bolt CA, thing anytype in 0
+    1 A m_a: object a CA of b CA, c CB in 0
+    choice Choice: Thing A
+    rows Choice(Thing A)
+  0 Text m_text: object text string preserve of text string preserve, word string mandatory
+  1 Measure m_measure: object measure bound-object of length i4, pair CB mandatory
+  2 Choice m_choice: rounds{1,9} CC::CChoice
 root Head head CA alias CHead
-root Two two CA alias CTwo
-a.xsd:4:33: warning: only the element "head" itself is read here, not "two" of its substitution group
+root Two two CB alias CTwo
+root Text text string preserve
+root Word word string
+root Length length i4
+root Pair pair CB alias CPair
+root Thing thing anytype
+root Bolt bolt CA alias CBolt
+root B b CA
+root C c CB
+a.xsd:6:1: warning: the default value of the element "text" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
+)"},
+    {"BlockedSubstitutionGroups",
+     R"(
+<complexType name='A'/>
+<complexType name='B'><complexContent><extension base='t:A'/></complexContent></complexType>
+<complexType name='C' block='restriction'><complexContent><extension base='t:A'/></complexContent></complexType>
+<complexType name='D'><complexContent><restriction base='t:C'/></complexContent></complexType>
+<element name='all' type='t:A'/><element name='none' type='t:A' block='#all'/>
+<element name='noExtension' type='t:A' block='extension'/><element name='noMember' type='t:A' block='x substitution'/>
+<element name='all2' type='t:A' substitutionGroup='t:all'/><element name='all3' type='t:B' substitutionGroup='t:all'/>
+<element name='all4' type='t:D' substitutionGroup='t:all'/>
+<element name='none2' type='t:A' substitutionGroup='t:none'/>
+<element name='noExtension2' type='t:A' substitutionGroup='t:noExtension'/>
+<element name='noExtension3' type='t:B' substitutionGroup='t:noExtension'/>
+<element name='noMember2' type='t:A' substitutionGroup='t:noMember'/>
+<complexType name='All'><sequence><element ref='t:all'/><element ref='t:none'/><element ref='t:noExtension'/>
+  <element ref='t:noMember'/></sequence></complexType>)",
+     R"(
+class CA of A
+class CB of B : CA
+class CC of C : CA
+class CD of D : CC element all4
+class CAll of All
+  0 All m_all: object all CA of all CA, all2 CA, all3 CB mandatory
+  1 None m_none: object none CA mandatory
+  2 NoExtension m_noExtension: object noExtension CA of noExtension CA, noExtension2 CA mandatory
+  3 NoMember m_noMember: object noMember CA mandatory
+root All all CA
+root None none CA alias CNone
+root NoExtension noExtension CA alias CNoExtension
+root NoMember noMember CA alias CNoMember
+root All2 all2 CA alias CAll2
+root All3 all3 CB alias CAll3
+root All4 all4 CD alias CAll4
+root None2 none2 CA alias CNone2
+root NoExtension2 noExtension2 CA alias CNoExtension2
+root NoExtension3 noExtension3 CB alias CNoExtension3
+root NoMember2 noMember2 CA alias CNoMember2
 )"},
     {"DefaultsAndFixedValues",
      R"(
@@ -315,7 +403,7 @@ class CA of A
   2 C m_c: values c{1,2} i4
   3 D m_d: value @d? i4 default="7"
   4 E m_e: value @e string preserve mandatory fixed="y"
-a.xsd:3:60: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable or of a complex type
+a.xsd:3:60: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
 )"},
 };
 
