@@ -23,7 +23,11 @@ CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
   return restrictions;
 }
 
-char const* FormatOf(ItemType kind) { return kind == ItemType_r4 || kind == ItemType_r8 ? kShortestFormat : nullptr; }
+char const* FormatOf(ItemType kind) {
+  bool const hasLongOrWrongForm =
+      kind == ItemType_r4 || kind == ItemType_r8 || kind == ItemType_duration || kind == ItemType_base64Binary;
+  return hasLongOrWrongForm ? kShortestFormat : nullptr;
+}
 
 ValueRule::ValueRule(char const* name, CValueType const& type, char const* defaultText, char const* fixedText)
     : m_name(name),

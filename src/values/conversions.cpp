@@ -217,7 +217,11 @@ CBinaryData TextConversions::hexBinaryFromText(std::string_view text, Whitespace
   return value;
 }
 
-std::string CConversions::base64BinaryToString(CBinaryData const& value) { return value.GetAsBase64(); }
+std::string CConversions::base64BinaryToString(CBinaryData const& value, char const* format) {
+  std::string text = value.GetAsBase64();
+  if (!text.empty() && text.back() == '\0' && IsShortestFormat(format)) text.back() = '=';  // of a single octet
+  return text;
+}
 
 CBinaryData TextConversions::base64BinaryFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;
@@ -310,7 +314,11 @@ std::uint8_t TextConversions::dayFromText(std::string_view text, WhitespaceRule 
   return ParseDate(text, rule, CDateTime::dt_gDay, &CDateTime::ParseXSDDate).GetDay();
 }
 
-std::string CConversions::durationToString(CDateTimeSpan const& value) { return value.ToString(); }
+std::string CConversions::durationToString(CDateTimeSpan const& value, char const* format) {
+  std::string text = value.ToString();
+  if (text.back() == 'P' && IsShortestFormat(format)) text += "T0S";
+  return text;
+}
 
 CDateTimeSpan TextConversions::durationFromText(std::string_view text, WhitespaceRule rule) {
   std::string scratch;

@@ -168,6 +168,13 @@ TEST(Conversions, ShortestFormat) {
   EXPECT_EQ("NaN", CConversions::r8ToString(std::numeric_limits<double>::quiet_NaN(), kShortestFormat));
   EXPECT_EQ("12345678901234567890.125",
             CConversions::decimalToString(CDecimal("12345678901234567890.125"), kShortestFormat));
+  EXPECT_EQ("PT0S", CConversions::durationToString(CDateTimeSpan(), kShortestFormat));
+  EXPECT_EQ("P1D", CConversions::durationToString(CConversions::durationFromString("P1D", kNone), kShortestFormat));
+  char const* const bytes[] = {"", "TQ==", "TWE=", "TWFu", "TWFuTQ=="};
+  for (char const* text : bytes) {
+    CBinaryData const value = CConversions::base64BinaryFromString(text, kNone);
+    EXPECT_EQ(text, CConversions::base64BinaryToString(value, kShortestFormat));
+  }
 
   std::mt19937_64 random(20240301);
   for (int i = 0; i < 100000; ++i) {

@@ -285,7 +285,7 @@ struct FormattedKind : PlainKind<V, A, number, fromString, toString, check> {
                                   &CConversions::stem##ToString, &CXmlObjectHelper::CheckRestrictionFor##stem> {}; \
   extern template class QUILLON9_API CTypedColImpl<stem##Kind>;
 QN_KIND(Plain,     hexBinary,    CBinaryData,   CBinaryData const&)
-QN_KIND(Plain,     base64Binary, CBinaryData,   CBinaryData const&)
+QN_KIND(Formatted, base64Binary, CBinaryData,   CBinaryData const&)
 QN_KIND(Plain,     i1,           std::int8_t,   std::int8_t)
 QN_KIND(Plain,     i2,           std::int16_t,  std::int16_t)
 QN_KIND(Plain,     i4,           std::int32_t,  std::int32_t)
@@ -296,7 +296,7 @@ QN_KIND(Plain,     ui4,          std::uint32_t, std::uint32_t)
 QN_KIND(Plain,     ui8,          std::uint64_t, std::uint64_t)
 QN_KIND(Formatted, r4,           float,         float)
 QN_KIND(Formatted, r8,           double,        double)
-QN_KIND(Plain,     duration,     CDateTimeSpan, CDateTimeSpan const&)
+QN_KIND(Formatted, duration,     CDateTimeSpan, CDateTimeSpan const&)
 QN_KIND(Plain,     year,         std::uint16_t, std::uint16_t)
 QN_KIND(Plain,     month,        std::uint8_t,  std::uint8_t)
 QN_KIND(Plain,     day,          std::uint8_t,  std::uint8_t)

@@ -15,7 +15,8 @@ namespace Quillon9 {
 
 /// A format beside those of printf, accepted wherever a format is: a `float` or `double` is printed by the shortest text
 /// that reads back as the same value ("0.1", "1e+22"), a decimal as without a format. NaN, "INF" and "-INF" are printed
-/// as always. A copy of this text means the same.
+/// as always. A duration of zero is printed as "PT0S", and a single octet in base64 with both characters of its padding,
+/// as W3C XML Schema Part 2 has them. A copy of this text means the same.
 inline constexpr char const* kShortestFormat = "%shortest";
 
 /// Converts primitive values to text and back, with a pair of functions for each ItemType. The lexical forms are close
@@ -118,9 +119,9 @@ class QUILLON9_API CConversions {
   /// \throws CQnException "Invalid char in hex string [%c]".
   static CBinaryData hexBinaryFromString(std::string const& text, WhitespaceRule rule);
 
-  /// CBinaryData::GetAsBase64().
+  /// CBinaryData::GetAsBase64(); for kShortestFormat as described there. No other \p format means anything.
   /// \throws CQnException for a value that is too long.
-  static std::string base64BinaryToString(CBinaryData const& value);
+  static std::string base64BinaryToString(CBinaryData const& value, char const* format = nullptr);
   /// CBinaryData::SetAsBase64(): bad text gives a value of length 0, not an exception.
   static CBinaryData base64BinaryFromString(std::string const& text, WhitespaceRule rule);
 
@@ -174,10 +175,11 @@ class QUILLON9_API CConversions {
   static std::uint8_t dayFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 
-  /// CDateTimeSpan::ToString() and CDateTimeSpan::ParseXSDDuration().
+  /// CDateTimeSpan::ToString(), for kShortestFormat as described there, and CDateTimeSpan::ParseXSDDuration(). No other
+  /// \p format means anything.
   /// \throws CQnInvalidValueException as CDateTimeSpan::ParseXSDDuration() does.
   ///@{
-  static std::string durationToString(CDateTimeSpan const& value);
+  static std::string durationToString(CDateTimeSpan const& value, char const* format = nullptr);
   static CDateTimeSpan durationFromString(std::string const& text, WhitespaceRule rule);
   ///@}
 };

@@ -153,8 +153,8 @@ class QUILLON9_API QnVariant {
   /// \throws CQnException as GetXmlCollection().
   CXmlCollectionBase* LookAtXmlCollection() const;
 
-  /// The text of the value, as the `...ToString` of CConversions prints it. \p format applies only to r4, r8 and
-  /// decimal; null means their default form, and kShortestFormat the shortest text that reads back the same.
+  /// The text of the value, as the `...ToString` of CConversions prints it. \p format applies only to r4, r8,
+  /// decimal, duration and base64Binary; null means their default form, and kShortestFormat the shortest text that reads back the same.
   /// \throws CQnException "Invalid Type %d to convert to string" when nothing, an object or a collection is held;
   ///         whatever the conversion throws: for a \p format that prints anything but the one number,
   ///         CQnInvalidValueException "Date Not Set".
