@@ -99,7 +99,7 @@ class Builder {
 
   // attribute_values.cpp: other attribute values
   bool ReadBool(Node const& node, std::string_view attribute, bool otherwise);
-  static Blocked ReadBlock(Document const& document, Node const& node);
+  static unsigned ReadDerivations(Document const& document, Node const& node, std::string_view attribute, unsigned all);
   void ReadOccurrence(Node const& node, Particle& particle);
   void ReadValueConstraint(Node const& node, std::optional<std::string>& defaultValue,
                            std::optional<std::string>& fixedValue);

@@ -105,6 +105,9 @@ struct Facets {
   WhiteSpace whiteSpace = WhiteSpace::Collapse;
 };
 
+/// Ways to derive a type or to stand for an element, as bits of a set: what block excludes.
+enum Derivations : unsigned { kExtension = 1, kRestriction = 2, kSubstitution = 4 };
+
 struct SimpleType : Component {
   QualifiedName name;  ///< local part empty for an anonymous type
   BuiltIn builtIn = BuiltIn::None;
@@ -165,13 +168,6 @@ struct GroupDefinition : Component {
   ModelGroup const* group = nullptr;
 };
 
-/// What a declaration or type does not allow in its place, in documents.
-struct Blocked {
-  bool substitution = false;  ///< elements of its substitution group
-  bool extension = false;     ///< types derived by extension
-  bool restriction = false;   ///< types derived by restriction
-};
-
 struct ElementDeclaration : Component {
   QualifiedName name;  ///< of a local element with its namespace by its form
   bool global = false;
@@ -180,12 +176,12 @@ struct ElementDeclaration : Component {
   bool nillable = false;
   bool abstract = false;
   std::optional<std::string> defaultValue, fixedValue;
+  unsigned block = 0;  ///< Derivations that documents cannot use in place of this element
   ElementDeclaration const* substitutionHead = nullptr;
   std::vector<ElementDeclaration const*> substitutes;  ///< direct members of its group, in document order
   /// The other elements that a document may have in its place: all members of its group that are neither abstract nor
   /// blocked, the most direct first.
   std::vector<ElementDeclaration const*> standIns;
-  Blocked block;
 };
 
 struct ComplexType : Component {
@@ -196,7 +192,7 @@ struct ComplexType : Component {
   ElementDeclaration const* owner = nullptr;  ///< the element that declares an anonymous type
   bool abstract = false;
   bool anyType = false;  ///< the type xs:anyType itself
-  Blocked block;         ///< of derived types in place of this one
+  unsigned block = 0;    ///< Derivations that documents cannot use in place of this type
   Derivation derivation = Derivation::None;
   ComplexType const* base = nullptr;       ///< null where the base is anyType or a simple type
   SimpleType const* simpleBase = nullptr;  ///< the base if that is a simple type

@@ -6,7 +6,7 @@ namespace Quillon9Generator::Schema {
 void Builder::FillElement(ElementDeclaration& element, Document const& document, Node const& node) {
   element.nillable = ReadBool(node, "nillable", false);
   element.abstract = ReadBool(node, "abstract", false);
-  element.block = ReadBlock(document, node);
+  element.block = ReadDerivations(document, node, "block", kExtension | kRestriction | kSubstitution);
   ReadValueConstraint(node, element.defaultValue, element.fixedValue);
   FillElementType(element, document, node);
   bool const hasType = element.simpleType != nullptr || element.complexType != nullptr;
@@ -86,16 +86,13 @@ void Builder::TakeTypeOfHead(ElementDeclaration& element) {
 namespace {
 
 /// Whether \p derived, a type other than \p base, may stand where an element of the type \p base blocks that much.
-bool IsBlocked(ComplexType const* derived, ComplexType const& base, Blocked blocked) {
-  bool extends = false, restricts = false;
+bool IsBlocked(ComplexType const* derived, ComplexType const& base, unsigned blocked) {
+  unsigned used = 0;
   for (ComplexType const* type = derived; type != nullptr && type != &base; type = type->base) {
-    bool const isExtension = type->derivation == ComplexType::Derivation::Extension;
-    (isExtension ? extends : restricts) = true;
-    ComplexType const& next = type->base != nullptr ? *type->base : base;
-    blocked.extension |= next.block.extension;
-    blocked.restriction |= next.block.restriction;
+    used |= type->derivation == ComplexType::Derivation::Extension ? kExtension : kRestriction;
+    blocked |= type->base != nullptr ? type->base->block : base.block;
   }
-  return (extends && blocked.extension) || (restricts && blocked.restriction);
+  return (used & blocked) != 0;
 }
 
 /// XML Schema Part 1, 3.3.6, "Substitution Group OK (Transitive)".
@@ -103,7 +100,7 @@ bool MayStandFor(ElementDeclaration const& head, ElementDeclaration const& membe
   if (member.abstract) return false;
   bool const isSameType = member.simpleType == head.simpleType && member.complexType == head.complexType;
   if (isSameType) return true;
-  if (member.complexType == nullptr || head.complexType == nullptr) return !head.block.restriction;
+  if (member.complexType == nullptr || head.complexType == nullptr) return (head.block & kRestriction) == 0;
   return !IsBlocked(member.complexType, *head.complexType, head.block);
 }
 
@@ -114,7 +111,7 @@ void Builder::CollectStandIns() {
   for (auto const& [node, name] : m_order) {
     if (node->tag != Tag::Element) continue;
     ElementDeclaration& head = *m_elements[name].object;
-    if (head.block.substitution) continue;
+    if ((head.block & kSubstitution) != 0) continue;
     std::vector<ElementDeclaration const*> group = head.substitutes;
     for (std::size_t i = 0; i < group.size(); ++i) {  // no element is in its own group
       std::vector<ElementDeclaration const*> const& next = group[i]->substitutes;
