@@ -156,6 +156,7 @@ void ClassBuilder::Build() {
 }
 
 void ClassBuilder::NoteElementsOfGroups() {
+  std::set<Schema::GroupDefinition const*> const global(m_set.groups.begin(), m_set.groups.end());
   for (Schema::GroupDefinition const* definition : m_set.groups) {
     std::vector<Schema::ModelGroup const*> pending{definition->group};
     while (!pending.empty()) {
@@ -166,7 +167,8 @@ void ClassBuilder::NoteElementsOfGroups() {
         if (auto const* const element = std::get_if<ElementDeclaration const*>(&particle.term)) {
           if (!(*element)->global) m_groups.emplace(*element, definition);
         } else if (auto const* const inner = std::get_if<Schema::ModelGroup const*>(&particle.term)) {
-          if (particle.group == nullptr) pending.push_back(*inner);
+          // What a redefinition has replaced belongs to the group that refers to it.
+          if (global.count(particle.group) == 0) pending.push_back(*inner);
         }
       }
     }

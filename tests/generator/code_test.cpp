@@ -167,6 +167,20 @@ TEST(Code, GoldenElementsAreMadeByTheirNames) {
                  fleet->SetRemark(new Quillon9::CElement("memo", "urn:fleet", "##any", "")));
 }
 
+TEST(Code, GoldenElementsAreToldApartByTheirClass) {
+  auto const fleet = Fleets::ReadFleet(Quillon9::XmlText(FleetOf("<name/>", "<truck/><car/><car seats='2'/>", "")));
+  // [substitution]
+  for (Fleets::CVehicle& vehicle : fleet->GetVehicle()) {  // cars, vans and trucks, as they stand in the document
+    if (auto* car = dynamic_cast<Fleets::CCar*>(&vehicle)) car->SetSeats(4);
+  }
+  fleet->GetVehicle().Add(Fleets::CreateVan()).SetSeats(3);  // <van seats="3"/>
+  // [substitution]
+  EXPECT_EQ(Fleets::ReadFleet(Quillon9::XmlText(fleet->ToXml()))->ToXml(),
+            Fleets::ReadFleet(
+                Quillon9::XmlText(FleetOf("<name/>", "<truck/><car seats='4'/><car seats='4'/><van seats='3'/>", "")))
+                ->ToXml());
+}
+
 TEST(Code, GoldenElementsStandNowhereElse) {
   struct Row {
     char const* name;
