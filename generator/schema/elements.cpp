@@ -108,9 +108,8 @@ bool MayStandFor(ElementDeclaration const& head, ElementDeclaration const& membe
 
 // Needs the derivation of all types.
 void Builder::CollectStandIns() {
-  for (auto const& [node, name] : m_order) {
-    if (node->tag != Tag::Element) continue;
-    ElementDeclaration& head = *m_elements[name].object;
+  for (auto const& [name, global] : m_elements) {
+    ElementDeclaration& head = *global.object;
     if ((head.block & kSubstitution) != 0) continue;
     std::vector<ElementDeclaration const*> group = head.substitutes;
     for (std::size_t i = 0; i < group.size(); ++i) {  // no element is in its own group

@@ -40,7 +40,7 @@ bool CAnyElementCol::Takes(CXmlSerializationContext const& ctx, CXmlElement cons
 
 CXmlElement* CAnyElementCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                          bool) {
-  while (Takes(ctx, cursor)) {
+  while (!IsFull() && Takes(ctx, cursor)) {
     CXmlElement* const element = cursor;
     try {
       AppendItem(TakeGeneric(parent, &cursor, ctx).Get());

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "base/failure_detail.h"
+#include "binding/object_access.h"
 #include "descriptors/member_check.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
@@ -280,6 +281,9 @@ CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CX
     held = property.Make(&m_row);
     property.Hold(held.Get());
   }
+  // What is left over may begin the next round.
+  bool const isInRound = static_cast<CBoundObject const*>(holder)->GetClassTables().GetRow().round;
+  if (isInRound) ObjectAccess::StopWhenFull(static_cast<CXmlCollectionBase&>(*held));
   return FromXml_Int(held.Get(), parent, cursor, ctx, false);
 }
 

@@ -89,7 +89,7 @@ CSmartPtr<CXmlObjectBase> CObjectCollection::ReadItem(CXmlElement* parent, CXmlE
 
 CXmlElement* CObjectCollection::ReadItems(CXmlElement* parent, CXmlElement* cursor,
                                           CXmlSerializationContext const& ctx) {
-  for (; cursor != nullptr; cursor = cursor->GetNextSiblingElement()) {
+  for (; cursor != nullptr && !IsFull(); cursor = cursor->GetNextSiblingElement()) {
     try {
       CSmartPtr<CXmlObjectBase> const item = ReadItem(parent, cursor, ctx);
       if (!item) break;
@@ -103,7 +103,7 @@ CXmlElement* CObjectCollection::ReadItems(CXmlElement* parent, CXmlElement* curs
 
 CXmlElement* CObjectCollection::ReadRounds(CXmlElement* parent, CXmlElement* cursor,
                                            CXmlSerializationContext const& ctx) {
-  while (cursor != nullptr) {
+  while (cursor != nullptr && !IsFull()) {
     if (m_tables != nullptr && !m_tables->Built().Round().Begins(ctx, cursor)) break;
     CSmartPtr<CXmlObjectBase> const item = NewItem();
     if (m_tables != nullptr) BoundAccess::MarkNew(*item);

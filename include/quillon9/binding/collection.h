@@ -84,6 +84,9 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   };
   /// \throws CQnValidationException for a count outside the limits, with \p names for the items.
   void RequireValidCount(CXmlSerializationContext const& ctx, char const* names) const;
+  /// Whether a read takes no more items, although there may be more: the collection belongs to one round of a repeated
+  /// group, and has reached its maximum.
+  bool IsFull() const { return m_stopsWhenFull && GetCount() >= m_maxOccurs; }
   /// Whether any listener is registered.
   bool HasListeners() const { return !m_listeners.empty(); }
   /// Remove every listener.
@@ -99,6 +102,9 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   std::vector<IEventSink*> m_listeners;
   int m_minOccurs = 0;
   int m_maxOccurs = -1;
+  bool m_stopsWhenFull = false;
+
+  friend struct ObjectAccess;
 };
 
 /// One item of a CXmlCollection: a counted reference, which may be null, and its neighbours.
