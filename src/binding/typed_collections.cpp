@@ -43,8 +43,7 @@ CXmlTypeCollection::~CXmlTypeCollection() = default;
 CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                              bool) {
   std::string const ns = GetNamespace();
-  while (cursor != nullptr && !IsFull() &&
-         CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
+  while (cursor != nullptr && !IsFull() && CXmlObjectHelper::DoesElementNameMatch(ctx, cursor, GetElementName(), ns)) {
     try {
       std::string_view const text = XmlNodeAccess::TextOf(*cursor);
       ObjectContent::Count(*cursor, ObjectContent::kValue + text.size());

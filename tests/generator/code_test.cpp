@@ -198,6 +198,8 @@ TEST(Code, GoldenElementsStandNowhereElse) {
       {"<name/>", "<van/>", "<weight>x</weight><truck/>", "invalid char at position 0 [x]"},
       {"<name/>", "<van/>", "<limit/><truck/>", "[limit]"},
       {"<name/>", "<van/>", "<weight>1</weight><car/>", "Failed to find a required element [truck]"},
+      {"<name/>", "<van/>", "<axle>1</axle><axle>2</axle><axle>3</axle><axle>4</axle><brake/>", ""},
+      {"<name/>", "<van/>", "<axle>1</axle><axle>2</axle><axle>3</axle>", "The Minimum number of [axle] elements"},
       {"<name/>", "<truck xsi:type='Car'/>", "", "The type [Car] of the element [truck] is not derived from [Truck]"},
   };
   for (Row const& row : rows) {

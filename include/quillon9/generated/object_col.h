@@ -128,18 +128,17 @@ class CObjectCol : public CObjectCollection {
   /// Append \p item. The collection shares it with the caller. One of a derived class of CBoundObject will be written
   /// with xsi:type, unless it is another element of a substitution group.
   /// \throws CQnInvalidParamException when it is null or was made for another element.
-  ///@{
   T& Add(CSmartPtr<T> const& item) {
     Prepare(item.Get());
     AppendItem(item.Get());
     return *item;
   }
+  /// The same for an object of a derived class, as which it is returned.
   template <class Derived, class = std::enable_if_t<std::is_convertible_v<Derived*, T*>>>
   Derived& Add(CSmartPtr<Derived> const& item) {
     Add(CSmartPtr<T>(item));
     return *item;
   }
-  ///@}
   /// The same, but put it at \p index, from 0 to size().
   /// \throws CQnInvalidParamException as Add(), and "Index out of range".
   T& Insert(int index, CSmartPtr<T> const& item) {

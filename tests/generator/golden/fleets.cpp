@@ -54,6 +54,11 @@ constexpr ElementRow kFleet_Sequence_Elements[] = {
     Head("truck", kNs, 1, kOnce, kTruckGroup)};
 constexpr ClassRow kFleet_Sequence_Class{"", "", kNs, nullptr, kFleet_Sequence_Elements, 2, nullptr, 0, 0, 2, -1,
     nullptr, true, false};
+constexpr ElementRow kFleet_Sequence2_Elements[] = {
+    Values("axle", kNs, 0, 2, 2, kInt),
+    Value("brake", kNs, 1, kOptional, kToken)};
+constexpr ClassRow kFleet_Sequence2_Class{"", "", kNs, nullptr, kFleet_Sequence2_Elements, 2, nullptr, 0, 0, 2, -1,
+    nullptr, true, false};
 constexpr ElementRow kFleet_Elements[] = {
     Head("name", kNs, 0, kOnce, kNameGroup),
     Heads("vehicle", kNs, 1, 1, -1, kVehicleGroup),
@@ -61,8 +66,9 @@ constexpr ElementRow kFleet_Elements[] = {
       Head("remark", kNs, 2, kOnce, kRemarkGroup),
       Value("silent", kNs, 3, kOnce, kBoolean),
     EndGroup(),
-    Rounds("Sequence", 4, 0, -1, CFleet::CSequence::s_class)};
-constexpr ClassRow kFleet_Class{"Fleet", kNs, kNs, nullptr, kFleet_Elements, 7, nullptr, 0, 0, 5};
+    Rounds("Sequence", 4, 0, -1, CFleet::CSequence::s_class),
+    Rounds("Sequence2", 5, 0, -1, CFleet::CSequence2::s_class)};
+constexpr ClassRow kFleet_Class{"Fleet", kNs, kNs, nullptr, kFleet_Elements, 8, nullptr, 0, 0, 6};
 constexpr AttributeRow kCar_Attributes[] = {
     Attribute("seats", "", 2, kOptional, kInt)};
 constexpr ClassTables* kCar_Derived[] = {&CSportsCar::s_class};
@@ -96,8 +102,12 @@ PropertyRef CDrone::Property(int index) {
 }
 ClassTables CFleet::CSequence::s_class{kFleet_Sequence_Class, &MakeObject<CFleet::CSequence>};
 PropertyRef CFleet::CSequence::Property(int index) { return Pick(index, m_limit, m_truck); }
+ClassTables CFleet::CSequence2::s_class{kFleet_Sequence2_Class, &MakeObject<CFleet::CSequence2>};
+PropertyRef CFleet::CSequence2::Property(int index) { return Pick(index, m_axle, m_brake); }
 ClassTables CFleet::s_class{kFleet_Class, &MakeObject<CFleet>};
-PropertyRef CFleet::Property(int index) { return Pick(index, m_name, m_vehicle, m_remark, m_silent, m_sequence); }
+PropertyRef CFleet::Property(int index) {
+  return Pick(index, m_name, m_vehicle, m_remark, m_silent, m_sequence, m_sequence2);
+}
 ClassTables CCar::s_class{kCar_Class, &MakeObject<CCar>};
 PropertyRef CCar::Property(int index) {
   if (index < 2) return CVehicle::Property(index);

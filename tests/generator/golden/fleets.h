@@ -45,6 +45,8 @@ class CDrone : public CVehicle {
 
 class CFleet : public Quillon9::CBoundObject {
  public:
+  class CSequence;
+  class CSequence2;
   enum class EChoice : int { None, Remark, Silent };
 
   class CSequence : public Quillon9::CBoundObject {
@@ -70,6 +72,25 @@ class CFleet : public Quillon9::CBoundObject {
     CSmartPtr<CTruck> m_truck;
   };
 
+  class CSequence2 : public Quillon9::CBoundObject {
+   public:
+    static Quillon9::CClassTables s_class;
+    static CSmartPtr<CSequence2> CreateInstance(char const* name = "") { return new CSequence2(s_class, name); }
+
+    Quillon9::Ci4Col& GetAxle() { return Collection(0, m_axle); }
+    Quillon9::Ci4Col const& GetAxle() const { return Collection(0, m_axle); }
+    std::optional<std::string> const& GetBrake() const { return m_brake; }
+    void SetBrake(std::optional<std::string> value) { m_brake = std::move(value); }
+
+   protected:
+    CSequence2(Quillon9::CClassTables const& tables, char const* name) : CBoundObject(tables, name) {}
+    Quillon9::CPropertyRef Property(int index) override;
+
+   private:
+    CSmartPtr<Quillon9::Ci4Col> m_axle;
+    std::optional<std::string> m_brake;
+  };
+
   static Quillon9::CClassTables s_class;
   static CSmartPtr<CFleet> CreateInstance(char const* name = "fleet") { return new CFleet(s_class, name); }
 
@@ -89,6 +110,8 @@ class CFleet : public Quillon9::CBoundObject {
   void SetSilent(std::optional<bool> value) { Assign(3, m_silent, value); }
   Quillon9::CObjectCol<CSequence>& GetSequence() { return Collection(4, m_sequence); }
   Quillon9::CObjectCol<CSequence> const& GetSequence() const { return Collection(4, m_sequence); }
+  Quillon9::CObjectCol<CSequence2>& GetSequence2() { return Collection(5, m_sequence2); }
+  Quillon9::CObjectCol<CSequence2> const& GetSequence2() const { return Collection(5, m_sequence2); }
 
  protected:
   CFleet(Quillon9::CClassTables const& tables, char const* name) : CBoundObject(tables, name) {}
@@ -100,6 +123,7 @@ class CFleet : public Quillon9::CBoundObject {
   CSmartPtr<Quillon9::CXmlObjectBase> m_remark;
   std::optional<bool> m_silent;
   CSmartPtr<Quillon9::CObjectCol<CSequence>> m_sequence;
+  CSmartPtr<Quillon9::CObjectCol<CSequence2>> m_sequence2;
 };
 
 class CCar : public Quillon9::CNillable<CVehicle> {
