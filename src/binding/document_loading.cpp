@@ -87,10 +87,12 @@ std::string ErrorText(int error) { return std::generic_category().message(error)
 
 /// A filter of the program may have read something else, and know a place in that.
 void SetPlace(CQnException& failure, CFailurePlace place) {
-  CFailureDetail& detail = FailureAccess::DetailOf(failure);
-  if (detail.hasPlace) return;
+  if (failure.GetPlace() != nullptr) return;
+  CFailureDetail detail;
+  detail.kind = failure.GetKind();
   detail.place = std::move(place);
   detail.hasPlace = true;
+  FailureAccess::SetDetail(failure, FailureAccess::NewDetail(detail));
 }
 
 /// How a tree holds its text: as the read of an object around it does, unless its own context asks for UTF-8.

@@ -21,7 +21,25 @@ FailureReport::FailureReport(CXmlSerializationContext const& ctx, PlaceFinder& p
     : m_sink(ctx.GetFailureSink()),
       m_places(places),
       m_most(ctx.GetMaxFailures() != 0 ? ctx.GetMaxFailures() : std::numeric_limits<std::uint64_t>::max()),
+      m_start(FailureAccess::CountDetails()),
       m_outer(std::exchange(t_current, this)) {}
+
+// A failure that the program has kept may be in flight in other threads too, and what it knows may be about a tree that
+// is gone. So what this read finds out about it stays here until the failure has reached the caller's operation.
+CFailureDetail& FailureReport::DetailFor(CQnException const& failure) {
+  if (CFailureDetail* const own = FailureAccess::FindDetail(failure, m_start)) return *own;
+  CQnException const& cause = CauseOf(failure);
+  if (!m_foreign || *m_foreignClass != typeid(cause) || m_foreignText != cause.GetMessage()) {
+    m_foreign.emplace().kind = failure.GetKind();
+    m_foreignClass = &typeid(cause);
+    m_foreignText = cause.GetMessage();
+  }
+  return *m_foreign;
+}
+
+CXmlElement const* FailureReport::ElementOf(CQnException const& failure) {
+  return t_current != nullptr ? static_cast<CXmlElement const*>(t_current->DetailFor(failure).element) : nullptr;
+}
 
 FailureReport* FailureReport::Of(CXmlSerializationContext const& ctx) {
   bool const isOurs = ctx.GetFailureSink() != nullptr && t_current != nullptr;
@@ -29,7 +47,8 @@ FailureReport* FailureReport::Of(CXmlSerializationContext const& ctx) {
 }
 
 void FailureReport::Note(CQnException& failure, FailurePoint const& point) {
-  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  if (t_current == nullptr) return;
+  CFailureDetail& detail = t_current->DetailFor(failure);
   if (detail.hasPlace || detail.element != nullptr) return;
   detail.element = point.element;
   detail.attribute = point.attribute;
@@ -40,13 +59,15 @@ bool FailureReport::GoesOn(CXmlSerializationContext const& ctx, CQnException& fa
   Note(failure, point);
   FailureReport* const report = Of(ctx);
   if (report == nullptr || report->m_thrown != nullptr) return false;
-  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  CFailureDetail& detail = report->DetailFor(failure);
   if (detail.isTold || detail.kind == FailureKind_Limit) return false;
   FailurePoint const known{static_cast<CXmlElement const*>(detail.element),
                            static_cast<CXmlAttribute const*>(detail.attribute), detail.isAtEnd};
-  if (known.element != nullptr && !report->IsNew(known, CauseOf(failure).GetMessage())) return true;
-  report->FindPlace(failure);
-  return report->Tell(failure);
+  bool const isNew = known.element == nullptr || report->IsNew(known, CauseOf(failure).GetMessage());
+  if (isNew) report->FindPlace(failure);
+  bool const goesOn = !isNew || report->Tell(failure);
+  if (goesOn) report->m_foreign.reset();
+  return goesOn;
 }
 
 void FailureReport::NoteLoss(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection) {
@@ -70,7 +91,11 @@ void FailureReport::Remark(CXmlSerializationContext const& ctx, FailureKind kind
 void FailureReport::Complete(CQnException& failure) {
   if (m_thrown != nullptr) std::rethrow_exception(m_thrown);  // without the lines of the open elements
   FindPlace(failure);
-  if (m_sink != nullptr && !FailureAccess::DetailOf(failure).isTold) Tell(failure);
+  bool const isTold = std::exchange(DetailFor(failure).isTold, true);
+  if (FailureAccess::FindDetail(failure, m_start) == nullptr) {
+    FailureAccess::SetDetail(failure, FailureAccess::NewDetail(*m_foreign));
+  }
+  if (m_sink != nullptr && !isTold) Tell(failure);
 }
 
 // A read of a part of a tree, within the read of its document, has no positions itself.
@@ -83,7 +108,7 @@ CFailurePlace FailureReport::PlaceOf(FailurePoint const& point) const {
 }
 
 void FailureReport::FindPlace(CQnException& failure) {
-  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  CFailureDetail& detail = DetailFor(failure);
   if (detail.hasPlace) return;
   detail.place = PlaceOf({static_cast<CXmlElement const*>(detail.element),
                           static_cast<CXmlAttribute const*>(detail.attribute), detail.isAtEnd});
@@ -95,7 +120,7 @@ bool FailureReport::IsNew(FailurePoint const& point, std::string const& text) {
 }
 
 bool FailureReport::Tell(CQnException& failure) {
-  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  CFailureDetail& detail = DetailFor(failure);
   detail.isTold = true;
   bool const goesOn = Send(CFailure(detail.kind, FailureSeverity_Error, detail.place, CauseOf(failure).GetMessage()));
   return goesOn && ++m_errors < m_most;

@@ -2,11 +2,14 @@
 
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
+#include <typeinfo>
 #include <utility>
 
+#include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/fwd.h"
@@ -62,6 +65,8 @@ class FailureReport {
   /// Note(), and send \p failure to the sink of \p ctx if there is one and it does not know it yet. True if the read is
   /// to go on as if the faulty part were not there; false if the caller must throw the failure again.
   static bool GoesOn(CXmlSerializationContext const& ctx, CQnException& failure, FailurePoint const& point);
+  /// The element that was noted for \p failure in the current read; null if none was.
+  static CXmlElement const* ElementOf(CQnException const& failure);
   /// A failure cost \p collection an item. So it is no fault of the document if there are too few.
   ///@{
   static void NoteLoss(CXmlSerializationContext const& ctx, CXmlCollectionBase const& collection);
@@ -81,6 +86,7 @@ class FailureReport {
   static FailureReport* Of(CXmlSerializationContext const& ctx);
   CFailurePlace PlaceOf(FailurePoint const& point) const;
   bool IsNew(FailurePoint const& point, std::string const& text);
+  CFailureDetail& DetailFor(CQnException const& failure);
   void FindPlace(CQnException& failure);
   bool Tell(CQnException& failure);
   bool Send(CFailure const& failure);
@@ -92,6 +98,11 @@ class FailureReport {
   std::uint64_t m_most;
   std::uint64_t m_errors = 0;
   std::uint64_t m_remarks = 0;
+  // What was known when it began, and about the last failure that the program brought along: of the class and text.
+  std::uint64_t m_start;
+  std::optional<CFailureDetail> m_foreign;
+  std::type_info const* m_foreignClass = nullptr;
+  std::string m_foreignText;
   std::exception_ptr m_thrown;  // by the sink, which is not called any more
   // The failures that the sink knows, by their node, attribute, end tag and text: a group that is tried again fails again.
   std::set<std::tuple<void const*, void const*, bool, std::size_t>> m_told;

@@ -77,10 +77,11 @@ class Finding : public CheckReceiver {
 
   bool OnFailure(CQnException& found, CheckingWriter const& writer) override {
     if (!IsSame(CauseOf(found))) return true;
-    CFailureDetail& detail = FailureAccess::DetailOf(m_failure);
-    if (detail.kind == FailureKind_Other) detail.kind = found.GetKind();
+    CFailureDetail detail;
+    detail.kind = m_failure.GetKind() != FailureKind_Other ? m_failure.GetKind() : found.GetKind();
     detail.place.SetPath(writer.GetPath());
     detail.hasPlace = !detail.place.GetPath().empty();
+    FailureAccess::SetDetail(m_failure, FailureAccess::NewDetail(detail));
     return false;
   }
 

@@ -42,9 +42,9 @@ CXmlElement* MemberAsking::Behind(CXmlSerializationContext const& ctx, CQnExcept
                                   CElementInfo const& member, CXmlElement* cursor) {
   if (!member.IsRepeated()) return cursor->GetNextSiblingElement();
   // The items before the faulty one are in the collection already, and must not enter it again.
-  CFailureDetail const* const detail = FailureAccess::FindDetail(failure);
+  CXmlElement const* const faulty = FailureReport::ElementOf(failure);
   CXmlElement const* item = cursor;
-  while (item != nullptr && (detail == nullptr || item != detail->element)) item = item->GetNextSiblingElement();
+  while (item != nullptr && item != faulty) item = item->GetNextSiblingElement();
   if (item != nullptr) return item->GetNextSiblingElement();
   do {
     cursor = cursor->GetNextSiblingElement();

@@ -36,7 +36,7 @@ bool CheckingWriter::GoesOn(CQnException& failure, char const* attribute) {
   m_isStopped = true;   // also if the receiver throws
   m_encoder = nullptr;  // it may be unable to go on
   m_attribute = attribute;
-  bool const isLimit = FailureAccess::DetailOf(failure).kind == FailureKind_Limit;
+  bool const isLimit = failure.GetKind() == FailureKind_Limit;
   bool const goesOn = m_receiver.OnFailure(failure, *this);
   m_attribute = nullptr;
   m_isStopped = !goesOn || isLimit;  // an endless graph has a limit in each of its branches

@@ -35,7 +35,7 @@ int ColourOf(char const* text) {
 
 // "name" is an element, "i=2" an item of a collection, "name/@attribute" an attribute, "/name" an end tag.
 std::string NodeOf(CQnException const& failure) {
-  CFailureDetail const* const detail = FailureAccess::FindDetail(failure);
+  CFailureDetail const* const detail = FailureAccess::FindDetail(failure, 0);
   if (detail == nullptr || detail->element == nullptr) return "unknown";
   std::string name = static_cast<CXmlElement const*>(detail->element)->GetLocalName();
   if (name == "i") name += "=" + static_cast<CXmlElement const*>(detail->element)->GetText();

@@ -10,6 +10,7 @@
 #include <iterator>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "dynamic_class.h"
@@ -210,17 +211,59 @@ TEST(Threads, WriteOneGraph) {
   EXPECT_NE(std::string::npos, texts[0].find("<text>i299</text>"));
 }
 
+/// Throws one failure, which other objects throw too.
+class Failing : public DynamicClass {
+ public:
+  Failing(Shape const& shape, std::exception_ptr failure) : DynamicClass(shape), m_failure(std::move(failure)) {}
+  void AccessProperty(int, bool, QnVariant&) override { std::rethrow_exception(m_failure); }
+
+ private:
+  std::exception_ptr m_failure;
+};
+
 TEST(Threads, ThrowOneFailure) {
-  struct Failing : DynamicClass {
-    using DynamicClass::DynamicClass;
-    void AccessProperty(int, bool, QnVariant&) override { std::rethrow_exception(m_failure); }
-    std::exception_ptr m_failure = std::make_exception_ptr(CQnException("cause", CQnOverFlowException("deep")));
-  };
   Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("e", 0)});
-  Failing const object(shape);
+  Failing const object(shape, std::make_exception_ptr(CQnException("cause", CQnOverFlowException("deep"))));
   InThreads([&](std::size_t) {
     for (int round = 0; round < 200; ++round) {
       EXPECT_FAILURE(CQnValidationException, "Failed to convert the element [root] to XML\ncause\ndeep", object.Text());
+    }
+  });
+}
+
+// Each read has its own place for it, also if it had one before.
+TEST(Threads, ReadsFailWithOneFailure) {
+  Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("e", 0)});
+  std::vector<std::exception_ptr> kept = {std::make_exception_ptr(CQnException("cause", CQnOverFlowException("deep")))};
+  try {
+    DynamicClass(shape).FromXml("<root><f/></root>");
+  } catch (CQnException const&) {
+    kept.push_back(std::current_exception());
+  }
+  try {
+    CConversions::i4FromString("x", CWhitespaceUtils::WhitespaceRule_Collapse);
+  } catch (CQnException const&) {
+    kept.push_back(std::current_exception());
+  }
+  ASSERT_EQ(3U, kept.size());
+  InThreads([&](std::size_t thread) {
+    std::string const document = "<root>" + std::string(thread, ' ') + "<e>1</e></root>";
+    for (int round = 0; round < 60; ++round) {
+      Failing object(shape, kept[static_cast<std::size_t>(round) % kept.size()]);
+      try {
+        object.FromXml(document.c_str());
+        ADD_FAILURE() << "no failure";
+      } catch (CQnException const& failure) {
+        ASSERT_NE(nullptr, failure.GetPlace());
+        ASSERT_EQ(7 + thread, failure.GetPlace()->GetColumn());
+        ASSERT_EQ("/root/e", failure.GetPlace()->GetPath());
+      }
+      CFailureList list;
+      CXmlSerializationContext ctx;
+      ctx.SetFailureSink(&list);
+      object.FromXml(document.c_str(), ctx);
+      ASSERT_EQ(1U, list.GetFailures().size());
+      ASSERT_EQ(7 + thread, list.GetFailures()[0].GetPlace().GetColumn());
     }
   });
 }
