@@ -8,6 +8,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/fastinfoset/writer.h"
 #include "quillon9/xmlio/streams.h"
+#include "xmlio/checking_writer.h"
 
 namespace Quillon9 {
 
@@ -32,6 +33,7 @@ void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl dec
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
                                                 CompressionType compression) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
+  CheckingWriter::Pause const pause;
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
   LossesOfWriting losses(ctx);

@@ -8,6 +8,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
+#include "xmlio/checking_writer.h"
 
 namespace Quillon9 {
 
@@ -30,6 +31,7 @@ void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHead
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
                                   CXmlSerializationContext const& ctx) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
+  CheckingWriter::Pause const pause;
   CTextStream stream;
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
   std::string text = stream.CopyText();
@@ -43,6 +45,7 @@ std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eo
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
                                         CXmlSerializationContext const& ctx, CompressionType compression) const try {
   Utf8Text::Scope const scope(TextUse(*this, ctx));
+  CheckingWriter::Pause const pause;
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
   LossesOfWriting losses(ctx);
@@ -68,6 +71,7 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
   }
   try {
     Utf8Text::Scope const scope(TextUse(*this, ctx));
+    CheckingWriter::Pause const pause;
     CFileTextStream stream(path, encoding);
     WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
   } catch (CQnException& failure) {

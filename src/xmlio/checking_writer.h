@@ -46,6 +46,18 @@ class CheckingWriter : public CXmlWriter {
   /// The one that is at work on this thread, or null. Objects below the drivers do not know their writer.
   static CheckingWriter* Current() { return t_current; }
 
+  /// While a Pause exists, none is current: an object that is checked may write another one.
+  class Pause {
+   public:
+    Pause() : m_outer(t_current) { t_current = nullptr; }
+    ~Pause() { t_current = m_outer; }
+    Pause(Pause const&) = delete;
+    Pause& operator=(Pause const&) = delete;
+
+   private:
+    CheckingWriter* m_outer;
+  };
+
   bool WritesText() const { return m_scope != Scope::kEncoding; }
   /// Whether to look for what a reader refuses.
   bool JudgesReading() const { return m_scope == Scope::kWritingAndReading; }

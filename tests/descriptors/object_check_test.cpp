@@ -270,6 +270,34 @@ TEST(ObjectCheck, AClassThatWritesItselfAndAnEndlessGraphAreTold) {
   own->With(1, static_cast<CXmlObjectBase*>(nullptr)).With(2, static_cast<CXmlObjectBase*>(nullptr));
 }
 
+/// Writes another object on the way, which fails.
+class WritesAnother : public Handwritten {
+ public:
+  WritesAnother(Shape const& shape, CXmlObjectBase const& other) : Handwritten(shape, "m"), m_other(other) {}
+
+ protected:
+  void ToXml_Int(CXmlWriter*, bool, char const*, CXmlSerializationContext const&, bool) const override {
+    EXPECT_FAILURE(CQnValidationException,
+                   "Failed to convert the element [e] to XML\n"
+                   "The Minimum number of [i] elements allowed in this collection is 2",
+                   m_other.ToXml());
+  }
+
+ private:
+  CXmlObjectBase const& m_other;
+};
+
+TEST(ObjectCheck, AWriteInsideACheckFailsByItself) {
+  Shape const item({}, {});
+  Shape const others({}, {new CElementInfoSeqCol("i", "", 1)});
+  DynamicClass other(others, "e");
+  other.With(1, static_cast<CXmlObjectBase*>(new UncheckedCollection(item)));  // one item, where two are needed
+  Shape const shape({}, {new CElementInfoSeqClsOpt("m", "", 1, XmlElementType_Element, MakeNothing, 0)});
+  DynamicClass root(shape);
+  root.With(1, static_cast<CXmlObjectBase*>(new WritesAnother(shape, other)));
+  EXPECT_EQ("", Reports(root));
+}
+
 TEST(ObjectCheck, TextThatIsNotUtf8IsToldAtEachPlace) {
   Shape const shape({},
                     {Prim<CElementInfoSeqPrimOpt>("m", 1),

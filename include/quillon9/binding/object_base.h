@@ -60,6 +60,9 @@ class QUILLON9_API INillable {
 /// element [%s]", with the cause as innermost inner exception, for content that does not fit. After a failure the
 /// object keeps what was read so far; nothing is rolled back.
 ///
+/// A writing operation that fails walks the graph again to find the path of the failure, so the getters of the program
+/// may be called more often than by a write that succeeds.
+///
 /// A derived class that overrides GetBase() writes `using CXmlGeneratedClass::GetBase;` (or names its own base) to keep
 /// the const form; one that overrides ToXml_Int() or FromXml_Int() calls the static forms as
 /// `CXmlObjectBase::ToXml_Int`.
