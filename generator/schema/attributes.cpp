@@ -6,9 +6,6 @@ void Builder::FillAttribute(AttributeDeclaration& attribute, Document const& doc
   ReadValueConstraint(node, attribute.defaultValue, attribute.fixedValue);
   Node const* const anonymous = node.Child(Tag::SimpleType);
   std::optional<std::string_view> const name = node.Find("type");
-  if (name && anonymous != nullptr) {
-    m_diagnostics.Error(node.place, "xs:attribute has both an attribute type and an anonymous type");
-  }
   attribute.type = anonymous != nullptr ? AnonymousSimpleType(document, *anonymous)
                    : name               ? FindSimpleType(document, node, *name)
                                         : m_builtIns.Get(BuiltIn::AnySimpleType);
@@ -39,9 +36,6 @@ void Builder::AddAttribute(AttributeSet& set, Document const& document, Node con
   std::string_view const how = Trimmed(node.Find("use").value_or("optional"));
   if (how == "prohibited") return set.prohibited.push_back(use.declaration->name);
   use.required = how == "required";
-  if (!use.required && how != "optional") {
-    m_diagnostics.Error(node.place, "wrong use \"" + std::string(how) + "\"");
-  }
   ReadValueConstraint(node, use.defaultValue, use.fixedValue);
   if (!use.defaultValue && !use.fixedValue) {
     use.defaultValue = use.declaration->defaultValue;
@@ -51,9 +45,6 @@ void Builder::AddAttribute(AttributeSet& set, Document const& document, Node con
 }
 
 AttributeDeclaration const* Builder::ReferredAttribute(Document const& document, Node const& node) {
-  if (node.Has("name") || node.Has("type") || node.Child(Tag::SimpleType) != nullptr) {
-    m_diagnostics.Error(node.place, "xs:attribute with ref has neither a name nor a type of its own");
-  }
   Global<AttributeDeclaration> const* const found = Find(m_attributes, "attribute", document, node, *node.Find("ref"));
   return found != nullptr ? found->object : nullptr;
 }
@@ -90,7 +81,7 @@ Builder::UsesByName Builder::ByName(std::vector<AttributeUse> const& uses) {
 
 void Builder::AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node) {
   std::optional<std::string_view> const reference = node.Find("ref");
-  if (!reference) return m_diagnostics.Error(node.place, "xs:attributeGroup has no ref");
+  if (!reference) return;
   Global<AttributeSet>* const group = Find(m_attributeGroups, "attribute group", document, node, *reference);
   if (group == nullptr) return;
   Complete(*group);

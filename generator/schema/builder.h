@@ -58,6 +58,12 @@ class Builder {
     SimpleType const* simple = nullptr;  ///< complete
     Global<ComplexType>* complex = nullptr;
   };
+  /// A keyref whose key may be declared later.
+  struct PendingKeyref {
+    IdentityConstraint* constraint;
+    Node const* node;
+    Document const* document;
+  };
   /// The indices of attribute uses.
   using UsesByName = std::map<QualifiedName, std::size_t>;
   struct GroupSize {
@@ -104,6 +110,8 @@ class Builder {
   void ReadValueConstraint(Node const& node, std::optional<std::string>& defaultValue,
                            std::optional<std::string>& fixedValue);
   bool IsQualified(Document const& document, Node const& node, std::string_view formDefault);
+  /// Return the set that \p attribute gives, or else the default of the schema, of those in \p all.
+  unsigned ReadDerivations(Document const& document, Node const& node, std::string_view attribute, unsigned all);
   static void Describe(Component& component, Node const& node);
 
   // simple_types.cpp, facets.cpp
@@ -131,6 +139,10 @@ class Builder {
   void FillElementType(ElementDeclaration& element, Document const& document, Node const& node);
   void FillSubstitution(ElementDeclaration& element, Document const& document, Node const& node);
   void CompleteSubstitutions();
+
+  // identity_constraints.cpp
+  void ReadIdentityConstraints(ElementDeclaration& element, Document const& document, Node const& node);
+  void ResolveKeyrefs();
   void CheckSubstitution(ElementDeclaration& element);
   void TakeTypeOfHead(ElementDeclaration& element);
   void CollectStandIns();
@@ -193,6 +205,8 @@ class Builder {
   std::deque<AttributeSet> m_attributeSets;
   std::vector<std::pair<Node const*, QualifiedName>> m_order;  // of all global components
   std::deque<Pending> m_pending;
+  std::map<QualifiedName, IdentityConstraint*> m_identityConstraints;
+  std::vector<PendingKeyref> m_keyrefs;
   std::unordered_map<ModelGroup const*, GroupSize> m_sizes;
   std::uint64_t m_inherited = 0;
   int m_depth = 0;  // of types and groups that are being completed

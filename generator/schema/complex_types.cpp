@@ -24,7 +24,10 @@ void Builder::Complete(Global<ComplexType>& global) {
 
 void Builder::FillComplexType(ComplexType& type, Document const& document, Node const& node) {
   type.abstract = ReadBool(node, "abstract", false);
-  type.block = ReadDerivations(document, node, "block", kExtension | kRestriction);
+  if (!type.IsAnonymous()) {
+    type.final = ReadDerivations(document, node, "final", kExtension | kRestriction);
+    type.block = ReadDerivations(document, node, "block", kExtension | kRestriction);
+  }
   bool const mixed = ReadBool(node, "mixed", false);
   if (Node const* const content = node.Child(Tag::SimpleContent)) return FillSimpleContent(type, document, *content);
   if (Node const* const content = node.Child(Tag::ComplexContent)) {
@@ -82,17 +85,13 @@ Node const* Builder::DerivationIn(Node const& content) {
   for (Node const& child : content.children) {
     if (child.tag == Tag::Restriction || child.tag == Tag::Extension) return &child;
   }
-  m_diagnostics.Error(content.place, "xs:" + std::string(content.name) + " needs xs:restriction or xs:extension");
   return nullptr;
 }
 
 /// Return the base type, complete.
 Builder::TypeReference Builder::FindBase(Document const& document, Node const& derivation) {
   std::optional<std::string_view> const name = derivation.Find("base");
-  if (!name) {
-    m_diagnostics.Error(derivation.place, "xs:" + std::string(derivation.name) + " has no base");
-    return {};
-  }
+  if (!name) return {};
   TypeReference const type = FindType(document, derivation, *name);
   if (type.complex != nullptr) Complete(*type.complex);
   return type.complex == nullptr || type.complex->state == State::Filled ? type : TypeReference{};

@@ -105,8 +105,8 @@ struct Facets {
   WhiteSpace whiteSpace = WhiteSpace::Collapse;
 };
 
-/// Ways to derive a type or to stand for an element, as bits of a set: what block excludes.
-enum Derivations : unsigned { kExtension = 1, kRestriction = 2, kSubstitution = 4 };
+/// Ways to derive a type or to stand for an element, as bits of a set: what block and final exclude.
+enum Derivations : unsigned { kExtension = 1, kRestriction = 2, kSubstitution = 4, kList = 8, kUnion = 16 };
 
 struct SimpleType : Component {
   QualifiedName name;  ///< local part empty for an anonymous type
@@ -117,6 +117,7 @@ struct SimpleType : Component {
   SimpleType const* itemType = nullptr;        ///< of a list
   std::vector<SimpleType const*> memberTypes;  ///< of a union
   Facets facets;                               ///< all that apply, including inherited ones
+  unsigned final = 0;                          ///< Derivations that are not allowed
 
   bool IsAnonymous() const { return name.local.empty(); }
 };
@@ -168,6 +169,16 @@ struct GroupDefinition : Component {
   ModelGroup const* group = nullptr;
 };
 
+/// A rule that values within an element are unique, or refer to others.
+struct IdentityConstraint : Component {
+  enum class Kind { Unique, Key, Keyref };
+  QualifiedName name;
+  Kind kind = Kind::Unique;
+  IdentityConstraint const* refer = nullptr;  ///< for Keyref
+  std::string selector;                       ///< the path
+  std::vector<std::string> fields;            ///< the paths
+};
+
 struct ElementDeclaration : Component {
   QualifiedName name;  ///< of a local element with its namespace by its form
   bool global = false;
@@ -177,6 +188,8 @@ struct ElementDeclaration : Component {
   bool abstract = false;
   std::optional<std::string> defaultValue, fixedValue;
   unsigned block = 0;  ///< Derivations that documents cannot use in place of this element
+  unsigned final = 0;  ///< Derivations that members of its substitution group cannot use
+  std::vector<IdentityConstraint const*> identityConstraints;
   ElementDeclaration const* substitutionHead = nullptr;
   std::vector<ElementDeclaration const*> substitutes;  ///< direct members of its group, in document order
   /// The other elements that a document may have in its place: all members of its group that are neither abstract nor
@@ -192,6 +205,7 @@ struct ComplexType : Component {
   ElementDeclaration const* owner = nullptr;  ///< the element that declares an anonymous type
   bool abstract = false;
   bool anyType = false;  ///< the type xs:anyType itself
+  unsigned final = 0;    ///< Derivations that are not allowed
   unsigned block = 0;    ///< Derivations that documents cannot use in place of this type
   Derivation derivation = Derivation::None;
   ComplexType const* base = nullptr;       ///< null where the base is anyType or a simple type

@@ -1,4 +1,5 @@
 #include "schema/builder.h"
+#include "schema/lexical.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -8,17 +9,6 @@ std::string At(Place const& place) {
   return place.file == nullptr
              ? std::string("built in")
              : "at " + *place.file + ":" + std::to_string(place.line) + ":" + std::to_string(place.column);
-}
-
-bool IsName(std::string_view text) {
-  auto const isLetter = [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || (c & 0x80) != 0;
-  };
-  if (text.empty() || !isLetter(text.front())) return false;
-  for (char const c : text) {
-    if (!isLetter(c) && !(c >= '0' && c <= '9') && c != '.' && c != '-') return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -112,16 +102,10 @@ std::optional<QualifiedName> Builder::LocalName(Document const& document, Node c
   return QualifiedName{IsQualified(document, node, formDefault) ? document.targetNamespace : "", name};
 }
 
+/// Return the name, or an empty text after an error.
 std::string Builder::ReadName(Node const& node) {
-  std::optional<std::string_view> const text = node.Find("name");
-  if (!text) {
-    m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " has no name");
-    return {};
-  }
-  std::string name(Trimmed(*text));
-  if (IsName(name)) return name;
-  m_diagnostics.Error(node.place, "\"" + name + "\" is not a name");
-  return {};
+  std::string_view const name = Trimmed(node.Find("name").value_or(""));
+  return IsNCName(name) ? std::string(name) : std::string();
 }
 
 void Builder::FillAll(SchemaSet& set) {
@@ -131,7 +115,7 @@ void Builder::FillAll(SchemaSet& set) {
     FillComplexType(*next.type, *next.document, *next.node);
   }
   CompleteSubstitutions();
-  CollectStandIns();
+  ResolveKeyrefs();
   LinkDerivedTypes(set);
   CheckGroups();
 }

@@ -7,7 +7,9 @@ void Builder::FillElement(ElementDeclaration& element, Document const& document,
   element.nillable = ReadBool(node, "nillable", false);
   element.abstract = ReadBool(node, "abstract", false);
   element.block = ReadDerivations(document, node, "block", kExtension | kRestriction | kSubstitution);
+  if (element.global) element.final = ReadDerivations(document, node, "final", kExtension | kRestriction);
   ReadValueConstraint(node, element.defaultValue, element.fixedValue);
+  ReadIdentityConstraints(element, document, node);
   FillElementType(element, document, node);
   bool const hasType = element.simpleType != nullptr || element.complexType != nullptr;
   if (!hasType && !element.global) element.complexType = m_builtIns.anyType;  // a global one may have that of its head
@@ -18,9 +20,6 @@ void Builder::FillElementType(ElementDeclaration& element, Document const& docum
   Node const* const simple = node.Child(Tag::SimpleType);
   Node const* const complex = node.Child(Tag::ComplexType);
   std::optional<std::string_view> const name = node.Find("type");
-  if (name && (simple != nullptr || complex != nullptr)) {
-    return m_diagnostics.Error(node.place, "xs:element has both an attribute type and an anonymous type");
-  }
   if (simple != nullptr) {
     element.simpleType = AnonymousSimpleType(document, *simple);
   } else if (complex != nullptr) {
@@ -40,7 +39,7 @@ void Builder::FillElementType(ElementDeclaration& element, Document const& docum
 void Builder::FillSubstitution(ElementDeclaration& element, Document const& document, Node const& node) {
   std::optional<std::string_view> const name = node.Find("substitutionGroup");
   if (!name) return;
-  if (!element.global) return m_diagnostics.Error(node.place, "a local element cannot be in a substitution group");
+  if (!element.global) return;
   Global<ElementDeclaration> const* const head = Find(m_elements, "element", document, node, *name);
   if (head != nullptr) element.substitutionHead = head->object;
 }

@@ -1,149 +1,170 @@
 #include "schema/grammar.h"
 
 #include <algorithm>
-#include <initializer_list>
 #include <string>
-#include <unordered_map>
-#include <vector>
+#include <unordered_set>
+
+#include "schema/grammar_rules.h"
+#include "schema/lexical.h"
+#include "schema/representation.h"
 
 namespace Quillon9Generator::Schema {
 
 namespace {
 
-/// What may stand in one element (https://www.w3.org/TR/xmlschema-1/#normative-schemaSchema).
-struct Rule {
-  std::vector<std::string_view> attributes;  ///< besides id
-  std::vector<Tag> children;                 ///< besides xs:annotation
-  std::vector<Tag> oneOf;                    ///< of these, at most one child
-};
-
-std::vector<Tag> Joined(std::initializer_list<std::vector<Tag>> lists) {
-  std::vector<Tag> all;
-  for (std::vector<Tag> const& list : lists) all.insert(all.end(), list.begin(), list.end());
-  return all;
-}
-
-std::unordered_map<Tag, Rule> MakeRules() {
-  std::vector<Tag> const types = {Tag::SimpleType, Tag::ComplexType};
-  std::vector<Tag> const models = {Tag::Group, Tag::All, Tag::Choice, Tag::Sequence};
-  std::vector<Tag> const particles = {Tag::Element, Tag::Group, Tag::Choice, Tag::Sequence, Tag::Any};
-  std::vector<Tag> const attributes = {Tag::Attribute, Tag::AttributeGroup, Tag::AnyAttribute};
-  std::vector<Tag> const identity = {Tag::Unique, Tag::Key, Tag::Keyref};
-  std::vector<Tag> const definitions = {Tag::SimpleType, Tag::ComplexType, Tag::Group, Tag::AttributeGroup};
-  std::vector<Tag> const facets = {Tag::Enumeration,  Tag::FractionDigits, Tag::Length,       Tag::MaxExclusive,
-                                   Tag::MaxInclusive, Tag::MaxLength,      Tag::MinExclusive, Tag::MinInclusive,
-                                   Tag::MinLength,    Tag::Pattern,        Tag::TotalDigits,  Tag::WhiteSpace};
-  std::vector<Tag> const contents = Joined({{Tag::SimpleContent, Tag::ComplexContent}, models});
-  std::vector<Tag> const derivations = {Tag::Restriction, Tag::Extension};
-  Rule const facet = {{"value", "fixed"}, {}, {}};
-  Rule const identityRule = {{"name", "refer"}, {Tag::Selector, Tag::Field}, {Tag::Selector}};
-
-  std::unordered_map<Tag, Rule> rules = {
-      {Tag::Schema,
-       {{"targetNamespace", "version", "finalDefault", "blockDefault", "attributeFormDefault", "elementFormDefault"},
-        Joined({{Tag::Include, Tag::Import, Tag::Redefine, Tag::Element, Tag::Attribute, Tag::Notation}, definitions}),
-        {}}},
-      {Tag::Include, {{"schemaLocation"}, {}, {}}},
-      {Tag::Import, {{"schemaLocation", "namespace"}, {}, {}}},
-      {Tag::Redefine, {{"schemaLocation"}, definitions, {}}},
-      {Tag::Element,
-       {{"name", "ref", "type", "substitutionGroup", "minOccurs", "maxOccurs", "default", "fixed", "nillable",
-         "abstract", "final", "block", "form"},
-        Joined({types, identity}),
-        types}},
-      {Tag::Attribute,
-       {{"name", "ref", "type", "use", "default", "fixed", "form"}, {Tag::SimpleType}, {Tag::SimpleType}}},
-      {Tag::ComplexType, {{"name", "mixed", "abstract", "final", "block"}, Joined({contents, attributes}), contents}},
-      {Tag::SimpleContent, {{}, derivations, derivations}},
-      {Tag::ComplexContent, {{"mixed"}, derivations, derivations}},
-      {Tag::Extension, {{"base"}, Joined({models, attributes}), models}},
-      {Tag::Restriction,
-       {{"base"}, Joined({{Tag::SimpleType}, models, attributes, facets}), Joined({{Tag::SimpleType}, models})}},
-      {Tag::SimpleType,
-       {{"name", "final"}, {Tag::Restriction, Tag::List, Tag::Union}, {Tag::Restriction, Tag::List, Tag::Union}}},
-      {Tag::List, {{"itemType"}, {Tag::SimpleType}, {Tag::SimpleType}}},
-      {Tag::Union, {{"memberTypes"}, {Tag::SimpleType}, {}}},
-      {Tag::Group, {{"name", "ref", "minOccurs", "maxOccurs"}, {Tag::All, Tag::Choice, Tag::Sequence}, models}},
-      {Tag::AttributeGroup, {{"name", "ref"}, attributes, {}}},
-      {Tag::All, {{"minOccurs", "maxOccurs"}, {Tag::Element}, {}}},
-      {Tag::Choice, {{"minOccurs", "maxOccurs"}, particles, {}}},
-      {Tag::Sequence, {{"minOccurs", "maxOccurs"}, particles, {}}},
-      {Tag::Any, {{"namespace", "processContents", "minOccurs", "maxOccurs"}, {}, {}}},
-      {Tag::AnyAttribute, {{"namespace", "processContents"}, {}, {}}},
-      {Tag::Notation, {{"name", "public", "system"}, {}, {}}},
-      {Tag::Unique, identityRule},
-      {Tag::Key, identityRule},
-      {Tag::Keyref, identityRule},
-      {Tag::Selector, {{"xpath"}, {}, {}}},
-      {Tag::Field, {{"xpath"}, {}, {}}},
-  };
-  for (Tag const tag : facets) rules[tag] = facet;
-  return rules;
-}
-
-Rule const* RuleFor(Tag tag) {
-  static auto const& rules = *new std::unordered_map<Tag, Rule>(MakeRules());
-  auto const found = rules.find(tag);
-  return found != rules.end() ? &found->second : nullptr;
-}
-
-template <class List, class Item>
-bool Contains(List const& list, Item const& item) {
-  return std::find(list.begin(), list.end(), item) != list.end();
-}
-
 std::string Named(Node const& node) { return "xs:" + std::string(node.name); }
+
+std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 /// What XML Schema 1.1 added and what only checks documents, so that leaving it out does no harm to the classes.
 bool IsCheckOfVersion11(Tag tag) { return tag == Tag::Assert || tag == Tag::Assertion || tag == Tag::ExplicitTimezone; }
+
+bool IsCheckOfVersion11(std::string_view attribute) {
+  return attribute == "notNamespace" || attribute == "notQName" || attribute == "inheritable" ||
+         attribute == "xpathDefaultNamespace";
+}
 
 bool IsStructureOfVersion11(Tag tag) {
   return tag == Tag::Alternative || tag == Tag::OpenContent || tag == Tag::DefaultOpenContent || tag == Tag::Override;
 }
 
-void CheckAttributes(Node const& node, Rule const& rule, Diagnostics& diagnostics) {
-  for (NodeAttribute const& attribute : node.attributes) {
-    if (!attribute.ns.empty() || attribute.name == "id" || Contains(rule.attributes, attribute.name)) continue;
-    diagnostics.Error(node.place, Named(node) + " has no attribute \"" + std::string(attribute.name) + "\"");
-  }
-}
+class Grammar {
+ public:
+  explicit Grammar(Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
-/// Return whether the child may stand there.
-bool CheckChild(Node const& node, Node const& child, Rule const& rule, Diagnostics& diagnostics) {
-  if (Contains(rule.children, child.tag)) return true;
-  if (IsCheckOfVersion11(child.tag)) {
-    diagnostics.Warning(child.place, Named(child) + " belongs to XML Schema 1.1 and is not checked");
-  } else if (IsStructureOfVersion11(child.tag)) {
-    diagnostics.Error(child.place, Named(child) + " belongs to XML Schema 1.1, which is not supported");
-  } else if (child.tag == Tag::Foreign) {
-    diagnostics.Error(child.place, "unexpected element \"" + std::string(child.name) + "\" in " + Named(node));
-  } else if (child.tag == Tag::Unknown && node.tag == Tag::Restriction) {
-    diagnostics.Error(child.place, "unknown facet " + Named(child));
-  } else {
-    diagnostics.Error(child.place, "unexpected " + Named(child) + " in " + Named(node));
+  void Check(Node const& node, Form form) {
+    Rule const& rule = RuleOf(form);
+    CheckAttributes(node, rule);
+    bool const isFree = form == Form::Appinfo || form == Form::Documentation;
+    if (isFree) return CheckDocumentation(node);
+    if (!Trimmed(node.text).empty()) m_diagnostics.Error(node.place, "unexpected text in " + Named(node));
+    CheckChildren(node, rule);
+    CheckRepresentation(node, form, m_diagnostics);
   }
-  return false;
-}
 
-void CheckNode(Node const& node, Diagnostics& diagnostics) {
-  Rule const* const rule = RuleFor(node.tag);
-  if (rule == nullptr) return;
-  CheckAttributes(node, *rule, diagnostics);
-  Node const* only = nullptr;
-  for (Node const& child : node.children) {
-    if (child.tag == Tag::Annotation) continue;
-    if (!CheckChild(node, child, *rule, diagnostics)) continue;
-    CheckNode(child, diagnostics);
-    if (!Contains(rule->oneOf, child.tag)) continue;
-    if (only != nullptr) {
-      diagnostics.Error(child.place, Named(child) + " cannot stand next to " + Named(*only) + " in " + Named(node));
+ private:
+  void CheckAttributes(Node const& node, Rule const& rule) {
+    for (NodeAttribute const& attribute : node.attributes) {
+      if (attribute.ns.empty()) {
+        CheckAttribute(node, attribute, rule);
+      } else if (attribute.ns == kSchemaNamespace) {
+        Report(node, Named(node) + " has no attribute " + Quoted(attribute.name) + " of the namespace of XML Schema");
+      }
     }
-    only = &child;
+    for (AttributeRule const& wanted : rule.attributes) {
+      if (wanted.required && !node.Has(wanted.name)) Report(node, Named(node) + " has no " + std::string(wanted.name));
+    }
   }
-}
+
+  void CheckAttribute(Node const& node, NodeAttribute const& attribute, Rule const& rule) {
+    if (attribute.name == "id") return CheckId(node, Trimmed(attribute.value));
+    auto const found = std::find_if(rule.attributes.begin(), rule.attributes.end(),
+                                    [&](AttributeRule const& each) { return each.name == attribute.name; });
+    if (found != rule.attributes.end()) {
+      std::string const fault = FaultOf(found->kind, attribute.name, attribute.value);
+      if (!fault.empty()) Report(node, fault);
+    } else if (IsCheckOfVersion11(attribute.name)) {
+      m_diagnostics.Warning(
+          node.place, "the attribute " + Quoted(attribute.name) + " belongs to XML Schema 1.1 and is not checked");
+    } else {
+      Report(node, Named(node) + " has no attribute " + Quoted(attribute.name));
+    }
+  }
+
+  void CheckId(Node const& node, std::string_view id) {
+    std::string const fault = FaultOf(AttributeKind::Id, "id", id);
+    if (!fault.empty()) return Report(node, fault);
+    if (!m_ids.insert(id).second) Report(node, "the id " + Quoted(id) + " stands twice in this file");
+  }
+
+  void CheckDocumentation(Node const& node) {
+    for (NodeAttribute const& attribute : node.attributes) {
+      std::string_view const language = Trimmed(attribute.value);
+      if (attribute.ns != kXmlNamespace || attribute.name != "lang" || language.empty()) continue;
+      if (!IsLanguage(language)) Report(node, Quoted(language) + " is not a language");
+    }
+  }
+
+  void CheckChildren(Node const& node, Rule const& rule) {
+    Slot const* current = rule.slots.data();
+    Slot const* const end = current + rule.slots.size();
+    Node const* last = nullptr;  // the child before
+    for (Node const& child : node.children) {
+      Slot const* found = nullptr;
+      Form const form = FormOf(child, current, end, found);
+      if (found == nullptr) {
+        ReportChild(node, child, last, rule);
+        continue;
+      }
+      CheckRequired(node, current, found, last);
+      Check(child, form);
+      current = found->repeated ? found : found + 1;
+      if (child.tag == Tag::SimpleContent || child.tag == Tag::ComplexContent) current = end;
+      last = &child;
+    }
+    CheckRequired(node, current, end, last);
+  }
+
+  /// Find the slot from \p current on that takes \p child.
+  static Form FormOf(Node const& child, Slot const* current, Slot const* end, Slot const*& found) {
+    for (Slot const* slot = current; slot != end; ++slot) {
+      for (Slot::Child const& each : slot->children) {
+        if (each.tag != child.tag) continue;
+        found = slot;
+        return each.form;
+      }
+    }
+    return Form::Schema;
+  }
+
+  void CheckRequired(Node const& node, Slot const* from, Slot const* to, Node const* last) {
+    for (Slot const* slot = from; slot != to; ++slot) {
+      if (!slot->required || (slot->repeated && last != nullptr && Takes(*slot, *last))) continue;
+      std::string names;
+      for (std::size_t i = 0; i != slot->children.size(); ++i) {
+        if (i != 0) names += i + 1 == slot->children.size() ? " or " : ", ";
+        names += "xs:" + std::string(NameOf(slot->children[i].tag));
+      }
+      Report(node, Named(node) + " needs " + names);
+    }
+  }
+
+  static bool Takes(Slot const& slot, Node const& child) {
+    return std::any_of(slot.children.begin(), slot.children.end(),
+                       [&](Slot::Child const& each) { return each.tag == child.tag; });
+  }
+
+  void ReportChild(Node const& node, Node const& child, Node const* last, Rule const& rule) {
+    bool const isKnown =
+        std::any_of(rule.slots.begin(), rule.slots.end(), [&](Slot const& slot) { return Takes(slot, child); });
+    if (isKnown && last != nullptr) {
+      bool const isAlternative = std::any_of(rule.slots.begin(), rule.slots.end(), [&](Slot const& slot) {
+        return Takes(slot, child) && Takes(slot, *last);
+      });
+      bool const ends = last->tag == Tag::SimpleContent || last->tag == Tag::ComplexContent;
+      Report(child, Named(child) + " cannot stand " + (isAlternative || ends ? "next to " : "after ") + Named(*last) +
+                        " in " + Named(node));
+    } else if (IsCheckOfVersion11(child.tag)) {
+      m_diagnostics.Warning(child.place, Named(child) + " belongs to XML Schema 1.1 and is not checked");
+    } else if (IsStructureOfVersion11(child.tag)) {
+      Report(child, Named(child) + " belongs to XML Schema 1.1, which is not supported");
+    } else if (child.tag == Tag::Foreign) {
+      Report(child, "unexpected element " + Quoted(child.name) + " in " + Named(node));
+    } else if (child.tag == Tag::Unknown && node.tag == Tag::Restriction) {
+      Report(child, "unknown facet " + Named(child));
+    } else {
+      Report(child, "unexpected " + Named(child) + " in " + Named(node));
+    }
+  }
+
+  void Report(Node const& node, std::string text) { m_diagnostics.Error(node.place, std::move(text)); }
+
+  Diagnostics& m_diagnostics;
+  std::unordered_set<std::string_view> m_ids;
+};
 
 }  // namespace
 
-void CheckGrammar(Node const& schema, Diagnostics& diagnostics) { CheckNode(schema, diagnostics); }
+void CheckGrammar(Node const& schema, Diagnostics& diagnostics) { Grammar(diagnostics).Check(schema, Form::Schema); }
 
 }  // namespace Quillon9Generator::Schema

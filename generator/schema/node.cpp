@@ -5,7 +5,9 @@
 
 namespace Quillon9Generator::Schema {
 
-Tag TagOf(std::string_view localName) {
+namespace {
+
+std::unordered_map<std::string_view, Tag> const& Tags() {
   static auto const& tags = *new std::unordered_map<std::string_view, Tag>{
       {"all", Tag::All},
       {"alternative", Tag::Alternative},
@@ -57,8 +59,19 @@ Tag TagOf(std::string_view localName) {
       {"unique", Tag::Unique},
       {"whiteSpace", Tag::WhiteSpace},
   };
-  auto const found = tags.find(localName);
-  return found != tags.end() ? found->second : Tag::Unknown;
+  return tags;
+}
+
+}  // namespace
+
+Tag TagOf(std::string_view localName) {
+  auto const found = Tags().find(localName);
+  return found != Tags().end() ? found->second : Tag::Unknown;
+}
+
+std::string_view NameOf(Tag tag) {
+  auto const found = std::find_if(Tags().begin(), Tags().end(), [=](auto const& each) { return each.second == tag; });
+  return found != Tags().end() ? found->first : std::string_view();
 }
 
 std::optional<std::string_view> Scope::Find(std::string_view prefix) const {

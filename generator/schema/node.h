@@ -70,6 +70,8 @@ enum class Tag {
 
 /// Return the tag of an element of the namespace of XML Schema.
 Tag TagOf(std::string_view localName);
+/// Return the local name of an element of the namespace of XML Schema.
+std::string_view NameOf(Tag tag);
 
 /// The prefixes that one start tag declares, in alphabetical order, and the scope around it. The default namespace has
 /// an empty prefix.
@@ -94,7 +96,7 @@ struct Node {
   Tag tag = Tag::Foreign;
   std::string_view ns;
   std::string_view name;
-  std::string_view text;
+  std::string_view text;  ///< without that of child elements, except in xs:documentation
   Place place;
   Scope const* scope = nullptr;
   std::vector<NodeAttribute> attributes;  ///< without the declarations of namespaces

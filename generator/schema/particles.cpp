@@ -34,10 +34,6 @@ bool Builder::MakeTerm(Particle& particle, Document const& document, Node const&
 
 bool Builder::MakeElementTerm(Particle& particle, Document const& document, Node const& node) {
   if (auto const reference = node.Find("ref")) {
-    if (node.Has("name") || node.Has("type") || node.Child(Tag::SimpleType) != nullptr ||
-        node.Child(Tag::ComplexType) != nullptr) {
-      m_diagnostics.Error(node.place, "xs:element with ref has neither a name nor a type of its own");
-    }
     Global<ElementDeclaration> const* const element = Find(m_elements, "element", document, node, *reference);
     if (element != nullptr) particle.term = element->object;
     return element != nullptr;
@@ -54,10 +50,7 @@ bool Builder::MakeElementTerm(Particle& particle, Document const& document, Node
 
 bool Builder::MakeGroupTerm(Particle& particle, Document const& document, Node const& node) {
   std::optional<std::string_view> const reference = node.Find("ref");
-  if (!reference) {
-    m_diagnostics.Error(node.place, "xs:group has no ref");
-    return false;
-  }
+  if (!reference) return false;
   Global<GroupDefinition> const* const group = Find(m_groups, "group", document, node, *reference);
   if (group == nullptr) return false;
   particle.group = group->object;
@@ -72,12 +65,7 @@ void Builder::FillModelGroup(ModelGroup& group, Document const& document, Node c
                                                : ModelGroup::Compositor::Sequence;
   for (Node const& child : node.children) {
     if (child.tag == Tag::Annotation) continue;
-    std::optional<Particle> particle = MakeParticle(document, child);
-    if (!particle) continue;
-    if (node.tag == Tag::All && particle->maxOccurs != 1) {
-      m_diagnostics.Error(child.place, "an element in xs:all cannot occur more than once");
-    }
-    group.particles.push_back(std::move(*particle));
+    if (std::optional<Particle> particle = MakeParticle(document, child)) group.particles.push_back(*particle);
   }
 }
 
@@ -87,7 +75,6 @@ void Builder::FillGroup(GroupDefinition const& definition, Document const& docum
     // Made by this builder, which has only handed it out as constant.
     return FillModelGroup(const_cast<ModelGroup&>(*definition.group), document, child);
   }
-  m_diagnostics.Error(node.place, "xs:group needs xs:sequence, xs:choice or xs:all");
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -22,11 +22,11 @@ SimpleType const* Builder::AnonymousSimpleType(Document const& document, Node co
 
 void Builder::FillSimpleType(SimpleType& type, Document const& document, Node const& node) {
   Derive(type, m_builtIns.Get(BuiltIn::AnySimpleType));
+  if (!type.IsAnonymous()) type.final = ReadDerivations(document, node, "final", kRestriction | kList | kUnion);
   if (Node const* const restriction = node.Child(Tag::Restriction))
     return FillRestriction(type, document, *restriction);
   if (Node const* const list = node.Child(Tag::List)) return FillList(type, document, *list);
   if (Node const* const members = node.Child(Tag::Union)) return FillUnion(type, document, *members);
-  m_diagnostics.Error(node.place, "xs:simpleType needs xs:restriction, xs:list or xs:union");
 }
 
 void Builder::FillRestriction(SimpleType& type, Document const& document, Node const& node) {
@@ -42,8 +42,6 @@ SimpleType const* Builder::ReferredSimpleType(Document const& document, Node con
   Node const* const anonymous = node.Child(Tag::SimpleType);
   if (name && anonymous == nullptr) return FindSimpleType(document, node, *name);
   if (!name && anonymous != nullptr) return AnonymousSimpleType(document, *anonymous);
-  m_diagnostics.Error(node.place,
-                      "xs:" + std::string(node.name) + " needs either " + std::string(attribute) + " or xs:simpleType");
   return nullptr;
 }
 
@@ -78,7 +76,6 @@ void Builder::FillUnion(SimpleType& type, Document const& document, Node const& 
   for (Node const& child : node.children) {
     if (child.tag == Tag::SimpleType) type.memberTypes.push_back(AnonymousSimpleType(document, child));
   }
-  if (type.memberTypes.empty()) m_diagnostics.Error(node.place, "xs:union has no member types");
 }
 
 bool Builder::MayInherit(std::size_t count, Place const& place) {

@@ -82,6 +82,7 @@ void SourceFile::Fill(Node& node, Quillon9::CXmlElement const& element, Scope co
   Name(node, element.GetLocalName());
   if (node.tag == Tag::Documentation) return FillDocumentation(node, element);
   if (node.tag == Tag::Appinfo) return SkipTags(element);
+  node.text = element.GetTextView();
   FillChildren(node, element, depth);
 }
 

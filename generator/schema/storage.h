@@ -17,6 +17,7 @@ struct Storage {
   std::deque<ModelGroup> modelGroups;
   std::deque<GroupDefinition> groups;
   std::deque<Wildcard> wildcards;
+  std::deque<IdentityConstraint> identityConstraints;
 };
 
 }  // namespace Quillon9Generator::Schema

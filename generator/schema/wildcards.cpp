@@ -58,8 +58,6 @@ Wildcard Builder::MakeWildcard(Document const& document, Node const& node) {
     wildcard.processing = Wildcard::Processing::Lax;
   } else if (processing == "skip") {
     wildcard.processing = Wildcard::Processing::Skip;
-  } else if (processing != "strict") {
-    m_diagnostics.Error(node.place, "wrong processContents \"" + std::string(processing) + "\"");
   }
   return wildcard;
 }
