@@ -82,7 +82,8 @@ Builder::UsesByName Builder::ByName(std::vector<AttributeUse> const& uses) {
 void Builder::AddAttributeGroup(AttributeSet& set, Document const& document, Node const& node) {
   std::optional<std::string_view> const reference = node.Find("ref");
   if (!reference) return;
-  Global<AttributeSet>* const group = Find(m_attributeGroups, "attribute group", document, node, *reference);
+  Global<AttributeSet>* group = Original(m_oldAttributeGroups, document, node);
+  if (group == nullptr) group = Find(m_attributeGroups, "attribute group", document, node, *reference);
   if (group == nullptr) return;
   Complete(*group);
   AttributeSet const& added = *group->object;

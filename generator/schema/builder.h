@@ -41,6 +41,16 @@ class Builder {
   template <class Object>
   using Table = std::map<QualifiedName, Global<Object>>;
 
+  /// What redefinitions replace. It has no name any more; only the elements that say what the new definition keeps of
+  /// it still refer to it.
+  template <class Object>
+  struct Originals {
+    std::deque<Global<Object>> all;
+    std::map<std::pair<Document const*, Node const*>, Global<Object>*> byReference;
+    /// Those that a group replaces that does not refer to them, by name.
+    std::vector<std::pair<QualifiedName, Global<Object>*>> restricted;
+  };
+
   /// The attributes of a type or group, before those of a base are known.
   struct AttributeSet {
     std::vector<AttributeUse> uses;
@@ -76,6 +86,8 @@ class Builder {
   void DeclareOne(Document const& document, Node const& node);
   template <class Object>
   void AddGlobal(Table<Object>& table, std::deque<Object>& storage, Document const& document, Node const& node);
+  template <class Object>
+  Object& NewObject(std::deque<Object>& storage, QualifiedName const& name, Node const& node);
   void AddType(Document const& document, Node const& node);
   template <class Object>
   void ReportDuplicate(Document const& document, Node const& node, Global<Object> const& first);
@@ -83,7 +95,16 @@ class Builder {
   std::optional<QualifiedName> GlobalName(Document const& document, Node const& node);
   std::optional<QualifiedName> LocalName(Document const& document, Node const& node, std::string_view formDefault);
   void FillAll(SchemaSet& set);
-  void FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set);
+  void FillGlobal(Tag tag, QualifiedName const& name, SchemaSet& set);
+
+  // redefine.cpp
+  void Redefine(std::vector<Document const*> const& documents);
+  void RedefineOne(Document const& document, Node const& node);
+  template <class Object>
+  void Replace(Table<Object>& table, std::deque<Object>& storage, Originals<Object>& originals,
+               Document const& document, Node const& node);
+  template <class Object>
+  static Global<Object>* Original(Originals<Object> const& originals, Document const& document, Node const& reference);
 
   // completion.cpp: in which order components are filled that need one another
   bool MayDescend(Node const& node);
@@ -203,7 +224,11 @@ class Builder {
   Table<GroupDefinition> m_groups;
   Table<AttributeSet> m_attributeGroups;
   std::deque<AttributeSet> m_attributeSets;
-  std::vector<std::pair<Node const*, QualifiedName>> m_order;  // of all global components
+  std::vector<std::pair<Tag, QualifiedName>> m_order;  // of all global components
+  Originals<SimpleType> m_oldSimpleTypes;
+  Originals<ComplexType> m_oldComplexTypes;
+  Originals<GroupDefinition> m_oldGroups;
+  Originals<AttributeSet> m_oldAttributeGroups;
   std::deque<Pending> m_pending;
   std::map<QualifiedName, IdentityConstraint*> m_identityConstraints;
   std::vector<PendingKeyref> m_keyrefs;

@@ -24,6 +24,7 @@ struct QualifiedName {
   std::string local;
 
   bool operator==(QualifiedName const& other) const { return local == other.local && ns == other.ns; }
+  bool operator!=(QualifiedName const& other) const { return !(*this == other); }
   bool operator<(QualifiedName const& other) const { return ns != other.ns ? ns < other.ns : local < other.local; }
 };
 

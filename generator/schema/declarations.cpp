@@ -28,6 +28,7 @@ void Builder::Build(Documents const& documents, SchemaSet& set) {
     if (namespaces.insert(document->targetNamespace).second) set.targetNamespaces.push_back(document->targetNamespace);
     Declare(*document);
   }
+  Redefine(documents.All());
   FillAll(set);
 }
 
@@ -53,16 +54,26 @@ void Builder::AddGlobal(Table<Object>& table, std::deque<Object>& storage, Docum
   if (!name) return;
   auto const [entry, isNew] = table.try_emplace(*name);
   if (!isNew) return ReportDuplicate(document, node, entry->second);
+  entry->second = {&node, &document, &NewObject(storage, *name, node), State::Empty};
+  m_order.emplace_back(node.tag, *name);
+}
+
+template <class Object>
+Object& Builder::NewObject(std::deque<Object>& storage, QualifiedName const& name, Node const& node) {
   Object& object = storage.emplace_back();
   if constexpr (!std::is_same_v<Object, AttributeSet>) {
-    object.name = *name;
+    object.name = name;
     Describe(object, node);
   }
   if constexpr (std::is_same_v<Object, SimpleType>) object.base = m_builtIns.Get(BuiltIn::AnySimpleType);
   if constexpr (std::is_same_v<Object, GroupDefinition>) object.group = &m_storage.modelGroups.emplace_back();
-  entry->second = {&node, &document, &object, State::Empty};
-  m_order.emplace_back(&node, *name);
+  return object;
 }
+
+template SimpleType& Builder::NewObject(std::deque<SimpleType>&, QualifiedName const&, Node const&);
+template ComplexType& Builder::NewObject(std::deque<ComplexType>&, QualifiedName const&, Node const&);
+template GroupDefinition& Builder::NewObject(std::deque<GroupDefinition>&, QualifiedName const&, Node const&);
+template Builder::AttributeSet& Builder::NewObject(std::deque<AttributeSet>&, QualifiedName const&, Node const&);
 
 void Builder::AddType(Document const& document, Node const& node) {
   std::optional<QualifiedName> const name = GlobalName(document, node);
@@ -89,6 +100,11 @@ void Builder::ReportDuplicate(Document const& document, Node const& node, Global
                                       "\" is defined twice; the first is " + At(first.node->place));
 }
 
+template void Builder::ReportDuplicate(Document const&, Node const&, Global<SimpleType> const&);
+template void Builder::ReportDuplicate(Document const&, Node const&, Global<ComplexType> const&);
+template void Builder::ReportDuplicate(Document const&, Node const&, Global<GroupDefinition> const&);
+template void Builder::ReportDuplicate(Document const&, Node const&, Global<AttributeSet> const&);
+
 std::optional<QualifiedName> Builder::GlobalName(Document const& document, Node const& node) {
   std::string const name = ReadName(node);
   if (name.empty()) return std::nullopt;
@@ -109,7 +125,8 @@ std::string Builder::ReadName(Node const& node) {
 }
 
 void Builder::FillAll(SchemaSet& set) {
-  for (auto const& [node, name] : m_order) FillGlobal(*node, name, set);
+  for (auto const& [tag, name] : m_order) FillGlobal(tag, name, set);
+  for (auto const& original : m_oldGroups.all) FillGroup(*original.object, *original.document, *original.node);
   for (; !m_pending.empty(); m_pending.pop_front()) {
     Pending const next = m_pending.front();
     FillComplexType(*next.type, *next.document, *next.node);
@@ -120,24 +137,24 @@ void Builder::FillAll(SchemaSet& set) {
   CheckGroups();
 }
 
-void Builder::FillGlobal(Node const& node, QualifiedName const& name, SchemaSet& set) {
-  if (node.tag == Tag::Element) {
+void Builder::FillGlobal(Tag tag, QualifiedName const& name, SchemaSet& set) {
+  if (tag == Tag::Element) {
     auto const& global = m_elements[name];
     global.object->global = true;
-    FillElement(*global.object, *global.document, node);
+    FillElement(*global.object, *global.document, *global.node);
     set.elements.push_back(global.object);
-  } else if (node.tag == Tag::Attribute) {
+  } else if (tag == Tag::Attribute) {
     auto const& global = m_attributes[name];
     global.object->global = true;
-    FillAttribute(*global.object, *global.document, node);
+    FillAttribute(*global.object, *global.document, *global.node);
     set.attributes.push_back(global.object);
-  } else if (node.tag == Tag::Group) {
+  } else if (tag == Tag::Group) {
     auto const& global = m_groups[name];
-    FillGroup(*global.object, *global.document, node);
+    FillGroup(*global.object, *global.document, *global.node);
     set.groups.push_back(global.object);
-  } else if (node.tag == Tag::AttributeGroup) {
+  } else if (tag == Tag::AttributeGroup) {
     Complete(m_attributeGroups[name]);
-  } else if (node.tag == Tag::SimpleType) {
+  } else if (tag == Tag::SimpleType) {
     Complete(m_simpleTypes[name]);
     set.simpleTypes.push_back(m_simpleTypes[name].object);
   } else {

@@ -83,7 +83,6 @@ bool Documents::IsCopy(Document const& document) {
 
 void Documents::Follow(Document const& document) {
   for (Node const& node : document.Root().children) {
-    if (node.tag == Tag::Redefine) m_diagnostics.Error(node.place, "xs:redefine is not supported yet");
     if (node.tag == Tag::Include || node.tag == Tag::Redefine) Include(document, node);
     if (node.tag == Tag::Import) Import(document, node);
   }
@@ -91,13 +90,9 @@ void Documents::Follow(Document const& document) {
 
 void Documents::Include(Document const& document, Node const& node) {
   std::string_view const location = Trimmed(node.Find("schemaLocation").value_or(""));
-  if (location.empty())
-    return m_diagnostics.Error(node.place, "xs:" + std::string(node.name) + " has no schemaLocation");
+  if (!node.Has("schemaLocation")) return;
   std::vector<Location> const found = m_locations.Find(location, document.location);
-  if (found.empty()) {
-    return m_diagnostics.Error(node.place, "cannot find " + Quoted(location) +
-                                               (IsRemote(location) ? "; name a file for it with --catalog" : ""));
-  }
+  if (found.empty()) return ReportLost(node, location);
   SourceFile const* const source = Read(found.front().path, node.place);
   if (source == nullptr) return;
   std::string const ns = TargetNamespace(*source);
@@ -107,6 +102,15 @@ void Documents::Include(Document const& document, Node const& node) {
   }
   Add({source, found.front(), document.targetNamespace, document.import,
        ns.empty() && !document.targetNamespace.empty()});
+}
+
+/// What is missing is an error where something refers to it.
+void Documents::ReportLost(Node const& node, std::string_view location) {
+  std::string const text =
+      "cannot find " + Quoted(location) + (IsRemote(location) ? "; name a file for it with --catalog" : "");
+  bool const isNeeded = std::any_of(node.children.begin(), node.children.end(),
+                                    [](Node const& child) { return child.tag != Tag::Annotation; });
+  isNeeded ? m_diagnostics.Error(node.place, text) : m_diagnostics.Warning(node.place, text);
 }
 
 void Documents::Import(Document const& document, Node const& node) {

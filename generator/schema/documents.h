@@ -53,6 +53,7 @@ class Documents {
   bool IsCopy(Document const& document);
   void Follow(Document const& document);
   void Include(Document const& document, Node const& node);
+  void ReportLost(Node const& node, std::string_view location);
   void Import(Document const& document, Node const& node);
   bool ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch);
   void AddWellKnown();

@@ -45,8 +45,8 @@ void Builder::FillSubstitution(ElementDeclaration& element, Document const& docu
 }
 
 void Builder::CompleteSubstitutions() {
-  for (auto const& [node, name] : m_order) {
-    if (node->tag != Tag::Element) continue;
+  for (auto const& [tag, name] : m_order) {
+    if (tag != Tag::Element) continue;
     ElementDeclaration& element = *m_elements[name].object;
     CheckSubstitution(element);
     TakeTypeOfHead(element);

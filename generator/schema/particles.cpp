@@ -51,7 +51,8 @@ bool Builder::MakeElementTerm(Particle& particle, Document const& document, Node
 bool Builder::MakeGroupTerm(Particle& particle, Document const& document, Node const& node) {
   std::optional<std::string_view> const reference = node.Find("ref");
   if (!reference) return false;
-  Global<GroupDefinition> const* const group = Find(m_groups, "group", document, node, *reference);
+  Global<GroupDefinition> const* group = Original(m_oldGroups, document, node);
+  if (group == nullptr) group = Find(m_groups, "group", document, node, *reference);
   if (group == nullptr) return false;
   particle.group = group->object;
   particle.term = group->object->group;  // perhaps filled later

@@ -65,6 +65,11 @@ std::string Builder::HintFor(QualifiedName const& name, bool isInTarget) const {
 }
 
 Builder::TypeReference Builder::FindType(Document const& document, Node const& node, std::string_view text) {
+  if (auto* const complex = Original(m_oldComplexTypes, document, node)) return {nullptr, complex};
+  if (auto* const simple = Original(m_oldSimpleTypes, document, node)) {
+    Complete(*simple);
+    return {simple->object, nullptr};
+  }
   std::optional<QualifiedName> const name = Resolve(document, node, text);
   if (!name) return {};
   if (auto const simple = m_simpleTypes.find(*name); simple != m_simpleTypes.end()) {
