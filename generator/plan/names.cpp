@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include "plan/transliteration.h"
+#include "schema/lexical.h"
 
 namespace Quillon9Generator::Plan {
 
@@ -30,7 +31,7 @@ std::string CamelOf(std::string_view utf8) {
   std::string result;
   bool raise = true;
   while (!utf8.empty()) {
-    char32_t const c = TakeCharacter(utf8);
+    char32_t const c = Schema::TakeCharacter(utf8);
     if (IsCombining(c)) continue;
     if (c == '_') {
       if (result.empty() || result.back() != '_') result += '_';  // two together are reserved
@@ -54,7 +55,7 @@ std::string CodesOf(std::string_view utf8) {
   static constexpr char kDigits[] = "0123456789ABCDEF";
   std::string result;
   while (!utf8.empty()) {
-    char32_t const c = TakeCharacter(utf8);
+    char32_t const c = Schema::TakeCharacter(utf8);
     result += 'U';
     for (int shift = c > 0xFFFF ? 20 : 12; shift >= 0; shift -= 4) result += kDigits[c >> shift & 0xF];
   }

@@ -45,31 +45,7 @@ std::string_view TextInBlock(Block const& block, char32_t character) {
   return "?";
 }
 
-int TrailingBytes(unsigned char lead) {
-  if (lead >= 0xC2 && lead < 0xE0) return 1;
-  if (lead >= 0xE0 && lead < 0xF0) return 2;
-  if (lead >= 0xF0 && lead < 0xF5) return 3;
-  return 0;
-}
-
 }  // namespace
-
-char32_t TakeCharacter(std::string_view& utf8) {
-  constexpr char32_t kReplacement = 0xFFFD;
-  auto const lead = static_cast<unsigned char>(utf8.front());
-  int const trailing = TrailingBytes(lead);
-  utf8.remove_prefix(1);
-  if (lead < 0x80) return lead;
-  if (trailing == 0 || utf8.size() < static_cast<std::size_t>(trailing)) return kReplacement;
-  char32_t result = lead & (0x3Fu >> trailing);
-  for (int i = 0; i < trailing; ++i) {
-    auto const next = static_cast<unsigned char>(utf8.front());
-    if ((next & 0xC0u) != 0x80) return kReplacement;
-    result = result << 6 | (next & 0x3Fu);
-    utf8.remove_prefix(1);
-  }
-  return result;
-}
 
 std::string Transliterate(char32_t character) {
   if (IsSilent(character)) return "";

@@ -5,9 +5,9 @@
 #include <memory>
 #include <utility>
 
-#include "plan/patterns.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
+#include "schema/patterns.h"
 
 namespace Quillon9Generator::Plan {
 
@@ -249,7 +249,7 @@ ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
 }
 
 void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
-  std::optional<std::string> const pattern = CombinePatterns(PatternsOfUser(type));
+  std::optional<std::string> const pattern = Schema::CombinePatterns(PatternsOfUser(type));
   char const* cause = "it is no regular expression of XML Schema";
   try {
     if (pattern && !pattern->empty()) TestRegEx(*pattern, "");

@@ -146,6 +146,7 @@ class Builder {
   void FillUnion(SimpleType& type, Document const& document, Node const& node);
   static bool HasFacets(Node const& node);
   void ApplyFacets(SimpleType& type, Node const& node);
+  void CheckPatternOf(Node const& facet);
   bool CheckFacet(SimpleType const& type, Node const& facet);
   void ApplyWhiteSpace(SimpleType& type, Node const& facet);
   void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);

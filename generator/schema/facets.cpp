@@ -3,6 +3,7 @@
 #include <set>
 
 #include "schema/builder.h"
+#include "schema/patterns.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -87,6 +88,7 @@ void Builder::ApplyFacets(SimpleType& type, Node const& node) {
     if (!IsFacet(facet.tag) || !CheckFacet(type, facet)) continue;
     std::string_view const text = *facet.Find("value");
     if (facet.tag == Tag::Pattern) {
+      CheckPatternOf(facet);
       patterns.emplace_back(text);
     } else if (facet.tag == Tag::Enumeration) {
       Describe(values.emplace_back(), facet);
@@ -100,6 +102,14 @@ void Builder::ApplyFacets(SimpleType& type, Node const& node) {
   if (!patterns.empty()) type.facets.patterns.push_back(std::move(patterns));
   if (!values.empty()) type.facets.enumeration = std::move(values);
   CheckLengths(type, node);
+}
+
+void Builder::CheckPatternOf(Node const& facet) {
+  std::string_view const pattern = *facet.Find("value");
+  PatternFaults const faults = CheckPattern(pattern);
+  std::string const start = "the pattern \"" + std::string(pattern) + "\" is no regular expression of XML Schema: ";
+  if (!faults.error.empty()) return m_diagnostics.Error(facet.place, start + faults.error);
+  if (!faults.warning.empty()) m_diagnostics.Warning(facet.place, start + faults.warning);
 }
 
 bool Builder::CheckFacet(SimpleType const& type, Node const& facet) {

@@ -1,28 +1,22 @@
 #include "schema/lexical.h"
 
 #include <algorithm>
-#include <iterator>
+#include <cstddef>
 
 namespace Quillon9Generator::Schema {
 
 namespace {
 
-struct Range {
-  char32_t first, last;
-};
+bool Contains(CharacterRanges const& ranges, char32_t character) {
+  return std::any_of(ranges.begin(), ranges.end(),
+                     [=](auto const& range) { return character >= range.first && character <= range.second; });
+}
 
-// https://www.w3.org/TR/xml/#NT-NameStartChar
-constexpr Range kStart[] = {{':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
-                            {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
-                            {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
-                            {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
-// What may follow besides.
-constexpr Range kRest[] = {{'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040}};
-
-template <std::size_t Size>
-bool Contains(Range const (&ranges)[Size], char32_t character) {
-  return std::any_of(std::begin(ranges), std::end(ranges),
-                     [=](Range range) { return character >= range.first && character <= range.last; });
+int TrailingBytes(unsigned char lead) {
+  if (lead >= 0xC2 && lead < 0xE0) return 1;
+  if (lead >= 0xE0 && lead < 0xF0) return 2;
+  if (lead >= 0xF0 && lead < 0xF5) return 3;
+  return 0;
 }
 
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -30,33 +24,53 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 }  // namespace
 
-char32_t TakeCodePoint(std::string_view& utf8) {
-  auto const byte = [&](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
-  std::size_t const length = byte(0) < 0x80 ? 1 : byte(0) >= 0xF0 ? 4 : byte(0) >= 0xE0 ? 3 : byte(0) >= 0xC0 ? 2 : 0;
-  if (length == 0 || length > utf8.size()) {
+char32_t TakeCharacter(std::string_view& utf8) {
+  constexpr char32_t kReplacement = 0xFFFD;
+  auto const lead = static_cast<unsigned char>(utf8.front());
+  int const trailing = TrailingBytes(lead);
+  utf8.remove_prefix(1);
+  if (lead < 0x80) return lead;
+  if (trailing == 0 || utf8.size() < static_cast<std::size_t>(trailing)) return kReplacement;
+  char32_t result = lead & (0x3Fu >> trailing);
+  for (int i = 0; i < trailing; ++i) {
+    auto const next = static_cast<unsigned char>(utf8.front());
+    if ((next & 0xC0u) != 0x80) return kReplacement;
+    result = result << 6 | (next & 0x3Fu);
     utf8.remove_prefix(1);
-    return 0xFFFD;
   }
-  char32_t character = length == 1 ? byte(0) : byte(0) & (0xFFU >> (length + 1));
-  for (std::size_t i = 1; i != length; ++i) character = character << 6 | (byte(i) & 0x3FU);
-  utf8.remove_prefix(length);
-  return character;
+  return result;
 }
 
-bool IsNameStart(char32_t character) { return Contains(kStart, character); }
-bool IsNameCharacter(char32_t character) { return IsNameStart(character) || Contains(kRest, character); }
+CharacterRanges const& NameStartCharacters() {
+  static auto const& ranges = *new CharacterRanges{
+      {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},     {0xD8, 0xF6},
+      {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+      {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+  return ranges;
+}
+
+CharacterRanges const& NameCharacters() {
+  static auto const& ranges = *new CharacterRanges{
+      {'-', '.'},       {'0', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xB7, 0xB7},
+      {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x37D},    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x203F, 0x2040},
+      {0x2070, 0x218F}, {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
+  return ranges;
+}
+
+bool IsNameStart(char32_t character) { return Contains(NameStartCharacters(), character); }
+bool IsNameCharacter(char32_t character) { return Contains(NameCharacters(), character); }
 
 bool IsNmtoken(std::string_view text) {
   if (text.empty()) return false;
   while (!text.empty()) {
-    if (!IsNameCharacter(TakeCodePoint(text))) return false;
+    if (!IsNameCharacter(TakeCharacter(text))) return false;
   }
   return true;
 }
 
 bool IsName(std::string_view text) {
   std::string_view rest = text;
-  return !text.empty() && IsNameStart(TakeCodePoint(rest)) && IsNmtoken(text);
+  return !text.empty() && IsNameStart(TakeCharacter(rest)) && IsNmtoken(text);
 }
 
 bool IsNCName(std::string_view text) { return IsName(text) && text.find(':') == std::string_view::npos; }

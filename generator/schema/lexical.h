@@ -1,13 +1,20 @@
 #pragma once
 
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// Texts of XML (https://www.w3.org/TR/xml/, https://www.w3.org/TR/xml-names/).
 namespace Quillon9Generator::Schema {
 
-/// Take the character at the start of \p utf8, which is not empty; U+FFFD for a byte that begins no character.
-char32_t TakeCodePoint(std::string_view& utf8);
+/// The character at the start of \p utf8, which is removed from it; U+FFFD for a byte that begins no character.
+char32_t TakeCharacter(std::string_view& utf8);
+
+/// The first and last characters of ranges, ascending and without overlap.
+using CharacterRanges = std::vector<std::pair<char32_t, char32_t>>;
+/// https://www.w3.org/TR/xml/#NT-NameStartChar and NameChar.
+CharacterRanges const& NameStartCharacters();
+CharacterRanges const& NameCharacters();
 
 bool IsNameStart(char32_t character);
 bool IsNameCharacter(char32_t character);

@@ -87,8 +87,8 @@ class PathReader {
   std::string_view TakeNCName() {
     std::string_view rest = m_rest;
     std::string_view next = rest;
-    if (rest.empty() || !IsNameStart(TakeCodePoint(next)) || rest.front() == ':') return {};
-    for (rest = next; !rest.empty() && rest.front() != ':' && IsNameCharacter(TakeCodePoint(next)); rest = next) {
+    if (rest.empty() || !IsNameStart(TakeCharacter(next)) || rest.front() == ':') return {};
+    for (rest = next; !rest.empty() && rest.front() != ':' && IsNameCharacter(TakeCharacter(next)); rest = next) {
     }
     std::string_view const name = m_rest.substr(0, m_rest.size() - rest.size());
     m_rest = rest;

@@ -1,6 +1,6 @@
 #include <clocale>
 
-#include "plan/patterns.h"
+#include "schema/patterns.h"
 #include "plan_text.h"
 #include "quillon9/values/pattern.h"
 
@@ -165,7 +165,7 @@ TEST(Patterns, MatchAsInXmlSchema) {
       {{{"\\\\i\\/"}}, {"\\i/"}, {"bi/"}},
   };
   for (auto const& each : cases) {
-    std::optional<std::string> const pattern = Plan::CombinePatterns(each.steps);
+    std::optional<std::string> const pattern = Schema::CombinePatterns(each.steps);
     ASSERT_TRUE(pattern) << each.steps[0][0];
     for (char const* text : each.matching) EXPECT_TRUE(Quillon9::TestRegEx(*pattern, text)) << *pattern << " " << text;
     for (char const* text : each.others) EXPECT_FALSE(Quillon9::TestRegEx(*pattern, text)) << *pattern << " " << text;
@@ -176,11 +176,11 @@ TEST(Patterns, MatchAsInXmlSchema) {
 TEST(Patterns, AreNoneWhereTheGrammarIsBroken) {
   for (char const* pattern : {"(a", "a)", "[a", "[]", "*a", "a**", "a{2,1}", "a{99999}", "\\q", "\\p{IsNothing}",
                               "\\p{L", "[z-a]", "a{", "\\", "[a-z-[b]"}) {
-    EXPECT_FALSE(Plan::CombinePatterns({{pattern}})) << pattern;
+    EXPECT_FALSE(Schema::CombinePatterns({{pattern}})) << pattern;
   }
-  EXPECT_FALSE(Plan::CombinePatterns({{std::string(100'000, '(')}}));
-  EXPECT_EQ(Plan::CombinePatterns({}), "");
-  EXPECT_EQ(Plan::CombinePatterns({{"[A-Z]{3,3}-\\."}}), "[A-Z]{3}-\\.");  // the library knows such patterns by heart
+  EXPECT_FALSE(Schema::CombinePatterns({{std::string(100'000, '(')}}));
+  EXPECT_EQ(Schema::CombinePatterns({}), "");
+  EXPECT_EQ(Schema::CombinePatterns({{"[A-Z]{3,3}-\\."}}), "[A-Z]{3}-\\.");  // the library knows such patterns by heart
 }
 
 }  // namespace

@@ -1,33 +1,16 @@
-#include "plan/patterns.h"
+#include "schema/patterns.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
 
-#include "plan/transliteration.h"
+#include "schema/lexical.h"
 
-namespace Quillon9Generator::Plan {
+namespace Quillon9Generator::Schema {
 
 namespace {
 
-using Ranges = std::vector<std::pair<char32_t, char32_t>>;  // ascending, without overlap
-
-// https://www.w3.org/TR/xml/#NT-NameStartChar and NameChar.
-Ranges const& NameStartCharacters() {
-  static auto const& ranges = *new Ranges{{':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},
-                                          {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x2FF},    {0x370, 0x37D},
-                                          {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
-                                          {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
-  return ranges;
-}
-
-Ranges const& NameCharacters() {
-  static auto const& ranges = *new Ranges{
-      {'-', '.'},       {'0', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xB7, 0xB7},
-      {0xC0, 0xD6},     {0xD8, 0xF6},     {0xF8, 0x37D},    {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x203F, 0x2040},
-      {0x2070, 0x218F}, {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
-  return ranges;
-}
+using Ranges = CharacterRanges;
 
 Ranges const& Blanks() {
   static auto const& ranges = *new Ranges{{'\t', '\n'}, {'\r', '\r'}, {' ', ' '}};
@@ -83,9 +66,13 @@ class PatternTranslator {
 
   std::optional<std::string> Translate() {
     std::string result = TakeAlternatives();
-    if (m_failed || !m_rest.empty()) return std::nullopt;
+    if (!m_failed && !m_rest.empty()) Fail("a \")\" without \"(\"");
+    if (m_failed) return std::nullopt;
     return result;
   }
+
+  /// What is wrong with the pattern. A pattern that is too large is not wrong.
+  PatternFaults const& Faults() const { return m_faults; }
 
   /// Whether there are several ways through the pattern, of which PCRE might take one that ends early.
   bool HasSeveralWays() const { return m_severalWays; }
@@ -106,16 +93,21 @@ class PatternTranslator {
     return true;
   }
   bool IsNext(char c) const { return !m_rest.empty() && m_rest.front() == c; }
-  void Fail() {
+  /// Stop without a fault of the pattern if the reason is empty.
+  void Fail(std::string reason) {
+    if (!m_failed) m_faults.error = std::move(reason);
     m_failed = true;
     m_rest = {};
   }
   void Expect(char c) {
-    if (!Skip(c)) Fail();
+    if (!Skip(c)) Fail(std::string("\"") + c + "\" is missing");
+  }
+  void Warn(std::string text) {
+    if (m_faults.warning.empty()) m_faults.warning = std::move(text);
   }
 
   std::string TakeAlternatives() {
-    if (++m_level > kMostLevels) Fail();
+    if (++m_level > kMostLevels) Fail("");
     std::string result = TakeBranch();
     while (Skip('|')) {
       m_severalWays = true;
@@ -146,7 +138,7 @@ class PatternTranslator {
       Item const item = TakeEscape();
       return item.inside.empty() ? OutsideClass(item.character) : "[" + item.inside + "]";
     }
-    if (m_rest.find_first_of("?*+{}]") == 0) Fail();
+    if (m_rest.find_first_of("?*+{}]") == 0) Fail("unexpected \"" + std::string(1, m_rest.front()) + "\"");
     return m_rest.empty() ? "" : OutsideClass(TakeCharacter(m_rest));
   }
 
@@ -166,7 +158,7 @@ class PatternTranslator {
     bool const unlimited = Skip(',') && IsNext('}');
     if (!unlimited && !IsNext('}')) most = TakeNumber();
     Expect('}');
-    if (most < least) Fail();
+    if (most < least) Fail("the counts in \"{}\" are in the wrong order");
     if (!unlimited && least == most) return least == 1 ? "" : "{" + std::to_string(least) + "}";
     m_severalWays = true;
     return "{" + std::to_string(least) + "," + (unlimited ? "" : std::to_string(most)) + "}";
@@ -174,53 +166,69 @@ class PatternTranslator {
 
   int TakeNumber() {
     int number = 0;
-    if (m_rest.find_first_of("0123456789") != 0) Fail();
+    if (m_rest.find_first_of("0123456789") != 0) Fail("a number is missing in \"{}\"");
     while (m_rest.find_first_of("0123456789") == 0 && number <= kMostRepetitions) {
       number = number * 10 + (m_rest.front() - '0');
       m_rest.remove_prefix(1);
     }
-    if (number > kMostRepetitions) Fail();
+    if (number > kMostRepetitions) Fail("");
     return number;
   }
 
   std::string TakeClass() {
-    if (++m_level > kMostLevels) Fail();
+    if (++m_level > kMostLevels) Fail("");
     std::string result = Skip('^') ? "[^" : "[";
     std::string subtracted;
     bool empty = true;
     while (!m_failed && !IsNext(']')) {
-      if (m_rest.empty()) Fail();
-      if (m_rest.substr(0, 2) == "-[" && !empty) {
+      if (m_rest.empty()) Fail("a \"]\" is missing");
+      if (!empty && m_rest.substr(0, 2) == "-[") {
         m_rest.remove_prefix(2);
         subtracted = TakeClass();
         break;
       }
-      result += TakeRange();
+      result += TakeRange(empty);
       empty = false;
     }
+    if (empty) Fail("a class is empty");
     Expect(']');
-    if (empty) Fail();
     --m_level;
     result += "]";
     return subtracted.empty() ? result : "(?:(?!" + subtracted + ")" + result + ")";
   }
 
-  std::string TakeRange() {
+  std::string TakeRange(bool isFirst) {
+    if (IsNext('-')) return TakeHyphen(isFirst);
     Item const first = TakeItem();
-    if (!first.inside.empty()) return first.inside;
     bool const isRange = IsNext('-') && m_rest.size() > 1 && m_rest[1] != ']' && m_rest[1] != '[';
-    if (!isRange) return InClass(first.character);
+    if (!first.inside.empty()) {
+      if (!isRange) return first.inside;
+      m_rest.remove_prefix(1);
+      Warn("a \"-\" in a class must be its first or last character");
+      return first.inside + "\\-";
+    }
+    if (!isRange || m_rest.substr(0, 3) == "--[") return InClass(first.character);
     m_rest.remove_prefix(1);
+    if (IsNext('-')) Fail("\"-\" cannot be the end of a range");
     Item const last = TakeItem();
-    if (!last.inside.empty()) return InClass(first.character) + "\\-" + last.inside;
-    if (last.character < first.character) Fail();
+    if (!last.inside.empty()) Fail("a set of characters cannot be the end of a range");
+    if (last.character < first.character) Fail("the characters of a range are in the wrong order");
     return InClass(first.character) + "-" + InClass(last.character);
+  }
+
+  /// A hyphen for itself, which may stand at the start or the end of a class.
+  std::string TakeHyphen(bool isFirst) {
+    m_rest.remove_prefix(1);
+    if (!isFirst && !IsNext(']') && m_rest.substr(0, 2) != "-[") {
+      Fail("a \"-\" in a class must be its first or last character");
+    }
+    return "\\-";
   }
 
   Item TakeItem() {
     if (Skip('\\')) return TakeEscape();
     if (m_rest.empty() || IsNext('[')) {
-      Fail();
+      Fail(m_rest.empty() ? "a \"]\" is missing" : "unexpected \"[\" in a class");
       return {};
     }
     return {TakeCharacter(m_rest), ""};
@@ -228,7 +236,7 @@ class PatternTranslator {
 
   Item TakeEscape() {
     if (m_rest.empty()) {
-      Fail();
+      Fail("nothing stands after \"\\\"");
       return {};
     }
     char32_t const c = TakeCharacter(m_rest);
@@ -250,29 +258,36 @@ class PatternTranslator {
       case 'P': return {0, TakeProperty(true)};
       default: break;
     }
-    if (IsLetterOrDigit(c)) Fail();
-    return {c, ""};  // the grammar knows few of them, and real schemas more, such as "\/"
+    std::string const escape = c < 0x80 ? std::string("\"\\") + static_cast<char>(c) + "\"" : "an escape beyond ASCII";
+    if (IsLetterOrDigit(c) || c >= 0x80) Fail("there is no " + escape);
+    static constexpr std::string_view kEscaped = "\\|.?*+(){}-[]^";
+    if (c < 0x80 && kEscaped.find(static_cast<char>(c)) == std::string_view::npos) Warn(escape + " needs no \"\\\"");
+    return {c, ""};
   }
 
   std::string TakeProperty(bool complement) {
     std::size_t const end = m_rest.find('}');
-    if (!Skip('{') || end == std::string_view::npos) return Fail(), "x";
-    std::string_view const name = m_rest.substr(0, end - 1);
+    if (!Skip('{') || end == std::string_view::npos) return Fail("\"\\p\" needs a name in \"{}\""), "x";
+    std::string const name(m_rest.substr(0, end - 1));
     m_rest.remove_prefix(end);
     if (name.substr(0, 2) == "Is") {
-      auto const block = UnicodeBlockRange(name.substr(2));
-      if (!block) return Fail(), "x";
+      auto const block = UnicodeBlockRange(std::string_view(name).substr(2));
+      if (!block) return Fail("there is no block \"" + name + "\""), "x";
       return InClass(complement ? Complement({*block}) : Ranges{*block});
     }
-    bool const isCategory = !name.empty() && name.size() <= 2 && std::all_of(name.begin(), name.end(), IsLetterOrDigit);
-    if (!isCategory) return Fail(), "x";
-    return (complement ? "\\P{" : "\\p{") + std::string(name) + "}";
+    static constexpr std::string_view kCategories =
+        " L Lu Ll Lt Lm Lo M Mn Mc Me N Nd Nl No P Pc Pd Ps Pe Pi Pf Po Z Zs Zl Zp S Sm Sc Sk So C Cc Cf Co Cn ";
+    if (name.empty() || kCategories.find(" " + name + " ") == std::string_view::npos) {
+      return Fail("there is no category \"" + name + "\""), "x";
+    }
+    return (complement ? "\\P{" : "\\p{") + name + "}";
   }
 
   std::string_view m_rest;
   int m_level = 0;
   bool m_failed = false;
   bool m_severalWays = false;
+  PatternFaults m_faults;
 };
 
 struct Step {
@@ -296,6 +311,12 @@ std::optional<Step> CombineStep(std::vector<std::string> const& alternatives) {
 
 }  // namespace
 
+PatternFaults CheckPattern(std::string_view pattern) {
+  PatternTranslator translator(pattern);
+  translator.Translate();
+  return translator.Faults();
+}
+
 std::optional<std::string> CombinePatterns(std::vector<std::vector<std::string>> const& steps) {
   std::string conditions;
   std::optional<Step> last;
@@ -313,4 +334,4 @@ std::optional<std::string> CombinePatterns(std::vector<std::vector<std::string>>
   return conditions + "(?:" + last->text + ")\\z";
 }
 
-}  // namespace Quillon9Generator::Plan
+}  // namespace Quillon9Generator::Schema

@@ -1,6 +1,6 @@
-#include "plan/patterns.h"
+#include "schema/patterns.h"
 
-namespace Quillon9Generator::Plan {
+namespace Quillon9Generator::Schema {
 
 namespace {
 
@@ -116,4 +116,4 @@ std::optional<std::pair<char32_t, char32_t>> UnicodeBlockRange(std::string_view 
   return std::nullopt;
 }
 
-}  // namespace Quillon9Generator::Plan
+}  // namespace Quillon9Generator::Schema
