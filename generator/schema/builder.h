@@ -152,7 +152,6 @@ class Builder {
   void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);
   void ApplyBound(SimpleType& type, Node const& facet, std::string const& value);
   void ApplyNumber(std::optional<long>& number, Node const& facet, std::string const& value);
-  void CheckLengths(SimpleType const& type, Node const& node);
   /// Return whether \p count more values may be copied.
   bool MayInherit(std::size_t count, Place const& place);
 

@@ -1,5 +1,6 @@
 #include "schema/built_ins.h"
 
+#include "schema/facet_rules.h"
 #include "schema/node.h"
 
 namespace Quillon9Generator::Schema {
@@ -83,7 +84,10 @@ SimpleType MakeSimpleType(Row const& row, BuiltInTypes const& types) {
   if (row.minInclusive != nullptr) type.facets.minInclusive = row.minInclusive;
   if (row.maxInclusive != nullptr) type.facets.maxInclusive = row.maxInclusive;
   if (row.pattern != nullptr) type.facets.patterns.push_back({row.pattern});
-  if (row.type == BuiltIn::Integer) type.facets.fractionDigits = 0;
+  if (row.type == BuiltIn::Integer) {
+    type.facets.fractionDigits = 0;
+    type.facets.fixed |= FacetBit(Tag::FractionDigits);
+  }
   return type;
 }
 

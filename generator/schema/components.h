@@ -104,6 +104,7 @@ struct Facets {
   std::vector<std::vector<std::string>> patterns;
   std::vector<EnumerationValue> enumeration;  ///< of the narrowest step that has any; empty for none
   WhiteSpace whiteSpace = WhiteSpace::Collapse;
+  unsigned fixed = 0;  ///< a bit for each facet that derived types cannot change
 };
 
 /// Ways to derive a type or to stand for an element, as bits of a set: what block and final exclude.

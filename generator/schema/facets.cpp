@@ -3,7 +3,10 @@
 #include <set>
 
 #include "schema/builder.h"
+#include "schema/facet_rules.h"
 #include "schema/patterns.h"
+#include "schema/simple_values.h"
+#include "schema/values.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -20,11 +23,6 @@ bool IsDigits(Tag tag) { return tag == Tag::TotalDigits || tag == Tag::FractionD
 bool IsFacet(Tag tag) {
   return IsLength(tag) || IsBound(tag) || IsDigits(tag) || tag == Tag::Pattern || tag == Tag::Enumeration ||
          tag == Tag::WhiteSpace;
-}
-
-BuiltIn PrimitiveOf(SimpleType const* type) {
-  while (type->base != nullptr && type->base->builtIn != BuiltIn::AnySimpleType) type = type->base;
-  return type->builtIn;
 }
 
 /// https://www.w3.org/TR/xmlschema-2/#defn-coss
@@ -47,28 +45,7 @@ bool AppliesToPrimitive(Tag tag, BuiltIn primitive) {
 bool Applies(Tag tag, SimpleType const& type) {
   if (type.variety == Variety::Union) return tag == Tag::Pattern || tag == Tag::Enumeration;
   if (type.variety == Variety::List) return !IsBound(tag) && !IsDigits(tag);
-  return AppliesToPrimitive(tag, PrimitiveOf(&type));
-}
-
-/// Return \p text as a type with this facet compares it.
-std::string Normalized(std::string_view text, WhiteSpace whiteSpace) {
-  std::string result(text);
-  if (whiteSpace == WhiteSpace::Preserve) return result;
-  std::replace_if(
-      result.begin(), result.end(), [](char c) { return c == '\t' || c == '\n' || c == '\r'; }, ' ');
-  if (whiteSpace == WhiteSpace::Replace) return result;
-  result = Trimmed(result);
-  auto const areBlanks = [](char a, char b) { return a == ' ' && b == ' '; };
-  result.erase(std::unique(result.begin(), result.end(), areBlanks), result.end());
-  return result;
-}
-
-/// Return whether \p text is a decimal number, or an integer if no fraction is allowed.
-bool IsDecimal(std::string_view text, bool mayHaveFraction) {
-  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
-  std::size_t const point = mayHaveFraction ? std::min(text.find('.'), text.size()) : text.size();
-  std::string const digits = std::string(text.substr(0, point)).append(text.substr(std::min(point + 1, text.size())));
-  return !digits.empty() && digits.find_first_not_of("0123456789") == std::string::npos;
+  return AppliesToPrimitive(tag, PrimitiveOf(type));
 }
 
 std::string TextOf(Node const& facet) { return "xs:" + std::string(facet.name); }
@@ -85,7 +62,7 @@ void Builder::ApplyFacets(SimpleType& type, Node const& node) {
   std::vector<std::string> patterns;
   std::vector<EnumerationValue> values;
   for (Node const& facet : node.children) {
-    if (!IsFacet(facet.tag) || !CheckFacet(type, facet)) continue;
+    if (!IsFacet(facet.tag) || !facet.Has("value") || !CheckFacet(type, facet)) continue;
     std::string_view const text = *facet.Find("value");
     if (facet.tag == Tag::Pattern) {
       CheckPatternOf(facet);
@@ -97,11 +74,12 @@ void Builder::ApplyFacets(SimpleType& type, Node const& node) {
       m_diagnostics.Error(facet.place, "a second " + TextOf(facet));
     } else {
       ApplyFacet(type, facet, std::string(Trimmed(text)));
+      if (ReadBool(facet, "fixed", false)) type.facets.fixed |= FacetBit(facet.tag);
     }
   }
   if (!patterns.empty()) type.facets.patterns.push_back(std::move(patterns));
   if (!values.empty()) type.facets.enumeration = std::move(values);
-  CheckLengths(type, node);
+  CheckFacets(type, node, m_diagnostics);
 }
 
 void Builder::CheckPatternOf(Node const& facet) {
@@ -113,14 +91,10 @@ void Builder::CheckPatternOf(Node const& facet) {
 }
 
 bool Builder::CheckFacet(SimpleType const& type, Node const& facet) {
-  if (!facet.Has("value")) {
-    m_diagnostics.Error(facet.place, TextOf(facet) + " has no value");
-    return false;
-  }
   if (Applies(facet.tag, type)) return true;
   std::string const kind = type.variety == Variety::List    ? "a list"
                            : type.variety == Variety::Union ? "a union"
-                                                            : std::string("xs:") + NameOf(PrimitiveOf(&type));
+                                                            : std::string("xs:") + NameOf(PrimitiveOf(type));
   m_diagnostics.Error(facet.place, TextOf(facet) + " is no facet of " + kind);
   return false;
 }
@@ -163,10 +137,6 @@ void Builder::ApplyNumber(std::optional<long>& number, Node const& facet, std::s
 }
 
 void Builder::ApplyBound(SimpleType& type, Node const& facet, std::string const& value) {
-  BuiltIn const primitive = PrimitiveOf(&type);
-  if (value.empty() || (primitive == BuiltIn::Decimal && !IsDecimal(value, type.facets.fractionDigits != 0))) {
-    return m_diagnostics.Error(facet.place, "wrong value \"" + value + "\" of " + TextOf(facet));
-  }
   Facets& facets = type.facets;
   if (facet.tag == Tag::MinInclusive || facet.tag == Tag::MinExclusive) {
     facets.minInclusive.reset();
@@ -177,15 +147,6 @@ void Builder::ApplyBound(SimpleType& type, Node const& facet, std::string const&
     facets.maxExclusive.reset();
     (facet.tag == Tag::MaxInclusive ? facets.maxInclusive : facets.maxExclusive) = value;
   }
-}
-
-void Builder::CheckLengths(SimpleType const& type, Node const& node) {
-  Facets const& facets = type.facets;
-  long const min = facets.minLength.value_or(0);
-  bool const isEmptyRange = facets.maxLength && min > *facets.maxLength;
-  bool const isOutside =
-      facets.length && (*facets.length < min || (facets.maxLength && *facets.length > *facets.maxLength));
-  if (isEmptyRange || isOutside) m_diagnostics.Error(node.place, "no value has the length that the facets ask for");
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string_view>
+
+#include "schema/values.h"
+
+/// Dates, times and durations (https://www.w3.org/TR/xmlschema-2/#dateTime, #duration).
+namespace Quillon9Generator::Schema {
+
+bool IsMoment(BuiltIn primitive, std::string_view text);
+Order CompareMoments(BuiltIn primitive, std::string_view a, std::string_view b);
+
+bool IsDuration(std::string_view text);
+Order CompareDurations(std::string_view a, std::string_view b);
+
+}  // namespace Quillon9Generator::Schema
