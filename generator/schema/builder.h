@@ -103,6 +103,7 @@ class Builder {
   template <class Object>
   void Replace(Table<Object>& table, std::deque<Object>& storage, Originals<Object>& originals,
                Document const& document, Node const& node);
+  void CheckRedefinitions();
   template <class Object>
   static Global<Object>* Original(Originals<Object> const& originals, Document const& document, Node const& reference);
 

@@ -133,6 +133,7 @@ void Builder::FillAll(SchemaSet& set) {
   }
   CompleteSubstitutions();
   ResolveKeyrefs();
+  CheckRedefinitions();
   LinkDerivedTypes(set);
   CheckGroups();
 }

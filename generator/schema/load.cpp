@@ -1,6 +1,7 @@
 #include "schema/load.h"
 
 #include "schema/builder.h"
+#include "schema/validity/check.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -28,6 +29,7 @@ SchemaSet LoadSchemas(LoadOptions const& options, Files const& files, Diagnostic
   documents.Load();
   WarnOfLostImports(documents, diagnostics);
   Builder(*storage, diagnostics).Build(documents, set);
+  if (!diagnostics.HasErrors()) CheckComponents(*storage, diagnostics);
   return set;
 }
 

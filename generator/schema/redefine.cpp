@@ -1,4 +1,5 @@
 #include "schema/builder.h"
+#include "schema/validity/attribute_rules.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -86,6 +87,20 @@ void Builder::Replace(Table<Object>& table, std::deque<Object>& storage, Origina
     originals.restricted.emplace_back(*name, &original);
   } else {
     m_diagnostics.Error(node.place, "the base of a redefined type must be the type itself");
+  }
+}
+
+/// Check redefinitions that do not refer to what they redefine, and so must restrict it.
+void Builder::CheckRedefinitions() {
+  for (auto const& [name, original] : m_oldGroups.restricted) {
+    m_storage.redefinedGroups.emplace_back(m_groups[name].object, original->object);
+  }
+  for (auto const& [name, original] : m_oldAttributeGroups.restricted) {
+    Complete(*original);
+    AttributeSet const& now = *m_attributeGroups[name].object;
+    AttributeSet const& before = *original->object;
+    CheckAttributeRestriction({now.uses, now.wildcard}, {before.uses, before.wildcard},
+                              m_attributeGroups[name].node->place, m_diagnostics);
   }
 }
 

@@ -2,6 +2,8 @@
 
 #include <deque>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "schema/components.h"
 
@@ -18,6 +20,8 @@ struct Storage {
   std::deque<GroupDefinition> groups;
   std::deque<Wildcard> wildcards;
   std::deque<IdentityConstraint> identityConstraints;
+  /// Groups with those that they redefine, and must restrict.
+  std::vector<std::pair<GroupDefinition const*, GroupDefinition const*>> redefinedGroups;
 };
 
 }  // namespace Quillon9Generator::Schema

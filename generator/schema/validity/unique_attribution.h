@@ -1,0 +1,58 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+#include "schema/components.h"
+#include "schema/validity/substitution.h"
+
+namespace Quillon9Generator::Schema {
+
+/// Decides whether each element of a document belongs to one particle of a content model that can be named without
+/// looking ahead (https://www.w3.org/TR/xmlschema-1/#cos-nonambig).
+class UniqueAttribution {
+ public:
+  explicit UniqueAttribution(Substitutions& substitutions) : m_substitutions(substitutions) {}
+
+  /// Return which particles of the content an element may belong to; an empty text if there is one at most.
+  std::string Fault(Particle const& content);
+
+ private:
+  /// Particles that an element may belong to at one point. Each particle has its own number.
+  struct Set {
+    struct Name {
+      std::size_t name;
+      std::size_t particle;
+    };
+    std::vector<Name> names;  // ascending by name
+    std::vector<std::pair<Wildcard const*, std::size_t>> wildcards;
+  };
+  struct Model {
+    bool nullable = true;
+    Set first;   ///< what it may begin with
+    Set follow;  ///< what may follow within it where it may end, too
+  };
+
+  Model ModelOf(Particle const& particle);
+  Model ModelOfTerm(Particle const& particle);
+  Model ModelOfElement(ElementDeclaration const& element);
+  Model ModelOfGroup(ModelGroup const& group);
+  void Append(Model& model, Model&& next);
+  std::size_t NumberOf(QualifiedName const& name);
+  void Check(Set const& a, Set const& b);
+  void CheckWildcards(Set const& a, Set const& b);
+  void Report(std::string const& subject);
+  static void Add(Set& set, Set const& more);
+
+  Substitutions& m_substitutions;
+  std::unordered_map<std::string, std::size_t> m_numbers;
+  std::vector<QualifiedName const*> m_names;
+  std::size_t m_particles = 0;
+  std::size_t m_steps = 0;
+  std::string m_fault;
+};
+
+}  // namespace Quillon9Generator::Schema
