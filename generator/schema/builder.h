@@ -89,6 +89,8 @@ class Builder {
   template <class Object>
   Object& NewObject(std::deque<Object>& storage, QualifiedName const& name, Node const& node);
   void AddType(Document const& document, Node const& node);
+  void AddNotation(Document const& document, Node const& node);
+  void CheckAttributeNamespace(std::string const& ns, Node const& node);
   template <class Object>
   void ReportDuplicate(Document const& document, Node const& node, Global<Object> const& first);
   std::string ReadName(Node const& node);
@@ -145,9 +147,11 @@ class Builder {
   void Derive(SimpleType& type, SimpleType const* base);
   void FillList(SimpleType& type, Document const& document, Node const& node);
   void FillUnion(SimpleType& type, Document const& document, Node const& node);
+  void CheckFinal(SimpleType const& type, unsigned derivation, Node const& node);
   static bool HasFacets(Node const& node);
-  void ApplyFacets(SimpleType& type, Node const& node);
+  void ApplyFacets(SimpleType& type, Document const& document, Node const& node);
   void CheckPatternOf(Node const& facet);
+  void CheckNotation(Document const& document, Node const& facet);
   bool CheckFacet(SimpleType const& type, Node const& facet);
   void ApplyWhiteSpace(SimpleType& type, Node const& facet);
   void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);
@@ -232,6 +236,7 @@ class Builder {
   Originals<AttributeSet> m_oldAttributeGroups;
   std::deque<Pending> m_pending;
   std::map<QualifiedName, IdentityConstraint*> m_identityConstraints;
+  std::map<QualifiedName, Node const*> m_notations;
   std::vector<PendingKeyref> m_keyrefs;
   std::unordered_map<ModelGroup const*, GroupSize> m_sizes;
   std::uint64_t m_inherited = 0;

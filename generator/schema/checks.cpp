@@ -36,6 +36,10 @@ void Builder::CheckGroups() {
   for (GroupDefinition const& group : m_storage.groups) SizeOf(group.group, group.place, 1);
   for (ComplexType const& type : m_storage.complexTypes) {
     if (!type.particle || GroupOf(*type.particle) == nullptr) continue;
+    Particle const& particle = *type.particle;
+    if (GroupOf(particle)->compositor == ModelGroup::Compositor::All && particle.maxOccurs != 1) {
+      m_diagnostics.Error(particle.place, "xs:all must occur once at most");
+    }
     if (SizeOf(GroupOf(*type.particle), type.place, 1).particles <= kMaxExpandedParticles) continue;
     m_diagnostics.Error(type.place, "the type has more than " + std::to_string(kMaxExpandedParticles) +
                                         " particles when each group is replaced by its content");

@@ -113,7 +113,7 @@ SimpleType const* Builder::RestrictedContent(ComplexType const& base, Document c
   SimpleType& type = m_storage.simpleTypes.emplace_back();
   type.place = derivation.place;
   Derive(type, content);
-  ApplyFacets(type, derivation);
+  ApplyFacets(type, document, derivation);
   return &type;
 }
 
@@ -138,6 +138,12 @@ void Builder::SetBase(ComplexType& type, ComplexType const* base, Node const& de
 }
 
 void Builder::SetParticle(ComplexType& type, ComplexType const* base, std::optional<Particle> own, bool mixed) {
+  bool const isExtension = type.derivation == ComplexType::Derivation::Extension;
+  bool const baseIsMixed = base != nullptr && base->content == Content::Mixed;
+  bool const baseHasElements = base != nullptr && base->content == Content::ElementOnly;
+  if (isExtension && ((mixed && baseHasElements) || (!mixed && own && baseIsMixed))) {
+    m_diagnostics.Error(type.place, "the content must be mixed in the base as well, or in neither");
+  }
   type.ownParticle = type.particle = own;
   type.content = mixed ? Content::Mixed : own ? Content::ElementOnly : Content::Empty;
   if (type.derivation != ComplexType::Derivation::Extension || base == nullptr) return;

@@ -146,6 +146,7 @@ struct Wildcard : Component {
   std::string notNamespace;             ///< for Other: the target namespace
   std::vector<std::string> namespaces;  ///< for Listed; an empty text stands for no namespace
   Processing processing = Processing::Strict;
+  bool isLimited = false;  ///< attributes of XML Schema 1.1, which are not kept here, allow less
 };
 
 struct GroupDefinition;

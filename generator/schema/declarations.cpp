@@ -44,8 +44,16 @@ void Builder::DeclareOne(Document const& document, Node const& node) {
     case Tag::AttributeGroup: return AddGlobal(m_attributeGroups, m_attributeSets, document, node);
     case Tag::SimpleType:
     case Tag::ComplexType: return AddType(document, node);
+    case Tag::Notation: return AddNotation(document, node);
     default: return;  // the rest has no name, or does not change what classes there are
   }
+}
+
+void Builder::AddNotation(Document const& document, Node const& node) {
+  std::optional<QualifiedName> const name = GlobalName(document, node);
+  if (!name || m_notations.try_emplace(*name, &node).second) return;
+  m_diagnostics.Error(node.place, "xs:notation \"" + name->local + "\" is defined twice; the first is " +
+                                      At(m_notations[*name]->place));
 }
 
 template <class Object>
@@ -108,14 +116,22 @@ template void Builder::ReportDuplicate(Document const&, Node const&, Global<Attr
 std::optional<QualifiedName> Builder::GlobalName(Document const& document, Node const& node) {
   std::string const name = ReadName(node);
   if (name.empty()) return std::nullopt;
+  if (node.tag == Tag::Attribute) CheckAttributeNamespace(document.targetNamespace, node);
   return QualifiedName{document.targetNamespace, name};
+}
+
+void Builder::CheckAttributeNamespace(std::string const& ns, Node const& node) {
+  if (ns != "http://www.w3.org/2001/XMLSchema-instance") return;
+  m_diagnostics.Error(node.place, "an attribute of the namespace \"" + ns + "\" cannot be declared");
 }
 
 std::optional<QualifiedName> Builder::LocalName(Document const& document, Node const& node,
                                                 std::string_view formDefault) {
   std::string const name = ReadName(node);
   if (name.empty()) return std::nullopt;
-  return QualifiedName{IsQualified(document, node, formDefault) ? document.targetNamespace : "", name};
+  std::string const ns = IsQualified(document, node, formDefault) ? document.targetNamespace : "";
+  if (node.tag == Tag::Attribute) CheckAttributeNamespace(ns, node);
+  return QualifiedName{ns, name};
 }
 
 /// Return the name, or an empty text after an error.

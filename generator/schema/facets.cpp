@@ -56,7 +56,7 @@ bool Builder::HasFacets(Node const& node) {
   return std::any_of(node.children.begin(), node.children.end(), [](Node const& child) { return IsFacet(child.tag); });
 }
 
-void Builder::ApplyFacets(SimpleType& type, Node const& node) {
+void Builder::ApplyFacets(SimpleType& type, Document const& document, Node const& node) {
   if (Node const* const whiteSpace = node.Child(Tag::WhiteSpace)) ApplyWhiteSpace(type, *whiteSpace);
   std::set<Tag> known;
   std::vector<std::string> patterns;
@@ -70,6 +70,7 @@ void Builder::ApplyFacets(SimpleType& type, Node const& node) {
     } else if (facet.tag == Tag::Enumeration) {
       Describe(values.emplace_back(), facet);
       values.back().text = Normalized(text, type.facets.whiteSpace);
+      if (PrimitiveOf(type) == BuiltIn::Notation) CheckNotation(document, facet);
     } else if (!known.insert(facet.tag).second) {
       m_diagnostics.Error(facet.place, "a second " + TextOf(facet));
     } else {
@@ -88,6 +89,13 @@ void Builder::CheckPatternOf(Node const& facet) {
   std::string const start = "the pattern \"" + std::string(pattern) + "\" is no regular expression of XML Schema: ";
   if (!faults.error.empty()) return m_diagnostics.Error(facet.place, start + faults.error);
   if (!faults.warning.empty()) m_diagnostics.Warning(facet.place, start + faults.warning);
+}
+
+void Builder::CheckNotation(Document const& document, Node const& facet) {
+  std::string_view const text = Trimmed(*facet.Find("value"));
+  std::optional<QualifiedName> const name = Resolve(document, facet, text);
+  if (!name || m_notations.count(*name) != 0) return;
+  m_diagnostics.Error(facet.place, "no notation \"" + std::string(text) + "\"");
 }
 
 bool Builder::CheckFacet(SimpleType const& type, Node const& facet) {

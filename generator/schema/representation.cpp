@@ -71,6 +71,12 @@ class Representation {
     }
   }
 
+  void CheckWildcard() {
+    if (m_node.Has("namespace") && m_node.Has("notNamespace")) {
+      Report("namespace and notNamespace cannot stand together");
+    }
+  }
+
   void CheckNotation() {
     if (!m_node.Has("public") && !m_node.Has("system")) Report("xs:notation needs public or system");
   }
@@ -129,8 +135,9 @@ void CheckRepresentation(Node const& node, Form form, Diagnostics& diagnostics) 
     case Form::GlobalAttribute:
     case Form::LocalAttribute: return check.CheckAttribute();
     case Form::GroupReference:
-    case Form::Model:
-    case Form::Any: return check.CheckOccurrence();
+    case Form::Model: return check.CheckOccurrence();
+    case Form::Any: check.CheckOccurrence(); return check.CheckWildcard();
+    case Form::AnyAttribute: return check.CheckWildcard();
     case Form::All: return check.CheckAll();
     case Form::RestrictionOfSimpleType: return check.CheckOneType("base");
     case Form::List: return check.CheckOneType("itemType");

@@ -1,7 +1,18 @@
+#include <algorithm>
+
 #include "schema/builder.h"
 #include "schema/limits.h"
 
 namespace Quillon9Generator::Schema {
+
+namespace {
+
+bool HasLists(SimpleType const& type) {
+  return type.variety == Variety::List ||
+         std::any_of(type.memberTypes.begin(), type.memberTypes.end(), [](auto const* each) { return HasLists(*each); });
+}
+
+}  // namespace
 
 void Builder::Complete(Global<SimpleType>& global) {
   if (!Begin(global)) return;
@@ -32,8 +43,13 @@ void Builder::FillSimpleType(SimpleType& type, Document const& document, Node co
 void Builder::FillRestriction(SimpleType& type, Document const& document, Node const& node) {
   SimpleType const* const base = ReferredSimpleType(document, node, "base");
   if (base == nullptr) return;
+  CheckFinal(*base, kRestriction, node);
+  std::optional<std::string_view> const name = node.Find("base");
+  if (name && base->builtIn == BuiltIn::AnySimpleType && Resolve(document, node, *name) == base->name) {
+    m_diagnostics.Error(node.place, "xs:anySimpleType cannot be restricted");
+  }
   Derive(type, base);
-  ApplyFacets(type, node);
+  ApplyFacets(type, document, node);
 }
 
 /// Return the type that \p attribute names or that \p node contains; null after an error.
@@ -61,7 +77,8 @@ void Builder::FillList(SimpleType& type, Document const& document, Node const& n
   type.facets.whiteSpace = WhiteSpace::Collapse;
   type.itemType = ReferredSimpleType(document, node, "itemType");
   if (type.itemType == nullptr) type.itemType = m_builtIns.Get(BuiltIn::AnySimpleType);
-  if (type.itemType->variety == Variety::List) m_diagnostics.Error(node.place, "a list cannot have lists as its items");
+  CheckFinal(*type.itemType, kList, node);
+  if (HasLists(*type.itemType)) m_diagnostics.Error(node.place, "a list cannot have lists as its items");
 }
 
 void Builder::FillUnion(SimpleType& type, Document const& document, Node const& node) {
@@ -73,9 +90,16 @@ void Builder::FillUnion(SimpleType& type, Document const& document, Node const& 
     type.memberTypes.push_back(FindSimpleType(document, node, names.substr(0, end)));
     names = Trimmed(names.substr(end));
   }
+  for (SimpleType const* member : type.memberTypes) CheckFinal(*member, kUnion, node);
   for (Node const& child : node.children) {
     if (child.tag == Tag::SimpleType) type.memberTypes.push_back(AnonymousSimpleType(document, child));
   }
+}
+
+void Builder::CheckFinal(SimpleType const& type, unsigned derivation, Node const& node) {
+  if ((type.final & derivation) == 0) return;
+  m_diagnostics.Error(node.place, "the type \"" + type.name.local + "\" is final and cannot be used in xs:" +
+                                      std::string(node.name));
 }
 
 bool Builder::MayInherit(std::size_t count, Place const& place) {

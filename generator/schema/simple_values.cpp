@@ -118,6 +118,16 @@ std::string Normalized(std::string_view text, WhiteSpace whiteSpace) {
   return result;
 }
 
+bool LacksEnumeration(SimpleType const& type) {
+  return type.variety == Variety::Atomic && type.ancestor == BuiltIn::Notation && type.facets.enumeration.empty();
+}
+
+bool AreEqual(SimpleType const& type, std::string_view a, std::string_view b) {
+  std::string const first = Normalized(a, type.facets.whiteSpace);
+  std::string const second = Normalized(b, type.facets.whiteSpace);
+  return first == second || Compare(PrimitiveOf(type), first, second) == Order::Equal;
+}
+
 std::string FaultOfValue(SimpleType const& type, std::string_view text) {
   if (type.builtIn == BuiltIn::AnySimpleType) return {};
   switch (type.variety) {

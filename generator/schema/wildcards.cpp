@@ -53,6 +53,7 @@ Wildcard Builder::MakeWildcard(Document const& document, Node const& node) {
   if (!ReadNamespaces(wildcard, Trimmed(node.Find("namespace").value_or("##any")), document.targetNamespace)) {
     m_diagnostics.Error(node.place, "more than " + std::to_string(kMaxNamespaces) + " namespaces in one wildcard");
   }
+  wildcard.isLimited = node.Has("notNamespace") || node.Has("notQName");
   std::string_view const processing = Trimmed(node.Find("processContents").value_or("strict"));
   if (processing == "lax") {
     wildcard.processing = Wildcard::Processing::Lax;

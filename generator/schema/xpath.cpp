@@ -33,10 +33,13 @@ class PathReader {
 
   bool ReadPath() {
     bool isFirst = true;
-    do {
+    for (;;) {
       if (Take("@") || TakeAxis("attribute")) return ReadAttribute();
       if (Take(".")) {
-        if (isFirst && Take("//")) continue;
+        if (isFirst && Take("//")) {
+          isFirst = false;
+          continue;
+        }
       } else {
         TakeAxis("child");
         if (!ReadName()) return false;
@@ -44,7 +47,7 @@ class PathReader {
       isFirst = false;
       if (m_rest.substr(0, 2) == "//") return Fail("\"//\" can only follow a dot at the start");
       if (!Take("/")) return true;
-    } while (true);
+    }
   }
 
   bool ReadAttribute() {

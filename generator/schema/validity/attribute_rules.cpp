@@ -28,9 +28,8 @@ std::string FaultOfUse(AttributeUse const& narrow, AttributeUse const& wide) {
            Described({base, nullptr});
   }
   if (!wide.fixedValue) return {};
-  bool const isSame = narrow.fixedValue && type != nullptr &&
-                      Normalized(*narrow.fixedValue, type->facets.whiteSpace) ==
-                          Normalized(*wide.fixedValue, type->facets.whiteSpace);
+  bool const isSame =
+      narrow.fixedValue && type != nullptr && AreEqual(*type, *narrow.fixedValue, *wide.fixedValue);
   return isSame ? "" : start + " has not the fixed value of the base";
 }
 
@@ -82,10 +81,15 @@ void CheckAttributes(std::vector<AttributeUse> const& uses, Place const& place, 
     CheckValue(use, use.defaultValue, diagnostics);
     CheckValue(use, use.fixedValue, diagnostics);
     std::optional<std::string> const& fixed = use.declaration->fixedValue;
-    if (fixed && use.fixedValue != fixed) {
+    bool const isSame = !fixed || (use.fixedValue && use.declaration->type != nullptr &&
+                                   AreEqual(*use.declaration->type, *use.fixedValue, *fixed));
+    if (!isSame) {
       diagnostics.Error(use.place, "the attribute " + Quoted(use) + " has the fixed value \"" + *fixed + "\"");
     }
     SimpleType const* const type = use.declaration->type;
+    if (type != nullptr && LacksEnumeration(*type)) {
+      diagnostics.Error(use.place, "the attribute " + Quoted(use) + " needs a type with an enumeration of notations");
+    }
     if (type == nullptr || type->variety != Variety::Atomic || type->ancestor != BuiltIn::ID) continue;
     if (hasId) diagnostics.Error(place, "a type cannot have two attributes of the type xs:ID");
     hasId = true;

@@ -32,6 +32,10 @@ void CheckElement(ElementDeclaration const& element, Diagnostics& diagnostics) {
     std::string const fault = FaultOfElementValue(element, *value);
     if (!fault.empty()) diagnostics.Error(element.place, "the element \"" + element.name.local + "\": " + fault);
   }
+  if (element.simpleType != nullptr && LacksEnumeration(*element.simpleType)) {
+    diagnostics.Error(element.place,
+                      "the element \"" + element.name.local + "\" needs a type with an enumeration of notations");
+  }
   ElementDeclaration const* const head = element.substitutionHead;
   if (head == nullptr || IsDerived(TypeOf(element), TypeOf(*head), head->final)) return;
   diagnostics.Error(element.place, "the element \"" + element.name.local + "\" cannot substitute \"" +

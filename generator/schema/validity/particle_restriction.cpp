@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "schema/simple_values.h"
 #include "schema/validity/derivation.h"
 #include "schema/validity/wildcard_rules.h"
 
@@ -16,6 +17,16 @@ constexpr std::size_t kMostSteps = 1000000;
 long Product(long a, long b) { return a == kUnbounded || b == kUnbounded ? (a == 0 || b == 0 ? 0 : kUnbounded) : a * b; }
 long Sum(long a, long b) { return a == kUnbounded || b == kUnbounded ? kUnbounded : a + b; }
 long Larger(long a, long b) { return a == kUnbounded || b == kUnbounded ? kUnbounded : std::max(a, b); }
+
+SimpleType const* TextOf(ElementDeclaration const& element) {
+  return element.complexType != nullptr ? element.complexType->simpleContent : element.simpleType;
+}
+
+bool HasSameFixedValue(ElementDeclaration const& own, ElementDeclaration const& base) {
+  SimpleType const* const type = TextOf(own);
+  if (!own.fixedValue) return false;
+  return type != nullptr ? AreEqual(*type, *own.fixedValue, *base.fixedValue) : own.fixedValue == base.fixedValue;
+}
 
 std::string Count(int count) { return count == kUnbounded ? "unbounded" : std::to_string(count); }
 
@@ -140,7 +151,16 @@ bool ParticleRestriction::ElementRestricts(Part const& narrow, Part const& wide)
   group.kind = wide.kind;
   group.place = narrow.place;
   group.parts = {&narrow};
-  return wide.kind == Part::Kind::Choice ? Recurse(group, wide, true) : Recurse(group, wide, false);
+  if (wide.kind != Part::Kind::Choice) return Recurse(group, wide, false);
+  if (Recurse(group, wide, true)) return true;
+  // Several in a row are as many rounds of the choice.
+  Part single = narrow;
+  single.min = single.max = 1;
+  bool const isFound = IsWithin(narrow.min, narrow.max, wide) &&
+                       std::any_of(wide.parts.begin(), wide.parts.end(),
+                                   [&](Part const* part) { return Restricts(single, *part); });
+  if (isFound) m_fault.clear();
+  return isFound;
 }
 
 bool ParticleRestriction::GroupRestricts(Part const& narrow, Part const& wide) {
@@ -163,7 +183,7 @@ bool ParticleRestriction::IsNarrowerElement(Part const& narrow, Part const& wide
   }
   if (&own == &base) return true;
   if (own.nillable && !base.nillable) return Fail(name + " is nillable, but not in the base");
-  if (base.fixedValue && own.fixedValue != base.fixedValue) return Fail(name + " has not the fixed value of the base");
+  if (base.fixedValue && !HasSameFixedValue(own, base)) return Fail(name + " has not the fixed value of the base");
   if ((base.block & ~own.block) != 0) return Fail(name + " blocks less than in the base");
   bool const hasAll = std::all_of(own.identityConstraints.begin(), own.identityConstraints.end(), [&](auto const* each) {
     auto const& all = base.identityConstraints;

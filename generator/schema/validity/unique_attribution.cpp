@@ -40,7 +40,9 @@ UniqueAttribution::Model UniqueAttribution::ModelOfTerm(Particle const& particle
   if (auto const* const group = std::get_if<ModelGroup const*>(&particle.term)) return ModelOfGroup(**group);
   Model model;
   model.nullable = false;
-  model.first.wildcards.emplace_back(std::get<Wildcard const*>(particle.term), m_particles++);
+  Wildcard const* const wildcard = std::get<Wildcard const*>(particle.term);
+  if (!wildcard->isLimited) model.first.wildcards.emplace_back(wildcard, m_particles);
+  ++m_particles;
   return model;
 }
 
