@@ -8,10 +8,12 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "schema/built_ins.h"
 #include "schema/documents.h"
+#include "schema/simple_values.h"
 #include "schema/storage.h"
 
 namespace Quillon9Generator::Schema {
@@ -26,6 +28,8 @@ class Builder {
 
   /// Fill \p set, whose storage this is, from all documents.
   void Build(Documents const& documents, SchemaSet& set);
+  /// Link the types of \p set for its users, once its constraints have been checked.
+  void Finish(SchemaSet const& set);
 
  private:
   enum class State { Empty, Filling, Filled };
@@ -106,6 +110,9 @@ class Builder {
   void Replace(Table<Object>& table, std::deque<Object>& storage, Originals<Object>& originals,
                Document const& document, Node const& node);
   void CheckRedefinitions();
+  void MergeOriginals();
+  void Merge(ComplexType& type, ComplexType const& original);
+  std::optional<Particle> Joined(std::optional<Particle> const& first, std::optional<Particle> const& second);
   template <class Object>
   static Global<Object>* Original(Originals<Object> const& originals, Document const& document, Node const& reference);
 
@@ -232,6 +239,7 @@ class Builder {
   std::vector<std::pair<Tag, QualifiedName>> m_order;  // of all global components
   Originals<SimpleType> m_oldSimpleTypes;
   Originals<ComplexType> m_oldComplexTypes;
+  std::unordered_set<ComplexType const*> m_hiddenTypes;  // those of the originals
   Originals<GroupDefinition> m_oldGroups;
   Originals<AttributeSet> m_oldAttributeGroups;
   std::deque<Pending> m_pending;
@@ -239,6 +247,7 @@ class Builder {
   std::map<QualifiedName, Node const*> m_notations;
   std::vector<PendingKeyref> m_keyrefs;
   std::unordered_map<ModelGroup const*, GroupSize> m_sizes;
+  ValueRules m_values;
   std::uint64_t m_inherited = 0;
   int m_depth = 0;  // of types and groups that are being completed
 };

@@ -93,6 +93,7 @@ SimpleType MakeSimpleType(Row const& row, BuiltInTypes const& types) {
 
 void MakeList(SimpleType& list, SimpleType const* item) {
   list.variety = Variety::List;
+  list.hasLists = true;
   list.itemType = item;
   list.facets.minLength = 1;
 }

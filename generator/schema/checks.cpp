@@ -21,7 +21,7 @@ void Builder::LinkDerivedTypes(SchemaSet const& set) {
   for (std::string const* file : set.files) ranks.emplace(file, ranks.size());
   std::vector<ComplexType*> types;
   for (ComplexType& type : m_storage.complexTypes) {
-    if (type.base != nullptr) types.push_back(&type);
+    if (type.base != nullptr && m_hiddenTypes.count(&type) == 0) types.push_back(&type);
   }
   auto const position = [&](ComplexType const* type) {
     return std::make_tuple(ranks[type->place.file], type->place.line, type->place.column);

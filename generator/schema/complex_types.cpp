@@ -150,13 +150,8 @@ void Builder::SetParticle(ComplexType& type, ComplexType const* base, std::optio
   if (!own && !mixed) type.content = base->content;
   if (base->content == Content::Mixed) type.content = Content::Mixed;
   if (!base->particle) return;
-  type.particle = base->particle;
-  if (!own) return;
-  ModelGroup& both = m_storage.modelGroups.emplace_back();
-  both.place = own->place;
-  both.particles = {*base->particle, *own};
-  type.particle = Particle{1, 1, &both, own->place, nullptr};
-  if (type.content == Content::Empty) type.content = Content::ElementOnly;
+  type.particle = Joined(base->particle, own);
+  if (own && type.content == Content::Empty) type.content = Content::ElementOnly;
 }
 
 void Builder::SetAttributes(ComplexType& type, ComplexType const* base, AttributeSet own) {

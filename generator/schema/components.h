@@ -120,6 +120,7 @@ struct SimpleType : Component {
   std::vector<SimpleType const*> memberTypes;  ///< of a union
   Facets facets;                               ///< all that apply, including inherited ones
   unsigned final = 0;                          ///< Derivations that are not allowed
+  bool hasLists = false;                       ///< it is a list, or a union with one
 
   bool IsAnonymous() const { return name.local.empty(); }
 };

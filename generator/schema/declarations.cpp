@@ -32,6 +32,11 @@ void Builder::Build(Documents const& documents, SchemaSet& set) {
   FillAll(set);
 }
 
+void Builder::Finish(SchemaSet const& set) {
+  MergeOriginals();
+  LinkDerivedTypes(set);
+}
+
 void Builder::Declare(Document const& document) {
   for (Node const& node : document.Root().children) DeclareOne(document, node);
 }
@@ -150,7 +155,6 @@ void Builder::FillAll(SchemaSet& set) {
   CompleteSubstitutions();
   ResolveKeyrefs();
   CheckRedefinitions();
-  LinkDerivedTypes(set);
   CheckGroups();
 }
 

@@ -3,7 +3,6 @@
 #include <iterator>
 #include <string>
 
-#include "schema/simple_values.h"
 #include "schema/values.h"
 
 namespace Quillon9Generator::Schema {
@@ -67,11 +66,12 @@ constexpr BoundRule kBoundRules[] = {
 
 class FacetCheck {
  public:
-  FacetCheck(SimpleType const& type, Node const& restriction, Diagnostics& diagnostics)
+  FacetCheck(SimpleType const& type, Node const& restriction, ValueRules& values, Diagnostics& diagnostics)
       : m_type(type),
         m_base(*type.base),
         m_primitive(PrimitiveOf(*type.base)),
         m_restriction(restriction),
+        m_values(values),
         m_diagnostics(diagnostics) {}
 
   void Check() {
@@ -110,13 +110,14 @@ class FacetCheck {
                      Named(rule.other) + " " + Quoted(*other) + owner);
   }
 
-  /// A bound is a value of the base, except that it may lie on or beyond the bounds of that, of which rules of their
-  /// own say more.
+  /// A bound has the form of a value of the base. That it may not lie beyond the bounds of the base is a rule of its
+  /// own.
   bool IsInValueSpace(std::string const& text) const {
-    SimpleType unbounded = m_base;
+    SimpleType const* type = &m_base;
+    while (type->builtIn == BuiltIn::None && type->base != nullptr) type = type->base;
+    SimpleType unbounded = *type;
     unbounded.facets = {};
-    unbounded.facets.whiteSpace = WhiteSpace::Collapse;
-    return FaultOfValue(unbounded, text).empty();
+    return ValueRules().FaultOf(unbounded, text).empty();
   }
 
   void CheckWhiteSpace(Node const& facet) {
@@ -126,7 +127,7 @@ class FacetCheck {
   }
 
   void CheckEnumeration(Node const& facet) {
-    std::string const fault = FaultOfValue(m_base, *facet.Find("value"));
+    std::string const fault = m_values.FaultOf(m_base, *facet.Find("value"));
     if (!fault.empty()) Error(facet, "the enumeration does not fit the base: " + fault);
   }
 
@@ -183,6 +184,7 @@ class FacetCheck {
   SimpleType const& m_base;
   BuiltIn const m_primitive;
   Node const& m_restriction;
+  ValueRules& m_values;
   Diagnostics& m_diagnostics;
 };
 
@@ -198,8 +200,8 @@ unsigned FacetBit(Tag facet) {
   return 0;
 }
 
-void CheckFacets(SimpleType const& type, Node const& restriction, Diagnostics& diagnostics) {
-  FacetCheck(type, restriction, diagnostics).Check();
+void CheckFacets(SimpleType const& type, Node const& restriction, ValueRules& values, Diagnostics& diagnostics) {
+  FacetCheck(type, restriction, values, diagnostics).Check();
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -80,7 +80,7 @@ void Builder::ApplyFacets(SimpleType& type, Document const& document, Node const
   }
   if (!patterns.empty()) type.facets.patterns.push_back(std::move(patterns));
   if (!values.empty()) type.facets.enumeration = std::move(values);
-  CheckFacets(type, node, m_diagnostics);
+  CheckFacets(type, node, m_values, m_diagnostics);
 }
 
 void Builder::CheckPatternOf(Node const& facet) {

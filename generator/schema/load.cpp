@@ -28,8 +28,10 @@ SchemaSet LoadSchemas(LoadOptions const& options, Files const& files, Diagnostic
   Documents documents(options, files, storage->paths, diagnostics);
   documents.Load();
   WarnOfLostImports(documents, diagnostics);
-  Builder(*storage, diagnostics).Build(documents, set);
+  Builder builder(*storage, diagnostics);
+  builder.Build(documents, set);
   if (!diagnostics.HasErrors()) CheckComponents(*storage, diagnostics);
+  builder.Finish(set);
   return set;
 }
 

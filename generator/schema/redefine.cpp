@@ -104,6 +104,44 @@ void Builder::CheckRedefinitions() {
   }
 }
 
+/// Take what redefined types have of their originals over, so that nothing refers to these any more.
+void Builder::MergeOriginals() {
+  for (auto const& original : m_oldComplexTypes.all) m_hiddenTypes.insert(original.object);
+  for (ComplexType& type : m_storage.complexTypes) {
+    while (m_hiddenTypes.count(type.base) != 0) Merge(type, *type.base);
+  }
+}
+
+/// A restricted extension of another type is neither of the two seen from there, so it counts as a restriction, whose
+/// class may turn out not to derive.
+void Builder::Merge(ComplexType& type, ComplexType const& original) {
+  using Derivation = ComplexType::Derivation;
+  bool const extends = type.derivation == Derivation::Extension && original.derivation == Derivation::Extension;
+  if (extends) {
+    std::vector<AttributeUse> attributes = original.ownAttributes;
+    attributes.insert(attributes.end(), type.ownAttributes.begin(), type.ownAttributes.end());
+    type.ownAttributes = std::move(attributes);
+    type.ownParticle = Joined(original.ownParticle, type.ownParticle);
+  } else {
+    type.ownAttributes = type.attributes;
+    type.ownParticle = type.particle;
+    type.derivation = original.base != nullptr         ? Derivation::Restriction
+                      : original.simpleBase != nullptr ? Derivation::Extension
+                                                       : Derivation::None;
+  }
+  type.base = original.base;
+  type.simpleBase = original.simpleBase;
+}
+
+/// Return the sequence of the two particles.
+std::optional<Particle> Builder::Joined(std::optional<Particle> const& first, std::optional<Particle> const& second) {
+  if (!first || !second) return first ? first : second;
+  ModelGroup& both = m_storage.modelGroups.emplace_back();
+  both.place = second->place;
+  both.particles = {*first, *second};
+  return Particle{1, 1, &both, second->place, nullptr};
+}
+
 /// Return what the redefinition that \p reference is in replaces, if \p reference refers to that; else null.
 template <class Object>
 Builder::Global<Object>* Builder::Original(Originals<Object> const& originals, Document const& document,

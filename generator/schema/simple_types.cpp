@@ -5,15 +5,6 @@
 
 namespace Quillon9Generator::Schema {
 
-namespace {
-
-bool HasLists(SimpleType const& type) {
-  return type.variety == Variety::List ||
-         std::any_of(type.memberTypes.begin(), type.memberTypes.end(), [](auto const* each) { return HasLists(*each); });
-}
-
-}  // namespace
-
 void Builder::Complete(Global<SimpleType>& global) {
   if (!Begin(global)) return;
   FillSimpleType(*global.object, *global.document, *global.node);
@@ -69,16 +60,18 @@ void Builder::Derive(SimpleType& type, SimpleType const* base) {
   type.variety = base->variety;
   type.itemType = base->itemType;
   type.memberTypes = base->memberTypes;
+  type.hasLists = base->hasLists;
   type.facets = facets;
 }
 
 void Builder::FillList(SimpleType& type, Document const& document, Node const& node) {
   type.variety = Variety::List;
+  type.hasLists = true;
   type.facets.whiteSpace = WhiteSpace::Collapse;
   type.itemType = ReferredSimpleType(document, node, "itemType");
   if (type.itemType == nullptr) type.itemType = m_builtIns.Get(BuiltIn::AnySimpleType);
   CheckFinal(*type.itemType, kList, node);
-  if (HasLists(*type.itemType)) m_diagnostics.Error(node.place, "a list cannot have lists as its items");
+  if (type.itemType->hasLists) m_diagnostics.Error(node.place, "a list cannot have lists as its items");
 }
 
 void Builder::FillUnion(SimpleType& type, Document const& document, Node const& node) {
@@ -94,6 +87,8 @@ void Builder::FillUnion(SimpleType& type, Document const& document, Node const& 
   for (Node const& child : node.children) {
     if (child.tag == Tag::SimpleType) type.memberTypes.push_back(AnonymousSimpleType(document, child));
   }
+  type.hasLists = std::any_of(type.memberTypes.begin(), type.memberTypes.end(),
+                              [](SimpleType const* member) { return member->hasLists; });
 }
 
 void Builder::CheckFinal(SimpleType const& type, unsigned derivation, Node const& node) {

@@ -63,46 +63,6 @@ std::string FaultOfLength(Facets const& facets, long length) {
   return {};
 }
 
-bool IsEnumerated(Facets const& facets, BuiltIn primitive, std::string_view text) {
-  if (facets.enumeration.empty() || primitive == BuiltIn::QName || primitive == BuiltIn::Notation) return true;
-  return std::any_of(facets.enumeration.begin(), facets.enumeration.end(), [&](EnumerationValue const& value) {
-    return value.text == text || Compare(primitive, value.text, text) == Order::Equal;
-  });
-}
-
-std::string FaultOfAtom(SimpleType const& type, std::string const& text) {
-  BuiltIn const primitive = PrimitiveOf(type);
-  bool const hasForm = IsValueOf(primitive, text) && HasForm(type.ancestor, text) &&
-                       (!IsInteger(type) || text.find('.') == std::string::npos);
-  if (!hasForm) return Quoted(text) + " is no value of xs:" + std::string(NameOf(type.ancestor));
-  std::string fault = FaultOfBounds(type.facets, primitive, text);
-  if (fault.empty() && primitive == BuiltIn::Decimal) fault = FaultOfDigits(type.facets, text);
-  bool const hasLength = primitive != BuiltIn::QName && primitive != BuiltIn::Notation;
-  if (fault.empty() && hasLength) fault = FaultOfLength(type.facets, LengthOf(primitive, text));
-  if (fault.empty() && !IsEnumerated(type.facets, primitive, text)) fault = "it is none of the enumeration";
-  return fault.empty() ? fault : Quoted(text) + " is not allowed: " + fault;
-}
-
-/// Lists are equal if their items are, as far as these can be compared as text.
-std::string FaultOfList(SimpleType const& type, std::string const& text) {
-  std::vector<std::string_view> const items = Words(text);
-  if (type.itemType != nullptr) {
-    for (std::string_view const item : items) {
-      std::string fault = FaultOfValue(*type.itemType, item);
-      if (!fault.empty()) return fault;
-    }
-  }
-  std::string fault = FaultOfLength(type.facets, static_cast<long>(items.size()));
-  return fault.empty() ? fault : Quoted(text) + " is not allowed: " + fault;
-}
-
-std::string FaultInUnion(SimpleType const& type, std::string const& text) {
-  bool const isMember =
-      type.memberTypes.empty() || std::any_of(type.memberTypes.begin(), type.memberTypes.end(),
-                                              [&](SimpleType const* each) { return FaultOfValue(*each, text).empty(); });
-  return isMember ? "" : Quoted(text) + " is no value of any member of the union";
-}
-
 }  // namespace
 
 std::string Normalized(std::string_view text, WhiteSpace whiteSpace) {
@@ -128,14 +88,67 @@ bool AreEqual(SimpleType const& type, std::string_view a, std::string_view b) {
   return first == second || Compare(PrimitiveOf(type), first, second) == Order::Equal;
 }
 
-std::string FaultOfValue(SimpleType const& type, std::string_view text) {
-  if (type.builtIn == BuiltIn::AnySimpleType) return {};
+std::string ValueRules::FaultOf(SimpleType const& type, std::string_view text) {
+  if (type.builtIn == BuiltIn::AnySimpleType || m_left == 0) return {};
+  --m_left;
   switch (type.variety) {
     case Variety::Atomic: return FaultOfAtom(type, Normalized(text, type.facets.whiteSpace));
     case Variety::List: return FaultOfList(type, Normalized(text, WhiteSpace::Collapse));
     case Variety::Union: return FaultInUnion(type, std::string(text));
   }
   return {};
+}
+
+std::string ValueRules::FaultOfAtom(SimpleType const& type, std::string const& text) {
+  BuiltIn const primitive = PrimitiveOf(type);
+  bool const hasForm = IsValueOf(primitive, text) && HasForm(type.ancestor, text) &&
+                       (!IsInteger(type) || text.find('.') == std::string::npos);
+  if (!hasForm) return Quoted(text) + " is no value of xs:" + std::string(NameOf(type.ancestor));
+  std::string fault = FaultOfBounds(type.facets, primitive, text);
+  if (fault.empty() && primitive == BuiltIn::Decimal) fault = FaultOfDigits(type.facets, text);
+  bool const hasLength = primitive != BuiltIn::QName && primitive != BuiltIn::Notation;
+  if (fault.empty() && hasLength) fault = FaultOfLength(type.facets, LengthOf(primitive, text));
+  if (fault.empty() && !IsEnumerated(type, primitive, text)) fault = "it is none of the enumeration";
+  return fault.empty() ? fault : Quoted(text) + " is not allowed: " + fault;
+}
+
+bool ValueRules::IsEnumerated(SimpleType const& type, BuiltIn primitive, std::string const& text) {
+  std::vector<EnumerationValue> const& values = type.facets.enumeration;
+  if (values.empty() || primitive == BuiltIn::QName || primitive == BuiltIn::Notation) return true;
+  auto const [texts, isNew] = m_enumerations.try_emplace(&type);
+  if (isNew) {
+    for (EnumerationValue const& value : values) texts->second.insert(value.text);
+  }
+  if (texts->second.count(text) != 0) return true;
+  if (primitive == BuiltIn::String || primitive == BuiltIn::AnyURI) return false;
+  if (values.size() >= m_left) {
+    m_left = 0;
+    return true;
+  }
+  m_left -= values.size();
+  return std::any_of(values.begin(), values.end(), [&](EnumerationValue const& value) {
+    return Compare(primitive, value.text, text) == Order::Equal;
+  });
+}
+
+std::string ValueRules::FaultOfList(SimpleType const& type, std::string const& text) {
+  std::vector<std::string_view> const items = Words(text);
+  if (type.itemType != nullptr) {
+    for (std::string_view const item : items) {
+      std::string fault = FaultOf(*type.itemType, item);
+      if (!fault.empty()) return fault;
+    }
+  }
+  std::string const fault = FaultOfLength(type.facets, static_cast<long>(items.size()));
+  return fault.empty() ? fault : Quoted(text) + " is not allowed: " + fault;
+}
+
+std::string ValueRules::FaultInUnion(SimpleType const& type, std::string const& text) {
+  auto const& members = type.memberTypes;
+  bool const isMember = members.empty() || std::any_of(members.begin(), members.end(), [&](SimpleType const* each) {
+                          return FaultOf(*each, text).empty();
+                        });
+  return isMember ? "" : Quoted(text) + " is no value of any member of the union";
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -44,10 +44,10 @@ void CheckWildcardRestriction(AttributesView narrow, AttributesView wide, Place 
   }
 }
 
-void CheckValue(AttributeUse const& use, std::optional<std::string> const& value, Diagnostics& diagnostics) {
+void CheckValue(AttributeUse const& use, std::optional<std::string> const& value, ValidityContext& context) {
   if (!value || use.declaration->type == nullptr) return;
-  std::string const fault = FaultOfValue(*use.declaration->type, *value);
-  if (!fault.empty()) diagnostics.Error(use.place, "the attribute " + Quoted(use) + ": " + fault);
+  std::string const fault = context.Values().FaultOf(*use.declaration->type, *value);
+  if (!fault.empty()) context.Error(use.place, "the attribute " + Quoted(use) + ": " + fault);
 }
 
 }  // namespace
@@ -75,26 +75,26 @@ void CheckAttributeRestriction(AttributesView narrow, AttributesView wide, Place
   CheckWildcardRestriction(narrow, wide, place, diagnostics);
 }
 
-void CheckAttributes(std::vector<AttributeUse> const& uses, Place const& place, Diagnostics& diagnostics) {
+void CheckAttributes(std::vector<AttributeUse> const& uses, Place const& place, ValidityContext& context) {
   bool hasId = false;
   for (AttributeUse const& use : uses) {
-    CheckValue(use, use.defaultValue, diagnostics);
-    CheckValue(use, use.fixedValue, diagnostics);
+    CheckValue(use, use.defaultValue, context);
+    CheckValue(use, use.fixedValue, context);
     std::optional<std::string> const& fixed = use.declaration->fixedValue;
     bool const isSame = !fixed || (use.fixedValue && use.declaration->type != nullptr &&
                                    AreEqual(*use.declaration->type, *use.fixedValue, *fixed));
     if (!isSame) {
-      diagnostics.Error(use.place, "the attribute " + Quoted(use) + " has the fixed value \"" + *fixed + "\"");
+      context.Error(use.place, "the attribute " + Quoted(use) + " has the fixed value \"" + *fixed + "\"");
     }
     SimpleType const* const type = use.declaration->type;
     if (type != nullptr && LacksEnumeration(*type)) {
-      diagnostics.Error(use.place, "the attribute " + Quoted(use) + " needs a type with an enumeration of notations");
+      context.Error(use.place, "the attribute " + Quoted(use) + " needs a type with an enumeration of notations");
     }
     if (type == nullptr || type->variety != Variety::Atomic || type->ancestor != BuiltIn::ID) continue;
-    if (hasId) diagnostics.Error(place, "a type cannot have two attributes of the type xs:ID");
+    if (hasId) context.Error(place, "a type cannot have two attributes of the type xs:ID");
     hasId = true;
     if (use.defaultValue || use.fixedValue) {
-      diagnostics.Error(use.place, "an attribute of the type xs:ID cannot have a default or fixed value");
+      context.Error(use.place, "an attribute of the type xs:ID cannot have a default or fixed value");
     }
   }
 }

@@ -5,6 +5,7 @@
 
 #include "schema/components.h"
 #include "schema/diagnostics.h"
+#include "schema/validity/context.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -20,6 +21,6 @@ void CheckAttributeRestriction(AttributesView narrow, AttributesView wide, Place
                                Diagnostics& diagnostics);
 
 /// Check the values and types of attributes, which do not depend on those of a base.
-void CheckAttributes(std::vector<AttributeUse> const& uses, Place const& place, Diagnostics& diagnostics);
+void CheckAttributes(std::vector<AttributeUse> const& uses, Place const& place, ValidityContext& context);
 
 }  // namespace Quillon9Generator::Schema

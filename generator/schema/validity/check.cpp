@@ -1,6 +1,5 @@
 #include "schema/validity/check.h"
 
-#include "schema/simple_values.h"
 #include "schema/validity/attribute_rules.h"
 #include "schema/validity/complex_type_rules.h"
 #include "schema/validity/element_rules.h"
@@ -9,20 +8,22 @@ namespace Quillon9Generator::Schema {
 
 namespace {
 
-void CheckAttribute(AttributeDeclaration const& attribute, Diagnostics& diagnostics) {
+void CheckAttribute(AttributeDeclaration const& attribute, ValidityContext& context) {
   AttributeUse const use = {&attribute, false, attribute.defaultValue, attribute.fixedValue, attribute.place};
-  CheckAttributes({use}, attribute.place, diagnostics);
+  CheckAttributes({use}, attribute.place, context);
 }
 
 }  // namespace
 
 void CheckComponents(Storage const& storage, Diagnostics& diagnostics) {
-  for (AttributeDeclaration const& attribute : storage.attributes) CheckAttribute(attribute, diagnostics);
-  for (ElementDeclaration const& element : storage.elements) CheckElement(element, diagnostics);
-  Substitutions substitutions;
-  ComplexTypeRules rules(substitutions, diagnostics);
+  ValidityContext context(diagnostics);
+  for (AttributeDeclaration const& attribute : storage.attributes) CheckAttribute(attribute, context);
+  for (ElementDeclaration const& element : storage.elements) CheckElement(element, context);
+  ComplexTypeRules rules(context);
   for (auto const& [now, before] : storage.redefinedGroups) rules.CheckRedefinition(*now, *before);
   for (ComplexType const& type : storage.complexTypes) rules.Check(type);
+  if (context.MaySpend(0) || storage.paths.empty()) return;
+  diagnostics.Warning({&storage.paths.front(), 0, 0}, "the schema is so large that not all of its content is checked");
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -2,7 +2,6 @@
 
 #include <map>
 
-#include "schema/diagnostics.h"
 #include "schema/validity/derivation.h"
 #include "schema/validity/particle_restriction.h"
 #include "schema/validity/unique_attribution.h"
@@ -12,11 +11,8 @@ namespace Quillon9Generator::Schema {
 /// Checks complex types one by one.
 class ComplexTypeRules {
  public:
-  ComplexTypeRules(Substitutions& substitutions, Diagnostics& diagnostics)
-      : m_substitutions(substitutions),
-        m_diagnostics(diagnostics),
-        m_restriction(substitutions),
-        m_attribution(substitutions) {}
+  explicit ComplexTypeRules(ValidityContext& context)
+      : m_context(context), m_restriction(context), m_attribution(context) {}
 
   void Check(ComplexType const& type);
   /// Check that \p narrow, which redefines a group, restricts it.
@@ -25,6 +21,7 @@ class ComplexTypeRules {
  private:
   using TypesByName = std::map<QualifiedName, ElementDeclaration const*>;
 
+  bool IsEmptiable(ComplexType const& type);
   void CheckRestriction(ComplexType const& type, ComplexType const& base);
   void CheckContentRestriction(ComplexType const& type, ComplexType const& base);
   void CheckFinal(ComplexType const& type);
@@ -32,8 +29,7 @@ class ComplexTypeRules {
   void CollectTypes(ModelGroup const& group, TypesByName& types, Place const& place);
   void AddElement(ElementDeclaration const& element, TypesByName& types, Place const& place);
 
-  Substitutions& m_substitutions;
-  Diagnostics& m_diagnostics;
+  ValidityContext& m_context;
   ParticleRestriction m_restriction;
   UniqueAttribution m_attribution;
 };

@@ -1,6 +1,6 @@
 #include "schema/validity/derivation.h"
 
-#include <algorithm>
+#include <unordered_set>
 
 #include "schema/node.h"
 
@@ -8,14 +8,22 @@ namespace Quillon9Generator::Schema {
 
 namespace {
 
+/// Add \p type and, if it is a union, all types that it is made of.
+void Collect(SimpleType const& type, std::unordered_set<SimpleType const*>& types) {
+  if (!types.insert(&type).second || type.variety != Variety::Union) return;
+  for (SimpleType const* member : type.memberTypes) Collect(*member, types);
+}
+
 bool IsSimpleDerived(SimpleType const& type, SimpleType const& base, unsigned excluded) {
-  if (&type == &base || base.builtIn == BuiltIn::AnySimpleType) return &type == &base || (excluded & kRestriction) == 0;
-  bool const isMember =
-      base.variety == Variety::Union &&
-      std::any_of(base.memberTypes.begin(), base.memberTypes.end(),
-                  [&](SimpleType const* member) { return IsSimpleDerived(type, *member, excluded); });
-  if (isMember) return true;
-  return type.base != nullptr && (excluded & kRestriction) == 0 && IsSimpleDerived(*type.base, base, excluded);
+  if (&type == &base) return true;
+  std::unordered_set<SimpleType const*> bases;
+  Collect(base, bases);
+  if (bases.count(&type) != 0) return true;
+  if ((excluded & kRestriction) != 0) return false;
+  for (SimpleType const* each = type.base; each != nullptr; each = each->base) {
+    if (bases.count(each) != 0) return true;
+  }
+  return false;
 }
 
 }  // namespace

@@ -11,8 +11,6 @@ namespace Quillon9Generator::Schema {
 namespace {
 
 constexpr int kUnbounded = Particle::kUnbounded;
-/// How many pairs of particles are compared for one type. Beyond, a hostile schema is believed.
-constexpr std::size_t kMostSteps = 1000000;
 
 long Product(long a, long b) { return a == kUnbounded || b == kUnbounded ? (a == 0 || b == 0 ? 0 : kUnbounded) : a * b; }
 long Sum(long a, long b) { return a == kUnbounded || b == kUnbounded ? kUnbounded : a + b; }
@@ -32,31 +30,21 @@ std::string Count(int count) { return count == kUnbounded ? "unbounded" : std::t
 
 }  // namespace
 
-bool ParticleRestriction::IsEmptiable(Particle const& particle) {
-  if (particle.minOccurs == 0) return true;
-  auto const* const group = std::get_if<ModelGroup const*>(&particle.term);
-  if (group == nullptr) return false;
-  auto const& particles = (*group)->particles;
-  if ((*group)->compositor == ModelGroup::Compositor::Choice) {
-    return std::any_of(particles.begin(), particles.end(), IsEmptiable);
-  }
-  return std::all_of(particles.begin(), particles.end(), IsEmptiable);
-}
-
 std::string ParticleRestriction::Fault(Particle const& narrow, Particle const& wide) {
   m_parts.clear();
   m_fault.clear();
-  m_steps = 0;
   Part const* const narrowPart = Simplified(narrow, nullptr);
   Part const* const widePart = Simplified(wide, nullptr);
-  if (narrowPart == nullptr) return IsEmptiable(wide) ? "" : "the content is empty, but that of the base cannot be";
+  if (!m_context.MaySpend(1)) return {};
+  if (narrowPart == nullptr) return m_context.IsEmptiable(wide) ? "" : "the content is empty, but that of the base cannot be";
   if (widePart == nullptr) return "the content of the base is empty";
-  if (Restricts(*narrowPart, *widePart) || m_steps > kMostSteps) return {};
+  if (Restricts(*narrowPart, *widePart) || !m_context.MaySpend(1)) return {};
   return m_fault.empty() ? "the content does not restrict that of the base" : m_fault;
 }
 
 /// Return the particle in its simple form, or null for an empty group. \p parent is the kind of the group around it.
 ParticleRestriction::Part const* ParticleRestriction::Simplified(Particle const& particle, Part::Kind const* parent) {
+  if (!m_context.MaySpend(1)) return nullptr;
   Part part;
   part.min = particle.minOccurs;
   part.max = particle.maxOccurs;
@@ -105,7 +93,7 @@ ParticleRestriction::Part const* ParticleRestriction::Keep(Part part) {
 ParticleRestriction::Part const* ParticleRestriction::SimplifiedElement(Part part, ElementDeclaration const& element) {
   part.kind = Part::Kind::Element;
   part.element = &element;
-  std::vector<ElementDeclaration const*> const* members = element.global ? &m_substitutions.Of(element) : nullptr;
+  std::vector<ElementDeclaration const*> const* members = element.global ? &m_context.SubstitutesOf(element) : nullptr;
   if (members == nullptr || members->empty()) return Keep(part);
   Part choice = part;
   choice.kind = Part::Kind::Choice;
@@ -113,7 +101,7 @@ ParticleRestriction::Part const* ParticleRestriction::SimplifiedElement(Part par
   part.min = part.max = 1;
   if (!element.abstract) choice.parts.push_back(Keep(part));
   for (ElementDeclaration const* member : *members) {
-    if (member->abstract) continue;
+    if (member->abstract || !m_context.MaySpend(1)) continue;
     part.element = member;
     choice.parts.push_back(Keep(part));
   }
@@ -121,7 +109,7 @@ ParticleRestriction::Part const* ParticleRestriction::SimplifiedElement(Part par
 }
 
 bool ParticleRestriction::Restricts(Part const& narrow, Part const& wide, bool checksCounts) {
-  if (++m_steps > kMostSteps) return true;
+  if (!m_context.MaySpend(1)) return true;
   if (&narrow == &wide) return true;
   bool const hasSameHead = narrow.element != nullptr && narrow.element == wide.element && narrow.kind == wide.kind;
   if (hasSameHead && IsWithin(narrow.min, narrow.max, wide)) return true;

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "schema/components.h"
-#include "schema/validity/substitution.h"
+#include "schema/validity/context.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -13,13 +13,10 @@ namespace Quillon9Generator::Schema {
 /// (https://www.w3.org/TR/xmlschema-1/#cos-particle-restrict).
 class ParticleRestriction {
  public:
-  explicit ParticleRestriction(Substitutions& substitutions) : m_substitutions(substitutions) {}
+  explicit ParticleRestriction(ValidityContext& context) : m_context(context) {}
 
   /// Return why \p narrow does not restrict \p wide; an empty text if it does.
   std::string Fault(Particle const& narrow, Particle const& wide);
-
-  /// Return whether \p particle may match nothing.
-  static bool IsEmptiable(Particle const& particle);
 
  private:
   /// A particle without the groups that have no effect, and with a choice in place of the head of a substitution group.
@@ -58,10 +55,9 @@ class ParticleRestriction {
   static std::string Described(Part const& part);
   bool Fail(std::string fault);
 
-  Substitutions& m_substitutions;
+  ValidityContext& m_context;
   std::deque<Part> m_parts;
   std::string m_fault;  // the first one
-  std::size_t m_steps = 0;
 };
 
 }  // namespace Quillon9Generator::Schema

@@ -6,23 +6,15 @@
 
 namespace Quillon9Generator::Schema {
 
-namespace {
-
-/// How many names and particles are looked at for one type. Beyond, a hostile schema is believed.
-constexpr std::size_t kMostSteps = 10000000;
-
-}  // namespace
-
 std::string UniqueAttribution::Fault(Particle const& content) {
   m_fault.clear();
   m_particles = 0;
-  m_steps = 0;
   ModelOf(content);
   return m_fault;
 }
 
 UniqueAttribution::Model UniqueAttribution::ModelOf(Particle const& particle) {
-  if (!m_fault.empty() || m_steps > kMostSteps) return {};
+  if (!m_fault.empty() || !m_context.MaySpend(1)) return {};
   Model model = ModelOfTerm(particle);
   if (particle.maxOccurs != 1) {
     Check(model.follow, model.first);
@@ -51,10 +43,10 @@ UniqueAttribution::Model UniqueAttribution::ModelOfElement(ElementDeclaration co
   model.nullable = false;
   model.first.names.push_back({NumberOf(element.name), m_particles});
   if (element.global) {
-    for (ElementDeclaration const* member : m_substitutions.Of(element)) {
+    for (ElementDeclaration const* member : m_context.SubstitutesOf(element)) {
       model.first.names.push_back({NumberOf(member->name), m_particles});
-      ++m_steps;
     }
+    m_context.MaySpend(model.first.names.size());
     std::sort(model.first.names.begin(), model.first.names.end(),
               [](Set::Name const& a, Set::Name const& b) { return a.name < b.name; });
   }
@@ -103,7 +95,7 @@ void UniqueAttribution::Check(Set const& a, Set const& b) {
   if (!m_fault.empty()) return;
   auto first = a.names.begin();
   auto second = b.names.begin();
-  m_steps += a.names.size() + b.names.size();
+  if (!m_context.MaySpend(a.names.size() + b.names.size())) return;
   while (first != a.names.end() && second != b.names.end()) {
     if (first->name < second->name) {
       ++first;
@@ -124,7 +116,7 @@ void UniqueAttribution::CheckWildcards(Set const& a, Set const& b) {
     for (auto const& [other, number] : b.wildcards) {
       if (particle != number && Overlap(*wildcard, *other)) return Report("what two wildcards allow");
     }
-    m_steps += b.names.size();
+    if (!m_context.MaySpend(b.names.size())) return;
     for (Set::Name const& name : b.names) {
       if (!Allows(*wildcard, m_names[name.name]->ns)) continue;
       return Report("\"" + m_names[name.name]->local + "\", which a wildcard allows, too,");
@@ -137,6 +129,7 @@ void UniqueAttribution::Report(std::string const& subject) {
 }
 
 void UniqueAttribution::Add(Set& set, Set const& more) {
+  if (!m_context.MaySpend(set.names.size() + more.names.size())) return;
   auto const before = static_cast<std::ptrdiff_t>(set.names.size());
   set.names.insert(set.names.end(), more.names.begin(), more.names.end());
   std::inplace_merge(set.names.begin(), set.names.begin() + before, set.names.end(),

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "schema/components.h"
-#include "schema/validity/substitution.h"
+#include "schema/validity/context.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -15,7 +15,7 @@ namespace Quillon9Generator::Schema {
 /// looking ahead (https://www.w3.org/TR/xmlschema-1/#cos-nonambig).
 class UniqueAttribution {
  public:
-  explicit UniqueAttribution(Substitutions& substitutions) : m_substitutions(substitutions) {}
+  explicit UniqueAttribution(ValidityContext& context) : m_context(context) {}
 
   /// Return which particles of the content an element may belong to; an empty text if there is one at most.
   std::string Fault(Particle const& content);
@@ -45,13 +45,12 @@ class UniqueAttribution {
   void Check(Set const& a, Set const& b);
   void CheckWildcards(Set const& a, Set const& b);
   void Report(std::string const& subject);
-  static void Add(Set& set, Set const& more);
+  void Add(Set& set, Set const& more);
 
-  Substitutions& m_substitutions;
+  ValidityContext& m_context;
   std::unordered_map<std::string, std::size_t> m_numbers;
   std::vector<QualifiedName const*> m_names;
   std::size_t m_particles = 0;
-  std::size_t m_steps = 0;
   std::string m_fault;
 };
 
