@@ -73,8 +73,7 @@ bool Builder::IsQualified(Document const& document, Node const& node, std::strin
 unsigned Builder::ReadDerivations(Document const& document, Node const& node, std::string_view attribute,
                                   unsigned all) {
   std::string const byDefault = std::string(attribute) + "Default";
-  std::string_view const text =
-      Trimmed(node.Find(attribute).value_or(document.Root().Find(byDefault).value_or("")));
+  std::string_view const text = Trimmed(node.Find(attribute).value_or(document.Root().Find(byDefault).value_or("")));
   if (text == "#all") return all;
   unsigned set = 0;
   for (std::string_view const word : Words(text)) {

@@ -38,7 +38,7 @@ std::optional<long> NumberOf(Facets const& facets, Tag tag) {
 /// What a bound must not be, compared with another bound of the base or of the same type.
 struct BoundRule {
   Tag bound, other;
-  bool atMost;   ///< the bound must not be greater than the other; else not less
+  bool atMost;  ///< the bound must not be greater than the other; else not less
   bool mayEqual;
   bool ofBase;
   bool ofSelf;
@@ -102,7 +102,8 @@ class FacetCheck {
                     char const* owner) {
     if (!other) return;
     Order const order = Compare(m_primitive, *BoundOf(m_type.facets, facet.tag), *other);
-    bool const isWrong = order == (rule.atMost ? Order::Greater : Order::Less) || (order == Order::Equal && !rule.mayEqual);
+    bool const isWrong =
+        order == (rule.atMost ? Order::Greater : Order::Less) || (order == Order::Equal && !rule.mayEqual);
     if (!isWrong) return;
     char const* const relation = rule.atMost ? (rule.mayEqual ? "greater than" : "not less than")
                                              : (rule.mayEqual ? "less than" : "not greater than");
@@ -191,8 +192,8 @@ class FacetCheck {
 }  // namespace
 
 unsigned FacetBit(Tag facet) {
-  constexpr Tag kFacets[] = {Tag::Length,       Tag::MinLength,    Tag::MaxLength,      Tag::MinInclusive,
-                             Tag::MaxInclusive, Tag::MinExclusive, Tag::MaxExclusive,   Tag::TotalDigits,
+  constexpr Tag kFacets[] = {Tag::Length,       Tag::MinLength,     Tag::MaxLength,    Tag::MinInclusive,
+                             Tag::MaxInclusive, Tag::MinExclusive,  Tag::MaxExclusive, Tag::TotalDigits,
                              Tag::WhiteSpace,   Tag::FractionDigits};
   for (std::size_t i = 0; i != std::size(kFacets); ++i) {
     if (kFacets[i] == facet) return 1U << i;

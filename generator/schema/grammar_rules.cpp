@@ -41,12 +41,10 @@ AttributeRule const kProcessing = {"processContents", Kind::Processing};
 Slot Annotation() { return Optional({{Tag::Annotation, Form::Annotation}}); }
 
 Children Facets() {
-  return {{Tag::MinExclusive, Form::Facet},   {Tag::MinInclusive, Form::Facet},
-          {Tag::MaxExclusive, Form::Facet},   {Tag::MaxInclusive, Form::Facet},
-          {Tag::TotalDigits, Form::Facet},    {Tag::FractionDigits, Form::Facet},
-          {Tag::Length, Form::Facet},         {Tag::MinLength, Form::Facet},
-          {Tag::MaxLength, Form::Facet},      {Tag::WhiteSpace, Form::Facet},
-          {Tag::Enumeration, Form::FreeFacet}, {Tag::Pattern, Form::FreeFacet}};
+  return {{Tag::MinExclusive, Form::Facet}, {Tag::MinInclusive, Form::Facet},    {Tag::MaxExclusive, Form::Facet},
+          {Tag::MaxInclusive, Form::Facet}, {Tag::TotalDigits, Form::Facet},     {Tag::FractionDigits, Form::Facet},
+          {Tag::Length, Form::Facet},       {Tag::MinLength, Form::Facet},       {Tag::MaxLength, Form::Facet},
+          {Tag::WhiteSpace, Form::Facet},   {Tag::Enumeration, Form::FreeFacet}, {Tag::Pattern, Form::FreeFacet}};
 }
 
 Children Definitions() {
@@ -90,25 +88,24 @@ std::vector<Slot> ContentOfType() {
 
 void AddDocuments(std::map<Form, Rule>& rules) {
   Children const annotations = {{Tag::Annotation, Form::Annotation}};
-  rules[Form::Schema] = {{{"targetNamespace", Kind::Uri},
-                          {"version", Kind::Text},
-                          {"finalDefault", Kind::FinalDefault},
-                          {"blockDefault", Kind::Block},
-                          {"attributeFormDefault", Kind::Form},
-                          {"elementFormDefault", Kind::Form}},
-                         {Any(Joined({annotations,
-                                      {{Tag::Include, Form::Include},
-                                       {Tag::Import, Form::Import},
-                                       {Tag::Redefine, Form::Redefine}}})),
-                          Any(Joined({annotations, Definitions(),
-                                      {{Tag::Element, Form::GlobalElement},
-                                       {Tag::Attribute, Form::GlobalAttribute},
-                                       {Tag::Notation, Form::Notation}}}))}};
+  rules[Form::Schema] = {
+      {{"targetNamespace", Kind::Uri},
+       {"version", Kind::Text},
+       {"finalDefault", Kind::FinalDefault},
+       {"blockDefault", Kind::Block},
+       {"attributeFormDefault", Kind::Form},
+       {"elementFormDefault", Kind::Form}},
+      {Any(Joined({annotations,
+                   {{Tag::Include, Form::Include}, {Tag::Import, Form::Import}, {Tag::Redefine, Form::Redefine}}})),
+       Any(Joined({annotations,
+                   Definitions(),
+                   {{Tag::Element, Form::GlobalElement},
+                    {Tag::Attribute, Form::GlobalAttribute},
+                    {Tag::Notation, Form::Notation}}}))}};
   rules[Form::Include] = {{kLocation}, {Annotation()}};
   rules[Form::Import] = {{{"schemaLocation", Kind::Uri}, {"namespace", Kind::Uri}}, {Annotation()}};
   rules[Form::Redefine] = {{kLocation}, {Any(Joined({annotations, Definitions()}))}};
-  rules[Form::Annotation] = {
-      {}, {Any({{Tag::Appinfo, Form::Appinfo}, {Tag::Documentation, Form::Documentation}})}};
+  rules[Form::Annotation] = {{}, {Any({{Tag::Appinfo, Form::Appinfo}, {Tag::Documentation, Form::Documentation}})}};
   rules[Form::Appinfo] = {{{"source", Kind::Uri}}, {}};
   rules[Form::Documentation] = {{{"source", Kind::Uri}}, {}};
   rules[Form::Notation] = {{kName, {"public", Kind::Text}, {"system", Kind::Uri}}, {Annotation()}};
@@ -146,9 +143,9 @@ void AddDeclarations(std::map<Form, Rule>& rules) {
 
 void AddSimpleTypes(std::map<Form, Rule>& rules) {
   Children const anonymous = {{Tag::SimpleType, Form::LocalSimpleType}};
-  std::vector<Slot> const content = {Annotation(), One({{Tag::Restriction, Form::RestrictionOfSimpleType},
-                                                        {Tag::List, Form::List},
-                                                        {Tag::Union, Form::Union}})};
+  std::vector<Slot> const content = {
+      Annotation(),
+      One({{Tag::Restriction, Form::RestrictionOfSimpleType}, {Tag::List, Form::List}, {Tag::Union, Form::Union}})};
   rules[Form::GlobalSimpleType] = {{kName, {"final", Kind::FinalOfSimpleType}}, content};
   rules[Form::LocalSimpleType] = {{}, content};
   rules[Form::RestrictionOfSimpleType] = {{{"base", Kind::QualifiedName}},
@@ -161,12 +158,9 @@ void AddSimpleTypes(std::map<Form, Rule>& rules) {
 
 void AddComplexTypes(std::map<Form, Rule>& rules) {
   Children const anonymous = {{Tag::SimpleType, Form::LocalSimpleType}};
-  rules[Form::GlobalComplexType] = {{kName,
-                                     kMixed,
-                                     {"abstract", Kind::Boolean},
-                                     {"final", Kind::DerivationSet},
-                                     {"block", Kind::DerivationSet}},
-                                    ContentOfType()};
+  rules[Form::GlobalComplexType] = {
+      {kName, kMixed, {"abstract", Kind::Boolean}, {"final", Kind::DerivationSet}, {"block", Kind::DerivationSet}},
+      ContentOfType()};
   rules[Form::LocalComplexType] = {{kMixed}, ContentOfType()};
   rules[Form::SimpleContent] = {{},
                                 {Annotation(), One({{Tag::Restriction, Form::RestrictionOfSimpleContent},
@@ -174,8 +168,8 @@ void AddComplexTypes(std::map<Form, Rule>& rules) {
   rules[Form::ComplexContent] = {{kMixed},
                                  {Annotation(), One({{Tag::Restriction, Form::RestrictionOfComplexContent},
                                                      {Tag::Extension, Form::ExtensionOfComplexContent}})}};
-  rules[Form::RestrictionOfSimpleContent] = {
-      {kBase}, WithAttributes({Annotation(), Optional(anonymous), Any(Facets())})};
+  rules[Form::RestrictionOfSimpleContent] = {{kBase},
+                                             WithAttributes({Annotation(), Optional(anonymous), Any(Facets())})};
   rules[Form::ExtensionOfSimpleContent] = {{kBase}, WithAttributes({Annotation()})};
   rules[Form::RestrictionOfComplexContent] = {{kBase}, WithAttributes({Annotation(), Optional(Models())})};
   rules[Form::ExtensionOfComplexContent] = rules[Form::RestrictionOfComplexContent];
@@ -186,10 +180,10 @@ void AddComplexTypes(std::map<Form, Rule>& rules) {
 
 void AddGroups(std::map<Form, Rule>& rules) {
   Slot const ofAll = Any({{Tag::Element, Form::ElementOfAll}});
-  rules[Form::GlobalGroup] = {{kName},
-                              {Annotation(), One({{Tag::All, Form::AllOfGroup},
-                                                  {Tag::Choice, Form::ModelOfGroup},
-                                                  {Tag::Sequence, Form::ModelOfGroup}})}};
+  rules[Form::GlobalGroup] = {
+      {kName},
+      {Annotation(),
+       One({{Tag::All, Form::AllOfGroup}, {Tag::Choice, Form::ModelOfGroup}, {Tag::Sequence, Form::ModelOfGroup}})}};
   rules[Form::GroupReference] = {{kReference, kMinOccurs, kMaxOccurs}, {Annotation()}};
   rules[Form::AllOfGroup] = {{}, {Annotation(), ofAll}};
   rules[Form::ModelOfGroup] = {{}, {Annotation(), Any(Particles())}};

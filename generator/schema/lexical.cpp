@@ -43,8 +43,8 @@ char32_t TakeCharacter(std::string_view& utf8) {
 
 CharacterRanges const& NameStartCharacters() {
   static auto const& ranges = *new CharacterRanges{
-      {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},     {0xD8, 0xF6},
-      {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F}, {0x2C00, 0x2FEF},
+      {':', ':'},       {'A', 'Z'},       {'_', '_'},       {'a', 'z'},        {0xC0, 0xD6},     {0xD8, 0xF6},
+      {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D},  {0x2070, 0x218F}, {0x2C00, 0x2FEF},
       {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF}};
   return ranges;
 }
@@ -98,7 +98,8 @@ bool IsUri(std::string_view text) {
   if (fragment != std::string_view::npos && text.find('#', fragment + 1) != std::string_view::npos) return false;
   for (std::size_t i = text.find('%'); i != std::string_view::npos; i = text.find('%', i + 1)) {
     std::string_view const digits = text.substr(i + 1, 2);
-    if (digits.size() != 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos) return false;
+    if (digits.size() != 2 || digits.find_first_not_of("0123456789abcdefABCDEF") != std::string_view::npos)
+      return false;
   }
   return true;
 }

@@ -204,7 +204,7 @@ std::optional<Duration> ReadDuration(std::string_view text) {
   if (!reader.Skip('P')) return std::nullopt;
   Duration result;
   bool hasAny = false;
-  auto const read = [&](Unit const (&units)[3]) {
+  auto const read = [&](Unit const(&units)[3]) {
     for (Unit const& unit : units) {
       std::int64_t number = 0;
       std::int64_t nanoseconds = 0;

@@ -51,8 +51,7 @@ void Builder::RedefineOne(Document const& document, Node const& node) {
     case Tag::SimpleType: return Replace(m_simpleTypes, m_storage.simpleTypes, m_oldSimpleTypes, document, node);
     case Tag::ComplexType: return Replace(m_complexTypes, m_storage.complexTypes, m_oldComplexTypes, document, node);
     case Tag::Group: return Replace(m_groups, m_storage.groups, m_oldGroups, document, node);
-    case Tag::AttributeGroup:
-      return Replace(m_attributeGroups, m_attributeSets, m_oldAttributeGroups, document, node);
+    case Tag::AttributeGroup: return Replace(m_attributeGroups, m_attributeSets, m_oldAttributeGroups, document, node);
     default: return;
   }
 }

@@ -93,8 +93,8 @@ void Builder::FillUnion(SimpleType& type, Document const& document, Node const& 
 
 void Builder::CheckFinal(SimpleType const& type, unsigned derivation, Node const& node) {
   if ((type.final & derivation) == 0) return;
-  m_diagnostics.Error(node.place, "the type \"" + type.name.local + "\" is final and cannot be used in xs:" +
-                                      std::string(node.name));
+  m_diagnostics.Error(
+      node.place, "the type \"" + type.name.local + "\" is final and cannot be used in xs:" + std::string(node.name));
 }
 
 bool Builder::MayInherit(std::size_t count, Place const& place) {

@@ -216,9 +216,9 @@ class CD of D : CC replaces-elements
     {"AnExtensionOfARestrictionMayNotDerive",
      R"(
 <complexType name='A'><sequence><element name='a' type='int'/><element name='b' type='int' minOccurs='0'/>
-  <any namespace='urn:t' minOccurs='0'/></sequence></complexType>
+  <any namespace='##local' minOccurs='0'/></sequence></complexType>
 <complexType name='B'><complexContent><restriction base='t:A'><sequence><element name='a' type='int'/>
-  <element name='c' type='int'/></sequence></restriction></complexContent></complexType>
+  <element name='c' type='int' form='unqualified'/></sequence></restriction></complexContent></complexType>
 <complexType name='C'><complexContent><extension base='t:B'><sequence><element name='b' type='int'/></sequence>
 </extension></complexContent></complexType>
 <complexType name='D'><complexContent><restriction base='t:A'><sequence><element name='a' type='int'/></sequence>
@@ -229,7 +229,7 @@ class CD of D : CC replaces-elements
 class CA of A
   0 A m_a: value a i4 mandatory
   1 B m_b: value b? i4
-  2 Any m_any: any? allows "urn:t"
+  2 Any m_any: any? allows "##local"
 class CB of B : CA
 class CC of C
   0 A m_a: value a i4 mandatory
@@ -284,7 +284,7 @@ a.xsd:5:3: warning: the default value of the element "c" is not applied to an em
 )"},
     {"AnythingAndWildcards",
      R"(
-<complexType name='A'><sequence><element name='a'/><element name='b' type='anySimpleType' maxOccurs='2'/>
+<complexType name='A'><sequence><element name='a'/><element name='b' type='anySimpleType' minOccurs='2' maxOccurs='2'/>
   <any namespace='urn:x ##local ##targetNamespace'/><any maxOccurs='unbounded' minOccurs='0'/>
 </sequence><anyAttribute namespace='##other'/></complexType>
 <complexType name='B'><complexContent><extension base='t:A'><anyAttribute namespace='urn:t'/></extension>
@@ -297,7 +297,7 @@ a.xsd:5:3: warning: the default value of the element "c" is not applied to an em
      R"(
 class CA of A
   0 A m_a: anytype a mandatory
-  1 B m_b: anytypes b{1,2}
+  1 B m_b: anytypes b{2,2}
   2 Any m_any: any mandatory allows "urn:x ##local urn:t"
   3 Any2 m_any2: anys{0,} allows "##any"
   4 AnyAttribute m_anyAttribute: anyattributes @{0,} allows "##other" not "urn:t"

@@ -113,7 +113,7 @@ class CR of R
     {"RepeatedSequence",
      R"(<sequence>
           <sequence minOccurs='2' maxOccurs='7'><a/><choice maxOccurs='2'><b/><c maxOccurs='2'/></choice></sequence>
-          <sequence maxOccurs='unbounded'><d minOccurs='0'/><a minOccurs='0'/></sequence></sequence>)",
+          <sequence maxOccurs='unbounded'><d minOccurs='0'/><e minOccurs='0'/></sequence></sequence>)",
      R"(
 class CR of R
   class CR::CSequence round
@@ -126,7 +126,7 @@ class CR of R
     1 Choice m_choice: rounds{1,2} CR::CSequence::CChoice
   class CR::CSequence2 round
     0 D m_d: value d?
-    1 A m_a: value a?
+    1 E m_e: value e?
   0 Sequence m_sequence: rounds{2,7} CR::CSequence
   1 Sequence2 m_sequence2: rounds{0,} CR::CSequence2
 )"},

@@ -16,6 +16,8 @@
 #include <thread>
 #include <vector>
 
+#include "code/write.h"
+#include "plan/make_plan.h"
 #include "schema/load.h"
 
 namespace {
@@ -23,11 +25,13 @@ namespace {
 using namespace Quillon9Generator;
 
 constexpr char const* kUsage =
-    "Usage: xsts_schemas FOLDER [--every N] [--messages]\n"
+    "Usage: xsts_schemas FOLDER [--every N] [--generate] [--messages]\n"
     "  FOLDER      the unpacked suite, with its tests.tsv\n"
     "  --every N   takes each Nth test only\n"
+    "  --generate  makes the classes of the schemas that are accepted as well, which must succeed\n"
     "  --messages  prints what was found wrong in each schema\n"
-    "Prints a line for each schema that is not treated as the suite wants it. The exit status is 0 if all valid schemas\n"
+    "Prints a line for each schema that is not treated as the suite wants it. The exit status is 0 if all valid "
+    "schemas\n"
     "are accepted and at least nine in ten invalid ones refused, 1 if not, and 2 for wrong usage.\n";
 
 /// A schema must be done with in this time and memory. Real ones take a fraction of it.
@@ -37,6 +41,7 @@ constexpr rlim_t kOctets = rlim_t{1} << 30;
 struct Options {
   std::string folder;
   std::size_t every = 1;
+  bool generate = false;
   bool messages = false;
 };
 
@@ -81,30 +86,40 @@ void Limit(int resource, rlim_t most) {
   setrlimit(static_cast<__rlimit_resource_t>(resource), &limit);
 }
 
-/// Load the schemas of \p test and write what was found wrong to \p output.
-Verdict Load(Test const& test, int output) {
+void Write(int output, std::string_view text) {
+  while (!text.empty()) {
+    ssize_t const count = write(output, text.data(), text.size());
+    if (count <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+/// Load the schemas of \p test, make their classes if that is wanted, and write what was found wrong to \p output.
+Verdict Load(Test const& test, bool generate, int output) {
   Schema::LoadOptions options;
   options.documents = test.schemas;
   Schema::Diagnostics diagnostics;
-  Schema::LoadSchemas(options, diagnostics);
-  std::string text;
-  for (Schema::Diagnostic const& diagnostic : diagnostics.All()) text += "  " + Schema::Format(diagnostic) + "\n";
-  for (std::size_t written = 0; written < text.size();) {
-    ssize_t const count = write(output, text.data() + written, text.size() - written);
-    if (count <= 0) break;
-    written += static_cast<std::size_t>(count);
+  Schema::SchemaSet const set = Schema::LoadSchemas(options, diagnostics);
+  if (generate && !diagnostics.HasErrors()) {
+    Plan::PlanOptions planOptions;
+    planOptions.cppNamespace = "Bound";
+    Plan::Plan const plan = Plan::MakePlan(set, planOptions, diagnostics);
+    if (!diagnostics.HasErrors() && Code::Write(plan, {}).empty()) return Verdict::Failed;
   }
+  for (Schema::Diagnostic const& diagnostic : diagnostics.All()) {
+    Write(output, "  " + Schema::Format(diagnostic) + "\n");
+  }
+  if (!diagnostics.HasErrors()) return Verdict::Accepted;
   bool const hasPlace = std::any_of(diagnostics.All().begin(), diagnostics.All().end(), [](auto const& diagnostic) {
     return diagnostic.severity == Schema::Diagnostic::Severity::Error && diagnostic.line != 0;
   });
-  if (!diagnostics.HasErrors()) return Verdict::Accepted;
   return hasPlace ? Verdict::Refused : Verdict::Failed;  // an error must say where it is
 }
 
 /// A process of its own for one test, so that no test can spoil another.
 class Child {
  public:
-  explicit Child(Test const& test) : m_test(&test) {
+  Child(Test const& test, bool generate) : m_test(&test) {
     int ends[2];
     if (pipe(ends) != 0) throw std::runtime_error("cannot make a pipe");
     m_process = fork();
@@ -116,7 +131,7 @@ class Child {
       Limit(RLIMIT_CORE, 0);
       Verdict verdict = Verdict::Failed;
       try {
-        verdict = Load(test, ends[1]);
+        verdict = Load(test, generate, ends[1]);
       } catch (std::exception const& failure) {
         std::fprintf(stderr, "%s\n", failure.what());
       }
@@ -169,17 +184,17 @@ void Judge(Child& child, bool messages, Counts& counts) {
   if (messages || test.valid || verdict == Verdict::Failed) std::fputs(child.GetMessages().c_str(), stdout);
 }
 
-Counts Run(std::vector<Test> const& tests, bool messages) {
+Counts Run(std::vector<Test> const& tests, Options const& options) {
   Counts counts;
   std::deque<Child> running;
   std::size_t const most = std::max(2U, std::thread::hardware_concurrency());
   for (Test const& test : tests) {
-    running.emplace_back(test);
+    running.emplace_back(test, options.generate);
     if (running.size() < most) continue;
-    Judge(running.front(), messages, counts);
+    Judge(running.front(), options.messages, counts);
     running.pop_front();
   }
-  for (Child& child : running) Judge(child, messages, counts);
+  for (Child& child : running) Judge(child, options.messages, counts);
   return counts;
 }
 
@@ -188,6 +203,8 @@ bool ReadOptions(int count, char** arguments, Options& options) {
     std::string const argument = arguments[i];
     if (argument == "--messages") {
       options.messages = true;
+    } else if (argument == "--generate") {
+      options.generate = true;
     } else if (argument == "--every" && i + 1 < count) {
       options.every = std::strtoul(arguments[++i], nullptr, 10);
     } else if (options.folder.empty() && !StartsWith(argument, "-")) {
@@ -210,7 +227,7 @@ int main(int count, char** arguments) {
   try {
     std::vector<Test> const tests = ReadTests(options);
     if (chdir(options.folder.c_str()) != 0) throw std::runtime_error("cannot enter " + options.folder);
-    Counts const counts = Run(tests, options.messages);
+    Counts const counts = Run(tests, options);
     if (counts.failed != 0) std::printf("%d failed\n", counts.failed);
     std::printf("accepted %d of %d valid, refused %d of %d invalid\n", counts.accepted, counts.valid, counts.refused,
                 counts.invalid);

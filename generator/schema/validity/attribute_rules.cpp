@@ -24,12 +24,10 @@ std::string FaultOfUse(AttributeUse const& narrow, AttributeUse const& wide) {
   SimpleType const* const type = narrow.declaration->type;
   SimpleType const* const base = wide.declaration->type;
   if (type != nullptr && base != nullptr && !IsDerived({type, nullptr}, {base, nullptr}, 0)) {
-    return "the type of " + start + " is not derived from its type in the base, which is " +
-           Described({base, nullptr});
+    return "the type of " + start + " is not derived from its type in the base, which is " + Described({base, nullptr});
   }
   if (!wide.fixedValue) return {};
-  bool const isSame =
-      narrow.fixedValue && type != nullptr && AreEqual(*type, *narrow.fixedValue, *wide.fixedValue);
+  bool const isSame = narrow.fixedValue && type != nullptr && AreEqual(*type, *narrow.fixedValue, *wide.fixedValue);
   return isSame ? "" : start + " has not the fixed value of the base";
 }
 

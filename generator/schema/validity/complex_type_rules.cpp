@@ -35,7 +35,7 @@ void ComplexTypeRules::CheckFinal(ComplexType const& type) {
                                                       : 0U;
   if ((final & (isExtension ? kExtension : kRestriction)) == 0) return;
   m_context.Error(type.place, "the type " + Described({nullptr, type.base}) + " is final and cannot be " +
-                                      (isExtension ? "extended" : "restricted"));
+                                  (isExtension ? "extended" : "restricted"));
 }
 
 void ComplexTypeRules::CheckRestriction(ComplexType const& type, ComplexType const& base) {
@@ -88,7 +88,8 @@ void ComplexTypeRules::CollectTypes(ModelGroup const& group, TypesByName& types,
     if (element == nullptr) continue;
     AddElement(**element, types, particle.place);
     if (!(*element)->global) continue;
-    for (ElementDeclaration const* member : m_context.SubstitutesOf(**element)) AddElement(*member, types, particle.place);
+    for (ElementDeclaration const* member : m_context.SubstitutesOf(**element))
+      AddElement(*member, types, particle.place);
   }
 }
 
@@ -97,7 +98,7 @@ void ComplexTypeRules::AddElement(ElementDeclaration const& element, TypesByName
   auto const [entry, isNew] = types.try_emplace(element.name, &element);
   if (isNew || TypeOf(element) == TypeOf(*entry->second)) return;
   m_context.Error(place, "the element \"" + element.name.local + "\" has two types in one content: " +
-                                 Described(TypeOf(*entry->second)) + " and " + Described(TypeOf(element)));
+                             Described(TypeOf(*entry->second)) + " and " + Described(TypeOf(element)));
 }
 
 }  // namespace Quillon9Generator::Schema

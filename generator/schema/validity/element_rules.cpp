@@ -9,8 +9,7 @@ namespace Quillon9Generator::Schema {
 namespace {
 
 /// Return why the element cannot have \p value.
-std::string FaultOfElementValue(ElementDeclaration const& element, std::string const& value,
-                                ValidityContext& context) {
+std::string FaultOfElementValue(ElementDeclaration const& element, std::string const& value, ValidityContext& context) {
   SimpleType const* text = element.simpleType;
   if (ComplexType const* const type = element.complexType) {
     bool const isMixed = type->content == ComplexType::Content::Mixed;
@@ -33,13 +32,13 @@ void CheckElement(ElementDeclaration const& element, ValidityContext& context) {
   }
   if (element.simpleType != nullptr && LacksEnumeration(*element.simpleType)) {
     context.Error(element.place,
-                      "the element \"" + element.name.local + "\" needs a type with an enumeration of notations");
+                  "the element \"" + element.name.local + "\" needs a type with an enumeration of notations");
   }
   ElementDeclaration const* const head = element.substitutionHead;
   if (head == nullptr || IsDerived(TypeOf(element), TypeOf(*head), head->final)) return;
-  context.Error(element.place, "the element \"" + element.name.local + "\" cannot substitute \"" +
-                                       head->name.local + "\": its type is not derived from " +
-                                       Described(TypeOf(*head)) + (head->final != 0 ? " in a way that it allows" : ""));
+  context.Error(element.place, "the element \"" + element.name.local + "\" cannot substitute \"" + head->name.local +
+                                   "\": its type is not derived from " + Described(TypeOf(*head)) +
+                                   (head->final != 0 ? " in a way that it allows" : ""));
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -12,7 +12,9 @@ namespace {
 
 constexpr int kUnbounded = Particle::kUnbounded;
 
-long Product(long a, long b) { return a == kUnbounded || b == kUnbounded ? (a == 0 || b == 0 ? 0 : kUnbounded) : a * b; }
+long Product(long a, long b) {
+  return a == kUnbounded || b == kUnbounded ? (a == 0 || b == 0 ? 0 : kUnbounded) : a * b;
+}
 long Sum(long a, long b) { return a == kUnbounded || b == kUnbounded ? kUnbounded : a + b; }
 long Larger(long a, long b) { return a == kUnbounded || b == kUnbounded ? kUnbounded : std::max(a, b); }
 
@@ -36,7 +38,8 @@ std::string ParticleRestriction::Fault(Particle const& narrow, Particle const& w
   Part const* const narrowPart = Simplified(narrow, nullptr);
   Part const* const widePart = Simplified(wide, nullptr);
   if (!m_context.MaySpend(1)) return {};
-  if (narrowPart == nullptr) return m_context.IsEmptiable(wide) ? "" : "the content is empty, but that of the base cannot be";
+  if (narrowPart == nullptr)
+    return m_context.IsEmptiable(wide) ? "" : "the content is empty, but that of the base cannot be";
   if (widePart == nullptr) return "the content of the base is empty";
   if (Restricts(*narrowPart, *widePart) || !m_context.MaySpend(1)) return {};
   return m_fault.empty() ? "the content does not restrict that of the base" : m_fault;
@@ -144,9 +147,9 @@ bool ParticleRestriction::ElementRestricts(Part const& narrow, Part const& wide)
   // Several in a row are as many rounds of the choice.
   Part single = narrow;
   single.min = single.max = 1;
-  bool const isFound = IsWithin(narrow.min, narrow.max, wide) &&
-                       std::any_of(wide.parts.begin(), wide.parts.end(),
-                                   [&](Part const* part) { return Restricts(single, *part); });
+  bool const isFound =
+      IsWithin(narrow.min, narrow.max, wide) &&
+      std::any_of(wide.parts.begin(), wide.parts.end(), [&](Part const* part) { return Restricts(single, *part); });
   if (isFound) m_fault.clear();
   return isFound;
 }
@@ -164,7 +167,7 @@ bool ParticleRestriction::IsNarrowerElement(Part const& narrow, Part const& wide
   ElementDeclaration const& own = *narrow.element;
   ElementDeclaration const& base = *wide.element;
   std::string const name = Described(narrow);
-  if (own.name != base.name) return Fail(name + " stands where the base has " + Described(wide));
+  if (own.name != base.name) return false;  // perhaps it restricts another part
   if (!IsWithin(narrow.min, narrow.max, wide)) {
     return Fail(name + " occurs " + Count(narrow.min) + " to " + Count(narrow.max) + " times, in the base " +
                 Count(wide.min) + " to " + Count(wide.max) + " times");
@@ -173,10 +176,11 @@ bool ParticleRestriction::IsNarrowerElement(Part const& narrow, Part const& wide
   if (own.nillable && !base.nillable) return Fail(name + " is nillable, but not in the base");
   if (base.fixedValue && !HasSameFixedValue(own, base)) return Fail(name + " has not the fixed value of the base");
   if ((base.block & ~own.block) != 0) return Fail(name + " blocks less than in the base");
-  bool const hasAll = std::all_of(own.identityConstraints.begin(), own.identityConstraints.end(), [&](auto const* each) {
-    auto const& all = base.identityConstraints;
-    return std::find(all.begin(), all.end(), each) != all.end();
-  });
+  bool const hasAll =
+      std::all_of(own.identityConstraints.begin(), own.identityConstraints.end(), [&](auto const* each) {
+        auto const& all = base.identityConstraints;
+        return std::find(all.begin(), all.end(), each) != all.end();
+      });
   if (!hasAll) return Fail(name + " has identity constraints that it does not have in the base");
   if (IsDerived(TypeOf(own), TypeOf(base), kExtension | kList | kUnion)) return true;
   return Fail("the type of " + name + " is not derived by restriction from its type in the base, which is " +
@@ -228,8 +232,8 @@ bool ParticleRestriction::MapAndSum(Part const& narrow, Part const& wide) {
   }
   for (Part const* part : narrow.parts) {
     std::string const fault = m_fault;
-    bool const isFound = std::any_of(wide.parts.begin(), wide.parts.end(),
-                                     [&](Part const* each) { return Restricts(*part, *each); });
+    bool const isFound =
+        std::any_of(wide.parts.begin(), wide.parts.end(), [&](Part const* each) { return Restricts(*part, *each); });
     if (!isFound) return Fail("the base has no place for " + Described(*part));
     m_fault = fault;
   }
