@@ -16,9 +16,9 @@ struct LoadOptions {
   std::vector<std::string> includePaths;  ///< folders in which relative locations are looked for as well
 };
 
-/// Load the documents with everything that they include and import, and resolve all references. All faults of the
-/// documents go to \p diagnostics; the set is complete only if it has no errors then. A construct that is not
-/// supported yet is an error there, never dropped.
+/// Load the documents with everything that they include and import, resolve all references, and check the constraints
+/// on schemas. All faults of the documents go to \p diagnostics; the set is complete only if it has no errors then. A
+/// construct that is not supported yet is an error there, never dropped.
 /// \throws nothing but std::bad_alloc for faults of the input.
 SchemaSet LoadSchemas(LoadOptions const& options, Diagnostics& diagnostics);
 /// The same for documents that need not be files of the system.

@@ -33,7 +33,7 @@ class ValueRules {
   bool IsEnumerated(SimpleType const& type, BuiltIn primitive, std::string const& text);
 
   /// How much may still be compared. A hostile schema is believed then.
-  std::uint64_t m_left = 20000000;
+  std::uint64_t m_left = 5000000;
   std::unordered_map<SimpleType const*, std::unordered_set<std::string_view>> m_enumerations;
 };
 

@@ -3,9 +3,9 @@
 namespace Quillon9Generator::Testing {
 namespace {
 
-/// The plan of a type with the content \p content, in which a, b, c and d are elements.
+/// The plan of a type with the content \p content, in which a to e are elements.
 std::string PlanOfContent(std::string content) {
-  for (char const name : {'a', 'b', 'c', 'd'}) {
+  for (char const name : {'a', 'b', 'c', 'd', 'e'}) {
     for (char const* after : {"/", " "}) {
       content = Replaced(std::move(content), std::string("<") + name + after,
                          std::string("<element type='int' name='") + name + "'" + after);

@@ -29,8 +29,8 @@ std::string Type(std::string const& name, std::string const& content) {
 }
 
 std::string Restricted(std::string const& base, std::string const& content) {
-  return Type("B", base) +
-         Type("T", "<xs:complexContent><xs:restriction base='t:B'>" + content + "</xs:restriction></xs:complexContent>");
+  return Type("B", base) + Type("T", "<xs:complexContent><xs:restriction base='t:B'>" + content +
+                                         "</xs:restriction></xs:complexContent>");
 }
 
 TEST(SchemaValidity, Representation) {
@@ -38,9 +38,9 @@ TEST(SchemaValidity, Representation) {
       {"<xs:complexType name='T'><xs:attribute name='a'/><xs:sequence/></xs:complexType>",
        "50: error: xs:sequence cannot stand after xs:attribute in xs:complexType\n"},
       {"<xs:element name='a' id='x'/><xs:element name='b' id='x'/><xs:element name='c' id='1'/>text",
-       "a.xsd:1:1: error: unexpected text in xs:schema\n30: error: the id \"x\" stands twice in this file\n59: error: \"1\" is not a name\n"},
-      {"<xs:attribute name='a' default='x' form='qualified'/>",
-       "1: error: xs:attribute has no attribute \"form\"\n"},
+       "a.xsd:1:1: error: unexpected text in xs:schema\n30: error: the id \"x\" stands twice in this file\n59: error: "
+       "\"1\" is not a name\n"},
+      {"<xs:attribute name='a' default='x' form='qualified'/>", "1: error: xs:attribute has no attribute \"form\"\n"},
       {"<xs:element name='a' final='substitution' type='a b'/>",
        "1: error: wrong final \"substitution\"\n1: error: \"a b\" is not a name\n"
        "1: error: no type \"a b\"; is an import missing?\n"},
@@ -56,10 +56,12 @@ TEST(SchemaValidity, Representation) {
 
 TEST(SchemaValidity, SimpleTypes) {
   auto const restriction = [](std::string const& base, std::string const& facets) {
-    return "<xs:simpleType name='T'><xs:restriction base='" + base + "'>" + facets + "</xs:restriction></xs:simpleType>";
+    return "<xs:simpleType name='T'><xs:restriction base='" + base + "'>" + facets +
+           "</xs:restriction></xs:simpleType>";
   };
-  std::string const bounded = "<xs:simpleType name='B'><xs:restriction base='xs:decimal'><xs:maxExclusive value='10' "
-                              "fixed='true'/></xs:restriction></xs:simpleType>";
+  std::string const bounded =
+      "<xs:simpleType name='B'><xs:restriction base='xs:decimal'><xs:maxExclusive value='10' "
+      "fixed='true'/></xs:restriction></xs:simpleType>";
   Check({
       {restriction("t:B", "<xs:minInclusive value='10.0'/>").append(bounded).c_str(),
        "52: error: xs:minInclusive \"10.0\" is not less than xs:maxExclusive \"10\" of the base\n"},
@@ -127,16 +129,19 @@ TEST(SchemaValidity, Values) {
 TEST(SchemaValidity, ContentModels) {
   std::string const ab = "<xs:sequence><xs:element name='a' minOccurs='0'/><xs:element name='b'/></xs:sequence>";
   Check({
-      {Type("T", "<xs:sequence><xs:element name='a' minOccurs='0' maxOccurs='1000000000'/><xs:element name='a'/>"
-                 "</xs:sequence>")
+      {Type("T",
+            "<xs:sequence><xs:element name='a' minOccurs='0' maxOccurs='1000000000'/><xs:element name='a'/>"
+            "</xs:sequence>")
            .c_str(),
        "26: error: \"a\" may belong to either of two particles at one point of the content\n"},
-      {Type("T", "<xs:sequence><xs:element name='a' minOccurs='5' maxOccurs='5'/><xs:element name='a'/>"
-                 "<xs:any namespace='##other' minOccurs='0'/></xs:sequence>")
+      {Type("T",
+            "<xs:sequence><xs:element name='a' minOccurs='5' maxOccurs='5'/><xs:element name='a'/>"
+            "<xs:any namespace='##other' minOccurs='0'/></xs:sequence>")
            .c_str(),
        ""},
-      {Type("T", "<xs:choice><xs:element name='a' type='xs:int'/><xs:sequence><xs:element name='b'/>"
-                 "<xs:element name='a' type='xs:date'/></xs:sequence></xs:choice>")
+      {Type("T",
+            "<xs:choice><xs:element name='a' type='xs:int'/><xs:sequence><xs:element name='b'/>"
+            "<xs:element name='a' type='xs:date'/></xs:sequence></xs:choice>")
            .c_str(),
        "108: error: the element \"a\" has two types in one content: xs:int and xs:date\n"},
       {Restricted(ab, "<xs:sequence><xs:element name='a'/></xs:sequence>").c_str(),
@@ -198,11 +203,13 @@ TEST(SchemaValidity, Redefinitions) {
             "  attribute x: xs:anySimpleType\n  attribute y: xs:anySimpleType\ngroup G\n  choice\n"
             "    element h: xs:anyType\n");
 
-  files.WriteSchema("d.xsd", "",
-                    "<xs:redefine schemaLocation='c.xsd'><xs:simpleType name='S'><xs:list itemType='S'/></xs:simpleType>"
-                    "<xs:group name='G'><xs:sequence><xs:element name='z'/></xs:sequence></xs:group></xs:redefine>");
+  files.WriteSchema(
+      "d.xsd", "",
+      "<xs:redefine schemaLocation='c.xsd'><xs:simpleType name='S'><xs:list itemType='S'/></xs:simpleType>"
+      "<xs:group name='G'><xs:sequence><xs:element name='z'/></xs:sequence></xs:group></xs:redefine>");
   files.Load({"d.xsd"});
-  EXPECT_EQ(files.Diagnostics(), "d.xsd:2:37: error: the base of a redefined type must be the type itself\n"
+  EXPECT_EQ(files.Diagnostics(),
+            "d.xsd:2:37: error: the base of a redefined type must be the type itself\n"
             "d.xsd:2:37: error: xs:simpleType \"S\" is defined by itself\n");
 }
 
@@ -216,15 +223,18 @@ std::string Repeated(int count, std::string const& text) {
 
 /// What costs little to write must not cost much to check.
 TEST(SchemaValidity, HostileSchemas) {
-  std::string const unions = "<xs:simpleType name='U0'><xs:restriction base='xs:int'/></xs:simpleType>" +
-                             Repeated(100, "<xs:simpleType name='U$'><xs:union memberTypes='t:U# t:U#'/></xs:simpleType>");
+  std::string const unions =
+      "<xs:simpleType name='U0'><xs:restriction base='xs:int'/></xs:simpleType>" +
+      Repeated(100, "<xs:simpleType name='U$'><xs:union memberTypes='t:U# t:U#'/></xs:simpleType>");
   EXPECT_EQ(DiagnosticsOf(unions + "<xs:element name='e' type='t:U100' default='x'/>"), "");
 
   std::string const groups =
       "<xs:group name='G0'><xs:sequence/></xs:group>" +
-      Repeated(12, "<xs:group name='G$'><xs:sequence><xs:group ref='t:G#'/><xs:group ref='t:G#'/></xs:sequence></xs:group>");
-  std::string const types = Repeated(2000, "<xs:complexType name='T#'><xs:group ref='t:G12'/></xs:complexType>");
-  EXPECT_EQ(DiagnosticsOf(groups + types), "");
+      Repeated(
+          12, "<xs:group name='G$'><xs:sequence><xs:group ref='t:G#'/><xs:group ref='t:G#'/></xs:sequence></xs:group>");
+  std::string const types = Repeated(1000, "<xs:complexType name='T#'><xs:group ref='t:G12'/></xs:complexType>");
+  EXPECT_EQ(DiagnosticsOf(groups + types),
+            "a.xsd: warning: the schema is so large that not all of its content is checked\n");
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ class ValidityContext {
 
   Diagnostics& m_diagnostics;
   ValueRules m_values;
-  std::uint64_t m_left = 50000000;
+  std::uint64_t m_left = 8000000;
   std::unordered_map<ElementDeclaration const*, std::vector<ElementDeclaration const*>> m_substitutes;
   std::unordered_map<ModelGroup const*, bool> m_emptiable;
 };
