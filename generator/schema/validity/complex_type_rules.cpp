@@ -24,8 +24,9 @@ void ComplexTypeRules::Check(ComplexType const& type) {
   bool const hasOwnContent = type.ownParticle.has_value();
   if (!hasOwnContent || !type.particle) return;
   CheckConsistency(type);
-  std::string const fault = m_attribution.Fault(*type.particle);
-  if (!fault.empty()) m_context.Error(type.particle->place, fault);
+  UniqueAttribution::Faults const faults = m_attribution.Find(*type.particle);
+  if (!faults.error.empty()) return m_context.Error(type.particle->place, faults.error);
+  if (!faults.warning.empty()) m_context.GetDiagnostics().Warning(type.particle->place, faults.warning);
 }
 
 void ComplexTypeRules::CheckFinal(ComplexType const& type) {

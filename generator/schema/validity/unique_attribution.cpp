@@ -6,15 +6,15 @@
 
 namespace Quillon9Generator::Schema {
 
-std::string UniqueAttribution::Fault(Particle const& content) {
-  m_fault.clear();
+UniqueAttribution::Faults UniqueAttribution::Find(Particle const& content) {
+  m_faults = {};
   m_particles = 0;
   ModelOf(content);
-  return m_fault;
+  return m_faults;
 }
 
 UniqueAttribution::Model UniqueAttribution::ModelOf(Particle const& particle) {
-  if (!m_fault.empty() || !m_context.MaySpend(1)) return {};
+  if (!m_faults.error.empty() || !m_context.MaySpend(1)) return {};
   Model model = ModelOfTerm(particle);
   if (particle.maxOccurs != 1) {
     Check(model.follow, model.first);
@@ -92,7 +92,7 @@ std::size_t UniqueAttribution::NumberOf(QualifiedName const& name) {
 }
 
 void UniqueAttribution::Check(Set const& a, Set const& b) {
-  if (!m_fault.empty()) return;
+  if (!m_faults.error.empty()) return;
   auto first = a.names.begin();
   auto second = b.names.begin();
   if (!m_context.MaySpend(a.names.size() + b.names.size())) return;
@@ -119,13 +119,16 @@ void UniqueAttribution::CheckWildcards(Set const& a, Set const& b) {
     if (!m_context.MaySpend(b.names.size())) return;
     for (Set::Name const& name : b.names) {
       if (!Allows(*wildcard, m_names[name.name]->ns)) continue;
-      return Report("\"" + m_names[name.name]->local + "\", which a wildcard allows, too,");
+      m_faults.warning = "\"" + m_names[name.name]->local +
+                         "\" may belong to a wildcard as well, which XML Schema allows from version 1.1 on only";
+      return;
     }
   }
 }
 
 void UniqueAttribution::Report(std::string const& subject) {
-  if (m_fault.empty()) m_fault = subject + " may belong to either of two particles at one point of the content";
+  if (m_faults.error.empty())
+    m_faults.error = subject + " may belong to either of two particles at one point of the content";
 }
 
 void UniqueAttribution::Add(Set& set, Set const& more) {

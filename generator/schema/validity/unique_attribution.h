@@ -17,8 +17,11 @@ class UniqueAttribution {
  public:
   explicit UniqueAttribution(ValidityContext& context) : m_context(context) {}
 
-  /// Return which particles of the content an element may belong to; an empty text if there is one at most.
-  std::string Fault(Particle const& content);
+  struct Faults {
+    std::string error;    ///< which element may belong to two particles; empty for none
+    std::string warning;  ///< which one may belong to an element particle and a wildcard, as XML Schema 1.1 allows it
+  };
+  Faults Find(Particle const& content);
 
  private:
   /// Particles that an element may belong to at one point. Each particle has its own number.
@@ -51,7 +54,7 @@ class UniqueAttribution {
   std::unordered_map<std::string, std::size_t> m_numbers;
   std::vector<QualifiedName const*> m_names;
   std::size_t m_particles = 0;
-  std::string m_fault;
+  Faults m_faults;
 };
 
 }  // namespace Quillon9Generator::Schema
