@@ -33,23 +33,6 @@ bool Builder::ReadBool(Node const& node, std::string_view attribute, bool otherw
   return Trimmed(*text) == "true" || Trimmed(*text) == "1";
 }
 
-unsigned Builder::ReadDerivations(Document const& document, Node const& node, std::string_view attribute,
-                                  unsigned all) {
-  std::string const byDefault = std::string(attribute) + "Default";
-  std::string_view text = Trimmed(node.Find(attribute).value_or(document.Root().Find(byDefault).value_or("")));
-  if (text == "#all") return all;
-  unsigned set = 0;
-  while (!text.empty()) {
-    std::size_t const end = std::min(text.find_first_of(" \t\r\n"), text.size());
-    std::string_view const word = text.substr(0, end);
-    if (word == "extension") set |= kExtension;
-    if (word == "restriction") set |= kRestriction;
-    if (word == "substitution") set |= kSubstitution;
-    text = Trimmed(text.substr(end));
-  }
-  return set & all;
-}
-
 void Builder::ReadOccurrence(Node const& node, Particle& particle) {
   std::string_view const max = Trimmed(node.Find("maxOccurs").value_or("1"));
   int const most = max == "unbounded" ? kTooLarge : ReadCount(max).value_or(1);

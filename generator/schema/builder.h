@@ -136,13 +136,12 @@ class Builder {
 
   // attribute_values.cpp: other attribute values
   bool ReadBool(Node const& node, std::string_view attribute, bool otherwise);
+  /// Return the set that \p attribute gives, or else the default of the schema, of those in \p all.
   static unsigned ReadDerivations(Document const& document, Node const& node, std::string_view attribute, unsigned all);
   void ReadOccurrence(Node const& node, Particle& particle);
   void ReadValueConstraint(Node const& node, std::optional<std::string>& defaultValue,
                            std::optional<std::string>& fixedValue);
   bool IsQualified(Document const& document, Node const& node, std::string_view formDefault);
-  /// Return the set that \p attribute gives, or else the default of the schema, of those in \p all.
-  unsigned ReadDerivations(Document const& document, Node const& node, std::string_view attribute, unsigned all);
   static void Describe(Component& component, Node const& node);
 
   // simple_types.cpp, facets.cpp

@@ -24,10 +24,8 @@ void Builder::Complete(Global<ComplexType>& global) {
 
 void Builder::FillComplexType(ComplexType& type, Document const& document, Node const& node) {
   type.abstract = ReadBool(node, "abstract", false);
-  if (!type.IsAnonymous()) {
-    type.final = ReadDerivations(document, node, "final", kExtension | kRestriction);
-    type.block = ReadDerivations(document, node, "block", kExtension | kRestriction);
-  }
+  type.final = ReadDerivations(document, node, "final", kExtension | kRestriction);
+  type.block = ReadDerivations(document, node, "block", kExtension | kRestriction);
   bool const mixed = ReadBool(node, "mixed", false);
   if (Node const* const content = node.Child(Tag::SimpleContent)) return FillSimpleContent(type, document, *content);
   if (Node const* const content = node.Child(Tag::ComplexContent)) {

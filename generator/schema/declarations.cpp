@@ -153,6 +153,7 @@ void Builder::FillAll(SchemaSet& set) {
     FillComplexType(*next.type, *next.document, *next.node);
   }
   CompleteSubstitutions();
+  CollectStandIns();
   ResolveKeyrefs();
   CheckRedefinitions();
   CheckGroups();

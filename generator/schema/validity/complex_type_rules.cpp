@@ -88,9 +88,7 @@ void ComplexTypeRules::CollectTypes(ModelGroup const& group, TypesByName& types,
     auto const* const element = std::get_if<ElementDeclaration const*>(&particle.term);
     if (element == nullptr) continue;
     AddElement(**element, types, particle.place);
-    if (!(*element)->global) continue;
-    for (ElementDeclaration const* member : m_context.SubstitutesOf(**element))
-      AddElement(*member, types, particle.place);
+    for (ElementDeclaration const* member : (*element)->standIns) AddElement(*member, types, particle.place);
   }
 }
 

@@ -2,8 +2,6 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <unordered_set>
-#include <vector>
 
 #include "schema/components.h"
 #include "schema/diagnostics.h"
@@ -27,10 +25,6 @@ class ValidityContext {
     return m_left != 0;
   }
 
-  /// Return the elements that may stand in place of \p head in documents: direct and indirect members of its group,
-  /// without itself.
-  std::vector<ElementDeclaration const*> const& SubstitutesOf(ElementDeclaration const& head);
-
   /// Return whether \p particle may match nothing.
   bool IsEmptiable(Particle const& particle);
 
@@ -40,7 +34,6 @@ class ValidityContext {
   Diagnostics& m_diagnostics;
   ValueRules m_values;
   std::uint64_t m_left = 8000000;
-  std::unordered_map<ElementDeclaration const*, std::vector<ElementDeclaration const*>> m_substitutes;
   std::unordered_map<ModelGroup const*, bool> m_emptiable;
 };
 

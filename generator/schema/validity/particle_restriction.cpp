@@ -96,15 +96,14 @@ ParticleRestriction::Part const* ParticleRestriction::Keep(Part part) {
 ParticleRestriction::Part const* ParticleRestriction::SimplifiedElement(Part part, ElementDeclaration const& element) {
   part.kind = Part::Kind::Element;
   part.element = &element;
-  std::vector<ElementDeclaration const*> const* members = element.global ? &m_context.SubstitutesOf(element) : nullptr;
-  if (members == nullptr || members->empty()) return Keep(part);
+  if (element.standIns.empty()) return Keep(part);
   Part choice = part;
   choice.kind = Part::Kind::Choice;
   choice.element = &element;  // for messages
   part.min = part.max = 1;
   if (!element.abstract) choice.parts.push_back(Keep(part));
-  for (ElementDeclaration const* member : *members) {
-    if (member->abstract || !m_context.MaySpend(1)) continue;
+  for (ElementDeclaration const* member : element.standIns) {
+    if (!m_context.MaySpend(1)) break;
     part.element = member;
     choice.parts.push_back(Keep(part));
   }

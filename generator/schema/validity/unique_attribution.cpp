@@ -42,8 +42,8 @@ UniqueAttribution::Model UniqueAttribution::ModelOfElement(ElementDeclaration co
   Model model;
   model.nullable = false;
   model.first.names.push_back({NumberOf(element.name), m_particles});
-  if (element.global) {
-    for (ElementDeclaration const* member : m_context.SubstitutesOf(element)) {
+  if (!element.standIns.empty()) {
+    for (ElementDeclaration const* member : element.standIns) {
       model.first.names.push_back({NumberOf(member->name), m_particles});
     }
     m_context.MaySpend(model.first.names.size());
