@@ -154,7 +154,7 @@ class CSame of Same : CA
     {"ARestrictionThatNeedsMoreDoesNotDerive",
      R"(
 <complexType name='X' abstract='true'/>
-<complexType name='Y'><complexContent><extension base='t:X'/></complexContent></complexType>
+<complexType name='Y'><complexContent><restriction base='t:X'/></complexContent></complexType>
 <complexType name='A'><sequence><element name='x' type='t:X' maxOccurs='2'/></sequence></complexType>
 <complexType name='B'><complexContent><restriction base='t:A'>
   <sequence><element name='x' type='t:Y'/><element name='x' type='t:Y'/></sequence></restriction></complexContent></complexType>
@@ -316,7 +316,7 @@ a.xsd:9:1: warning: the mixed content of "D" is read as one text; where it stand
      R"(
 <element name='head' type='t:A'/><element name='one' type='t:A' substitutionGroup='t:head' abstract='true'/>
 <element name='two' type='t:B' substitutionGroup='t:one'/>
-<complexType name='A'><sequence><element ref='t:head' minOccurs='0'/><element ref='t:two'/></sequence></complexType>
+<complexType name='A'><sequence><element ref='t:head'/><element ref='t:two'/></sequence></complexType>
 <complexType name='B'><complexContent><extension base='t:A'/></complexContent></complexType>
 <element name='text' type='string' default='x'/>
 <element name='word' type='token' substitutionGroup='t:text' nillable='true'/>
@@ -329,7 +329,7 @@ a.xsd:9:1: warning: the mixed content of "D" is read as one text; where it stand
   <choice maxOccurs='9'><element ref='t:thing'/><element ref='t:a'/></choice></sequence></complexType>)",
      R"(
 class CA of A
-  0 Head m_head: object head? CA of head CA, two CB
+  0 Head m_head: object head CA of head CA, two CB mandatory
   1 Two m_two: object two CB mandatory
 class CB of B : CA
 class CC of C
@@ -360,7 +360,7 @@ a.xsd:6:1: warning: the default value of the element "text" is not applied to an
 <complexType name='C' block='restriction'><complexContent><extension base='t:A'/></complexContent></complexType>
 <complexType name='D'><complexContent><restriction base='t:C'/></complexContent></complexType>
 <element name='all' type='t:A'/><element name='none' type='t:A' block='#all'/>
-<element name='noExtension' type='t:A' block='extension'/><element name='noMember' type='t:A' block='x substitution'/>
+<element name='noExtension' type='t:A' block='extension'/><element name='noMember' type='t:A' block='substitution'/>
 <element name='all2' type='t:A' substitutionGroup='t:all'/><element name='all3' type='t:B' substitutionGroup='t:all'/>
 <element name='all4' type='t:D' substitutionGroup='t:all'/>
 <element name='none2' type='t:A' substitutionGroup='t:none'/>

@@ -155,11 +155,23 @@ bool ParticleRestriction::ElementRestricts(Part const& narrow, Part const& wide)
 
 bool ParticleRestriction::GroupRestricts(Part const& narrow, Part const& wide) {
   using Kind = Part::Kind;
-  if (wide.kind == Kind::Element) return Fail("a group stands where the base has " + Described(wide));
+  if (wide.kind == Kind::Element) return RepeatsElement(narrow, wide);
   if (narrow.kind == wide.kind) return Recurse(narrow, wide, narrow.kind == Kind::Choice);
   if (narrow.kind == Kind::Sequence && wide.kind == Kind::All) return RecurseUnordered(narrow, wide);
   if (narrow.kind == Kind::Sequence && wide.kind == Kind::Choice) return MapAndSum(narrow, wide);
   return Fail(Described(narrow) + " stands where the base has " + Described(wide));
+}
+
+/// The standard has no group in place of an element that occurs more than once. It restricts that nevertheless if it has
+/// as many of these elements.
+bool ParticleRestriction::RepeatsElement(Part const& narrow, Part const& wide) {
+  if (!IsWithin(narrow.total.min, narrow.total.max, wide)) {
+    return Fail("a group stands where the base has " + Described(wide));
+  }
+  Part any = wide;
+  any.min = 0;
+  any.max = kUnbounded;
+  return std::all_of(narrow.parts.begin(), narrow.parts.end(), [&](Part const* part) { return Restricts(*part, any); });
 }
 
 bool ParticleRestriction::IsNarrowerElement(Part const& narrow, Part const& wide) {

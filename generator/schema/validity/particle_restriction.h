@@ -44,6 +44,7 @@ class ParticleRestriction {
   bool Restricts(Part const& narrow, Part const& wide, bool checksCounts = true);
   bool ElementRestricts(Part const& narrow, Part const& wide);
   bool GroupRestricts(Part const& narrow, Part const& wide);
+  bool RepeatsElement(Part const& narrow, Part const& wide);
   bool IsNarrowerElement(Part const& narrow, Part const& wide);
   bool Recurse(Part const& narrow, Part const& wide, bool isLax);
   bool RecurseUnordered(Part const& narrow, Part const& wide);
