@@ -19,26 +19,30 @@ namespace {
 /// More members are not named in one call, since compilers limit the depth of the expression that it becomes.
 constexpr std::size_t kMostPicked = 100;
 
+/// The body of a class whose properties take one call; empty for the others.
+std::string OneCall(Class const& cls, Namespace const& ns) {
+  if (cls.members.empty()) {
+    return cls.base != nullptr ? "return " + NameOf(*cls.base, {&ns, &cls}) + "::Property(index);" : "return {};";
+  }
+  if (cls.base != nullptr || cls.members.size() > kMostPicked) return "";
+  std::string call = "return Pick(index";
+  for (Plan::Member const& member : cls.members) call += ", " + PropertyOf(member);
+  return call + ");";
+}
+
 /// The calls that pick a property: of the base, and of the class in portions.
 void DefineProperties(Text& text, Class const& cls, Namespace const& ns) {
   bool const usesIndex = cls.base != nullptr || !cls.members.empty();
-  if (cls.base == nullptr && cls.members.size() <= kMostPicked) {
-    std::string call = "return {};";
-    if (usesIndex) call = "return Pick(index";
-    for (Plan::Member const& member : cls.members) call += ", " + PropertyOf(member);
-    if (usesIndex) call += ");";
-    std::string const line =
-        "PropertyRef " + cls.cppName + "::Property(int" + (usesIndex ? " index" : "") + ") { " + call + " }";
-    if (text.Fits(line.size())) return text.Line(line);
-  }
-  text.Line("PropertyRef " + cls.cppName + "::Property(int" + (usesIndex ? " index) {" : ") {"));
+  std::string const start = "PropertyRef " + cls.cppName + "::Property(int" + (usesIndex ? " index" : "") + ") {";
+  std::string const call = OneCall(cls, ns);
+  std::string const line = start + ' ' + call + " }";
+  if (!call.empty() && text.Fits(line.size())) return text.Line(line);
+  text.Line(start);
   text.Indent(2);
-  if (cls.base != nullptr) {
-    std::string const call = NameOf(*cls.base, {&ns, &cls}) + "::Property(index);";
-    text.Line((cls.members.empty() ? "" : "if (index < " + std::to_string(cls.firstProperty) + ") ") + "return " +
-              call);
-  } else if (cls.members.empty()) {
-    text.Line("return {};");
+  if (cls.members.empty()) text.Line(call);
+  if (cls.base != nullptr && !cls.members.empty()) {
+    text.Line("if (index < " + std::to_string(cls.firstProperty) + ") return " + NameOf(*cls.base, {&ns, &cls}) +
+              "::Property(index);");
   }
   for (std::size_t begin = 0; begin < cls.members.size(); begin += kMostPicked) {
     std::size_t const end = std::min(begin + kMostPicked, cls.members.size());

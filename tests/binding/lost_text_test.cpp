@@ -20,7 +20,7 @@ Shape NoteShape() {
 TEST(LostText, WritingReportsBytesThatAreNoCharacters) {
   ScopedLocale const scoped("C.UTF-8");
   Shape const shape = NoteShape();
-  DynamicClass object(shape);
+  DynamicClass object(shape, "node");
   object.With(0, "Zo\xE9 \xE9\xFF").With(2, "\xE9");
   using Write = CBinaryData (*)(DynamicClass const&, CXmlSerializationContext const&);
   Write const writes[] = {
@@ -35,9 +35,9 @@ TEST(LostText, WritingReportsBytesThatAreNoCharacters) {
     CBinaryData const data = write(object, ctx);
     EXPECT_EQ(write(object, {}), data);
     EXPECT_EQ(
-        "remark: /root/@c: The byte 0xE9 is not part of a character of the code page\n"
-        "remark: /root/a: The byte 0xE9 is not part of a character of the code page\n"
-        "remark: /root/a: The byte 0xFF is not part of a character of the code page\n",
+        "remark: /node/@c: The byte 0xE9 is not part of a character of the code page\n"
+        "remark: /node/a: The byte 0xE9 is not part of a character of the code page\n"
+        "remark: /node/a: The byte 0xFF is not part of a character of the code page\n",
         list.GetReport());
     EXPECT_EQ(FailureKind_LostCharacter, list.GetFailures()[0].GetKind());
     ctx.SetMaxFailures(2);
@@ -53,22 +53,22 @@ TEST(LostText, ReadingReportsCharactersThatTheCodePageLacks) {
     char const* document;
     std::string told;
   } const rows[] = {
-      {"C", "<root><a>Zoe</a></root>", ""},
-      {"C.UTF-8", "<root c='\u20AC'><a>\U0001F600</a></root>", ""},
-      {"C", "<root><a>\u20AC \u20AC\u00EB</a>\n<b>\u20AC</b></root>",
-       "1:7: remark: /root/a: The character U+20AC has no place in the code page\n"
-       "1:7: remark: /root/a: The character U+00EB has no place in the code page\n"
-       "2:1: remark: /root/b: The character U+20AC has no place in the code page\n"},
-      {"C", "<root c='\U0001F600'>\n  <a/></root>",
-       "1:1: remark: /root: The character U+1F600 has no place in the code page\n"},
+      {"C", "<node><a>Zoe</a></node>", ""},
+      {"C.UTF-8", "<node c='\u20AC'><a>\U0001F600</a></node>", ""},
+      {"C", "<node><a>\u20AC \u20AC\u00EB</a>\n<b>\u20AC</b></node>",
+       "1:7: remark: /node/a: The character U+20AC has no place in the code page\n"
+       "1:7: remark: /node/a: The character U+00EB has no place in the code page\n"
+       "2:1: remark: /node/b: The character U+20AC has no place in the code page\n"},
+      {"C", "<node c='\U0001F600'>\n  <a/></node>",
+       "1:1: remark: /node: The character U+1F600 has no place in the code page\n"},
       // A namespace is known before its element.
-      {"C", "<root xmlns:n='\u20AC'><a xmlns:m='\u00EB'/></root>",
-       "1:1: remark: /root: The character U+20AC has no place in the code page\n"
-       "1:1: remark: /root: The character U+00EB has no place in the code page\n"},
-      {"de_DE.ISO-8859-1", "<root c='\u00EB'><a>\u00EB&#x20AC;</a></root>",
-       "1:13: remark: /root/a: The character U+20AC has no place in the code page\n"},
-      {"ja_JP.SJIS", "<root><a>\u65E5\u00EB</a></root>",
-       "1:7: remark: /root/a: The character U+00EB has no place in the code page\n"},
+      {"C", "<node xmlns:n='\u20AC'><a xmlns:m='\u00EB'/></node>",
+       "1:1: remark: /node: The character U+20AC has no place in the code page\n"
+       "1:1: remark: /node: The character U+00EB has no place in the code page\n"},
+      {"de_DE.ISO-8859-1", "<node c='\u00EB'><a>\u00EB&#x20AC;</a></node>",
+       "1:13: remark: /node/a: The character U+20AC has no place in the code page\n"},
+      {"ja_JP.SJIS", "<node><a>\u65E5\u00EB</a></node>",
+       "1:7: remark: /node/a: The character U+00EB has no place in the code page\n"},
   };
   Shape const shape = NoteShape();
   for (Row const& row : rows) {
@@ -92,7 +92,7 @@ TEST(LostText, ReadingFastInfosetReportsThemToo) {
   CXmlSerializationContext utf8;
   utf8.SetTextEncoding(TextEncoding_UTF8);
   DynamicClass object(shape);
-  object.FromXml("<root c='\u20AC'><a>\u00EB</a><b>\u00EB</b></root>", utf8);
+  object.FromXml("<node c='\u20AC'><a>\u00EB</a><b>\u00EB</b></node>", utf8);
   CBinaryData const data = object.ToFastInfosetStream(FInfoDecl_None, utf8);
   ScopedLocale const scoped("C");
   CFailureList list;
@@ -100,17 +100,17 @@ TEST(LostText, ReadingFastInfosetReportsThemToo) {
   ctx.SetFailureSink(&list);
   object.FromXmlStream(data, ctx);
   ASSERT_LE(2U, list.GetFailures().size());  // a text that is repeated is converted once
-  EXPECT_EQ("/root", list.GetFailures()[0].GetPlace().GetPath());
+  EXPECT_EQ("/node", list.GetFailures()[0].GetPlace().GetPath());
   EXPECT_EQ("The character U+20AC has no place in the code page", list.GetFailures()[0].GetText());
-  EXPECT_EQ("/root/a", list.GetFailures()[1].GetPlace().GetPath());
+  EXPECT_EQ("/node/a", list.GetFailures()[1].GetPlace().GetPath());
 }
 
 TEST(LostText, RemarksAreLimited) {
   ScopedLocale const scoped("C");
   Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("a", 0)});
-  std::string document = "<root><a>";
+  std::string document = "<node><a>";
   for (char last = '\x80'; last != '\xC0'; ++last) document += std::string("\xD0") + last;
-  document += "</a></root>";
+  document += "</a></node>";
   for (std::uint32_t const most : {1U, 10U, 0U}) {
     CFailureList list;
     CXmlSerializationContext ctx;
@@ -137,9 +137,9 @@ TEST(LostText, ASinkMayThrow) {
   CXmlSerializationContext ctx;
   ctx.SetFailureSink(&sink);
   DynamicClass object(shape);
-  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<root><a>\u20AC\u20AC\u00EB</a></root>", ctx));
+  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<node><a>\u20AC\u20AC\u00EB</a></node>", ctx));
   EXPECT_EQ(1, sink.m_calls);
-  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<root><b/></root>", ctx));
+  EXPECT_FAILURE(CQnOverFlowException, "sink", object.FromXml("<node><b/></node>", ctx));
   EXPECT_EQ(2, sink.m_calls);
   object.With(0, "\xE9");
   EXPECT_FAILURE(CQnOverFlowException, "sink", object.ToFastInfosetStream(FInfoDecl_None, ctx));

@@ -64,7 +64,7 @@ std::string Read(Shape const& shape, std::string const& content, std::string con
   DynamicClass object(shape);
   if (fill != nullptr) fill(object);
   try {
-    object.FromXml(("<root xmlns:o='urn:o'" + content + "</root>").c_str(), ctx);
+    object.FromXml(("<node xmlns:o='urn:o'" + content + "</node>").c_str(), ctx);
   } catch (CQnException const& failure) {
     CQnException const* cause = &failure;
     while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
@@ -107,15 +107,15 @@ TEST(FailureSink, ReceivesEachValueThatDoesNotConvert) {
             {Attribute("r", 7, false, ItemType_i4), Attribute("s", 8, true, ItemType_i4)}),
       {{" r='1' s='2'><a>3</a><b>4</b><i>5</i><z>6</z>", " -> 0=3 1=4 4=#1 7=1 8=2 9=6"},
        {" r='x' s='y'><a>x</a><b>y</b><i>5</i><z/>",
-        "value /root/@r; value /root/@s; value /root/a; value /root/b -> 4=#1 9="},
-       {" q='1' s='y'><a>3</a><i>5</i><z/>", "attribute! /root/@q; value /root/@s; attribute? /root -> 0=3 4=#1 9="},
+        "value /node/@r; value /node/@s; value /node/a; value /node/b -> 4=#1 9="},
+       {" q='1' s='y'><a>3</a><i>5</i><z/>", "attribute! /node/@q; value /node/@s; attribute? /node -> 0=3 4=#1 9="},
        {" r='1'><a>3</a><child id='x'><v>y</v></child><child/><i>5</i><z>6</z>",
-        "value /root/child[1]/@id; value /root/child[1]/v; count /root/child[2] -> 0=3 4=#1 7=1 9=6"},
-       {" r='1'><a>3</a><p>x</p><q>1</q><i>5</i><z>6</z>", "value /root/p -> 0=3 4=#1 7=1 9=6"},
-       {" r='1'><a>3</a><i>x</i><i>5</i><i>99</i><z>6</z>", "value /root/i[1]; facet /root/i[3] -> 0=3 4=#1 7=1 9=6"},
-       {" r='1'><a>3</a><i>x</i><z>6</z>", "value /root/i -> 0=3 4=#0 7=1 9=6"},
+        "value /node/child[1]/@id; value /node/child[1]/v; count /node/child[2] -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><p>x</p><q>1</q><i>5</i><z>6</z>", "value /node/p -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><i>x</i><i>5</i><i>99</i><z>6</z>", "value /node/i[1]; facet /node/i[3] -> 0=3 4=#1 7=1 9=6"},
+       {" r='1'><a>3</a><i>x</i><z>6</z>", "value /node/i -> 0=3 4=#0 7=1 9=6"},
        {" r='1'><a>3</a><i>5</i><none/><abstract/><z>6</z>",
-        "factory /root/none; missing /root/abstract -> 0=3 4=#1 7=1 9=6"}},
+        "factory /node/none; missing /node/abstract -> 0=3 4=#1 7=1 9=6"}},
       [](DynamicClass& object) {
         object.With(4, new Ci4Col("i", "", 1, 3, "", -1, -1, "", "50", "", "", -1,
                                   CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
@@ -149,7 +149,7 @@ TEST(FailureSink, ReceivesOneFailureForOneExtraElement) {
       EXPECT_NE(std::string::npos, read.find(" -> 0=1 1=2 2=#100 3=3 4=#100 5=4")) << at << read;
       std::string paths = read.substr(0, read.find(" ->"));
       for (std::size_t extra = 1; extra <= count; ++extra) {
-        std::string const path = count == 1 ? "/root/x" : "/root/x[" + std::to_string(extra) + "]";
+        std::string const path = count == 1 ? "/node/x" : "/node/x[" + std::to_string(extra) + "]";
         EXPECT_NE(std::string::npos, paths.find(path)) << at << read;
       }
       EXPECT_EQ(count - 1, static_cast<std::size_t>(std::count(paths.begin(), paths.end(), ';'))) << at << read;
@@ -161,14 +161,14 @@ TEST(FailureSink, TellsWhatIsMissingOnce) {
   Expect(Shape(kSequence, {Prim<CElementInfoSeqPrimMnd>("a", 0), Prim<CElementInfoSeqPrimMnd>("b", 1),
                            new CElementInfoSeqClsOpt("", "", 2, XmlElementType_Pseudo, MakeClass, kPair),
                            Prim<CElementInfoSeqPrimMnd>("c", 3)}),
-         {{">", "missing /root; missing /root; missing /root ->"},
-          {"><c>1</c>", "missing /root/c; missing /root/c -> 3=1"},
-          {"><x/><b>1</b><c>2</c>", "missing /root/x -> 1=1 3=2"},
-          {"><a/><b/><cc/>", "missing /root/cc -> 0= 1="},
-          {"><p>1</p><q/><c/>", "missing /root/p; missing /root/p -> 3="},
-          {"><x/><y/><a/><b/><z/>", "missing /root/x; unexpected /root/y; missing /root/z -> 0= 1="},
-          {"><b/><a/><c/>", "missing /root/b; missing /root/a -> 1= 3="},
-          {"><x/><c>1</c>", "missing /root; missing /root; -element /root/x -> 3=1", "U"},
+         {{">", "missing /node; missing /node; missing /node ->"},
+          {"><c>1</c>", "missing /node/c; missing /node/c -> 3=1"},
+          {"><x/><b>1</b><c>2</c>", "missing /node/x -> 1=1 3=2"},
+          {"><a/><b/><cc/>", "missing /node/cc -> 0= 1="},
+          {"><p>1</p><q/><c/>", "missing /node/p; missing /node/p -> 3="},
+          {"><x/><y/><a/><b/><z/>", "missing /node/x; unexpected /node/y; missing /node/z -> 0= 1="},
+          {"><b/><a/><c/>", "missing /node/b; missing /node/a -> 1= 3="},
+          {"><x/><c>1</c>", "missing /node; missing /node; -element /node/x -> 3=1", "U"},
           {"><c/>", " -> 3=", "M"}});
 }
 
@@ -177,10 +177,10 @@ TEST(FailureSink, GoesOnInOtherGroups) {
       Shape(Of(XmlElementGroupType_All), {Prim<CElementInfoAllPrimMnd>("a", 0, ItemType_i4),
                                           Prim<CElementInfoAllPrimMnd>("b", 1), Prim<CElementInfoAllPrimOpt>("c", 2)}),
       {{"><b/><a>1</a>", " -> 0=1 1="},
-       {"><b/><x/><a>1</a>", "missing /root/x -> 0=1 1="},
-       {"><c/><x/><y/><a>1</a><b/>", "missing /root/x; unexpected /root/y -> 0=1 1= 2="},
-       {">", "missing /root; missing /root ->"},
-       {"><a>x</a><c/><b/><b/>", "value /root/a; unexpected /root/b[2] -> 1= 2="}});
+       {"><b/><x/><a>1</a>", "missing /node/x -> 0=1 1="},
+       {"><c/><x/><y/><a>1</a><b/>", "missing /node/x; unexpected /node/y -> 0=1 1= 2="},
+       {">", "missing /node; missing /node ->"},
+       {"><a>x</a><c/><b/><b/>", "value /node/a; unexpected /node/b[2] -> 1= 2="}});
   Shape const choice(Of(XmlElementGroupType_Choice),
                      {Prim<CElementInfoChoicePrimOpt>("a", 0, ItemType_i4), new CElementInfoChoicePrimCol("i", "", 1)});
   Fill const fill = [](DynamicClass& object) {
@@ -189,14 +189,14 @@ TEST(FailureSink, GoesOnInOtherGroups) {
   };
   Expect(choice,
          {{"><a>1</a>", " -> 0=1 1=#0"},
-          {"><a>x</a>", "value /root/a -> 1=#0"},
-          {"><x/><a>1</a>", "unexpected /root/x -> 0=1 1=#0"},
-          {"><a>1</a><a>2</a><i/>", "unexpected /root/a[2]; unexpected /root/i -> 0=1 1=#0"},
-          {"><i>1</i><x/><i>2</i>", "count /root/x -> 1=#2"},
-          {"><i>1</i><i>2</i><x/><i>3</i><i>4</i>", "unexpected /root/x; count /root/i[4] -> 1=#4"}},
+          {"><a>x</a>", "value /node/a -> 1=#0"},
+          {"><x/><a>1</a>", "unexpected /node/x -> 0=1 1=#0"},
+          {"><a>1</a><a>2</a><i/>", "unexpected /node/a[2]; unexpected /node/i -> 0=1 1=#0"},
+          {"><i>1</i><x/><i>2</i>", "count /node/x -> 1=#2"},
+          {"><i>1</i><i>2</i><x/><i>3</i><i>4</i>", "unexpected /node/x; count /node/i[4] -> 1=#4"}},
          fill);
   Expect(Shape(Of(XmlElementGroupType_Choice), {}),
-         {{">", "choice /root ->"}, {"><x/><y/>", "choice /root/x; unexpected /root/y ->"}});
+         {{">", "choice /node ->"}, {"><x/><y/>", "choice /node/x; unexpected /node/y ->"}});
 }
 
 TEST(FailureSink, GoesOnInWildcards) {
@@ -208,9 +208,9 @@ TEST(FailureSink, GoesOnInWildcards) {
     object.With(0, new CElement("AnyElement", "", "##local", "")).With(1, new CAttributeCol("", "##local", ""));
   };
   Expect(shape,
-         {{" o:y='1' b='2'><x/><z/>", "namespace /root/@o:y -> 1=#1 2="},
-          {"><o:x/><x/><z/>", "missing /root/o:x -> 1=#0 2="},
-          {"><x/><o:y/><z/>", "missing /root/o:y -> 1=#0 2="}},
+         {{" o:y='1' b='2'><x/><z/>", "namespace /node/@o:y -> 1=#1 2="},
+          {"><o:x/><x/><z/>", "missing /node/o:x -> 1=#0 2="},
+          {"><x/><o:y/><z/>", "missing /node/o:y -> 1=#0 2="}},
          fill);
 }
 
@@ -219,7 +219,7 @@ TEST(FailureSink, ChecksFacetsWhereTheContextAsksForIt) {
   Shape const shape(kSequence, {Prim<CElementInfoSeqPrimMnd>("a", 0, ItemType_i4, facets)},
                     {Attribute("b", 1, true, ItemType_i4, facets)});
   Expect(shape, {{" b='51'><a>51</a>", " -> 0=51 1=51"},
-                 {" b='51'><a>51</a>", "facet /root/@b; facet /root/a ->", "F"},
+                 {" b='51'><a>51</a>", "facet /node/@b; facet /node/a ->", "F"},
                  {" b='50'><a>50</a>", " -> 0=50 1=50", "F"}});
 }
 
@@ -229,23 +229,23 @@ TEST(FailureSink, RemarksWhatOptionsDrop) {
                 new CElementInfoSeqClsOpt("", "", 1, XmlElementType_Pseudo, MakeClass, kPair),
                 Prim<CElementInfoSeqPrimMnd>("c", 2), new CElementInfoSeqPrimCol("i", "", 3)},
                {Attribute("r", 4, true)}),
-         {{"><a>1</a><c>2</c>text", "-text /root -> 0=1 2=2 3=#0"},
-          {" r='1' s='2'><a>1</a><c>2</c>\n", "-attribute /root/@s -> 0=1 2=2 3=#0 4=1", "A"},
+         {{"><a>1</a><c>2</c>text", "-text /node -> 0=1 2=2 3=#0"},
+          {" r='1' s='2'><a>1</a><c>2</c>\n", "-attribute /node/@s -> 0=1 2=2 3=#0 4=1", "A"},
           {"><x/><a>1</a><y/><c>2</c><i/><i/><z/><i/>",
-           "-element /root/x; -element /root/y; -element /root/z; -element /root/i[3] -> 0=1 2=2 3=#2", "U"},
+           "-element /node/x; -element /node/y; -element /node/z; -element /node/i[3] -> 0=1 2=2 3=#2", "U"},
           {"><a>1</a><p>1</p><q/><c>2</c>", " -> 0=1 2=2 3=#0", "U"},
-          {"><a>1</a><p>1</p><x/><q/><c>2</c>", "-element /root/x -> 0=1 2=2 3=#0", "U"},
-          {"><a>1</a><p>1</p><x/><c>2</c>", "-element /root/p; -element /root/x -> 0=1 2=2 3=#0", "U"},
-          {"><b/><c>2</c>", "missing /root; -element /root/b -> 2=2 3=#0", "U"}},
+          {"><a>1</a><p>1</p><x/><q/><c>2</c>", "-element /node/x -> 0=1 2=2 3=#0", "U"},
+          {"><a>1</a><p>1</p><x/><c>2</c>", "-element /node/p; -element /node/x -> 0=1 2=2 3=#0", "U"},
+          {"><b/><c>2</c>", "missing /node; -element /node/b -> 2=2 3=#0", "U"}},
          [](DynamicClass& object) {
            object.With(3, new CstringCol("i", "", 0, -1, "", -1, -1, "", "", "", "", -1,
                                          CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
          });
   Expect(Shape(Of(XmlElementGroupType_Choice), {Prim<CElementInfoChoicePrimOpt>("a", 0)}),
-         {{"><x/><a>1</a><y/>", "-element /root/x; -element /root/y -> 0=1", "U"}});
+         {{"><x/><a>1</a><y/>", "-element /node/x; -element /node/y -> 0=1", "U"}});
   Expect(
       Shape(Of(XmlElementGroupType_All), {Prim<CElementInfoAllPrimMnd>("a", 0), Prim<CElementInfoAllPrimOpt>("b", 1)}),
-      {{"><a>1</a><x/><b/>", "-element /root/x; -element /root/b -> 0=1", "U"}});
+      {{"><a>1</a><x/><b/>", "-element /node/x; -element /node/b -> 0=1", "U"}});
 }
 
 // A class whose setter reads a document of its own, which is gone when the failure reaches the read around it.
@@ -276,8 +276,8 @@ TEST(FailureSink, ReceivesFailuresOfTreesThatAreGone) {
     if (hasSink) ctx.SetFailureSink(&sink);
     Nested object(shape);
     try {
-      object.FromXml("<root><a/><b>x</b></root>", ctx);
-      EXPECT_EQ("value ; value /root/b", sink.m_told);
+      object.FromXml("<node><a/><b>x</b></node>", ctx);
+      EXPECT_EQ("value ; value /node/b", sink.m_told);
     } catch (CQnException const& failure) {
       EXPECT_FALSE(hasSink);
       EXPECT_EQ("error: The value [x] can not be converted to a i4", failure.GetReport());
@@ -292,9 +292,9 @@ TEST(FailureSink, EndsAReadWithTheFailureThatItStopsAt) {
                               CWhitespaceUtils::WhitespaceRule_Collapse, nullptr));
   };
   std::string const content = "><i>x</i><i>2</i><i>99</i><i>y</i>";
-  EXPECT_EQ("value /root/i[1] ! The value [x] can not be converted to a i4", Read(shape, content, "", fill, 1));
-  EXPECT_EQ("value /root/i[1]; facet /root/i[3] ! Invalid Value for i [99]", Read(shape, content, "", fill, 2));
-  EXPECT_EQ("value /root/i[1]; facet /root/i[3]; value /root/i[4] -> 0=#1", Read(shape, content, "", fill));
+  EXPECT_EQ("value /node/i[1] ! The value [x] can not be converted to a i4", Read(shape, content, "", fill, 1));
+  EXPECT_EQ("value /node/i[1]; facet /node/i[3] ! Invalid Value for i [99]", Read(shape, content, "", fill, 2));
+  EXPECT_EQ("value /node/i[1]; facet /node/i[3]; value /node/i[4] -> 0=#1", Read(shape, content, "", fill));
 
   DynamicClass object(shape);
   fill(object);
@@ -302,14 +302,14 @@ TEST(FailureSink, EndsAReadWithTheFailureThatItStopsAt) {
   CXmlSerializationContext ctx;
   ctx.SetFailureSink(&sink);
   ctx.SetMaxFailures(2);
-  EXPECT_THROW(object.FromXml(("<root" + content + "</root>").c_str(), ctx), CQnValidationException);
+  EXPECT_THROW(object.FromXml(("<node" + content + "</node>").c_str(), ctx), CQnValidationException);
   EXPECT_EQ(2u, sink.m_count);
 
   struct Throwing : IFailureSink {
     bool OnFailure(CFailure const&) override { throw std::runtime_error("enough"); }
   } throwing;
   ctx.SetFailureSink(&throwing);
-  EXPECT_THROW(object.FromXml(("<root" + content + "</root>").c_str(), ctx), std::runtime_error);
+  EXPECT_THROW(object.FromXml(("<node" + content + "</node>").c_str(), ctx), std::runtime_error);
 }
 
 }  // namespace

@@ -114,13 +114,9 @@ PropertyRef CCar::Property(int index) {
   return Pick(index - 2, m_seats);
 }
 ClassTables CSportsCar::s_class{kSportsCar_Class, &MakeObject<CSportsCar>};
-PropertyRef CSportsCar::Property(int index) {
-  return CCar::Property(index);
-}
+PropertyRef CSportsCar::Property(int index) { return CCar::Property(index); }
 ClassTables CTruck::s_class{kTruck_Class, &MakeObject<CTruck>};
-PropertyRef CTruck::Property(int index) {
-  return CVehicle::Property(index);
-}
+PropertyRef CTruck::Property(int index) { return CVehicle::Property(index); }
 
 CSmartPtr<CDrone> ReadCar(XmlSource const& source, Context const& ctx) {
   return RootFrom<CDrone>(source, kRoots[0], ctx);
