@@ -97,34 +97,34 @@ TEST(ObjectCheck, EachKindOfMemberIsToldAtItsPlaceAndTheRestIsCheckedToo) {
   };
   Case const cases[] = {
       {"value", Prim<CElementInfoSeqPrimOpt>("m", 1, ItemType_string, AtMost(2)), nullptr, text("long"),
-       "error: /root/m: Invalid Value for m [long]\n"},
+       "error: /node/m: Invalid Value for m [long]\n"},
       {"attribute", nullptr, Attribute("m", 1, true, ItemType_string, AtMost(2)), text("long"),
-       "error: /root/@m: Invalid Value for m [long]\n"},
+       "error: /node/@m: Invalid Value for m [long]\n"},
       {"required attribute", nullptr, Attribute("m", 1, false), [](DynamicClass&) {},
-       "error: /root/@m: Invalid Type 0 to convert to string\n"},
+       "error: /node/@m: Invalid Type 0 to convert to string\n"},
       {"enumerator", new CElementInfoSeqEnumMnd("m", "", 1, TextOf, NumberOf), nullptr, number(2),
-       "error: /root/m: The number 2 of the element [m] has no text\n"},
+       "error: /node/m: The number 2 of the element [m] has no text\n"},
       {"enumerator in an attribute", nullptr, new CAttributeInfoEnum("m", "", 1, true, TextOf, NumberOf, nullptr),
-       number(2), "error: /root/@m: The number 2 of the attribute [m] has no text\n"},
+       number(2), "error: /node/@m: The number 2 of the attribute [m] has no text\n"},
       {"nested", cls("m", XmlElementType_Element), nullptr, object(item, "m", "long"),
-       "error: /root/m/v: Invalid Value for v [long]\n"},
+       "error: /node/m/v: Invalid Value for v [long]\n"},
       {"group", cls("g", XmlElementType_Pseudo), nullptr, object(group, "g", "long"),
-       "error: /root/in: Invalid Value for in [long]\n"},
+       "error: /node/in: Invalid Value for in [long]\n"},
       {"all", cls("m", XmlElementType_Element), nullptr,
        [&](DynamicClass& holder) {
          holder.With(1, static_cast<CXmlObjectBase*>(&(new DynamicClass(all, "m"))->With(1, "long").With(2, "longer")));
        },
-       "error: /root/m/a: Invalid Value for a [long]\nerror: /root/m/b: Invalid Value for b [longer]\n"},
+       "error: /node/m/a: Invalid Value for a [long]\nerror: /node/m/b: Invalid Value for b [longer]\n"},
       {"items", new CElementInfoSeqClsCol("item", "", 1, XmlElementType_Element), nullptr,
        items({"a", "long", "longer"}),
-       "error: /root/item[2]/v: Invalid Value for v [long]\nerror: /root/item[3]/v: Invalid Value for v [longer]\n"},
+       "error: /node/item[2]/v: Invalid Value for v [long]\nerror: /node/item[3]/v: Invalid Value for v [longer]\n"},
       {"the first of several items", new CElementInfoSeqClsCol("item", "", 1, XmlElementType_Element), nullptr,
-       items({"long", "a"}), "error: /root/item[1]/v: Invalid Value for v [long]\n"},
+       items({"long", "a"}), "error: /node/item[1]/v: Invalid Value for v [long]\n"},
       {"count and item", new CElementInfoSeqClsCol("item", "", 1, XmlElementType_Element), nullptr, items({"long"}),
-       "error: /root: The Minimum number of [item] elements allowed in this collection is 2\n"
-       "error: /root/item/v: Invalid Value for v [long]\n"},
+       "error: /node: The Minimum number of [item] elements allowed in this collection is 2\n"
+       "error: /node/item/v: Invalid Value for v [long]\n"},
       {"no collection", new CElementInfoSeqPrimCol("item", "", 1), nullptr, [](DynamicClass&) {},
-       "error: /root/item: The class has no collection for the element [item]\n"},
+       "error: /node/item: The class has no collection for the element [item]\n"},
       {"empty choice", cls("m", XmlElementType_Element), nullptr,
        [&](DynamicClass& holder) {
          auto* const held = new DynamicClass(choice, "m");
@@ -133,21 +133,21 @@ TEST(ObjectCheck, EachKindOfMemberIsToldAtItsPlaceAndTheRestIsCheckedToo) {
                                                                 CWhitespaceUtils::WhitespaceRule_Preserve, nullptr)));
          holder.With(1, static_cast<CXmlObjectBase*>(held));
        },
-       "error: /root/m: This element is a choice, and as such must have at one (and only one) valid item, currently "
+       "error: /node/m: This element is a choice, and as such must have at one (and only one) valid item, currently "
        "there are none set\n"},
       {"wildcard attributes", nullptr, new CAttributeInfoAny("", "", 1, true, "##any", "", nullptr), number(1),
-       "error: /root: Serialization Data Error : The collection should be a CAttributeCol, it was not!\n"},
+       "error: /node: Serialization Data Error : The collection should be a CAttributeCol, it was not!\n"},
   };
   for (Case const& tried : cases) {
     SCOPED_TRACE(tried.what);
     CElementInfo* const last = Prim<CElementInfoSeqPrimOpt>("last", 2, ItemType_string, AtMost(2));
     Shape const root = tried.member != nullptr ? Shape({}, {tried.member, last}) : Shape({}, {last}, {tried.attribute});
-    DynamicClass holder(root);
+    DynamicClass holder(root, "node");
     tried.set(holder);
     EXPECT_EQ(tried.report, Reports(holder));
     ExpectWritesFailLike(holder, tried.report);
     holder.With(2, "too long");
-    EXPECT_EQ(tried.report + "error: /root/last: Invalid Value for last [too long]\n", Reports(holder));
+    EXPECT_EQ(tried.report + "error: /node/last: Invalid Value for last [too long]\n", Reports(holder));
   }
 }
 
@@ -174,8 +174,8 @@ TEST(ObjectCheck, WhatAReaderWouldRefuseIsToldUnlessAnOptionExcusesIt) {
     return static_cast<CXmlObjectBase*>(object);
   };
   auto const nothing = [](DynamicClass&) {};
-  std::string const noM = "error: /root: The required element [m] is not set\n";
-  std::string const noG = "error: /root: The required element [g] is not set\n";
+  std::string const noM = "error: /node: The required element [m] is not set\n";
+  std::string const noG = "error: /node: The required element [g] is not set\n";
   struct {
     char const* what;
     Shape const& shape;
@@ -189,20 +189,20 @@ TEST(ObjectCheck, WhatAReaderWouldRefuseIsToldUnlessAnOptionExcusesIt) {
       {"empty choice in the middle", groups, held(made(choice)), noG, ""},
       {"full group", groups, held(made(group, 1)), "", ""},
       {"group without its first element", groups, held(made(group, 2)),
-       "error: /root: The required element [a] is not set\n", ""},
+       "error: /node: The required element [a] is not set\n", ""},
       {"group that may be empty", emptyGroups, held(made(group)), "", ""},
       {"no object", groups, nothing, noG, ""},
       {"two members of a choice", twice, [](DynamicClass& root) { root.With(1, "1").With(2, "2"); },
-       "error: /root: More than one of the elements [c, d] is set, but they exclude each other\n", ""},
+       "error: /node: More than one of the elements [c, d] is set, but they exclude each other\n", ""},
       {"count in a choice", twice,
        [&](DynamicClass& root) { root.With(3, static_cast<CXmlCollectionBase*>(new UncheckedCollection(item))); },
-       "error: /root: The Minimum number of [i] elements allowed in this collection is 2\n", "I"},
+       "error: /node: The Minimum number of [i] elements allowed in this collection is 2\n", "I"},
       {"control character", value, [](DynamicClass& root) { root.With(1, "a\x01"); },
-       "error: /root/m: The control character 1 has no place in a document\n", ""},
+       "error: /node/m: The control character 1 has no place in a document\n", ""},
   };
   for (auto const& tried : cases) {
     SCOPED_TRACE(tried.what);
-    DynamicClass root(tried.shape);
+    DynamicClass root(tried.shape, "node");
     tried.set(root);
     EXPECT_EQ(tried.report, Reports(root));
     EXPECT_EQ("", ReportOf([&] { root.ToXmlStream(); }));
@@ -239,7 +239,7 @@ TEST(ObjectCheck, TheSinkAndTheLimitEndACheck) {
   Shape const inner({}, {Prim<CElementInfoSeqPrimOpt>("v", 1, ItemType_string, AtMost(2)),
                          Prim<CElementInfoSeqPrimOpt>("w", 2, ItemType_string, AtMost(2))});
   Shape const outer({}, {new CElementInfoSeqClsOpt("m", "", 1, XmlElementType_Element, MakeNothing, 0)});
-  DynamicClass root(outer);
+  DynamicClass root(outer, "node");
   root.With(1, static_cast<CXmlObjectBase*>(&(new DynamicClass(inner, "m"))->With(1, "long").With(2, "long")));
   Stopping sink;
   EXPECT_FALSE(root.Check(CXmlSerializationContext(), &sink));
@@ -249,16 +249,16 @@ TEST(ObjectCheck, TheSinkAndTheLimitEndACheck) {
   EXPECT_EQ(2U, sink.reports.size());
   CXmlSerializationContext ctx;
   ctx.SetMaxFailures(1);
-  EXPECT_EQ("error: /root/m/v: Invalid Value for v [long]\n", Reports(root, ctx));
+  EXPECT_EQ("error: /node/m/v: Invalid Value for v [long]\n", Reports(root, ctx));
 }
 
 TEST(ObjectCheck, AClassThatWritesItselfAndAnEndlessGraphAreTold) {
   Shape const shape({}, {new CElementInfoSeqClsOpt("m", "", 1, XmlElementType_Element, MakeNothing, 0),
                          new CElementInfoSeqClsOpt("n", "", 2, XmlElementType_Element, MakeNothing, 0)});
-  DynamicClass root(shape);
+  DynamicClass root(shape, "node");
   root.With(1, static_cast<CXmlObjectBase*>(new Handwritten(shape, "m")));
   root.With(2, static_cast<CXmlObjectBase*>(new Handwritten(shape, "n")));
-  std::string const reports = "error: /root/m/inner: on purpose\nerror: /root/n/inner: on purpose\n";
+  std::string const reports = "error: /node/m/inner: on purpose\nerror: /node/n/inner: on purpose\n";
   EXPECT_EQ(reports, Reports(root));
   ExpectWritesFailLike(root, reports);
   CSmartPtr<DynamicClass> const own(new DynamicClass(shape, "m"));
@@ -293,7 +293,7 @@ TEST(ObjectCheck, AWriteInsideACheckFailsByItself) {
   DynamicClass other(others, "e");
   other.With(1, static_cast<CXmlObjectBase*>(new UncheckedCollection(item)));  // one item, where two are needed
   Shape const shape({}, {new CElementInfoSeqClsOpt("m", "", 1, XmlElementType_Element, MakeNothing, 0)});
-  DynamicClass root(shape);
+  DynamicClass root(shape, "node");
   root.With(1, static_cast<CXmlObjectBase*>(new WritesAnother(shape, other)));
   EXPECT_EQ("", Reports(root));
 }
@@ -303,7 +303,7 @@ TEST(ObjectCheck, TextThatIsNotUtf8IsToldAtEachPlace) {
                     {Prim<CElementInfoSeqPrimOpt>("m", 1),
                      new CElementInfoSeqClsOpt("e", "", 2, XmlElementType_Element, MakeNothing, 0)},
                     {Attribute("a", 3, true)});
-  DynamicClass root(shape);
+  DynamicClass root(shape, "node");
   root.With(1, "good").With(3, "x\xFF");
   auto* const element = new CElement("e");
   element->GetElements()->Add("f")->SetText("y\xC3");
@@ -312,8 +312,8 @@ TEST(ObjectCheck, TextThatIsNotUtf8IsToldAtEachPlace) {
   CXmlSerializationContext ctx;
   ctx.SetTextEncoding(TextEncoding_UTF8);
   EXPECT_EQ(
-      "error: /root/@a: The text is not well-formed UTF-8 after [x]\n"
-      "error: /root/e/f[1]: The text is not well-formed UTF-8 after [y]\n",
+      "error: /node/@a: The text is not well-formed UTF-8 after [x]\n"
+      "error: /node/e/f[1]: The text is not well-formed UTF-8 after [y]\n",
       Reports(root, ctx));
   EXPECT_EQ("", Reports(root));
   for (std::function<void()> const& write : std::initializer_list<std::function<void()>>{
@@ -321,7 +321,7 @@ TEST(ObjectCheck, TextThatIsNotUtf8IsToldAtEachPlace) {
            [&] { root.ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx); },
            [&] { root.ToFastInfosetStream(FInfoDecl_None, ctx); }}) {
     std::string const report = ReportOf(write);
-    EXPECT_EQ("error: /root/@a: The text is not well-formed UTF-8 after", report.substr(0, 56)) << report;
+    EXPECT_EQ("error: /node/@a: The text is not well-formed UTF-8 after", report.substr(0, 56)) << report;
   }
 }
 
@@ -329,7 +329,7 @@ TEST(ObjectCheck, TextThatIsNotUtf8IsToldAtEachPlace) {
 TEST(ObjectCheck, TheFailureOfAnEncoderHasItsPlace) {
   Shape const item({}, {Prim<CElementInfoSeqPrimOpt>("n", 1)});
   Shape const shape({}, {new CElementInfoSeqClsCol("item", "", 1, XmlElementType_Element)});
-  DynamicClass root(shape);
+  DynamicClass root(shape, "node");
   auto* const items = new DynamicCollection(item, "item", 0, -1);
   for (char const* const text : {"12", "abc"}) items->Add(&(new DynamicClass(item, "item"))->With(1, text));
   root.With(1, static_cast<CXmlCollectionBase*>(items));
@@ -337,7 +337,7 @@ TEST(ObjectCheck, TheFailureOfAnEncoderHasItsPlace) {
   ctx.GetFIContext()->SetEncoding(ItemType_string, {1, 1});
   EXPECT_EQ("", Reports(root, ctx));
   std::string const report = ReportOf([&] { root.ToFastInfosetStream(FInfoDecl_None, ctx); });
-  EXPECT_EQ("error: /root/item[2]/n: ", report.substr(0, 24)) << report;
+  EXPECT_EQ("error: /node/item[2]/n: ", report.substr(0, 24)) << report;
 }
 
 }  // namespace
