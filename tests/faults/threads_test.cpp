@@ -236,7 +236,7 @@ TEST(Threads, ReadsFailWithOneFailure) {
   Shape const shape({}, {Prim<CElementInfoSeqPrimMnd>("e", 0)});
   std::vector<std::exception_ptr> kept = {std::make_exception_ptr(CQnException("cause", CQnOverFlowException("deep")))};
   try {
-    DynamicClass(shape).FromXml("<root><f/></root>");
+    DynamicClass(shape).FromXml("<node><f/></node>");
   } catch (CQnException const&) {
     kept.push_back(std::current_exception());
   }
@@ -247,7 +247,7 @@ TEST(Threads, ReadsFailWithOneFailure) {
   }
   ASSERT_EQ(3U, kept.size());
   InThreads([&](std::size_t thread) {
-    std::string const document = "<root>" + std::string(thread, ' ') + "<e>1</e></root>";
+    std::string const document = "<node>" + std::string(thread, ' ') + "<e>1</e></node>";
     for (int round = 0; round < 60; ++round) {
       Failing object(shape, kept[static_cast<std::size_t>(round) % kept.size()]);
       try {
@@ -256,7 +256,7 @@ TEST(Threads, ReadsFailWithOneFailure) {
       } catch (CQnException const& failure) {
         ASSERT_NE(nullptr, failure.GetPlace());
         ASSERT_EQ(7 + thread, failure.GetPlace()->GetColumn());
-        ASSERT_EQ("/root/e", failure.GetPlace()->GetPath());
+        ASSERT_EQ("/node/e", failure.GetPlace()->GetPath());
       }
       CFailureList list;
       CXmlSerializationContext ctx;
