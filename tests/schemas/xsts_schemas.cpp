@@ -111,7 +111,7 @@ Verdict Load(Test const& test, bool generate, int output) {
   }
   if (!diagnostics.HasErrors()) return Verdict::Accepted;
   bool const hasPlace = std::any_of(diagnostics.All().begin(), diagnostics.All().end(), [](auto const& diagnostic) {
-    return diagnostic.severity == Schema::Diagnostic::Severity::Error && diagnostic.line != 0;
+    return diagnostic.severity == Schema::Diagnostic::Severity::Error && !diagnostic.file.empty();
   });
   return hasPlace ? Verdict::Refused : Verdict::Failed;  // an error must say where it is
 }
