@@ -85,6 +85,7 @@
 #include "quillon9/values/variant.h"
 #include "quillon9/version.h"
 #include "quillon9/xmlio/compression.h"
+#include "quillon9/xmlio/content_item.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "quillon9/xmlio/element_ranges.h"

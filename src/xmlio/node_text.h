@@ -7,6 +7,7 @@
 
 namespace Quillon9 {
 
+struct CChildPlaces;
 class CTreeMemory;
 
 /// The text of a node of a tree: bytes in the tree's memory, followed by a zero. It becomes a std::string only on
@@ -41,6 +42,10 @@ void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
 inline bool AppendPlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
   return place == 0 && memory != nullptr ? SetPlain(place, text, *memory) : AppendMorePlain(place, text, memory);
 }
+/// Return where children stand in the text of an element; null if this is not kept.
+CChildPlaces* FindPlaces(std::uintptr_t place);
+/// Keep where children stand in the text, which takes the form of a string. Replaces what was kept before.
+void KeepPlaces(std::uintptr_t& place, CTreeMemory* memory, CChildPlaces places);
 /// Release all memory; the text is empty afterwards. Without this call, the bytes go with the tree's memory, and those
 /// of a standalone node leak.
 void Free(std::uintptr_t& place, CTreeMemory* memory) noexcept;
