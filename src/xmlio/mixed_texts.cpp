@@ -12,7 +12,6 @@ MixedTexts::MixedTexts(CXmlWriter& writer, std::string_view text, std::vector<st
   writer.WriteString({}, ItemType_string);  // makes the element the open one of writers that start it late
   m_element = XmlWriterAccess::OpenElement(writer);
   if (m_element == nullptr) return;
-  PreserveSpace(writer);
   XmlWriterAccess::SetMixed(*m_element, true);
   XmlWriterAccess::Texts(writer) = this;
 }

@@ -9,7 +9,7 @@
 namespace Quillon9 {
 
 /// Writes the text of the open element between its children while something else writes the children. The writer asks
-/// for the text in front of each child. No layout is added inside the element.
+/// for the text in front of each child.
 class MixedTexts {
  public:
   /// The attributes of the open element are complete, and its content begins. \p places has the size of the text in
