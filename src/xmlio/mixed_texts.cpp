@@ -1,5 +1,6 @@
 #include "xmlio/mixed_texts.h"
 
+#include <algorithm>
 #include <string>
 
 #include "quillon9/xmlio/text_writer.h"
@@ -28,6 +29,7 @@ void MixedTexts::BeforeChild() {
 }
 
 void MixedTexts::WriteUpTo(std::size_t place) {
+  place = std::min(place, m_text.size());
   if (place <= m_written) return;
   std::string const run(m_text.substr(m_written, place - m_written));
   m_written = place;

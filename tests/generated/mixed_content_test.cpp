@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <random>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -232,6 +234,30 @@ TEST(BoundMixedContent, ComesBackOnEveryRoad) {
       ASSERT_EQ(Shown(part), Shown(Fill(*built, part)));
     }
   }
+}
+
+TEST(BoundMixedContent, IsWalkedAndBuilt) {
+  std::ostringstream out;
+  // [mixed]
+  auto const article =
+      Article::ReadArticle(XmlText("<article><p>Press <em>Start</em>, then <code>F1</code>.</p></article>"));
+  Article::CPara& para = *article->GetChoice()[0].GetP();
+  for (CBoundItem const& item : para.Content()) {
+    if (item.IsText()) {
+      out << item.GetText();
+    } else if (auto const* const emphasis = item.As<Article::CPara>()) {
+      out << '*' << emphasis->GetText() << '*';
+    } else {
+      out << item.GetName() << ' ' << item.GetValue();
+    }
+  }
+  para.AppendText(" Or press ");
+  para.GetChoice().Add().SetCode("F2");
+  para.AppendText(".");
+  // [mixed]
+  EXPECT_EQ("Press *Start*, then code F1.", out.str());
+  EXPECT_EQ("<article>\n\t<p>Press <em>Start</em>, then <code>F1</code>. Or press <code>F2</code>.</p>\n</article>\n",
+            article->ToXml(false));
 }
 
 TEST(BoundMixedContent, ProgramsBuildAndChangeIt) {
