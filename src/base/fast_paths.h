@@ -59,7 +59,6 @@ inline constexpr FastPath kBlockCache{"block_cache"};
 inline constexpr FastPath kElementAtOnce{"element_at_once"};
 inline constexpr FastPath kFacetFilter{"facet_filter"};
 inline constexpr FastPath kFollowers{"followers"};
-inline constexpr FastPath kHeldLineFeed{"held_line_feed"};
 inline constexpr FastPath kInfosetNames{"infoset_names"};
 inline constexpr FastPath kKnownMember{"known_member"};
 inline constexpr FastPath kKnownNames{"known_names"};

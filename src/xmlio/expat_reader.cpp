@@ -60,7 +60,6 @@ void CExpatReader::CreateParser() {
 
 void CExpatReader::Parse(bool isFinal) {
   XML_Status const status = Input().FeedTo(m_parser.get(), isFinal);
-  Guarded(this, [](CExpatReader& reader) { reader.AppendHeldLineFeed(); });  // the parser may have stopped
   if (m_failure != nullptr) std::rethrow_exception(std::exchange(m_failure, nullptr));
   if (status != XML_STATUS_OK) ThrowParserFailure(m_parser.get());
   if (isFinal) m_parser.reset();
@@ -85,7 +84,7 @@ void CExpatReader::FnStartElement(void* self, XML_Char const* name, XML_Char con
 }
 
 void CExpatReader::FnEndElement(void* self, XML_Char const*) {
-  Guarded(self, [](CExpatReader& reader) { reader.EndElement(); });
+  Guarded(self, [](CExpatReader& reader) { XmlNodeAccess::EndElement(reader.m_document); });
 }
 
 void CExpatReader::FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri) {
@@ -100,27 +99,12 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
   Guarded(self, [=](CExpatReader& reader) {
     reader.m_document.CountContent(static_cast<std::size_t>(length));
-    reader.AppendText({text, static_cast<std::size_t>(length)});
+    CXmlElement& element = *reader.m_document.GetOpenElement();
+    // expat reports each line feed separately, and layout has many.
+    if (length == 1 && *text == '\n' && XmlNodeAccess::AppendLineFeed(element)) return;
+    // The carriage returns come from character references; expat has removed the others.
+    AppendConverted(element, reader.m_toLocal, {text, static_cast<std::size_t>(length)});
   });
-}
-
-void CExpatReader::AppendText(std::string_view text) {
-  if (m_hasLineFeed) return AppendAfterLineFeed(text);
-  if (kHeldLineFeed.IsOn() && text.size() == 1 && text.front() == '\n') {
-    m_hasLineFeed = true;
-    return;
-  }
-  // The carriage returns come from character references; expat has removed the others.
-  AppendConverted(*m_document.GetOpenElement(), m_toLocal, text);
-}
-
-void CExpatReader::AppendAfterLineFeed(std::string_view text) {
-  m_hasLineFeed = false;
-  char both[64] = {'\n'};
-  bool const fits = text.size() < sizeof both;
-  if (fits) std::copy(text.begin(), text.end(), both + 1);
-  AppendConverted(*m_document.GetOpenElement(), m_toLocal, {both, fits ? text.size() + 1 : 1});
-  if (!fits) AppendConverted(*m_document.GetOpenElement(), m_toLocal, text);
 }
 
 void CExpatReader::FnStartCDATA(void* self) {
@@ -131,13 +115,7 @@ void CExpatReader::FnEndCDATA(void* self) {
   Guarded(self, [](CExpatReader& reader) { reader.AppendMark("]]>"); });
 }
 
-void CExpatReader::EndElement() {
-  AppendHeldLineFeed();
-  XmlNodeAccess::EndElement(m_document);
-}
-
 void CExpatReader::AppendMark(std::string_view mark) {
-  AppendHeldLineFeed();
   m_document.CountContent(mark.size());
   XmlNodeAccess::AppendText(*m_document.GetOpenElement(), mark);
 }
@@ -183,7 +161,6 @@ CXmlName const* CExpatReader::SharedName(XML_Char const* whole) {
 }
 
 void CExpatReader::StartElement(XML_Char const* name, XML_Char const** attributes) {
-  AppendHeldLineFeed();
   CXmlElement* const element = m_document.GetDocumentElement() == nullptr ? m_document.AddDocElement(NameOf(name))
                                                                           : m_document.AddChildElement(NameOf(name));
   if (*attributes != nullptr) AddAttributes(element, attributes);

@@ -62,13 +62,7 @@ class CExpatReader {
   [[gnu::noinline]] CXmlName const* NewName(XML_Char const* whole);
   CXmlName const* SharedName(XML_Char const* whole);
   void StartElement(XML_Char const* name, XML_Char const** attributes);
-  void EndElement();
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
-  void AppendText(std::string_view text);
-  void AppendAfterLineFeed(std::string_view text);
-  void AppendHeldLineFeed() {
-    if (m_hasLineFeed) AppendAfterLineFeed({});
-  }
   void AppendMark(std::string_view mark);
   void CountDeclaredAttribute(XML_Char const* element);
 
@@ -77,8 +71,6 @@ class CExpatReader {
   CNameCache m_names;
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
-  // A line feed that is not in the tree yet. expat reports it separately, and indentation usually follows.
-  bool m_hasLineFeed = false;
   std::map<std::string, std::uint32_t> m_declaredAttributes;  // their number, by element name
 };
 

@@ -51,6 +51,7 @@ struct XmlNodeAccess {
   static void AppendText(CXmlElement& element, std::string_view text) {
     NodeText::Append(element.m_text, text, MemoryOf(element));
   }
+  static bool AppendLineFeed(CXmlElement& element) { return NodeText::AppendLineFeed(element.m_text); }
   static bool AppendPlainText(CXmlElement& element, std::string_view text) {
     return NodeText::AppendPlain(element.m_text, text, MemoryOf(element));
   }

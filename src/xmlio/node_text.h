@@ -46,6 +46,17 @@ inline bool AppendPlain(std::uintptr_t& place, std::string_view text, CTreeMemor
 CChildPlaces* FindPlaces(std::uintptr_t place);
 /// Keep where children stand in the text, which takes the form of a string. Replaces what was kept before.
 void KeepPlaces(std::uintptr_t& place, CTreeMemory* memory, CChildPlaces places);
+/// Append a line feed in place. Return false, with nothing changed, if that has to become a string or be moved.
+inline bool AppendLineFeed(std::uintptr_t place) {
+  if (place == 0 || (place & kIsString) != 0) return false;
+  auto* const bytes = reinterpret_cast<char*>(place);
+  auto const size = static_cast<unsigned char>(bytes[-2]);
+  if (size >= static_cast<unsigned char>(bytes[-1])) return false;
+  bytes[size] = '\n';
+  bytes[size + 1] = '\0';
+  bytes[-2] = static_cast<char>(size + 1);
+  return true;
+}
 /// Release all memory; the text is empty afterwards. Without this call, the bytes go with the tree's memory, and those
 /// of a standalone node leak.
 void Free(std::uintptr_t& place, CTreeMemory* memory) noexcept;
