@@ -114,8 +114,9 @@ struct XmlNodeAccess {
     }
   }
   static void CloseElement(CXmlDocument& document) {
-    document.OpenElementOrThrow();
-    if (document.m_elementStack.back().hadChildren) document.SettlePlaces();
+    CXmlElement const& element = *document.OpenElementOrThrow();
+    auto const& open = document.m_elementStack.back();
+    if (open.hadChildren && (open.placed != 0 || HasText(element))) document.SettlePlaces();
     document.m_elementStack.pop_back();
   }
   ///@}
