@@ -64,9 +64,15 @@ void Mixed() {
   CXmlDocument document;
   document.LoadXml("<p>The <b>sea</b> is\n  <b>wide</b>.<!-- and deep --></p>");
   CXmlElement const& paragraph = *document.GetDocumentElement();
-  std::cout << '[' << paragraph.GetText() << "]\n"
-            << '[' << CWhitespaceUtils::Collapse(paragraph.GetText()) << "]\n"
-            << '[' << paragraph.Children("b").First()->GetText() << "]\n";
+  std::cout << '[' << paragraph.GetText() << "]\n" << '[' << CWhitespaceUtils::Collapse(paragraph.GetText()) << "]\n";
+  for (auto const& item : paragraph.Content()) {
+    if (item.IsText()) {
+      std::cout << '[' << item.GetText() << ']';
+    } else {
+      std::cout << '<' << item.GetElement()->GetLocalName() << '>';
+    }
+  }
+  std::cout << '\n';
   // [mixed]
 }
 

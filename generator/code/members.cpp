@@ -149,6 +149,15 @@ std::string SetterBody(Member const& member, bool scalar) {
   return "Assign(" + std::to_string(member.property) + ", " + member.field + ", " + value + ");";
 }
 
+/// The text of mixed content, which stands among the elements.
+void DeclareMixedText(Text& text, Member const& member) {
+  std::string const& name = member.cppName;
+  text.Comment("All text of the element in one piece. Content() has it between the elements.");
+  text.Function("std::string const& Get" + name + "() const", "return " + member.field + ";");
+  text.Function("void Set" + name + "(std::string value)", "ReplaceMixed(" + member.field + ", std::move(value));");
+  text.Function("void Append" + name + "(std::string_view text)", "AppendMixed(" + member.field + ", text);");
+}
+
 void DeclareValue(Text& text, Member const& member, Scope const& scope) {
   std::string const type = TypeOf(member.value, scope);
   bool const scalar = IsScalar(member.value);
@@ -199,6 +208,7 @@ std::string ValueElementType(Plan::ValueType const& value, Scope const& scope) {
 }
 
 void DeclareAccessors(Text& text, Member const& member, Scope const& scope) {
+  if (member.place == Member::Place::Text && scope.cls->mixed) return DeclareMixedText(text, member);
   text.Comment(Comment(member));
   if (member.kind == Kind::Value) return DeclareValue(text, member, scope);
   std::string const type = HeldClass(member, scope);

@@ -254,11 +254,6 @@ void ClassBuilder::FillContent(Class& cls, ComplexType const& type) {
 void ClassBuilder::AddText(Class& cls, ComplexType const& type) {
   bool const isMixed = type.content == ComplexType::Content::Mixed;
   cls.mixed = isMixed;
-  if (isMixed && !cls.members.empty()) {
-    m_diagnostics.Warning(type.place,
-                          (type.IsAnonymous() ? "mixed content" : "the mixed content of " + Quoted(type.name.local)) +
-                              std::string(" is read as one text; where it stands among the elements is not kept"));
-  }
   if ((!isMixed && type.content != ComplexType::Content::Simple) || WithMember(cls.base, Member::Place::Text)) return;
   Member text;
   text.place = Member::Place::Text;

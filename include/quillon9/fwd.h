@@ -83,6 +83,8 @@ class CObjectCol;
 template <class T>
 class CValueElement;
 template <class Node>
+class CContentItem;
+template <class Node>
 class CXmlNodeIterator;
 template <class Node>
 class CXmlNodeRange;

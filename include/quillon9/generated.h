@@ -4,6 +4,7 @@
 
 #include "quillon9/binding/typed_collections.h"
 #include "quillon9/generated/any_element_col.h"
+#include "quillon9/generated/bound_content.h"
 #include "quillon9/generated/bound_object.h"
 #include "quillon9/generated/class_tables.h"
 #include "quillon9/generated/enum_col.h"

@@ -47,7 +47,7 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   if (nillable != nullptr && nillable->IsNil()) {
     writer->WriteAttributeNil();
   } else {
-    WriteContent(writer, ctx, inChoice);
+    ContentToXml_Int(writer, ctx, inChoice);
   }
   if (hasTag) writer->WriteEndElement();
 }
@@ -82,7 +82,8 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
-void CXmlGeneratedClass::WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const {
+void CXmlGeneratedClass::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx,
+                                          bool inChoice) const {
   CParentElementInfo const& info = *GetClassInfo();
   switch (info.m_groupType) {
     case XmlElementGroupType_Sequence: ProcessElementSeqToXml(ctx, GetClassElementInfo(), writer); break;

@@ -15,6 +15,7 @@
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "xmlio/checking_writer.h"
+#include "xmlio/mixed_texts.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -54,7 +55,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);
   document.LoadXmlStream(text.GetData(), text.GetLength());
-  CopyXmlElement(document.GetDocumentElement());
+  CopyWhole(document.GetDocumentElement(), true);
 }
 
 CElement::~CElement() {
@@ -108,18 +109,24 @@ CSmartPtr<CElement> CElement::FindElement(char const* name, char const* ns) cons
   return elements != nullptr ? elements->Find(name, ns) : nullptr;
 }
 
-void CElement::CopyXmlElement(CXmlElement const* element) {
-  if (element == nullptr) throw CQnInvalidParamException("The element to copy from may not be NULL");
-  ObjectContent const content(*element);
-  CopyFrom(*element);
+void CElement::CopyXmlElement(CXmlElement const* element) { CopyWhole(element, false); }
+
+void CElement::CopyXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
+  CopyWhole(element, ctx.GetKeepMixedContent());
 }
 
-void CElement::CopyFrom(CXmlElement const& element) {
+void CElement::CopyWhole(CXmlElement const* element, bool keepsMixed) {
+  if (element == nullptr) throw CQnInvalidParamException("The element to copy from may not be NULL");
+  ObjectContent const content(*element);
+  CopyFrom(*element, keepsMixed);
+}
+
+void CElement::CopyFrom(CXmlElement const& element, bool keepsMixed) {
   NestingGuard const guard = Descend();
   GenericSize::CountElement(element);
   m_name = element.GetLocalName();
   ChangeNamespace(element.GetNamespaceURI());
-  m_text = element.GetTextView();
+  SetText(std::string(element.GetTextView()));
   if (CAttributeCol* const attributes = m_attributes.Get()) attributes->Clear();
   if (CElementCol* const elements = m_elements.Get()) elements->Clear();
   for (auto const* attribute = element.GetFirstAttribute(); attribute != nullptr;
@@ -131,9 +138,10 @@ void CElement::CopyFrom(CXmlElement const& element) {
   }
   for (CXmlElement* child = element.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
     CSmartPtr<CElement> const copy(new CElement(child->GetLocalName().c_str()));
-    copy->CopyFrom(*child);
+    copy->CopyFrom(*child, keepsMixed);
     GetElements()->Add(copy.Get());
   }
+  if (keepsMixed) KeepPlaces(element);
 }
 
 CSmartPtr<CElement> CElement::Clone() const {
@@ -144,6 +152,7 @@ CSmartPtr<CElement> CElement::Clone() const {
   if (CAttributeCol const* const attributes = m_attributes.Get()) copy->m_attributes.Keep(attributes->Clone());
   if (CElementCol const* const elements = m_elements.Get()) copy->m_elements.Keep(elements->Clone());
   copy->m_text = m_text;
+  copy->m_isMixed = m_isMixed;
   return copy;
 }
 
@@ -210,7 +219,8 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
                        CQnValidationException(FormatString("Invalid Element [%s] found in element [%s]",
                                                            cursor->GetLocalName().c_str(), m_name.c_str()))));
   }
-  m_text = cursor->GetTextView();
+  SetText(std::string(cursor->GetTextView()));
+  if (ctx.GetKeepMixedContent()) KeepPlaces(*cursor);
   m_name = cursor->GetLocalName();
   ChangeNamespace(cursor->GetNamespaceURI());
   return cursor->GetNextSiblingElement();
@@ -232,17 +242,33 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
   WriteApart(*textWriter, inChoice);
 }
 
-// Writes the text after the children, wherever it was in the document.
+// Without places, writes the text after the children, wherever it was in the document.
+void CElement::WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
+                                    bool inChoice) const {
+  if (m_isMixed) {
+    PreserveSpace(*writer);
+    for (CContentItem<CElement> const& item : Content()) {
+      if (item.IsText()) {
+        writer->WriteString(std::string(item.GetText()), ItemType_string);
+      } else {
+        CXmlObjectBase::ToXml_Int(item.GetElement(), writer, false, ns, ctx, false);
+      }
+    }
+    return;
+  }
+  if (auto const* const elements = m_elements.Get()) {
+    CXmlObjectBase::ToXml_Int(elements, writer, false, ns, ctx, inChoice);
+  }
+  writer->WriteString(m_text, ItemType_string);
+}
+
 void CElement::WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const {
   writer->WriteStartElement(m_name, m_namespace);
   if (auto const* const attributes = m_attributes.Get()) {
     CXmlObjectBase::ToXml_Int(attributes, writer, false, ns, ctx, false);
   }
-  if (auto const* const elements = m_elements.Get()) {
-    CXmlObjectBase::ToXml_Int(elements, writer, false, ns, ctx, inChoice);
-  }
-  writer->WriteString(m_text, ItemType_string);
+  WriteChildrenAndText(writer, ns, ctx, inChoice);
   writer->WriteEndElement();
 }
 
@@ -264,10 +290,7 @@ void CElement::WriteApartTo(CXmlWriter& writer, bool inChoice) const {
   writer.WriteStartElement(m_name, m_namespace);
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
-  if (auto const* const elements = m_elements.Get()) {
-    CXmlObjectBase::ToXml_Int(elements, &writer, false, m_namespace.c_str(), context, inChoice);
-  }
-  writer.WriteString(m_text, ItemType_string);
+  WriteChildrenAndText(&writer, m_namespace.c_str(), context, inChoice);
   writer.WriteEndElement();
 }
 
@@ -286,7 +309,7 @@ CSmartPtr<CElementCol> CElementCol::Clone() const {
   CSmartPtr<CElementCol> copy(new CElementCol(m_namespace.c_str(), m_namespaceRestriction.c_str(),
                                               m_targetNamespace.c_str(), GetMinOccurs(), GetMaxOccurs()));
   copy->m_namespace = m_namespace;  // even if it is empty, and stays empty
-  for (CElement const& element : *this) copy->Add(element.Clone().Get());
+  for (CElement const& element : *this) copy->Add(element.Clone().Get())->m_place = element.m_place;
   return copy;
 }
 
@@ -294,6 +317,7 @@ CSmartPtr<CElement> CElementCol::Add(CElement* element) {
   CSmartPtr<CElement> held(element);
   if (!held) throw CQnInvalidParamException("The element to add may not be NULL");
   CXmlObjectHelper::TestNamespace(element->GetNamespace(), m_namespaceRestriction, m_targetNamespace);
+  element->m_place = CElement::kNoPlace;
   AppendItem(element);
   return held;
 }

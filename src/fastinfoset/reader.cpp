@@ -112,11 +112,11 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
   } else if (octet < kBehindCharacterChunks) {
     ReadCharacterChunk(element, octet);
   } else if (octet == fi::kTerminator) {
-    m_document.CloseElement();
+    XmlNodeAccess::CloseElement(m_document);
   } else if (octet == fi::kDoubleTerminator) {
-    m_document.CloseElement();
+    XmlNodeAccess::CloseElement(m_document);
     m_doubleTerminator = m_document.GetOpenElement() == nullptr;
-    if (!m_doubleTerminator) m_document.CloseElement();
+    if (!m_doubleTerminator) XmlNodeAccess::CloseElement(m_document);
   } else if (octet == fi::kProcessingInstruction) {
     ProcessingInstruction();
   } else if (octet == fi::kComment) {
@@ -169,7 +169,7 @@ void CFastInfosetReader::Attributes(CXmlElement* element) {
   std::uint32_t octet = m_source.Octet();
   for (; octet < fi::kCharacterChunk; octet = m_source.Octet()) AtrributeBit2(element, octet);
   if (octet == fi::kDoubleTerminator) {
-    m_document.CloseElement();  // it ends the attributes and the element, not the parent
+    XmlNodeAccess::CloseElement(m_document);  // it ends the attributes and the element, not the parent
   } else if (octet != fi::kTerminator) {
     ThrowInvalidElement();
   }

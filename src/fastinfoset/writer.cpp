@@ -137,9 +137,18 @@ inline void CFastInfosetWriter::CloseTag() {
   if (m_context->m_attributesWritten) m_output->Octet(fi::kTerminator);
 }
 
+inline void CFastInfosetWriter::EndChild() {
+  if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
+}
+
+inline void CFastInfosetWriter::BeginChild() {
+  if (m_context != nullptr && XmlWriterAccess::IsMixed(*m_context)) WriteTextBeforeChild();
+  EndChild();
+}
+
 void CFastInfosetWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
   WriteElement(false);
-  if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
+  BeginChild();
   if (m_context != nullptr) {
     ++m_context->m_childCount;
     CloseTag();
@@ -204,6 +213,7 @@ void CFastInfosetWriter::WriteString(std::string const& value, ItemType type) {
   WriteElement(false);
   if (m_context != nullptr) {
     CloseTag();
+    if (!text.empty()) EndChild();  // the text is not part of the child in front of it
   } else if (!text.empty()) {
     ThrowFastInfosetWriteFailure("There is no open element for the text.");
   }
@@ -236,7 +246,7 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
     kKnownNames.Verify(
         [&] { return index == IndexOf(m_vocabulary.GetElementNameIndex(), *m_context, namespaceUri, localName); });
   }
-  if (std::exchange(m_terminatorPending, false)) m_output->Octet(fi::kTerminator);
+  BeginChild();
   ++m_context->m_childCount;
   CloseTag();
   XmlWriterAccess::RequireRoomForChild(*m_context);

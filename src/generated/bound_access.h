@@ -1,13 +1,23 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
 #include "quillon9/binding/collection.h"
 #include "quillon9/generated/bound_object.h"
+#include "quillon9/generated/object_col.h"
 
 namespace Quillon9 {
+
+/// What an object keeps about the order of the document it was read from.
+struct BoundOrder {
+  std::vector<int> members;  ///< of an all group, by their places in the group; empty for the order of the schema
+  /// For each element of mixed content, the size of the text in front of it.
+  std::optional<std::vector<std::size_t>> places;
+};
 
 /// What the descriptors of generated classes do with their objects.
 struct BoundAccess {
@@ -29,12 +39,26 @@ struct BoundAccess {
   /// The places of the members of an all group in the order in which they were read; null where that is their own.
   ///@{
   static std::vector<int> const* Order(CXmlGeneratedClass const* holder) {
-    return static_cast<CBoundObject const*>(holder)->m_order.get();
+    BoundOrder const* const order = static_cast<CBoundObject const*>(holder)->m_order.get();
+    return order != nullptr && !order->members.empty() ? &order->members : nullptr;
   }
   static void SetOrder(CXmlGeneratedClass* holder, std::vector<int> order) {
-    static_cast<CBoundObject*>(holder)->m_order = std::make_unique<std::vector<int>>(std::move(order));
+    OrderToChange(*static_cast<CBoundObject*>(holder)).members = std::move(order);
   }
   ///@}
+  /// For each element of mixed content, the size of the text in front of it; null if this is not kept.
+  ///@{
+  static std::vector<std::size_t> const* Places(CBoundObject const& holder) {
+    BoundOrder const* const order = holder.m_order.get();
+    return order != nullptr && order->places ? &*order->places : nullptr;
+  }
+  static void SetPlaces(CBoundObject& holder, std::optional<std::vector<std::size_t>> places) {
+    if (places || holder.m_order != nullptr) OrderToChange(holder).places = std::move(places);
+  }
+  ///@}
+  static BuiltClass const& Built(CBoundObject const& holder) { return holder.m_tables->Built(); }
+  /// The first item of a collection of objects.
+  static CNode const* FirstNode(CObjectCollection const& collection) { return collection.GetFirstNode(); }
   /// \throws CQnValidationException for \p cursor, a child of \p parent that is left over.
   static void RejectLeftOver(CXmlGeneratedClass const& holder, CXmlSerializationContext const& ctx,
                              CXmlElement const* parent, CXmlElement const* cursor) {
@@ -47,6 +71,12 @@ struct BoundAccess {
     static_cast<CBoundObject&>(object).m_elementNamespace = ns;
   }
   ///@}
+
+ private:
+  static BoundOrder& OrderToChange(CBoundObject& holder) {
+    if (holder.m_order == nullptr) holder.m_order = std::make_unique<BoundOrder>();
+    return *holder.m_order;
+  }
 };
 
 }  // namespace Quillon9

@@ -9,7 +9,7 @@
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
 #include "generated/element_group.h"
-#include "generated/generic_reading.h"
+#include "generated/mixed_content.h"
 #include "generated/namespace_rule.h"
 #include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
@@ -109,7 +109,7 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
   CXmlElement* const next = CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
   BuiltClass const& built = m_tables->Built();
-  if (built.IsMixed() && HasOnlyLayout(*parent)) Property(built.TextProperty()).Clear();
+  if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
   if (ctx.GetChecksFacetsOnReading() && built.TextRule() != nullptr) CheckTextFacets(*parent, ctx);
   return next;
 }

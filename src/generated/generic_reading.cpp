@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "descriptors/mixed_access.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -14,15 +15,19 @@ bool HasOnlyLayout(CXmlElement const& element) {
 
 namespace {
 
-/// \p copy has been read from \p source, so it has the same children. Uses a list instead of the stack, since a document
+/// Drop the layout, and keep where other text stands. \p copy has been read from \p source, so it has the same children. Uses a list instead of the stack, since a document
 /// may nest deeply.
-void DropLayout(CXmlElement const& source, CElement& copy) {
+void SettleText(CXmlElement const& source, CElement& copy) {
   std::vector<std::pair<CXmlElement const*, CElement*>> open = {{&source, &copy}};
   while (!open.empty()) {
     auto const [from, to] = open.back();
     open.pop_back();
     if (from->GetFirstElement() == nullptr) continue;
-    if (HasOnlyLayout(*from)) to->SetText("");
+    if (HasOnlyLayout(*from)) {
+      to->SetText("");
+    } else {
+      MixedAccess::KeepPlaces(*to, *from);
+    }
     CXmlElement const* child = from->GetFirstElement();
     for (CElement& made : *to->GetElements()) {
       open.emplace_back(child, &made);
@@ -37,14 +42,14 @@ CSmartPtr<CElement> TakeGeneric(CXmlElement* parent, CXmlElement** cursor, CXmlS
   CSmartPtr<CElement> element = new CElement("");
   CXmlElement const& source = **cursor;
   *cursor = CXmlObjectBase::FromXml_Int(element.Get(), parent, *cursor, ctx);
-  DropLayout(source, *element);
+  SettleText(source, *element);
   return element;
 }
 
 CSmartPtr<CElement> CopyGeneric(CXmlElement const& root) {
   CSmartPtr<CElement> element = new CElement("");
   element->CopyXmlElement(&root);
-  DropLayout(root, *element);
+  SettleText(root, *element);
   return element;
 }
 

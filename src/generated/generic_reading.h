@@ -13,7 +13,7 @@ namespace Quillon9 {
 bool HasOnlyLayout(CXmlElement const& element);
 
 /// Read the element under \p cursor, a child of \p parent, into a new generic one, without the white space that belongs
-/// to the layout, and move the cursor.
+/// to the layout, and move the cursor. Mixed content keeps where its text stands.
 CSmartPtr<CElement> TakeGeneric(CXmlElement* parent, CXmlElement** cursor, CXmlSerializationContext const& ctx);
 /// The same for the document element.
 CSmartPtr<CElement> CopyGeneric(CXmlElement const& root);

@@ -8,6 +8,16 @@
 #include "xmlio/checking_writer.h"
 #include "xmlio/writer_access.h"
 
+namespace Quillon9 {
+
+// Null for a member that is not a text, or is an optional one.
+std::string const* CPropertyRef::LookText() const {
+  bool const isText = m_kind == &detail::ValueKind<std::string, ItemType_string>::kPlain;
+  return isText ? static_cast<std::string const*>(m_member) : nullptr;
+}
+
+}  // namespace Quillon9
+
 namespace Quillon9::detail {
 
 namespace {

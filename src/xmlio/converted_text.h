@@ -13,10 +13,10 @@ namespace Quillon9 {
 inline void AppendConverted(CXmlElement& target, CUtf8ToLocal const& toLocal, std::string_view utf8) {
   // Most text is plain ASCII, which is detected while it is copied.
   if (toLocal.KeepsAscii() && XmlNodeAccess::AppendPlainText(target, utf8)) return;
-  if (toLocal.IsSameExcludingCR(utf8)) return target.AppendText(utf8);
+  if (toLocal.IsSameExcludingCR(utf8)) return XmlNodeAccess::AppendText(target, utf8);
   std::string local;
   toLocal.AppendExcludingCR(local, utf8);
-  target.AppendText(local);
+  XmlNodeAccess::AppendText(target, local);
 }
 
 }  // namespace Quillon9

@@ -18,6 +18,9 @@ namespace Quillon9 {
 
 namespace {
 
+/// The charge for an element with mixed content besides the places of its children.
+constexpr std::size_t kMixedCharge = 128;
+
 std::size_t ChargeOf(CXmlName const& name) { return static_cast<TreeName const&>(name).charge; }
 
 }  // namespace
@@ -43,6 +46,8 @@ void CXmlDocument::Cleanup() {
   m_contentSize = 0;
   m_contentLimit = kNoLimit;
   m_elementStack.clear();
+  m_previous.clear();
+  m_places.clear();
   m_namespaceAliases.clear();
 }
 
@@ -65,7 +70,8 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   CountContent(ChargeOf(*name));
   m_elementStack.reserve(1);
   m_documentElement = XmlNodeAccess::NewElement(*name, Memory());
-  return PushOpen(m_documentElement, nullptr);
+  if (m_filter != nullptr) m_previous.push_back(nullptr);
+  return PushOpen(m_documentElement);
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
@@ -80,23 +86,60 @@ CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
   CountContent(ChargeOf(*name));
-  CXmlElement* const before = XmlNodeAccess::LastChild(*parent);
-  return PushOpen(XmlNodeAccess::AddChild(*parent, *name), before);
+  m_elementStack.back().hadChildren = true;
+  if (XmlNodeAccess::HasText(*parent)) NotePlace(*parent);
+  if (m_filter != nullptr) m_previous.push_back(XmlNodeAccess::LastChild(*parent));
+  return PushOpen(XmlNodeAccess::AddChild(*parent, *name));
 }
 
-CXmlElement* CXmlDocument::PushOpen(CXmlElement* element, CXmlElement* before) {
-  m_elementStack.push_back({element, before});
+CXmlElement* CXmlDocument::PushOpen(CXmlElement* element) {
+  m_elementStack.push_back({element, 0, false});
   return element;
 }
 
+void CXmlDocument::NotePlace(CXmlElement const& parent) {
+  m_places.push_back(XmlNodeAccess::TextOf(parent).size());
+  ++m_elementStack.back().placed;
+}
+
+void CXmlDocument::EndElement() { XmlNodeAccess::EndElement(*this); }
+
+void CXmlDocument::CloseElement() { XmlNodeAccess::CloseElement(*this); }
+
 void CXmlDocument::EndFilteredElement() {
   CXmlElement* const element = OpenElementOrThrow();
-  CXmlElement* const before = m_elementStack.back().before;
-  m_elementStack.pop_back();
-  if (!AskFilter(element) || m_elementStack.empty()) return;
+  CXmlElement* const previous = m_previous.back();
+  m_previous.pop_back();
+  CloseElement();
+  bool const isDropped = AskFilter(element);
+  if (m_elementStack.empty()) return;
   CXmlElement* const parent = m_elementStack.back().element;
-  if (XmlNodeAccess::LastChild(*parent) != element) return;  // the filter has detached it
-  XmlNodeAccess::Dispose(XmlNodeAccess::RemoveLastChild(*parent, before));
+  bool const isDetached = XmlNodeAccess::LastChild(*parent) != element;  // by the filter
+  if (isDropped || isDetached) DropPlaceOfLastChild();
+  if (isDropped && !isDetached) XmlNodeAccess::Dispose(XmlNodeAccess::RemoveLastChild(*parent, previous));
+}
+
+void CXmlDocument::DropPlaceOfLastChild() {
+  if (m_elementStack.back().placed == 0) return;
+  --m_elementStack.back().placed;
+  m_places.pop_back();
+}
+
+// The innermost open element is complete. Most have only white space beside their children, and nothing is kept then.
+void CXmlDocument::SettlePlaces() {
+  OpenElement& open = m_elementStack.back();
+  auto const first = m_places.end() - std::ptrdiff_t{open.placed};
+  if (open.element->IsMixed()) {
+    std::size_t const children = XmlNodeAccess::CountChildren(*open.element);
+    CChildPlaces const* const known = XmlNodeAccess::PlacesOf(*open.element);
+    bool const isBuiltElsewhere = open.placed > children || (known != nullptr && known->others.size() > open.placed);
+    if (!isBuiltElsewhere) {
+      CountContent(kMixedCharge + std::size_t{open.placed} * sizeof(std::size_t));
+      XmlNodeAccess::KeepPlaces(*open.element, {children - open.placed, {first, m_places.end()}});
+    }
+  }
+  m_places.resize(m_places.size() - open.placed);
+  open.placed = 0;
 }
 
 bool CXmlDocument::AskFilter(CXmlElement* element) {
@@ -148,7 +191,12 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text,
     auto const left = static_cast<std::size_t>(end - text);
     auto const* const found = static_cast<char const*>(std::memchr(text, '\r', left));
     char const* const runEnd = found != nullptr ? found : end;
-    if (runEnd != text) element->AppendText({text, static_cast<std::size_t>(runEnd - text)});
+    std::string_view const run(text, static_cast<std::size_t>(runEnd - text));
+    if (element == GetOpenElement()) {
+      XmlNodeAccess::AppendText(*element, run);
+    } else if (!run.empty()) {
+      element->AppendText(run);
+    }
     text = found != nullptr ? found + 1 : end;
   }
 }

@@ -1,8 +1,11 @@
 #include "quillon9/xmlio/element.h"
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <utility>
 
+#include "text/blank_text.h"
 #include "xmlio/node_access.h"
 #include "xmlio/node_text.h"
 #include "xmlio/tree_memory.h"
@@ -135,9 +138,67 @@ void CXmlElement::AppendText(char const* text, int length) {
   if (length > 0) AppendText(std::string_view(text, static_cast<std::size_t>(length)));
 }
 
-void CXmlElement::AppendText(std::string_view text) { NodeText::Append(m_text, text, XmlNodeAccess::MemoryOf(*this)); }
+void CXmlElement::AppendText(std::string_view text) {
+  if (m_lastChild != nullptr && !text.empty()) XmlNodeAccess::MakePlaces(*this);
+  XmlNodeAccess::AppendText(*this, text);
+}
 
-bool CXmlElement::AppendPlainText(std::string_view text) { return XmlNodeAccess::AppendPlainText(*this, text); }
+bool CXmlElement::AppendPlainText(std::string_view text) {
+  bool const isAppended = XmlNodeAccess::AppendPlainText(*this, text);
+  if (isAppended && m_lastChild != nullptr) XmlNodeAccess::MakePlaces(*this);
+  return isAppended;
+}
+
+CChildPlaces& XmlNodeAccess::MakePlaces(CXmlElement& element) {
+  if (PlacesOf(element) == nullptr) KeepPlaces(element, {CountChildren(element), {}});
+  return *PlacesOf(element);
+}
+
+std::size_t XmlNodeAccess::CountChildren(CXmlElement const& element) {
+  auto const children = element.Children();
+  return static_cast<std::size_t>(std::distance(children.begin(), children.end()));
+}
+
+// ---- Its content
+
+bool CXmlElement::IsMixed() const { return m_lastChild != nullptr && !IsBlankText(GetTextView()); }
+
+namespace {
+
+/// The size of the text in front of the child with this \p index.
+std::size_t PlaceOf(std::size_t index, CChildPlaces const* places) {
+  if (places == nullptr || index < places->leading) return 0;
+  std::size_t const other = index - places->leading;
+  return other < places->others.size() ? places->others[other] : std::string_view::npos;
+}
+
+template <class Element>
+CContentList<Element> ContentOf(Element& element) {
+  CContentList<Element> content;
+  bool const isLayout = element.GetFirstElement() != nullptr && !element.IsMixed();
+  std::string_view rest = isLayout ? std::string_view() : element.GetTextView();
+  std::size_t passed = 0;
+  auto const addText = [&](std::size_t end) {
+    std::string_view const run = rest.substr(0, end - std::min(passed, end));
+    if (!run.empty()) content.emplace_back(run);
+    rest.remove_prefix(run.size());
+    passed += run.size();
+  };
+  CChildPlaces const* const places = XmlNodeAccess::PlacesOf(element);
+  std::size_t index = 0;
+  for (Element& child : element.Children()) {
+    addText(PlaceOf(index++, places));
+    content.emplace_back(child);
+  }
+  addText(std::string_view::npos);
+  return content;
+}
+
+}  // namespace
+
+CContentList<CXmlElement> CXmlElement::Content() { return ContentOf(*this); }
+
+CContentList<CXmlElement const> CXmlElement::Content() const { return ContentOf(*this); }
 
 // ---- Its attributes
 
@@ -205,6 +266,9 @@ void XmlNodeAccess::LinkAttribute(CXmlElement& element, CXmlAttribute* attribute
 // ---- Its children
 
 CXmlElement* CXmlElement::CreateNewChildElement() {
+  if (m_text != 0) {
+    XmlNodeAccess::MakePlaces(*this).others.push_back(GetTextView().size());
+  }
   CTreeMemory const* const memory = XmlNodeAccess::MemoryOf(*this);
   if (memory != nullptr) return XmlNodeAccess::AddChild(*this, *memory->NoName());
   return XmlNodeAccess::AddChild(*this, new CXmlElement(GetDocument()));
@@ -220,6 +284,13 @@ CXmlElement* CXmlElement::RemoveLastChildElement() {
 }
 
 CXmlElement* XmlNodeAccess::RemoveLastChild(CXmlElement& parent, CXmlElement* before) noexcept {
+  if (CChildPlaces* const places = PlacesOf(parent)) {
+    if (!places->others.empty()) {
+      places->others.pop_back();
+    } else if (places->leading > 0) {
+      --places->leading;
+    }
+  }
   CXmlElement* const removed = std::exchange(parent.m_lastChild, before);
   if (before != nullptr) before->m_next = removed->m_next;
   removed->m_next = CXmlElement::kIsLast;

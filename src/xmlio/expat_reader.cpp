@@ -84,7 +84,7 @@ void CExpatReader::FnStartElement(void* self, XML_Char const* name, XML_Char con
 }
 
 void CExpatReader::FnEndElement(void* self, XML_Char const*) {
-  Guarded(self, [](CExpatReader& reader) { reader.m_document.EndElement(); });
+  Guarded(self, [](CExpatReader& reader) { XmlNodeAccess::EndElement(reader.m_document); });
 }
 
 void CExpatReader::FnStartNamespace(void* self, XML_Char const* prefix, XML_Char const* uri) {
@@ -99,8 +99,11 @@ void CExpatReader::FnText(void* self, XML_Char const* text, int length) {
   if (length <= 0) return;
   Guarded(self, [=](CExpatReader& reader) {
     reader.m_document.CountContent(static_cast<std::size_t>(length));
+    CXmlElement& element = *reader.m_document.GetOpenElement();
+    // expat reports each line feed separately, and layout has many.
+    if (length == 1 && *text == '\n' && XmlNodeAccess::AppendLineFeed(element)) return;
     // The carriage returns come from character references; expat has removed the others.
-    AppendConverted(*reader.m_document.GetOpenElement(), reader.m_toLocal, {text, static_cast<std::size_t>(length)});
+    AppendConverted(element, reader.m_toLocal, {text, static_cast<std::size_t>(length)});
   });
 }
 
@@ -114,7 +117,7 @@ void CExpatReader::FnEndCDATA(void* self) {
 
 void CExpatReader::AppendMark(std::string_view mark) {
   m_document.CountContent(mark.size());
-  m_document.GetOpenElement()->AppendText(mark);
+  XmlNodeAccess::AppendText(*m_document.GetOpenElement(), mark);
 }
 
 void CExpatReader::FnStartDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
+#include <utility>
 
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
@@ -31,6 +32,10 @@ struct XmlNodeAccess {
   static std::string_view TextOf(CXmlAttribute const& attribute) { return NodeText::GetView(attribute.m_value); }
   ///@}
   static CXmlElement* LastChild(CXmlElement const& element) { return element.m_lastChild; }
+  static std::size_t CountChildren(CXmlElement const& element);
+  static bool HasText(CXmlElement const& element) { return element.m_text != 0; }
+  /// Where the children stand in the text; null if this is not kept.
+  static CChildPlaces* PlacesOf(CXmlElement const& element) { return NodeText::FindPlaces(element.m_text); }
   static CXmlAttribute* LastAttribute(CXmlElement const& element);
   static CXmlAttribute* FirstAttribute(CXmlElement const& element);
   /// @}
@@ -41,9 +46,16 @@ struct XmlNodeAccess {
   static CXmlElement* NewElement(CXmlName const& name, CTreeMemory& memory) {
     return ::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name);
   }
+  /// Append to the text, as a reader does: it keeps itself where the children stand.
+  ///@{
+  static void AppendText(CXmlElement& element, std::string_view text) {
+    NodeText::Append(element.m_text, text, MemoryOf(element));
+  }
+  static bool AppendLineFeed(CXmlElement& element) { return NodeText::AppendLineFeed(element.m_text); }
   static bool AppendPlainText(CXmlElement& element, std::string_view text) {
     return NodeText::AppendPlain(element.m_text, text, MemoryOf(element));
   }
+  ///@}
   static CXmlElement* AddChild(CXmlElement& parent, CXmlElement* child) noexcept {
     auto const place = reinterpret_cast<std::uintptr_t>(child);
     CXmlElement* const last = parent.m_lastChild;
@@ -61,6 +73,13 @@ struct XmlNodeAccess {
   /// Add an attribute to an element of a tree.
   static void AddAttribute(CXmlElement& element, CXmlName const& name, std::string_view value);
   static void LinkAttribute(CXmlElement& element, CXmlAttribute* attribute);
+  /// Keep where the children stand in the text.
+  static void KeepPlaces(CXmlElement& element, CChildPlaces places) {
+    NodeText::KeepPlaces(element.m_text, MemoryOf(element), std::move(places));
+  }
+  /// The places of the children of an element that is not being read. Without any so far, the present children stand in
+  /// front of its text.
+  static CChildPlaces& MakePlaces(CXmlElement& element);
   /// @}
 
   /// \name Destroying
@@ -85,6 +104,22 @@ struct XmlNodeAccess {
     document.m_inputSize = from.m_inputSize;
     document.StartCounting();
   }
+  /// CXmlDocument::EndElement() and CloseElement(), inline, because they run for every element.
+  ///@{
+  static void EndElement(CXmlDocument& document) {
+    if (document.m_filter != nullptr) {
+      document.EndFilteredElement();
+    } else {
+      CloseElement(document);
+    }
+  }
+  static void CloseElement(CXmlDocument& document) {
+    CXmlElement const& element = *document.OpenElementOrThrow();
+    auto const& open = document.m_elementStack.back();
+    if (open.hadChildren && (open.placed != 0 || HasText(element))) document.SettlePlaces();
+    document.m_elementStack.pop_back();
+  }
+  ///@}
   /// What CXmlDocument::CountContent() has counted.
   static std::uint64_t& ContentSize(CXmlDocument& document) { return document.m_contentSize; }
   /// @}

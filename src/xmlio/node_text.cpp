@@ -4,6 +4,7 @@
 #include <cstring>
 #include <functional>
 #include <memory>
+#include <utility>
 
 #include "base/text_copy.h"
 #include "xmlio/tree_memory.h"
@@ -86,6 +87,14 @@ std::string const& GetString(std::uintptr_t& place, CTreeMemory* memory) {
   if (place == 0) return *none;
   if (!IsString(place)) BecomeString(place, memory, SizeAt(place));
   return StringAt(place)->text;
+}
+
+CChildPlaces* FindPlaces(std::uintptr_t place) { return IsString(place) ? StringAt(place)->places.get() : nullptr; }
+
+void KeepPlaces(std::uintptr_t& place, CTreeMemory* memory, CChildPlaces places) {
+  auto kept = std::make_unique<CChildPlaces>(std::move(places));
+  if (!IsString(place)) BecomeString(place, memory, GetView(place).size());
+  StringAt(place)->places = std::move(kept);
 }
 
 void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {

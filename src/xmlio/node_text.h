@@ -7,6 +7,7 @@
 
 namespace Quillon9 {
 
+struct CChildPlaces;
 class CTreeMemory;
 
 /// The text of a node of a tree: bytes in the tree's memory, followed by a zero. It becomes a std::string only on
@@ -40,6 +41,21 @@ void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
 /// the text is not of this kind or has to become a string.
 inline bool AppendPlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
   return place == 0 && memory != nullptr ? SetPlain(place, text, *memory) : AppendMorePlain(place, text, memory);
+}
+/// Return where children stand in the text of an element; null if this is not kept.
+CChildPlaces* FindPlaces(std::uintptr_t place);
+/// Keep where children stand in the text, which takes the form of a string. Replaces what was kept before.
+void KeepPlaces(std::uintptr_t& place, CTreeMemory* memory, CChildPlaces places);
+/// Append a line feed in place. Return false, with nothing changed, if that has to become a string or be moved.
+inline bool AppendLineFeed(std::uintptr_t place) {
+  if (place == 0 || (place & kIsString) != 0) return false;
+  auto* const bytes = reinterpret_cast<char*>(place);
+  auto const size = static_cast<unsigned char>(bytes[-2]);
+  if (size >= static_cast<unsigned char>(bytes[-1])) return false;
+  bytes[size] = '\n';
+  bytes[size + 1] = '\0';
+  bytes[-2] = static_cast<char>(size + 1);
+  return true;
 }
 /// Release all memory; the text is empty afterwards. Without this call, the bytes go with the tree's memory, and those
 /// of a standalone node leak.

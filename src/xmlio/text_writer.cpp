@@ -162,6 +162,7 @@ void CXmlTextWriter::WriteInlineSchema(std::string const& text) {
 
 void CXmlTextWriter::CloseParentElm() {
   if (m_context == nullptr) return;
+  if (XmlWriterAccess::IsMixed(*m_context)) WriteTextBeforeChild();
   ++m_context->m_childCount;
   if (!m_context->m_tagOpen) return;
   CloseTag();
@@ -315,6 +316,10 @@ void CXmlTextWriter::WriteEndElement() {
   } else {
     AppendEndTag();
   }
+  if (m_context == m_preserved) {
+    m_preserved = nullptr;
+    m_format = true;
+  }
   if (m_format) AppendLineEnd();
   FlushIfFull();
   PopContext();
@@ -333,6 +338,12 @@ void CXmlTextWriter::AppendEndTag() {
   to.PutName(localName);
   to.Put('>');
   Commit(*m_stream, to);
+}
+
+void CXmlTextWriter::PreserveSpace() {
+  if (!m_format || m_context == nullptr) return;
+  m_format = false;
+  m_preserved = m_context;
 }
 
 void CXmlTextWriter::WriteRawElement(std::string const& text) {

@@ -47,10 +47,18 @@ class CTreeExtra {
   CTreeExtra** m_link = nullptr;  // what points to this one
 };
 
-/// The text of a node, if it was requested as a string or is long.
+/// Where the children of an element stand in its text. The first ones stand in front of all text; for each of the
+/// others, in order, there is the size of the text in front of it.
+struct CChildPlaces {
+  std::size_t leading = 0;
+  std::vector<std::size_t> others;
+};
+
+/// The text of a node, if it was requested as a string or is long, or if children stand in it.
 struct CTreeString : CTreeExtra {
   using CTreeExtra::CTreeExtra;
   std::string text;
+  std::unique_ptr<CChildPlaces> places;  // null unless the node is an element with mixed content
 };
 
 /// The attributes of an element, if they were requested as a vector.

@@ -13,6 +13,7 @@
 #include "base/text_copy.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
+#include "xmlio/mixed_texts.h"
 #include "xmlio/namespace_scope.h"
 #include "xmlio/writer_access.h"
 
@@ -292,6 +293,10 @@ CXmlWriter::CXmlWriterContext* CXmlWriter::NewContext(std::string const& localNa
                                                                      m_namespaceMap, nullptr);
   XmlWriterAccess::SetLimit(*context, limit);
   return context;
+}
+
+void CXmlWriter::WriteTextBeforeChild() {
+  if (m_context != nullptr && XmlWriterAccess::IsMixed(*m_context)) m_mixedTexts->BeforeChild();
 }
 
 void CXmlWriter::PopContext() { XmlWriterAccess::Release(*this, std::exchange(m_context, m_context->m_parent)); }

@@ -29,6 +29,14 @@ struct XmlWriterAccess {
   static void SetChecking(CheckingWriter& writer);
   ///@}
 
+  /// \name Mixed content
+  ///@{
+  static bool IsMixed(Context const& context) { return context.m_isMixed; }
+  static void SetMixed(Context& context, bool isMixed) { context.m_isMixed = isMixed; }
+  static Context* OpenElement(CXmlWriter& writer) { return writer.m_context; }
+  static MixedTexts*& Texts(CXmlWriter& writer) { return writer.m_mixedTexts; }
+  ///@}
+
   /// Check that the element may have children.
   /// \throws CQnException as CXmlWriter::WriteStartElement() otherwise.
   static void RequireRoomForChild(Context const& open) {

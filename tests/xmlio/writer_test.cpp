@@ -77,6 +77,26 @@ TEST(TextWriter, ElementsAndText) {
   EXPECT_EQ(Doc().Start("a").Raw("<b/>").End().Close(), "<a><b/></a>");
 }
 
+TEST(TextWriter, PreservesSpaceUpToTheEndTag) {
+  CTextStream stream;
+  CXmlTextWriter writer(stream);
+  writer.PreserveSpace();  // no element is open
+  writer.WriteStartElement("a", "");
+  for (int i = 0; i < 2; ++i) {
+    writer.WriteStartElement("p", "");
+    writer.PreserveSpace();
+    writer.WriteTextElement("b", "", "1", ItemType_string);
+    writer.WriteStartElement("c", "");
+    writer.PreserveSpace();
+    writer.WriteTextElement("d", "", "", ItemType_string);
+    writer.WriteEndElement();
+    writer.WriteEndElement();
+  }
+  writer.WriteTextElement("e", "", "", ItemType_string);
+  writer.WriteEndElement();
+  EXPECT_EQ("<a>\n\t<p><b>1</b><c><d/></c></p>\n\t<p><b>1</b><c><d/></c></p>\n\t<e/>\n</a>\n", stream.CopyText());
+}
+
 TEST(TextWriter, Escapes) {
   EXPECT_EQ(Doc().Start("a").Text("\"&<>\r\n\t'\xC3\xA4\xFFz").End().Close(),
             "<a>&quot;&amp;&lt;&gt;\n\t'\xC3\xA4\xFFz</a>");

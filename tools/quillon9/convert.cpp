@@ -35,8 +35,7 @@ void RefuseTerminal(ConvertOptions const& options, DocumentKind kind) {
 
 /// What must be known about all elements before the first one is written.
 struct Survey {
-  std::size_t mixedElements = 0;    ///< with significant text and children
-  bool hasTextAndChildren = false;  ///< in one element, as written
+  bool hasKeptSpace = false;  ///< white space between elements that are not mixed, as written
   std::size_t blurredAttributes = 0;
 };
 
@@ -53,8 +52,7 @@ Survey Look(CXmlElement const& root, bool keepSpace) {
       if (attribute->GetValue().find_first_of("\t\r") != std::string::npos) ++survey.blurredAttributes;
     }
     if (element.GetFirstElement() == nullptr) return;
-    if (!IsBlank(element.GetText())) ++survey.mixedElements;
-    survey.hasTextAndChildren |= !TextOf(element, keepSpace).empty();
+    survey.hasKeptSpace |= !element.IsMixed() && !TextOf(element, keepSpace).empty();
   };
   Walk(root, start, [](CXmlElement const&) {});
   return survey;
@@ -77,8 +75,8 @@ std::string EscapedUri(std::string_view uri) {
   return escaped;
 }
 
-/// Writes a tree with any writer: namespaces on the root, and text before the children, because Fast Infoset would make
-/// text after a child part of that child.
+/// Writes a tree with any writer, with all namespaces on the root. Where white space between elements is kept, it stands
+/// before the children.
 class TreeWriter {
  public:
   TreeWriter(CXmlWriter& writer, ConvertOptions const& options, DocumentKind kind)
@@ -92,8 +90,9 @@ class TreeWriter {
     for (auto const& [uri, prefix] : namespaces.GetPrefixes()) {
       if (uri != CXmlWriter::XML_NAMESPACE) m_writer.AddNamespace(prefix, Spelled(uri));
     }
-    Walk(
+    WalkContent(
         root, [this](CXmlElement const& element) { Start(element); },
+        [this](std::string_view text) { WriteText(std::string(text)); },
         [this](CXmlElement const&) { m_writer.WriteEndElement(); });
   }
 
@@ -104,7 +103,8 @@ class TreeWriter {
       m_writer.WriteAttributeString(attribute->GetLocalName(), Spelled(attribute->GetNamespaceURI()),
                                     attribute->GetValue(), TypeOf(attribute->GetValue()));
     }
-    WriteText(TextOf(element, m_keepSpace));
+    if (!element.IsMixed()) return WriteText(TextOf(element, m_keepSpace));
+    if (auto* const textWriter = dynamic_cast<CXmlTextWriter*>(&m_writer)) textWriter->PreserveSpace();
   }
 
   void WriteText(std::string const& text) {
@@ -177,8 +177,6 @@ void Compress(CBinaryData& bytes, ConvertOptions const& options) {
 }
 
 void Warn(Warnings& warnings, Survey const& survey, Namespaces const& namespaces, DocumentKind kind) {
-  warnings.Add(survey.mixedElements, "element with text beside child elements: its text now stands in front of them",
-               "elements with text beside child elements: their text now stands in front of them");
   for (std::string const& prefix : namespaces.GetDroppedPrefixes()) {
     warnings.Add("the prefix " + Escaped(prefix) + " is left out: its namespace has another one");
   }
@@ -207,7 +205,7 @@ void Convert(ConvertOptions const& options) {
     Namespaces const namespaces(document.GetRoot(), document.GetPrefixes());
     Warn(warnings, survey, namespaces, kind);
     if (kind == DocumentKind::FastInfoset) return ToInfoset(document, namespaces, options);
-    return ToXmlText(document, namespaces, options, options.format && !survey.hasTextAndChildren);
+    return ToXmlText(document, namespaces, options, options.format && !survey.hasKeptSpace);
   });
   Compress(bytes, options);
   WriteOutput(options.output, View(bytes));

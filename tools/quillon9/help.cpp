@@ -53,8 +53,7 @@ is created or replaced only when all of it has been written.
   -h, --help               print this
 
 What is lost, with a warning on standard error: comments, processing
-instructions and the document type declaration; the position of text among child
-elements (it is written in front of them); a second prefix of one namespace.
+instructions and the document type declaration; a second prefix of one namespace.
 All namespaces are declared on the root element, under the prefixes of the
 input if each prefix stands for only one namespace.
 )";

@@ -95,6 +95,13 @@ class QUILLON9_API CXmlSerializationContext {
   void SetStripCDATA(bool strip) { m_stripCDATA = strip; }
   ///@}
 
+  /// Whether generic content that is read keeps where text other than white space stands between children, and is
+  /// written that way; false by default, when all of its text follows the children. CElement::IsMixed() has more.
+  /// Generated classes that derive from CBoundObject always keep it.
+  ///@{
+  bool GetKeepMixedContent() const { return m_keepMixedContent; }
+  void SetKeepMixedContent(bool keep) { m_keepMixedContent = keep; }
+  ///@}
   /// The encoding of all text of the read or write in memory: TextEncoding_Locale (the default), or TextEncoding_UTF8,
   /// in which no character is lost in any locale, and text that is not well-formed is refused on writing. Classes whose
   /// HoldsUtf8Text() says so always use UTF-8. CXmlDocument uses this option too.
@@ -181,6 +188,7 @@ class QUILLON9_API CXmlSerializationContext {
  private:
   std::string m_defaultNamespaceURI;
   bool m_writeTypeAttribute = true;
+  bool m_keepMixedContent = false;
   CNamespaceAliasMap m_namespaceAliases;
   mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;

@@ -121,6 +121,9 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                  bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
+  /// Write what stands between the tags: the members, then the text.
+  /// \throws what the write drivers throw.
+  virtual void ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;
 
   /// Fill the members from \p cursor and its siblings as the read drivers below do, for a context with a failure sink: go
   /// on after each failure as far as the sink says so. Returns the first child that was not taken. The attributes have
@@ -205,7 +208,6 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   INillable const* AsNillable(PlainClasses* plainClasses) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
-  void WriteContent(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const;
 };
 
 }  // namespace Quillon9

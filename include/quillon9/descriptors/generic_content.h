@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "quillon9/base/instance_monitor.h"
@@ -11,6 +13,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/content_item.h"
 
 /// Content without generated classes: a generic element, its attributes and its children. Wildcards of generated
 /// classes are read into it, programs build it by hand, and any bound object can be converted to it.
@@ -161,7 +164,8 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
 
 class CElementCol;
 
-/// An element of any name: text, attributes, children. All text is held in one piece and written after the children.
+/// An element of any name: text, attributes, children. All text is held in one piece and written after the children,
+/// unless the element keeps where the text stands between the children: see IsMixed().
 ///
 /// To read a whole document into a CElement, use FromXml(char const*) of this class, or CopyXmlElement() with the root
 /// of a CXmlDocument. The reading operations of CXmlObjectBase (FromXmlStream(), FromXmlFile(), FromXmlElement(), and
@@ -204,6 +208,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// element stays and is not applied. The value of an attribute "xmlns" becomes the default namespace.
   /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
   void CopyXmlElement(CXmlElement const* element);
+  /// The same with the options of \p ctx, of which only GetKeepMixedContent() counts.
+  void CopyXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx);
   /// Create a copy without the default namespace.
   /// \throws CQnInvalidNamespaceException as the constructor, where CopyXmlElement() brought a namespace that the
   ///         restriction refuses.
@@ -221,8 +227,22 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The text directly inside the element, in one piece, without any escaping.
   ///@{
   std::string const& GetText() const { return m_text; }
-  void SetText(std::string text) { m_text = std::move(text); }
+  void SetText(std::string text) {
+    m_text = std::move(text);
+    m_isMixed = false;
+  }
   ///@}
+  /// Whether the element keeps where its text stands between its children, and is written that way, without layout
+  /// inside. True after AppendText(), and after reading mixed content under
+  /// CXmlSerializationContext::SetKeepMixedContent(); false after SetText(), which puts all text after the children.
+  ///
+  /// When a child is removed, the texts around it become neighbours. A child that is added at the end follows all
+  /// text; another one that was not there stands directly in front of the next child.
+  bool IsMixed() const { return m_isMixed; }
+  /// Append text after everything that is in the element now, and keep it there.
+  void AppendText(std::string_view text);
+  /// The runs of text and the children in the order in which they are written. The runs are parts of GetText().
+  CContentList<CElement> Content() const;
   /// The default namespace that this element declares when it is written; none when empty. An element that has one can
   /// only be written as text, is written without its attributes, and does not pass the context on to its children.
   ///@{
@@ -275,6 +295,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
                            bool inChoice) override;
 
  private:
+  friend class CElementCol;
+  friend struct MixedAccess;
   // The operations of the base, which read the first child of the root. They are private so that they are not mistaken
   // for the one above.
   void FromXml(char const* text, CXmlSerializationContext const& ctx) override;
@@ -287,7 +309,11 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The namespace of the collections: the one that this element had when it was created.
   char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
   void ChangeNamespace(std::string ns);
-  void CopyFrom(CXmlElement const& element);
+  void CopyWhole(CXmlElement const* element, bool keepsMixed);
+  void CopyFrom(CXmlElement const& element, bool keepsMixed);
+  void KeepPlaces(CXmlElement const& source);
+  void WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
+                            bool inChoice) const;
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
   void WriteApartTo(CXmlWriter& writer, bool inChoice) const;
@@ -303,6 +329,10 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   detail::MadeOnDemand<CElementCol> m_elements;
   std::string m_defaultNamespace;
   bool m_hadNoNamespace = true;
+  bool m_isMixed = false;
+  // In a mixed element around this one: the size of the text in front.
+  static constexpr std::uint32_t kNoPlace = ~std::uint32_t{0};
+  std::uint32_t m_place = kNoPlace;
 };
 
 /// The children of a CElement, or the content of a repeated element wildcard.

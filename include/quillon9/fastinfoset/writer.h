@@ -28,7 +28,7 @@ class COctetSink;
 /// does not fit is a failure. Comments, processing instructions and in-line schemas are left out. Only the document
 /// element declares namespaces; below it, names carry their prefixes.
 ///
-/// Text after a child element becomes text of that child: this writer does not support mixed content.
+/// Text may stand in front of, between and after child elements.
 ///
 /// Failures are CQnException "Failed to write FastInfoset. ..." with the reasons that the operations list, those of
 /// CXmlWriter, and those of the conversion that an encoding algorithm uses (CConversions). What was written before the
@@ -97,6 +97,8 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteNamespaceAttributes();
   static std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
   void CloseTag();
+  void EndChild();
+  void BeginChild();
   void OpenAttribute();
   void QualifiedNameOrIndexBit2(std::string const& prefix, std::string const& uri, std::string const& localName);
   void ElementName(std::uint32_t leading, unsigned long index, std::string const* prefix, std::string const& uri,

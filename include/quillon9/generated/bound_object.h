@@ -2,18 +2,21 @@
 
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/export.h"
+#include "quillon9/generated/bound_content.h"
 #include "quillon9/generated/class_tables.h"
 #include "quillon9/generated/property_ref.h"
 
 namespace Quillon9 {
 
 struct BoundAccess;  // for internal use
+struct BoundOrder;   // for internal use
 
 namespace detail {
 
@@ -58,6 +61,14 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void SetTypeAttribute(bool written) { m_writesType = written; }
   ///@}
 
+  /// The runs of text and the elements of this object, in the order in which they are written. Text is that of a class
+  /// with mixed content. It stands where the document had it, or where it was appended; text that was set in one piece
+  /// follows the elements.
+  ///
+  /// A text keeps its place by the number of elements in front of it, whatever the program adds and removes: what stood
+  /// after the second element stands after the second one, and an element that is added at the end follows all text.
+  CBoundContent Content() const;
+
   using CXmlGeneratedClass::GetBase;
   CXmlObjectBase* GetBase() override { return this; }
   /// The namespace of the global element that CreateRoot() or ReadRoot() made this object for, or that it has become by
@@ -81,6 +92,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   virtual CPropertyRef Property(int index) = 0;
 
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
+  void ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
   CXmlElement* ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
@@ -140,6 +152,10 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   T const& Collection(int, CSmartPtr<T> const& member) const {
     return member.Get() != nullptr ? *member : detail::EmptyCollection<T>();
   }
+  /// Replace the text of mixed content, which then follows the elements.
+  void ReplaceMixed(std::string& member, std::string value);
+  /// Append to the text of mixed content, after the elements that are there now.
+  void AppendMixed(std::string& member, std::string_view text);
   /// The member with this \p index among \p members, counted from 0; none for a number outside. Compilers make of it
   /// what they make of a switch.
   template <class... Members>
@@ -158,6 +174,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
  private:
   friend struct BoundAccess;
 
+  std::string_view MixedText() const;
   CPropertyRef ConstProperty(int index) const { return const_cast<CBoundObject*>(this)->Property(index); }
   ItemType KindOf(int property) const;
   void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
@@ -170,8 +187,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CClassTables const* m_tables;
   char const* m_elementNamespace = nullptr;  // of the global element that it was made for; null unless that is known
-  // The members of an all group in the order of the document, by their place in the group; null for that of the schema.
-  std::unique_ptr<std::vector<int>> m_order;
+  std::unique_ptr<BoundOrder> m_order;       // null where the order of the document is that of the schema
   bool m_writesType = false;
   bool m_isNew = false;  // made for a read, so that there is nothing to empty
 };

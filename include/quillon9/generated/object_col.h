@@ -58,6 +58,8 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
   void Prepare(CXmlObjectBase* item);
 
  private:
+  friend struct BoundAccess;
+
   CXmlElement* ReadRounds(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
   CSmartPtr<CXmlObjectBase> ReadItem(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
   bool HasGroup() const;

@@ -225,6 +225,7 @@ class CPropertyRef {
   void Clear() const { m_kind->clear(m_member); }
   bool IsSet() const { return m_kind->isSet(m_member); }
   CXmlObjectBase* Look() const { return m_kind->look(m_member); }
+  std::string const* LookText() const;
   void Hold(CXmlObjectBase* object) const { m_kind->hold(m_member, object); }
   CSmartPtr<CXmlObjectBase> Make(CElementRow const* row) const { return m_kind->make(row); }
   ///@}

@@ -116,19 +116,10 @@ class QUILLON9_API CXmlDocument {
   CXmlName const* ShareName(std::string_view namespaceUri, std::string_view localName);
   /// Close the innermost open element and pass it to the filter.
   /// \throws CQnException "No element is open".
-  void EndElement() {
-    if (m_filter != nullptr) {
-      EndFilteredElement();
-    } else {
-      CloseElement();
-    }
-  }
+  void EndElement();
   /// Close the innermost open element without calling the filter.
   /// \throws CQnException "No element is open".
-  void CloseElement() {
-    OpenElementOrThrow();
-    m_elementStack.pop_back();
-  }
+  void CloseElement();
   std::size_t GetOpenElementCount() const { return m_elementStack.size(); }
   /// Return the innermost open element, or null.
   CXmlElement* GetOpenElement() const { return m_elementStack.empty() ? nullptr : m_elementStack.back().element; }
@@ -160,8 +151,9 @@ class QUILLON9_API CXmlDocument {
  private:
   struct OpenElement {
     CXmlElement* element;
-    /// The previous child of the same parent, so that a filter that drops many elements stays linear.
-    CXmlElement* before;
+    /// How many of the last numbers in m_places are those of its children.
+    std::uint32_t placed;
+    bool hadChildren;
   };
 
   friend struct XmlNodeAccess;
@@ -177,9 +169,12 @@ class QUILLON9_API CXmlDocument {
     return m_elementStack.back().element;
   }
   [[noreturn]] static void ThrowNoneOpen();
-  CXmlElement* PushOpen(CXmlElement* element, CXmlElement* before);
+  CXmlElement* PushOpen(CXmlElement* element);
+  void NotePlace(CXmlElement const& parent);
   void EndFilteredElement();
   bool AskFilter(CXmlElement* element);
+  void DropPlaceOfLastChild();
+  void SettlePlaces();
   void CheckDepth() const;
   void StartCounting();
   [[noreturn]] void ThrowContentTooLarge() const;
@@ -187,6 +182,12 @@ class QUILLON9_API CXmlDocument {
 
   CXmlElement* m_documentElement = nullptr;
   std::vector<OpenElement> m_elementStack;
+  /// For each open element, the previous child of the same parent, so that a filter that drops many elements stays
+  /// linear. Empty without a filter.
+  std::vector<CXmlElement*> m_previous;
+  /// For the last children of each open element, all of them since it has text: the size of the text in front. Kept
+  /// only until it is known whether there is text besides white space.
+  std::vector<std::size_t> m_places;
   std::map<std::string, std::string> m_namespaceAliases;
   unsigned char const* m_inputData = nullptr;
   unsigned long m_inputSize = 0;

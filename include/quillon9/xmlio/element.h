@@ -9,6 +9,7 @@
 
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/xmlio/content_item.h"
 #include "quillon9/xmlio/element_ranges.h"
 
 namespace Quillon9 {
@@ -72,7 +73,8 @@ class QUILLON9_API CXmlAttribute {
 };
 
 /// One element of a parsed document: its name, attributes and children, and all character data directly inside it as
-/// one text. The positions of the text between the children are not kept.
+/// one text. Where text other than white space stands beside children, the element also knows where each child stands in
+/// its text, and Content() returns both in order.
 ///
 /// An element owns its attributes and its children; a sibling does not own the next one. Everything that it returns
 /// lives as long as the element. Destroying a tree takes constant stack, however deep it is. Only one thread at a time
@@ -106,6 +108,18 @@ class QUILLON9_API CXmlElement {
   /// Return the same bytes without creating a string, until GetText() is called or more is appended. A zero follows
   /// them.
   std::string_view GetTextView() const;
+  /// Return whether the content is mixed: there are children, and text other than white space beside them. O(n) for n
+  /// bytes of white space.
+  bool IsMixed() const;
+  /// Return the runs of text and the children in document order. If the content is not mixed, white space between
+  /// children is left out. The runs are parts of GetTextView().
+  ///
+  /// Text that was appended to an element whose children had only white space beside them follows all of these
+  /// children, together with that white space, and so does text of an element that a reader has not completed.
+  ///@{
+  CContentList<CXmlElement> Content();
+  CContentList<CXmlElement const> Content() const;
+  ///@}
   /// Return the attributes in document order.
   std::vector<CXmlAttribute*> const& GetAttributes() const;
   /// Return the first attribute, or null. Continuing with GetNextAttribute() costs less than the vector, which
@@ -145,7 +159,7 @@ class QUILLON9_API CXmlElement {
   void SetNamespace(std::string_view namespaceUri);
   ///@}
 
-  /// Append to the text. Appending n bytes in any number of pieces costs O(n).
+  /// Append to the text, after the present children. Appending n bytes in any number of pieces costs O(n).
   void AppendText(char const* text) { AppendText(std::string_view(text)); }
   /// Append the \p length bytes at \p text; a negative length appends nothing.
   ///@{

@@ -15,7 +15,8 @@ namespace Quillon9 {
 /// no effect here.
 ///
 /// In formatted output, each element without text stands on its own lines, indented by one tab per level. Text is
-/// written in place, with no line end added. When 4,096 bytes are pending in the stream after an operation, the stream
+/// written in place, with no line end added. Inside an object that keeps the places of its text, the library adds no
+/// layout, as after PreserveSpace(). When 4,096 bytes are pending in the stream after an operation, the stream
 /// is flushed; its failures reach the caller.
 ///
 /// Text and attribute values are escaped as PadAndAppend() describes. Names, namespace URIs, processing instructions
@@ -51,7 +52,10 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type, std::uint64_t member = 0) override;
 
-  /// Return whether line ends and tabs are written.
+  /// Write no line ends and tabs inside the open element from now on, because white space counts there. Its end tag is
+  /// again followed by a line end. Does nothing when no element is open.
+  void PreserveSpace();
+  /// Return whether line ends and tabs are written, which PreserveSpace() affects.
   bool GetFormat() const { return m_format; }
   /// Set whether line ends and tabs are written between elements. Call this, like SetEOLType(), before any output.
   void SetFormat(bool format) { m_format = format; }
@@ -88,8 +92,9 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   std::string m_lineEnd;
   EOLType m_eolType;
   bool m_format;
-  CTextStream* m_stream;  // not owned
-  bool m_streamFlushes;   // whether flushing the stream may have an effect
+  CXmlWriterContext const* m_preserved = nullptr;  // the element whose end switches m_format on again
+  CTextStream* m_stream;                           // not owned
+  bool m_streamFlushes;                            // whether flushing the stream may have an effect
 };
 
 }  // namespace Quillon9

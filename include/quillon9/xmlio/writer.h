@@ -13,6 +13,7 @@ namespace Quillon9 {
 
 class CNamespaceScope;
 class CheckingWriter;
+class MixedTexts;
 class PlainClasses;
 
 /// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
@@ -109,6 +110,10 @@ class QUILLON9_API CXmlWriter {
   /// Return the prefix bound to \p uri in \p context and set \p isNew to false. An unbound URI gets a generated prefix
   /// in the scope of \p context, and \p isNew becomes true. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
+  /// Concrete writers call this before they write a child of the open element, if there is one, and count the child:
+  /// where an object has mixed content, it writes the text in front of that child with WriteString(). A writer that does
+  /// not call it gets all text of such an object after the children.
+  void WriteTextBeforeChild();
   /// The namespace of xsi:type and xsi:nil (XML Schema: Structures, W3C).
   static std::string const& SchemaInstanceNamespace();
 
@@ -120,6 +125,7 @@ class QUILLON9_API CXmlWriter {
   friend struct XmlWriterAccess;
 
   CXmlWriterContext* m_spare = nullptr;  ///< contexts for reuse, linked as parents
+  MixedTexts* m_mixedTexts = nullptr;    ///< of the innermost object with mixed content, borrowed
   std::string m_namespaceText;
   std::unique_ptr<PlainClasses> m_plainClasses;
   CheckingWriter* m_checking = nullptr;  // this one, if it only checks
@@ -197,6 +203,7 @@ class QUILLON9_API CXmlWriter::CXmlWriterContext {
   /// The state number of the scope when this element's namespace was last compared with the default; 0 for never.
   mutable std::uint64_t m_comparedState = 0;
   mutable bool m_needsNoPrefix = false;
+  bool m_isMixed = false;             ///< m_mixedTexts of the writer are those of this element
   bool m_isDeepest = false;           ///< no element may be inside this one, by the limit when it started
   std::uint64_t m_numberedState = 0;  ///< the state number of the scope when the name got its number; 0 for never
   unsigned long m_nameNumber = 0;
