@@ -19,7 +19,7 @@ using namespace Quillon9Data;
 
 namespace {
 
-/// A value that is an enumerator, is fixed, or has a number of digits.
+/// A value that is an enumerator, is fixed, or has rules that the library's own descriptors do not know.
 class ValueAttribute : public CAttributeInfo {
  public:
   explicit ValueAttribute(CAttributeRow const& row)
@@ -107,7 +107,7 @@ class AnyAttributes : public CAttributeInfo {
 std::unique_ptr<CAttributeInfo> MakeAttribute(CAttributeRow const& row) {
   if (row.value == nullptr) return std::make_unique<AnyAttributes>(row);
   CValueType const& type = *row.value;
-  if (type.enumeration != nullptr || row.fixedText != nullptr || ValueRule::HasDigits(type)) {
+  if (type.enumeration != nullptr || row.fixedText != nullptr || ValueRule::HasOwnRules(type)) {
     return std::make_unique<ValueAttribute>(row);
   }
   return std::make_unique<CAttributeInfoPrimitive>(row.name, row.ns, row.property, row.occurs == Occurs::Optional,

@@ -175,7 +175,7 @@ void CBoundObject::RequireRemovedUnset(CXmlWriter const& writer) const {
 
 ItemType CBoundObject::KindOf(int property) const {
   CValueType const* const type = m_tables->Built().At(property).value;
-  return type != nullptr ? type->kind : ItemType_invalid;
+  return type != nullptr ? type->HeldKind() : ItemType_invalid;
 }
 
 void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {

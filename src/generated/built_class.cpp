@@ -95,7 +95,7 @@ int BuiltClass::FindChoice(CElementRow const* row) const {
 namespace {
 
 std::unique_ptr<ValueRule const> RuleOf(char const* name, CValueType const& type, char const* fixedText) {
-  if (type.facets == nullptr && fixedText == nullptr) return nullptr;
+  if (type.facets == nullptr && fixedText == nullptr && !ValueRule::HasParts(type)) return nullptr;
   return std::make_unique<ValueRule const>(name, type, nullptr, fixedText);
 }
 

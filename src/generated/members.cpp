@@ -86,7 +86,7 @@ std::unique_ptr<CElementInfo> MakeMember(CElementRow const& row, bool isInGroup)
     case RowKind::Value: {
       CValueType const& type = *row.value;
       if (type.enumeration != nullptr || row.defaultText != nullptr || row.fixedText != nullptr ||
-          ValueRule::HasDigits(type)) {
+          ValueRule::HasOwnRules(type)) {
         return std::make_unique<ValueMember>(row, isRequired);
       }
       char const* const format = FormatOf(type.kind);
@@ -157,7 +157,8 @@ QN_ELEMENT_TO_XML(ValueMember) {
   ReadProperty(holder, value);
   if (!value.IsValid()) return m_isRequired && OmitOnWriting(ctx, *writer);
   m_rule.CheckOwn(value);
-  if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
+  bool const isPlain = m_row.value->enumeration == nullptr && !ValueRule::IsList(*m_row.value);
+  if (isPlain) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
   return true;
 }

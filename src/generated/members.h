@@ -40,7 +40,8 @@ class BoundMember : public Quillon9Data::CElementInfoSeq {
                       CXmlElement** cursor, char const* holderNamespace, Quillon9Data::XmlElementType holderType) \
       override;
 
-/// A value that is an enumerator, or has a default, a fixed value or a number of digits.
+/// A value that is an enumerator, or has a default, a fixed value or rules that the library's own descriptors do not
+/// know.
 class ValueMember : public BoundMember {
  public:
   ValueMember(CElementRow const& row, bool isRequired);
