@@ -2,7 +2,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "plan/names.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/whitespace.h"
 #include "quillon9/values/variant.h"
@@ -14,20 +16,13 @@ namespace {
 using Quillon9::CWhitespaceUtils;
 using Quillon9::ItemType;
 
-/// Whether the library reads \p text as a value of the kind.
-bool IsReadable(ItemType kind, std::string const& text) {
-  try {
-    Quillon9::QnVariant value;
-    value.FromString(text, kind, CWhitespaceUtils::WhitespaceRule_Collapse);
-    return true;
-  } catch (Quillon9::CQnException const&) {
-    return false;
-  }
-}
-
 /// Whether the library holds all values of this kind that a schema can give.
 bool HoldsAll(ItemType kind) {
   return kind == Quillon9::ItemType_boolean || (kind >= Quillon9::ItemType_i1 && kind <= Quillon9::ItemType_ui8);
+}
+
+std::vector<std::string> ValuesIn(ValueType const& type, std::string const& text) {
+  return type.item != nullptr ? ItemsOf(text) : std::vector<std::string>{text};
 }
 
 class ValueCheck {
@@ -49,15 +44,16 @@ class ValueCheck {
     if (!text) return;
     std::string const subject =
         std::string("the ") + what + " value \"" + *text + "\" of \"" + member.name.local + "\"";
-    ValueType const& type = member.value;
-    if (type.enumeration != nullptr) {
-      if (type.enumeration->Find(*text) == nullptr) {
-        m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
+    ValueType const& type = member.value.Single();
+    for (std::string const& value : ValuesIn(member.value, *text)) {
+      if (type.enumeration != nullptr) {
+        if (type.enumeration->Find(value) != nullptr) continue;
+        return m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
       }
-    } else if (type.kind != Quillon9::ItemType_string && !IsReadable(type.kind, *text)) {
+      if (type.kind == Quillon9::ItemType_string || IsReadable(type.kind, value)) continue;
       if (HoldsAll(type.kind)) return m_diagnostics.Error(member.schemaPlace, subject + " is no value of its type");
       m_diagnostics.Warning(member.schemaPlace, subject + " is not supported and dropped");
-      text.reset();
+      return text.reset();
     }
   }
 
@@ -65,6 +61,16 @@ class ValueCheck {
 };
 
 }  // namespace
+
+bool IsReadable(ItemType kind, std::string const& text) {
+  try {
+    Quillon9::QnVariant value;
+    value.FromString(text, kind, CWhitespaceUtils::WhitespaceRule_Collapse);
+    return true;
+  } catch (Quillon9::CQnException const&) {
+    return false;
+  }
+}
 
 void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics) {
   ValueCheck check(diagnostics);

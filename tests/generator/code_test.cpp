@@ -45,7 +45,8 @@ TEST(Code, WritesTheGoldenFiles) {
   };
   Row const rows[] = {{QUILLON9_GOLDEN "/purchase_order.xsd", "Orders"},
                       {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"},
-                      {QUILLON9_GOLDEN "/drones.xsd", "Fleets"}};
+                      {QUILLON9_GOLDEN "/drones.xsd", "Fleets"},
+                      {QUILLON9_GOLDEN "/station.xsd", "Stations"}};
   for (Row const& row : rows) {
     for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
       EXPECT_EQ(file.content, ReadFile(std::string(QUILLON9_GOLDEN "/") + file.path)) << file.path;
