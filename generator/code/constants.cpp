@@ -111,13 +111,17 @@ std::string Constants::Facets(Plan::Facets const& facets, std::string const& wan
 
 // The types and values that it refers to come first.
 std::string Constants::Parts(Plan::ValueType const& type, std::string const& name) {
-  if (type.item == nullptr && type.members.empty() && type.values.empty()) return "nullptr";
+  std::string const role = type.isQualifiedName ? "ValueRole::QualifiedName"
+                           : type.isIdentifier  ? "ValueRole::Identifier"
+                                                : "ValueRole::None";
+  bool const isPlain = type.item == nullptr && type.members.empty() && type.values.empty();
+  if (isPlain && !type.isQualifiedName && !type.isIdentifier) return "nullptr";
   std::vector<std::string> members;
   std::vector<std::string> values;
   std::string const item = type.item != nullptr ? '&' + ValueType(*type.item, name + "Item") : "nullptr";
   for (Plan::ValueType const& each : type.members) members.push_back('&' + ValueType(each, name + "Member"));
   for (std::string const& each : type.values) values.push_back(Literal(each));
-  std::vector<std::string> key = {item};
+  std::vector<std::string> key = {item, role};
   key.insert(key.end(), members.begin(), members.end());
   key.emplace_back();
   key.insert(key.end(), values.begin(), values.end());
@@ -135,8 +139,8 @@ std::string Constants::Parts(Plan::ValueType const& type, std::string const& nam
   std::string const valueList = array("char const*", "Values", values);
   entry->second = Unique("k" + name + "Parts");
   std::string const list = WithoutDefaults(
-      {item, memberList, std::to_string(members.size()), valueList, std::to_string(values.size())},
-      {"nullptr", "nullptr", "0", "nullptr", "0"});
+      {item, memberList, std::to_string(members.size()), valueList, std::to_string(values.size()), role},
+      {"nullptr", "nullptr", "0", "nullptr", "0", "ValueRole::None"});
   m_typeLines.push_back("constexpr TypeParts " + entry->second + "{" + list + "};");
   return '&' + entry->second;
 }

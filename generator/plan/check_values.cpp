@@ -1,7 +1,9 @@
 #include "plan/check_values.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "plan/names.h"
@@ -34,9 +36,11 @@ class ValueCheck {
     if (!isValue || member.schemaPlace.file == nullptr) return;
     CheckText(member, member.defaultValue, "default");
     CheckText(member, member.fixedValue, "fixed");
-    if (!member.value.isQualifiedName) return;
+    if (!member.value.Single().isQualifiedName || (!member.defaultValue && !member.fixedValue)) return;
     m_diagnostics.Warning(member.schemaPlace, "the qualified name in \"" + member.name.local +
-                                                  "\" is kept as text; its prefix is not declared on writing");
+                                                  "\", which has a default or fixed value, is kept as text; its prefix "
+                                                  "is not declared on writing");
+    KeepAsText(member.value);
   }
 
  private:
@@ -55,6 +59,14 @@ class ValueCheck {
       m_diagnostics.Warning(member.schemaPlace, subject + " is not supported and dropped");
       return text.reset();
     }
+  }
+
+  static void KeepAsText(ValueType& value) {
+    value.isQualifiedName = false;
+    if (value.item == nullptr) return;
+    ValueType item = *value.item;
+    item.isQualifiedName = false;
+    value.item = std::make_shared<ValueType const>(std::move(item));
   }
 
   Schema::Diagnostics& m_diagnostics;

@@ -485,8 +485,9 @@ void ClassBuilder::SetElementType(Class& cls, Member& member, ElementDeclaration
   }
   if (member.maxOccurs == 1) return;
   member.kind = Repeated(member.kind);
-  // No collection holds vectors, but one of objects holds anything.
-  if (member.kind == Member::Kind::Values && member.value.item != nullptr) member.kind = Member::Kind::NillableValues;
+  // No collection holds vectors or qualified names, but one of objects holds anything.
+  bool const needsObjects = member.value.item != nullptr || member.value.isQualifiedName;
+  if (member.kind == Member::Kind::Values && needsObjects) member.kind = Member::Kind::NillableValues;
 }
 
 void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position position) {

@@ -50,7 +50,8 @@ struct ValueType {
   std::shared_ptr<ValueType const> item;     ///< of a list, which is held as a vector; kind is ItemType_string then
   std::vector<ValueType> members;            ///< of a union: one of them has to accept the value; empty for no check
   std::vector<std::string> values;           ///< all values, where they are no enumerators; empty for no limit
-  bool isQualifiedName = false;              ///< a text with a prefix that means something: QName or NOTATION
+  bool isQualifiedName = false;              ///< QName or NOTATION, held as CQName; kind is ItemType_string then
+  bool isIdentifier = false;                 ///< xs:ID
   std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
 
   /// What one C++ value holds: an item of a list, or the value.

@@ -325,13 +325,15 @@ void ValueTypes::WarnOfUnchecked(SimpleType const& type, ValueType const& value)
   Schema::Facets const& base = type.base->facets;
   std::string names;
   auto const note = [&names](char const* name) { names += (names.empty() ? "" : ", ") + std::string(name); };
+  if (value.isQualifiedName && !own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
   bool const hasLengths = own.length || own.minLength || own.maxLength;
   Facets const& kept = value.facets;
   bool const keepsLengths = kept.length >= 0 || kept.minLength >= 0 || kept.maxLength >= 0;
   bool const isInherited =
       own.length == base.length && own.minLength == base.minLength && own.maxLength == base.maxLength;
   if (hasLengths && !keepsLengths && !isInherited) note("length");
-  if (own.patterns.size() > base.patterns.size() && value.kind != ItemType_string) note("pattern");
+  bool const hasPattern = own.patterns.size() > base.patterns.size();
+  if (hasPattern && (value.kind != ItemType_string || value.isQualifiedName)) note("pattern");
   if (names.empty()) return;
   m_diagnostics.Warning(type.place, (type.IsAnonymous() ? "a facet" : "a facet of \"" + type.name.local + "\"") +
                                         " is not checked: " + names);
@@ -344,7 +346,9 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   ItemType const natural = isAtomic ? KindOf(type.ancestor) : ItemType_string;
   value.kind = mapped != nullptr ? *mapped : natural;
   value.schemaName = NameForUsers(type);
-  value.isQualifiedName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
+  bool const isName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
+  value.isQualifiedName = isName && mapped == nullptr && !isMember;
+  value.isIdentifier = isAtomic && type.ancestor == BuiltIn::ID && mapped == nullptr;
   value.whiteSpace = value.kind == ItemType_string ? WhiteSpaceOf(type) : Schema::WhiteSpace::Collapse;
   if (mapped == nullptr && HasEnumerators(type) && !isMember) {
     value.enumeration = EnumerationOf(type, use);
@@ -353,7 +357,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   }
   if (mapped == nullptr && type.variety == Schema::Variety::List) SetItem(type, use, value);
   if (mapped == nullptr && type.variety == Schema::Variety::Union) SetMembers(type, value);
-  if (value.kind == ItemType_string && !type.facets.patterns.empty()) SetPattern(type, value.facets);
+  if (value.kind == ItemType_string && !isName && !type.facets.patterns.empty()) SetPattern(type, value.facets);
   bool const hasBytes = value.kind == ItemType_hexBinary || value.kind == ItemType_base64Binary;
   bool const isTextOrAddress = IsText(type) || (isAtomic && type.ancestor == BuiltIn::AnyURI);
   bool const hasItems = value.item != nullptr && type.builtIn == BuiltIn::None;
@@ -361,7 +365,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   bool const keepsBounds =
       value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
   if (keepsBounds && isAtomic) SetBounds(type, value.kind, value.facets);
-  if (mapped == nullptr) SetValues(type, value);
+  if (mapped == nullptr && !isName) SetValues(type, value);
   if (mapped == nullptr) WarnOfUnchecked(type, value);
   return value;
 }

@@ -31,7 +31,8 @@ class ValueAttribute : public CAttributeInfo {
     QnVariant value;
     ReadProperty(holder, value);
     if (!value.IsValid() && m_optional) return;
-    std::string const text = Print(value);
+    bool const hasNames = value.IsValid() && ValueRule::HasNames(m_rule.GetType());
+    std::string const text = hasNames ? m_rule.Declare(value, *writer) : Print(value);
     if (IsSuppressedDefault(ctx, text)) return;
     m_rule.Check(value);
     bool const isEnumerator = m_rule.GetType().enumeration != nullptr;

@@ -157,9 +157,17 @@ QN_ELEMENT_TO_XML(ValueMember) {
   ReadProperty(holder, value);
   if (!value.IsValid()) return m_isRequired && OmitOnWriting(ctx, *writer);
   m_rule.CheckOwn(value);
+  if (ValueRule::HasNames(*m_row.value)) return WriteNames(value, *writer);
   bool const isPlain = m_row.value->enumeration == nullptr && !ValueRule::IsList(*m_row.value);
   if (isPlain) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
+  return true;
+}
+
+bool ValueMember::WriteNames(QnVariant const& value, CXmlWriter& writer) const {
+  writer.WriteStartElement(m_row.name, m_namespace);
+  writer.WriteString(m_rule.Declare(value, writer), ItemType_string);
+  writer.WriteEndElement();
   return true;
 }
 
@@ -169,6 +177,7 @@ QN_ELEMENT_FROM_XML(ValueMember) {
   CXmlElement* const element = *cursor;
   try {
     QnVariant value = m_rule.Read(element->GetTextView(), true, &ctx);
+    if (ValueRule::HasNames(*m_row.value)) value = m_rule.Resolve(value, *element);
     AccessProperty(holder, false, value);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {element})) throw;

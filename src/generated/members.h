@@ -49,6 +49,7 @@ class ValueMember : public BoundMember {
 
  private:
   bool OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter const& writer) const;
+  bool WriteNames(QnVariant const& value, CXmlWriter& writer) const;
 
   ValueRule m_rule;
 };

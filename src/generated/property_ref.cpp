@@ -2,6 +2,7 @@
 
 #include "base/failure_detail.h"
 #include "generated/list_items.h"
+#include "generated/qualified_name_text.h"
 #include "generated/value_rule.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
@@ -93,8 +94,8 @@ void ReadList(std::vector<Value> const& list, QnVariant& value) {
 template <ItemType number, class Value>
 std::vector<Value> ListOf(QnVariant const& value) {
   std::vector<Value> list;
-  ListItems items(value.GetString());
-  while (items.Next()) {
+  std::string const text = value.GetString();
+  for (ListItems items(text); items.Next();) {
     QnVariant item;
     item.FromString(std::string(items.Text()), number, CWhitespaceUtils::WhitespaceRule_Preserve);
     Value held{};
@@ -135,6 +136,72 @@ CPropertyKind const ValueKind<Value, number>::kOptionalList = {
     },
     [](void* member) { As<std::optional<std::vector<Value>>>(member).reset(); },
     [](void const* member) { return As<std::optional<std::vector<Value>>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+
+// ---- Qualified names
+
+namespace {
+
+using Names = std::vector<CQName>;
+
+void ReadNames(Names const& names, QnVariant& value) {
+  std::string text;
+  for (CQName const& name : names) {
+    std::string const item = QualifiedNameText::From(name);
+    RequireItem(item);
+    text += (text.empty() ? "" : " ") + item;
+  }
+  value.SetString(std::move(text));
+}
+
+Names NamesOf(QnVariant const& value) {
+  Names names;
+  std::string const text = value.GetString();
+  for (ListItems items(text); items.Next();) names.push_back(QualifiedNameText::Parse(items.Text()));
+  return names;
+}
+
+}  // namespace
+
+CPropertyKind const QualifiedNameKind::kPlain = {
+    [](void const* member, QnVariant& value) { value.SetString(QualifiedNameText::From(As<CQName>(member))); },
+    [](void* member, QnVariant const& value) { As<CQName>(member) = QualifiedNameText::Parse(value.GetString()); },
+    [](void* member) { As<CQName>(member) = CQName(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kOptional = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<CQName>>(member);
+      if (held) value.SetString(QualifiedNameText::From(*held));
+    },
+    [](void* member, QnVariant const& value) {
+      As<std::optional<CQName>>(member) = QualifiedNameText::Parse(value.GetString());
+    },
+    [](void* member) { As<std::optional<CQName>>(member).reset(); },
+    [](void const* member) { return As<std::optional<CQName>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kList = {
+    [](void const* member, QnVariant& value) { ReadNames(As<Names>(member), value); },
+    [](void* member, QnVariant const& value) { As<Names>(member) = NamesOf(value); },
+    [](void* member) { As<Names>(member).clear(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kOptionalList = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<Names>>(member);
+      if (held) ReadNames(*held, value);
+    },
+    [](void* member, QnVariant const& value) { As<std::optional<Names>>(member) = NamesOf(value); },
+    [](void* member) { As<std::optional<Names>>(member).reset(); },
+    [](void const* member) { return As<std::optional<Names>>(member).has_value(); },
     nullptr,
     nullptr,
     nullptr};

@@ -6,6 +6,7 @@
 #include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "generated/list_items.h"
+#include "generated/qualified_name_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/generated/enum_col.h"
@@ -140,7 +141,8 @@ void ValueRule::CheckParts(QnVariant const& value) const {
 void ValueRule::CheckList(QnVariant const& list) const {
   int count = 0;
   bool const checksItems = m_item->m_type.facets != nullptr || HasParts(m_item->m_type);
-  for (ListItems items(list.GetString()); items.Next(); ++count) {
+  std::string const text = list.GetString();
+  for (ListItems items(text); items.Next(); ++count) {
     if (checksItems) m_item->CheckFacets(m_item->Held(items.Text()));
   }
   if (m_type.facets == nullptr) return;
@@ -150,9 +152,9 @@ void ValueRule::CheckList(QnVariant const& list) const {
   if (isWrong) ThrowInvalid(Print(list));
   if (f.pattern == nullptr || m_item->m_type.enumeration == nullptr) return;
   // What CheckFacets() compares with the pattern is not what the document has.
-  QnVariant text;
-  text.SetString(Print(list));
-  CXmlObjectHelper::CheckRestriction(m_name, text, ItemType_string, m_restrictions);
+  QnVariant printed;
+  printed.SetString(Print(list));
+  CXmlObjectHelper::CheckRestriction(m_name, printed, ItemType_string, m_restrictions);
 }
 
 bool ValueRule::IsAcceptedByMember(std::string const& text) const {
@@ -190,6 +192,17 @@ std::string ValueRule::Print(QnVariant const& value) const {
   if (text != nullptr) return text;
   throw OfKind(FailureKind_BadValue,
                CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name)));
+}
+
+QnVariant ValueRule::Resolve(QnVariant const& value, CXmlElement const& element) const {
+  QnVariant resolved;
+  resolved.SetString(
+      Joined(value.GetString(), [&](std::string_view name) { return QualifiedNameText::Resolved(name, element); }));
+  return resolved;
+}
+
+std::string ValueRule::Declare(QnVariant const& value, CXmlWriter& writer) const {
+  return Joined(value.GetString(), [&](std::string_view name) { return QualifiedNameText::Declared(name, writer); });
 }
 
 void ValueRule::CheckDigits(char const* name, CFacets const& facets, QnVariant const& number) {

@@ -39,9 +39,23 @@ class ValueRule {
   /// The text of a value.
   std::string Print(QnVariant const& value) const;
 
+  /// Put the namespaces of prefixes at \p element into a value that has names.
+  /// \throws CQnInvalidValueException "The prefix of the name [%s] is not declared".
+  QnVariant Resolve(QnVariant const& value, CXmlElement const& element) const;
+  /// The text of a value that has names, in the element that was started last.
+  /// \throws what QualifiedNameText::Declared() throws.
+  std::string Declare(QnVariant const& value, CXmlWriter& writer) const;
+
   CValueType const& GetType() const { return m_type; }
 
-  static bool HasParts(CValueType const& type) { return type.parts != nullptr; }
+  /// Whether CTypeParts says more than that it is an identifier.
+  static bool HasParts(CValueType const& type) {
+    CTypeParts const* const parts = type.parts;
+    if (parts == nullptr) return false;
+    return parts->item != nullptr || parts->memberCount != 0 || parts->valueCount != 0 || IsName(type);
+  }
+  /// Whether values are qualified names, or lists of them.
+  static bool HasNames(CValueType const& type) { return IsName(IsList(type) ? *type.parts->item : type); }
   static bool IsList(CValueType const& type) { return type.parts != nullptr && type.parts->item != nullptr; }
   /// Whether values of this type have rules that CPrimitiveRestrictions does not express.
   static bool HasOwnRules(CValueType const& type) { return HasDigits(type) || HasParts(type); }
@@ -53,6 +67,9 @@ class ValueRule {
   static void CheckDigits(char const* name, CFacets const& facets, QnVariant const& number);
 
  private:
+  static bool IsName(CValueType const& type) {
+    return type.parts != nullptr && type.parts->role == ValueRole::QualifiedName;
+  }
   QnVariant Convert(std::string_view text) const;
   QnVariant Held(std::string_view item) const;
   void CheckFacets(QnVariant const& value) const;

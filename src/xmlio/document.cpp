@@ -11,6 +11,7 @@
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
+#include "quillon9/xmlio/writer.h"
 #include "xmlio/node_access.h"
 #include "xmlio/tree_memory.h"
 
@@ -49,6 +50,23 @@ void CXmlDocument::Cleanup() {
 std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
   auto const found = m_namespaceAliases.find(OrEmpty(prefix));
   return found != m_namespaceAliases.end() ? found->second : std::string();
+}
+
+bool CXmlDocument::LookupNamespace(CXmlElement const& element, std::string_view prefix,
+                                   std::string& namespaceUri) const {
+  namespaceUri.clear();
+  if (prefix == "xml") {
+    namespaceUri = CXmlWriter::XML_NAMESPACE;
+    return true;
+  }
+  if (m_filter != nullptr) {
+    namespaceUri = LookupNamespaceFromAlias(std::string(prefix).c_str());
+    return !namespaceUri.empty();
+  }
+  std::string const* const found =
+      m_memory != nullptr ? m_memory->Declarations().Find(m_documentElement, element, prefix) : nullptr;
+  if (found != nullptr) namespaceUri = *found;
+  return !namespaceUri.empty();
 }
 
 CXmlElement* CXmlDocument::AddDocElement(char const* namespaceUri, char const* localName) {
@@ -159,6 +177,12 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
   CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
+  // A filter may remove the elements by which the place of a declaration is known.
+  if (m_filter == nullptr) {
+    CXmlElement* const parent = GetOpenElement();
+    Memory().Declarations().Add(parent, parent != nullptr ? XmlNodeAccess::LastChild(*parent) : nullptr, prefix,
+                                namespaceUri);
+  }
   m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
 }
 

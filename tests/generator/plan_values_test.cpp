@@ -26,11 +26,10 @@ class CA of A
   3 D m_d: value @d? year
   4 E m_e: value @e? string
   5 F m_f: value @f? list of (string)
-  6 G m_g: value @g? string
+  6 G m_g: value @g? qualified name
   7 H m_h: value @h? string replace
   8 I m_i: value @i? base64Binary
   9 J m_j: value @j? r4
-a.xsd:4:40: warning: the qualified name in "g" is kept as text; its prefix is not declared on writing
 )"},
     {"Facets",
      R"(

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "golden/stations.h"
+#include "quillon9/quillon9.h"
 
 namespace Quillon9Generator::Testing {
 namespace {
@@ -42,8 +43,8 @@ TEST(Lists, AreVectors) {
   station->GetFlags()->SetNames(std::vector<std::string>{"x", "y"});
   station->SetOpen(std::vector<EDay>{EDay::Mo});
   std::string const written = station->ToXml();
-  for (char const* part : {"<position>1.5 -2</position>", "<open>Mo</open>", "<dates>2024-01-31 2024-02-01</dates>",
-                           "<codes>7 255</codes>", "<path>5 6.25</path>", "true false", "names=\"x y\""}) {
+  for (char const* part : {":position>1.5 -2<", ":open>Mo<", ":dates>2024-01-31 2024-02-01<", ":codes>7 255<",
+                           ":path>5 6.25<", ">true false<", "names=\"x y\""}) {
     EXPECT_NE(written.find(part), written.npos) << part << written;
   }
   EXPECT_EQ(Read(written)->ToXml(), written);
@@ -138,6 +139,126 @@ TEST(Lists, RandomOnesComeBack) {
     EXPECT_EQ(back->GetFlags()->GetValue(), station->GetFlags()->GetValue());
     EXPECT_EQ(back->GetSensor()[0].GetLevel(), sensor.GetLevel());
   }
+}
+
+
+// ---- Names with a namespace
+
+Quillon9::CQName Name(char const* ns, char const* local) { return Quillon9::CQName(ns, local); }
+
+/// What the names of the station are, after a read.
+void ExpectNames(CStation const& station) {
+  EXPECT_EQ(station.GetUnits(), (std::vector<Quillon9::CQName>{Name("urn:u", "m"), Name("urn:station", "s")}));
+  EXPECT_EQ(station.GetSensor()[0].GetUnit(), Name("urn:v", "m"));
+  EXPECT_EQ(station.GetKind(), Name("urn:u", "fixed"));
+  EXPECT_EQ(station.GetAlias()[0].GetValue(), Name("urn:station", "plain"));
+  EXPECT_EQ(station.GetAlias()[1].GetValue(), Name("urn:w", "other"));
+  EXPECT_EQ(station.GetMaker()->GetValue(), Name("urn:u", "works"));
+  EXPECT_EQ(station.GetMaker()->GetOf(), Name("urn:w", "town"));
+}
+
+constexpr char kNames[] =
+    "<station xmlns='urn:station' xmlns:u='urn:u' units='u:m s'><position>1 2</position>"
+    "<sensor id='a' unit='u:m' xmlns:u='urn:v'/><kind> u:fixed </kind><alias>plain</alias>"
+    "<alias xmlns:x='urn:w'>x:other</alias><maker xmlns:w='urn:w' of='w:town'>u:works</maker></station>";
+
+TEST(Names, KeepTheirNamespaces) {
+  auto const station = Read(kNames);
+  ExpectNames(*station);
+  std::string const written = station->ToXml();
+  ExpectNames(*Read(written));
+  EXPECT_NE(written.find("xmlns:u=\"urn:u\""), written.npos) << written;
+  auto const bytes = station->ToXmlStream(Quillon9::CFastInfosetContext());
+  ExpectNames(*Stations::ReadStation(bytes));
+
+  station->SetKind(Quillon9::CQName("urn:u&\"<", "k", "AA"));
+  station->GetSensor()[0].SetUnit(Quillon9::CQName("urn:z", "z", "not a prefix"));
+  auto const back = Read(station->ToXml());
+  EXPECT_EQ(back->GetKind(), Name("urn:u&\"<", "k"));
+  EXPECT_EQ(back->GetSensor()[0].GetUnit(), Name("urn:z", "z"));
+
+  EXPECT_THROW(Read(Document("", "1 2", "", "<sensor id='a' unit='n:m'/>")), Quillon9::CQnException);
+  EXPECT_THROW(Read(Document("", "1 2", "", "<sensor id='a'/><kind>n:m</kind>")), Quillon9::CQnException);
+  station->SetKind(Name("", "none"));
+  EXPECT_EQ(Read(station->ToXml())->GetKind(), Name("", "none"));
+  Quillon9::CXmlSerializationContext ctx;
+  ctx.SetDefaultNamespaceURI("urn:station");
+  EXPECT_THROW(station->ToXml(ctx), Quillon9::CQnException);
+}
+
+// What a prefix stood for in generic content, it stands for in what is written.
+TEST(Names, KeepTheirMeaningInWildcards) {
+  std::string const document = Document(
+      " xmlns:a='urn:a' xmlns:o='urn:o' o:ref='a:b'", "1 2", "", "<sensor id='a'/>",
+      "<o:x xmlns:a='urn:other' xsi:type='a:T' at='http://x/ 12:30 urn:y'><y xmlns='urn:y' xsi:type='Y'>a:text</y>"
+      "<z xmlns='' path='a:b/@c:d | child::a:e'/></o:x>");
+  auto const isKept = [](CStation const& station) {
+    Quillon9::CXmlDocument written;
+    written.LoadXml(station.ToXml().c_str());
+    Quillon9::CXmlElement const& root = *written.GetDocumentElement();
+    auto const meaning = [&](Quillon9::CXmlElement const& element, std::string value) {
+      std::string uri;
+      std::size_t const colon = value.find(':');
+      written.LookupNamespace(element, colon == value.npos ? "" : value.substr(0, colon), uri);
+      return "{" + uri + "}" + value.substr(colon == value.npos ? 0 : colon + 1);
+    };
+    char const xsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+    EXPECT_EQ(meaning(root, root.GetAttribute("ref", "urn:o")), "{urn:a}b");
+    Quillon9::CXmlElement const& x = *root.Children("x").First();
+    EXPECT_EQ(meaning(x, x.GetAttribute("type", xsi)), "{urn:other}T");
+    Quillon9::CXmlElement const& y = *x.Children("y").First();
+    EXPECT_EQ(meaning(y, y.GetAttribute("type", xsi)), "{urn:y}Y");
+    EXPECT_EQ(x.GetAttribute("at", ""), "http://x/ 12:30 urn:y");
+  };
+  auto const station = Read(document);
+  isKept(*station);
+  auto const again = Read(station->ToXml());
+  isKept(*again);
+  EXPECT_EQ(again->ToXml(), station->ToXml());
+}
+
+TEST(Names, PrefixesAreThoseInScope) {
+  struct Row {
+    char const* document;
+    char const* prefix;
+    char const* uri;  ///< at the element "at"
+  };
+  Row const rows[] = {
+      {"<at xmlns:p='urn:p'/>", "p", "urn:p"},
+      {"<at/>", "p", ""},
+      {"<at/>", "xml", "http://www.w3.org/XML/1998/namespace"},
+      {"<a xmlns:p='urn:p'><b xmlns:p='urn:q'/><at/></a>", "p", "urn:p"},
+      {"<a xmlns:p='urn:p'><b xmlns:p='urn:q'><at/></b></a>", "p", "urn:q"},
+      {"<a><b xmlns='urn:q'/><at/></a>", "", ""},
+      {"<a><b/><c/><at xmlns='urn:q'/></a>", "", "urn:q"},
+      {"<a xmlns='urn:a'><b xmlns=''><at/></b></a>", "", ""},
+      {"<a xmlns:p='urn:p'><b><c xmlns:p='urn:q'/></b><b><at xmlns:p='urn:r'/></b></a>", "p", "urn:r"},
+  };
+  for (Row const& row : rows) {
+    Quillon9::CXmlDocument document;
+    document.LoadXml(row.document);
+    std::vector<Quillon9::CXmlElement*> open = {document.GetDocumentElement()};
+    while (open.back()->GetLocalName() != "at") {
+      Quillon9::CXmlElement* const element = open.back();
+      open.pop_back();
+      for (Quillon9::CXmlElement& child : element->Children()) open.push_back(&child);
+    }
+    std::string uri = "?";
+    EXPECT_EQ(document.LookupNamespace(*open.back(), row.prefix, uri), *row.uri != '\0') << row.document;
+    EXPECT_EQ(uri, row.uri) << row.document;
+  }
+}
+
+TEST(Identifiers, LeadToTheirObjects) {
+  auto const station = Read(Document("", "1 2", "", "<sensor id='a' next='b'/><sensor id='b' next='c'/>"));
+  auto& first = station->GetSensor()[0];
+  EXPECT_EQ(station->FindById(*first.GetNext()), &station->GetSensor()[1]);
+  EXPECT_EQ(station->FindById("c"), nullptr);
+  EXPECT_EQ(first.FindById("b"), nullptr);
+  Quillon9::CIdIndex const index(*station);
+  EXPECT_EQ(index.size(), 2U);
+  EXPECT_EQ(index.Find("a"), &first);
+  EXPECT_EQ(index.Find(""), nullptr);
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "quillon9/binding/typed_collections.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/generated/qualified_name.h"
 #include "quillon9/generated/rows.h"
 #include "quillon9/values/variant.h"
 
@@ -231,6 +232,21 @@ QN_ONE_KIND(bool, ItemType_boolean)
 QN_ONE_KIND(CDecimal, ItemType_decimal)
 QN_ONE_KIND(CBigInteger, ItemType_integer)
 #undef QN_ONE_KIND
+
+/// The kind of a qualified name, which a variant holds as text.
+struct QUILLON9_API QualifiedNameKind {
+  static CPropertyKind const kPlain;         ///< of a CQName
+  static CPropertyKind const kOptional;      ///< of an std::optional of it
+  static CPropertyKind const kList;          ///< of an std::vector of it
+  static CPropertyKind const kOptionalList;  ///< of an std::optional of that
+};
+template <>
+struct KindChoice<CQName> {
+  template <Form form>
+  static CPropertyKind const* Of(ItemType) {
+    return TableOf<QualifiedNameKind, form>();
+  }
+};
 
 /// One of several kinds; the first where \p kind is none of them.
 template <class Value, Form form, ItemType first, ItemType... others>

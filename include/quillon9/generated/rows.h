@@ -38,6 +38,13 @@ struct CValueType {
   constexpr ItemType HeldKind() const;
 };
 
+/// What the values of a simple type stand for.
+enum class ValueRole : std::uint8_t {
+  None,           ///< for themselves
+  QualifiedName,  ///< a name with a namespace: CQName. The kind is ItemType_string
+  Identifier      ///< xs:ID
+};
+
 /// What only some simple types have.
 struct CTypeParts {
   CValueType const* item = nullptr;  ///< of a list: the type of its items; the kind of the list is ItemType_string then
@@ -45,6 +52,7 @@ struct CTypeParts {
   int memberCount = 0;                         ///< of a union
   char const* const* values = nullptr;         ///< all values there are, where they are not held as enumerators
   int valueCount = 0;                          ///< of these
+  ValueRole role = ValueRole::None;            ///< of the value, not of the items of a list
 };
 
 constexpr ItemType CValueType::HeldKind() const {
@@ -130,6 +138,7 @@ using ElementRow = CElementRow;
 using AttributeRow = CAttributeRow;
 using ValueType = CValueType;
 using TypeParts = CTypeParts;
+using Quillon9::ValueRole;
 using Facets = CFacets;
 using NamespaceRule = CNamespaceRule;
 using GroupElement = CGroupElement;

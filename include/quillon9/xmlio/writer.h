@@ -83,6 +83,17 @@ class QUILLON9_API CXmlWriter {
   virtual void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                                 ItemType type, std::uint64_t member = 0);
 
+  /// Let \p prefix stand for \p uri in the element that was started last and its contents, for names in values. Only
+  /// before its first attribute. Return false, with nothing changed, if it stands for another namespace there, if it is
+  /// not a name of ASCII characters, or if it is reserved. The writers of the library declare it in the output.
+  /// \throws CQnException "Attributes must be added before elements" when no start tag is open.
+  virtual bool DeclarePrefix(std::string const& prefix, std::string const& uri);
+  /// Return a prefix for names of the namespace \p uri, which is not empty, in values of the element that was started
+  /// last: the one that is bound, or else \p preferred where DeclarePrefix() accepts it, or else a generated one, which
+  /// is declared.
+  /// \throws CQnException as DeclarePrefix().
+  std::string PrefixForValues(std::string const& uri, std::string const& preferred);
+
   /// Return the first generated prefix that does not occur as a value in \p map (namespace URI to prefix), compared
   /// exactly. Prefixes that begin with "xml" in any case are reserved and skipped. Linear in the map's size.
   static std::string GetUniquePrefix(std::map<std::string, std::string> const& map);
@@ -109,6 +120,10 @@ class QUILLON9_API CXmlWriter {
   /// Return the prefix bound to \p uri in \p context and set \p isNew to false. An unbound URI gets a generated prefix
   /// in the scope of \p context, and \p isNew becomes true. The result lives as long as the binding.
   static std::string const& FindOrBindPrefix(CXmlWriterContext& context, std::string const& uri, bool& isNew);
+  /// DeclarePrefix() in \p context; \p isNew says whether the output needs a declaration.
+  static bool BindPrefix(CXmlWriterContext& context, std::string const& prefix, std::string const& uri, bool& isNew);
+  /// The element that was started last; null if there is none.
+  virtual CXmlWriterContext* StartedElement() const;
   /// The namespace of xsi:type and xsi:nil (XML Schema: Structures, W3C).
   static std::string const& SchemaInstanceNamespace();
 

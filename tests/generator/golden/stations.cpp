@@ -9,6 +9,8 @@ using namespace Quillon9::Rows;
 // clang-format off
 constexpr char kNs[] = "urn:station";
 
+constexpr NamespaceRule kOtherNamespace{"##other", "urn:station"};
+
 constexpr char const* kDayText[] = {"Mo", "Tu", "We"};
 constexpr Quillon9::CEnumTexts kDayEnum{"EDay", kDayText};
 constexpr ValueType kDouble{Quillon9::ItemType_r8};
@@ -17,7 +19,8 @@ constexpr Facets kPositionItemFacets{nullptr, -1, -1, -1, "-180", "180"};
 constexpr ValueType kPositionItem{Quillon9::ItemType_r8, kCollapse, &kPositionItemFacets};
 constexpr TypeParts kPositionParts{&kPositionItem};
 constexpr ValueType kPosition{Quillon9::ItemType_string, kCollapse, &kPositionFacets, nullptr, &kPositionParts};
-constexpr ValueType kID{Quillon9::ItemType_string};
+constexpr TypeParts kIDParts{nullptr, nullptr, 0, nullptr, 0, ValueRole::Identifier};
+constexpr ValueType kID{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kIDParts};
 constexpr Facets kPositiveIntegerFacets{nullptr, -1, -1, -1, "1"};
 constexpr ValueType kPositiveInteger{Quillon9::ItemType_integer, kCollapse, &kPositiveIntegerFacets};
 constexpr char const* kLevelMemberValues[] = {"unknown"};
@@ -26,7 +29,10 @@ constexpr ValueType kLevelMember{Quillon9::ItemType_string, kCollapse, nullptr, 
 constexpr ValueType const* kLevelMembers[] = {&kPositiveInteger, &kLevelMember};
 constexpr TypeParts kLevelParts{nullptr, kLevelMembers, 2};
 constexpr ValueType kLevel{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kLevelParts};
-constexpr TypeParts kNMTOKENSParts{&kID};
+constexpr ValueType kIDREF{Quillon9::ItemType_string};
+constexpr TypeParts kQNameParts{nullptr, nullptr, 0, nullptr, 0, ValueRole::QualifiedName};
+constexpr ValueType kQName{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kQNameParts};
+constexpr TypeParts kNMTOKENSParts{&kIDREF};
 constexpr ValueType kNMTOKENS{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kNMTOKENSParts};
 constexpr ValueType kBoolean{Quillon9::ItemType_boolean};
 constexpr TypeParts kFlagsParts{&kBoolean};
@@ -46,11 +52,15 @@ constexpr TypeParts kEvenItemParts{nullptr, nullptr, 0, kEvenItemValues, 2};
 constexpr ValueType kEvenItem{Quillon9::ItemType_decimal, kCollapse, nullptr, nullptr, &kEvenItemParts};
 constexpr TypeParts kEvenParts{&kEvenItem};
 constexpr ValueType kEven{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kEvenParts};
+constexpr TypeParts kUnitsParts{&kQName};
+constexpr ValueType kUnits{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kUnitsParts};
 
 constexpr ClassRow kPositionElement = Quillon9::ValueElementRow(kPosition);
 ClassTables g_PositionElement{kPositionElement, &Quillon9::CValueElement<std::vector<double>>::Make};
 constexpr ClassRow kCodesElement = Quillon9::ValueElementRow(kCodes);
 ClassTables g_CodesElement{kCodesElement, &Quillon9::CValueElement<std::vector<std::uint8_t>>::Make};
+constexpr ClassRow kQNameElement = Quillon9::ValueElementRow(kQName);
+ClassTables g_QNameElement{kQNameElement, &Quillon9::CValueElement<Quillon9::CQName>::Make};
 
 constexpr ElementRow kSensor_Elements[] = {
     Values("reading", kNs, 0, 0, -1, kDouble),
@@ -58,8 +68,13 @@ constexpr ElementRow kSensor_Elements[] = {
 constexpr AttributeRow kSensor_Attributes[] = {
     Attribute("id", "", 2, kOnce, kID),
     Attribute("level", "", 3, kOptional, kLevel, "unknown"),
-    Attribute("next", "", 4, kOptional, kID)};
-constexpr ClassRow kSensor_Class{"Sensor", kNs, kNs, nullptr, kSensor_Elements, 2, kSensor_Attributes, 3, 0, 5};
+    Attribute("next", "", 4, kOptional, kIDREF),
+    Attribute("unit", "", 5, kOptional, kQName)};
+constexpr ClassRow kSensor_Class{"Sensor", kNs, kNs, nullptr, kSensor_Elements, 2, kSensor_Attributes, 4, 0, 6};
+constexpr AttributeRow kStation_Maker_Attributes[] = {
+    Attribute("of", "", 1, kOptional, kQName)};
+constexpr ClassRow kStation_Maker_Class{"", "", kNs, nullptr, nullptr, 0, kStation_Maker_Attributes, 1, 0, 2, 0,
+    &kQName};
 constexpr AttributeRow kStation_Flags_Attributes[] = {
     Attribute("names", "", 1, kOptional, kNMTOKENS, "a b")};
 constexpr ClassRow kStation_Flags_Class{"", "", kNs, nullptr, nullptr, 0, kStation_Flags_Attributes, 1, 0, 2, 0,
@@ -71,10 +86,16 @@ constexpr ElementRow kStation_Elements[] = {
     Object("codes", kNs, 3, kOptional, g_CodesElement),
     Values("level", kNs, 4, 0, 2, kLevel),
     Objects("sensor", kNs, 5, 1, -1, CSensor::s_class),
-    Object("flags", kNs, 6, kOptional, CStation::CFlags::s_class)};
+    Value("kind", kNs, 6, kOptional, kQName),
+    Objects("alias", kNs, 7, 0, -1, g_QNameElement),
+    Object("maker", kNs, 8, kOptional, CStation::CMaker::s_class),
+    Object("flags", kNs, 9, kOptional, CStation::CFlags::s_class),
+    Any(10, kOptional, kOtherNamespace)};
 constexpr AttributeRow kStation_Attributes[] = {
-    Attribute("even", "", 7, kOptional, kEven, nullptr, "2 4")};
-constexpr ClassRow kStation_Class{"", "", kNs, nullptr, kStation_Elements, 7, kStation_Attributes, 1, 0, 8};
+    Attribute("even", "", 11, kOptional, kEven, nullptr, "2 4"),
+    Attribute("units", "", 12, kOptional, kUnits),
+    AnyAttributes(13, kOtherNamespace)};
+constexpr ClassRow kStation_Class{"", "", kNs, nullptr, kStation_Elements, 11, kStation_Attributes, 3, 0, 14};
 constexpr RootRow kRoots[] = {
     {"station", kNs, &CStation::s_class}};
 // clang-format on
@@ -82,13 +103,15 @@ constexpr RootRow kRoots[] = {
 }  // namespace
 
 ClassTables CSensor::s_class{kSensor_Class, &MakeObject<CSensor>};
-PropertyRef CSensor::Property(int index) { return Pick(index, m_reading, m_path, m_id, m_level, m_next); }
+PropertyRef CSensor::Property(int index) { return Pick(index, m_reading, m_path, m_id, m_level, m_next, m_unit); }
+ClassTables CStation::CMaker::s_class{kStation_Maker_Class, &MakeObject<CStation::CMaker>};
+PropertyRef CStation::CMaker::Property(int index) { return Pick(index, m_value, m_of); }
 ClassTables CStation::CFlags::s_class{kStation_Flags_Class, &MakeObject<CStation::CFlags>};
 PropertyRef CStation::CFlags::Property(int index) { return Pick(index, m_value, m_names); }
 ClassTables CStation::s_class{kStation_Class, &MakeObject<CStation>};
 PropertyRef CStation::Property(int index) {
   return Pick(index, m_position, m_open, Quillon9::CPropertyRef(m_dates, Quillon9::ItemType_date), m_codes, m_level,
-              m_sensor, m_flags, m_even);
+              m_sensor, m_kind, m_alias, m_maker, m_flags, m_any, m_even, m_units, m_anyAttribute);
 }
 
 char const* ToText(EDay value) { return kDayEnum.ToText(static_cast<int>(value)); }

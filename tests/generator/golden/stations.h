@@ -27,6 +27,8 @@ class CSensor : public Quillon9::CBoundObject {
   void SetLevel(std::optional<std::string> value) { Assign(3, m_level, std::move(value)); }
   std::optional<std::string> const& GetNext() const { return m_next; }
   void SetNext(std::optional<std::string> value) { m_next = std::move(value); }
+  std::optional<Quillon9::CQName> const& GetUnit() const { return m_unit; }
+  void SetUnit(std::optional<Quillon9::CQName> value) { m_unit = std::move(value); }
 
  protected:
   CSensor(Quillon9::CClassTables const& tables, char const* name) : CBoundObject(tables, name) {}
@@ -38,10 +40,33 @@ class CSensor : public Quillon9::CBoundObject {
   std::string m_id;
   std::optional<std::string> m_level;
   std::optional<std::string> m_next;
+  std::optional<Quillon9::CQName> m_unit;
 };
 
 class CStation : public Quillon9::CBoundObject {
  public:
+  class CMaker;
+  class CFlags;
+
+  class CMaker : public Quillon9::CBoundObject {
+   public:
+    static Quillon9::CClassTables s_class;
+    static CSmartPtr<CMaker> CreateInstance(char const* name = "maker") { return new CMaker(s_class, name); }
+
+    Quillon9::CQName const& GetValue() const { return m_value; }
+    void SetValue(Quillon9::CQName value) { m_value = std::move(value); }
+    std::optional<Quillon9::CQName> const& GetOf() const { return m_of; }
+    void SetOf(std::optional<Quillon9::CQName> value) { m_of = std::move(value); }
+
+   protected:
+    CMaker(Quillon9::CClassTables const& tables, char const* name) : CBoundObject(tables, name) {}
+    Quillon9::CPropertyRef Property(int index) override;
+
+   private:
+    Quillon9::CQName m_value;
+    std::optional<Quillon9::CQName> m_of;
+  };
+
   class CFlags : public Quillon9::CBoundObject {
    public:
     static Quillon9::CClassTables s_class;
@@ -84,16 +109,33 @@ class CStation : public Quillon9::CBoundObject {
   Quillon9::CstringCol const& GetLevel() const { return Collection(4, m_level); }
   Quillon9::CObjectCol<CSensor>& GetSensor() { return Collection(5, m_sensor); }
   Quillon9::CObjectCol<CSensor> const& GetSensor() const { return Collection(5, m_sensor); }
+  std::optional<Quillon9::CQName> const& GetKind() const { return m_kind; }
+  void SetKind(std::optional<Quillon9::CQName> value) { m_kind = std::move(value); }
+  Quillon9::CObjectCol<Quillon9::CValueElement<Quillon9::CQName>>& GetAlias() { return Collection(7, m_alias); }
+  Quillon9::CObjectCol<Quillon9::CValueElement<Quillon9::CQName>> const& GetAlias() const {
+    return Collection(7, m_alias);
+  }
+  CMaker* GetMaker() { return m_maker; }
+  CMaker const* GetMaker() const { return m_maker; }
+  CMaker& CreateMaker() { return Create(8, m_maker); }
+  void SetMaker(CSmartPtr<CMaker> value) { Hold(8, m_maker, std::move(value)); }
   CFlags* GetFlags() { return m_flags; }
   CFlags const* GetFlags() const { return m_flags; }
-  CFlags& CreateFlags() { return Create(6, m_flags); }
-  void SetFlags(CSmartPtr<CFlags> value) { Hold(6, m_flags, std::move(value)); }
+  CFlags& CreateFlags() { return Create(9, m_flags); }
+  void SetFlags(CSmartPtr<CFlags> value) { Hold(9, m_flags, std::move(value)); }
+  Quillon9::CElement* GetAny() { return m_any; }
+  Quillon9::CElement const* GetAny() const { return m_any; }
+  void SetAny(CSmartPtr<Quillon9::CElement> value) { Hold(10, m_any, std::move(value)); }
   /// Each item: One of: 2, 4. Fixed: 2 4.
   std::vector<Quillon9::CDecimal> GetEven() const {
     return m_even.value_or(std::vector<Quillon9::CDecimal>{Quillon9::CDecimal("2"), Quillon9::CDecimal("4")});
   }
   bool HasEven() const { return m_even.has_value(); }
-  void SetEven(std::optional<std::vector<Quillon9::CDecimal>> value) { Assign(7, m_even, std::move(value)); }
+  void SetEven(std::optional<std::vector<Quillon9::CDecimal>> value) { Assign(11, m_even, std::move(value)); }
+  std::optional<std::vector<Quillon9::CQName>> const& GetUnits() const { return m_units; }
+  void SetUnits(std::optional<std::vector<Quillon9::CQName>> value) { m_units = std::move(value); }
+  Quillon9::CAttributeCol& GetAnyAttribute() { return Collection(13, m_anyAttribute); }
+  Quillon9::CAttributeCol const& GetAnyAttribute() const { return Collection(13, m_anyAttribute); }
 
  protected:
   CStation(Quillon9::CClassTables const& tables, char const* name) : CBoundObject(tables, name) {}
@@ -106,8 +148,14 @@ class CStation : public Quillon9::CBoundObject {
   CSmartPtr<Quillon9::CValueElement<std::vector<std::uint8_t>>> m_codes;
   CSmartPtr<Quillon9::CstringCol> m_level;
   CSmartPtr<Quillon9::CObjectCol<CSensor>> m_sensor;
+  std::optional<Quillon9::CQName> m_kind;
+  CSmartPtr<Quillon9::CObjectCol<Quillon9::CValueElement<Quillon9::CQName>>> m_alias;
+  CSmartPtr<CMaker> m_maker;
   CSmartPtr<CFlags> m_flags;
+  CSmartPtr<Quillon9::CElement> m_any;
   std::optional<std::vector<Quillon9::CDecimal>> m_even;
+  std::optional<std::vector<Quillon9::CQName>> m_units;
+  CSmartPtr<Quillon9::CAttributeCol> m_anyAttribute;
 };
 
 /// The text of the schema; null for a number that is no enumerator.
