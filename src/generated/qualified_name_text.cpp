@@ -29,9 +29,14 @@ std::string Shown(std::string uri) {
 }  // namespace
 
 std::string QualifiedNameText::From(CQName const& name) {
+  auto const isOne = [](std::string const& part) { return part.find_first_of(" \t\n\r:{}") == std::string::npos; };
+  if (!isOne(name.GetLocalName())) {
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("[%s] is not a local name",
+                                                                             name.GetLocalName().c_str())));
+  }
   std::string text;
   if (!name.GetNamespace().empty()) text = '{' + Hidden(name.GetNamespace()) + '}';
-  if (!name.GetPrefix().empty()) text += name.GetPrefix() + ':';
+  if (!name.GetPrefix().empty() && isOne(name.GetPrefix())) text += name.GetPrefix() + ':';
   return text + name.GetLocalName();
 }
 

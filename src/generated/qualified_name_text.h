@@ -11,6 +11,7 @@ namespace Quillon9 {
 /// How a variant holds a qualified name: "{namespace}prefix:local", without what is empty. The text has no white space,
 /// so that it can be an item of a list.
 struct QualifiedNameText {
+  /// \throws CQnInvalidValueException "[%s] is not a local name".
   static std::string From(CQName const& name);
   static CQName Parse(std::string_view text);
   /// The name that \p text, "prefix:local" or "local", is at \p element of a document.

@@ -63,7 +63,7 @@ TEST(Lists, KeepTheirFacets) {
       {"", "1 2", "", "", false},
       {"", "1 2 3", "", "Invalid Value for position [1 2 3]", false},
       {"", "", "", "Invalid Value for position []", false},
-      {"", "1 180.5", "", "Invalid Value for position [180.5]", false},
+      {"", "1 180.5", "", "Invalid Value for position [180.5", false},
       {"", "1 x", "", "[x]", true},
       {"", "1 2", "<open>Mo Tu We</open>", "Invalid Value for open [Mo Tu We]", false},
       {"", "1 2", "<open>Tu Mo</open>", "Invalid Value for open [Tu Mo]", false},
@@ -168,7 +168,7 @@ TEST(Names, KeepTheirNamespaces) {
   std::string const written = station->ToXml();
   ExpectNames(*Read(written));
   EXPECT_NE(written.find("xmlns:u=\"urn:u\""), written.npos) << written;
-  auto const bytes = station->ToXmlStream(Quillon9::CFastInfosetContext());
+  Quillon9::CBinaryData const bytes = station->ToFastInfosetStream();
   ExpectNames(*Stations::ReadStation(bytes));
 
   station->SetKind(Quillon9::CQName("urn:u&\"<", "k", "AA"));
@@ -179,11 +179,13 @@ TEST(Names, KeepTheirNamespaces) {
 
   EXPECT_THROW(Read(Document("", "1 2", "", "<sensor id='a' unit='n:m'/>")), Quillon9::CQnException);
   EXPECT_THROW(Read(Document("", "1 2", "", "<sensor id='a'/><kind>n:m</kind>")), Quillon9::CQnException);
+  station->SetKind(Name("urn:u", "a b"));
+  EXPECT_THROW(station->ToXml(), Quillon9::CQnException);
   station->SetKind(Name("", "none"));
   EXPECT_EQ(Read(station->ToXml())->GetKind(), Name("", "none"));
   Quillon9::CXmlSerializationContext ctx;
   ctx.SetDefaultNamespaceURI("urn:station");
-  EXPECT_THROW(station->ToXml(ctx), Quillon9::CQnException);
+  EXPECT_THROW(station->ToXml(true, true, Quillon9::EOLType_LF, ctx), Quillon9::CQnException);
 }
 
 // What a prefix stood for in generic content, it stands for in what is written.
