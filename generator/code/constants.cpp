@@ -150,16 +150,15 @@ std::string Constants::ValueType(Plan::ValueType const& type, std::string const&
   std::string const facets = type.facets.Empty() ? "nullptr" : '&' + Facets(type.facets, "k" + name + "Facets");
   std::string const texts = type.enumeration != nullptr ? '&' + Texts(*type.enumeration) : "nullptr";
   std::string const parts = Parts(type, name);
-  auto const [entry, added] = m_types.emplace(std::make_tuple(static_cast<int>(type.kind),
-                                                              static_cast<int>(type.whiteSpace), facets,
-                                                              type.enumeration, parts),
-                                              "");
+  auto const [entry, added] = m_types.emplace(
+      std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets, type.enumeration, parts),
+      "");
   if (!added) return entry->second;
   static constexpr char const* kRules[] = {"kPreserve", "kReplace", "kCollapse"};
   entry->second = Unique("k" + name);
-  std::string const list =
-      WithoutDefaults({"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts, parts},
-                      {"", "kCollapse", "nullptr", "nullptr", "nullptr"});
+  std::string const list = WithoutDefaults(
+      {"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts, parts},
+      {"", "kCollapse", "nullptr", "nullptr", "nullptr"});
   m_typeLines.push_back("constexpr ValueType " + entry->second + "{" + list + "};");
   return entry->second;
 }

@@ -83,9 +83,7 @@ void Add(std::vector<std::string>& parts, std::string const& value, char const* 
 
 }  // namespace
 
-std::string CppType(ValueType const& value) {
-  return value.isQualifiedName ? "Quillon9::CQName" : Of(value.kind).cpp;
-}
+std::string CppType(ValueType const& value) { return value.isQualifiedName ? "Quillon9::CQName" : Of(value.kind).cpp; }
 
 std::string CollectionType(ValueType const& value) {
   if (value.enumeration != nullptr) return "Quillon9::CEnumCol<" + value.enumeration->cppName + ">";

@@ -115,8 +115,7 @@ Member Restated(Member const& ofBase) {
 
 bool SameRow(Member const& a, Member const& b) {
   return a.minOccurs == b.minOccurs && a.defaultValue == b.defaultValue && a.fixedValue == b.fixedValue &&
-         a.value.HasSameRules(b.value) &&
-         a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
+         a.value.HasSameRules(b.value) && a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
 }
 
 Member::Kind Repeated(Member::Kind kind) {

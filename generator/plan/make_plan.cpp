@@ -84,11 +84,13 @@ bool ValueType::HasChecks() const {
 
 bool ValueType::IsHeldLike(ValueType const& other) const {
   if ((item == nullptr) != (other.item == nullptr)) return false;
-  return kind == other.kind && enumeration == other.enumeration && isQualifiedName == other.isQualifiedName && (item == nullptr || item->IsHeldLike(*other.item));
+  return kind == other.kind && enumeration == other.enumeration && isQualifiedName == other.isQualifiedName &&
+         (item == nullptr || item->IsHeldLike(*other.item));
 }
 
 bool ValueType::HasSameRules(ValueType const& other) const {
-  return IsHeldLike(other) && isIdentifier == other.isIdentifier && facets == other.facets && whiteSpace == other.whiteSpace && values == other.values &&
+  return IsHeldLike(other) && isIdentifier == other.isIdentifier && facets == other.facets &&
+         whiteSpace == other.whiteSpace && values == other.values &&
          (item == nullptr || item->HasSameRules(*other.item)) &&
          std::equal(members.begin(), members.end(), other.members.begin(), other.members.end(),
                     [](ValueType const& a, ValueType const& b) { return a.HasSameRules(b); });

@@ -193,9 +193,8 @@ ItemType CommonKind(std::vector<ValueType> const& members) {
   if (!all([](ValueType const& member) { return IsWholeNumber(member.kind) && member.kind != ItemType_decimal; })) {
     return ItemType_string;
   }
-  bool const isInteger = !all([](ValueType const& member) {
-    return member.kind != ItemType_integer && member.kind != ItemType_ui8;
-  });
+  bool const isInteger =
+      !all([](ValueType const& member) { return member.kind != ItemType_integer && member.kind != ItemType_ui8; });
   return isInteger ? ItemType_integer : ItemType_i8;
 }
 
@@ -380,9 +379,9 @@ void ValueTypes::SetMembers(SimpleType const& type, ValueType& value) {
   if (value.members.empty()) return;
   value.kind = CommonKind(value.members);
   if (value.kind != ItemType_string) value.whiteSpace = Schema::WhiteSpace::Collapse;
-  bool const acceptsAll = std::any_of(
-      value.members.begin(), value.members.end(),
-      [&value](ValueType const& member) { return member.kind == value.kind && AcceptsAnything(member); });
+  bool const acceptsAll = std::any_of(value.members.begin(), value.members.end(), [&value](ValueType const& member) {
+    return member.kind == value.kind && AcceptsAnything(member);
+  });
   if (acceptsAll) value.members.clear();
 }
 

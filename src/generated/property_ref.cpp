@@ -72,9 +72,8 @@ namespace {
 /// A text that is a list of one item has to be read back as that item.
 void RequireItem(std::string const& text) {
   if (!text.empty() && text.find_first_of(kListBlanks) == std::string::npos) return;
-  throw OfKind(FailureKind_BadValue,
-               CQnInvalidValueException(
-                   FormatString("The item [%s] of a list is empty or contains white space", text.c_str())));
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                         "The item [%s] of a list is empty or contains white space", text.c_str())));
 }
 
 template <ItemType number, class Value>

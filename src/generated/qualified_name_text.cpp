@@ -31,8 +31,8 @@ std::string Shown(std::string uri) {
 std::string QualifiedNameText::From(CQName const& name) {
   auto const isOne = [](std::string const& part) { return part.find_first_of(" \t\n\r:{}") == std::string::npos; };
   if (!isOne(name.GetLocalName())) {
-    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("[%s] is not a local name",
-                                                                             name.GetLocalName().c_str())));
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString("[%s] is not a local name", name.GetLocalName().c_str())));
   }
   std::string text;
   if (!name.GetNamespace().empty()) text = '{' + Hidden(name.GetNamespace()) + '}';
@@ -56,12 +56,10 @@ std::string QualifiedNameText::Resolved(std::string_view text, CXmlElement const
   std::size_t const colon = text.find(':');
   std::string_view const prefix = colon != std::string_view::npos ? text.substr(0, colon) : std::string_view();
   std::string uri;
-  bool const isKnown =
-      element.GetDocument() != nullptr && element.GetDocument()->LookupNamespace(element, prefix, uri);
+  bool const isKnown = element.GetDocument() != nullptr && element.GetDocument()->LookupNamespace(element, prefix, uri);
   if (!isKnown && !prefix.empty()) {
-    throw OfKind(FailureKind_BadValue,
-                 CQnInvalidValueException(FormatString("The prefix of the name [%s] is not declared",
-                                                       std::string(text).c_str())));
+    throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                           "The prefix of the name [%s] is not declared", std::string(text).c_str())));
   }
   return isKnown ? '{' + Hidden(std::move(uri)) + '}' + std::string(text) : std::string(text);
 }
@@ -73,9 +71,9 @@ std::string QualifiedNameText::Declared(std::string_view text, CXmlWriter& write
   }
   XmlWriterAccess::Context const* const open = XmlWriterAccess::StartedElement(writer);
   if (open == nullptr || open->GetDefaultNamespace().empty() || name.GetLocalName().empty()) return name.GetLocalName();
-  throw CQnValidationException(FormatString(
-      "The name [%s] has no namespace, which cannot be written where there is a default namespace",
-      name.GetLocalName().c_str()));
+  throw CQnValidationException(
+      FormatString("The name [%s] has no namespace, which cannot be written where there is a default namespace",
+                   name.GetLocalName().c_str()));
 }
 
 }  // namespace Quillon9

@@ -116,9 +116,9 @@ QnVariant ValueRule::Held(std::string_view item) const {
   return number;
 }
 
-void ValueRule::ThrowInvalid(std::string const& text) const {
+void ValueRule::RefuseValue(QnVariant const& value) const {
   throw OfKind(FailureKind_BrokenFacet,
-               CQnException(FormatString("Invalid Value for %s [%s]", m_name, text.c_str())));
+               CQnException(FormatString("Invalid Value for %s [%s]", m_name, Print(value).c_str())));
 }
 
 void ValueRule::CheckFixed(QnVariant const& value) const {
@@ -131,11 +131,11 @@ void ValueRule::CheckFixed(QnVariant const& value) const {
 void ValueRule::CheckParts(QnVariant const& value) const {
   CTypeParts const& parts = *m_type.parts;
   if (m_item != nullptr) CheckList(value);
-  if (!m_members.empty() && !IsAcceptedByMember(Print(value))) ThrowInvalid(Print(value));
+  if (!m_members.empty() && !IsAcceptedByMember(Print(value))) RefuseValue(value);
   if (parts.valueCount == 0) return;
   bool const isThere = std::any_of(parts.values, parts.values + parts.valueCount,
                                    [&](char const* each) { return IsSame(value, Convert(each)); });
-  if (!isThere) ThrowInvalid(Print(value));
+  if (!isThere) RefuseValue(value);
 }
 
 void ValueRule::CheckList(QnVariant const& list) const {
@@ -149,7 +149,7 @@ void ValueRule::CheckList(QnVariant const& list) const {
   CFacets const& f = *m_type.facets;
   bool const isWrong = (f.length >= 0 && count != f.length) || (f.minLength >= 0 && count < f.minLength) ||
                        (f.maxLength >= 0 && count > f.maxLength);
-  if (isWrong) ThrowInvalid(Print(list));
+  if (isWrong) RefuseValue(list);
   if (f.pattern == nullptr || m_item->m_type.enumeration == nullptr) return;
   // What CheckFacets() compares with the pattern is not what the document has.
   QnVariant printed;
@@ -169,8 +169,7 @@ bool ValueRule::IsAcceptedByMember(std::string const& text) const {
 }
 
 void ValueRule::CheckFacets(QnVariant const& value) const {
-  bool const hasNumbers =
-      m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
+  bool const hasNumbers = m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
   if (!hasNumbers && (m_filter == nullptr || !m_filter->Passes(value))) {
     CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }

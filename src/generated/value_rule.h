@@ -79,7 +79,7 @@ class ValueRule {
   void CheckFixed(QnVariant const& value) const;  // there must be one
   bool IsSame(QnVariant const& a, QnVariant const& b) const;
   bool IsSameList(std::string const& a, std::string const& b) const;
-  [[noreturn]] void ThrowInvalid(std::string const& text) const;
+  [[noreturn]] void RefuseValue(QnVariant const& value) const;
 
   char const* m_name;
   CValueType const& m_type;

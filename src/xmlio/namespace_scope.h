@@ -54,9 +54,9 @@ class CNamespaceScope {
   std::shared_ptr<CNamespaceScope> m_outer;  ///< null for a document element
   std::string m_defaultNamespace;
   Map m_own;
-  bool m_isWhole;                    ///< m_own includes the bindings of the enclosing scopes
-  Map m_prefixes;  ///< those bound here, each with its URI
-  std::size_t m_nextGenerated = 0;   ///< every generated prefix with a smaller number is taken
+  bool m_isWhole;                   ///< m_own includes the bindings of the enclosing scopes
+  Map m_prefixes;                   ///< those bound here, each with its URI
+  std::size_t m_nextGenerated = 0;  ///< every generated prefix with a smaller number is taken
   /// A binding was replaced, which may have freed a prefix: look for the next one among all bindings.
   bool m_isChanged = false;
 };

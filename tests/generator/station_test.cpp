@@ -26,10 +26,10 @@ std::string Document(std::string const& attributes, std::string const& position,
 }
 
 TEST(Lists, AreVectors) {
-  auto const station = Read(
-      Document(" even='2.0 4'", " 1.5\n-2 ",
-               "<open>Mo\tTu</open><dates>2024-01-31 2024-02-01</dates><codes>7 255</codes><level>3</level>",
-               "<sensor id='a'><path>1 2</path><path>3 4</path></sensor>", "<flags>1 false</flags>"));
+  auto const station =
+      Read(Document(" even='2.0 4'", " 1.5\n-2 ",
+                    "<open>Mo\tTu</open><dates>2024-01-31 2024-02-01</dates><codes>7 255</codes><level>3</level>",
+                    "<sensor id='a'><path>1 2</path><path>3 4</path></sensor>", "<flags>1 false</flags>"));
   EXPECT_EQ(station->GetPosition(), (std::vector<double>{1.5, -2}));
   EXPECT_EQ(station->GetOpen(), (std::vector<EDay>{EDay::Mo, EDay::Tu}));
   EXPECT_EQ(station->GetDates()->at(1), Quillon9::CDateTime(2024, 2, 1));
@@ -110,7 +110,9 @@ TEST(Lists, KeepTheirFacets) {
 
 TEST(Lists, RandomOnesComeBack) {
   std::mt19937 random(4);
-  auto const number = [&random](int least, int most) { return std::uniform_int_distribution<int>(least, most)(random); };
+  auto const number = [&random](int least, int most) {
+    return std::uniform_int_distribution<int>(least, most)(random);
+  };
   for (int round = 0; round < 200; ++round) {
     auto const station = Stations::CreateStation();
     std::uniform_real_distribution<double> degrees(-180, 180);
@@ -140,7 +142,6 @@ TEST(Lists, RandomOnesComeBack) {
     EXPECT_EQ(back->GetSensor()[0].GetLevel(), sensor.GetLevel());
   }
 }
-
 
 // ---- Names with a namespace
 

@@ -210,13 +210,13 @@ struct KindChoice {
     return TableOf<EnumKind<Value>, form>();
   }
 };
-#define QN_ONE_KIND(Value, number)                     \
-  template <>                                          \
-  struct KindChoice<Value> {                           \
-    template <Form form>                               \
-    static CPropertyKind const* Of(ItemType) {         \
+#define QN_ONE_KIND(Value, number)                      \
+  template <>                                           \
+  struct KindChoice<Value> {                            \
+    template <Form form>                                \
+    static CPropertyKind const* Of(ItemType) {          \
       return TableOf<ValueKind<Value, number>, form>(); \
-    }                                                  \
+    }                                                   \
   };
 QN_ONE_KIND(std::int8_t, ItemType_i1)
 QN_ONE_KIND(std::int16_t, ItemType_i2)
@@ -256,13 +256,13 @@ CPropertyKind const* ChooseKind(ItemType kind) {
   }
   return TableOf<ValueKind<Value, first>, form>();
 }
-#define QN_SEVERAL_KINDS(Value, ...)                   \
-  template <>                                          \
-  struct KindChoice<Value> {                           \
-    template <Form form>                               \
-    static CPropertyKind const* Of(ItemType kind) {    \
+#define QN_SEVERAL_KINDS(Value, ...)                     \
+  template <>                                            \
+  struct KindChoice<Value> {                             \
+    template <Form form>                                 \
+    static CPropertyKind const* Of(ItemType kind) {      \
       return ChooseKind<Value, form, __VA_ARGS__>(kind); \
-    }                                                  \
+    }                                                    \
   };
 QN_SEVERAL_KINDS(std::uint8_t, ItemType_ui1, ItemType_month, ItemType_day)
 QN_SEVERAL_KINDS(std::uint16_t, ItemType_ui2, ItemType_year)
