@@ -81,7 +81,7 @@ thread_local NamesInText t_namesInText;
   property.Read(held);
   if (held.IsValid()) rule.Check(held);
   if (!held.IsValid()) CheckEmptyText(rule);
-  if (t_namesInText.holder == &holder) {
+  if (t_namesInText.holder == &holder && ValueRule::HasNames(rule.GetType())) {
     CXmlWriter& writer = *std::exchange(t_namesInText, {}).writer;
     return value.SetString(held.IsValid() ? rule.Declare(held, writer) : std::string());
   }

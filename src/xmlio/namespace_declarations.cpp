@@ -1,13 +1,15 @@
 #include "xmlio/namespace_declarations.h"
 
 #include <iterator>
+#include <map>
 
 namespace Quillon9 {
 
 void NamespaceDeclarations::Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix,
                                 std::string const& uri) {
-  Binding const& binding = *m_bindings.emplace(prefix, uri).first;
-  m_declarations[{parent, before}].push_back(&binding);
+  Binding const* const last = m_declarations.empty() ? nullptr : m_declarations.back().binding;
+  bool const isRepeated = last != nullptr && last->first == prefix && last->second == uri;
+  m_declarations.push_back({parent, before, isRepeated ? last : &*m_bindings.emplace(prefix, uri).first});
   m_isNested = m_isNested || (parent != nullptr && prefix.empty());
   m_indexed = nullptr;
 }
@@ -22,7 +24,7 @@ std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElem
   if (m_indexed != root) MakeIndex(root);
   auto const found = m_index.find(&element);
   for (Scope const* scope = found != m_index.end() ? found->second : nullptr; scope != nullptr; scope = scope->outer) {
-    for (Binding const* binding : *scope->bindings) {
+    for (Binding const* binding : scope->bindings) {
       if (binding->first == prefix) return &binding->second;
     }
   }
@@ -33,12 +35,15 @@ std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElem
 void NamespaceDeclarations::MakeIndex(CXmlElement const* root) const {
   m_index.clear();
   m_scopes.clear();
+  using Place = std::pair<CXmlElement const*, CXmlElement const*>;
+  std::map<Place, std::vector<Binding const*>> places;
+  for (Declaration const& each : m_declarations) places[{each.parent, each.before}].push_back(each.binding);
   std::vector<std::pair<CXmlElement const*, Scope const*>> open;
   auto const enter = [&](CXmlElement const* parent, CXmlElement const* before, CXmlElement const* element,
                          Scope const* scope) {
-    auto const declared = m_declarations.find({parent, before});
-    if (declared != m_declarations.end()) {
-      m_scopes.push_back(std::make_unique<Scope>(Scope{scope, &declared->second}));
+    auto const declared = places.find({parent, before});
+    if (declared != places.end()) {
+      m_scopes.push_back(std::make_unique<Scope>(Scope{scope, std::move(declared->second)}));
       scope = m_scopes.back().get();
     }
     if (scope != nullptr) m_index.emplace(element, scope);

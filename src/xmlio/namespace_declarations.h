@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <map>
 #include <memory>
 #include <set>
 #include <string>
@@ -27,18 +26,22 @@ class NamespaceDeclarations {
 
  private:
   using Binding = std::pair<std::string, std::string>;  // prefix and URI
-  using Place = std::pair<CXmlElement const*, CXmlElement const*>;
 
+  struct Declaration {
+    CXmlElement const* parent;
+    CXmlElement const* before;
+    Binding const* binding;
+  };
   /// What is declared on one element, and the scope around that.
   struct Scope {
     Scope const* outer;
-    std::vector<Binding const*> const* bindings;
+    std::vector<Binding const*> bindings;
   };
 
   void MakeIndex(CXmlElement const* root) const;
 
   std::set<Binding> m_bindings;
-  std::map<Place, std::vector<Binding const*>> m_declarations;
+  std::vector<Declaration> m_declarations;
   bool m_isNested = false;  // a default namespace is declared inside the document element
   mutable std::vector<std::unique_ptr<Scope>> m_scopes;
   mutable std::unordered_map<CXmlElement const*, Scope const*> m_index;  // elements with declarations in scope
