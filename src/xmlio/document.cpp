@@ -52,6 +52,13 @@ std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
   return found != m_namespaceAliases.end() ? found->second : std::string();
 }
 
+// A filter may remove the elements by which the place of a declaration is known.
+void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri) {
+  if (document.m_filter != nullptr) return;
+  CXmlElement* const parent = document.GetOpenElement();
+  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri);
+}
+
 bool CXmlDocument::LookupNamespace(CXmlElement const& element, std::string_view prefix,
                                    std::string& namespaceUri) const {
   namespaceUri.clear();
@@ -177,12 +184,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
   CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
-  // A filter may remove the elements by which the place of a declaration is known.
-  if (m_filter == nullptr) {
-    CXmlElement* const parent = GetOpenElement();
-    Memory().Declarations().Add(parent, parent != nullptr ? XmlNodeAccess::LastChild(*parent) : nullptr, prefix,
-                                namespaceUri);
-  }
+  XmlNodeAccess::NoteNamespace(*this, prefix, namespaceUri);
   m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
 }
 

@@ -80,6 +80,7 @@ TEST(Code, GoldenClassesReadAndWriteWhatTheSchemaSays) {
   std::string const written = drawing->ToXml();
   EXPECT_EQ(Company::Drawings::ReadDrawing(Quillon9::XmlText(written))->ToXml(), written);
   EXPECT_EQ(written.find("scale"), written.npos) << written;
+  EXPECT_EQ(Company::Drawings::ReadDrawing(drawing->ToFastInfosetStream())->ToXml(), written);
 
   drawing->SetCompany("Shapes");
   EXPECT_EQ(drawing->GetChoice2(), CDrawing::EChoice2::Company);

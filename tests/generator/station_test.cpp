@@ -171,6 +171,8 @@ TEST(Names, KeepTheirNamespaces) {
   EXPECT_NE(written.find("xmlns:u=\"urn:u\""), written.npos) << written;
   Quillon9::CBinaryData const bytes = station->ToFastInfosetStream();
   ExpectNames(*Stations::ReadStation(bytes));
+  station->SetUnits(std::nullopt);
+  EXPECT_EQ(Stations::ReadStation(station->ToFastInfosetStream())->ToXml(), station->ToXml());
 
   station->SetKind(Quillon9::CQName("urn:u&\"<", "k", "AA"));
   station->GetSensor()[0].SetUnit(Quillon9::CQName("urn:z", "z", "not a prefix"));
