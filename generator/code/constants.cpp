@@ -109,18 +109,56 @@ std::string Constants::Facets(Plan::Facets const& facets, std::string const& wan
   return entry->second;
 }
 
+// The types and values that it refers to come first.
+std::string Constants::Parts(Plan::ValueType const& type, std::string const& name) {
+  std::string const role = type.isQualifiedName ? "ValueRole::QualifiedName"
+                           : type.isIdentifier  ? "ValueRole::Identifier"
+                                                : "ValueRole::None";
+  bool const isPlain = type.item == nullptr && type.members.empty() && type.values.empty();
+  if (isPlain && !type.isQualifiedName && !type.isIdentifier) return "nullptr";
+  std::vector<std::string> members;
+  std::vector<std::string> values;
+  std::string const item = type.item != nullptr ? '&' + ValueType(*type.item, name + "Item") : "nullptr";
+  for (Plan::ValueType const& each : type.members) members.push_back('&' + ValueType(each, name + "Member"));
+  for (std::string const& each : type.values) values.push_back(Literal(each));
+  std::vector<std::string> key = {item, role};
+  key.insert(key.end(), members.begin(), members.end());
+  key.emplace_back();
+  key.insert(key.end(), values.begin(), values.end());
+  auto const [entry, added] = m_parts.emplace(std::move(key), "");
+  if (!added) return '&' + entry->second;
+  auto const array = [&](char const* of, std::string const& suffix, std::vector<std::string> const& items) {
+    if (items.empty()) return std::string("nullptr");
+    std::string const unique = Unique("k" + name + suffix);
+    for (std::string const& line : BracedList(std::string("constexpr ") + of + " " + unique + "[] = ", items)) {
+      m_typeLines.push_back(line);
+    }
+    return unique;
+  };
+  std::string const memberList = array("ValueType const*", "Members", members);
+  std::string const valueList = array("char const*", "Values", values);
+  entry->second = Unique("k" + name + "Parts");
+  std::string const list = WithoutDefaults(
+      {item, memberList, std::to_string(members.size()), valueList, std::to_string(values.size()), role},
+      {"nullptr", "nullptr", "0", "nullptr", "0", "ValueRole::None"});
+  m_typeLines.push_back("constexpr TypeParts " + entry->second + "{" + list + "};");
+  return '&' + entry->second;
+}
+
 std::string Constants::ValueType(Plan::ValueType const& type, std::string const& hint) {
   std::string const name = TypeName(type, hint);
   std::string const facets = type.facets.Empty() ? "nullptr" : '&' + Facets(type.facets, "k" + name + "Facets");
   std::string const texts = type.enumeration != nullptr ? '&' + Texts(*type.enumeration) : "nullptr";
+  std::string const parts = Parts(type, name);
   auto const [entry, added] = m_types.emplace(
-      std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets, type.enumeration), "");
+      std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets, type.enumeration, parts),
+      "");
   if (!added) return entry->second;
   static constexpr char const* kRules[] = {"kPreserve", "kReplace", "kCollapse"};
   entry->second = Unique("k" + name);
-  std::string const list =
-      WithoutDefaults({"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts},
-                      {"", "kCollapse", "nullptr", "nullptr"});
+  std::string const list = WithoutDefaults(
+      {"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts, parts},
+      {"", "kCollapse", "nullptr", "nullptr", "nullptr"});
   m_typeLines.push_back("constexpr ValueType " + entry->second + "{" + list + "};");
   return entry->second;
 }

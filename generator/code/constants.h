@@ -42,6 +42,7 @@ class Constants {
       std::tuple<std::string, long, long, long, long, long, std::string, std::string, std::string, std::string>;
 
   std::string Facets(Plan::Facets const& facets, std::string const& wanted);
+  std::string Parts(Plan::ValueType const& type, std::string const& name);
 
   Plan::Namespace const& m_ns;
   // Names that the makers of rows have, too.
@@ -50,7 +51,8 @@ class Constants {
   std::map<std::tuple<std::string, std::string>, std::string> m_rules;
   std::map<Plan::Enumeration const*, std::string> m_texts;
   std::map<FacetKey, std::string> m_facets;
-  std::map<std::tuple<int, int, std::string, Plan::Enumeration const*>, std::string> m_types;
+  std::map<std::tuple<int, int, std::string, Plan::Enumeration const*, std::string>, std::string> m_types;
+  std::map<std::vector<std::string>, std::string> m_parts;
   std::map<std::string, std::string> m_valueElements;  ///< by the name of the value type
   std::vector<std::string> m_uriLines, m_ruleLines;
   std::vector<std::string> m_typeLines;  ///< facets, texts and value types

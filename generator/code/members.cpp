@@ -7,11 +7,13 @@
 namespace Quillon9Generator::Code {
 
 using Plan::Member;
+using Plan::ValueType;
 using Kind = Plan::Member::Kind;
 
 namespace {
 
 std::string TypeOf(Plan::ValueType const& value, Scope const& scope) {
+  if (value.item != nullptr) return "std::vector<" + TypeOf(*value.item, scope) + ">";
   return value.enumeration != nullptr ? NameOf(*value.enumeration, scope) : CppType(value);
 }
 
@@ -86,7 +88,14 @@ std::string const* ImpliedValue(Member const& member) {
 }
 
 std::string ImpliedText(Member const& member, Scope const& scope) {
-  return ValueText(member.value, *ImpliedValue(member), TypeOf(member.value, scope));
+  ValueType const& single = member.value.Single();
+  std::string const name = TypeOf(single, scope);
+  if (member.value.item == nullptr) return ValueText(single, *ImpliedValue(member), name);
+  std::string items;
+  for (std::string const& item : Plan::ItemsOf(*ImpliedValue(member))) {
+    items += (items.empty() ? "" : ", ") + ValueText(single, item, name);
+  }
+  return TypeOf(member.value, scope) + "{" + items + "}";
 }
 
 std::string LettersAndDigits(std::string const& name) {
@@ -128,7 +137,7 @@ std::string Comment(Member const& member) {
   if (!comment.empty()) comment += '\n';
   add(DescribeName(member));
   add(DescribeGroup(member));
-  add(DescribeFacets(member.value.facets));
+  add(DescribeFacets(member.value));
   if (member.fixedValue) {
     add("Fixed: " + *member.fixedValue + ".");
   } else if (member.defaultValue) {
@@ -228,11 +237,12 @@ void DeclareField(Text& text, Member const& member, Scope const& scope) {
 }
 
 std::string PropertyOf(Member const& member) {
-  bool const isPlainValue = member.kind == Kind::Value && member.value.enumeration == nullptr;
-  bool const needsKind = isPlainValue && SharesCppType(member.value.kind) &&
-                         member.value.kind != Quillon9::ItemType_ui1 && member.value.kind != Quillon9::ItemType_ui2;
+  ValueType const& value = member.value.Single();
+  bool const isPlainValue = member.kind == Kind::Value && value.enumeration == nullptr;
+  bool const needsKind = isPlainValue && SharesCppType(value.kind) && value.kind != Quillon9::ItemType_ui1 &&
+                         value.kind != Quillon9::ItemType_ui2;
   if (!needsKind) return member.field;
-  return "Quillon9::CPropertyRef(" + member.field + ", Quillon9::" + KindName(member.value.kind) + ")";
+  return "Quillon9::CPropertyRef(" + member.field + ", Quillon9::" + KindName(value.kind) + ")";
 }
 
 }  // namespace Quillon9Generator::Code

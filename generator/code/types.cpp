@@ -55,6 +55,8 @@ Kind const& Of(Quillon9::ItemType kind) { return kKinds[static_cast<std::size_t>
 
 /// A pattern that is longer is not shown in a comment.
 constexpr std::size_t kLongestPattern = 60;
+/// More values are not shown.
+constexpr std::size_t kMostValues = 20;
 
 std::string Count(long least, long most, char const* what) {
   std::string const unit = std::string(" ") + what;
@@ -81,16 +83,16 @@ void Add(std::vector<std::string>& parts, std::string const& value, char const* 
 
 }  // namespace
 
-std::string CppType(ValueType const& value) {
-  return value.enumeration != nullptr ? value.enumeration->cppName : Of(value.kind).cpp;
-}
+std::string CppType(ValueType const& value) { return value.isQualifiedName ? "Quillon9::CQName" : Of(value.kind).cpp; }
 
 std::string CollectionType(ValueType const& value) {
   if (value.enumeration != nullptr) return "Quillon9::CEnumCol<" + value.enumeration->cppName + ">";
   return std::string("Quillon9::") + Of(value.kind).collection;
 }
 
-bool IsScalar(ValueType const& value) { return value.enumeration != nullptr || Of(value.kind).scalar; }
+bool IsScalar(ValueType const& value) {
+  return value.item == nullptr && (value.enumeration != nullptr || Of(value.kind).scalar);
+}
 
 bool SharesCppType(Quillon9::ItemType kind) { return Of(kind).shared; }
 
@@ -98,16 +100,23 @@ std::string KindName(Quillon9::ItemType kind) { return std::string("ItemType_") 
 
 std::string Initializer(ValueType const& value) { return value.enumeration != nullptr ? "{}" : Of(value.kind).initial; }
 
-bool HasChecks(Plan::Member const& member) { return !member.value.facets.Empty() || member.fixedValue.has_value(); }
+bool HasChecks(Plan::Member const& member) { return member.value.HasChecks() || member.fixedValue.has_value(); }
 
-std::string DescribeFacets(Plan::Facets const& facets) {
+std::string DescribeFacets(ValueType const& value) {
+  Plan::Facets const& facets = value.facets;
   std::vector<std::string> parts;
   Add(parts, facets.minInclusive, "", " or more");
   Add(parts, facets.minExclusive, "more than ", "");
   Add(parts, facets.maxInclusive, "at most ", "");
   Add(parts, facets.maxExclusive, "less than ", "");
-  if (facets.length >= 0) parts.push_back("length " + std::to_string(facets.length));
-  if (facets.minLength >= 0 || facets.maxLength >= 0) {
+  if (value.item != nullptr) {
+    if (facets.length >= 0) parts.push_back(Count(facets.length, facets.length, "items"));
+    if (facets.minLength >= 0 || facets.maxLength >= 0) {
+      parts.push_back(Count(facets.minLength, facets.maxLength, "items"));
+    }
+  } else if (facets.length >= 0) {
+    parts.push_back("length " + std::to_string(facets.length));
+  } else if (facets.minLength >= 0 || facets.maxLength >= 0) {
     parts.push_back("length " + Count(facets.minLength, facets.maxLength, ""));
     parts.back().pop_back();
   }
@@ -121,7 +130,15 @@ std::string DescribeFacets(Plan::Facets const& facets) {
   }
   std::string text;
   for (std::string const& part : parts) text += (text.empty() ? "Facets: " : ", ") + part;
-  return text.empty() ? text : text + ".";
+  if (!text.empty()) text += '.';
+  if (!value.values.empty() && value.values.size() <= kMostValues) {
+    std::string list;
+    for (std::string const& each : value.values) list += (list.empty() ? "" : ", ") + each;
+    text += (text.empty() ? "One of: " : " One of: ") + list + ".";
+  }
+  std::string const ofItem = value.item != nullptr ? DescribeFacets(*value.item) : "";
+  if (!ofItem.empty()) text += (text.empty() ? "Each item: " : " Each item: ") + ofItem;
+  return text;
 }
 
 }  // namespace Quillon9Generator::Code

@@ -7,7 +7,7 @@
 /// How the values of the plan are held in C++.
 namespace Quillon9Generator::Code {
 
-/// The C++ type of one value, as seen in the namespace of the generated classes.
+/// The C++ type of one value that is no enumerator and no list.
 std::string CppType(Plan::ValueType const& value);
 
 /// The class of a collection of such values.
@@ -25,10 +25,10 @@ std::string KindName(Quillon9::ItemType kind);
 /// What a data member of this type is initialised with: " = 0", "{}", or nothing for classes.
 std::string Initializer(Plan::ValueType const& value);
 
-/// Whether a value that is assigned is checked against facets.
+/// Whether a value that is assigned is checked.
 bool HasChecks(Plan::Member const& member);
 
 /// The facets in words, for a documentation comment; empty for none.
-std::string DescribeFacets(Plan::Facets const& facets);
+std::string DescribeFacets(Plan::ValueType const& value);
 
 }  // namespace Quillon9Generator::Code

@@ -1,8 +1,12 @@
 #include "plan/check_values.h"
 
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "plan/names.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/whitespace.h"
 #include "quillon9/values/variant.h"
@@ -14,20 +18,13 @@ namespace {
 using Quillon9::CWhitespaceUtils;
 using Quillon9::ItemType;
 
-/// Whether the library reads \p text as a value of the kind.
-bool IsReadable(ItemType kind, std::string const& text) {
-  try {
-    Quillon9::QnVariant value;
-    value.FromString(text, kind, CWhitespaceUtils::WhitespaceRule_Collapse);
-    return true;
-  } catch (Quillon9::CQnException const&) {
-    return false;
-  }
-}
-
 /// Whether the library holds all values of this kind that a schema can give.
 bool HoldsAll(ItemType kind) {
   return kind == Quillon9::ItemType_boolean || (kind >= Quillon9::ItemType_i1 && kind <= Quillon9::ItemType_ui8);
+}
+
+std::vector<std::string> ValuesIn(ValueType const& type, std::string const& text) {
+  return type.item != nullptr ? ItemsOf(text) : std::vector<std::string>{text};
 }
 
 class ValueCheck {
@@ -39,9 +36,11 @@ class ValueCheck {
     if (!isValue || member.schemaPlace.file == nullptr) return;
     CheckText(member, member.defaultValue, "default");
     CheckText(member, member.fixedValue, "fixed");
-    if (!member.value.isQualifiedName) return;
+    if (!member.value.Single().isQualifiedName || (!member.defaultValue && !member.fixedValue)) return;
     m_diagnostics.Warning(member.schemaPlace, "the qualified name in \"" + member.name.local +
-                                                  "\" is kept as text; its prefix is not declared on writing");
+                                                  "\", which has a default or fixed value, is kept as text; its prefix "
+                                                  "is not declared on writing");
+    KeepAsText(member.value);
   }
 
  private:
@@ -49,22 +48,41 @@ class ValueCheck {
     if (!text) return;
     std::string const subject =
         std::string("the ") + what + " value \"" + *text + "\" of \"" + member.name.local + "\"";
-    ValueType const& type = member.value;
-    if (type.enumeration != nullptr) {
-      if (type.enumeration->Find(*text) == nullptr) {
-        m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
+    ValueType const& type = member.value.Single();
+    for (std::string const& value : ValuesIn(member.value, *text)) {
+      if (type.enumeration != nullptr) {
+        if (type.enumeration->Find(value) != nullptr) continue;
+        return m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
       }
-    } else if (type.kind != Quillon9::ItemType_string && !IsReadable(type.kind, *text)) {
+      if (type.kind == Quillon9::ItemType_string || IsReadable(type.kind, value)) continue;
       if (HoldsAll(type.kind)) return m_diagnostics.Error(member.schemaPlace, subject + " is no value of its type");
       m_diagnostics.Warning(member.schemaPlace, subject + " is not supported and dropped");
-      text.reset();
+      return text.reset();
     }
+  }
+
+  static void KeepAsText(ValueType& value) {
+    value.isQualifiedName = false;
+    if (value.item == nullptr) return;
+    ValueType item = *value.item;
+    item.isQualifiedName = false;
+    value.item = std::make_shared<ValueType const>(std::move(item));
   }
 
   Schema::Diagnostics& m_diagnostics;
 };
 
 }  // namespace
+
+bool IsReadable(ItemType kind, std::string const& text) {
+  try {
+    Quillon9::QnVariant value;
+    value.FromString(text, kind, CWhitespaceUtils::WhitespaceRule_Collapse);
+    return true;
+  } catch (Quillon9::CQnException const&) {
+    return false;
+  }
+}
 
 void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics) {
   ValueCheck check(diagnostics);

@@ -115,8 +115,7 @@ Member Restated(Member const& ofBase) {
 
 bool SameRow(Member const& a, Member const& b) {
   return a.minOccurs == b.minOccurs && a.defaultValue == b.defaultValue && a.fixedValue == b.fixedValue &&
-         a.value.facets == b.value.facets && a.value.whiteSpace == b.value.whiteSpace &&
-         a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
+         a.value.HasSameRules(b.value) && a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
 }
 
 Member::Kind Repeated(Member::Kind kind) {
@@ -321,7 +320,7 @@ void ClassBuilder::RestateValue(Class const& cls, Member& member, Schema::Simple
   bool const needsEnumeration = type != nullptr && type->IsAnonymous() && !type->facets.enumeration.empty();
   if (needsEnumeration) return;
   ValueType value = ValueOf(type, name, declaration, global, cls);
-  if (value.kind == member.value.kind && value.enumeration == member.value.enumeration) member.value = std::move(value);
+  if (value.IsHeldLike(member.value)) member.value = std::move(value);
 }
 
 void ClassBuilder::AddAttribute(Class& cls, Schema::AttributeUse const& use) {
@@ -478,7 +477,11 @@ void ClassBuilder::SetElementType(Class& cls, Member& member, ElementDeclaration
     member.kind = element.nillable ? Member::Kind::NillableValue : Member::Kind::Value;
     member.value = ValueOf(element.simpleType, element.name, &element, element.global, cls);
   }
-  if (member.maxOccurs != 1) member.kind = Repeated(member.kind);
+  if (member.maxOccurs == 1) return;
+  member.kind = Repeated(member.kind);
+  // No collection holds vectors or qualified names, but one of objects holds anything.
+  bool const needsObjects = member.value.item != nullptr || member.value.isQualifiedName;
+  if (member.kind == Member::Kind::Values && needsObjects) member.kind = Member::Kind::NillableValues;
 }
 
 void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position position) {

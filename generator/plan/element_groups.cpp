@@ -26,8 +26,7 @@ Class const* CommonClass(std::vector<Element> const& elements, Class const* cls)
 bool HaveOneValueType(std::vector<Element> const& elements) {
   ValueType const& first = elements.front().value;
   return std::all_of(elements.begin(), elements.end(), [&first](Element const& element) {
-    return element.type == nullptr && element.value.kind == first.kind &&
-           element.value.enumeration == first.enumeration;
+    return element.type == nullptr && element.value.IsHeldLike(first);
   });
 }
 

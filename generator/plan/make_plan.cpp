@@ -78,6 +78,24 @@ bool Facets::operator==(Facets const& other) const {
 
 bool Facets::Empty() const { return *this == Facets(); }
 
+bool ValueType::HasChecks() const {
+  return !facets.Empty() || !members.empty() || !values.empty() || (item != nullptr && item->HasChecks());
+}
+
+bool ValueType::IsHeldLike(ValueType const& other) const {
+  if ((item == nullptr) != (other.item == nullptr)) return false;
+  return kind == other.kind && enumeration == other.enumeration && isQualifiedName == other.isQualifiedName &&
+         (item == nullptr || item->IsHeldLike(*other.item));
+}
+
+bool ValueType::HasSameRules(ValueType const& other) const {
+  return IsHeldLike(other) && isIdentifier == other.isIdentifier && facets == other.facets &&
+         whiteSpace == other.whiteSpace && values == other.values &&
+         (item == nullptr || item->HasSameRules(*other.item)) &&
+         std::equal(members.begin(), members.end(), other.members.begin(), other.members.end(),
+                    [](ValueType const& a, ValueType const& b) { return a.HasSameRules(b); });
+}
+
 Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
   Plan plan;
   CheckOptions(set, options, diagnostics);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <sstream>
 
 #include "plan/transliteration.h"
 #include "schema/lexical.h"
@@ -211,6 +212,11 @@ std::string NameScope::Take(std::string wanted, std::string_view suffix) {
   }
   m_taken.insert(name);
   return name;
+}
+
+std::vector<std::string> ItemsOf(std::string const& list) {
+  std::istringstream text(list);
+  return {std::istream_iterator<std::string>(text), {}};
 }
 
 }  // namespace Quillon9Generator::Plan

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace Quillon9Generator::Plan {
 
@@ -41,5 +42,8 @@ class NameScope {
   std::set<std::string> m_taken;
   std::map<std::string, int> m_numbers;  ///< the number after the last that a name got
 };
+
+/// The items of a list.
+std::vector<std::string> ItemsOf(std::string const& list);
 
 }  // namespace Quillon9Generator::Plan

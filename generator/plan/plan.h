@@ -47,8 +47,21 @@ struct ValueType {
   Schema::WhiteSpace whiteSpace = Schema::WhiteSpace::Collapse;
   Facets facets;
   Enumeration const* enumeration = nullptr;  ///< held as its enumerator; kind is then ItemType_i4
-  bool isQualifiedName = false;              ///< a text with a prefix that means something: QName or NOTATION
+  std::shared_ptr<ValueType const> item;     ///< of a list, which is held as a vector; kind is ItemType_string then
+  std::vector<ValueType> members;            ///< of a union: one of them has to accept the value; empty for no check
+  std::vector<std::string> values;           ///< all values, where they are no enumerators; empty for no limit
+  bool isQualifiedName = false;              ///< QName or NOTATION, held as CQName; kind is ItemType_string then
+  bool isIdentifier = false;                 ///< xs:ID
   std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
+
+  /// What one C++ value holds: an item of a list, or the value.
+  ValueType const& Single() const { return item != nullptr ? *item : *this; }
+  /// Whether a value may be refused because of its type.
+  bool HasChecks() const;
+  /// Whether all is the same but the name.
+  bool HasSameRules(ValueType const& other) const;
+  /// Whether both have the same C++ type and are read and written in the same way, but for checks.
+  bool IsHeldLike(ValueType const& other) const;
 };
 
 struct Class;

@@ -41,9 +41,18 @@ void AppendText(std::string& text, char const* name, std::string const& value) {
   if (!value.empty()) text += std::string(" ") + name + "=" + value;
 }
 
+std::string ChecksText(ValueType const& value);
+
 std::string ValueText(ValueType const& value) {
+  if (value.item != nullptr) return "list of (" + ValueText(*value.item) + ")" + ChecksText(value);
   if (value.enumeration != nullptr) return value.enumeration->cppName + WhiteSpaceText(value.whiteSpace);
-  std::string text = std::string(KindName(value.kind)) + WhiteSpaceText(value.whiteSpace);
+  if (value.isQualifiedName) return "qualified name";
+  if (value.isIdentifier) return "identifier" + ChecksText(value);
+  return std::string(KindName(value.kind)) + WhiteSpaceText(value.whiteSpace) + ChecksText(value);
+}
+
+std::string ChecksText(ValueType const& value) {
+  std::string text;
   AppendText(text, "pattern", value.facets.pattern);
   AppendNumber(text, "length", value.facets.length);
   AppendNumber(text, "minLength", value.facets.minLength);
@@ -54,6 +63,8 @@ std::string ValueText(ValueType const& value) {
   AppendText(text, "maxInclusive", value.facets.maxInclusive);
   AppendText(text, "minExclusive", value.facets.minExclusive);
   AppendText(text, "maxExclusive", value.facets.maxExclusive);
+  for (ValueType const& member : value.members) text += " or (" + ValueText(member) + ")";
+  for (std::string const& each : value.values) text += " " + Quoted(each);
   return text;
 }
 

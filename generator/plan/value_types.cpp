@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "plan/check_values.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
 #include "schema/patterns.h"
@@ -180,7 +181,32 @@ std::vector<std::vector<std::string>> PatternsOfUser(SimpleType const& type) {
   return {all.begin() + own, all.end()};
 }
 
+// ---- Unions
+
+bool AcceptsAnything(ValueType const& value) { return !value.HasChecks() && value.item == nullptr; }
+
+// The kind that holds the values of all members; text if there is none.
+ItemType CommonKind(std::vector<ValueType> const& members) {
+  auto const all = [&members](auto accepts) { return std::all_of(members.begin(), members.end(), accepts); };
+  ItemType const first = members.front().kind;
+  if (all([first](ValueType const& member) { return member.item == nullptr && member.kind == first; })) return first;
+  if (!all([](ValueType const& member) { return IsWholeNumber(member.kind) && member.kind != ItemType_decimal; })) {
+    return ItemType_string;
+  }
+  bool const isInteger =
+      !all([](ValueType const& member) { return member.kind != ItemType_integer && member.kind != ItemType_ui8; });
+  return isInteger ? ItemType_integer : ItemType_i8;
+}
+
 // ---- Enumerations
+
+bool HasEnumerators(SimpleType const& type) {
+  if (IsText(type)) return !type.facets.enumeration.empty();
+  return type.variety == Schema::Variety::Union &&
+         std::all_of(type.memberTypes.begin(), type.memberTypes.end(), [&type](SimpleType const* member) {
+           return HasEnumerators(*member) && WhiteSpaceOf(*member) == WhiteSpaceOf(type);
+         });
+}
 
 bool HasSameTexts(SimpleType const& type, SimpleType const& other) {
   auto const sameText = [](Schema::EnumerationValue const& a, Schema::EnumerationValue const& b) {
@@ -193,18 +219,28 @@ bool HasSameTexts(SimpleType const& type, SimpleType const& other) {
 // The type that introduced the values of \p type.
 SimpleType const& OriginOfTexts(SimpleType const& type) {
   SimpleType const* origin = &type;
-  while (origin->base != nullptr && HasSameTexts(*origin, *origin->base)) origin = origin->base;
+  while (origin->base != nullptr && origin->base->variety == type.variety && HasSameTexts(*origin, *origin->base)) {
+    origin = origin->base;
+  }
   return *origin;
 }
 
-std::vector<Enumerator> EnumeratorsOf(SimpleType const& type) {
-  std::vector<Enumerator> enumerators;
+void AppendEnumerators(SimpleType const& type, std::vector<Enumerator>& enumerators) {
   for (Schema::EnumerationValue const& value : type.facets.enumeration) {
     auto const isSame = [&value](Enumerator const& other) { return other.text == value.text; };
     if (std::any_of(enumerators.begin(), enumerators.end(), isSame)) continue;
     enumerators.push_back({"", value.text, value.documentation});
   }
-  return enumerators;
+  if (!type.facets.enumeration.empty()) return;
+  for (SimpleType const* member : type.memberTypes) AppendEnumerators(*member, enumerators);
+}
+
+std::vector<std::string> TextsOf(SimpleType const& type) {
+  std::vector<Enumerator> enumerators;
+  AppendEnumerators(type, enumerators);
+  std::vector<std::string> texts;
+  for (Enumerator const& each : enumerators) texts.push_back(each.text);
+  return texts;
 }
 
 std::string NameForUsers(SimpleType const& type) {
@@ -276,7 +312,7 @@ Enumeration* ValueTypes::EnumerationOf(SimpleType const& type, Use const& use) {
   known->name = origin.name;
   known->documentation = origin.documentation;
   known->place = origin.place;
-  known->enumerators = EnumeratorsOf(origin);
+  AppendEnumerators(origin, known->enumerators);
   known->owner = origin.IsAnonymous() ? use.user : nullptr;
   return known;
 }
@@ -288,42 +324,73 @@ void ValueTypes::WarnOfUnchecked(SimpleType const& type, ValueType const& value)
   Schema::Facets const& base = type.base->facets;
   std::string names;
   auto const note = [&names](char const* name) { names += (names.empty() ? "" : ", ") + std::string(name); };
-  if (!own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
+  if (value.isQualifiedName && !own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
   bool const hasLengths = own.length || own.minLength || own.maxLength;
   Facets const& kept = value.facets;
   bool const keepsLengths = kept.length >= 0 || kept.minLength >= 0 || kept.maxLength >= 0;
   bool const isInherited =
       own.length == base.length && own.minLength == base.minLength && own.maxLength == base.maxLength;
   if (hasLengths && !keepsLengths && !isInherited) note("length");
-  if (own.patterns.size() > base.patterns.size() && value.kind != ItemType_string) note("pattern");
+  bool const hasPattern = own.patterns.size() > base.patterns.size();
+  if (hasPattern && (value.kind != ItemType_string || value.isQualifiedName)) note("pattern");
   if (names.empty()) return;
   m_diagnostics.Warning(type.place, (type.IsAnonymous() ? "a facet" : "a facet of \"" + type.name.local + "\"") +
                                         " is not checked: " + names);
 }
 
-ValueType ValueTypes::Decide(SimpleType const& type, Use const& use) {
+ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMember) {
   ValueType value;
   ItemType const* const mapped = MappedKind(type);
   bool const isAtomic = type.variety == Schema::Variety::Atomic;
   ItemType const natural = isAtomic ? KindOf(type.ancestor) : ItemType_string;
   value.kind = mapped != nullptr ? *mapped : natural;
   value.schemaName = NameForUsers(type);
-  value.isQualifiedName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
+  bool const isName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
+  value.isQualifiedName = isName && mapped == nullptr && !isMember;
+  value.isIdentifier = isAtomic && type.ancestor == BuiltIn::ID && mapped == nullptr;
   value.whiteSpace = value.kind == ItemType_string ? WhiteSpaceOf(type) : Schema::WhiteSpace::Collapse;
-  if (IsText(type) && mapped == nullptr && !type.facets.enumeration.empty()) {
+  if (mapped == nullptr && HasEnumerators(type) && !isMember) {
     value.enumeration = EnumerationOf(type, use);
     value.kind = ItemType_i4;
     return value;
   }
-  if (value.kind == ItemType_string && !type.facets.patterns.empty()) SetPattern(type, value.facets);
+  if (mapped == nullptr && type.variety == Schema::Variety::List) SetItem(type, use, value);
+  if (mapped == nullptr && type.variety == Schema::Variety::Union) SetMembers(type, value);
+  if (value.kind == ItemType_string && !isName && !type.facets.patterns.empty()) SetPattern(type, value.facets);
   bool const hasBytes = value.kind == ItemType_hexBinary || value.kind == ItemType_base64Binary;
   bool const isTextOrAddress = IsText(type) || (isAtomic && type.ancestor == BuiltIn::AnyURI);
-  if (value.kind == natural && (hasBytes || isTextOrAddress)) SetLengths(type, value.facets);
+  bool const hasItems = value.item != nullptr && type.builtIn == BuiltIn::None;
+  if (value.kind == natural && (hasBytes || isTextOrAddress || hasItems)) SetLengths(type, value.facets);
   bool const keepsBounds =
       value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
-  if (keepsBounds) SetBounds(type, value.kind, value.facets);
+  if (keepsBounds && isAtomic) SetBounds(type, value.kind, value.facets);
+  if (mapped == nullptr && !isName) SetValues(type, value);
   if (mapped == nullptr) WarnOfUnchecked(type, value);
   return value;
+}
+
+void ValueTypes::SetItem(SimpleType const& type, Use const& use, ValueType& value) {
+  ValueType item = Of(type.itemType, use);
+  if (item.item == nullptr) value.item = std::make_shared<ValueType const>(std::move(item));
+}
+
+void ValueTypes::SetMembers(SimpleType const& type, ValueType& value) {
+  for (SimpleType const* member : type.memberTypes) value.members.push_back(Decide(*member, {}, true));
+  if (value.members.empty()) return;
+  value.kind = CommonKind(value.members);
+  if (value.kind != ItemType_string) value.whiteSpace = Schema::WhiteSpace::Collapse;
+  bool const acceptsAll = std::any_of(value.members.begin(), value.members.end(), [&value](ValueType const& member) {
+    return member.kind == value.kind && AcceptsAnything(member);
+  });
+  if (acceptsAll) value.members.clear();
+}
+
+// What the library cannot hold is no value that it could find.
+void ValueTypes::SetValues(SimpleType const& type, ValueType& value) {
+  if (type.facets.enumeration.empty()) return;
+  for (std::string& text : TextsOf(type)) {
+    if (value.kind == ItemType_string || IsReadable(value.kind, text)) value.values.push_back(std::move(text));
+  }
 }
 
 ValueType ValueTypes::Of(SimpleType const* type, Use const& use) {
@@ -334,8 +401,9 @@ ValueType ValueTypes::Of(SimpleType const* type, Use const& use) {
     return text;
   }
   auto const known = m_values.find(type);
-  if (known == m_values.end()) return m_values.emplace(type, Decide(*type, use)).first->second;
+  if (known == m_values.end()) return m_values.emplace(type, Decide(*type, use, false)).first->second;
   if (known->second.enumeration != nullptr) EnumerationOf(*type, use);  // one more user
+  if (known->second.item != nullptr) Of(type->itemType, use);
   return known->second;
 }
 

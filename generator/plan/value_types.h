@@ -26,7 +26,11 @@ class ValueTypes {
 
  private:
   void WarnOfUnchecked(Schema::SimpleType const& type, ValueType const& value);
-  ValueType Decide(Schema::SimpleType const& type, Use const& use);
+  /// \p isMember says that it is a member of a union, which has texts in place of enumerators.
+  ValueType Decide(Schema::SimpleType const& type, Use const& use, bool isMember);
+  void SetItem(Schema::SimpleType const& type, Use const& use, ValueType& value);
+  void SetMembers(Schema::SimpleType const& type, ValueType& value);
+  static void SetValues(Schema::SimpleType const& type, ValueType& value);
   Quillon9::ItemType const* MappedKind(Schema::SimpleType const& type) const;
   Enumeration* EnumerationOf(Schema::SimpleType const& type, Use const& use);
   void SetPattern(Schema::SimpleType const& type, Facets& facets);

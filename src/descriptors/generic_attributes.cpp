@@ -5,6 +5,7 @@
 #include "binding/failure_report.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
@@ -21,6 +22,18 @@ std::string DefaultNamespace(std::string ns, std::string const& restriction) {
   std::string token = FirstToken(restriction);
   bool const isUri = token.size() > 1 && token[0] != '#' && token[1] != '#';
   return isUri ? token : ns;
+}
+
+/// \p name with a prefix that has its meaning in the element that was started last.
+std::string WithValidPrefix(std::string const& name, std::map<std::string, std::string> const& prefixes,
+                            CXmlWriter& writer) {
+  std::string const text = CWhitespaceUtils::Collapse(name);
+  std::size_t const colon = text.find(':');
+  std::string const prefix = colon != std::string::npos ? text.substr(0, colon) : std::string();
+  auto const known = prefixes.find(prefix);
+  if (known == prefixes.end()) return name;
+  if (!prefix.empty() && writer.DeclarePrefix(prefix, known->second)) return name;
+  return writer.PrefixForValues(known->second, prefix) + ':' + (prefix.empty() ? text : text.substr(colon + 1));
 }
 
 }  // namespace
@@ -57,6 +70,7 @@ CSmartPtr<CAttributeCol> CAttributeCol::Clone() const {
   CSmartPtr<CAttributeCol> copy(
       new CAttributeCol(GetNamespace().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
   for (CAttribute const& attribute : *this) copy->Add(attribute.Clone().Get());
+  if (m_prefixes != nullptr) copy->m_prefixes = std::make_unique<std::map<std::string, std::string>>(*m_prefixes);
   return copy;
 }
 
@@ -96,7 +110,29 @@ CSmartPtr<CAttribute> CAttributeCol::Find(char const* name, char const* ns) cons
 
 void CAttributeCol::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializationContext const& ctx,
                               bool) const {
-  for (CAttribute const& attribute : *this) CXmlObjectBase::ToXml_Int(&attribute, writer, false, ns, ctx, false);
+  if (m_prefixes != nullptr) WritePrefixes(*writer);
+  for (CAttribute const& attribute : *this) {
+    bool const isType = m_prefixes != nullptr && attribute.GetName() == "type" &&
+                        attribute.GetNamespace() == "http://www.w3.org/2001/XMLSchema-instance";
+    if (isType) {
+      writer->WriteAttributeString(attribute.GetName(), attribute.GetNamespace(),
+                                   WithValidPrefix(attribute.GetValue(), *m_prefixes, *writer), ItemType_string);
+    } else {
+      CXmlObjectBase::ToXml_Int(&attribute, writer, false, ns, ctx, false);
+    }
+  }
+}
+
+void CAttributeCol::SetPrefix(std::string const& prefix, std::string ns) {
+  if (m_prefixes == nullptr) m_prefixes = std::make_unique<std::map<std::string, std::string>>();
+  (*m_prefixes)[prefix] = std::move(ns);
+}
+
+void CAttributeCol::WritePrefixes(CXmlWriter& writer) const {
+  if (m_prefixes == nullptr) return;
+  for (auto const& [prefix, ns] : *m_prefixes) {
+    if (prefix.empty() || !writer.DeclarePrefix(prefix, ns)) writer.PrefixForValues(ns, prefix);
+  }
 }
 
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,

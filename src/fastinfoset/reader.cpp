@@ -14,6 +14,7 @@
 #include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
 #include "xmlio/converted_text.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -198,7 +199,10 @@ CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t 
   CFIVocabulary::CQNameParts const& parts = EntryOf(table, index);
   if (shared.size() < table.size()) shared.resize(table.size());
   CXmlName const*& name = shared[index - 1];
-  if (!kInfosetNames.IsOn() || name == nullptr) name = SharedName(parts);
+  if (!kInfosetNames.IsOn() || name == nullptr) {
+    NotePrefix(parts);
+    name = SharedName(parts);
+  }
   kInfosetNames.Verify([&] { return name == SharedName(parts); });
   return name;
 }
@@ -220,7 +224,17 @@ CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table)
   if (hasNamespace) name.m_namespace = IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable().GetVector());
   name.m_localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable().GetVector());
   m_vocabulary->AddQNameToVector(name.m_prefix, name.m_namespace, name.m_localName, table);
+  NotePrefix(name);
   return SharedName(name);
+}
+
+/// Some writers declare a prefix only by names that have it.
+void CFastInfosetReader::NotePrefix(CFIVocabulary::CQNameParts const& parts) {
+  if (parts.m_prefix == 0 || parts.m_namespace == 0) return;
+  std::string const& prefix = EntryOf(m_vocabulary->GetPrefixNamesTable().GetVector(), parts.m_prefix);
+  std::string const& uri = EntryOf(m_vocabulary->GetNamespaceNamesTable().GetVector(), parts.m_namespace);
+  constexpr std::size_t kLongest = 256;  // since a few octets may repeat them
+  if (prefix.size() + uri.size() <= kLongest) XmlNodeAccess::NoteNamespace(m_document, prefix, uri);
 }
 
 /// Return the index of the string, which is added to \p table if it is spelled out.

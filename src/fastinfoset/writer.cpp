@@ -163,9 +163,10 @@ void CFastInfosetWriter::WritePendingElement(bool hasAttributes) {
     m_pendingElement->m_attributesWritten = true;
     leading = fi::kHasAttributes;
   }
-  if (m_context == nullptr && (!m_defaultNamespace.empty() || !m_namespaceMap.empty())) {
+  bool const isRoot = m_context == nullptr;
+  if (!m_declared.empty() || (isRoot && (!m_defaultNamespace.empty() || !m_namespaceMap.empty()))) {
     m_output->Octet(leading | fi::kHasNamespaceAttributes);
-    WriteNamespaceAttributes();
+    WriteNamespaceAttributes(isRoot);
     leading = 0;
   }
   NameOfPending(leading);
@@ -189,18 +190,40 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   XmlWriterAccess::SetNameNumber(pending, index);
 }
 
-void CFastInfosetWriter::WriteNamespaceAttributes() {
-  if (!m_defaultNamespace.empty()) {
+void CFastInfosetWriter::WriteNamespaceAttributes(bool isRoot) {
+  auto const declare = [this](std::string const& prefix, std::string const& uri) {
+    m_output->Octet(fi::kNamespaceAttribute | fi::kHasPrefix | fi::kHasNamespaceName);
+    Prefix(prefix);
+    NamespaceName(uri);
+  };
+  if (isRoot && !m_defaultNamespace.empty()) {
     m_output->Octet(fi::kNamespaceAttribute | fi::kHasNamespaceName);
     NamespaceName(m_defaultNamespace);
   }
-  for (auto const& binding : m_namespaceMap) {
-    if (StartsWith(binding.first, kXmlNamespace)) continue;
-    m_output->Octet(fi::kNamespaceAttribute | fi::kHasPrefix | fi::kHasNamespaceName);
-    Prefix(binding.second);
-    NamespaceName(binding.first);
+  if (isRoot) {
+    for (auto const& binding : m_namespaceMap) {
+      if (!StartsWith(binding.first, kXmlNamespace)) declare(binding.second, binding.first);
+    }
   }
+  for (auto const& declaration : m_declared) declare(declaration.first, declaration.second);
+  m_declared.clear();
   m_output->Octet(fi::kTerminator);
+}
+
+CXmlWriter::CXmlWriterContext* CFastInfosetWriter::StartedElement() const {
+  return m_pendingElement != nullptr ? m_pendingElement : m_context;
+}
+
+bool CFastInfosetWriter::DeclarePrefix(std::string const& prefix, std::string const& uri) {
+  if (m_pendingElement == nullptr) {  // its declarations are written
+    RequireOpenTag();
+    std::string const* const known = m_context->FindPrefix(uri);
+    return known != nullptr && *known == prefix;
+  }
+  bool isNew = false;
+  bool const isBound = BindPrefix(*m_pendingElement, prefix, uri, isNew);
+  if (isNew) m_declared.emplace_back(prefix, uri);
+  return isBound;
 }
 
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {

@@ -19,7 +19,7 @@ using namespace Quillon9Data;
 
 namespace {
 
-/// A value that is an enumerator, is fixed, or has a number of digits.
+/// A value that is an enumerator, is fixed, or has rules that the library's own descriptors do not know.
 class ValueAttribute : public CAttributeInfo {
  public:
   explicit ValueAttribute(CAttributeRow const& row)
@@ -31,7 +31,8 @@ class ValueAttribute : public CAttributeInfo {
     QnVariant value;
     ReadProperty(holder, value);
     if (!value.IsValid() && m_optional) return;
-    std::string const text = Print(value);
+    bool const hasNames = value.IsValid() && ValueRule::HasNames(m_rule.GetType());
+    std::string const text = hasNames ? m_rule.Declare(value, *writer) : Print(value);
     if (IsSuppressedDefault(ctx, text)) return;
     m_rule.Check(value);
     bool const isEnumerator = m_rule.GetType().enumeration != nullptr;
@@ -107,7 +108,7 @@ class AnyAttributes : public CAttributeInfo {
 std::unique_ptr<CAttributeInfo> MakeAttribute(CAttributeRow const& row) {
   if (row.value == nullptr) return std::make_unique<AnyAttributes>(row);
   CValueType const& type = *row.value;
-  if (type.enumeration != nullptr || row.fixedText != nullptr || ValueRule::HasDigits(type)) {
+  if (type.enumeration != nullptr || row.fixedText != nullptr || ValueRule::HasOwnRules(type)) {
     return std::make_unique<ValueAttribute>(row);
   }
   return std::make_unique<CAttributeInfoPrimitive>(row.name, row.ns, row.property, row.occurs == Occurs::Optional,

@@ -66,13 +66,25 @@ void CheckEmptyText(ValueRule const& rule) {
   }
 }
 
+/// The object that is being written whose text has prefixes, and its writer.
+struct NamesInText {
+  CBoundObject const* holder = nullptr;
+  CXmlWriter* writer = nullptr;
+};
+thread_local NamesInText t_namesInText;
+
 // Kept apart, so that access to other properties needs no room for this one.
-[[gnu::noinline]] void AccessText(ValueRule const& rule, CPropertyRef property, bool read, QnVariant& value) {
+[[gnu::noinline]] void AccessText(CBoundObject const& holder, ValueRule const& rule, CPropertyRef property, bool read,
+                                  QnVariant& value) {
   if (!read) return property.Store(rule.Read(value.GetString(), false));
   QnVariant held;
   property.Read(held);
   if (held.IsValid()) rule.Check(held);
   if (!held.IsValid()) CheckEmptyText(rule);
+  if (t_namesInText.holder == &holder && ValueRule::HasNames(rule.GetType())) {
+    CXmlWriter& writer = *std::exchange(t_namesInText, {}).writer;
+    return value.SetString(held.IsValid() ? rule.Declare(held, writer) : std::string());
+  }
   value.SetString(held.IsValid() ? rule.Print(held) : std::string());
 }
 
@@ -81,7 +93,7 @@ void CheckEmptyText(ValueRule const& rule) {
 void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
   if (index == kConvertedText) {
     BuiltClass const& built = m_tables->Built();
-    return AccessText(*built.TextRule(), Property(built.TextProperty()), read, value);
+    return AccessText(*this, *built.TextRule(), Property(built.TextProperty()), read, value);
   }
   CPropertyRef const property = Property(index);
   if (!property) return;
@@ -110,8 +122,55 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   CXmlElement* const next = CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
   BuiltClass const& built = m_tables->Built();
   if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
+  if (!built.PrefixUsers().empty() || built.HasNamesInText()) ResolvePrefixes(*parent, ctx);
   if (ctx.GetChecksFacetsOnReading() && built.TextRule() != nullptr) CheckTextFacets(*parent, ctx);
   return next;
+}
+
+// Those who read the values do not know the element where the prefixes are in scope.
+void CBoundObject::ResolvePrefixes(CXmlElement const& element, CXmlSerializationContext const& ctx) {
+  BuiltClass const& built = m_tables->Built();
+  auto const resolve = [&](int number, FailurePoint const& place) {
+    CPropertyRef const property = Property(number);
+    try {
+      QnVariant held;
+      property.Read(held);
+      if (held.IsValid()) property.Store(built.At(number).rule->Resolve(held, element));
+    } catch (CQnException& failure) {
+      if (!FailureReport::GoesOn(ctx, failure, place)) throw;
+      property.Clear();
+    }
+  };
+  for (BuiltClass::PrefixUser const& user : built.PrefixUsers()) {
+    if (user.name == nullptr) {
+      auto* const held = static_cast<CAttributeCol*>(Property(user.property).Look());
+      if (held != nullptr) NotePrefixes(element, *held);
+      continue;
+    }
+    CXmlAttribute const* const attribute = element.FindAttribute(user.name, user.ns);
+    if (attribute != nullptr) resolve(user.property, {&element, attribute});
+  }
+  if (built.HasNamesInText()) resolve(built.TextProperty(), {&element});
+}
+
+// Before the first attribute, since some formats have no place for declarations after it.
+void CBoundObject::DeclarePrefixes(CXmlWriter& writer) const {
+  BuiltClass const& built = m_tables->Built();
+  auto const declare = [&](int number) {
+    QnVariant held;
+    ConstProperty(number).Read(held);
+    if (held.IsValid()) built.At(number).rule->Declare(held, writer);
+  };
+  for (BuiltClass::PrefixUser const& user : built.PrefixUsers()) {
+    if (user.name != nullptr) {
+      declare(user.property);
+    } else if (auto const* const held = static_cast<CAttributeCol const*>(ConstProperty(user.property).Look())) {
+      held->WritePrefixes(writer);
+    }
+  }
+  if (!built.HasNamesInText()) return;
+  declare(built.TextProperty());
+  t_namesInText = {this, &writer};
 }
 
 // AccessProperty() stores the text of a document, but does not know the context.
@@ -152,8 +211,10 @@ namespace {
 }  // namespace
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
+  BuiltClass const& built = m_tables->Built();
+  if (!built.PrefixUsers().empty() || built.HasNamesInText()) DeclarePrefixes(*writer);
   if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);
-  if (!m_tables->Built().RemovedProperties().empty()) RequireRemovedUnset(*writer);
+  if (!built.RemovedProperties().empty()) RequireRemovedUnset(*writer);
   CXmlGeneratedClass::AttributesToXml_Int(writer, ctx);
 }
 
@@ -175,7 +236,7 @@ void CBoundObject::RequireRemovedUnset(CXmlWriter const& writer) const {
 
 ItemType CBoundObject::KindOf(int property) const {
   CValueType const* const type = m_tables->Built().At(property).value;
-  return type != nullptr ? type->kind : ItemType_invalid;
+  return type != nullptr ? type->HeldKind() : ItemType_invalid;
 }
 
 void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {

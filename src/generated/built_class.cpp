@@ -77,6 +77,7 @@ BuiltClass::BuiltClass(CClassTables const& tables)
   RowList const rows = ElementRowsOf(row);
   NoteProperties(row);
   NoteText(row);
+  NoteRoles(row);
   NoteChoices(rows);
   MakeElements(row, rows);
   MakeAttributes(row);
@@ -95,7 +96,7 @@ int BuiltClass::FindChoice(CElementRow const* row) const {
 namespace {
 
 std::unique_ptr<ValueRule const> RuleOf(char const* name, CValueType const& type, char const* fixedText) {
-  if (type.facets == nullptr && fixedText == nullptr) return nullptr;
+  if (type.facets == nullptr && fixedText == nullptr && !ValueRule::HasParts(type)) return nullptr;
   return std::make_unique<ValueRule const>(name, type, nullptr, fixedText);
 }
 
@@ -164,6 +165,21 @@ void BuiltClass::NoteText(CClassRow const& row) {
     m_textRule = member.rule.get();
     m_info.m_textPropertyIndex = kConvertedText;
   });
+}
+
+void BuiltClass::NoteRoles(CClassRow const& row) {
+  for (CAttributeRow const* attribute : AttributeRowsOf(row)) {
+    bool const isWildcard = attribute->value == nullptr;
+    if (!isWildcard && !ValueRule::HasNames(*attribute->value)) continue;
+    m_prefixUsers.push_back({attribute->property, isWildcard ? nullptr : attribute->name, attribute->ns});
+  }
+  for (std::size_t i = 0; i < m_members.size(); ++i) {
+    Member const& member = m_members[i];
+    bool const isSingle = member.element == nullptr || member.element->kind == RowKind::Value;
+    bool const isId = isSingle && member.value != nullptr && member.value->parts != nullptr &&
+                      member.value->parts->role == ValueRole::Identifier;
+    if (isId) m_ids.push_back(static_cast<int>(i));
+  }
 }
 
 void BuiltClass::NoteChoices(RowList const& rows) {

@@ -24,6 +24,13 @@ constexpr int kConvertedText = std::numeric_limits<int>::max();
 /// What is made of the rows of one class. Immutable.
 class BuiltClass {
  public:
+  /// An attribute whose values have prefixes, or the attributes of a wildcard, which may have any values.
+  struct PrefixUser {
+    int property;
+    char const* name;  ///< null for a wildcard
+    char const* ns;
+  };
+
   /// What is known about one property.
   struct Member {
     CElementRow const* element = nullptr;      ///< its row, if it is an element
@@ -57,6 +64,11 @@ class BuiltClass {
   /// \p property is a number that the class has.
   Member const& At(int property) const { return m_members[static_cast<std::size_t>(property)]; }
   std::vector<Removed> const& RemovedProperties() const { return m_removed; }
+  std::vector<PrefixUser> const& PrefixUsers() const { return m_prefixUsers; }
+  /// Whether the text has prefixes.
+  bool HasNamesInText() const { return m_textRule != nullptr && ValueRule::HasNames(m_textRule->GetType()); }
+  /// The properties whose values are of type xs:ID.
+  std::vector<int> const& IdProperties() const { return m_ids; }
   /// The rule of the text of the element; null if that is plain text.
   ValueRule const* TextRule() const { return m_textRule; }
   /// The property that holds the text; -1 for none.
@@ -83,6 +95,7 @@ class BuiltClass {
   void NoteElement(CElementRow const& element);
   void NoteAttribute(CAttributeRow const& attribute);
   void NoteRemoved(CClassRow const& row);
+  void NoteRoles(CClassRow const& row);
   void NoteChoices(RowList const& rows);
   void NoteText(CClassRow const& row);
   void MakeElements(CClassRow const& row, RowList const& rows);
@@ -94,6 +107,8 @@ class BuiltClass {
   Quillon9Data::CParentElementInfo m_info;
   std::vector<Member> m_members;
   std::vector<Removed> m_removed;
+  std::vector<PrefixUser> m_prefixUsers;
+  std::vector<int> m_ids;
   std::vector<Choice> m_choices;
   ValueRule const* m_textRule = nullptr;
   int m_textProperty = -1;

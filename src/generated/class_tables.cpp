@@ -44,7 +44,7 @@ class TypeName {
     std::size_t const colon = value.find(':');
     if (colon != std::string_view::npos) m_prefix = value.substr(0, colon);
     m_local = value.substr(colon + 1);  // all of it where there is no colon
-    if (element.GetDocument() != nullptr) m_ns = element.GetDocument()->LookupNamespaceFromAlias(m_prefix.c_str());
+    if (element.GetDocument() != nullptr) element.GetDocument()->LookupNamespace(element, m_prefix, m_ns);
   }
 
   /// The type among \p declared and those derived from it; null for none.

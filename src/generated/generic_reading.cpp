@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "descriptors/mixed_access.h"
+#include "generated/type_attribute.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
@@ -15,6 +16,52 @@ bool HasOnlyLayout(CXmlElement const& element) {
 
 namespace {
 
+// Letters beyond ASCII are taken for parts of names.
+bool BeginsName(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || static_cast<signed char>(c) < 0;
+}
+bool IsInName(char c) { return BeginsName(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; }
+
+/// Calls \p visit with what may be a prefix: a name, with a colon and another name after it.
+template <class Visit>
+void ForEachPrefix(std::string_view value, Visit visit) {
+  for (std::size_t colon = value.find(':'); colon != value.npos; colon = value.find(':', colon + 1)) {
+    if (colon + 1 == value.size() || !BeginsName(value[colon + 1])) continue;
+    std::size_t begin = colon;
+    while (begin != 0 && IsInName(value[begin - 1])) --begin;
+    if (begin != colon && BeginsName(value[begin])) visit(value.substr(begin, colon - begin));
+  }
+}
+
+/// Whether there is a colon, or a type that may have the default namespace.
+bool HasPrefixes(CXmlElement const& element) {
+  if (element.GetTextView().find(':') != std::string_view::npos) return true;
+  for (CXmlAttribute const& attribute : element.Attributes()) {
+    if (attribute.GetValueView().find(':') != std::string_view::npos) return true;
+  }
+  return element.GetFirstAttribute() != nullptr && FindTypeAttribute(element) != nullptr;
+}
+
+}  // namespace
+
+void NotePrefixes(CXmlElement const& element, CAttributeCol& attributes) {
+  if (element.GetDocument() == nullptr) return;
+  std::string uri;
+  auto const note = [&](std::string_view prefix) {
+    auto const* const known = attributes.GetPrefixes();
+    if (known != nullptr && known->count(std::string(prefix)) != 0) return;
+    if (prefix != "xml" && element.GetDocument()->LookupNamespace(element, prefix, uri)) {
+      attributes.SetPrefix(std::string(prefix), uri);
+    }
+  };
+  for (CXmlAttribute const& attribute : element.Attributes()) ForEachPrefix(attribute.GetValueView(), note);
+  ForEachPrefix(element.GetTextView(), note);
+  CXmlAttribute const* const type = element.GetFirstAttribute() != nullptr ? FindTypeAttribute(element) : nullptr;
+  if (type != nullptr && type->GetValueView().find(':') == std::string_view::npos) note("");
+}
+
+namespace {
+
 /// Drop the layout, and keep where other text stands. \p copy has been read from \p source, so it has the same children. Uses a list instead of the stack, since a document
 /// may nest deeply.
 void SettleText(CXmlElement const& source, CElement& copy) {
@@ -22,6 +69,7 @@ void SettleText(CXmlElement const& source, CElement& copy) {
   while (!open.empty()) {
     auto const [from, to] = open.back();
     open.pop_back();
+    if (HasPrefixes(*from)) NotePrefixes(*from, *to->GetAttributes());
     if (from->GetFirstElement() == nullptr) continue;
     if (HasOnlyLayout(*from)) {
       to->SetText("");

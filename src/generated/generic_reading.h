@@ -18,4 +18,8 @@ CSmartPtr<CElement> TakeGeneric(CXmlElement* parent, CXmlElement** cursor, CXmlS
 /// The same for the document element.
 CSmartPtr<CElement> CopyGeneric(CXmlElement const& root);
 
+/// Give \p attributes, which are of \p element or of a copy of it, the prefixes that seem to stand in the values of its
+/// attributes and in its text, with their namespaces.
+void NotePrefixes(CXmlElement const& element, CAttributeCol& attributes);
+
 }  // namespace Quillon9

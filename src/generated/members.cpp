@@ -86,7 +86,7 @@ std::unique_ptr<CElementInfo> MakeMember(CElementRow const& row, bool isInGroup)
     case RowKind::Value: {
       CValueType const& type = *row.value;
       if (type.enumeration != nullptr || row.defaultText != nullptr || row.fixedText != nullptr ||
-          ValueRule::HasDigits(type)) {
+          ValueRule::HasOwnRules(type)) {
         return std::make_unique<ValueMember>(row, isRequired);
       }
       char const* const format = FormatOf(type.kind);
@@ -157,8 +157,17 @@ QN_ELEMENT_TO_XML(ValueMember) {
   ReadProperty(holder, value);
   if (!value.IsValid()) return m_isRequired && OmitOnWriting(ctx, *writer);
   m_rule.CheckOwn(value);
-  if (m_row.value->enumeration == nullptr) return ElementToXmlPrim(ctx, holder, writer);
+  if (ValueRule::HasNames(*m_row.value)) return WriteNames(value, *writer);
+  bool const isPlain = m_row.value->enumeration == nullptr && !ValueRule::IsList(*m_row.value);
+  if (isPlain) return ElementToXmlPrim(ctx, holder, writer);
   WriteText(writer, m_rule.Print(value), ItemType_string);
+  return true;
+}
+
+bool ValueMember::WriteNames(QnVariant const& value, CXmlWriter& writer) const {
+  writer.WriteStartElement(m_row.name, m_namespace);
+  writer.WriteString(m_rule.Declare(value, writer), ItemType_string);
+  writer.WriteEndElement();
   return true;
 }
 
@@ -168,6 +177,7 @@ QN_ELEMENT_FROM_XML(ValueMember) {
   CXmlElement* const element = *cursor;
   try {
     QnVariant value = m_rule.Read(element->GetTextView(), true, &ctx);
+    if (ValueRule::HasNames(*m_row.value)) value = m_rule.Resolve(value, *element);
     AccessProperty(holder, false, value);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {element})) throw;

@@ -40,7 +40,8 @@ class BoundMember : public Quillon9Data::CElementInfoSeq {
                       CXmlElement** cursor, char const* holderNamespace, Quillon9Data::XmlElementType holderType) \
       override;
 
-/// A value that is an enumerator, or has a default, a fixed value or a number of digits.
+/// A value that is an enumerator, or has a default, a fixed value or rules that the library's own descriptors do not
+/// know.
 class ValueMember : public BoundMember {
  public:
   ValueMember(CElementRow const& row, bool isRequired);
@@ -48,6 +49,7 @@ class ValueMember : public BoundMember {
 
  private:
   bool OmitOnWriting(CXmlSerializationContext const& ctx, CXmlWriter const& writer) const;
+  bool WriteNames(QnVariant const& value, CXmlWriter& writer) const;
 
   ValueRule m_rule;
 };

@@ -1,6 +1,8 @@
 #include "quillon9/generated/property_ref.h"
 
 #include "base/failure_detail.h"
+#include "generated/list_items.h"
+#include "generated/qualified_name_text.h"
 #include "generated/value_rule.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
@@ -73,6 +75,148 @@ Value const& As(void const* member) {
 
 }  // namespace
 
+// ---- Lists
+
+namespace {
+
+/// A text that is a list of one item has to be read back as that item.
+void RequireItem(std::string const& text) {
+  if (!text.empty() && text.find_first_of(kListBlanks) == std::string::npos) return;
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                         "The item [%s] of a list is empty or contains white space", text.c_str())));
+}
+
+template <ItemType number, class Value>
+void ReadList(std::vector<Value> const& list, QnVariant& value) {
+  std::string text;
+  for (Value const& each : list) {
+    QnVariant item;
+    Held<number>::Set(item, each);
+    std::string const itemText = item.ToString(FormatOf(number));
+    RequireItem(itemText);
+    if (!text.empty()) text += ' ';
+    text += itemText;
+  }
+  value.SetString(std::move(text));
+}
+
+template <ItemType number, class Value>
+std::vector<Value> ListOf(QnVariant const& value) {
+  std::vector<Value> list;
+  std::string const text = value.GetString();
+  for (ListItems items(text); items.Next();) {
+    QnVariant item;
+    item.FromString(std::string(items.Text()), number, CWhitespaceUtils::WhitespaceRule_Preserve);
+    Value held{};
+    Held<number>::Get(item, held);
+    list.push_back(std::move(held));
+  }
+  return list;
+}
+
+}  // namespace
+
+std::string TextOfNumbers(std::vector<int> const& numbers) {
+  QnVariant text;
+  ReadList<ItemType_i4>(numbers, text);
+  return text.GetString();
+}
+
+std::vector<int> NumbersOfText(QnVariant const& text) { return ListOf<ItemType_i4, int>(text); }
+
+template <class Value, ItemType number>
+CPropertyKind const ValueKind<Value, number>::kList = {
+    [](void const* member, QnVariant& value) { ReadList<number>(As<std::vector<Value>>(member), value); },
+    [](void* member, QnVariant const& value) { As<std::vector<Value>>(member) = ListOf<number, Value>(value); },
+    [](void* member) { As<std::vector<Value>>(member).clear(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+
+template <class Value, ItemType number>
+CPropertyKind const ValueKind<Value, number>::kOptionalList = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<std::vector<Value>>>(member);
+      if (held) ReadList<number>(*held, value);
+    },
+    [](void* member, QnVariant const& value) {
+      As<std::optional<std::vector<Value>>>(member) = ListOf<number, Value>(value);
+    },
+    [](void* member) { As<std::optional<std::vector<Value>>>(member).reset(); },
+    [](void const* member) { return As<std::optional<std::vector<Value>>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+
+// ---- Qualified names
+
+namespace {
+
+using Names = std::vector<CQName>;
+
+void ReadNames(Names const& names, QnVariant& value) {
+  std::string text;
+  for (CQName const& name : names) {
+    std::string const item = QualifiedNameText::From(name);
+    RequireItem(item);
+    text += (text.empty() ? "" : " ") + item;
+  }
+  value.SetString(std::move(text));
+}
+
+Names NamesOf(QnVariant const& value) {
+  Names names;
+  std::string const text = value.GetString();
+  for (ListItems items(text); items.Next();) names.push_back(QualifiedNameText::Parse(items.Text()));
+  return names;
+}
+
+}  // namespace
+
+CPropertyKind const QualifiedNameKind::kPlain = {
+    [](void const* member, QnVariant& value) { value.SetString(QualifiedNameText::From(As<CQName>(member))); },
+    [](void* member, QnVariant const& value) { As<CQName>(member) = QualifiedNameText::Parse(value.GetString()); },
+    [](void* member) { As<CQName>(member) = CQName(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kOptional = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<CQName>>(member);
+      if (held) value.SetString(QualifiedNameText::From(*held));
+    },
+    [](void* member, QnVariant const& value) {
+      As<std::optional<CQName>>(member) = QualifiedNameText::Parse(value.GetString());
+    },
+    [](void* member) { As<std::optional<CQName>>(member).reset(); },
+    [](void const* member) { return As<std::optional<CQName>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kList = {
+    [](void const* member, QnVariant& value) { ReadNames(As<Names>(member), value); },
+    [](void* member, QnVariant const& value) { As<Names>(member) = NamesOf(value); },
+    [](void* member) { As<Names>(member).clear(); },
+    [](void const*) { return true; },
+    nullptr,
+    nullptr,
+    nullptr};
+CPropertyKind const QualifiedNameKind::kOptionalList = {
+    [](void const* member, QnVariant& value) {
+      auto const& held = As<std::optional<Names>>(member);
+      if (held) ReadNames(*held, value);
+    },
+    [](void* member, QnVariant const& value) { As<std::optional<Names>>(member) = NamesOf(value); },
+    [](void* member) { As<std::optional<Names>>(member).reset(); },
+    [](void const* member) { return As<std::optional<Names>>(member).has_value(); },
+    nullptr,
+    nullptr,
+    nullptr};
+
+// ---- Single values
+
 template <class Value, ItemType number>
 CPropertyKind const ValueKind<Value, number>::kPlain = {
     [](void const* member, QnVariant& value) { Held<number>::Set(value, As<Value>(member)); },
@@ -107,22 +251,22 @@ QN_VALUE_TYPES(QN_DEFINE_KIND)
 
 namespace {
 
-/// A collection of numbers whose type limits their digits, which the library's own collections do not know. They are
-/// checked when those of single values are.
+/// A collection of values whose type has rules that the library's own collections do not know. They are checked when
+/// those of single values are.
 template <class Collection>
-class DigitsCol : public Collection {
+class RuledCol : public Collection {
  public:
-  DigitsCol(CElementRow const& row, CFacets const& f, CValueType const& type)
+  RuledCol(CElementRow const& row, CFacets const& f, CValueType const& type)
       : Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
                    f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind)),
-        m_facets(f) {}
+        m_rule(row.name, type, nullptr, nullptr) {}
 
   void AddFromString(std::string text) override {
     Collection::AddFromString(std::move(text));
     if (!m_checksItems) return;
     int const last = this->GetCount() - 1;
     try {
-      RequireDigits(this->ItemAt(last));
+      RequireValid(this->ItemAt(last));
     } catch (...) {
       this->Remove(last);
       throw;
@@ -142,23 +286,28 @@ class DigitsCol : public Collection {
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                  bool inChoice) const override {
     if (CheckingWriter* const check = XmlWriterAccess::Checking(*writer)) return CheckItems(*check, ctx);
-    for (auto const& value : *this) RequireDigits(value);
+    for (auto const& value : *this) RequireValid(value);
     Collection::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
   }
 
  private:
   template <class Value>
-  void RequireDigits(Value const& value) const {
+  QnVariant HeldAs(Value const& value) const {
     QnVariant held;
-    CPropertyRef(const_cast<std::decay_t<Value>&>(value)).Read(held);
-    ValueRule::CheckDigits(this->GetElementName().c_str(), m_facets, held);
+    CPropertyRef(const_cast<std::decay_t<Value>&>(value), m_rule.GetType().kind).Read(held);
+    return held;
   }
-  // The text of a number is always valid.
+  template <class Value>
+  void RequireValid(Value const& value) const {
+    m_rule.CheckOwn(HeldAs(value));
+  }
   void CheckItems(CheckingWriter& writer, CXmlSerializationContext const& ctx) const {
     for (auto const& value : *this) {
       writer.WriteStartElement(this->GetElementName(), this->GetNamespace());
       try {
-        RequireDigits(value);
+        QnVariant const held = HeldAs(value);
+        m_rule.Check(held);
+        writer.WriteString(m_rule.Print(held), held.GetItemType());
       } catch (CQnException& failure) {
         if (!writer.GoesOn(failure)) throw;
       }
@@ -167,7 +316,7 @@ class DigitsCol : public Collection {
     this->ValidateCount(ctx);
   }
 
-  CFacets const& m_facets;
+  ValueRule m_rule;
   bool m_checksItems = false;  // of a read that checks facets
 };
 
@@ -188,7 +337,7 @@ class DateCol : public Collection {
   }
 };
 
-/// The class that is made for a collection without a limit of digits.
+/// The class that is made for a collection without such rules.
 template <class Collection>
 using Manners = std::conditional_t<
     std::is_same_v<Collection, CstringCol>, TextCol,
@@ -200,12 +349,7 @@ CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   static constexpr CFacets kNone;
   CValueType const& type = row.value != nullptr ? *row.value : kText;
   CFacets const& f = type.facets != nullptr ? *type.facets : kNone;
-  using Value = std::decay_t<decltype(*std::declval<Collection const&>().begin())>;
-  constexpr bool isNumber = std::is_same_v<Value, CDecimal> || std::is_same_v<Value, CBigInteger> ||
-                            (std::is_integral_v<Value> && !std::is_same_v<Value, bool>);
-  if constexpr (isNumber) {
-    if (ValueRule::HasDigits(type)) return new DigitsCol<Collection>(row, f, type);
-  }
+  if (ValueRule::HasOwnRules(type)) return new RuledCol<Manners<Collection>>(row, f, type);
   return new Manners<Collection>(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength,
                                  f.minInclusive, f.maxInclusive, f.minExclusive, f.maxExclusive, f.length,
                                  type.whitespace, FormatOf(type.kind));

@@ -1,9 +1,12 @@
 #include "generated/value_rule.h"
 
+#include <algorithm>
 #include <limits>
 
 #include "base/failure_detail.h"
 #include "base/text_arguments.h"
+#include "generated/list_items.h"
+#include "generated/qualified_name_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/generated/enum_col.h"
@@ -16,6 +19,7 @@ namespace Quillon9 {
 CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
   if (type.facets == nullptr) return {};
   CFacets const& f = *type.facets;
+  if (ValueRule::IsList(type)) return CPrimitiveRestrictions(OrEmpty(f.pattern), -1, -1, "", "", "", "", -1);
   CPrimitiveRestrictions restrictions(OrEmpty(f.pattern), f.minLength, f.maxLength, OrEmpty(f.minInclusive),
                                       OrEmpty(f.maxInclusive), OrEmpty(f.minExclusive), OrEmpty(f.maxExclusive),
                                       f.length);
@@ -35,11 +39,37 @@ ValueRule::ValueRule(char const* name, CValueType const& type, char const* defau
       m_restrictions(RestrictionsOf(type)),
       m_filter(CFacetFilter::Make(type.kind, m_restrictions)),
       m_default(fixedText != nullptr ? fixedText : defaultText),
-      m_fixed(fixedText) {}
+      m_fixed(fixedText) {
+  if (!HasParts(type)) return;
+  if (IsList(type)) m_item = std::make_unique<ValueRule const>(name, *type.parts->item, nullptr, nullptr);
+  for (int i = 0; i < type.parts->memberCount; ++i) {
+    m_members.emplace_back(name, *type.parts->members[i], nullptr, nullptr);
+  }
+}
+
+namespace {
+
+/// The items of \p list as \p convert returns them, with one blank between them.
+template <class Convert>
+std::string Joined(std::string_view list, Convert convert) {
+  std::string text;
+  for (ListItems items(list); items.Next();) {
+    if (!text.empty()) text += ' ';
+    text += convert(items.Text());
+  }
+  return text;
+}
+
+}  // namespace
 
 QnVariant ValueRule::Convert(std::string_view text) const {
   QnVariant value;
-  if (m_type.enumeration == nullptr) {
+  if (m_item != nullptr) {
+    bool const hasNumbers = m_item->m_type.enumeration != nullptr;
+    value.SetString(Joined(text, [&](std::string_view item) {
+      return hasNumbers ? m_item->Convert(item).ToString() : std::string(item);
+    }));
+  } else if (m_type.enumeration == nullptr) {
     value.FromString(std::string(text), m_type.kind, m_type.whitespace);
   } else {
     std::string scratch;
@@ -55,10 +85,9 @@ QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializati
   return value;
 }
 
-namespace {
-
-/// Whether two values of one kind are equal, however they are written.
-bool IsSame(QnVariant const& a, QnVariant const& b) {
+// Whether two values are equal, however they are written.
+bool ValueRule::IsSame(QnVariant const& a, QnVariant const& b) const {
+  if (m_item != nullptr) return IsSameList(a.GetString(), b.GetString());
   switch (a.GetItemType()) {
     case ItemType_decimal: return a.GetDecimal() == b.GetDecimal();
     case ItemType_r4:
@@ -67,7 +96,30 @@ bool IsSame(QnVariant const& a, QnVariant const& b) {
   }
 }
 
-}  // namespace
+bool ValueRule::IsSameList(std::string const& a, std::string const& b) const {
+  ListItems ones(a);
+  ListItems others(b);
+  while (ones.Next()) {
+    if (!others.Next()) return false;
+    if (ones.Text() != others.Text() && !m_item->IsSame(m_item->Held(ones.Text()), m_item->Held(others.Text()))) {
+      return false;
+    }
+  }
+  return !others.Next();
+}
+
+// The value of an item of a list as that holds it, in which enumerators are numbers.
+QnVariant ValueRule::Held(std::string_view item) const {
+  if (m_type.enumeration == nullptr) return Convert(item);
+  QnVariant number;
+  number.FromString(std::string(item), ItemType_i4, CWhitespaceUtils::WhitespaceRule_Preserve);
+  return number;
+}
+
+void ValueRule::RefuseValue(QnVariant const& value) const {
+  throw OfKind(FailureKind_BrokenFacet,
+               CQnException(FormatString("Invalid Value for %s [%s]", m_name, Print(value).c_str())));
+}
 
 void ValueRule::CheckFixed(QnVariant const& value) const {
   if (IsSame(value, Convert(m_fixed))) return;
@@ -76,11 +128,53 @@ void ValueRule::CheckFixed(QnVariant const& value) const {
                                                      Print(value).c_str(), m_name, m_fixed)));
 }
 
+void ValueRule::CheckParts(QnVariant const& value) const {
+  CTypeParts const& parts = *m_type.parts;
+  if (m_item != nullptr) CheckList(value);
+  if (!m_members.empty() && !IsAcceptedByMember(Print(value))) RefuseValue(value);
+  if (parts.valueCount == 0) return;
+  bool const isThere = std::any_of(parts.values, parts.values + parts.valueCount,
+                                   [&](char const* each) { return IsSame(value, Convert(each)); });
+  if (!isThere) RefuseValue(value);
+}
+
+void ValueRule::CheckList(QnVariant const& list) const {
+  int count = 0;
+  bool const checksItems = m_item->m_type.facets != nullptr || HasParts(m_item->m_type);
+  std::string const text = list.GetString();
+  for (ListItems items(text); items.Next(); ++count) {
+    if (checksItems) m_item->CheckFacets(m_item->Held(items.Text()));
+  }
+  if (m_type.facets == nullptr) return;
+  CFacets const& f = *m_type.facets;
+  bool const isWrong = (f.length >= 0 && count != f.length) || (f.minLength >= 0 && count < f.minLength) ||
+                       (f.maxLength >= 0 && count > f.maxLength);
+  if (isWrong) RefuseValue(list);
+  if (f.pattern == nullptr || m_item->m_type.enumeration == nullptr) return;
+  // What CheckFacets() compares with the pattern is not what the document has.
+  QnVariant printed;
+  printed.SetString(Print(list));
+  CXmlObjectHelper::CheckRestriction(m_name, printed, ItemType_string, m_restrictions);
+}
+
+bool ValueRule::IsAcceptedByMember(std::string const& text) const {
+  return std::any_of(m_members.begin(), m_members.end(), [&](ValueRule const& member) {
+    try {
+      member.CheckFacets(member.Convert(text));
+      return true;
+    } catch (CQnException const&) {
+      return false;
+    }
+  });
+}
+
 void ValueRule::CheckFacets(QnVariant const& value) const {
-  if (m_type.enumeration == nullptr && (m_filter == nullptr || !m_filter->Passes(value))) {
+  bool const hasNumbers = m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
+  if (!hasNumbers && (m_filter == nullptr || !m_filter->Passes(value))) {
     CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }
   if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
+  if (HasParts(m_type)) CheckParts(value);
 }
 
 void ValueRule::Check(QnVariant const& value) const {
@@ -89,11 +183,25 @@ void ValueRule::Check(QnVariant const& value) const {
 }
 
 std::string ValueRule::Print(QnVariant const& value) const {
+  if (m_item != nullptr && m_item->m_type.enumeration != nullptr) {
+    return Joined(value.GetString(), [&](std::string_view item) { return m_item->Print(m_item->Held(item)); });
+  }
   if (m_type.enumeration == nullptr) return value.ToString(FormatOf(m_type.kind));
   char const* const text = m_type.enumeration->ToText(value.GetI4());
   if (text != nullptr) return text;
   throw OfKind(FailureKind_BadValue,
                CQnException(FormatString("The number %d of [%s] has no text", value.GetI4(), m_name)));
+}
+
+QnVariant ValueRule::Resolve(QnVariant const& value, CXmlElement const& element) const {
+  QnVariant resolved;
+  resolved.SetString(
+      Joined(value.GetString(), [&](std::string_view name) { return QualifiedNameText::Resolved(name, element); }));
+  return resolved;
+}
+
+std::string ValueRule::Declare(QnVariant const& value, CXmlWriter& writer) const {
+  return Joined(value.GetString(), [&](std::string_view name) { return QualifiedNameText::Declared(name, writer); });
 }
 
 void ValueRule::CheckDigits(char const* name, CFacets const& facets, QnVariant const& number) {

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "quillon9/generated/rows.h"
 #include "quillon9/values/restrictions.h"
@@ -29,17 +30,36 @@ class ValueRule {
   QnVariant Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx = nullptr) const;
   /// \throws as CBoundObject::Assign() does.
   void Check(QnVariant const& value) const;
-  /// The part of Check() that the library's descriptors do not do: the digits and the fixed value.
+  /// The part of Check() that the library's descriptors do not do: the digits, the parts and the fixed value.
   void CheckOwn(QnVariant const& value) const {
     if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
+    if (HasParts(m_type)) CheckParts(value);
     if (m_fixed != nullptr) CheckFixed(value);
   }
   /// The text of a value.
   std::string Print(QnVariant const& value) const;
 
+  /// Put the namespaces of prefixes at \p element into a value that has names.
+  /// \throws CQnInvalidValueException "The prefix of the name [%s] is not declared".
+  QnVariant Resolve(QnVariant const& value, CXmlElement const& element) const;
+  /// The text of a value that has names, in the element that was started last.
+  /// \throws what QualifiedNameText::Declared() throws.
+  std::string Declare(QnVariant const& value, CXmlWriter& writer) const;
+
   CValueType const& GetType() const { return m_type; }
 
+  /// Whether CTypeParts says more than that it is an identifier.
+  static bool HasParts(CValueType const& type) {
+    CTypeParts const* const parts = type.parts;
+    if (parts == nullptr) return false;
+    return parts->item != nullptr || parts->memberCount != 0 || parts->valueCount != 0 || IsName(type);
+  }
+  /// Whether values are qualified names, or lists of them.
+  static bool HasNames(CValueType const& type) { return IsName(IsList(type) ? *type.parts->item : type); }
+  static bool IsList(CValueType const& type) { return type.parts != nullptr && type.parts->item != nullptr; }
   /// Whether values of this type have rules that CPrimitiveRestrictions does not express.
+  static bool HasOwnRules(CValueType const& type) { return HasDigits(type) || HasParts(type); }
+  /// Whether they have a number of digits.
   static bool HasDigits(CValueType const& type) {
     return type.facets != nullptr && (type.facets->totalDigits >= 0 || type.facets->fractionDigits >= 0);
   }
@@ -47,14 +67,26 @@ class ValueRule {
   static void CheckDigits(char const* name, CFacets const& facets, QnVariant const& number);
 
  private:
+  static bool IsName(CValueType const& type) {
+    return type.parts != nullptr && type.parts->role == ValueRole::QualifiedName;
+  }
   QnVariant Convert(std::string_view text) const;
+  QnVariant Held(std::string_view item) const;
   void CheckFacets(QnVariant const& value) const;
+  void CheckParts(QnVariant const& value) const;
+  void CheckList(QnVariant const& list) const;
+  bool IsAcceptedByMember(std::string const& text) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one
+  bool IsSame(QnVariant const& a, QnVariant const& b) const;
+  bool IsSameList(std::string const& a, std::string const& b) const;
+  [[noreturn]] void RefuseValue(QnVariant const& value) const;
 
   char const* m_name;
   CValueType const& m_type;
   CPrimitiveRestrictions m_restrictions;
   std::unique_ptr<CFacetFilter const> m_filter;  // null for rare facets
+  std::unique_ptr<ValueRule const> m_item;       // of a list
+  std::vector<ValueRule> m_members;              // of a union
   char const* m_default;                         // for an element without content; null for none
   char const* m_fixed;
 };

@@ -233,6 +233,12 @@ void CheckingWriter::WriteAttributeType(std::string const& namespaceUri, std::st
   if (m_encoder != nullptr) m_encoder->WriteAttributeType(namespaceUri, typeName, type);
 }
 
+// It has no scopes: any prefix will do.
+bool CheckingWriter::DeclarePrefix(std::string const& prefix, std::string const& uri) {
+  if (m_encoder != nullptr) m_encoder->PrefixForValues(uri, prefix);
+  return true;
+}
+
 void CheckingWriter::WriteAttributeNil() {
   RequireOpenTag();
   if (m_encoder != nullptr) m_encoder->WriteAttributeNil();

@@ -110,6 +110,7 @@ class CheckingWriter : public CXmlWriter {
                             ItemType type) override;
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
 
  private:
   /// The children of one name.

@@ -11,6 +11,7 @@
 #include "base/text_arguments.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/base/limits.h"
+#include "quillon9/xmlio/writer.h"
 #include "xmlio/node_access.h"
 #include "xmlio/tree_memory.h"
 
@@ -54,6 +55,30 @@ void CXmlDocument::Cleanup() {
 std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
   auto const found = m_namespaceAliases.find(OrEmpty(prefix));
   return found != m_namespaceAliases.end() ? found->second : std::string();
+}
+
+// A filter may remove the elements by which the place of a declaration is known.
+void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri) {
+  if (document.m_filter != nullptr) return;
+  CXmlElement* const parent = document.GetOpenElement();
+  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri);
+}
+
+bool CXmlDocument::LookupNamespace(CXmlElement const& element, std::string_view prefix,
+                                   std::string& namespaceUri) const {
+  namespaceUri.clear();
+  if (prefix == "xml") {
+    namespaceUri = CXmlWriter::XML_NAMESPACE;
+    return true;
+  }
+  if (m_filter != nullptr) {
+    namespaceUri = LookupNamespaceFromAlias(std::string(prefix).c_str());
+    return !namespaceUri.empty();
+  }
+  std::string const* const found =
+      m_memory != nullptr ? m_memory->Declarations().Find(m_documentElement, element, prefix) : nullptr;
+  if (found != nullptr) namespaceUri = *found;
+  return !namespaceUri.empty();
 }
 
 CXmlElement* CXmlDocument::AddDocElement(char const* namespaceUri, char const* localName) {
@@ -207,6 +232,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
   CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
+  XmlNodeAccess::NoteNamespace(*this, prefix, namespaceUri);
   m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
 }
 

@@ -8,7 +8,7 @@ namespace Quillon9 {
 
 CNamespaceScope::CNamespaceScope(std::string const& defaultNamespace, Map const& bindings)
     : m_defaultNamespace(defaultNamespace), m_own(bindings), m_isWhole(true) {
-  for (auto const& binding : m_own) m_prefixes.insert(binding.second);
+  for (auto const& binding : m_own) m_prefixes[binding.second] = binding.first;
 }
 
 CNamespaceScope::CNamespaceScope(std::shared_ptr<CNamespaceScope> outer)
@@ -32,8 +32,13 @@ std::string const* CNamespaceScope::Find(std::string const& uri) const {
 
 void CNamespaceScope::Bind(std::string const& uri, std::string const& prefix) {
   if (Find(uri) != nullptr) m_isChanged = true;
-  m_prefixes.insert(prefix);
+  m_prefixes[prefix] = uri;
   m_own[uri] = prefix;
+}
+
+void CNamespaceScope::AddAlias(std::string const& prefix, std::string const& uri) {
+  m_prefixes[prefix] = uri;
+  if (Find(uri) == nullptr) m_own[uri] = prefix;
 }
 
 std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
@@ -45,15 +50,16 @@ std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
       prefix = CXmlWriter::NsIntToString(static_cast<int>(m_nextGenerated++));
     } while (IsReservedPrefix(prefix) || IsTaken(prefix));
   }
-  m_prefixes.insert(prefix);
+  m_prefixes[prefix] = uri;
   return m_own[uri] = prefix;
 }
 
-bool CNamespaceScope::IsTaken(std::string const& prefix) const {
+std::string const* CNamespaceScope::UriOf(std::string const& prefix) const {
   for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer.get()) {
-    if (scope->m_prefixes.count(prefix) != 0) return true;
+    auto const found = scope->m_prefixes.find(prefix);
+    if (found != scope->m_prefixes.end()) return &found->second;
   }
-  return false;
+  return nullptr;
 }
 
 CNamespaceScope::Map const& CNamespaceScope::All() {

@@ -206,6 +206,19 @@ void CXmlTextWriter::AppendDeclaration(std::string const& prefix, std::string co
   m_stream->Append('"');
 }
 
+bool CXmlTextWriter::DeclarePrefix(std::string const& prefix, std::string const& uri) {
+  RequireOpenTag();
+  bool isNew = false;
+  bool const isBound = BindPrefix(*m_context, prefix, uri, isNew);
+  if (!isNew) return isBound;
+  m_stream->Append(" xmlns:");
+  m_stream->Append(prefix);
+  m_stream->Append("=\"");
+  AppendEscaped(uri, true);
+  m_stream->Append('"');
+  return true;
+}
+
 void CXmlTextWriter::WriteAttributeString(std::string const& localName, std::string const& namespaceUri,
                                           std::string const& value, ItemType /*type*/) {
   RequireOpenTag();

@@ -13,6 +13,7 @@
 #include "base/plain_classes.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
+#include "xmlio/namespace_declarations.h"
 
 namespace Quillon9 {
 
@@ -91,6 +92,9 @@ class CTreeMemory {
   /// Free the storage of such an element after its destruction.
   void FreeDetached(void* node) noexcept;
 
+  /// Which namespaces are declared in the document.
+  NamespaceDeclarations& Declarations() { return m_declarations; }
+
   /// The classes read from this tree that are not nillable.
   PlainClasses& PlainTypes() { return m_plainClasses; }
 
@@ -157,6 +161,7 @@ class CTreeMemory {
   CXmlDocument* m_counting;
   TreeName m_noName;
   PlainClasses m_plainClasses;
+  NamespaceDeclarations m_declarations;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

@@ -1,5 +1,6 @@
 #include "quillon9/xmlio/writer.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstddef>
 #include <memory>
@@ -101,6 +102,10 @@ void XmlWriterAccess::Reuse(Context& context, std::string const& localName, std:
   }
   context.m_parent = &parent;
   Follow(context, parent);
+}
+
+std::string const* XmlWriterAccess::UriOf(Context const& context, std::string const& prefix) {
+  return context.m_scopeOwner->m_scope->UriOf(prefix);
 }
 
 void XmlWriterAccess::Follow(Context& context, Context& followed) {
@@ -338,6 +343,55 @@ std::string const& CXmlWriter::FindOrBindPrefix(CXmlWriterContext& context, std:
   std::string const* const found = context.FindPrefix(uri);
   isNew = found == nullptr;
   return isNew ? XmlWriterAccess::ScopeToChange(context).BindToGenerated(uri) : *found;
+}
+
+namespace {
+
+/// Whether \p prefix may be declared in any document. Letters beyond ASCII are not tried.
+bool IsPlainPrefix(std::string_view prefix) {
+  auto const isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+  auto const isInside = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.'; };
+  if (prefix.empty() || !isLetter(prefix[0])) return false;
+  auto const lower = [&](std::size_t i) { return static_cast<char>(prefix[i] | 0x20); };
+  if (prefix.size() >= 3 && lower(0) == 'x' && lower(1) == 'm' && lower(2) == 'l') return false;
+  return std::all_of(prefix.begin(), prefix.end(), isInside);
+}
+
+}  // namespace
+
+bool CXmlWriter::BindPrefix(CXmlWriterContext& context, std::string const& prefix, std::string const& uri,
+                            bool& isNew) {
+  isNew = false;
+  std::string const* const bound = XmlWriterAccess::UriOf(context, prefix);
+  if (bound != nullptr) return *bound == uri;
+  if (uri.empty() || !IsPlainPrefix(prefix)) return false;
+  XmlWriterAccess::ScopeToChange(context).AddAlias(prefix, uri);
+  isNew = true;
+  return true;
+}
+
+CXmlWriter::CXmlWriterContext* CXmlWriter::StartedElement() const { return m_context; }
+
+bool CXmlWriter::DeclarePrefix(std::string const& prefix, std::string const& uri) {
+  CXmlWriterContext* const started = StartedElement();
+  if (started == nullptr || !started->m_tagOpen) throw CQnException("Attributes must be added before elements");
+  bool isNew = false;
+  return BindPrefix(*started, prefix, uri, isNew);
+}
+
+std::string CXmlWriter::PrefixForValues(std::string const& uri, std::string const& preferred) {
+  CXmlWriterContext* const started = StartedElement();
+  std::string const* const bound = started != nullptr ? started->FindPrefix(uri) : nullptr;
+  if (bound != nullptr) return *bound;
+  if (DeclarePrefix(preferred, uri)) return preferred;
+  std::string prefix;
+  for (int number = 0; prefix.empty(); ++number) {
+    prefix = NsIntToString(number);
+    bool const isFree = started == nullptr || XmlWriterAccess::UriOf(*started, prefix) == nullptr;
+    if (!isFree || IsReservedPrefix(prefix)) prefix.clear();
+  }
+  if (DeclarePrefix(prefix, uri)) return prefix;
+  throw CQnException("Attributes must be added before elements");
 }
 
 std::string const& CXmlWriter::SchemaInstanceNamespace() {

@@ -15,6 +15,9 @@ class CheckingWriter;
 struct XmlWriterAccess {
   using Context = CXmlWriter::CXmlWriterContext;
 
+  /// The element that was started last, or null.
+  static Context const* StartedElement(CXmlWriter const& writer) { return writer.StartedElement(); }
+
   /// \name What writing objects remembers in the writer
   ///@{
   static PlainClasses& PlainTypes(CXmlWriter& writer) { return *writer.m_plainClasses; }
@@ -71,6 +74,8 @@ struct XmlWriterAccess {
   /// context with its own bindings, the context itself.
   ///@{
   static void Follow(Context& context, Context& followed);
+  /// What \p prefix stands for inside the element; null for nothing.
+  static std::string const* UriOf(Context const& context, std::string const& prefix);
   static void StopFollowing(Context& context);
   /// Let the followers of a context that is being destroyed keep their bindings. Allocates nothing.
   static void LeaveFollowers(Context& context);

@@ -45,7 +45,8 @@ TEST(Code, WritesTheGoldenFiles) {
   };
   Row const rows[] = {{QUILLON9_GOLDEN "/purchase_order.xsd", "Orders"},
                       {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"},
-                      {QUILLON9_GOLDEN "/drones.xsd", "Fleets"}};
+                      {QUILLON9_GOLDEN "/drones.xsd", "Fleets"},
+                      {QUILLON9_GOLDEN "/station.xsd", "Stations"}};
   for (Row const& row : rows) {
     for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
       EXPECT_EQ(file.content, ReadFile(std::string(QUILLON9_GOLDEN "/") + file.path)) << file.path;
@@ -79,6 +80,7 @@ TEST(Code, GoldenClassesReadAndWriteWhatTheSchemaSays) {
   std::string const written = drawing->ToXml();
   EXPECT_EQ(Company::Drawings::ReadDrawing(Quillon9::XmlText(written))->ToXml(), written);
   EXPECT_EQ(written.find("scale"), written.npos) << written;
+  EXPECT_EQ(Company::Drawings::ReadDrawing(drawing->ToFastInfosetStream())->ToXml(), written);
 
   drawing->SetCompany("Shapes");
   EXPECT_EQ(drawing->GetChoice2(), CDrawing::EChoice2::Company);

@@ -6,7 +6,8 @@ Usage: compare_documents.py FIRST SECOND
 Comments, processing instructions, prefixes and white space between elements do not count, nor do the attributes that
 name schema documents. Two texts that differ are the same value if both are forms of one number, truth value, date,
 time, duration or octet sequence, or differ in white space at their ends; the comparison reports them as "lexical".
-QNames are compared as text, except in xsi:type. The first document is the original.
+Names with a prefix that is declared in both documents are the same value if their namespaces and local names are. The
+first document is the original.
 
 The exit status is 0 if the documents have the same content, 1 if not, 2 if one of them cannot be read. Each line of the
 output is a difference: its kind, the place, and what was found.
@@ -28,9 +29,10 @@ IGNORED = {XSI + "|schemaLocation", XSI + "|noNamespaceSchemaLocation"}
 class Element:
     """An element: its expanded name, attributes, and content, which is a list of texts and elements."""
 
-    def __init__(self, name, attributes):
+    def __init__(self, name, attributes, scope):
         self.name = name
         self.attributes = attributes
+        self.scope = scope  # the namespace of each prefix
         self.content = []
 
     def children(self):
@@ -55,14 +57,18 @@ class Reader:
         self.parser.StartNamespaceDeclHandler = self.declare
         self.parser.EndNamespaceDeclHandler = self.undeclare
         self.scopes = {}
+        self.scope = {}
+        self.changed = False
         self.open = []
         self.root = None
 
     def declare(self, prefix, uri):
         self.scopes.setdefault(prefix or "", []).append(uri or "")
+        self.changed = True
 
     def undeclare(self, prefix):
         self.scopes[prefix or ""].pop()
+        self.changed = True
 
     def expand(self, name):
         prefix, colon, local = name.strip().partition(":")
@@ -75,7 +81,10 @@ class Reader:
         kept = {key: value for key, value in attributes.items() if key not in IGNORED}
         if XSI + "|type" in kept:
             kept[XSI + "|type"] = self.expand(kept[XSI + "|type"])
-        element = Element(name, kept)
+        if self.changed:
+            self.scope = {prefix: uris[-1] for prefix, uris in self.scopes.items() if uris}
+            self.changed = False
+        element = Element(name, kept, self.scope)
         if self.open:
             self.open[-1].content.append(element)
         else:
@@ -178,6 +187,29 @@ def same_value(first, second):
     return len(ones) == len(others) > 1 and all(same_value(one, other) for one, other in zip(ones, others))
 
 
+def expanded(name, scope):
+    """The namespace and local name of a name; None where its prefix is not declared."""
+    prefix, colon, local = name.partition(":")
+    if not colon:
+        prefix, local = "", name
+    return (scope.get(prefix, "" if not prefix else None), local)
+
+
+def same_names(first, second):
+    """Whether two values, each with its scope, are the same list of names, one of them with a prefix."""
+    ones, others = first[0].split(), second[0].split()
+    if len(ones) != len(others) or not ones:
+        return False
+    for one, other in zip(ones, others):
+        form = r"([^\W\d][\w.-]*:)?[^\W\d][\w.-]*"
+        if not re.fullmatch(form, one) or not re.fullmatch(form, other):
+            return False
+        name = expanded(one, first[1])
+        if name[0] is None or name != expanded(other, second[1]):
+            return False
+    return True
+
+
 # ---- Comparison
 
 
@@ -188,10 +220,11 @@ class Comparison:
     def note(self, kind, place, found):
         self.differences.append((kind, place, found))
 
-    def text(self, place, first, second):
+    def text(self, place, first, second, scopes):
         if first == second:
             return
-        self.note("lexical" if same_value(first, second) else "value", place, f"{first[:60]!r} -> {second[:60]!r}")
+        same = same_value(first, second) or same_names((first, scopes[0]), (second, scopes[1]))
+        self.note("lexical" if same else "value", place, f"{first[:60]!r} -> {second[:60]!r}")
 
     def attributes(self, place, first, second):
         for name, value in first.attributes.items():
@@ -202,7 +235,7 @@ class Comparison:
                 if as_truth(value.strip()) != as_truth(second.attributes[name].strip()):
                     self.note("nil", where, value)
             else:
-                self.text(where, value, second.attributes[name])
+                self.text(where, value, second.attributes[name], (first.scope, second.scope))
         for name, value in second.attributes.items():
             if name not in first.attributes and not (name == XSI + "|nil" and value == "false"):
                 self.note("attribute added", f"{place}/@{name}", value[:60])
@@ -237,7 +270,7 @@ class Comparison:
             if split(first) != split(second):
                 self.note("mixed text", place, first.text().strip()[:60])
         elif not first.children() and not second.children():
-            self.text(place, first.text(), second.text())
+            self.text(place, first.text(), second.text(), (first.scope, second.scope))
         elif second.is_mixed():
             self.note("text added", place, second.text().strip()[:60])
         self.children(place, first, second)

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <cstdint>
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -142,6 +144,16 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
   iterator end() const { return iterator(); }
   ///@}
 
+  /// Let \p prefix stand for \p ns in the values of the attributes and in the text of their element, as in
+  /// xsi:type="p:T". A write declares it there, unless it stands for another namespace that is in use; the value of
+  /// xsi:type gets another prefix then. An empty prefix stands for the namespace of an xsi:type without one. Generated
+  /// classes that derive from CBoundObject note the prefixes of what they read.
+  void SetPrefix(std::string const& prefix, std::string ns);
+  /// These prefixes and their namespaces; null for none.
+  std::map<std::string, std::string> const* GetPrefixes() const { return m_prefixes.get(); }
+  /// Declare them in the element that was started last, before its first attribute. For writers of elements.
+  void WritePrefixes(CXmlWriter& writer) const;
+
   using CXmlObjectBase::GetBase;
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
@@ -160,6 +172,7 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
  private:
   std::string m_namespaceRestriction;
   std::string m_targetNamespace;
+  std::unique_ptr<std::map<std::string, std::string>> m_prefixes;
 };
 
 class CElementCol;

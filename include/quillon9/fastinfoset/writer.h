@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "quillon9/export.h"
 #include "quillon9/fastinfoset/declaration.h"
@@ -73,6 +75,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   /// case.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
   /// Write the element in one step, unless this object is of a derived class. \p member saves the lookup of a name.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type, std::uint64_t member = 0) override;
@@ -82,6 +85,9 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteStartDocument(FInfoDecl decl);
   /// End the document. All elements must be closed.
   void WriteEndDocument();
+
+ protected:
+  CXmlWriterContext* StartedElement() const override;
 
  private:
   void WriteElement(bool hasAttributes) {
@@ -94,7 +100,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   bool IsPlain(ItemType type) const;
   void LeaveOpen(std::string const& localName, std::string const& namespaceUri, bool hasName);
   void NameOfPending(std::uint32_t leading);
-  void WriteNamespaceAttributes();
+  void WriteNamespaceAttributes(bool isRoot);
   static std::string const& PrefixOf(CXmlWriterContext& context, std::string const& uri);
   void CloseTag();
   void EndChild();
@@ -120,6 +126,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CFastInfosetContext const* m_options;
   CXmlWriterContext* m_pendingElement = nullptr;  // started, neither written nor current; its parent link does not own
   bool m_terminatorPending = false;               // the end of one element is noted but not yet written
+  std::vector<std::pair<std::string, std::string>> m_declared;  // prefixes and URIs for the pending element
   CFIVocabulary m_vocabulary;
   std::unique_ptr<CKnownNames> m_knownNames;
   bool m_isAsciiUtf8;     // in the local code page; determined once per document

@@ -84,6 +84,14 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   /// True.
   bool HoldsUtf8Text() const override;
 
+  /// The object with this value of type xs:ID in an attribute, an element or its text: this one or one below it, the
+  /// first in the order of the members; null for none. What stands in wildcards is not searched. Goes through all
+  /// objects; CIdIndex is faster for more than a few.
+  ///@{
+  CBoundObject* FindById(std::string_view id);
+  CBoundObject const* FindById(std::string_view id) const { return const_cast<CBoundObject*>(this)->FindById(id); }
+  ///@}
+
  protected:
   /// \p tables is kept and belongs to the most derived class; \p elementName is copied.
   CBoundObject(CClassTables const& tables, char const* elementName);
@@ -177,6 +185,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   std::string_view MixedText() const;
   CPropertyRef ConstProperty(int index) const { return const_cast<CBoundObject*>(this)->Property(index); }
   ItemType KindOf(int property) const;
+  void ResolvePrefixes(CXmlElement const& element, CXmlSerializationContext const& ctx);
+  void DeclarePrefixes(CXmlWriter& writer) const;
   void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void RequireRemovedUnset(CXmlWriter const& writer) const;
   void PrepareValue(int property, CPropertyRef const& value);

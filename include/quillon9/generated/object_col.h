@@ -15,6 +15,8 @@ namespace Quillon9 {
 
 /// Base of all CObjectCol: how a run of elements, or of groups without a tag, is read and written.
 class QUILLON9_API CObjectCollection : public CXmlCollection {
+  friend struct BoundAccess;
+
  public:
   ~CObjectCollection() override;
   /// Whether it belongs to a generated class.

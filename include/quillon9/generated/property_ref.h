@@ -4,11 +4,13 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <vector>
 
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/typed_collections.h"
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
+#include "quillon9/generated/qualified_name.h"
 #include "quillon9/generated/rows.h"
 #include "quillon9/values/variant.h"
 
@@ -35,11 +37,21 @@ struct CPropertyKind {
 /// \cond
 namespace detail {
 
+/// How a member holds values.
+enum class Form {
+  Plain,        ///< a value
+  Optional,     ///< an std::optional
+  List,         ///< an std::vector, which a variant holds as text, with blanks between the items
+  OptionalList  ///< an std::optional of that
+};
+
 /// The kind of a member that holds a value: how \p Value is held in a variant as the kind \p number.
 template <class Value, ItemType number>
 struct ValueKind {
-  static CPropertyKind const kPlain;     ///< of a Value
-  static CPropertyKind const kOptional;  ///< of an std::optional<Value>
+  static CPropertyKind const kPlain;         ///< of a Value
+  static CPropertyKind const kOptional;      ///< of an std::optional<Value>
+  static CPropertyKind const kList;          ///< of an std::vector<Value>
+  static CPropertyKind const kOptionalList;  ///< of an std::optional<std::vector<Value>>
 };
 
 #define QN_VALUE_TYPES(Make)                                                                                    \
@@ -57,6 +69,12 @@ struct ValueKind {
 #define QN_DECLARE_KIND(Value, number) extern template struct QUILLON9_API ValueKind<Value, number>;
 QN_VALUE_TYPES(QN_DECLARE_KIND)
 #undef QN_DECLARE_KIND
+
+/// The numbers of a list of enumerators as text, and back.
+///@{
+QUILLON9_API std::string TextOfNumbers(std::vector<int> const& numbers);
+QUILLON9_API std::vector<int> NumbersOfText(QnVariant const& text);
+///@}
 
 /// The kind of an enumerator, which a variant holds as its number.
 template <class Enum>
@@ -85,7 +103,47 @@ struct EnumKind {
       nullptr,
       nullptr,
       nullptr};
+
+  using List = std::vector<Enum>;
+  static void ReadList(List const& list, QnVariant& value) {
+    std::vector<int> numbers;
+    for (Enum const each : list) numbers.push_back(static_cast<int>(each));
+    value.SetString(TextOfNumbers(numbers));
+  }
+  static List ListOf(QnVariant const& value) {
+    List list;
+    for (int const number : NumbersOfText(value)) list.push_back(static_cast<Enum>(number));
+    return list;
+  }
+  static constexpr CPropertyKind kList = {
+      [](void const* member, QnVariant& value) { ReadList(*static_cast<List const*>(member), value); },
+      [](void* member, QnVariant const& value) { *static_cast<List*>(member) = ListOf(value); },
+      [](void* member) { static_cast<List*>(member)->clear(); },
+      [](void const*) { return true; },
+      nullptr,
+      nullptr,
+      nullptr};
+  static constexpr CPropertyKind kOptionalList = {
+      [](void const* member, QnVariant& value) {
+        auto const& held = *static_cast<std::optional<List> const*>(member);
+        if (held) ReadList(*held, value);
+      },
+      [](void* member, QnVariant const& value) { *static_cast<std::optional<List>*>(member) = ListOf(value); },
+      [](void* member) { static_cast<std::optional<List>*>(member)->reset(); },
+      [](void const* member) { return static_cast<std::optional<List> const*>(member)->has_value(); },
+      nullptr,
+      nullptr,
+      nullptr};
 };
+
+/// The table of \p Kinds for a form.
+template <class Kinds, Form form>
+constexpr CPropertyKind const* TableOf() {
+  if constexpr (form == Form::Plain) return &Kinds::kPlain;
+  if constexpr (form == Form::Optional) return &Kinds::kOptional;
+  if constexpr (form == Form::List) return &Kinds::kList;
+  if constexpr (form == Form::OptionalList) return &Kinds::kOptionalList;
+}
 
 /// Makes the collection of a row. The collections of objects and enumerators have the function themselves.
 template <class Collection>
@@ -144,19 +202,21 @@ struct PointerKind {
   static constexpr CPropertyKind kTable = {&Read, &Store, &Clear, &IsSet, &Look, &Hold, Make()};
 };
 
-/// The kind of a plain \p Value where its C++ type does not say it; \p kind is what the schema says.
+/// The kind of a \p Value where its C++ type does not say it; \p kind is what the schema says.
 template <class Value>
 struct KindChoice {
-  static CPropertyKind const* Of(bool isOptional, ItemType) {
-    return isOptional ? &EnumKind<Value>::kOptional : &EnumKind<Value>::kPlain;
+  template <Form form>
+  static CPropertyKind const* Of(ItemType) {
+    return TableOf<EnumKind<Value>, form>();
   }
 };
-#define QN_ONE_KIND(Value, number)                                                                  \
-  template <>                                                                                       \
-  struct KindChoice<Value> {                                                                        \
-    static CPropertyKind const* Of(bool isOptional, ItemType) {                                     \
-      return isOptional ? &ValueKind<Value, number>::kOptional : &ValueKind<Value, number>::kPlain; \
-    }                                                                                               \
+#define QN_ONE_KIND(Value, number)                      \
+  template <>                                           \
+  struct KindChoice<Value> {                            \
+    template <Form form>                                \
+    static CPropertyKind const* Of(ItemType) {          \
+      return TableOf<ValueKind<Value, number>, form>(); \
+    }                                                   \
   };
 QN_ONE_KIND(std::int8_t, ItemType_i1)
 QN_ONE_KIND(std::int16_t, ItemType_i2)
@@ -173,20 +233,36 @@ QN_ONE_KIND(CDecimal, ItemType_decimal)
 QN_ONE_KIND(CBigInteger, ItemType_integer)
 #undef QN_ONE_KIND
 
-/// One of several kinds; the first where \p kind is none of them.
-template <class Value, ItemType first, ItemType... others>
-CPropertyKind const* ChooseKind(bool isOptional, ItemType kind) {
-  if constexpr (sizeof...(others) != 0) {
-    if (kind != first && ((kind == others) || ...)) return ChooseKind<Value, others...>(isOptional, kind);
+/// The kind of a qualified name, which a variant holds as text.
+struct QUILLON9_API QualifiedNameKind {
+  static CPropertyKind const kPlain;         ///< of a CQName
+  static CPropertyKind const kOptional;      ///< of an std::optional of it
+  static CPropertyKind const kList;          ///< of an std::vector of it
+  static CPropertyKind const kOptionalList;  ///< of an std::optional of that
+};
+template <>
+struct KindChoice<CQName> {
+  template <Form form>
+  static CPropertyKind const* Of(ItemType) {
+    return TableOf<QualifiedNameKind, form>();
   }
-  return isOptional ? &ValueKind<Value, first>::kOptional : &ValueKind<Value, first>::kPlain;
+};
+
+/// One of several kinds; the first where \p kind is none of them.
+template <class Value, Form form, ItemType first, ItemType... others>
+CPropertyKind const* ChooseKind(ItemType kind) {
+  if constexpr (sizeof...(others) != 0) {
+    if (kind != first && ((kind == others) || ...)) return ChooseKind<Value, form, others...>(kind);
+  }
+  return TableOf<ValueKind<Value, first>, form>();
 }
-#define QN_SEVERAL_KINDS(Value, ...)                                 \
-  template <>                                                        \
-  struct KindChoice<Value> {                                         \
-    static CPropertyKind const* Of(bool isOptional, ItemType kind) { \
-      return ChooseKind<Value, __VA_ARGS__>(isOptional, kind);       \
-    }                                                                \
+#define QN_SEVERAL_KINDS(Value, ...)                     \
+  template <>                                            \
+  struct KindChoice<Value> {                             \
+    template <Form form>                                 \
+    static CPropertyKind const* Of(ItemType kind) {      \
+      return ChooseKind<Value, form, __VA_ARGS__>(kind); \
+    }                                                    \
   };
 QN_SEVERAL_KINDS(std::uint8_t, ItemType_ui1, ItemType_month, ItemType_day)
 QN_SEVERAL_KINDS(std::uint16_t, ItemType_ui2, ItemType_year)
@@ -206,11 +282,20 @@ class CPropertyRef {
   /// says otherwise), CBinaryData (base64Binary), std::uint16_t (a number, not a year) and std::uint8_t.
   template <class Value>
   CPropertyRef(Value& member, ItemType kind = ItemType_invalid)
-      : m_member(&member), m_kind(detail::KindChoice<Value>::Of(false, kind)) {}
+      : m_member(&member), m_kind(detail::KindChoice<Value>::template Of<detail::Form::Plain>(kind)) {}
   /// A value that may be missing.
   template <class Value>
   CPropertyRef(std::optional<Value>& member, ItemType kind = ItemType_invalid)
-      : m_member(&member), m_kind(detail::KindChoice<Value>::Of(true, kind)) {}
+      : m_member(&member), m_kind(detail::KindChoice<Value>::template Of<detail::Form::Optional>(kind)) {}
+  /// A list of values, and one that may be missing. \p kind is that of the items.
+  ///@{
+  template <class Item>
+  CPropertyRef(std::vector<Item>& member, ItemType kind = ItemType_invalid)
+      : m_member(&member), m_kind(detail::KindChoice<Item>::template Of<detail::Form::List>(kind)) {}
+  template <class Item>
+  CPropertyRef(std::optional<std::vector<Item>>& member, ItemType kind = ItemType_invalid)
+      : m_member(&member), m_kind(detail::KindChoice<Item>::template Of<detail::Form::OptionalList>(kind)) {}
+  ///@}
   /// An object or a collection.
   template <class Object>
   CPropertyRef(CSmartPtr<Object>& member) : m_member(&member), m_kind(&detail::PointerKind<Object>::kTable) {}

@@ -9,11 +9,12 @@ namespace Quillon9 {
 
 class CClassTables;
 class CEnumTexts;
+struct CTypeParts;
 
 /// The facets of a simple type. Null and -1 stand for a facet that is not set.
 struct CFacets {
-  char const* pattern = nullptr;       ///< a regular expression, for texts
-  int length = -1;                     ///< of a text in characters, or of binary data in bytes
+  char const* pattern = nullptr;       ///< a regular expression, for texts and whole lists
+  int length = -1;                     ///< of a text in characters, of binary data in bytes, or of a list in items
   int minLength = -1;                  ///< at least so many of them
   int maxLength = -1;                  ///< at most so many of them
   char const* minInclusive = nullptr;  ///< the smallest value
@@ -31,7 +32,32 @@ struct CValueType {
       CWhitespaceUtils::WhitespaceRule_Collapse;  ///< applied to the text first
   CFacets const* facets = nullptr;                ///< null for none
   CEnumTexts const* enumeration = nullptr;        ///< null unless the values are enumerators; kind is ItemType_i4 then
+  CTypeParts const* parts = nullptr;              ///< null unless there is more to say
+
+  /// How the C++ value or, of a list, each of its items is held.
+  constexpr ItemType HeldKind() const;
 };
+
+/// What the values of a simple type stand for.
+enum class ValueRole : std::uint8_t {
+  None,           ///< for themselves
+  QualifiedName,  ///< a name with a namespace: CQName. The kind is ItemType_string
+  Identifier      ///< xs:ID
+};
+
+/// What only some simple types have.
+struct CTypeParts {
+  CValueType const* item = nullptr;  ///< of a list: the type of its items; the kind of the list is ItemType_string then
+  CValueType const* const* members = nullptr;  ///< of a union: one of these types has to accept the value
+  int memberCount = 0;                         ///< of a union
+  char const* const* values = nullptr;         ///< all values there are, where they are not held as enumerators
+  int valueCount = 0;                          ///< of these
+  ValueRole role = ValueRole::None;            ///< of the value, not of the items of a list
+};
+
+constexpr ItemType CValueType::HeldKind() const {
+  return parts != nullptr && parts->item != nullptr ? parts->item->kind : kind;
+}
 
 /// The namespaces that a wildcard allows: "##any", "##other", or a list of URIs, of which "##local" stands for none.
 struct CNamespaceRule {
@@ -111,6 +137,8 @@ namespace Rows {
 using ElementRow = CElementRow;
 using AttributeRow = CAttributeRow;
 using ValueType = CValueType;
+using TypeParts = CTypeParts;
+using Quillon9::ValueRole;
 using Facets = CFacets;
 using NamespaceRule = CNamespaceRule;
 using GroupElement = CGroupElement;

@@ -41,7 +41,7 @@ class CValueElement : public CNillable<CBoundObject> {
   CValueElement(CClassTables const& tables, char const* elementName) : CNillable(tables, elementName) {}
   CPropertyRef Property(int index) override {
     if (index != 0) return {};
-    return {m_value, GetClassTables().GetRow().text->kind};
+    return {m_value, GetClassTables().GetRow().text->HeldKind()};
   }
 
  private:

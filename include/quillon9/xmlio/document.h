@@ -83,6 +83,9 @@ class QUILLON9_API CXmlDocument {
   /// Return the URI to which the last declaration anywhere in the document bound \p prefix (empty for the default
   /// namespace); empty for an unknown prefix.
   std::string LookupNamespaceFromAlias(char const* prefix) const;
+  /// Store the URI to which \p prefix (empty for the default namespace) is bound at \p element of this tree, and return
+  /// true; false, and an empty URI, for none. After a load with a filter, the last declaration in the document counts.
+  bool LookupNamespace(CXmlElement const& element, std::string_view prefix, std::string& namespaceUri) const;
   /// Return all prefixes, each with that URI, until the next change of the document.
   std::map<std::string, std::string> const& GetNamespaceAliases() const { return m_namespaceAliases; }
 

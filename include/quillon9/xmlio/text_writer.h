@@ -47,6 +47,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Write the attribute; a type in no namespace or in the default namespace gets no prefix.
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
+  bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
   /// Write the element in one step, unless this object is of a derived class. No NUL byte needs to follow \p value, and
   /// \p member has no effect.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,

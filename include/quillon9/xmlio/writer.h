@@ -84,6 +84,17 @@ class QUILLON9_API CXmlWriter {
   virtual void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                                 ItemType type, std::uint64_t member = 0);
 
+  /// Let \p prefix stand for \p uri in the element that was started last and its contents, for names in values. Only
+  /// before its first attribute. Return false, with nothing changed, if it stands for another namespace there, if it is
+  /// not a name of ASCII characters, or if it is reserved. The writers of the library declare it in the output.
+  /// \throws CQnException "Attributes must be added before elements" when no start tag is open.
+  virtual bool DeclarePrefix(std::string const& prefix, std::string const& uri);
+  /// Return a prefix for names of the namespace \p uri, which is not empty, in values of the element that was started
+  /// last: the one that is bound, or else \p preferred where DeclarePrefix() accepts it, or else a generated one, which
+  /// is declared.
+  /// \throws CQnException as DeclarePrefix().
+  std::string PrefixForValues(std::string const& uri, std::string const& preferred);
+
   /// Return the first generated prefix that does not occur as a value in \p map (namespace URI to prefix), compared
   /// exactly. Prefixes that begin with "xml" in any case are reserved and skipped. Linear in the map's size.
   static std::string GetUniquePrefix(std::map<std::string, std::string> const& map);
@@ -114,6 +125,10 @@ class QUILLON9_API CXmlWriter {
   /// where an object has mixed content, it writes the text in front of that child with WriteString(). A writer that does
   /// not call it gets all text of such an object after the children.
   void WriteTextBeforeChild();
+  /// DeclarePrefix() in \p context; \p isNew says whether the output needs a declaration.
+  static bool BindPrefix(CXmlWriterContext& context, std::string const& prefix, std::string const& uri, bool& isNew);
+  /// The element that was started last; null if there is none.
+  virtual CXmlWriterContext* StartedElement() const;
   /// The namespace of xsi:type and xsi:nil (XML Schema: Structures, W3C).
   static std::string const& SchemaInstanceNamespace();
 

@@ -23,6 +23,8 @@ constexpr ValueType kScale{Quillon9::ItemType_r4, kCollapse, &kScaleFacets};
 constexpr ValueType kGYear{Quillon9::ItemType_year};
 constexpr Facets kNameFacets{"(?:[^\\\\\"]*)\\z", -1, -1, 40};
 constexpr ValueType kName{Quillon9::ItemType_string, kPreserve, &kNameFacets};
+constexpr TypeParts kIDParts{nullptr, nullptr, 0, nullptr, 0, ValueRole::Identifier};
+constexpr ValueType kID{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kIDParts};
 constexpr ValueType kDouble{Quillon9::ItemType_r8};
 
 constexpr ClassRow kDateElement = Quillon9::ValueElementRow(kDate);
@@ -62,7 +64,7 @@ constexpr ClassRow kPerson_Class{"Person", kNs, kNs, nullptr, nullptr, 0, kPerso
 constexpr ElementRow kShape_Elements[] = {
     Value("line", kNs, 0, kOptional, kColour)};
 constexpr AttributeRow kShape_Attributes[] = {
-    Attribute("id", "", 1, kOnce, kToken)};
+    Attribute("id", "", 1, kOnce, kID)};
 constexpr ClassTables* kShape_Derived[] = {&CCircle::s_class, &CGroup::s_class};
 constexpr ClassRow kShape_Class{"Shape", kNs, kNs, nullptr, kShape_Elements, 1, kShape_Attributes, 1, 0, 2, -1, nullptr,
     false, true, kShape_Derived, 2};

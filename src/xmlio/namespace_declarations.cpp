@@ -1,0 +1,66 @@
+#include "xmlio/namespace_declarations.h"
+
+#include <iterator>
+#include <map>
+
+namespace Quillon9 {
+
+void NamespaceDeclarations::Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix,
+                                std::string const& uri) {
+  Binding const* const last = m_declarations.empty() ? nullptr : m_declarations.back().binding;
+  bool const isRepeated = last != nullptr && last->first == prefix && last->second == uri;
+  m_declarations.push_back({parent, before, isRepeated ? last : &*m_bindings.emplace(prefix, uri).first});
+  m_isNested = m_isNested || (parent != nullptr && prefix.empty());
+  m_indexed = nullptr;
+}
+
+std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElement const& element,
+                                               std::string_view prefix) const {
+  auto const first = m_bindings.lower_bound({std::string(prefix), std::string()});
+  if (first == m_bindings.end() || first->first != prefix) return nullptr;
+  auto const next = std::next(first);
+  bool const isUnique = next == m_bindings.end() || next->first != prefix;
+  if (isUnique && !(prefix.empty() && m_isNested)) return &first->second;
+  if (m_indexed != root) MakeIndex(root);
+  auto const found = m_index.find(&element);
+  for (Scope const* scope = found != m_index.end() ? found->second : nullptr; scope != nullptr; scope = scope->outer) {
+    for (Binding const* binding : scope->bindings) {
+      if (binding->first == prefix) return &binding->second;
+    }
+  }
+  return nullptr;
+}
+
+// Uses a list instead of the stack, since a document may nest deeply.
+void NamespaceDeclarations::MakeIndex(CXmlElement const* root) const {
+  m_index.clear();
+  m_scopes.clear();
+  using Place = std::pair<CXmlElement const*, CXmlElement const*>;
+  std::map<Place, std::vector<Binding const*>> places;
+  for (Declaration const& each : m_declarations) places[{each.parent, each.before}].push_back(each.binding);
+  std::vector<std::pair<CXmlElement const*, Scope const*>> open;
+  auto const enter = [&](CXmlElement const* parent, CXmlElement const* before, CXmlElement const* element,
+                         Scope const* scope) {
+    auto const declared = places.find({parent, before});
+    if (declared != places.end()) {
+      m_scopes.push_back(std::make_unique<Scope>(Scope{scope, std::move(declared->second)}));
+      scope = m_scopes.back().get();
+    }
+    if (scope != nullptr) m_index.emplace(element, scope);
+    if (element->GetFirstElement() != nullptr) open.emplace_back(element, scope);
+  };
+  if (root != nullptr) enter(nullptr, nullptr, root, nullptr);
+  while (!open.empty()) {
+    auto const [parent, scope] = open.back();
+    open.pop_back();
+    CXmlElement const* before = nullptr;
+    for (CXmlElement const* child = parent->GetFirstElement(); child != nullptr;
+         child = child->GetNextSiblingElement()) {
+      enter(parent, before, child, scope);
+      before = child;
+    }
+  }
+  m_indexed = root;
+}
+
+}  // namespace Quillon9
