@@ -24,8 +24,6 @@ struct BoundAccess {
   static CPropertyRef Property(CXmlGeneratedClass const* holder, int index) {
     return static_cast<CBoundObject const*>(holder)->ConstProperty(index);
   }
-  static BuiltClass const& Built(CBoundObject const& object) { return object.m_tables->Built(); }
-  static CNode const* FirstNode(CObjectCollection const& collection) { return collection.GetFirstNode(); }
   /// A new object of the class that \p element becomes where the type that has \p tables is declared.
   static CSmartPtr<CXmlObjectBase> MakeFor(CClassTables const& tables, CXmlElement const& element,
                                            char const* elementName) {

@@ -9,6 +9,7 @@
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
 #include "generated/element_group.h"
+#include "generated/generic_reading.h"
 #include "generated/mixed_content.h"
 #include "generated/namespace_rule.h"
 #include "generated/type_attribute.h"
