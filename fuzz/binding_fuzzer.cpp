@@ -157,8 +157,27 @@ CSmartPtr<DynamicClass> MakeRoot(int classId) {
 
 // ---- What is documented as lost
 
+/// A decimal that is rounded, or a product with a power of ten, may keep zeros at its end until it is read again.
+bool IsReadAgain(CDecimal const& decimal) {
+  std::string const text = decimal.ToString();
+  return text.find('.') == std::string::npos || text.back() != '0';
+}
+
+bool IsReadAgain(CdecimalCol const& decimals) {
+  for (int i = 0; i < decimals.GetCount(); ++i) {
+    if (!IsReadAgain(decimals.Item(i))) return false;
+  }
+  return true;
+}
+
 bool IsReadAgain(QnVariant const& value) {
   if (value.GetItemType() == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
+  if (value.GetItemType() == ItemType_decimal) return IsReadAgain(value.GetDecimal());
+  if (value.GetItemType() == ItemType_xmlCollection) {
+    CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
+    auto const* const decimals = dynamic_cast<CdecimalCol const*>(static_cast<CXmlCollectionBase const*>(collection));
+    return decimals == nullptr || IsReadAgain(*decimals);
+  }
   return value.GetItemType() != ItemType_year || (value.GetYear() >= 1000 && value.GetYear() <= 9999);
 }
 

@@ -239,6 +239,20 @@ Seconds EndOf(Duration const& duration, int year, int month) {
 
 }  // namespace
 
+bool HasMoments(BuiltIn primitive) {
+  switch (primitive) {
+    case BuiltIn::DateTime:
+    case BuiltIn::Time:
+    case BuiltIn::Date:
+    case BuiltIn::GYearMonth:
+    case BuiltIn::GYear:
+    case BuiltIn::GMonthDay:
+    case BuiltIn::GDay:
+    case BuiltIn::GMonth: return true;
+    default: return false;
+  }
+}
+
 bool IsMoment(BuiltIn primitive, std::string_view text) { return ReadMoment(primitive, text).has_value(); }
 
 Order CompareMoments(BuiltIn primitive, std::string_view a, std::string_view b) {

@@ -7,6 +7,8 @@
 /// Dates, times and durations (https://www.w3.org/TR/xmlschema-2/#dateTime, #duration).
 namespace Quillon9Generator::Schema {
 
+/// Return whether the values of \p primitive are dates, times or parts of them.
+bool HasMoments(BuiltIn primitive);
 bool IsMoment(BuiltIn primitive, std::string_view text);
 Order CompareMoments(BuiltIn primitive, std::string_view a, std::string_view b);
 

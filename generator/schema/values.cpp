@@ -151,33 +151,18 @@ bool IsValueOf(BuiltIn primitive, std::string_view text) {
     case BuiltIn::QName:
     case BuiltIn::Notation: return IsQName(text);
     case BuiltIn::Duration: return IsDuration(text);
-    case BuiltIn::DateTime:
-    case BuiltIn::Time:
-    case BuiltIn::Date:
-    case BuiltIn::GYearMonth:
-    case BuiltIn::GYear:
-    case BuiltIn::GMonthDay:
-    case BuiltIn::GDay:
-    case BuiltIn::GMonth: return IsMoment(primitive, text);
-    default: return true;
+    default: return !HasMoments(primitive) || IsMoment(primitive, text);
   }
 }
 
 Order Compare(BuiltIn primitive, std::string_view a, std::string_view b) {
+  if (HasMoments(primitive)) return CompareMoments(primitive, a, b);
   bool isEqual = a == b;
   switch (primitive) {
     case BuiltIn::Decimal: return CompareDecimals(a, b);
     case BuiltIn::Float:
     case BuiltIn::Double: return CompareFloats(a, b, primitive == BuiltIn::Float);
     case BuiltIn::Duration: return CompareDurations(a, b);
-    case BuiltIn::DateTime:
-    case BuiltIn::Time:
-    case BuiltIn::Date:
-    case BuiltIn::GYearMonth:
-    case BuiltIn::GYear:
-    case BuiltIn::GMonthDay:
-    case BuiltIn::GDay:
-    case BuiltIn::GMonth: return CompareMoments(primitive, a, b);
     case BuiltIn::Boolean: isEqual = IsTrue(a) == IsTrue(b); break;
     case BuiltIn::HexBinary: isEqual = HasSameLetters(a, b); break;
     case BuiltIn::Base64Binary: isEqual = WithoutBlanks(a) == WithoutBlanks(b); break;

@@ -51,11 +51,9 @@ CFailurePlace const* CQnException::GetPlace() const {
 FailureKind CQnException::GetKind() const { return m_detail != nullptr ? m_detail->kind : FailureKind_Other; }
 
 std::string CQnException::GetReport() const {
-  CQnException const* cause = this;
-  while (cause->m_inner != nullptr) cause = cause->m_inner;
   CFailurePlace const* const place = GetPlace();
-  return CFailure(GetKind(), FailureSeverity_Error, place != nullptr ? *place : CFailurePlace(), cause->m_message)
-      .GetReport();
+  std::string const& text = CauseOf(*this).m_message;
+  return CFailure(GetKind(), FailureSeverity_Error, place != nullptr ? *place : CFailurePlace(), text).GetReport();
 }
 
 CQnException* CQnException::Share(CQnException* inner) noexcept {

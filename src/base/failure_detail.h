@@ -68,6 +68,13 @@ struct FailureAccess {
   static inline std::atomic<std::uint64_t> s_created{0};
 };
 
+/// The innermost failure of the chain of \p failure.
+inline CQnException const& CauseOf(CQnException const& failure) {
+  CQnException const* cause = &failure;
+  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+  return *cause;
+}
+
 /// The failure itself, with its kind. For throw statements: `throw OfKind(FailureKind_Count, CQnException(...));`
 template <class Exception>
 Exception OfKind(FailureKind kind, Exception failure) {

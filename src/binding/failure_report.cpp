@@ -1,26 +1,15 @@
 #include "binding/failure_report.h"
 
 #include <functional>
-#include <limits>
 
 #include "base/failure_detail.h"
 
 namespace Quillon9 {
 
-namespace {
-
-CQnException const& CauseOf(CQnException const& failure) {
-  CQnException const* cause = &failure;
-  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
-  return *cause;
-}
-
-}  // namespace
-
 FailureReport::FailureReport(CXmlSerializationContext const& ctx, PlaceFinder& places)
     : m_sink(ctx.GetFailureSink()),
       m_places(places),
-      m_most(ctx.GetMaxFailures() != 0 ? ctx.GetMaxFailures() : std::numeric_limits<std::uint64_t>::max()),
+      m_most(MostFailures(ctx)),
       m_start(FailureAccess::CountDetails()),
       m_outer(std::exchange(t_current, this)) {}
 

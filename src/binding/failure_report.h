@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <limits>
 #include <optional>
 #include <set>
 #include <string>
@@ -15,6 +16,11 @@
 #include "quillon9/fwd.h"
 
 namespace Quillon9 {
+
+/// After how many errors a read or check under \p ctx ends, and how many remarks it sends.
+inline std::uint64_t MostFailures(CXmlSerializationContext const& ctx) {
+  return ctx.GetMaxFailures() != 0 ? ctx.GetMaxFailures() : std::numeric_limits<std::uint64_t>::max();
+}
 
 /// A node of a tree where something is wrong.
 struct FailurePoint {

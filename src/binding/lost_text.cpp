@@ -1,7 +1,6 @@
 #include "binding/lost_text.h"
 
-#include <cstddef>
-#include <limits>
+#include <cstdint>
 
 #include "binding/check_walk.h"
 #include "binding/failure_report.h"
@@ -14,25 +13,16 @@ namespace Quillon9 {
 
 namespace {
 
-std::size_t MostRemarks(CXmlSerializationContext const& ctx) {
-  return ctx.GetMaxFailures() != 0 ? ctx.GetMaxFailures() : std::numeric_limits<std::size_t>::max();
-}
-
 CFailure Remark(std::string path, std::string const& text) {
   CFailurePlace place;
   place.SetPath(std::move(path));
   return {FailureKind_LostCharacter, FailureSeverity_Remark, std::move(place), text};
 }
 
-/// For the first walk, which only counts siblings.
-struct Ignoring final : CheckReceiver {
-  bool OnFailure(CQnException&, CheckingWriter const&) override { return true; }
-};
-
 /// Collects what a walk over a graph finds, up to a limit.
 class Finding final : public CheckReceiver {
  public:
-  explicit Finding(std::size_t most) : m_most(most) {}
+  explicit Finding(std::uint64_t most) : m_most(most) {}
 
   bool OnFailure(CQnException& failure, CheckingWriter const& writer) override {
     if (failure.GetKind() != FailureKind_LostCharacter) return true;
@@ -45,7 +35,7 @@ class Finding final : public CheckReceiver {
   std::vector<CFailure> const& GetRemarks() const { return m_remarks; }
 
  private:
-  std::size_t m_most;
+  std::uint64_t m_most;
   std::vector<CFailure> m_remarks;
   std::set<std::string> m_known;
 };
@@ -61,7 +51,7 @@ LossesOfReading::LossesOfReading(CXmlDocument const& document) : m_document(docu
 
 void LossesOfReading::OnLost(LostCharacter const& lost) {
   Loss const loss(m_document.GetOpenElement(), lost.code);
-  if (m_losses.size() >= MostRemarks(m_document.GetContext()) || !m_known.insert(loss).second) return;
+  if (m_losses.size() >= MostFailures(m_document.GetContext()) || !m_known.insert(loss).second) return;
   m_losses.push_back(loss);
 }
 
@@ -90,12 +80,8 @@ void LossesOfWriting::OnLost(LostCharacter const& lost) {
 void LossesOfWriting::Tell(CXmlObjectBase const& object) {
   m_scope.reset();
   if (m_bytes.empty()) return;
-  Ignoring counting;
-  CheckingWriter first(CheckingWriter::Scope::kCharacters, counting, nullptr);
-  WalkAsWrite(object, m_ctx, first);
-  Finding finding(MostRemarks(m_ctx));
-  CheckingWriter second(CheckingWriter::Scope::kCharacters, finding, &first);
-  WalkAsWrite(object, m_ctx, second);
+  Finding finding(MostFailures(m_ctx));
+  CheckWalk(object, m_ctx, CheckingWriter::Scope::kCharacters).SendTo(finding);
   std::vector<CFailure> remarks = finding.GetRemarks();
   if (remarks.empty()) {  // a class writes something else each time
     for (std::uint32_t const byte : m_bytes) remarks.push_back(Remark("", LostCharacter{byte, true}.GetText()));

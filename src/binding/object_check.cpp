@@ -2,13 +2,13 @@
 // for the place of a failure that ended a write.
 
 #include <exception>
-#include <limits>
 #include <string>
 #include <typeinfo>
 #include <utility>
 
 #include "base/failure_detail.h"
 #include "binding/check_walk.h"
+#include "binding/failure_report.h"
 #include "binding/text_scope.h"
 #include "binding/write_failure.h"
 #include "quillon9/base/exceptions.h"
@@ -22,32 +22,10 @@ namespace {
 
 using Scope = CheckingWriter::Scope;
 
-CQnException const& CauseOf(CQnException const& failure) {
-  CQnException const* cause = &failure;
-  while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
-  return *cause;
-}
-
-/// For the first walk, which only counts siblings.
-class Noticing : public CheckReceiver {
- public:
-  explicit Noticing(bool goesOn) : m_goesOn(goesOn) {}
-  bool OnFailure(CQnException&, CheckingWriter const&) override {
-    m_hasFailures = true;
-    return m_goesOn;
-  }
-  bool HasFailures() const { return m_hasFailures; }
-
- private:
-  bool m_goesOn;
-  bool m_hasFailures = false;
-};
-
 /// Sends the failures to a sink. What the sink throws ends the walk and is kept, because classes wrap failures.
 class Telling : public CheckReceiver {
  public:
-  Telling(IFailureSink& sink, std::uint64_t most)
-      : m_sink(sink), m_left(most != 0 ? most : std::numeric_limits<std::uint64_t>::max()) {}
+  Telling(IFailureSink& sink, std::uint64_t most) : m_sink(sink), m_left(most) {}
 
   bool OnFailure(CQnException& failure, CheckingWriter const& writer) override {
     CFailurePlace place;
@@ -102,13 +80,8 @@ void Find(CQnException& failure, CXmlObjectBase const& object, CXmlSerialization
   try {
     if (failure.GetPlace() != nullptr) return;
     Utf8Text::Scope const use(TextUse(object, ctx));
-    Noticing counting(true);
-    CheckingWriter first(scope, counting, nullptr);
-    WalkAsWrite(object, ctx, first);
     Finding finding(failure);
-    CheckingWriter second(scope, finding, &first);
-    second.SetEncoder(encoder);
-    WalkAsWrite(object, ctx, second);
+    CheckWalk(object, ctx, scope).SendTo(finding, encoder);
   } catch (...) {  // the failure that ended the write counts
   }
 }
@@ -127,14 +100,11 @@ void WriteFailure::AddPlace(CQnException& failure, CXmlObjectBase const& object,
 
 bool CXmlObjectBase::Check(CXmlSerializationContext const& ctx, IFailureSink* sink) const {
   Utf8Text::Scope const use(TextUse(*this, ctx));
-  Noticing noticing(sink != nullptr);
-  CheckingWriter first(Scope::kWritingAndReading, noticing, nullptr);
-  WalkAsWrite(*this, ctx, first);
-  if (!noticing.HasFailures()) return true;
+  CheckWalk walk(*this, ctx, Scope::kWritingAndReading, sink != nullptr);
+  if (!walk.HasFailures()) return true;
   if (sink == nullptr) return false;
-  Telling telling(*sink, ctx.GetMaxFailures());
-  CheckingWriter second(Scope::kWritingAndReading, telling, &first);
-  WalkAsWrite(*this, ctx, second);
+  Telling telling(*sink, MostFailures(ctx));
+  walk.SendTo(telling);
   telling.Rethrow();
   return false;
 }

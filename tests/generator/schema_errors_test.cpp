@@ -1,32 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstddef>
-
-#include "schema_files.h"
+#include "schema_cases.h"
 
 namespace Quillon9Generator::Testing {
 namespace {
 
-struct Case {
-  char const* body;
-  char const* diagnostics;  ///< without "a.xsd:2:" in front of each line
-};
-
-std::string DiagnosticsOf(std::string const& body) {
-  SchemaFiles files;
-  files.WriteSchema("a.xsd", "urn:t", body);
-  Schema::Print(files.Load({"a.xsd"}));
-  return Replaced(files.Diagnostics(), "a.xsd:2:", "");
-}
-
-void Check(Case const* cases, std::size_t count) {
-  for (Case const* one = cases; one != cases + count; ++one) {
-    EXPECT_EQ(DiagnosticsOf(one->body), one->diagnostics) << one->body;
-  }
-}
-
 TEST(SchemaErrors, References) {
-  constexpr Case kCases[] = {
+  constexpr SchemaCase kCases[] = {
       {"<xs:element name='e' type='po:SKU' xmlns:po='urn:po'/><xs:element name='f' type='q:x'/>",
        "1: error: no type \"po:SKU\"; is an import missing?\n55: error: the prefix \"q\" is not declared\n"},
       {"<xs:element name='e' type='T'/><xs:element name='f' type='t:e'/><xs:element name='g' type='xs:itn'/>"
@@ -46,7 +26,7 @@ TEST(SchemaErrors, References) {
 }
 
 TEST(SchemaErrors, Definitions) {
-  constexpr Case kCases[] = {
+  constexpr SchemaCase kCases[] = {
       {"<xs:simpleType name='T'><xs:list itemType='xs:int'/></xs:simpleType><xs:complexType name='T'/>",
        "69: error: xs:complexType \"T\" is defined twice; the first is at 1\n"},
       {"<xs:element/><xs:element name='a b'/>", "1: error: xs:element has no name\n14: error: \"a b\" is not a name\n"},
@@ -74,7 +54,7 @@ TEST(SchemaErrors, Definitions) {
 }
 
 TEST(SchemaErrors, Values) {
-  constexpr Case kCases[] = {
+  constexpr SchemaCase kCases[] = {
       {"<xs:group name='G'><xs:sequence><xs:element name='a' minOccurs='2'/><xs:any maxOccurs='-1'/>"
        "<xs:any minOccurs='x'/></xs:sequence></xs:group>",
        "33: error: minOccurs is greater than maxOccurs\n69: error: wrong maxOccurs \"-1\"\n"
@@ -98,7 +78,7 @@ TEST(SchemaErrors, Values) {
 }
 
 TEST(SchemaErrors, Grammar) {
-  constexpr Case kCases[] = {
+  constexpr SchemaCase kCases[] = {
       {"<xs:elment name='e'/><xs:element name='e' tpye='xs:int'/><html xmlns=''/>",
        "1: error: unexpected xs:elment in xs:schema\n22: error: xs:element has no attribute \"tpye\"\n"
        "58: error: unexpected element \"html\" in xs:schema\n"},
@@ -142,7 +122,7 @@ TEST(SchemaErrors, HostileSchemas) {
           .find("1: error: the type has more than 100000 particles when each group is replaced"),
       std::string::npos);
 
-  constexpr Case kChains[] = {
+  constexpr SchemaCase kChains[] = {
       {"<xs:simpleType name='T#'><xs:restriction base='t:T$'/></xs:simpleType>", "definitions need one another"},
       {"<xs:complexType name='T#'><xs:complexContent><xs:extension base='t:T$'/></xs:complexContent></xs:complexType>",
        "definitions need one another"},
@@ -152,7 +132,7 @@ TEST(SchemaErrors, HostileSchemas) {
        "groups contain one another"},
       {"<xs:element name='T#' substitutionGroup='t:T$'/>", "elements substitute one another"},
   };
-  for (Case const& chain : kChains) {
+  for (SchemaCase const& chain : kChains) {
     EXPECT_NE(DiagnosticsOf(Repeated(20000, chain.body)).find(chain.diagnostics), std::string::npos) << chain.body;
   }
 

@@ -1,28 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "schema/values.h"
-#include "schema_files.h"
+#include "schema_cases.h"
 
 /// The W3C suite of schemas, which `make xsts` runs, is the test of the constraints. Here are the messages, one or two
 /// of each family, and what the suite does not have.
 namespace Quillon9Generator::Testing {
 namespace {
-
-struct Case {
-  char const* body;
-  char const* diagnostics;  ///< without "a.xsd:2:" in front of each line
-};
-
-std::string DiagnosticsOf(std::string const& body) {
-  SchemaFiles files;
-  files.WriteSchema("a.xsd", "urn:t", body);
-  files.Load({"a.xsd"});
-  return Replaced(files.Diagnostics(), "a.xsd:2:", "");
-}
-
-void Check(std::initializer_list<Case> cases) {
-  for (Case const& each : cases) EXPECT_EQ(DiagnosticsOf(each.body), each.diagnostics) << each.body;
-}
 
 std::string Type(std::string const& name, std::string const& content) {
   return "<xs:complexType name='" + name + "'>" + content + "</xs:complexType>";

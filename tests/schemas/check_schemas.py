@@ -223,15 +223,21 @@ def is_worse(found, expected):
     return found.read < int(row["read"]) or found.equal < int(row["equal"])
 
 
-def main():
-    parser = argparse.ArgumentParser(usage=__doc__)
+def make_parser(usage):
+    """Return a parser of the arguments that all tools for the sets of schemas take."""
+    parser = argparse.ArgumentParser(usage=usage)
     for option in ("--schemas", "--build", "--source"):
         parser.add_argument(option, required=True)
     parser.add_argument("--work")
     parser.add_argument("--compiler", default="g++")
+    parser.add_argument("sets", nargs="*")
+    return parser
+
+
+def main():
+    parser = make_parser(__doc__)
     parser.add_argument("--details", action="store_true")
     parser.add_argument("--update", action="store_true")
-    parser.add_argument("sets", nargs="*")
     arguments = parser.parse_args()
     arguments.work = arguments.work or os.path.join(arguments.build, "schemas")
     sets = load_sets(arguments.schemas)

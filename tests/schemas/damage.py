@@ -11,7 +11,6 @@ failure must be those of the damage. The table shows how many damages were notic
 right place, and how many failures a sink receives for them. The exit status is 1 if a place is wrong.
 """
 
-import argparse
 import os
 import random
 import re
@@ -220,13 +219,7 @@ def check(schema_set, arguments):
 
 
 def main():
-    parser = argparse.ArgumentParser(usage=__doc__)
-    for option in ("--schemas", "--build", "--source"):
-        parser.add_argument(option, required=True)
-    parser.add_argument("--work")
-    parser.add_argument("--compiler", default="g++")
-    parser.add_argument("sets", nargs="*")
-    arguments = parser.parse_args()
+    arguments = check_schemas.make_parser(__doc__).parse_args()
     arguments.work = arguments.work or os.path.join(arguments.build, "damage")
     names = arguments.sets or SETS
     print(f"{'set':12} {'document':40} {'damages':>7} {'noticed':>7} {'right':>5} {'failures':>8} {'most':>4}")
