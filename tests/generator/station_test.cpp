@@ -257,7 +257,10 @@ TEST(Names, PrefixesAreThoseInScope) {
 TEST(Identifiers, LeadToTheirObjects) {
   auto const station = Read(Document("", "1 2", "", "<sensor id='a' next='b'/><sensor id='b' next='c'/>"));
   auto& first = station->GetSensor()[0];
-  EXPECT_EQ(station->FindById(*first.GetNext()), &station->GetSensor()[1]);
+  // [reference]
+  auto* next = dynamic_cast<Stations::CSensor*>(station->FindById(*first.GetNext()));  // null if there is none
+  // [reference]
+  EXPECT_EQ(next, &station->GetSensor()[1]);
   EXPECT_EQ(station->FindById("c"), nullptr);
   EXPECT_EQ(first.FindById("b"), nullptr);
   Quillon9::CIdIndex const index(*station);
