@@ -51,6 +51,8 @@ std::string Constants::Unique(std::string const& wanted) {
   return name;
 }
 
+std::string Constants::TablesOf(Plan::Class const& cls) const { return Code::TablesOf(cls, m_ns); }
+
 std::string Constants::Uri(std::string const& uri) {
   if (uri.empty()) return "\"\"";
   auto const [entry, added] = m_uris.emplace(uri, "");

@@ -29,6 +29,8 @@ class Constants {
   std::string Texts(Plan::Enumeration const& enumeration);
   /// The name of the tables of an element of simple type.
   std::string ValueElement(Plan::ValueType const& type, std::string const& hint);
+  /// The tables of \p cls as they are named beside the constants.
+  std::string TablesOf(Plan::Class const& cls) const;
   /// The name of \p group.
   std::string Group(Plan::ElementGroup const& group);
   /// \p wanted, or with the first number that makes it unique in the file.

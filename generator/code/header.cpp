@@ -1,5 +1,6 @@
 #include "code/header.h"
 
+#include <algorithm>
 #include <set>
 
 #include "code/members.h"
@@ -124,11 +125,15 @@ void AddReferences(std::set<Class const*>& referred, Class const& cls) {
   for (Class const* nested : cls.nested) AddReferences(referred, *nested);
 }
 
-/// Declare the classes that others use before their definition.
-void PrintForwardDeclarations(Text& text, Namespace const& ns) {
+void EnterNamespace(Text& text, std::string const& name) {
+  if (text.Enter(name)) text.Line("");
+}
+
+/// The classes that others use before their definition.
+std::set<Class const*> NeededBeforeDefinition(Plan::Plan const& plan) {
   std::set<Class const*> known;
   std::set<Class const*> needed;
-  for (Class const* cls : ns.classes) {
+  for (Class const* cls : plan.classes) {
     known.insert(cls);
     std::set<Class const*> referred;
     AddReferences(referred, *cls);
@@ -136,14 +141,29 @@ void PrintForwardDeclarations(Text& text, Namespace const& ns) {
       if (known.count(each) == 0) needed.insert(each);
     }
   }
+  return needed;
+}
+
+void PrintForwardDeclarations(Text& text, Namespace const& ns, std::set<Class const*> const& needed) {
   for (Class const* cls : ns.classes) {
-    if (needed.count(cls) != 0) text.Line("class " + cls->shortName + ";");
+    if (needed.count(cls) == 0) continue;
+    EnterNamespace(text, ns.cppName);
+    text.Line("class " + cls->shortName + ";");
+  }
+}
+
+void PrintEnumerations(Text& text, Namespace const& ns) {
+  for (Enumeration const* enumeration : ns.enumerations) {
+    EnterNamespace(text, ns.cppName);
+    text.Blank();
+    PrintEnumeration(text, *enumeration);
   }
 }
 
 void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
   std::vector<Enumeration const*> const all = AllEnumerations(ns);
   if (all.empty()) return;
+  EnterNamespace(text, ns.cppName);
   text.Blank();
   text.Line("/// The text of the schema; null for a number that is no enumerator.");
   text.Line("///@{");
@@ -156,29 +176,46 @@ void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
   text.Line("///@}");
 }
 
-void PrintRootFunctions(Text& text, Namespace const& ns) {
+std::string PointerTo(Plan::Root const& root, Namespace const& ns) { return "CSmartPtr<" + RootType(root, ns) + "> "; }
+
+void PrintReadFunctions(Text& text, Plan::Plan const& plan, Namespace const& ns) {
+  bool const hasDocuments = !ns.roots.empty() && ns.roots.front().isDocument;
+  if (hasDocuments) {
+    text.Line("/// Read a document whose element has the name of the function.");
+    text.Line("///@{");
+  }
+  for (Plan::Root const& root : ns.roots) {
+    if (!root.isDocument) break;
+    text.Comment(root.documentation);
+    text.Call(PointerTo(root, ns) + "Read" + root.cppName, {kSource, kContext}, ";");
+  }
+  if (hasDocuments) text.Line("///@}");
+  if (DocumentsReadIn(plan, ns).empty()) return;
+  text.Line(plan.namespaces.size() == 1 ? "/// Read a document whose element is any of these."
+                                        : "/// Read a document whose element any function here or in the other namespaces reads.");
+  text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
+}
+
+void PrintCreateFunctions(Text& text, Namespace const& ns) {
   if (ns.roots.empty()) return;
+  text.Line("/// A new object for the element that has the name of the function.");
+  text.Line("///@{");
+  for (Plan::Root const& root : ns.roots) {
+    if (CanBeCreated(root)) text.Line(PointerTo(root, ns) + "Create" + root.cppName + "();");
+  }
+  text.Line("///@}");
+}
+
+void PrintRootFunctions(Text& text, Plan::Plan const& plan, Namespace const& ns) {
+  if (ns.roots.empty() && DocumentsReadIn(plan, ns).empty()) return;
+  EnterNamespace(text, ns.cppName);
   text.Blank();
   for (Plan::Root const& root : ns.roots) {
     if (!root.alias.empty()) text.Line("using " + root.alias + " = " + RootType(root, ns) + ";");
   }
-  auto const pointer = [&ns](Plan::Root const& root) { return "CSmartPtr<" + RootType(root, ns) + "> "; };
   text.Blank();
-  text.Line("/// Read a document whose element has the name of the function.");
-  text.Line("///@{");
-  for (Plan::Root const& root : ns.roots) {
-    text.Comment(root.documentation);
-    text.Call(pointer(root) + "Read" + root.cppName, {kSource, kContext}, ";");
-  }
-  text.Line("///@}");
-  text.Line("/// Read a document whose element is any of these.");
-  text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
-  text.Line("/// A new object for the element that has the name of the function.");
-  text.Line("///@{");
-  for (Plan::Root const& root : ns.roots) {
-    if (CanBeCreated(root)) text.Line(pointer(root) + "Create" + root.cppName + "();");
-  }
-  text.Line("///@}");
+  PrintReadFunctions(text, plan, ns);
+  PrintCreateFunctions(text, ns);
 }
 
 void AddEnumerations(std::vector<Enumeration const*>& all, Class const& cls) {
@@ -212,31 +249,48 @@ std::vector<Class const*> AllClasses(Namespace const& ns) {
 
 std::string RootType(Plan::Root const& root, Namespace const& ns) {
   if (root.anyType) return "Quillon9::CElement";
-  return root.type != nullptr ? root.type->cppName : ValueElementType(root.value, {&ns, nullptr});
+  Scope const scope{&ns, nullptr};
+  return root.type != nullptr ? NameOf(*root.type, scope) : ValueElementType(root.value, scope);
 }
 
 bool CanBeCreated(Plan::Root const& root) { return !root.anyType && (root.type == nullptr || !root.type->abstract); }
 
-void PrintHeader(Text& text, Namespace const& ns) {
+std::vector<Plan::Root const*> DocumentsReadIn(Plan::Plan const& plan, Namespace const& ns) {
+  std::vector<Plan::Root const*> documents;
+  if (&ns != &plan.namespaces.front()) return documents;
+  for (Namespace const& each : plan.namespaces) {
+    for (Plan::Root const& root : each.roots) {
+      if (root.isDocument) documents.push_back(&root);
+    }
+  }
+  return documents;
+}
+
+Namespace const& NamespaceOf(Plan::Plan const& plan, Class const& cls) {
+  return *std::find_if(plan.namespaces.begin(), plan.namespaces.end(),
+                       [&cls](Namespace const& ns) { return ns.cppName == cls.cppNamespace; });
+}
+
+void PrintHeader(Text& text, Plan::Plan const& plan) {
   text.Line("#pragma once");
   text.Blank();
   text.Line("#include \"quillon9/generated.h\"");
   text.Blank();
-  text.Line("namespace " + ns.cppName + " {");
-  text.Line("");
-  PrintForwardDeclarations(text, ns);
-  for (Enumeration const* enumeration : ns.enumerations) {
-    text.Blank();
-    PrintEnumeration(text, *enumeration);
+  std::set<Class const*> const needed = NeededBeforeDefinition(plan);
+  for (Namespace const& ns : plan.namespaces) {
+    PrintForwardDeclarations(text, ns, needed);
+    PrintEnumerations(text, ns);
   }
-  for (Class const* cls : ns.classes) {
+  for (Class const* cls : plan.classes) {
+    EnterNamespace(text, cls->cppNamespace);
     text.Blank();
-    PrintClass(text, *cls, ns);
+    PrintClass(text, *cls, NamespaceOf(plan, *cls));
   }
-  PrintEnumerationFunctions(text, ns);
-  PrintRootFunctions(text, ns);
-  text.Blank();
-  text.Line("}  // namespace " + ns.cppName);
+  for (Namespace const& ns : plan.namespaces) {
+    PrintEnumerationFunctions(text, ns);
+    PrintRootFunctions(text, plan, ns);
+  }
+  text.Enter("");
 }
 
 }  // namespace Quillon9Generator::Code

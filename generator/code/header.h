@@ -5,8 +5,14 @@
 
 namespace Quillon9Generator::Code {
 
-/// Append what the header of \p ns declares, after its first line.
-void PrintHeader(Text& text, Plan::Namespace const& ns);
+/// Append what the header of \p plan declares, after its first line.
+void PrintHeader(Text& text, Plan::Plan const& plan);
+
+/// The elements that the function ReadRoot() of \p ns reads; none where it has no such function.
+std::vector<Plan::Root const*> DocumentsReadIn(Plan::Plan const& plan, Plan::Namespace const& ns);
+
+/// The namespace that \p cls goes into.
+Plan::Namespace const& NamespaceOf(Plan::Plan const& plan, Plan::Class const& cls);
 
 /// The name of the function that converts a text into \p enumeration: `ColourFromText`, for a nested one
 /// `Items_ColourFromText`.

@@ -38,26 +38,30 @@ bool IsHidden(std::string const& name, Plan::Class const* scope) {
   return false;
 }
 
-std::string NameIn(std::string const& cppName, Plan::Class const* owner, Scope const& scope) {
+template <class Target>
+std::string NameIn(Target const& target, Scope const& scope) {
+  std::string const& cppName = target.cppName;
+  Plan::Class const* const owner = target.owner;
+  std::string const separator(kSeparator);
+  // Parts of the names of namespaces may hide one another, so only the whole name from the outside is certain.
+  if (target.cppNamespace != scope.ns->cppName) return separator + target.cppNamespace + separator + cppName;
   if (owner != nullptr && owner == scope.cls) return LastPart(cppName);
   std::string const first = cppName.substr(0, cppName.find(kSeparator));
   if (!IsHidden(first, scope.cls)) return cppName;
-  return scope.ns->cppName + std::string(kSeparator) + cppName;
+  return scope.ns->cppName + separator + cppName;
 }
 
 }  // namespace
 
-std::string NameOf(Plan::Class const& target, Scope const& scope) {
-  return NameIn(target.cppName, target.owner, scope);
-}
+std::string NameOf(Plan::Class const& target, Scope const& scope) { return NameIn(target, scope); }
 
-std::string NameOf(Plan::Enumeration const& target, Scope const& scope) {
-  return NameIn(target.cppName, target.owner, scope);
-}
+std::string NameOf(Plan::Enumeration const& target, Scope const& scope) { return NameIn(target, scope); }
 
 std::string ShortName(Plan::Enumeration const& enumeration) { return LastPart(enumeration.cppName); }
 
-std::string TablesOf(Plan::Class const& cls) { return cls.cppName + "::s_class"; }
+std::string TablesOf(Plan::Class const& cls, Plan::Namespace const& ns) {
+  return NameOf(cls, {&ns, nullptr}) + "::s_class";
+}
 
 std::string Identifier(Plan::Class const& cls) {
   std::string const prefix = cls.owner != nullptr ? Identifier(*cls.owner) + '_' : "";

@@ -75,37 +75,49 @@ void DefineEnumerationFunctions(Text& text, Namespace const& ns, Constants& cons
   }
 }
 
-void DefineRootFunctions(Text& text, Namespace const& ns, std::string const& roots) {
-  if (ns.roots.empty()) return;
-  text.Blank();
+/// The elements that have rows: those of ReadRoot() come first, then those of the namespace that are not among them.
+std::vector<Plan::Root const*> RootsWithRows(Plan::Plan const& plan, Namespace const& ns) {
+  std::vector<Plan::Root const*> roots = DocumentsReadIn(plan, ns);
+  bool const areDocumentsThere = !roots.empty();
+  for (Plan::Root const& root : ns.roots) {
+    if (!areDocumentsThere || !root.isDocument) roots.push_back(&root);
+  }
+  return roots;
+}
+
+void DefineReadRoot(Text& text, std::size_t documents, std::size_t all, std::string const& roots) {
+  if (documents == 0) return;
+  std::string const count = documents < all ? ", " + std::to_string(documents) : "";
+  text.Function("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot(XmlSource const& source, Context const& ctx)",
+                "return Quillon9::ReadAnyRoot(source, " + roots + count + ", ctx);");
+}
+
+void DefineRootFunctions(Text& text, Namespace const& ns, std::vector<Plan::Root const*> const& rows,
+                         std::string const& roots) {
   std::string const parameters = "(XmlSource const& source, Context const& ctx)";
-  for (std::size_t i = 0; i < ns.roots.size(); ++i) {
-    Plan::Root const& root = ns.roots[i];
+  for (Plan::Root const& root : ns.roots) {
     std::string const type = RootType(root, ns);
-    std::string const row = roots + "[" + std::to_string(i) + "]";
-    text.Function("CSmartPtr<" + type + "> Read" + root.cppName + parameters,
-                  "return RootFrom<" + type + ">(source, " + row + ", ctx);");
+    auto const place = std::find(rows.begin(), rows.end(), &root) - rows.begin();
+    std::string const row = roots + "[" + std::to_string(place) + "]";
+    if (root.isDocument) {
+      text.Function("CSmartPtr<" + type + "> Read" + root.cppName + parameters,
+                    "return RootFrom<" + type + ">(source, " + row + ", ctx);");
+    }
     if (!CanBeCreated(root)) continue;
     text.Function("CSmartPtr<" + type + "> Create" + root.cppName + "()", "return NewRoot<" + type + ">(" + row + ");");
   }
-  text.Function("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot" + parameters,
-                "return Quillon9::ReadAnyRoot(source, " + roots + ", ctx);");
 }
 
-}  // namespace
-
-void PrintSource(Text& text, Namespace const& ns) {
+void DefineNamespace(Text& text, Plan::Plan const& plan, Namespace const& ns) {
   Constants constants(ns);
   std::vector<Class const*> const classes = AllClasses(ns);
   for (Plan::Enumeration const* each : AllEnumerations(ns)) constants.Texts(*each);
   Text rows;
   std::map<Class const*, std::string> rowNames;
   for (Class const* cls : classes) rowNames[cls] = PrintRows(rows, *cls, constants);
-  std::string const roots = PrintRoots(rows, ns, constants);
+  std::vector<Plan::Root const*> const rootsWithRows = RootsWithRows(plan, ns);
+  std::string const roots = PrintRoots(rows, rootsWithRows, constants);
 
-  text.Line("#include \"" + ns.fileStem + ".h\"");
-  text.Blank();
-  text.Line("namespace " + ns.cppName + " {");
   text.Line("namespace {");
   text.Line("");
   text.Line("using namespace Quillon9::Rows;");
@@ -119,9 +131,23 @@ void PrintSource(Text& text, Namespace const& ns) {
   text.Blank();
   for (Class const* cls : classes) DefineClass(text, *cls, ns, rowNames[cls]);
   DefineEnumerationFunctions(text, ns, constants);
-  DefineRootFunctions(text, ns, roots);
   text.Blank();
-  text.Line("}  // namespace " + ns.cppName);
+  DefineRootFunctions(text, ns, rootsWithRows, roots);
+  DefineReadRoot(text, DocumentsReadIn(plan, ns).size(), rootsWithRows.size(), roots);
+}
+
+bool IsEmpty(Namespace const& ns) { return ns.classes.empty() && ns.enumerations.empty() && ns.roots.empty(); }
+
+}  // namespace
+
+void PrintSource(Text& text, Plan::Plan const& plan) {
+  text.Line("#include \"" + plan.namespaces.front().fileStem + ".h\"");
+  for (Namespace const& ns : plan.namespaces) {
+    if (IsEmpty(ns) && DocumentsReadIn(plan, ns).empty()) continue;
+    text.Enter(ns.cppName);
+    DefineNamespace(text, plan, ns);
+  }
+  text.Enter("");
 }
 
 }  // namespace Quillon9Generator::Code

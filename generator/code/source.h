@@ -5,7 +5,7 @@
 
 namespace Quillon9Generator::Code {
 
-/// Append what the source of \p ns defines, after its first line.
-void PrintSource(Text& text, Plan::Namespace const& ns);
+/// Append what the source of \p plan defines, after its first line.
+void PrintSource(Text& text, Plan::Plan const& plan);
 
 }  // namespace Quillon9Generator::Code

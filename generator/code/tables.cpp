@@ -56,10 +56,10 @@ std::string ElementRow(Member const& member, Constants& constants) {
     case Kind::Values: return (repeated(named("Values")) << constants.ValueType(member.value, member.cppName)).Text();
     case Kind::Object:
       if (member.group != nullptr) return (named("Head") << once << constants.Group(*member.group)).Text();
-      return (named("Object") << once << TablesOf(*member.type)).Text();
+      return (named("Object") << once << constants.TablesOf(*member.type)).Text();
     case Kind::Objects:
       if (member.group != nullptr) return (repeated(named("Heads")) << constants.Group(*member.group)).Text();
-      return (repeated(named("Objects")) << TablesOf(*member.type)).Text();
+      return (repeated(named("Objects")) << constants.TablesOf(*member.type)).Text();
     case Kind::NillableValue:
       return (named("Object") << once << constants.ValueElement(member.value, member.cppName)).Text();
     case Kind::NillableValues:
@@ -67,7 +67,7 @@ std::string ElementRow(Member const& member, Constants& constants) {
     case Kind::Rounds: {
       RowCall row("Rounds");
       row << Literal(member.cppName) << member.property;
-      return (repeated(row) << TablesOf(*member.type)).Text();
+      return (repeated(row) << constants.TablesOf(*member.type)).Text();
     }
     case Kind::Any: return (RowCall("Any") << member.property << once << constants.Rule(member)).Text();
     case Kind::Anys: {
@@ -139,9 +139,9 @@ std::string PrintArray(Text& text, std::string const& type, std::string const& n
   return name;
 }
 
-std::string DerivedClasses(Text& text, Plan::Class const& cls, std::string const& name) {
+std::string DerivedClasses(Text& text, Plan::Class const& cls, std::string const& name, Constants const& constants) {
   std::vector<std::string> items;
-  for (Plan::Class const* each : cls.derived) items.push_back('&' + TablesOf(*each));
+  for (Plan::Class const* each : cls.derived) items.push_back('&' + constants.TablesOf(*each));
   if (items.empty()) return "nullptr";
   for (std::string const& line : BracedList("constexpr ClassTables* " + name + "[] = ", items)) text.Line(line);
   return name;
@@ -163,11 +163,11 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
   std::string const elementArray = PrintArray(text, "ElementRow", constants.Unique(stem + "Elements"), elements);
   std::string const attributeArray =
       PrintArray(text, "AttributeRow", constants.Unique(stem + "Attributes"), attributes);
-  std::string const derivedArray = DerivedClasses(text, cls, constants.Unique(stem + "Derived"));
+  std::string const derivedArray = DerivedClasses(text, cls, constants.Unique(stem + "Derived"), constants);
   std::vector<std::string> const fields = {Literal(cls.name.local),
                                            cls.name.local.empty() ? "\"\"" : constants.Uri(cls.name.ns),
                                            constants.Uri(cls.targetNamespace),
-                                           cls.base != nullptr ? '&' + TablesOf(*cls.base) : "nullptr",
+                                           cls.base != nullptr ? '&' + constants.TablesOf(*cls.base) : "nullptr",
                                            elementArray,
                                            std::to_string(elements.size()),
                                            attributeArray,
@@ -193,13 +193,13 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
   return name;
 }
 
-std::string PrintRoots(Text& text, Plan::Namespace const& ns, Constants& constants) {
+std::string PrintRoots(Text& text, std::vector<Plan::Root const*> const& roots, Constants& constants) {
   std::vector<std::string> rows;
-  for (Plan::Root const& root : ns.roots) {
-    std::string const tables = root.anyType           ? "nullptr"
-                               : root.type != nullptr ? '&' + TablesOf(*root.type)
-                                                      : '&' + constants.ValueElement(root.value, root.cppName);
-    rows.push_back("{" + Literal(root.name.local) + ", " + constants.Uri(root.name.ns) + ", " + tables + "}");
+  for (Plan::Root const* root : roots) {
+    std::string const tables = root->anyType           ? "nullptr"
+                               : root->type != nullptr ? '&' + constants.TablesOf(*root->type)
+                                                       : '&' + constants.ValueElement(root->value, root->cppName);
+    rows.push_back("{" + Literal(root->name.local) + ", " + constants.Uri(root->name.ns) + ", " + tables + "}");
   }
   return PrintArray(text, "RootRow", constants.Unique("kRoots"), rows);
 }

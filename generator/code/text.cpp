@@ -134,6 +134,16 @@ void Text::Blank() {
   if (!m_text.empty() && !endsWith("\n\n") && !endsWith("{\n") && !endsWith(" public:\n")) m_text += '\n';
 }
 
+bool Text::Enter(std::string const& name) {
+  if (name == m_namespace) return false;
+  Blank();
+  if (!m_namespace.empty()) Line("}  // namespace " + m_namespace);
+  if (!m_namespace.empty() && !name.empty()) Line("");
+  if (!name.empty()) Line("namespace " + name + " {");
+  m_namespace = name;
+  return true;
+}
+
 void Text::Call(std::string_view head, std::vector<std::string> const& arguments, std::string_view tail, char open) {
   std::string const close = (open == '{' ? "}" : ")") + std::string(tail);
   std::string line = std::string(head) + open;

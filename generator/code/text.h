@@ -35,6 +35,10 @@ class Text {
   /// documentation tool is made harmless. Nothing for an empty text.
   void Comment(std::string_view documentation);
 
+  /// Let what follows be in the namespace \p name, after the end of the one that it was in; in none if it is empty.
+  /// \returns whether that is another one.
+  bool Enter(std::string const& name);
+
   /// Append \p text, whole lines, as they are.
   void Append(std::string_view text) { m_text += text; }
   /// Whether \p length columns fit after the current indentation.
@@ -46,6 +50,7 @@ class Text {
 
  private:
   std::string m_text;
+  std::string m_namespace;
   std::size_t m_indent = 0;
 };
 

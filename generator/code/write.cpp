@@ -15,27 +15,21 @@ std::string FirstLine(std::vector<std::string> const& schemaFiles) {
 }
 
 std::vector<std::string> FileNames(Plan::Plan const& plan) {
-  std::vector<std::string> names;
-  for (Plan::Namespace const& ns : plan.namespaces) {
-    names.push_back(ns.fileStem + ".h");
-    names.push_back(ns.fileStem + ".cpp");
-  }
-  return names;
+  std::string const& stem = plan.namespaces.front().fileStem;
+  return {stem + ".h", stem + ".cpp"};
 }
 
 std::vector<GeneratedFile> Write(Plan::Plan const& plan, CodeOptions const& options) {
   std::vector<GeneratedFile> files;
-  auto const add = [&](std::string const& path, void (*print)(Text&, Plan::Namespace const&),
-                       Plan::Namespace const& ns) {
+  auto const add = [&](std::string const& path, void (*print)(Text&, Plan::Plan const&)) {
     Text text;
     text.Line(options.firstLine.empty() ? FirstLine(plan.schemaFiles) : options.firstLine);
-    print(text, ns);
+    print(text, plan);
     files.push_back({path, text.Take()});
   };
-  for (Plan::Namespace const& ns : plan.namespaces) {
-    add(ns.fileStem + ".h", &PrintHeader, ns);
-    add(ns.fileStem + ".cpp", &PrintSource, ns);
-  }
+  std::vector<std::string> const names = FileNames(plan);
+  add(names[0], &PrintHeader);
+  add(names[1], &PrintSource);
   return files;
 }
 

@@ -27,7 +27,7 @@ std::string FirstLine(std::vector<std::string> const& schemaFiles);
 /// The names of the files that Write() returns, without their content.
 std::vector<std::string> FileNames(Plan::Plan const& plan);
 
-/// A header and a source for each namespace of \p plan. The same plan gives the same octets.
+/// A header and a source for all namespaces of \p plan, named after the first. The same plan gives the same octets.
 std::vector<GeneratedFile> Write(Plan::Plan const& plan, CodeOptions const& options);
 
 /// A rule for make and ninja: the files \p targets depend on \p sources. Blanks and other special characters of the

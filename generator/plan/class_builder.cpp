@@ -131,14 +131,15 @@ Member::Kind Repeated(Member::Kind kind) {
 
 }  // namespace
 
-ClassBuilder::ClassBuilder(Schema::SchemaSet const& set, PlanOptions const& options, Plan& plan,
+ClassBuilder::ClassBuilder(Selection const& selection, PlanOptions const& options, Plan& plan,
                            Schema::Diagnostics& diagnostics)
-    : m_set(set),
+    : m_selection(selection),
+      m_set(selection.set),
       m_options(options),
       m_plan(plan),
       m_diagnostics(diagnostics),
       m_values(options, plan, diagnostics),
-      m_derivations(set, diagnostics),
+      m_derivations(m_set, diagnostics),
       m_budget(kMostParts) {}
 
 void ClassBuilder::Build() {
@@ -181,23 +182,28 @@ Class* ClassBuilder::NewClass(std::string shortName, Class const* owner) {
   Class* const cls = m_plan.classStorage.back().get();
   cls->shortName = std::move(shortName);
   cls->owner = owner;
+  if (owner != nullptr) cls->cppNamespace = owner->cppNamespace;
   return cls;
 }
 
 Class* ClassBuilder::NewClassOf(ComplexType const& type, Class const* user) {
   ElementDeclaration const* const owner = type.IsAnonymous() ? type.owner : nullptr;
   std::string name = owner != nullptr ? owner->name.local : type.name.local;
+  std::string ns = type.name.ns;
   if (!type.IsAnonymous()) name = NameOf(type.name, m_options);
   Class const* enclosing = type.IsAnonymous() ? user : nullptr;
   auto const group = m_groups.find(owner);
   if (owner != nullptr && owner->global) {
     name = NameOf(owner->name, m_options);
+    ns = owner->name.ns;
     enclosing = nullptr;
   } else if (owner != nullptr && group != m_groups.end()) {  // all users of the group share it
     name = UpperCamel(group->second->name.local) + UpperCamel(name);
+    ns = group->second->name.ns;
     enclosing = nullptr;
   }
   Class* const cls = NewClass(std::move(name), enclosing);
+  if (enclosing == nullptr) cls->cppNamespace = std::move(ns);
   cls->name = type.name;
   cls->targetNamespace = owner != nullptr ? owner->name.ns : type.name.ns;
   cls->documentation = type.documentation.empty() && owner != nullptr ? owner->documentation : type.documentation;
@@ -261,7 +267,7 @@ void ClassBuilder::AddText(Class& cls, ComplexType const& type) {
   if (isMixed) {
     text.value.whiteSpace = Schema::WhiteSpace::Preserve;
   } else {
-    text.value = m_values.Of(type.simpleContent, {&cls, cls.shortName});
+    text.value = m_values.Of(type.simpleContent, {&cls, cls.shortName, cls.cppNamespace});
   }
   cls.members.push_back(std::move(text));
 }
@@ -453,8 +459,11 @@ void ClassBuilder::AddRow(Class& cls, Member member, Position position) {
 ValueType ClassBuilder::ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name,
                                 void const* declaration, bool global, Class const& user) {
   auto const group = m_groups.find(declaration);
-  if (group == m_groups.end()) return m_values.Of(type, {global ? nullptr : &user, name.local});
-  return m_values.Of(type, {nullptr, UpperCamel(group->second->name.local) + UpperCamel(name.local)});
+  if (group == m_groups.end()) {
+    return m_values.Of(type, {global ? nullptr : &user, name.local, global ? name.ns : user.cppNamespace});
+  }
+  Schema::QualifiedName const& ofGroup = group->second->name;
+  return m_values.Of(type, {nullptr, UpperCamel(ofGroup.local) + UpperCamel(name.local), ofGroup.ns});
 }
 
 void ClassBuilder::NoteUse(Class& cls, ElementDeclaration const& element) {
@@ -520,7 +529,7 @@ ElementGroup const* ClassBuilder::GroupOf(ElementDeclaration const& head) {
     if (!element.anyType && declaration->complexType != nullptr) {
       element.type = ClassOf(*declaration->complexType, nullptr);
     } else if (!element.anyType) {
-      element.value = m_values.Of(declaration->simpleType, {nullptr, declaration->name.local});
+      element.value = m_values.Of(declaration->simpleType, {nullptr, declaration->name.local, declaration->name.ns});
     }
     group.elements.push_back(std::move(element));
   }
@@ -569,9 +578,10 @@ void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position posit
 // ---- The rest
 
 void ClassBuilder::MakeRoots() {
-  m_plan.namespaces.emplace_back();
+  std::vector<Root>& roots = m_plan.namespaces.emplace_back().roots;
   for (ElementDeclaration const* element : m_set.elements) {
     Root root;
+    root.isDocument = m_selection.documents.count(element) != 0;
     root.cppName = NameOf(element->name, m_options);
     root.name = element->name;
     root.documentation = element->documentation;
@@ -581,10 +591,12 @@ void ClassBuilder::MakeRoots() {
       NoteUse(*cls, *element);
       root.type = cls;
     } else if (!root.anyType) {
-      root.value = m_values.Of(element->simpleType, {nullptr, element->name.local});
+      root.value = m_values.Of(element->simpleType, {nullptr, element->name.local, element->name.ns});
     }
-    if (!element->abstract) m_plan.namespaces.back().roots.push_back(std::move(root));
+    bool const isOfGroup = element->substitutionHead != nullptr || !element->standIns.empty();
+    if (!element->abstract && (root.isDocument || isOfGroup)) roots.push_back(std::move(root));
   }
+  std::stable_partition(roots.begin(), roots.end(), [](Root const& root) { return root.isDocument; });
 }
 
 // What only all members together say.

@@ -11,15 +11,17 @@
 #include "plan/derivation.h"
 #include "plan/make_plan.h"
 #include "plan/plan.h"
+#include "plan/reachable.h"
 #include "plan/value_types.h"
 
 namespace Quillon9Generator::Plan {
 
 /// Makes the classes, enumerations and roots of a plan, with members and tables, but without names, numbers and order:
-/// until GiveNames(), the short name of a class and the name of a root are what they shall have in words of the schema.
+/// until then, the short name of a class and the name of a root are what they shall have in words of the schema, and the
+/// namespaces of classes and enumerations are those of XML.
 class ClassBuilder {
  public:
-  ClassBuilder(Schema::SchemaSet const& set, PlanOptions const& options, Plan& plan, Schema::Diagnostics& diagnostics);
+  ClassBuilder(Selection const& selection, PlanOptions const& options, Plan& plan, Schema::Diagnostics& diagnostics);
 
   void Build();
 
@@ -63,6 +65,7 @@ class ClassBuilder {
   ValueType ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name, void const* declaration,
                     bool global, Class const& user);
 
+  Selection const& m_selection;
   Schema::SchemaSet const& m_set;
   PlanOptions const& m_options;
   Plan& m_plan;

@@ -7,22 +7,16 @@
 
 #include "plan/check_values.h"
 #include "plan/class_builder.h"
-#include "plan/names.h"
+#include "plan/namespaces.h"
 #include "plan/naming.h"
 #include "plan/order.h"
+#include "plan/reachable.h"
 #include "quillon9/text/whitespace.h"
 #include "schema/built_ins.h"
 
 namespace Quillon9Generator::Plan {
 
 namespace {
-
-std::string FileStemOf(std::string const& cppNamespace) {
-  std::size_t const colon = cppNamespace.rfind(':');
-  std::string stem = colon == std::string::npos ? cppNamespace : cppNamespace.substr(colon + 1);
-  for (char& c : stem) c = Lowered(c);
-  return stem;
-}
 
 std::string WithoutFolder(std::string const& path) { return path.substr(path.find_last_of('/') + 1); }
 
@@ -99,11 +93,12 @@ bool ValueType::HasSameRules(ValueType const& other) const {
 Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
   Plan plan;
   CheckOptions(set, options, diagnostics);
-  ClassBuilder(set, options, plan, diagnostics).Build();
-  plan.namespaces.front().cppName = options.cppNamespace;
-  plan.namespaces.front().fileStem = FileStemOf(options.cppNamespace);
+  Selection const selection =
+      options.roots.empty() ? SelectAll(set) : SelectReachable(set, options.roots, diagnostics);
+  ClassBuilder(selection, options, plan, diagnostics).Build();
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
   OrderClasses(plan);
+  AssignNamespaces(set, options, plan, diagnostics);
   GiveNames(plan);
   NumberRestatedMembers(plan);
   CheckValues(plan, diagnostics);

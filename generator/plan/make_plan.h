@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "plan/plan.h"
 #include "quillon9/values/item_type.h"
@@ -19,6 +20,12 @@ struct PlanOptions {
   std::map<std::string, Quillon9::ItemType> kinds;
   /// Names for types and global elements: of "{namespace}Type" or "Type" to a name without the leading C or E.
   std::map<std::string, std::string> names;
+  /// The C++ namespaces for types and elements of these XML namespaces, where that is not cppNamespace. The key is
+  /// empty for what has no namespace.
+  std::map<std::string, std::string> namespaces;
+  /// The global elements that documents begin with: "{namespace}name", or "name" if only one has it. There are classes
+  /// for what these may contain; for all of the set if there is none.
+  std::vector<std::string> roots;
 };
 
 /// The kind of value that a user names: "string", "i4", "datetime" and so on, as in ItemType. Nothing for a text that

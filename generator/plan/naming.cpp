@@ -149,38 +149,47 @@ class Namer {
   explicit Namer(Plan& plan) : m_plan(plan) {
     for (auto const& cls : plan.classStorage) m_mutable[cls.get()] = cls.get();
     for (auto const& each : plan.enumerationStorage) m_mutableEnumerations[each.get()] = each.get();
-    for (char const* name : kNamesOfLibrary) m_types.Reserve(name);
-    m_roots.Reserve("Root");  // ReadRoot()
+    for (Namespace const& ns : plan.namespaces) ReserveNames(ns);
   }
 
   void NameAll() {
     NameTypesOfNamespace();
     NameMembersInOrder();
-    for (Class const* cls : m_plan.namespaces.front().classes) {
+    for (Class const* cls : m_plan.classes) {
       m_mutable.at(cls)->cppName = cls->shortName;
       NameNested(*cls, {});
     }
     for (auto const& enumeration : m_plan.enumerationStorage) NameEnumerators(*enumeration);
-    NameRoots();
+    for (Namespace& ns : m_plan.namespaces) NameRoots(ns);
   }
 
  private:
+  // A namespace cannot have a class with the name of one nested in it.
+  void ReserveNames(Namespace const& ns) {
+    NameScope& types = m_types[ns.cppName];
+    for (char const* name : kNamesOfLibrary) types.Reserve(name);
+    std::string const prefix = ns.cppName + "::";
+    for (Namespace const& other : m_plan.namespaces) {
+      if (other.cppName.compare(0, prefix.size(), prefix) != 0) continue;
+      types.Reserve(other.cppName.substr(prefix.size(), other.cppName.find(':', prefix.size()) - prefix.size()));
+    }
+  }
+
   void NameTypesOfNamespace() {
     for (bool const isNamed : {true, false}) {
       for (auto const& cls : m_plan.classStorage) {
         if (cls->owner != nullptr || cls->name.local.empty() == isNamed) continue;
-        cls->shortName = m_types.Take("C" + UpperCamel(cls->shortName), isNamed ? "" : "Element");
+        cls->shortName = m_types.at(cls->cppNamespace).Take("C" + UpperCamel(cls->shortName), isNamed ? "" : "Element");
       }
       for (auto const& enumeration : m_plan.enumerationStorage) {
         if (enumeration->owner != nullptr || enumeration->name.local.empty() == isNamed) continue;
-        enumeration->cppName = m_types.Take(NoMacro("E" + UpperCamel(enumeration->cppName)));
+        enumeration->cppName = m_types.at(enumeration->cppNamespace).Take(NoMacro("E" + UpperCamel(enumeration->cppName)));
       }
     }
   }
 
   void NameMembersInOrder() {
-    std::vector<Class const*> pending(m_plan.namespaces.front().classes.rbegin(),
-                                      m_plan.namespaces.front().classes.rend());
+    std::vector<Class const*> pending(m_plan.classes.rbegin(), m_plan.classes.rend());
     while (!pending.empty()) {
       Class& cls = *m_mutable.at(pending.back());
       pending.pop_back();
@@ -216,18 +225,20 @@ class Namer {
     for (Class const* nested : cls.nested) NameNested(*nested, outer);
   }
 
-  void NameRoots() {
-    for (Root& root : m_plan.namespaces.front().roots) {
-      root.cppName = m_roots.Take(UpperCamel(root.cppName), "Element");
+  void NameRoots(Namespace& ns) {
+    NameScope& types = m_types.at(ns.cppName);
+    NameScope roots;
+    roots.Reserve("Root");  // ReadRoot()
+    for (Root& root : ns.roots) {
+      root.cppName = roots.Take(UpperCamel(root.cppName), "Element");
       std::string const alias = "C" + root.cppName;
-      if (root.type == nullptr || root.type->cppName == alias || !m_types.IsFree(alias)) continue;
-      root.alias = m_types.Take(alias);
+      if (root.type == nullptr || !types.IsFree(alias)) continue;
+      root.alias = types.Take(alias);
     }
   }
 
   Plan& m_plan;
-  NameScope m_types;
-  NameScope m_roots;
+  std::map<std::string, NameScope> m_types;  ///< by the C++ namespace
   MemberNames m_members;
   std::map<Class const*, Class*> m_mutable;
   std::map<Enumeration const*, Enumeration*> m_mutableEnumerations;

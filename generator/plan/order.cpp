@@ -129,7 +129,7 @@ void AppendWithNested(Class const* cls, std::vector<Class const*>& classes) {
 void OrderClasses(Plan& plan) {
   DefinitionOrder order(plan);
   order.MoveOutOfCircles();
-  plan.namespaces.front().classes = order.Sorted();
+  plan.classes = order.Sorted();
 
   std::map<Class const*, Class*> mutableOf;
   for (auto const& cls : plan.classStorage) mutableOf[cls.get()] = cls.get();
@@ -139,15 +139,12 @@ void OrderClasses(Plan& plan) {
   std::set<Class const*> numbered;
   for (auto const& cls : plan.classStorage) NumberProperties(*cls, numbered, mutableOf);
   std::vector<Class const*> all;
-  for (Class const* cls : plan.namespaces.front().classes) AppendWithNested(cls, all);
+  for (Class const* cls : plan.classes) AppendWithNested(cls, all);
   AppendDerived(all, mutableOf);
 
   for (auto const& enumeration : plan.enumerationStorage) {
-    if (enumeration->owner == nullptr) {
-      plan.namespaces.front().enumerations.push_back(enumeration.get());
-    } else {
-      mutableOf.at(enumeration->owner)->nestedEnumerations.push_back(enumeration.get());
-    }
+    if (enumeration->owner == nullptr) continue;
+    mutableOf.at(enumeration->owner)->nestedEnumerations.push_back(enumeration.get());
   }
 }
 

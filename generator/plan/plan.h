@@ -22,6 +22,7 @@ struct Enumerator {
 
 struct Enumeration {
   std::string cppName;  ///< without the namespace, with the classes around it: CItems::EColour
+  std::string cppNamespace;
   Schema::QualifiedName name;
   std::string documentation;
   Schema::Place place;
@@ -147,6 +148,7 @@ struct Choice {
 
 struct Class {
   std::string cppName;         ///< with the classes around it: CItems::CItem
+  std::string cppNamespace;    ///< Company::Orders
   std::string shortName;       ///< CItem
   Schema::QualifiedName name;  ///< of the type; local part empty for an anonymous type or a group
   std::string
@@ -187,6 +189,7 @@ struct Root {
   ValueType value;
   std::string alias;     ///< CPurchaseOrder where that is another, free name; else empty
   bool anyType = false;  ///< read as a CElement
+  bool isDocument = true;  ///< documents may begin with it; if not, objects for it are only made
   std::string documentation;
 };
 
@@ -196,11 +199,12 @@ struct Namespace {
   std::string fileStem;                          ///< orders
   std::vector<Enumeration const*> enumerations;  ///< those that are not nested
   std::vector<Class const*> classes;  ///< those that are not nested; a base stands before what derives from it
-  std::vector<Root> roots;
+  std::vector<Root> roots;  ///< those that documents may begin with come first
 };
 
 struct Plan {
-  std::vector<Namespace> namespaces;
+  std::vector<Namespace> namespaces;  ///< the first has ReadRoot() for the document elements of all
+  std::vector<Class const*> classes;  ///< of all namespaces, in an order in which they can be defined
   std::vector<std::string> schemaFiles;  ///< names without folders, for the first comment
   std::vector<std::unique_ptr<Class>> classStorage;
   std::vector<std::unique_ptr<Enumeration>> enumerationStorage;

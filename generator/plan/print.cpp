@@ -179,7 +179,7 @@ void PrintClass(Class const& cls, std::string const& indent, std::string& text) 
 }
 
 std::string RootLine(Root const& root) {
-  std::string line = "root " + root.cppName + " " + NameText(root.name) + " ";
+  std::string line = (root.isDocument ? "root " : "made ") + root.cppName + " " + NameText(root.name) + " ";
   if (root.type != nullptr) {
     line += root.type->cppName;
   } else {

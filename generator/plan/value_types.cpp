@@ -309,6 +309,7 @@ Enumeration* ValueTypes::EnumerationOf(SimpleType const& type, Use const& use) {
   m_plan.enumerationStorage.push_back(std::make_unique<Enumeration>());
   known = m_plan.enumerationStorage.back().get();
   known->cppName = origin.IsAnonymous() ? use.name : NameOf(origin.name, m_options);
+  known->cppNamespace = origin.IsAnonymous() ? use.ns : origin.name.ns;
   known->name = origin.name;
   known->documentation = origin.documentation;
   known->place = origin.place;

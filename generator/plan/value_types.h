@@ -19,6 +19,7 @@ class ValueTypes {
   struct Use {
     Class const* user = nullptr;  ///< the class that has the value; null for all classes
     std::string name;             ///< for an anonymous enumeration
+    std::string ns;               ///< the namespace in XML of such a one
   };
 
   /// \p type may be null, for xs:anySimpleType.
