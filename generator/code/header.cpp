@@ -191,8 +191,9 @@ void PrintReadFunctions(Text& text, Plan::Plan const& plan, Namespace const& ns)
   }
   if (hasDocuments) text.Line("///@}");
   if (DocumentsReadIn(plan, ns).empty()) return;
-  text.Line(plan.namespaces.size() == 1 ? "/// Read a document whose element is any of these."
-                                        : "/// Read a document whose element any function here or in the other namespaces reads.");
+  text.Line(plan.namespaces.size() == 1
+                ? "/// Read a document whose element is any of these."
+                : "/// Read a document whose element is any of these, or of those of the other namespaces.");
   text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
 }
 

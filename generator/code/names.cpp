@@ -27,11 +27,11 @@ bool Declares(Plan::Class const& cls, std::string const& name) {
 }
 
 /// Whether a class of \p scope, or a base of one, hides what \p name means in the namespace.
-bool IsHidden(std::string const& name, Plan::Class const* scope) {
-  for (; scope != nullptr; scope = scope->owner) {
+bool IsHidden(std::string const& name, Scope const& where) {
+  for (Plan::Class const* scope = where.cls; scope != nullptr; scope = scope->owner) {
     for (Plan::Class const* cls = scope; cls != nullptr; cls = cls->base) {
-      // The name of a class that is not nested means the same in the class as in the namespace.
-      if (cls->owner == nullptr && cls->shortName == name) return false;
+      // The name of a class that is not nested means the same in the class as in its namespace.
+      if (cls->owner == nullptr && cls->shortName == name) return cls->cppNamespace != where.ns->cppName;
       if (Declares(*cls, name)) return true;
     }
   }
@@ -44,11 +44,11 @@ std::string NameIn(Target const& target, Scope const& scope) {
   Plan::Class const* const owner = target.owner;
   std::string const separator(kSeparator);
   // Parts of the names of namespaces may hide one another, so only the whole name from the outside is certain.
-  if (target.cppNamespace != scope.ns->cppName) return separator + target.cppNamespace + separator + cppName;
+  std::string const whole = separator + target.cppNamespace + separator + cppName;
+  if (target.cppNamespace != scope.ns->cppName) return whole;
   if (owner != nullptr && owner == scope.cls) return LastPart(cppName);
   std::string const first = cppName.substr(0, cppName.find(kSeparator));
-  if (!IsHidden(first, scope.cls)) return cppName;
-  return scope.ns->cppName + separator + cppName;
+  return IsHidden(first, scope) ? whole : cppName;
 }
 
 }  // namespace

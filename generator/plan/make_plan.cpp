@@ -93,8 +93,7 @@ bool ValueType::HasSameRules(ValueType const& other) const {
 Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
   Plan plan;
   CheckOptions(set, options, diagnostics);
-  Selection const selection =
-      options.roots.empty() ? SelectAll(set) : SelectReachable(set, options.roots, diagnostics);
+  Selection const selection = options.roots.empty() ? SelectAll(set) : SelectReachable(set, options.roots, diagnostics);
   ClassBuilder(selection, options, plan, diagnostics).Build();
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
   OrderClasses(plan);

@@ -22,7 +22,8 @@ std::string FileStemOf(std::string const& cppNamespace) {
 /// Distributes the parts of one plan.
 class Distribution {
  public:
-  Distribution(Schema::SchemaSet const& set, PlanOptions const& options, Plan& plan) : m_options(options), m_plan(plan) {
+  Distribution(Schema::SchemaSet const& set, PlanOptions const& options, Plan& plan)
+      : m_options(options), m_plan(plan) {
     m_roots = std::exchange(plan.namespaces.front().roots, {});
     plan.namespaces.clear();
     NamespaceCalled(options.cppNamespace);

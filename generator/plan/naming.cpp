@@ -183,7 +183,8 @@ class Namer {
       }
       for (auto const& enumeration : m_plan.enumerationStorage) {
         if (enumeration->owner != nullptr || enumeration->name.local.empty() == isNamed) continue;
-        enumeration->cppName = m_types.at(enumeration->cppNamespace).Take(NoMacro("E" + UpperCamel(enumeration->cppName)));
+        enumeration->cppName =
+            m_types.at(enumeration->cppNamespace).Take(NoMacro("E" + UpperCamel(enumeration->cppName)));
       }
     }
   }

@@ -187,8 +187,8 @@ struct Root {
   Schema::QualifiedName name;
   Class const* type = nullptr;  ///< or, if null, the value of a simple type
   ValueType value;
-  std::string alias;     ///< CPurchaseOrder where that is another, free name; else empty
-  bool anyType = false;  ///< read as a CElement
+  std::string alias;       ///< CPurchaseOrder where that is another, free name; else empty
+  bool anyType = false;    ///< read as a CElement
   bool isDocument = true;  ///< documents may begin with it; if not, objects for it are only made
   std::string documentation;
 };
@@ -199,12 +199,12 @@ struct Namespace {
   std::string fileStem;                          ///< orders
   std::vector<Enumeration const*> enumerations;  ///< those that are not nested
   std::vector<Class const*> classes;  ///< those that are not nested; a base stands before what derives from it
-  std::vector<Root> roots;  ///< those that documents may begin with come first
+  std::vector<Root> roots;            ///< those that documents may begin with come first
 };
 
 struct Plan {
-  std::vector<Namespace> namespaces;  ///< the first has ReadRoot() for the document elements of all
-  std::vector<Class const*> classes;  ///< of all namespaces, in an order in which they can be defined
+  std::vector<Namespace> namespaces;     ///< the first has ReadRoot() for the document elements of all
+  std::vector<Class const*> classes;     ///< of all namespaces, in an order in which they can be defined
   std::vector<std::string> schemaFiles;  ///< names without folders, for the first comment
   std::vector<std::unique_ptr<Class>> classStorage;
   std::vector<std::unique_ptr<Enumeration>> enumerationStorage;

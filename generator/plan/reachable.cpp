@@ -46,7 +46,8 @@ class Reach {
     for (ElementDeclaration const* each : element.standIns) Add(*each);
     if (element.simpleType != nullptr) m_simpleTypes.insert(element.simpleType);
     // No document has an abstract element, whose type is but a base of those of the others.
-    if (element.complexType != nullptr) element.abstract ? Add(*element.complexType) : AddWithDerived(*element.complexType);
+    if (element.complexType != nullptr)
+      element.abstract ? Add(*element.complexType) : AddWithDerived(*element.complexType);
   }
 
   void Add(ComplexType const& type) {
@@ -117,8 +118,8 @@ void Choose(std::string const& root, Elements const& all, std::set<ElementDeclar
   Elements const found = ElementsCalled(root, all);
   if (found.empty()) return diagnostics.Error("", "no global element \"" + root + "\" to begin with");
   if (found.size() > 1) {
-    return diagnostics.Error("", "\"" + root + "\" may be any of the elements " + ListOf(found) +
-                                     "; name it with its namespace");
+    return diagnostics.Error(
+        "", "\"" + root + "\" may be any of the elements " + ListOf(found) + "; name it with its namespace");
   }
   ElementDeclaration const& element = *found.front();
   if (!element.abstract) {

@@ -10,6 +10,7 @@
 #include "expect_failure.h"
 #include "golden/drawings.h"
 #include "golden/fleets.h"
+#include "golden/journals.h"
 #include "golden/orders.h"
 #include "plan/make_plan.h"
 #include "schema/load.h"
@@ -26,18 +27,16 @@ std::string ReadFile(std::string const& path) {
   return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-std::vector<Code::GeneratedFile> Generate(std::string const& schema, std::string const& cppNamespace) {
+std::vector<Code::GeneratedFile> Generate(std::string const& schema, Plan::PlanOptions const& options) {
   Schema::Diagnostics diagnostics;
   Schema::SchemaSet const set = Schema::LoadSchemas({{schema}, {}, {}}, diagnostics);
-  Plan::PlanOptions options;
-  options.cppNamespace = cppNamespace;
   Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
   EXPECT_TRUE(diagnostics.All().empty());
   return Code::Write(plan, {});
 }
 
 // The files are also compiled into this test. To accept a change: quillon9 generate -n NAMESPACE -o tests/generator/golden
-// SCHEMA.
+// SCHEMA, for the journals with --namespace-of urn:people=Journals::People.
 TEST(Code, WritesTheGoldenFiles) {
   struct Row {
     char const* schema;
@@ -46,9 +45,13 @@ TEST(Code, WritesTheGoldenFiles) {
   Row const rows[] = {{QUILLON9_GOLDEN "/purchase_order.xsd", "Orders"},
                       {QUILLON9_GOLDEN "/drawing.xsd", "Company::Drawings"},
                       {QUILLON9_GOLDEN "/drones.xsd", "Fleets"},
+                      {QUILLON9_GOLDEN "/journal.xsd", "Journals"},
                       {QUILLON9_GOLDEN "/station.xsd", "Stations"}};
   for (Row const& row : rows) {
-    for (Code::GeneratedFile const& file : Generate(row.schema, row.cppNamespace)) {
+    Plan::PlanOptions options;
+    options.cppNamespace = row.cppNamespace;
+    if (options.cppNamespace == "Journals") options.namespaces = {{"urn:people", "Journals::People"}};
+    for (Code::GeneratedFile const& file : Generate(row.schema, options)) {
       EXPECT_EQ(file.content, ReadFile(std::string(QUILLON9_GOLDEN "/") + file.path)) << file.path;
     }
   }
@@ -214,6 +217,25 @@ TEST(Code, GoldenElementsStandNowhereElse) {
     EXPECT_EQ(failure.empty(), *row.failure == '\0') << row.vehicles << row.rest << failure;
     EXPECT_NE(failure.find(row.failure), failure.npos) << failure;
   }
+}
+
+TEST(Code, GoldenClassesOfSeveralNamespacesWorkTogether) {
+  auto const journal = Journals::ReadJournal(Quillon9::XmlText(
+      "<journal xmlns='urn:journal' xmlns:p='urn:people' open='present'><p:person><p:name>A</p:name></p:person>"
+      "<author><p:name>B</p:name><paper>x</paper></author>"
+      "<p:editor status='away'><p:name>C</p:name><paper>y</paper><p:remark><line>z</line></p:remark></p:editor>"
+      "<note><line>n</line></note><reply to='A'/></journal>"));
+  EXPECT_EQ(journal->GetOpen(), Journals::People::EStatus::Present);
+  EXPECT_EQ(journal->GetReply()->GetTo(), "A");
+  auto const& editor = dynamic_cast<Journals::People::CEditor const&>(journal->GetPerson()[2]);
+  EXPECT_EQ(editor.GetRemark()->GetLine(), "z");
+  EXPECT_EQ(editor.GetPaper()[0], "y");
+  std::string const written = journal->ToXml();
+  EXPECT_EQ(Journals::ReadJournal(Quillon9::XmlText(written))->ToXml(), written);
+
+  Quillon9::CXmlSource const person = Quillon9::XmlText("<person xmlns='urn:people'><name>A</name></person>");
+  EXPECT_EQ(Journals::People::ReadPerson(person)->GetName(), "A");
+  EXPECT_NE(dynamic_cast<Journals::People::CPerson*>(Journals::ReadRoot(person).Get()), nullptr);
 }
 
 TEST(Code, LiteralsAndCommentsHoldAnyText) {

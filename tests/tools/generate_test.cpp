@@ -81,6 +81,8 @@ TEST_F(GenerateTest, FaultsHaveTheFormOfACompilerAndNothingIsWritten) {
       {"-n X -o . --dependency-file=none/d purchase_order.xsd", "none/d: error: No such file or directory"},
       {"nowhere.xsd", "nowhere.xsd: error: "},
       {"--map Unknown=string purchase_order.xsd", "error: "},
+      {"--root part purchase_order.xsd", "error: no global element \"part\""},
+      {"--namespace-of urn:x=X purchase_order.xsd", "error: no schema has the namespace \"urn:x\""},
   };
   for (Row const& row : rows) {
     Outcome const outcome = Run(std::string("generate ") + row.arguments);
@@ -102,6 +104,9 @@ TEST_F(GenerateTest, WrongOptionsAreStatus2) {
       {"Quillon9.xsd", "give --namespace: none can be made from Quillon9.xsd"},
       {"--map T a.xsd", "--map T has not the form TYPE=KIND"},
       {"--map T=float a.xsd", "--map T=float: there is no kind of value float"},
+      {"--rename =X a.xsd", "--rename =X has not the form TYPE=NAME"},
+      {"--namespace-of urn:x= a.xsd", "--namespace-of urn:x= has not the form URI=NAME"},
+      {"--namespace-of =std a.xsd", "--namespace-of =std: std cannot be a namespace of generated classes"},
       {"--rename '{u=v}T=1x' a.xsd", "--rename {u=v}T=1x: 1x is not a name in C++"},
   };
   for (Row const& row : rows) {

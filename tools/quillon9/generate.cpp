@@ -105,6 +105,8 @@ Plan::Plan MakePlan(GenerateOptions const& options, Schema::SchemaSet const& set
   planOptions.cppNamespace = options.cppNamespace;
   planOptions.kinds = options.kinds;
   planOptions.names = options.names;
+  planOptions.namespaces = options.namespaces;
+  planOptions.roots = options.roots;
   return Plan::MakePlan(set, planOptions, diagnostics);
 }
 

@@ -94,6 +94,12 @@ named after the namespace. A file whose content stays the same is not touched.
   -n, --namespace=NAME     put the classes into this C++ namespace, such as
                            Orders or Company::Orders. Default: the name of the
                            first SCHEMA.
+      --namespace-of=URI=NAME
+                           put those of the XML namespace URI into the C++
+                           namespace NAME instead
+      --root=ELEMENT       only for what documents of the global element ELEMENT
+                           may contain: {namespace}name, or name if only one
+                           namespace has it
   -o, --output=FOLDER      write the files to FOLDER, which is created if it does
                            not exist. Default: the current folder.
       --map=TYPE=KIND      hold values of the simple type TYPE as KIND: string,
@@ -112,7 +118,8 @@ named after the namespace. A file whose content stays the same is not touched.
       --list-outputs       print the names of the generated files, and write none
   -h, --help               print this
 
-The options --map, --rename, --catalog and --include-path may be repeated.
+The options --namespace-of, --root, --map, --rename, --catalog and
+--include-path may be repeated.
 Nothing is fetched from a network. Faults are printed on standard error as
 FILE:LINE:COLUMN: error: TEXT; if there is one, nothing is written.
 )";

@@ -32,6 +32,8 @@ enum LongOnly {
   kFull,
   kMap,
   kRename,
+  kNamespaceOf,
+  kRoot,
   kDependencyFile,
   kDependencyTarget,
   kListOutputs
@@ -58,6 +60,8 @@ constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr,
                                        {"output", required_argument, nullptr, 'o'},
                                        {"map", required_argument, nullptr, kMap},
                                        {"rename", required_argument, nullptr, kRename},
+                                       {"namespace-of", required_argument, nullptr, kNamespaceOf},
+                                       {"root", required_argument, nullptr, kRoot},
                                        {"catalog", required_argument, nullptr, 'c'},
                                        {"include-path", required_argument, nullptr, 'I'},
                                        {"dependency-file", required_argument, nullptr, kDependencyFile},
@@ -140,26 +144,41 @@ void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compres
   }
 }
 
-/// The two sides of the last `=` in \p value, neither of which may be empty. A namespace may contain others.
-std::pair<std::string, std::string> Sides(char const* name, std::string const& value) {
+/// The two sides of the last `=` in \p value; a namespace may contain others. \p form shows what the sides are.
+std::pair<std::string, std::string> Sides(char const* name, char const* form, std::string const& value) {
   std::size_t const equals = value.rfind('=');
-  if (equals == value.npos || equals == 0 || equals + 1 == value.size()) {
-    throw UsageError(std::string(name) + " " + value + " has not the form TYPE=" + (name[2] == 'm' ? "KIND" : "NAME"));
+  if (equals == value.npos || equals + 1 == value.size()) {
+    throw UsageError(std::string(name) + " " + value + " has not the form " + form);
   }
   return {value.substr(0, equals), value.substr(equals + 1)};
 }
 
+/// The same where the left side must have a name.
+std::pair<std::string, std::string> SidesOfType(char const* name, char const* form, std::string const& value) {
+  auto sides = Sides(name, form, value);
+  if (sides.first.empty()) throw UsageError(std::string(name) + " " + value + " has not the form " + form);
+  return sides;
+}
+
 void AddKind(GenerateOptions& options, std::string const& value) {
-  auto const [type, kind] = Sides("--map", value);
+  auto const [type, kind] = SidesOfType("--map", "TYPE=KIND", value);
   std::optional<Quillon9::ItemType> const number = Quillon9Generator::Plan::KindFromName(kind);
   if (!number) throw UsageError("--map " + value + ": there is no kind of value " + kind);
   options.kinds[type] = *number;
 }
 
 void AddName(GenerateOptions& options, std::string const& value) {
-  auto const [type, name] = Sides("--rename", value);
+  auto const [type, name] = SidesOfType("--rename", "TYPE=NAME", value);
   if (!IsCppName(name)) throw UsageError("--rename " + value + ": " + name + " is not a name in C++");
   options.names[type] = name;
+}
+
+void AddNamespace(GenerateOptions& options, std::string const& value) {
+  auto const [uri, name] = Sides("--namespace-of", "URI=NAME", value);
+  if (!IsCppNamespace(name)) {
+    throw UsageError("--namespace-of " + value + ": " + name + " cannot be a namespace of generated classes");
+  }
+  options.namespaces[uri] = name;
 }
 
 }  // namespace
@@ -173,6 +192,8 @@ std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
     if (option == 'I') options.includePaths.push_back(value);
     if (option == kMap) AddKind(options, value);
     if (option == kRename) AddName(options, value);
+    if (option == kNamespaceOf) AddNamespace(options, value);
+    if (option == kRoot) options.roots.push_back(value);
     if (option == kDependencyFile) options.dependencyFile = value;
     if (option == kDependencyTarget) options.dependencyTarget = value;
     if (option == kListOutputs) options.listOutputs = true;

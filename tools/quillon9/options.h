@@ -39,6 +39,8 @@ struct GenerateOptions {
   std::string output = ".";
   std::map<std::string, Quillon9::ItemType> kinds;  ///< from --map
   std::map<std::string, std::string> names;         ///< from --rename
+  std::map<std::string, std::string> namespaces;    ///< from --namespace-of
+  std::vector<std::string> roots;                   ///< from --root; empty for all
   std::vector<std::string> catalogs;
   std::vector<std::string> includePaths;
   std::string dependencyFile;    ///< empty for none

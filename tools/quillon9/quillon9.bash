@@ -2,8 +2,8 @@
 
 _quillon9_options() {
   case $1 in
-    generate) echo '--namespace= --output= --map= --rename= --catalog= --include-path= --dependency-file=
-                    --dependency-target= --list-outputs --help' ;;
+    generate) echo '--namespace= --namespace-of= --root= --output= --map= --rename= --catalog= --include-path=
+                    --dependency-file= --dependency-target= --list-outputs --help' ;;
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --quiet --help' ;;
     tree) echo '--keep-space --help' ;;
@@ -31,7 +31,8 @@ _quillon9() {
     *) [[ $word != -* ]] || words=$(_quillon9_options "$command") ;;
   esac
   case $command:$before in
-    generate:--namespace | generate:-n | generate:--map | generate:--rename | generate:--dependency-target) return ;;
+    generate:--namespace | generate:-n | generate:--namespace-of | generate:--root) return ;;
+    generate:--map | generate:--rename | generate:--dependency-target) return ;;
     generate:--output | generate:-o | generate:--include-path | generate:-I)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$word")
