@@ -22,9 +22,9 @@ Builder::Builder(Storage& storage, Diagnostics& diagnostics)
 
 void Builder::Build(Documents const& documents, SchemaSet& set) {
   m_documents = &documents;
+  set.files = documents.Paths();
   std::set<std::string> namespaces;
   for (Document const* document : documents.All()) {
-    if (document->source->GetPath() != nullptr) set.files.push_back(document->source->GetPath());
     if (namespaces.insert(document->targetNamespace).second) set.targetNamespaces.push_back(document->targetNamespace);
     Declare(*document);
   }

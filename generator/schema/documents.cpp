@@ -5,6 +5,7 @@
 #include <iterator>
 #include <optional>
 
+#include "schema/descriptions.h"
 #include "schema/grammar.h"
 #include "schema/paths.h"
 #include "schema/well_known.h"
@@ -13,13 +14,13 @@ namespace Quillon9Generator::Schema {
 
 namespace {
 
-std::string TargetNamespace(SourceFile const& source) {
-  return std::string(Trimmed(source.GetRoot().Find("targetNamespace").value_or("")));
-}
-
 std::string Quoted(std::string_view text) { return "\"" + std::string(text) + "\""; }
 
 }  // namespace
+
+std::string TargetNamespace(Node const& schema) {
+  return std::string(Trimmed(schema.Find("targetNamespace").value_or("")));
+}
 
 Documents::Documents(LoadOptions const& options, Files const& files, std::deque<std::string>& paths,
                      Diagnostics& diagnostics)
@@ -33,6 +34,7 @@ Documents::Documents(LoadOptions const& options, Files const& files, std::deque<
 void Documents::Load() {
   for (std::string const& path : m_options.catalogs) m_catalog.Read(path, m_diagnostics);
   for (std::string const& path : m_options.documents) AddMain(path);
+  FollowDescriptions();
   for (std::size_t i = 0; i < m_documents.size(); ++i) Follow(m_documents[i]);
   AddWellKnown();
 }
@@ -42,7 +44,17 @@ bool Documents::HasNamespace(std::string_view ns) const {
                      [=](Document const* document) { return document->targetNamespace == ns; });
 }
 
-/// Return the file, or null if it could not be read or is no schema, for which one error is enough.
+std::vector<std::string const*> Documents::Paths() const {
+  std::vector<std::string const*> paths;
+  auto const add = [&paths](std::string const* path) {
+    if (path != nullptr && std::find(paths.begin(), paths.end(), path) == paths.end()) paths.push_back(path);
+  };
+  for (Document const& description : m_descriptions) add(description.source->GetPath());
+  for (Document const* document : m_all) add(document->source->GetPath());
+  return paths;
+}
+
+/// Return the file, or null if it could not be read, for which one error is enough.
 SourceFile const* Documents::Read(std::string const& path, Place const& reference) {
   Files::Status const status = m_files.Find(path);
   if (status.error != 0) {
@@ -54,22 +66,33 @@ SourceFile const* Documents::Read(std::string const& path, Place const& referenc
   if (!isNew) return entry->second.get();
   auto file = std::make_unique<SourceFile>(&m_paths.emplace_back(path));
   if (!file->Read(m_files, m_diagnostics, reference)) return nullptr;
-  Node const& root = file->GetRoot();
-  if (root.tag != Tag::Schema) {
-    m_diagnostics.Error(root.place, "this is not a schema: the document element is " + Quoted(root.name));
-    return nullptr;
-  }
-  CheckGrammar(root, m_diagnostics);
+  if (file->GetRoot().tag == Tag::Schema) CheckGrammar(file->GetRoot(), m_diagnostics);
   return (entry->second = std::move(file)).get();
+}
+
+/// The same for a file that must be a schema.
+SourceFile const* Documents::ReadSchema(std::string const& path, Place const& reference) {
+  SourceFile const* const source = Read(path, reference);
+  return source != nullptr && IsSchema(*source) ? source : nullptr;
+}
+
+/// Return whether the file is a schema; if not, report that.
+bool Documents::IsSchema(SourceFile const& source) {
+  Node const& root = source.GetRoot();
+  if (root.tag == Tag::Schema) return true;
+  m_diagnostics.Error(root.place, "this is not a schema: the document element is " + Quoted(root.name));
+  return false;
 }
 
 void Documents::AddMain(std::string const& path) {
   SourceFile const* const source = Read(path, {});
-  if (source != nullptr) Add({source, {path, {}}, TargetNamespace(*source), 0, false});
+  if (source == nullptr) return;
+  if (IsDescription(source->GetRoot())) return AddDescription(*source, {path, {}});
+  if (IsSchema(*source)) Add({source, {path, {}}, TargetNamespace(source->GetRoot()), 0, false});
 }
 
 void Documents::Add(Document document) {
-  if (!m_known.insert({document.source, document.targetNamespace}).second) return;
+  if (!m_known.insert({&document.Root(), document.targetNamespace}).second) return;
   bool const isCopy = IsCopy(document);
   m_documents.push_back(std::move(document));
   if (!isCopy) m_all.push_back(&m_documents.back());
@@ -78,6 +101,7 @@ void Documents::Add(Document document) {
 // One file is often there twice, under the address of its maker and in a folder next to its user. What it includes must
 // still be followed, since that may differ.
 bool Documents::IsCopy(Document const& document) {
+  if (document.embedded != nullptr) return false;
   return !m_contents.try_emplace({document.source->GetOctets(), document.targetNamespace}, document.source).second;
 }
 
@@ -93,9 +117,9 @@ void Documents::Include(Document const& document, Node const& node) {
   if (!node.Has("schemaLocation")) return;
   std::vector<Location> const found = m_locations.Find(location, document.location);
   if (found.empty()) return ReportLost(node, location);
-  SourceFile const* const source = Read(found.front().path, node.place);
+  SourceFile const* const source = ReadSchema(found.front().path, node.place);
   if (source == nullptr) return;
-  std::string const ns = TargetNamespace(*source);
+  std::string const ns = TargetNamespace(source->GetRoot());
   if (!ns.empty() && ns != document.targetNamespace) {
     return m_diagnostics.Error(node.place, Quoted(location) + " has the target namespace " + Quoted(ns) +
                                                " and can only be imported, not included");
@@ -134,9 +158,9 @@ void Documents::Import(Document const& document, Node const& node) {
 
 /// Return whether the import is done with, if only by an error.
 bool Documents::ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch) {
-  SourceFile const* const source = Read(location.path, node.place);
+  SourceFile const* const source = ReadSchema(location.path, node.place);
   if (source == nullptr) return true;
-  std::string const target = TargetNamespace(*source);
+  std::string const target = TargetNamespace(source->GetRoot());
   if (target == ns) {
     Add({source, location, ns, ++m_imports, false});
   } else if (mustMatch) {

@@ -22,9 +22,13 @@ struct Document {
   std::string targetNamespace;
   int import = 0;          ///< the number of the import that brought it, with what that file includes; 0 for none
   bool chameleon = false;  ///< names without a prefix are in the target namespace, which the file does not name
+  Node const* embedded = nullptr;  ///< the schema, where it is one of a description; else that is the whole file
 
-  Node const& Root() const { return source->GetRoot(); }
+  Node const& Root() const { return embedded != nullptr ? *embedded : source->GetRoot(); }
 };
+
+/// The target namespace that \p schema names; empty for none.
+std::string TargetNamespace(Node const& schema);
 
 /// An import whose document was not found.
 struct LostImport {
@@ -42,12 +46,16 @@ class Documents {
 
   /// Return all documents in the order in which they were first referred to; none has the same content as another.
   std::vector<Document const*> const& All() const { return m_all; }
+  /// Return the paths of all files, each once, in that order. Those of descriptions come first.
+  std::vector<std::string const*> Paths() const;
   /// Return the first lost import of each namespace that no document has.
   std::map<std::string, LostImport> const& GetLostImports() const { return m_lost; }
   bool HasNamespace(std::string_view ns) const;
 
  private:
   SourceFile const* Read(std::string const& path, Place const& reference);
+  SourceFile const* ReadSchema(std::string const& path, Place const& reference);
+  bool IsSchema(SourceFile const& source);
   void AddMain(std::string const& path);
   void Add(Document document);
   bool IsCopy(Document const& document);
@@ -58,6 +66,11 @@ class Documents {
   bool ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch);
   void AddWellKnown();
 
+  // descriptions.cpp
+  void AddDescription(SourceFile const& source, Location location);
+  void FollowDescriptions();
+  void ImportDescription(Document const& description, Node const& node);
+
   LoadOptions const& m_options;
   Files const& m_files;
   std::deque<std::string>& m_paths;
@@ -66,8 +79,9 @@ class Documents {
   Locations m_locations;
   std::map<std::pair<unsigned long, unsigned long>, std::unique_ptr<SourceFile>> m_sources;  // by identity
   std::map<std::string, std::unique_ptr<SourceFile>> m_wellKnown;                            // by namespace
-  std::set<std::pair<SourceFile const*, std::string>> m_known;  // with the target namespace
+  std::set<std::pair<Node const*, std::string>> m_known;  // with the target namespace
   std::map<std::pair<std::string_view, std::string>, SourceFile const*> m_contents;
+  std::deque<Document> m_descriptions;
   std::deque<Document> m_documents;
   std::vector<Document const*> m_all;
   std::map<std::string, LostImport> m_lost;  // by namespace

@@ -160,5 +160,62 @@ TEST(SchemaDocuments, FaultsOfFilesNameThem) {
   EXPECT_NE(text.find("error: Failed to get the size of the file"), std::string::npos) << text;
 }
 
+char const kService[] = R"(<w:definitions xmlns:w='http://schemas.xmlsoap.org/wsdl/' xmlns:a='urn:a' xmlns:b='urn:b'
+    xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:service'>
+  <w:documentation>A <b xmlns=''>service</b>.</w:documentation>
+  <w:import namespace='urn:more' location='sub/more.wsdl'/>
+  <w:types>
+    <xs:schema targetNamespace='urn:a'>
+      <xs:import namespace='urn:b'/>
+      <xs:import namespace='urn:c' schemaLocation='c.xsd'/>
+      <xs:element name='request' type='b:Request'/>
+    </xs:schema>
+    <xs:schema targetNamespace='urn:b' elementFormDefault='qualified'>
+      <xs:import namespace='urn:a' schemaLocation='?xsd=1'/>
+      <xs:complexType name='Request'><xs:sequence>
+        <xs:element name='x' type='%s'/><xs:element ref='a:request' minOccurs='0'/></xs:sequence></xs:complexType>
+    </xs:schema>
+  </w:types>
+  <w:message name='m'><w:part name='p' element='a:request'/></w:message>
+</w:definitions>)";
+
+void WriteService(SchemaFiles const& files, char const* type) {
+  files.Write("a.wsdl", Replaced(kService, "%s", type));
+  files.Write("sub/more.wsdl", R"(<description xmlns='http://www.w3.org/ns/wsdl' targetNamespace='urn:more'>
+  <include location='../a.wsdl'/><import namespace='urn:d' location='../d.xsd'/><types>
+  <import xmlns='http://www.w3.org/2001/XMLSchema' namespace='urn:c' schemaLocation='../c.xsd'/>
+  <schema xmlns='http://www.w3.org/2001/XMLSchema' targetNamespace='urn:more'><element name='more'/></schema></types>
+</description>)");
+  files.WriteSchema("c.xsd", "urn:c", "<xs:import namespace='urn:b'/><xs:element name='c'/>");
+  files.WriteSchema("d.xsd", "urn:d", "<xs:element name='d'/>");
+}
+
+TEST(SchemaDocuments, ADescriptionHasSchemasOfAllItsNamespaces) {
+  SchemaFiles files;
+  WriteService(files, "xs:int");
+  Schema::SchemaSet const set = files.Load({"a.wsdl"});
+  EXPECT_EQ(files.Diagnostics(), "");
+  EXPECT_EQ(Schema::Print(set),
+            "element {urn:a}request: {urn:b}Request\nelement {urn:more}more: xs:anyType\n"
+            "element {urn:c}c: xs:anyType\nelement {urn:d}d: xs:anyType\n"
+            "complexType {urn:b}Request\n  sequence\n    element {urn:b}x: xs:int\n"
+            "    element ref {urn:a}request 0..1\n");
+  EXPECT_EQ(set.files.size(), 4U);
+}
+
+TEST(SchemaDocuments, FaultsInADescriptionHaveItsLines) {
+  SchemaFiles files;
+  WriteService(files, "b:Missing");
+  files.Load({"a.wsdl"});
+  EXPECT_EQ(files.Diagnostics(), "a.wsdl:14:9: error: no type \"b:Missing\" in the namespace \"urn:b\"\n");
+  files.Write("empty.wsdl", "<definitions xmlns='http://schemas.xmlsoap.org/wsdl/'/>");
+  files.WriteSchema("user.xsd", "", "<xs:include schemaLocation='empty.wsdl'/>");
+  files.Load({"empty.wsdl"});
+  EXPECT_EQ(files.Diagnostics(), "empty.wsdl:1:1: error: there is no schema in this description\n");
+  files.Load({"user.xsd"});
+  EXPECT_EQ(files.Diagnostics(),
+            "empty.wsdl:1:1: error: this is not a schema: the document element is \"definitions\"\n");
+}
+
 }  // namespace
 }  // namespace Quillon9Generator::Testing

@@ -90,6 +90,7 @@ char const kGenerateHelp[] =
 Writes C++ classes that read and write the documents of the XML Schemas SCHEMA
 and of all schemas that they include or import: a header and a source, which are
 named after the namespace. A file whose content stays the same is not touched.
+SCHEMA may also be a WSDL description, for the schemas that are embedded in it.
 
   -n, --namespace=NAME     put the classes into this C++ namespace, such as
                            Orders or Company::Orders. Default: the name of the
