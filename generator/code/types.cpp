@@ -136,6 +136,7 @@ std::string DescribeFacets(ValueType const& value) {
     for (std::string const& each : value.values) list += (list.empty() ? "" : ", ") + each;
     text += (text.empty() ? "One of: " : " One of: ") + list + ".";
   }
+  if (!value.remark.empty()) text += (text.empty() ? "" : " ") + value.remark;
   std::string const ofItem = value.item != nullptr ? DescribeFacets(*value.item) : "";
   if (!ofItem.empty()) text += (text.empty() ? "Each item: " : " Each item: ") + ofItem;
   return text;

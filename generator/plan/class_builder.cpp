@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "plan/constraints.h"
 #include "plan/element_groups.h"
 #include "plan/names.h"
 
@@ -499,7 +500,7 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.name = element.name;
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
-  member.documentation = element.documentation;
+  member.documentation = DocumentationWithConstraints(element);
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
   if (member.kind == Member::Kind::Value) {
@@ -584,7 +585,7 @@ void ClassBuilder::MakeRoots() {
     root.isDocument = m_selection.documents.count(element) != 0;
     root.cppName = NameOf(element->name, m_options);
     root.name = element->name;
-    root.documentation = element->documentation;
+    root.documentation = DocumentationWithConstraints(*element);
     root.anyType = IsAnything(*element);
     if (!root.anyType && element->complexType != nullptr) {
       Class* const cls = ClassOf(*element->complexType, nullptr);

@@ -53,6 +53,7 @@ struct ValueType {
   std::vector<std::string> values;           ///< all values, where they are no enumerators; empty for no limit
   bool isQualifiedName = false;              ///< QName or NOTATION, held as CQName; kind is ItemType_string then
   bool isIdentifier = false;                 ///< xs:ID
+  std::string remark;                        ///< for comments: a sentence about what is not a facet; or empty
   std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
 
   /// What one C++ value holds: an item of a list, or the value.

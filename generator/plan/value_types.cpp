@@ -243,6 +243,16 @@ std::vector<std::string> TextsOf(SimpleType const& type) {
   return texts;
 }
 
+/// What the notations among which a value chooses stand for.
+std::string DescribeNotations(SimpleType const& type) {
+  std::string list;
+  for (Schema::EnumerationValue const& value : type.facets.enumeration) {
+    list += (list.empty() ? "One of the notations " : ", ") + value.text;
+    if (!value.documentation.empty()) list += " (" + value.documentation + ")";
+  }
+  return list.empty() ? list : list + ".";
+}
+
 std::string NameForUsers(SimpleType const& type) {
   if (type.builtIn != BuiltIn::None) return "xs:" + type.name.local;
   return type.name.local;
@@ -348,6 +358,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   value.schemaName = NameForUsers(type);
   bool const isName = isAtomic && (type.ancestor == BuiltIn::QName || type.ancestor == BuiltIn::Notation);
   value.isQualifiedName = isName && mapped == nullptr && !isMember;
+  if (isAtomic && type.ancestor == BuiltIn::Notation) value.remark = DescribeNotations(type);
   value.isIdentifier = isAtomic && type.ancestor == BuiltIn::ID && mapped == nullptr;
   value.whiteSpace = value.kind == ItemType_string ? WhiteSpaceOf(type) : Schema::WhiteSpace::Collapse;
   if (mapped == nullptr && HasEnumerators(type) && !isMember) {

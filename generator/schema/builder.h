@@ -157,7 +157,7 @@ class Builder {
   static bool HasFacets(Node const& node);
   void ApplyFacets(SimpleType& type, Document const& document, Node const& node);
   void CheckPatternOf(Node const& facet);
-  void CheckNotation(Document const& document, Node const& facet);
+  void TakeNotation(Document const& document, Node const& facet, EnumerationValue& value);
   bool CheckFacet(SimpleType const& type, Node const& facet);
   void ApplyWhiteSpace(SimpleType& type, Node const& facet);
   void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);

@@ -70,7 +70,7 @@ void Builder::ApplyFacets(SimpleType& type, Document const& document, Node const
     } else if (facet.tag == Tag::Enumeration) {
       Describe(values.emplace_back(), facet);
       values.back().text = Normalized(text, type.facets.whiteSpace);
-      if (PrimitiveOf(type) == BuiltIn::Notation) CheckNotation(document, facet);
+      if (PrimitiveOf(type) == BuiltIn::Notation) TakeNotation(document, facet, values.back());
     } else if (!known.insert(facet.tag).second) {
       m_diagnostics.Error(facet.place, "a second " + TextOf(facet));
     } else {
@@ -91,11 +91,18 @@ void Builder::CheckPatternOf(Node const& facet) {
   if (!faults.warning.empty()) m_diagnostics.Warning(facet.place, start + faults.warning);
 }
 
-void Builder::CheckNotation(Document const& document, Node const& facet) {
+/// What a notation stands for documents the value that names it.
+void Builder::TakeNotation(Document const& document, Node const& facet, EnumerationValue& value) {
   std::string_view const text = Trimmed(*facet.Find("value"));
   std::optional<QualifiedName> const name = Resolve(document, facet, text);
-  if (!name || m_notations.count(*name) != 0) return;
-  m_diagnostics.Error(facet.place, "no notation \"" + std::string(text) + "\"");
+  if (!name) return;
+  auto const notation = m_notations.find(*name);
+  if (notation == m_notations.end()) {
+    return m_diagnostics.Error(facet.place, "no notation \"" + std::string(text) + "\"");
+  }
+  if (!value.documentation.empty()) return;
+  Node const& declaration = *notation->second;
+  value.documentation = Trimmed(declaration.Find("public").value_or(declaration.Find("system").value_or("")));
 }
 
 bool Builder::CheckFacet(SimpleType const& type, Node const& facet) {

@@ -14,6 +14,7 @@
 #include "golden/orders.h"
 #include "plan/make_plan.h"
 #include "schema/load.h"
+#include "schema_files.h"
 
 namespace Quillon9Generator::Testing {
 namespace {
@@ -236,6 +237,20 @@ TEST(Code, GoldenClassesOfSeveralNamespacesWorkTogether) {
   Quillon9::CXmlSource const person = Quillon9::XmlText("<person xmlns='urn:people'><name>A</name></person>");
   EXPECT_EQ(Journals::People::ReadPerson(person)->GetName(), "A");
   EXPECT_NE(dynamic_cast<Journals::People::CPerson*>(Journals::ReadRoot(person).Get()), nullptr);
+}
+
+TEST(Code, CommentsSayWhatNotationsStandFor) {
+  SchemaFiles files;
+  files.WriteSchema("a.xsd", "",
+                    "<xs:notation name='plain' public='text/plain'/><xs:notation name='page' system='viewer'/>"
+                    "<xs:complexType name='T'><xs:attribute name='form' type='F'/></xs:complexType>"
+                    "<xs:simpleType name='F'><xs:restriction base='xs:NOTATION'><xs:enumeration value='plain'/>"
+                    "<xs:enumeration value='page'/></xs:restriction></xs:simpleType>");
+  Plan::PlanOptions options;
+  options.cppNamespace = "N";
+  Schema::Diagnostics diagnostics;
+  std::string const header = Code::Write(Plan::MakePlan(files.Load({"a.xsd"}), options, diagnostics), {})[0].content;
+  EXPECT_NE(header.find("/// One of the notations plain (text/plain), page (viewer).\n"), header.npos) << header;
 }
 
 TEST(Code, LiteralsAndCommentsHoldAnyText) {
