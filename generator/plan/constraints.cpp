@@ -1,10 +1,16 @@
 #include "plan/constraints.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace Quillon9Generator::Plan {
 
 namespace {
 
 using Kind = Schema::IdentityConstraint::Kind;
+
+/// More of one element are only counted.
+constexpr std::size_t kMost = 8;
 
 std::string Described(Schema::IdentityConstraint const& constraint) {
   std::string values;
@@ -25,12 +31,16 @@ std::string Described(Schema::IdentityConstraint const& constraint) {
 
 std::string DocumentationWithConstraints(Schema::ElementDeclaration const& element) {
   std::string text = element.documentation;
-  if (element.identityConstraints.empty()) return text;
-  for (Schema::IdentityConstraint const* constraint : element.identityConstraints) {
-    text += (text.empty() ? "" : "\n\n") + Described(*constraint);
-    if (!constraint->documentation.empty()) text += "\n" + constraint->documentation;
+  std::size_t const count = element.identityConstraints.size();
+  if (count == 0) return text;
+  if (!text.empty()) text += "\n\n";
+  for (std::size_t i = 0; i < std::min(count, kMost); ++i) {
+    Schema::IdentityConstraint const& constraint = *element.identityConstraints[i];
+    text += Described(constraint) + '\n';
+    if (!constraint.documentation.empty()) text += constraint.documentation + '\n';
   }
-  return text + "\n\nThis is not checked.";
+  if (count > kMost) text += "And " + std::to_string(count - kMost) + " others. ";
+  return text + (count > 1 ? "These rules are not checked." : "This is not checked.");
 }
 
 }  // namespace Quillon9Generator::Plan

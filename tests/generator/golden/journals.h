@@ -113,9 +113,7 @@ class CJournal : public Quillon9::CBoundObject {
   /// Any of the elements author, editor, person.
   Quillon9::CObjectCol<::Journals::People::CPerson>& GetPerson() { return Collection(0, m_person); }
   Quillon9::CObjectCol<::Journals::People::CPerson> const& GetPerson() const { return Collection(0, m_person); }
-  /// Unique lines: no two line have the same value.
-  ///
-  /// This is not checked.
+  /// Unique lines: no two line have the same value. This is not checked.
   CNote* GetNote() { return m_note; }
   CNote const* GetNote() const { return m_note; }
   CNote& CreateNote() { return Create(1, m_note); }
@@ -144,11 +142,8 @@ class CJournal : public Quillon9::CBoundObject {
 ///@{
 /// What people write.
 ///
-/// Key names: each p:person has p:name, and no two have the same. Nobody is there twice.
-///
-/// Reference receiver: \@to of each reply is one of the key names.
-///
-/// This is not checked.
+/// Key names: each p:person has p:name, and no two have the same. Nobody is there twice. Reference receiver: \@to of
+/// each reply is one of the key names. These rules are not checked.
 CSmartPtr<CJournal> ReadJournal(Quillon9::CXmlSource const& source,
                                 Quillon9::CXmlSerializationContext const& ctx = Quillon9::DefaultContext());
 CSmartPtr<CAuthor> ReadAuthor(Quillon9::CXmlSource const& source,
