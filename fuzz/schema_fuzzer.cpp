@@ -6,8 +6,10 @@
 #include <map>
 #include <string>
 
+#include "code/report.h"
 #include "code/write.h"
 #include "fuzzing.h"
+#include "pages/pages.h"
 #include "plan/make_plan.h"
 #include "schema/load.h"
 
@@ -61,6 +63,8 @@ std::string Generate(MemoryFiles const& files) {
     planOptions.cppNamespace = "Fuzzed";
     Plan::Plan const plan = Plan::MakePlan(set, planOptions, diagnostics);
     if (!diagnostics.HasErrors()) {
+      text = Code::Report(plan, set);
+      for (Pages::Page const& page : Pages::Write(set)) text += page.content;
       for (Code::GeneratedFile const& file : Code::Write(plan, {})) text += file.content;
     }
   }

@@ -224,6 +224,12 @@ void DeclareAccessors(Text& text, Member const& member, Scope const& scope) {
   IsCollection(member) ? DeclareCollection(text, member, type) : DeclareObject(text, member, type);
 }
 
+std::string AccessedType(Member const& member, Scope const& scope) {
+  if (member.kind != Kind::Value) return HeldClass(member, scope);
+  std::string const type = TypeOf(member.value, scope);
+  return member.mandatory || ImpliedValue(member) != nullptr ? type : "std::optional<" + type + ">";
+}
+
 void DeclareField(Text& text, Member const& member, Scope const& scope) {
   if (member.kind != Kind::Value) {
     text.Line("CSmartPtr<" + HeldClass(member, scope) + "> " + member.field + ";");

@@ -12,6 +12,9 @@ namespace Quillon9Generator::Code {
 /// What reads and changes the member, in the public part of its class.
 void DeclareAccessors(Text& text, Plan::Member const& member, Scope const& scope);
 
+/// What the getter of the member returns, without `&`, `*` and `const`: `std::optional<std::string>`, `CShape`.
+std::string AccessedType(Plan::Member const& member, Scope const& scope);
+
 /// The data member.
 void DeclareField(Text& text, Plan::Member const& member, Scope const& scope);
 

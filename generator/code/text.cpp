@@ -16,6 +16,13 @@ std::size_t DirectionMarkSize(std::string_view text) {
   return is ? 3 : 0;
 }
 
+/// The size of the control character at the start of \p text, those from U+0080 to U+009F included; 0 for another.
+std::size_t ControlSize(std::string_view text) {
+  auto const first = static_cast<unsigned char>(text[0]);
+  if (first < 0x20 || first == 0x7F) return 1;
+  return first == 0xC2 && text.size() > 1 && static_cast<unsigned char>(text[1]) < 0xA0 ? 2 : 0;
+}
+
 /// \p word as it may stand in a comment: a backslash or `@` would begin a command of a documentation tool, and a
 /// backslash or `??/` at the end of a line would continue the comment.
 std::string HarmlessWord(std::string_view word) {
@@ -36,12 +43,6 @@ std::string HarmlessWord(std::string_view word) {
     result += c;
   }
   return result;
-}
-
-/// The number of columns of the UTF-8 text \p text, one for each character.
-std::size_t Width(std::string_view text) {
-  return static_cast<std::size_t>(
-      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r'; }
@@ -103,6 +104,23 @@ std::string Literal(std::string_view text) {
 std::string HarmlessText(std::string_view text) {
   std::string result;
   for (std::string const& word : Words(text)) result += (result.empty() ? "" : " ") + word;
+  return result;
+}
+
+std::size_t Width(std::string_view text) {
+  return static_cast<std::size_t>(
+      std::count_if(text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+}
+
+std::string VisibleText(std::string_view text) {
+  std::string result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    std::size_t const escaped = std::max(DirectionMarkSize(text.substr(i)), ControlSize(text.substr(i)));
+    if (text[i] == '\\') result += '\\';
+    if (escaped == 0) result += text[i];
+    for (std::size_t k = 0; k < escaped; ++k) AppendEscape(result, static_cast<unsigned char>(text[i + k]));
+    if (escaped > 1) i += escaped - 1;
+  }
   return result;
 }
 

@@ -16,6 +16,13 @@ std::string Literal(std::string_view text);
 /// \p text as it may stand in a comment on one line.
 std::string HarmlessText(std::string_view text);
 
+/// \p text with escapes for control characters and for those that change the direction of writing, and with each
+/// backslash doubled, so that it stays on its line and a terminal shows all of it.
+std::string VisibleText(std::string_view text);
+
+/// The number of columns of the UTF-8 text \p text, one for each character.
+std::size_t Width(std::string_view text);
+
 /// The lines of `head{a, b, c};`, as few as possible.
 std::vector<std::string> BracedList(std::string const& head, std::vector<std::string> const& items);
 

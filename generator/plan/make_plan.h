@@ -35,6 +35,9 @@ std::optional<Quillon9::ItemType> KindFromName(std::string_view name);
 /// The name of \p kind, for KindFromName().
 char const* KindName(Quillon9::ItemType kind);
 
+/// The kind of a member in words: "value", "nillable values".
+char const* KindText(Member::Kind kind);
+
 /// Decide which classes there will be for \p set, which must be complete and outlive the plan. What documents lose by
 /// these classes is a warning in \p diagnostics; an option that names a type that does not exist is an error there, and
 /// so is a content model too large to be written out. The same set and options give the same plan.

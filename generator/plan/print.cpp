@@ -6,24 +6,6 @@ namespace {
 
 std::string Quoted(std::string const& text) { return "\"" + text + "\""; }
 
-char const* KindText(Member::Kind kind) {
-  switch (kind) {
-    case Member::Kind::Value: return "value";
-    case Member::Kind::Values: return "values";
-    case Member::Kind::Object: return "object";
-    case Member::Kind::Objects: return "objects";
-    case Member::Kind::NillableValue: return "nillable value";
-    case Member::Kind::NillableValues: return "nillable values";
-    case Member::Kind::Rounds: return "rounds";
-    case Member::Kind::Any: return "any";
-    case Member::Kind::Anys: return "anys";
-    case Member::Kind::AnyType: return "anytype";
-    case Member::Kind::AnyTypes: return "anytypes";
-    case Member::Kind::AnyAttributes: return "anyattributes";
-  }
-  return "";
-}
-
 char const* WhiteSpaceText(Schema::WhiteSpace whiteSpace) {
   switch (whiteSpace) {
     case Schema::WhiteSpace::Preserve: return " preserve";
@@ -189,6 +171,24 @@ std::string RootLine(Root const& root) {
 }
 
 }  // namespace
+
+char const* KindText(Member::Kind kind) {
+  switch (kind) {
+    case Member::Kind::Value: return "value";
+    case Member::Kind::Values: return "values";
+    case Member::Kind::Object: return "object";
+    case Member::Kind::Objects: return "objects";
+    case Member::Kind::NillableValue: return "nillable value";
+    case Member::Kind::NillableValues: return "nillable values";
+    case Member::Kind::Rounds: return "rounds";
+    case Member::Kind::Any: return "any";
+    case Member::Kind::Anys: return "anys";
+    case Member::Kind::AnyType: return "anytype";
+    case Member::Kind::AnyTypes: return "anytypes";
+    case Member::Kind::AnyAttributes: return "anyattributes";
+  }
+  return "";
+}
 
 std::string Print(Plan const& plan) {
   std::string text;

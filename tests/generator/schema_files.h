@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <initializer_list>
+#include <iterator>
 #include <string>
 
 #include "schema/load.h"
@@ -16,6 +17,11 @@ inline std::string Replaced(std::string text, std::string const& part, std::stri
     text.replace(at, part.size(), by);
   }
   return text;
+}
+
+inline std::string ReadText(std::string const& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
 /// A folder of files for one test, which is removed with the object.

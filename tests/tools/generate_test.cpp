@@ -61,6 +61,54 @@ TEST_F(GenerateTest, ListsOutputsAndNamesStaleFiles) {
   EXPECT_EQ(Read("d").substr(0, 7), "stamp: ");
 }
 
+TEST_F(GenerateTest, ReportAndPagesNeedNoClasses) {
+  Outcome const outcome = Run("generate --report --documentation=doc purchase_order.xsd");
+  EXPECT_EQ(outcome.status, 0) << outcome.errors;
+  EXPECT_NE(outcome.output.find("  CPart::GetX()  attribute x  xs:int  0..1  value  std::optional<std::int32_t>\n"),
+            std::string::npos)
+      << outcome.output;
+  EXPECT_NE(Read("doc/no-namespace.html").find("<code>@x</code>"), std::string::npos);
+  EXPECT_EQ(Files().size(), 3U);  // the schemas and the folder
+
+  EXPECT_EQ(Run("generate --report=table.txt -o . purchase_order.xsd").output, "");
+  EXPECT_EQ(Read("table.txt"), outcome.output);
+  EXPECT_TRUE(Exists("purchaseorder.h"));
+  EXPECT_EQ(Run("generate --report --list-outputs purchase_order.xsd").output, "purchaseorder.h\npurchaseorder.cpp\n");
+}
+
+TEST_F(GenerateTest, ExampleIsWrittenOnce) {
+  EXPECT_EQ(Run("generate --example -o out purchase_order.xsd").errors, "");
+  std::string const program = Read("out/main.cpp");
+  EXPECT_NE(program.find("PurchaseOrder::ReadOrder(argv[1])"), std::string::npos);
+  EXPECT_NE(Read("out/CMakeLists.txt").find("  main.cpp\n  purchaseorder.cpp)"), std::string::npos);
+  EXPECT_EQ(Run("generate --example=order -o out purchase_order.xsd").errors, "");
+  Write("out/main.cpp", "mine");
+  EXPECT_EQ(Run("generate --example -o out purchase_order.xsd").errors,
+            "out/main.cpp: warning: this file exists, and is not written again\n");
+  EXPECT_EQ(Read("out/main.cpp"), "mine");
+
+  Write("two.xsd", Schema("<xs:element name='a'/><xs:element name='b'/>"));
+  EXPECT_EQ(Run("generate --example two.xsd").errors,
+            "warning: the example reads \"a\", the first of 2 global elements; --example=NAME chooses another\n");
+  struct Row {
+    char const* arguments;
+    char const* error;
+  };
+  Row const rows[] = {
+      {"--example=c two.xsd", "error: --example: no global element \"c\"\n"},
+      {"--example='{urn:x}a' two.xsd", "error: --example: no global element \"{urn:x}a\"\n"},
+      {"--example part.xsd", "error: --example: the schemas declare no global element\n"},
+      {"--example -n Main two.xsd",
+       "none/main.cpp: error: this file is for generated classes; choose another --namespace\n"},
+  };
+  for (Row const& row : rows) {
+    Outcome const outcome = Run(std::string("generate -o none ") + row.arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errors, row.error);
+    EXPECT_FALSE(Exists("none"));
+  }
+}
+
 TEST_F(GenerateTest, FaultsHaveTheFormOfACompilerAndNothingIsWritten) {
   Write("bad.xsd", Schema("<xs:element name='a' type='Missing'/>\n<xs:element name='b' type='xs:what'/>"));
   Outcome const bad = Run("generate -o out bad.xsd");

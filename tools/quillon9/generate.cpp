@@ -7,16 +7,20 @@
 #include <tuple>
 #include <vector>
 
+#include "code/example.h"
+#include "code/report.h"
 #include "code/write.h"
 #include "commands.h"
 #include "failure.h"
 #include "files.h"
+#include "pages/pages.h"
 #include "plan/make_plan.h"
 #include "schema/load.h"
 
 namespace Quillon9Tool {
 
 namespace Code = Quillon9Generator::Code;
+namespace Pages = Quillon9Generator::Pages;
 namespace Plan = Quillon9Generator::Plan;
 namespace Schema = Quillon9Generator::Schema;
 namespace fs = std::filesystem;
@@ -127,6 +131,65 @@ void WriteFiles(GenerateOptions const& options, Plan::Plan const& plan, Schema::
   Update(options.dependencyFile, Code::DependencyFile(paths, sources));
 }
 
+/// A document element and the namespace whose functions read it.
+struct DocumentElement {
+  Plan::Namespace const* ns = nullptr;
+  Plan::Root const* root = nullptr;
+};
+
+bool IsCalled(Schema::QualifiedName const& name, std::string const& wanted) {
+  return wanted.empty() || name.local == wanted || "{" + name.ns + "}" + name.local == wanted;
+}
+
+/// The document element for the example; none without --example.
+DocumentElement ChooseDocumentElement(GenerateOptions const& options, Plan::Plan const& plan) {
+  if (!options.example) return {};
+  std::vector<std::string> const files = Code::FileNames(plan);
+  if (std::find(files.begin(), files.end(), "main.cpp") != files.end()) {
+    Fail(PathIn(options.output, "main.cpp"), "this file is for generated classes; choose another --namespace");
+  }
+  DocumentElement chosen;
+  int count = 0;
+  for (Plan::Namespace const& ns : plan.namespaces) {
+    for (Plan::Root const& root : ns.roots) {
+      if (IsCalled(root.name, *options.example) && count++ == 0) chosen = {&ns, &root};
+    }
+  }
+  if (chosen.root == nullptr && options.example->empty()) Fail("", "--example: the schemas declare no global element");
+  if (chosen.root == nullptr) Fail("", "--example: no global element \"" + *options.example + "\"");
+  if (count > 1) {
+    Print({Diagnostic::Severity::Warning, "", 0, 0,
+           "the example reads \"" + chosen.root->name.local + "\", the first of " + std::to_string(count) +
+               " global elements; --example=NAME chooses another"});
+  }
+  return chosen;
+}
+
+/// Write the files of the example that do not exist: a user may have changed those that do.
+void WriteExample(GenerateOptions const& options, Plan::Plan const& plan, DocumentElement const& element) {
+  for (Code::GeneratedFile const& file : Code::Example(*element.ns, *element.root, Code::FileNames(plan))) {
+    std::string const path = PathIn(options.output, file.path);
+    std::error_code error;
+    if (fs::symlink_status(path, error).type() == fs::file_type::not_found) {
+      Update(path, file.content);
+    } else if (!HasContent(path, file.content)) {
+      Print({Diagnostic::Severity::Warning, path, 0, 0, "this file exists, and is not written again"});
+    }
+  }
+}
+
+void WritePages(std::string const& folder, Schema::SchemaSet const& set) {
+  CreateFolder(folder);
+  for (Pages::Page const& page : Pages::Write(set)) Update(PathIn(folder, page.path), page.content);
+}
+
+void Output(std::string const& path, std::string const& text) {
+  if (path != "-") return Update(path, text);
+  Console console;
+  console.Write(text);
+  console.Finish();
+}
+
 }  // namespace
 
 void Generate(GenerateOptions const& options) {
@@ -136,10 +199,16 @@ void Generate(GenerateOptions const& options) {
   if (diagnostics.HasErrors()) Report(diagnostics);
   Plan::Plan const plan = MakePlan(options, set, diagnostics);
   Report(diagnostics);
-  if (!options.listOutputs) return WriteFiles(options, plan, set);
-  Console console;
-  for (std::string const& name : Code::FileNames(plan)) console.Write(PathIn(options.output, name) + '\n');
-  console.Finish();
+  if (options.listOutputs) {
+    std::string names;
+    for (std::string const& name : Code::FileNames(plan)) names += PathIn(options.output, name) + '\n';
+    return Output("-", names);
+  }
+  DocumentElement const element = ChooseDocumentElement(options, plan);
+  if (options.WritesClasses()) WriteFiles(options, plan, set);
+  if (options.example) WriteExample(options, plan, element);
+  if (!options.documentation.empty()) WritePages(options.documentation, set);
+  if (options.report) Output(*options.report, Code::Report(plan, set));
 }
 
 }  // namespace Quillon9Tool

@@ -117,10 +117,22 @@ SCHEMA may also be a WSDL description, for the schemas that are embedded in it.
       --dependency-target=TARGET
                            make TARGET depend on them in that rule instead
       --list-outputs       print the names of the generated files, and write none
+      --report[=FILE]      print a table of the classes and their members, with
+                           the component of the schema that each comes from, on
+                           standard output or to FILE
+      --documentation=FOLDER
+                           write the documentation of the schemas to FOLDER, as
+                           pages in HTML
+      --example[=ROOT]     also write a program that reads and writes documents
+                           with the element ROOT (name or {namespace}name), and
+                           a CMakeLists.txt for it. Default: the first global
+                           element. Files that exist stay as they are.
   -h, --help               print this
 
 The options --namespace-of, --root, --map, --rename, --catalog and
 --include-path may be repeated.
+With --report or --documentation, the classes are written only if --output,
+--example or --dependency-file is given, too.
 Nothing is fetched from a network. Faults are printed on standard error as
 FILE:LINE:COLUMN: error: TEXT; if there is one, nothing is written.
 )";

@@ -36,7 +36,10 @@ enum LongOnly {
   kRoot,
   kDependencyFile,
   kDependencyTarget,
-  kListOutputs
+  kListOutputs,
+  kReport,
+  kExample,
+  kDocumentation
 };
 
 constexpr option kHelp = {"help", no_argument, nullptr, 'h'};
@@ -67,6 +70,9 @@ constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr,
                                        {"dependency-file", required_argument, nullptr, kDependencyFile},
                                        {"dependency-target", required_argument, nullptr, kDependencyTarget},
                                        {"list-outputs", no_argument, nullptr, kListOutputs},
+                                       {"report", optional_argument, nullptr, kReport},
+                                       {"example", optional_argument, nullptr, kExample},
+                                       {"documentation", required_argument, nullptr, kDocumentation},
                                        kHelp,
                                        kEnd};
 
@@ -188,6 +194,7 @@ std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
   auto const take = [&](int option, std::string const& value) {
     if (option == 'n') options.cppNamespace = value;
     if (option == 'o') options.output = value.empty() ? "." : value;
+    if (option == 'o') options.hasOutput = true;
     if (option == 'c') options.catalogs.push_back(value);
     if (option == 'I') options.includePaths.push_back(value);
     if (option == kMap) AddKind(options, value);
@@ -197,6 +204,9 @@ std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
     if (option == kDependencyFile) options.dependencyFile = value;
     if (option == kDependencyTarget) options.dependencyTarget = value;
     if (option == kListOutputs) options.listOutputs = true;
+    if (option == kReport) options.report = value.empty() ? "-" : value;
+    if (option == kExample) options.example = value;
+    if (option == kDocumentation) options.documentation = value.empty() ? "." : value;
   };
   auto const operands = ReadOptions(argc, argv, ":n:o:c:I:h", kGenerateOptions, take);
   if (!operands) return std::nullopt;

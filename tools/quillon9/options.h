@@ -46,6 +46,15 @@ struct GenerateOptions {
   std::string dependencyFile;    ///< empty for none
   std::string dependencyTarget;  ///< empty for the generated files
   bool listOutputs = false;
+  bool hasOutput = false;              ///< --output was given
+  std::optional<std::string> report;   ///< the file for it; "-" for standard output
+  std::optional<std::string> example;  ///< the document element; empty for the first one
+  std::string documentation;           ///< the folder for its pages; empty for none
+
+  /// Whether the classes are written; a report and pages do not need them.
+  bool WritesClasses() const {
+    return hasOutput || example || !dependencyFile.empty() || (!report && documentation.empty());
+  }
 };
 
 /// Return what the arguments \p argv of a command ask for, argv[0] being its name; nothing if they ask for help.

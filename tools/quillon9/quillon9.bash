@@ -3,7 +3,8 @@
 _quillon9_options() {
   case $1 in
     generate) echo '--namespace= --namespace-of= --root= --output= --map= --rename= --catalog= --include-path=
-                    --dependency-file= --dependency-target= --list-outputs --help' ;;
+                    --dependency-file= --dependency-target= --list-outputs --report --report=
+                    --documentation= --example --example= --help' ;;
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --quiet --help' ;;
     tree) echo '--keep-space --help' ;;
@@ -33,7 +34,7 @@ _quillon9() {
   case $command:$before in
     generate:--namespace | generate:-n | generate:--namespace-of | generate:--root) return ;;
     generate:--map | generate:--rename | generate:--dependency-target) return ;;
-    generate:--output | generate:-o | generate:--include-path | generate:-I)
+    generate:--output | generate:-o | generate:--include-path | generate:-I | generate:--documentation)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$word")
       return
