@@ -16,23 +16,32 @@ using Plan::Member;
 
 namespace {
 
+/// What is longer is cut, and what is wider does not move the other cells: a hostile schema has long names.
+constexpr std::size_t kLongestCell = 500;
+constexpr std::size_t kWidestColumn = 100;
+
 /// Lines of cells, which stand below one another. An empty cell is shown as a dash.
 class Table {
  public:
-  void Add(std::vector<std::string> cells) { m_rows.push_back(std::move(cells)); }
+  void Add(std::vector<std::string> cells) {
+    for (std::string& cell : cells) cell = cell.empty() ? "-" : ShortenedText(cell, kLongestCell);
+    m_rows.push_back(std::move(cells));
+  }
 
   std::string Take() {
     std::vector<std::size_t> widths;
     for (auto const& row : m_rows) {
       widths.resize(std::max(widths.size(), row.size()));
-      for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], Width(Shown(row[i])));
+      for (std::size_t i = 0; i < row.size(); ++i) {
+        widths[i] = std::max(widths[i], std::min(Width(row[i]), kWidestColumn));
+      }
     }
     std::string text;
     for (auto const& row : m_rows) {
       for (std::size_t i = 0; i < row.size(); ++i) {
-        std::string const cell = Shown(row[i]);
-        text += "  " + cell;
-        if (i + 1 < row.size()) text.append(widths[i] - Width(cell), ' ');
+        std::size_t const width = Width(row[i]);
+        text += "  " + row[i];
+        if (i + 1 < row.size() && width < widths[i]) text.append(widths[i] - width, ' ');
       }
       text += '\n';
     }
@@ -40,8 +49,6 @@ class Table {
   }
 
  private:
-  static std::string Shown(std::string const& cell) { return cell.empty() ? "-" : cell; }
-
   std::vector<std::vector<std::string>> m_rows;
 };
 

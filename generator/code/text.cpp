@@ -124,6 +124,12 @@ std::string VisibleText(std::string_view text) {
   return result;
 }
 
+std::string ShortenedText(std::string const& text, std::size_t most) {
+  if (text.size() <= most) return text;
+  while (most != 0 && (static_cast<unsigned char>(text[most]) & 0xC0) == 0x80) --most;  // inside of a character
+  return text.substr(0, most) + "...";
+}
+
 std::vector<std::string> BracedList(std::string const& head, std::vector<std::string> const& items) {
   std::string const indent = "    ";
   std::vector<std::string> lines{head + '{'};

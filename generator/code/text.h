@@ -23,6 +23,9 @@ std::string VisibleText(std::string_view text);
 /// The number of columns of the UTF-8 text \p text, one for each character.
 std::size_t Width(std::string_view text);
 
+/// \p text, or about its first \p most octets and "..." if it is longer.
+std::string ShortenedText(std::string const& text, std::size_t most);
+
 /// The lines of `head{a, b, c};`, as few as possible.
 std::vector<std::string> BracedList(std::string const& head, std::vector<std::string> const& items);
 

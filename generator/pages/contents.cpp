@@ -12,6 +12,8 @@ namespace {
 constexpr std::size_t kMostEntries = 300;
 /// Names of files have limits; the end of an address says more than its beginning.
 constexpr std::size_t kLongestName = 80;
+/// Each reference has the anchor, so that long ones would add up in a hostile schema.
+constexpr std::size_t kLongestAnchor = 200;
 
 char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -61,7 +63,9 @@ Contents::Contents(Schema::SchemaSet const& set) : m_pages{"index"} {
 template <class Component>
 void Contents::Add(Entry::Kind kind, char const* prefix, std::vector<Component const*> const& components) {
   for (Component const* each : components) {
-    Entry const& entry = m_entries.emplace_back(Entry{kind, each, &each->name, {}, prefix + each->name.local});
+    std::string const number = std::to_string(m_entries.size());  // no name begins with a digit
+    std::string const& name = each->name.local.size() <= kLongestAnchor ? each->name.local : number;
+    Entry const& entry = m_entries.emplace_back(Entry{kind, each, &each->name, {}, prefix + name});
     m_found[each] = &entry;
   }
 }

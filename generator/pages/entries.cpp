@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "code/text.h"
 #include "pages/html.h"
 #include "schema/built_ins.h"
 
@@ -16,15 +17,17 @@ using Schema::SimpleType;
 
 namespace {
 
-/// A longer description is only on the page of its component.
+/// What is longer is shown in full only in the entry of its component.
 constexpr std::size_t kLongestSummary = 200;
+/// A longer type or description of an attribute is not shown again in each type that has the attribute by a group.
+constexpr std::size_t kLongestRepetition = 800;
 
 std::string Fact(char const* name, std::string const& value) {
   return value.empty() ? value : "<dt>" + std::string(name) + "</dt><dd>" + value + "</dd>\n";
 }
 
 std::string Fact(char const* name, std::optional<std::string> const& value) {
-  return value ? Fact(name, Code(*value)) : std::string();
+  return value ? Fact(name, CodeText(*value)) : std::string();
 }
 
 std::string ListOf(std::string const& facts) { return facts.empty() ? facts : "<dl>\n" + facts + "</dl>\n"; }
@@ -46,8 +49,8 @@ std::string Summary(std::string const& documentation) {
 }
 
 std::string Implied(std::optional<std::string> const& defaultValue, std::optional<std::string> const& fixedValue) {
-  if (fixedValue) return "<p>Fixed: " + Code(*fixedValue) + "</p>\n";
-  return defaultValue ? "<p>Default: " + Code(*defaultValue) + "</p>\n" : std::string();
+  if (fixedValue) return "<p>Fixed: " + CodeText(*fixedValue) + "</p>\n";
+  return defaultValue ? "<p>Default: " + CodeText(*defaultValue) + "</p>\n" : std::string();
 }
 
 std::string WildcardText(Schema::Wildcard const& wildcard) {
@@ -55,12 +58,14 @@ std::string WildcardText(Schema::Wildcard const& wildcard) {
   switch (wildcard.constraint) {
     case Schema::Wildcard::Constraint::Any: text = "of any namespace"; break;
     case Schema::Wildcard::Constraint::Other:
-      text = wildcard.notNamespace.empty() ? "of any namespace, but not of none"
-                                           : "of any namespace but " + Code(wildcard.notNamespace);
+      text = wildcard.notNamespace.empty()
+                 ? "of any namespace, but not of none"
+                 : "of any namespace but " + CodeText(Code::ShortenedText(wildcard.notNamespace, kLongestSummary));
       break;
     case Schema::Wildcard::Constraint::Listed:
       for (std::string const& ns : wildcard.namespaces) {
-        text += (text.empty() ? "of " : ", ") + (ns.empty() ? "no namespace" : Code(ns));
+        text += (text.empty() ? "of " : ", ") +
+                (ns.empty() ? "no namespace" : CodeText(Code::ShortenedText(ns, kLongestSummary)));
       }
       break;
   }
@@ -98,7 +103,7 @@ void AddFacet(std::string& list, char const* name, Value const& value, Value con
   if constexpr (std::is_same_v<Value, std::optional<long>>) {
     list += "<li>" + std::string(name) + " " + std::to_string(*value) + "</li>\n";
   } else {
-    list += "<li>" + std::string(name) + " " + Code(*value) + "</li>\n";
+    list += "<li>" + std::string(name) + " " + CodeText(*value) + "</li>\n";
   }
 }
 
@@ -114,7 +119,8 @@ bool InheritsValues(Schema::Facets const& facets, Schema::Facets const& base) {
 }  // namespace
 
 std::string LinkTo(Entry const& entry) {
-  return "<a href=\"" + entry.page + "#" + Fragment(entry.anchor) + "\">" + Escaped(entry.name->local) + "</a>";
+  return "<a href=\"" + entry.page + "#" + Fragment(entry.anchor) + "\">" +
+         Escaped(Code::ShortenedText(entry.name->local, kLongestSummary)) + "</a>";
 }
 
 // ---- Entries
@@ -171,9 +177,9 @@ std::string Entries::ElementBody(ElementDeclaration const& element) {
 Entries::Facts Entries::ConstraintsOf(ElementDeclaration const& element) {
   Facts facts;
   for (Schema::IdentityConstraint const* each : element.identityConstraints) {
-    std::string text = Code(each->name.local) + ": for each " + Code(each->selector) + " the value of";
-    for (std::string const& field : each->fields) text += " " + Code(field);
-    if (each->refer != nullptr) text += " refers to " + Code(each->refer->name.local);
+    std::string text = CodeText(each->name.local) + ": for each " + CodeText(each->selector) + " the value of";
+    for (std::string const& field : each->fields) text += " " + CodeText(field);
+    if (each->refer != nullptr) text += " refers to " + CodeText(each->refer->name.local);
     switch (each->kind) {
       case Schema::IdentityConstraint::Kind::Unique: facts += Fact("Unique", text); break;
       case Schema::IdentityConstraint::Kind::Key: facts += Fact("Key", text); break;
@@ -293,7 +299,7 @@ std::string Entries::FacetList(SimpleType const& type, SimpleType const& base) {
   for (std::size_t step = inherited.patterns.size(); step < own.patterns.size(); ++step) {
     std::string alternatives;
     for (std::string const& each : own.patterns[step])
-      alternatives += (alternatives.empty() ? "" : " or ") + Code(each);
+      alternatives += (alternatives.empty() ? "" : " or ") + CodeText(each);
     list += "<li>pattern " + alternatives + "</li>\n";
   }
   if (!InheritsValues(own, inherited)) list += Values(type);
@@ -303,7 +309,7 @@ std::string Entries::FacetList(SimpleType const& type, SimpleType const& base) {
 std::string Entries::Values(SimpleType const& type) {
   std::string list;
   for (Schema::EnumerationValue const& value : type.facets.enumeration) {
-    list += "<li>" + Code(value.text) + Paragraphs(value.documentation) + "</li>\n";
+    list += "<li>" + CodeText(value.text) + Paragraphs(value.documentation) + "</li>\n";
   }
   return list;
 }
@@ -352,7 +358,7 @@ void Entries::AddElement(ElementDeclaration const& element, Particle const& part
   description += Implied(element.defaultValue, element.fixedValue);
   if (element.nillable) description += "<p>It may be nil.</p>\n";
   description += ListOf(ConstraintsOf(element));
-  AddRow(depth, Code(element.name.local), Occurs(particle), TypeText(element), description);
+  AddRow(depth, CodeText(element.name.local), Occurs(particle), TypeText(element), description);
   if (isAnonymous) AddContent(*element.complexType, depth + 1);
 }
 
@@ -376,7 +382,7 @@ void Entries::AddAttributes(ComplexType const& type, bool isExtension, int depth
     if (found != inherited.end()) inherited.erase(found);
     keepsSome = keepsSome || isKept;
   }
-  for (auto const& [name, use] : inherited) AddRow(depth, Code("@" + name.local), "prohibited", "", "");
+  for (auto const& [name, use] : inherited) AddRow(depth, CodeText("@" + name.local), "prohibited", "", "");
   if (keepsSome) AddRow(depth, "other attributes of " + Link(type.base, type.base->name), "", "", "");
   if (type.attributeWildcard) {
     AddRow(depth, "any attribute", "", WildcardText(*type.attributeWildcard),
@@ -393,14 +399,13 @@ void Entries::AddAttribute(AttributeUse const& use, int depth) {
         depth, "@" + Link(&declaration, declaration.name), occurs, "",
         Summary(declaration.documentation) + (isOwn ? Implied(use.defaultValue, use.fixedValue) : std::string()));
   }
-  std::string type = TypeText(*declaration.type);
-  std::string description = Paragraphs(declaration.documentation) + Implied(use.defaultValue, use.fixedValue);
   auto const [first, isNew] = m_printed.emplace(&declaration, m_current);
-  if (!isNew && type.size() + description.size() > 4 * kLongestSummary) {
-    type.clear();
-    description = "as in " + LinkTo(*first->second);
-  }
-  AddRow(depth, Code("@" + declaration.name.local), occurs, type, description);
+  bool isShown = isNew || declaration.documentation.size() <= kLongestRepetition;
+  std::string const type = isShown ? TypeText(*declaration.type) : "";
+  isShown = isShown && (isNew || type.size() <= kLongestRepetition);
+  AddRow(depth, CodeText("@" + declaration.name.local), occurs, isShown ? type : "",
+         isShown ? Paragraphs(declaration.documentation) + Implied(use.defaultValue, use.fixedValue)
+                 : "as in " + LinkTo(*first->second));
 }
 
 void Entries::AddRow(int depth, std::string const& name, std::string const& occurs, std::string const& type,

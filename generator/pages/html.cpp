@@ -64,7 +64,7 @@ std::string Fragment(std::string_view name) {
   return result;
 }
 
-std::string Code(std::string_view text) { return "<code>" + Escaped(text) + "</code>"; }
+std::string CodeText(std::string_view text) { return "<code>" + Escaped(text) + "</code>"; }
 
 std::string Paragraphs(std::string_view documentation) {
   std::string result;

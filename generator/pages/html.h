@@ -13,7 +13,7 @@ std::string Escaped(std::string_view text);
 std::string Fragment(std::string_view name);
 
 /// \p text in `<code>`.
-std::string Code(std::string_view text);
+std::string CodeText(std::string_view text);
 
 /// \p documentation in paragraphs, which empty lines separate; empty for none.
 std::string Paragraphs(std::string_view documentation);
