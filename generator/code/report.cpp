@@ -63,7 +63,7 @@ std::string NameText(Schema::QualifiedName const& name, std::string const& ns) {
 }
 
 std::string OccursText(Member const& member) {
-  std::string const least = std::to_string(member.minOccurs);
+  std::string least = std::to_string(member.minOccurs);
   if (member.minOccurs == member.maxOccurs) return least;
   return least + ".." + (member.maxOccurs == Schema::Particle::kUnbounded ? "*" : std::to_string(member.maxOccurs));
 }
@@ -150,9 +150,9 @@ class Reporter {
   }
 
   void PrintClass(Class const& cls) {
-    m_text += "\nclass " + cls.cppName + (cls.base != nullptr ? " : " + cls.base->cppName : "") + "  " + Origin(cls) +
-              (cls.abstract ? "  abstract" : "") + (cls.nillable ? "  nillable" : "") + (cls.mixed ? "  mixed" : "") +
-              "  " + PlaceText(cls.place) + "\n";
+    m_text += "\nclass " + cls.cppName + (cls.base != nullptr ? " : " + NameOf(*cls.base, {&m_ns, nullptr}) : "") +
+              "  " + Origin(cls) + (cls.abstract ? "  abstract" : "") + (cls.nillable ? "  nillable" : "") +
+              (cls.mixed ? "  mixed" : "") + "  " + PlaceText(cls.place) + "\n";
     Table table;
     Scope const scope{&m_ns, nullptr};
     for (Plan::Choice const& choice : cls.choices) {

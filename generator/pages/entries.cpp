@@ -33,7 +33,7 @@ std::string Fact(char const* name, std::optional<std::string> const& value) {
 std::string ListOf(std::string const& facts) { return facts.empty() ? facts : "<dl>\n" + facts + "</dl>\n"; }
 
 std::string Occurs(Particle const& particle) {
-  std::string const least = std::to_string(particle.minOccurs);
+  std::string least = std::to_string(particle.minOccurs);
   if (particle.minOccurs == particle.maxOccurs) return least;
   return least + ".." + (particle.maxOccurs == Particle::kUnbounded ? "*" : std::to_string(particle.maxOccurs));
 }
@@ -417,7 +417,7 @@ void Entries::AddRow(int depth, std::string const& name, std::string const& occu
 
 std::string Entries::TakeTable() {
   if (m_rows.empty()) return {};
-  std::string const table =
+  std::string table =
       "<table>\n<tr><th>Content</th><th>Occurs</th><th>Type</th><th>Description</th></tr>\n" + m_rows + "</table>\n";
   m_rows.clear();
   return table;
