@@ -19,8 +19,7 @@ std::string FirstGetter(Plan::Root const& root) {
   return "";
 }
 
-std::string Main(Plan::Namespace const& ns, Plan::Root const& root) {
-  std::string const header = ns.fileStem + ".h";
+std::string Main(std::string const& header, Plan::Namespace const& ns, Plan::Root const& root) {
   std::string const getter = FirstGetter(root);
   Text text;
   text.Line("// Reads a document whose element is " + HarmlessText(root.name.local) + ", and writes it again.");
@@ -80,9 +79,9 @@ std::string CMakeLists(std::vector<std::string> const& files) {
 
 }  // namespace
 
-std::vector<GeneratedFile> Example(Plan::Namespace const& ns, Plan::Root const& root,
+std::vector<GeneratedFile> Example(Plan::Plan const& plan, Plan::Namespace const& ns, Plan::Root const& root,
                                    std::vector<std::string> const& files) {
-  return {{"main.cpp", Main(ns, root)}, {"CMakeLists.txt", CMakeLists(files)}};
+  return {{"main.cpp", Main(plan.namespaces.front().fileStem + ".h", ns, root)}, {"CMakeLists.txt", CMakeLists(files)}};
 }
 
 }  // namespace Quillon9Generator::Code

@@ -106,6 +106,11 @@ std::string KindOf(Member const& member) {
   return member.value.item != nullptr ? kind + ", a list" : kind;
 }
 
+std::string FunctionFor(Plan::Root const& root) {
+  if (root.isDocument) return "Read" + root.cppName + "()";
+  return CanBeCreated(root) ? "Create" + root.cppName + "()" : std::string();
+}
+
 std::string ListOf(std::vector<std::string> const& names) {
   std::string text;
   for (std::string const& name : names) text += (text.empty() ? "" : ", ") + name;
@@ -132,10 +137,10 @@ class Reporter {
     Table table;
     for (Plan::Root const& root : m_ns.roots) {
       auto const declared = m_elements.find(root.name);
-      table.Add({"Read" + root.cppName + "()", "element " + NameText(root.name, ""), RootType(root, m_ns),
+      table.Add({FunctionFor(root), "element " + NameText(root.name, ""), RootType(root, m_ns),
                  declared != m_elements.end() ? PlaceText(declared->second->place) : ""});
     }
-    m_text += "\ndocument elements\n" + table.Take();
+    m_text += "\nglobal elements\n" + table.Take();
   }
 
   void PrintEnumeration(Enumeration const& enumeration) {

@@ -7,7 +7,7 @@
 namespace Quillon9Generator::Code {
 
 /// What became of the components of \p set in \p plan, as a table of plain text for people, `diff` and `grep`: the
-/// functions of the document elements, the enumerations with their texts, and the classes with their members. Each
+/// functions for global elements, the enumerations with their texts, and the classes with their members. Each
 /// line has the full name of what it describes. The same plan gives the same octets.
 std::string Report(Plan::Plan const& plan, Schema::SchemaSet const& set);
 

@@ -49,7 +49,8 @@ TEST(Example, WritesTheGoldenProgram) {
   Planned const planned(QUILLON9_GOLDEN "/purchase_order.xsd", "Orders");
   Plan::Namespace const& ns = planned.plan.namespaces.front();
   std::string const version = std::to_string(QUILLON9_VERSION_MAJOR) + "." + std::to_string(QUILLON9_VERSION_MINOR);
-  for (Code::GeneratedFile const& file : Code::Example(ns, ns.roots.front(), Code::FileNames(planned.plan))) {
+  for (Code::GeneratedFile const& file :
+       Code::Example(planned.plan, ns, ns.roots.front(), Code::FileNames(planned.plan))) {
     EXPECT_EQ(file.content, Replaced(Golden("example/" + file.path), "Quillon9 1.0", "Quillon9 " + version));
   }
 }
@@ -72,7 +73,7 @@ TEST(Example, NamesAMemberThatTheElementHas) {
     SchemaOf(row.schema, files);
     Planned const planned(files.Path("a.xsd"), "N::M");
     Plan::Namespace const& ns = planned.plan.namespaces.front();
-    std::string const program = Code::Example(ns, ns.roots.front(), {})[0].content;
+    std::string const program = Code::Example(planned.plan, ns, ns.roots.front(), {})[0].content;
     EXPECT_NE(program.find(std::string("    // ") + row.comment + "\n"), program.npos) << program;
     EXPECT_NE(program.find("N::M::ReadE(argv[1])"), program.npos) << program;
   }

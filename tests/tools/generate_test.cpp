@@ -87,9 +87,15 @@ TEST_F(GenerateTest, ExampleIsWrittenOnce) {
             "out/main.cpp: warning: this file exists, and is not written again\n");
   EXPECT_EQ(Read("out/main.cpp"), "mine");
 
+  for (std::string const ns : {"u", "v"}) {
+    Write(ns + ".xsd", "<xs:schema xmlns:xs='http://www.w3.org/2001/XMLSchema' targetNamespace='" + ns +
+                           "'><xs:element name='order'/></xs:schema>");
+  }
+  EXPECT_EQ(Run("generate --example='{v}order' -n Two -o two u.xsd v.xsd").errors, "");
+  EXPECT_NE(Read("two/main.cpp").find("Two::ReadOrderElement("), std::string::npos) << Read("two/main.cpp");
   Write("two.xsd", Schema("<xs:element name='a'/><xs:element name='b'/>"));
   EXPECT_EQ(Run("generate --example two.xsd").errors,
-            "warning: the example reads \"a\", the first of 2 global elements; --example=NAME chooses another\n");
+            "warning: the example reads \"a\", the first of 2 global elements; --example=ROOT chooses another\n");
   struct Row {
     char const* arguments;
     char const* error;
@@ -97,6 +103,7 @@ TEST_F(GenerateTest, ExampleIsWrittenOnce) {
   Row const rows[] = {
       {"--example=c two.xsd", "error: --example: no global element \"c\"\n"},
       {"--example='{urn:x}a' two.xsd", "error: --example: no global element \"{urn:x}a\"\n"},
+      {"--example=order u.xsd v.xsd", "error: --example: \"order\" is in several namespaces; write {namespace}order\n"},
       {"--example part.xsd", "error: --example: the schemas declare no global element\n"},
       {"--example -n Main two.xsd",
        "none/main.cpp: error: this file is for generated classes; choose another --namespace\n"},

@@ -137,8 +137,18 @@ struct DocumentElement {
   Plan::Root const* root = nullptr;
 };
 
-bool IsCalled(Schema::QualifiedName const& name, std::string const& wanted) {
-  return wanted.empty() || name.local == wanted || "{" + name.ns + "}" + name.local == wanted;
+/// The document elements called \p wanted, of all namespaces if that has none; all for an empty name.
+std::vector<DocumentElement> DocumentElements(Plan::Plan const& plan, std::string const& wanted) {
+  std::vector<DocumentElement> exact, all;
+  for (Plan::Namespace const& ns : plan.namespaces) {
+    for (Plan::Root const& root : ns.roots) {
+      std::string const fullName = root.name.ns.empty() ? root.name.local : "{" + root.name.ns + "}" + root.name.local;
+      if (!root.isDocument) continue;
+      if (fullName == wanted) exact.push_back({&ns, &root});
+      if (wanted.empty() || root.name.local == wanted) all.push_back({&ns, &root});
+    }
+  }
+  return exact.empty() ? all : exact;
 }
 
 /// The document element for the example; none without --example.
@@ -148,26 +158,26 @@ DocumentElement ChooseDocumentElement(GenerateOptions const& options, Plan::Plan
   if (std::find(files.begin(), files.end(), "main.cpp") != files.end()) {
     Fail(PathIn(options.output, "main.cpp"), "this file is for generated classes; choose another --namespace");
   }
-  DocumentElement chosen;
-  int count = 0;
-  for (Plan::Namespace const& ns : plan.namespaces) {
-    for (Plan::Root const& root : ns.roots) {
-      if (IsCalled(root.name, *options.example) && count++ == 0) chosen = {&ns, &root};
-    }
+  std::string const& wanted = *options.example;
+  std::vector<DocumentElement> const found = DocumentElements(plan, wanted);
+  if (found.empty()) {
+    Fail("", wanted.empty() ? "--example: the schemas declare no global element"
+                            : "--example: no global element \"" + wanted + "\"");
   }
-  if (chosen.root == nullptr && options.example->empty()) Fail("", "--example: the schemas declare no global element");
-  if (chosen.root == nullptr) Fail("", "--example: no global element \"" + *options.example + "\"");
-  if (count > 1) {
+  if (found.size() > 1 && !wanted.empty()) {
+    Fail("", "--example: \"" + wanted + "\" is in several namespaces; write {namespace}" + wanted);
+  }
+  if (found.size() > 1) {
     Print({Diagnostic::Severity::Warning, "", 0, 0,
-           "the example reads \"" + chosen.root->name.local + "\", the first of " + std::to_string(count) +
-               " global elements; --example=NAME chooses another"});
+           "the example reads \"" + found.front().root->name.local + "\", the first of " +
+               std::to_string(found.size()) + " global elements; --example=ROOT chooses another"});
   }
-  return chosen;
+  return found.front();
 }
 
 /// Write the files of the example that do not exist: a user may have changed those that do.
 void WriteExample(GenerateOptions const& options, Plan::Plan const& plan, DocumentElement const& element) {
-  for (Code::GeneratedFile const& file : Code::Example(*element.ns, *element.root, Code::FileNames(plan))) {
+  for (Code::GeneratedFile const& file : Code::Example(plan, *element.ns, *element.root, Code::FileNames(plan))) {
     std::string const path = PathIn(options.output, file.path);
     std::error_code error;
     if (fs::symlink_status(path, error).type() == fs::file_type::not_found) {
