@@ -134,7 +134,6 @@ void CXmlDocument::CloseElement() { XmlNodeAccess::CloseElement(*this); }
 void CXmlDocument::EndFilteredElement() {
   CXmlElement* const element = OpenElementOrThrow();
   CXmlElement* const previous = m_previous.back();
-  m_previous.pop_back();
   CloseElement();
   bool const isDropped = AskFilter(element);
   if (m_elementStack.empty()) return;

@@ -120,6 +120,7 @@ struct XmlNodeAccess {
     auto const& open = document.m_elementStack.back();
     if (open.hadChildren && (open.placed != 0 || HasText(element))) document.SettlePlaces();
     document.m_elementStack.pop_back();
+    if (document.m_filter != nullptr) document.m_previous.pop_back();
   }
   ///@}
   /// What CXmlDocument::CountContent() has counted.

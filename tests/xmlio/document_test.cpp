@@ -322,6 +322,16 @@ TEST_F(Document, FilterSeesCompleteElementsAndRemovesThem) {
   CXmlDocument all([](CXmlElement*) { return true; });
   all.LoadXml("<a><b><c/></b><d/></a>");
   EXPECT_EQ(Dump(all), "a");
+
+  CXmlDocument built([](CXmlElement* element) { return element->GetLocalName() == "drop"; });
+  built.AddDocElement("", "a");
+  for (char const* name : {"b", "drop"}) {
+    built.AddChildElement("", name);
+    built.AddChildElement("", "x");
+    built.CloseElement();
+    built.EndElement();
+  }
+  EXPECT_EQ(Dump(built), "a (b (x))");
 }
 
 TEST_F(Document, FilterThatKeepsEverySecondOfManyIsFast) {
