@@ -45,6 +45,19 @@ CElement::CElement(char const* name, char const* ns, char const* restriction, ch
   Init(name, ns, restriction, targetNamespace);
 }
 
+bool CElement::HasMixedParts() const {
+  std::vector<CElement const*> open = {this};  // instead of the stack, since elements may nest deeply
+  while (!open.empty()) {
+    CElement const& element = *open.back();
+    open.pop_back();
+    if (element.m_isMixed) return true;
+    CElementCol const* const elements = element.m_elements.Get();
+    if (elements == nullptr) continue;
+    for (CElement const& child : *elements) open.push_back(&child);
+  }
+  return false;
+}
+
 void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) {
   Init("", "", "##any", "");
   if (defaultNamespace != nullptr) m_defaultNamespace = defaultNamespace;
@@ -55,7 +68,10 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);
   document.LoadXmlStream(text.GetData(), text.GetLength());
-  CopyWhole(document.GetDocumentElement(), true);
+  // Of other objects, text that follows the children does so whatever is added later.
+  auto const* const element = dynamic_cast<CElement const*>(source);
+  bool const keepsMixed = element != nullptr ? element->HasMixedParts() : source->HoldsUtf8Text();
+  CopyWhole(document.GetDocumentElement(), keepsMixed);
 }
 
 CElement::~CElement() {

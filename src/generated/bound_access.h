@@ -15,8 +15,9 @@ namespace Quillon9 {
 /// What an object keeps about the order of the document it was read from.
 struct BoundOrder {
   std::vector<int> members;  ///< of an all group, by their places in the group; empty for the order of the schema
-  /// For each element of mixed content, the size of the text in front of it.
-  std::optional<std::vector<std::size_t>> places;
+  /// For each element of mixed content, the size of the text in front of it; further ones follow all text. Without a
+  /// value, all elements stand in front of the text.
+  std::optional<std::vector<std::size_t>> places = std::vector<std::size_t>();
 };
 
 /// What the descriptors of generated classes do with their objects.
@@ -46,14 +47,17 @@ struct BoundAccess {
     OrderToChange(*static_cast<CBoundObject*>(holder)).members = std::move(order);
   }
   ///@}
-  /// For each element of mixed content, the size of the text in front of it; null if this is not kept.
+  /// The places of the text of mixed content; null if all of it follows the elements.
   ///@{
   static std::vector<std::size_t> const* Places(CBoundObject const& holder) {
+    static auto const& none = *new std::vector<std::size_t>();
     BoundOrder const* const order = holder.m_order.get();
-    return order != nullptr && order->places ? &*order->places : nullptr;
+    if (order == nullptr) return &none;
+    return order->places ? &*order->places : nullptr;
   }
   static void SetPlaces(CBoundObject& holder, std::optional<std::vector<std::size_t>> places) {
-    if (places || holder.m_order != nullptr) OrderToChange(holder).places = std::move(places);
+    bool const isDefault = places && places->empty() && holder.m_order == nullptr;
+    if (!isDefault) OrderToChange(holder).places = std::move(places);
   }
   ///@}
   static BuiltClass const& Built(CBoundObject const& holder) { return holder.m_tables->Built(); }

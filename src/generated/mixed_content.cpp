@@ -132,7 +132,7 @@ std::vector<std::size_t> PlacesOf(CBoundObject const& object, CXmlElement const&
 }  // namespace
 
 void MixedContent::AfterRead(CBoundObject& object, CXmlElement const& element, CXmlSerializationContext const& ctx) {
-  BoundAccess::SetPlaces(object, std::nullopt);
+  BoundAccess::SetPlaces(object, std::vector<std::size_t>());
   if (HasOnlyLayout(element)) {
     BoundAccess::Property(&object, BoundAccess::Built(object).TextProperty()).Clear();
   } else if (element.IsMixed()) {
@@ -218,6 +218,7 @@ class TextCollector : public CXmlWriter {
   void WriteAttributeType(std::string const&, std::string const&, ItemType) override {}
   void WriteAttributeNil() override {}
   void WriteComment(std::string const&) override {}
+  bool DeclarePrefix(std::string const& prefix, std::string const&) override { return !prefix.empty(); }
   void WritePI(std::string const&) override {}
   void WriteInlineSchema(std::string const&) override {}
 
@@ -249,7 +250,6 @@ void CBoundObject::ReplaceMixed(std::string& member, std::string value) {
 void CBoundObject::AppendMixed(std::string& member, std::string_view text) {
   std::vector<std::size_t> const* const known = BoundAccess::Places(*this);
   std::vector<std::size_t> places = known != nullptr ? *known : std::vector<std::size_t>();
-  // Without places, the text so far follows the elements.
   places.resize(ChildrenOf(*this).size(), known != nullptr ? member.size() : 0);
   member += text;
   BoundAccess::SetPlaces(*this, std::move(places));

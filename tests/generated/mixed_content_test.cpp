@@ -285,6 +285,10 @@ TEST(BoundMixedContent, ProgramsBuildAndChangeIt) {
   EXPECT_EQ("<p>013</p>\n", para->ToXml(false));
   para->FromXml("<p>5</p>");
   EXPECT_EQ("5", para->GetText());
+  para->GetChoice().Add().SetCode("b");
+  EXPECT_EQ("<p>5<code>b</code></p>\n", para->ToXml(false)) << "text of a document without elements";
+  para->AppendText("6");
+  EXPECT_EQ("<p>5<code>b</code>6</p>\n", para->ToXml(false));
 }
 
 TEST(BoundMixedContent, ElementsThatAReadLeavesOutDoNotMoveText) {
@@ -321,6 +325,9 @@ TEST(GenericMixedContent, ChildrenMayBeAddedAndRemoved) {
   p.GetElements()->Add("d", "");
   p.SetText("4");
   EXPECT_EQ("<p>\n\t<d/>\n4</p>\n", p.ToXml(false)) << "after the children, as without places";
+  CSmartPtr<CElement> const copy(new CElement(&p, nullptr));
+  EXPECT_EQ("<p>\n\t<d/>\n4</p>\n", copy->ToXml(false));
+  EXPECT_FALSE(copy->IsMixed());
 }
 
 TEST(GenericMixedContent, TextFollowsTheChildrenUnlessTheContextKeepsIt) {

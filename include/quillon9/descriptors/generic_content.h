@@ -322,6 +322,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// The namespace of the collections: the one that this element had when it was created.
   char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
   void ChangeNamespace(std::string ns);
+  bool HasMixedParts() const;
   void CopyWhole(CXmlElement const* element, bool keepsMixed);
   void CopyFrom(CXmlElement const& element, bool keepsMixed);
   void KeepPlaces(CXmlElement const& source);
