@@ -20,8 +20,6 @@ using Schema::Wildcard;
 /// Of the content models of all types together, with the groups written out. The largest sets of real schemas have a
 /// tenth of that.
 constexpr std::size_t kMostParts = 200'000;
-/// How many octets of documentation all members together may have.
-constexpr std::size_t kMostDocumentation = 50'000'000;
 
 std::string Quoted(std::string const& name) { return "\"" + name + "\""; }
 
@@ -342,7 +340,7 @@ void ClassBuilder::AddAttribute(Class& cls, Schema::AttributeUse const& use) {
   member.value = ValueOf(declaration.type, declaration.name, &declaration, declaration.global, cls);
   member.defaultValue = use.defaultValue;
   member.fixedValue = use.fixedValue;
-  member.documentation = Documentation(declaration.documentation, use.place);
+  member.documentation = declaration.documentation;
   member.schemaPlace = use.place;
   cls.members.push_back(std::move(member));
 }
@@ -363,7 +361,7 @@ void ClassBuilder::AddAttributeWildcard(Class& cls, ComplexType const& type) {
   member.place = Member::Place::Attribute;
   member.minOccurs = 0;
   member.maxOccurs = Schema::Particle::kUnbounded;
-  member.documentation = Documentation(wildcard.documentation, wildcard.place);
+  member.documentation = wildcard.documentation;
   member.schemaPlace = wildcard.place;
   SetRestriction(wildcard, member);
   cls.members.push_back(std::move(member));
@@ -459,18 +457,6 @@ void ClassBuilder::AddRow(Class& cls, Member member, Position position) {
   cls.rows.push_back(row);
 }
 
-// All users of a group repeat what it says.
-std::string ClassBuilder::Documentation(std::string text, Schema::Place const& place) {
-  bool const wasTooMuch = m_documented > kMostDocumentation;
-  m_documented += text.size();
-  if (m_documented <= kMostDocumentation) return text;
-  if (!wasTooMuch) {
-    m_diagnostics.Error(place, "the members of all classes have more than " + std::to_string(kMostDocumentation) +
-                                   " octets of documentation");
-  }
-  return {};
-}
-
 ValueType ClassBuilder::ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name,
                                 void const* declaration, bool global, Class const& user) {
   auto const group = m_groups.find(declaration);
@@ -514,7 +500,7 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.name = element.name;
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
-  member.documentation = Documentation(DocumentationWithConstraints(element), node.place);
+  member.documentation = DocumentationWithConstraints(element);
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
   if (member.kind == Member::Kind::Value) {
@@ -557,7 +543,7 @@ void ClassBuilder::AddWildcard(Class& cls, ContentNode const& node, Position pos
   member.kind = node.IsRepeated() ? Member::Kind::Anys : Member::Kind::Any;
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
-  member.documentation = Documentation(node.wildcard->documentation, node.place);
+  member.documentation = node.wildcard->documentation;
   member.schemaPlace = node.place;
   SetRestriction(*node.wildcard, member);
   AddRow(cls, std::move(member), position);
@@ -572,7 +558,7 @@ void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position posit
   round->targetNamespace = cls.targetNamespace;
   round->rejectUnknownAttributes = false;
   round->place = node.place;
-  if (node.group != nullptr) round->documentation = Documentation(node.group->documentation, node.place);
+  if (node.group != nullptr) round->documentation = node.group->documentation;
   ContentNode once = node;
   once.minOccurs = once.maxOccurs = 1;
   if (once.kind == ContentNode::Kind::Sequence) {
@@ -585,7 +571,7 @@ void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position posit
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
   member.type = round;
-  member.documentation = Documentation(round->documentation, node.place);
+  member.documentation = round->documentation;
   member.schemaPlace = node.place;
   AddRow(cls, std::move(member), position);
 }

@@ -200,7 +200,7 @@ CXmlName const* CFastInfosetReader::NameInTable(Names const& table, std::size_t 
   if (shared.size() < table.size()) shared.resize(table.size());
   CXmlName const*& name = shared[index - 1];
   if (!kInfosetNames.IsOn() || name == nullptr) {
-    NotePrefix(parts);
+    NotePrefix(parts, table);
     name = SharedName(parts);
   }
   kInfosetNames.Verify([&] { return name == SharedName(parts); });
@@ -224,17 +224,20 @@ CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, Names& table)
   if (hasNamespace) name.m_namespace = IdentifyingStringOrIndex(m_vocabulary->GetNamespaceNamesTable().GetVector());
   name.m_localName = IdentifyingStringOrIndex(m_vocabulary->GetLocalNamesTable().GetVector());
   m_vocabulary->AddQNameToVector(name.m_prefix, name.m_namespace, name.m_localName, table);
-  NotePrefix(name);
+  NotePrefix(name, table);
   return SharedName(name);
 }
 
-/// Some writers declare a prefix only by names that have it.
-void CFastInfosetReader::NotePrefix(CFIVocabulary::CQNameParts const& parts) {
+/// Some writers declare a prefix only by the names of elements that have it. That of an attribute may mean another
+/// namespace in its value.
+void CFastInfosetReader::NotePrefix(CFIVocabulary::CQNameParts const& parts, Names const& table) {
+  if (&table != &m_vocabulary->GetElementNamesTable().GetVector()) return;
   if (parts.m_prefix == 0 || parts.m_namespace == 0) return;
   std::string const& prefix = EntryOf(m_vocabulary->GetPrefixNamesTable().GetVector(), parts.m_prefix);
   std::string const& uri = EntryOf(m_vocabulary->GetNamespaceNamesTable().GetVector(), parts.m_namespace);
   constexpr std::size_t kLongest = 256;  // since a few octets may repeat them
-  if (prefix.size() + uri.size() <= kLongest) XmlNodeAccess::NoteNamespace(m_document, prefix, uri);
+  if (prefix.size() + uri.size() > kLongest) return;
+  XmlNodeAccess::NoteNamespace(m_document, prefix, uri, NamespaceDeclarations::Kind::Name);
 }
 
 /// Return the index of the string, which is added to \p table if it is spelled out.

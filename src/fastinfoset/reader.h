@@ -114,7 +114,7 @@ class CFastInfosetReader {
   CXmlName const* ElementNameBit3(std::uint32_t octet);
   CXmlName const* NameInTable(Names const& table, std::size_t index, SharedNames& shared);
   CXmlName const* SharedName(CFIVocabulary::CQNameParts const& parts);
-  void NotePrefix(CFIVocabulary::CQNameParts const& parts);
+  void NotePrefix(CFIVocabulary::CQNameParts const& parts, Names const& table);
   CXmlName const* ReadQName(std::uint32_t octet, Names& table);
   std::uint32_t IdentifyingStringOrIndex(Strings& table);
   std::string NonIdentifyingStringOrIndexBit1(Strings& table);

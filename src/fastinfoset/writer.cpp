@@ -18,6 +18,7 @@
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
+#include "xmlio/namespace_scope.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -222,6 +223,10 @@ bool CFastInfosetWriter::DeclarePrefix(std::string const& prefix, std::string co
   }
   bool isNew = false;
   bool const isBound = BindPrefix(*m_pendingElement, prefix, uri, isNew);
+  if (isBound && !isNew && !XmlWriterAccess::IsDeclared(*m_pendingElement, prefix)) {  // known by names only
+    XmlWriterAccess::ScopeToChange(*m_pendingElement).AddAlias(prefix, uri);
+    isNew = true;
+  }
   if (isNew) m_declared.emplace_back(prefix, uri);
   return isBound;
 }

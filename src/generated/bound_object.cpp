@@ -15,6 +15,7 @@
 #include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/fastinfoset/writer.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
@@ -206,6 +207,11 @@ namespace {
 [[gnu::noinline]] void WriteTypeAttribute(CXmlWriter& writer, CClassRow const& row,
                                           CXmlSerializationContext const& ctx) {
   if (*row.typeName == '\0' || !ctx.GetWriteTypeAttribute()) return;
+  if (*row.typeNamespace != '\0' && dynamic_cast<CFastInfosetWriter*>(&writer) != nullptr) {
+    // Without a prefix for the namespace, this writer writes another attribute. A reader needs its declaration.
+    bool const isDefault = XmlWriterAccess::StartedElement(writer)->GetDefaultNamespace() == row.typeNamespace;
+    if (!isDefault) writer.PrefixForValues(row.typeNamespace, "");
+  }
   writer.WriteAttributeType(row.typeNamespace, row.typeName, ItemType_string);
 }
 

@@ -58,10 +58,11 @@ std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
 }
 
 // A filter may remove the elements by which the place of a declaration is known.
-void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri) {
+void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
+                                  NamespaceDeclarations::Kind kind) {
   if (document.m_filter != nullptr) return;
   CXmlElement* const parent = document.GetOpenElement();
-  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri);
+  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri, kind);
 }
 
 bool CXmlDocument::LookupNamespace(CXmlElement const& element, std::string_view prefix,

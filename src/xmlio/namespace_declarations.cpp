@@ -1,31 +1,33 @@
 #include "xmlio/namespace_declarations.h"
 
 #include <iterator>
-#include <map>
+#include <utility>
 
 namespace Quillon9 {
 
 void NamespaceDeclarations::Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix,
-                                std::string const& uri) {
-  Binding const* const last = m_declarations.empty() ? nullptr : m_declarations.back().binding;
-  bool const isRepeated = last != nullptr && last->first == prefix && last->second == uri;
-  m_declarations.push_back({parent, before, isRepeated ? last : &*m_bindings.emplace(prefix, uri).first});
-  m_isNested = m_isNested || (parent != nullptr && prefix.empty());
+                                std::string const& uri, Kind kind) {
+  bool const isInside = parent != nullptr && kind == Kind::Declaration;
+  Binding* const last = m_declarations.empty() ? nullptr : m_declarations.back().binding;
+  bool const isRepeated = last != nullptr && last->first.first == prefix && last->first.second == uri;
+  Binding* const binding = isRepeated ? last : &*m_bindings.emplace(std::make_pair(prefix, uri), isInside).first;
+  binding->second = binding->second && isInside;
+  m_declarations.push_back({parent, before, binding});
   m_indexed = nullptr;
 }
 
 std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElement const& element,
                                                std::string_view prefix) const {
   auto const first = m_bindings.lower_bound({std::string(prefix), std::string()});
-  if (first == m_bindings.end() || first->first != prefix) return nullptr;
+  if (first == m_bindings.end() || first->first.first != prefix) return nullptr;
   auto const next = std::next(first);
-  bool const isUnique = next == m_bindings.end() || next->first != prefix;
-  if (isUnique && !(prefix.empty() && m_isNested)) return &first->second;
+  bool const isUnique = next == m_bindings.end() || next->first.first != prefix;
+  if (isUnique && !first->second) return &first->first.second;
   if (m_indexed != root) MakeIndex(root);
   auto const found = m_index.find(&element);
   for (Scope const* scope = found != m_index.end() ? found->second : nullptr; scope != nullptr; scope = scope->outer) {
     for (Binding const* binding : scope->bindings) {
-      if (binding->first == prefix) return &binding->second;
+      if (binding->first.first == prefix) return &binding->first.second;
     }
   }
   return nullptr;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,23 +14,31 @@
 namespace Quillon9 {
 
 /// The namespace declarations of a document, and which of them are in scope at an element (Namespaces in XML 1.0, W3C,
-/// section 6.1). Most documents bind each prefix once, and the answer is then known without a look at the tree.
+/// section 6.1). Most documents bind each prefix once, on the document element, and the answer is then known without a
+/// look at the tree.
 class NamespaceDeclarations {
  public:
+  enum class Kind {
+    Declaration,
+    Name  ///< only the first element of a name is known to have the prefix, so it counts anywhere unless it is ambiguous
+  };
+
   /// Note a declaration on the next child of \p parent, which follows \p before, or on the document element if
   /// \p parent is null. Neither is looked at.
-  void Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix, std::string const& uri);
+  void Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix, std::string const& uri,
+           Kind kind);
   /// The URI to which \p prefix (empty for the default namespace) is bound at \p element of the tree \p root; null if
   /// it is not declared. Valid until the next declaration.
   std::string const* Find(CXmlElement const* root, CXmlElement const& element, std::string_view prefix) const;
 
  private:
-  using Binding = std::pair<std::string, std::string>;  // prefix and URI
+  using Bindings = std::map<std::pair<std::string, std::string>, bool>;  // prefix and URI; whether only inside the root
+  using Binding = Bindings::value_type;
 
   struct Declaration {
     CXmlElement const* parent;
     CXmlElement const* before;
-    Binding const* binding;
+    Binding* binding;
   };
   /// What is declared on one element, and the scope around that.
   struct Scope {
@@ -40,9 +48,8 @@ class NamespaceDeclarations {
 
   void MakeIndex(CXmlElement const* root) const;
 
-  std::set<Binding> m_bindings;
+  Bindings m_bindings;
   std::vector<Declaration> m_declarations;
-  bool m_isNested = false;  // a default namespace is declared inside the document element
   mutable std::vector<std::unique_ptr<Scope>> m_scopes;
   mutable std::unordered_map<CXmlElement const*, Scope const*> m_index;  // elements with declarations in scope
   mutable CXmlElement const* m_indexed = nullptr;                        // the root when the index was made

@@ -8,7 +8,7 @@ namespace Quillon9 {
 
 CNamespaceScope::CNamespaceScope(std::string const& defaultNamespace, Map const& bindings)
     : m_defaultNamespace(defaultNamespace), m_own(bindings), m_isWhole(true) {
-  for (auto const& binding : m_own) m_prefixes[binding.second] = binding.first;
+  for (auto const& binding : m_own) m_prefixes[binding.second] = {binding.first, true};
 }
 
 CNamespaceScope::CNamespaceScope(std::shared_ptr<CNamespaceScope> outer)
@@ -32,12 +32,12 @@ std::string const* CNamespaceScope::Find(std::string const& uri) const {
 
 void CNamespaceScope::Bind(std::string const& uri, std::string const& prefix) {
   if (Find(uri) != nullptr) m_isChanged = true;
-  m_prefixes[prefix] = uri;
+  m_prefixes[prefix] = {uri, false};
   m_own[uri] = prefix;
 }
 
 void CNamespaceScope::AddAlias(std::string const& prefix, std::string const& uri) {
-  m_prefixes[prefix] = uri;
+  m_prefixes[prefix] = {uri, true};
   if (Find(uri) == nullptr) m_own[uri] = prefix;
 }
 
@@ -50,16 +50,26 @@ std::string const& CNamespaceScope::BindToGenerated(std::string const& uri) {
       prefix = CXmlWriter::NsIntToString(static_cast<int>(m_nextGenerated++));
     } while (IsReservedPrefix(prefix) || IsTaken(prefix));
   }
-  m_prefixes[prefix] = uri;
+  m_prefixes[prefix] = {uri, false};
   return m_own[uri] = prefix;
 }
 
-std::string const* CNamespaceScope::UriOf(std::string const& prefix) const {
+CNamespaceScope::Bound const* CNamespaceScope::FindBound(std::string const& prefix) const {
   for (CNamespaceScope const* scope = this; scope != nullptr; scope = scope->m_outer.get()) {
     auto const found = scope->m_prefixes.find(prefix);
     if (found != scope->m_prefixes.end()) return &found->second;
   }
   return nullptr;
+}
+
+std::string const* CNamespaceScope::UriOf(std::string const& prefix) const {
+  Bound const* const bound = FindBound(prefix);
+  return bound != nullptr ? &bound->uri : nullptr;
+}
+
+bool CNamespaceScope::IsDeclared(std::string const& prefix) const {
+  Bound const* const bound = FindBound(prefix);
+  return bound != nullptr && bound->isDeclared;
 }
 
 CNamespaceScope::Map const& CNamespaceScope::All() {

@@ -39,24 +39,32 @@ class CNamespaceScope {
   void Bind(std::string const& uri, std::string const& prefix);
   /// Bind \p uri, which has no prefix, to the first free generated one, as CXmlWriter::GetUniquePrefix() finds it.
   std::string const& BindToGenerated(std::string const& uri);
-  /// Let \p prefix stand for \p uri, which may have another prefix, too.
+  /// Let \p prefix stand for \p uri, which may have another prefix, too. The document declares it.
   void AddAlias(std::string const& prefix, std::string const& uri);
   /// The URI that \p prefix was last bound to; null for none.
   std::string const* UriOf(std::string const& prefix) const;
+  /// Whether \p prefix was last bound by AddAlias() or for the document element.
+  bool IsDeclared(std::string const& prefix) const;
   /// Return all bindings in force, combined on request. Valid as long as this scope, later changes included.
   Map const& All();
   /// Return the prefix of \p uri in this scope, for changes; empty if it had none.
   std::string& At(std::string const& uri);
 
  private:
+  struct Bound {
+    std::string uri;
+    bool isDeclared;
+  };
+
+  Bound const* FindBound(std::string const& prefix) const;
   bool IsTaken(std::string const& prefix) const { return UriOf(prefix) != nullptr; }
 
   std::shared_ptr<CNamespaceScope> m_outer;  ///< null for a document element
   std::string m_defaultNamespace;
   Map m_own;
-  bool m_isWhole;                   ///< m_own includes the bindings of the enclosing scopes
-  Map m_prefixes;                   ///< those bound here, each with its URI
-  std::size_t m_nextGenerated = 0;  ///< every generated prefix with a smaller number is taken
+  bool m_isWhole;                           ///< m_own includes the bindings of the enclosing scopes
+  std::map<std::string, Bound> m_prefixes;  ///< those bound here
+  std::size_t m_nextGenerated = 0;          ///< every generated prefix with a smaller number is taken
   /// A binding was replaced, which may have freed a prefix: look for the next one among all bindings.
   bool m_isChanged = false;
 };

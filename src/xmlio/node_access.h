@@ -43,7 +43,8 @@ struct XmlNodeAccess {
   /// \name Changing a tree
   /// @{
   /// Note that \p prefix stands for \p uri in the next child of the innermost open element, or in the document element.
-  static void NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri);
+  static void NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
+                            NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
   /// Create an element with a name that the tree shares.
   static CXmlElement* NewElement(CXmlName const& name, CTreeMemory& memory) {
     return ::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name);

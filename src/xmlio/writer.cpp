@@ -108,6 +108,10 @@ std::string const* XmlWriterAccess::UriOf(Context const& context, std::string co
   return context.m_scopeOwner->m_scope->UriOf(prefix);
 }
 
+bool XmlWriterAccess::IsDeclared(Context const& context, std::string const& prefix) {
+  return context.m_scopeOwner->m_scope->IsDeclared(prefix);
+}
+
 void XmlWriterAccess::Follow(Context& context, Context& followed) {
   context.m_followed = &followed;
   context.m_scopeOwner = followed.m_scopeOwner;
@@ -382,7 +386,11 @@ bool CXmlWriter::DeclarePrefix(std::string const& prefix, std::string const& uri
 std::string CXmlWriter::PrefixForValues(std::string const& uri, std::string const& preferred) {
   CXmlWriterContext* const started = StartedElement();
   std::string const* const bound = started != nullptr ? started->FindPrefix(uri) : nullptr;
-  if (bound != nullptr) return *bound;
+  if (bound != nullptr) {
+    std::string prefix = *bound;
+    if (started->m_tagOpen) DeclarePrefix(prefix, uri);
+    return prefix;
+  }
   if (DeclarePrefix(preferred, uri)) return preferred;
   std::string prefix;
   for (int number = 0; prefix.empty(); ++number) {

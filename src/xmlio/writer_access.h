@@ -76,6 +76,8 @@ struct XmlWriterAccess {
   static void Follow(Context& context, Context& followed);
   /// What \p prefix stands for inside the element; null for nothing.
   static std::string const* UriOf(Context const& context, std::string const& prefix);
+  /// Whether the document declares \p prefix, rather than only names that have it.
+  static bool IsDeclared(Context const& context, std::string const& prefix);
   static void StopFollowing(Context& context);
   /// Let the followers of a context that is being destroyed keep their bindings. Allocates nothing.
   static void LeaveFollowers(Context& context);

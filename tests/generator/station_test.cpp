@@ -169,6 +169,9 @@ TEST(Names, KeepTheirNamespaces) {
   std::string const written = station->ToXml();
   ExpectNames(*Read(written));
   EXPECT_NE(written.find("xmlns:u=\"urn:u\""), written.npos) << written;
+  std::string shown;
+  for (Quillon9::CBoundItem const& item : station->Content()) shown += item.GetName() + item.GetValue() + ' ';
+  EXPECT_EQ(shown, "position1 2 sensor kindu:fixed alias alias maker ");
   Quillon9::CBinaryData const bytes = station->ToFastInfosetStream();
   ExpectNames(*Stations::ReadStation(bytes));
   station->SetUnits(std::nullopt);
@@ -222,6 +225,53 @@ TEST(Names, KeepTheirMeaningInWildcards) {
   EXPECT_EQ(again->ToXml(), station->ToXml());
 }
 
+// The prefixes of names are generated anew in each branch, and names that are repeated are written as numbers.
+TEST(Names, KeepTheirMeaningInFastInfoset) {
+  Quillon9::CBinaryStream stream;
+  Quillon9::CFastInfosetContext const options;
+  Quillon9::CFastInfosetWriter writer(options, stream);
+  writer.WriteStartDocument(Quillon9::FInfoDecl_None);
+  writer.WriteStartElement("r", "");
+  std::string const uris[] = {"urn:a", "urn:b", "urn:a", "urn:b", "urn:b"};
+  for (std::string const& uri : uris) {
+    writer.WriteStartElement("x", uri);
+    writer.WriteAttributeType(uri, "T", Quillon9::ItemType_string);
+    writer.WriteStartElement("y", uri);
+    std::string const prefix = writer.PrefixForValues(uri, "");
+    writer.WriteString(prefix + ":v", Quillon9::ItemType_string);
+    writer.WriteEndElement();
+    writer.WriteEndElement();
+  }
+  writer.WriteEndElement();
+  writer.WriteEndDocument();
+  writer.Close();
+  Quillon9::CXmlDocument document;
+  document.LoadXmlStream(stream.GetBinaryStream().GetData(), stream.GetBinaryStream().GetLength());
+  auto const* expected = uris;
+  for (Quillon9::CXmlElement const& x : document.GetDocumentElement()->Children()) {
+    Quillon9::CXmlElement const& y = *x.GetFirstElement();
+    std::string uri;
+    EXPECT_TRUE(document.LookupNamespace(y, y.GetText().substr(0, 2), uri));
+    EXPECT_EQ(uri, *expected++);
+  }
+}
+
+// Where no name has a prefix for the namespace of the type, either.
+TEST(Names, TypesAreKeptInFastInfoset) {
+  CSmartPtr<Stations::CSensor> const sensor = Stations::CSensor::CreateInstance("s");
+  sensor->SetId("a");
+  sensor->SetTypeAttribute(true);
+  Quillon9::CBinaryData const bytes = sensor->ToFastInfosetStream();
+  Quillon9::CXmlDocument document;
+  document.LoadXmlStream(bytes.GetData(), bytes.GetLength());
+  Quillon9::CXmlElement const& root = *document.GetDocumentElement();
+  std::string uri;
+  std::string const type = root.GetAttribute("type", "http://www.w3.org/2001/XMLSchema-instance");
+  EXPECT_EQ(type.substr(2), ":Sensor");
+  EXPECT_TRUE(document.LookupNamespace(root, type.substr(0, 2), uri));
+  EXPECT_EQ(uri, "urn:station");
+}
+
 TEST(Names, PrefixesAreThoseInScope) {
   struct Row {
     char const* document;
@@ -235,6 +285,8 @@ TEST(Names, PrefixesAreThoseInScope) {
       {"<a xmlns:p='urn:p'><b xmlns:p='urn:q'/><at/></a>", "p", "urn:p"},
       {"<a xmlns:p='urn:p'><b xmlns:p='urn:q'><at/></b></a>", "p", "urn:q"},
       {"<a><b xmlns='urn:q'/><at/></a>", "", ""},
+      {"<a><b xmlns:p='urn:q'/><at/></a>", "p", ""},
+      {"<a><b/><at xmlns:p='urn:q'/></a>", "p", "urn:q"},
       {"<a><b/><c/><at xmlns='urn:q'/></a>", "", "urn:q"},
       {"<a xmlns='urn:a'><b xmlns=''><at/></b></a>", "", ""},
       {"<a xmlns:p='urn:p'><b><c xmlns:p='urn:q'/></b><b><at xmlns:p='urn:r'/></b></a>", "p", "urn:r"},
