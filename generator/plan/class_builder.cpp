@@ -20,6 +20,8 @@ using Schema::Wildcard;
 /// Of the content models of all types together, with the groups written out. The largest sets of real schemas have a
 /// tenth of that.
 constexpr std::size_t kMostParts = 200'000;
+/// How many octets of documentation all members together may have.
+constexpr std::size_t kMostDocumentation = 50'000'000;
 
 std::string Quoted(std::string const& name) { return "\"" + name + "\""; }
 
@@ -340,7 +342,7 @@ void ClassBuilder::AddAttribute(Class& cls, Schema::AttributeUse const& use) {
   member.value = ValueOf(declaration.type, declaration.name, &declaration, declaration.global, cls);
   member.defaultValue = use.defaultValue;
   member.fixedValue = use.fixedValue;
-  member.documentation = declaration.documentation;
+  member.documentation = Documentation(declaration.documentation, use.place);
   member.schemaPlace = use.place;
   cls.members.push_back(std::move(member));
 }
@@ -361,7 +363,7 @@ void ClassBuilder::AddAttributeWildcard(Class& cls, ComplexType const& type) {
   member.place = Member::Place::Attribute;
   member.minOccurs = 0;
   member.maxOccurs = Schema::Particle::kUnbounded;
-  member.documentation = wildcard.documentation;
+  member.documentation = Documentation(wildcard.documentation, wildcard.place);
   member.schemaPlace = wildcard.place;
   SetRestriction(wildcard, member);
   cls.members.push_back(std::move(member));
@@ -457,6 +459,18 @@ void ClassBuilder::AddRow(Class& cls, Member member, Position position) {
   cls.rows.push_back(row);
 }
 
+// All users of a group repeat what it says.
+std::string ClassBuilder::Documentation(std::string text, Schema::Place const& place) {
+  bool const wasTooMuch = m_documented > kMostDocumentation;
+  m_documented += text.size();
+  if (m_documented <= kMostDocumentation) return text;
+  if (!wasTooMuch) {
+    m_diagnostics.Error(place, "the members of all classes have more than " + std::to_string(kMostDocumentation) +
+                                   " octets of documentation");
+  }
+  return {};
+}
+
 ValueType ClassBuilder::ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name,
                                 void const* declaration, bool global, Class const& user) {
   auto const group = m_groups.find(declaration);
@@ -500,7 +514,7 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.name = element.name;
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
-  member.documentation = DocumentationWithConstraints(element);
+  member.documentation = Documentation(DocumentationWithConstraints(element), node.place);
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
   if (member.kind == Member::Kind::Value) {
@@ -543,7 +557,7 @@ void ClassBuilder::AddWildcard(Class& cls, ContentNode const& node, Position pos
   member.kind = node.IsRepeated() ? Member::Kind::Anys : Member::Kind::Any;
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
-  member.documentation = node.wildcard->documentation;
+  member.documentation = Documentation(node.wildcard->documentation, node.place);
   member.schemaPlace = node.place;
   SetRestriction(*node.wildcard, member);
   AddRow(cls, std::move(member), position);
@@ -558,7 +572,7 @@ void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position posit
   round->targetNamespace = cls.targetNamespace;
   round->rejectUnknownAttributes = false;
   round->place = node.place;
-  if (node.group != nullptr) round->documentation = node.group->documentation;
+  if (node.group != nullptr) round->documentation = Documentation(node.group->documentation, node.place);
   ContentNode once = node;
   once.minOccurs = once.maxOccurs = 1;
   if (once.kind == ContentNode::Kind::Sequence) {
@@ -571,7 +585,7 @@ void ClassBuilder::AddRounds(Class& cls, ContentNode const& node, Position posit
   member.minOccurs = node.minOccurs;
   member.maxOccurs = node.maxOccurs;
   member.type = round;
-  member.documentation = round->documentation;
+  member.documentation = Documentation(round->documentation, node.place);
   member.schemaPlace = node.place;
   AddRow(cls, std::move(member), position);
 }

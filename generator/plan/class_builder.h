@@ -62,6 +62,7 @@ class ClassBuilder {
   void SetElementType(Class& cls, Member& member, Schema::ElementDeclaration const& element);
   void NoteUse(Class& cls, Schema::ElementDeclaration const& element);
   ElementGroup const* GroupOf(Schema::ElementDeclaration const& head);
+  std::string Documentation(std::string text, Schema::Place const& place);
   ValueType ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name, void const* declaration,
                     bool global, Class const& user);
 
@@ -72,6 +73,7 @@ class ClassBuilder {
   Schema::Diagnostics& m_diagnostics;
   ValueTypes m_values;
   Derivations m_derivations;
+  std::size_t m_documented = 0;  ///< octets of documentation of members
   std::size_t m_budget;  ///< how many parts of content models may still come
 
   std::map<Schema::ComplexType const*, Class*> m_classes;

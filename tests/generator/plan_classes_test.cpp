@@ -438,5 +438,20 @@ TEST(PlanLimits, EndInAnError) {
   }
 }
 
+/// What all types share is copied for each of them, so a small schema could ask for any amount.
+TEST(Plan, RepeatedDocumentationIsLimited) {
+  std::string schema = "<attributeGroup name='G'><attribute name='a'><annotation><documentation>" +
+                       std::string(100000, 'x') + "</documentation></annotation></attribute></attributeGroup>";
+  for (int i = 0; i < 600; ++i) {
+    schema += "<complexType name='T" + std::to_string(i) + "'><attributeGroup ref='t:G'/></complexType>";
+  }
+  SchemaFiles files;
+  Schema::SchemaSet const set = SchemaOf(schema, files);
+  Schema::Diagnostics diagnostics;
+  Plan::MakePlan(set, {}, diagnostics);
+  ASSERT_EQ(diagnostics.All().size(), 1U);
+  EXPECT_NE(Format(diagnostics.All()[0]).find("more than 50000000 octets of documentation"), std::string::npos);
+}
+
 }  // namespace
 }  // namespace Quillon9Generator::Testing
