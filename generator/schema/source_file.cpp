@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "schema/limits.h"
+#include "schema/versions.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -93,7 +94,9 @@ void SourceFile::FillChildren(Node& node, Quillon9::CXmlElement const& element, 
     return;
   }
   for (Quillon9::CXmlElement const& child : element.Children()) {
-    Fill(node.children.emplace_back(), child, node.scope, depth + 1);
+    Node& added = node.children.emplace_back();
+    Fill(added, child, node.scope, depth + 1);
+    if (m_diagnostics != nullptr && !IsForThisVersion(added, *m_diagnostics)) node.children.pop_back();
   }
 }
 

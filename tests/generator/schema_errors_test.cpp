@@ -96,6 +96,15 @@ TEST(SchemaErrors, Grammar) {
       {"<xs:complexType name='T'><xs:assert test='1'/></xs:complexType><xs:defaultOpenContent/>",
        "26: warning: xs:assert belongs to XML Schema 1.1 and is not checked\n"
        "64: error: xs:defaultOpenContent belongs to XML Schema 1.1, which is not supported\n"},
+      {"<xs:annotation xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:minVersion='1.0' vc:maxVersion='1.1'/>"
+       "<xs:element name='e' xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:minVersion='1.1'/>"
+       "<xs:element name='e' xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:maxVersion='1.1'/>"
+       "<xs:element name='f' xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:maxVersion='1' vc:x='1'/>"
+       "<xs:element name='g' xmlns:vc='http://www.w3.org/2007/XMLSchema-versioning' vc:minVersion='new' vc:x=''/>",
+       "112: warning: xs:element is left out, since it is for another version of XML Schema than 1.0\n"
+       "306: warning: xs:element is left out, since it is for another version of XML Schema than 1.0\n"
+       "410: error: \"new\" is not a version of XML Schema\n"
+       "410: warning: the attribute \"vc:x\" is not evaluated\n"},
       {"<xs:group name='G'><xs:all><xs:element name='a' maxOccurs='2'/></xs:all></xs:group>"
        "<xs:complexType name='T'><xs:sequence><xs:group ref='t:G'/></xs:sequence></xs:complexType>",
        "28: error: an element in xs:all cannot occur more than once\n"
