@@ -11,6 +11,7 @@
 #include "fuzzing.h"
 #include "pages/pages.h"
 #include "plan/make_plan.h"
+#include "plan/value_types.h"
 #include "schema/load.h"
 
 namespace {
@@ -52,6 +53,23 @@ class MemoryFiles : public Schema::Files {
   std::map<std::string, std::string> m_texts;
 };
 
+/// The classes, and the report on them.
+std::string Described(Schema::SchemaSet const& set, Plan::PlanOptions const& options,
+                      Schema::Diagnostics& diagnostics) {
+  Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
+  if (diagnostics.HasErrors()) return {};
+  std::string text = Code::Report(plan, set);
+  for (Code::GeneratedFile const& file : Code::Write(plan, {})) text += file.content;
+  return text;
+}
+
+/// Only what the last element reaches, with the last namespace apart.
+Plan::PlanOptions PartOf(Schema::SchemaSet const& set, Plan::PlanOptions options) {
+  if (!set.targetNamespaces.empty()) options.namespaces[set.targetNamespaces.back()] = "Fuzzed::Part";
+  if (!set.elements.empty()) options.roots = {Plan::KeyOf(set.elements.back()->name)};
+  return options;
+}
+
 std::string Generate(MemoryFiles const& files) {
   Schema::Diagnostics diagnostics;
   Schema::LoadOptions options{{"a.xsd"}, {}, {"."}};
@@ -61,12 +79,9 @@ std::string Generate(MemoryFiles const& files) {
   if (!diagnostics.HasErrors()) {
     Plan::PlanOptions planOptions;
     planOptions.cppNamespace = "Fuzzed";
-    Plan::Plan const plan = Plan::MakePlan(set, planOptions, diagnostics);
-    if (!diagnostics.HasErrors()) {
-      text = Code::Report(plan, set);
-      for (Pages::Page const& page : Pages::Write(set)) text += page.content;
-      for (Code::GeneratedFile const& file : Code::Write(plan, {})) text += file.content;
-    }
+    text = Described(set, planOptions, diagnostics);
+    text += Described(set, PartOf(set, planOptions), diagnostics);
+    for (Pages::Page const& page : Pages::Write(set)) text += page.content;
   }
   for (Schema::Diagnostic const& diagnostic : diagnostics.All()) text += Schema::Format(diagnostic) + '\n';
   Fuzzing::Require(!text.empty(), "an input is an error or gives files");

@@ -245,12 +245,15 @@ std::vector<std::string> TextsOf(SimpleType const& type) {
 
 /// What the notations among which a value chooses stand for.
 std::string DescribeNotations(SimpleType const& type) {
+  constexpr std::size_t kMost = 8;
+  std::vector<Schema::EnumerationValue> const& notations = type.facets.enumeration;
+  if (notations.empty()) return {};
   std::string list;
-  for (Schema::EnumerationValue const& value : type.facets.enumeration) {
-    list += (list.empty() ? "One of the notations " : ", ") + value.text;
-    if (!value.documentation.empty()) list += " (" + value.documentation + ")";
+  for (std::size_t i = 0; i < std::min(notations.size(), kMost); ++i) {
+    list += (list.empty() ? "One of the notations " : ", ") + notations[i].text;
+    if (!notations[i].documentation.empty()) list += " (" + notations[i].documentation + ")";
   }
-  return list.empty() ? list : list + ".";
+  return list + (notations.size() > kMost ? " and " + std::to_string(notations.size() - kMost) + " others." : ".");
 }
 
 std::string NameForUsers(SimpleType const& type) {
@@ -381,8 +384,13 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   return value;
 }
 
+// An anonymous item belongs to its list, if that has a name.
+ValueTypes::Use ValueTypes::UseOfItem(SimpleType const& list, Use const& use) {
+  return list.IsAnonymous() ? use : Use{nullptr, list.name.local + "Item", list.name.ns};
+}
+
 void ValueTypes::SetItem(SimpleType const& type, Use const& use, ValueType& value) {
-  ValueType item = Of(type.itemType, use);
+  ValueType item = Of(type.itemType, UseOfItem(type, use));
   if (item.item == nullptr) value.item = std::make_shared<ValueType const>(std::move(item));
 }
 
@@ -415,7 +423,7 @@ ValueType ValueTypes::Of(SimpleType const* type, Use const& use) {
   auto const known = m_values.find(type);
   if (known == m_values.end()) return m_values.emplace(type, Decide(*type, use, false)).first->second;
   if (known->second.enumeration != nullptr) EnumerationOf(*type, use);  // one more user
-  if (known->second.item != nullptr) Of(type->itemType, use);
+  if (known->second.item != nullptr) Of(type->itemType, UseOfItem(*type, use));
   return known->second;
 }
 

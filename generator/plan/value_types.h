@@ -29,6 +29,7 @@ class ValueTypes {
   void WarnOfUnchecked(Schema::SimpleType const& type, ValueType const& value);
   /// \p isMember says that it is a member of a union, which has texts in place of enumerators.
   ValueType Decide(Schema::SimpleType const& type, Use const& use, bool isMember);
+  static Use UseOfItem(Schema::SimpleType const& list, Use const& use);
   void SetItem(Schema::SimpleType const& type, Use const& use, ValueType& value);
   void SetMembers(Schema::SimpleType const& type, ValueType& value);
   static void SetValues(Schema::SimpleType const& type, ValueType& value);

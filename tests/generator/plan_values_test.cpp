@@ -68,17 +68,21 @@ class CA of A
 <simpleType name='day'><restriction base='token'><enumeration value='Mo'/><enumeration value='Tu'/></restriction>
 </simpleType>
 <simpleType name='days'><list itemType='t:day'/></simpleType>
+<simpleType name='flags'><list><simpleType><restriction base='token'><enumeration value='x'/></restriction>
+</simpleType></list></simpleType>
 <simpleType name='pair'><restriction><simpleType><list itemType='short'/></simpleType><length value='2'/>
   <pattern value='. .'/><enumeration value='1 2'/><enumeration value='2 1'/></restriction></simpleType>
 <complexType name='A'><sequence><element name='a' type='t:days'/><element name='b' type='t:pair' maxOccurs='2'/></sequence>
   <attribute name='c' default='1 x'><simpleType><list><simpleType><union memberTypes='int t:day NCName'/></simpleType>
-  </list></simpleType></attribute></complexType>)",
+  </list></simpleType></attribute><attribute name='d' type='t:flags'/></complexType>)",
      R"(
 enum EDay of day: Mo="Mo" Tu="Tu"
+enum EFlagsItem: X="x"
 class CA of A
   0 A m_a: value a list of (EDay) mandatory
   1 B m_b: nillable values b{1,2} list of (i2) pattern=[^\n\r] [^\n\r] length=2 "1 2" "2 1"
   2 C m_c: value @c? list of (string) default="1 x"
+  3 D m_d: value @d? list of (EFlagsItem)
 )"},
     {"Unions",
      R"(
