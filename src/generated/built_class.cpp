@@ -175,8 +175,9 @@ void BuiltClass::NoteRoles(CClassRow const& row) {
   }
   for (std::size_t i = 0; i < m_members.size(); ++i) {
     Member const& member = m_members[i];
-    bool const isSingle = member.element == nullptr || member.element->kind == RowKind::Value;
-    bool const isId = isSingle && member.value != nullptr && member.value->parts != nullptr &&
+    RowKind const kind = member.element != nullptr ? member.element->kind : RowKind::Value;
+    bool const isText = kind == RowKind::Value || kind == RowKind::Values;
+    bool const isId = isText && member.value != nullptr && member.value->parts != nullptr &&
                       member.value->parts->role == ValueRole::Identifier;
     if (isId) m_ids.push_back(static_cast<int>(i));
   }

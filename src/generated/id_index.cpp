@@ -1,9 +1,11 @@
 #include "quillon9/generated/id_index.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
+#include "quillon9/binding/typed_collections.h"
 #include "quillon9/generated/object_col.h"
 
 namespace Quillon9 {
@@ -19,6 +21,19 @@ void AppendObjects(CXmlObjectBase* held, std::vector<CBoundObject*>& objects) {
   }
 }
 
+/// Calls \p visit with the identifiers that a property has, until it returns false. Returns whether all of them were
+/// visited.
+template <class Visit>
+bool ForEachIdIn(CPropertyRef const& property, Visit visit) {
+  if (property.IsObject()) {
+    auto const* const texts = static_cast<CstringCol const*>(property.Look());
+    return texts == nullptr || std::all_of(texts->begin(), texts->end(), visit);
+  }
+  QnVariant id;
+  property.Read(id);
+  return !id.IsValid() || visit(id.GetString());
+}
+
 /// Calls \p visit with each identifier and its object, in the order of the members, until it returns false. Uses a list
 /// instead of the stack, since objects may nest deeply.
 template <class Visit>
@@ -29,9 +44,8 @@ void ForEachId(CBoundObject& root, Visit visit) {
     open.pop_back();
     BuiltClass const& built = BoundAccess::Built(object);
     for (int const number : built.IdProperties()) {
-      QnVariant id;
-      BoundAccess::Property(&object, number).Read(id);
-      if (id.IsValid() && !visit(id.GetString(), object)) return;
+      auto const visitOne = [&](std::string const& id) { return visit(id, object); };
+      if (!ForEachIdIn(BoundAccess::Property(&object, number), visitOne)) return;
     }
     std::vector<CBoundObject*> inner;
     for (int i = 0; i < built.PropertyCount(); ++i) {

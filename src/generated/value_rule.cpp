@@ -157,10 +157,17 @@ void ValueRule::CheckList(QnVariant const& list) const {
   CXmlObjectHelper::CheckRestriction(m_name, printed, ItemType_string, m_restrictions);
 }
 
+// What is held as a vector has been converted; the text of a union has not.
+void ValueRule::RequireItems(std::string const& list) const {
+  for (ListItems items(list); items.Next();) m_item->Held(items.Text());
+}
+
 bool ValueRule::IsAcceptedByMember(std::string const& text) const {
   return std::any_of(m_members.begin(), m_members.end(), [&](ValueRule const& member) {
     try {
-      member.CheckFacets(member.Convert(text));
+      QnVariant const value = member.Convert(text);
+      if (member.m_item != nullptr) member.RequireItems(value.GetString());
+      member.CheckFacets(value);
       return true;
     } catch (CQnException const&) {
       return false;

@@ -75,6 +75,7 @@ class ValueRule {
   void CheckFacets(QnVariant const& value) const;
   void CheckParts(QnVariant const& value) const;
   void CheckList(QnVariant const& list) const;
+  void RequireItems(std::string const& list) const;
   bool IsAcceptedByMember(std::string const& text) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one
   bool IsSame(QnVariant const& a, QnVariant const& b) const;

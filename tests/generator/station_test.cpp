@@ -72,6 +72,8 @@ TEST(Lists, KeepTheirFacets) {
       {"", "1 2", "<codes xsi:nil='true'/>", "", false},
       {"", "1 2", "<level>0</level>", "Invalid Value for level [0]", false},
       {"", "1 2", "<level>5</level><level>unknown</level>", "", false},
+      {"", "1 2", "<level>2024-01-31 2024-02-01</level>", "", false},
+      {"", "1 2", "<level>2024-01-31 soon</level>", "Invalid Value for level [2024-01-31 soon]", false},
       {" even='2.0 4.00'", "1 2", "", "", false},
       {" even='2'", "1 2", "", "is not the fixed value [2 4]", true},
   };
@@ -319,6 +321,12 @@ TEST(Identifiers, LeadToTheirObjects) {
   EXPECT_EQ(index.size(), 2U);
   EXPECT_EQ(index.Find("a"), &first);
   EXPECT_EQ(index.Find(""), nullptr);
+
+  first.GetLabel().Add("x");
+  first.GetLabel().Add("y");
+  EXPECT_EQ(station->FindById("y"), &first);
+  EXPECT_EQ(Quillon9::CIdIndex(*station).Find("x"), &first);
+  EXPECT_EQ(Quillon9::CIdIndex(*station).size(), 4U);
 }
 
 }  // namespace

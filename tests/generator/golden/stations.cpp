@@ -26,8 +26,11 @@ constexpr ValueType kPositiveInteger{Quillon9::ItemType_integer, kCollapse, &kPo
 constexpr char const* kLevelMemberValues[] = {"unknown"};
 constexpr TypeParts kLevelMemberParts{nullptr, nullptr, 0, kLevelMemberValues, 1};
 constexpr ValueType kLevelMember{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kLevelMemberParts};
-constexpr ValueType const* kLevelMembers[] = {&kPositiveInteger, &kLevelMember};
-constexpr TypeParts kLevelParts{nullptr, kLevelMembers, 2};
+constexpr ValueType kDate{Quillon9::ItemType_date};
+constexpr TypeParts kLevelMemberParts2{&kDate};
+constexpr ValueType kLevelMember2{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kLevelMemberParts2};
+constexpr ValueType const* kLevelMembers[] = {&kPositiveInteger, &kLevelMember, &kLevelMember2};
+constexpr TypeParts kLevelParts{nullptr, kLevelMembers, 3};
 constexpr ValueType kLevel{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kLevelParts};
 constexpr ValueType kIDREF{Quillon9::ItemType_string};
 constexpr TypeParts kQNameParts{nullptr, nullptr, 0, nullptr, 0, ValueRole::QualifiedName};
@@ -41,9 +44,6 @@ constexpr Facets kWorkDaysFacets{"(?:Mo[^\\n\\r]*)\\z", -1, -1, 2};
 constexpr ValueType kDay{Quillon9::ItemType_i4, kCollapse, nullptr, &kDayEnum};
 constexpr TypeParts kWorkDaysParts{&kDay};
 constexpr ValueType kWorkDays{Quillon9::ItemType_string, kCollapse, &kWorkDaysFacets, nullptr, &kWorkDaysParts};
-constexpr ValueType kDate{Quillon9::ItemType_date};
-constexpr TypeParts kDatesParts{&kDate};
-constexpr ValueType kDates{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kDatesParts};
 constexpr ValueType kUnsignedByte{Quillon9::ItemType_ui1};
 constexpr TypeParts kCodesParts{&kUnsignedByte};
 constexpr ValueType kCodes{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kCodesParts};
@@ -64,13 +64,14 @@ ClassTables g_QNameElement{kQNameElement, &Quillon9::CValueElement<Quillon9::CQN
 
 constexpr ElementRow kSensor_Elements[] = {
     Values("reading", kNs, 0, 0, -1, kDouble),
-    Objects("path", kNs, 1, 0, -1, g_PositionElement)};
+    Objects("path", kNs, 1, 0, -1, g_PositionElement),
+    Values("label", kNs, 2, 0, -1, kID)};
 constexpr AttributeRow kSensor_Attributes[] = {
-    Attribute("id", "", 2, kOnce, kID),
-    Attribute("level", "", 3, kOptional, kLevel, "unknown"),
-    Attribute("next", "", 4, kOptional, kIDREF),
-    Attribute("unit", "", 5, kOptional, kQName)};
-constexpr ClassRow kSensor_Class{"Sensor", kNs, kNs, nullptr, kSensor_Elements, 2, kSensor_Attributes, 4, 0, 6};
+    Attribute("id", "", 3, kOnce, kID),
+    Attribute("level", "", 4, kOptional, kLevel, "unknown"),
+    Attribute("next", "", 5, kOptional, kIDREF),
+    Attribute("unit", "", 6, kOptional, kQName)};
+constexpr ClassRow kSensor_Class{"Sensor", kNs, kNs, nullptr, kSensor_Elements, 3, kSensor_Attributes, 4, 0, 7};
 constexpr AttributeRow kStation_Maker_Attributes[] = {
     Attribute("of", "", 1, kOptional, kQName)};
 constexpr ClassRow kStation_Maker_Class{"", "", kNs, nullptr, nullptr, 0, kStation_Maker_Attributes, 1, 0, 2, 0,
@@ -82,7 +83,7 @@ constexpr ClassRow kStation_Flags_Class{"", "", kNs, nullptr, nullptr, 0, kStati
 constexpr ElementRow kStation_Elements[] = {
     Value("position", kNs, 0, kOnce, kPosition),
     Value("open", kNs, 1, kOptional, kWorkDays),
-    Value("dates", kNs, 2, kOptional, kDates),
+    Value("dates", kNs, 2, kOptional, kLevelMember2),
     Object("codes", kNs, 3, kOptional, g_CodesElement),
     Values("level", kNs, 4, 0, 2, kLevel),
     Objects("sensor", kNs, 5, 1, -1, CSensor::s_class),
@@ -103,7 +104,9 @@ constexpr RootRow kRoots[] = {
 }  // namespace
 
 ClassTables CSensor::s_class{kSensor_Class, &MakeObject<CSensor>};
-PropertyRef CSensor::Property(int index) { return Pick(index, m_reading, m_path, m_id, m_level, m_next, m_unit); }
+PropertyRef CSensor::Property(int index) {
+  return Pick(index, m_reading, m_path, m_label, m_id, m_level, m_next, m_unit);
+}
 ClassTables CStation::CMaker::s_class{kStation_Maker_Class, &MakeObject<CStation::CMaker>};
 PropertyRef CStation::CMaker::Property(int index) { return Pick(index, m_value, m_of); }
 ClassTables CStation::CFlags::s_class{kStation_Flags_Class, &MakeObject<CStation::CFlags>};

@@ -19,12 +19,14 @@ class CSensor : public Quillon9::CBoundObject {
   Quillon9::CObjectCol<Quillon9::CValueElement<std::vector<double>>> const& GetPath() const {
     return Collection(1, m_path);
   }
+  Quillon9::CstringCol& GetLabel() { return Collection(2, m_label); }
+  Quillon9::CstringCol const& GetLabel() const { return Collection(2, m_label); }
   std::string const& GetId() const { return m_id; }
   void SetId(std::string value) { m_id = std::move(value); }
   /// Default: unknown.
   std::string GetLevel() const { return m_level.value_or("unknown"); }
   bool HasLevel() const { return m_level.has_value(); }
-  void SetLevel(std::optional<std::string> value) { Assign(3, m_level, std::move(value)); }
+  void SetLevel(std::optional<std::string> value) { Assign(4, m_level, std::move(value)); }
   std::optional<std::string> const& GetNext() const { return m_next; }
   void SetNext(std::optional<std::string> value) { m_next = std::move(value); }
   std::optional<Quillon9::CQName> const& GetUnit() const { return m_unit; }
@@ -37,6 +39,7 @@ class CSensor : public Quillon9::CBoundObject {
  private:
   CSmartPtr<Quillon9::Cr8Col> m_reading;
   CSmartPtr<Quillon9::CObjectCol<Quillon9::CValueElement<std::vector<double>>>> m_path;
+  CSmartPtr<Quillon9::CstringCol> m_label;
   std::string m_id;
   std::optional<std::string> m_level;
   std::optional<std::string> m_next;
