@@ -9,6 +9,8 @@
 #              #include "orders.h". Default: from the name of the first schema; purchase_order.xsd gives PurchaseOrder.
 #   OUTPUT     folder for the files, relative to the current binary folder. Default: <target>_generated.
 #   OPTIONS    of `quillon9 generate`. Relative paths of catalogs and include paths start at the current source folder.
+#              With --split, which files there are depends on the schemas; the installed program lists them when CMake
+#              configures the project, which it does again when a schema changes.
 
 # The functions of this file follow the rules of this version, whatever the project asks for.
 cmake_policy(PUSH)
@@ -57,6 +59,32 @@ function(_quillon9_absolute_options result)
   set(${result} "${options}" PARENT_SCOPE)
 endfunction()
 
+# The files that the program will write with these arguments, and those that it reads. The project is configured again
+# when one of these changes.
+function(_quillon9_files rule outputs_result inputs_result)
+  get_target_property(is_installed Quillon9::program IMPORTED)
+  if(NOT is_installed)
+    message(FATAL_ERROR "quillon9_generate: --split needs the installed program quillon9, because the names of its files "
+      "must be known before anything is built")
+  endif()
+  get_target_property(program Quillon9::program LOCATION)
+  execute_process(COMMAND ${program} generate --list-outputs --dependency-file=${rule} ${ARGN}
+    OUTPUT_VARIABLE names ERROR_VARIABLE messages RESULT_VARIABLE status)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "quillon9_generate:\n${messages}")
+  endif()
+  string(STRIP "${names}" names)
+  string(REPLACE "\n" ";" names "${names}")
+  set(${outputs_result} "${names}" PARENT_SCOPE)
+
+  file(STRINGS ${rule} inputs REGEX "^[^ ].*:$")  # an empty rule for each schema and catalog
+  list(TRANSFORM inputs REPLACE ":$" "")
+  list(TRANSFORM inputs REPLACE "\\\\([ #])" "\\1")
+  list(TRANSFORM inputs REPLACE "[$][$]" "$")
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${inputs} ${program})
+  set(${inputs_result} "${inputs}" PARENT_SCOPE)
+endfunction()
+
 function(quillon9_generate)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "TARGET;NAMESPACE;OUTPUT" "SCHEMAS;OPTIONS")
   if(NOT arg_TARGET OR NOT arg_SCHEMAS OR arg_UNPARSED_ARGUMENTS)
@@ -92,11 +120,15 @@ function(quillon9_generate)
   # The program does not touch files that stay the same, so another file says when it has run.
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${arg_TARGET}_${stem}.stamp)
   set(rule ${CMAKE_CURRENT_BINARY_DIR}/CMakeFiles/${arg_TARGET}_${stem}.d)
+  set(inputs ${schemas})
+  set(arguments --namespace=${arg_NAMESPACE} --output=${arg_OUTPUT} ${options})
+  if(options MATCHES "(^|;)--split(=|;|$)")
+    _quillon9_files(${rule}.configure files inputs ${arguments} -- ${schemas})
+  endif()
   add_custom_command(OUTPUT ${stamp} BYPRODUCTS ${files} DEPFILE ${rule}
-    COMMAND Quillon9::program generate --namespace=${arg_NAMESPACE} --output=${arg_OUTPUT} ${options}
-      --dependency-file=${rule} --dependency-target=${stamp} -- ${schemas}
+    COMMAND Quillon9::program generate ${arguments} --dependency-file=${rule} --dependency-target=${stamp} -- ${schemas}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${schemas} $<TARGET_FILE:Quillon9::program>
+    DEPENDS ${inputs} $<TARGET_FILE:Quillon9::program>
     COMMENT "Generating classes ${arg_NAMESPACE}" VERBATIM)
 
   set(scope PUBLIC)

@@ -59,7 +59,10 @@ std::string Described(Schema::SchemaSet const& set, Plan::PlanOptions const& opt
   Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
   if (diagnostics.HasErrors()) return {};
   std::string text = Code::Report(plan, set);
-  for (Code::GeneratedFile const& file : Code::Write(plan, {})) text += file.content;
+  for (Code::Split const split : {Code::Split::None, Code::Split::BySchema, Code::Split::ByType}) {
+    Code::FilePlan const files = Code::MakeFilePlan(plan, split);
+    for (Code::GeneratedFile const& file : Code::Write(plan, files)) text += file.content;
+  }
   return text;
 }
 

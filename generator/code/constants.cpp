@@ -166,15 +166,21 @@ std::string Constants::ValueType(Plan::ValueType const& type, std::string const&
 }
 
 std::string Constants::ValueElement(Plan::ValueType const& type, std::string const& hint) {
+  if (m_main != nullptr) {
+    std::string const shared = m_main->ValueElement(type, hint);
+    m_main->m_shared.insert(shared);
+    m_shared.insert(shared);
+    return m_main->m_ns.cppName == m_ns.cppName ? shared : "::" + m_main->m_ns.cppName + "::" + shared;
+  }
   std::string const value = ValueType(type, hint);
   auto const [entry, added] = m_valueElements.emplace(value, "");
   if (added) {
     std::string const name = value.substr(1) + "Element";
     std::string const row = Unique("k" + name);
     entry->second = Unique("g_" + name);
-    std::string const cpp = ValueElementType(type, {&m_ns, nullptr});
-    m_elementLines.push_back("constexpr ClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");");
-    m_elementLines.push_back("ClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};");
+    std::string const cpp = ValueElementType(type, {&m_ns, nullptr, nullptr});
+    m_elements.push_back({entry->second, "constexpr ClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");",
+                          "ClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};"});
   }
   return entry->second;
 }
@@ -204,8 +210,19 @@ void Constants::Print(Text& text) const {
   PrintGroup(text, m_uriLines);
   PrintGroup(text, m_ruleLines);
   PrintGroup(text, m_typeLines);
-  PrintGroup(text, m_elementLines);
+  std::vector<std::string> elementLines;
+  for (Element const& element : m_elements) {
+    elementLines.push_back(element.row);
+    if (m_shared.count(element.name) == 0) elementLines.push_back(element.definition);
+  }
+  PrintGroup(text, elementLines);
   PrintGroup(text, m_groupLines);
+}
+
+void Constants::PrintShared(Text& text) const {
+  for (Element const& element : m_elements) {
+    if (m_shared.count(element.name) != 0) text.Line(element.definition);
+  }
 }
 
 }  // namespace Quillon9Generator::Code

@@ -1,7 +1,6 @@
 #include "code/header.h"
 
 #include <algorithm>
-#include <set>
 
 #include "code/members.h"
 
@@ -58,17 +57,19 @@ Base BaseOf(Class const& cls, Scope const& scope) {
   return {plain, cls.base != nullptr ? plain : "CBoundObject"};
 }
 
-void PrintConstructor(Text& text, Class const& cls, std::string const& base) {
+void PrintConstructor(Text& text, Class const& cls, std::string const& base, bool isDefined) {
   std::string const declarator = cls.shortName + "(Quillon9::CClassTables const& tables, char const* name)";
+  if (!isDefined) return text.Line(declarator + ';');
   std::string const rest = ": " + base + "(tables, name) {}";
   if (text.Fits(declarator.size() + 1 + rest.size())) return text.Line(declarator + ' ' + rest);
   text.Line(declarator);
   text.Line("    " + rest);
 }
 
-void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
-  Scope const scope{&ns, &cls};
-  Base const base = BaseOf(cls, {&ns, cls.owner});
+void PrintClass(Text& text, Class const& cls, Namespace const& ns, HeaderFile const& header) {
+  Scope const scope{&ns, &cls, &header};
+  Base const base = BaseOf(cls, {&ns, cls.owner, &header});
+  bool const isWhole = !HoldsOtherClasses(cls, header);
   text.Comment(cls.documentation);
   text.Line("class " + cls.shortName + " : public " + base.declared + " {");
   text.Line(" public:");
@@ -83,9 +84,10 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   for (Plan::Choice const& choice : cls.choices) PrintChoice(text, choice);
   for (Class const* nested : cls.nested) {
     text.Blank();
-    PrintClass(text, *nested, ns);
+    PrintClass(text, *nested, ns, header);
   }
   text.Blank();
+  if (!isWhole) text.Line('~' + cls.shortName + "() override;");
   text.Line("static Quillon9::CClassTables s_class;");
   if (!cls.abstract) {
     std::string const name = cls.defaultElementName.empty() ? "\"\"" : Literal(cls.defaultElementName);
@@ -104,7 +106,7 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   text.Outdent(2);
   text.Line(" protected:");
   text.Indent(2);
-  PrintConstructor(text, cls, base.constructed);
+  PrintConstructor(text, cls, base.constructed, isWhole);
   text.Line("Quillon9::CPropertyRef Property(int index) override;");
   text.Outdent(2);
   if (!cls.members.empty()) {
@@ -117,51 +119,26 @@ void PrintClass(Text& text, Class const& cls, Namespace const& ns) {
   text.Line("};");
 }
 
-/// Collect the classes that \p cls refers to but that are not nested in another.
-void AddReferences(std::set<Class const*>& referred, Class const& cls) {
-  for (Plan::Member const& member : cls.members) {
-    if (member.type != nullptr && member.type->owner == nullptr) referred.insert(member.type);
-  }
-  for (Class const* nested : cls.nested) AddReferences(referred, *nested);
-}
-
 void EnterNamespace(Text& text, std::string const& name) {
   if (text.Enter(name)) text.Line("");
 }
 
-/// The classes that others use before their definition.
-std::set<Class const*> NeededBeforeDefinition(Plan::Plan const& plan) {
-  std::set<Class const*> known;
-  std::set<Class const*> needed;
-  for (Class const* cls : plan.classes) {
-    known.insert(cls);
-    std::set<Class const*> referred;
-    AddReferences(referred, *cls);
-    for (Class const* each : referred) {
-      if (known.count(each) == 0) needed.insert(each);
-    }
-  }
-  return needed;
-}
-
-void PrintForwardDeclarations(Text& text, Namespace const& ns, std::set<Class const*> const& needed) {
-  for (Class const* cls : ns.classes) {
-    if (needed.count(cls) == 0) continue;
+/// Declare what the classes of the header need of \p ns.
+void PrintDeclarations(Text& text, HeaderFile const& header, Namespace const& ns) {
+  for (Class const* cls : header.declared) {
+    if (cls->cppNamespace != ns.cppName) continue;
     EnterNamespace(text, ns.cppName);
     text.Line("class " + cls->shortName + ";");
   }
-}
-
-void PrintEnumerations(Text& text, Namespace const& ns) {
-  for (Enumeration const* enumeration : ns.enumerations) {
+  for (Enumeration const* enumeration : header.PartOf(ns).enumerations) {
     EnterNamespace(text, ns.cppName);
     text.Blank();
     PrintEnumeration(text, *enumeration);
   }
 }
 
-void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
-  std::vector<Enumeration const*> const all = AllEnumerations(ns);
+void PrintEnumerationFunctions(Text& text, HeaderFile const& header, Namespace const& ns) {
+  std::vector<Enumeration const*> const all = AllEnumerations(header, ns);
   if (all.empty()) return;
   EnterNamespace(text, ns.cppName);
   text.Blank();
@@ -178,45 +155,54 @@ void PrintEnumerationFunctions(Text& text, Namespace const& ns) {
 
 std::string PointerTo(Plan::Root const& root, Namespace const& ns) { return "CSmartPtr<" + RootType(root, ns) + "> "; }
 
-void PrintReadFunctions(Text& text, Plan::Plan const& plan, Namespace const& ns) {
-  bool const hasDocuments = !ns.roots.empty() && ns.roots.front().isDocument;
-  if (hasDocuments) {
-    text.Line("/// Read a document whose element has the name of the function.");
-    text.Line("///@{");
-  }
-  for (Plan::Root const& root : ns.roots) {
-    if (!root.isDocument) break;
-    text.Comment(root.documentation);
-    text.Call(PointerTo(root, ns) + "Read" + root.cppName, {kSource, kContext}, ";");
-  }
-  if (hasDocuments) text.Line("///@}");
-  if (DocumentsReadIn(plan, ns).empty()) return;
-  text.Line(plan.namespaces.size() == 1
-                ? "/// Read a document whose element is any of these."
-                : "/// Read a document whose element is any of these, or of those of the other namespaces.");
-  text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
+std::string CommentOfReadRoot(Plan::Plan const& plan, HeaderFile const& header) {
+  Namespace const& ns = plan.namespaces.front();
+  if (header.PartOf(ns).roots.size() != ns.roots.size())
+    return "/// Read a document of the schemas, whatever its element is.";
+  return std::string("/// Read a document whose element is any of these") +
+         (plan.namespaces.size() == 1 ? "." : ", or of those of the other namespaces.");
 }
 
-void PrintCreateFunctions(Text& text, Namespace const& ns) {
-  if (ns.roots.empty()) return;
-  text.Line("/// A new object for the element that has the name of the function.");
+void PrintReadFunctions(Text& text, Namespace const& ns, std::vector<Plan::Root const*> const& roots) {
+  std::vector<Plan::Root const*> documents;
+  std::copy_if(roots.begin(), roots.end(), std::back_inserter(documents),
+               [](Plan::Root const* root) { return root->isDocument; });
+  if (documents.empty()) return;
+  text.Line("/// Read a document whose element has the name of the function.");
   text.Line("///@{");
-  for (Plan::Root const& root : ns.roots) {
-    if (CanBeCreated(root)) text.Line(PointerTo(root, ns) + "Create" + root.cppName + "();");
+  for (Plan::Root const* root : documents) {
+    text.Comment(root->documentation);
+    text.Call(PointerTo(*root, ns) + "Read" + root->cppName, {kSource, kContext}, ";");
   }
   text.Line("///@}");
 }
 
-void PrintRootFunctions(Text& text, Plan::Plan const& plan, Namespace const& ns) {
-  if (ns.roots.empty() && DocumentsReadIn(plan, ns).empty()) return;
+void PrintCreateFunctions(Text& text, Namespace const& ns, std::vector<Plan::Root const*> const& roots) {
+  if (roots.empty()) return;
+  text.Line("/// A new object for the element that has the name of the function.");
+  text.Line("///@{");
+  for (Plan::Root const* root : roots) {
+    if (CanBeCreated(*root)) text.Line(PointerTo(*root, ns) + "Create" + root->cppName + "();");
+  }
+  text.Line("///@}");
+}
+
+void PrintRootFunctions(Text& text, Plan::Plan const& plan, HeaderFile const& header, Namespace const& ns) {
+  std::vector<Plan::Root const*> const roots = header.PartOf(ns).roots;
+  bool const hasReadRoot = header.isMain && !DocumentsReadIn(plan, ns).empty();
+  if (roots.empty() && !hasReadRoot) return;
   EnterNamespace(text, ns.cppName);
   text.Blank();
-  for (Plan::Root const& root : ns.roots) {
-    if (!root.alias.empty()) text.Line("using " + root.alias + " = " + RootType(root, ns) + ";");
+  for (Plan::Root const* root : roots) {
+    if (!root->alias.empty()) text.Line("using " + root->alias + " = " + RootType(*root, ns) + ";");
   }
   text.Blank();
-  PrintReadFunctions(text, plan, ns);
-  PrintCreateFunctions(text, ns);
+  PrintReadFunctions(text, ns, roots);
+  if (hasReadRoot) {
+    text.Line(CommentOfReadRoot(plan, header));
+    text.Call("CSmartPtr<Quillon9::CXmlObjectBase> ReadRoot", {kSource, kContext}, ";");
+  }
+  PrintCreateFunctions(text, ns, roots);
 }
 
 void AddEnumerations(std::vector<Enumeration const*>& all, Class const& cls) {
@@ -231,26 +217,36 @@ void AddClasses(std::vector<Class const*>& all, Class const& cls) {
 
 }  // namespace
 
+std::string BaseInConstructor(Class const& cls, Namespace const& ns) {
+  return BaseOf(cls, {&ns, cls.owner, nullptr}).constructed;
+}
+
+std::string IncludeOf(std::string const& from, std::string const& to) {
+  std::string const folder = from.substr(0, from.rfind('/') + 1);
+  bool const isBelow = to.compare(0, folder.size(), folder) == 0;
+  return "#include \"" + (isBelow ? to.substr(folder.size()) : "../" + to) + "\"";
+}
+
 std::string FromTextName(Enumeration const& enumeration) {
   std::string const prefix = enumeration.owner != nullptr ? Identifier(*enumeration.owner) + '_' : "";
   return prefix + ShortName(enumeration).substr(1) + "FromText";
 }
 
-std::vector<Enumeration const*> AllEnumerations(Namespace const& ns) {
-  std::vector<Enumeration const*> all = ns.enumerations;
-  for (Class const* cls : ns.classes) AddEnumerations(all, *cls);
+std::vector<Enumeration const*> AllEnumerations(HeaderFile const& header, Namespace const& ns) {
+  std::vector<Enumeration const*> all = header.PartOf(ns).enumerations;
+  for (Class const* cls : header.ClassesOf(ns)) AddEnumerations(all, *cls);
   return all;
 }
 
-std::vector<Class const*> AllClasses(Namespace const& ns) {
+std::vector<Class const*> AllClasses(HeaderFile const& header, Namespace const& ns) {
   std::vector<Class const*> all;
-  for (Class const* cls : ns.classes) AddClasses(all, *cls);
+  for (Class const* cls : header.ClassesOf(ns)) AddClasses(all, *cls);
   return all;
 }
 
 std::string RootType(Plan::Root const& root, Namespace const& ns) {
   if (root.anyType) return "Quillon9::CElement";
-  Scope const scope{&ns, nullptr};
+  Scope const scope{&ns, nullptr, nullptr};
   return root.type != nullptr ? NameOf(*root.type, scope) : ValueElementType(root.value, scope);
 }
 
@@ -272,24 +268,22 @@ Namespace const& NamespaceOf(Plan::Plan const& plan, Class const& cls) {
                        [&cls](Namespace const& ns) { return ns.cppName == cls.cppNamespace; });
 }
 
-void PrintHeader(Text& text, Plan::Plan const& plan) {
+void PrintHeader(Text& text, Plan::Plan const& plan, HeaderFile const& header) {
   text.Line("#pragma once");
   text.Blank();
   text.Line("#include \"quillon9/generated.h\"");
   text.Blank();
-  std::set<Class const*> const needed = NeededBeforeDefinition(plan);
-  for (Namespace const& ns : plan.namespaces) {
-    PrintForwardDeclarations(text, ns, needed);
-    PrintEnumerations(text, ns);
-  }
-  for (Class const* cls : plan.classes) {
+  for (HeaderFile const* included : header.includes) text.Line(IncludeOf(header.path, included->path));
+  text.Blank();
+  for (Namespace const& ns : plan.namespaces) PrintDeclarations(text, header, ns);
+  for (Class const* cls : header.classes) {
     EnterNamespace(text, cls->cppNamespace);
     text.Blank();
-    PrintClass(text, *cls, NamespaceOf(plan, *cls));
+    PrintClass(text, *cls, NamespaceOf(plan, *cls), header);
   }
   for (Namespace const& ns : plan.namespaces) {
-    PrintEnumerationFunctions(text, ns);
-    PrintRootFunctions(text, plan, ns);
+    PrintEnumerationFunctions(text, header, ns);
+    PrintRootFunctions(text, plan, header, ns);
   }
   text.Enter("");
 }

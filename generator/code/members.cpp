@@ -1,5 +1,8 @@
 #include "code/members.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "code/types.h"
 #include "code/value_text.h"
 #include "plan/names.h"
@@ -158,56 +161,85 @@ std::string SetterBody(Member const& member, bool scalar) {
   return "Assign(" + std::to_string(member.property) + ", " + member.field + ", " + value + ");";
 }
 
+/// A function that reads or changes a member.
+struct Accessor {
+  std::string result;
+  std::string signature;
+  std::string body;
+  bool needsClass = false;  ///< the class of the member has to be complete for the body
+};
+
+using Accessors = std::vector<Accessor>;
+
 /// The text of mixed content, which stands among the elements.
-void DeclareMixedText(Text& text, Member const& member) {
+Accessors MixedTextAccessors(Member const& member) {
   std::string const& name = member.cppName;
-  text.Comment("All text of the element in one piece. Content() has it between the elements.");
-  text.Function("std::string const& Get" + name + "() const", "return " + member.field + ";");
-  text.Function("void Set" + name + "(std::string value)", "ReplaceMixed(" + member.field + ", std::move(value));");
-  text.Function("void Append" + name + "(std::string_view text)", "AppendMixed(" + member.field + ", text);");
+  return {{"std::string const&", "Get" + name + "() const", "return " + member.field + ";"},
+          {"void", "Set" + name + "(std::string value)", "ReplaceMixed(" + member.field + ", std::move(value));"},
+          {"void", "Append" + name + "(std::string_view text)", "AppendMixed(" + member.field + ", text);"}};
 }
 
-void DeclareValue(Text& text, Member const& member, Scope const& scope) {
+Accessors ValueAccessors(Member const& member, Scope const& scope) {
   std::string const type = TypeOf(member.value, scope);
   bool const scalar = IsScalar(member.value);
-  std::string const getter = " Get" + member.cppName + "() const";
-  std::string const setter = "void Set" + member.cppName;
+  std::string const reference = scalar ? "" : " const&";
+  std::string const getter = "Get" + member.cppName + "() const";
+  std::string const setter = "Set" + member.cppName;
+  std::string const body = "return " + member.field + ";";
   if (member.mandatory) {
-    text.Function(type + (scalar ? "" : " const&") + getter, "return " + member.field + ";");
-    text.Function(setter + "(" + type + " value)", SetterBody(member, scalar));
-    return;
+    return {{type + reference, getter, body}, {"void", setter + "(" + type + " value)", SetterBody(member, scalar)}};
   }
   std::string const optional = "std::optional<" + type + ">";
+  Accessors accessors;
   if (ImpliedValue(member) != nullptr) {
-    text.Function(type + getter, "return " + member.field + ".value_or(" + ImpliedText(member, scope) + ");");
-    text.Function("bool Has" + member.cppName + "() const", "return " + member.field + ".has_value();");
+    accessors.push_back({type, getter, "return " + member.field + ".value_or(" + ImpliedText(member, scope) + ");"});
+    accessors.push_back({"bool", "Has" + member.cppName + "() const", "return " + member.field + ".has_value();"});
   } else {
-    text.Function(optional + (scalar ? "" : " const&") + getter, "return " + member.field + ";");
+    accessors.push_back({optional + reference, getter, body});
   }
-  text.Function(setter + "(" + optional + " value)", SetterBody(member, scalar));
+  accessors.push_back({"void", setter + "(" + optional + " value)", SetterBody(member, scalar)});
+  return accessors;
 }
 
-void DeclareObject(Text& text, Member const& member, std::string const& type) {
-  std::string const getter = " Get" + member.cppName + "()";
+/// \p type is the class of the object in the scope of its holder, \p result outside of it.
+Accessors ObjectAccessors(Member const& member, std::string const& type, std::string const& result) {
+  std::string const getter = "Get" + member.cppName + "()";
+  Accessors accessors;
   if (member.mandatory && CanBeCreated(member)) {
     std::string const body = "return " + Call("Object", member, false) + ";";
-    text.Function(type + "&" + getter, body);
-    text.Function(type + " const&" + getter + " const", body);
+    accessors.push_back({result + "&", getter, body, true});
+    accessors.push_back({result + " const&", getter + " const", body});
   } else {
-    text.Function(type + "*" + getter, "return " + member.field + ";");
-    text.Function(type + " const*" + getter + " const", "return " + member.field + ";");
+    std::string const body = "return " + member.field + ";";
+    accessors.push_back({result + "*", getter, body});
+    accessors.push_back({result + " const*", getter + " const", body});
     if (CanBeCreated(member)) {
-      text.Function(type + "& Create" + member.cppName + "()", "return " + Call("Create", member, false) + ";");
+      accessors.push_back(
+          {result + "&", "Create" + member.cppName + "()", "return " + Call("Create", member, false) + ";", true});
     }
   }
-  text.Function("void Set" + member.cppName + "(CSmartPtr<" + type + "> value)", Call("Hold", member, true) + ";");
+  accessors.push_back(
+      {"void", "Set" + member.cppName + "(CSmartPtr<" + type + "> value)", Call("Hold", member, true) + ";", true});
+  return accessors;
 }
 
-void DeclareCollection(Text& text, Member const& member, std::string const& type) {
-  std::string const getter = " Get" + member.cppName + "()";
+Accessors CollectionAccessors(Member const& member, std::string const& result) {
+  std::string const getter = "Get" + member.cppName + "()";
   std::string const body = "return " + Call("Collection", member, false) + ";";
-  text.Function(type + "&" + getter, body);
-  text.Function(type + " const&" + getter + " const", body);
+  return {{result + "&", getter, body, true}, {result + " const&", getter + " const", body, true}};
+}
+
+/// \p scope is that of the class, \p outside where the results of the functions are named.
+Accessors AccessorsOf(Member const& member, Scope const& scope, Scope const& outside) {
+  if (member.place == Member::Place::Text && scope.cls->mixed) return MixedTextAccessors(member);
+  if (member.kind == Kind::Value) return ValueAccessors(member, scope);
+  std::string const result = HeldClass(member, outside);
+  if (IsCollection(member)) return CollectionAccessors(member, result);
+  return ObjectAccessors(member, HeldClass(member, scope), result);
+}
+
+bool IsOfOtherHeader(Member const& member, HeaderFile const& header) {
+  return member.type != nullptr && !header.Defines(*member.type);
 }
 
 }  // namespace
@@ -217,11 +249,26 @@ std::string ValueElementType(Plan::ValueType const& value, Scope const& scope) {
 }
 
 void DeclareAccessors(Text& text, Member const& member, Scope const& scope) {
-  if (member.place == Member::Place::Text && scope.cls->mixed) return DeclareMixedText(text, member);
-  text.Comment(Comment(member));
-  if (member.kind == Kind::Value) return DeclareValue(text, member, scope);
-  std::string const type = HeldClass(member, scope);
-  IsCollection(member) ? DeclareCollection(text, member, type) : DeclareObject(text, member, type);
+  bool const isMixedText = member.place == Member::Place::Text && scope.cls->mixed;
+  text.Comment(isMixedText ? "All text of the element in one piece. Content() has it between the elements."
+                           : Comment(member));
+  bool const isElsewhere = IsOfOtherHeader(member, *scope.header);
+  for (Accessor const& each : AccessorsOf(member, scope, scope)) {
+    std::string const declarator = each.result + ' ' + each.signature;
+    isElsewhere&& each.needsClass ? text.Line(declarator + ';') : text.Function(declarator, each.body);
+  }
+}
+
+void DefineAccessors(Text& text, Member const& member, Scope const& scope) {
+  if (!IsOfOtherHeader(member, *scope.header)) return;
+  for (Accessor const& each : AccessorsOf(member, scope, {scope.ns, nullptr, scope.header})) {
+    if (each.needsClass) text.Function(each.result + ' ' + scope.cls->cppName + "::" + each.signature, each.body);
+  }
+}
+
+bool HoldsOtherClasses(Plan::Class const& cls, HeaderFile const& header) {
+  return std::any_of(cls.members.begin(), cls.members.end(),
+                     [&header](Member const& member) { return IsOfOtherHeader(member, header); });
 }
 
 std::string AccessedType(Member const& member, Scope const& scope) {

@@ -9,8 +9,16 @@
 /// The text for one member of a class.
 namespace Quillon9Generator::Code {
 
-/// What reads and changes the member, in the public part of its class.
+/// What reads and changes the member, in the public part of its class. What needs a class that another header than
+/// that of \p scope defines is declared only.
 void DeclareAccessors(Text& text, Plan::Member const& member, Scope const& scope);
+
+/// What DeclareAccessors() only declares.
+void DefineAccessors(Text& text, Plan::Member const& member, Scope const& scope);
+
+/// Whether \p cls has members whose class is defined by another header than \p header. Its constructor and destructor
+/// need that class, too.
+bool HoldsOtherClasses(Plan::Class const& cls, HeaderFile const& header);
 
 /// What the getter of the member returns, without `&`, `*` and `const`: `std::optional<std::string>`, `CShape`.
 std::string AccessedType(Plan::Member const& member, Scope const& scope);

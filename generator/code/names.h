@@ -3,15 +3,18 @@
 #include <string>
 #include <string_view>
 
+#include "code/file_plan.h"
 #include "plan/plan.h"
 
 /// How the text of one class refers to others.
 namespace Quillon9Generator::Code {
 
-/// Where a name is used: the namespace, and the class whose members are being declared or defined; null outside of one.
+/// Where a name is used: the namespace, the class whose members are being declared or defined, null outside of one, and
+/// the header that declares that class.
 struct Scope {
   Plan::Namespace const* ns = nullptr;
   Plan::Class const* cls = nullptr;
+  HeaderFile const* header = nullptr;
 };
 
 /// The shortest name that means the class or enumeration with this \p cppName in \p scope. It is qualified with the

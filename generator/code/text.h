@@ -56,6 +56,7 @@ class Text {
 
   void Indent(int columns) { m_indent += static_cast<std::size_t>(columns); }
   void Outdent(int columns) { m_indent -= static_cast<std::size_t>(columns); }
+  std::string const& Content() const { return m_text; }
   std::string Take() { return std::move(m_text); }
 
  private:

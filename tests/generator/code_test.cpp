@@ -33,7 +33,7 @@ std::vector<Code::GeneratedFile> Generate(std::string const& schema, Plan::PlanO
   Schema::SchemaSet const set = Schema::LoadSchemas({{schema}, {}, {}}, diagnostics);
   Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
   EXPECT_TRUE(diagnostics.All().empty());
-  return Code::Write(plan, {});
+  return Code::Write(plan);
 }
 
 // The files are also compiled into this test. To accept a change: quillon9 generate -n NAMESPACE -o tests/generator/golden
@@ -249,7 +249,7 @@ TEST(Code, CommentsSayWhatNotationsStandFor) {
   Plan::PlanOptions options;
   options.cppNamespace = "N";
   Schema::Diagnostics diagnostics;
-  std::string const header = Code::Write(Plan::MakePlan(files.Load({"a.xsd"}), options, diagnostics), {})[0].content;
+  std::string const header = Code::Write(Plan::MakePlan(files.Load({"a.xsd"}), options, diagnostics))[0].content;
   EXPECT_NE(header.find("/// One of the notations plain (text/plain), page (viewer).\n"), header.npos) << header;
 }
 

@@ -49,8 +49,8 @@ TEST(Example, WritesTheGoldenProgram) {
   Planned const planned(QUILLON9_GOLDEN "/purchase_order.xsd", "Orders");
   Plan::Namespace const& ns = planned.plan.namespaces.front();
   std::string const version = std::to_string(QUILLON9_VERSION_MAJOR) + "." + std::to_string(QUILLON9_VERSION_MINOR);
-  for (Code::GeneratedFile const& file :
-       Code::Example(planned.plan, ns, ns.roots.front(), Code::FileNames(planned.plan))) {
+  for (Code::GeneratedFile const& file : Code::Example(
+           planned.plan, ns, ns.roots.front(), Code::FileNames(Code::MakeFilePlan(planned.plan, Code::Split::None)))) {
     EXPECT_EQ(file.content, Replaced(Golden("example/" + file.path), "Quillon9 1.0", "Quillon9 " + version));
   }
 }

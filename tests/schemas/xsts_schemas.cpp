@@ -104,7 +104,7 @@ Verdict Load(Test const& test, bool generate, int output) {
     Plan::PlanOptions planOptions;
     planOptions.cppNamespace = "Bound";
     Plan::Plan const plan = Plan::MakePlan(set, planOptions, diagnostics);
-    if (!diagnostics.HasErrors() && Code::Write(plan, {}).empty()) return Verdict::Failed;
+    if (!diagnostics.HasErrors() && Code::Write(plan).empty()) return Verdict::Failed;
   }
   for (Schema::Diagnostic const& diagnostic : diagnostics.All()) {
     Write(output, "  " + Schema::Format(diagnostic) + "\n");

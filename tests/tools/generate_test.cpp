@@ -116,6 +116,22 @@ TEST_F(GenerateTest, ExampleIsWrittenOnce) {
   }
 }
 
+TEST_F(GenerateTest, DividesTheClassesAmongFiles) {
+  char const* const files = "out/orders.h\nout/orders/part.h\nout/orders.cpp\nout/orders_2.cpp\n";
+  Outcome const list = Run("generate --split --list-outputs --dependency-file=d -o out -n Orders purchase_order.xsd");
+  EXPECT_EQ(list.output, files);
+  EXPECT_FALSE(Exists("out"));
+  EXPECT_NE(Read("d").find("\npart.xsd:\n"), std::string::npos) << Read("d");
+  EXPECT_EQ(Run("generate --split=type -o out -n Orders purchase_order.xsd").errors, "");
+  EXPECT_NE(Read("out/orders/part.h").find("class CPart"), std::string::npos);
+
+  std::string const warning = ": warning: an earlier run has written this file, which is not generated any more\n";
+  EXPECT_EQ(Run("generate --split --rename Part=Piece -o out -n Orders purchase_order.xsd").errors,
+            "out/orders/part.h" + warning);
+  EXPECT_EQ(Run("generate -o out -n Orders purchase_order.xsd").errors,
+            "out/orders/part.h" + warning + "out/orders/piece.h" + warning + "out/orders_2.cpp" + warning);
+}
+
 TEST_F(GenerateTest, FaultsHaveTheFormOfACompilerAndNothingIsWritten) {
   Write("bad.xsd", Schema("<xs:element name='a' type='Missing'/>\n<xs:element name='b' type='xs:what'/>"));
   Outcome const bad = Run("generate -o out bad.xsd");
@@ -157,6 +173,7 @@ TEST_F(GenerateTest, WrongOptionsAreStatus2) {
       {"-n A::class a.xsd", "--namespace A::class cannot be a namespace of generated classes"},
       {"-n A:B a.xsd", "--namespace A:B cannot be a namespace of generated classes"},
       {"Quillon9.xsd", "give --namespace: none can be made from Quillon9.xsd"},
+      {"--split=class a.xsd", "--split=class is neither type nor schema"},
       {"--map T a.xsd", "--map T has not the form TYPE=KIND"},
       {"--map T=float a.xsd", "--map T=float: there is no kind of value float"},
       {"--rename =X a.xsd", "--rename =X has not the form TYPE=NAME"},

@@ -54,6 +54,17 @@ CBinaryData Decompressed(CBinaryData data) {
   return result;
 }
 
+void WriteFile(std::string const& path, std::string_view bytes, CFileReplacement::Sync sync) {
+  Named(OutputName(path), [&] {
+    if (path == "-") return Quillon9::WriteAll(STDOUT_FILENO, bytes);
+    CFileReplacement file(path);
+    // Writing to a pipe or a device may take any time, and there is nothing to clean up.
+    std::optional<HeldSignals> signals;
+    if (file.NeedsTemporaryFile()) signals.emplace();
+    file.Write({bytes}, sync, [&signals] { signals->ThrowIfInterrupted(); });
+  });
+}
+
 }  // namespace
 
 CBinaryData ReadInput(std::string const& path) {
@@ -66,14 +77,11 @@ CBinaryData ReadInput(std::string const& path) {
 }
 
 void WriteOutput(std::string const& path, std::string_view bytes) {
-  Named(OutputName(path), [&] {
-    if (path == "-") return Quillon9::WriteAll(STDOUT_FILENO, bytes);
-    CFileReplacement file(path);
-    // Writing to a pipe or a device may take any time, and there is nothing to clean up.
-    std::optional<HeldSignals> signals;
-    if (file.NeedsTemporaryFile()) signals.emplace();
-    file.Write({bytes}, CFileReplacement::Sync::Yes, [&signals] { signals->ThrowIfInterrupted(); });
-  });
+  WriteFile(path, bytes, CFileReplacement::Sync::Yes);
+}
+
+void WriteDerivedOutput(std::string const& path, std::string_view bytes) {
+  WriteFile(path, bytes, CFileReplacement::Sync::No);
 }
 
 void CloseStandardOutput() {

@@ -16,6 +16,10 @@ Quillon9::CBinaryData ReadInput(std::string const& path);
 /// \throws Failure
 void WriteOutput(std::string const& path, std::string_view bytes);
 
+/// The same for a file that can be made again: it does not wait for the disk, so a power failure may leave it empty.
+/// \throws Failure
+void WriteDerivedOutput(std::string const& path, std::string_view bytes);
+
 /// Close standard output at the end of the program: network file systems report only then that the disk is full.
 /// \throws Failure
 void CloseStandardOutput();

@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <string>
 #include <system_error>
 #include <tuple>
@@ -68,7 +69,7 @@ bool HasContent(std::string const& path, std::string const& content) {
 void Update(std::string const& path, std::string const& content) {
   if (HasContent(path, content)) return;
   try {
-    WriteOutput(path, content);
+    WriteDerivedOutput(path, content);
   } catch (Failure const& failure) {
     Fail(path, failure.Reason());
   }
@@ -81,25 +82,42 @@ void CreateFolder(std::string const& folder) {
   if (!fs::is_directory(folder)) Fail(folder, "it is not a folder");
 }
 
-/// Warn of files that an earlier run for the same schemas has left in \p folder and that are not among \p written.
-void WarnOfStaleFiles(std::string const& folder, std::string const& firstLine,
-                      std::vector<std::string> const& written) {
-  std::vector<std::string> stale;
+/// Whether the first line of the file \p path is one of \p lines.
+bool BeginsWithOneOf(std::string const& path, std::vector<std::string> const& lines) {
+  std::ifstream file(path, std::ios::binary);
+  std::string first;
+  return std::getline(file, first) && std::find(lines.begin(), lines.end(), first) != lines.end();
+}
+
+/// The headers and sources in \p folder that begin with one of \p firstLines, as paths below \p output.
+std::vector<std::string> GeneratedFilesIn(std::string const& output, std::string const& folder,
+                                          std::vector<std::string> const& firstLines) {
+  std::vector<std::string> names;
   std::error_code error;
-  for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
+  for (fs::directory_iterator entry(fs::path(output) / folder, error), end; !error && entry != end;
+       entry.increment(error)) {
     std::string const extension = entry->path().extension().string();
-    std::string const name = entry->path().filename().string();
     if ((extension != ".h" && extension != ".cpp") || !entry->is_regular_file()) continue;
-    if (std::find(written.begin(), written.end(), name) != written.end()) continue;
-    std::ifstream file(entry->path(), std::ios::binary);
-    std::string line(firstLine.size() + 1, '\0');
-    if (file.read(line.data(), static_cast<std::streamsize>(line.size())) && line == firstLine + '\n') {
-      stale.push_back(name);
+    if (BeginsWithOneOf(entry->path().string(), firstLines)) {
+      names.push_back((fs::path(folder) / entry->path().filename()).string());
     }
   }
-  std::sort(stale.begin(), stale.end());
-  for (std::string const& name : stale) {
-    Print({Diagnostic::Severity::Warning, PathIn(folder, name), 0, 0,
+  return names;
+}
+
+/// Warn of files that an earlier run for the same schemas has left in \p output and that are not among \p written.
+void WarnOfStaleFiles(std::string const& output, Plan::Plan const& plan, std::vector<std::string> const& written) {
+  std::set<std::string> const current(written.begin(), written.end());
+  std::vector<std::string> const firstLines = Code::FirstLines(plan);
+  std::vector<std::string> found = GeneratedFilesIn(output, "", firstLines);
+  for (Plan::Namespace const& ns : plan.namespaces) {
+    std::vector<std::string> const parts = GeneratedFilesIn(output, ns.fileStem, firstLines);
+    found.insert(found.end(), parts.begin(), parts.end());
+  }
+  std::sort(found.begin(), found.end());
+  for (std::string const& name : found) {
+    if (current.count(name) != 0) continue;
+    Print({Diagnostic::Severity::Warning, PathIn(output, name), 0, 0,
            "an earlier run has written this file, which is not generated any more"});
   }
 }
@@ -114,21 +132,31 @@ Plan::Plan MakePlan(GenerateOptions const& options, Schema::SchemaSet const& set
   return Plan::MakePlan(set, planOptions, diagnostics);
 }
 
-void WriteFiles(GenerateOptions const& options, Plan::Plan const& plan, Schema::SchemaSet const& set) {
-  Code::CodeOptions codeOptions;
-  codeOptions.firstLine = Code::FirstLine(plan.schemaFiles);
-  CreateFolder(options.output);
-  std::vector<std::string> paths;
-  for (Code::GeneratedFile const& file : Code::Write(plan, codeOptions)) {
-    paths.push_back(PathIn(options.output, file.path));
-    Update(paths.back(), file.content);
-  }
-  WarnOfStaleFiles(options.output, codeOptions.firstLine, Code::FileNames(plan));
+void CreateFolders(std::string const& output, std::vector<std::string> const& names) {
+  CreateFolder(output);
+  std::set<std::string> folders;
+  for (std::string const& name : names) folders.insert(fs::path(name).parent_path().string());
+  folders.erase("");
+  for (std::string const& folder : folders) CreateFolder(PathIn(output, folder));
+}
+
+void WriteDependencies(GenerateOptions const& options, std::vector<std::string> const& targets,
+                       Schema::SchemaSet const& set) {
   if (options.dependencyFile.empty()) return;
-  if (!options.dependencyTarget.empty()) paths = {options.dependencyTarget};
   std::vector<std::string> sources = options.catalogs;
   for (std::string const* file : set.files) sources.push_back(*file);
-  Update(options.dependencyFile, Code::DependencyFile(paths, sources));
+  bool const hasTarget = !options.dependencyTarget.empty();
+  Update(options.dependencyFile,
+         Code::DependencyFile(hasTarget ? std::vector<std::string>{options.dependencyTarget} : targets, sources));
+}
+
+void WriteFiles(GenerateOptions const& options, Plan::Plan const& plan, Code::FilePlan const& files) {
+  std::vector<std::string> const names = Code::FileNames(files);
+  CreateFolders(options.output, names);
+  for (Code::GeneratedFile const& file : Code::Write(plan, files)) {
+    Update(PathIn(options.output, file.path), file.content);
+  }
+  WarnOfStaleFiles(options.output, plan, names);
 }
 
 /// A document element and the namespace whose functions read it.
@@ -152,9 +180,9 @@ std::vector<DocumentElement> DocumentElements(Plan::Plan const& plan, std::strin
 }
 
 /// The document element for the example; none without --example.
-DocumentElement ChooseDocumentElement(GenerateOptions const& options, Plan::Plan const& plan) {
+DocumentElement ChooseDocumentElement(GenerateOptions const& options, Plan::Plan const& plan,
+                                      std::vector<std::string> const& files) {
   if (!options.example) return {};
-  std::vector<std::string> const files = Code::FileNames(plan);
   if (std::find(files.begin(), files.end(), "main.cpp") != files.end()) {
     Fail(PathIn(options.output, "main.cpp"), "this file is for generated classes; choose another --namespace");
   }
@@ -176,8 +204,9 @@ DocumentElement ChooseDocumentElement(GenerateOptions const& options, Plan::Plan
 }
 
 /// Write the files of the example that do not exist: a user may have changed those that do.
-void WriteExample(GenerateOptions const& options, Plan::Plan const& plan, DocumentElement const& element) {
-  for (Code::GeneratedFile const& file : Code::Example(plan, *element.ns, *element.root, Code::FileNames(plan))) {
+void WriteExample(GenerateOptions const& options, Plan::Plan const& plan, DocumentElement const& element,
+                  std::vector<std::string> const& files) {
+  for (Code::GeneratedFile const& file : Code::Example(plan, *element.ns, *element.root, files)) {
     std::string const path = PathIn(options.output, file.path);
     std::error_code error;
     if (fs::symlink_status(path, error).type() == fs::file_type::not_found) {
@@ -209,14 +238,22 @@ void Generate(GenerateOptions const& options) {
   if (diagnostics.HasErrors()) Report(diagnostics);
   Plan::Plan const plan = MakePlan(options, set, diagnostics);
   Report(diagnostics);
+  Code::FilePlan const files = Code::MakeFilePlan(plan, options.split);
+  std::vector<std::string> const names = Code::FileNames(files);
+  std::vector<std::string> paths;
+  for (std::string const& name : names) paths.push_back(PathIn(options.output, name));
   if (options.listOutputs) {
-    std::string names;
-    for (std::string const& name : Code::FileNames(plan)) names += PathIn(options.output, name) + '\n';
-    return Output("-", names);
+    WriteDependencies(options, paths, set);
+    std::string lines;
+    for (std::string const& path : paths) lines += path + '\n';
+    return Output("-", lines);
   }
-  DocumentElement const element = ChooseDocumentElement(options, plan);
-  if (options.WritesClasses()) WriteFiles(options, plan, set);
-  if (options.example) WriteExample(options, plan, element);
+  DocumentElement const element = ChooseDocumentElement(options, plan, names);
+  if (options.WritesClasses()) {
+    WriteFiles(options, plan, files);
+    WriteDependencies(options, paths, set);
+  }
+  if (options.example) WriteExample(options, plan, element, names);
   if (!options.documentation.empty()) WritePages(options.documentation, set);
   if (options.report) Output(*options.report, Code::Report(plan, set));
 }

@@ -111,12 +111,16 @@ SCHEMA may also be a WSDL description, for the schemas that are embedded in it.
   -c, --catalog=FILE       look up addresses of schemas in this OASIS XML catalog
   -I, --include-path=FOLDER
                            look for included and imported schemas in FOLDER, too
+      --split[=type|schema]
+                           divide the classes among a header for each type, or
+                           for each schema document, and several sources
       --dependency-file=FILE
                            write a rule for make or ninja to FILE: the generated
                            files depend on all schemas that were read.
       --dependency-target=TARGET
                            make TARGET depend on them in that rule instead
       --list-outputs       print the names of the generated files, and write none
+                           but the dependency file
       --report[=FILE]      print a table of the classes and their members, with
                            the component of the schema that each comes from, on
                            standard output or to FILE

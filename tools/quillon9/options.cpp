@@ -18,6 +18,7 @@ using Quillon9::CompressionType_GZip;
 using Quillon9::CompressionType_None;
 using Quillon9::CompressionType_ZLib;
 using Quillon9::StartsWith;
+using Quillon9Generator::Code::Split;
 
 namespace {
 
@@ -34,6 +35,7 @@ enum LongOnly {
   kRename,
   kNamespaceOf,
   kRoot,
+  kSplit,
   kDependencyFile,
   kDependencyTarget,
   kListOutputs,
@@ -67,6 +69,7 @@ constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr,
                                        {"root", required_argument, nullptr, kRoot},
                                        {"catalog", required_argument, nullptr, 'c'},
                                        {"include-path", required_argument, nullptr, 'I'},
+                                       {"split", optional_argument, nullptr, kSplit},
                                        {"dependency-file", required_argument, nullptr, kDependencyFile},
                                        {"dependency-target", required_argument, nullptr, kDependencyTarget},
                                        {"list-outputs", no_argument, nullptr, kListOutputs},
@@ -187,6 +190,12 @@ void AddNamespace(GenerateOptions& options, std::string const& value) {
   options.namespaces[uri] = name;
 }
 
+Split SplitCalled(std::string const& name) {
+  if (name.empty() || name == "type") return Split::ByType;
+  if (name == "schema") return Split::BySchema;
+  throw UsageError("--split=" + name + " is neither type nor schema");
+}
+
 }  // namespace
 
 std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
@@ -201,6 +210,7 @@ std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
     if (option == kRename) AddName(options, value);
     if (option == kNamespaceOf) AddNamespace(options, value);
     if (option == kRoot) options.roots.push_back(value);
+    if (option == kSplit) options.split = SplitCalled(value);
     if (option == kDependencyFile) options.dependencyFile = value;
     if (option == kDependencyTarget) options.dependencyTarget = value;
     if (option == kListOutputs) options.listOutputs = true;

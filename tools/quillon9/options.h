@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "code/file_plan.h"
 #include "quillon9/quillon9.h"
 
 namespace Quillon9Tool {
@@ -43,6 +44,7 @@ struct GenerateOptions {
   std::vector<std::string> roots;                   ///< from --root; empty for all
   std::vector<std::string> catalogs;
   std::vector<std::string> includePaths;
+  Quillon9Generator::Code::Split split = Quillon9Generator::Code::Split::None;
   std::string dependencyFile;    ///< empty for none
   std::string dependencyTarget;  ///< empty for the generated files
   bool listOutputs = false;

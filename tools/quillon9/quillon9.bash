@@ -3,7 +3,7 @@
 _quillon9_options() {
   case $1 in
     generate) echo '--namespace= --namespace-of= --root= --output= --map= --rename= --catalog= --include-path=
-                    --dependency-file= --dependency-target= --list-outputs --report --report=
+                    --split --split=schema --dependency-file= --dependency-target= --list-outputs --report --report=
                     --documentation= --example --example= --help' ;;
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --quiet --help' ;;
