@@ -1,5 +1,5 @@
-// Generic elements that keep where their text stands between their children. A child has the size of the text in front of
-// it; one that was added later has none.
+// Generic elements that keep where their text stands between their children. A child has the size of the text in front
+// of it; one that was added later has none.
 
 #include <algorithm>
 #include <cstddef>

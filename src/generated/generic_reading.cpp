@@ -62,8 +62,8 @@ void NotePrefixes(CXmlElement const& element, CAttributeCol& attributes) {
 
 namespace {
 
-/// Drop the layout, and keep where other text stands. \p copy has been read from \p source, so it has the same children. Uses a list instead of the stack, since a document
-/// may nest deeply.
+/// Drop the layout, and keep where other text stands. \p copy has been read from \p source, so it has the same children.
+/// Uses a list instead of the stack, since a document may nest deeply.
 void SettleText(CXmlElement const& source, CElement& copy) {
   std::vector<std::pair<CXmlElement const*, CElement*>> open = {{&source, &copy}};
   while (!open.empty()) {

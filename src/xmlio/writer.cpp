@@ -368,7 +368,7 @@ bool CXmlWriter::BindPrefix(CXmlWriterContext& context, std::string const& prefi
   isNew = false;
   std::string const* const bound = XmlWriterAccess::UriOf(context, prefix);
   if (bound != nullptr) return *bound == uri;
-  if (uri.empty() || !IsPlainPrefix(prefix)) return false;
+  if (uri.empty() || uri == XML_NAMESPACE || !IsPlainPrefix(prefix)) return false;
   XmlWriterAccess::ScopeToChange(context).AddAlias(prefix, uri);
   isNew = true;
   return true;

@@ -240,6 +240,7 @@ TEST(Names, KeepTheirMeaningInFastInfoset) {
     writer.WriteAttributeType(uri, "T", Quillon9::ItemType_string);
     writer.WriteStartElement("y", uri);
     std::string const prefix = writer.PrefixForValues(uri, "");
+    EXPECT_FALSE(writer.DeclarePrefix("p", Quillon9::CXmlWriter::XML_NAMESPACE)) << "has a prefix of its own";
     writer.WriteString(prefix + ":v", Quillon9::ItemType_string);
     writer.WriteEndElement();
     writer.WriteEndElement();

@@ -60,7 +60,8 @@ void Walk(Quillon9::CXmlElement const& root, Start start, End end) {
 
 inline bool IsBlank(std::string_view text) { return text.find_first_not_of(" \t\r\n") == std::string_view::npos; }
 
-/// Return the text of \p element, which is not mixed; without \p keepSpace, nothing if it is only white space between its children.
+/// Return the text of \p element, which is not mixed; without \p keepSpace, nothing if it is only white space between
+/// its children.
 inline std::string const& TextOf(Quillon9::CXmlElement const& element, bool keepSpace) {
   static std::string const none;
   bool const isDropped = !keepSpace && element.GetFirstElement() != nullptr && IsBlank(element.GetText());

@@ -86,7 +86,8 @@ class QUILLON9_API CXmlWriter {
 
   /// Let \p prefix stand for \p uri in the element that was started last and its contents, for names in values. Only
   /// before its first attribute. Return false, with nothing changed, if it stands for another namespace there, if it is
-  /// not a name of ASCII characters, or if it is reserved. The writers of the library declare it in the output.
+  /// not a name of ASCII characters, or if it or the namespace is reserved. The writers of the library declare it in the
+  /// output.
   /// \throws CQnException "Attributes must be added before elements" when no start tag is open.
   virtual bool DeclarePrefix(std::string const& prefix, std::string const& uri);
   /// Return a prefix for names of the namespace \p uri, which is not empty, in values of the element that was started
