@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -12,12 +13,13 @@
 
 namespace Quillon9 {
 
-/// What an object keeps about the order of the document it was read from.
-struct BoundOrder {
+/// What an object keeps of the form of the document it was read from.
+struct BoundForm {
   std::vector<int> members;  ///< of an all group, by their places in the group; empty for the order of the schema
   /// For each element of mixed content, the size of the text in front of it; further ones follow all text. Without a
   /// value, all elements stand in front of the text.
   std::optional<std::vector<std::size_t>> places = std::vector<std::size_t>();
+  std::vector<std::pair<std::string, std::string>> prefixes;  ///< of the document, each with its URI
 };
 
 /// What the descriptors of generated classes do with their objects.
@@ -40,26 +42,29 @@ struct BoundAccess {
   /// The places of the members of an all group in the order in which they were read; null where that is their own.
   ///@{
   static std::vector<int> const* Order(CXmlGeneratedClass const* holder) {
-    BoundOrder const* const order = static_cast<CBoundObject const*>(holder)->m_order.get();
-    return order != nullptr && !order->members.empty() ? &order->members : nullptr;
+    BoundForm const* const form = static_cast<CBoundObject const*>(holder)->m_form.get();
+    return form != nullptr && !form->members.empty() ? &form->members : nullptr;
   }
   static void SetOrder(CXmlGeneratedClass* holder, std::vector<int> order) {
-    OrderToChange(*static_cast<CBoundObject*>(holder)).members = std::move(order);
+    FormToChange(*static_cast<CBoundObject*>(holder)).members = std::move(order);
   }
   ///@}
   /// The places of the text of mixed content; null if all of it follows the elements.
   ///@{
   static std::vector<std::size_t> const* Places(CBoundObject const& holder) {
     static auto const& none = *new std::vector<std::size_t>();
-    BoundOrder const* const order = holder.m_order.get();
-    if (order == nullptr) return &none;
-    return order->places ? &*order->places : nullptr;
+    BoundForm const* const form = holder.m_form.get();
+    if (form == nullptr) return &none;
+    return form->places ? &*form->places : nullptr;
   }
   static void SetPlaces(CBoundObject& holder, std::optional<std::vector<std::size_t>> places) {
-    bool const isDefault = places && places->empty() && holder.m_order == nullptr;
-    if (!isDefault) OrderToChange(holder).places = std::move(places);
+    bool const isDefault = places && places->empty() && holder.m_form == nullptr;
+    if (!isDefault) FormToChange(holder).places = std::move(places);
   }
   ///@}
+  static void SetPrefixes(CBoundObject& holder, std::vector<std::pair<std::string, std::string>> prefixes) {
+    if (!prefixes.empty() || holder.m_form != nullptr) FormToChange(holder).prefixes = std::move(prefixes);
+  }
   static BuiltClass const& Built(CBoundObject const& holder) { return holder.m_tables->Built(); }
   /// The first item of a collection of objects.
   static CNode const* FirstNode(CObjectCollection const& collection) { return collection.GetFirstNode(); }
@@ -77,9 +82,9 @@ struct BoundAccess {
   ///@}
 
  private:
-  static BoundOrder& OrderToChange(CBoundObject& holder) {
-    if (holder.m_order == nullptr) holder.m_order = std::make_unique<BoundOrder>();
-    return *holder.m_order;
+  static BoundForm& FormToChange(CBoundObject& holder) {
+    if (holder.m_form == nullptr) holder.m_form = std::make_unique<BoundForm>();
+    return *holder.m_form;
   }
 };
 

@@ -20,6 +20,7 @@
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
 #include "xmlio/checking_writer.h"
+#include "xmlio/node_access.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -108,7 +109,7 @@ void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
 
 void CBoundObject::Init() {
   if (std::exchange(m_isNew, false)) return;
-  m_order.reset();
+  m_form.reset();
   CClassRow const& row = m_tables->GetRow();
   for (int i = 0; i < row.firstProperty + row.propertyCount; ++i) {
     CPropertyRef const property = Property(i);
@@ -123,10 +124,39 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
   CXmlElement* const next = CXmlGeneratedClass::FromXml_Int(parent, cursor, ctx, inChoice);
   BuiltClass const& built = m_tables->Built();
+  if (ctx.GetKeepPrefixes()) KeepPrefixes(*parent);
   if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) ResolvePrefixes(*parent, ctx);
   if (ctx.GetChecksFacetsOnReading() && built.TextRule() != nullptr) CheckTextFacets(*parent, ctx);
   return next;
+}
+
+void CBoundObject::KeepPrefixes(CXmlElement const& element) {
+  CXmlDocument const* const document = element.GetDocument();
+  bool const isRoot = document != nullptr && document->GetDocumentElement() == &element && !m_tables->GetRow().round;
+  BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : BoundForm().prefixes);
+}
+
+namespace {
+
+/// Bind \p prefixes while the document element has not started, so that its name has one of them. What \p ctx binds
+/// comes first.
+void BindForDocument(std::vector<std::pair<std::string, std::string>> const& prefixes,
+                     CXmlSerializationContext const& ctx, CXmlWriter& writer) {
+  CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
+  for (auto const& [prefix, uri] : prefixes) {
+    bool const isPlain = uri.find_first_of("&<\"") == std::string::npos;
+    if (!isPlain || aliases.DoesAliasExist(prefix.c_str()) || aliases.DoesNamespaceExist(uri.c_str())) continue;
+    if (XmlWriterAccess::IsFreeForDocument(writer, prefix, uri)) writer.AddNamespace(prefix, uri);
+  }
+}
+
+}  // namespace
+
+void CBoundObject::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                             bool inChoice) const {
+  if (isRoot && m_form != nullptr) BindForDocument(m_form->prefixes, ctx, *writer);
+  CXmlGeneratedClass::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
 }
 
 // Those who read the values do not know the element where the prefixes are in scope.
@@ -219,6 +249,9 @@ namespace {
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   BuiltClass const& built = m_tables->Built();
+  if (m_form != nullptr) {
+    for (auto const& [prefix, uri] : m_form->prefixes) writer->DeclarePrefix(prefix, uri);
+  }
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) DeclarePrefixes(*writer);
   if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);
   if (!built.RemovedProperties().empty()) RequireRemovedUnset(*writer);

@@ -138,7 +138,7 @@ void MixedContent::AfterRead(CBoundObject& object, CXmlElement const& element, C
   } else if (element.IsMixed()) {
     bool const isWhole = !ctx.GetIgnoreUnknownElements() && ctx.GetFailureSink() == nullptr;
     std::vector<std::size_t> places = PlacesOf(object, element, isWhole);
-    ObjectContent::Count(element, sizeof(BoundOrder) + places.size() * sizeof(std::size_t));
+    ObjectContent::Count(element, sizeof(BoundForm) + places.size() * sizeof(std::size_t));
     BoundAccess::SetPlaces(object, std::move(places));
   }
 }

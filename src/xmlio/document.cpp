@@ -65,6 +65,11 @@ void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& pre
   document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri, kind);
 }
 
+std::vector<std::pair<std::string, std::string>> XmlNodeAccess::PrefixesOf(CXmlDocument const& document) {
+  if (document.m_memory == nullptr) return {};
+  return document.m_memory->Declarations().ForDocumentElement();
+}
+
 bool CXmlDocument::LookupNamespace(CXmlElement const& element, std::string_view prefix,
                                    std::string& namespaceUri) const {
   namespaceUri.clear();

@@ -1,6 +1,7 @@
 #include "xmlio/namespace_declarations.h"
 
 #include <iterator>
+#include <set>
 #include <utility>
 
 namespace Quillon9 {
@@ -20,9 +21,7 @@ std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElem
                                                std::string_view prefix) const {
   auto const first = m_bindings.lower_bound({std::string(prefix), std::string()});
   if (first == m_bindings.end() || first->first.first != prefix) return nullptr;
-  auto const next = std::next(first);
-  bool const isUnique = next == m_bindings.end() || next->first.first != prefix;
-  if (isUnique && !first->second) return &first->first.second;
+  if (IsUnique(first) && !first->second) return &first->first.second;
   if (m_indexed != root) MakeIndex(root);
   auto const found = m_index.find(&element);
   for (Scope const* scope = found != m_index.end() ? found->second : nullptr; scope != nullptr; scope = scope->outer) {
@@ -31,6 +30,23 @@ std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElem
     }
   }
   return nullptr;
+}
+
+/// Whether \p binding, the first one of its prefix, is the only one.
+bool NamespaceDeclarations::IsUnique(Bindings::const_iterator binding) const {
+  auto const next = std::next(binding);
+  return next == m_bindings.end() || next->first.first != binding->first.first;
+}
+
+std::vector<std::pair<std::string, std::string>> NamespaceDeclarations::ForDocumentElement() const {
+  std::vector<std::pair<std::string, std::string>> prefixes;
+  std::set<std::string_view> known = {"", "xml"};
+  for (Declaration const& each : m_declarations) {
+    std::string const& prefix = each.binding->first.first;
+    bool const applies = each.parent == nullptr || IsUnique(m_bindings.lower_bound({prefix, std::string()}));
+    if (applies && known.insert(prefix).second) prefixes.push_back(each.binding->first);
+  }
+  return prefixes;
 }
 
 // Uses a list instead of the stack, since a document may nest deeply.

@@ -31,6 +31,10 @@ class NamespaceDeclarations {
   /// it is not declared. Valid until the next declaration.
   std::string const* Find(CXmlElement const* root, CXmlElement const& element, std::string_view prefix) const;
 
+  /// The prefixes, each with its URI, that the document element declares, and those that have one meaning in the whole
+  /// document, in the order of the document.
+  std::vector<std::pair<std::string, std::string>> ForDocumentElement() const;
+
  private:
   using Bindings = std::map<std::pair<std::string, std::string>, bool>;  // prefix and URI; whether only inside the root
   using Binding = Bindings::value_type;
@@ -46,6 +50,7 @@ class NamespaceDeclarations {
     std::vector<Binding const*> bindings;
   };
 
+  bool IsUnique(Bindings::const_iterator binding) const;
   void MakeIndex(CXmlElement const* root) const;
 
   Bindings m_bindings;

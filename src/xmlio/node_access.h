@@ -38,6 +38,9 @@ struct XmlNodeAccess {
   static CChildPlaces* PlacesOf(CXmlElement const& element) { return NodeText::FindPlaces(element.m_text); }
   static CXmlAttribute* LastAttribute(CXmlElement const& element);
   static CXmlAttribute* FirstAttribute(CXmlElement const& element);
+  /// The prefixes, each with its URI, that can be declared on the document element without a change of their meaning
+  /// further in; those of a document that was read with a filter are not known.
+  static std::vector<std::pair<std::string, std::string>> PrefixesOf(CXmlDocument const& document);
   /// @}
 
   /// \name Changing a tree

@@ -363,6 +363,13 @@ bool IsPlainPrefix(std::string_view prefix) {
 
 }  // namespace
 
+bool XmlWriterAccess::IsFreeForDocument(CXmlWriter const& writer, std::string const& prefix, std::string const& uri) {
+  if (writer.m_context != nullptr || !IsPlainPrefix(prefix)) return false;
+  auto const& bindings = writer.m_namespaceMap;
+  return std::none_of(bindings.begin(), bindings.end(),
+                      [&](auto const& binding) { return binding.first == uri || binding.second == prefix; });
+}
+
 bool CXmlWriter::BindPrefix(CXmlWriterContext& context, std::string const& prefix, std::string const& uri,
                             bool& isNew) {
   isNew = false;

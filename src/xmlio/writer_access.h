@@ -18,6 +18,9 @@ struct XmlWriterAccess {
   /// The element that was started last, or null.
   static Context const* StartedElement(CXmlWriter const& writer) { return writer.StartedElement(); }
 
+  /// Whether \p prefix can still be bound to \p uri on the document element, which has not started.
+  static bool IsFreeForDocument(CXmlWriter const& writer, std::string const& prefix, std::string const& uri);
+
   /// \name What writing objects remembers in the writer
   ///@{
   static PlainClasses& PlainTypes(CXmlWriter& writer) { return *writer.m_plainClasses; }

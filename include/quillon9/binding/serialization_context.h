@@ -102,6 +102,14 @@ class QUILLON9_API CXmlSerializationContext {
   bool GetKeepMixedContent() const { return m_keepMixedContent; }
   void SetKeepMixedContent(bool keep) { m_keepMixedContent = keep; }
   ///@}
+  /// Whether the document element of a read, if its class derives from CBoundObject, remembers the prefixes of the
+  /// document and declares them when it is written; false by default. For documents that have prefixes in texts whose
+  /// type does not say so, such as paths. A prefix is kept if the document element declares it, or if it has one
+  /// meaning in the whole document; the default namespace is not.
+  ///@{
+  bool GetKeepPrefixes() const { return m_keepPrefixes; }
+  void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }
+  ///@}
   /// The encoding of all text of the read or write in memory: TextEncoding_Locale (the default), or TextEncoding_UTF8,
   /// in which no character is lost in any locale, and text that is not well-formed is refused on writing. Classes whose
   /// HoldsUtf8Text() says so always use UTF-8. CXmlDocument uses this option too.
@@ -189,6 +197,7 @@ class QUILLON9_API CXmlSerializationContext {
   std::string m_defaultNamespaceURI;
   bool m_writeTypeAttribute = true;
   bool m_keepMixedContent = false;
+  bool m_keepPrefixes = false;
   CNamespaceAliasMap m_namespaceAliases;
   mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;

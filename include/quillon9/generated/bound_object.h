@@ -16,7 +16,7 @@
 namespace Quillon9 {
 
 struct BoundAccess;  // for internal use
-struct BoundOrder;   // for internal use
+struct BoundForm;    // for internal use
 
 namespace detail {
 
@@ -100,6 +100,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   virtual CPropertyRef Property(int index) = 0;
 
   void AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const override;
+  void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                 bool inChoice) const override;
   void ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
@@ -187,6 +189,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   ItemType KindOf(int property) const;
   void ResolvePrefixes(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void DeclarePrefixes(CXmlWriter& writer) const;
+  void KeepPrefixes(CXmlElement const& element);
   void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void RequireRemovedUnset(CXmlWriter const& writer) const;
   void PrepareValue(int property, CPropertyRef const& value);
@@ -197,7 +200,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CClassTables const* m_tables;
   char const* m_elementNamespace = nullptr;  // of the global element that it was made for; null unless that is known
-  std::unique_ptr<BoundOrder> m_order;       // null where the order of the document is that of the schema
+  std::unique_ptr<BoundForm> m_form;         // null where the document needs nothing that the schema does not say
   bool m_writesType = false;
   bool m_isNew = false;  // made for a read, so that there is nothing to empty
 };
