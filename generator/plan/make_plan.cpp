@@ -96,6 +96,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   Selection const selection = options.roots.empty() ? SelectAll(set) : SelectReachable(set, options.roots, diagnostics);
   ClassBuilder(selection, options, plan, diagnostics).Build();
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
+  if (plan.schemaFiles.empty()) plan.schemaFiles = set.targetNamespaces;  // the program brings them
   OrderClasses(plan);
   AssignNamespaces(set, options, plan, diagnostics);
   GiveNames(plan);

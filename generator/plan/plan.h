@@ -206,7 +206,7 @@ struct Namespace {
 struct Plan {
   std::vector<Namespace> namespaces;     ///< the first has ReadRoot() for the document elements of all
   std::vector<Class const*> classes;     ///< of all namespaces, in an order in which they can be defined
-  std::vector<std::string> schemaFiles;  ///< names without folders, for the first comment
+  std::vector<std::string> schemaFiles;  ///< for the first comment: names without folders, or else namespaces
   std::vector<std::unique_ptr<Class>> classStorage;
   std::vector<std::unique_ptr<Enumeration>> enumerationStorage;
   std::vector<std::unique_ptr<ElementGroup>> groupStorage;

@@ -1,5 +1,8 @@
 #include "schema/built_ins.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "schema/facet_rules.h"
 #include "schema/node.h"
 
@@ -124,6 +127,11 @@ BuiltInTypes AddBuiltInTypes(Storage& storage) {
     if (type.builtIn == BuiltIn::Entities) MakeList(type, types.Get(BuiltIn::Entity));
   }
   return types;
+}
+
+bool IsBuiltInType(std::string_view name) {
+  return name == "anyType" ||
+         std::any_of(std::begin(kRows), std::end(kRows), [name](Row const& row) { return row.name == name; });
 }
 
 char const* NameOf(BuiltIn type) { return type == BuiltIn::None ? "" : RowOf(type).name; }

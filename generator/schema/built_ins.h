@@ -21,4 +21,7 @@ BuiltInTypes AddBuiltInTypes(Storage& storage);
 /// Return the name of a built-in type, without a prefix.
 char const* NameOf(BuiltIn type);
 
+/// Return whether XML Schema defines a type with this local name.
+bool IsBuiltInType(std::string_view name);
+
 }  // namespace Quillon9Generator::Schema

@@ -5,10 +5,10 @@
 #include <iterator>
 #include <optional>
 
+#include "schema/built_ins.h"
 #include "schema/descriptions.h"
 #include "schema/grammar.h"
 #include "schema/paths.h"
-#include "schema/well_known.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -35,8 +35,10 @@ void Documents::Load() {
   for (std::string const& path : m_options.catalogs) m_catalog.Read(path, m_diagnostics);
   for (std::string const& path : m_options.documents) AddMain(path);
   FollowDescriptions();
-  for (std::size_t i = 0; i < m_documents.size(); ++i) Follow(m_documents[i]);
-  AddWellKnown();
+  std::size_t followed = 0;
+  do {
+    for (; followed < m_documents.size(); ++followed) Follow(m_documents[followed]);
+  } while (AddMissing());
 }
 
 bool Documents::HasNamespace(std::string_view ns) const {
@@ -85,6 +87,7 @@ bool Documents::IsSchema(SourceFile const& source) {
 }
 
 void Documents::AddMain(std::string const& path) {
+  if (WellKnown const* const known = FindWellKnownAt(path)) return AddWellKnown(*known);
   SourceFile const* const source = Read(path, {});
   if (source == nullptr) return;
   if (IsDescription(source->GetRoot())) return AddDescription(*source, {path, {}});
@@ -170,19 +173,53 @@ bool Documents::ImportFrom(Location const& location, Node const& node, std::stri
   return target == ns || mustMatch;
 }
 
-// Only for namespaces that no file brings, which is certain at the end.
-void Documents::AddWellKnown() {
+void Documents::AddWellKnown(WellKnown const& known) {
+  std::string const ns(known.ns);
+  auto& source = m_wellKnown[ns];
+  if (source != nullptr) return;
+  source = std::make_unique<SourceFile>(nullptr);
+  source->ReadText(known.text);
+  Add({source.get(), {}, ns, ++m_imports, false});
+}
+
+namespace {
+
+/// Whether \p node or one inside it refers to something of the namespace of XML Schema besides its built-in types.
+bool RefersToSchemaForSchemas(Node const& node) {
+  static constexpr std::string_view kReferences[] = {"ref", "type", "base", "itemType", "substitutionGroup"};
+  for (NodeAttribute const& attribute : node.attributes) {
+    bool const isReference =
+        std::find(std::begin(kReferences), std::end(kReferences), attribute.name) != std::end(kReferences);
+    if (!isReference || !attribute.ns.empty() || node.tag == Tag::Foreign) continue;
+    std::string_view const name = Trimmed(attribute.value);
+    std::size_t const colon = name.find(':');
+    bool const hasPrefix = colon != std::string_view::npos;
+    if (node.scope->Find(hasPrefix ? name.substr(0, colon) : std::string_view()) != kSchemaNamespace) continue;
+    if (!IsBuiltInType(hasPrefix ? name.substr(colon + 1) : name)) return true;
+  }
+  return std::any_of(node.children.begin(), node.children.end(), RefersToSchemaForSchemas);
+}
+
+}  // namespace
+
+/// Bring the well-known schemas for namespaces that no file brings, which is certain only when all others are there.
+/// Return whether there is a new document. Few of those who import the namespace of XML Schema need more than its
+/// types.
+bool Documents::AddMissing() {
+  std::size_t const before = m_documents.size();
+  auto const isNeeded = [this](std::string const& ns) {
+    return ns != kSchemaNamespace || std::any_of(m_all.begin(), m_all.end(), [](Document const* document) {
+             return RefersToSchemaForSchemas(document->Root());
+           });
+  };
   for (auto lost = m_lost.begin(); lost != m_lost.end();) {
     std::string const& ns = lost->first;
-    char const* const text = WellKnownSchema(ns);
+    WellKnown const* const known = FindWellKnown(ns);
     bool const isThere = HasNamespace(ns);
-    if (!isThere && text != nullptr && *text != '\0') {
-      auto& source = m_wellKnown[ns] = std::make_unique<SourceFile>(nullptr);
-      source->ReadText(text);
-      Add({source.get(), {}, ns, ++m_imports, false});
-    }
-    lost = isThere || text != nullptr ? m_lost.erase(lost) : std::next(lost);
+    if (!isThere && known != nullptr && isNeeded(ns)) AddWellKnown(*known);
+    lost = isThere || known != nullptr ? m_lost.erase(lost) : std::next(lost);
   }
+  return m_documents.size() != before;
 }
 
 }  // namespace Quillon9Generator::Schema

@@ -12,6 +12,7 @@
 #include "schema/load.h"
 #include "schema/locations.h"
 #include "schema/source_file.h"
+#include "schema/well_known.h"
 
 namespace Quillon9Generator::Schema {
 
@@ -64,7 +65,8 @@ class Documents {
   void ReportLost(Node const& node, std::string_view location);
   void Import(Document const& document, Node const& node);
   bool ImportFrom(Location const& location, Node const& node, std::string const& ns, bool mustMatch);
-  void AddWellKnown();
+  void AddWellKnown(WellKnown const& known);
+  bool AddMissing();
 
   // descriptions.cpp
   void AddDescription(SourceFile const& source, Location location);

@@ -102,6 +102,36 @@ TEST(SchemaDocuments, WellKnownNamespacesAreThereUnlessAFileBringsThem) {
             "  attribute {http://www.w3.org/XML/1998/namespace}space: xs:int\n");
 }
 
+TEST(SchemaDocuments, TheSchemaForSchemasIsThereForThoseWhoReferToIt) {
+  SchemaFiles files;
+  constexpr char const* kImport = "<xs:import namespace='http://www.w3.org/2001/XMLSchema'/>";
+  struct Row {
+    char const* body;
+    bool isNeeded;
+  };
+  Row const rows[] = {
+      {"<xs:element name='e' type='xs:int'/>", false},
+      {"<xs:complexType name='T'><xs:sequence><xs:element ref='xs:schema'/><xs:any/></xs:sequence></xs:complexType>",
+       true},
+      {"<xs:complexType name='T'><xs:complexContent><xs:extension base='xs:annotated'/></xs:complexContent>"
+       "</xs:complexType>",
+       true},
+  };
+  for (Row const& row : rows) {
+    files.WriteSchema("a.xsd", "", std::string(kImport) + row.body);
+    std::string const text = Schema::Print(files.Load({"a.xsd"}));
+    EXPECT_EQ(files.Diagnostics(), "");
+    EXPECT_EQ(text.find("element xs:schema") != text.npos, row.isNeeded) << row.body;
+    EXPECT_EQ(text.find("{http://www.w3.org/XML/1998/namespace}lang") != text.npos, row.isNeeded) << row.body;
+  }
+  for (char const* address :
+       {"http://www.w3.org/2001/XMLSchema.xsd", "http://www.w3.org/2001/xml.xsd", "http://www.w3.org/1999/xlink.xsd",
+        "http://www.w3.org/TR/xmldsig-core/xmldsig-core-schema.xsd"}) {
+    EXPECT_NE(Schema::Print(files.Load({{std::string(address)}, {}, {}})), "") << address;
+    EXPECT_EQ(files.Diagnostics(), "");
+  }
+}
+
 struct Fault {
   char const* body;
   char const* diagnostics;
