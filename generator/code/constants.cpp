@@ -165,24 +165,37 @@ std::string Constants::ValueType(Plan::ValueType const& type, std::string const&
   return entry->second;
 }
 
-std::string Constants::ValueElement(Plan::ValueType const& type, std::string const& hint) {
+std::string Constants::ValueElement(Plan::ValueType const& type, ValueTexts const& texts, std::string const& hint) {
   if (m_main != nullptr) {
-    std::string const shared = m_main->ValueElement(type, hint);
+    std::string const shared = m_main->ValueElement(type, texts, hint);
     m_main->m_shared.insert(shared);
     m_shared.insert(shared);
     return m_main->m_ns.cppName == m_ns.cppName ? shared : "::" + m_main->m_ns.cppName + "::" + shared;
   }
   std::string const value = ValueType(type, hint);
-  auto const [entry, added] = m_valueElements.emplace(value, "");
+  std::string arguments = value;
+  if (texts.defaultValue || texts.fixedValue) {
+    arguments += std::string(", \"\", ") + (texts.defaultValue ? Literal(*texts.defaultValue) : "nullptr");
+  }
+  if (texts.fixedValue) arguments += ", " + Literal(*texts.fixedValue);
+  auto const [entry, added] = m_valueElements.emplace(arguments, "");
   if (added) {
-    std::string const name = value.substr(1) + "Element";
+    std::string const name = (arguments == value ? value.substr(1) : hint) + "Element";
     std::string const row = Unique("k" + name);
     entry->second = Unique("g_" + name);
     std::string const cpp = ValueElementType(type, {&m_ns, nullptr, nullptr});
-    m_elements.push_back({entry->second, "constexpr ClassRow " + row + " = Quillon9::ValueElementRow(" + value + ");",
+    m_elements.push_back({entry->second,
+                          "constexpr ClassRow " + row + " = Quillon9::ValueElementRow(" + arguments + ");",
                           "ClassTables " + entry->second + "{" + row + ", &" + cpp + "::Make};"});
   }
   return entry->second;
+}
+
+std::string BlockText(unsigned derivations) {
+  bool const extends = (derivations & Schema::kExtension) != 0;
+  bool const restricts = (derivations & Schema::kRestriction) != 0;
+  if (extends && restricts) return "Derivation_Extension | Derivation_Restriction";
+  return extends ? "Derivation_Extension" : restricts ? "Derivation_Restriction" : "";
 }
 
 std::string Constants::Group(Plan::ElementGroup const& group) {
@@ -193,10 +206,13 @@ std::string Constants::Group(Plan::ElementGroup const& group) {
   std::string const list = Unique(stem + "Elements");
   std::vector<std::string> elements;
   for (Plan::ElementGroup::Element const& element : group.elements) {
-    std::string const tables = element.anyType           ? "nullptr"
-                               : element.type != nullptr ? '&' + TablesOf(*element.type)
-                                                         : '&' + ValueElement(element.value, Camel(element.name.local));
-    elements.push_back("{" + Literal(element.name.local) + ", " + Uri(element.name.ns) + ", " + tables + "}");
+    std::string const tables =
+        element.anyType ? "nullptr"
+        : element.type != nullptr
+            ? '&' + TablesOf(*element.type)
+            : '&' + ValueElement(element.value, {element.defaultValue, element.fixedValue}, Camel(element.name.local));
+    std::string const block = element.block != 0 ? ", " + BlockText(element.block) : "";
+    elements.push_back("{" + Literal(element.name.local) + ", " + Uri(element.name.ns) + ", " + tables + block + "}");
   }
   for (std::string const& line : BracedList("constexpr GroupElement " + list + "[] = ", elements)) {
     m_groupLines.push_back(line);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <set>
 #include <string>
 #include <tuple>
@@ -11,6 +12,14 @@
 #include "plan/plan.h"
 
 namespace Quillon9Generator::Code {
+
+/// A set of Schema::Derivations as the tables have it; an empty text for an empty one.
+std::string BlockText(unsigned derivations);
+
+/// What a declaration says of the texts of an element of simple type.
+struct ValueTexts {
+  std::optional<std::string> defaultValue, fixedValue;
+};
 
 /// The constants of one source file that the tables of several classes share. Each is collected when it is first asked
 /// for, and stands in the file once.
@@ -30,7 +39,7 @@ class Constants {
   std::string Texts(Plan::Enumeration const& enumeration);
   /// The name of the tables of an element of simple type. All sources and namespaces share them, so that each takes the
   /// objects that another one makes.
-  std::string ValueElement(Plan::ValueType const& type, std::string const& hint);
+  std::string ValueElement(Plan::ValueType const& type, ValueTexts const& texts, std::string const& hint);
   /// The tables of \p cls as they are named beside the constants.
   std::string TablesOf(Plan::Class const& cls) const;
   /// The name of \p group.
@@ -68,7 +77,7 @@ class Constants {
   std::map<FacetKey, std::string> m_facets;
   std::map<std::tuple<int, int, std::string, Plan::Enumeration const*, std::string>, std::string> m_types;
   std::map<std::vector<std::string>, std::string> m_parts;
-  std::map<std::string, std::string> m_valueElements;  ///< by the name of the value type
+  std::map<std::string, std::string> m_valueElements;  ///< by the arguments of their rows
   std::vector<std::string> m_uriLines, m_ruleLines;
   std::vector<std::string> m_typeLines;  ///< facets, texts and value types
   std::vector<Element> m_elements;

@@ -13,7 +13,9 @@ namespace {
 class RowCall {
  public:
   explicit RowCall(char const* maker) : m_text(maker) { m_text += '('; }
+  /// An empty argument is left out.
   RowCall& operator<<(std::string const& argument) {
+    if (argument.empty()) return *this;
     if (m_text.back() != '(') m_text += ", ";
     m_text += argument;
     return *this;
@@ -31,6 +33,10 @@ void AddDefaults(RowCall& row, Member const& member) {
   if (!member.defaultValue && !member.fixedValue) return;
   row << (member.defaultValue ? Literal(*member.defaultValue) : "nullptr");
   if (member.fixedValue) row << Literal(*member.fixedValue);
+}
+
+std::string ValueElementOf(Member const& member, Constants& constants) {
+  return constants.ValueElement(member.value, {member.defaultValue, member.fixedValue}, member.cppName);
 }
 
 std::string ElementRow(Member const& member, Constants& constants) {
@@ -56,14 +62,12 @@ std::string ElementRow(Member const& member, Constants& constants) {
     case Kind::Values: return (repeated(named("Values")) << constants.ValueType(member.value, member.cppName)).Text();
     case Kind::Object:
       if (member.group != nullptr) return (named("Head") << once << constants.Group(*member.group)).Text();
-      return (named("Object") << once << constants.TablesOf(*member.type)).Text();
+      return (named("Object") << once << constants.TablesOf(*member.type) << BlockText(member.block)).Text();
     case Kind::Objects:
       if (member.group != nullptr) return (repeated(named("Heads")) << constants.Group(*member.group)).Text();
-      return (repeated(named("Objects")) << constants.TablesOf(*member.type)).Text();
-    case Kind::NillableValue:
-      return (named("Object") << once << constants.ValueElement(member.value, member.cppName)).Text();
-    case Kind::NillableValues:
-      return (repeated(named("Objects")) << constants.ValueElement(member.value, member.cppName)).Text();
+      return (repeated(named("Objects")) << constants.TablesOf(*member.type) << BlockText(member.block)).Text();
+    case Kind::NillableValue: return (named("Object") << once << ValueElementOf(member, constants)).Text();
+    case Kind::NillableValues: return (repeated(named("Objects")) << ValueElementOf(member, constants)).Text();
     case Kind::Rounds: {
       RowCall row("Rounds");
       row << Literal(member.cppName) << member.property;
@@ -181,10 +185,12 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
                                            derivedArray,
                                            std::to_string(cls.derived.size()),
                                            cls.replacesElements ? "true" : "false",
-                                           cls.replacesAttributes ? "true" : "false"};
-  static std::vector<std::string> const kDefaults = {"\"\"",    "\"\"", "\"\"",    "nullptr", "nullptr", "0",
-                                                     "nullptr", "0",    "0",       "0",       "-1",      "nullptr",
-                                                     "false",   "true", "nullptr", "0",       "false",   "false"};
+                                           cls.replacesAttributes ? "true" : "false",
+                                           cls.derivation != 0 ? BlockText(cls.derivation) : "0",
+                                           cls.block != 0 ? BlockText(cls.block) : "0"};
+  static std::vector<std::string> const kDefaults = {
+      "\"\"", "\"\"",    "\"\"",  "nullptr", "nullptr", "0", "nullptr", "0",     "0", "0",
+      "-1",   "nullptr", "false", "true",    "nullptr", "0", "false",   "false", "0", "0"};
   std::size_t count = fields.size();
   while (count != 0 && fields[count - 1] == kDefaults[count - 1]) --count;
   std::string const name = constants.Unique(stem + "Class");
@@ -196,10 +202,13 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
 std::string PrintRoots(Text& text, std::vector<Plan::Root const*> const& roots, Constants& constants) {
   std::vector<std::string> rows;
   for (Plan::Root const* root : roots) {
-    std::string const tables = root->anyType           ? "nullptr"
-                               : root->type != nullptr ? '&' + constants.TablesOf(*root->type)
-                                                       : '&' + constants.ValueElement(root->value, root->cppName);
-    rows.push_back("{" + Literal(root->name.local) + ", " + constants.Uri(root->name.ns) + ", " + tables + "}");
+    std::string const tables =
+        root->anyType ? "nullptr"
+        : root->type != nullptr
+            ? '&' + constants.TablesOf(*root->type)
+            : '&' + constants.ValueElement(root->value, {root->defaultValue, root->fixedValue}, root->cppName);
+    std::string const block = root->block != 0 ? ", " + BlockText(root->block) : "";
+    rows.push_back("{" + Literal(root->name.local) + ", " + constants.Uri(root->name.ns) + ", " + tables + block + "}");
   }
   return PrintArray(text, "RootRow", constants.Unique("kRoots"), rows);
 }

@@ -32,31 +32,38 @@ class ValueCheck {
   explicit ValueCheck(Schema::Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
   void Check(Member& member) {
-    bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::Values;
-    if (!isValue || member.schemaPlace.file == nullptr) return;
-    CheckText(member, member.defaultValue, "default");
-    CheckText(member, member.fixedValue, "fixed");
-    if (!member.value.Single().isQualifiedName || (!member.defaultValue && !member.fixedValue)) return;
-    m_diagnostics.Warning(member.schemaPlace, "the qualified name in \"" + member.name.local +
-                                                  "\", which has a default or fixed value, is kept as text; its prefix "
-                                                  "is not declared on writing");
-    KeepAsText(member.value);
+    bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::NillableValue ||
+                         member.kind == Member::Kind::NillableValues;
+    if (isValue && member.schemaPlace.file != nullptr) CheckDeclaration(member, member.schemaPlace);
+  }
+
+  /// Of something that has a value with a default or fixed value.
+  template <class Declaration>
+  void CheckDeclaration(Declaration& declaration, Schema::Place const& place) {
+    ValueType& type = declaration.value;
+    CheckText(type, declaration.name, place, declaration.defaultValue, "default");
+    CheckText(type, declaration.name, place, declaration.fixedValue, "fixed");
+    if (!type.Single().isQualifiedName || (!declaration.defaultValue && !declaration.fixedValue)) return;
+    m_diagnostics.Warning(place, "the qualified name in \"" + declaration.name.local +
+                                     "\", which has a default or fixed value, is kept as text; its prefix is not "
+                                     "declared on writing");
+    KeepAsText(type);
   }
 
  private:
-  void CheckText(Member const& member, std::optional<std::string>& text, char const* what) {
+  void CheckText(ValueType const& whole, Schema::QualifiedName const& name, Schema::Place const& place,
+                 std::optional<std::string>& text, char const* what) {
     if (!text) return;
-    std::string const subject =
-        std::string("the ") + what + " value \"" + *text + "\" of \"" + member.name.local + "\"";
-    ValueType const& type = member.value.Single();
-    for (std::string const& value : ValuesIn(member.value, *text)) {
+    std::string const subject = std::string("the ") + what + " value \"" + *text + "\" of \"" + name.local + "\"";
+    ValueType const& type = whole.Single();
+    for (std::string const& value : ValuesIn(whole, *text)) {
       if (type.enumeration != nullptr) {
         if (type.enumeration->Find(value) != nullptr) continue;
-        return m_diagnostics.Error(member.schemaPlace, subject + " is none of the enumeration");
+        return m_diagnostics.Error(place, subject + " is none of the enumeration");
       }
       if (type.kind == Quillon9::ItemType_string || IsReadable(type.kind, value)) continue;
-      if (HoldsAll(type.kind)) return m_diagnostics.Error(member.schemaPlace, subject + " is no value of its type");
-      m_diagnostics.Warning(member.schemaPlace, subject + " is not supported and dropped");
+      if (HoldsAll(type.kind)) return m_diagnostics.Error(place, subject + " is no value of its type");
+      m_diagnostics.Warning(place, subject + " is not supported and dropped");
       return text.reset();
     }
   }
@@ -88,6 +95,12 @@ void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics) {
   ValueCheck check(diagnostics);
   for (auto const& cls : plan.classStorage) {
     for (Member& member : cls->members) check.Check(member);
+  }
+  for (auto const& group : plan.groupStorage) {
+    for (ElementGroup::Element& element : group->elements) check.CheckDeclaration(element, element.place);
+  }
+  for (Namespace& ns : plan.namespaces) {
+    for (Root& root : ns.roots) check.CheckDeclaration(root, root.place);
   }
 }
 

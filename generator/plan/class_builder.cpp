@@ -117,8 +117,9 @@ Member Restated(Member const& ofBase) {
 }
 
 bool SameRow(Member const& a, Member const& b) {
-  return a.minOccurs == b.minOccurs && a.defaultValue == b.defaultValue && a.fixedValue == b.fixedValue &&
-         a.value.HasSameRules(b.value) && a.restriction == b.restriction && a.targetNamespace == b.targetNamespace;
+  return a.block == b.block && a.minOccurs == b.minOccurs && a.defaultValue == b.defaultValue &&
+         a.fixedValue == b.fixedValue && a.value.HasSameRules(b.value) && a.restriction == b.restriction &&
+         a.targetNamespace == b.targetNamespace;
 }
 
 Member::Kind Repeated(Member::Kind kind) {
@@ -212,6 +213,8 @@ Class* ClassBuilder::NewClassOf(ComplexType const& type, Class const* user) {
   cls->documentation = type.documentation.empty() && owner != nullptr ? owner->documentation : type.documentation;
   cls->place = type.place;
   cls->abstract = type.abstract;
+  cls->block = type.block;
+  cls->derivation = type.derivation == ComplexType::Derivation::Extension ? Schema::kExtension : Schema::kRestriction;
   m_toFill.emplace_back(cls, &type);
   return cls;
 }
@@ -392,6 +395,7 @@ void ClassBuilder::Restate(Class& cls, ContentNode const& node) {
   member.maxOccurs = node.maxOccurs;
   member.schemaPlace = node.place;
   if (isElement) {
+    if (member.group == nullptr) member.block = node.element->block;
     RestateElementType(cls, member, *node.element);
   } else if (!node.IsGroup()) {
     SetRestriction(*node.wildcard, member);
@@ -417,12 +421,12 @@ void ClassBuilder::RestateElementType(Class& cls, Member& member, ElementDeclara
       return;
     }
     case Member::Kind::Value:
+    case Member::Kind::NillableValue:
+    case Member::Kind::NillableValues:
       member.defaultValue = element.defaultValue;
       member.fixedValue = element.fixedValue;
       [[fallthrough]];
     case Member::Kind::Values:
-    case Member::Kind::NillableValue:
-    case Member::Kind::NillableValues:
       return RestateValue(cls, member, element.simpleType, element.name, &element, element.global);
     default: return;
   }
@@ -503,8 +507,9 @@ void ClassBuilder::SetElementType(Class& cls, Member& member, ElementDeclaration
   }
   if (member.maxOccurs == 1) return;
   member.kind = Repeated(member.kind);
-  // No collection holds vectors or qualified names, but one of objects holds anything.
-  bool const needsObjects = member.value.item != nullptr || member.value.isQualifiedName;
+  // No collection holds vectors or qualified names, or has a default, but one of objects holds anything.
+  bool const needsObjects =
+      member.value.item != nullptr || member.value.isQualifiedName || element.defaultValue || element.fixedValue;
   if (member.kind == Member::Kind::Values && needsObjects) member.kind = Member::Kind::NillableValues;
 }
 
@@ -517,15 +522,27 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.documentation = Documentation(DocumentationWithConstraints(element), node.place);
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
-  if (member.kind == Member::Kind::Value) {
+  if (member.group == nullptr) member.block = element.block;
+  bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::NillableValue ||
+                       member.kind == Member::Kind::NillableValues;
+  if (isValue) {
     member.defaultValue = element.defaultValue;
     member.fixedValue = element.fixedValue;
-  } else if (element.defaultValue) {
-    m_diagnostics.Warning(element.place, "the default value of the element " + Quoted(element.name.local) +
-                                             " is not applied to an empty element, since it is repeated, nillable, of "
-                                             "a complex type or in a substitution group");
+  } else if (element.simpleType == nullptr) {
+    WarnOfTextRules(element);
   }
   AddRow(cls, std::move(member), position);
+}
+
+/// A class has the text of all elements of its type.
+void ClassBuilder::WarnOfTextRules(ElementDeclaration const& element) {
+  std::string const name = Quoted(element.name.local) + ", which has a complex type,";
+  if (element.defaultValue) {
+    m_diagnostics.Warning(element.place,
+                          "the default value of the element " + name + " is not applied to an empty one");
+  } else if (element.fixedValue) {
+    m_diagnostics.Warning(element.place, "the fixed value of the element " + name + " is not checked");
+  }
 }
 
 ElementGroup const* ClassBuilder::GroupOf(ElementDeclaration const& head) {
@@ -540,11 +557,15 @@ ElementGroup const* ClassBuilder::GroupOf(ElementDeclaration const& head) {
   for (ElementDeclaration const* declaration : declarations) {
     ElementGroup::Element element;
     element.name = declaration->name;
+    element.place = declaration->place;
     element.anyType = IsAnything(*declaration);
+    element.block = declaration->block;
     if (!element.anyType && declaration->complexType != nullptr) {
       element.type = ClassOf(*declaration->complexType, nullptr);
     } else if (!element.anyType) {
       element.value = m_values.Of(declaration->simpleType, {nullptr, declaration->name.local, declaration->name.ns});
+      element.defaultValue = declaration->defaultValue;
+      element.fixedValue = declaration->fixedValue;
     }
     group.elements.push_back(std::move(element));
   }
@@ -600,13 +621,17 @@ void ClassBuilder::MakeRoots() {
     root.cppName = NameOf(element->name, m_options);
     root.name = element->name;
     root.documentation = DocumentationWithConstraints(*element);
+    root.place = element->place;
     root.anyType = IsAnything(*element);
+    root.block = element->block;
     if (!root.anyType && element->complexType != nullptr) {
       Class* const cls = ClassOf(*element->complexType, nullptr);
       NoteUse(*cls, *element);
       root.type = cls;
     } else if (!root.anyType) {
       root.value = m_values.Of(element->simpleType, {nullptr, element->name.local, element->name.ns});
+      root.defaultValue = element->defaultValue;
+      root.fixedValue = element->fixedValue;
     }
     bool const isOfGroup = element->substitutionHead != nullptr || !element->standIns.empty();
     if (!element->abstract && (root.isDocument || isOfGroup)) roots.push_back(std::move(root));

@@ -61,6 +61,7 @@ class ClassBuilder {
   void AddRow(Class& cls, Member member, Position position);
   void SetElementType(Class& cls, Member& member, Schema::ElementDeclaration const& element);
   void NoteUse(Class& cls, Schema::ElementDeclaration const& element);
+  void WarnOfTextRules(Schema::ElementDeclaration const& element);
   ElementGroup const* GroupOf(Schema::ElementDeclaration const& head);
   std::string Documentation(std::string text, Schema::Place const& place);
   ValueType ValueOf(Schema::SimpleType const* type, Schema::QualifiedName const& name, void const* declaration,

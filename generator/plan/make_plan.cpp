@@ -5,6 +5,7 @@
 #include <set>
 #include <tuple>
 
+#include "plan/blocking.h"
 #include "plan/check_values.h"
 #include "plan/class_builder.h"
 #include "plan/namespaces.h"
@@ -98,6 +99,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
   if (plan.schemaFiles.empty()) plan.schemaFiles = set.targetNamespaces;  // the program brings them
   OrderClasses(plan);
+  SettleBlocking(plan);
   AssignNamespaces(set, options, plan, diagnostics);
   GiveNames(plan);
   NumberRestatedMembers(plan);

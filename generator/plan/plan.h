@@ -73,9 +73,12 @@ struct Class;
 struct ElementGroup {
   struct Element {
     Schema::QualifiedName name;
+    Schema::Place place;
     Class const* type = nullptr;  ///< or, if null, the value of a simple type
     ValueType value;
-    bool anyType = false;  ///< held as a CElement
+    bool anyType = false;                                 ///< held as a CElement
+    std::optional<std::string> defaultValue, fixedValue;  ///< of a value
+    unsigned block = 0;                                   ///< as Member::block
   };
   /// What holds each of the elements.
   enum class Holder {
@@ -123,6 +126,7 @@ struct Member {
   Class const* type = nullptr;          ///< of Object..., Rounds; null where a group has no class
   ElementGroup const* group = nullptr;  ///< of Object...: the elements that may stand in place of this one
   std::optional<std::string> defaultValue, fixedValue;
+  unsigned block = 0;           ///< of Object...: Schema::Derivations that an xsi:type must not use
   std::string restriction;      ///< of a wildcard: "##any", "##other", or a list of URIs, "##local" for no namespace
   std::string targetNamespace;  ///< of a wildcard: the namespace that ##other excludes
   std::string documentation;
@@ -160,7 +164,9 @@ struct Class {
   Class const* base = nullptr;
   Class const* owner = nullptr;  ///< the class that it is nested in
   bool abstract = false;
-  bool round = false;  ///< has no tag
+  unsigned derivation = 0;  ///< how it is derived from its base, of Schema::Derivations, if anything blocks that
+  unsigned block = 0;       ///< Schema::Derivations that an xsi:type must not use where this type is declared
+  bool round = false;       ///< has no tag
   bool nillable = false;
   bool mixed = false;
   bool rejectUnknownAttributes = true;
@@ -186,11 +192,14 @@ inline std::vector<Member> const& MembersOfRows(Class const& cls) {
 struct Root {
   std::string cppName;  ///< PurchaseOrder
   Schema::QualifiedName name;
+  Schema::Place place;
   Class const* type = nullptr;  ///< or, if null, the value of a simple type
   ValueType value;
   std::string alias;       ///< CPurchaseOrder where that is another, free name; else empty
   bool anyType = false;    ///< read as a CElement
   bool isDocument = true;  ///< documents may begin with it; if not, objects for it are only made
+  std::optional<std::string> defaultValue, fixedValue;  ///< of a value
+  unsigned block = 0;                                   ///< as Member::block
   std::string documentation;
 };
 

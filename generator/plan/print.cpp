@@ -60,6 +60,23 @@ std::string OccursText(int least, int most) {
   return "{" + std::to_string(least) + "," + (most == Schema::Particle::kUnbounded ? "" : std::to_string(most)) + "}";
 }
 
+/// " blocks extension restriction"; empty for an empty set.
+std::string DerivationText(char const* what, unsigned derivations) {
+  std::string text;
+  if ((derivations & Schema::kExtension) != 0) text += " extension";
+  if ((derivations & Schema::kRestriction) != 0) text += " restriction";
+  return text.empty() ? text : std::string(" ") + what + text;
+}
+
+/// What a member, an element of a group and a root say alike.
+template <class Declaration>
+std::string RulesText(Declaration const& declaration) {
+  std::string text;
+  if (declaration.defaultValue) text += " default=" + Quoted(*declaration.defaultValue);
+  if (declaration.fixedValue) text += " fixed=" + Quoted(*declaration.fixedValue);
+  return text + DerivationText("blocks", declaration.block);
+}
+
 std::string GroupText(ElementGroup const& group) {
   std::string text;
   switch (group.holder) {
@@ -73,7 +90,7 @@ std::string GroupText(ElementGroup const& group) {
     std::string const type = element.anyType           ? "anytype"
                              : element.type != nullptr ? element.type->cppName
                                                        : ValueText(element.value);
-    text += (i == 0 ? " of " : ", ") + NameText(element.name) + " " + type;
+    text += (i == 0 ? " of " : ", ") + NameText(element.name) + " " + type + RulesText(element);
   }
   return text;
 }
@@ -91,8 +108,7 @@ std::string MemberText(Member const& member) {
                        member.kind == Member::Kind::NillableValues;
   if (isValue) text += " " + ValueText(member.value);
   if (member.mandatory) text += " mandatory";
-  if (member.defaultValue) text += " default=" + Quoted(*member.defaultValue);
-  if (member.fixedValue) text += " fixed=" + Quoted(*member.fixedValue);
+  text += RulesText(member);
   if (!member.restriction.empty()) text += " allows " + Quoted(member.restriction);
   if (!member.targetNamespace.empty()) text += " not " + Quoted(member.targetNamespace);
   if (member.choice >= 0) text += " in " + std::to_string(member.choice);
@@ -134,6 +150,7 @@ std::string ClassLine(Class const& cls) {
   if (!cls.name.local.empty()) line += " of " + NameText(cls.name);
   if (cls.base != nullptr) line += " : " + cls.base->cppName;
   if (cls.abstract) line += " abstract";
+  line += DerivationText("by", cls.derivation) + DerivationText("blocks", cls.block);
   if (cls.round) line += " round";
   if (cls.nillable) line += " nillable";
   if (cls.mixed) line += " mixed";
@@ -167,6 +184,7 @@ std::string RootLine(Root const& root) {
   } else {
     line += root.anyType ? "anytype" : ValueText(root.value);
   }
+  line += RulesText(root);
   return root.alias.empty() ? line : line + " alias " + root.alias;
 }
 

@@ -10,10 +10,8 @@ struct ObjectAccess {
                               CXmlSerializationContext const& ctx, bool inChoice) {
     return object.FromXml_Int(parent, cursor, ctx, inChoice);
   }
-  /// Let reads of \p collection end where it has as many items as it may have.
-  static void StopWhenFull(CXmlCollectionBase& collection) {
-    collection.m_stopsWhenFull = collection.GetMaxOccurs() >= 0;
-  }
+  /// Let reads of \p collection end where it has \p count items; -1 for no limit.
+  static void StopAt(CXmlCollectionBase& collection, int count) { collection.m_stopsAt = count; }
 };
 
 }  // namespace Quillon9

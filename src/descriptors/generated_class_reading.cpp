@@ -141,7 +141,8 @@ bool TakesByName(CAttributeInfo* const* table) {
 
 }  // namespace
 
-void CXmlGeneratedClass::ReadNilAttribute(CXmlAttribute const& attribute) {
+void CXmlGeneratedClass::ReadNilAttribute(CXmlElement const&, CXmlAttribute const& attribute,
+                                          CXmlSerializationContext const&) {
   auto* const nillable = dynamic_cast<INillable*>(this);
   if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
   std::string_view const text = attribute.GetValueView();
@@ -164,7 +165,7 @@ bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAtt
   std::size_t taker = 0;
   try {
     if (isNil) {
-      ReadNilAttribute(*attribute);
+      ReadNilAttribute(*parent, *attribute, ctx);
       return true;
     }
     while (table[taker] != nullptr && !table[taker]->AttributeFromXml(ctx, this, attribute)) ++taker;

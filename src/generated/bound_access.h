@@ -29,16 +29,16 @@ struct BoundAccess {
   }
   /// A new object of the class that \p element becomes where the type that has \p tables is declared.
   static CSmartPtr<CXmlObjectBase> MakeFor(CClassTables const& tables, CXmlElement const& element,
-                                           char const* elementName) {
-    CSmartPtr<CXmlObjectBase> object = tables.TypeOf(element).CreateObject(elementName);
+                                           char const* elementName, unsigned block) {
+    CSmartPtr<CXmlObjectBase> object = tables.TypeOf(element, block).CreateObject(elementName);
     MarkNew(*object);
     return object;
   }
   /// Say that \p object, which is bound, was made just now for a read.
   static void MarkNew(CXmlObjectBase& object) { static_cast<CBoundObject&>(object).m_isNew = true; }
   /// Check the name of \p object, or set it if it has none, and note whether its type is not \p declared.
-  /// \throws CQnInvalidParamException for another name.
-  static void Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared);
+  /// \throws CQnInvalidParamException for another name, and for a type that the declaration blocks.
+  static void Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared, unsigned block);
   /// The places of the members of an all group in the order in which they were read; null where that is their own.
   ///@{
   static std::vector<int> const* Order(CXmlGeneratedClass const* holder) {

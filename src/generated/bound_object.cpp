@@ -16,6 +16,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/fastinfoset/writer.h"
+#include "quillon9/text/whitespace.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
@@ -63,7 +64,7 @@ void CheckEmptyText(ValueRule const& rule) {
   CheckingWriter* const check = CheckingWriter::Current();
   if (check == nullptr || !check->JudgesReading()) return;
   try {
-    rule.Check(rule.Read("", false));
+    rule.Check(rule.Read("", true));
   } catch (CQnException& failure) {
     if (!check->GoesOn(failure)) throw;
   }
@@ -79,7 +80,7 @@ thread_local NamesInText t_namesInText;
 // Kept apart, so that access to other properties needs no room for this one.
 [[gnu::noinline]] void AccessText(CBoundObject const& holder, ValueRule const& rule, CPropertyRef property, bool read,
                                   QnVariant& value) {
-  if (!read) return property.Store(rule.Read(value.GetString(), false));
+  if (!read) return property.Store(rule.ValueOf(value.GetString(), true));
   QnVariant held;
   property.Read(held);
   if (held.IsValid()) rule.Check(held);
@@ -127,8 +128,25 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   if (ctx.GetKeepPrefixes()) KeepPrefixes(*parent);
   if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) ResolvePrefixes(*parent, ctx);
-  if (ctx.GetChecksFacetsOnReading() && built.TextRule() != nullptr) CheckTextFacets(*parent, ctx);
+  ValueRule const* const rule = built.TextRule();
+  if (rule != nullptr && (ctx.GetChecksFacetsOnReading() || rule->HasFixedValue())) CheckText(*parent, ctx);
   return next;
+}
+
+void CBoundObject::ReadNilAttribute(CXmlElement const& element, CXmlAttribute const& attribute,
+                                    CXmlSerializationContext const& ctx) {
+  std::string const text = CWhitespaceUtils::Collapse(attribute.GetValue());
+  auto* const nillable = dynamic_cast<INillable*>(this);
+  bool const isTrue = text == "true" || text == "1";
+  if (nillable == nullptr || (!isTrue && text != "false" && text != "0")) {
+    return CXmlGeneratedClass::ReadNilAttribute(element, attribute, ctx);
+  }
+  bool const hasElement = element.GetFirstElement() != nullptr && !ctx.GetIgnoreUnknownElements();
+  if (isTrue && (hasElement || element.GetTextView().find_first_not_of(" \t\r\n") != std::string_view::npos)) {
+    throw OfKind(FailureKind_Nil, CQnValidationException(FormatString("The element [%s] is nil, but not empty",
+                                                                      element.GetLocalName().c_str())));
+  }
+  nillable->SetNil(isTrue);
 }
 
 void CBoundObject::KeepPrefixes(CXmlElement const& element) {
@@ -206,7 +224,7 @@ void CBoundObject::DeclarePrefixes(CXmlWriter& writer) const {
 }
 
 // AccessProperty() stores the text of a document, but does not know the context.
-void CBoundObject::CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx) {
+void CBoundObject::CheckText(CXmlElement const& element, CXmlSerializationContext const& ctx) {
   BuiltClass const& built = m_tables->Built();
   CPropertyRef const property = Property(built.TextProperty());
   auto const* const nillable = dynamic_cast<INillable const*>(this);
@@ -214,7 +232,7 @@ void CBoundObject::CheckTextFacets(CXmlElement const& element, CXmlSerialization
   try {
     QnVariant held;
     property.Read(held);
-    if (held.IsValid()) built.TextRule()->Check(held);
+    if (held.IsValid()) built.TextRule()->CheckRead(held, &ctx);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {&element})) {
       throw CQnValidationException(FormatString("Failed to process the element [%s]", element.GetLocalName().c_str()),
@@ -274,6 +292,13 @@ void CBoundObject::RequireRemovedUnset(CXmlWriter const& writer) const {
 
 // ---- What accessors call
 
+void CBoundObject::SetDefaultText() {
+  CClassRow const& row = m_tables->GetRow();
+  if (row.textDefault == nullptr && row.textFixed == nullptr) return;
+  BuiltClass const& built = m_tables->Built();
+  Property(built.TextProperty()).Store(built.TextRule()->ValueOf("", true));
+}
+
 ItemType CBoundObject::KindOf(int property) const {
   CValueType const* const type = m_tables->Built().At(property).value;
   return type != nullptr ? type->HeldKind() : ItemType_invalid;
@@ -301,7 +326,7 @@ void CBoundObject::PrepareObject(int property, CXmlObjectBase* object) {
   if (row.group != nullptr) {
     AdoptStandIn(*object, row);
   } else if (row.kind == RowKind::Object) {
-    BoundAccess::Adopt(static_cast<CBoundObject&>(*object), row.name, *row.type);
+    BoundAccess::Adopt(static_cast<CBoundObject&>(*object), row.name, *row.type, row.block);
   } else if (row.kind == RowKind::Any) {
     RequireAllowed(*row.rule, static_cast<CElement const&>(*object).GetNamespace());
   } else {
@@ -311,7 +336,11 @@ void CBoundObject::PrepareObject(int property, CXmlObjectBase* object) {
   Select(property);
 }
 
-void BoundAccess::Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared) {
+void BoundAccess::Adopt(CBoundObject& object, char const* elementName, CClassTables const& declared, unsigned block) {
+  if (declared.Blocks(*object.m_tables, block)) {
+    throw CQnInvalidParamException(FormatString("An object of the type [%s] cannot be the element [%s]",
+                                                object.m_tables->GetRow().typeName, elementName));
+  }
   if (!declared.GetRow().round) {
     if (object.GetElementName().empty()) object.SetElementName(elementName);
     object.Throw_IfElementNameDiffers(&object, elementName);

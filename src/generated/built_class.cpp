@@ -161,7 +161,7 @@ void BuiltClass::NoteText(CClassRow const& row) {
     m_textRule = nullptr;
     if (base.text == nullptr) return;
     member.rule = std::make_unique<ValueRule const>(*base.typeName != '\0' ? base.typeName : "text", *base.text,
-                                                    nullptr, nullptr);
+                                                    base.textDefault, base.textFixed);
     m_textRule = member.rule.get();
     m_info.m_textPropertyIndex = kConvertedText;
   });

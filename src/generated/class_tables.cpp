@@ -83,7 +83,15 @@ class TypeName {
 
 }  // namespace
 
-CClassTables const& CClassTables::TypeOf(CXmlElement const& element) const {
+bool CClassTables::Blocks(CClassTables const& derived, unsigned block) const {
+  block |= m_row->block;
+  for (CClassTables const* each = &derived; block != 0 && each != nullptr && each != this; each = each->m_row->base) {
+    if ((each->m_row->derivation & block) != 0) return true;
+  }
+  return false;
+}
+
+CClassTables const& CClassTables::TypeOf(CXmlElement const& element, unsigned block) const {
   CXmlAttribute const* const attribute = element.GetFirstAttribute() != nullptr ? FindTypeAttribute(element) : nullptr;
   CClassTables const* found = this;
   bool const isSimple = *m_row->typeName == '\0' && m_row->derivedCount == 0;  // a simple type, of which there is one
@@ -97,6 +105,13 @@ CClassTables const& CClassTables::TypeOf(CXmlElement const& element) const {
                                           "The type [%s] of the element [%s] is not derived from [%s]",
                                           name.Text().c_str(), element.GetLocalName().c_str(), m_row->typeName))));
     }
+  }
+  if (Blocks(*found, block)) {
+    throw FailureReport::Noted(
+        {&element, attribute},
+        OfKind(FailureKind_Factory,
+               CQnValidationException(FormatString("The type [%s] of the element [%s] is blocked",
+                                                   found->m_row->typeName, element.GetLocalName().c_str()))));
   }
   if (!found->IsAbstract()) return *found;
   throw FailureReport::Noted({&element, attribute},

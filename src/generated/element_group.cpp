@@ -93,7 +93,7 @@ void Adopt(CBoundObject& object, CElementRow const& row) {
                                                 object.GetClassTables().GetRow().typeName, element->name));
   }
   BoundAccess::SetElementNamespace(object, element->ns);
-  BoundAccess::Adopt(object, element->name, *element->type);
+  BoundAccess::Adopt(object, element->name, *element->type, element->block);
 }
 
 }  // namespace
@@ -133,7 +133,7 @@ CSmartPtr<CXmlObjectBase> ReadStandIn(CElementRow const& row, CXmlElement* paren
   CGroupElement const* const element = FindStandIn(*row.group, ctx, *cursor);
   if (element == nullptr) return nullptr;
   if (element->type == nullptr) return TakeGeneric(parent, cursor, ctx);
-  CSmartPtr<CXmlObjectBase> object = BoundAccess::MakeFor(*element->type, **cursor, element->name);
+  CSmartPtr<CXmlObjectBase> object = BoundAccess::MakeFor(*element->type, **cursor, element->name, element->block);
   BoundAccess::SetElementNamespace(*object, element->ns);
   CXmlObjectBase::FromXml_Int(object.Get(), *cursor, (*cursor)->GetFirstElement(), ctx);
   *cursor = (*cursor)->GetNextSiblingElement();

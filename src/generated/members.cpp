@@ -1,5 +1,6 @@
 #include "generated/members.h"
 
+#include <algorithm>
 #include <memory>
 
 #include "base/failure_detail.h"
@@ -205,7 +206,7 @@ QN_ELEMENT_FROM_XML(ObjectMember) {
     if (m_row.group != nullptr) {
       child = ReadStandIn(m_row, parent, cursor, ctx);
     } else {
-      child = BoundAccess::MakeFor(*m_row.type, *element, m_row.name);
+      child = BoundAccess::MakeFor(*m_row.type, *element, m_row.name, m_row.block);
       ReadChild(ctx, child.Get(), cursor, false);
     }
     BoundAccess::Property(holder, m_propertyIndex).Hold(child.Get());  // a child that fails is not stored
@@ -283,6 +284,24 @@ QN_ELEMENT_FROM_XML(CollectionMember) {
   return true;
 }
 
+// The elements that follow each other are shared out among this round and those after it: as many as possible for this
+// one, so that the others get what they need. The most that may be left over is looked at, up to a limit.
+int CollectionMember::CountForRound(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const {
+  constexpr int kMostAhead = 1000;
+  int const least = m_row.minOccurs;
+  int const most = m_row.maxOccurs;
+  if (least < 2 || most <= least) return most;
+  int there = 0;
+  for (; there < most + kMostAhead && IsElementOf(m_row, *this, ctx, cursor); ++there) {
+    cursor = cursor->GetNextSiblingElement();
+  }
+  auto const canBeShared = [&](int count) { return (count + most - 1) / most * least <= count; };
+  for (int taken = std::min(most, there); taken >= least; --taken) {
+    if (canBeShared(there - taken)) return taken;
+  }
+  return most;
+}
+
 CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                          CXmlElement* parent, CXmlElement* cursor) const {
   CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
@@ -293,7 +312,11 @@ CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CX
   }
   // What is left over may begin the next round.
   bool const isInRound = static_cast<CBoundObject const*>(holder)->GetClassTables().GetRow().round;
-  if (isInRound) ObjectAccess::StopWhenFull(static_cast<CXmlCollectionBase&>(*held));
+  if (isInRound && m_row.maxOccurs >= 0) {
+    auto& collection = static_cast<CXmlCollectionBase&>(*held);
+    int const count = collection.GetCount() == 0 ? CountForRound(ctx, cursor) : m_row.maxOccurs;
+    ObjectAccess::StopAt(collection, count);
+  }
   return FromXml_Int(held.Get(), parent, cursor, ctx, false);
 }
 

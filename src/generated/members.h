@@ -82,6 +82,9 @@ class CollectionMember : public BoundMember {
                                  CXmlElement const* parent, CXmlElement const* first, CXmlElement const* next) const;
   bool IsRepeated() const override { return true; }
   QN_BOUND_OVERRIDES
+
+ private:
+  int CountForRound(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const;
 };
 
 #undef QN_BOUND_OVERRIDES

@@ -38,6 +38,7 @@ void CObjectCollection::ValidateCount(CXmlSerializationContext const& ctx) const
 }
 
 bool CObjectCollection::HasGroup() const { return m_row != nullptr && m_row->group != nullptr; }
+unsigned CObjectCollection::Block() const { return m_row != nullptr ? m_row->block : 0; }
 
 CSmartPtr<CXmlObjectBase> CObjectCollection::NewItem() const {
   if (HasGroup()) return NewHead(*m_row);
@@ -48,7 +49,7 @@ CSmartPtr<CXmlObjectBase> CObjectCollection::NewItem() const {
 CSmartPtr<CXmlObjectBase> CObjectCollection::ItemFor(CXmlSerializationContext const& ctx, CXmlElement* element) {
   if (!IsElementNamed(ctx, element, GetElementName(), m_itemNamespace)) return nullptr;
   if (m_tables == nullptr) return NewItem();
-  return BoundAccess::MakeFor(*m_tables, *element, GetElementName().c_str());
+  return BoundAccess::MakeFor(*m_tables, *element, GetElementName().c_str(), Block());
 }
 
 void CObjectCollection::Prepare(CXmlObjectBase* item) {
@@ -56,7 +57,7 @@ void CObjectCollection::Prepare(CXmlObjectBase* item) {
   if (HasGroup()) {
     AdoptStandIn(*item, *m_row);
   } else if (m_tables != nullptr) {
-    BoundAccess::Adopt(static_cast<CBoundObject&>(*item), GetElementName().c_str(), *m_tables);
+    BoundAccess::Adopt(static_cast<CBoundObject&>(*item), GetElementName().c_str(), *m_tables, Block());
   } else if (!m_hasRounds) {
     Throw_IfElementNameDiffers(item, GetElementName().c_str());
   }

@@ -79,10 +79,14 @@ QnVariant ValueRule::Convert(std::string_view text) const {
 }
 
 QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx) const {
-  QnVariant value = Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
+  QnVariant value = ValueOf(text, isElement);
+  CheckRead(value, ctx);
+  return value;
+}
+
+void ValueRule::CheckRead(QnVariant const& value, CXmlSerializationContext const* ctx) const {
   if (m_fixed != nullptr && (ctx == nullptr || ctx->GetChecksFixedValuesOnReading())) CheckFixed(value);
   if (ctx != nullptr && ctx->GetChecksFacetsOnReading()) CheckFacets(value);
-  return value;
 }
 
 // Whether two values are equal, however they are written.

@@ -28,6 +28,12 @@ class ValueRule {
   /// \throws CQnInvalidValueException for a text that does not convert, and for one that is not the fixed value; what
   ///         Check() throws if \p ctx says that facets are checked.
   QnVariant Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx = nullptr) const;
+  /// The same without any check of the value.
+  QnVariant ValueOf(std::string_view text, bool isElement) const {
+    return Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
+  }
+  /// The checks of Read().
+  void CheckRead(QnVariant const& value, CXmlSerializationContext const* ctx) const;
   /// \throws as CBoundObject::Assign() does.
   void Check(QnVariant const& value) const;
   /// The part of Check() that the library's descriptors do not do: the digits, the parts and the fixed value.
@@ -47,6 +53,7 @@ class ValueRule {
   std::string Declare(QnVariant const& value, CXmlWriter& writer) const;
 
   CValueType const& GetType() const { return m_type; }
+  bool HasFixedValue() const { return m_fixed != nullptr; }
 
   /// Whether CTypeParts says more than that it is an identifier.
   static bool HasParts(CValueType const& type) {

@@ -68,7 +68,7 @@ CSmartPtr<CXmlObjectBase> ReadRootElement(CXmlElement const& root, CRootRow cons
                                           CXmlSerializationContext const& ctx) try {
   CRootRow const& row = FindRoot(root, roots, count, ctx);
   if (row.type == nullptr) return CopyGeneric(root);
-  CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, root, row.name);
+  CSmartPtr<CXmlObjectBase> const object = BoundAccess::MakeFor(*row.type, root, row.name, row.block);
   BoundAccess::SetElementNamespace(*object, row.ns);
   object->FromXmlElement(&root, ctx);
   return object;

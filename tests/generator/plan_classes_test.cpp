@@ -278,8 +278,7 @@ class CB of B : CA nillable
 class CC of C
   0 A m_a: object a CA mandatory
   1 B m_b: nillable value b i4 mandatory
-  2 C m_c: nillable values c{1,2} i4
-a.xsd:5:3: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
+  2 C m_c: nillable values c{1,2} i4 default="3"
 )"},
     {"AnythingAndWildcards",
      R"(
@@ -336,12 +335,12 @@ class CC of C
     1 A m_a: object a CA of b CA, c CB in 0
     choice Choice: Thing A
     rows Choice(Thing A)
-  0 Text m_text: object text string preserve of text string preserve, word string mandatory
+  0 Text m_text: object text string preserve of text string preserve default="x", word string mandatory
   1 Measure m_measure: object measure bound-object of length i4, pair CB mandatory
   2 Choice m_choice: rounds{1,9} CC::CChoice
 root Head head CA alias CHead
 root Two two CB alias CTwo
-root Text text string preserve
+root Text text string preserve default="x"
 root Word word string
 root Length length i4
 root Pair pair CB alias CPair
@@ -349,7 +348,6 @@ root Thing thing anytype
 root Bolt bolt CA alias CBolt
 root B b CA
 root C c CB
-a.xsd:6:1: warning: the default value of the element "text" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
 )"},
     {"BlockedSubstitutionGroups",
      R"(
@@ -369,17 +367,17 @@ a.xsd:6:1: warning: the default value of the element "text" is not applied to an
   <element ref='t:noMember'/></sequence></complexType>)",
      R"(
 class CA of A
-class CB of B : CA
-class CC of C : CA
-class CD of D : CC element all4
+class CB of B : CA by extension
+class CC of C : CA by extension blocks restriction
+class CD of D : CC by restriction element all4
 class CAll of All
   0 All m_all: object all CA of all CA, all2 CA, all3 CB mandatory
-  1 None m_none: object none CA mandatory
-  2 NoExtension m_noExtension: object noExtension CA of noExtension CA, noExtension2 CA mandatory
+  1 None m_none: object none CA mandatory blocks extension restriction
+  2 NoExtension m_noExtension: object noExtension CA of noExtension CA blocks extension, noExtension2 CA mandatory
   3 NoMember m_noMember: object noMember CA mandatory
 root All all CA
-root None none CA alias CNone
-root NoExtension noExtension CA alias CNoExtension
+root None none CA blocks extension restriction alias CNone
+root NoExtension noExtension CA blocks extension alias CNoExtension
 root NoMember noMember CA alias CNoMember
 root All2 all2 CA alias CAll2
 root All3 all3 CB alias CAll3
@@ -398,10 +396,9 @@ root NoMember2 noMember2 CA alias CNoMember2
 class CA of A
   0 A m_a: value a i4 mandatory default="1"
   1 B m_b: value b? string preserve fixed="x"
-  2 C m_c: values c{1,2} i4
+  2 C m_c: nillable values c{1,2} i4 default="1"
   3 D m_d: value @d? i4 default="7"
   4 E m_e: value @e string preserve mandatory fixed="y"
-a.xsd:3:60: warning: the default value of the element "c" is not applied to an empty element, since it is repeated, nillable, of a complex type or in a substitution group
 )"},
 };
 

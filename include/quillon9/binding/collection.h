@@ -86,7 +86,7 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   void RequireValidCount(CXmlSerializationContext const& ctx, char const* names) const;
   /// Whether a read takes no more items, although there may be more: the collection belongs to one round of a repeated
   /// group, and has reached its maximum.
-  bool IsFull() const { return m_stopsWhenFull && GetCount() >= m_maxOccurs; }
+  bool IsFull() const { return m_stopsAt >= 0 && GetCount() >= m_stopsAt; }
   /// Whether any listener is registered.
   bool HasListeners() const { return !m_listeners.empty(); }
   /// Remove every listener.
@@ -102,7 +102,7 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   std::vector<IEventSink*> m_listeners;
   int m_minOccurs = 0;
   int m_maxOccurs = -1;
-  bool m_stopsWhenFull = false;
+  int m_stopsAt = -1;  // the count at which a read ends; -1 for none
 
   friend struct ObjectAccess;
 };

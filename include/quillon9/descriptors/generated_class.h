@@ -132,6 +132,12 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   virtual CXmlElement* ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor,
                                            CXmlSerializationContext const& ctx, bool inChoice);
 
+  /// Read xsi:nil, an attribute of \p element: "true" or "false", in any case.
+  /// \throws CQnValidationException "Unexpected Attribute [%s] found." if this class is not nillable; "Unexpected Value
+  ///         for Attribute [%s] found.".
+  virtual void ReadNilAttribute(CXmlElement const& element, CXmlAttribute const& attribute,
+                                CXmlSerializationContext const& ctx);
+
   /// Offer every attribute of \p parent to the attribute descriptors. With \p reject, an attribute that no descriptor
   /// takes is a failure, unless \p ctx ignores unknown attributes.
   /// \throws CQnValidationException "Unexpected Attribute [%s] found.", also, whatever \p ctx says, for xsi:nil on a
@@ -186,7 +192,6 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
                      CXmlAttribute* attribute, bool reject, CXmlElement const* parent);
   void ReadGroupAttributes(CXmlSerializationContext const& ctx, FailedScans& scans, CXmlElement* parent,
                            Quillon9Data::CAttributeInfo** table, FlagSet& found, bool reject);
-  void ReadNilAttribute(CXmlAttribute const& attribute);
   bool OfferToChoiceMembers(CXmlSerializationContext const& ctx, FailedScans* scans, CXmlElement* parent,
                             CXmlElement** cursor, Quillon9Data::XmlElementType type);
 

@@ -105,6 +105,10 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx, bool inChoice) const override;
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override;
+  /// Also takes 1 and 0, and white space around the value.
+  /// \throws CQnValidationException also "The element [%s] is nil, but not empty".
+  void ReadNilAttribute(CXmlElement const& element, CXmlAttribute const& attribute,
+                        CXmlSerializationContext const& ctx) override;
   CXmlElement* ReadMembersWithSink(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                    bool inChoice) override;
 
@@ -178,6 +182,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   /// Which alternative of a choice is set: 1 for the first, 0 for none. \p row is the place of the beginning of the
   /// choice among the element rows of the class that has \p tables: this class or a base.
   int Alternative(CClassTables const& tables, int row) const;
+  /// Give the text the value that an empty element has, if the schema says one.
+  void SetDefaultText();
   /// Unset the other alternatives of each choice that \p property is in.
   void Select(int property);
 
@@ -190,7 +196,7 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void ResolvePrefixes(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void DeclarePrefixes(CXmlWriter& writer) const;
   void KeepPrefixes(CXmlElement const& element);
-  void CheckTextFacets(CXmlElement const& element, CXmlSerializationContext const& ctx);
+  void CheckText(CXmlElement const& element, CXmlSerializationContext const& ctx);
   void RequireRemovedUnset(CXmlWriter const& writer) const;
   void PrepareValue(int property, CPropertyRef const& value);
   void PrepareObject(int property, CXmlObjectBase* object);

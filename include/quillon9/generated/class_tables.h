@@ -37,7 +37,12 @@ class QUILLON9_API CClassTables {
   /// unique among the derived types.
   /// \throws CQnValidationException "The type [%s] of the element [%s] is not derived from [%s]"; "The type [%s] of the
   ///         element [%s] is abstract".
-  CClassTables const& TypeOf(CXmlElement const& element) const;
+  CClassTables const& TypeOf(CXmlElement const& element) const { return TypeOf(element, 0); }
+  /// The same for a declaration that excludes types whose derivation from this one is in \p block, a set of Derivation.
+  /// \throws CQnValidationException also "The type [%s] of the element [%s] is blocked".
+  CClassTables const& TypeOf(CXmlElement const& element, unsigned block) const;
+  /// Whether a declaration that has this type and excludes \p block excludes \p derived, a class that derives from it.
+  bool Blocks(CClassTables const& derived, unsigned block) const;
 
   /// The record and the two tables in the form that CXmlGeneratedClass asks for, and what else is made of the rows. For
   /// CBoundObject.

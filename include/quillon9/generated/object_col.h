@@ -65,6 +65,7 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
   CXmlElement* ReadRounds(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
   CSmartPtr<CXmlObjectBase> ReadItem(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
   bool HasGroup() const;
+  unsigned Block() const;
   CXmlElement* ReadItems(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
 
   std::string m_itemNamespace;

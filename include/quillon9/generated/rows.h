@@ -65,11 +65,15 @@ struct CNamespaceRule {
   char const* target = "";        ///< the namespace that "##other" excludes
 };
 
+/// How types are derived, as bits of a set.
+enum Derivation : std::uint8_t { Derivation_None = 0, Derivation_Extension = 1, Derivation_Restriction = 2 };
+
 /// One element of a substitution group.
 struct CGroupElement {
   char const* name = "";               ///< its local name
   char const* ns = "";                 ///< its namespace; empty for none
   CClassTables const* type = nullptr;  ///< null for an element with any content, which is held as a CElement
+  std::uint8_t block = 0;              ///< derivations that an xsi:type must not use
 };
 
 /// The elements that may stand where the head of a substitution group is declared: all members, and the head itself,
@@ -115,6 +119,7 @@ struct CElementRow {
   char const* fixedText = nullptr;       ///< null for none
   /// Of objects, in place of a type: what may stand where this element, the head of the group, is declared.
   CElementGroup const* group = nullptr;
+  std::uint8_t block = 0;  ///< of objects: derivations that an xsi:type must not use
 };
 
 /// One entry of the attribute table of a generated class.
@@ -143,6 +148,8 @@ using Facets = CFacets;
 using NamespaceRule = CNamespaceRule;
 using GroupElement = CGroupElement;
 using ElementGroup = CElementGroup;
+using Quillon9::Derivation_Extension;
+using Quillon9::Derivation_Restriction;
 
 inline constexpr Occurs kOnce = Occurs::Once;
 inline constexpr Occurs kOptional = Occurs::Optional;
@@ -161,12 +168,15 @@ constexpr CElementRow Values(char const* name, char const* ns, int property, int
                              CValueType const& value) {
   return {RowKind::Values, kOptional, property, name, ns, minOccurs, maxOccurs, &value};
 }
-constexpr CElementRow Object(char const* name, char const* ns, int property, Occurs occurs, CClassTables const& type) {
-  return {RowKind::Object, occurs, property, name, ns, 0, -1, nullptr, &type};
+constexpr CElementRow Object(char const* name, char const* ns, int property, Occurs occurs, CClassTables const& type,
+                             int block = 0) {
+  return {RowKind::Object, occurs, property, name,    ns,      0,       -1,
+          nullptr,         &type,  nullptr,  nullptr, nullptr, nullptr, static_cast<std::uint8_t>(block)};
 }
 constexpr CElementRow Objects(char const* name, char const* ns, int property, int minOccurs, int maxOccurs,
-                              CClassTables const& type) {
-  return {RowKind::Objects, kOptional, property, name, ns, minOccurs, maxOccurs, nullptr, &type};
+                              CClassTables const& type, int block = 0) {
+  return {RowKind::Objects, kOptional, property, name,    ns,      minOccurs, maxOccurs,
+          nullptr,          &type,     nullptr,  nullptr, nullptr, nullptr,   static_cast<std::uint8_t>(block)};
 }
 constexpr CElementRow Head(char const* name, char const* ns, int property, Occurs occurs, CElementGroup const& group) {
   return {RowKind::Object, occurs, property, name, ns, 0, -1, nullptr, nullptr, nullptr, nullptr, nullptr, &group};
@@ -230,6 +240,10 @@ struct CClassRow {
   /// row of a base applies, and a property without a row must not be set.
   bool replacesBaseElements = false;
   bool replacesBaseAttributes = false;  ///< the same of the attributes
+  std::uint8_t derivation = 0;          ///< how it is derived from its base, where an element or type blocks that
+  std::uint8_t block = 0;               ///< derivations that an xsi:type must not use where this type is declared
+  char const* textDefault = nullptr;    ///< the text of an empty element; null for none
+  char const* textFixed = nullptr;      ///< the only text that there is; null for none
 };
 
 namespace Rows {

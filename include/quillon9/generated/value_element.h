@@ -7,9 +7,13 @@
 namespace Quillon9 {
 
 /// The row of a class CValueElement whose value is of the type \p value; \p targetNamespace is that of its element
-/// where it is the document root.
-constexpr CClassRow ValueElementRow(CValueType const& value, char const* targetNamespace = "") {
+/// where it is the document root. An empty element has the value \p defaultText, and each one the value \p fixedText,
+/// if these are not null.
+constexpr CClassRow ValueElementRow(CValueType const& value, char const* targetNamespace = "",
+                                    char const* defaultText = nullptr, char const* fixedText = nullptr) {
   CClassRow row;
+  row.textDefault = defaultText;
+  row.textFixed = fixedText;
   row.targetNamespace = targetNamespace;
   row.propertyCount = 1;
   row.textProperty = 0;
@@ -24,9 +28,16 @@ class CValueElement : public CNillable<CBoundObject> {
  public:
   /// The function for a CClassTables with ValueElementRow().
   static CSmartPtr<CXmlObjectBase> Make(CClassTables const& tables, char const* elementName) {
-    return new CValueElement(tables, elementName);
+    CSmartPtr<CValueElement> element = new CValueElement(tables, elementName);
+    element->SetDefaultText();
+    return element;
   }
 
+  /// Make it not nil, with the default or fixed value of the element, or else an empty one.
+  void Init() override {
+    CNillable::Init();
+    SetDefaultText();
+  }
   /// The value.
   T const& GetValue() const { return m_value; }
   /// Set it; it is not nil any more.

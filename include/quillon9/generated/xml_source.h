@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <iosfwd>
 #include <string>
 #include <string_view>
@@ -57,6 +58,7 @@ struct CRootRow {
   char const* name = "";               ///< its local name
   char const* ns = "";                 ///< its namespace; empty for none
   CClassTables const* type = nullptr;  ///< null for an element with any content, which is read into a CElement
+  std::uint8_t block = 0;              ///< derivations that an xsi:type must not use
 };
 
 /// Read a document whose element is one of the \p count elements at \p roots. The class of the object follows from the
