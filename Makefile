@@ -5,11 +5,12 @@ DESTDIR ?=
 FUZZ_SECONDS ?= 60
 SUITES ?= bookworm trixie
 SCHEMAS ?= ../shared/schemas
+BENCH_SETS ?= gpx11 camt053 bpmn20
 SUITE ?= ../shared/xsts/xsts.tar.xz
 EVERY ?= 1
 SETS ?=
 
-.PHONY: all run test debug asan tsan hardened pcre8 locales schemas damage xsts coverage fuzz bench ablation docs install \
+.PHONY: all run test debug asan tsan hardened pcre8 locales schemas schemas-bench damage xsts coverage fuzz bench ablation docs install \
   package-test bare-test packages format format-check tidy deps deps-all deps-packages clean help
 
 all: deps
@@ -46,6 +47,11 @@ schemas: deps-all   ## send the real SCHEMAS (SETS of them) and their documents 
 	cmake --preset release
 	cmake --build --preset release --target quillon9 quillon9_program
 	tests/schemas/check_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
+
+schemas-bench: deps-all   ## compare generated classes with CodeSynthesis XSD's, where that is installed, for BENCH_SETS
+	cmake --preset release
+	cmake --build --preset release --target quillon9 quillon9_program
+	tests/schemas/bench_schemas.py --schemas $(SCHEMAS) --build build/release --source . $(BENCH_SETS)
 
 damage: deps     ## damage documents of SCHEMAS (of SETS, ten by default), and check that failures name the damaged spots
 	cmake --preset release

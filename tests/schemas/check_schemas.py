@@ -46,6 +46,8 @@ class Set:
         self.schemas = [os.path.join(folder, path) for path in rows[0]["main schema file"].split(",")]
         documents = [row for row in rows if row["document"] != "-"]
         self.valid = [os.path.join(folder, row["document"]) for row in documents if row["valid"] == "yes"]
+        self.roots = [(row["root element"], os.path.join(folder, row["document"])) for row in documents
+                      if row["valid"] == "yes"]
         self.invalid = [os.path.join(folder, row["document"]) for row in documents if row["valid"] != "yes"]
         self.failure = ""
         self.seconds = self.megabytes = self.lines = self.compile_seconds = self.object_kilobytes = 0
