@@ -152,7 +152,7 @@ class Peer(Side):
         if shutil.which("xsdcxx") is None:
             raise Failed()
         command = ["xsdcxx", "cxx-tree", "--std", "c++11", "--generate-serialization", "--generate-polymorphic"]
-        command += ["--output-dir", self.folder]
+        command += ["--output-dir", self.folder, "--include-regex", "%.*/([^/]+)%$1%"]  # all files are in one folder
         for path in self.inputs:
             uri = ElementTree.parse(path).getroot().get("targetNamespace", "")
             if uri not in self.namespaces:
