@@ -66,6 +66,9 @@ std::size_t Weight(HeaderFile const& header) {
   return weight;
 }
 
+/// File systems allow names of 255 octets; an ending and a number follow.
+constexpr std::size_t kLongestStem = 200;
+
 std::string LowerCase(std::string name) {
   std::transform(name.begin(), name.end(), name.begin(), &Plan::Lowered);
   return name;
@@ -128,7 +131,7 @@ class HeaderPlanner {
   /// A header beside the collective ones, in a folder of its own, so that no name of a schema hides a header of the
   /// system.
   HeaderFile& AddHeader(Namespace const& ns, std::string const& stem) {
-    HeaderFile& header = NewHeader(m_paths.Take(ns.fileStem + '/' + stem) + ".h");
+    HeaderFile& header = NewHeader(m_paths.Take(ns.fileStem + '/' + stem.substr(0, kLongestStem)) + ".h");
     m_members[m_collective.at(&ns)].push_back(&header);
     return header;
   }
@@ -172,11 +175,13 @@ class HeaderPlanner {
   }
 
   void DivideBySchema() {
-    std::map<std::string, HeaderFile*> headers;
+    // A description of a web service, or a schema without a namespace of its own, may have types of several namespaces.
+    std::map<std::pair<Namespace const*, std::string>, HeaderFile*> headers;
     auto const headerFor = [&](auto const& type) -> HeaderFile& {
+      Namespace const& ns = NamespaceOf(type);
       std::string const file = type.place.file != nullptr ? *type.place.file : "built-in";
-      HeaderFile*& header = headers[file];
-      if (header == nullptr) header = &AddHeader(NamespaceOf(type), StemOf(file));
+      HeaderFile*& header = headers[{&ns, file}];
+      if (header == nullptr) header = &AddHeader(ns, StemOf(file));
       return *header;
     };
     for (Class const* cls : m_plan.classes) headerFor(*cls).classes.push_back(cls);

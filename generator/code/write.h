@@ -18,6 +18,9 @@ struct GeneratedFile {
 /// mark the files of earlier runs.
 std::vector<std::string> FirstLines(Plan::Plan const& plan);
 
+/// The one of those files that only exist because the classes are divided, where \p mainHeader includes them all.
+std::string FirstLineOfPart(std::string const& mainHeader);
+
 /// The names of the files that Write() returns, without their content.
 std::vector<std::string> FileNames(FilePlan const& files);
 

@@ -52,7 +52,8 @@ std::vector<std::string const*> Documents::Paths() const {
     if (path != nullptr && std::find(paths.begin(), paths.end(), path) == paths.end()) paths.push_back(path);
   };
   for (Document const& description : m_descriptions) add(description.source->GetPath());
-  for (Document const* document : m_all) add(document->source->GetPath());
+  // Copies count as well: they may differ some day.
+  for (Document const& document : m_documents) add(document.source->GetPath());
   return paths;
 }
 

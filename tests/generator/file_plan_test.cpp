@@ -115,6 +115,26 @@ TEST_F(FilePlanTest, HeadersIncludeOnlyWhatMustBeComplete) {
   for (Row const& row : rows) EXPECT_EQ(Printed(row.split), row.files);
 }
 
+TEST(FilePlan, NamesOfHeadersAreShortAndUniqueAndEachNamespaceHasItsOwn) {
+  SchemaFiles files;
+  std::string const a(200, 'a');
+  files.WriteSchema("shared.xsd", "",
+                    "<xs:complexType name='" + a + "b'/><xs:complexType name='" + a + std::string(200, 'c') + "'/>");
+  std::string const include = "<xs:include schemaLocation='shared.xsd'/>";
+  files.WriteSchema("people.xsd", "urn:people", include);
+  files.WriteSchema("a.xsd", "urn:a", include + "<xs:import namespace='urn:people' schemaLocation='people.xsd'/>");
+  Schema::SchemaSet const set = files.Load({"a.xsd"});
+  Plan::Plan const plan = PlanOf(set);
+  std::vector<std::string> const sources = {"fleet.cpp", "fleet_2.cpp"};
+  auto const expect = [&](Split split, std::vector<std::string> names) {
+    names.insert(names.begin(), {"fleet.h", "people.h"});
+    names.insert(names.end(), sources.begin(), sources.end());
+    EXPECT_EQ(Code::FileNames(Code::MakeFilePlan(plan, split)), names);
+  };
+  expect(Split::ByType, {"fleet/" + a + ".h", "fleet/" + a + "2.h", "people/" + a + ".h", "people/" + a + "2.h"});
+  expect(Split::BySchema, {"fleet/shared.h", "people/shared.h"});
+}
+
 TEST(FilePlan, SourcesHaveLikeSizes) {
   SchemaFiles files;
   std::string types;

@@ -25,7 +25,7 @@ TEST(SchemaDocuments, CirclesOfIncludesAndImportsEndAndCountFilesOnce) {
             "element {urn:a}a: xs:anyType\nelement {urn:n}n: xs:anyType\n"
             "element {urn:a}b: xs:anyType\nelement {urn:a}c: xs:anyType\n");
   EXPECT_EQ(set.targetNamespaces, (std::vector<std::string>{"urn:a", "urn:n"}));
-  EXPECT_EQ(set.files.size(), 4U);
+  EXPECT_EQ(set.files.size(), 5U);  // the copy counts, since it may change
 }
 
 TEST(SchemaDocuments, AFileWithoutNamespaceTakesThatOfEachIncluder) {

@@ -130,6 +130,9 @@ TEST_F(GenerateTest, DividesTheClassesAmongFiles) {
             "out/orders/part.h" + warning);
   EXPECT_EQ(Run("generate -o out -n Orders purchase_order.xsd").errors,
             "out/orders/part.h" + warning + "out/orders/piece.h" + warning + "out/orders_2.cpp" + warning);
+  EXPECT_EQ(Run("generate -o out -n Depots purchase_order.xsd").errors,
+            "out/orders.cpp" + warning + "out/orders.h" + warning + "out/orders/part.h" + warning +
+                "out/orders/piece.h" + warning + "out/orders_2.cpp" + warning);
 }
 
 TEST_F(GenerateTest, FaultsHaveTheFormOfACompilerAndNothingIsWritten) {
@@ -170,6 +173,7 @@ TEST_F(GenerateTest, WrongOptionsAreStatus2) {
   Row const rows[] = {
       {"", "a schema is missing"},
       {"-n Quillon9 a.xsd", "--namespace Quillon9 cannot be a namespace of generated classes"},
+      {"-n A::quillon9 a.xsd", "--namespace A::quillon9 cannot be a namespace of generated classes"},
       {"-n A::class a.xsd", "--namespace A::class cannot be a namespace of generated classes"},
       {"-n A:B a.xsd", "--namespace A:B cannot be a namespace of generated classes"},
       {"Quillon9.xsd", "give --namespace: none can be made from Quillon9.xsd"},

@@ -32,6 +32,11 @@ constexpr std::string_view kKeywords[] = {
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
+std::string LowerCase(std::string name) {
+  std::transform(name.begin(), name.end(), name.begin(), &Quillon9Generator::Plan::Lowered);
+  return name;
+}
+
 }  // namespace
 
 bool IsCppName(std::string const& name) {
@@ -47,8 +52,9 @@ bool IsCppNamespace(std::string const& name) {
   for (std::size_t begin = 0;;) {
     std::size_t const end = name.find("::", begin);
     std::string const part = name.substr(begin, end == name.npos ? end : end - begin);
-    // Inside such a namespace, generated code would look for the names of the library in the wrong one.
-    if (!IsCppName(part) || part == "Quillon9" || part == "std") return false;
+    // Inside such a namespace, generated code would look for the names of the library in the wrong one; and headers in
+    // a folder quillon9 would hide those of the library.
+    if (!IsCppName(part) || LowerCase(part) == "quillon9" || part == "std") return false;
     if (end == name.npos) return true;
     begin = end + 2;
   }

@@ -105,17 +105,27 @@ std::vector<std::string> GeneratedFilesIn(std::string const& output, std::string
   return names;
 }
 
-/// Warn of files that an earlier run for the same schemas has left in \p output and that are not among \p written.
-void WarnOfStaleFiles(std::string const& output, Plan::Plan const& plan, std::vector<std::string> const& written) {
-  std::set<std::string> const current(written.begin(), written.end());
-  std::vector<std::string> const firstLines = Code::FirstLines(plan);
+/// The files that runs for the same schemas have written to \p output, with other options, too. Then their namespaces
+/// and folders may have had other names.
+std::vector<std::string> GeneratedFiles(std::string const& output, Plan::Plan const& plan) {
+  std::vector<std::string> firstLines = Code::FirstLines(plan);
+  for (std::string const& name : GeneratedFilesIn(output, "", firstLines)) {
+    firstLines.push_back(Code::FirstLineOfPart(fs::path(name).replace_extension(".h").string()));
+  }
   std::vector<std::string> found = GeneratedFilesIn(output, "", firstLines);
-  for (Plan::Namespace const& ns : plan.namespaces) {
-    std::vector<std::string> const parts = GeneratedFilesIn(output, ns.fileStem, firstLines);
+  std::error_code error;
+  for (fs::directory_iterator entry(output, error), end; !error && entry != end; entry.increment(error)) {
+    std::vector<std::string> const parts = GeneratedFilesIn(output, entry->path().filename().string(), firstLines);
     found.insert(found.end(), parts.begin(), parts.end());
   }
   std::sort(found.begin(), found.end());
-  for (std::string const& name : found) {
+  return found;
+}
+
+/// Warn of files that an earlier run for the same schemas has left in \p output and that are not among \p written.
+void WarnOfStaleFiles(std::string const& output, Plan::Plan const& plan, std::vector<std::string> const& written) {
+  std::set<std::string> const current(written.begin(), written.end());
+  for (std::string const& name : GeneratedFiles(output, plan)) {
     if (current.count(name) != 0) continue;
     Print({Diagnostic::Severity::Warning, PathIn(output, name), 0, 0,
            "an earlier run has written this file, which is not generated any more"});
