@@ -43,7 +43,11 @@ std::string Index(Contents const& contents, Schema::SchemaSet const& set) {
   }
   body += "</table>\n" + elements + "<h3>Files</h3>\n<ul>\n";
   for (std::string const* file : set.files) {
-    body += "<li>" + Escaped(file->substr(file->rfind('/') + 1)) + "</li>\n";
+    body += "<li>" + Escaped(file->substr(file->rfind('/') + 1));
+    for (Schema::Component const& document : set.documents) {
+      if (document.place.file == file) body += '\n' + Paragraphs(document.documentation);
+    }
+    body += "</li>\n";
   }
   return Document("Schemas", "Schemas", body + "</ul>\n");
 }

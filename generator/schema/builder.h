@@ -143,6 +143,7 @@ class Builder {
                            std::optional<std::string>& fixedValue);
   bool IsQualified(Document const& document, Node const& node, std::string_view formDefault);
   static void Describe(Component& component, Node const& node);
+  static void DescribeDocument(Node const& root, SchemaSet& set);
 
   // simple_types.cpp, facets.cpp
   void Complete(Global<SimpleType>& global);

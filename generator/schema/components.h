@@ -230,6 +230,7 @@ struct ComplexType : Component {
 /// in the order in which they were first referred to; anonymous and local components are reached through their owners.
 struct SchemaSet {
   std::vector<std::string const*> files;  ///< the paths of all documents
+  std::vector<Component> documents;       ///< the places and documentation of those that have some of their own
   std::vector<ElementDeclaration const*> elements;
   std::vector<AttributeDeclaration const*> attributes;
   std::vector<SimpleType const*> simpleTypes;    ///< without the built-in ones

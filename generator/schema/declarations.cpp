@@ -24,12 +24,20 @@ void Builder::Build(Documents const& documents, SchemaSet& set) {
   m_documents = &documents;
   set.files = documents.Paths();
   std::set<std::string> namespaces;
+  std::set<Node const*> roots;  // a document may count for several namespaces
   for (Document const* document : documents.All()) {
+    if (roots.insert(&document->Root()).second) DescribeDocument(document->Root(), set);
     if (namespaces.insert(document->targetNamespace).second) set.targetNamespaces.push_back(document->targetNamespace);
     Declare(*document);
   }
   Redefine(documents.All());
   FillAll(set);
+}
+
+void Builder::DescribeDocument(Node const& root, SchemaSet& set) {
+  Component description;
+  Describe(description, root);
+  if (!description.documentation.empty()) set.documents.push_back(std::move(description));
 }
 
 void Builder::Finish(SchemaSet const& set) {

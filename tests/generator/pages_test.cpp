@@ -40,12 +40,14 @@ std::string BrokenLinks(std::vector<Pages::Page> const& pages) {
   return broken;
 }
 
-std::string PageOf(std::string const& body) {
+/// The index and the page of the schema.
+std::string PagesOf(std::string const& body) {
   SchemaFiles files;
   std::vector<Pages::Page> const pages = Pages::Write(SchemaOf(body, files));
   EXPECT_EQ(files.Diagnostics(), "");
   EXPECT_EQ(BrokenLinks(pages), "");
-  return pages.back().content;
+  EXPECT_EQ(pages.size(), 2U);
+  return pages.front().content + pages.back().content;
 }
 
 // To accept a change: quillon9 generate --documentation=tests/generator/golden/pages tests/generator/golden/drawing.xsd
@@ -81,6 +83,10 @@ TEST(Pages, ShowsWhatTheSchemaSays) {
        "</complexType>",
        "href=\"urn-t.html#element-gr%C3%B6%C3%9F"
        "e\""},
+      // What a document says about itself is on the first page.
+      {"<annotation><documentation>A\n\n&lt;b></documentation></annotation><element name='e' type='int'/>"
+       "<annotation><documentation>C</documentation></annotation>",
+       "<li>a.xsd\n<p>A</p>\n<p>&lt;b&gt;\nC</p>\n</li>"},
       // A derived type has what it adds or changes.
       {"<complexType name='B'><attribute name='a'/><attribute name='b'/><attribute name='c'/></complexType>"
        "<complexType name='D'><complexContent><restriction base='t:B'><attribute name='a' use='prohibited'/>"
@@ -109,7 +115,7 @@ TEST(Pages, ShowsWhatTheSchemaSays) {
        "any element</td><td>1</td><td>of any namespace but <code>urn:t</code>; not checked</td>"},
   };
   for (Row const& row : rows) {
-    std::string const page = PageOf(row.schema);
+    std::string const page = PagesOf(row.schema);
     EXPECT_NE(page.find(row.text), page.npos) << row.text << "\n" << page;
     EXPECT_EQ(page.find("<script"), page.npos);
   }
