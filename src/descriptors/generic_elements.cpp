@@ -262,7 +262,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 void CElement::WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                                     bool inChoice) const {
   if (m_isMixed) {
-    PreserveSpace(*writer);
+    writer->PreserveSpace();
     for (CContentItem<CElement> const& item : Content()) {
       if (item.IsText()) {
         writer->WriteString(std::string(item.GetText()), ItemType_string);

@@ -231,6 +231,10 @@ bool CFastInfosetWriter::DeclarePrefix(std::string const& prefix, std::string co
   return isBound;
 }
 
+void CFastInfosetWriter::PreserveSpace() {
+  if (m_mixed == nullptr) m_mixed = StartedElement();
+}
+
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {
   bool isNew = false;
   return FindOrBindPrefix(context, uri, isNew);
@@ -241,7 +245,7 @@ void CFastInfosetWriter::WriteString(std::string const& value, ItemType type) {
   WriteElement(false);
   if (m_context != nullptr) {
     CloseTag();
-    if (!text.empty()) EndChild();  // the text is not part of the child in front of it
+    if (m_mixed != nullptr && !text.empty()) EndChild();
   } else if (!text.empty()) {
     ThrowFastInfosetWriteFailure("There is no open element for the text.");
   }
@@ -255,6 +259,7 @@ void CFastInfosetWriter::WriteEndElement() {
   CloseTag();
   if (m_terminatorPending) m_output->Octet(fi::kDoubleTerminator);
   m_terminatorPending = !m_terminatorPending;
+  if (m_context == m_mixed) m_mixed = nullptr;
   PopContext();
   m_output->FlushIfFull();
 }

@@ -149,7 +149,7 @@ void CBoundObject::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationContext
   if (!m_tables->Built().IsMixed()) return CXmlGeneratedClass::ContentToXml_Int(writer, ctx, inChoice);
   std::string_view const text = MixedText();
   std::vector<std::size_t> const* const places = BoundAccess::Places(*this);
-  if (!text.empty()) PreserveSpace(*writer);
+  if (!text.empty()) writer->PreserveSpace();
   if (text.empty() || places == nullptr) return CXmlGeneratedClass::ContentToXml_Int(writer, ctx, inChoice);
   MixedTexts texts(*writer, text, *places);
   ProcessElementSeqToXml(ctx, GetClassElementInfo(), writer);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-#include "quillon9/xmlio/text_writer.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -34,10 +33,6 @@ void MixedTexts::WriteUpTo(std::size_t place) {
   std::string const run(m_text.substr(m_written, place - m_written));
   m_written = place;
   m_writer.WriteString(run, ItemType_string);
-}
-
-void PreserveSpace(CXmlWriter& writer) {
-  if (auto* const textWriter = dynamic_cast<CXmlTextWriter*>(&writer)) textWriter->PreserveSpace();
 }
 
 }  // namespace Quillon9

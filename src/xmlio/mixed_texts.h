@@ -37,7 +37,4 @@ class MixedTexts {
   MixedTexts* m_outer;
 };
 
-/// Let the writer add no layout inside the open element from now on.
-void PreserveSpace(CXmlWriter& writer);
-
 }  // namespace Quillon9

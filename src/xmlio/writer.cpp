@@ -308,6 +308,8 @@ void CXmlWriter::WriteTextBeforeChild() {
   if (m_context != nullptr && XmlWriterAccess::IsMixed(*m_context)) m_mixedTexts->BeforeChild();
 }
 
+void CXmlWriter::PreserveSpace() {}
+
 void CXmlWriter::PopContext() { XmlWriterAccess::Release(*this, std::exchange(m_context, m_context->m_parent)); }
 
 XmlWriterAccess::Context* XmlWriterAccess::NewChild(CXmlWriter& writer, std::string const& localName,

@@ -57,6 +57,7 @@ class Doc {
     if (!atOnce) return Start(name.c_str(), ns).Text(text, type).End();
     return m_writer.WriteTextElement(name, ns, text, type, member), *this;
   }
+  Doc& Mixed() { return m_writer.PreserveSpace(), *this; }
   Doc& End(int count = 1) {
     while (count-- > 0) m_writer.WriteEndElement();
     return *this;
@@ -106,6 +107,15 @@ TEST(FastInfosetWriter, AttributesAndText) {
   EXPECT_EQ(Doc().Start("a").Text(std::string("x\0y", 3)).Text(std::string("\0y", 2)).Text("x").End().Hexed(),
             Expected("38F0 3C 00'a' 90'x' A0 FF"));
   EXPECT_EQ(Doc().Start("a").Text("<![CDATA[1]]>").End().Hexed(), Expected("38F0 3C 00'a' 82 0A'<![CDATA[1]]>' FF"));
+}
+
+TEST(FastInfosetWriter, TextAfterAChildIsTextOfTheChildUnlessContentIsMixed) {
+  EXPECT_EQ(Doc().Start("a").Start("b").End().Text("x").Start("c").End().Text("y").End().Hexed(),
+            Expected("38F0 3C 00'a' 3C 00'b' 90'x' F0 3C 00'c' 90'y' FF F0"));
+  EXPECT_EQ(Doc().Start("a").Mixed().Start("b").End().Text("x").Start("c").End().Text("y").End().Hexed(),
+            Expected("38F0 3C 00'a' 3C 00'b' F0 90'x' 3C 00'c' F0 90'y' FF"));
+  EXPECT_EQ(Doc().Start("r").Start("a").Mixed().Start("b").Mixed().End().Text("x").End().Text("z").End().Hexed(),
+            Expected("38F0 3C 00'r' 3C 00'a' 3C 00'b' F0 90'x' 90'z' FF F0"));
 }
 
 TEST(FastInfosetWriter, Namespaces) {

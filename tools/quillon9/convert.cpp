@@ -104,7 +104,7 @@ class TreeWriter {
                                     attribute->GetValue(), TypeOf(attribute->GetValue()));
     }
     if (!element.IsMixed()) return WriteText(TextOf(element, m_keepSpace));
-    if (auto* const textWriter = dynamic_cast<CXmlTextWriter*>(&m_writer)) textWriter->PreserveSpace();
+    m_writer.PreserveSpace();
   }
 
   void WriteText(std::string const& text) {

@@ -77,6 +77,9 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
   bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
+  /// Let text that follows a child be text of the open element or of those in it, until the element ends. Otherwise it
+  /// becomes text of that child.
+  void PreserveSpace() override;
   /// Write the element in one step, unless this object is of a derived class. \p member saves the lookup of a name.
   void WriteTextElement(std::string const& localName, std::string const& namespaceUri, std::string_view value,
                         ItemType type, std::uint64_t member = 0) override;
@@ -126,6 +129,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   std::unique_ptr<COctetSink> m_output;
   CFastInfosetContext const* m_options;
   CXmlWriterContext* m_pendingElement = nullptr;  // started, neither written nor current; its parent link does not own
+  CXmlWriterContext const* m_mixed = nullptr;     // the outermost open element that has text between its children
   bool m_terminatorPending = false;               // the end of one element is noted but not yet written
   std::vector<std::pair<std::string, std::string>> m_declared;  // prefixes and URIs for the pending element
   CFIVocabulary m_vocabulary;

@@ -55,7 +55,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
 
   /// Write no line ends and tabs inside the open element from now on, because white space counts there. Its end tag is
   /// again followed by a line end. Does nothing when no element is open.
-  void PreserveSpace();
+  void PreserveSpace() override;
   /// Return whether line ends and tabs are written, which PreserveSpace() affects.
   bool GetFormat() const { return m_format; }
   /// Set whether line ends and tabs are written between elements. Call this, like SetEOLType(), before any output.

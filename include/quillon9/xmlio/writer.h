@@ -90,6 +90,9 @@ class QUILLON9_API CXmlWriter {
   /// output.
   /// \throws CQnException "Attributes must be added before elements" when no start tag is open.
   virtual bool DeclarePrefix(std::string const& prefix, std::string const& uri);
+  /// Say, after its attributes, that the open element has text between its children, so that white space counts in it
+  /// and its contents. The base class does nothing.
+  virtual void PreserveSpace();
   /// Return a prefix for names of the namespace \p uri, which is not empty, in values of the element that was started
   /// last: the one that is bound, or else \p preferred where DeclarePrefix() accepts it, or else a generated one, which
   /// is declared.
