@@ -7,7 +7,7 @@ namespace Quillon9 {
 
 // The process ends, because a test that expects failures would take an exception for one of them.
 void FastPath::Abort() const {
-  std::fprintf(stderr, "The mechanism %s has remembered a wrong answer\n", m_name);
+  std::fprintf(stderr, "The mechanism %s has given a wrong answer\n", m_name);
   std::abort();
 }
 

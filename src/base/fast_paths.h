@@ -29,6 +29,8 @@ class FastPath {
       if (!isRight()) Abort();
     }
   }
+  /// End the process with a message that names the mechanism.
+  [[noreturn]] void Abort() const;
 
  private:
 #ifdef QUILLON9_WITHOUT
@@ -42,7 +44,6 @@ class FastPath {
 #else
   static constexpr bool IsBuiltWith(std::string_view) { return true; }
 #endif
-  [[noreturn]] void Abort() const;
 
   char const* m_name;
   bool m_isOn;
@@ -58,6 +59,7 @@ constexpr FastPath kNodePlace{"node_place"};
 inline constexpr FastPath kBlockCache{"block_cache"};
 inline constexpr FastPath kElementAtOnce{"element_at_once"};
 inline constexpr FastPath kFacetFilter{"facet_filter"};
+inline constexpr FastPath kFastReader{"fast_reader"};
 inline constexpr FastPath kFollowers{"followers"};
 inline constexpr FastPath kInfosetNames{"infoset_names"};
 inline constexpr FastPath kKnownMember{"known_member"};

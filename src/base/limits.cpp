@@ -13,6 +13,7 @@ std::uint64_t maxContentTotal = 4096 * kMebibyte;
 std::uint32_t maxDecompressedSize = 1024 * kMebibyte;
 bool allowDocumentType = true;
 std::uint32_t maxDeclaredAttributes = 1000;
+bool useFastReader = true;
 
 }  // namespace
 
@@ -36,5 +37,8 @@ void CLimits::SetAllowDocumentType(bool allow) { allowDocumentType = allow; }
 
 std::uint32_t CLimits::GetMaxDeclaredAttributes() { return maxDeclaredAttributes; }
 void CLimits::SetMaxDeclaredAttributes(std::uint32_t count) { maxDeclaredAttributes = count; }
+
+bool CLimits::GetUseFastReader() { return useFastReader; }
+void CLimits::SetUseFastReader(bool use) { useFastReader = use; }
 
 }  // namespace Quillon9

@@ -21,6 +21,9 @@
 #include "text/utf8_text.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
+#include "xmlio/fast_reader.h"
+#include "xmlio/fast_reader_mode.h"
+#include "xmlio/tree_comparison.h"
 
 namespace Quillon9 {
 
@@ -99,6 +102,14 @@ void SetPlace(CQnException& failure, CFailurePlace place) {
 Utf8Text::Use TextUse(CXmlSerializationContext const& context) {
   bool const mustBeUtf8 = context.GetTextEncoding() == TextEncoding_UTF8 && !Utf8Text::IsInUse();
   return mustBeUtf8 ? Utf8Text::Use::kYes : Utf8Text::Current();
+}
+
+/// Read \p document without the parser, and return whether that was possible.
+bool ReadPlainText(CXmlDocument& document) {
+  FastReaderMode const mode = CurrentFastReaderMode();
+  if (mode == FastReaderMode::kOff || !FastReader::Read(document)) return false;
+  if (mode == FastReaderMode::kCompared) CompareWithParser(document);
+  return true;
 }
 
 }  // namespace
@@ -208,6 +219,7 @@ bool CXmlDocument::ParseInfoset(char const* file) {
 
 void CXmlDocument::ParseText(bool isWide, char const* file) {
   Utf8Text::Scope const scope(TextUse(m_context));
+  if (!isWide && ReadPlainText(*this)) return;
   CExpatReader reader(*this);
   reader.CreateParser();
   try {

@@ -20,6 +20,8 @@ class CUtf8ToLocal {
   bool IsSameExcludingCR(std::string_view utf8) const;
   /// Whether the conversion leaves plain ASCII unchanged.
   bool KeepsAscii() const { return m_kind != Kind::kOther; }
+  /// Whether it leaves all well-formed text without zeros unchanged.
+  bool KeepsUtf8() const { return m_kind == Kind::kSame || m_kind == Kind::kUtf8; }
   std::string operator()(std::string_view utf8) const {
     std::string local;
     Append(local, utf8);

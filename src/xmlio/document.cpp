@@ -39,17 +39,21 @@ CXmlName const* CXmlDocument::ShareName(std::string_view namespaceUri, std::stri
 
 void CXmlDocument::Cleanup() {
   ++m_cleanups;
-  CXmlElement* const root = std::exchange(m_documentElement, nullptr);
-  if (m_memory != nullptr) std::exchange(m_memory, nullptr)->Abandon(root);
+  XmlNodeAccess::DropTree(*this);
   m_inputData = nullptr;
   m_ownedInput.reset();
   m_inputSize = 0;
   m_contentSize = 0;
   m_contentLimit = kNoLimit;
-  m_elementStack.clear();
-  m_previous.clear();
-  m_places.clear();
-  m_namespaceAliases.clear();
+}
+
+void XmlNodeAccess::DropTree(CXmlDocument& document) noexcept {
+  CXmlElement* const root = std::exchange(document.m_documentElement, nullptr);
+  if (document.m_memory != nullptr) std::exchange(document.m_memory, nullptr)->Abandon(root);
+  document.m_elementStack.clear();
+  document.m_previous.clear();
+  document.m_places.clear();
+  document.m_namespaceAliases.clear();
 }
 
 std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {

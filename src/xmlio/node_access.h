@@ -108,8 +108,17 @@ struct XmlNodeAccess {
   static void LendInput(CXmlDocument& document, CXmlDocument const& from) {
     document.m_inputData = from.m_inputData;
     document.m_inputSize = from.m_inputSize;
+    document.m_schemaType = from.m_schemaType;
     document.StartCounting();
   }
+  /// Whether nothing has been built or declared in \p document.
+  static bool IsUntouched(CXmlDocument const& document) {
+    return document.m_memory == nullptr && document.m_documentElement == nullptr && document.m_elementStack.empty() &&
+           document.m_namespaceAliases.empty();
+  }
+  static bool HasFilter(CXmlDocument const& document) { return document.m_filter != nullptr; }
+  /// Drop what has been built or declared, but not the input.
+  static void DropTree(CXmlDocument& document) noexcept;
   /// CXmlDocument::EndElement() and CloseElement(), inline, because they run for every element.
   ///@{
   static void EndElement(CXmlDocument& document) {

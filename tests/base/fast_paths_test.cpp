@@ -12,7 +12,7 @@ TEST(FastPathDeathTest, AWrongAnswerEndsABuildThatComparesAndNoOther) {
   EXPECT_EQ(kChecksCaches ? 1 : 0, calls);
   auto const isWrong = [] { return false; };
   if (kChecksCaches) {
-    EXPECT_DEATH(path.Verify(isWrong), "The mechanism some_path has remembered a wrong answer");
+    EXPECT_DEATH(path.Verify(isWrong), "The mechanism some_path has given a wrong answer");
   } else {
     path.Verify(isWrong);
   }
