@@ -97,7 +97,8 @@ class Comparison {
     std::string one;
     std::string other;
     for (auto const& alias : m_left.GetNamespaceAliases()) {
-      if (m_lookups++ == kMostLookups) return true;
+      if (m_lookups == kMostLookups) break;
+      ++m_lookups;
       bool const isBound = m_left.LookupNamespace(left, alias.first, one);
       if (m_right.LookupNamespace(right, alias.first, other) != isBound || one != other) return false;
     }
