@@ -4,12 +4,16 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <iterator>
 #include <map>
+#include <random>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
+#include "both_readers.h"
 #include "corpus/sha256.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
@@ -162,6 +166,49 @@ TEST_P(Corpus, ConformanceSuiteGivesTheRecordedOutcomes) {
   for (auto const& [rowClass, count] : counts) {
     std::cout << rowClass << ": " << count.first << " of " << count.second << " agree\n";
   }
+}
+
+std::string BytesOf(fs::path const& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// \p text with one place changed at random, in a way that documents are changed: bytes are lost, repeated or replaced.
+std::string Damaged(std::string text, std::mt19937& random) {
+  constexpr std::string_view kBytes("<>&'\"/=!?:;-[] \t\r\n\0\x01xa\x80\xC3\xEF\xFF", 27);
+  std::size_t const at = random() % text.size();
+  std::size_t const length = 1 + random() % 12;
+  switch (random() % 4) {
+    case 0: text.erase(at, length); break;
+    case 1: text.insert(at, text.substr(random() % text.size(), length)); break;
+    case 2: text.insert(at, 1, kBytes[random() % kBytes.size()]); break;
+    case 3: text[at] = kBytes[random() % kBytes.size()]; break;
+  }
+  return text;
+}
+
+/// The fast reader takes each document that has no document type and is in UTF-8, and damaged ones only where the parser
+/// reads the same.
+TEST_P(Corpus, DocumentsAndDamagedOnesAreReadAlikeByBothReaders) {
+  constexpr int kTries = 40;
+  constexpr std::size_t kLongest = 20000;
+  std::mt19937 random(1);
+  int taken = 0;
+  for (Row const& row : ReadTable(CorpusFolder() / "manifest.tsv")) {
+    if (row.at(2) != "accept") continue;
+    std::string const text = BytesOf(CorpusFolder() / row.at(0));
+    bool const isPlain = text.find("<!DOCTYPE") == std::string::npos && text.find('\0') == std::string::npos;
+    Testing::BothReaders const whole = Testing::ReadByBoth(text);
+    EXPECT_EQ(whole.difference, "") << row.at(0);
+    EXPECT_EQ(whole.isTaken, isPlain) << row.at(0);
+    for (int i = 0; i < kTries && text.size() <= kLongest; ++i) {
+      std::string const damaged = Damaged(text, random);
+      Testing::BothReaders const result = Testing::ReadByBoth(damaged);
+      EXPECT_EQ(result.difference, "") << row.at(0) << '\n' << damaged;
+      taken += result.isTaken ? 1 : 0;
+    }
+  }
+  EXPECT_GT(taken, 100);
 }
 
 INSTANTIATE_TEST_SUITE_P(TextModels, Corpus,
