@@ -34,6 +34,12 @@ bool IsBeyondAscii(char byte) { return static_cast<unsigned char>(byte) >= 0x80;
 /// Whether the bracket at \p at ends a CDATA section, if the text in front of it begins at \p start.
 bool IsCDataEnd(char const* start, char const* at) { return at - start >= 2 && at[-1] == ']' && at[-2] == ']'; }
 
+/// Passes over what stops a scan but is an ordinary part of text.
+char const* SkipLayout(char const* at) {
+  while (*at == '\n' || *at == '\t') ++at;
+  return at;
+}
+
 std::string_view TextOf(char const* start, char const* end) { return {start, static_cast<std::size_t>(end - start)}; }
 
 }  // namespace
@@ -94,9 +100,10 @@ char const* FastReader::ReadContent(char const* at) {
 
 /// Reads up to the next '<'.
 char const* FastReader::ReadText(char const* at) {
+  if (at == m_end) return nullptr;
+  if (*at == '<') return at;
   char const* const start = at;
-  if (at != m_end && *at == '\n') ++at;  // as layout begins
-  at = FindStop<Within::kText>(at, m_end);
+  at = FindStop<Within::kText>(SkipLayout(at), m_end);
   if (at == m_end) return nullptr;
   if (*at != '<') return ReadOtherText(start, at);
   if (at != start) AppendText(start, at);
@@ -109,7 +116,7 @@ char const* FastReader::ReadOtherText(char const* start, char const* at) {
     switch (*at) {
       case '<': AppendText(start, at); return at;
       case '\t':
-      case '\n': ++at; break;
+      case '\n': at = SkipLayout(at); break;
       case '>':
         if (IsCDataEnd(start, at)) return nullptr;
         ++at;

@@ -51,10 +51,14 @@ void Commit(std::uintptr_t place, char* end) {
   BytesAt(place)[-2] = static_cast<char>(static_cast<unsigned char>(end - BytesAt(place)));
 }
 
+/// The least room that a text gets when it grows: layout comes in many short runs.
+constexpr std::size_t kLeastGrown = 4 * CTreeMemory::kGranule - kHead - 1;
+
 /// Move the text to storage for \p size bytes in total.
 void Move(std::uintptr_t& place, std::size_t size, CTreeMemory& memory) {
   std::size_t const old = place != 0 ? SizeAt(place) : 0;
-  std::size_t const granules = GranulesFor(std::min(std::max(size, 2 * old), kMostBytes));
+  std::size_t const grown = old != 0 ? std::max(2 * old, kLeastGrown) : 0;
+  std::size_t const granules = GranulesFor(std::min(std::max(size, grown), kMostBytes));
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
   if (old != 0) std::memcpy(bytes + kHead, BytesAt(place), old);
   FreeBytes(place, &memory);
@@ -97,9 +101,9 @@ void KeepPlaces(std::uintptr_t& place, CTreeMemory* memory, CChildPlaces places)
   StringAt(place)->places = std::move(kept);
 }
 
-void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
+void AppendMore(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
   if (text.empty()) return;
-  if (IsPart(place, text)) return Append(place, std::string(text), memory);
+  if (IsPart(place, text)) return AppendMore(place, std::string(text), memory);
   if (char* const to = Reserve(place, text.size(), memory)) {
     return Commit(place, to + CopyBlocks(to, text, [](std::uint64_t) { return false; }));
   }
@@ -107,18 +111,32 @@ void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
   StringAt(place)->text.append(text);
 }
 
-/// AppendPlain() for the first text, which is nearly always the only one.
-bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory) {
+namespace {
+
+/// Set the first text, which is nearly always the only one. Return false, with nothing changed, if the text is too long
+/// or \p stops finds something in it.
+template <class Stops>
+bool SetFirst(std::uintptr_t& place, std::string_view text, CTreeMemory& memory, Stops stops) {
   if (text.size() > kMostBytes) return false;
   std::size_t const granules = GranulesFor(text.size());
   auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
-  if (CopyBlocks(bytes + kHead, text, HasUnplain()) != text.size()) {
+  if (CopyBlocks(bytes + kHead, text, stops) != text.size()) {
     memory.Free(bytes, granules * CTreeMemory::kGranule);
     return false;
   }
   Place(place, bytes, granules);
   Commit(place, BytesAt(place) + text.size());
   return true;
+}
+
+}  // namespace
+
+bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory) {
+  return SetFirst(place, text, memory, HasUnplain());
+}
+
+bool SetWhole(std::uintptr_t& place, std::string_view text, CTreeMemory& memory) {
+  return SetFirst(place, text, memory, [](std::uint64_t) { return false; });
 }
 
 bool AppendMorePlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {

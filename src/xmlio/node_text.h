@@ -23,6 +23,8 @@ constexpr std::uintptr_t kIsString = 1;
 
 std::string_view ViewOfString(std::uintptr_t place);
 bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory);
+void AppendMore(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
+bool SetWhole(std::uintptr_t& place, std::string_view text, CTreeMemory& memory);
 bool AppendMorePlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
 
 /// Return the bytes, until the next call of another operation.
@@ -36,7 +38,10 @@ inline std::string_view GetView(std::uintptr_t place) {
 /// Return the same as a string, which lives until the next Append() or Free().
 std::string const& GetString(std::uintptr_t& place, CTreeMemory* memory);
 /// Append \p text. Appending n bytes in any number of pieces costs O(n).
-void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
+inline void Append(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
+  if (place != 0 || text.empty() || memory == nullptr || !SetWhole(place, text, *memory))
+    AppendMore(place, text, memory);
+}
 /// Append ASCII without zeros and carriage returns, checking it while copying. Return false, with nothing changed, if
 /// the text is not of this kind or has to become a string.
 inline bool AppendPlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory) {
