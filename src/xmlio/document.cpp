@@ -21,6 +21,8 @@ namespace {
 
 /// The charge for an element with mixed content besides the places of its children.
 constexpr std::size_t kMixedCharge = 128;
+/// Few documents nest deeper.
+constexpr std::size_t kUsualDepth = 16;
 
 std::size_t ChargeOf(CXmlName const& name) { return static_cast<TreeName const&>(name).charge; }
 
@@ -103,7 +105,7 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   if (m_documentElement != nullptr) throw CQnException("The document has a document element already");
   CheckDepth();
   CountContent(ChargeOf(*name));
-  m_elementStack.reserve(1);
+  m_elementStack.reserve(kUsualDepth);
   m_documentElement = XmlNodeAccess::NewElement(*name, Memory());
   if (m_filter != nullptr) m_previous.push_back(nullptr);
   return PushOpen(m_documentElement);

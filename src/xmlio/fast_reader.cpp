@@ -26,6 +26,9 @@ constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";
 /// An element with more attributes that have a prefix is left to the parser, because each pair of them is compared.
 constexpr std::size_t kMostPrefixed = 16;
+/// Few documents need more room than this.
+constexpr std::size_t kUsualDepth = 16;
+constexpr std::size_t kUsualAttributes = 8;
 
 char const* InputStart(CXmlDocument const& document) { return reinterpret_cast<char const*>(document.GetInputData()); }
 
@@ -65,7 +68,10 @@ FastReader::FastReader(CXmlDocument& document, bool takesAll)
     : m_document(document),
       m_takesAll(takesAll),
       m_end(InputStart(document) + document.GetInputSize()),
-      m_names(takesAll) {}
+      m_names(takesAll) {
+  m_open.reserve(kUsualDepth);
+  m_attributes.reserve(kUsualAttributes);
+}
 
 bool FastReader::ReadAll() {
   char const* at = InputStart(m_document);

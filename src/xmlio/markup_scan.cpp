@@ -6,36 +6,32 @@ namespace Quillon9::MarkupScan {
 
 namespace {
 
-/// Return the length of the character at the start of \p rest if it may stand there in a name without a colon, or 0.
-std::size_t NameCharacterLength(std::string_view rest, bool isFirst) {
-  if (static_cast<unsigned char>(rest[0]) < 0x80) {
-    bool const isAllowed = isFirst ? Is(kNameStart, rest[0]) : Is(kNamePart, rest[0]) && rest[0] != ':';
-    return isAllowed ? 1 : 0;
+/// Return the end of the part of a name without a colon that begins at \p at; \p at if it may not begin there.
+char const* PartEnd(char const* at, char const* end) {
+  bool isFirst = true;
+  for (; at != end; isFirst = false) {
+    if (Is(isFirst ? kNameStart : kPlainPart, *at)) {
+      ++at;
+      continue;
+    }
+    std::size_t const length = static_cast<unsigned char>(*at) < 0x80 ? 0 : CharacterLength(at, end);
+    if (length == 0) break;
+    std::uint32_t const character = DecodeSequence(reinterpret_cast<std::uint8_t const*>(at), length);
+    if (!(isFirst ? NameCharacters::IsStart(character) : NameCharacters::IsPart(character))) break;
+    at += length;
   }
-  std::size_t const length = CharacterLength(rest.data(), rest.data() + rest.size());
-  if (length == 0) return 0;
-  std::uint32_t const character = DecodeSequence(reinterpret_cast<std::uint8_t const*>(rest.data()), length);
-  bool const isAllowed = isFirst ? NameCharacters::IsStart(character) : NameCharacters::IsPart(character);
-  return isAllowed ? length : 0;
+  return at;
 }
 
 }  // namespace
 
 std::size_t FindColon(std::string_view text) {
-  std::size_t colon = 0;
-  bool isFirst = true;
-  for (std::size_t at = 0; at < text.size();) {
-    if (text[at] == ':' && !isFirst && colon == 0) {
-      colon = at++;
-      isFirst = true;
-      continue;
-    }
-    std::size_t const length = NameCharacterLength(text.substr(at), isFirst);
-    if (length == 0) return std::string_view::npos;
-    at += length;
-    isFirst = false;
-  }
-  return isFirst ? std::string_view::npos : colon;
+  char const* const end = text.data() + text.size();
+  char const* const colon = PartEnd(text.data(), end);
+  if (colon == text.data()) return std::string_view::npos;
+  if (colon == end) return 0;
+  if (*colon != ':' || colon + 1 == end || PartEnd(colon + 1, end) != end) return std::string_view::npos;
+  return static_cast<std::size_t>(colon - text.data());
 }
 
 }  // namespace Quillon9::MarkupScan

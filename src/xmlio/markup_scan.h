@@ -15,10 +15,11 @@ namespace MarkupScan {
 
 /// What a byte may be, as bits.
 enum ByteClass : std::uint8_t {
-  kSpace = 1,      ///< white space
-  kNameStart = 2,  ///< begins a name; ASCII, without the colon
-  kNamePart = 4,   ///< may be part of a name; so may a colon and everything beyond ASCII, for all that is known
-  kCharacter = 8,  ///< a whole character that a document may have
+  kSpace = 1,       ///< white space
+  kNameStart = 2,   ///< begins a name; ASCII, without the colon
+  kNamePart = 4,    ///< may be part of a name; so may a colon and everything beyond ASCII, for all that is known
+  kPlainPart = 8,   ///< may be part of a name; ASCII, without the colon
+  kCharacter = 16,  ///< a whole character that a document may have
 };
 
 namespace detail {
@@ -28,11 +29,11 @@ constexpr bool IsLetter(int byte) { return (byte >= 'a' && byte <= 'z') || (byte
 constexpr std::uint8_t ClassOf(int byte) {
   bool const isSpace = byte == ' ' || byte == '\t' || byte == '\n' || byte == '\r';
   bool const isStart = IsLetter(byte) || byte == '_';
-  bool const isPart =
-      isStart || (byte >= '0' && byte <= '9') || byte == '-' || byte == '.' || byte == ':' || byte >= 0x80;
+  bool const isPlainPart = isStart || (byte >= '0' && byte <= '9') || byte == '-' || byte == '.';
+  bool const isPart = isPlainPart || byte == ':' || byte >= 0x80;
   bool const isCharacter = isSpace || (byte > ' ' && byte < 0x80);
   return static_cast<std::uint8_t>((isSpace ? kSpace : 0) | (isStart ? kNameStart : 0) | (isPart ? kNamePart : 0) |
-                                   (isCharacter ? kCharacter : 0));
+                                   (isPlainPart ? kPlainPart : 0) | (isCharacter ? kCharacter : 0));
 }
 
 constexpr std::array<std::uint8_t, 256> MakeClasses() {

@@ -1,10 +1,13 @@
 #include "xmlio/tree_memory.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
+#include <utility>
 
 #include "base/fast_paths.h"
 #include "base/per_thread.h"
+#include "base/seeded_hash.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
@@ -76,15 +79,31 @@ void CTreeMemory::FreeDetached(void* node) noexcept {
 }
 
 TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
-  auto const found = m_names.find({namespaceUri, localName});
-  if (found != m_names.end()) return found->second.get();
+  // The document chooses the names.
+  std::uint64_t const hash = SeededHash::Mix(SeededHash::OfText(localName) ^ SeededHash::kOdd,
+                                             SeededHash::OfText(namespaceUri) ^ SeededHash::TheSecret().factor);
+  if (!m_nameBuckets.empty()) {
+    for (TreeName* name = BucketOf(hash); name != nullptr; name = name->nextInBucket) {
+      bool const isFound = name->hash == hash && name->localName == localName && name->namespaceUri == namespaceUri;
+      if (isFound) return name;
+    }
+  }
+  return AddName(namespaceUri, localName, hash);
+}
+
+TreeName* CTreeMemory::AddName(std::string_view namespaceUri, std::string_view localName, std::uint64_t hash) {
   std::size_t const size = namespaceUri.size() + localName.size();
   CountContent(kNameCharge + 2 * size);
-  auto name = std::make_unique<TreeName>(namespaceUri, localName, this, ChargeOfNode(size));
-  TreeName const* const result = name.get();
-  m_names.emplace(std::make_pair(std::string_view(result->namespaceUri), std::string_view(result->localName)),
-                  std::move(name));
-  return result;
+  if (m_names.size() == m_nameBuckets.size()) AddNameBuckets();
+  TreeName* const name = &m_names.emplace_back(namespaceUri, localName, this, ChargeOfNode(size));
+  name->hash = hash;
+  name->nextInBucket = std::exchange(BucketOf(hash), name);
+  return name;
+}
+
+void CTreeMemory::AddNameBuckets() {
+  m_nameBuckets.assign(std::max(2 * m_nameBuckets.size(), kFirstNameBuckets), nullptr);
+  for (TreeName& name : m_names) name.nextInBucket = std::exchange(BucketOf(name.hash), &name);
 }
 
 void* CTreeMemory::TakeFreed(std::size_t granules) {

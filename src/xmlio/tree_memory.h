@@ -2,7 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -32,6 +32,8 @@ struct TreeName final : CXmlName {
   CXmlDocument const* document = nullptr;  ///< of a standalone element
   mutable std::uint64_t member = 0;        ///< the number of the class member that is known to have both names
   std::size_t charge = 0;                  ///< what each node with this name counts for against CLimits, in a document
+  std::uint64_t hash = 0;                  ///< of both names, in a document
+  TreeName* nextInBucket = nullptr;        ///< another one of the document
 };
 
 /// Data that a node has outside the memory of its tree. It is freed with its node or with the memory.
@@ -146,6 +148,7 @@ class CTreeMemory {
  private:
   friend class CTreeExtra;
   static constexpr std::size_t kFreeName = 1024;
+  static constexpr std::size_t kFirstNameBuckets = 32;
   /// The charge for a name besides its texts: it is in the map and in a table of the reader.
   static constexpr std::size_t kNameCharge = 256;
   struct Freed {
@@ -154,6 +157,9 @@ class CTreeMemory {
   static constexpr std::size_t Granules(std::size_t size) { return (size + kGranule - 1) / kGranule; }
 
   ~CTreeMemory();
+  TreeName* AddName(std::string_view namespaceUri, std::string_view localName, std::uint64_t hash);
+  void AddNameBuckets();
+  TreeName*& BucketOf(std::uint64_t hash) { return m_nameBuckets[hash & (m_nameBuckets.size() - 1)]; }
   void* TakeFreed(std::size_t granules);
   void StartBlock();
 
@@ -169,8 +175,8 @@ class CTreeMemory {
   char* m_blockEnd = nullptr;
   std::vector<std::unique_ptr<char[]>> m_blocks;
   CTreeExtra* m_extras = nullptr;
-  /// By namespace, then by local name. Ordered, because the document chooses the names.
-  std::map<std::pair<std::string_view, std::string_view>, std::unique_ptr<TreeName>> m_names;
+  std::deque<TreeName> m_names;  // their places do not change
+  std::vector<TreeName*> m_nameBuckets;
 };
 
 }  // namespace Quillon9
