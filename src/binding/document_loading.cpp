@@ -21,6 +21,7 @@
 #include "text/utf8_text.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
+#include "xmlio/expat_version.h"
 #include "xmlio/fast_reader.h"
 #include "xmlio/fast_reader_mode.h"
 #include "xmlio/tree_comparison.h"
@@ -105,8 +106,10 @@ Utf8Text::Use TextUse(CXmlSerializationContext const& context) {
 }
 
 /// Read \p document without the parser, and return whether that was possible.
+/// \throws CQnException as RequireExpat() does; std::bad_alloc.
 bool ReadPlainText(CXmlDocument& document) {
   FastReaderMode const mode = CurrentFastReaderMode();
+  RequireExpat(XML_ExpatVersionInfo());  // so that it depends on no document whether a program notices
   if (mode == FastReaderMode::kOff || !FastReader::Read(document)) return false;
   if (mode == FastReaderMode::kCompared) CompareWithParser(document);
   return true;
