@@ -25,7 +25,7 @@ class NestingGuard {
     std::uint32_t const limit = CLimits::GetMaxElementDepth();
     bool const isWithinTotal = m_nesting.all / 4 <= limit;
     bool const isWithinLimit = m_nesting.elements <= limit && m_nesting.groups <= limit && isWithinTotal;
-    if (isWithinLimit && !m_nesting.stack.IsShort()) return;
+    if (isWithinLimit && !m_nesting.IsStackShort()) return;
     Leave();
     if (isWithinLimit)
       throw OfKind(FailureKind_Limit, CQnException("The element nesting exceeds the stack of the thread"));

@@ -34,6 +34,12 @@ struct ThreadNesting {
   std::uint32_t all = 0;
   ThreadStack stack;
 
+  /// Whether recursion has to end for want of stack. The first levels need so little that libc is not asked for them,
+  /// which for the main thread reads a file.
+  bool IsStackShort() { return (all > kShallow || stack.size != 0) && stack.IsShort(); }
+
+  static constexpr std::uint32_t kShallow = 8;
+
   /// The state of the calling thread. Not in the header: where compilers see that it is thread-local data they look it
   /// up again at each use.
   static ThreadNesting& OfThread();

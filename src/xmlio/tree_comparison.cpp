@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdio>
+#include <new>
 #include <string_view>
 #include <vector>
 
@@ -135,6 +136,7 @@ void CompareWithParser(CXmlDocument& document) {
     difference = FirstDifference(document, again);
   } catch (CQnException const& failure) {
     difference = failure.GetFullMessage();
+    if (difference.find(XML_ErrorString(XML_ERROR_NO_MEMORY)) == 0) throw std::bad_alloc();
   }
   if (difference.empty()) return;
   std::fprintf(stderr, "The parser reads something else: %s\n", difference.c_str());

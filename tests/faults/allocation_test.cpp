@@ -488,7 +488,9 @@ TEST(Allocation, ReachesTheCLibraries) {
       }
     };
   };
+  CLimits::SetUseFastReader(false);
   EXPECT_TRUE(fails("out of memory at line")({"expat", [] { return ReadingStream(false, CompressionType_None); }}));
+  CLimits::SetUseFastReader(true);
   EXPECT_TRUE(
       fails("[Error Code: -4]")({"zlib", [] { return WritingStream(XmlEncoding_UTF8, CompressionType_GZip); }}));
   Row const pattern = {"PCRE", [] { return CheckingPattern("[a-z]*", "abc"); }};
