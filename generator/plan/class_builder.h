@@ -75,7 +75,7 @@ class ClassBuilder {
   ValueTypes m_values;
   Derivations m_derivations;
   std::size_t m_documented = 0;  ///< octets of documentation of members
-  std::size_t m_budget;  ///< how many parts of content models may still come
+  std::size_t m_budget;          ///< how many parts of content models may still come
 
   std::map<Schema::ComplexType const*, Class*> m_classes;
   std::map<Schema::ElementDeclaration const*, ElementGroup*> m_elementGroups;  ///< by their heads

@@ -26,6 +26,8 @@ constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";
 /// An element with more attributes that have a prefix is left to the parser, because each pair of them is compared.
 constexpr std::size_t kMostPrefixed = 16;
+/// The parser refuses a comment, a value or the like of a gibibyte; a document that may have one is left to it.
+constexpr std::size_t kMostInput = 0x3FFF0000;
 /// Few documents need more room than this.
 constexpr std::size_t kUsualDepth = 16;
 constexpr std::size_t kUsualAttributes = 8;
@@ -51,8 +53,9 @@ std::string_view TextOf(char const* start, char const* end) { return {start, sta
 
 bool FastReader::Read(CXmlDocument& document) {
   CUtf8ToLocal const toLocal;
-  bool const isSuitable = document.GetSchemaType() != SchemaType_DTD && toLocal.KeepsAscii() &&
-                          XmlNodeAccess::IsUntouched(document) && !XmlNodeAccess::HasFilter(document);
+  bool const isSuitable = document.GetInputSize() <= kMostInput && document.GetSchemaType() != SchemaType_DTD &&
+                          toLocal.KeepsAscii() && XmlNodeAccess::IsUntouched(document) &&
+                          !XmlNodeAccess::HasFilter(document);
   if (!isSuitable) return false;
   std::uint64_t const contentSize = XmlNodeAccess::ContentSize(document);
   try {
