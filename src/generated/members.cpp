@@ -1,6 +1,7 @@
 #include "generated/members.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 
 #include "base/failure_detail.h"
@@ -285,21 +286,22 @@ QN_ELEMENT_FROM_XML(CollectionMember) {
 }
 
 // The elements that follow each other are shared out among this round and those after it: as many as possible for this
-// one, so that the others get what they need. The most that may be left over is looked at, up to a limit.
+// one, so that the others get what they need. Any number of elements from `enough` on can be shared out.
 int CollectionMember::CountForRound(CXmlSerializationContext const& ctx, CXmlElement const* cursor) const {
-  constexpr int kMostAhead = 1000;
-  int const least = m_row.minOccurs;
-  int const most = m_row.maxOccurs;
-  if (least < 2 || most <= least) return most;
-  int there = 0;
-  for (; there < most + kMostAhead && IsElementOf(m_row, *this, ctx, cursor); ++there) {
+  constexpr std::int64_t kMostAhead = 1000;
+  std::int64_t const least = m_row.minOccurs;
+  std::int64_t const most = m_row.maxOccurs;
+  if (least < 2 || most <= least) return m_row.maxOccurs;
+  std::int64_t const enough = std::min(least * ((most - 2) / (most - least)), kMostAhead);
+  std::int64_t there = 0;
+  for (; there < most + enough && IsElementOf(m_row, *this, ctx, cursor); ++there) {
     cursor = cursor->GetNextSiblingElement();
   }
-  auto const canBeShared = [&](int count) { return (count + most - 1) / most * least <= count; };
-  for (int taken = std::min(most, there); taken >= least; --taken) {
-    if (canBeShared(there - taken)) return taken;
+  auto const canBeShared = [&](std::int64_t count) { return (count + most - 1) / most * least <= count; };
+  for (std::int64_t taken = std::min(most, there); taken >= least; --taken) {
+    if (canBeShared(there - taken)) return static_cast<int>(taken);
   }
-  return most;
+  return m_row.maxOccurs;
 }
 
 CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
