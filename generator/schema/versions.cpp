@@ -32,7 +32,8 @@ bool IsForThisVersion(Node const& node, Diagnostics& diagnostics) {
                                           " is left out, since it is for another version of XML Schema than 1.0");
       return false;
     } catch (Quillon9::CQnException const&) {
-      diagnostics.Error(node.place, "\"" + std::string(attribute.value) + "\" is not a version of XML Schema");
+      diagnostics.Warning(node.place, "the attribute \"vc:" + std::string(attribute.name) +
+                                          "\" is not evaluated, since its value is not a version");
     }
   }
   return true;
