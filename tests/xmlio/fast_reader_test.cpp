@@ -193,13 +193,14 @@ TEST_F(FastReaderTest, LeavesToTheParserWhatIsNotPlain) {
 
 // Each byte of the rich document is left out, doubled, and replaced; and each beginning of it is read.
 TEST_F(FastReaderTest, DamagedTextIsReadAsByTheParser) {
+  static constexpr char kBytes[] = "\0\x01\t\n\r !\"&'-/:;<=>?[]a\x7F\x80\xBF\xC0\xC3\xE0\xEF\xF4\xFF";
   std::string const rich = kRich;
   std::vector<std::string> damaged;
   for (std::size_t at = 0; at < rich.size(); ++at) {
     damaged.push_back(rich.substr(0, at));
     damaged.push_back(rich.substr(0, at) + rich.substr(at + 1));
     damaged.push_back(rich.substr(0, at) + rich[at] + rich.substr(at));
-    for (char const byte : std::string_view("\0\x01\t\n\r !\"&'-/:;<=>?[]a\x7F\x80\xBF\xC0\xC3\xE0\xEF\xF4\xFF", 34)) {
+    for (char const byte : std::string_view(kBytes, sizeof kBytes - 1)) {
       damaged.push_back(rich);
       damaged.back()[at] = byte;
     }
