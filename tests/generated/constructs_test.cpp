@@ -139,8 +139,8 @@ TEST(Constructs, OtherDocumentsAreRefused) {
       "<links xml:lang='de'/>",
       "<links xlink:href='#a' o:attr='x'/>",
       "<links xlink:href='#a' attr='1'/>",
-      "<redefined><person><name>n</name></person><first>1</first><second>2</second><third>3</third><code>abc</code></"
-      "redefined>",
+      ("<redefined><person><name>n</name></person><first>1</first><second>2</second><third>3</third><code>abc</code></"
+       "redefined>"),
       "<fixedOne>g</fixedOne>",
       "<nils><o xsi:nil='true'><a>1</a></o></nils>",
       "<nils><o xsi:nil='true'>z</o></nils>",
