@@ -9,6 +9,7 @@
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/values/conversions.h"
 #include "tree.h"
 
 namespace {
@@ -163,6 +164,15 @@ bool IsReadAgain(CDecimal const& decimal) {
   return text.find('.') == std::string::npos || text.back() != '0';
 }
 
+/// Sixteen digits do not always restore the number.
+bool IsReadAgain(double number) {
+  QnVariant printed;
+  printed.SetR8(number);
+  QnVariant again;
+  again.SetR8(CConversions::r8FromString(printed.ToString(), kCollapse));
+  return again.ToString() == printed.ToString();
+}
+
 bool IsReadAgain(CdecimalCol const& decimals) {
   for (int i = 0; i < decimals.GetCount(); ++i) {
     if (!IsReadAgain(decimals.Item(i))) return false;
@@ -173,6 +183,7 @@ bool IsReadAgain(CdecimalCol const& decimals) {
 bool IsReadAgain(QnVariant const& value) {
   if (value.GetItemType() == ItemType_duration) return Fuzzing::IsReadAgain(value.GetDuration());
   if (value.GetItemType() == ItemType_decimal) return IsReadAgain(value.GetDecimal());
+  if (value.GetItemType() == ItemType_r8) return IsReadAgain(value.GetR8());
   if (value.GetItemType() == ItemType_xmlCollection) {
     CSmartPtr<CXmlCollectionBase> const collection = value.GetXmlCollection();
     auto const* const decimals = dynamic_cast<CdecimalCol const*>(static_cast<CXmlCollectionBase const*>(collection));
