@@ -205,7 +205,8 @@ std::string FieldName(std::string_view cppName) {
 std::string NameScope::Take(std::string wanted, std::string_view suffix) {
   if (!IsFree(wanted)) wanted += suffix;
   std::string name = wanted;
-  if (IsDigit(static_cast<unsigned char>(wanted.back()))) wanted += '_';  // N1 and N12 would look alike otherwise
+  bool const endsInDigit = !wanted.empty() && IsDigit(static_cast<unsigned char>(wanted.back()));
+  if (endsInDigit) wanted += '_';  // N1 and N12 would look alike otherwise
   if (!IsFree(name)) {
     int& number = m_numbers.emplace(wanted, 2).first->second;
     while (!IsFree(name)) name = wanted + std::to_string(number++);
