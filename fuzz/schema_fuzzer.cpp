@@ -58,7 +58,7 @@ std::string Described(Schema::SchemaSet const& set, Plan::PlanOptions const& opt
                       Schema::Diagnostics& diagnostics) {
   Plan::Plan const plan = Plan::MakePlan(set, options, diagnostics);
   if (diagnostics.HasErrors()) return {};
-  std::string text = Code::Report(plan, set);
+  std::string text = Code::Report(plan);
   for (Code::Split const split : {Code::Split::None, Code::Split::BySchema, Code::Split::ByType}) {
     Code::FilePlan const files = Code::MakeFilePlan(plan, split);
     for (Code::GeneratedFile const& file : Code::Write(plan, files)) text += file.content;

@@ -69,15 +69,10 @@ std::size_t Weight(HeaderFile const& header) {
 /// File systems allow names of 255 octets; an ending and a number follow.
 constexpr std::size_t kLongestStem = 200;
 
-std::string LowerCase(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(), &Plan::Lowered);
-  return name;
-}
-
 /// What the header of a schema document is called, by the name of its file.
 std::string StemOf(std::string const& schemaPath) {
   std::string const name = schemaPath.substr(schemaPath.find_last_of('/') + 1);
-  return LowerCase(Plan::UpperCamel(name.substr(0, name.rfind('.'))));
+  return Plan::LowerCase(Plan::UpperCamel(name.substr(0, name.rfind('.'))));
 }
 
 using Headers = std::vector<HeaderFile const*>;
@@ -166,7 +161,7 @@ class HeaderPlanner {
   }
 
   void DivideByType() {
-    auto const stemOf = [](std::string const& name) { return LowerCase(name.substr(1)); };
+    auto const stemOf = [](std::string const& name) { return Plan::LowerCase(name.substr(1)); };
     for (Class const* cls : m_plan.classes) {
       AddHeader(NamespaceOf(*cls), stemOf(cls->shortName)).classes.push_back(cls);
     }

@@ -1,7 +1,6 @@
 #include "code/report.h"
 
 #include <algorithm>
-#include <map>
 #include <vector>
 
 #include "code/header.h"
@@ -119,9 +118,7 @@ std::string ListOf(std::vector<std::string> const& names) {
 
 class Reporter {
  public:
-  Reporter(Plan::Namespace const& ns, Schema::SchemaSet const& set) : m_ns(ns) {
-    for (Schema::ElementDeclaration const* element : set.elements) m_elements[element->name] = element;
-  }
+  explicit Reporter(Plan::Namespace const& ns) : m_ns(ns) {}
 
   std::string Print() {
     m_text = "namespace " + m_ns.cppName + "\n";
@@ -136,9 +133,7 @@ class Reporter {
     if (m_ns.roots.empty()) return;
     Table table;
     for (Plan::Root const& root : m_ns.roots) {
-      auto const declared = m_elements.find(root.name);
-      table.Add({FunctionFor(root), "element " + NameText(root.name, ""), RootType(root, m_ns),
-                 declared != m_elements.end() ? PlaceText(declared->second->place) : ""});
+      table.Add({FunctionFor(root), "element " + NameText(root.name, ""), RootType(root, m_ns), PlaceText(root.place)});
     }
     m_text += "\nglobal elements\n" + table.Take();
   }
@@ -181,16 +176,15 @@ class Reporter {
   }
 
   Plan::Namespace const& m_ns;
-  std::map<Schema::QualifiedName, Schema::ElementDeclaration const*> m_elements;
   std::string m_text;
 };
 
 }  // namespace
 
-std::string Report(Plan::Plan const& plan, Schema::SchemaSet const& set) {
+std::string Report(Plan::Plan const& plan) {
   std::string text;
   for (Plan::Namespace const& ns : plan.namespaces) {
-    text += (text.empty() ? "" : "\n") + Reporter(ns, set).Print();
+    text += (text.empty() ? "" : "\n") + Reporter(ns).Print();
   }
   return text;
 }

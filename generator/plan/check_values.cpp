@@ -32,9 +32,7 @@ class ValueCheck {
   explicit ValueCheck(Schema::Diagnostics& diagnostics) : m_diagnostics(diagnostics) {}
 
   void Check(Member& member) {
-    bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::NillableValue ||
-                         member.kind == Member::Kind::NillableValues;
-    if (isValue && member.schemaPlace.file != nullptr) CheckDeclaration(member, member.schemaPlace);
+    if (member.MayHaveDefault() && member.schemaPlace.file != nullptr) CheckDeclaration(member, member.schemaPlace);
   }
 
   /// Of something that has a value with a default or fixed value.

@@ -523,9 +523,7 @@ void ClassBuilder::AddElement(Class& cls, ContentNode const& node, Position posi
   member.schemaPlace = node.place;
   SetElementType(cls, member, element);
   if (member.group == nullptr) member.block = element.block;
-  bool const isValue = member.kind == Member::Kind::Value || member.kind == Member::Kind::NillableValue ||
-                       member.kind == Member::Kind::NillableValues;
-  if (isValue) {
+  if (member.MayHaveDefault()) {
     member.defaultValue = element.defaultValue;
     member.fixedValue = element.fixedValue;
   } else if (element.simpleType == nullptr) {

@@ -202,6 +202,11 @@ std::string FieldName(std::string_view cppName) {
   return field;
 }
 
+std::string LowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), &Lowered);
+  return text;
+}
+
 std::string NameScope::Take(std::string wanted, std::string_view suffix) {
   if (!IsFree(wanted)) wanted += suffix;
   std::string name = wanted;

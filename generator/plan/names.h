@@ -12,6 +12,9 @@ namespace Quillon9Generator::Plan {
 /// \p c in lower case, if it is a letter of ASCII.
 constexpr char Lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
+/// \p text with the letters of ASCII in lower case.
+std::string LowerCase(std::string text);
+
 /// A name of a schema as a part of a C++ name: each letter after a character that C++ names cannot have is raised, and
 /// the first one too; letters beyond ASCII are transliterated; a leading digit gets N in front. Never empty.
 std::string UpperCamel(std::string_view utf8);

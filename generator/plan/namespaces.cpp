@@ -14,9 +14,7 @@ namespace {
 
 std::string FileStemOf(std::string const& cppNamespace) {
   std::size_t const colon = cppNamespace.rfind(':');
-  std::string stem = colon == std::string::npos ? cppNamespace : cppNamespace.substr(colon + 1);
-  for (char& c : stem) c = Lowered(c);
-  return stem;
+  return LowerCase(colon == std::string::npos ? cppNamespace : cppNamespace.substr(colon + 1));
 }
 
 /// Distributes the parts of one plan.

@@ -113,6 +113,12 @@ struct Member {
   };
   enum class Place { Element, Attribute, Text };
 
+  /// Whether it has the default and fixed value of its declaration: all of a simple type but Values, whose collections
+  /// have no place for one.
+  bool MayHaveDefault() const {
+    return kind == Kind::Value || kind == Kind::NillableValue || kind == Kind::NillableValues;
+  }
+
   Kind kind = Kind::Value;
   Place place = Place::Element;
   int property = 0;            ///< the number of the property, those of the base class included

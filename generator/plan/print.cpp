@@ -104,9 +104,7 @@ std::string MemberText(Member const& member) {
   text += NameText(member.name) + OccursText(member.minOccurs, member.maxOccurs);
   if (member.type != nullptr) text += " " + member.type->cppName;
   if (member.group != nullptr) text += GroupText(*member.group);
-  bool const isValue = member.kind <= Member::Kind::Values || member.kind == Member::Kind::NillableValue ||
-                       member.kind == Member::Kind::NillableValues;
-  if (isValue) text += " " + ValueText(member.value);
+  if (member.MayHaveDefault() || member.kind == Member::Kind::Values) text += " " + ValueText(member.value);
   if (member.mandatory) text += " mandatory";
   text += RulesText(member);
   if (!member.restriction.empty()) text += " allows " + Quoted(member.restriction);

@@ -33,7 +33,7 @@ TEST(Report, WritesTheGoldenTables) {
                                                     {"/fleet.xsd", "Fleets", "fleets.txt"},
                                                     {"/purchase_order.xsd", "Orders", "orders.txt"}}) {
     Planned const planned(std::string(QUILLON9_GOLDEN) + schema, cppNamespace);
-    EXPECT_EQ(Replaced(Code::Report(planned.plan, planned.set), QUILLON9_GOLDEN "/", ""), Golden(table));
+    EXPECT_EQ(Replaced(Code::Report(planned.plan), QUILLON9_GOLDEN "/", ""), Golden(table));
   }
 }
 

@@ -32,11 +32,6 @@ constexpr std::string_view kKeywords[] = {
 bool IsLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-std::string LowerCase(std::string name) {
-  std::transform(name.begin(), name.end(), name.begin(), &Quillon9Generator::Plan::Lowered);
-  return name;
-}
-
 }  // namespace
 
 bool IsCppName(std::string const& name) {
@@ -54,7 +49,7 @@ bool IsCppNamespace(std::string const& name) {
     std::string const part = name.substr(begin, end == name.npos ? end : end - begin);
     // Inside such a namespace, generated code would look for the names of the library in the wrong one; and headers in
     // a folder quillon9 would hide those of the library.
-    if (!IsCppName(part) || LowerCase(part) == "quillon9" || part == "std") return false;
+    if (!IsCppName(part) || Quillon9Generator::Plan::LowerCase(part) == "quillon9" || part == "std") return false;
     if (end == name.npos) return true;
     begin = end + 2;
   }

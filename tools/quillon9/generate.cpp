@@ -265,7 +265,7 @@ void Generate(GenerateOptions const& options) {
   }
   if (options.example) WriteExample(options, plan, element, names);
   if (!options.documentation.empty()) WritePages(options.documentation, set);
-  if (options.report) Output(*options.report, Code::Report(plan, set));
+  if (options.report) Output(*options.report, Code::Report(plan));
 }
 
 }  // namespace Quillon9Tool
