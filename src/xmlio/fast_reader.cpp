@@ -1,6 +1,7 @@
 #include "xmlio/fast_reader.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 #include "quillon9/base/exceptions.h"
@@ -24,8 +25,6 @@ constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
 constexpr std::string_view kDeclarationsNamespace = "http://www.w3.org/2000/xmlns/";
 constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";
-/// An element with more attributes that have a prefix is left to the parser, because each pair of them is compared.
-constexpr std::size_t kMostPrefixed = 16;
 /// The parser refuses a comment, a value or the like of a gibibyte; a document that may have one is left to it.
 constexpr std::size_t kMostInput = 0x3FFF0000;
 /// Few documents need more room than this.
@@ -336,15 +335,13 @@ bool FastReader::AddAttributes(CXmlElement& element) {
   for (Attribute const& attribute : m_attributes) {
     CXmlName const* const shared = SharedAttributeName(*attribute.name);
     if (shared == nullptr) return false;
-    if (attribute.name->colon != 0) {
-      bool const isRepeated = std::find(m_prefixed.begin(), m_prefixed.end(), shared) != m_prefixed.end();
-      if (isRepeated || m_prefixed.size() == kMostPrefixed) return false;
-      m_prefixed.push_back(shared);
-    }
+    if (attribute.name->colon != 0) m_prefixed.push_back(shared);
     m_document.AddElementAttribute(&element, shared, Normalized(attribute));
   }
   m_attributes.clear();
-  return true;
+  // Sorting keeps the cost of an element with many of them almost linear.
+  std::sort(m_prefixed.begin(), m_prefixed.end(), std::less<>());
+  return std::adjacent_find(m_prefixed.begin(), m_prefixed.end()) == m_prefixed.end();
 }
 
 CXmlName const* FastReader::SharedAttributeName(FastName& name) {
@@ -366,8 +363,8 @@ CXmlName const* FastReader::SharedName(FastName& name) {
 /// Binds a prefix in the element whose start tag is being read. Returns false if that is not allowed (Namespaces in
 /// XML 1.0, W3C, section 3), or if the parser may think so.
 bool FastReader::Declare(FastName& prefix, std::string_view uri) {
-  bool const isReserved = prefix.text == "xml" || prefix.text == "xmlns" || uri == kXmlNamespace ||
-                          uri == kDeclarationsNamespace || uri.find('|') != std::string_view::npos;
+  bool const isReserved = prefix.text == "xmlns" || uri == kDeclarationsNamespace ||
+                          (prefix.text == "xml") != (uri == kXmlNamespace) || uri.find('|') != std::string_view::npos;
   if (isReserved || (uri.empty() && !prefix.text.empty())) return false;
   std::string const& known = *m_uris.emplace(uri).first;
   m_document.SetNamespaceAlias(std::string(prefix.text), known);

@@ -110,7 +110,9 @@ char const* Miscellaneous(char const* at, char const* end) {
 char const* Declaration(char const* at, char const* end) {
   if (StartsWith(at, end, "\xEF\xBB\xBF")) at += 3;
   if (!StartsWith(at, end, kDeclarationStart)) return at;
-  Declared declared(at + kDeclarationStart.size(), end);
+  char const* const after = at + kDeclarationStart.size();
+  if (NameEnd(after, end) != after) return at;  // an instruction, such as <?xml-stylesheet?>
+  Declared declared(after, end);
   return declared.Read() ? declared.End() : nullptr;
 }
 
