@@ -1,6 +1,8 @@
 // The reading operations of CXmlObjectBase: each loads a document and passes its root to FromXml_Int. They are in a
 // file of their own because they depend on the document, and with it on the parser.
 
+#include "descriptors/object_reading.h"
+
 #include <string>
 #include <utility>
 
@@ -17,15 +19,19 @@
 
 namespace Quillon9 {
 
+void ReadObject(CXmlElement const& element, CXmlObjectBase& object, CXmlSerializationContext const& ctx) {
+  // The tree is only read, but the cursor that walks it is not const.
+  auto& parent = const_cast<CXmlElement&>(element);
+  ObjectContent const content(element);
+  FailedScans::Pause const pause;
+  CXmlObjectBase::FromXml_Int(&object, &parent, parent.GetFirstElement(), ctx);
+}
+
 namespace {
 
 void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerializationContext const& ctx) {
   if (root == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
-  // The tree is only read, but the cursor that walks it is not const.
-  auto* const parent = const_cast<CXmlElement*>(root);
-  ObjectContent const content(*root);
-  FailedScans::Pause const pause;
-  CXmlObjectBase::FromXml_Int(&object, parent, parent->GetFirstElement(), ctx);
+  ReadObject(*root, object, ctx);
 }
 
 /// The caller has never seen \p text, so a place in it means nothing.

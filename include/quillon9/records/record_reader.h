@@ -1,0 +1,169 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+#include "quillon9/base/failures.h"
+#include "quillon9/base/smart_ptr.h"
+#include "quillon9/binding/object_base.h"
+#include "quillon9/binding/serialization_context.h"
+#include "quillon9/export.h"
+#include "quillon9/fwd.h"
+#include "quillon9/generated/bound_object.h"
+#include "quillon9/generated/class_tables.h"
+#include "quillon9/records/record_source.h"
+
+namespace Quillon9 {
+
+namespace detail {
+
+/// Makes an object of a class for an element.
+using RecordMaker = CSmartPtr<CXmlObjectBase> (*)(CXmlElement const& element);
+
+/// A new object of a generated class with these tables, or of the derived one that xsi:type names.
+QUILLON9_API CSmartPtr<CXmlObjectBase> MakeBoundRecord(CClassTables const& tables, CXmlElement const& element);
+
+template <class Class>
+CSmartPtr<CXmlObjectBase> MakeRecord(CXmlElement const& element) {
+  if constexpr (std::is_base_of_v<CBoundObject, Class>) {
+    return MakeBoundRecord(Class::s_class, element);
+  } else {
+    static_cast<void>(element);
+    return new Class();
+  }
+}
+
+/// How a class holds its text.
+template <class Class>
+constexpr bool HoldsUtf8() {
+  return std::is_base_of_v<CBoundObject, Class>;
+}
+
+}  // namespace detail
+
+/// Reads a long document record by record: `while (auto order = reader.Next<Orders::COrder>())`. Its memory is that of
+/// the largest record, or of a block of about 64 KiB of small ones, whatever the length of the document.
+///
+/// A record is an element that a path selects. It is read as if it were a document of its own, with the namespaces and
+/// entities in scope. A record inside of a record is a part of it. A record that cannot be read is passed over: Next()
+/// throws, and the next call goes on with the record after it. A document that is not well-formed ends the read: from
+/// then on, every call throws that failure.
+///
+/// A reader belongs to one thread at a time.
+class QUILLON9_API CXmlRecordReader {
+ public:
+  /// Read from \p source under the options of \p ctx, which must outlive the reader.
+  explicit CXmlRecordReader(CRecordSource source,
+                            CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
+  ~CXmlRecordReader();
+  CXmlRecordReader(CXmlRecordReader const&) = delete;
+  CXmlRecordReader& operator=(CXmlRecordReader const&) = delete;
+
+  /// Say which elements are records. \p path consists of steps: `/orders/order`, where `*` stands for any name, and `//`
+  /// for any number of elements in between. A name without a prefix is that of an element in any namespace; a prefix
+  /// stands for the namespace that it has among the aliases of the context, and `{uri}name` says the namespace, where
+  /// `{}` is none. Several calls select the elements of all their paths.
+  /// \throws CQnInvalidParamException "The path [%s] is not a path of elements: %s"; CQnInvalidStateException "The read
+  ///         has begun" after the first record has been read.
+  void SelectRecords(std::string const& path);
+  /// Call \p handler for the elements of \p path, which are no records, where they stand between the records: for the
+  /// header of a list, for example. The handler may call Read() for an object. It gets the element with its content.
+  /// \throws as SelectRecords().
+  void OnElement(std::string const& path, std::function<void(CXmlRecordReader&)> handler);
+  /// A record of more than \p bytes is a failure, and passed over; 256 MiB unless this is called, and less than 4 GiB.
+  void SetMaxRecordSize(std::size_t bytes);
+
+  /// Read the next record into a new object of \p Class; null after the last one. For a generated class, the object may
+  /// be of a derived class that xsi:type names.
+  /// \throws what CXmlObjectBase::FromXmlElement() throws for the record, with its place in the whole document; what
+  ///         loading a document throws, and every further call then, too.
+  template <class Class>
+  CSmartPtr<Class> Next() {
+    if (!Advance(detail::HoldsUtf8<Class>())) return nullptr;
+    return Read<Class>();
+  }
+  /// Pass over the next record. False if there is none.
+  bool Skip() { return Advance(false); }
+  /// Go to the next record without reading it into an object; false if there is none. GetElement() is the record then.
+  bool Advance() { return Advance(false); }
+  /// Read the present element into a new object.
+  /// \throws as Next(); CQnInvalidStateException "There is no record".
+  template <class Class>
+  CSmartPtr<Class> Read() {
+    return static_cast<Class*>(ReadPresent(&detail::MakeRecord<Class>).Get());
+  }
+  /// Read the present element into \p object.
+  /// \throws as Read().
+  void ReadInto(CXmlObjectBase& object);
+
+  /// The present record as a tree; null in front of the first one and after the last one. It lives until the next call
+  /// that goes on. Its parents are those of the document, with their attributes, but have no other children than some
+  /// records.
+  CXmlElement const* GetElement() const;
+  /// Which of the calls of SelectRecords() the present record matches, from 0.
+  std::size_t GetSelection() const;
+  /// How many records there have been so far, those that failed included.
+  std::uint64_t GetCount() const;
+  /// Where the present record begins.
+  CFailurePlace GetPlace() const;
+  /// How many bytes of the input have been read.
+  std::uint64_t GetInputOffset() const;
+
+  /// The records of a class, for range-for: `for (auto& order : reader.Records<Orders::COrder>())`. Goes through the
+  /// document once.
+  template <class Class>
+  class Range {
+   public:
+    /// Moves on when it is incremented.
+    class iterator {
+     public:
+      using iterator_category = std::input_iterator_tag;
+      using value_type = CSmartPtr<Class>;
+      using difference_type = std::ptrdiff_t;
+      using pointer = CSmartPtr<Class>*;
+      using reference = CSmartPtr<Class>&;
+
+      iterator() = default;
+      explicit iterator(CXmlRecordReader& reader) : m_reader(&reader) { ++*this; }
+      reference operator*() { return m_record; }
+      iterator& operator++() {
+        m_record = m_reader->Next<Class>();
+        if (!m_record) m_reader = nullptr;
+        return *this;
+      }
+      bool operator==(iterator const& other) const { return m_reader == other.m_reader; }
+      bool operator!=(iterator const& other) const { return m_reader != other.m_reader; }
+
+     private:
+      CXmlRecordReader* m_reader = nullptr;
+      CSmartPtr<Class> m_record;
+    };
+
+    explicit Range(CXmlRecordReader& reader) : m_reader(reader) {}
+    iterator begin() const { return iterator(m_reader); }
+    iterator end() const { return {}; }
+
+   private:
+    CXmlRecordReader& m_reader;
+  };
+  template <class Class>
+  Range<Class> Records() {
+    return Range<Class>(*this);
+  }
+
+ private:
+  class Work;
+
+  bool Advance(bool holdsUtf8);
+  CSmartPtr<CXmlObjectBase> ReadPresent(detail::RecordMaker make);
+
+  std::unique_ptr<Work> m_work;
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,123 @@
+#include "records/markup.h"
+
+#include <string_view>
+#include <vector>
+
+#include "xmlio/markup_scan.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kNone = TextWindow::kNone;
+
+bool StartsWith(TextWindow& window, std::size_t at, std::string_view wanted) {
+  return window.Has(at + wanted.size() - 1) && window.Text(at, at + wanted.size()) == wanted;
+}
+
+std::size_t EndAfter(TextWindow& window, std::string_view wanted, std::size_t from) {
+  std::size_t const found = window.Find(wanted, from);
+  return found != kNone ? found + wanted.size() : kNone;
+}
+
+/// The end of a literal whose quotation mark is at \p at.
+std::size_t EndOfLiteral(TextWindow& window, std::size_t at) {
+  char const quote[] = {window.At(at)};
+  return EndAfter(window, {quote, 1}, at + 1);
+}
+
+/// How much of a tag is neither its end nor a quotation mark.
+std::size_t LengthOfPlain(std::string_view text) {
+  std::size_t length = 0;
+  while (length < text.size() && text[length] != '>' && text[length] != '"' && text[length] != '\'') ++length;
+  return length;
+}
+
+/// The end of a tag: the first '>' outside of quotation marks.
+std::size_t EndOfTag(TextWindow& window, std::size_t at) {
+  while (window.Has(at)) {
+    std::string_view const text = window.Text(at, window.Size());
+    std::size_t const length = LengthOfPlain(text);
+    at += length;
+    if (length == text.size()) continue;
+    if (text[length] == '>') return at + 1;
+    at = EndOfLiteral(window, at);
+    if (at == kNone) return kNone;
+  }
+  return kNone;
+}
+
+/// The end of a document type declaration, from behind its name's start on.
+std::size_t EndOfDocumentType(TextWindow& window, std::size_t at) {
+  bool isInside = false;  // of the brackets
+  while (window.Has(at)) {
+    char const c = window.At(at);
+    if (c == '"' || c == '\'') {
+      at = EndOfLiteral(window, at);
+    } else if (StartsWith(window, at, "<!--")) {
+      at = EndAfter(window, "-->", at + 4);
+    } else if (StartsWith(window, at, "<?")) {
+      at = EndAfter(window, "?>", at + 2);
+    } else if (c == '>' && !isInside) {
+      return at + 1;
+    } else {
+      if (c == '[') isInside = true;
+      if (c == ']') isInside = false;
+      ++at;
+    }
+    if (at == kNone) return kNone;
+  }
+  return kNone;
+}
+
+}  // namespace
+
+Markup ReadMarkup(TextWindow& window, std::size_t at) {
+  using Kind = Markup::Kind;
+  if (!window.Has(at + 1)) return {Kind::kStartTag, kNone};
+  switch (window.At(at + 1)) {
+    case '/': return {Kind::kEndTag, EndAfter(window, ">", at + 2)};
+    case '?': return {Kind::kInstruction, EndAfter(window, "?>", at + 2)};
+    case '!':
+      if (StartsWith(window, at, "<!--")) return {Kind::kComment, EndAfter(window, "-->", at + 4)};
+      if (StartsWith(window, at, "<![CDATA[")) return {Kind::kCData, EndAfter(window, "]]>", at + 9)};
+      return {Kind::kDocumentType, EndOfDocumentType(window, at + 2)};
+    default: break;
+  }
+  std::size_t const end = EndOfTag(window, at + 1);
+  bool const isEmpty = end != kNone && window.At(end - 2) == '/';
+  return {isEmpty ? Kind::kEmptyTag : Kind::kStartTag, end};
+}
+
+std::size_t EndOfName(TextWindow& window, std::size_t at) {
+  while (window.Has(at) && MarkupScan::Is(MarkupScan::kNamePart, window.At(at))) ++at;
+  return at;
+}
+
+ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag, std::size_t most) {
+  using Kind = Markup::Kind;
+  if (tag.kind == Kind::kEmptyTag) return {tag.end, true};
+  struct Name {
+    std::size_t start;
+    std::size_t length;
+  };
+  auto const nameAt = [&window](std::size_t start) { return Name{start, EndOfName(window, start) - start}; };
+  auto const text = [&window](Name const& name) { return window.Text(name.start, name.start + name.length); };
+  std::vector<Name> open{nameAt(at + 1)};
+  at = tag.end;
+  while (!open.empty()) {
+    at = window.Find("<", at);
+    if (at == kNone || at > most) return {at == kNone ? window.Size() : at, false};
+    Markup const markup = ReadMarkup(window, at);
+    if (markup.end == kNone) return {window.Size(), false};
+    if (markup.kind == Kind::kStartTag) open.push_back(nameAt(at + 1));
+    if (markup.kind == Kind::kEndTag) {
+      if (text(nameAt(at + 2)) != text(open.back())) return {markup.end, false};
+      open.pop_back();
+    }
+    at = markup.end;
+  }
+  return {at, true};
+}
+
+}  // namespace Quillon9

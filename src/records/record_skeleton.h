@@ -1,0 +1,61 @@
+#pragma once
+
+#include <expat.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records/record_path.h"
+#include "records/text_window.h"
+
+namespace Quillon9 {
+
+/// What remains of a document without the content of its records. A parser checks that it is well-formed, and tells the
+/// names of the open elements.
+class RecordSkeleton {
+ public:
+  RecordSkeleton();
+  ~RecordSkeleton();
+  RecordSkeleton(RecordSkeleton const&) = delete;
+  RecordSkeleton& operator=(RecordSkeleton const&) = delete;
+
+  /// Parse \p text, which begins at \p at in the document and in which \p tags start tags stand.
+  /// \throws CQnException "[what the parser says] at line [number]", with the place in the document; "The document has
+  ///         elements in an entity, which cannot be read as records"; as CXmlDocument does for a document type
+  ///         declaration that is not allowed, and for nesting beyond the limit.
+  void Feed(std::string_view text, TextPosition const& at, std::size_t tags = 0) { Parse(text, at, tags, false); }
+  /// The document ends at \p at.
+  /// \throws as Feed() does.
+  void Finish(TextPosition const& at) { Parse({}, at, 0, true); }
+
+  /// The names of the open elements, from the root on.
+  std::vector<ElementName> const& Open() const { return m_open; }
+
+ private:
+  struct ParserDeleter {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  template <class Action>
+  static void Guarded(void* self, Action action) noexcept;
+  static void XMLCALL FnStartElement(void* self, XML_Char const* name, XML_Char const** attributes);
+  static void XMLCALL FnEndElement(void* self, XML_Char const* name);
+  static void XMLCALL FnStartDocumentType(void* self, XML_Char const* name, XML_Char const* systemId,
+                                          XML_Char const* publicId, int hasInternalSubset);
+  void Parse(std::string_view text, TextPosition const& at, std::size_t tags, bool isFinal);
+  void StartElement(std::string_view name);
+  [[noreturn]] void ThrowFailure(std::string_view text, TextPosition const& at) const;
+
+  std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
+  std::exception_ptr m_failure;
+  std::vector<ElementName> m_open;
+  std::int64_t m_fed = 0;
+  std::size_t m_started = 0;  // by the present text
+};
+
+}  // namespace Quillon9

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "records/octet_input.h"
+
+namespace Quillon9 {
+
+/// A place in a text of any length.
+struct TextPosition {
+  std::uint64_t offset = 0;  ///< in bytes
+  std::uint64_t line = 1;    ///< CR LF, CR and LF end a line
+  std::uint64_t column = 1;  ///< in characters, from 1
+
+  /// Go over \p text, which is UTF-8. The CR of a CR LF may end one text, and the LF begin the next.
+  void Pass(std::string_view text);
+
+ private:
+  bool m_isAfterReturn = false;
+};
+
+/// A part of a long text, which grows at its end and shrinks at its start. Positions count from its start.
+class TextWindow {
+ public:
+  static constexpr std::size_t kNone = ~std::size_t{0};
+
+  /// \p input delivers UTF-8 from \p offset of the document on, and is borrowed.
+  TextWindow(OctetInput& input, std::size_t offset) : m_input(input) { m_start.offset = offset; }
+
+  /// Return whether there is a byte at \p at, after reading as much as that takes.
+  bool Has(std::size_t at) { return at < Size() || Fill(at); }
+  char At(std::size_t at) const { return m_bytes[m_first + at]; }
+  /// What has been read from \p from on, up to \p to.
+  std::string_view Text(std::size_t from, std::size_t to) const { return {m_bytes.data() + m_first + from, to - from}; }
+  /// How much has been read.
+  std::size_t Size() const { return m_last - m_first; }
+  /// Where \p wanted begins from \p from on; kNone if the text ends before. A long search does not look at any byte
+  /// more than twice.
+  std::size_t Find(std::string_view wanted, std::size_t from);
+
+  /// Drop the first \p count bytes, which have been read.
+  void Drop(std::size_t count);
+  /// Where the window begins.
+  TextPosition const& Start() const { return m_start; }
+
+ private:
+  bool Fill(std::size_t at);
+
+  OctetInput& m_input;
+  std::vector<char> m_bytes;
+  std::size_t m_first = 0;
+  std::size_t m_last = 0;
+  bool m_isAtEnd = false;
+  TextPosition m_start;
+};
+
+}  // namespace Quillon9

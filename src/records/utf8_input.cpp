@@ -1,0 +1,171 @@
+#include "records/utf8_input.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "base/failure_detail.h"
+#include "quillon9/base/exceptions.h"
+#include "xmlio/single_byte_encoding.h"
+
+namespace Quillon9 {
+
+namespace {
+
+constexpr std::size_t kLongestDeclaration = 1024;
+constexpr char kNoCharacter = '\xFF';  // no text in UTF-8 has this byte, so the parser refuses it
+
+std::string Utf8Of(std::uint32_t character) {
+  auto const byte = [](std::uint32_t value) { return static_cast<char>(value); };
+  auto const trail = [&](int shift) { return [=](std::uint32_t c) { return byte(0x80 | (c >> shift & 0x3F)); }; };
+  if (character < 0x80) return {byte(character)};
+  if (character < 0x800) return {byte(0xC0 | character >> 6), trail(0)(character)};
+  if (character < 0x10000) return {byte(0xE0 | character >> 12), trail(6)(character), trail(0)(character)};
+  return {byte(0xF0 | character >> 18), trail(12)(character), trail(6)(character), trail(0)(character)};
+}
+
+/// Converts blocks of octets, which need not end where a character does.
+class ConvertingInput : public OctetInput {
+ public:
+  explicit ConvertingInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)) {}
+
+  std::size_t Read(char* to, std::size_t size) override {
+    while (m_given == m_text.size()) {
+      m_text.clear();
+      m_given = 0;
+      std::array<char, 4096> block{};
+      std::size_t const count = m_input->Read(block.data(), block.size());
+      if (count == 0) return 0;
+      Convert({block.data(), count}, m_text);
+    }
+    std::size_t const count = std::min(size, m_text.size() - m_given);
+    std::copy_n(m_text.data() + m_given, count, to);
+    m_given += count;
+    return count;
+  }
+
+ private:
+  virtual void Convert(std::string_view octets, std::string& text) = 0;
+
+  std::unique_ptr<OctetInput> m_input;
+  std::string m_text;
+  std::size_t m_given = 0;
+};
+
+class SingleByteInput final : public ConvertingInput {
+ public:
+  SingleByteInput(std::unique_ptr<OctetInput> input, int const (&table)[256]) : ConvertingInput(std::move(input)) {
+    for (std::size_t byte = 0; byte < m_texts.size(); ++byte) {
+      m_texts[byte] = table[byte] < 0 ? std::string(1, kNoCharacter) : Utf8Of(static_cast<std::uint32_t>(table[byte]));
+    }
+  }
+
+ private:
+  void Convert(std::string_view octets, std::string& text) override {
+    for (char const octet : octets) text += m_texts[static_cast<unsigned char>(octet)];
+  }
+
+  std::array<std::string, 256> m_texts;
+};
+
+class Utf16Input final : public ConvertingInput {
+ public:
+  Utf16Input(std::unique_ptr<OctetInput> input, bool isBigEndian)
+      : ConvertingInput(std::move(input)), m_isBigEndian(isBigEndian) {}
+
+ private:
+  void Convert(std::string_view octets, std::string& text) override {
+    for (char const octet : octets) {
+      auto const byte = static_cast<unsigned char>(octet);
+      m_hasHalf = !m_hasHalf;
+      if (m_hasHalf) {
+        m_half = byte;
+      } else {
+        AddUnit(m_isBigEndian ? m_half << 8U | byte : static_cast<std::uint32_t>(byte) << 8U | m_half, text);
+      }
+    }
+  }
+
+  void AddUnit(std::uint32_t unit, std::string& text) {
+    bool const isHigh = unit >= 0xD800 && unit < 0xDC00;
+    bool const isLow = unit >= 0xDC00 && unit < 0xE000;
+    std::uint32_t const high = std::exchange(m_high, isHigh ? unit : 0);
+    if (isHigh != (high != 0) && isHigh) return;
+    if (isLow && high != 0) {
+      text += Utf8Of(0x10000 + ((high - 0xD800) << 10U) + (unit - 0xDC00));
+    } else if (isLow || high != 0) {
+      text += kNoCharacter;
+    } else {
+      text += Utf8Of(unit);
+    }
+  }
+
+  bool m_isBigEndian;
+  bool m_hasHalf = false;
+  std::uint32_t m_half = 0;
+  std::uint32_t m_high = 0;  // the first half of a pair
+};
+
+/// The encoding that the XML declaration at the start of \p text names; empty for none.
+std::string DeclaredEncoding(std::string_view text) {
+  if (text.substr(0, 5) != "<?xml") return {};
+  text = text.substr(0, text.find("?>"));
+  std::size_t at = text.find("encoding");
+  if (at == std::string_view::npos) return {};
+  at = text.find_first_of("'\"", at);
+  if (at == std::string_view::npos) return {};
+  std::size_t const end = text.find(text[at], at + 1);
+  if (end == std::string_view::npos) return {};
+  return std::string(text.substr(at + 1, end - at - 1));
+}
+
+bool IsNamed(std::string_view name, std::string_view wanted) {
+  return std::equal(name.begin(), name.end(), wanted.begin(), wanted.end(),
+                    [](unsigned char a, unsigned char b) { return std::toupper(a) == std::toupper(b); });
+}
+
+[[noreturn]] void ThrowUnknown() { throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1")); }
+
+/// Peeks at an input that it owns.
+class OpenedInput final : public OctetInput {
+ public:
+  explicit OpenedInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)), m_peeked(*m_input) {}
+
+  std::size_t Read(char* to, std::size_t size) override { return m_peeked.Read(to, size); }
+  std::string const& Peek(std::size_t size) { return m_peeked.Peek(size); }
+
+ private:
+  std::unique_ptr<OctetInput> m_input;
+  PeekedInput m_peeked;
+};
+
+}  // namespace
+
+Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
+  auto opened = std::make_unique<OpenedInput>(std::move(input));
+  std::string const start = opened->Peek(4);
+  std::string_view const two = std::string_view(start).substr(0, 2);
+  std::string_view constexpr kLittle("<\0", 2);
+  std::string_view constexpr kBig("\0<", 2);
+  char mark[3];
+  if (two == "\xFE\xFF" || two == "\xFF\xFE" || two == kLittle || two == kBig) {
+    bool const isBig = two == "\xFE\xFF" || two == kBig;
+    std::size_t const markSize = two == kLittle || two == kBig ? 0 : 2;
+    if (markSize != 0) opened->Read(mark, markSize);
+    return {std::make_unique<Utf16Input>(std::move(opened), isBig), markSize, true};
+  }
+  if (start.compare(0, 3, "\xEF\xBB\xBF") == 0) {
+    opened->Read(mark, 3);
+    return {std::move(opened), 3, false};
+  }
+  std::string const encoding = DeclaredEncoding(opened->Peek(kLongestDeclaration));
+  if (encoding.empty() || IsNamed(encoding, "UTF-8")) return {std::move(opened), 0, false};
+  int table[256];
+  if (!FillSingleByteTable(encoding, table)) ThrowUnknown();
+  return {std::make_unique<SingleByteInput>(std::move(opened), table), 0, true};
+}
+
+}  // namespace Quillon9
