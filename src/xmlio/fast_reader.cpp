@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_to_local.h"
 #include "xmlio/markup_scan.h"
@@ -23,6 +24,7 @@ using MarkupScan::Within;
 
 constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
 constexpr std::string_view kDeclarationsNamespace = "http://www.w3.org/2000/xmlns/";
+constexpr std::string_view kDocumentTypeStart = "<!DOCTYPE";
 constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";
 /// The parser refuses a comment, a value or the like of a gibibyte; a document that may have one is left to it.
@@ -79,13 +81,22 @@ bool FastReader::ReadAll() {
   char const* at = InputStart(m_document);
   while (m_end != at && Is(MarkupScan::kSpace, m_end[-1])) --m_end;
   if (m_end == at || m_end[-1] != '>') return false;
-  at = MarkupSkip::Declaration(at, m_end);
-  if (at != nullptr) at = MarkupSkip::Miscellaneous(at, m_end);
+  at = SkipProlog(at);
   if (at == nullptr || at == m_end || *at != '<') return false;
   at = ReadStartTag(at + 1);
   if (at != nullptr && !m_open.empty()) at = ReadContent(at);
   if (at != nullptr) at = MarkupSkip::Miscellaneous(at, m_end);
   return at == m_end;
+}
+
+/// Passes over what is in front of the document element.
+char const* FastReader::SkipProlog(char const* at) const {
+  at = MarkupSkip::Declaration(at, m_end);
+  if (at != nullptr) at = MarkupSkip::Miscellaneous(at, m_end);
+  if (at == nullptr || !StartsWith(at, m_end, kDocumentTypeStart)) return at;
+  if (!CLimits::GetAllowDocumentType()) return nullptr;
+  at = MarkupSkip::DocumentType(at + kDocumentTypeStart.size(), m_end);
+  return at != nullptr ? MarkupSkip::Miscellaneous(at, m_end) : nullptr;
 }
 
 // ---- Content

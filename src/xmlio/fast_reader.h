@@ -15,7 +15,7 @@ namespace Quillon9 {
 
 /// Builds the tree of a document from plain XML text without the parser, which takes most of the time of a read.
 ///
-/// Plain text is UTF-8 without a document type declaration. At anything that is not certainly right, the reader gives
+/// Plain text is UTF-8 without the declarations of a document type. At anything that is not certainly right, the reader gives
 /// up and leaves nothing behind; the parser then reads the input from its beginning. So all failures are the parser's,
 /// and a tree of this reader equals the parser's.
 class FastReader {
@@ -45,6 +45,7 @@ class FastReader {
 
   bool ReadAll();
   // Each of these reads what begins at its argument and returns its end, or null to give up.
+  char const* SkipProlog(char const* at) const;
   char const* ReadContent(char const* at);
   char const* ReadText(char const* at);
   char const* ReadOtherText(char const* start, char const* at);
