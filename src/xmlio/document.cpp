@@ -64,11 +64,20 @@ std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
 }
 
 // A filter may remove the elements by which the place of a declaration is known.
-void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
-                                  NamespaceDeclarations::Kind kind) {
-  if (document.m_filter != nullptr) return;
+std::string const* XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri,
+                                                NamespaceDeclarations::Kind kind) {
+  if (document.m_filter != nullptr) return nullptr;
   CXmlElement* const parent = document.GetOpenElement();
-  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri, kind);
+  CXmlElement* const before = parent != nullptr ? LastChild(*parent) : nullptr;
+  return &document.Memory().Declarations().Add(parent, before, prefix, uri, kind);
+}
+
+std::string const* XmlNodeAccess::DeclareNamespace(CXmlDocument& document, std::string_view prefix,
+                                                   std::string_view uri) {
+  document.CountContent(CTreeMemory::kNodeCharge + prefix.size() + uri.size());
+  std::string const* const kept = NoteNamespace(document, prefix, uri);
+  document.m_namespaceAliases.insert_or_assign(std::string(prefix), uri);
+  return kept;
 }
 
 std::vector<std::pair<std::string, std::string>> XmlNodeAccess::PrefixesOf(CXmlDocument const& document) {
@@ -242,9 +251,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 }
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
-  CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
-  XmlNodeAccess::NoteNamespace(*this, prefix, namespaceUri);
-  m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
+  XmlNodeAccess::DeclareNamespace(*this, prefix, namespaceUri);
 }
 
 }  // namespace Quillon9

@@ -377,10 +377,9 @@ bool FastReader::Declare(FastName& prefix, std::string_view uri) {
   bool const isReserved = prefix.text == "xmlns" || uri == kDeclarationsNamespace ||
                           (prefix.text == "xml") != (uri == kXmlNamespace) || uri.find('|') != std::string_view::npos;
   if (isReserved || (uri.empty() && !prefix.text.empty())) return false;
-  std::string const& known = *m_uris.emplace(uri).first;
-  m_document.SetNamespaceAlias(std::string(prefix.text), known);
+  std::string const* const kept = XmlNodeAccess::DeclareNamespace(m_document, prefix.text, uri);
   m_bindings.push_back({&prefix, prefix.bound, m_open.size()});
-  prefix.bound = uri.empty() ? nullptr : &known;
+  prefix.bound = uri.empty() ? nullptr : kept;
   return true;
 }
 

@@ -3,10 +3,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "base/seeded_hash.h"
 #include "quillon9/xmlio/document.h"
 #include "xmlio/character_reference.h"
 #include "xmlio/fast_names.h"
@@ -30,9 +28,6 @@ class FastReader {
     FastName* name;
     std::string_view value;  // in the input
     bool isPlain;            // as it is in the tree
-  };
-  struct Hash {  // the document chooses the namespaces
-    std::size_t operator()(std::string const& text) const { return SeededHash::OfText(text); }
   };
   /// What the end of an element undoes.
   struct Binding {
@@ -80,7 +75,6 @@ class FastReader {
   std::vector<CXmlName const*> m_prefixed;  // those of them that have a prefix
   std::uint32_t m_tag = 0;                  // the number of the present start tag with attributes
   std::string m_value;
-  std::unordered_set<std::string, Hash> m_uris;
 };
 
 }  // namespace Quillon9

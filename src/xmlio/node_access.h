@@ -46,8 +46,11 @@ struct XmlNodeAccess {
   /// \name Changing a tree
   /// @{
   /// Note that \p prefix stands for \p uri in the next child of the innermost open element, or in the document element.
-  static void NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
-                            NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
+  /// Returns \p uri as the tree keeps it, the same string for equal arguments; null if the document has a filter.
+  static std::string const* NoteNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri,
+                                          NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
+  /// The same with what else CXmlDocument::SetNamespaceAlias() does.
+  static std::string const* DeclareNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri);
   /// Create an element with a name that the tree shares.
   static CXmlElement* NewElement(CXmlName const& name, CTreeMemory& memory) {
     return ::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name);
