@@ -73,5 +73,6 @@ inline constexpr FastPath kRememberedComparison{"remembered_comparison"};
 inline constexpr FastPath kRememberedNumber{"remembered_number"};
 inline constexpr FastPath kRememberedValue{"remembered_value"};
 inline constexpr FastPath kSpareContexts{"spare_contexts"};
+inline constexpr FastPath kSpareTables{"spare_tables"};
 
 }  // namespace Quillon9

@@ -19,8 +19,8 @@ namespace Quillon9 {
 /// The URI that a document carries when its context has a vocabulary but no URI for it. It does not name a resource.
 inline constexpr char QUILLON_URI[] = "urn:quillon9:external-vocabulary";
 
-class CKnownNames;
 class COctetSink;
+struct WriterTables;
 
 /// Writes a document as Fast Infoset (Rec. ITU-T X.891) into a binary stream. See CXmlWriter for the order of calls;
 /// WriteStartDocument() follows Open(), and WriteEndDocument() comes before Close().
@@ -115,9 +115,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
                    std::string const& localName);
   void LiteralName(std::uint32_t leading, std::string const& prefix, std::string const& uri,
                    std::string const& localName, CFIIndexMap& map);
-  void Prefix(std::string const& prefix);
-  void NamespaceName(std::string const& uri);
-  void LocalName(std::string const& localName);
+  void IdentifyingString(std::string const& text, CFIIndexMap& map);
   void NonEmptyOctetUTF8StringBit2(std::uint32_t leading, std::string const& text);
   void NonIdentifyingStringOrIndexBit1(std::string_view value, ItemType type);
   void NonIdentifyingStringOrIndexBit3(std::uint32_t leading, std::string_view value, ItemType type);
@@ -132,8 +130,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CXmlWriterContext const* m_mixed = nullptr;     // the outermost open element that has text between its children
   bool m_terminatorPending = false;               // the end of one element is noted but not yet written
   std::vector<std::pair<std::string, std::string>> m_declared;  // prefixes and URIs for the pending element
-  CFIVocabulary m_vocabulary;
-  std::unique_ptr<CKnownNames> m_knownNames;
+  std::unique_ptr<WriterTables> m_tables;
   bool m_isAsciiUtf8;     // in the local code page; determined once per document
   std::string m_scratch;  // octets of the current value, or key of a new name
 };
