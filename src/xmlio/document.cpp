@@ -117,7 +117,7 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   m_elementStack.reserve(kUsualDepth);
   m_documentElement = XmlNodeAccess::NewElement(*name, Memory());
   if (m_filter != nullptr) m_previous.push_back(nullptr);
-  return PushOpen(m_documentElement);
+  return XmlNodeAccess::Open(*this, m_documentElement);
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
@@ -131,16 +131,8 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
-  CountContent(ChargeOf(*name));
-  m_elementStack.back().hadChildren = true;
-  if (XmlNodeAccess::HasText(*parent)) NotePlace(*parent);
   if (m_filter != nullptr) m_previous.push_back(XmlNodeAccess::LastChild(*parent));
-  return PushOpen(XmlNodeAccess::AddChild(*parent, *name));
-}
-
-CXmlElement* CXmlDocument::PushOpen(CXmlElement* element) {
-  m_elementStack.push_back({element, 0, false});
-  return element;
+  return XmlNodeAccess::Open(*this, XmlNodeAccess::AddCountedChild(*this, *parent, *name));
 }
 
 void CXmlDocument::NotePlace(CXmlElement const& parent) {

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <utility>
 
+#include "base/text_copy.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "xmlio/node_text.h"
@@ -122,6 +123,37 @@ struct XmlNodeAccess {
   static bool HasFilter(CXmlDocument const& document) { return document.m_filter != nullptr; }
   /// Drop what has been built or declared, but not the input.
   static void DropTree(CXmlDocument& document) noexcept;
+  /// The steps of CXmlDocument::AddChildElement(), inline, for readers that check the depth themselves: add a child to
+  /// \p parent, the innermost open element, and open it. A document with a filter needs more.
+  ///@{
+  static CXmlElement* AddCountedChild(CXmlDocument& document, CXmlElement& parent, CXmlName const& name) {
+    document.CountContent(static_cast<TreeName const&>(name).charge);
+    document.m_elementStack.back().hadChildren = true;
+    if (HasText(parent)) document.NotePlace(parent);
+    return AddChild(parent, name);
+  }
+  /// Both together with the end of the element, for one that has only \p text. Return null, with nothing changed, if the
+  /// text is not plain or not short, or if the two are too much for the document.
+  static CXmlElement* AddTextChild(CXmlDocument& document, CXmlElement& parent, CXmlName const& name,
+                                   std::string_view text) {
+    TreeName const& treeName = static_cast<TreeName const&>(name);
+    std::uint64_t const size = document.m_contentSize + treeName.charge + text.size();
+    std::uintptr_t place = 0;
+    if (size > document.m_contentLimit || !NodeText::SetFirst(place, text, *treeName.memory, HasUnplain())) {
+      return nullptr;
+    }
+    document.m_contentSize = size;
+    document.m_elementStack.back().hadChildren = true;
+    if (HasText(parent)) document.NotePlace(parent);
+    CXmlElement* const element = AddChild(parent, NewElement(name, *treeName.memory));
+    element->m_text = place;
+    return element;
+  }
+  static CXmlElement* Open(CXmlDocument& document, CXmlElement* element) {
+    document.m_elementStack.push_back({element, 0, false});
+    return element;
+  }
+  ///@}
   /// CXmlDocument::EndElement() and CloseElement(), inline, because they run for every element.
   ///@{
   static void EndElement(CXmlDocument& document) {

@@ -172,7 +172,6 @@ class QUILLON9_API CXmlDocument {
     return m_elementStack.back().element;
   }
   [[noreturn]] static void ThrowNoneOpen();
-  CXmlElement* PushOpen(CXmlElement* element);
   void NotePlace(CXmlElement const& parent);
   void EndFilteredElement();
   bool AskFilter(CXmlElement* element);
