@@ -24,6 +24,7 @@
 #include "xmlio/expat_version.h"
 #include "xmlio/fast_reader.h"
 #include "xmlio/fast_reader_mode.h"
+#include "xmlio/node_access.h"
 #include "xmlio/tree_comparison.h"
 
 namespace Quillon9 {
@@ -145,6 +146,22 @@ void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) 
   Parse();
 }
 
+void XmlNodeAccess::LoadLentText(CXmlDocument& document, char const* text) {
+  document.Cleanup();
+  std::size_t const size = LengthOrThrow(text);
+  ThrowIfTooLarge(size);
+  LendInput(document, reinterpret_cast<unsigned char const*>(text), size);
+  document.ParseText();
+}
+
+void XmlNodeAccess::LoadLentStream(CXmlDocument& document, unsigned char const* data, unsigned long size) {
+  document.Cleanup();
+  ThrowIfNoStream(data, size);
+  ThrowIfTooLarge(size);
+  LendInput(document, data, size);
+  document.Parse();
+}
+
 void CXmlDocument::Load(char const* path) {
   Cleanup();
   if (path == nullptr) path = "";
@@ -200,6 +217,8 @@ void CXmlDocument::Parse(char const* file) {
 }
 
 void CXmlDocument::DecompressInput() {
+  if (!HasCompressedHeader(m_inputData, m_inputSize)) return;
+  if (m_ownedInput == nullptr) CopyInput(m_inputData, m_inputSize);  // it was lent
   unsigned char* data = m_ownedInput.get();
   CQnZip::Decompress(&data, &m_inputSize);
   if (data == m_inputData) return;

@@ -13,6 +13,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -30,7 +31,7 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
 
 /// The caller has never seen \p text, so a place in it means nothing.
 void LoadUnseen(CXmlDocument& document, std::string const& text) try {
-  document.LoadXml(text.c_str());
+  XmlNodeAccess::LoadLentText(document, text.c_str());
 } catch (CQnException& failure) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   CFailurePlace place;
@@ -61,7 +62,8 @@ void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext cons
 }
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
-  ReadDocument(*this, ctx, InputForm::kBytes, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
+               [&](CXmlDocument& document) { XmlNodeAccess::LoadLentText(document, text); });
 }
 
 void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) {
@@ -70,11 +72,12 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
 
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
   ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
-               [&](CXmlDocument& document) { document.LoadXmlStream(data, length); });
+               [&](CXmlDocument& document) { XmlNodeAccess::LoadLentStream(document, data, length); });
 }
 
 void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationContext const& ctx) {
-  FromXmlStream(data.GetData(), data.GetLength(), ctx);
+  CBinaryData const held = data;  // it may be a member of this object
+  FromXmlStream(held.GetData(), held.GetLength(), ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {

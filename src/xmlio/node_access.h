@@ -110,11 +110,14 @@ struct XmlNodeAccess {
   /// @{
   /// Give \p document the input of another one, which must outlive it, for a second tree under the same limits.
   static void LendInput(CXmlDocument& document, CXmlDocument const& from) {
-    document.m_inputData = from.m_inputData;
-    document.m_inputSize = from.m_inputSize;
     document.m_schemaType = from.m_schemaType;
-    document.StartCounting();
+    LendInput(document, from.m_inputData, from.m_inputSize);
   }
+  /// CXmlDocument::LoadXmlStream() and LoadXml() without a copy of the input, which must outlive \p document.
+  ///@{
+  static void LoadLentStream(CXmlDocument& document, unsigned char const* data, unsigned long size);
+  static void LoadLentText(CXmlDocument& document, char const* text);
+  ///@}
   /// Whether nothing has been built or declared in \p document.
   static bool IsUntouched(CXmlDocument const& document) {
     return document.m_memory == nullptr && document.m_documentElement == nullptr && document.m_elementStack.empty() &&
@@ -174,6 +177,13 @@ struct XmlNodeAccess {
   /// What CXmlDocument::CountContent() has counted.
   static std::uint64_t& ContentSize(CXmlDocument& document) { return document.m_contentSize; }
   /// @}
+
+ private:
+  static void LendInput(CXmlDocument& document, unsigned char const* data, unsigned long size) {
+    document.m_inputData = data;
+    document.m_inputSize = size;
+    document.StartCounting();
+  }
 };
 
 }  // namespace Quillon9
