@@ -1,46 +1,13 @@
 #include "xmlio/tree_memory.h"
 
 #include <algorithm>
-#include <array>
 #include <new>
 #include <utility>
 
-#include "base/fast_paths.h"
-#include "base/per_thread.h"
 #include "base/seeded_hash.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
-
-namespace {
-
-// Large enough that the allocator of the process does not trim its memory at the end of each block.
-constexpr std::size_t kBlockSize = 256 * 1024;
-using Block = std::unique_ptr<char[]>;
-
-/// Keeps blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then
-/// requests no memory from the system. Giving a block back never fails, because destructors do it.
-class BlockCache {
- public:
-  static Block Take() {
-    BlockCache* const cache = PerThread<BlockCache>::Find();
-    if (cache == nullptr || cache->m_count == 0) return Block(new char[kBlockSize]);
-    return std::move(cache->m_blocks[--cache->m_count]);
-  }
-  static void Give(Block block) noexcept {
-    BlockCache* const cache = kBlockCache.IsOn() ? PerThread<BlockCache>::Find() : nullptr;
-    if (cache == nullptr || cache->m_count == kMost) return;
-    cache->m_blocks[cache->m_count++] = std::move(block);
-  }
-
- private:
-  static constexpr std::size_t kMost = 16;
-
-  std::size_t m_count = 0;
-  std::array<Block, kMost> m_blocks;
-};
-
-}  // namespace
 
 CTreeExtra::CTreeExtra(CTreeMemory* memory) noexcept {
   if (memory == nullptr) return;
@@ -57,10 +24,6 @@ CTreeExtra::~CTreeExtra() {
 
 CTreeMemory::~CTreeMemory() {
   while (m_extras != nullptr) delete m_extras;
-  for (Block& block : m_blocks) {
-    ASAN_UNPOISON_MEMORY_REGION(block.get(), kBlockSize);
-    BlockCache::Give(std::move(block));
-  }
 }
 
 void CTreeMemory::Abandon(CXmlElement* root) noexcept {
@@ -114,10 +77,9 @@ void* CTreeMemory::TakeFreed(std::size_t granules) {
 }
 
 void CTreeMemory::StartBlock() {
-  m_blocks.push_back(BlockCache::Take());
-  m_blockAt = m_blocks.back().get();
-  m_blockEnd = m_blockAt + kBlockSize;
-  ASAN_POISON_MEMORY_REGION(m_blockAt, kBlockSize);
+  TreeBlock const& block = m_blocks.emplace_back(m_blocks.size());
+  m_blockAt = block.Start();
+  m_blockEnd = m_blockAt + block.Size();
 }
 
 void CTreeMemory::Free(void* storage, std::size_t size) noexcept {

@@ -14,6 +14,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "xmlio/namespace_declarations.h"
+#include "xmlio/tree_block.h"
 
 namespace Quillon9 {
 
@@ -173,7 +174,7 @@ class CTreeMemory {
   Freed* m_free[kLargest / kGranule + 1] = {};
   char* m_blockAt = nullptr;
   char* m_blockEnd = nullptr;
-  std::vector<std::unique_ptr<char[]>> m_blocks;
+  std::vector<TreeBlock> m_blocks;
   CTreeExtra* m_extras = nullptr;
   std::deque<TreeName> m_names;  // their places do not change
   std::vector<TreeName*> m_nameBuckets;
