@@ -74,5 +74,6 @@ inline constexpr FastPath kRememberedNumber{"remembered_number"};
 inline constexpr FastPath kRememberedValue{"remembered_value"};
 inline constexpr FastPath kSpareContexts{"spare_contexts"};
 inline constexpr FastPath kSpareTables{"spare_tables"};
+inline constexpr FastPath kTreeNames{"tree_names"};
 
 }  // namespace Quillon9

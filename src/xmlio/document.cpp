@@ -31,7 +31,7 @@ std::size_t ChargeOf(CXmlName const& name) { return static_cast<TreeName const&>
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
 CTreeMemory& CXmlDocument::Memory() {
-  if (m_memory == nullptr) m_memory = new CTreeMemory(this);
+  if (m_memory == nullptr) m_memory = CTreeMemory::For(*this);
   return *m_memory;
 }
 

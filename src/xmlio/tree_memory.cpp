@@ -1,9 +1,12 @@
 #include "xmlio/tree_memory.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 #include <utility>
 
+#include "base/fast_paths.h"
+#include "base/per_thread.h"
 #include "base/seeded_hash.h"
 #include "xmlio/node_access.h"
 
@@ -22,15 +25,67 @@ CTreeExtra::~CTreeExtra() {
   if (m_next != nullptr) m_next->m_link = m_link;
 }
 
-CTreeMemory::~CTreeMemory() {
-  while (m_extras != nullptr) delete m_extras;
+/// The memory that a thread keeps for its next document.
+class KeptTreeMemory {
+ public:
+  /// Return it, or null if there is none.
+  static CTreeMemory* Take() {
+    KeptTreeMemory* const kept = kTreeNames.IsOn() ? PerThread<KeptTreeMemory>::Find() : nullptr;
+    return kept != nullptr ? std::exchange(kept->m_memory, nullptr) : nullptr;
+  }
+  /// Keep \p memory and return true, or return false.
+  static bool Give(CTreeMemory* memory) noexcept {
+    KeptTreeMemory* const kept = kTreeNames.IsOn() ? PerThread<KeptTreeMemory>::Find() : nullptr;
+    if (kept == nullptr || kept->m_memory != nullptr) return false;
+    kept->m_memory = memory;
+    return true;
+  }
+  ~KeptTreeMemory() { delete m_memory; }
+
+ private:
+  CTreeMemory* m_memory = nullptr;
+};
+
+CTreeMemory* CTreeMemory::For(CXmlDocument& document) {
+  CTreeMemory* memory = KeptTreeMemory::Take();
+  if (memory == nullptr) memory = new CTreeMemory;
+  memory->Begin(document);
+  return memory;
 }
+
+void CTreeMemory::Begin(CXmlDocument& document) {
+  m_document = m_counting = &document;
+  ++m_use;
+}
+
+bool CTreeMemory::IsWorthKeeping() const {
+  return !m_names.empty() && m_names.size() <= kMostKeptNames && m_nameText <= kMostKeptText;
+}
+
+/// The last use of the nodes has ended.
+void CTreeMemory::End() noexcept {
+  DropNodes();
+  if (!IsWorthKeeping() || !KeptTreeMemory::Give(this)) delete this;
+}
+
+void CTreeMemory::DropNodes() noexcept {
+  while (m_extras != nullptr) delete m_extras;
+  m_document = nullptr;
+  m_isAbandoned = false;
+  m_plainClasses = {};
+  m_declarations = {};
+  std::fill(std::begin(m_free), std::end(m_free), nullptr);
+  m_blockAt = m_blockEnd = nullptr;
+  m_blocks.clear();
+}
+
+CTreeMemory::~CTreeMemory() { DropNodes(); }
 
 void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   m_isAbandoned = true;
   m_counting = nullptr;
   if (m_detached == 0) {
-    delete this;
+    End();
   } else if (root != nullptr) {
     XmlNodeAccess::Dispose(root);  // what it has outside this memory need not wait
   }
@@ -38,7 +93,7 @@ void CTreeMemory::Abandon(CXmlElement* root) noexcept {
 
 void CTreeMemory::FreeDetached(void* node) noexcept {
   Free(node, sizeof(CXmlElement));
-  if (--m_detached == 0 && m_isAbandoned) delete this;
+  if (--m_detached == 0 && m_isAbandoned) End();
 }
 
 TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
@@ -48,10 +103,18 @@ TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::strin
   if (!m_nameBuckets.empty()) {
     for (TreeName* name = BucketOf(hash); name != nullptr; name = name->nextInBucket) {
       bool const isFound = name->hash == hash && name->localName == localName && name->namespaceUri == namespaceUri;
-      if (isFound) return name;
+      if (!isFound) continue;
+      if (name->use != m_use) CountName(*name);
+      return name;
     }
   }
   return AddName(namespaceUri, localName, hash);
+}
+
+/// Count a name of an earlier document as one that is new.
+void CTreeMemory::CountName(TreeName& name) {
+  CountContent(kNameCharge + 2 * (name.namespaceUri.size() + name.localName.size()));
+  name.use = m_use;
 }
 
 TreeName* CTreeMemory::AddName(std::string_view namespaceUri, std::string_view localName, std::uint64_t hash) {
@@ -59,6 +122,8 @@ TreeName* CTreeMemory::AddName(std::string_view namespaceUri, std::string_view l
   CountContent(kNameCharge + 2 * size);
   if (m_names.size() == m_nameBuckets.size()) AddNameBuckets();
   TreeName* const name = &m_names.emplace_back(namespaceUri, localName, this, ChargeOfNode(size));
+  m_nameText += size;
+  name->use = m_use;
   name->hash = hash;
   name->nextInBucket = std::exchange(BucketOf(hash), name);
   return name;
