@@ -467,4 +467,26 @@ TEST(Places, OfAllNodesAreFoundAtOnce) {
   EXPECT_EQ(number, kCount);
 }
 
+/// Owns the bytes that it is read from, and clears them before it fails.
+class Owner : public Probe {
+ public:
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override {
+    m_bytes.Clear();
+    return Probe::FromXml_Int(parent, cursor, ctx, inChoice);
+  }
+
+  CBinaryData m_bytes{"<a>\n<b>BAD</b></a>"};
+};
+
+TEST(Places, AreFoundInBytesThatTheReadHasCleared) {
+  CSmartPtr<Owner> const owner(new Owner);
+  try {
+    owner->FromXmlStream(owner->m_bytes);
+    FAIL();
+  } catch (CQnException const& failure) {
+    EXPECT_EQ("2:1@4 /a/b", Show(failure.GetPlace()));
+  }
+}
+
 }  // namespace Quillon9::Testing
