@@ -13,7 +13,7 @@ namespace Quillon9 {
 
 namespace {
 
-constexpr std::size_t kLastPlace = 0xFFFFFFFE;
+constexpr std::size_t kLastPlace = 0x7FFFFFFE;
 
 std::uint32_t AsPlace(std::size_t size) { return static_cast<std::uint32_t>(std::min(size, kLastPlace)); }
 
@@ -37,10 +37,10 @@ void CElement::KeepPlaces(CXmlElement const& source) {
   for (auto const& item : source.Content()) {
     place += item.GetText().size();
     if (item.IsText() || next == copies.end() || !HasNamesOf(**next, *item.GetElement())) continue;
-    (*next)->m_place = AsPlace(place);
+    (*next)->m_place = AsPlace(place) & kNoPlace;
     ++next;
   }
-  m_isMixed = true;
+  m_isMixed = 1;
 }
 
 void CElement::AppendText(std::string_view text) {
@@ -52,10 +52,10 @@ void CElement::AppendText(std::string_view text) {
     for (int i = elements->GetCount(); i-- > 0;) {
       CSmartPtr<CElement> const child = elements->Item(i);
       if (child->m_place != kNoPlace) break;
-      child->m_place = AsPlace(m_text.size());
+      child->m_place = AsPlace(m_text.size()) & kNoPlace;
     }
   }
-  m_isMixed = true;
+  m_isMixed = 1;
   m_text += text;
 }
 

@@ -65,7 +65,9 @@ bool CTreeMemory::IsWorthKeeping() const {
 /// The last use of the nodes has ended.
 void CTreeMemory::End() noexcept {
   DropNodes();
-  if (!IsWorthKeeping() || !KeptTreeMemory::Give(this)) delete this;
+  if (!IsWorthKeeping()) return delete this;
+  for (TreeName const& name : m_names) name.user.reset();  // it may share more than names
+  if (!KeptTreeMemory::Give(this)) delete this;
 }
 
 void CTreeMemory::DropNodes() noexcept {
@@ -95,6 +97,8 @@ void CTreeMemory::FreeDetached(void* node) noexcept {
   Free(node, sizeof(CXmlElement));
   if (--m_detached == 0 && m_isAbandoned) End();
 }
+
+TreeName::User::~User() = default;
 
 TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   // The document chooses the names.

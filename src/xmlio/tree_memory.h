@@ -29,6 +29,14 @@ struct TreeName final : CXmlName {
   TreeName(std::string uri, std::string name, CXmlDocument const* itsDocument)
       : CXmlName(std::move(uri), std::move(name)), document(itsDocument) {}
 
+  /// What higher floors keep for a name of a document, until the tree is destroyed.
+  struct User {
+    User() = default;
+    User(User const&) = delete;
+    User& operator=(User const&) = delete;
+    virtual ~User();
+  };
+
   CTreeMemory* memory = nullptr;           ///< of the document that shares it; null for a standalone node's name
   CXmlDocument const* document = nullptr;  ///< of a standalone element
   mutable std::uint64_t member = 0;        ///< the number of the class member that is known to have both names
@@ -36,6 +44,7 @@ struct TreeName final : CXmlName {
   std::uint64_t hash = 0;                  ///< of both names, in a document
   std::uint64_t use = 0;                   ///< the last use of the memory that had this name
   TreeName* nextInBucket = nullptr;        ///< another one of the document
+  mutable std::unique_ptr<User> user;      ///< null for most
 };
 
 /// Data that a node has outside the memory of its tree. It is freed with its node or with the memory.

@@ -76,6 +76,24 @@ TEST(Element, ReadingAppendsAndCopyingReplaces) {
   EXPECT_EQ("first", base.GetName());
 }
 
+TEST(Element, SharesNamesUntilTheyChange) {
+  CElement root("");
+  root.FromXml("<r xmlns='urn:a' k='1'><a k='2'/><a k='3'/><r/></r>");
+  CElementCol const& children = *root.GetElements();
+  CSmartPtr<CElement> const first = children.Item(0);
+  EXPECT_EQ(&first->GetName(), &children.Item(1)->GetName());
+  CSmartPtr<CElement> const clone = first->Clone();
+  first->SetName("b");
+  first->GetAttributes()->Item(0)->SetName("l");
+  children.Item(1)->SetNamespace("urn:b");
+  children.Item(2)->SetDefaultNamespace("urn:a");
+  EXPECT_EQ(
+      "<AA:r xmlns:AA=\"urn:a\" k=\"1\"><AA:b l=\"2\"/><AB:a xmlns:AB=\"urn:b\" k=\"3\"/><r xmlns=\"urn:a\"/></AA:r>",
+      Text(root));
+  EXPECT_EQ("<AA:a xmlns:AA=\"urn:a\" k=\"2\"/>", Text(*clone));
+  EXPECT_EQ("urn:a", children.Item(1)->GetElements()->Add("new")->GetNamespace()) << "the first namespace";
+}
+
 TEST(Element, WithADefaultNamespaceIsWrittenApart) {
   CElement element("a", "urn:d");
   element.GetAttributes()->Add("lost", "1", "");

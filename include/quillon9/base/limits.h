@@ -27,7 +27,7 @@ class QUILLON9_API CLimits {
   /// The size admits harmless documents that arrive in few octets: a gzip wrapper shrinks repetitive text to a
   /// thirtieth, and Fast Infoset shrinks elements to two octets. It does not depend on the form, so a document within
   /// it can be read in each form. The growth admits large documents, whose trees have up to 20 times the size of their
-  /// text, and up to 100 times as CElement. The total keeps large inputs from multiplying.
+  /// text, and up to 50 times as CElement. The total keeps large inputs from multiplying.
   ///
   /// A document beyond the bound fails with "The content of the document exceeds the limit of %llu bytes".
   ///@{
