@@ -162,6 +162,14 @@ void CElement::CopyXmlElement(CXmlElement const* element) { CopyWhole(element, f
 
 void CElement::CopyXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
   CopyWhole(element, ctx.GetKeepMixedContent());
+  if (ctx.GetKeepPrefixes()) KeepPrefixes(*element);
+}
+
+// The declarations at the document element serve all elements below it.
+void CElement::KeepPrefixes(CXmlElement const& element) {
+  CXmlDocument const* const document = element.GetDocument();
+  if (document == nullptr || document->GetDocumentElement() != &element) return;
+  for (auto& [prefix, uri] : XmlNodeAccess::PrefixesOf(*document)) GetAttributes()->SetPrefix(prefix, std::move(uri));
 }
 
 void CElement::CopyWhole(CXmlElement const* element, bool keepsMixed) {

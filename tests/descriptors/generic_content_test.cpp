@@ -94,6 +94,27 @@ TEST(Element, SharesNamesUntilTheyChange) {
   EXPECT_EQ("urn:a", children.Item(1)->GetElements()->Add("new")->GetNamespace()) << "the first namespace";
 }
 
+// A document in many namespaces keeps about its size, where each element would declare its own.
+TEST(Element, DeclaresKeptPrefixesOnlyOnce) {
+  std::string text = "<r";
+  for (int i = 0; i < 300; ++i) text += " xmlns:p" + std::to_string(i) + "=\"urn:example:" + std::to_string(i) + "\"";
+  text += '>';
+  for (int i = 0; i < 3000; ++i) text += "<p" + std::to_string(i % 300) + ":a/>";
+  text += "</r>";
+  CXmlDocument document;
+  document.LoadXml(text.c_str());
+  CXmlSerializationContext context;
+  CElement element("");
+  element.CopyXmlElement(document.GetDocumentElement(), context);
+  EXPECT_GT(Text(element).size(), 2 * text.size());
+  context.SetKeepPrefixes(true);
+  element.CopyXmlElement(document.GetDocumentElement(), context);
+  EXPECT_EQ(text.size(), Text(element).size());
+  CElement again("");
+  again.FromXml(Text(element).c_str());
+  EXPECT_EQ("urn:example:299", again.GetElements()->Item(299)->GetNamespace());
+}
+
 TEST(Element, WithADefaultNamespaceIsWrittenApart) {
   CElement element("a", "urn:d");
   element.GetAttributes()->Add("lost", "1", "");

@@ -105,7 +105,7 @@ class QUILLON9_API CXmlSerializationContext {
   /// Whether the document element of a read, if its class derives from CBoundObject, remembers the prefixes of the
   /// document and declares them when it is written; false by default. For documents that have prefixes in texts whose
   /// type does not say so, such as paths. A prefix is kept if the document element declares it, or if it has one
-  /// meaning in the whole document; the default namespace is not.
+  /// meaning in the whole document; the default namespace is not. CElement::CopyXmlElement() heeds this, too.
   ///@{
   bool GetKeepPrefixes() const { return m_keepPrefixes; }
   void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }

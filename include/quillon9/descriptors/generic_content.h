@@ -283,7 +283,9 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// element stays and is not applied. The value of an attribute "xmlns" becomes the default namespace.
   /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
   void CopyXmlElement(CXmlElement const* element);
-  /// The same with the options of \p ctx, of which only GetKeepMixedContent() counts.
+  /// The same with the options of \p ctx, of which only GetKeepMixedContent() and GetKeepPrefixes() count. With the
+  /// latter, a copy of the document element of a document notes its prefixes with CAttributeCol::SetPrefix(), so that it
+  /// declares them when it is written, in place of each element below it.
   void CopyXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx);
   /// Create a copy without the default namespace.
   /// \throws CQnInvalidNamespaceException as the constructor, where CopyXmlElement() brought a namespace that the
@@ -388,6 +390,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void CopyWhole(CXmlElement const* element, bool keepsMixed);
   void CopyFrom(CXmlElement const& element, bool keepsMixed);
   void KeepPlaces(CXmlElement const& source);
+  void KeepPrefixes(CXmlElement const& element);
   void WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const;
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
