@@ -44,6 +44,8 @@ class CNode;
 class CObjectCollection;
 class CPropertyRef;
 class CPrimitiveRestrictions;
+class CSchemaPattern;
+class CSchemaValues;
 class CQnException;
 class CQnInvalidNamespaceException;
 class CQnInvalidParamException;

@@ -10,6 +10,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"
 #include "quillon9/text/text_encoding.h"
+#include "quillon9/values/value_rules.h"
 #include "quillon9/xmlio/schema_type.h"
 
 namespace Quillon9 {
@@ -118,6 +119,13 @@ class QUILLON9_API CXmlSerializationContext {
   void SetTextEncoding(TextEncoding encoding) { m_textEncoding = encoding; }
   ///@}
 
+  /// The rules of values. ValueRules_XmlSchema reads, checks and writes them exactly as XML Schema does, on writing and on
+  /// reading: docs/values.md compares the two. Default ValueRules_Classic.
+  ///@{
+  ValueRules GetValueRules() const { return m_valueRules; }
+  void SetValueRules(ValueRules rules) { m_valueRules = rules; }
+  ///@}
+
   /// \name Failures
   /// @{
 
@@ -213,6 +221,7 @@ class QUILLON9_API CXmlSerializationContext {
   CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
   TextEncoding m_textEncoding = TextEncoding_Locale;
+  ValueRules m_valueRules = ValueRules_Classic;
   IFailureSink* m_failureSink = nullptr;
   std::uint32_t m_maxFailures = 1000;
   bool m_checksFacetsOnReading = false;
