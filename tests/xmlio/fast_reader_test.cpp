@@ -16,8 +16,8 @@
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/unicode.h"
 #include "support/scoped_locale.h"
+#include "text/name_characters.h"
 #include "xmlio/fast_reader_mode.h"
-#include "xmlio/name_characters.h"
 
 namespace Quillon9 {
 namespace {
