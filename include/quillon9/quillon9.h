@@ -84,6 +84,7 @@
 #include "quillon9/values/item_type.h"
 #include "quillon9/values/object_helper.h"
 #include "quillon9/values/pattern.h"
+#include "quillon9/values/rare_part.h"
 #include "quillon9/values/restrictions.h"
 #include "quillon9/values/schema_form.h"
 #include "quillon9/values/schema_pattern.h"

@@ -17,7 +17,7 @@ constexpr int kIndeterminate = 3;
 
 template <class Number>
 int CompareNumbers(Number left, Number right) {
-  if (left * right < 0) return kIndeterminate;
+  if ((left < 0 && right > 0) || (left > 0 && right < 0)) return kIndeterminate;
   if (left < right) return kLess;
   return left > right ? kGreater : kEqual;
 }
@@ -25,7 +25,7 @@ int CompareNumbers(Number left, Number right) {
 }  // namespace
 
 int Compare(CDateTime const& left, CDateTime const& right) {
-  int order = CompareNumbers(left.HasYear() ? left.m_year : -1, right.HasYear() ? right.m_year : -1);
+  int order = CompareNumbers(left.HasYear() ? left.Year() : -1, right.HasYear() ? right.Year() : -1);
   // The left month is used for the right side too: it never decides, and a left side without a month throws.
   if (order == kEqual) {
     order = CompareNumbers(left.HasMonth() ? left.m_month : -1, right.HasMonth() ? int{left.GetMonth()} : -1);
@@ -39,6 +39,10 @@ int Compare(CDateTime const& left, CDateTime const& right) {
     order =
         CompareNumbers(left.HasTime() ? left.GetRealSecond() : -1.0, right.HasTime() ? right.GetRealSecond() : -1.0);
   }
+  if (order == kEqual && left.HasTime() && right.HasTime()) {
+    int const rest = left.LongFraction().compare(right.LongFraction());
+    order = rest < 0 ? kLess : rest > 0 ? kGreater : kEqual;
+  }
   return order;
 }
 
@@ -47,7 +51,7 @@ CDateTime CDateTime::GetNormalized() const {
   if (!m_hasTimeZone) return copy;
   auto const hours = static_cast<std::uint32_t>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour);
   CDateTimeSpan const offset(hours, m_zoneMinute, 0);
-  if (m_zoneHour < 0) {
+  if (HasNegativeOffset()) {
     copy += offset;
   } else {
     copy -= offset;
@@ -178,10 +182,16 @@ void AddDays(Date& date, std::int64_t days) {
 }  // namespace
 
 void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
+  if (span.m_rest.Find() != nullptr && !span.m_rest.Find()->fraction.empty()) span.ThrowTooNarrow("AddDateTimeSpan");
   bool const negative = span.IsNegative();
+  bool const isLong = Year() != m_year;
+  auto const setYear = [&](std::int64_t sum) {
+    if (isLong) return StoreYear(sum);
+    m_year = static_cast<std::int16_t>(sum);
+  };
   std::int64_t const months = AddSigned(m_month - 1, span.GetMonths(), negative);
   std::int64_t const month = GetModulo(months, 12) + 1;
-  std::int64_t const year = AddSigned(m_year + GetQuotient(months, 12), span.GetYears(), negative);
+  std::int64_t const year = AddSigned(Year() + GetQuotient(months, 12), span.GetYears(), negative);
   std::int64_t carry = AddField(m_nanoSecond, span.GetNanoSeconds(), negative, 0, 1000);
   carry = AddField(m_microSecond, span.GetMicroSeconds(), negative, carry, 1000);
   carry = AddField(m_milliSecond, span.GetMilliSeconds(), negative, carry, 1000);
@@ -189,12 +199,12 @@ void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
   carry = AddField(m_minute, span.GetMinutes(), negative, carry, 60);
   carry = AddField(m_hour, span.GetHours(), negative, carry, 24);
   m_month = static_cast<std::uint8_t>(month);
-  m_year = static_cast<std::int16_t>(year);
+  setYear(year);
   std::int64_t const days = AddSigned(carry, span.GetDays(), negative);
   if (days == 0) return;
   Date date{year, month, m_day};
   AddDays(date, days);
-  m_year = static_cast<std::int16_t>(date.year);
+  setYear(date.year);
   m_month = static_cast<std::uint8_t>(date.month);
   m_day = static_cast<std::uint8_t>(date.day);
 }

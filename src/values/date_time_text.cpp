@@ -1,5 +1,6 @@
 // Reading dates and times from text, and printing them.
 
+#include <charconv>
 #include <cstring>
 
 #include "base/failure_detail.h"
@@ -72,11 +73,10 @@ std::string CDateTime::ToString(char const* format) const {
     throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Date Not Set"));
   if (format == nullptr || std::strcmp(format, "G") == 0) return "";
   if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
-  char text[64];  // all fields together have 52 characters at most
+  char text[64];  // all fields together have 61 characters at most, but for a long fraction
   char* end = text;
   if (HasYear()) {
-    if (m_year < 0) *end++ = '-';
-    end = PutPadded(end, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
+    end = PutYear(end);
   } else if (m_type != dt_time && m_type <= dt_gMonthDay) {
     for (int dashes = HasMonth() ? 2 : 3; dashes != 0; --dashes) *end++ = '-';
   }
@@ -90,7 +90,18 @@ std::string CDateTime::ToString(char const* format) const {
   }
   if (m_type == dt_dateTime) *end++ = 'T';
   if (HasTime()) end = PutTime(end);
-  return std::string(text, PutZone(end));
+  std::string const& fraction = LongFraction();
+  if (!HasTime() || fraction.empty()) return std::string(text, PutZone(end));
+  std::string result(text, end);
+  result += fraction;
+  return result.append(text, PutZone(text));
+}
+
+char* CDateTime::PutYear(char* to) const {
+  std::int64_t const year = Year();
+  if (year != m_year) return std::to_chars(to, to + 20, year).ptr;
+  if (m_year < 0) *to++ = '-';
+  return PutPadded(to, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
 }
 
 char* CDateTime::PutTime(char* to) const {
@@ -99,6 +110,11 @@ char* CDateTime::PutTime(char* to) const {
   to = PutPadded(to, m_minute, 2);
   *to++ = ':';
   to = PutPadded(to, m_second, 2);
+  if (!LongFraction().empty()) {
+    *to++ = '.';
+    for (std::uint16_t const group : {m_milliSecond, m_microSecond, m_nanoSecond}) to = PutPadded(to, group, 3);
+    return to;
+  }
   if (m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0) return to;
   std::string const fraction = ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
   return to + fraction.copy(to, fraction.size());
@@ -110,7 +126,7 @@ char* CDateTime::PutZone(char* to) const {
     *to++ = 'Z';
     return to;
   }
-  *to++ = m_zoneHour < 0 ? '-' : '+';
+  *to++ = HasNegativeOffset() ? '-' : '+';
   to = PutPadded(to, static_cast<unsigned>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour), 2);
   *to++ = ':';
   return PutPadded(to, m_zoneMinute, 2);
@@ -149,6 +165,7 @@ void CDateTime::SetXSDTime(char const* text) {
   m_hour = hour;
   m_minute = minute;
   m_second = second;
+  DropLongFraction();
   char const* at = text + 8;
   if (*at == '.') {
     static constexpr int weights[] = {100, 10, 1};
@@ -218,7 +235,7 @@ bool CDateTime::ReadFullDate(char const* text, long length, bool negative) {
   if (!ReadDigits(text, 4, year)) return false;
   if (length >= 7 && (text[4] != '-' || !ReadDigits(text + 5, 2, month))) return false;
   if (length == 10 && (text[7] != '-' || !ReadDigits(text + 8, 2, day))) return false;
-  m_year = static_cast<std::int16_t>(negative ? -year : year);
+  StoreYear(negative ? -year : year);
   if (length >= 7) m_month = month;
   if (length == 10) m_day = day;
   m_type = length == 4 ? dt_gYear : length == 7 ? dt_gYearMonth : dt_date;

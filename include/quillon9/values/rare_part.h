@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+
+namespace Quillon9::detail {
+
+/// What few values of a class have, in memory of its own that the others do not take. A copy owns a copy of it. For
+/// internal use.
+template <class Part>
+class RarePart {
+ public:
+  RarePart() = default;
+  RarePart(RarePart const& other) : m_part(CopyOf(other)) {}
+  RarePart& operator=(RarePart const& other) {
+    if (m_part != nullptr || other.m_part != nullptr) m_part = CopyOf(other);
+    return *this;
+  }
+
+  /// The part if there is one; otherwise null.
+  Part const* Find() const { return m_part.get(); }
+  /// The part, which is made if there is none.
+  Part& Make() {
+    if (m_part == nullptr) m_part = std::make_unique<Part>();
+    return *m_part;
+  }
+  void Drop() { m_part = nullptr; }
+
+ private:
+  static std::unique_ptr<Part> CopyOf(RarePart const& other) {
+    return other.m_part == nullptr ? nullptr : std::make_unique<Part>(*other.m_part);
+  }
+
+  std::unique_ptr<Part> m_part;
+};
+
+}  // namespace Quillon9::detail
