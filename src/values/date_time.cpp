@@ -171,7 +171,17 @@ bool CDateTime::CheckConversion(DTType source, DTType target) {
                CQnInvalidValueException(FormatString("Unknown date type %d.", static_cast<int>(source))));
 }
 
-void CDateTime::Clear() { *this = CDateTime(); }
+void CDateTime::Clear() {
+  m_type = dt_yearZero;
+  m_reserved = 0;
+  m_year = 0;
+  m_month = m_day = m_hour = m_minute = m_second = 0;
+  m_milliSecond = m_microSecond = m_nanoSecond = 0;
+  m_isUTC = m_hasTimeZone = false;
+  m_zoneHour = 0;
+  m_zoneMinute = 0;
+  m_rest.Drop();
+}
 
 std::string CDateTime::GetTypeAsString(DTType type) {
   switch (type) {
@@ -271,10 +281,6 @@ double CDateTime::GetRealSecond() const {
 
 // ---- What few values have
 
-std::int64_t CDateTime::Year() const {
-  return m_rest.Find() != nullptr && m_rest.Find()->year != 0 ? m_rest.Find()->year : m_year;
-}
-
 void CDateTime::StoreYear(std::int64_t year) {
   constexpr int kMostDigits = 18;
   constexpr std::int64_t kMost = 999999999999999999;
@@ -287,15 +293,6 @@ void CDateTime::StoreYear(std::int64_t year) {
   bool const isLong = year < Short::min() || year > Short::max();
   m_year = isLong ? Short::max() : static_cast<std::int16_t>(year);
   if (isLong || m_rest.Find() != nullptr) m_rest.Make().year = isLong ? year : 0;
-}
-
-std::string const& CDateTime::LongFraction() const {
-  static auto const& none = *new std::string;
-  return m_rest.Find() == nullptr ? none : m_rest.Find()->fraction;
-}
-
-void CDateTime::DropLongFraction() {
-  if (m_rest.Find() != nullptr) m_rest.Make().fraction.clear();
 }
 
 bool CDateTime::HasNegativeOffset() const {

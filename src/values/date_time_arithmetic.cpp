@@ -39,7 +39,8 @@ int Compare(CDateTime const& left, CDateTime const& right) {
     order =
         CompareNumbers(left.HasTime() ? left.GetRealSecond() : -1.0, right.HasTime() ? right.GetRealSecond() : -1.0);
   }
-  if (order == kEqual && left.HasTime() && right.HasTime()) {
+  bool const isLong = left.m_rest.Find() != nullptr || right.m_rest.Find() != nullptr;
+  if (order == kEqual && isLong && left.HasTime() && right.HasTime()) {
     int const rest = left.LongFraction().compare(right.LongFraction());
     order = rest < 0 ? kLess : rest > 0 ? kGreater : kEqual;
   }

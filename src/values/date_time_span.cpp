@@ -67,7 +67,14 @@ void CDateTimeSpan::ThrowTooNarrow(char const* operation) const {
                                                                            ToString().c_str(), operation)));
 }
 
-void CDateTimeSpan::Clear() { *this = CDateTimeSpan(); }
+void CDateTimeSpan::Clear() {
+  m_years = 0;
+  m_months = m_days = m_hours = 0;
+  m_minutes = m_seconds = 0;
+  m_milliSeconds = m_microSeconds = m_nanoSeconds = 0;
+  m_negative = false;
+  m_rest.Drop();
+}
 
 // ---- Text
 
@@ -170,7 +177,9 @@ std::string CDateTimeSpan::ToString() const {
   append(Whole(m_months, &Rest::months), 'M');
   append(Whole(m_days, &Rest::days), 'D');
   std::uint64_t const hours = Whole(m_hours, &Rest::hours);
-  std::string const fraction = FractionText();
+  bool const hasSeconds =
+      m_seconds != 0 || m_milliSeconds != 0 || m_microSeconds != 0 || m_nanoSeconds != 0 || m_rest.Find() != nullptr;
+  std::string const fraction = hasSeconds ? FractionText() : std::string();
   if (hours == 0 && m_minutes == 0 && m_seconds == 0 && fraction.empty()) return text;
   text += 'T';
   append(hours, 'H');

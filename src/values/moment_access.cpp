@@ -8,9 +8,8 @@ std::string_view WithoutZerosAtEnd(std::string_view digits) {
   return digits.substr(0, digits.find_last_not_of('0') + 1);  // npos + 1 is 0
 }
 
-template <class Field>
-Field Group(std::uint64_t nanoseconds, std::uint64_t unit) {
-  return static_cast<Field>(nanoseconds / unit % 1000);
+std::uint16_t Group(std::uint64_t nanoseconds, std::uint64_t unit) {
+  return static_cast<std::uint16_t>(nanoseconds / unit % 1000);
 }
 
 std::uint64_t Nanoseconds(std::uint64_t milli, std::uint64_t micro, std::uint64_t nano) {
@@ -37,7 +36,7 @@ MomentFields MomentAccess::FieldsOf(CDateTime const& value) {
 }
 
 void MomentAccess::SetFields(CDateTime& value, MomentFields const& fields) {
-  value.Clear();
+  value.m_rest.Drop();
   value.m_type = fields.type;
   value.StoreYear(fields.year);
   value.m_month = static_cast<std::uint8_t>(fields.month);
@@ -45,10 +44,11 @@ void MomentAccess::SetFields(CDateTime& value, MomentFields const& fields) {
   value.m_hour = static_cast<std::uint8_t>(fields.hour);
   value.m_minute = static_cast<std::uint8_t>(fields.minute);
   value.m_second = static_cast<std::uint8_t>(fields.second);
-  if (fields.nanoseconds != 0) {
-    value.m_milliSecond = Group<std::uint16_t>(fields.nanoseconds, 1000000);
-    value.m_microSecond = Group<std::uint16_t>(fields.nanoseconds, 1000);
-    value.m_nanoSecond = Group<std::uint16_t>(fields.nanoseconds, 1);
+  value.m_milliSecond = value.m_microSecond = value.m_nanoSecond = 0;
+  if (fields.nanoseconds != 0) {  // the divisions would take longer than all else here
+    value.m_milliSecond = Group(fields.nanoseconds, 1000000);
+    value.m_microSecond = Group(fields.nanoseconds, 1000);
+    value.m_nanoSecond = Group(fields.nanoseconds, 1);
   }
   std::string_view const fraction = WithoutZerosAtEnd(fields.fraction);
   if (!fraction.empty()) value.m_rest.Make().fraction = fraction;
@@ -88,9 +88,9 @@ void MomentAccess::SetFields(CDateTimeSpan& value, SpanFields const& fields) {
   set(value.m_hours, fields.hours, &Rest::hours);
   value.m_minutes = fields.minutes;
   value.m_seconds = fields.seconds;
-  value.m_milliSeconds = Group<std::uint16_t>(fields.nanoseconds, 1000000);
-  value.m_microSeconds = Group<std::uint16_t>(fields.nanoseconds, 1000);
-  value.m_nanoSeconds = Group<std::uint16_t>(fields.nanoseconds, 1);
+  value.m_milliSeconds = Group(fields.nanoseconds, 1000000);
+  value.m_microSeconds = Group(fields.nanoseconds, 1000);
+  value.m_nanoSeconds = Group(fields.nanoseconds, 1);
   std::string_view const fraction = WithoutZerosAtEnd(fields.fraction);
   if (!fraction.empty()) value.m_rest.Make().fraction = fraction;
 }

@@ -14,6 +14,10 @@ struct MomentAccess {
   /// offsets have less than a day, nanoseconds less than a second.
   static void SetFields(CDateTime& value, MomentFields const& fields);
   static void SetFields(CDateTimeSpan& value, SpanFields const& fields);
+  /// Whether each of the three groups of the fraction has three digits, which no setter checks.
+  static bool HasFractionInOrder(CDateTime const& value) {
+    return value.m_milliSecond < 1000 && value.m_microSecond < 1000 && value.m_nanoSecond < 1000;
+  }
   /// Whether the getters cannot express the value.
   static bool IsLong(CDateTime const& value) { return value.m_rest.Find() != nullptr; }
 };

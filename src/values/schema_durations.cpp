@@ -51,8 +51,11 @@ class DurationReader {
     std::string_view const digits = m_scan.TakeDigits();
     m_hasNumber = !digits.empty();
     m_number = 0;
-    auto const result = std::from_chars(digits.data(), digits.data() + digits.size(), m_number);
-    if (result.ec == std::errc::result_out_of_range) m_isTooLarge = true;
+    if (digits.size() <= static_cast<std::size_t>(std::numeric_limits<std::uint64_t>::digits10)) {
+      for (char const digit : digits) m_number = m_number * 10 + static_cast<unsigned>(digit - '0');
+    } else if (std::from_chars(digits.data(), digits.data() + digits.size(), m_number).ec != std::errc()) {
+      m_isTooLarge = true;
+    }
   }
 
   /// Take the sign of a unit after its number, and the number of the next unit.

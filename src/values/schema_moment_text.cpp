@@ -74,8 +74,8 @@ std::string MomentText(CDateTime const& value) {
   if (!IsValid(fields) || !BringOffsetNear(fields)) {
     SchemaFailures::ThrowNotValid(value.ToString(), KindOfMoment(fields.type));
   }
-  if (fields.offset == offset && fields.nanoseconds == 0) return value.ToString();
-  CDateTime near;  // with the fraction in groups of three digits, too, which nothing has validated
+  if (fields.offset == offset && MomentAccess::HasFractionInOrder(value)) return value.ToString();
+  CDateTime near;
   MomentAccess::SetFields(near, fields);
   return near.ToString();
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "quillon9/export.h"
 #include "quillon9/values/date_time_span.h"
@@ -305,10 +306,16 @@ class QUILLON9_API CDateTime {
     std::string fraction;            // the digits after the ninth, without zeros at the end
     bool hasNegativeOffset = false;  // of less than an hour, so that m_zoneHour is 0
   };
-  std::int64_t Year() const;
+  std::int64_t Year() const {
+    return m_rest.Find() != nullptr && m_rest.Find()->year != 0 ? m_rest.Find()->year : m_year;
+  }
   void StoreYear(std::int64_t year);
-  std::string const& LongFraction() const;
-  void DropLongFraction();
+  std::string_view LongFraction() const {
+    return m_rest.Find() == nullptr ? std::string_view() : m_rest.Find()->fraction;
+  }
+  void DropLongFraction() {
+    if (m_rest.Find() != nullptr) m_rest.Make().fraction.clear();
+  }
   bool HasNegativeOffset() const;
   [[noreturn]] void ThrowTooNarrow(char const* operation) const;
 

@@ -10,11 +10,15 @@ template <class Part>
 class RarePart {
  public:
   RarePart() = default;
-  RarePart(RarePart const& other) : m_part(CopyOf(other)) {}
+  RarePart(RarePart const& other) {
+    if (other.m_part != nullptr) m_part = std::make_unique<Part>(*other.m_part);
+  }
   RarePart& operator=(RarePart const& other) {
-    if (m_part != nullptr || other.m_part != nullptr) m_part = CopyOf(other);
+    if (m_part != nullptr || other.m_part != nullptr) *this = RarePart(other);
     return *this;
   }
+  RarePart(RarePart&& other) = default;
+  RarePart& operator=(RarePart&& other) = default;
 
   /// The part if there is one; otherwise null.
   Part const* Find() const { return m_part.get(); }
@@ -26,10 +30,6 @@ class RarePart {
   void Drop() { m_part = nullptr; }
 
  private:
-  static std::unique_ptr<Part> CopyOf(RarePart const& other) {
-    return other.m_part == nullptr ? nullptr : std::make_unique<Part>(*other.m_part);
-  }
-
   std::unique_ptr<Part> m_part;
 };
 
