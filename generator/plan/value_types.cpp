@@ -8,7 +8,7 @@
 #include "plan/check_values.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
-#include "schema/patterns.h"
+#include "quillon9/values/schema_pattern.h"
 
 namespace Quillon9Generator::Plan {
 
@@ -298,14 +298,15 @@ ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
 }
 
 void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
-  std::optional<std::string> const pattern = Schema::CombinePatterns(PatternsOfUser(type));
   char const* cause = "it is no regular expression of XML Schema";
   try {
-    if (pattern && !pattern->empty()) TestRegEx(*pattern, "");
-    if (pattern) facets.pattern = *pattern;
-    if (pattern) return;
-  } catch (CQnException const&) {
+    std::string pattern = CSchemaPattern::Combine(PatternsOfUser(type));
     cause = "it is too large";
+    if (!pattern.empty()) TestRegEx(pattern, "");
+    facets.pattern = std::move(pattern);
+    return;
+  } catch (CQnException const&) {
+    // a pattern that is none has been reported as an error of its schema
   }
   m_diagnostics.Warning(type.place,
                         (type.IsAnonymous() ? "the pattern" : "the pattern of \"" + type.name.local + "\"") +
