@@ -29,12 +29,8 @@ bool IsAscii(std::string_view text) { return AsciiLength(BytesOf(text), text.siz
 bool IsUtf8(std::string_view text) { return LegalUtf8Length(BytesOf(text), text.size()) == text.size(); }
 
 PatternNode Parse(std::string_view pattern, PatternSyntax syntax) {
-  try {
-    std::string warning;
-    return ParsePattern(pattern, syntax, warning);
-  } catch (PatternFault const& fault) {
-    ThrowInvalidPattern(std::string(pattern), fault.reason.c_str(), static_cast<int>(fault.offset));
-  }
+  CSchemaPattern::Faults faults;
+  return ParsePattern(pattern, syntax, faults);
 }
 
 /// An expression that PCRE compiles when it is first needed.
@@ -111,10 +107,9 @@ bool CSchemaPattern::Matches(std::string_view text) const {
 CSchemaPattern::Faults CSchemaPattern::Check(std::string_view pattern) {
   Faults faults;
   try {
-    ParsePattern(pattern, PatternSyntax::Schema, faults.warning);
-  } catch (PatternFault const& fault) {
-    faults.error = fault.reason;
-    faults.offset = static_cast<int>(fault.offset);
+    ParsePattern(pattern, PatternSyntax::Schema, faults);
+  } catch (CQnException const&) {
+    // the faults say why
   }
   return faults;
 }

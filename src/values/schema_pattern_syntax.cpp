@@ -1,12 +1,16 @@
 #include "values/schema_pattern_syntax.h"
 
 #include <algorithm>
-#include <optional>
+#include <climits>
+#include <cstddef>
+#include <iterator>
+#include <string>
 #include <utility>
 
 #include "base/stack_left.h"
 #include "text/utf8_scan.h"
 #include "values/number_text.h"
+#include "values/pattern_engine.h"
 #include "values/schema_pattern_text.h"
 #include "values/unicode_blocks.h"
 
@@ -62,12 +66,12 @@ void Append(std::vector<Part>& parts, std::vector<Part> added) {
 
 class PatternParser {
  public:
-  PatternParser(std::string_view text, PatternSyntax syntax, std::string& warning)
-      : m_text(text), m_rest(text), m_isTranslated(syntax == PatternSyntax::Translated), m_warning(warning) {}
+  PatternParser(std::string_view text, PatternSyntax syntax, CSchemaPattern::Faults& faults)
+      : m_text(text), m_rest(text), m_isTranslated(syntax == PatternSyntax::Translated), m_faults(faults) {}
 
   PatternNode Parse() {
     std::size_t const legal = LegalUtf8Length(reinterpret_cast<std::uint8_t const*>(m_text.data()), m_text.size());
-    if (legal < m_text.size()) throw PatternFault{"it is not UTF-8", legal};
+    if (legal < m_text.size()) FailAt(legal, "it is not UTF-8");
     SkipTranslated(kForEveryLength);
     PatternNode root = TakeChoice();
     if (!m_rest.empty()) Fail("a \")\" without \"(\"");
@@ -87,11 +91,14 @@ class PatternParser {
   }
   bool SkipTranslated(std::string_view start) { return m_isTranslated && Skip(start); }
 
-  [[noreturn]] void Fail(std::string reason) const {
-    throw PatternFault{std::move(reason), m_text.size() - m_rest.size()};
+  [[noreturn]] void Fail(std::string reason) { FailAt(m_text.size() - m_rest.size(), std::move(reason)); }
+  [[noreturn]] void FailAt(std::size_t offset, std::string reason) {
+    m_faults.error = std::move(reason);
+    m_faults.offset = static_cast<int>(std::min<std::size_t>(offset, INT_MAX));
+    ThrowInvalidPattern(std::string(m_text), m_faults.error.c_str(), m_faults.offset);
   }
   void Warn(std::string text) {
-    if (m_warning.empty()) m_warning = std::move(text);
+    if (m_faults.warning.empty()) m_faults.warning = std::move(text);
   }
   void Descend() {
     if (++m_level > kMostLevels) Fail("it is nested more than " + std::to_string(kMostLevels) + " levels deep");
@@ -340,14 +347,14 @@ class PatternParser {
   std::string_view m_text;
   std::string_view m_rest;
   bool m_isTranslated;
-  std::string& m_warning;
+  CSchemaPattern::Faults& m_faults;
   int m_level = -1;  // the whole is no group
 };
 
 }  // namespace
 
-PatternNode ParsePattern(std::string_view text, PatternSyntax syntax, std::string& warning) {
-  return PatternParser(text, syntax, warning).Parse();
+PatternNode ParsePattern(std::string_view text, PatternSyntax syntax, CSchemaPattern::Faults& faults) {
+  return PatternParser(text, syntax, faults).Parse();
 }
 
 }  // namespace Quillon9

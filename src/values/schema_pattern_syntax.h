@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -8,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "quillon9/values/schema_pattern.h"
 #include "values/character_ranges.h"
 
 namespace Quillon9 {
@@ -52,12 +52,6 @@ struct PatternNode {
   std::vector<PatternNode> children;
 };
 
-/// Why a text is no regular expression.
-struct PatternFault {
-  std::string reason;
-  std::size_t offset = 0;  ///< in bytes
-};
-
 enum class PatternSyntax : std::uint8_t {
   Schema,  ///< W3C XML Schema Part 2, appendix F (https://www.w3.org/TR/xmlschema-2/#regexs)
   /// The same, and what TextForPcre() and CSchemaPattern::Combine() write in addition: groups without a number,
@@ -65,9 +59,9 @@ enum class PatternSyntax : std::uint8_t {
   Translated
 };
 
-/// Read a regular expression in UTF-8. The result is a choice, with at most 100 levels of groups. \p warning receives
-/// what the grammar does not allow, but is taken as most processors take it.
-/// \throws PatternFault
-PatternNode ParsePattern(std::string_view text, PatternSyntax syntax, std::string& warning);
+/// Read a regular expression in UTF-8. The result is a choice, with at most 100 levels of groups. \p faults receives what
+/// is wrong.
+/// \throws CQnException as ThrowInvalidPattern() does, once \p faults has the error.
+PatternNode ParsePattern(std::string_view text, PatternSyntax syntax, CSchemaPattern::Faults& faults);
 
 }  // namespace Quillon9

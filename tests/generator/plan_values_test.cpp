@@ -50,7 +50,7 @@ class CA of A
      R"(
 class CA of A
   0 A m_a: value @a? string pattern=[A-Z]{2} maxLength=2
-  1 B m_b: value @b? string pattern=(?=(?:[A-Z]{2})\z)(?:A[^\n\r]|B|[^\n\r]Z)\z maxLength=2
+  1 B m_b: value @b? string pattern=(*NO_START_OPT)(?=(?:[A-Z]{2})\z)(?:A[^\n\r]|B|[^\n\r]Z)\z maxLength=2
   2 C m_c: value @c? i1 totalDigits=2 minInclusive=-5
   3 D m_d: value @d? decimal fractionDigits=2 maxExclusive=9.5 "1"
   4 E m_e: value @e? list of (string pattern=[A-Z]{2} maxLength=2) maxLength=3
