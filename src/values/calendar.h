@@ -6,6 +6,12 @@
 
 namespace Quillon9 {
 
+/// The years that a CDateTime holds: those of eighteen digits.
+///@{
+constexpr int kMostYearDigits = 18;
+constexpr std::int64_t kMostYear = 999999999999999999;
+///@}
+
 /// The Gregorian calendar in both directions, with a year 0.
 ///@{
 constexpr std::int64_t kYearsInCycle = 400;

@@ -7,6 +7,7 @@
 
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
+#include "values/calendar.h"
 
 namespace Quillon9 {
 
@@ -282,12 +283,10 @@ double CDateTime::GetRealSecond() const {
 // ---- What few values have
 
 void CDateTime::StoreYear(std::int64_t year) {
-  constexpr int kMostDigits = 18;
-  constexpr std::int64_t kMost = 999999999999999999;
-  if (year < -kMost || year > kMost) {
+  if (year < -kMostYear || year > kMostYear) {
     throw OfKind(FailureKind_BadValue,
                  CQnInvalidValueException(FormatString("Invalid Year [%lld] (more than %d digits)",
-                                                       static_cast<long long>(year), kMostDigits)));
+                                                       static_cast<long long>(year), kMostYearDigits)));
   }
   using Short = std::numeric_limits<std::int16_t>;
   bool const isLong = year < Short::min() || year > Short::max();
@@ -310,7 +309,7 @@ int CDateTime::GetDayOfYear() const {
     throw OfKind(FailureKind_BadValue,
                  CQnInvalidValueException(FormatString("Invalid Month [%d] (1 <= month <= 12)", m_month)));
   }
-  bool const isLeapYear = IsLeapYear(static_cast<int>(Year() % 400));
+  bool const isLeapYear = IsLeapYear(static_cast<int>(Year() % kYearsInCycle));
   return g_monthDayInYear[m_month - 1] + m_day + (isLeapYear && m_month <= 2 ? 1 : 0);
 }
 

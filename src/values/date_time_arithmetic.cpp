@@ -5,6 +5,7 @@
 
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/date_time.h"
+#include "values/calendar.h"
 
 namespace Quillon9 {
 
@@ -109,9 +110,6 @@ long long GetModulo(long long a, int b) {
 
 namespace {
 
-constexpr std::int64_t kDaysInCycle = 146097;  // 400 years
-constexpr std::int64_t kYearsInCycle = 400;
-
 // base + value or base - value in 64 bits, with wrap-around.
 std::int64_t AddSigned(std::int64_t base, std::uint64_t value, bool negative) {
   auto const from = static_cast<std::uint64_t>(base);
@@ -131,8 +129,7 @@ int LastDay(std::int64_t year, std::int64_t month) {
     throw CQnInvalidValueException(
         FormatString("Invalid Month [%lld] (1 <= month <= 12)", static_cast<long long>(month)));
   }
-  if (month == 2 && !IsLeapYear(static_cast<int>(year % kYearsInCycle))) return 28;
-  return g_monthMax[month - 1];
+  return DaysInMonth(year, static_cast<int>(month));
 }
 
 struct Date {

@@ -8,6 +8,9 @@
 
 namespace Quillon9 {
 
+/// The farthest offset of a zone in XML Schema, in minutes.
+constexpr int kFarthestOffset = 14 * 60;
+
 /// All of a CDateTime. A type uses some of the fields; the others may have any value.
 /// The digits after the ninth are where they came from: in a value or in a text.
 struct MomentFields {

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 constexpr std::int64_t kSecondsInCycle = kDaysInCycle * kSecondsPerDay;
-constexpr std::int64_t kFarthestOffset = 14 * 60 * 60;
+constexpr std::int64_t kFarthestShift = kFarthestOffset * 60;
 
 /// A point on one of the two time lines. Any year of 64 bits has its cycle.
 struct Instant {
@@ -86,8 +86,8 @@ Instant InstantOf(CDateTime const& value) {
 
 /// \p zoned against a value that may be in any zone.
 ValueOrder CompareToUnzoned(Instant const& zoned, Instant const& other) {
-  if (zoned.ComparedTo(other.MovedBy(-kFarthestOffset)) == ValueOrder_Less) return ValueOrder_Less;
-  if (zoned.ComparedTo(other.MovedBy(kFarthestOffset)) == ValueOrder_Greater) return ValueOrder_Greater;
+  if (zoned.ComparedTo(other.MovedBy(-kFarthestShift)) == ValueOrder_Less) return ValueOrder_Less;
+  if (zoned.ComparedTo(other.MovedBy(kFarthestShift)) == ValueOrder_Greater) return ValueOrder_Greater;
   return ValueOrder_Indeterminate;
 }
 

@@ -14,7 +14,6 @@ namespace Quillon9 {
 
 namespace {
 
-constexpr int kFarthestOffset = 14 * 60;
 constexpr int kMinutesPerDay = 24 * 60;
 
 bool HasValidMonth(MomentFields const& fields) { return fields.month >= 1 && fields.month <= 12; }

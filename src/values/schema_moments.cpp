@@ -2,7 +2,6 @@
 
 #include "values/schema_moments.h"
 
-#include <cstddef>
 #include <limits>
 
 #include "values/calendar.h"
@@ -17,10 +16,6 @@ namespace {
 
 /// What a text can be.
 enum class Outcome { Valid, Invalid, TooLarge };
-
-constexpr std::size_t kYearDigits = 18;  // that a CDateTime holds
-constexpr std::int64_t kMostYear = 999999999999999999;
-constexpr int kFarthestOffset = 14 * 60;
 
 class MomentReader {
  public:
@@ -66,7 +61,7 @@ class MomentReader {
     std::string_view digits = m_scan.TakeDigits();
     if (digits.size() < 4 || (digits.size() > 4 && digits[0] == '0')) return false;
     std::int64_t year = 0;
-    if (digits.size() > kYearDigits) {  // one with the same last digits has the same leap days
+    if (digits.size() > kMostYearDigits) {  // one with the same last digits has the same leap days
       m_isTooLarge = true;
       digits.remove_prefix(digits.size() - 4);
       year = 1;
