@@ -41,8 +41,8 @@ struct SpanFields {
   std::string_view fraction;  ///< the digits after the ninth
 };
 
-/// The type of the dates and times of a kind, and the kind of a type. A kind that is none of them has the type of a clear
-/// value.
+/// The type of the dates and times of a kind, and the kind of a type. A kind that is none of them has the type of a
+/// clear value.
 ///@{
 CDateTime::DTType MomentTypeOf(ItemType kind);
 ItemType KindOfMoment(CDateTime::DTType type);

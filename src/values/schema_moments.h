@@ -13,7 +13,8 @@
 /// text is not part of any form: collapse it before.
 ///
 /// All of these functions throw CQnInvalidValueException: "The value [%s] is not a valid %s" for a text or a value
-/// without a place in the type, "The value [%s] is too large for a %s" for one that the class or the number cannot hold.
+/// without a place in the type, "The value [%s] is too large for a %s" for one that the class or the number cannot
+/// hold.
 namespace Quillon9 {
 
 /// The value of \p text. \p kind is ItemType_datetime, _date, _time, _yearMonth, _monthDay, _year, _month or _day. The

@@ -46,9 +46,9 @@ QUILLON9_API std::string ToFracString(unsigned short milli, unsigned short micro
 /// CompareTo()).
 ///
 /// Reading by the rules of XML Schema (CSchemaValues) also makes values that the parsers of this class refuse: years of
-/// up to eighteen digits, any number of fraction digits, and negative zones of less than an hour. ToString() prints them
-/// whole. The getters of fields that are too narrow for such a value throw CQnInvalidValueException "The value [%s] does
-/// not fit into %s()"; GetNanoSecond() returns the seventh to ninth digit whatever follows.
+/// up to eighteen digits, any number of fraction digits, and negative zones of less than an hour. ToString() prints
+/// them whole. The getters of fields that are too narrow for such a value throw CQnInvalidValueException "The value
+/// [%s] does not fit into %s()"; GetNanoSecond() returns the seventh to ninth digit whatever follows.
 class QUILLON9_API CDateTime {
  public:
   /// The eight types, and one for a clear object.

@@ -15,9 +15,9 @@ namespace Quillon9 {
 /// bits; of the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparison uses calendar days
 /// and ignores months; see CompareTo().
 ///
-/// Reading by the rules of XML Schema (CSchemaValues) also makes spans that ParseXSDDuration() cannot: with larger numbers, up
-/// to 64 bits, and any number of fraction digits. ToString() prints them whole; GetNanoSeconds() returns the seventh to
-/// ninth digit whatever follows.
+/// Reading by the rules of XML Schema (CSchemaValues) also makes spans that ParseXSDDuration() cannot: with larger
+/// numbers, up to 64 bits, and any number of fraction digits. ToString() prints them whole; GetNanoSeconds() returns
+/// the seventh to ninth digit whatever follows.
 class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.
@@ -49,8 +49,8 @@ class QUILLON9_API CDateTimeSpan {
 
   /// The fields as they were set: nothing is normalised. Each part of the fraction counts 0 to 999; setters check
   /// nothing.
-  /// \throws CQnInvalidValueException "The value [%s] does not fit into %s()" for a number that was read by the rules of
-  ///         XML Schema and is too large for its getter.
+  /// \throws CQnInvalidValueException "The value [%s] does not fit into %s()" for a number that was read by the rules
+  ///         of XML Schema and is too large for its getter.
   ///@{
   std::uint16_t GetYears() const { return Narrow(m_years, &Rest::years, "GetYears"); }
   std::uint32_t GetMonths() const { return Narrow(m_months, &Rest::months, "GetMonths"); }
@@ -109,8 +109,8 @@ class QUILLON9_API CDateTimeSpan {
  private:
   void ReadFraction(char const*& at, char const* text);
 
-  /// What the other members cannot hold: the bits of the numbers above their width, and the digits of the fraction after
-  /// the ninth, without zeros at the end.
+  /// What the other members cannot hold: the bits of the numbers above their width, and the digits of the fraction
+  /// after the ninth, without zeros at the end.
   struct Rest {
     std::uint64_t years = 0;
     std::uint64_t months = 0;
