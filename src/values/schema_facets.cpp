@@ -11,10 +11,10 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/schema_values.h"
-#include "text/code_page.h"
 #include "text/lost_characters.h"
 #include "text/utf8_text.h"
 #include "values/schema_order.h"
+#include "values/schema_pattern_access.h"
 
 namespace Quillon9 {
 
@@ -141,7 +141,7 @@ SchemaFacets::Parsed SchemaFacets::Parse() const {
   if (!m_hasPattern) return parsed;
   CBinaryData scratch;
   std::string_view const pattern = InUtf8(m_restrictions.pattern, scratch);
-  parsed.pattern.emplace(pattern);
+  parsed.pattern.emplace(SchemaPatternAccess::FromRestriction(pattern));
   parsed.fixedPattern = CFixedPattern::Parse(pattern);
   return parsed;
 }
@@ -219,12 +219,6 @@ bool SchemaFacets::HasAllowedDigits(QnVariant const& number) const {
   return digits.size() - first <= static_cast<std::size_t>(total);
 }
 
-bool SchemaFacets::Matches(std::string_view utf8) const {
-  if (m_parsed.fixedPattern) {
-    if (m_parsed.fixedPattern->Matches(utf8)) return true;
-    if (CodePage::IsAscii(utf8.data(), utf8.size())) return false;  // "\d" has more digits than those of ASCII
-  }
-  return m_parsed.pattern->Matches(utf8);
-}
+bool SchemaFacets::Matches(std::string_view utf8) const { return m_parsed.pattern->Matches(utf8); }
 
 }  // namespace Quillon9

@@ -17,7 +17,7 @@ namespace Quillon9 {
 
 /// Checks values of one kind against facets as W3C XML Schema Part 2, 4.3, has them: bounds by the order of the type,
 /// where a value that is neither above nor below a bound does not keep to it; lengths in characters, or in octets for
-/// binary data; patterns in XML Schema's own syntax, on the text of a value of any kind. Everything is parsed once.
+/// binary data; patterns in XML Schema's own syntax or as CSchemaPattern::Combine() writes them, on the text of a value of any kind. Everything is parsed once.
 /// Immutable, for any thread.
 class SchemaFacets {
  public:

@@ -299,6 +299,7 @@ TEST(ValueRules, FacetsOfBothRules) {
       {ItemType_string, Facet::Pattern, "[A-Z]{2}", "ABC", false, false},
       {ItemType_string, Facet::Pattern, "\\d", "\xD9\xA3", false, true},
       {ItemType_string, Facet::Pattern, "[a-z-[c]]", "b", false, true},
+      {ItemType_string, Facet::Pattern, "(*NO_START_OPT)(?=(?:a)\\z)(?:(?:(?![c])[a-z])+)\\z", "a", true, true},
   };
   Utf8Text::Scope const utf8(Utf8Text::Use::kYes);
   for (Row const& row : rows) {
