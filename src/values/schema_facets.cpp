@@ -24,12 +24,13 @@ bool HasBounds(CPrimitiveRestrictions const& r) {
   return !r.minInclusive.empty() || !r.maxInclusive.empty() || !r.minExclusive.empty() || !r.maxExclusive.empty();
 }
 
-/// \p text in UTF-8: itself, or a copy in \p scratch.
-std::string_view InUtf8(std::string const& text, CBinaryData& scratch) {
-  if (CEncoder::IsUtf8SameInLocalCodePage(text.data(), text.size())) return text;
+/// What \p use makes of \p text in UTF-8, which is a copy only where the code page is another one.
+template <class Use>
+auto WithUtf8(std::string const& text, Use use) {
+  if (CEncoder::IsUtf8SameInLocalCodePage(text.data(), text.size())) return use(std::string_view(text));
   LostCharacters::Scope const unobserved(nullptr);  // the copy serves only the comparison
-  scratch = CEncoder::LocalCodePageToUtf8Binary(text.c_str());
-  return {reinterpret_cast<char const*>(scratch.GetData()), scratch.GetLength()};
+  CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(text.c_str());
+  return use(std::string_view(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()));
 }
 
 }  // namespace
@@ -138,11 +139,7 @@ SchemaFacets& SchemaFacets::operator=(SchemaFacets&&) noexcept = default;
 SchemaFacets::Parsed SchemaFacets::Parse() const {
   Parsed parsed;
   parsed.bounds = MakeBounds();
-  if (!m_hasPattern) return parsed;
-  CBinaryData scratch;
-  std::string_view const pattern = InUtf8(m_restrictions.pattern, scratch);
-  parsed.pattern.emplace(SchemaPatternAccess::FromRestriction(pattern));
-  parsed.fixedPattern = CFixedPattern::Parse(pattern);
+  if (m_hasPattern) parsed.pattern.emplace(WithUtf8(m_restrictions.pattern, &SchemaPatternAccess::FromRestriction));
   return parsed;
 }
 
@@ -177,21 +174,18 @@ bool SchemaFacets::Keeps(QnVariant const& value, std::string_view text) const {
   if (m_parsed.bounds != nullptr && !m_parsed.bounds->Contain(value)) return false;
   if (m_isMeasured && !IsAllowedLength(value.GetHexBinary().GetLength())) return false;
   if (m_hasDigits && !HasAllowedDigits(value)) return false;
-  return !m_hasPattern || Matches(text);
+  return !m_hasPattern || m_parsed.pattern->Matches(text);
 }
 
 bool SchemaFacets::KeepsText(std::string const& value) const {
   if (m_isMeasured && !HasAllowedLength(value)) return false;
-  if (m_others.form == SchemaForm::Any) {
-    if (!m_hasPattern) return true;
-    if (m_parsed.fixedPattern && m_parsed.fixedPattern->Matches(value) &&
-        CEncoder::IsUtf8SameInLocalCodePage(value.data(), value.size())) {
-      return true;
-    }
-  }
-  CBinaryData scratch;
-  std::string_view const text = InUtf8(value, scratch);
-  return CSchemaValues::HasForm(text, m_others.form) && (!m_hasPattern || Matches(text));
+  if (!m_hasPattern && m_others.form == SchemaForm::Any) return true;
+  return WithUtf8(value, [this](std::string_view utf8) { return KeepsForm(utf8); });
+}
+
+bool SchemaFacets::KeepsForm(std::string_view utf8) const {
+  if (m_others.form != SchemaForm::Any && !CSchemaValues::HasForm(utf8, m_others.form)) return false;
+  return !m_hasPattern || m_parsed.pattern->Matches(utf8);
 }
 
 bool SchemaFacets::HasAllowedLength(std::string const& value) const {
@@ -199,8 +193,7 @@ bool SchemaFacets::HasAllowedLength(std::string const& value) const {
   CPrimitiveRestrictions const& r = m_restrictions;
   // A character has one to four bytes, so most texts need not be counted.
   if (r.length < 0 && (bytes + 3) / 4 >= r.minLength && (r.maxLength < 0 || bytes <= r.maxLength)) return true;
-  CBinaryData scratch;
-  return IsAllowedLength(Utf8Text::CountCharacters(InUtf8(value, scratch)));
+  return IsAllowedLength(WithUtf8(value, &Utf8Text::CountCharacters));
 }
 
 bool SchemaFacets::IsAllowedLength(std::size_t size) const {
@@ -218,7 +211,5 @@ bool SchemaFacets::HasAllowedDigits(QnVariant const& number) const {
   std::size_t const first = std::min(digits.find_first_of("123456789"), digits.size());
   return digits.size() - first <= static_cast<std::size_t>(total);
 }
-
-bool SchemaFacets::Matches(std::string_view utf8) const { return m_parsed.pattern->Matches(utf8); }
 
 }  // namespace Quillon9

@@ -11,14 +11,13 @@
 #include "quillon9/values/schema_form.h"
 #include "quillon9/values/schema_pattern.h"
 #include "quillon9/values/variant.h"
-#include "values/fixed_pattern.h"
 
 namespace Quillon9 {
 
 /// Checks values of one kind against facets as W3C XML Schema Part 2, 4.3, has them: bounds by the order of the type,
 /// where a value that is neither above nor below a bound does not keep to it; lengths in characters, or in octets for
-/// binary data; patterns in XML Schema's own syntax or as CSchemaPattern::Combine() writes them, on the text of a value of any kind. Everything is parsed once.
-/// Immutable, for any thread.
+/// binary data; patterns on the text of a value of any kind, in XML Schema's own syntax or as CSchemaPattern::Combine()
+/// writes them. Everything is parsed once. Immutable, for any thread.
 class SchemaFacets {
  public:
   /// What CPrimitiveRestrictions does not have.
@@ -65,9 +64,8 @@ class SchemaFacets {
   template <auto get>
   class BoundsOf;
   struct Parsed {
-    std::unique_ptr<Bounds const> bounds;       // null for none
-    std::optional<CSchemaPattern> pattern;      // empty for none
-    std::optional<CFixedPattern> fixedPattern;  // decides about most texts, if the pattern is that simple
+    std::unique_ptr<Bounds const> bounds;   // null for none
+    std::optional<CSchemaPattern> pattern;  // empty for none
   };
 
   std::unique_ptr<Bounds const> MakeBounds() const;
@@ -78,7 +76,7 @@ class SchemaFacets {
   bool HasAllowedLength(std::string const& value) const;
   bool IsAllowedLength(std::size_t length) const;
   bool HasAllowedDigits(QnVariant const& number) const;
-  bool Matches(std::string_view utf8) const;
+  bool KeepsForm(std::string_view utf8) const;
   void CheckOther(char const* name, QnVariant const& value) const;
   [[noreturn]] static void RefuseValue(char const* name, QnVariant const& value);
 

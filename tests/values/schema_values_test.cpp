@@ -17,6 +17,7 @@
 #include "expect_failure.h"
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/object_helper.h"
+#include "support/scoped_locale.h"
 #include "text/utf8_text.h"
 #include "values/schema_facets.h"
 
@@ -134,6 +135,23 @@ TEST(ValueRules, TextsOfBothRules) {
       {ItemType_base64Binary, "TWFuT", "TWFu", "invalid"},
       {ItemType_base64Binary, "TQ==TQ==", "TQTQ", "invalid"},
       {ItemType_base64Binary, "", "", ""},
+      {ItemType_datetime, "12000-01-01T00:00:00Z", "invalid", "12000-01-01T00:00:00Z"},
+      {ItemType_datetime, "2000-12-31T24:00:00", "invalid", "2001-01-01T00:00:00"},
+      {ItemType_datetime, "2000-01-01T00:00:00.1234567891", "invalid", "2000-01-01T00:00:00.1234567891"},
+      {ItemType_date, "2001", "2001", "invalid"},
+      {ItemType_date, "0000-01-01", "invalid", "invalid"},
+      {ItemType_time, "12:00:00-00:30", "12:00:00+00:30", "12:00:00-00:30"},
+      {ItemType_time, "12:00:00+24:59", "12:00:00+00:59", "invalid"},
+      {ItemType_time, "12:00:00x", "12:00:00", "invalid"},
+      {ItemType_time, "12:00:00Zx", "12:00:00Z", "invalid"},
+      {ItemType_month, "--05xx", "--05", "invalid"},
+      {ItemType_day, "---45", "---45", "invalid"},
+      {ItemType_year, "2000Z", "2000", "too large"},
+      {ItemType_duration, "P0D", "P", "PT0S"},
+      {ItemType_duration, "PT1.", "PT1S", "invalid"},
+      {ItemType_duration, "P4294967297D", "P1D", "P4294967297D"},
+      {ItemType_duration, "PT0.000000789S", "PT0.000000009S", "PT0.000000789S"},
+      {ItemType_duration, "PT0.0000000001S", "invalid", "PT0.0000000001S"},
   };
   for (Row const& row : rows) {
     EXPECT_EQ(row.classic, RereadClassically(row.text, row.type)) << row.text.substr(0, 60) << " of " << row.type;
@@ -291,6 +309,14 @@ TEST(ValueRules, FacetsOfBothRules) {
       {ItemType_hexBinary, Facet::Length, "2", "0A0b", true, true},
       {ItemType_hexBinary, Facet::MinLength, "3", "0A0b", false, false},
       {ItemType_base64Binary, Facet::MaxLength, "2", "TWFu", false, false},
+      {ItemType_date, Facet::MaxInclusive, "2001-03-10", "2001-01-15", false, true},
+      {ItemType_date, Facet::MinInclusive, "-0005-01-01", "2001-01-15", true, true},
+      {ItemType_datetime, Facet::MinInclusive, "2000-01-01T12:00:00Z", "2000-01-01T12:00:00", true, false},
+      {ItemType_datetime, Facet::MinInclusive, "2000-01-01T12:00:00Z", "2000-01-02T02:00:00", true, false},
+      {ItemType_year, Facet::MaxExclusive, "2001", "2001", false, false},
+      {ItemType_duration, Facet::MaxInclusive, "PT1H", "PT2H", true, false},
+      {ItemType_duration, Facet::MaxInclusive, "P1D", "-P1D", false, true},
+      {ItemType_duration, Facet::MaxInclusive, "P30D", "P1M", true, false},
       {ItemType_boolean, Facet::Pattern, "1|0", "true", true, false},
       {ItemType_i4, Facet::Pattern, "\\d{3}", "007", true, true},
       {ItemType_i4, Facet::Pattern, "\\d{3}", "7", true, false},
@@ -340,6 +366,24 @@ TEST(SchemaFacets, DigitsAndForms) {
   // Lengths of qualified names have no meaning.
   SchemaFacets const name(ItemType_string, Restrictions(Facet::MaxLength, "1"), {-1, -1, SchemaForm::QName});
   name.Check("a", Parsed("a:b", ItemType_string));
+}
+
+TEST(SchemaFacets, PatternsOfSeveralSteps) {
+  SchemaFacets const facets(ItemType_string,
+                            Restrictions(Facet::Pattern, CSchemaPattern::Combine({{"a.*"}, {".", ".b"}})));
+  EXPECT_TRUE(Passes([&] { facets.Check("a", Parsed("ab", ItemType_string)); }));
+  EXPECT_FALSE(Passes([&] { facets.Check("a", Parsed("bb", ItemType_string)); }));
+}
+
+TEST(SchemaFacets, TextsOfAnotherCodePage) {
+  Testing::ScopedLocale const locale("de_DE.ISO-8859-1");
+  if (!locale.IsThere()) GTEST_SKIP() << "no such locale";
+  QnVariant value;
+  value.SetString("\xE4");
+  SchemaFacets(ItemType_string, Restrictions(Facet::Length, "1"), {-1, -1, SchemaForm::NCName}).Check("a", value);
+  SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xE4\xF6]")).Check("a", value);
+  EXPECT_FALSE(
+      Passes([&] { SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xF6]")).Check("a", value); }));
 }
 
 TEST(SchemaFacets, WhatDoesNotParseFailsAtEachCheck) {

@@ -27,6 +27,7 @@ class RarePart {
     if (m_part == nullptr) m_part = std::make_unique<Part>();
     return *m_part;
   }
+  /// Leave no part.
   void Drop() { m_part = nullptr; }
 
  private:
