@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "quillon9/values/decimal.h"
 
 namespace Quillon9 {
@@ -8,6 +10,14 @@ namespace Quillon9 {
 struct DecimalAccess {
   /// Whether the value is in its short form, which is normal.
   static bool IsShort(CDecimal const& value) { return value.m_parts == nullptr; }
+
+  /// \p units / 10^\p divider, with a minus sign if \p isNegative. \p divider is 1 to kMostPower, and there is no zero at
+  /// the end of the fraction, but for the only digit.
+  static CDecimal Make(bool isNegative, std::uint64_t units, std::int32_t divider) {
+    CDecimal value;
+    value.SetShort(isNegative ? -1 : 1, units, divider);
+    return value;
+  }
 
   /// Below 0, 0 or above 0 as the number \p left is below, equal to or above \p right. Zeros are equal whatever their
   /// signs, and a fraction that has been rounded up to one counts as one.

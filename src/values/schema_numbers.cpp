@@ -8,6 +8,7 @@
 #include "quillon9/base/exceptions.h"
 #include "values/decimal_access.h"
 #include "values/number_text.h"
+#include "values/powers_of_10.h"
 #include "values/schema_conversions.h"
 #include "values/schema_failures.h"
 
@@ -132,24 +133,27 @@ CBigInteger BigInteger(bool isNegative, std::string_view digits) {
   return CBigInteger(text.append(digits).c_str());
 }
 
+std::uint64_t AppendDigits(std::uint64_t number, std::string_view digits) {
+  for (char const c : digits) number = number * 10 + static_cast<std::uint64_t>(c - '0');
+  return number;
+}
+
+CDecimal ShortDecimal(DecimalForm const& form) {
+  std::string_view const fraction =
+      form.fraction.empty() ? "0" : form.fraction;  // the short form has one digit or more
+  std::uint64_t const units = AppendDigits(AppendDigits(0, form.whole), fraction);
+  return DecimalAccess::Make(form.isNegative, units, static_cast<std::int32_t>(fraction.size()));
+}
+
 CDecimal ParsedDecimal(DecimalForm const& form) {
-  constexpr std::size_t kShort = 48;
-  char room[kShort];
-  std::size_t const size = form.whole.size() + form.fraction.size() + 3;
-  std::string longText;
-  if (size > kShort) longText.resize(size);
-  char* const begin = size > kShort ? longText.data() : room;
-  char* end = begin;
-  if (form.isNegative) *end++ = '-';
-  end += form.whole.copy(end, form.whole.size());
-  if (!form.fraction.empty()) *end++ = '.';
-  end += form.fraction.copy(end, form.fraction.size());
-  *end = '\0';
-  return CDecimal(begin);
+  std::string text(form.isNegative ? "-" : "");
+  text.append(form.whole).append(".").append(form.fraction);
+  return CDecimal(text.c_str());
 }
 
 CDecimal DecimalOf(DecimalForm const& form) {
   if (form.IsZero()) return CDecimal();
+  if (form.whole.size() + form.fraction.size() < kMostPower) return ShortDecimal(form);
   if (form.fraction.size() <= kMostParsed) return ParsedDecimal(form);
   CBigInteger whole = BigInteger(form.isNegative, form.whole);
   if (form.whole.empty() && form.isNegative) whole.Negate();
@@ -226,17 +230,24 @@ std::int64_t PowerOfFirstDigit(DecimalForm const& mantissa) {
   return -static_cast<std::int64_t>(mantissa.fraction.size() - WithoutLeadingZeros(mantissa.fraction).size());
 }
 
+/// For all numbers but those with a plus sign and those out of range.
+template <class Floating>
+bool ReadPlain(std::string_view text, Floating& value) {
+  std::size_t const first = !text.empty() && text.front() == '-' ? 1 : 0;
+  if (first == text.size() || (!IsDigit(text[first]) && text[first] != '.')) return false;
+  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  return error == std::errc() && end == text.data() + text.size();
+}
+
 template <class Floating>
 Floating ReadFloating(std::string_view text, ItemType type) {
   Floating value = 0;
-  if (IsSpecialValue(text, value)) return value;
+  if (ReadPlain(text, value) || IsSpecialValue(text, value)) return value;
   std::string_view rest = text;
   DecimalForm mantissa;
   std::int64_t exponent = 0;
   if (!TakeDecimal(rest, mantissa) || !ReadExponent(rest, exponent)) ThrowNotValid(text, type);
-  std::string_view number = text.front() == '+' ? text.substr(1) : text;
-  auto const [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-  if (error == std::errc()) return value;
+  if (text.front() == '+' && ReadPlain(text.substr(1), value)) return value;
   bool const isLarge = !mantissa.IsZero() && PowerOfFirstDigit(mantissa) + exponent > 0;
   value = isLarge ? std::numeric_limits<Floating>::infinity() : Floating{0};
   return mantissa.isNegative ? -value : value;

@@ -10,6 +10,8 @@ template <class Part>
 class RarePart {
  public:
   RarePart() = default;
+  /// Copy the part, or take it over.
+  ///@{
   RarePart(RarePart const& other) {
     if (other.m_part != nullptr) m_part = std::make_unique<Part>(*other.m_part);
   }
@@ -19,6 +21,7 @@ class RarePart {
   }
   RarePart(RarePart&& other) = default;
   RarePart& operator=(RarePart&& other) = default;
+  ///@}
 
   /// The part if there is one; otherwise null.
   Part const* Find() const { return m_part.get(); }

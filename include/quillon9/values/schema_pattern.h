@@ -27,8 +27,11 @@ class QUILLON9_API CSchemaPattern {
   ///         levels of groups.
   explicit CSchemaPattern(std::string_view pattern);
   ~CSchemaPattern();
+  /// Take over the compiled expression; an object that was moved from may only be assigned to or destroyed.
+  ///@{
   CSchemaPattern(CSchemaPattern&&) noexcept;
   CSchemaPattern& operator=(CSchemaPattern&&) noexcept;
+  ///@}
 
   /// Whether the whole of \p text, in UTF-8, matches. A text that is not UTF-8 does not.
   /// \throws CQnException "The value is too long to be matched" where that would take more than a bounded time, which
