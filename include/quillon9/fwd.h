@@ -57,6 +57,7 @@ class CQnValidationException;
 class CQnZip;
 class CStringBuffer;
 class CTextStream;
+class CUnknownContent;
 class CWhitespaceUtils;
 class CXmlAttribute;
 class CXmlCollection;
@@ -76,6 +77,8 @@ class IEventSink;
 class IFailureSink;
 class INillable;
 class QnVariant;
+struct CMarkup;
+struct CUnknownItem;
 template <class Enum>
 class CEnumCol;
 template <class Base>

@@ -15,7 +15,6 @@
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "xmlio/checking_writer.h"
-#include "xmlio/mixed_texts.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -64,6 +63,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   if (source == nullptr) throw CQnInvalidParamException("The object to copy from may not be NULL");
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(m_defaultNamespace.c_str());
+  context.SetKeepUnknown(true);  // what the source has kept of its document
   if (source->HoldsUtf8Text() || Utf8Text::IsInUse()) context.SetTextEncoding(TextEncoding_UTF8);
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);
@@ -158,6 +158,7 @@ void CElement::CopyFrom(CXmlElement const& element, bool keepsMixed) {
     GetElements()->Add(copy.Get());
   }
   if (keepsMixed) KeepPlaces(element);
+  KeepMarkup(element);
 }
 
 CSmartPtr<CElement> CElement::Clone() const {
@@ -169,6 +170,7 @@ CSmartPtr<CElement> CElement::Clone() const {
   if (CElementCol const* const elements = m_elements.Get()) copy->m_elements.Keep(elements->Clone());
   copy->m_text = m_text;
   copy->m_isMixed = m_isMixed;
+  if (m_markup != nullptr) copy->m_markup = std::make_unique<std::vector<CMarkup>>(*m_markup);
   return copy;
 }
 
@@ -237,6 +239,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
   }
   SetText(std::string(cursor->GetTextView()));
   if (ctx.GetKeepMixedContent()) KeepPlaces(*cursor);
+  KeepMarkup(*cursor);
   m_name = cursor->GetLocalName();
   ChangeNamespace(cursor->GetNamespaceURI());
   return cursor->GetNextSiblingElement();
@@ -261,6 +264,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 // Without places, writes the text after the children, wherever it was in the document.
 void CElement::WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                                     bool inChoice) const {
+  if (m_markup != nullptr) return WriteWithMarkup(writer, ns, ctx);
   if (m_isMixed) {
     writer->PreserveSpace();
     for (CContentItem<CElement> const& item : Content()) {

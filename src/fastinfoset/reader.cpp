@@ -45,7 +45,10 @@ std::uint64_t LeastTextSize(unsigned long algorithm, std::uint64_t length) {
 }  // namespace
 
 CFastInfosetReader::CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document)
-    : m_options(options), m_document(document), m_source(document.GetInputData(), document.GetInputSize()) {}
+    : m_options(options),
+      m_document(document),
+      m_source(document.GetInputData(), document.GetInputSize()),
+      m_keepsMarkup(XmlNodeAccess::KeepsMarkup(document)) {}
 
 CFastInfosetReader::~CFastInfosetReader() = default;
 
@@ -74,7 +77,7 @@ void CFastInfosetReader::ReadChildren() {
     } else if (octet == fi::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == fi::kComment) {
-      SkipNonIdentifyingStringOrIndex();
+      Comment();
     } else if ((octet & fi::kTopSixBits) == fi::kDocumentTypeDeclaration) {
       if (hasElement) ThrowFastInfosetFailure("Invalid Document type with Document Type Declaration behind Element.");
       DocumentTypeDeclarationBit7(octet);
@@ -121,7 +124,7 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
   } else if (octet == fi::kProcessingInstruction) {
     ProcessingInstruction();
   } else if (octet == fi::kComment) {
-    SkipNonIdentifyingStringOrIndex();
+    Comment();
   } else if ((octet & fi::kTopSixBits) == fi::kUnexpandedEntityReference) {
     UnexpandedEntityReferenceBit7(octet);
   } else {

@@ -21,9 +21,9 @@ namespace Quillon9 {
 /// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
 /// these operations get that octet as argument. A reader lives for one parse, on the stack of the load.
 ///
-/// Constructs that have no place in the tree (all components of the header, comments, processing instructions, the
-/// document type, unexpanded entity references) are skipped by their lengths, whatever they contain. A document's own
-/// initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
+/// Constructs that have no place in the tree (all components of the header, the document type, unexpanded entity
+/// references, and comments and processing instructions unless the document keeps them) are skipped by their lengths,
+/// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
 /// document itself.
 class CFastInfosetReader {
  public:
@@ -84,7 +84,10 @@ class CFastInfosetReader {
   // Items skipped both in the header and among the elements.
   void SkipIdentifyingStringsOrIndices(std::uint32_t count);
   void SkipNonIdentifyingStringOrIndex();
-  void ProcessingInstruction();
+  void ProcessingInstruction(bool isKept = true);
+  void Comment();
+  std::string OtherName();
+  std::string OtherString();
   void DocumentTypeDeclarationBit7(std::uint32_t octet);
   void NotationBit7(std::uint32_t octet);
   void UnparsedEntityBit8(std::uint32_t octet);
@@ -132,6 +135,9 @@ class CFastInfosetReader {
   /// The names of the tree for the entries of the vocabulary's tables, null until they are first used.
   SharedNames m_elementNames;
   SharedNames m_attributeNames;
+  bool const m_keepsMarkup;
+  Strings m_otherNames;
+  Strings m_otherStrings;
   /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
   DocumentOutline* m_outline = nullptr;

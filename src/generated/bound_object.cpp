@@ -5,14 +5,13 @@
 
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
+#include "descriptors/generic_reading.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
 #include "generated/element_group.h"
-#include "generated/generic_reading.h"
 #include "generated/mixed_content.h"
 #include "generated/namespace_rule.h"
-#include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/fastinfoset/writer.h"
@@ -110,7 +109,7 @@ void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
 
 void CBoundObject::Init() {
   if (std::exchange(m_isNew, false)) return;
-  m_form.reset();
+  FormAccess::Drop(*this);
   CClassRow const& row = m_tables->GetRow();
   for (int i = 0; i < row.firstProperty + row.propertyCount; ++i) {
     CPropertyRef const property = Property(i);
@@ -152,7 +151,7 @@ void CBoundObject::ReadNilAttribute(CXmlElement const& element, CXmlAttribute co
 void CBoundObject::KeepPrefixes(CXmlElement const& element) {
   CXmlDocument const* const document = element.GetDocument();
   bool const isRoot = document != nullptr && document->GetDocumentElement() == &element && !m_tables->GetRow().round;
-  BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : BoundForm().prefixes);
+  BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : ObjectForm().prefixes);
 }
 
 namespace {
@@ -173,7 +172,8 @@ void BindForDocument(std::vector<std::pair<std::string, std::string>> const& pre
 
 void CBoundObject::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                              bool inChoice) const {
-  if (isRoot && m_form != nullptr) BindForDocument(m_form->prefixes, ctx, *writer);
+  ObjectForm const* const form = isRoot ? FormAccess::Find(*this) : nullptr;
+  if (form != nullptr) BindForDocument(form->prefixes, ctx, *writer);
   CXmlGeneratedClass::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
 }
 
@@ -267,8 +267,8 @@ namespace {
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   BuiltClass const& built = m_tables->Built();
-  if (m_form != nullptr) {
-    for (auto const& [prefix, uri] : m_form->prefixes) writer->DeclarePrefix(prefix, uri);
+  if (ObjectForm const* const form = FormAccess::Find(*this)) {
+    for (auto const& [prefix, uri] : form->prefixes) writer->DeclarePrefix(prefix, uri);
   }
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) DeclarePrefixes(*writer);
   if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);

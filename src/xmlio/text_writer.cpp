@@ -11,6 +11,7 @@
 #include "base/text_copy.h"
 #include "base/text_cursor.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/streams.h"
 #include "xmlio/child_prefix.h"
 #include "xmlio/writer_access.h"
@@ -357,6 +358,52 @@ void CXmlTextWriter::PreserveSpace() {
   if (!m_format || m_context == nullptr) return;
   m_format = false;
   m_preserved = m_context;
+}
+
+namespace {
+
+/// \p text with a blank inside each \p mark.
+std::string Parted(std::string text, std::string_view mark) {
+  for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1))
+    text.insert(at + 1, " ");
+  return text;
+}
+
+}  // namespace
+
+void CXmlTextWriter::WriteMarkup(CMarkup const& markup) {
+  if (m_context != nullptr) {
+    ++m_context->m_childCount;  // its end tag is on a line of its own
+    if (m_context->m_tagOpen) {
+      CloseTag();
+      if (m_format) AppendLineEnd();
+    }
+    if (m_format) m_stream->Append(std::string(m_context->m_depth + std::size_t{1}, '\t'));
+  }
+  std::string const text = markup.text.c_str();
+  if (markup.IsComment()) {
+    m_stream->Append("<!--");
+    AppendLines(Parted(text, "--"));
+    m_stream->Append(!text.empty() && text.back() == '-' ? " -->" : "-->");
+  } else {
+    m_stream->Append("<?");
+    m_stream->Append(markup.target);
+    if (!text.empty()) m_stream->Append(' ');
+    AppendLines(Parted(text, "?>"));
+    m_stream->Append("?>");
+  }
+  if (m_format || m_context == nullptr) AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::AppendLines(std::string_view text) {
+  for (char const c : text) {
+    if (c == '\n') {
+      AppendLineEnd();
+    } else {
+      m_stream->Append(c);
+    }
+  }
 }
 
 void CXmlTextWriter::WriteRawElement(std::string const& text) {

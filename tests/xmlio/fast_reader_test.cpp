@@ -70,11 +70,13 @@ TEST_F(FastReaderTest, TakesPlainText) {
       "<a xmlns='u'><a xmlns='v'><a/><a xmlns=''><a/></a></a><a a=''/></a>",
       "<a><b><c>x</c></b><b>1<c/>2<c/>3</b><b> <c/>\n<c/>&#13;</b></a>",
       "<a b='1' c='2' d='3' e='4' f='5'/>",
+      "<?p \r\n x\ry\r\nz ?>\r<a>1<!--\r\n-\r--><?p?><b/>2<!-- --><!----></a><?p  ?>",
       "<p xmlns:p='u'><p:p p:p='1' p='2'/></p>",
       "<a>&#x9;&#10;&#xD7FF;&#xE000;&#xFFFD;&#x10000;&#x10FFFF;&#0000065;\x7F\xC2\x80</a>",
   };
   CXmlSerializationContext keeping;
   keeping.SetStripCDATA(false);
+  keeping.SetKeepUnknown(true);
   for (std::string const& row : rows) {
     for (CXmlSerializationContext const* const context : {&CXmlSerializationContext::m_defaultContext, &keeping}) {
       BothReaders const result = ReadByBoth(row, *context);

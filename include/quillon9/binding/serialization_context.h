@@ -30,7 +30,7 @@ class QUILLON9_API CXmlSerializationContext {
   ///@}
   virtual ~CXmlSerializationContext();
 
-  /// Drop an attribute that no descriptor takes, instead of failing. Default false.
+  /// Accept an attribute that no descriptor takes, instead of failing. Default false. SetKeepUnknown() keeps it.
   ///@{
   bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
   void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
@@ -110,6 +110,15 @@ class QUILLON9_API CXmlSerializationContext {
   ///@{
   bool GetKeepPrefixes() const { return m_keepPrefixes; }
   void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }
+  ///@}
+  /// Whether objects of generated classes keep what no descriptor takes, and write it back where it stood; false by
+  /// default. Kept are the elements and attributes that the options for unknown ones let pass, or that a class without
+  /// such an option ignores, and the comments and processing instructions between children, in generic content, and
+  /// around the document element. CXmlGeneratedClass::GetUnknownContent() returns it. CXmlDocument uses this option too:
+  /// only a tree that was loaded with it has comments and processing instructions for objects.
+  ///@{
+  bool GetKeepUnknown() const { return m_keepUnknown; }
+  void SetKeepUnknown(bool keep) { m_keepUnknown = keep; }
   ///@}
   /// The encoding of all text of the read or write in memory: TextEncoding_Locale (the default), or TextEncoding_UTF8,
   /// in which no character is lost in any locale, and text that is not well-formed is refused on writing. Classes whose
@@ -206,6 +215,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_writeTypeAttribute = true;
   bool m_keepMixedContent = false;
   bool m_keepPrefixes = false;
+  bool m_keepUnknown = false;
   CNamespaceAliasMap m_namespaceAliases;
   mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;
