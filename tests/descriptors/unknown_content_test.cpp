@@ -6,7 +6,6 @@
 
 #include "dynamic_class.h"
 #include "expect_failure.h"
-#include "newer_documents.h"
 #include "quillon9/descriptors/element_info.h"
 
 namespace Quillon9Data {
@@ -67,7 +66,8 @@ TEST(UnknownContent, IsWrittenWhereItStood) {
       {Sequence(), "<root k=\"1\"><!--c--><b>2</b></root>", "A"},
       {Sequence(), "<root><!--c--><b>2</b><!----></root>", ""},
       {Sequence(), "<!--head-->\n<?p?>\n<root><b>2</b></root><!--tail-->\n", ""},
-      {Sequence(), "<root><b>2</b><n:x xmlns:n=\"urn:n\" n:k=\"n:v\"/></root>"},
+      {Sequence(), "<root><b>2</b><n:x xmlns:n=\"urn:n\" k=\"n:v\"/></root>", "U",
+       "<root><b>2</b><AA:x xmlns:AA=\"urn:n\" xmlns:n=\"urn:n\" k=\"n:v\"/></root>"},
       {Sequence(), "<root xmlns:n=\"urn:n\" n:k=\"n:v\"><b>2</b></root>"},
       {Sequence(), "<root><b><!--lost with the value-->2</b></root>", "", "<root><b>2</b></root>"},
       {All(), "<root><b>2</b><x/><a>1</a></root>", "U", "<root><b>2</b><x/><a>1</a></root>"},
@@ -112,7 +112,7 @@ TEST(UnknownContent, IsDroppedWithoutTheOptionAndByTheNextRead) {
 
 TEST(UnknownContent, CopiesHaveTheCommentsToo) {
   DynamicClass object(Sequence());
-  object.FromXml("<root><b>2</b><x>1<y/><!--c-->2</x><!--d--></root>", Keeping());
+  object.FromXml("<root><b>2</b><x><y/>1<!--c-->2</x><!--d--></root>", Keeping());
   CElement const copy(&object, nullptr);
   EXPECT_EQ(copy.Clone()->ToXml(false, false), object.Text());
   EXPECT_EQ(copy.GetMarkup().size(), 1u);
