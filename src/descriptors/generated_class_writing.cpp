@@ -166,8 +166,9 @@ void CXmlGeneratedClass::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationC
   if (info.m_textPropertyIndex == -1) return;
   QnVariant text;
   ReadProperty(info.m_textPropertyIndex, text);
-  bool const hasItems = m_form != nullptr && m_form->unknown != nullptr && XmlWriterAccess::Texts(*writer) != nullptr;
-  if (hasItems) XmlWriterAccess::Texts(*writer)->BeforeText();
+  bool const hasItems = m_form != nullptr && m_form->unknown != nullptr && !m_form->unknown->GetItems().empty();
+  MixedTexts* const items = hasItems ? MixedTexts::Of(*writer) : nullptr;
+  if (items != nullptr) items->BeforeText();
   writer->WriteString(text.GetString(), text.GetItemType());
 }
 

@@ -40,24 +40,40 @@ void CXmlGeneratedClass::DropUnknownContent() {
 // ---- Reading
 
 void UnknownReading::KeepIn(CXmlGeneratedClass& object, CXmlSerializationContext const& ctx) const {
+  if (!HasRest()) return;
   auto unknown = std::make_unique<CUnknownContent>();
   KeepAttributes(*unknown);
   KeepChildren(*unknown, ctx);
-  CXmlDocument const* const document = m_element.GetDocument();
-  if (document != nullptr && document->GetDocumentElement() == &m_element) {
-    unknown->GetDocumentMarkup() = XmlNodeAccess::MarkupIn(*document);
+  if (IsDocumentElement()) {
+    unknown->GetDocumentMarkup() = XmlNodeAccess::MarkupIn(*m_element.GetDocument());
     for (CMarkup const& markup : unknown->GetDocumentMarkup()) GenericSize::CountMarkup(m_element, markup);
   }
-  if (unknown->IsEmpty()) return;
   ObjectContent::Count(m_element, sizeof(CUnknownContent) + sizeof(ObjectForm) + sizeof(CAttributeCol));
   FormAccess::ToChange(object).unknown = std::move(unknown);
+}
+
+bool UnknownReading::HasRest() const {
+  for (CXmlAttribute const& attribute : m_element.Attributes()) {
+    if (IsUnknown(attribute)) return true;
+  }
+  if (!m_isAll && XmlNodeAccess::CountChildren(m_element) != m_children.size()) return true;
+  if (!XmlNodeAccess::MarkupIn(m_element).empty()) return true;
+  return IsDocumentElement() && !XmlNodeAccess::MarkupIn(*m_element.GetDocument()).empty();
+}
+
+bool UnknownReading::IsUnknown(CXmlAttribute const& attribute) const {
+  return m_attributes.count(&attribute) == 0 && !attribute.IsNamespaceAttribute() && !attribute.IsNilAttribute();
+}
+
+bool UnknownReading::IsDocumentElement() const {
+  CXmlDocument const* const document = m_element.GetDocument();
+  return document != nullptr && document->GetDocumentElement() == &m_element;
 }
 
 void UnknownReading::KeepAttributes(CUnknownContent& unknown) const {
   CAttributeCol& kept = *unknown.GetAttributes();
   for (CXmlAttribute const& attribute : m_element.Attributes()) {
-    bool const isTaken = m_attributes.count(&attribute) != 0;
-    if (isTaken || attribute.IsNamespaceAttribute() || attribute.IsNilAttribute()) continue;
+    if (!IsUnknown(attribute)) continue;
     GenericSize::CountAttribute(m_element, attribute);
     kept.Add(attribute.GetLocalName().c_str(), attribute.GetValueView().data(), attribute.GetNamespaceURI().c_str());
     NotePrefixes(m_element, attribute.GetValueView(), kept);

@@ -38,6 +38,9 @@ class UnknownReading {
   void KeepIn(CXmlGeneratedClass& object, CXmlSerializationContext const& ctx) const;
 
  private:
+  bool HasRest() const;
+  bool IsUnknown(CXmlAttribute const& attribute) const;
+  bool IsDocumentElement() const;
   void KeepAttributes(CUnknownContent& unknown) const;
   void KeepChildren(CUnknownContent& unknown, CXmlSerializationContext const& ctx) const;
 

@@ -32,6 +32,11 @@ MixedTexts::~MixedTexts() {
   XmlWriterAccess::Texts(m_writer) = m_outer;
 }
 
+MixedTexts* MixedTexts::Of(CXmlWriter& writer) {
+  MixedTexts* const innermost = XmlWriterAccess::Texts(writer);
+  return innermost != nullptr && innermost->m_element == XmlWriterAccess::OpenElement(writer) ? innermost : nullptr;
+}
+
 void MixedTexts::BeforeChild() {
   if (m_items != nullptr) WriteItems(m_child, kAll);
   WriteUpTo(m_child < m_places.size() ? m_places[m_child] : m_text.size());

@@ -35,6 +35,9 @@ class MixedTexts {
   MixedTexts(MixedTexts const&) = delete;
   MixedTexts& operator=(MixedTexts const&) = delete;
 
+  /// The one for the open element of \p writer; null for none.
+  static MixedTexts* Of(CXmlWriter& writer);
+
   /// Write what stands in front of the next child.
   void BeforeChild();
   /// Write the items in front of text that something else writes after the children.

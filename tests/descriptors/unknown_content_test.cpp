@@ -47,6 +47,12 @@ Shape const& Text() {
   static Shape const shape({XmlElementGroupType_Sequence, XmlElementType_Element, 0}, {}, {Attribute("x", 1, true)});
   return shape;
 }
+CSmartPtr<CXmlObjectBase> MakeText(int, char const* name) { return new DynamicClass(Text(), name); }
+Shape const& Holder() {
+  static Shape const shape({}, {new CElementInfoSeqClsOpt("a", "", 0, XmlElementType_Element, MakeText, 0),
+                                Prim<CElementInfoSeqPrimOpt>("b", 1)});
+  return shape;
+}
 Shape const& Group() {
   static Shape const shape({}, {Prim<CElementInfoSeqPrimOpt>("a", 0),
                                 new CElementInfoSeqClsOpt("", "", 1, XmlElementType_Pseudo, MakePair, 0)});
@@ -75,6 +81,7 @@ TEST(UnknownContent, IsWrittenWhereItStood) {
       {Choice(), "<root><x/><b>2</b><!--c--><a>1</a></root>"},
       {Text(), "<root x=\"1\" y=\"2\"><!--c-->text<?p?></root>", "A"},
       {Text(), "<root><y/>text<!--c--></root>", "U"},
+      {Holder(), "<root><a x=\"1\" y=\"2\">text</a><!--c--><b>1</b><z/></root>"},
       {Group(), "<root pa=\"3\" k=\"1\"><a>1</a><p>1</p><x/><q>2</q></root>"},
       {Group(), "<root><a>1</a><q>2</q></root>"},  // no group without p
   };

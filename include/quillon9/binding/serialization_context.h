@@ -112,8 +112,8 @@ class QUILLON9_API CXmlSerializationContext {
   void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }
   ///@}
   /// Whether objects of generated classes keep what no descriptor takes, and write it back where it stood; false by
-  /// default. Kept are the elements and attributes that the options for unknown ones let pass, or that a class without
-  /// such an option ignores, and the comments and processing instructions between children, in generic content, and
+  /// default. Kept are the elements and attributes that the options for unknown ones let pass, attributes that a class
+  /// accepts without an option, and the comments and processing instructions between children, in generic content and
   /// around the document element. CXmlGeneratedClass::GetUnknownContent() returns it. CXmlDocument uses this option too:
   /// only a tree that was loaded with it has comments and processing instructions for objects.
   ///@{

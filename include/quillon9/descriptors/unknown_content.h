@@ -11,8 +11,7 @@ namespace Quillon9 {
 
 /// An element that no descriptor took, or a comment or processing instruction.
 struct CUnknownItem : CMarkup {
-  CSmartPtr<CElement>
-      element;  ///< null for a comment or processing instruction; the rest of CMarkup is empty otherwise
+  CSmartPtr<CElement> element;  ///< null for a comment or processing instruction
 };
 
 /// What an object of a generated class keeps of its element although its class does not know it; see
