@@ -10,8 +10,8 @@
 
 namespace Quillon9 {
 
-/// What nothing has taken of an element that is read into an object of a generated class, groups without a tag included.
-/// It exists while the element is read, under a context that keeps unknown content.
+/// What nothing has taken of an element that is read into an object of a generated class, groups without a tag
+/// included. It exists while the element is read, under a context that keeps unknown content.
 class UnknownReading {
  public:
   /// \p element is borrowed. This object is the current one of its thread until it is destroyed.

@@ -23,8 +23,8 @@ namespace Quillon9 {
 ///
 /// Constructs that have no place in the tree (all components of the header, the document type, unexpanded entity
 /// references, and comments and processing instructions unless the document keeps them) are skipped by their lengths,
-/// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
-/// document itself.
+/// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from
+/// the context's vocabulary or from the document itself.
 class CFastInfosetReader {
  public:
   /// Both arguments are kept by reference. \p document must not have a tree yet.

@@ -114,8 +114,8 @@ class QUILLON9_API CXmlSerializationContext {
   /// Whether objects of generated classes keep what no descriptor takes, and write it back where it stood; false by
   /// default. Kept are the elements and attributes that the options for unknown ones let pass, attributes that a class
   /// accepts without an option, and the comments and processing instructions between children, in generic content and
-  /// around the document element. CXmlGeneratedClass::GetUnknownContent() returns it. CXmlDocument uses this option too:
-  /// only a tree that was loaded with it has comments and processing instructions for objects.
+  /// around the document element. CXmlGeneratedClass::GetUnknownContent() returns it. CXmlDocument uses this option
+  /// too: only a tree that was loaded with it has comments and processing instructions for objects.
   ///@{
   bool GetKeepUnknown() const { return m_keepUnknown; }
   void SetKeepUnknown(bool keep) { m_keepUnknown = keep; }

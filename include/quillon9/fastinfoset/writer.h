@@ -28,8 +28,8 @@ class COctetSink;
 /// Each name is written in full once and as an index from then on, and so are short values. The ItemType of a value
 /// selects its encoding, as the context specifies. The value itself does not influence that choice, so a value that
 /// does not fit is a failure. Of comments and processing instructions, only those of WriteMarkup() are written, and
-/// in-line schemas are left out. The document element declares namespaces; below it, names carry their prefixes, and only
-/// DeclarePrefix() and PrefixForValues() declare any.
+/// in-line schemas are left out. The document element declares namespaces; below it, names carry their prefixes, and
+/// only DeclarePrefix() and PrefixForValues() declare any.
 ///
 /// Text may stand in front of, between and after child elements.
 ///

@@ -11,8 +11,8 @@ struct CMarkup {
   std::string text;    ///< of a comment, or the data of a processing instruction
   /// How many of the children around it stand in front of it.
   std::size_t childrenInFront = 0;
-  /// The size of the text of the element in front of it, in bytes. Counts where the text is mixed with children or is all
-  /// that the element has.
+  /// The size of the text of the element in front of it, in bytes. Counts where the text is mixed with children or is
+  /// all that the element has.
   std::size_t textInFront = 0;
 
   /// Whether this is a comment.
