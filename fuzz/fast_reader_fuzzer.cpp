@@ -12,7 +12,7 @@ namespace {
 
 using namespace Quillon9;
 
-enum Options : unsigned { kKeepCdata = 1, kAscii = 2, kSmall = 4, kFlat = 8, kKeepMarkup = 16 };
+enum Options : unsigned { kKeepCdata = 1, kAscii = 2, kSmall = 4, kFlat = 8, kKeepMarkup = 32 };
 
 /// For a time, the locale in which only ASCII can be kept.
 class AsciiLocale {

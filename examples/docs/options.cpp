@@ -74,7 +74,7 @@ void Keep() {
   std::cout << "[keep]\n";
   // [keep]
   char const* const text =
-      "<note xmlns='urn:example:note' version='2'><title>Milk</title><!-- or cream --><due>today</due></note>";
+      "<note xmlns='urn:example:note' version='2'><title>Milk</title><!--or cream--><due>today</due></note>";
   CXmlSerializationContext ctx;
   ctx.SetIgnoreUnknownAttributes(true);  // for the attribute version
   ctx.SetIgnoreUnknownElements(true);    // for the element due
