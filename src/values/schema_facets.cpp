@@ -15,6 +15,7 @@
 #include "text/utf8_text.h"
 #include "values/schema_order.h"
 #include "values/schema_pattern_access.h"
+#include "values/schema_spellings.h"
 
 namespace Quillon9 {
 
@@ -155,7 +156,13 @@ bool SchemaFacets::IsMeasured() const {
 
 void SchemaFacets::Check(char const* name, QnVariant const& value) const {
   if (value.GetItemType() != m_type || !UsesText()) return Check(name, value, std::string_view());
-  Check(name, value, CSchemaValues::ToText(value));
+  Check(name, value, TextOf(value));
+}
+
+std::string SchemaFacets::TextOf(QnVariant const& value) const {
+  std::string const text = CSchemaValues::ToText(value);
+  if (!UsesText() || m_isBroken || value.GetItemType() != m_type || m_parsed.pattern->Matches(text)) return text;
+  return FirstSpelling(text, m_type, [this](std::string const& other) { return m_parsed.pattern->Matches(other); });
 }
 
 void SchemaFacets::CheckOther(char const* name, QnVariant const& value) const {

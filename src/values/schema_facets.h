@@ -50,7 +50,13 @@ class SchemaFacets {
     if (!keeps) RefuseValue(name, value);
   }
 
-  /// The same for a value whose text is not at hand.
+  /// The text of \p value for a document: that of CSchemaValues::ToText(), or another one of the same value if only that
+  /// matches the pattern, such as "1.50" where there must be two digits after the point. Check() refuses the text if
+  /// there is none.
+  /// \throws what CSchemaValues::ToText() and Check() throw.
+  std::string TextOf(QnVariant const& value) const;
+
+  /// Check() for a value whose text is not at hand: it is that of TextOf().
   void Check(char const* name, QnVariant const& value) const;
 
  private:

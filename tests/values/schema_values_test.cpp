@@ -368,6 +368,39 @@ TEST(SchemaFacets, DigitsAndForms) {
   name.Check("a", Parsed("a:b", ItemType_string));
 }
 
+TEST(SchemaFacets, TextsThatAPatternDemands) {
+  struct Row {
+    ItemType type;
+    char const *pattern, *text, *printed;
+  };
+  Row const rows[] = {
+      {ItemType_boolean, "0|1", "true", "1"},
+      {ItemType_boolean, "0|false", "0", "false"},
+      {ItemType_i4, "[0-9]{5}", "00042", "00042"},
+      {ItemType_integer, "-?[0-9]{5}", "-42", "-00042"},
+      {ItemType_decimal, "[0-9]+\\.[0-9]{2}", "1.50", "1.50"},
+      {ItemType_decimal, "[0-9]+\\.[0-9]{2}", "7", "7.00"},
+      {ItemType_decimal, "-[0-9]{3}\\.[0-9]{2}", "-7", "-007.00"},
+      {ItemType_decimal, "[0-9]{2}", "1.5", "1.5"},
+      {ItemType_r8, "[0-9]\\.[0-9]{3}", "1.5", "1.500"},
+      {ItemType_r8, "[0-9]*", "INF", "INF"},
+      {ItemType_hexBinary, "[0-9a-f]*", "0A", "0a"},
+      {ItemType_datetime, ".*\\.[0-9]{3}Z", "2000-01-01T00:00:00Z", "2000-01-01T00:00:00.000Z"},
+      {ItemType_datetime, ".*\\.[0-9]{3}Z", "2000-01-01T00:00:00.5+00:00", "2000-01-01T00:00:00.500Z"},
+      {ItemType_date, ".*[0-9]", "2000-01-01Z", "2000-01-01+00:00"},
+      {ItemType_time, ".*\\.[0-9]{3}", "12:00:00", "12:00:00.000"},
+  };
+  for (Row const& row : rows) {
+    SchemaFacets const facets(row.type, Restrictions(Facet::Pattern, row.pattern));
+    QnVariant const value = Parsed(row.text, row.type);
+    EXPECT_EQ(row.printed, facets.TextOf(value)) << row.text;
+    EXPECT_EQ(ValueOrder_Equal, CSchemaValues::Compare(value, Parsed(facets.TextOf(value), row.type))) << row.text;
+  }
+  SchemaFacets const two(ItemType_decimal, Restrictions(Facet::Pattern, "[0-9]+\\.[0-9]{2}"));
+  two.Check("a", Parsed("1.5", ItemType_decimal));
+  EXPECT_FALSE(Passes([&] { two.Check("a", Parsed("1.505", ItemType_decimal)); }));
+}
+
 TEST(SchemaFacets, PatternsOfSeveralSteps) {
   SchemaFacets const facets(ItemType_string,
                             Restrictions(Facet::Pattern, CSchemaPattern::Combine({{"a.*"}, {".", ".b"}})));
