@@ -22,6 +22,7 @@
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/xmlio/document.h"
+#include "values/rules_in_use.h"
 #include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 #include "xmlio/tree_memory.h"
@@ -161,6 +162,13 @@ bool TakesByName(CAttributeInfo* const* table) {
   return true;
 }
 
+// The classic rules know words only, in any case; those of XML Schema know numbers too, and white space around them.
+bool IsBoolean(char const* text, char const* word, char const* number) {
+  if (!RulesInUse::AreSchema()) return strcasecmp(text, word) == 0;
+  std::string const collapsed = CWhitespaceUtils::Collapse(text);
+  return collapsed == word || collapsed == number;
+}
+
 }  // namespace
 
 void CXmlGeneratedClass::ReadNilAttribute(CXmlElement const&, CXmlAttribute const& attribute,
@@ -169,11 +177,11 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlElement const&, CXmlAttribute cons
   if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
   std::string_view const text = attribute.GetValueView();
   char const* const value = text.find('\0') == std::string_view::npos ? text.data() : "";
-  if (strcasecmp(value, "true") == 0) {
+  if (IsBoolean(value, "true", "1")) {
     nillable->SetNil(true);
-  } else if (strcasecmp(value, "false") == 0) {
+  } else if (IsBoolean(value, "false", "0")) {
     nillable->SetNil(false);
-  } else {  // deliberately includes 1 and 0
+  } else {
     throw OfKind(FailureKind_Nil, CQnValidationException(FormatString("Unexpected Value for Attribute [%s] found.",
                                                                       attribute.GetLocalName().c_str())));
   }

@@ -205,7 +205,7 @@ void CElement::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx)
 
 void CElement::FromXml(char const* text) {
   CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext;
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   CXmlDocument document(ctx);
   DocumentPlaces places(document, InputForm::kBytes);
   ReadWithReport(ctx, places, [&] {

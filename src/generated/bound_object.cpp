@@ -19,6 +19,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/checking_writer.h"
 #include "xmlio/node_access.h"
 #include "xmlio/writer_access.h"
@@ -119,6 +120,8 @@ void CBoundObject::Init() {
 
 bool CBoundObject::HoldsUtf8Text() const { return true; }
 
+ValueRules CBoundObject::GetDefaultValueRules() const { return m_tables->GetRow().valueRules; }
+
 CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                        bool inChoice) {
   m_writesType = parent->GetFirstAttribute() != nullptr && FindTypeAttribute(*parent) != nullptr;
@@ -128,7 +131,7 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) ResolvePrefixes(*parent, ctx);
   ValueRule const* const rule = built.TextRule();
-  if (rule != nullptr && (ctx.GetChecksFacetsOnReading() || rule->HasFixedValue())) CheckText(*parent, ctx);
+  if (rule != nullptr && (ValueRule::ChecksFacets(ctx) || rule->HasFixedValue())) CheckText(*parent, ctx);
   return next;
 }
 
@@ -232,7 +235,7 @@ void CBoundObject::CheckText(CXmlElement const& element, CXmlSerializationContex
   try {
     QnVariant held;
     property.Read(held);
-    if (held.IsValid()) built.TextRule()->CheckRead(held, &ctx);
+    if (held.IsValid()) built.TextRule()->CheckRead(held, element.GetTextView(), &ctx);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {&element})) {
       throw CQnValidationException(FormatString("Failed to process the element [%s]", element.GetLocalName().c_str()),
@@ -309,6 +312,7 @@ void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {
   ValueRule const* const rule = m_tables->Built().At(property).rule.get();
   if (rule != nullptr) {
     Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
+    RulesInUse::Scope const rules(GetDefaultValueRules());
     QnVariant held;
     value.Read(held);
     rule->Check(held);

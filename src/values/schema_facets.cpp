@@ -219,4 +219,18 @@ bool SchemaFacets::HasAllowedDigits(QnVariant const& number) const {
   return digits.size() - first <= static_cast<std::size_t>(total);
 }
 
+// ---- LazySchemaFacets
+
+detail::LazySchemaFacets::~LazySchemaFacets() { delete m_made.load(); }
+
+SchemaFacets const& detail::LazySchemaFacets::Make(ItemType type, CPrimitiveRestrictions const& restrictions) const {
+  SchemaFacets::Others others;
+  others.form = restrictions.form;
+  auto made = std::make_unique<SchemaFacets const>(type, restrictions, others);
+  SchemaFacets const* held = nullptr;
+  // Another thread may have been faster.
+  if (!m_made.compare_exchange_strong(held, made.get(), std::memory_order_acq_rel)) return *held;
+  return *made.release();
+}
+
 }  // namespace Quillon9

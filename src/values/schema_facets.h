@@ -11,6 +11,7 @@
 #include "quillon9/values/schema_form.h"
 #include "quillon9/values/schema_pattern.h"
 #include "quillon9/values/variant.h"
+#include "text/whitespace_view.h"
 
 namespace Quillon9 {
 
@@ -48,6 +49,13 @@ class SchemaFacets {
     if (m_extent == Extent::Nothing) return;
     bool const keeps = m_extent == Extent::Bounds ? m_parsed.bounds->Contain(value) : Keeps(value, text);
     if (!keeps) RefuseValue(name, value);
+  }
+
+  /// The same for a text as it stands in a document, with all its white space.
+  void CheckRead(char const* name, QnVariant const& value, std::string_view text) const {
+    if (!UsesText()) return Check(name, value, text);
+    std::string scratch;
+    Check(name, value, ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule_Collapse, text, scratch));
   }
 
   /// The text of \p value for a document: that of CSchemaValues::ToText(), or another one of the same value if only that

@@ -77,7 +77,7 @@ enum EFlagsItem: X="x"
 class CA of A
   0 A m_a: value a list of (EDay) mandatory
   1 B m_b: nillable values b{1,2} list of (i2) pattern=[^\n\r] [^\n\r] length=2 "1 2" "2 1"
-  2 C m_c: value @c? list of (string) default="1 x"
+  2 C m_c: value @c? list of (string or (i4) or (string "Mo" "Tu") or (string)) default="1 x"
   3 D m_d: value @d? list of (EFlagsItem)
 )"},
     {"Unions",

@@ -128,11 +128,16 @@ class QUILLON9_API CXmlSerializationContext {
   void SetTextEncoding(TextEncoding encoding) { m_textEncoding = encoding; }
   ///@}
 
-  /// The rules of values. ValueRules_XmlSchema reads, checks and writes them exactly as XML Schema does, on writing and on
-  /// reading: docs/values.md compares the two. Default ValueRules_Classic.
+  /// The rules of values: ValueRules_XmlSchema converts, checks and writes them exactly as XML Schema does, and checks
+  /// facets on reading too; docs/values.md compares the two. Default ValueRules_Classic. A context that has not been told
+  /// leaves the choice to the object that is read or written: see CXmlObjectBase::GetDefaultValueRules().
   ///@{
   ValueRules GetValueRules() const { return m_valueRules; }
-  void SetValueRules(ValueRules rules) { m_valueRules = rules; }
+  void SetValueRules(ValueRules rules) {
+    m_valueRules = rules;
+    m_hasValueRules = true;
+  }
+  bool HasValueRules() const { return m_hasValueRules; }
   ///@}
 
   /// \name Failures
@@ -232,6 +237,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_stripCDATA = true;
   TextEncoding m_textEncoding = TextEncoding_Locale;
   ValueRules m_valueRules = ValueRules_Classic;
+  bool m_hasValueRules = false;
   IFailureSink* m_failureSink = nullptr;
   std::uint32_t m_maxFailures = 1000;
   bool m_checksFacetsOnReading = false;

@@ -82,6 +82,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void Init() override;
   /// True.
   bool HoldsUtf8Text() const override;
+  /// What the row of the class says.
+  ValueRules GetDefaultValueRules() const override;
 
   /// The object with this value of type xs:ID in an attribute, an element or its text: this one or one below it, the
   /// first in the order of the members; null for none. What stands in wildcards is not searched. Goes through all

@@ -90,6 +90,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void AppendText(std::string_view text);
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
+  void AppendSpecial(char byte, bool inAttribute);
   void AppendDocumentDeclarations();
   void FlushIfFull();
 
