@@ -19,6 +19,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
 #include "xmlio/expat_version.h"
@@ -213,6 +214,7 @@ void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy
 void CXmlDocument::Parse(char const* file) {
   DecompressInput();
   Utf8Text::Scope const scope(TextUse(m_context));
+  RulesInUse::Scope const rules(RulesInUse::AreSchema() ? ValueRules_XmlSchema : m_context.GetValueRules());
   if (!ParseInfoset(file)) ParseText(false, file);
 }
 

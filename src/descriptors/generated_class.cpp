@@ -4,6 +4,7 @@
 
 #include "base/fast_paths.h"
 #include "base/plain_classes.h"
+#include "descriptors/object_form.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"

@@ -17,7 +17,6 @@
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "xmlio/checking_writer.h"
-#include "xmlio/mixed_texts.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -95,6 +94,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   if (source == nullptr) throw CQnInvalidParamException("The object to copy from may not be NULL");
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(GetDefaultNamespace().c_str());
+  context.SetKeepUnknown(true);  // what the source has kept of its document
   if (source->HoldsUtf8Text() || Utf8Text::IsInUse()) context.SetTextEncoding(TextEncoding_UTF8);
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);
@@ -200,6 +200,7 @@ void CElement::CopyFrom(CXmlElement const& element, bool keepsMixed) {
     GetElements()->AppendItem(copy.Get());
   }
   if (keepsMixed) KeepPlaces(element);
+  KeepMarkup(element);
 }
 
 CSmartPtr<CElement> CElement::Clone() const {
@@ -211,6 +212,7 @@ CSmartPtr<CElement> CElement::Clone() const {
   if (CElementCol const* const elements = m_elements.Get()) copy->m_elements.Keep(elements->Clone());
   copy->m_text = m_text;
   copy->m_isMixed = m_isMixed;
+  if (m_markup != nullptr) copy->m_markup = std::make_unique<std::vector<CMarkup>>(*m_markup);
   return copy;
 }
 
@@ -245,7 +247,7 @@ void CElement::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx)
 
 void CElement::FromXml(char const* text) {
   CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext;
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   CXmlDocument document(ctx);
   DocumentPlaces places(document, InputForm::kBytes);
   ReadWithReport(ctx, places, [&] {
@@ -280,6 +282,7 @@ CXmlElement* CElement::FromXml_Int(CXmlElement*, CXmlElement* cursor, CXmlSerial
   m_text = XmlNodeAccess::TextOf(*cursor);  // not earlier: the document may have been read from this very text
   m_isMixed = 0;
   if (ctx.GetKeepMixedContent()) KeepPlaces(*cursor);
+  KeepMarkup(*cursor);
   return cursor->GetNextSiblingElement();
 }
 
@@ -302,6 +305,7 @@ void CElement::ToXml_Int(CXmlWriter* writer, bool, char const* ns, CXmlSerializa
 // Without places, writes the text after the children, wherever it was in the document.
 void CElement::WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                                     bool inChoice) const {
+  if (m_markup != nullptr) return WriteWithMarkup(writer, ns, ctx);
   if (m_isMixed) {
     writer->PreserveSpace();
     for (CContentItem<CElement> const& item : Content()) {

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <vector>
 
+#include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
@@ -41,6 +43,51 @@ void CElement::KeepPlaces(CXmlElement const& source) {
     ++next;
   }
   m_isMixed = 1;
+}
+
+// The same for the children.
+void CElement::KeepMarkup(CXmlElement const& source) {
+  m_markup.reset();
+  std::vector<CMarkup> markup = XmlNodeAccess::MarkupIn(source);
+  if (markup.empty()) return;
+  std::size_t const children = m_elements.Get() != nullptr ? static_cast<std::size_t>(m_elements.Get()->GetCount()) : 0;
+  std::size_t const count = XmlNodeAccess::CountChildren(source);
+  for (CMarkup& item : markup) {
+    GenericSize::CountMarkup(source, item);
+    item.childrenInFront += children - std::min(count, children);
+  }
+  m_markup = std::make_unique<std::vector<CMarkup>>(std::move(markup));
+}
+
+std::vector<CMarkup> const& CElement::GetMarkup() const {
+  static auto const& none = *new std::vector<CMarkup>();
+  return m_markup != nullptr ? *m_markup : none;
+}
+
+void CElement::WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx) const {
+  if (!m_text.empty()) writer->PreserveSpace();
+  auto next = m_markup->begin();
+  std::size_t child = 0;
+  std::size_t passed = 0;
+  auto const isHere = [&] { return next != m_markup->end() && next->childrenInFront <= child; };
+  for (CContentItem<CElement> const& item : Content()) {
+    std::string_view run = item.GetText();
+    while (isHere() && (!item.IsText() || next->textInFront < passed + run.size())) {
+      std::size_t const size = item.IsText() ? std::max(next->textInFront, passed) - passed : 0;
+      writer->WriteString(std::string(run.substr(0, size)), ItemType_string);
+      run.remove_prefix(size);
+      passed += size;
+      writer->WriteMarkup(*next++);
+    }
+    if (item.IsText()) {
+      writer->WriteString(std::string(run), ItemType_string);
+      passed += run.size();
+    } else {
+      CXmlObjectBase::ToXml_Int(item.GetElement(), writer, false, ns, ctx, false);
+      ++child;
+    }
+  }
+  while (next != m_markup->end()) writer->WriteMarkup(*next++);
 }
 
 void CElement::AppendText(std::string_view text) {

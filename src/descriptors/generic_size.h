@@ -28,6 +28,11 @@ class GenericSize {
     ObjectContent::Count(element, kNames + name.localName.size() + name.namespaceUri.size());
   }
 
+  /// Count \p markup, which an object made from \p element keeps.
+  static void CountMarkup(CXmlElement const& element, CMarkup const& markup) {
+    ObjectContent::Count(element, sizeof(CMarkup) + markup.target.size() + markup.text.size());
+  }
+
  private:
   static constexpr std::size_t kAllocation = 16;  // overhead of the allocator
   static constexpr std::size_t kElement = kAllocation + sizeof(CElement) + sizeof(CNode);

@@ -44,7 +44,7 @@ void LoadUnseen(CXmlDocument& document, std::string const& text) try {
 template <class Load>
 void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, InputForm form, char const* file,
                   Load load) {
-  Utf8Text::Scope const scope(TextUse(object, ctx));
+  TextScope const scope(object, ctx);
   CXmlDocument document(ctx);
   DocumentPlaces places(document, form, file);
   ReadWithReport(ctx, places, [&] {
@@ -81,7 +81,7 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationCon
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   DocumentPlaces places(element);
   ReadWithReport(ctx, places, [&] { ReadFrom(element, *this, ctx); });
 }

@@ -78,7 +78,10 @@ struct PlainChunk {
 void ThrowBeyondTable() { ThrowFastInfosetFailure("Invalid Index beyond its table."); }
 
 CFastInfosetReader::CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document)
-    : m_options(options), m_document(document), m_source(document.GetInputData(), document.GetInputSize()) {}
+    : m_options(options),
+      m_document(document),
+      m_source(document.GetInputData(), document.GetInputSize()),
+      m_keepsMarkup(XmlNodeAccess::KeepsMarkup(document)) {}
 
 CFastInfosetReader::~CFastInfosetReader() = default;
 
@@ -120,7 +123,7 @@ void CFastInfosetReader::ReadChildren() {
     } else if (octet == fi::kProcessingInstruction) {
       ProcessingInstruction();
     } else if (octet == fi::kComment) {
-      SkipNonIdentifyingStringOrIndex();
+      Comment();
     } else if ((octet & fi::kTopSixBits) == fi::kDocumentTypeDeclaration) {
       if (hasElement) ThrowFastInfosetFailure("Invalid Document type with Document Type Declaration behind Element.");
       DocumentTypeDeclarationBit7(octet);
@@ -174,7 +177,7 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
   } else if (octet == fi::kProcessingInstruction) {
     ProcessingInstruction();
   } else if (octet == fi::kComment) {
-    SkipNonIdentifyingStringOrIndex();
+    Comment();
   } else if ((octet & fi::kTopSixBits) == fi::kUnexpandedEntityReference) {
     UnexpandedEntityReferenceBit7(octet);
   } else {

@@ -21,10 +21,10 @@ namespace Quillon9 {
 /// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
 /// these operations get that octet as argument. A reader lives for one parse, on the stack of the load.
 ///
-/// Constructs that have no place in the tree (all components of the header, comments, processing instructions, the
-/// document type, unexpanded entity references) are skipped by their lengths, whatever they contain. A document's own
-/// initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
-/// document itself.
+/// Constructs that have no place in the tree (all components of the header, the document type, unexpanded entity
+/// references, and comments and processing instructions unless the document keeps them) are skipped by their lengths,
+/// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from
+/// the context's vocabulary or from the document itself.
 class CFastInfosetReader {
  public:
   /// Both arguments are kept by reference. \p document must not have a tree yet.
@@ -80,7 +80,10 @@ class CFastInfosetReader {
   // Items skipped both in the header and among the elements.
   void SkipIdentifyingStringsOrIndices(std::uint32_t count);
   void SkipNonIdentifyingStringOrIndex();
-  void ProcessingInstruction();
+  void ProcessingInstruction(bool isKept = true);
+  void Comment();
+  std::string OtherName();
+  std::string OtherString();
   void DocumentTypeDeclarationBit7(std::uint32_t octet);
   void NotationBit7(std::uint32_t octet);
   void UnparsedEntityBit8(std::uint32_t octet);
@@ -143,6 +146,9 @@ class CFastInfosetReader {
   /// Text that is not in the input as it is.
   std::string m_text;
   std::uint32_t m_maxDepth = 0;
+  bool const m_keepsMarkup;
+  ReadStrings m_otherNames;
+  ReadStrings m_otherStrings;
   /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
   DocumentOutline* m_outline = nullptr;

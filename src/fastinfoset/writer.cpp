@@ -15,6 +15,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/text/encoder.h"
+#include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
@@ -232,6 +233,21 @@ bool CFastInfosetWriter::DeclarePrefix(std::string const& prefix, std::string co
 
 void CFastInfosetWriter::PreserveSpace() {
   if (m_mixed == nullptr) m_mixed = StartedElement();
+}
+
+void CFastInfosetWriter::WriteMarkup(CMarkup const& markup) {
+  WriteElement(false);
+  EndChild();
+  if (m_context != nullptr) CloseTag();
+  m_output->Octet(markup.IsComment() ? fi::kComment : fi::kProcessingInstruction);
+  if (!markup.IsComment()) NonEmptyOctetUTF8StringBit2(0, markup.target);
+  std::string const text = markup.text.c_str();
+  if (text.empty()) {
+    m_output->Integer0To2pw20Bit2(fi::kIndexBit1, 0);
+  } else {
+    m_output->NonEmptyOctetStringBit5(0, Utf8(text));
+  }
+  m_output->FlushIfFull();
 }
 
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {

@@ -80,6 +80,14 @@ std::string const* XmlNodeAccess::DeclareNamespace(CXmlDocument& document, std::
   return kept;
 }
 
+void XmlNodeAccess::AddMarkup(CXmlDocument& document, std::string target, std::string text) {
+  document.CountContent(TreeMarkup::kCharge + target.size() + text.size());
+  CXmlElement const* const parent = document.GetOpenElement();
+  CXmlElement const* const after = parent != nullptr ? LastChild(*parent) : document.m_documentElement;
+  std::size_t const textInFront = parent != nullptr ? TextOf(*parent).size() : 0;
+  document.Memory().MarkupToChange().Add(parent, after, textInFront, std::move(target), std::move(text));
+}
+
 std::vector<std::pair<std::string, std::string>> XmlNodeAccess::PrefixesOf(CXmlDocument const& document) {
   if (document.m_memory == nullptr) return {};
   return document.m_memory->Declarations().ForDocumentElement();

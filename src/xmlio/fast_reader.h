@@ -40,14 +40,17 @@ class FastReader {
 
   bool ReadAll();
   // Each of these reads what begins at its argument and returns its end, or null to give up.
-  char const* SkipProlog(char const* at) const;
+  char const* ReadProlog(char const* at);
   char const* ReadContent(char const* at);
   char const* ReadText(char const* at);
   char const* ReadOtherText(char const* start, char const* at);
   char const* ReadBeyondAscii(char const* at) const;
   char const* ReadReference(char const* at);
   bool IsTaken(CharacterReference const& reference) const;
+  char const* ReadMiscellaneous(char const* at);
   char const* ReadMarkup(char const* at);
+  char const* ReadComment(char const* at);
+  char const* ReadInstruction(char const* at);
   char const* ReadCData(char const* at);
   char const* ReadStartTag(char const* at);
   char const* ReadAttributes(char const* at);
@@ -63,11 +66,13 @@ class FastReader {
   CXmlName const* SharedName(FastName& name);
   CXmlName const* SharedAttributeName(FastName& name);
   bool Declare(FastName& prefix, std::string_view uri);
+  bool KeepMarkup(std::string_view target, std::string_view text);
   std::string_view Normalized(Attribute const& attribute);
 
   CXmlDocument& m_document;
   bool const m_takesAll;  // also characters beyond ASCII
-  char const* m_end;      // of the input, behind its last '>': each other byte is followed by one more
+  bool const m_keepsMarkup;
+  char const* m_end;  // of the input, behind its last '>': each other byte is followed by one more
   FastNames m_names;
   std::vector<FastName*> m_open;
   std::vector<Binding> m_bindings;

@@ -2,8 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/text_copy.h"
 #include "quillon9/xmlio/document.h"
@@ -39,6 +41,16 @@ struct XmlNodeAccess {
   static CChildPlaces* PlacesOf(CXmlElement const& element) { return NodeText::FindPlaces(element.m_text); }
   static CXmlAttribute* LastAttribute(CXmlElement const& element);
   static CXmlAttribute* FirstAttribute(CXmlElement const& element);
+  /// The comments and processing instructions in the element; none unless its document keeps them.
+  static std::vector<CMarkup> MarkupIn(CXmlElement const& element) {
+    CTreeMemory const* const memory = MemoryOf(element);
+    return memory != nullptr && memory->Markup() != nullptr ? memory->Markup()->In(element) : std::vector<CMarkup>();
+  }
+  /// Those around the document element.
+  static std::vector<CMarkup> MarkupIn(CXmlDocument const& document) {
+    CTreeMemory const* const memory = document.m_memory;
+    return memory != nullptr && memory->Markup() != nullptr ? memory->Markup()->InDocument() : std::vector<CMarkup>();
+  }
   /// The prefixes, each with its URI, that can be declared on the document element without a change of their meaning
   /// further in; those of a document that was read with a filter are not known.
   static std::vector<std::pair<std::string, std::string>> PrefixesOf(CXmlDocument const& document);
@@ -52,6 +64,12 @@ struct XmlNodeAccess {
                                           NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
   /// The same with what else CXmlDocument::SetNamespaceAlias() does.
   static std::string const* DeclareNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri);
+  /// Whether a reader of \p document is to keep comments and processing instructions.
+  static bool KeepsMarkup(CXmlDocument const& document);
+  /// Keep a comment (without a target) or processing instruction in the innermost open element, or around the document
+  /// element.
+  /// \throws what CXmlDocument::CountContent() throws.
+  static void AddMarkup(CXmlDocument& document, std::string target, std::string text);
   /// Create an element with a name that the tree shares.
   static CXmlElement* NewElement(CXmlName const& name, CTreeMemory& memory) {
     return ::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name);

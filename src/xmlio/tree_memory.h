@@ -15,6 +15,7 @@
 #include "quillon9/xmlio/element.h"
 #include "xmlio/namespace_declarations.h"
 #include "xmlio/tree_block.h"
+#include "xmlio/tree_markup.h"
 
 namespace Quillon9 {
 
@@ -109,6 +110,15 @@ class CTreeMemory {
   /// Which namespaces are declared in the document.
   NamespaceDeclarations& Declarations() { return m_declarations; }
 
+  /// The comments and processing instructions that are kept; null for none.
+  ///@{
+  TreeMarkup* Markup() const { return m_markup.get(); }
+  TreeMarkup& MarkupToChange() {
+    if (m_markup == nullptr) m_markup = std::make_unique<TreeMarkup>();
+    return *m_markup;
+  }
+  ///@}
+
   /// The classes read from this tree that are not nillable.
   PlainClasses& PlainTypes() { return m_plainClasses; }
 
@@ -192,6 +202,7 @@ class CTreeMemory {
   TreeName m_noName;
   PlainClasses m_plainClasses;
   NamespaceDeclarations m_declarations;
+  std::unique_ptr<TreeMarkup> m_markup;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};

@@ -56,6 +56,26 @@ struct Row {
   std::string outcome;
 };
 
+TEST(FastInfosetReader, CommentsAndInstructionsAreKeptOnWish) {
+  // A notation, then comments and instructions that repeat strings of two tables, also of a document type.
+  std::string const octets = Octets(
+      "E0 00 00 01 10 C0 00'n' F0 E2 40'x' C4 E1 01'pi' 40'y' F0"
+      "3C 00'a' E2 80 E1 80 81 82 01'text' 3C 00'b' F0 E1 81 FF F0"
+      "E2 FF F0");
+  CXmlSerializationContext ctx;
+  ctx.SetKeepUnknown(true);
+  CXmlDocument document(ctx);
+  Load(document, octets);
+  std::string shown;
+  auto const show = [&](CMarkup const& markup) {
+    shown += std::to_string(markup.childrenInFront) + std::to_string(markup.textInFront) + markup.target + ':' +
+             markup.text + ' ';
+  };
+  for (CMarkup const& markup : XmlNodeAccess::MarkupIn(*document.GetDocumentElement())) show(markup);
+  for (CMarkup const& markup : XmlNodeAccess::MarkupIn(document)) show(markup);
+  EXPECT_EQ(shown, "00:x 00n:y 14pi: 00:x 10: ");
+}
+
 TEST(FastInfosetReader, Trees) {
   Row const rows[] = {
       // Terminators.

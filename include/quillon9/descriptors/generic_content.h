@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "quillon9/base/instance_monitor.h"
 #include "quillon9/base/smart_ptr.h"
@@ -16,6 +17,7 @@
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/content_item.h"
+#include "quillon9/xmlio/markup.h"
 
 /// Content without generated classes: a generic element, its attributes and its children. Wildcards of generated
 /// classes are read into it, programs build it by hand, and any bound object can be converted to it.
@@ -320,6 +322,13 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void AppendText(std::string_view text);
   /// The runs of text and the children in the order in which they are written. The runs are parts of GetText().
   CContentList<CElement> Content() const;
+  /// The comments and processing instructions between the children and in the text, in the order in which they are
+  /// written; none unless this element was read from a tree that keeps them: see
+  /// CXmlSerializationContext::SetKeepUnknown(). They keep their places in the text and by the number of children in
+  /// front, and a copy has them too.
+  std::vector<CMarkup> const& GetMarkup() const;
+  /// Forget them. The children keep theirs.
+  void DropMarkup() { m_markup.reset(); }
   /// The default namespace that this element declares when it is written; none when empty. An element that has one can
   /// only be written as text, is written without its attributes, and does not pass the context on to its children.
   ///@{
@@ -391,6 +400,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void CopyFrom(CXmlElement const& element, bool keepsMixed);
   void KeepPlaces(CXmlElement const& source);
   void KeepPrefixes(CXmlElement const& element);
+  void KeepMarkup(CXmlElement const& source);
+  void WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx) const;
   void WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const;
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
@@ -406,6 +417,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   // Created on first use, because most elements of a document have no attributes or no children.
   detail::MadeOnDemand<CAttributeCol> m_attributes;
   detail::MadeOnDemand<CElementCol> m_elements;
+  std::unique_ptr<std::vector<CMarkup>> m_markup;  // null for none
 };
 
 /// The children of a CElement, or the content of a repeated element wildcard.

@@ -27,9 +27,9 @@ struct WriterTables;
 ///
 /// Each name is written in full once and as an index from then on, and so are short values. The ItemType of a value
 /// selects its encoding, as the context specifies. The value itself does not influence that choice, so a value that
-/// does not fit is a failure. Comments, processing instructions and in-line schemas are left out. The document element
-/// declares namespaces; below it, names carry their prefixes, and only DeclarePrefix() and PrefixForValues() declare
-/// any.
+/// does not fit is a failure. Of comments and processing instructions, only those of WriteMarkup() are written, and
+/// in-line schemas are left out. The document element declares namespaces; below it, names carry their prefixes, and
+/// only DeclarePrefix() and PrefixForValues() declare any.
 ///
 /// Text may stand in front of, between and after child elements.
 ///
@@ -77,6 +77,8 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
   bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
+  /// Write it. The text is UTF-8 whatever the context specifies, and enters no table.
+  void WriteMarkup(CMarkup const& markup) override;
   /// Let text that follows a child be text of the open element or of those in it, until the element ends. Otherwise it
   /// becomes text of that child.
   void PreserveSpace() override;
