@@ -76,6 +76,7 @@ void CTreeMemory::DropNodes() noexcept {
   m_isAbandoned = false;
   m_plainClasses = {};
   m_declarations = {};
+  m_markup.reset();
   std::fill(std::begin(m_free), std::end(m_free), nullptr);
   m_blockAt = m_blockEnd = nullptr;
   m_blocks.clear();
