@@ -13,6 +13,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
+#include "values/rules_in_use.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/node_access.h"
 
@@ -132,11 +133,19 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
   }
 }
 
+// An infoset has line feeds as line ends, so that its carriage returns are from references.
+void CFastInfosetReader::AppendText(CXmlElement* element, std::string const& text) {
+  std::string_view const shown = text.c_str();
+  if (!RulesInUse::AreSchema()) return m_document.AppendTextExcludingCR(element, shown.data(), shown.size());
+  m_document.CountContent(shown.size());
+  XmlNodeAccess::AppendText(*element, shown);
+}
+
 void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t octet) {
   auto& table = m_vocabulary->GetCharacterChunksTable().GetVector();
   if ((octet & fi::kIndexBit3) != 0) {
     std::string const& text = EntryOf(table, m_source.Integer1To2pw20Bit4(octet));
-    m_document.AppendTextExcludingCR(element, text.data(), text.size());
+    AppendText(element, text);
     return;
   }
   bool const addToTable = (octet & fi::kAddToTableBit3) != 0;
@@ -149,7 +158,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   }
   std::string text;
   Decode(source, text);
-  m_document.AppendTextExcludingCR(element, text.data(), text.size());
+  AppendText(element, text);
   if (addToTable && table.size() < CFIVocabulary::kMaxEntries) table.push_back(std::move(text));
 }
 

@@ -99,6 +99,7 @@ class CFastInfosetReader {
   void StartElement(std::uint32_t octet);
   void ReadContent(CXmlElement* element, std::uint32_t octet);
   void ReadCharacterChunk(CXmlElement* element, std::uint32_t octet);
+  void AppendText(CXmlElement* element, std::string const& text);
   void NamespaceAttributes();
   void NamespaceAttributeBit7(std::uint32_t octet);
   void Attributes(CXmlElement* element);

@@ -48,8 +48,40 @@ InstanceCheck::InstanceCheck(SchemaSet const& set, Quillon9::CXmlSerializationCo
 
 void InstanceCheck::Check(Element const& root) {
   ElementDeclaration const* const declaration = Find(m_set.elements, SchemaTests::NameOf(root));
-  if (declaration == nullptr) throw Invalid("the document element [" + root.GetLocalName() + "] is not declared");
-  CheckElement(root, *declaration);
+  if (declaration != nullptr) return CheckElement(root, *declaration);
+  CXmlAttribute const* const typeName = root.FindAttribute("type", kInstanceNamespace);
+  if (typeName == nullptr) throw Invalid("the element [" + root.GetLocalName() + "] is not declared");
+  CheckUndeclared(root, *typeName);
+}
+
+void InstanceCheck::CheckUndeclared(Element const& element, CXmlAttribute const& typeName) {
+  ElementDeclaration declaration;
+  declaration.name = SchemaTests::NameOf(element);
+  CheckTyped(element, declaration, TypeNamed(element, typeName.GetValue()));
+}
+
+bool InstanceCheck::IsDerived(Type const& type, Type const& from) {
+  bool const fromAny = from.complex != nullptr && from.complex->anyType;
+  if (fromAny) return true;
+  SimpleType const* simple = type.simple;
+  for (ComplexType const* each = type.complex; each != nullptr; each = each->base) {
+    if (each == from.complex) return true;
+    simple = each->simpleBase;
+  }
+  if (from.complex != nullptr) return false;
+  if (from.simple == nullptr) return simple != nullptr;  // xs:anySimpleType
+  if (simple == nullptr) return false;
+  bool const isOfUnion =
+      std::any_of(from.simple->memberTypes.begin(), from.simple->memberTypes.end(), [&](SimpleType const* member) {
+        return IsDerived(type, {member, nullptr});
+      });
+  if (isOfUnion) return true;
+  for (; simple != nullptr; simple = simple->base) {
+    if (simple == from.simple || (simple->builtIn != BuiltIn::None && simple->builtIn == from.simple->builtIn)) {
+      return true;
+    }
+  }
+  return false;
 }
 
 InstanceCheck::Type InstanceCheck::TypeNamed(Element const& element, std::string const& name) const {
@@ -69,8 +101,15 @@ void InstanceCheck::CheckElement(Element const& element, ElementDeclaration cons
   if (declaration.abstract) throw Invalid("the element [" + declaration.name.local + "] is abstract");
   Type type{declaration.simpleType, declaration.complexType};
   if (CXmlAttribute const* const named = element.FindAttribute("type", kInstanceNamespace)) {
-    type = TypeNamed(element, named->GetValue());
+    Type const actual = TypeNamed(element, named->GetValue());
+    if (!IsDerived(actual, type))
+      throw Invalid("the type [" + named->GetValue() + "] is not derived from the declared");
+    type = actual;
   }
+  CheckTyped(element, declaration, type);
+}
+
+void InstanceCheck::CheckTyped(Element const& element, ElementDeclaration const& declaration, Type const& type) {
   if (type.complex != nullptr) {
     if (type.complex->abstract) throw Invalid("the type of [" + declaration.name.local + "] is abstract");
     CheckAttributes(element, *type.complex);

@@ -22,7 +22,7 @@ class Invalid : public std::runtime_error {
 
 /// Walks through documents beside the declarations of their schema, and judges each value of a simple type as generated
 /// classes judge it when they read under the rules of XML Schema. What concerns more than one value (identifiers, keys)
-/// and the derivation of types that documents name are not checked.
+/// and what blocks the derivation of types are not checked.
 class InstanceCheck {
  public:
   /// Keeps references to both.
@@ -43,7 +43,10 @@ class InstanceCheck {
     std::optional<std::string> const& fixedValue;
   };
 
+  static bool IsDerived(Type const& type, Type const& from);
   void CheckElement(Element const& element, Schema::ElementDeclaration const& declaration);
+  void CheckUndeclared(Element const& element, Quillon9::CXmlAttribute const& typeName);
+  void CheckTyped(Element const& element, Schema::ElementDeclaration const& declaration, Type const& type);
   void CheckLaxly(Element const& element);
   Type TypeNamed(Element const& element, std::string const& name) const;
   void CheckChildren(Element const& element, Schema::ComplexType const& type);

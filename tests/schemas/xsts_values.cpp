@@ -77,17 +77,41 @@ std::vector<Test> ReadTests(Options const& options) {
   return tests;
 }
 
+/// The schemas that a document names, as the suite lists them: beside the document, separated by semicolons.
+std::string SchemasNamedIn(Quillon9::CXmlElement const& root, std::string const& instance) {
+  constexpr char const* kInstanceNamespace = "http://www.w3.org/2001/XMLSchema-instance";
+  std::string const folder = instance.substr(0, instance.find_last_of('/') + 1);
+  std::string schemas;
+  bool isLocation = false;
+  for (std::string const& each : Split(root.GetAttribute("schemaLocation", kInstanceNamespace), ' ')) {
+    if (each.empty()) continue;
+    if (isLocation) schemas += folder + each + ";";
+    isLocation = !isLocation;
+  }
+  std::string const& other = root.GetAttribute("noNamespaceSchemaLocation", kInstanceNamespace);
+  return other.empty() ? schemas : schemas + folder + other;
+}
+
+class UnusableSchema : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 /// A schema that is complete, and what its documents are checked with.
 struct LoadedSchema {
-  Schema::Diagnostics diagnostics;
-  Schema::SchemaSet set;
-  std::unique_ptr<InstanceCheck> check;
+  Schema::SchemaSet const set;
+  InstanceCheck check;
 
-  LoadedSchema(std::string const& schemas, Quillon9::CXmlSerializationContext const& context) {
+  LoadedSchema(std::string const& schemas, Quillon9::CXmlSerializationContext const& context)
+      : set(Load(schemas)), check(set, context) {}
+
+  static Schema::SchemaSet Load(std::string const& schemas) {
     Schema::LoadOptions options;
     options.documents = Split(schemas, ';');
-    set = Schema::LoadSchemas(options, diagnostics);
-    if (!diagnostics.HasErrors()) check = std::make_unique<InstanceCheck>(set, context);
+    Schema::Diagnostics diagnostics;
+    Schema::SchemaSet loaded = Schema::LoadSchemas(options, diagnostics);
+    if (!diagnostics.HasErrors()) return loaded;
+    throw UnusableSchema("the schema has errors: " + Schema::Format(diagnostics.All().front()));
   }
 };
 
@@ -97,33 +121,42 @@ class Judge {
 
   /// Print a line if the verdict is not that of the suite.
   bool IsRight(Test const& test) {
-    std::string const fault = FaultOf(test);
-    bool const isUsable = m_schema->check != nullptr;
-    if (isUsable && fault.empty() == test.valid) return true;
-    std::printf(
-        "%s %s %s: %s\n", test.set.c_str(), test.group.c_str(), test.instance.c_str(),
-        fault.empty() ? "invalid, accepted" : ((test.valid ? "valid, refused: " : "invalid: ") + fault).c_str());
+    std::string const found = Find(test);
+    if (found.empty()) return true;
+    std::printf("%s %s %s: %s\n", test.set.c_str(), test.group.c_str(), test.instance.c_str(), found.c_str());
     return false;
   }
 
  private:
+  /// Return how the verdict differs from that of the suite; an empty text if it does not.
+  std::string Find(Test const& test) try {
+    std::string const fault = FaultOf(test);
+    if (fault.empty() == test.valid) return {};
+    return test.valid ? "valid, refused: " + fault : "invalid, accepted";
+  } catch (UnusableSchema const& failure) {
+    return (test.valid ? "valid, not judged: " : "invalid, not judged: ") + std::string(failure.what());
+  }
+
   /// Return why the document is not valid; an empty text if it is.
   std::string FaultOf(Test const& test) try {
-    if (m_schema == nullptr || m_schemas != test.schemas) {
-      m_schema = std::make_unique<LoadedSchema>(test.schemas, m_context);
-      m_schemas = test.schemas;
-    }
-    if (m_schema->check == nullptr) return "the schema has errors";
     Quillon9::RulesInUse::Scope const rules(Quillon9::ValueRules_XmlSchema);
     Quillon9::Utf8Text::Scope const texts(Quillon9::Utf8Text::Use::kCountingCharacters);
     Quillon9::CXmlDocument document(m_context);
     document.Load(test.instance.c_str());
-    m_schema->check->Check(*document.GetDocumentElement());
+    Quillon9::CXmlElement const& root = *document.GetDocumentElement();
+    Use(test.schemas.empty() ? SchemasNamedIn(root, test.instance) : test.schemas);
+    m_schema->check.Check(root);
     return {};
   } catch (Quillon9::CQnException const& failure) {
     return failure.GetMessage();
   } catch (Invalid const& failure) {
     return failure.what();
+  }
+
+  void Use(std::string const& schemas) {
+    if (m_schema != nullptr && m_schemas == schemas) return;
+    m_schema = std::make_unique<LoadedSchema>(schemas, m_context);
+    m_schemas = schemas;
   }
 
   Quillon9::CXmlSerializationContext m_context;
