@@ -111,8 +111,8 @@ void ValueRule::RequireNames(std::string_view text) const {
     areNames = areNames && CSchemaValues::HasForm(items.Text(), SchemaForm::QName);
   }
   if (areNames && (m_item != nullptr || count == 1)) return;
-  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] is not a valid QName",
-                                                                           std::string(text).c_str())));
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] is not a valid %s",
+                                                                           std::string(text).c_str(), "QName")));
 }
 
 bool ValueRule::ChecksFacets(CXmlSerializationContext const& ctx) {
