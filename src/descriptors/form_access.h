@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <utility>
-
 #include "descriptors/object_form.h"
 #include "quillon9/descriptors/generated_class.h"
 
@@ -13,7 +10,7 @@ struct FormAccess {
   /// Null for none.
   static ObjectForm* Find(CXmlGeneratedClass const& object) { return object.m_form.get(); }
   static ObjectForm& ToChange(CXmlGeneratedClass& object) {
-    if (object.m_form == nullptr) object.m_form = std::make_unique<ObjectForm>();
+    if (object.m_form == nullptr) object.m_form.reset(new ObjectForm);
     return *object.m_form;
   }
   static void Drop(CXmlGeneratedClass& object) { object.m_form.reset(); }

@@ -35,6 +35,8 @@ using namespace Quillon9Data;
 CXmlGeneratedClass::CXmlGeneratedClass() = default;
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;
 
+[[gnu::noinline]] void CXmlGeneratedClass::FormDeleter::operator()(ObjectForm* form) const noexcept { delete form; }
+
 void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
   const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);
 }

@@ -49,8 +49,8 @@ void WriteDocumentMarkup(CXmlWriter& writer, CUnknownContent const& unknown, std
 }
 
 /// Without those that \p additional, which may be null, has as well.
-void WriteUnknownAttributes(CXmlWriter& writer, CUnknownContent const& unknown, CAttributeCol const* additional,
-                            CXmlSerializationContext const& ctx) {
+[[gnu::noinline]] void WriteUnknownAttributes(CXmlWriter& writer, CUnknownContent const& unknown,
+                                              CAttributeCol const* additional, CXmlSerializationContext const& ctx) {
   for (CAttribute const& attribute : *unknown.GetAttributes()) {
     bool const isThere =
         additional != nullptr && additional->Find(attribute.GetName().c_str(), attribute.GetNamespace().c_str());
@@ -65,19 +65,17 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
   if constexpr (kChecksTables) CheckTablesOnce(*this);
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
-  CUnknownContent const* const unknown = m_form != nullptr && hasTag ? m_form->unknown.get() : nullptr;
-  if (isRoot && unknown != nullptr) WriteDocumentMarkup(*writer, *unknown, 0);
+  if (m_form != nullptr && m_form->unknown != nullptr && hasTag) {
+    return WriteWithUnknown(writer, isRoot, ns, ctx, inChoice);
+  }
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
   INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
-  bool const isNil = nillable != nullptr && nillable->IsNil();
-  if (isNil) writer->WriteAttributeNil();
-  if (unknown != nullptr) {
-    WriteWithUnknown(writer, *unknown, isNil, ctx, inChoice);
-  } else if (!isNil) {
+  if (nillable != nullptr && nillable->IsNil()) {
+    writer->WriteAttributeNil();
+  } else {
     ContentToXml_Int(writer, ctx, inChoice);
   }
   if (hasTag) writer->WriteEndElement();
-  if (isRoot && unknown != nullptr) WriteDocumentMarkup(*writer, *unknown, 1);
 }
 
 namespace {
@@ -106,19 +104,27 @@ class UnknownItems : public InsertedItems {
 
 }  // namespace
 
-[[gnu::noinline]] void CXmlGeneratedClass::WriteWithUnknown(CXmlWriter* writer, CUnknownContent const& unknown,
-                                                            bool isNil, CXmlSerializationContext const& ctx,
-                                                            bool inChoice) const {
-  if (unknown.GetItems().empty()) {
+// The same for an object that has unknown content, apart, so that the others do not pay for it.
+[[gnu::noinline]] void CXmlGeneratedClass::WriteWithUnknown(CXmlWriter* writer, bool isRoot, char const* ns,
+                                                            CXmlSerializationContext const& ctx, bool inChoice) const {
+  CUnknownContent const& unknown = *m_form->unknown;
+  if (isRoot) WriteDocumentMarkup(*writer, unknown, 0);
+  WriteStart(writer, isRoot, ns, ctx, inChoice);
+  INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
+  bool const isNil = nillable != nullptr && nillable->IsNil();
+  if (isNil) writer->WriteAttributeNil();
+  if (!unknown.GetItems().empty()) {
+    if (GetClassInfo()->m_textPropertyIndex != -1) writer->PreserveSpace();
+    static auto const& noPlaces = *new std::vector<std::size_t>();
+    UnknownItems items(unknown, ctx);
+    MixedTexts inserted(*writer, {}, noPlaces, &items);
     if (!isNil) ContentToXml_Int(writer, ctx, inChoice);
-    return;
+    inserted.Finish();
+  } else if (!isNil) {
+    ContentToXml_Int(writer, ctx, inChoice);
   }
-  if (GetClassInfo()->m_textPropertyIndex != -1) writer->PreserveSpace();
-  static auto const& noPlaces = *new std::vector<std::size_t>();
-  UnknownItems items(unknown, ctx);
-  MixedTexts inserted(*writer, {}, noPlaces, &items);
-  if (!isNil) ContentToXml_Int(writer, ctx, inChoice);
-  inserted.Finish();
+  writer->WriteEndElement();
+  if (isRoot) WriteDocumentMarkup(*writer, unknown, 1);
 }
 
 namespace {
@@ -144,13 +150,14 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
   XmlWriterAccess::NamespaceText(*writer) = std::move(text);
-  CUnknownContent const* const unknown = m_form != nullptr ? m_form->unknown.get() : nullptr;
-  if (unknown != nullptr) unknown->GetAttributes()->WritePrefixes(*writer);
+  if (m_form != nullptr && m_form->unknown != nullptr) m_form->unknown->GetAttributes()->WritePrefixes(*writer);
   // Does not create the collection if there is none: writing changes no context, because threads may share it.
   CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
   if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);
   AttributesToXml_Int(writer, ctx);
-  if (unknown != nullptr) WriteUnknownAttributes(*writer, *unknown, additional, ctx);
+  if (m_form != nullptr && m_form->unknown != nullptr) {
+    WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
+  }
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 

@@ -15,6 +15,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
+#include "values/rules_in_use.h"
 #include "xmlio/converted_text.h"
 #include "xmlio/node_access.h"
 
@@ -207,10 +208,17 @@ bool CFastInfosetReader::ReadTextElement(CXmlElement& parent, CXmlName const& na
   return true;
 }
 
+// An infoset has line feeds as line ends, so that its carriage returns are from references.
+void CFastInfosetReader::AppendText(CXmlElement* element, std::string_view text) {
+  std::string_view const shown = text.substr(0, text.find('\0'));
+  if (!RulesInUse::AreSchema()) return m_document.AppendTextExcludingCR(element, text.data(), text.size());
+  m_document.CountContent(shown.size());
+  XmlNodeAccess::AppendText(*element, shown);
+}
+
 void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t octet) {
   if ((octet & fi::kIndexBit3) != 0) {
-    std::string_view const text = m_chunks.At(m_source.Integer1To2pw20Bit4(octet)).GetView();
-    m_document.AppendTextExcludingCR(element, text.data(), text.size());
+    AppendText(element, m_chunks.At(m_source.Integer1To2pw20Bit4(octet)).GetView());
     return;
   }
   bool const addToTable = (octet & fi::kAddToTableBit3) != 0;
@@ -225,7 +233,7 @@ void CFastInfosetReader::ReadCharacterChunk(CXmlElement* element, std::uint32_t 
   }
   std::string text;
   Decode(source, text);
-  m_document.AppendTextExcludingCR(element, text.data(), text.size());
+  AppendText(element, text);
   if (addToTable && m_chunks.GetSize() < CFIVocabulary::kMaxEntries) m_chunks.AddOwned(std::move(text));
 }
 

@@ -98,6 +98,7 @@ class CFastInfosetReader {
   [[noreturn]] void ThrowNestedTooDeep() const;
   void ReadContent(CXmlElement* element, std::uint32_t octet);
   void ReadCharacterChunk(CXmlElement* element, std::uint32_t octet);
+  void AppendText(CXmlElement* element, std::string_view text);
   void NamespaceAttributes();
   void NamespaceAttributeBit7(std::uint32_t octet);
   void Attributes(CXmlElement* element);

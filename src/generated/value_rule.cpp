@@ -100,6 +100,19 @@ QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializati
 void ValueRule::CheckRead(QnVariant const& value, std::string_view text, CXmlSerializationContext const* ctx) const {
   if (m_fixed != nullptr && (ctx == nullptr || ctx->GetChecksFixedValuesOnReading())) CheckFixed(value);
   if (ctx != nullptr && ChecksFacets(*ctx)) CheckFacets(value, text);
+  if (ctx != nullptr && RulesInUse::AreSchema() && HasNames(m_type)) RequireNames(text);
+}
+
+// Other names are refused with the facets; the prefixes of these are replaced, and all that remains would be a name.
+void ValueRule::RequireNames(std::string_view text) const {
+  int count = 0;
+  bool areNames = true;
+  for (ListItems items(text); items.Next(); ++count) {
+    areNames = areNames && CSchemaValues::HasForm(items.Text(), SchemaForm::QName);
+  }
+  if (areNames && (m_item != nullptr || count == 1)) return;
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] is not a valid %s",
+                                                                           std::string(text).c_str(), "QName")));
 }
 
 bool ValueRule::ChecksFacets(CXmlSerializationContext const& ctx) {

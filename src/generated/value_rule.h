@@ -88,6 +88,7 @@ class ValueRule {
   void CheckParts(QnVariant const& value) const;
   void CheckList(QnVariant const& list) const;
   void RequireItems(std::string const& list) const;
+  void RequireNames(std::string_view text) const;
   bool Accepts(std::string const& text) const;
   bool IsAcceptedByMember(std::string const& text) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one

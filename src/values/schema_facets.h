@@ -42,8 +42,8 @@ class SchemaFacets {
   /// Fail unless \p value keeps to all facets. \p text is the text of a value that is not a string, in the document or
   /// from CSchemaValues::ToText(), with normalised white space; it is not used unless UsesText(). A value of another
   /// kind counts as the value of its text.
-  /// \throws CQnException "Invalid Value for %s [%s]", with \p name and the value; what CSchemaValues::FromText() throws
-  ///         for a bound and CSchemaPattern for the pattern, if they do not parse.
+  /// \throws CQnException "Invalid Value for %s [%s]", with \p name and the value; if a bound or the pattern does not
+  ///         parse, what CSchemaValues::FromText() or CSchemaPattern throws.
   void Check(char const* name, QnVariant const& value, std::string_view text) const {
     if (value.GetItemType() != m_type) return CheckOther(name, value);
     if (m_extent == Extent::Nothing) return;
@@ -58,9 +58,9 @@ class SchemaFacets {
     Check(name, value, ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule_Collapse, text, scratch));
   }
 
-  /// The text of \p value for a document: that of CSchemaValues::ToText(), or another one of the same value if only that
-  /// matches the pattern, such as "1.50" where there must be two digits after the point. Check() refuses the text if
-  /// there is none.
+  /// The text of \p value for a document: that of CSchemaValues::ToText(), or another one of the same value if only
+  /// that matches the pattern, such as "1.50" where there must be two digits after the point. Check() refuses the text
+  /// if there is none.
   /// \throws what CSchemaValues::ToText() and Check() throw.
   std::string TextOf(QnVariant const& value) const;
 

@@ -8,6 +8,7 @@
 #include "quillon9/base/limits.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_to_local.h"
+#include "values/rules_in_use.h"
 #include "xmlio/markup_scan.h"
 #include "xmlio/markup_skip.h"
 #include "xmlio/node_access.h"
@@ -258,10 +259,10 @@ void FastReader::AppendText(char const* start, char const* end) {
   XmlNodeAccess::AppendText(*m_document.GetOpenElement(), text);
 }
 
-/// Appends what does not stand in the input like this. A carriage return counts, but is left out.
+/// Appends what does not stand in the input like this. A carriage return counts, but is left out by the classic rules.
 void FastReader::AppendCharacter(std::string_view character) {
   m_document.CountContent(character.size());
-  if (character != "\r") XmlNodeAccess::AppendText(*m_document.GetOpenElement(), character);
+  if (character != "\r" || RulesInUse::AreSchema()) XmlNodeAccess::AppendText(*m_document.GetOpenElement(), character);
 }
 
 // ---- Tags

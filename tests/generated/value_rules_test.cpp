@@ -57,6 +57,22 @@ TEST(ValueRules, TextsComeBackAsTheyWere) {
   EXPECT_THROW(Written(std::string("a\0b", 3), schema), CQnException);
 }
 
+TEST(ValueRules, ReferencesToCarriageReturnsAreKept) {
+  CXmlSerializationContext const classic = Under(ValueRules_Classic);
+  CXmlSerializationContext const schema = Under(ValueRules_XmlSchema);
+  std::string const end = "<root><v>a&#13;\r\nb</v></root>";
+  for (std::string const start : {"", "<?xml version='1.0' encoding='ISO-8859-1'?>"}) {  // each has a reader of its own
+    Shape const shape = ShapeOf(ItemType_string, CWhitespaceUtils::WhitespaceRule_Preserve);
+    DynamicClass object(shape);
+    object.FromXml((start + end).c_str(), classic);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\nb");
+    object.FromXml((start + end).c_str(), schema);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\r\nb");
+    object.FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, schema), schema);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\r\nb");
+  }
+}
+
 TEST(ValueRules, ClassesByHandFollowTheContext) {
   struct Row {
     ItemType kind;
@@ -110,4 +126,17 @@ TEST(ValueRules, GeneratedClassesAskForThoseOfXmlSchema) {
   CXmlSerializationContext const unset;
   EXPECT_FALSE(unset.HasValueRules());
   EXPECT_EQ(unset.GetValueRules(), ValueRules_Classic);
+}
+
+TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {
+  auto const read = [](std::string const& name, std::string const& list) {
+    return Constructs::ReadRoot(
+        XmlText("<t:named xmlns:t='urn:t' all='" + list + "'><t:one>" + name + "</t:one></t:named>"));
+  };
+  EXPECT_NO_THROW(read(" t:a ", ""));
+  EXPECT_NO_THROW(read("a.1", " a  t:b "));
+  for (char const* const refused : {"", "1a", ":a", "t:", "t:a:b", "t:a b", "no:a"}) {
+    EXPECT_THROW(read(refused, ""), CQnException) << refused;
+  }
+  EXPECT_THROW(read("a", "a 1b"), CQnException);
 }

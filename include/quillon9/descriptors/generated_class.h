@@ -232,10 +232,13 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   INillable const* AsNillable(PlainClasses* plainClasses) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
-  void WriteWithUnknown(CXmlWriter* writer, CUnknownContent const& unknown, bool isNil,
-                        CXmlSerializationContext const& ctx, bool inChoice) const;
+  void WriteWithUnknown(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                        bool inChoice) const;
 
-  std::unique_ptr<ObjectForm> m_form;  // null where nothing is kept that the schema does not say
+  struct FormDeleter {  // apart, so that objects without a form are destroyed quickly
+    void operator()(ObjectForm* form) const noexcept;
+  };
+  std::unique_ptr<ObjectForm, FormDeleter> m_form;  // null where nothing is kept that the schema does not say
 };
 
 }  // namespace Quillon9

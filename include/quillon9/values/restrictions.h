@@ -60,6 +60,7 @@ class QUILLON9_API LazySchemaFacets {
   LazySchemaFacets(LazySchemaFacets const&) = delete;
   LazySchemaFacets& operator=(LazySchemaFacets const&) = delete;
 
+  /// The facets for values of the kind \p type.
   SchemaFacets const& Get(ItemType type, CPrimitiveRestrictions const& restrictions) const {
     SchemaFacets const* const made = m_made.load(std::memory_order_acquire);
     return made != nullptr ? *made : Make(type, restrictions);
