@@ -1,5 +1,6 @@
 #include "quillon9/generated/xml_source.h"
 
+#include <algorithm>
 #include <istream>
 #include <iterator>
 
@@ -13,6 +14,7 @@
 #include "quillon9/values/binary_data.h"
 #include "quillon9/xmlio/document.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
@@ -97,11 +99,20 @@ CSmartPtr<CXmlObjectBase> ReadRootElement(CXmlElement const& root, CRootRow cons
   throw;
 }
 
+// Parsing depends on them, and which class is read is known only after it. All classes of a schema have the same rules.
+ValueRules RulesOf(CRootRow const* roots, int count, CXmlSerializationContext const& ctx) {
+  CRootRow const* const typed =
+      std::find_if(roots, roots + count, [](CRootRow const& root) { return root.type != nullptr; });
+  if (ctx.HasValueRules() || typed == roots + count) return ctx.GetValueRules();
+  return typed->type->GetRow().valueRules;
+}
+
 }  // namespace
 
 CSmartPtr<CXmlObjectBase> ReadAnyRoot(CXmlSource const& source, CRootRow const* roots, int count,
                                       CXmlSerializationContext const& ctx) {
   Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
+  RulesInUse::Scope const rules(RulesOf(roots, count, ctx));
   std::string bytes;
   CXmlDocument document(ctx);
   DocumentPlaces places(document, InputForm::kBytes, source.GetPath());

@@ -73,6 +73,14 @@ TEST(ValueRules, ReferencesToCarriageReturnsAreKept) {
   }
 }
 
+TEST(ValueRules, DocumentsAreParsedByTheRulesOfTheirRoots) {
+  auto const document = XmlText("<named xmlns='urn:t'><one>x</one><said>a&#13;b</said></named>");
+  std::string const kept = Constructs::ReadRoot(document)->ToXml();
+  EXPECT_NE(kept.find(">a&#xD;b<"), kept.npos) << kept;
+  std::string const classic = Constructs::ReadRoot(document, Under(ValueRules_Classic))->ToXml();
+  EXPECT_NE(classic.find(">ab<"), classic.npos) << classic;
+}
+
 TEST(ValueRules, ClassesByHandFollowTheContext) {
   struct Row {
     ItemType kind;
