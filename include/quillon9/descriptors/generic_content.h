@@ -34,8 +34,11 @@ namespace detail {
 template <class Object>
 class SharedRecord {
  public:
+  /// A new object, or a copy of one, has no owner.
+  ///@{
   SharedRecord() = default;
   SharedRecord(SharedRecord const&) : SharedRecord() {}
+  ///@}
   SharedRecord& operator=(SharedRecord const&) = delete;
 
   /// Change the count; Release() deletes the object when the count reaches 0.
