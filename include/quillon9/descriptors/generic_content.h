@@ -34,20 +34,24 @@ namespace detail {
 template <class Object>
 class SharedRecord {
  public:
+<<<<<<< HEAD
   /// A new object, or a copy of one, has no owner.
   ///@{
+=======
+  /// A new object has no owner.
+>>>>>>> fin19
   SharedRecord() = default;
+  /// Neither has a copy of one.
   SharedRecord(SharedRecord const&) : SharedRecord() {}
   ///@}
   SharedRecord& operator=(SharedRecord const&) = delete;
 
-  /// Change the count; Release() deletes the object when the count reaches 0.
-  ///@{
+  /// One more owner.
   void AddRef() const { m_owners.fetch_add(1, std::memory_order_relaxed); }
+  /// One owner less; the last one deletes the object.
   void Release() const {
     if (m_owners.fetch_sub(1, std::memory_order_acq_rel) == 1) delete static_cast<Object const*>(this);
   }
-  ///@}
   /// Whether there is only one owner, which may then change the object.
   bool HasOneOwner() const { return m_owners.load(std::memory_order_acquire) == 1; }
 
@@ -60,26 +64,29 @@ class SharedRecord {
 
 /// Which namespaces elements or attributes may have.
 struct GenericRules : SharedRecord<GenericRules> {
+  /// Takes over the texts.
   GenericRules(std::string itsRestriction, std::string itsTarget)
       : restriction(std::move(itsRestriction)), target(std::move(itsTarget)) {}
 
-  std::string const restriction;
-  std::string const target;
+  std::string const restriction;  ///< as CXmlObjectHelper::IsNamespaceValid() takes it
+  std::string const target;       ///< the target namespace
 };
 
 /// What many elements of a document have in common, so that they hold it together: names and rules. Attributes and
 /// collections have one, too, of which they use a part.
 struct GenericNames : SharedRecord<GenericNames> {
+  /// Takes over the texts, and shares the rules.
   GenericNames(std::string itsName, std::string itsNamespace, CSmartPtr<GenericRules const> const& itsRules)
       : name(std::move(itsName)), ns(std::move(itsNamespace)), rules(itsRules), hadNoNamespace(ns.empty()) {}
 
-  std::string name;
-  std::string ns;
+  std::string name;                     ///< the local name
+  std::string ns;                       ///< the namespace
   CSmartPtr<GenericRules const> rules;  ///< null for an attribute
   std::string defaultNamespace;         ///< that the element declares; mostly none
   bool hadNoNamespace;                  ///< when the element was made
 };
 
+/// An owner of such a record.
 using GenericNamesPtr = CSmartPtr<GenericNames const>;
 
 }  // namespace detail
