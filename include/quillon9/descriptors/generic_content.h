@@ -34,16 +34,10 @@ namespace detail {
 template <class Object>
 class SharedRecord {
  public:
-<<<<<<< HEAD
-  /// A new object, or a copy of one, has no owner.
-  ///@{
-=======
   /// A new object has no owner.
->>>>>>> fin19
   SharedRecord() = default;
   /// Neither has a copy of one.
   SharedRecord(SharedRecord const&) : SharedRecord() {}
-  ///@}
   SharedRecord& operator=(SharedRecord const&) = delete;
 
   /// One more owner.
