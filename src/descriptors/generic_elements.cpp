@@ -167,9 +167,12 @@ void CElement::CopyXmlElement(CXmlElement const* element, CXmlSerializationConte
 
 // The declarations at the document element serve all elements below it.
 void CElement::KeepPrefixes(CXmlElement const& element) {
+  if (CAttributeCol* const attributes = m_attributes.Get()) attributes->m_prefixes.reset();
   CXmlDocument const* const document = element.GetDocument();
   if (document == nullptr || document->GetDocumentElement() != &element) return;
-  for (auto& [prefix, uri] : XmlNodeAccess::PrefixesOf(*document)) GetAttributes()->SetPrefix(prefix, std::move(uri));
+  for (auto& [prefix, uri] : XmlNodeAccess::PrefixesOf(*document)) {
+    if (!uri.empty()) GetAttributes()->SetPrefix(prefix, std::move(uri));  // an infoset may undeclare a prefix
+  }
 }
 
 void CElement::CopyWhole(CXmlElement const* element, bool keepsMixed) {

@@ -40,6 +40,28 @@ void LoadUnseen(CXmlDocument& document, std::string const& text) try {
   throw;
 }
 
+/// Shares bytes, so that nobody changes them during a read of this thread.
+class HeldBytes {
+ public:
+  explicit HeldBytes(CBinaryData const& bytes) : m_bytes(bytes), m_outer(std::exchange(t_innermost, this)) {}
+  ~HeldBytes() { t_innermost = m_outer; }
+  HeldBytes(HeldBytes const&) = delete;
+  HeldBytes& operator=(HeldBytes const&) = delete;
+
+  CBinaryData const& Get() const { return m_bytes; }
+  /// Whether they are these bytes.
+  static bool Are(unsigned char const* data, unsigned long length) {
+    return t_innermost != nullptr && data == t_innermost->m_bytes.GetData() &&
+           length == t_innermost->m_bytes.GetLength();
+  }
+
+ private:
+  static inline thread_local HeldBytes const* t_innermost = nullptr;
+
+  CBinaryData const m_bytes;
+  HeldBytes const* const m_outer;
+};
+
 /// \p load gets an empty document.
 template <class Load>
 void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, InputForm form, char const* file,
@@ -62,22 +84,25 @@ void CXmlObjectBase::FromXmlFile(char const* path, CXmlSerializationContext cons
 }
 
 void CXmlObjectBase::FromXml(char const* text, CXmlSerializationContext const& ctx) {
-  ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
-               [&](CXmlDocument& document) { XmlNodeAccess::LoadLentText(document, text); });
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
 }
 
 void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) {
   ReadDocument(*this, ctx, InputForm::kWideText, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
 }
 
+// Bytes of the caller are copied, because the read may change them: they may be part of the object. A place is looked
+// for in the input only after a failure.
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
-  ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
-               [&](CXmlDocument& document) { XmlNodeAccess::LoadLentStream(document, data, length); });
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr, [&](CXmlDocument& document) {
+    if (HeldBytes::Are(data, length)) return XmlNodeAccess::LoadLentStream(document, data, length);
+    document.LoadXmlStream(data, length);
+  });
 }
 
 void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationContext const& ctx) {
-  CBinaryData const held = data;  // it may be a member of this object
-  FromXmlStream(held.GetData(), held.GetLength(), ctx);
+  HeldBytes const held(data);
+  FromXmlStream(held.Get().GetData(), held.Get().GetLength(), ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {

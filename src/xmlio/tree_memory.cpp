@@ -86,7 +86,7 @@ CTreeMemory::~CTreeMemory() { DropNodes(); }
 
 void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   m_isAbandoned = true;
-  m_counting = nullptr;
+  m_document = m_counting = nullptr;
   if (m_detached == 0) {
     End();
   } else if (root != nullptr) {

@@ -115,6 +115,25 @@ TEST(Element, DeclaresKeptPrefixesOnlyOnce) {
   EXPECT_EQ("urn:example:299", again.GetElements()->Item(299)->GetNamespace());
 }
 
+TEST(Element, KeepsThePrefixesOfItsLastDocumentOnly) {
+  CXmlSerializationContext context;
+  context.SetKeepPrefixes(true);
+  CElement element("");
+  auto document = std::make_unique<CXmlDocument>();
+  document->LoadXml("<r xmlns:p='urn:p'/>");
+  element.CopyXmlElement(document->GetDocumentElement(), context);
+  unsigned char const undeclared[] = {0xE0, 0, 0, 1, 0, 0x38, 0xCE, 0, 'p', 0xF0, 0x3C, 0, 'r', 0xF0, 0xF0};
+  document->LoadXmlStream(undeclared, sizeof undeclared);
+  element.CopyXmlElement(document->GetDocumentElement(), context);
+  EXPECT_EQ("<r/>", Text(element));
+  document->LoadXml("<r xmlns:q='urn:q'><c/></r>");
+  CXmlElement* const child = document->GetDocumentElement()->RemoveLastChildElement();
+  document.reset();
+  element.CopyXmlElement(child, context);
+  EXPECT_EQ("<c/>", Text(element));
+  delete child;
+}
+
 TEST(Element, WithADefaultNamespaceIsWrittenApart) {
   CElement element("a", "urn:d");
   element.GetAttributes()->Add("lost", "1", "");

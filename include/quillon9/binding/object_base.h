@@ -124,13 +124,13 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   virtual void FromXmlFile(char const* path,
                            CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read a document from NUL-terminated text in the encoding that it declares (UTF-8 when it declares none,
-  /// whatever the local code page is). The text must exist until the read has ended.
+  /// whatever the local code page is).
   virtual void FromXml(char const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   /// Read a document from NUL-terminated wide text. Characters above U+FFFF are truncated to 16 bits.
   virtual void FromXml(wchar_t const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read a document from \p length bytes, which stay unchanged and must exist until the read has ended: XML text or
+  /// Read a document from \p length bytes, which stay unchanged: XML text or
   /// Fast Infoset, either of which may be compressed by gzip or zlib.
   /// \throws CQnException "XML Stream is empty!" when there are no bytes.
   virtual void FromXmlStream(unsigned char* data, unsigned long length,

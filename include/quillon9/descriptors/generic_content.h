@@ -94,7 +94,7 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   /// A new attribute with the same name, value and namespace.
   CSmartPtr<CAttribute> Clone() const;
 
-  /// The local name.
+  /// The local name. The reference is valid until this object changes or ends.
   ///@{
   std::string const& GetName() const { return m_names->name; }
   void SetName(std::string name);
@@ -298,7 +298,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
 
-  /// The local name.
+  /// The local name. The reference is valid until this object changes or ends.
   ///@{
   std::string const& GetName() const { return m_names->name; }
   void SetName(std::string name);
@@ -334,7 +334,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// Forget them. The children keep theirs.
   void DropMarkup() { m_markup.reset(); }
   /// The default namespace that this element declares when it is written; none when empty. An element that has one can
-  /// only be written as text, is written without its attributes, and does not pass the context on to its children.
+  /// only be written as text, is written without its attributes, and does not pass the context on to its children. The
+  /// reference is valid until this object changes or ends.
   ///@{
   std::string const& GetDefaultNamespace() const { return m_names->defaultNamespace; }
   void SetDefaultNamespace(std::string ns);
