@@ -65,8 +65,9 @@ class QUILLON9_API CLimits {
   /// Whether the library reads plain XML text by itself instead of by expat, which is several times as fast. Default
   /// true. Results and failures are the same in either case: expat reads everything that is not certainly well-formed.
   /// It always reads documents of 1 GiB or more, documents whose document type declaration has a part in brackets,
-  /// documents in an encoding other than UTF-8, those of a CXmlDocument with an ElementFilter or with SchemaType_DTD, and those with characters beyond
-  /// ASCII where the locale is not in UTF-8 and ASCIIOnly() is off. With false, it reads all text.
+  /// documents in an encoding other than UTF-8, those of a CXmlDocument with an ElementFilter or with SchemaType_DTD,
+  /// and those with characters beyond ASCII where the locale is not in UTF-8 and ASCIIOnly() is off. With false, it
+  /// reads all text.
   ///@{
   static bool GetUseFastReader();
   static void SetUseFastReader(bool use);

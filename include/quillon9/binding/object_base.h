@@ -130,8 +130,8 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// Read a document from NUL-terminated wide text. Characters above U+FFFF are truncated to 16 bits.
   virtual void FromXml(wchar_t const* text,
                        CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
-  /// Read a document from \p length bytes, which stay unchanged: XML text or
-  /// Fast Infoset, either of which may be compressed by gzip or zlib.
+  /// Read a document from \p length bytes, which stay unchanged: XML text or Fast Infoset, either of which may be
+  /// compressed by gzip or zlib.
   /// \throws CQnException "XML Stream is empty!" when there are no bytes.
   virtual void FromXmlStream(unsigned char* data, unsigned long length,
                              CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
