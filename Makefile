@@ -58,11 +58,12 @@ damage: deps     ## damage documents of SCHEMAS (of SETS, ten by default), and c
 	cmake --build --preset release --target quillon9 quillon9_program
 	tests/schemas/damage.py --schemas $(SCHEMAS) --build build/release --source . $(SETS)
 
-xsts: deps       ## count which schemas of the W3C test SUITE the generator accepts; EVERY=10 takes each tenth
+xsts: deps       ## count which schemas and values of the W3C test SUITE are judged right; EVERY=10 takes each tenth
 	cmake --preset release
-	cmake --build --preset release --target xsts_schemas
+	cmake --build --preset release --target xsts_schemas xsts_values
 	mkdir -p build/xsts && tar -xf $(SUITE) -C build/xsts
 	build/release/tests/generator/xsts_schemas build/xsts --generate --every $(EVERY)
+	build/release/tests/generator/xsts_values build/xsts --every $(EVERY)
 
 coverage: deps-all   ## report which lines of src/ the tests run
 	cmake --preset coverage

@@ -12,7 +12,7 @@ namespace {
 
 using namespace Quillon9;
 
-enum Options : unsigned { kKeepCdata = 1, kAscii = 2, kSmall = 4, kFlat = 8 };
+enum Options : unsigned { kKeepCdata = 1, kAscii = 2, kSmall = 4, kFlat = 8, kNoType = 16, kKeepMarkup = 32 };
 
 /// For a time, the locale in which only ASCII can be kept.
 class AsciiLocale {
@@ -38,8 +38,10 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   unsigned const options = input.Options();
   Fuzzing::LimitContent((options & kSmall) != 0 ? 1500 : 1u << 20);
   CLimits::SetMaxElementDepth((options & kFlat) != 0 ? 3 : 1000);
+  CLimits::SetAllowDocumentType((options & kNoType) == 0);
   CXmlSerializationContext context;
   context.SetStripCDATA((options & kKeepCdata) == 0);
+  context.SetKeepUnknown((options & kKeepMarkup) != 0);
   AsciiLocale const locale((options & kAscii) != 0);
   Testing::BothReaders const result = Testing::ReadByBoth(input.Rest(), context);
   Fuzzing::RequireEqual(result.difference, "", "both readers read the same");

@@ -5,6 +5,7 @@
 #include "fuzzing.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
+#include "values/schema_pattern_access.h"
 
 namespace {
 
@@ -42,6 +43,19 @@ void Match(std::string const& pattern, std::string const& value) {
   Require(TestRegEx(pattern, value) == matches, "a second try gives the same answer");
 }
 
+/// Requires that the expression of a schema means the same to PCRE and without it, and in a table.
+void MatchAsInSchema(std::string const& pattern, std::string const& value) {
+  try {
+    CSchemaPattern const compiled(pattern);
+    CSchemaPattern const table = SchemaPatternAccess::FromRestriction(CSchemaPattern::Combine({{pattern}}));
+    bool const matches = SchemaPatternAccess::MatchesWithoutPcre(compiled, value);
+    Require(compiled.Matches(value) == matches, "PCRE gives the same answer", pattern, value);
+    Require(table.Matches(value) == matches, "PCRE gives the same answer for a table", pattern, value);
+    Require(SchemaPatternAccess::MatchesWithoutPcre(table, value) == matches, "a table means the same", pattern, value);
+  } catch (CQnException const&) {
+  }
+}
+
 void Replace(std::string text, std::string const& search, std::string const& replacement) {
   std::string const before = text;
   try {
@@ -68,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
     return 0;
   }
   Match(pattern, value);
+  MatchAsInSchema(pattern, value);
   if ((options & kQuoted) != 0 && IsPrintable(value)) {
     Require(TestRegEx(Quoted(value), value), "a quoted text matches itself", value);
     Require(!TestRegEx(Quoted(value) + "x", value), "and nothing longer does", value);

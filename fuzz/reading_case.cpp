@@ -77,9 +77,10 @@ struct Outcome {
   std::string calls;
 };
 
-Outcome OutcomeOf(Case const& tried, std::string const& document, IFailureSink* sink) {
+Outcome OutcomeOf(Case const& tried, std::string const& document, IFailureSink* sink, bool keepsUnknown = false) {
   CXmlSerializationContext ctx = Testing::Ignoring(tried.ignoring);
   ctx.SetFailureSink(sink);
+  ctx.SetKeepUnknown(keepsUnknown);
   World world(tried.schema);
   CSmartPtr<CXmlGeneratedClass> const object = MakeRoot();
   std::string const failure = FailureOf([&] { object->FromXml(document.c_str(), ctx); });
@@ -92,6 +93,10 @@ void RunWithSinks(Case const& tried) {
   for (std::string const& document : tried.documents) {
     std::string const about = Describe(tried) + "in the document " + document + "\n";
     Outcome const without = OutcomeOf(tried, document, nullptr);
+    Outcome const kept = OutcomeOf(tried, document, nullptr, true);
+    Fuzzing::RequireEqual(kept.failure, without.failure, (about + "the failure of a read that keeps all").c_str());
+    Fuzzing::RequireEqual(kept.values, without.values, (about + "the values of a read that keeps all").c_str());
+    Fuzzing::RequireEqual(kept.calls, without.calls, (about + "the calls of a read that keeps all").c_str());
     Sink stopping(false);
     Outcome const stopped = OutcomeOf(tried, document, &stopping);
     Fuzzing::RequireEqual(stopped.failure, without.failure, (about + "the failure of a read that was stopped").c_str());

@@ -12,7 +12,7 @@ foreach(source IN LISTS fuzzer_sources)
 endforeach()
 
 # The random searches. They need no fuzzer, and try a few cases in every test run.
-foreach(topic IN ITEMS reading checking)
+foreach(topic IN ITEMS reading checking pattern)
   add_executable(${topic}_random ${CMAKE_CURRENT_LIST_DIR}/${topic}_random.cpp ${${topic}_sources})
   target_include_directories(${topic}_random PRIVATE ${PROJECT_SOURCE_DIR}/tests/support)
   target_link_libraries(${topic}_random PRIVATE quillon9_internal)

@@ -9,7 +9,7 @@
 //   --table      also write the tables at the end as JSON, to this file
 //
 // Names are operation/size/layout/locale, such as "read/10MB/compact/posix", for --benchmark_filter. What uses generated
-// classes has "/generated" at the end.
+// classes or generic content has "/generated" or "/generic" at the end.
 
 #include <benchmark/benchmark.h>
 #include <expat.h>
@@ -61,7 +61,7 @@ struct Shape {
 
 constexpr Operation const* kBound[] = {&kLoadTree, &kReadObjects, &kWriteObjects, &kReadInfoset, &kWriteInfoset};
 
-constexpr Classes const* kClasses[] = {&kByHand, &kGenerated};
+constexpr Classes const* kClasses[] = {&kByHand, &kGenerated, &kGeneric};
 
 /// The operations that use no classes have one name for all.
 std::string Name(Operation const& operation, Shape shape, Setting const* setting, Classes const& classes) {

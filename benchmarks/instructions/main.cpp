@@ -4,7 +4,7 @@
 //   orders_rounds OPERATION CLASSES SETTING LAYOUT ROUNDS
 //
 //   OPERATION  expat, tree, read, write, finf_read or finf_write
-//   CLASSES    hand or generated; expat and tree use none
+//   CLASSES    hand, generated or generic; expat and tree use none
 //   SETTING    posix or utf8
 //   LAYOUT     compact or indented
 //
@@ -29,6 +29,11 @@ Operation const* FindOperation(char const* name) {
   return nullptr;
 }
 
+Classes const& FindClasses(char const* name) {
+  if (std::strcmp(name, "generated") == 0) return kGenerated;
+  return std::strcmp(name, "generic") == 0 ? kGeneric : kByHand;
+}
+
 bool SelectSetting(char const* name) {
   bool const isPosix = std::strcmp(name, "posix") == 0;
   Quillon9::ASCIIOnly(isPosix);
@@ -40,12 +45,11 @@ bool SelectSetting(char const* name) {
 int main(int argc, char** argv) {
   Operation const* const operation = argc == 6 ? FindOperation(argv[1]) : nullptr;
   if (operation == nullptr || !SelectSetting(argv[3])) {
-    std::fprintf(stderr, "usage: %s OPERATION hand|generated posix|utf8 compact|indented ROUNDS\n", argv[0]);
+    std::fprintf(stderr, "usage: %s OPERATION hand|generated|generic posix|utf8 compact|indented ROUNDS\n", argv[0]);
     return 2;
   }
   try {
-    bool const isGenerated = std::strcmp(argv[2], "generated") == 0;
-    Workload load(1000000, std::strcmp(argv[4], "indented") == 0, isGenerated ? kGenerated : kByHand);
+    Workload load(1000000, std::strcmp(argv[4], "indented") == 0, FindClasses(argv[2]));
     if (operation->needsInfoset) load.WriteInfoset();
     if (operation->writes) load.ReadObjects();
     for (long round = std::strtol(argv[5], nullptr, 10); round > 0; --round) operation->run(load);

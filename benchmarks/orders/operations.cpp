@@ -89,26 +89,37 @@ std::size_t RunTree(Workload& load) {
 }
 
 /// Calls \p visit for each child of \p parent with this name.
+///@{
 template <class Visit>
-void ForEachChild(CXmlElement const& parent, std::string_view name, Visit visit) {
-  for (auto const* child = parent.GetFirstElement(); child != nullptr; child = child->GetNextSiblingElement()) {
-    if (child->GetLocalName() == name && child->GetNamespaceURI() == kNamespace) visit(*child);
+void ForEachChild(CXmlElement const& parent, std::string const& name, Visit visit) {
+  for (CXmlElement const& child : parent.Children(name, kNamespace)) visit(child);
+}
+template <class Visit>
+void ForEachChild(CElement const& parent, std::string_view name, Visit visit) {
+  for (CElement const& child : *parent.GetElements()) {
+    if (child.GetName() == name && child.GetNamespace() == kNamespace) visit(child);
   }
+}
+///@}
+
+template <class Element>
+Sums SumUpElements(Element const& orders) {
+  Sums sums;
+  ForEachChild(orders, "order", [&](Element const& order) {
+    ++sums.orders;
+    ForEachChild(order, "item", [&](Element const& item) {
+      ++sums.items;
+      ForEachChild(item, "quantity", [&](Element const& field) { sums.quantity += std::stoull(field.GetText()); });
+      ForEachChild(item, "price", [&](Element const& field) { sums.priceE4 += PriceE4(field.GetText()); });
+    });
+  });
+  return sums;
 }
 
 Sums ProveTree(Workload& load) {
   CXmlDocument tree;
   Load(tree, load.document.text);
-  Sums sums;
-  ForEachChild(*tree.GetDocumentElement(), "order", [&](CXmlElement const& order) {
-    ++sums.orders;
-    ForEachChild(order, "item", [&](CXmlElement const& item) {
-      ++sums.items;
-      ForEachChild(item, "quantity", [&](CXmlElement const& field) { sums.quantity += std::stoull(field.GetText()); });
-      ForEachChild(item, "price", [&](CXmlElement const& field) { sums.priceE4 += PriceE4(field.GetText()); });
-    });
-  });
-  return sums;
+  return SumUpElements(*tree.GetDocumentElement());
 }
 
 // ---- Objects
@@ -133,6 +144,20 @@ CSmartPtr<CXmlObjectBase> ReadInfosetGenerated(CBinaryData const& infoset) {
   return GeneratedOrders::ReadOrders(infoset).Get();
 }
 
+CSmartPtr<CXmlObjectBase> ReadTextGeneric(std::string& text) {
+  CSmartPtr<CElement> const orders(new CElement(""));
+  orders->FromXml(text.c_str());
+  return orders.Get();
+}
+
+CSmartPtr<CXmlObjectBase> ReadInfosetGeneric(CBinaryData const& infoset) {
+  CXmlDocument tree;
+  tree.LoadXmlStream(infoset.GetData(), infoset.GetLength());
+  CSmartPtr<CElement> const orders(new CElement(""));
+  orders->CopyXmlElement(tree.GetDocumentElement());
+  return orders.Get();
+}
+
 CItemCol const& ItemsOf(COrder const& order) { return *order.GetItem(); }
 Quillon9::CObjectCol<GeneratedOrders::CItemType> const& ItemsOf(GeneratedOrders::COrderType const& order) {
   return order.GetItem();
@@ -153,6 +178,8 @@ Sums SumUpOrders(Orders const& allOrders) {
 }
 
 Sums SumUpByHand(CXmlObjectBase const& orders) { return SumUpOrders(*dynamic_cast<COrders const&>(orders).GetOrder()); }
+
+Sums SumUpGeneric(CXmlObjectBase const& orders) { return SumUpElements(dynamic_cast<CElement const&>(orders)); }
 
 Sums SumUpGenerated(CXmlObjectBase const& orders) {
   return SumUpOrders(dynamic_cast<GeneratedOrders::COrders const&>(orders).GetOrder());
@@ -238,6 +265,7 @@ void Workload::ReadObjects() { objects = classes->readText(document.text); }
 
 Classes const kByHand = {"by hand", ReadTextByHand, ReadInfosetByHand, SumUpByHand};
 Classes const kGenerated = {"generated", ReadTextGenerated, ReadInfosetGenerated, SumUpGenerated};
+Classes const kGeneric = {"generic", ReadTextGeneric, ReadInfosetGeneric, SumUpGeneric};
 
 Operation const kRawExpat = {"expat", false, false, false, RunExpat, ProveExpat};
 Operation const kLoadTree = {"tree", false, false, false, RunTree, ProveTree};

@@ -21,6 +21,8 @@ struct Classes {
 extern Classes const kByHand;
 /// Those that `quillon9 generate` makes of orders.xsd, read by the functions that it makes for the document element.
 extern Classes const kGenerated;
+/// No classes: the document is a CElement.
+extern Classes const kGeneric;
 
 /// A document and, where an operation writes, the objects that were read from it.
 struct Workload {

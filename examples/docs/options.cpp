@@ -70,6 +70,26 @@ void Lenient() {
   // [lenient]
 }
 
+void Keep() {
+  std::cout << "[keep]\n";
+  // [keep]
+  char const* const text =
+      "<note xmlns='urn:example:note' version='2'><title>Milk</title><!--or cream--><due>today</due></note>";
+  CXmlSerializationContext ctx;
+  ctx.SetIgnoreUnknownAttributes(true);  // for the attribute version
+  ctx.SetIgnoreUnknownElements(true);    // for the element due
+  ctx.SetKeepUnknown(true);
+  CNote note;
+  note.FromXml(text, ctx);
+  note.m_title = "Cream";
+  ctx.SetDefaultNamespaceURI("urn:example:note");
+  std::cout << note.ToXml(false, true, EOLType_LF, ctx);
+  for (CUnknownItem const& item : note.GetUnknownContent()->GetItems()) {
+    std::cout << (item.element ? item.element->GetName() : item.text) << '\n';
+  }
+  // [keep]
+}
+
 void Root() {
   std::cout << "[root]\n";
   // [root]
@@ -91,5 +111,6 @@ void Root() {
 
 int main() {
   Lenient();
+  Keep();
   Root();
 }

@@ -211,7 +211,7 @@ void PrintChain(CQnException const& failure) {
 
 /// Return whether a point beyond the pole is refused, as it should be.
 bool ShowFailure() {
-  std::printf("Failures\n--------\nA latitude of 91 degrees, when it is written:\n");
+  std::printf("Failures\n--------\nA latitude of 91 degrees:\n");
   try {
     Read([](CXmlDocument& document) {
       document.LoadXml(

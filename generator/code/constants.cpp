@@ -147,20 +147,31 @@ std::string Constants::Parts(Plan::ValueType const& type, std::string const& nam
   return '&' + entry->second;
 }
 
+namespace {
+
+std::string FormText(Quillon9::SchemaForm form) {
+  static constexpr char const* kNames[] = {"Any", "Language", "NMToken", "Name", "NCName", "AnyURI", "QName"};
+  return std::string("SchemaForm::") + kNames[static_cast<int>(form)];
+}
+
+}  // namespace
+
 std::string Constants::ValueType(Plan::ValueType const& type, std::string const& hint) {
   std::string const name = TypeName(type, hint);
   std::string const facets = type.facets.Empty() ? "nullptr" : '&' + Facets(type.facets, "k" + name + "Facets");
   std::string const texts = type.enumeration != nullptr ? '&' + Texts(*type.enumeration) : "nullptr";
   std::string const parts = Parts(type, name);
-  auto const [entry, added] = m_types.emplace(
-      std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets, type.enumeration, parts),
-      "");
+  auto const [entry, added] =
+      m_types.emplace(std::make_tuple(static_cast<int>(type.kind), static_cast<int>(type.whiteSpace), facets,
+                                      type.enumeration, parts, static_cast<int>(type.form)),
+                      "");
   if (!added) return entry->second;
   static constexpr char const* kRules[] = {"kPreserve", "kReplace", "kCollapse"};
   entry->second = Unique("k" + name);
-  std::string const list = WithoutDefaults(
-      {"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts, parts},
-      {"", "kCollapse", "nullptr", "nullptr", "nullptr"});
+  std::string const list =
+      WithoutDefaults({"Quillon9::" + KindName(type.kind), kRules[static_cast<int>(type.whiteSpace)], facets, texts,
+                       parts, FormText(type.form)},
+                      {"", "kCollapse", "nullptr", "nullptr", "nullptr", "SchemaForm::Any"});
   m_typeLines.push_back("constexpr ValueType " + entry->second + "{" + list + "};");
   return entry->second;
 }

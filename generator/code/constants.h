@@ -75,7 +75,7 @@ class Constants {
   std::map<std::tuple<std::string, std::string>, std::string> m_rules;
   std::map<Plan::Enumeration const*, std::string> m_texts;
   std::map<FacetKey, std::string> m_facets;
-  std::map<std::tuple<int, int, std::string, Plan::Enumeration const*, std::string>, std::string> m_types;
+  std::map<std::tuple<int, int, std::string, Plan::Enumeration const*, std::string, int>, std::string> m_types;
   std::map<std::vector<std::string>, std::string> m_parts;
   std::map<std::string, std::string> m_valueElements;  ///< by the arguments of their rows
   std::vector<std::string> m_uriLines, m_ruleLines;

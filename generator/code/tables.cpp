@@ -187,10 +187,13 @@ std::string PrintRows(Text& text, Plan::Class const& cls, Constants& constants) 
                                            cls.replacesElements ? "true" : "false",
                                            cls.replacesAttributes ? "true" : "false",
                                            cls.derivation != 0 ? BlockText(cls.derivation) : "0",
-                                           cls.block != 0 ? BlockText(cls.block) : "0"};
+                                           cls.block != 0 ? BlockText(cls.block) : "0",
+                                           "nullptr",
+                                           "nullptr",
+                                           cls.classicValues ? "Quillon9::ValueRules_Classic" : ""};
   static std::vector<std::string> const kDefaults = {
-      "\"\"", "\"\"",    "\"\"",  "nullptr", "nullptr", "0", "nullptr", "0",     "0", "0",
-      "-1",   "nullptr", "false", "true",    "nullptr", "0", "false",   "false", "0", "0"};
+      "\"\"",  "\"\"", "\"\"",    "nullptr", "nullptr", "0",     "nullptr", "0", "0",       "0",       "-1", "nullptr",
+      "false", "true", "nullptr", "0",       "false",   "false", "0",       "0", "nullptr", "nullptr", ""};
   std::size_t count = fields.size();
   while (count != 0 && fields[count - 1] == kDefaults[count - 1]) --count;
   std::string const name = constants.Unique(stem + "Class");

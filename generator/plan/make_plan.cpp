@@ -84,7 +84,7 @@ bool ValueType::IsHeldLike(ValueType const& other) const {
 }
 
 bool ValueType::HasSameRules(ValueType const& other) const {
-  return IsHeldLike(other) && isIdentifier == other.isIdentifier && facets == other.facets &&
+  return IsHeldLike(other) && isIdentifier == other.isIdentifier && form == other.form && facets == other.facets &&
          whiteSpace == other.whiteSpace && values == other.values &&
          (item == nullptr || item->HasSameRules(*other.item)) &&
          std::equal(members.begin(), members.end(), other.members.begin(), other.members.end(),
@@ -96,6 +96,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   CheckOptions(set, options, diagnostics);
   Selection const selection = options.roots.empty() ? SelectAll(set) : SelectReachable(set, options.roots, diagnostics);
   ClassBuilder(selection, options, plan, diagnostics).Build();
+  for (auto const& cls : plan.classStorage) cls->classicValues = options.classicValues;
   for (std::string const* file : set.files) plan.schemaFiles.push_back(WithoutFolder(*file));
   if (plan.schemaFiles.empty()) plan.schemaFiles = set.targetNamespaces;  // the program brings them
   OrderClasses(plan);

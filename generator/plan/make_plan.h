@@ -26,6 +26,8 @@ struct PlanOptions {
   /// The global elements that documents begin with: "{namespace}name", or "name" if only one has it. There are classes
   /// for what these may contain; for all of the set if there is none.
   std::vector<std::string> roots;
+  /// Whether the classes use the classic rules of values where the context does not say.
+  bool classicValues = false;
 };
 
 /// The kind of value that a user names: "string", "i4", "datetime" and so on, as in ItemType. Nothing for a text that

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "quillon9/values/item_type.h"
+#include "quillon9/values/schema_form.h"
 #include "schema/components.h"
 
 /// Which classes there will be for a set of schemas: a value of its own, from which C++ text (or anything else) is
@@ -53,8 +54,9 @@ struct ValueType {
   std::vector<std::string> values;           ///< all values, where they are no enumerators; empty for no limit
   bool isQualifiedName = false;              ///< QName or NOTATION, held as CQName; kind is ItemType_string then
   bool isIdentifier = false;                 ///< xs:ID
-  std::string remark;                        ///< for comments: a sentence about what is not a facet; or empty
-  std::string schemaName;                    ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
+  Quillon9::SchemaForm form = Quillon9::SchemaForm::Any;  ///< of texts, by the rules of XML Schema
+  std::string remark;      ///< for comments: a sentence about what is not a facet; or empty
+  std::string schemaName;  ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
 
   /// What one C++ value holds: an item of a list, or the value.
   ValueType const& Single() const { return item != nullptr ? *item : *this; }
@@ -170,9 +172,10 @@ struct Class {
   Class const* base = nullptr;
   Class const* owner = nullptr;  ///< the class that it is nested in
   bool abstract = false;
-  unsigned derivation = 0;  ///< how it is derived from its base, of Schema::Derivations, if anything blocks that
-  unsigned block = 0;       ///< Schema::Derivations that an xsi:type must not use where this type is declared
-  bool round = false;       ///< has no tag
+  unsigned derivation = 0;     ///< how it is derived from its base, of Schema::Derivations, if anything blocks that
+  unsigned block = 0;          ///< Schema::Derivations that an xsi:type must not use where this type is declared
+  bool round = false;          ///< has no tag
+  bool classicValues = false;  ///< uses the classic rules of values where the context does not say
   bool nillable = false;
   bool mixed = false;
   bool rejectUnknownAttributes = true;

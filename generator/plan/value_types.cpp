@@ -8,7 +8,7 @@
 #include "plan/check_values.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/pattern.h"
-#include "schema/patterns.h"
+#include "quillon9/values/schema_pattern.h"
 
 namespace Quillon9Generator::Plan {
 
@@ -181,9 +181,29 @@ std::vector<std::vector<std::string>> PatternsOfUser(SimpleType const& type) {
   return {all.begin() + own, all.end()};
 }
 
+// ---- Forms
+
+SchemaForm FormOf(BuiltIn type) {
+  switch (type) {
+    case BuiltIn::Language: return SchemaForm::Language;
+    case BuiltIn::NMToken: return SchemaForm::NMToken;
+    case BuiltIn::Name: return SchemaForm::Name;
+    case BuiltIn::NCName:
+    case BuiltIn::ID:
+    case BuiltIn::IDRef:
+    case BuiltIn::Entity: return SchemaForm::NCName;
+    case BuiltIn::AnyURI: return SchemaForm::AnyURI;
+    case BuiltIn::QName:
+    case BuiltIn::Notation: return SchemaForm::QName;
+    default: return SchemaForm::Any;
+  }
+}
+
 // ---- Unions
 
-bool AcceptsAnything(ValueType const& value) { return !value.HasChecks() && value.item == nullptr; }
+bool AcceptsAnything(ValueType const& value) {
+  return !value.HasChecks() && value.item == nullptr && value.form == SchemaForm::Any;
+}
 
 // The kind that holds the values of all members; text if there is none.
 ItemType CommonKind(std::vector<ValueType> const& members) {
@@ -298,14 +318,15 @@ ItemType const* ValueTypes::MappedKind(SimpleType const& type) const {
 }
 
 void ValueTypes::SetPattern(SimpleType const& type, Facets& facets) {
-  std::optional<std::string> const pattern = Schema::CombinePatterns(PatternsOfUser(type));
   char const* cause = "it is no regular expression of XML Schema";
   try {
-    if (pattern && !pattern->empty()) TestRegEx(*pattern, "");
-    if (pattern) facets.pattern = *pattern;
-    if (pattern) return;
-  } catch (CQnException const&) {
+    std::string pattern = CSchemaPattern::Combine(PatternsOfUser(type));
     cause = "it is too large";
+    if (!pattern.empty()) TestRegEx(pattern, "");
+    facets.pattern = std::move(pattern);
+    return;
+  } catch (CQnException const&) {
+    // a pattern that is none has been reported as an error of its schema
   }
   m_diagnostics.Warning(type.place,
                         (type.IsAnonymous() ? "the pattern" : "the pattern of \"" + type.name.local + "\"") +
@@ -346,7 +367,8 @@ void ValueTypes::WarnOfUnchecked(SimpleType const& type, ValueType const& value)
       own.length == base.length && own.minLength == base.minLength && own.maxLength == base.maxLength;
   if (hasLengths && !keepsLengths && !isInherited) note("length");
   bool const hasPattern = own.patterns.size() > base.patterns.size();
-  if (hasPattern && (value.kind != ItemType_string || value.isQualifiedName)) note("pattern");
+  bool const ignoresPattern = value.isQualifiedName || (m_options.classicValues && value.kind != ItemType_string);
+  if (hasPattern && ignoresPattern) note("pattern");
   if (names.empty()) return;
   m_diagnostics.Warning(type.place, (type.IsAnonymous() ? "a facet" : "a facet of \"" + type.name.local + "\"") +
                                         " is not checked: " + names);
@@ -369,9 +391,11 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
     value.kind = ItemType_i4;
     return value;
   }
+  if (isAtomic && mapped == nullptr && !value.isQualifiedName) value.form = FormOf(type.ancestor);
   if (mapped == nullptr && type.variety == Schema::Variety::List) SetItem(type, use, value);
   if (mapped == nullptr && type.variety == Schema::Variety::Union) SetMembers(type, value);
-  if (value.kind == ItemType_string && !isName && !type.facets.patterns.empty()) SetPattern(type, value.facets);
+  bool const hasOwnText = value.kind == ItemType_string || mapped == nullptr;
+  if (hasOwnText && !isName && !type.facets.patterns.empty()) SetPattern(type, value.facets);
   bool const hasBytes = value.kind == ItemType_hexBinary || value.kind == ItemType_base64Binary;
   bool const isTextOrAddress = IsText(type) || (isAtomic && type.ancestor == BuiltIn::AnyURI);
   bool const hasItems = value.item != nullptr && type.builtIn == BuiltIn::None;

@@ -2,9 +2,9 @@
 #include <cstdlib>
 #include <set>
 
+#include "quillon9/values/schema_pattern.h"
 #include "schema/builder.h"
 #include "schema/facet_rules.h"
-#include "schema/patterns.h"
 #include "schema/simple_values.h"
 #include "schema/values.h"
 
@@ -85,7 +85,7 @@ void Builder::ApplyFacets(SimpleType& type, Document const& document, Node const
 
 void Builder::CheckPatternOf(Node const& facet) {
   std::string_view const pattern = *facet.Find("value");
-  PatternFaults const faults = CheckPattern(pattern);
+  Quillon9::CSchemaPattern::Faults const faults = Quillon9::CSchemaPattern::Check(pattern);
   std::string const start = "the pattern \"" + std::string(pattern) + "\" is no regular expression of XML Schema: ";
   if (!faults.error.empty()) return m_diagnostics.Error(facet.place, start + faults.error);
   if (!faults.warning.empty()) m_diagnostics.Warning(facet.place, start + faults.warning);

@@ -44,6 +44,8 @@ class CNode;
 class CObjectCollection;
 class CPropertyRef;
 class CPrimitiveRestrictions;
+class CSchemaPattern;
+class CSchemaValues;
 class CQnException;
 class CQnInvalidNamespaceException;
 class CQnInvalidParamException;
@@ -55,6 +57,7 @@ class CQnValidationException;
 class CQnZip;
 class CStringBuffer;
 class CTextStream;
+class CUnknownContent;
 class CWhitespaceUtils;
 class CXmlAttribute;
 class CXmlCollection;
@@ -74,6 +77,8 @@ class IEventSink;
 class IFailureSink;
 class INillable;
 class QnVariant;
+struct CMarkup;
+struct CUnknownItem;
 template <class Enum>
 class CEnumCol;
 template <class Base>

@@ -61,6 +61,7 @@ inline constexpr FastPath kElementAtOnce{"element_at_once"};
 inline constexpr FastPath kFacetFilter{"facet_filter"};
 inline constexpr FastPath kFastReader{"fast_reader"};
 inline constexpr FastPath kFollowers{"followers"};
+inline constexpr FastPath kGenericNames{"generic_names"};
 inline constexpr FastPath kInfosetNames{"infoset_names"};
 inline constexpr FastPath kKnownMember{"known_member"};
 inline constexpr FastPath kKnownNames{"known_names"};
@@ -73,5 +74,7 @@ inline constexpr FastPath kRememberedComparison{"remembered_comparison"};
 inline constexpr FastPath kRememberedNumber{"remembered_number"};
 inline constexpr FastPath kRememberedValue{"remembered_value"};
 inline constexpr FastPath kSpareContexts{"spare_contexts"};
+inline constexpr FastPath kSpareTables{"spare_tables"};
+inline constexpr FastPath kTreeNames{"tree_names"};
 
 }  // namespace Quillon9

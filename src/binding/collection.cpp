@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "base/failure_detail.h"
@@ -16,10 +17,21 @@
 
 namespace Quillon9 {
 
+namespace {
+
+std::unique_ptr<char[]> CopyOrNull(std::string_view text) {
+  if (text.empty()) return nullptr;
+  auto copy = std::make_unique<char[]>(text.size() + 1);
+  text.copy(copy.get(), text.size());
+  return copy;
+}
+
+}  // namespace
+
 CXmlCollectionBase::CXmlCollectionBase() = default;
 
 CXmlCollectionBase::CXmlCollectionBase(char const* name, char const* ns, int minOccurs, int maxOccurs)
-    : m_namespace(OrEmpty(ns)), m_minOccurs(minOccurs), m_maxOccurs(maxOccurs) {
+    : m_minOccurs(minOccurs), m_maxOccurs(maxOccurs), m_namespace(CopyOrNull(OrEmpty(ns))) {
   SetElementName(name);
 }
 
@@ -32,7 +44,7 @@ std::string CXmlCollectionBase::GetTargetNamespace() const {
       "CXmlCollectionBase::GetTargetNamespace Should not be used from within a Collection (program logic error)");
 }
 
-std::string CXmlCollectionBase::GetNamespace() const { return m_namespace; }
+std::string CXmlCollectionBase::GetNamespace() const { return OrEmpty(m_namespace.get()); }
 
 namespace {
 
@@ -75,24 +87,28 @@ bool CXmlCollectionBase::IsValidCount(CXmlSerializationContext const& ctx) const
   return count >= m_minOccurs;
 }
 
-void CXmlCollectionBase::AddEventListener(IEventSink* sink) { m_listeners.push_back(sink); }
+void CXmlCollectionBase::AddEventListener(IEventSink* sink) {
+  if (m_listeners == nullptr) m_listeners = std::make_unique<std::vector<IEventSink*>>();
+  m_listeners->push_back(sink);
+}
 
 void CXmlCollectionBase::RemoveEventListener(IEventSink* sink) {
-  m_listeners.erase(std::remove(m_listeners.begin(), m_listeners.end(), sink), m_listeners.end());
+  if (m_listeners == nullptr) return;
+  m_listeners->erase(std::remove(m_listeners->begin(), m_listeners->end(), sink), m_listeners->end());
 }
 
 template <class Fire>
 [[gnu::always_inline]] inline void CXmlCollectionBase::ForEachListener(Fire fire) {
-  if (!m_listeners.empty()) TellListeners(fire);  // few collections have any, and every item fires three events
+  if (HasListeners()) TellListeners(fire);  // few collections have any, and every item fires three events
 }
 
 // Iterates over a copy, since a listener may add or remove listeners during the call; removed ones are skipped.
 template <class Fire>
 void CXmlCollectionBase::TellListeners(Fire fire) {
   DeferredRelease::Pause const pause;
-  std::vector<IEventSink*> const listeners = m_listeners;
+  std::vector<IEventSink*> const listeners = *m_listeners;
   for (IEventSink* const sink : listeners) {
-    if (std::find(m_listeners.begin(), m_listeners.end(), sink) != m_listeners.end()) fire(sink);
+    if (std::find(m_listeners->begin(), m_listeners->end(), sink) != m_listeners->end()) fire(sink);
   }
 }
 
@@ -138,13 +154,14 @@ CXmlCollection::CXmlCollection(char const* name, char const* ns, int minOccurs, 
 CXmlCollection::~CXmlCollection() {
   for (long long rounds = m_count + 1000LL; m_head != nullptr; --rounds) {
     if (rounds == 0) RemoveAllListeners();  // a listener that adds without end must not keep this object alive
-    std::uint64_t const removals = m_removals;
+    std::uint32_t const removals = m_removals;
     try {
       RemoveNode(m_head);
     } catch (...) {  // a listener's failure must not end the process, and the item must still go
       if (m_removals == removals) Unlink(m_head);
     }
   }
+  NodePool::DropUnused(m_nodes);
 }
 
 void CXmlCollection::Clear() {
@@ -236,16 +253,17 @@ void CXmlCollection::RemoveNode(CNode* node) { RemoveNode(node, -1); }
 
 // Removes the node at index, or at an unknown place for -1.
 void CXmlCollection::RemoveNode(CNode* node, int index) {
-  std::uint64_t const removals = m_removals;
+  std::uint32_t const removals = m_removals;
   if (HasListeners()) AnnounceRemoval(node);
   Unlink(node, m_removals == removals ? index : -1);  // a listener that removed other items has moved it
+  if (!HasListeners()) return;
   FireOnCollectionRemoveComplete(-1);
   FireOnCollectionChange();
 }
 
 void CXmlCollection::AnnounceRemoval(CNode const* node) {
   NodePool::Pause const pause(m_nodes);
-  std::uint64_t const removals = m_removals;
+  std::uint32_t const removals = m_removals;
   FireOnCollectionRemove(-1);
   if (m_removals != removals && !HoldsNode(node)) {  // a listener has already removed it
     throw CQnInvalidParamException("The object was not found in the collection");
@@ -262,6 +280,7 @@ void CXmlCollection::FinishAdd(CNode* next, CXmlObjectBase* item) {
   (node->m_prev != nullptr ? node->m_prev->m_next : m_head) = node;
   (next != nullptr ? next->m_prev : m_tail) = node;
   ++m_count;
+  if (!HasListeners()) return;
   FireOnCollectionAddComplete(item);
   FireOnCollectionChange();
 }

@@ -2,6 +2,7 @@
 
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -15,5 +16,10 @@ CXmlDocument::CXmlDocument(ElementFilter filter, CXmlSerializationContext const&
     : m_schemaType(context.GetSchemaType()), m_filter(filter), m_context(context) {}
 
 bool CXmlDocument::StripsCDATA() const { return m_context.GetStripCDATA(); }
+
+// A filter may remove the elements by which the place of a comment is known.
+bool XmlNodeAccess::KeepsMarkup(CXmlDocument const& document) {
+  return document.m_context.GetKeepUnknown() && document.m_filter == nullptr;
+}
 
 }  // namespace Quillon9

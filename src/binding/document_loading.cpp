@@ -19,11 +19,13 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/compressed_header.h"
 #include "xmlio/expat_reader.h"
 #include "xmlio/expat_version.h"
 #include "xmlio/fast_reader.h"
 #include "xmlio/fast_reader_mode.h"
+#include "xmlio/node_access.h"
 #include "xmlio/tree_comparison.h"
 
 namespace Quillon9 {
@@ -145,6 +147,22 @@ void CXmlDocument::LoadXmlStream(unsigned char const* data, unsigned long size) 
   Parse();
 }
 
+void XmlNodeAccess::LoadLentText(CXmlDocument& document, char const* text) {
+  document.Cleanup();
+  std::size_t const size = LengthOrThrow(text);
+  ThrowIfTooLarge(size);
+  LendInput(document, reinterpret_cast<unsigned char const*>(text), size);
+  document.ParseText();
+}
+
+void XmlNodeAccess::LoadLentStream(CXmlDocument& document, unsigned char const* data, unsigned long size) {
+  document.Cleanup();
+  ThrowIfNoStream(data, size);
+  ThrowIfTooLarge(size);
+  LendInput(document, data, size);
+  document.Parse();
+}
+
 void CXmlDocument::Load(char const* path) {
   Cleanup();
   if (path == nullptr) path = "";
@@ -196,10 +214,13 @@ void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy
 void CXmlDocument::Parse(char const* file) {
   DecompressInput();
   Utf8Text::Scope const scope(TextUse(m_context));
+  RulesInUse::Scope const rules(RulesInUse::AreSchema() ? ValueRules_XmlSchema : m_context.GetValueRules());
   if (!ParseInfoset(file)) ParseText(false, file);
 }
 
 void CXmlDocument::DecompressInput() {
+  if (!HasCompressedHeader(m_inputData, m_inputSize)) return;
+  if (m_ownedInput == nullptr) CopyInput(m_inputData, m_inputSize);  // it was lent
   unsigned char* data = m_ownedInput.get();
   CQnZip::Decompress(&data, &m_inputSize);
   if (data == m_inputData) return;

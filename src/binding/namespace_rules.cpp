@@ -1,5 +1,7 @@
 // The rules of CXmlObjectHelper by which an element is recognised and a wildcard accepts a namespace.
 
+#include <string_view>
+
 #include "base/failure_detail.h"
 #include "binding/name_match.h"
 #include "quillon9/base/exceptions.h"
@@ -15,8 +17,9 @@ bool CXmlObjectHelper::DoesElementNameMatch(CXmlSerializationContext const& ctx,
 // Only the first token of the list is interpreted. Every token after it counts as empty, which admits a namespace that
 // is empty or equal to the whole list; checking each of them again would change nothing.
 bool CXmlObjectHelper::IsNamespaceValid(std::string const& ns, std::string const& list, std::string const& target) {
+  if (std::string_view(list) == "##any") return true;  // of nearly all generic content
   std::size_t const blank = list.find(' ');
-  std::string const token = list.substr(0, blank);
+  std::string_view const token = std::string_view(list).substr(0, blank);
   bool const validAsOther = ns.empty() || ns == list;
   bool valid;
   if (token == "##any") {

@@ -11,13 +11,21 @@ namespace Quillon9 {
 void* NodePool::Take(NodePool*& pool) {
   static_assert(alignof(CNode) <= alignof(Block) && sizeof(CNode) >= sizeof(Free), "does not fit");
   static_assert(sizeof(NodePool) % alignof(Block) == 0, "the nodes of the first block do not follow it");
-  if (pool == nullptr) pool = new (::operator new(sizeof(NodePool) + kFirstNodes * sizeof(CNode))) NodePool;
+  if (pool == nullptr) pool = New(kFirstNodes);
   return pool->TakeOne();
+}
+
+NodePool* NodePool::New(std::uint32_t nodes) {
+  return new (::operator new(sizeof(NodePool) + nodes * sizeof(CNode))) NodePool(nodes);
+}
+
+void NodePool::Reserve(NodePool*& pool, std::size_t count) {
+  if (kNodePool.IsOn() && pool == nullptr && count != 0) pool = New(static_cast<std::uint32_t>(count));
 }
 
 void* NodePool::TakeOne() {
   if (m_free == nullptr && m_newest->taken == m_newest->nodes) {
-    std::size_t const nodes = std::min(2 * m_newest->nodes, kMostNodes);
+    std::uint32_t const nodes = std::min(2 * m_newest->nodes, kMostNodes);
     m_newest = new (::operator new(sizeof(Block) + nodes * sizeof(CNode))) Block{m_newest, nodes, 0};
   }
   ++m_count;

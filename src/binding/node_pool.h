@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "base/fast_paths.h"
 #include "quillon9/binding/collection.h"
@@ -37,6 +38,13 @@ class NodePool {
   /// Allocate storage for a node from \p pool, which is created for the first one.
   /// \throws std::bad_alloc when out of memory; the pool is then unchanged.
   static void* Take(NodePool*& pool);
+  /// Make room for \p count nodes in one block, if there is no pool yet.
+  /// \throws std::bad_alloc when out of memory; the pool is then unchanged.
+  static void Reserve(NodePool*& pool, std::size_t count);
+  /// Free \p pool, which may be null, after Reserve() that no Take() followed.
+  static void DropUnused(NodePool*& pool) noexcept {
+    if (pool != nullptr && pool->m_count == 0) Delete(pool);
+  }
   /// Take back the storage of a node, which has been destroyed. When the last node comes back, the pool is freed and
   /// becomes null, at the end of a Pause if there is one.
   static void Give(NodePool*& pool, void* storage) noexcept;
@@ -45,8 +53,8 @@ class NodePool {
   /// The nodes follow this header.
   struct Block {
     Block* older;
-    std::size_t nodes;  // capacity
-    std::size_t taken;  // number of nodes ever taken from this block
+    std::uint32_t nodes;  // capacity
+    std::uint32_t taken;  // number of nodes ever taken from this block
 
     void* At(std::size_t index) { return reinterpret_cast<unsigned char*>(this + 1) + index * sizeof(CNode); }
   };
@@ -54,20 +62,21 @@ class NodePool {
     Free* next;
   };
 
-  NodePool() = default;
+  explicit NodePool(std::uint32_t firstNodes) : m_first{nullptr, firstNodes, 0} {}
+  static NodePool* New(std::uint32_t nodes);
   void* TakeOne();
   static void EndPause(NodePool*& pool) noexcept;
   static void Delete(NodePool*& pool) noexcept;
 
-  static constexpr std::size_t kFirstNodes = kNodePool.IsOn() ? 2 : 1;
-  static constexpr std::size_t kMostNodes = kNodePool.IsOn() ? 128 : 1;
+  static constexpr std::uint32_t kFirstNodes = kNodePool.IsOn() ? 2 : 1;
+  static constexpr std::uint32_t kMostNodes = kNodePool.IsOn() ? 128 : 1;
 
   Block* m_newest = &m_first;
   Free* m_free = nullptr;
-  Free* m_held = nullptr;   // given back during a pause
-  std::size_t m_count = 0;  // number of nodes in use
-  std::size_t m_pauses = 0;
-  Block m_first{nullptr, kFirstNodes, 0};  // the last member, because nodes follow it
+  Free* m_held = nullptr;     // given back during a pause
+  std::uint32_t m_count = 0;  // number of nodes in use
+  std::uint32_t m_pauses = 0;
+  Block m_first;  // the last member, because nodes follow it
 };
 
 }  // namespace Quillon9

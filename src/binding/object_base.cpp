@@ -17,6 +17,8 @@ void CXmlObjectBase::OnEvent(CXmlObjectBase*, MsgType, void*) {}
 
 bool CXmlObjectBase::HoldsUtf8Text() const { return false; }
 
+ValueRules CXmlObjectBase::GetDefaultValueRules() const { return ValueRules_Classic; }
+
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
 
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,

@@ -79,7 +79,7 @@ void Find(CQnException& failure, CXmlObjectBase const& object, CXmlSerialization
           CXmlWriter* encoder) noexcept {
   try {
     if (failure.GetPlace() != nullptr) return;
-    Utf8Text::Scope const use(TextUse(object, ctx));
+    TextScope const use(object, ctx);
     Finding finding(failure);
     CheckWalk(object, ctx, scope).SendTo(finding, encoder);
   } catch (...) {  // the failure that ended the write counts
@@ -99,7 +99,7 @@ void WriteFailure::AddPlace(CQnException& failure, CXmlObjectBase const& object,
 }
 
 bool CXmlObjectBase::Check(CXmlSerializationContext const& ctx, IFailureSink* sink) const {
-  Utf8Text::Scope const use(TextUse(*this, ctx));
+  TextScope const use(*this, ctx);
   CheckWalk walk(*this, ctx, Scope::kWritingAndReading, sink != nullptr);
   if (!walk.HasFailures()) return true;
   if (sink == nullptr) return false;

@@ -18,7 +18,7 @@ namespace {
 void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
               CXmlSerializationContext const& ctx) noexcept {
   try {
-    Utf8Text::Scope const scope(TextUse(object, ctx));
+    TextScope const scope(object, ctx);
     CBinaryStream stream;
     CFastInfosetWriter encoder(*ctx.GetFIContext(), stream);
     encoder.Open();
@@ -32,7 +32,7 @@ void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl dec
 
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
                                                 CompressionType compression) const try {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   CheckingWriter::Pause const pause;
   CBinaryStream stream;
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);

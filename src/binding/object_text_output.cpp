@@ -30,7 +30,7 @@ void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHead
 
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
                                   CXmlSerializationContext const& ctx) const try {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   CheckingWriter::Pause const pause;
   CTextStream stream;
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
@@ -44,7 +44,7 @@ std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eo
 
 CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlEncoding encoding, EOLType eol,
                                         CXmlSerializationContext const& ctx, CompressionType compression) const try {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   CheckingWriter::Pause const pause;
   CTextStream stream(encoding);
   WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
@@ -70,7 +70,7 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
     return;
   }
   try {
-    Utf8Text::Scope const scope(TextUse(*this, ctx));
+    TextScope const scope(*this, ctx);
     CheckingWriter::Pause const pause;
     CFileTextStream stream(path, encoding);
     WriteTo(stream, *this, includeHeader, formatted, eol, ctx);

@@ -7,15 +7,35 @@
 #include "base/text_arguments.h"
 #include "binding/failure_report.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/values/schema_values.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
+#include "values/schema_facets.h"
 #include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
 
 namespace {
+
+/// How a variant holds the values of a kind.
+template <ItemType number>
+struct InVariant;
+#define QN_VALUE_KIND(number, stem, Access, Held)                                        \
+  template <>                                                                            \
+  struct InVariant<ItemType_##stem> {                                                    \
+    static QnVariant Of(Held const& value) {                                             \
+      QnVariant variant;                                                                 \
+      variant.Set##Access(value);                                                        \
+      return variant;                                                                    \
+    }                                                                                    \
+    static Held FromText(std::string_view text, CWhitespaceUtils::WhitespaceRule rule) { \
+      return CSchemaValues::FromText(text, ItemType_##stem, rule).Get##Access();         \
+    }                                                                                    \
+  };
+#include "values/item_types.def"
 
 // The value is converted to text while the element is open.
 template <class ToText>
@@ -55,6 +75,16 @@ CXmlElement* CXmlTypeCollection::FromXml_Int(CXmlElement*, CXmlElement* cursor, 
     cursor = cursor->GetNextSiblingElement();
   }
   return cursor;
+}
+
+void CXmlTypeCollection::CheckBySchema(QnVariant const& value, std::string_view text) const {
+  m_schemaFacets.Get(m_itemType, m_restrictions).CheckRead(GetElementName().c_str(), value, text);
+}
+
+std::string CXmlTypeCollection::CheckedText(QnVariant const& value) const {
+  std::string text = m_schemaFacets.Get(m_itemType, m_restrictions).TextOf(value);
+  CheckBySchema(value, text);
+  return text;
 }
 
 void CXmlTypeCollection::CheckInsertIndex(int index) const {
@@ -97,6 +127,10 @@ void CTypedColImpl<Kind>::Add(Argument value) {
 template <class Kind>
 void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
   this->Insert(index, std::forward<Argument>(value), [this](Value const& held) {
+    if (RulesInUse::AreSchema()) {
+      static_cast<void>(this->CheckedText(InVariant<Kind::kItemType>::Of(held)));
+      return;
+    }
     std::optional<Utf8Text::Scope> scope;
     if (Kind::kItemType == ItemType_string && this->HoldsUtf8Text()) scope.emplace(Utf8Text::Use::kCountingCharacters);
     Kind::Check(this->GetElementName().c_str(), held, this->m_restrictions);
@@ -105,7 +139,9 @@ void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
 
 template <class Kind>
 void CTypedColImpl<Kind>::AddFromString(std::string text) {
-  Add(Kind::FromText(text, this->m_whitespaceRule));
+  if (!RulesInUse::AreSchema()) return Add(Kind::FromText(text, this->m_whitespaceRule));
+  this->Insert(this->GetCount(), InVariant<Kind::kItemType>::FromText(text, this->m_whitespaceRule),
+               [&](Value const& held) { this->CheckBySchema(InVariant<Kind::kItemType>::Of(held), text); });
 }
 
 template <class Kind>
@@ -113,8 +149,12 @@ void CTypedColImpl<Kind>::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlS
                                     bool) const {
   this->ValidateCount(ctx);
   std::string const ns = this->GetNamespace();
+  bool const isSchema = RulesInUse::AreSchema();
   for (Value const& value : *this) {
-    WriteItem(writer, this->GetElementName(), ns, Kind::kItemType, [&] { return Kind::ToText(value, this->m_format); });
+    WriteItem(writer, this->GetElementName(), ns, Kind::kItemType, [&] {
+      if (!isSchema) return Kind::ToText(value, this->m_format);
+      return this->CheckedText(InVariant<Kind::kItemType>::Of(value));
+    });
   }
 }
 
@@ -203,13 +243,25 @@ void CdatetimeBaseCol::CheckType(CDateTime const& value, CDateTime::DTType type,
       : CdatetimeBaseCol(ItemType_##stem, name, ns, minOccurs, maxOccurs, pattern, minLength, maxLength, minInclusive, \
                          maxInclusive, minExclusive, maxExclusive, length, rule, format) {}                            \
   C##stem##Col::~C##stem##Col() = default;                                                                             \
-  void C##stem##Col::AddFromString(std::string text) { Add(CConversions::stem##FromString(text, m_whitespaceRule)); }  \
+  void C##stem##Col::AddFromString(std::string text) {                                                                 \
+    if (!RulesInUse::AreSchema()) return Add(CConversions::stem##FromString(text, m_whitespaceRule));                  \
+    CDateTime const value = InVariant<ItemType_##stem>::FromText(text, m_whitespaceRule);                              \
+    CheckBySchema(InVariant<ItemType_##stem>::Of(value), text);                                                        \
+    BaseAddAt(GetCount(), value);                                                                                      \
+  }                                                                                                                    \
   void C##stem##Col::AddAt(int index, CDateTime const& value) {                                                        \
     CheckType(value, CDateTime::type, #type);                                                                          \
-    CXmlObjectHelper::CheckRestrictionFor##stem(GetElementName().c_str(), value, m_restrictions);                      \
+    if (RulesInUse::AreSchema()) {                                                                                     \
+      static_cast<void>(CheckedText(InVariant<ItemType_##stem>::Of(value)));                                           \
+    } else {                                                                                                           \
+      CXmlObjectHelper::CheckRestrictionFor##stem(GetElementName().c_str(), value, m_restrictions);                    \
+    }                                                                                                                  \
     BaseAddAt(index, value);                                                                                           \
   }                                                                                                                    \
-  std::string C##stem##Col::ItemToString(CDateTime const& value) const { return CConversions::stem##ToString(value); }
+  std::string C##stem##Col::ItemToString(CDateTime const& value) const {                                               \
+    if (!RulesInUse::AreSchema()) return CConversions::stem##ToString(value);                                          \
+    return CheckedText(InVariant<ItemType_##stem>::Of(value));                                                         \
+  }
 
 QN_DATE_COLLECTION(date, dt_date)
 QN_DATE_COLLECTION(datetime, dt_dateTime)

@@ -9,6 +9,8 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/ruled_values.h"
+#include "values/schema_facets.h"
 #include "values/variant_access.h"
 #include "xmlio/node_access.h"
 
@@ -97,6 +99,7 @@ void CAttributeInfoPrimitive::AttributeToXml(CXmlSerializationContext const& ctx
     if (m_optional) return;
     ThrowNotSet(value);
   }
+  if (RulesInUse::AreSchema()) return WriteBySchema(ctx, value, *writer);
   PrintedText const text(value, m_format);
   if (IsSuppressedDefault(ctx, text.Get())) return;
   CheckFacets(value);
@@ -108,8 +111,14 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const& c
                                                CXmlAttribute* attribute) {
   if (attribute->GetLocalName() != m_attributeName || attribute->GetNamespaceURI() != m_namespace) return false;
   QnVariant value;
-  VariantAccess::FromText(value, XmlNodeAccess::TextOf(*attribute), m_itemType, m_whitespaceRule);
-  if (ctx.GetChecksFacetsOnReading()) CheckFacets(value);
+  std::string_view const text = XmlNodeAccess::TextOf(*attribute);
+  if (RulesInUse::AreSchema()) {
+    value = CSchemaValues::FromText(text, m_itemType, m_whitespaceRule);
+    CheckBySchema(value, text);
+  } else {
+    VariantAccess::FromText(value, text, m_itemType, m_whitespaceRule);
+    if (ctx.GetChecksFacetsOnReading()) CheckFacets(value);
+  }
   AccessProperty(holder, false, value);
   return true;
 }
@@ -122,6 +131,22 @@ void CAttributeInfoPrimitive::CheckFacets(QnVariant const& value) const {
   CFacetFilter::CheckUnlessPasses(m_filter.get(), value, [&] {
     CXmlObjectHelper::CheckRestriction(m_attributeName.c_str(), value, m_itemType, m_restrictions);
   });
+}
+
+void CAttributeInfoPrimitive::WriteBySchema(CXmlSerializationContext const& ctx, QnVariant const& value,
+                                            CXmlWriter& writer) const {
+  SchemaFacets const& facets = m_schemaFacets.Get(m_itemType, m_restrictions);
+  auto const write = [&](std::string const& text) {
+    if (IsSuppressedDefault(ctx, text)) return;
+    facets.Check(m_attributeName.c_str(), value, text);
+    writer.WriteAttributeString(m_attributeName, m_namespace, text, value.GetItemType());
+  };
+  if (facets.UsesText()) return write(facets.TextOf(value));
+  write(PrintedText(value, nullptr).Get());
+}
+
+void CAttributeInfoPrimitive::CheckBySchema(QnVariant const& value, std::string_view text) const {
+  m_schemaFacets.Get(m_itemType, m_restrictions).CheckRead(m_attributeName.c_str(), value, text);
 }
 
 void CAttributeInfoPrimitive::CheckRestriction(QnVariant value) const {

@@ -11,10 +11,13 @@
 #include "descriptors/printed_text.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
+#include "quillon9/values/conversions.h"
 #include "quillon9/values/object_helper.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "values/facet_filter.h"
+#include "values/ruled_values.h"
+#include "values/schema_facets.h"
 #include "values/variant_access.h"
 #include "xmlio/node_access.h"
 
@@ -107,7 +110,7 @@ namespace {
 std::string PrintOrFail(CXmlWriter& writer, std::string const& name, std::string const& ns, QnVariant const& value,
                         char const* format) {
   try {
-    return value.ToString(format);
+    return RuledValues::ToText(value, format);
   } catch (...) {
     writer.WriteStartElement(name, ns);
     throw;
@@ -121,6 +124,7 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
   QnVariant value;
   ReadProperty(holder, value);
   if (!value.IsValid()) return false;
+  if (RulesInUse::AreSchema()) return WriteBySchema(value, *writer);
   CheckRestriction(value);
   char room[kGeneralRoom];
   std::string_view const text = TextAtHand(value, m_format, room);
@@ -131,6 +135,26 @@ bool CElementInfo::ElementToXmlPrim(CXmlSerializationContext const&, CXmlGenerat
     writer->WriteTextElement(m_elementName, m_namespace, printed, value.GetItemType(), m_number);
   }
   return true;
+}
+
+bool CElementInfo::WriteBySchema(QnVariant const& value, CXmlWriter& writer) const {
+  SchemaFacets const& facets = m_schemaFacets.Get(m_itemType, m_restrictions);
+  char room[kGeneralRoom];
+  std::string printed;
+  std::string_view text;
+  if (!facets.UsesText()) text = TextAtHand(value, kShortestFormat, room);
+  if (text.data() == nullptr) {
+    printed =
+        facets.UsesText() ? facets.TextOf(value) : PrintOrFail(writer, m_elementName, m_namespace, value, nullptr);
+    text = printed;
+  }
+  CheckBySchema(value, text);
+  writer.WriteTextElement(m_elementName, m_namespace, text, value.GetItemType(), m_number);
+  return true;
+}
+
+void CElementInfo::CheckBySchema(QnVariant const& value, std::string_view text) const {
+  m_schemaFacets.Get(m_itemType, m_restrictions).CheckRead(m_elementName.c_str(), value, text);
 }
 
 bool CElementInfo::ElementToXmlPrimOpt(CXmlSerializationContext const& ctx, CXmlGeneratedClass const* holder,
@@ -227,8 +251,14 @@ bool CElementInfo::TakePrimitive(CXmlGeneratedClass* holder, CXmlElement** curso
 bool CElementInfo::TakePrimitive(CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
                                  CXmlElement** cursor) const {
   QnVariant value;
-  VariantAccess::FromText(value, XmlNodeAccess::TextOf(**cursor), m_itemType, m_whitespaceRule);
-  if (ctx.GetChecksFacetsOnReading()) CheckRestriction(value);
+  std::string_view const text = XmlNodeAccess::TextOf(**cursor);
+  if (RulesInUse::AreSchema()) {
+    value = CSchemaValues::FromText(text, m_itemType, m_whitespaceRule);
+    CheckBySchema(value, text);
+  } else {
+    VariantAccess::FromText(value, text, m_itemType, m_whitespaceRule);
+    if (ctx.GetChecksFacetsOnReading()) CheckRestriction(value);
+  }
   AccessProperty(holder, false, value);
   *cursor = (*cursor)->GetNextSiblingElement();
   return true;

@@ -79,11 +79,14 @@ class FailedScans {
   ///@{
   void StartListing() { m_isListing = true; }
   std::size_t Listed() const { return m_taken.size(); }
+  std::vector<CXmlElement const*> const& Taken() const { return m_taken; }
   ///@}
   /// Call after \p member of kind \p kind has moved the cursor from \p start to \p stop. \p listed is the value of
   /// Listed() before that.
   void ListTaken(Quillon9Data::CElementInfo const& member, Kind kind, CXmlSerializationContext const& ctx,
                  CXmlElement const* start, CXmlElement const* stop, std::size_t listed);
+  /// A group without a tag has failed, so the entries behind the first \p listed ones are not taken after all.
+  void Unlist(std::size_t listed) { m_taken.resize(listed); }
   /// Call \p tell with each child that no member took.
   template <class Tell>
   void ForEachDropped(Tell tell) const {

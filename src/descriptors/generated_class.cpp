@@ -4,6 +4,7 @@
 
 #include "base/fast_paths.h"
 #include "base/plain_classes.h"
+#include "descriptors/object_form.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
@@ -33,6 +34,8 @@ using namespace Quillon9Data;
 
 CXmlGeneratedClass::CXmlGeneratedClass() = default;
 CXmlGeneratedClass::~CXmlGeneratedClass() = default;
+
+[[gnu::noinline]] void CXmlGeneratedClass::FormDeleter::operator()(ObjectForm* form) const noexcept { delete form; }
 
 void CXmlGeneratedClass::ReadProperty(int index, QnVariant& value) const {
   const_cast<CXmlGeneratedClass*>(this)->AccessProperty(index, true, value);

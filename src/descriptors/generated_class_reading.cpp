@@ -16,11 +16,13 @@
 #include "descriptors/failed_scans.h"
 #include "descriptors/member_asking.h"
 #include "descriptors/table_check.h"
+#include "descriptors/unknown_reading.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/attribute_info.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/xmlio/document.h"
+#include "values/rules_in_use.h"
 #include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 #include "xmlio/tree_memory.h"
@@ -32,7 +34,8 @@ using namespace Quillon9Data;
 CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
   try {
-    return ReadElement(parent, cursor, ctx, inChoice);
+    return ctx.GetKeepUnknown() ? ReadAndKeepUnknown(parent, cursor, ctx, inChoice)
+                                : ReadElement(parent, cursor, ctx, inChoice);
   } catch (CQnException& cause) {
     FailureReport::Note(cause, {parent});
     throw CQnValidationException(FormatString("Failed to process the element [%s]", parent->GetLocalName().c_str()),
@@ -40,8 +43,20 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
   }
 }
 
+// What groups without a tag do not take is kept by the class of the element.
+[[gnu::noinline]] CXmlElement* CXmlGeneratedClass::ReadAndKeepUnknown(CXmlElement* parent, CXmlElement* cursor,
+                                                                      CXmlSerializationContext const& ctx,
+                                                                      bool inChoice) {
+  if (GetClassInfo()->m_elementType != XmlElementType_Element) return ReadElement(parent, cursor, ctx, inChoice);
+  UnknownReading const reading(*parent);
+  CXmlElement* const next = ReadElement(parent, cursor, ctx, inChoice);
+  reading.KeepIn(*this, ctx);
+  return next;
+}
+
 CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
+  if (m_form != nullptr) DropUnknownContent();
   Init();
   if constexpr (kChecksTables) CheckTablesOnce(*this);
   CParentElementInfo const& info = *GetClassInfo();
@@ -53,9 +68,14 @@ CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* c
   CTreeMemory* const memory = XmlNodeAccess::MemoryOf(*parent);
   if (memory != nullptr && info.m_elementType == XmlElementType_Element) memory->CountContent(ObjectContent::kClass);
   INillable const* const nillable = AsNillable(memory != nullptr ? &memory->PlainTypes() : nullptr);
-  if (nillable != nullptr && nillable->IsNil()) return cursor;
-  CXmlElement* const next = ctx.GetFailureSink() == nullptr ? ReadMembers(info, parent, cursor, ctx, inChoice)
-                                                            : ReadMembersReported(parent, cursor, ctx, inChoice);
+  if (nillable != nullptr && nillable->IsNil()) {
+    if (UnknownReading* const unknown = UnknownReading::Of(parent, ctx)) unknown->NoteChildren({});
+    return cursor;
+  }
+  // Only the reader that reports knows which children have been taken.
+  bool const isReported = ctx.GetFailureSink() != nullptr || (ctx.GetKeepUnknown() && ctx.GetIgnoreUnknownElements());
+  CXmlElement* const next = isReported ? ReadMembersReported(parent, cursor, ctx, inChoice)
+                                       : ReadMembers(info, parent, cursor, ctx, inChoice);
   // A group that took nothing is dropped, and tried again at the next child.
   bool const isFilledGroup = info.m_elementType != XmlElementType_Element && next != cursor;
   if (memory != nullptr && isFilledGroup) memory->CountContent(ObjectContent::kClass);
@@ -80,7 +100,10 @@ CXmlElement* CXmlGeneratedClass::ReadMembers(CParentElementInfo const& info, CXm
   }
   outer->NoteGroup();
   if (info.m_textPropertyIndex != -1) outer->Spend(parent->GetTextView().size() / 32);
-  return ReadGroup(info, parent, cursor, ctx, inChoice);
+  std::size_t const listed = outer->Listed();
+  CXmlElement* const next = ReadGroup(info, parent, cursor, ctx, inChoice);
+  if (next == cursor && ctx.GetKeepUnknown()) outer->Unlist(listed);
+  return next;
 }
 
 // This is a separate function so that reading without the option needs no stack for the scans.
@@ -139,6 +162,13 @@ bool TakesByName(CAttributeInfo* const* table) {
   return true;
 }
 
+// The classic rules know words only, in any case; those of XML Schema know numbers too, and white space around them.
+bool IsBoolean(char const* text, char const* word, char const* number) {
+  if (!RulesInUse::AreSchema()) return strcasecmp(text, word) == 0;
+  std::string const collapsed = CWhitespaceUtils::Collapse(text);
+  return collapsed == word || collapsed == number;
+}
+
 }  // namespace
 
 void CXmlGeneratedClass::ReadNilAttribute(CXmlElement const&, CXmlAttribute const& attribute,
@@ -147,11 +177,11 @@ void CXmlGeneratedClass::ReadNilAttribute(CXmlElement const&, CXmlAttribute cons
   if (nillable == nullptr) ThrowUnexpectedAttribute(attribute);
   std::string_view const text = attribute.GetValueView();
   char const* const value = text.find('\0') == std::string_view::npos ? text.data() : "";
-  if (strcasecmp(value, "true") == 0) {
+  if (IsBoolean(value, "true", "1")) {
     nillable->SetNil(true);
-  } else if (strcasecmp(value, "false") == 0) {
+  } else if (IsBoolean(value, "false", "0")) {
     nillable->SetNil(false);
-  } else {  // deliberately includes 1 and 0
+  } else {
     throw OfKind(FailureKind_Nil, CQnValidationException(FormatString("Unexpected Value for Attribute [%s] found.",
                                                                       attribute.GetLocalName().c_str())));
   }
@@ -171,14 +201,16 @@ bool CXmlGeneratedClass::ReadAttribute(CXmlSerializationContext const& ctx, CAtt
     while (table[taker] != nullptr && !table[taker]->AttributeFromXml(ctx, this, attribute)) ++taker;
     if (table[taker] == nullptr) {
       if (reject && !ctx.GetIgnoreUnknownAttributes()) ThrowUnexpectedAttribute(*attribute);
-      if (reject && ctx.GetFailureSink() != nullptr) RemarkAttribute(ctx, parent, *attribute);
+      if (reject && ctx.GetFailureSink() != nullptr && !ctx.GetKeepUnknown()) RemarkAttribute(ctx, parent, *attribute);
       return false;
     }
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {parent, attribute})) throw;
+    if (UnknownReading* const unknown = UnknownReading::Of(parent, ctx)) unknown->NoteAttribute(*attribute);
     if (isNil || table[taker] == nullptr) return true;
   }
   found.Set(taker);
+  if (UnknownReading* const unknown = UnknownReading::Of(parent, ctx)) unknown->NoteAttribute(*attribute);
   return true;
 }
 

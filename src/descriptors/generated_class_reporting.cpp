@@ -13,6 +13,7 @@
 #include "descriptors/failed_scans.h"
 #include "descriptors/member_asking.h"
 #include "descriptors/member_kind.h"
+#include "descriptors/unknown_reading.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/element_info.h"
 #include "quillon9/descriptors/generated_class.h"
@@ -308,6 +309,10 @@ CXmlElement* CXmlGeneratedClass::ReadMembersWithSink(CXmlElement* parent, CXmlEl
   ReportedContent content(ctx, this, parent, cursor, scans ? &*scans : nullptr);
   CXmlElement* const next = content.Read(info.m_groupType, inChoice);
   if (!scans) return next;
+  if (UnknownReading* const unknown = UnknownReading::Of(parent, ctx)) {
+    unknown->NoteChildren(scans->Taken());
+    return next;
+  }
   scans->ForEachDropped([&](CXmlElement const& child) {
     FailureReport::Remark(ctx, FailureKind_DroppedElement, {&child},
                           FormatString("The element [%s] is ignored", child.GetLocalName().c_str()));

@@ -4,12 +4,14 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "base/failure_detail.h"
 #include "base/fast_paths.h"
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/object_form.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -18,6 +20,7 @@
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "xmlio/checking_writer.h"
+#include "xmlio/mixed_texts.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -37,11 +40,34 @@ void CXmlGeneratedClass::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* 
   }
 }
 
+namespace {
+
+void WriteDocumentMarkup(CXmlWriter& writer, CUnknownContent const& unknown, std::size_t childrenInFront) {
+  for (CMarkup const& markup : unknown.GetDocumentMarkup()) {
+    if (markup.childrenInFront == childrenInFront) writer.WriteMarkup(markup);
+  }
+}
+
+/// Without those that \p additional, which may be null, has as well.
+[[gnu::noinline]] void WriteUnknownAttributes(CXmlWriter& writer, CUnknownContent const& unknown,
+                                              CAttributeCol const* additional, CXmlSerializationContext const& ctx) {
+  for (CAttribute const& attribute : *unknown.GetAttributes()) {
+    bool const isThere =
+        additional != nullptr && additional->Find(attribute.GetName().c_str(), attribute.GetNamespace().c_str());
+    if (!isThere) CXmlObjectBase::ToXml_Int(&attribute, &writer, false, "", ctx, false);
+  }
+}
+
+}  // namespace
+
 void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char const* ns,
                                       CXmlSerializationContext const& ctx, bool inChoice) const {
   if constexpr (kChecksTables) CheckTablesOnce(*this);
   bool const hasTag = GetClassInfo()->m_elementType == XmlElementType_Element;
   NestingGuard const guard(hasTag);
+  if (m_form != nullptr && m_form->unknown != nullptr && hasTag) {
+    return WriteWithUnknown(writer, isRoot, ns, ctx, inChoice);
+  }
   if (hasTag) WriteStart(writer, isRoot, ns, ctx, inChoice);
   INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
   if (nillable != nullptr && nillable->IsNil()) {
@@ -50,6 +76,55 @@ void CXmlGeneratedClass::WriteElement(CXmlWriter* writer, bool isRoot, char cons
     ContentToXml_Int(writer, ctx, inChoice);
   }
   if (hasTag) writer->WriteEndElement();
+}
+
+namespace {
+
+/// The items of an object in the order in which they are written.
+class UnknownItems : public InsertedItems {
+ public:
+  UnknownItems(CUnknownContent const& unknown, CXmlSerializationContext const& ctx)
+      : m_next(unknown.GetItems().begin()), m_end(unknown.GetItems().end()), m_ctx(ctx) {}
+
+  CMarkup const* Next() const override { return m_next != m_end ? &*m_next : nullptr; }
+  void WriteNext(CXmlWriter& writer) override {
+    CUnknownItem const& item = *m_next++;
+    if (item.element) {
+      CXmlObjectBase::ToXml_Int(item.element.Get(), &writer, false, "", m_ctx, false);
+    } else {
+      writer.WriteMarkup(item);
+    }
+  }
+
+ private:
+  std::vector<CUnknownItem>::const_iterator m_next;
+  std::vector<CUnknownItem>::const_iterator const m_end;
+  CXmlSerializationContext const& m_ctx;
+};
+
+}  // namespace
+
+// The same for an object that has unknown content, apart, so that the others do not pay for it.
+[[gnu::noinline]] void CXmlGeneratedClass::WriteWithUnknown(CXmlWriter* writer, bool isRoot, char const* ns,
+                                                            CXmlSerializationContext const& ctx, bool inChoice) const {
+  CUnknownContent const& unknown = *m_form->unknown;
+  if (isRoot) WriteDocumentMarkup(*writer, unknown, 0);
+  WriteStart(writer, isRoot, ns, ctx, inChoice);
+  INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
+  bool const isNil = nillable != nullptr && nillable->IsNil();
+  if (isNil) writer->WriteAttributeNil();
+  if (!unknown.GetItems().empty()) {
+    if (GetClassInfo()->m_textPropertyIndex != -1) writer->PreserveSpace();
+    static auto const& noPlaces = *new std::vector<std::size_t>();
+    UnknownItems items(unknown, ctx);
+    MixedTexts inserted(*writer, {}, noPlaces, &items);
+    if (!isNil) ContentToXml_Int(writer, ctx, inChoice);
+    inserted.Finish();
+  } else if (!isNil) {
+    ContentToXml_Int(writer, ctx, inChoice);
+  }
+  writer->WriteEndElement();
+  if (isRoot) WriteDocumentMarkup(*writer, unknown, 1);
 }
 
 namespace {
@@ -75,10 +150,14 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (!IsSameText(text, wanted)) text = wanted;  // neighbours usually share it
   writer->WriteStartElement(GetElementName(), text);
   XmlWriterAccess::NamespaceText(*writer) = std::move(text);
+  if (m_form != nullptr && m_form->unknown != nullptr) m_form->unknown->GetAttributes()->WritePrefixes(*writer);
   // Does not create the collection if there is none: writing changes no context, because threads may share it.
   CAttributeCol const* const additional = isRoot ? ctx.FindAdditionalRootAttributes() : nullptr;
   if (additional != nullptr) CXmlObjectBase::ToXml_Int(additional, writer, false, ns, ctx, inChoice);
   AttributesToXml_Int(writer, ctx);
+  if (m_form != nullptr && m_form->unknown != nullptr) {
+    WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
+  }
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
@@ -94,6 +173,9 @@ void CXmlGeneratedClass::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationC
   if (info.m_textPropertyIndex == -1) return;
   QnVariant text;
   ReadProperty(info.m_textPropertyIndex, text);
+  bool const hasItems = m_form != nullptr && m_form->unknown != nullptr && !m_form->unknown->GetItems().empty();
+  MixedTexts* const items = hasItems ? MixedTexts::Of(*writer) : nullptr;
+  if (items != nullptr) items->BeforeText();
   writer->WriteString(text.GetString(), text.GetItemType());
 }
 

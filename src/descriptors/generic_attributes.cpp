@@ -3,6 +3,7 @@
 #include "base/failure_detail.h"
 #include "base/text_arguments.h"
 #include "binding/failure_report.h"
+#include "descriptors/generic_names.h"
 #include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/text/whitespace.h"
@@ -11,6 +12,10 @@
 #include "quillon9/xmlio/writer.h"
 
 namespace Quillon9 {
+
+using detail::GenericNames;
+using detail::GenericNamesPtr;
+using detail::GenericRules;
 
 namespace {
 
@@ -41,16 +46,20 @@ std::string WithValidPrefix(std::string const& name, std::map<std::string, std::
 // ---- CAttribute
 
 CAttribute::CAttribute(char const* name, char const* value, char const* ns)
-    : m_name(OrEmpty(name)), m_value(OrEmpty(value)), m_namespace(OrEmpty(ns)) {}
+    : CAttribute(new GenericNames(OrEmpty(name), OrEmpty(ns), nullptr), OrEmpty(value)) {}
+
+CAttribute::CAttribute(GenericNamesPtr names, char const* value) : m_names(std::move(names)), m_value(value) {}
 
 CAttribute::~CAttribute() = default;
 
-CSmartPtr<CAttribute> CAttribute::Clone() const {
-  return new CAttribute(m_name.c_str(), m_value.c_str(), m_namespace.c_str());
-}
+CSmartPtr<CAttribute> CAttribute::Clone() const { return new CAttribute(m_names, m_value.c_str()); }
+
+void CAttribute::SetName(std::string name) { GenericNamesOf::Own(m_names).name = std::move(name); }
+
+void CAttribute::SetNamespace(std::string ns) { GenericNamesOf::Own(m_names).ns = std::move(ns); }
 
 void CAttribute::ToXml_Int(CXmlWriter* writer, bool, char const*, CXmlSerializationContext const&, bool) const {
-  writer->WriteAttributeString(m_name, m_namespace, m_value, ItemType_string);
+  writer->WriteAttributeString(m_names->name, m_names->ns, m_value, ItemType_string);
 }
 
 CXmlElement* CAttribute::FromXml_Int(CXmlElement*, CXmlElement*, CXmlSerializationContext const&, bool) {
@@ -60,15 +69,20 @@ CXmlElement* CAttribute::FromXml_Int(CXmlElement*, CXmlElement*, CXmlSerializati
 // ---- CAttributeCol
 
 CAttributeCol::CAttributeCol(char const* ns, char const* restriction, char const* targetNamespace)
-    : CXmlCollection("", DefaultNamespace(OrEmpty(ns), OrEmpty(restriction)).c_str(), 0, -1),
-      m_namespaceRestriction(OrEmpty(restriction)),
-      m_targetNamespace(OrEmpty(targetNamespace)) {}
+    : CAttributeCol(new GenericNames("", DefaultNamespace(OrEmpty(ns), OrEmpty(restriction)),
+                                     new GenericRules(OrEmpty(restriction), OrEmpty(targetNamespace)))) {}
+
+CAttributeCol::CAttributeCol(GenericNamesPtr const& names) : m_names(names) {}
 
 CAttributeCol::~CAttributeCol() = default;
 
+std::string const& CAttributeCol::Namespace() const {
+  static auto const& none = *new std::string;
+  return m_names->hadNoNamespace ? none : m_names->ns;
+}
+
 CSmartPtr<CAttributeCol> CAttributeCol::Clone() const {
-  CSmartPtr<CAttributeCol> copy(
-      new CAttributeCol(GetNamespace().c_str(), m_namespaceRestriction.c_str(), m_targetNamespace.c_str()));
+  CSmartPtr<CAttributeCol> copy(new CAttributeCol(m_names));
   for (CAttribute const& attribute : *this) copy->Add(attribute.Clone().Get());
   if (m_prefixes != nullptr) copy->m_prefixes = std::make_unique<std::map<std::string, std::string>>(*m_prefixes);
   return copy;
@@ -86,12 +100,12 @@ CSmartPtr<CAttribute> CAttributeCol::Add(char const* name) { return Add(name, ""
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value) {
   std::string const ns = GetNamespace();
   // The check does not find a URI in a list of several; but if the collection has it from that list, it is admitted.
-  if (!ns.empty() && ns == FirstToken(m_namespaceRestriction)) return Add(new CAttribute(name, value, ns.c_str()));
+  if (!ns.empty() && ns == FirstToken(m_names->rules->restriction)) return Add(new CAttribute(name, value, ns.c_str()));
   return Add(name, value, ns.c_str());
 }
 
 CSmartPtr<CAttribute> CAttributeCol::Add(char const* name, char const* value, char const* ns) {
-  CXmlObjectHelper::TestNamespace(OrEmpty(ns), m_namespaceRestriction, m_targetNamespace);
+  CXmlObjectHelper::TestNamespace(OrEmpty(ns), m_names->rules->restriction, m_names->rules->target);
   return Add(new CAttribute(name, value, ns));
 }
 
@@ -135,20 +149,26 @@ void CAttributeCol::WritePrefixes(CXmlWriter& writer) const {
   }
 }
 
+void CAttributeCol::Take(CXmlElement const& parent, CXmlAttribute const& attribute) {
+  GenericSize::CountAttribute(parent, attribute);
+  GenericNamesPtr names;
+  GenericNamesOf::FindForAttribute(parent, attribute, names);
+  Add(new CAttribute(std::move(names), XmlNodeAccess::TextOf(attribute).data()));
+}
+
 CXmlElement* CAttributeCol::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                         bool) {
   if (parent == nullptr) return cursor;
+  GenericRules const& rules = *m_names->rules;
   for (auto const* attribute = parent->GetFirstAttribute(); attribute != nullptr;
        attribute = attribute->GetNextAttribute()) {
     try {
-      std::string const& ns = attribute->GetNamespaceURI();
-      if (!CXmlObjectHelper::IsNamespaceValid(ns, m_namespaceRestriction, m_targetNamespace)) {
+      if (!CXmlObjectHelper::IsNamespaceValid(attribute->GetNamespaceURI(), rules.restriction, rules.target)) {
         throw OfKind(FailureKind_Namespace, CQnInvalidNamespaceException(FormatString(
                                                 "Invalid Attribute [%s]. The attributes namespace is Inappropriate.",
                                                 attribute->GetLocalName().c_str())));
       }
-      GenericSize::CountAttribute(*parent, *attribute);
-      Add(attribute->GetLocalName().c_str(), attribute->GetValueView().data(), ns.c_str());
+      Take(*parent, *attribute);
     } catch (CQnException& failure) {
       if (!FailureReport::GoesOn(ctx, failure, {parent, attribute})) throw;
     }

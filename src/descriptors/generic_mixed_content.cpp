@@ -5,15 +5,17 @@
 #include <cstddef>
 #include <vector>
 
+#include "descriptors/generic_size.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/writer.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
 namespace {
 
-constexpr std::size_t kLastPlace = 0xFFFFFFFE;
+constexpr std::size_t kLastPlace = 0x7FFFFFFE;
 
 std::uint32_t AsPlace(std::size_t size) { return static_cast<std::uint32_t>(std::min(size, kLastPlace)); }
 
@@ -37,10 +39,55 @@ void CElement::KeepPlaces(CXmlElement const& source) {
   for (auto const& item : source.Content()) {
     place += item.GetText().size();
     if (item.IsText() || next == copies.end() || !HasNamesOf(**next, *item.GetElement())) continue;
-    (*next)->m_place = AsPlace(place);
+    (*next)->m_place = AsPlace(place) & kNoPlace;
     ++next;
   }
-  m_isMixed = true;
+  m_isMixed = 1;
+}
+
+// The same for the children.
+void CElement::KeepMarkup(CXmlElement const& source) {
+  m_markup.reset();
+  std::vector<CMarkup> markup = XmlNodeAccess::MarkupIn(source);
+  if (markup.empty()) return;
+  std::size_t const children = m_elements.Get() != nullptr ? static_cast<std::size_t>(m_elements.Get()->GetCount()) : 0;
+  std::size_t const count = XmlNodeAccess::CountChildren(source);
+  for (CMarkup& item : markup) {
+    GenericSize::CountMarkup(source, item);
+    item.childrenInFront += children - std::min(count, children);
+  }
+  m_markup = std::make_unique<std::vector<CMarkup>>(std::move(markup));
+}
+
+std::vector<CMarkup> const& CElement::GetMarkup() const {
+  static auto const& none = *new std::vector<CMarkup>();
+  return m_markup != nullptr ? *m_markup : none;
+}
+
+void CElement::WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx) const {
+  if (!m_text.empty()) writer->PreserveSpace();
+  auto next = m_markup->begin();
+  std::size_t child = 0;
+  std::size_t passed = 0;
+  auto const isHere = [&] { return next != m_markup->end() && next->childrenInFront <= child; };
+  for (CContentItem<CElement> const& item : Content()) {
+    std::string_view run = item.GetText();
+    while (isHere() && (!item.IsText() || next->textInFront < passed + run.size())) {
+      std::size_t const size = item.IsText() ? std::max(next->textInFront, passed) - passed : 0;
+      writer->WriteString(std::string(run.substr(0, size)), ItemType_string);
+      run.remove_prefix(size);
+      passed += size;
+      writer->WriteMarkup(*next++);
+    }
+    if (item.IsText()) {
+      writer->WriteString(std::string(run), ItemType_string);
+      passed += run.size();
+    } else {
+      CXmlObjectBase::ToXml_Int(item.GetElement(), writer, false, ns, ctx, false);
+      ++child;
+    }
+  }
+  while (next != m_markup->end()) writer->WriteMarkup(*next++);
 }
 
 void CElement::AppendText(std::string_view text) {
@@ -52,10 +99,10 @@ void CElement::AppendText(std::string_view text) {
     for (int i = elements->GetCount(); i-- > 0;) {
       CSmartPtr<CElement> const child = elements->Item(i);
       if (child->m_place != kNoPlace) break;
-      child->m_place = AsPlace(m_text.size());
+      child->m_place = AsPlace(m_text.size()) & kNoPlace;
     }
   }
-  m_isMixed = true;
+  m_isMixed = 1;
   m_text += text;
 }
 

@@ -15,6 +15,7 @@
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
 
 namespace Quillon9 {
@@ -36,7 +37,7 @@ void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerialization
 
 /// The caller has never seen \p text, so a place in it means nothing.
 void LoadUnseen(CXmlDocument& document, std::string const& text) try {
-  document.LoadXml(text.c_str());
+  XmlNodeAccess::LoadLentText(document, text.c_str());
 } catch (CQnException& failure) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   CFailurePlace place;
@@ -45,11 +46,33 @@ void LoadUnseen(CXmlDocument& document, std::string const& text) try {
   throw;
 }
 
+/// Shares bytes, so that nobody changes them during a read of this thread.
+class HeldBytes {
+ public:
+  explicit HeldBytes(CBinaryData const& bytes) : m_bytes(bytes), m_outer(std::exchange(t_innermost, this)) {}
+  ~HeldBytes() { t_innermost = m_outer; }
+  HeldBytes(HeldBytes const&) = delete;
+  HeldBytes& operator=(HeldBytes const&) = delete;
+
+  CBinaryData const& Get() const { return m_bytes; }
+  /// Whether they are these bytes.
+  static bool Are(unsigned char const* data, unsigned long length) {
+    return t_innermost != nullptr && data == t_innermost->m_bytes.GetData() &&
+           length == t_innermost->m_bytes.GetLength();
+  }
+
+ private:
+  static inline thread_local HeldBytes const* t_innermost = nullptr;
+
+  CBinaryData const m_bytes;
+  HeldBytes const* const m_outer;
+};
+
 /// \p load gets an empty document.
 template <class Load>
 void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, InputForm form, char const* file,
                   Load load) {
-  Utf8Text::Scope const scope(TextUse(object, ctx));
+  TextScope const scope(object, ctx);
   CXmlDocument document(ctx);
   DocumentPlaces places(document, form, file);
   ReadWithReport(ctx, places, [&] {
@@ -74,17 +97,22 @@ void CXmlObjectBase::FromXml(wchar_t const* text, CXmlSerializationContext const
   ReadDocument(*this, ctx, InputForm::kWideText, nullptr, [&](CXmlDocument& document) { document.LoadXml(text); });
 }
 
+// Bytes of the caller are copied, because the read may change them: they may be part of the object. A place is looked
+// for in the input only after a failure.
 void CXmlObjectBase::FromXmlStream(unsigned char* data, unsigned long length, CXmlSerializationContext const& ctx) {
-  ReadDocument(*this, ctx, InputForm::kBytes, nullptr,
-               [&](CXmlDocument& document) { document.LoadXmlStream(data, length); });
+  ReadDocument(*this, ctx, InputForm::kBytes, nullptr, [&](CXmlDocument& document) {
+    if (HeldBytes::Are(data, length)) return XmlNodeAccess::LoadLentStream(document, data, length);
+    document.LoadXmlStream(data, length);
+  });
 }
 
 void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationContext const& ctx) {
-  FromXmlStream(data.GetData(), data.GetLength(), ctx);
+  HeldBytes const held(data);
+  FromXmlStream(held.Get().GetData(), held.Get().GetLength(), ctx);
 }
 
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
-  Utf8Text::Scope const scope(TextUse(*this, ctx));
+  TextScope const scope(*this, ctx);
   DocumentPlaces places(element);
   ReadWithReport(ctx, places, [&] { ReadFrom(element, *this, ctx); });
 }

@@ -7,15 +7,16 @@
 
 #include "quillon9/values/variant.h"
 #include "values/number_text.h"
+#include "values/ruled_values.h"
 
 namespace Quillon9Data {
 
-/// The text of a value as QnVariant::ToString() returns it, but without copying a string: the value must outlive this
+/// The text of a value as RuledValues::ToText() returns it, but without copying a string: the value must outlive this
 /// object and must not change.
 class PrintedText {
  public:
   PrintedText(Quillon9::QnVariant const& value, char const* format)
-      : m_printed(IsString(value) ? std::string() : value.ToString(format)),
+      : m_printed(IsString(value) ? std::string() : Quillon9::RuledValues::ToText(value, format)),
         m_text(IsString(value) ? value.GetString() : m_printed) {}
   PrintedText(PrintedText const&) = delete;
   PrintedText& operator=(PrintedText const&) = delete;

@@ -11,6 +11,7 @@
 #include "quillon9/text/encoder.h"
 #include "quillon9/values/base64.h"
 #include "quillon9/values/conversions.h"
+#include "values/rules_in_use.h"
 
 namespace Quillon9 {
 
@@ -76,7 +77,9 @@ std::string Base64Text(unsigned char const* data, unsigned long length) {
   if (length > kMaxBase64Length) {
     throw CQnException(FormatString("The data is too long for base64 [%lu bytes]", length));
   }
-  return CBase64().Encode(data, static_cast<int>(length));
+  std::string text = CBase64().Encode(data, static_cast<int>(length));
+  if (RulesInUse::AreSchema()) text.append((4 - text.size() % 4) % 4, '=');
+  return text;
 }
 
 [[noreturn]] void ThrowUnknown() { throw CQnException("Unknown byte encoding."); }
@@ -93,8 +96,14 @@ std::string Join(unsigned char const* data, unsigned long length, unsigned long 
   return result;
 }
 
-// All four octets are assumed to equal the first one: documents have always been read like this.
+/// The format in which no bit of a number is lost, where that matters.
+char const* NumberFormat() { return RulesInUse::AreSchema() ? kShortestFormat : nullptr; }
+
+// By the classic rules, all four octets are assumed to equal the first one: documents have always been read like this.
 std::string FloatText(unsigned char const* data) {
+  if (RulesInUse::AreSchema()) {
+    return CConversions::r4ToString(BitsOf<float>(ReadBigEndian<std::uint32_t>(data)), kShortestFormat);
+  }
   return CConversions::r4ToString(BitsOf<float>(std::uint32_t{data[0]} * 0x01010101U));
 }
 
@@ -156,7 +165,7 @@ std::string DecodedText(unsigned long algorithm, unsigned char const* data, unsi
     case fi::kFloat: return Join(data, length, 4, "FLOAT", FloatText);
     case fi::kDouble:
       return Join(data, length, 8, "DOUBLE", [](unsigned char const* at) {
-        return CConversions::r8ToString(BitsOf<double>(ReadBigEndian<std::uint64_t>(at)));
+        return CConversions::r8ToString(BitsOf<double>(ReadBigEndian<std::uint64_t>(at)), NumberFormat());
       });
     case fi::kUuid:
       return Join(data, length, kUuidSize, "UUID",

@@ -1,15 +1,15 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
-#include <vector>
 
 #include "fastinfoset/octet_source.h"
-#include "quillon9/fastinfoset/vocabulary.h"
+#include "fastinfoset/reader_tables.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/document.h"
 #include "text/utf8_to_local.h"
@@ -21,10 +21,10 @@ namespace Quillon9 {
 /// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
 /// these operations get that octet as argument. A reader lives for one parse, on the stack of the load.
 ///
-/// Constructs that have no place in the tree (all components of the header, comments, processing instructions, the
-/// document type, unexpanded entity references) are skipped by their lengths, whatever they contain. A document's own
-/// initial vocabulary is among them, so an index can refer only to entries from the context's vocabulary or from the
-/// document itself.
+/// Constructs that have no place in the tree (all components of the header, the document type, unexpanded entity
+/// references, and comments and processing instructions unless the document keeps them) are skipped by their lengths,
+/// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from
+/// the context's vocabulary or from the document itself.
 class CFastInfosetReader {
  public:
   /// Both arguments are kept by reference. \p document must not have a tree yet.
@@ -50,10 +50,6 @@ class CFastInfosetReader {
   std::string GetSpelledAttribute(CXmlName const& name);
 
  private:
-  using Strings = std::vector<std::string>;
-  using Names = std::vector<CFIVocabulary::CQNameParts>;
-  using SharedNames = std::vector<CXmlName const*>;
-
   /// An encoded character string: the meaning of its octets and their position.
   struct EncodedString {
     enum class Kind : std::uint8_t { kUtf8, kUtf16, kRestrictedAlphabet, kEncodingAlgorithm };
@@ -84,18 +80,25 @@ class CFastInfosetReader {
   // Items skipped both in the header and among the elements.
   void SkipIdentifyingStringsOrIndices(std::uint32_t count);
   void SkipNonIdentifyingStringOrIndex();
-  void ProcessingInstruction();
+  void ProcessingInstruction(bool isKept = true);
+  void Comment();
+  std::string OtherName();
+  std::string OtherString();
   void DocumentTypeDeclarationBit7(std::uint32_t octet);
   void NotationBit7(std::uint32_t octet);
   void UnparsedEntityBit8(std::uint32_t octet);
   void UnexpandedEntityReferenceBit7(std::uint32_t octet);
 
   // Structure.
+  void StartTables();
   void ReadChildren();
   void ElementBit2(std::uint32_t octet);
+  bool ReadTextElement(CXmlElement& parent, CXmlName const& name);
   void StartElement(std::uint32_t octet);
+  [[noreturn]] void ThrowNestedTooDeep() const;
   void ReadContent(CXmlElement* element, std::uint32_t octet);
   void ReadCharacterChunk(CXmlElement* element, std::uint32_t octet);
+  void AppendText(CXmlElement* element, std::string_view text);
   void NamespaceAttributes();
   void NamespaceAttributeBit7(std::uint32_t octet);
   void Attributes(CXmlElement* element);
@@ -106,18 +109,22 @@ class CFastInfosetReader {
   void OutlineElement(std::uint32_t octet);
   void FollowStart(std::size_t open, std::size_t at);
   void FollowEnds(std::size_t& open, std::size_t at);
-  void Learn(Names const& table, std::size_t& known, Spellings& spellings);
+  void Learn(ReadNames const& table, std::size_t& known, Spellings& spellings);
   static std::string Spelled(Spellings const& spellings, CXmlName const& name);
 
   // Names and strings.
   CXmlName const* AttributeNameBit2(std::uint32_t octet);
   CXmlName const* ElementNameBit3(std::uint32_t octet);
-  CXmlName const* NameInTable(Names const& table, std::size_t index, SharedNames& shared);
-  CXmlName const* SharedName(CFIVocabulary::CQNameParts const& parts);
-  void NotePrefix(CFIVocabulary::CQNameParts const& parts, Names const& table);
-  CXmlName const* ReadQName(std::uint32_t octet, Names& table);
-  std::uint32_t IdentifyingStringOrIndex(Strings& table);
-  std::string NonIdentifyingStringOrIndexBit1(Strings& table);
+  CXmlName const* NameInTable(ReadNames& table, std::uint32_t index);
+  CXmlName const* SharedName(ReadName const& name);
+  bool HasPrefixToNote(ReadName const& name, ReadNames const& table) const;
+  void NotePrefix(ReadName const& name);
+  CXmlName const* ReadQName(std::uint32_t octet, ReadNames& table);
+  void SetNoted(ReadName& name, ReadNames const& table);
+  std::uint32_t IdentifyingStringOrIndex(ReadStrings& table);
+  std::string_view NonIdentifyingStringOrIndexBit1(ReadStrings& table);
+  std::string_view AddToTable(std::string_view text, ReadStrings& table);
+  std::string_view Local(std::string_view utf8);
   EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
   EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
   void CheckLeastTextSize(EncodedString const& source) const;
@@ -127,11 +134,22 @@ class CFastInfosetReader {
   CXmlDocument& m_document;
   CUtf8ToLocal const m_toLocal;
   COctetSource m_source;
-  /// Created when the input has turned out to be Fast Infoset.
-  std::optional<CFIVocabulary> m_vocabulary;
-  /// The names of the tree for the entries of the vocabulary's tables, null until they are first used.
-  SharedNames m_elementNames;
-  SharedNames m_attributeNames;
+  ReadStrings m_prefixes;
+  ReadStrings m_namespaces;
+  ReadStrings m_localNames;
+  ReadStrings m_chunks;
+  ReadStrings m_attributeValues;
+  ReadNames m_elementNames;
+  ReadNames m_attributeNames;
+  /// The names of elements without attributes that take one octet: an octet below the size of this table has the index of
+  /// its entry, counted from 0. Null until the name in m_elementNames is noted.
+  std::array<CXmlName const*, 0x20> m_firstNames{};
+  /// Text that is not in the input as it is.
+  std::string m_text;
+  std::uint32_t m_maxDepth = 0;
+  bool const m_keepsMarkup;
+  ReadStrings m_otherNames;
+  ReadStrings m_otherStrings;
   /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
   bool m_doubleTerminator = false;
   DocumentOutline* m_outline = nullptr;

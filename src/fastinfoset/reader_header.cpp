@@ -51,7 +51,7 @@ void CFastInfosetReader::ReadOptionalData() {
   if ((components & fi::kUnparsedEntities) != 0) UnparsedEntities();
   if ((components & fi::kCharacterEncodingScheme) != 0) SkipNonEmptyOctetString();
   if ((components & fi::kStandalone) != 0) m_source.Move(1);
-  if ((components & fi::kVersion) != 0) SkipNonIdentifyingStringOrIndex();
+  if ((components & fi::kVersion) != 0) OtherString();
 }
 
 /// Skip pairs of a URI and data, both of which are octet strings.
@@ -131,29 +131,26 @@ void CFastInfosetReader::SkipNonIdentifyingStringOrIndex() {
   }
 }
 
-/// Skip the target and the content.
-void CFastInfosetReader::ProcessingInstruction() {
-  SkipIdentifyingStringsOrIndices(1);
-  SkipNonIdentifyingStringOrIndex();
-}
-
 /// Skip the system and public identifier if the octet announces them, then processing instructions.
 void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
   CXmlDocument::CheckDocumentType();
   SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
   std::uint32_t child = m_source.Octet();
-  for (; child == fi::kProcessingInstruction; child = m_source.Octet()) ProcessingInstruction();
+  for (; child == fi::kProcessingInstruction; child = m_source.Octet()) ProcessingInstruction(false);
   if (child != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Document Type Declaration type.");
 }
 
 /// Skip the name, then the system and public identifier if the octet announces them.
 void CFastInfosetReader::NotationBit7(std::uint32_t octet) {
-  SkipIdentifyingStringsOrIndices(1 + CountIdentifiers(octet));
+  OtherName();
+  SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
 }
 
 /// Skip the name, the system identifier, the public identifier if the octet announces it, and the notation's name.
 void CFastInfosetReader::UnparsedEntityBit8(std::uint32_t octet) {
-  SkipIdentifyingStringsOrIndices(3 + (octet & kHasPublicIdentifier));
+  OtherName();
+  SkipIdentifyingStringsOrIndices(1 + (octet & kHasPublicIdentifier));
+  OtherName();
 }
 
 /// Has the form of a notation.

@@ -38,7 +38,7 @@ void CFastInfosetReader::FollowStart(std::size_t open, std::size_t at) {
   if (m_document.GetOpenElementCount() == open) {
     element = element != nullptr ? XmlNodeAccess::LastChild(*element) : m_document.GetDocumentElement();
   }
-  Learn(m_vocabulary->GetElementNamesTable().GetVector(), m_knownElements, m_elementSpellings);
+  Learn(m_elementNames, m_knownElements, m_elementSpellings);
   m_outline->Start(Spelled(m_elementSpellings, element->GetNames()), {static_cast<std::uint32_t>(at), 0, 0});
 }
 
@@ -47,13 +47,13 @@ void CFastInfosetReader::FollowEnds(std::size_t& open, std::size_t at) {
 }
 
 /// Names with a prefix are spelled out before they are used, so the last spelling of a name counts.
-void CFastInfosetReader::Learn(Names const& table, std::size_t& known, Spellings& spellings) {
-  auto const& prefixes = m_vocabulary->GetPrefixNamesTable().GetVector();
-  for (; known < table.size(); ++known) {
-    CFIVocabulary::CQNameParts const& parts = table[known];
-    if (parts.m_prefix == 0 || parts.m_prefix > prefixes.size()) continue;
-    CXmlName const* const name = SharedName(parts);
-    spellings[{name->namespaceUri, name->localName}] = prefixes[parts.m_prefix - 1] + ':' + name->localName;
+void CFastInfosetReader::Learn(ReadNames const& table, std::size_t& known, Spellings& spellings) {
+  for (; known < table.GetSize(); ++known) {
+    ReadName const& each = table.At(known + 1);
+    if (each.prefix == 0 || each.prefix > m_prefixes.GetSize()) continue;
+    CXmlName const* const name = SharedName(each);
+    std::string const prefix(m_prefixes.At(each.prefix).GetView());
+    spellings[{name->namespaceUri, name->localName}] = prefix + ':' + name->localName;
   }
 }
 
@@ -65,7 +65,7 @@ std::string CFastInfosetReader::Spelled(Spellings const& spellings, CXmlName con
 std::string CFastInfosetReader::GetSpelledAttribute(CXmlName const& name) {
   Spellings spellings;
   std::size_t known = 0;
-  Learn(m_vocabulary->GetAttributeNamesTable().GetVector(), known, spellings);
+  Learn(m_attributeNames, known, spellings);
   return Spelled(spellings, name);
 }
 

@@ -12,8 +12,11 @@ namespace Quillon9 {
 
 namespace {
 
-constexpr std::size_t kFirstSlots = 16;
-constexpr std::size_t kRecentPlaces = 256;  // two for each result of QuickHash()
+constexpr std::size_t kFirstSlots = 32;
+constexpr std::size_t kFirstBlock = 1024;
+constexpr std::size_t kLargestBlock = 64 * 1024;
+constexpr unsigned kRecentBits = 7;
+constexpr std::size_t kRecentPlaces = 2U << kRecentBits;  // two for each result of QuickHash()
 constexpr char kKeySeparator = '\x01';
 
 using SeededHash::kShort;
@@ -23,11 +26,10 @@ bool IsAt(char const* at, std::string_view part) { return IsSameText({at, part.s
 // Hash only the length and the ends, where collisions do no harm: names that a document chooses to collide are still
 // found in the map.
 std::size_t QuickHash(std::string_view text) {
-  return (ByteBlocks::LoadShort(text.data(), text.size(), 0) ^ text.size()) * SeededHash::kOdd >> 57;
+  return (ByteBlocks::LoadShort(text.data(), text.size(), 0) ^ text.size()) * SeededHash::kOdd >> (64 - kRecentBits);
 }
 
-bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view namespaceUri,
-             std::string_view localName) {
+bool IsKeyOf(std::string_view key, std::string_view prefix, std::string_view namespaceUri, std::string_view localName) {
   if (key.size() != localName.size() + namespaceUri.size() + prefix.size() + 2) return false;
   char const* const uri = key.data() + localName.size() + 1;
   char const* const prefixAt = uri + namespaceUri.size() + 1;
@@ -39,69 +41,117 @@ bool IsKeyOf(std::string const& key, std::string_view prefix, std::string_view n
 
 // ---- CFIIndexMap
 
-CFIIndexMap::Slot CFIIndexMap::MakeSlot(std::string_view text, std::size_t index) {
-  return {text.size() <= kShort ? SeededHash::ShortWord(text) : SeededHash::OfLong(text),
-          static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX)),
-          static_cast<std::uint32_t>(index)};
+namespace {
+
+constexpr std::uint64_t kPlaceBits = UINT32_MAX;
+
+}  // namespace
+
+/// A slot for \p text without its index and its place.
+CFIIndexMap::Slot CFIIndexMap::MakeSlot(std::string_view text) {
+  bool const isShort = text.size() <= kShort;
+  return {isShort ? SeededHash::ShortWord(text) : SeededHash::OfLong(text) & ~kPlaceBits,
+          static_cast<std::uint32_t>(std::min<std::size_t>(text.size(), UINT32_MAX)), 0};
 }
 
 std::uint64_t CFIIndexMap::HashOf(Slot const& slot) {
-  return slot.m_length > kShort ? slot.m_word : SeededHash::OfShort(slot.m_word, slot.m_length);
+  return slot.m_length > kShort ? slot.m_word >> 32 : SeededHash::OfShort(slot.m_word, slot.m_length);
+}
+
+/// The text of a slot with a long one.
+std::string_view CFIIndexMap::TextAt(Slot const& slot) const {
+  Place const& place = m_places[slot.m_word & kPlaceBits];
+  std::string const& block = m_texts[place.m_block];
+  // A text that is longer than the slot can say has a block to itself.
+  std::size_t const length = slot.m_length < UINT32_MAX ? slot.m_length : block.size();
+  return {block.data() + place.m_offset, length};
 }
 
 // Return the slot of `text`, or the free slot where it belongs. There is always a free one. Open addressing is faster
 // than std::unordered_map for names, and a short text is identified by its slot alone, which saves cache misses.
 std::size_t CFIIndexMap::SlotFor(std::string_view text, Slot const& wanted) const {
+  bool const isShort = text.size() <= kShort;
+  std::uint64_t const ignored = isShort ? 0 : kPlaceBits;
   std::size_t const mask = m_slots.size() - 1;
   for (std::size_t at = HashOf(wanted) & mask;; at = (at + 1) & mask) {
     Slot const& slot = m_slots[at];
     if (slot.m_index == 0) return at;
-    if (slot.m_word != wanted.m_word || slot.m_length != wanted.m_length) continue;
-    if (text.size() <= kShort || m_texts[slot.m_index - 1] == text) return at;
+    if (slot.m_length != wanted.m_length || ((slot.m_word ^ wanted.m_word) & ~ignored) != 0) continue;
+    if (isShort || IsSameText(TextAt(slot), text)) return at;
   }
 }
 
 unsigned long CFIIndexMap::Find(std::string_view text) const {
-  return m_slots.empty() ? 0 : m_slots[SlotFor(text, MakeSlot(text, 0))].m_index;
+  return m_slots.empty() ? 0 : m_slots[SlotFor(text, MakeSlot(text))].m_index;
 }
 
 void CFIIndexMap::Insert(std::string_view text) {
-  if (m_texts.size() * 2 >= m_slots.size()) Grow();
-  Slot const wanted = MakeSlot(text, m_texts.size() + 1);
+  if ((m_size + 1) * 4 > m_slots.size() * 3) Grow();
+  Slot wanted = MakeSlot(text);
   Slot& slot = m_slots[SlotFor(text, wanted)];
   if (slot.m_index != 0) return;
-  m_texts.emplace_back(text);
+  if (text.size() > kShort) {
+    m_places.push_back(Store(text));
+    wanted.m_word |= m_places.size() - 1;
+  }
+  wanted.m_index = static_cast<std::uint32_t>(++m_size);
   slot = wanted;
+}
+
+/// Keep a copy of \p text.
+CFIIndexMap::Place CFIIndexMap::Store(std::string_view text) {
+  bool const fits = !m_texts.empty() && m_texts.back().capacity() - m_texts.back().size() >= text.size();
+  if (!fits) {
+    std::size_t const usual = m_texts.empty() ? kFirstBlock : std::min(2 * m_texts.back().capacity(), kLargestBlock);
+    std::string block;
+    block.reserve(std::max(usual, text.size()));
+    m_texts.push_back(std::move(block));
+  }
+  std::string& block = m_texts.back();
+  Place const place{static_cast<std::uint32_t>(m_texts.size() - 1), static_cast<std::uint32_t>(block.size())};
+  block.append(text);
+  return place;
 }
 
 void CFIIndexMap::MakeQNameKey(std::string_view prefix, std::string_view namespaceUri, std::string_view localName,
                                std::string& key) {
-  key.assign(localName);
-  key += kKeySeparator;
-  key += namespaceUri;
-  key += kKeySeparator;
-  key += prefix;
+  key.resize(localName.size() + namespaceUri.size() + prefix.size() + 2);
+  char* to = key.data();
+  auto const put = [&to](std::string_view part) {
+    CopyBlocks(to, part, [](std::uint64_t) { return false; });
+    to += part.size();
+  };
+  put(localName);
+  *to++ = kKeySeparator;
+  put(namespaceUri);
+  *to++ = kKeySeparator;
+  put(prefix);
 }
 
-// Look among recent names first, without building the key or hashing the namespace.
+// Look among recent names first, without building the key or hashing the namespace. Short keys are not among them.
 unsigned long CFIIndexMap::FindName(std::string_view prefix, std::string_view namespaceUri,
                                     std::string_view localName) {
+  if (m_slots.empty()) return 0;
   if (m_recent.empty()) m_recent.resize(kRecentPlaces);
   // Each hash has two places, so that two names do not evict each other in turn.
   std::uint32_t* const recent = &m_recent[QuickHash(localName) * 2];
-  for (std::uint32_t const index : {recent[0], recent[1]}) {
-    if (!kRecentNames.IsOn() || index == 0) continue;
-    if (!IsKeyOf(m_texts[index - 1], prefix, namespaceUri, localName)) continue;
+  for (std::uint32_t const number : {recent[0], recent[1]}) {
+    if (!kRecentNames.IsOn() || number == 0) continue;
+    Slot const& slot = m_slots[number - 1];
+    if (!IsKeyOf(TextAt(slot), prefix, namespaceUri, localName)) continue;
     kRecentNames.Verify([&] {
       MakeQNameKey(prefix, namespaceUri, localName, m_key);
-      return index == Find(m_key);
+      return slot.m_index == Find(m_key);
     });
-    return index;
+    return slot.m_index;
   }
   MakeQNameKey(prefix, namespaceUri, localName, m_key);
-  unsigned long const index = Find(m_key);
-  if (index != 0) recent[1] = std::exchange(recent[0], static_cast<std::uint32_t>(index));
-  return index;
+  std::size_t const at = SlotFor(m_key, MakeSlot(m_key));
+  Slot const& slot = m_slots[at];
+  if (slot.m_index != 0 && m_key.size() > kShort && at < UINT32_MAX) {
+    recent[1] = std::exchange(recent[0], static_cast<std::uint32_t>(at + 1));
+  }
+  return slot.m_index;
 }
 
 void CFIIndexMap::Grow() {
@@ -114,6 +164,29 @@ void CFIIndexMap::Grow() {
     larger[at] = slot;
   }
   m_slots.swap(larger);
+  std::fill(m_recent.begin(), m_recent.end(), 0);
+}
+
+/// Whether emptying the map takes little time, and keeping its memory little memory.
+bool CFIIndexMap::IsSmall() const {
+  constexpr std::size_t kMostSlots = 512;
+  constexpr std::size_t kMostText = 32 * 1024;
+  std::size_t text = m_key.capacity();
+  for (std::string const& block : m_texts) text += block.capacity();
+  return m_slots.size() <= kMostSlots && text <= kMostText;
+}
+
+/// Empty the map and keep its memory, except for all blocks but the last.
+void CFIIndexMap::Clear() {
+  if (m_size == 0) return;
+  m_size = 0;
+  std::fill(m_slots.begin(), m_slots.end(), Slot());
+  std::fill(m_recent.begin(), m_recent.end(), 0);
+  m_places.clear();
+  if (m_texts.empty()) return;
+  std::swap(m_texts.front(), m_texts.back());
+  m_texts.resize(1);
+  m_texts.front().clear();
 }
 
 // ---- Tables
@@ -130,8 +203,7 @@ CFIVocabulary::CFIQNameTable::~CFIQNameTable() = default;
 
 // ---- CFIVocabulary
 
-CFIVocabulary::CFIVocabulary()
-    : m_restrictedAlphabets{RESTRICTED_ALPHABET_VALUES_NUMERIC, RESTRICTED_ALPHABET_VALUES_DATE_TIME} {
+CFIVocabulary::CFIVocabulary() {
   AddPrefixName(FI_DEFAULT_PREFIX);
   AddNamespaceName(FI_DEFAULT_NAMESPACE);
 }
@@ -139,6 +211,12 @@ CFIVocabulary::CFIVocabulary()
 CFIVocabulary::CFIVocabulary(CFIVocabulary const& other) = default;
 CFIVocabulary& CFIVocabulary::operator=(CFIVocabulary const& other) = default;
 CFIVocabulary::~CFIVocabulary() = default;
+
+std::vector<std::string> const& CFIVocabulary::GetRestrictedAlphabets() const {
+  static auto const& alphabets =
+      *new std::vector<std::string>{RESTRICTED_ALPHABET_VALUES_NUMERIC, RESTRICTED_ALPHABET_VALUES_DATE_TIME};
+  return alphabets;
+}
 
 void CFIVocabulary::AddValueToMap(std::string_view value, CFIIndexMap& map) {
   if (map.size() < kMaxEntries) map.Insert(value);

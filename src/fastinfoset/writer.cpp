@@ -9,12 +9,13 @@
 #include "base/text_arguments.h"
 #include "fastinfoset/algorithms.h"
 #include "fastinfoset/constants.h"
-#include "fastinfoset/known_names.h"
 #include "fastinfoset/octet_sink.h"
 #include "fastinfoset/restricted_alphabet_packing.h"
+#include "fastinfoset/writer_tables.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/text/encoder.h"
+#include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
 #include "xmlio/child_prefix.h"
@@ -75,8 +76,7 @@ CFastInfosetWriter::CFastInfosetWriter(CFastInfosetContext const& options, CBina
     : CXmlWriter("CFastInfosetWriter"),
       m_output(std::make_unique<COctetSink>(stream)),
       m_options(&options),
-      m_vocabulary(options.GetUseGeneratedVocabulary() ? options.GetVocabulary() : CFIVocabulary()),
-      m_knownNames(std::make_unique<CKnownNames>()),
+      m_tables(WriterTables::Take(options.GetUseGeneratedVocabulary() ? &options.GetVocabulary() : nullptr)),
       m_isAsciiUtf8(CEncoder::IsUtf8SameInLocalCodePage("a", 1)) {}
 
 CFastInfosetWriter::~CFastInfosetWriter() {
@@ -84,6 +84,7 @@ CFastInfosetWriter::~CFastInfosetWriter() {
     m_output->Flush();
   } catch (...) {  // out of memory: the document is incomplete in any case
   }
+  WriterTables::Give(std::move(m_tables));
   if (m_pendingElement == nullptr) return;
   m_pendingElement->m_parent = nullptr;
   delete m_pendingElement;
@@ -179,14 +180,13 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
   CXmlWriterContext& pending = *m_pendingElement;
   unsigned long const number = kRememberedNumber.IsOn() ? XmlWriterAccess::NameNumber(pending) : 0;
   if (number != 0) {
-    kRememberedNumber.Verify([&] {
-      return number == IndexOf(m_vocabulary.GetElementNameIndex(), pending, pending.m_namespace, pending.m_elementName);
-    });
+    kRememberedNumber.Verify(
+        [&] { return number == IndexOf(m_tables->elementNames, pending, pending.m_namespace, pending.m_elementName); });
     return m_output->Integer1To2pw20Bit3(leading, number);
   }
   std::string const& uri = pending.m_namespace;
   std::string const& prefix = pending.NeedsNoPrefix() ? NoPrefix() : PrefixOf(pending, uri);
-  unsigned long const index = m_vocabulary.GetElementNameIndex().FindName(prefix, uri, pending.m_elementName);
+  unsigned long const index = m_tables->elementNames.FindName(prefix, uri, pending.m_elementName);
   ElementName(leading, index, &prefix, uri, pending.m_elementName);
   XmlWriterAccess::SetNameNumber(pending, index);
 }
@@ -194,12 +194,12 @@ void CFastInfosetWriter::NameOfPending(std::uint32_t leading) {
 void CFastInfosetWriter::WriteNamespaceAttributes(bool isRoot) {
   auto const declare = [this](std::string const& prefix, std::string const& uri) {
     m_output->Octet(fi::kNamespaceAttribute | fi::kHasPrefix | fi::kHasNamespaceName);
-    Prefix(prefix);
-    NamespaceName(uri);
+    IdentifyingString(prefix, m_tables->prefixes);
+    IdentifyingString(uri, m_tables->namespaces);
   };
   if (isRoot && !m_defaultNamespace.empty()) {
     m_output->Octet(fi::kNamespaceAttribute | fi::kHasNamespaceName);
-    NamespaceName(m_defaultNamespace);
+    IdentifyingString(m_defaultNamespace, m_tables->namespaces);
   }
   if (isRoot) {
     for (auto const& binding : m_namespaceMap) {
@@ -233,6 +233,21 @@ bool CFastInfosetWriter::DeclarePrefix(std::string const& prefix, std::string co
 
 void CFastInfosetWriter::PreserveSpace() {
   if (m_mixed == nullptr) m_mixed = StartedElement();
+}
+
+void CFastInfosetWriter::WriteMarkup(CMarkup const& markup) {
+  WriteElement(false);
+  EndChild();
+  if (m_context != nullptr) CloseTag();
+  m_output->Octet(markup.IsComment() ? fi::kComment : fi::kProcessingInstruction);
+  if (!markup.IsComment()) NonEmptyOctetUTF8StringBit2(0, markup.target);
+  std::string const text = markup.text.c_str();
+  if (text.empty()) {
+    m_output->Integer0To2pw20Bit2(fi::kIndexBit1, 0);
+  } else {
+    m_output->NonEmptyOctetStringBit5(0, Utf8(text));
+  }
+  m_output->FlushIfFull();
 }
 
 std::string const& CFastInfosetWriter::PrefixOf(CXmlWriterContext& context, std::string const& uri) {
@@ -273,11 +288,10 @@ void CFastInfosetWriter::WriteTextElement(std::string const& localName, std::str
   WriteElement(false);
   if (m_context == nullptr) return inSteps();
   std::string const* prefix = nullptr;
-  unsigned long index = member != 0 ? m_knownNames->Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
+  unsigned long index = member != 0 ? m_tables->knownNames.Find(member, XmlWriterAccess::ScopeState(*m_context)) : 0;
   if (index == 0 && !FindPrefixOfChild(*m_context, namespaceUri, prefix)) return inSteps();
   if (index != 0) {
-    kKnownNames.Verify(
-        [&] { return index == IndexOf(m_vocabulary.GetElementNameIndex(), *m_context, namespaceUri, localName); });
+    kKnownNames.Verify([&] { return index == IndexOf(m_tables->elementNames, *m_context, namespaceUri, localName); });
   }
   BeginChild();
   ++m_context->m_childCount;
@@ -322,9 +336,9 @@ void CFastInfosetWriter::LeaveOpen(std::string const& localName, std::string con
 // Return the index of a child of the open element; 0 if its name is to be written in full.
 unsigned long CFastInfosetWriter::FindNameOfChild(std::string const* prefix, std::string const& localName,
                                                   std::string const& namespaceUri, std::uint64_t member) {
-  CFIIndexMap& map = m_vocabulary.GetElementNameIndex();
+  CFIIndexMap& map = m_tables->elementNames;
   unsigned long const index = map.FindName(prefix != nullptr ? *prefix : NoPrefix(), namespaceUri, localName);
-  if (index != 0 && member != 0) m_knownNames->Add(member, XmlWriterAccess::ScopeState(*m_context), index);
+  if (index != 0 && member != 0) m_tables->knownNames.Add(member, XmlWriterAccess::ScopeState(*m_context), index);
   return index;
 }
 
@@ -374,7 +388,7 @@ void CFastInfosetWriter::WriteAttributeType(std::string const& namespaceUri, std
 
 void CFastInfosetWriter::QualifiedNameOrIndexBit2(std::string const& prefix, std::string const& uri,
                                                   std::string const& localName) {
-  CFIIndexMap& map = m_vocabulary.GetAttributeNameIndex();
+  CFIIndexMap& map = m_tables->attributeNames;
   unsigned long const index = map.FindName(prefix, uri, localName);
   if (index != 0) {
     m_output->Integer1To2pw20Bit2(0, index);
@@ -390,7 +404,7 @@ void CFastInfosetWriter::ElementName(std::uint32_t leading, unsigned long index,
     m_output->Integer1To2pw20Bit3(leading, index);
   } else {
     LiteralName(leading | fi::kLiteralElementName, prefix != nullptr ? *prefix : NoPrefix(), uri, localName,
-                m_vocabulary.GetElementNameIndex());
+                m_tables->elementNames);
   }
 }
 
@@ -399,41 +413,17 @@ void CFastInfosetWriter::LiteralName(std::uint32_t leading, std::string const& p
   if (!prefix.empty()) leading |= fi::kHasPrefix;
   if (!prefix.empty() || !uri.empty()) leading |= fi::kHasNamespaceName;
   m_output->Octet(leading);
-  if (!prefix.empty()) Prefix(prefix);
-  if (!uri.empty()) NamespaceName(uri);
-  LocalName(localName);
+  if (!prefix.empty()) IdentifyingString(prefix, m_tables->prefixes);
+  if (!uri.empty()) IdentifyingString(uri, m_tables->namespaces);
+  IdentifyingString(localName, m_tables->localNames);
   CFIIndexMap::MakeQNameKey(prefix, uri, localName, m_scratch);
-  m_vocabulary.AddValueToMap(m_scratch, map);
+  AddToIndex(map, m_scratch);
 }
 
-void CFastInfosetWriter::Prefix(std::string const& prefix) {
-  unsigned long index = 0;
-  if (m_vocabulary.FindPrefixNameIndex(prefix, index)) {
-    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
-  } else {
-    NonEmptyOctetUTF8StringBit2(0, prefix);
-    m_vocabulary.AddPrefixName(prefix);
-  }
-}
-
-void CFastInfosetWriter::NamespaceName(std::string const& uri) {
-  unsigned long index = 0;
-  if (m_vocabulary.FindNamespaceNameIndex(uri, index)) {
-    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
-  } else {
-    NonEmptyOctetUTF8StringBit2(0, uri);
-    m_vocabulary.AddNamespaceName(uri);
-  }
-}
-
-void CFastInfosetWriter::LocalName(std::string const& localName) {
-  unsigned long index = 0;
-  if (m_vocabulary.FindLocalNameIndex(localName, index)) {
-    m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
-  } else {
-    NonEmptyOctetUTF8StringBit2(0, localName);
-    m_vocabulary.AddLocalName(localName);
-  }
+void CFastInfosetWriter::IdentifyingString(std::string const& text, CFIIndexMap& map) {
+  if (unsigned long const index = map.Find(text)) return m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
+  NonEmptyOctetUTF8StringBit2(0, text);
+  AddToIndex(map, text);
 }
 
 // ---- Strings
@@ -454,7 +444,7 @@ void CFastInfosetWriter::NonEmptyOctetUTF8StringBit2(std::uint32_t leading, std:
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string_view value, ItemType type) {
-  CFIIndexMap& map = m_vocabulary.GetAttributeValueIndex();
+  CFIIndexMap& map = m_tables->attributeValues;
   if (value.empty()) {
     m_output->Integer0To2pw20Bit2(fi::kIndexBit1, 0);
   } else if (value.size() >= m_options->GetAttributeMaxAddLength()) {
@@ -463,12 +453,12 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string_view value,
     m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
   } else {
     EncodedCharacterStringBit3(fi::kAddToTableBit1, value, type);
-    m_vocabulary.AddValueToMap(value, map);
+    AddToIndex(map, value);
   }
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, std::string_view value, ItemType type) {
-  CFIIndexMap& map = m_vocabulary.GetCharacterChunkIndex();
+  CFIIndexMap& map = m_tables->chunks;
   bool const isShort = value.size() < m_options->GetElementMaxAddLength();
   if (isShort) {
     if (unsigned long const index = map.Find(value)) {
@@ -477,14 +467,14 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, 
     leading |= fi::kAddToTableBit3;
   }
   EncodedCharacterStringBit5(leading, value, type);
-  if (isShort) m_vocabulary.AddValueToMap(value, map);
+  if (isShort) AddToIndex(map, value);
 }
 
 // Return the octets of a value under an alphabet or algorithm, which live until the next string.
 std::string_view CFastInfosetWriter::Encoded(unsigned long kind, unsigned long index, std::string_view value) {
   m_scratch.clear();
   if (kind == kRestrictedAlphabet) {
-    AppendRestrictedAlphabetString(m_scratch, value, m_vocabulary.GetRestrictedAlphabets()[index - 1]);
+    AppendRestrictedAlphabetString(m_scratch, value, m_options->GetVocabulary().GetRestrictedAlphabets()[index - 1]);
   } else {
     AppendEncoded(index, value.data(), m_scratch);
   }

@@ -2,7 +2,7 @@
 
 #include "binding/failure_report.h"
 #include "binding/name_match.h"
-#include "generated/generic_reading.h"
+#include "descriptors/generic_reading.h"
 #include "generated/namespace_rule.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"

@@ -7,20 +7,12 @@
 #include <utility>
 #include <vector>
 
+#include "descriptors/form_access.h"
 #include "quillon9/binding/collection.h"
 #include "quillon9/generated/bound_object.h"
 #include "quillon9/generated/object_col.h"
 
 namespace Quillon9 {
-
-/// What an object keeps of the form of the document it was read from.
-struct BoundForm {
-  std::vector<int> members;  ///< of an all group, by their places in the group; empty for the order of the schema
-  /// For each element of mixed content, the size of the text in front of it; further ones follow all text. Without a
-  /// value, all elements stand in front of the text.
-  std::optional<std::vector<std::size_t>> places = std::vector<std::size_t>();
-  std::vector<std::pair<std::string, std::string>> prefixes;  ///< of the document, each with its URI
-};
 
 /// What the descriptors of generated classes do with their objects.
 struct BoundAccess {
@@ -42,28 +34,29 @@ struct BoundAccess {
   /// The places of the members of an all group in the order in which they were read; null where that is their own.
   ///@{
   static std::vector<int> const* Order(CXmlGeneratedClass const* holder) {
-    BoundForm const* const form = static_cast<CBoundObject const*>(holder)->m_form.get();
+    ObjectForm const* const form = FormAccess::Find(*holder);
     return form != nullptr && !form->members.empty() ? &form->members : nullptr;
   }
   static void SetOrder(CXmlGeneratedClass* holder, std::vector<int> order) {
-    FormToChange(*static_cast<CBoundObject*>(holder)).members = std::move(order);
+    FormAccess::ToChange(*holder).members = std::move(order);
   }
   ///@}
   /// The places of the text of mixed content; null if all of it follows the elements.
   ///@{
   static std::vector<std::size_t> const* Places(CBoundObject const& holder) {
     static auto const& none = *new std::vector<std::size_t>();
-    BoundForm const* const form = holder.m_form.get();
+    ObjectForm const* const form = FormAccess::Find(holder);
     if (form == nullptr) return &none;
     return form->places ? &*form->places : nullptr;
   }
   static void SetPlaces(CBoundObject& holder, std::optional<std::vector<std::size_t>> places) {
-    bool const isDefault = places && places->empty() && holder.m_form == nullptr;
-    if (!isDefault) FormToChange(holder).places = std::move(places);
+    bool const isDefault = places && places->empty() && FormAccess::Find(holder) == nullptr;
+    if (!isDefault) FormAccess::ToChange(holder).places = std::move(places);
   }
   ///@}
   static void SetPrefixes(CBoundObject& holder, std::vector<std::pair<std::string, std::string>> prefixes) {
-    if (!prefixes.empty() || holder.m_form != nullptr) FormToChange(holder).prefixes = std::move(prefixes);
+    bool const isDefault = prefixes.empty() && FormAccess::Find(holder) == nullptr;
+    if (!isDefault) FormAccess::ToChange(holder).prefixes = std::move(prefixes);
   }
   static BuiltClass const& Built(CBoundObject const& holder) { return holder.m_tables->Built(); }
   /// The first item of a collection of objects.
@@ -80,12 +73,6 @@ struct BoundAccess {
     static_cast<CBoundObject&>(object).m_elementNamespace = ns;
   }
   ///@}
-
- private:
-  static BoundForm& FormToChange(CBoundObject& holder) {
-    if (holder.m_form == nullptr) holder.m_form = std::make_unique<BoundForm>();
-    return *holder.m_form;
-  }
 };
 
 }  // namespace Quillon9

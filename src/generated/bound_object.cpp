@@ -5,14 +5,13 @@
 
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
+#include "descriptors/generic_reading.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
 #include "generated/element_group.h"
-#include "generated/generic_reading.h"
 #include "generated/mixed_content.h"
 #include "generated/namespace_rule.h"
-#include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/fastinfoset/writer.h"
@@ -20,6 +19,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/checking_writer.h"
 #include "xmlio/node_access.h"
 #include "xmlio/writer_access.h"
@@ -110,7 +110,7 @@ void CBoundObject::AccessProperty(int index, bool read, QnVariant& value) {
 
 void CBoundObject::Init() {
   if (std::exchange(m_isNew, false)) return;
-  m_form.reset();
+  FormAccess::Drop(*this);
   CClassRow const& row = m_tables->GetRow();
   for (int i = 0; i < row.firstProperty + row.propertyCount; ++i) {
     CPropertyRef const property = Property(i);
@@ -119,6 +119,8 @@ void CBoundObject::Init() {
 }
 
 bool CBoundObject::HoldsUtf8Text() const { return true; }
+
+ValueRules CBoundObject::GetDefaultValueRules() const { return m_tables->GetRow().valueRules; }
 
 CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                                        bool inChoice) {
@@ -129,7 +131,7 @@ CXmlElement* CBoundObject::FromXml_Int(CXmlElement* parent, CXmlElement* cursor,
   if (built.IsMixed()) MixedContent::AfterRead(*this, *parent, ctx);
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) ResolvePrefixes(*parent, ctx);
   ValueRule const* const rule = built.TextRule();
-  if (rule != nullptr && (ctx.GetChecksFacetsOnReading() || rule->HasFixedValue())) CheckText(*parent, ctx);
+  if (rule != nullptr && (ValueRule::ChecksFacets(ctx) || rule->HasFixedValue())) CheckText(*parent, ctx);
   return next;
 }
 
@@ -152,7 +154,7 @@ void CBoundObject::ReadNilAttribute(CXmlElement const& element, CXmlAttribute co
 void CBoundObject::KeepPrefixes(CXmlElement const& element) {
   CXmlDocument const* const document = element.GetDocument();
   bool const isRoot = document != nullptr && document->GetDocumentElement() == &element && !m_tables->GetRow().round;
-  BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : BoundForm().prefixes);
+  BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : ObjectForm().prefixes);
 }
 
 namespace {
@@ -173,7 +175,8 @@ void BindForDocument(std::vector<std::pair<std::string, std::string>> const& pre
 
 void CBoundObject::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                              bool inChoice) const {
-  if (isRoot && m_form != nullptr) BindForDocument(m_form->prefixes, ctx, *writer);
+  ObjectForm const* const form = isRoot ? FormAccess::Find(*this) : nullptr;
+  if (form != nullptr) BindForDocument(form->prefixes, ctx, *writer);
   CXmlGeneratedClass::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
 }
 
@@ -232,7 +235,7 @@ void CBoundObject::CheckText(CXmlElement const& element, CXmlSerializationContex
   try {
     QnVariant held;
     property.Read(held);
-    if (held.IsValid()) built.TextRule()->CheckRead(held, &ctx);
+    if (held.IsValid()) built.TextRule()->CheckRead(held, element.GetTextView(), &ctx);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {&element})) {
       throw CQnValidationException(FormatString("Failed to process the element [%s]", element.GetLocalName().c_str()),
@@ -267,8 +270,8 @@ namespace {
 
 void CBoundObject::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {
   BuiltClass const& built = m_tables->Built();
-  if (m_form != nullptr) {
-    for (auto const& [prefix, uri] : m_form->prefixes) writer->DeclarePrefix(prefix, uri);
+  if (ObjectForm const* const form = FormAccess::Find(*this)) {
+    for (auto const& [prefix, uri] : form->prefixes) writer->DeclarePrefix(prefix, uri);
   }
   if (!built.PrefixUsers().empty() || built.HasNamesInText()) DeclarePrefixes(*writer);
   if (m_writesType) WriteTypeAttribute(*writer, m_tables->GetRow(), ctx);
@@ -309,6 +312,7 @@ void CBoundObject::PrepareValue(int property, CPropertyRef const& value) {
   ValueRule const* const rule = m_tables->Built().At(property).rule.get();
   if (rule != nullptr) {
     Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
+    RulesInUse::Scope const rules(GetDefaultValueRules());
     QnVariant held;
     value.Read(held);
     rule->Check(held);

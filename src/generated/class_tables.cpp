@@ -7,8 +7,8 @@
 
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
+#include "descriptors/generic_reading.h"
 #include "generated/built_class.h"
-#include "generated/type_attribute.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/xmlio/document.h"
@@ -26,10 +26,6 @@ BuiltClass const& CClassTables::Build() const {
 CSmartPtr<CXmlObjectBase> CClassTables::CreateObject(char const* elementName) const {
   if (m_create != nullptr) return m_create(*this, elementName);
   throw CQnInvalidStateException(FormatString("The type [%s] is abstract", m_row->typeName));
-}
-
-CXmlAttribute const* FindTypeAttribute(CXmlElement const& element) {
-  return element.FindAttribute("type", "http://www.w3.org/2001/XMLSchema-instance");
 }
 
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "descriptors/generic_reading.h"
 #include "generated/bound_access.h"
-#include "generated/generic_reading.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"

@@ -2,7 +2,9 @@
 
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
+#include "descriptors/failed_scans.h"
 #include "descriptors/member_check.h"
+#include "descriptors/member_kind.h"
 #include "descriptors/member_signatures.h"
 #include "generated/bound_access.h"
 #include "generated/content.h"
@@ -134,7 +136,11 @@ void Miss(Part const& part, CXmlSerializationContext const& ctx, CXmlElement con
 
 void Take(Particle const& particle, CXmlSerializationContext const& ctx, CXmlGeneratedClass* holder,
           CXmlElement* parent, CXmlElement** cursor) {
+  FailedScans* const scans = ctx.GetKeepUnknown() ? FailedScans::Of(parent, ctx) : nullptr;
+  CXmlElement const* const start = *cursor;
+  std::size_t const listed = scans != nullptr ? scans->Listed() : 0;
   particle.info->ElementFromXml(ctx, holder, parent, cursor, "", XmlElementType_Pseudo);
+  if (scans != nullptr) scans->ListTaken(*particle.info, KindOf(*particle.info), ctx, start, *cursor, listed);
 }
 
 }  // namespace

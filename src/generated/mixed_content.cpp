@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "descriptors/generic_reading.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
-#include "generated/generic_reading.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
@@ -138,7 +138,7 @@ void MixedContent::AfterRead(CBoundObject& object, CXmlElement const& element, C
   } else if (element.IsMixed()) {
     bool const isWhole = !ctx.GetIgnoreUnknownElements() && ctx.GetFailureSink() == nullptr;
     std::vector<std::size_t> places = PlacesOf(object, element, isWhole);
-    ObjectContent::Count(element, sizeof(BoundForm) + places.size() * sizeof(std::size_t));
+    ObjectContent::Count(element, sizeof(ObjectForm) + places.size() * sizeof(std::size_t));
     BoundAccess::SetPlaces(object, std::move(places));
   }
 }

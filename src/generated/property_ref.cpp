@@ -7,6 +7,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "values/ruled_values.h"
 #include "xmlio/checking_writer.h"
 #include "xmlio/writer_access.h"
 
@@ -92,7 +93,7 @@ void ReadList(std::vector<Value> const& list, QnVariant& value) {
   for (Value const& each : list) {
     QnVariant item;
     Held<number>::Set(item, each);
-    std::string const itemText = item.ToString(FormatOf(number));
+    std::string const itemText = RuledValues::ToText(item, FormatOf(number));
     RequireItem(itemText);
     if (!text.empty()) text += ' ';
     text += itemText;
@@ -105,8 +106,7 @@ std::vector<Value> ListOf(QnVariant const& value) {
   std::vector<Value> list;
   std::string const text = value.GetString();
   for (ListItems items(text); items.Next();) {
-    QnVariant item;
-    item.FromString(std::string(items.Text()), number, CWhitespaceUtils::WhitespaceRule_Preserve);
+    QnVariant const item = RuledValues::FromPart(items.Text(), number, CWhitespaceUtils::WhitespaceRule_Preserve);
     Value held{};
     Held<number>::Get(item, held);
     list.push_back(std::move(held));
@@ -251,15 +251,28 @@ QN_VALUE_TYPES(QN_DEFINE_KIND)
 
 namespace {
 
+/// A collection of values in a generated class.
+template <class Collection>
+class PlainCol : public Collection {
+ public:
+  PlainCol(CElementRow const& row, CFacets const& f, CValueType const& type)
+      : Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
+                   f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind)) {
+    this->m_restrictions.comparesMonths = true;
+    this->m_restrictions.form = type.form;
+  }
+
+  /// The lengths of texts are numbers of characters.
+  bool HoldsUtf8Text() const override { return std::is_same_v<Collection, CstringCol> || Collection::HoldsUtf8Text(); }
+};
+
 /// A collection of values whose type has rules that the library's own collections do not know. They are checked when
 /// those of single values are.
 template <class Collection>
-class RuledCol : public Collection {
+class RuledCol : public PlainCol<Collection> {
  public:
   RuledCol(CElementRow const& row, CFacets const& f, CValueType const& type)
-      : Collection(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength, f.minInclusive,
-                   f.maxInclusive, f.minExclusive, f.maxExclusive, f.length, type.whitespace, FormatOf(type.kind)),
-        m_rule(row.name, type, nullptr, nullptr) {}
+      : PlainCol<Collection>(row, f, type), m_rule(row.name, type, nullptr, nullptr) {}
 
   void AddFromString(std::string text) override {
     Collection::AddFromString(std::move(text));
@@ -276,7 +289,7 @@ class RuledCol : public Collection {
  protected:
   CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice) override {
-    m_checksItems = ctx.GetChecksFacetsOnReading();
+    m_checksItems = ValueRule::ChecksFacets(ctx);
     struct Reset {
       bool& isOn;
       ~Reset() { isOn = false; }
@@ -320,39 +333,14 @@ class RuledCol : public Collection {
   bool m_checksItems = false;  // of a read that checks facets
 };
 
-/// A collection of texts, whose lengths are numbers of characters in generated classes.
-class TextCol : public CstringCol {
- public:
-  using CstringCol::CstringCol;
-  bool HoldsUtf8Text() const override { return true; }
-};
-
-/// A collection of dates, whose bounds count months.
-template <class Collection>
-class DateCol : public Collection {
- public:
-  template <class... Arguments>
-  explicit DateCol(Arguments... arguments) : Collection(arguments...) {
-    this->m_restrictions.comparesMonths = true;
-  }
-};
-
-/// The class that is made for a collection without such rules.
-template <class Collection>
-using Manners = std::conditional_t<
-    std::is_same_v<Collection, CstringCol>, TextCol,
-    std::conditional_t<std::is_base_of_v<CdatetimeBaseCol, Collection>, DateCol<Collection>, Collection>>;
-
 template <class Collection>
 CSmartPtr<CXmlObjectBase> MakeCollection(CElementRow const& row) {
   static constexpr CValueType kText;
   static constexpr CFacets kNone;
   CValueType const& type = row.value != nullptr ? *row.value : kText;
   CFacets const& f = type.facets != nullptr ? *type.facets : kNone;
-  if (ValueRule::HasOwnRules(type)) return new RuledCol<Manners<Collection>>(row, f, type);
-  return new Manners<Collection>(row.name, row.ns, row.minOccurs, row.maxOccurs, f.pattern, f.minLength, f.maxLength,
-                                 f.minInclusive, f.maxInclusive, f.minExclusive, f.maxExclusive, f.length,
-                                 type.whitespace, FormatOf(type.kind));
+  if (ValueRule::HasOwnRules(type)) return new RuledCol<Collection>(row, f, type);
+  return new PlainCol<Collection>(row, f, type);
 }
 
 }  // namespace

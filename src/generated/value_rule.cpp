@@ -13,10 +13,14 @@
 #include "quillon9/values/conversions.h"
 #include "quillon9/values/object_helper.h"
 #include "text/whitespace_view.h"
+#include "values/ruled_values.h"
+#include "values/schema_facets.h"
 
 namespace Quillon9 {
 
-CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
+namespace {
+
+CPrimitiveRestrictions FacetsOf(CValueType const& type) {
   if (type.facets == nullptr) return {};
   CFacets const& f = *type.facets;
   if (ValueRule::IsList(type)) return CPrimitiveRestrictions(OrEmpty(f.pattern), -1, -1, "", "", "", "", -1);
@@ -24,6 +28,14 @@ CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
                                       OrEmpty(f.maxInclusive), OrEmpty(f.minExclusive), OrEmpty(f.maxExclusive),
                                       f.length);
   restrictions.comparesMonths = true;
+  return restrictions;
+}
+
+}  // namespace
+
+CPrimitiveRestrictions RestrictionsOf(CValueType const& type) {
+  CPrimitiveRestrictions restrictions = FacetsOf(type);
+  if (!ValueRule::IsList(type)) restrictions.form = type.form;
   return restrictions;
 }
 
@@ -43,7 +55,7 @@ ValueRule::ValueRule(char const* name, CValueType const& type, char const* defau
   if (!HasParts(type)) return;
   if (IsList(type)) m_item = std::make_unique<ValueRule const>(name, *type.parts->item, nullptr, nullptr);
   for (int i = 0; i < type.parts->memberCount; ++i) {
-    m_members.emplace_back(name, *type.parts->members[i], nullptr, nullptr);
+    m_members.push_back(std::make_unique<ValueRule const>(name, *type.parts->members[i], nullptr, nullptr));
   }
 }
 
@@ -70,7 +82,7 @@ QnVariant ValueRule::Convert(std::string_view text) const {
       return hasNumbers ? m_item->Convert(item).ToString() : std::string(item);
     }));
   } else if (m_type.enumeration == nullptr) {
-    value.FromString(std::string(text), m_type.kind, m_type.whitespace);
+    value = RuledValues::FromPart(text, m_type.kind, m_type.whitespace);
   } else {
     std::string scratch;
     value.SetI4(m_type.enumeration->FromText(ApplyWhitespaceRule(m_type.whitespace, text, scratch)));
@@ -79,25 +91,58 @@ QnVariant ValueRule::Convert(std::string_view text) const {
 }
 
 QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx) const {
-  QnVariant value = ValueOf(text, isElement);
-  CheckRead(value, ctx);
+  std::string_view const used = TextOf(text, isElement);
+  QnVariant value = Convert(used);
+  CheckRead(value, used, ctx);
   return value;
 }
 
-void ValueRule::CheckRead(QnVariant const& value, CXmlSerializationContext const* ctx) const {
+void ValueRule::CheckRead(QnVariant const& value, std::string_view text, CXmlSerializationContext const* ctx) const {
   if (m_fixed != nullptr && (ctx == nullptr || ctx->GetChecksFixedValuesOnReading())) CheckFixed(value);
-  if (ctx != nullptr && ctx->GetChecksFacetsOnReading()) CheckFacets(value);
+  if (ctx != nullptr && ChecksFacets(*ctx)) CheckFacets(value, text);
+  if (ctx != nullptr && RulesInUse::AreSchema() && HasNames(m_type)) RequireNames(text);
+}
+
+// Other names are refused with the facets; the prefixes of these are replaced, and all that remains would be a name.
+void ValueRule::RequireNames(std::string_view text) const {
+  int count = 0;
+  bool areNames = true;
+  for (ListItems items(text); items.Next(); ++count) {
+    areNames = areNames && CSchemaValues::HasForm(items.Text(), SchemaForm::QName);
+  }
+  if (areNames && (m_item != nullptr || count == 1)) return;
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] is not a valid %s",
+                                                                           std::string(text).c_str(), "QName")));
+}
+
+bool ValueRule::ChecksFacets(CXmlSerializationContext const& ctx) {
+  return ctx.GetChecksFacetsOnReading() || RulesInUse::AreSchema();
 }
 
 // Whether two values are equal, however they are written.
 bool ValueRule::IsSame(QnVariant const& a, QnVariant const& b) const {
   if (m_item != nullptr) return IsSameList(a.GetString(), b.GetString());
+  if (RulesInUse::AreSchema()) {
+    if (!m_members.empty() && a.GetItemType() == ItemType_string) return IsSameInUnion(a.GetString(), b.GetString());
+    return CSchemaValues::Compare(a, b) == ValueOrder_Equal;
+  }
   switch (a.GetItemType()) {
     case ItemType_decimal: return a.GetDecimal() == b.GetDecimal();
     case ItemType_r4:
     case ItemType_r8: return a.ToString(kShortestFormat) == b.ToString(kShortestFormat);
     default: return a.ToString() == b.ToString();
   }
+}
+
+// Two texts are the same value if the first member that accepts them is the same for both, and makes the same of them.
+bool ValueRule::IsSameInUnion(std::string const& a, std::string const& b) const {
+  if (a == b) return true;
+  auto const accepts = [](std::string const& text) {
+    return [&text](std::unique_ptr<ValueRule const> const& member) { return member->Accepts(text); };
+  };
+  auto const member = std::find_if(m_members.begin(), m_members.end(), accepts(a));
+  if (member == m_members.end() || std::find_if(m_members.begin(), m_members.end(), accepts(b)) != member) return false;
+  return (*member)->IsSame((*member)->Convert(a), (*member)->Convert(b));
 }
 
 bool ValueRule::IsSameList(std::string const& a, std::string const& b) const {
@@ -144,10 +189,10 @@ void ValueRule::CheckParts(QnVariant const& value) const {
 
 void ValueRule::CheckList(QnVariant const& list) const {
   int count = 0;
-  bool const checksItems = m_item->m_type.facets != nullptr || HasParts(m_item->m_type);
+  bool const checksItems = m_item->m_type.facets != nullptr || HasParts(m_item->m_type) || RulesInUse::AreSchema();
   std::string const text = list.GetString();
   for (ListItems items(text); items.Next(); ++count) {
-    if (checksItems) m_item->CheckFacets(m_item->Held(items.Text()));
+    if (checksItems) m_item->CheckFacets(m_item->Held(items.Text()), items.Text());
   }
   if (m_type.facets == nullptr) return;
   CFacets const& f = *m_type.facets;
@@ -158,6 +203,7 @@ void ValueRule::CheckList(QnVariant const& list) const {
   // What CheckFacets() compares with the pattern is not what the document has.
   QnVariant printed;
   printed.SetString(Print(list));
+  if (RulesInUse::AreSchema()) return CheckBySchema(printed, printed.GetString());
   CXmlObjectHelper::CheckRestriction(m_name, printed, ItemType_string, m_restrictions);
 }
 
@@ -166,26 +212,40 @@ void ValueRule::RequireItems(std::string const& list) const {
   for (ListItems items(list); items.Next();) m_item->Held(items.Text());
 }
 
-bool ValueRule::IsAcceptedByMember(std::string const& text) const {
-  return std::any_of(m_members.begin(), m_members.end(), [&](ValueRule const& member) {
-    try {
-      QnVariant const value = member.Convert(text);
-      if (member.m_item != nullptr) member.RequireItems(value.GetString());
-      member.CheckFacets(value);
-      return true;
-    } catch (CQnException const&) {
-      return false;
-    }
-  });
+bool ValueRule::Accepts(std::string const& text) const {
+  try {
+    QnVariant const value = Convert(text);
+    if (m_item != nullptr) RequireItems(value.GetString());
+    CheckFacets(value, text);
+    return true;
+  } catch (CQnException const&) {
+    return false;
+  }
 }
 
-void ValueRule::CheckFacets(QnVariant const& value) const {
+bool ValueRule::IsAcceptedByMember(std::string const& text) const {
+  return std::any_of(m_members.begin(), m_members.end(), [&](auto const& member) { return member->Accepts(text); });
+}
+
+void ValueRule::CheckBySchema(QnVariant const& value, std::string_view text) const {
+  m_schemaFacets.Get(m_type.kind, m_restrictions).CheckRead(m_name, value, text);
+}
+
+void ValueRule::CheckFacets(QnVariant const& value, std::string_view text) const {
   bool const hasNumbers = m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
-  if (!hasNumbers && (m_filter == nullptr || !m_filter->Passes(value))) {
+  if (!hasNumbers && RulesInUse::AreSchema()) {
+    CheckBySchema(value, text);
+  } else if (!hasNumbers && (m_filter == nullptr || !m_filter->Passes(value))) {
     CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }
   if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
   if (HasParts(m_type)) CheckParts(value);
+}
+
+void ValueRule::CheckFacets(QnVariant const& value) const {
+  bool const needsText = m_type.kind != ItemType_string && m_type.enumeration == nullptr && RulesInUse::AreSchema();
+  if (!needsText) return CheckFacets(value, value.GetItemType() == ItemType_string ? value.GetString() : std::string());
+  CheckFacets(value, Print(value));
 }
 
 void ValueRule::Check(QnVariant const& value) const {
@@ -197,7 +257,10 @@ std::string ValueRule::Print(QnVariant const& value) const {
   if (m_item != nullptr && m_item->m_type.enumeration != nullptr) {
     return Joined(value.GetString(), [&](std::string_view item) { return m_item->Print(m_item->Held(item)); });
   }
-  if (m_type.enumeration == nullptr) return value.ToString(FormatOf(m_type.kind));
+  if (m_type.enumeration == nullptr) {
+    if (!RulesInUse::AreSchema()) return value.ToString(FormatOf(m_type.kind));
+    return m_schemaFacets.Get(m_type.kind, m_restrictions).TextOf(value);
+  }
   char const* const text = m_type.enumeration->ToText(value.GetI4());
   if (text != nullptr) return text;
   throw OfKind(FailureKind_BadValue,

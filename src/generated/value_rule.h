@@ -29,11 +29,11 @@ class ValueRule {
   ///         Check() throws if \p ctx says that facets are checked.
   QnVariant Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx = nullptr) const;
   /// The same without any check of the value.
-  QnVariant ValueOf(std::string_view text, bool isElement) const {
-    return Convert(isElement && text.empty() && m_default != nullptr ? m_default : text);
-  }
-  /// The checks of Read().
-  void CheckRead(QnVariant const& value, CXmlSerializationContext const* ctx) const;
+  QnVariant ValueOf(std::string_view text, bool isElement) const { return Convert(TextOf(text, isElement)); }
+  /// The checks of Read() for the value of \p text.
+  void CheckRead(QnVariant const& value, std::string_view text, CXmlSerializationContext const* ctx) const;
+  /// Whether a read under \p ctx checks facets.
+  static bool ChecksFacets(CXmlSerializationContext const& ctx);
   /// \throws as CBoundObject::Assign() does.
   void Check(QnVariant const& value) const;
   /// The part of Check() that the library's descriptors do not do: the digits, the parts and the fixed value.
@@ -79,13 +79,21 @@ class ValueRule {
   }
   QnVariant Convert(std::string_view text) const;
   QnVariant Held(std::string_view item) const;
+  std::string_view TextOf(std::string_view text, bool isElement) const {
+    return isElement && text.empty() && m_default != nullptr ? m_default : text;
+  }
+  void CheckFacets(QnVariant const& value, std::string_view text) const;
   void CheckFacets(QnVariant const& value) const;
+  void CheckBySchema(QnVariant const& value, std::string_view text) const;
   void CheckParts(QnVariant const& value) const;
   void CheckList(QnVariant const& list) const;
   void RequireItems(std::string const& list) const;
+  void RequireNames(std::string_view text) const;
+  bool Accepts(std::string const& text) const;
   bool IsAcceptedByMember(std::string const& text) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one
   bool IsSame(QnVariant const& a, QnVariant const& b) const;
+  bool IsSameInUnion(std::string const& a, std::string const& b) const;
   bool IsSameList(std::string const& a, std::string const& b) const;
   [[noreturn]] void RefuseValue(QnVariant const& value) const;
 
@@ -93,9 +101,10 @@ class ValueRule {
   CValueType const& m_type;
   CPrimitiveRestrictions m_restrictions;
   std::unique_ptr<CFacetFilter const> m_filter;  // null for rare facets
-  std::unique_ptr<ValueRule const> m_item;       // of a list
-  std::vector<ValueRule> m_members;              // of a union
-  char const* m_default;                         // for an element without content; null for none
+  detail::LazySchemaFacets m_schemaFacets;
+  std::unique_ptr<ValueRule const> m_item;                  // of a list
+  std::vector<std::unique_ptr<ValueRule const>> m_members;  // of a union
+  char const* m_default;                                    // for an element without content; null for none
   char const* m_fixed;
 };
 

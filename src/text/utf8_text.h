@@ -35,6 +35,9 @@ class Utf8Text {
   static Use Current() { return s_isEverUsed.load(std::memory_order_relaxed) ? t_use : Use::kNo; }
   static bool IsInUse() { return Current() != Use::kNo; }
 
+  /// The number of characters in \p text, which is UTF-8.
+  static std::size_t CountCharacters(std::string_view text);
+
   /// The length of \p text as a facet counts it.
   static std::size_t LengthOf(std::string_view text) {
     return Current() == Use::kCountingCharacters ? CountCharacters(text) : text.size();
@@ -50,7 +53,6 @@ class Utf8Text {
   static bool IsIllFormed(std::string_view message);
 
  private:
-  static std::size_t CountCharacters(std::string_view text);
   static void CheckWellFormed(std::string_view text);
 
   static inline thread_local Use t_use = Use::kNo;

@@ -4,6 +4,9 @@
 #include <cstdint>
 #include <tuple>
 
+#include "values/moment_access.h"
+#include "values/schema_moments.h"
+
 namespace Quillon9 {
 
 namespace {
@@ -45,6 +48,7 @@ int Order(Instant const& left, Instant const& right) {
 }  // namespace
 
 int OrderOfDates(CDateTime const& left, CDateTime const& right) {
+  if (MomentAccess::IsLong(left) || MomentAccess::IsLong(right)) return OrderOfMoments(left, right);
   constexpr std::int64_t kFarthestZone = 14 * 60 * 60;
   Instant const a = InstantOf(left);
   Instant const b = InstantOf(right);

@@ -7,6 +7,7 @@
 
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
+#include "values/calendar.h"
 
 namespace Quillon9 {
 
@@ -171,7 +172,17 @@ bool CDateTime::CheckConversion(DTType source, DTType target) {
                CQnInvalidValueException(FormatString("Unknown date type %d.", static_cast<int>(source))));
 }
 
-void CDateTime::Clear() { *this = CDateTime(); }
+void CDateTime::Clear() {
+  m_type = dt_yearZero;
+  m_reserved = 0;
+  m_year = 0;
+  m_month = m_day = m_hour = m_minute = m_second = 0;
+  m_milliSecond = m_microSecond = m_nanoSecond = 0;
+  m_isUTC = m_hasTimeZone = false;
+  m_zoneHour = 0;
+  m_zoneMinute = 0;
+  m_rest.Drop();
+}
 
 std::string CDateTime::GetTypeAsString(DTType type) {
   switch (type) {
@@ -222,7 +233,6 @@ void CDateTime::Require(bool allowed, char const* operation) const {
     member = value;                                  \
   }
 
-QN_DATE_FIELD(std::int16_t, Year, m_year, HasYear())
 QN_DATE_FIELD(std::uint8_t, Month, m_month, HasMonth())
 QN_DATE_FIELD(std::uint8_t, Day, m_day, HasDay())
 QN_DATE_FIELD(std::uint8_t, Hour, m_hour, HasTime())
@@ -230,13 +240,67 @@ QN_DATE_FIELD(std::uint8_t, Minute, m_minute, HasTime())
 QN_DATE_FIELD(std::uint8_t, Second, m_second, HasTime())
 QN_DATE_FIELD(std::uint16_t, MilliSecond, m_milliSecond, HasTime())
 QN_DATE_FIELD(std::uint16_t, MicroSecond, m_microSecond, HasTime())
-QN_DATE_FIELD(std::uint16_t, NanoSecond, m_nanoSecond, HasTime())
 
 #undef QN_DATE_FIELD
+
+std::int16_t CDateTime::GetYear() const {
+  Require(HasYear(), "GetYear");
+  if (Year() != m_year) ThrowTooNarrow("GetYear");
+  return m_year;
+}
+
+void CDateTime::SetYear(std::int16_t year) {
+  Require(HasYear(), "GetYear");
+  StoreYear(year);
+}
+
+std::int64_t CDateTime::GetLongYear() const {
+  Require(HasYear(), "GetYear");
+  return Year();
+}
+
+void CDateTime::SetLongYear(std::int64_t year) {
+  Require(HasYear(), "GetYear");
+  StoreYear(year);
+}
+
+std::uint16_t CDateTime::GetNanoSecond() const {
+  Require(HasTime(), "GetNanoSecond");
+  return m_nanoSecond;
+}
+
+void CDateTime::SetNanoSecond(std::uint16_t nano) {
+  Require(HasTime(), "GetNanoSecond");
+  m_nanoSecond = nano;
+  DropLongFraction();
+}
 
 double CDateTime::GetRealSecond() const {
   Require(HasTime(), "GetRealSecond");
   return m_second + m_milliSecond / 1000.0 + m_microSecond / 1000000.0 + m_nanoSecond / 1000000000.0;
+}
+
+// ---- What few values have
+
+void CDateTime::StoreYear(std::int64_t year) {
+  if (year < -kMostYear || year > kMostYear) {
+    throw OfKind(FailureKind_BadValue,
+                 CQnInvalidValueException(FormatString("Invalid Year [%lld] (more than %d digits)",
+                                                       static_cast<long long>(year), kMostYearDigits)));
+  }
+  using Short = std::numeric_limits<std::int16_t>;
+  bool const isLong = year < Short::min() || year > Short::max();
+  m_year = isLong ? Short::max() : static_cast<std::int16_t>(year);
+  if (isLong || m_rest.Find() != nullptr) m_rest.Make().year = isLong ? year : 0;
+}
+
+bool CDateTime::HasNegativeOffset() const {
+  return m_zoneHour < 0 || (m_rest.Find() != nullptr && m_rest.Find()->hasNegativeOffset);
+}
+
+void CDateTime::ThrowTooNarrow(char const* operation) const {
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] does not fit into %s()",
+                                                                           ToString().c_str(), operation)));
 }
 
 int CDateTime::GetDayOfYear() const {
@@ -245,7 +309,8 @@ int CDateTime::GetDayOfYear() const {
     throw OfKind(FailureKind_BadValue,
                  CQnInvalidValueException(FormatString("Invalid Month [%d] (1 <= month <= 12)", m_month)));
   }
-  return g_monthDayInYear[m_month - 1] + m_day + (IsLeapYear(m_year) && m_month <= 2 ? 1 : 0);
+  bool const isLeapYear = IsLeapYear(static_cast<int>(Year() % kYearsInCycle));
+  return g_monthDayInYear[m_month - 1] + m_day + (isLeapYear && m_month <= 2 ? 1 : 0);
 }
 
 int CDateTime::GetDayOfWeek() const {
@@ -264,6 +329,7 @@ long CDateTime::GetTime() const {
                                   GetTypeAsString().c_str())));
   }
   CDateTime const normal = GetNormalized();
+  if (normal.Year() != normal.m_year) ThrowTooNarrow("GetTime");
   std::tm fields{};
   fields.tm_year = normal.m_year - 1900;
   fields.tm_mon = normal.m_month - 1;
@@ -284,10 +350,8 @@ long CDateTime::GetTime() const {
 // ---- Zone
 
 void CDateTime::SetUTC() {
-  m_isUTC = true;
+  SetTimeZone(0, 0);
   m_hasTimeZone = false;
-  m_zoneHour = 0;
-  m_zoneMinute = 0;
 }
 
 void CDateTime::SetTimeZone(std::int16_t hour, std::uint8_t minute) {
@@ -299,16 +363,23 @@ void CDateTime::SetTimeZone(std::int16_t hour, std::uint8_t minute) {
   m_hasTimeZone = true;
   m_zoneHour = hour;
   m_zoneMinute = minute;
+  if (m_rest.Find() != nullptr) m_rest.Make().hasNegativeOffset = false;
 }
 
 std::int16_t CDateTime::GetZoneHour() const {
   if (!m_hasTimeZone) throw CQnInvalidStateException("TimeZone is not been used");
+  if (m_zoneHour == 0 && HasNegativeOffset()) ThrowTooNarrow("GetZoneHour");
   return m_zoneHour;
 }
 
 std::uint8_t CDateTime::GetZoneMinute() const {
   if (!m_hasTimeZone) throw CQnInvalidStateException("TimeZone is not been used");
   return m_zoneMinute;
+}
+
+int CDateTime::GetZoneOffset() const {
+  if (!m_hasTimeZone) throw CQnInvalidStateException("TimeZone is not been used");
+  return m_zoneHour * 60 + (HasNegativeOffset() ? -m_zoneMinute : m_zoneMinute);
 }
 
 // ---- Validation
@@ -328,10 +399,10 @@ void CDateTime::Validate() const {
     throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Month [%d] for type %s", m_month,
                                                                              GetTypeAsString().c_str())));
   }
-  if (HasYear() && (m_year == 0 || m_year < MIN_YEAR || m_year > MAX_YEAR)) {
+  if (HasYear() && (Year() == 0 || Year() < MIN_YEAR || Year() > MAX_YEAR)) {
     throw OfKind(FailureKind_BadValue,
-                 CQnInvalidValueException(
-                     FormatString("Invalid Year [%d] (%d <= year <= %d && year != 0)", m_year, MAX_YEAR, MIN_YEAR)));
+                 CQnInvalidValueException(FormatString("Invalid Year [%lld] (%d <= year <= %d && year != 0)",
+                                                       static_cast<long long>(Year()), MAX_YEAR, MIN_YEAR)));
   }
   if (!HasYear() && m_year != 0) {
     throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("Invalid Year [%d] for type %s", m_year,

@@ -5,6 +5,7 @@
 
 #include "quillon9/base/exceptions.h"
 #include "quillon9/values/date_time.h"
+#include "values/calendar.h"
 
 namespace Quillon9 {
 
@@ -17,7 +18,7 @@ constexpr int kIndeterminate = 3;
 
 template <class Number>
 int CompareNumbers(Number left, Number right) {
-  if (left * right < 0) return kIndeterminate;
+  if ((left < 0 && right > 0) || (left > 0 && right < 0)) return kIndeterminate;
   if (left < right) return kLess;
   return left > right ? kGreater : kEqual;
 }
@@ -25,7 +26,7 @@ int CompareNumbers(Number left, Number right) {
 }  // namespace
 
 int Compare(CDateTime const& left, CDateTime const& right) {
-  int order = CompareNumbers(left.HasYear() ? left.m_year : -1, right.HasYear() ? right.m_year : -1);
+  int order = CompareNumbers(left.HasYear() ? left.Year() : -1, right.HasYear() ? right.Year() : -1);
   // The left month is used for the right side too: it never decides, and a left side without a month throws.
   if (order == kEqual) {
     order = CompareNumbers(left.HasMonth() ? left.m_month : -1, right.HasMonth() ? int{left.GetMonth()} : -1);
@@ -39,6 +40,11 @@ int Compare(CDateTime const& left, CDateTime const& right) {
     order =
         CompareNumbers(left.HasTime() ? left.GetRealSecond() : -1.0, right.HasTime() ? right.GetRealSecond() : -1.0);
   }
+  bool const isLong = left.m_rest.Find() != nullptr || right.m_rest.Find() != nullptr;
+  if (order == kEqual && isLong && left.HasTime() && right.HasTime()) {
+    int const rest = left.LongFraction().compare(right.LongFraction());
+    order = rest < 0 ? kLess : rest > 0 ? kGreater : kEqual;
+  }
   return order;
 }
 
@@ -47,7 +53,7 @@ CDateTime CDateTime::GetNormalized() const {
   if (!m_hasTimeZone) return copy;
   auto const hours = static_cast<std::uint32_t>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour);
   CDateTimeSpan const offset(hours, m_zoneMinute, 0);
-  if (m_zoneHour < 0) {
+  if (HasNegativeOffset()) {
     copy += offset;
   } else {
     copy -= offset;
@@ -104,9 +110,6 @@ long long GetModulo(long long a, int b) {
 
 namespace {
 
-constexpr std::int64_t kDaysInCycle = 146097;  // 400 years
-constexpr std::int64_t kYearsInCycle = 400;
-
 // base + value or base - value in 64 bits, with wrap-around.
 std::int64_t AddSigned(std::int64_t base, std::uint64_t value, bool negative) {
   auto const from = static_cast<std::uint64_t>(base);
@@ -126,8 +129,7 @@ int LastDay(std::int64_t year, std::int64_t month) {
     throw CQnInvalidValueException(
         FormatString("Invalid Month [%lld] (1 <= month <= 12)", static_cast<long long>(month)));
   }
-  if (month == 2 && !IsLeapYear(static_cast<int>(year % kYearsInCycle))) return 28;
-  return g_monthMax[month - 1];
+  return DaysInMonth(year, static_cast<int>(month));
 }
 
 struct Date {
@@ -178,10 +180,16 @@ void AddDays(Date& date, std::int64_t days) {
 }  // namespace
 
 void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
+  if (span.m_rest.Find() != nullptr && !span.m_rest.Find()->fraction.empty()) span.ThrowTooNarrow("AddDateTimeSpan");
   bool const negative = span.IsNegative();
+  bool const isLong = Year() != m_year;
+  auto const setYear = [&](std::int64_t sum) {
+    if (isLong) return StoreYear(sum);
+    m_year = static_cast<std::int16_t>(sum);
+  };
   std::int64_t const months = AddSigned(m_month - 1, span.GetMonths(), negative);
   std::int64_t const month = GetModulo(months, 12) + 1;
-  std::int64_t const year = AddSigned(m_year + GetQuotient(months, 12), span.GetYears(), negative);
+  std::int64_t const year = AddSigned(Year() + GetQuotient(months, 12), span.GetYears(), negative);
   std::int64_t carry = AddField(m_nanoSecond, span.GetNanoSeconds(), negative, 0, 1000);
   carry = AddField(m_microSecond, span.GetMicroSeconds(), negative, carry, 1000);
   carry = AddField(m_milliSecond, span.GetMilliSeconds(), negative, carry, 1000);
@@ -189,12 +197,12 @@ void CDateTime::AddDateTimeSpan(CDateTimeSpan const& span) {
   carry = AddField(m_minute, span.GetMinutes(), negative, carry, 60);
   carry = AddField(m_hour, span.GetHours(), negative, carry, 24);
   m_month = static_cast<std::uint8_t>(month);
-  m_year = static_cast<std::int16_t>(year);
+  setYear(year);
   std::int64_t const days = AddSigned(carry, span.GetDays(), negative);
   if (days == 0) return;
   Date date{year, month, m_day};
   AddDays(date, days);
-  m_year = static_cast<std::int16_t>(date.year);
+  setYear(date.year);
   m_month = static_cast<std::uint8_t>(date.month);
   m_day = static_cast<std::uint8_t>(date.day);
 }

@@ -62,7 +62,19 @@ CDateTimeSpan CDateTimeSpan::GetAsNegative() const {
   return copy;
 }
 
-void CDateTimeSpan::Clear() { *this = CDateTimeSpan(); }
+void CDateTimeSpan::ThrowTooNarrow(char const* operation) const {
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString("The value [%s] does not fit into %s()",
+                                                                           ToString().c_str(), operation)));
+}
+
+void CDateTimeSpan::Clear() {
+  m_years = 0;
+  m_months = m_days = m_hours = 0;
+  m_minutes = m_seconds = 0;
+  m_milliSeconds = m_microSeconds = m_nanoSeconds = 0;
+  m_negative = false;
+  m_rest.Drop();
+}
 
 // ---- Text
 
@@ -158,19 +170,29 @@ void CDateTimeSpan::ParseXSDDuration(char const* text) {
 
 std::string CDateTimeSpan::ToString() const {
   std::string text = m_negative ? "-P" : "P";
-  auto const append = [&text](std::string const& number, char designator) { (text += number) += designator; };
-  if (m_years != 0) append(CConversions::ui2ToString(m_years), 'Y');
-  if (m_months != 0) append(CConversions::ui4ToString(m_months), 'M');
-  if (m_days != 0) append(CConversions::ui4ToString(m_days), 'D');
-  bool const hasSeconds = m_seconds != 0 || m_milliSeconds != 0 || m_microSeconds != 0 || m_nanoSeconds != 0;
-  if (m_hours == 0 && m_minutes == 0 && !hasSeconds) return text;
+  auto const append = [&text](std::uint64_t number, char designator) {
+    if (number != 0) (text += CConversions::ui8ToString(number)) += designator;
+  };
+  append(Whole(m_years, &Rest::years), 'Y');
+  append(Whole(m_months, &Rest::months), 'M');
+  append(Whole(m_days, &Rest::days), 'D');
+  std::uint64_t const hours = Whole(m_hours, &Rest::hours);
+  bool const hasSeconds =
+      m_seconds != 0 || m_milliSeconds != 0 || m_microSeconds != 0 || m_nanoSeconds != 0 || m_rest.Find() != nullptr;
+  std::string const fraction = hasSeconds ? FractionText() : std::string();
+  if (hours == 0 && m_minutes == 0 && m_seconds == 0 && fraction.empty()) return text;
   text += 'T';
-  if (m_hours != 0) append(CConversions::ui4ToString(m_hours), 'H');
-  if (m_minutes != 0) append(CConversions::ui8ToString(m_minutes), 'M');
-  if (hasSeconds) {
-    append(CConversions::ui8ToString(m_seconds) + ToFracString(m_milliSeconds, m_microSeconds, m_nanoSeconds), 'S');
-  }
+  append(hours, 'H');
+  append(m_minutes, 'M');
+  if (m_seconds != 0 || !fraction.empty()) text += CConversions::ui8ToString(m_seconds) + fraction + 'S';
   return text;
+}
+
+std::string CDateTimeSpan::FractionText() const {
+  bool const isLong = m_rest.Find() != nullptr && !m_rest.Find()->fraction.empty();
+  if (!isLong) return ToFracString(m_milliSeconds, m_microSeconds, m_nanoSeconds);
+  return FormatString(".%03u%03u%03u", unsigned{m_milliSeconds}, unsigned{m_microSeconds}, unsigned{m_nanoSeconds}) +
+         m_rest.Find()->fraction;
 }
 
 // ---- Order

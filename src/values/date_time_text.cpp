@@ -1,6 +1,8 @@
 // Reading dates and times from text, and printing them.
 
+#include <charconv>
 #include <cstring>
+#include <iterator>
 
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
@@ -31,16 +33,20 @@ char* PutPadded(char* to, unsigned value, std::size_t width) {
     *to++ = static_cast<char>('0' + value % 10);
     return to;
   }
-  char digits[10];
-  std::size_t count = 0;
-  for (; value != 0 || count < width; value /= 10) digits[count++] = static_cast<char>('0' + value % 10);
-  while (count != 0) *to++ = digits[--count];
-  return to;
+  constexpr unsigned kLimits[] = {0, 10, 100, 1000, 10000};
+  while (width < std::size(kLimits) && value >= kLimits[width]) ++width;
+  for (std::size_t i = width; i-- != 0; value /= 10) to[i] = static_cast<char>('0' + value % 10);
+  return to + width;
 }
 
-std::string Padded(unsigned value, std::size_t width) {
-  char text[10];
-  return std::string(text, PutPadded(text, value, width));
+// The three groups up to the last one that is not zero, without its zeros at the end. One of them is not zero.
+char* PutFraction(char* to, unsigned milli, unsigned micro, unsigned nano) {
+  *to++ = '.';
+  to = PutPadded(to, milli, 3);
+  if (micro != 0 || nano != 0) to = PutPadded(to, micro, 3);
+  if (nano != 0) to = PutPadded(to, nano, 3);
+  while (to[-1] == '0') --to;
+  return to;
 }
 
 }  // namespace
@@ -56,11 +62,8 @@ std::string TrimTrainingZeros(std::string text) {
 
 std::string ToFracString(unsigned short milli, unsigned short micro, unsigned short nano) {
   if (milli == 0 && micro == 0 && nano == 0) return "";
-  std::string text = ".";
-  unsigned short const groups[] = {milli, micro, nano};
-  std::size_t const last = nano != 0 ? 2 : micro != 0 ? 1 : 0;
-  for (std::size_t i = 0; i < last; ++i) text += Padded(groups[i], 3);
-  return text + TrimTrainingZeros(Padded(groups[last], 3));
+  char text[20];
+  return std::string(text, PutFraction(text, milli, micro, nano));
 }
 
 // ---- Printing
@@ -72,11 +75,10 @@ std::string CDateTime::ToString(char const* format) const {
     throw OfKind(FailureKind_BadValue, CQnInvalidValueException("Date Not Set"));
   if (format == nullptr || std::strcmp(format, "G") == 0) return "";
   if (std::strcmp(format, "s") != 0) return std::string("Unknown Format: ") + format;
-  char text[64];  // all fields together have 52 characters at most
+  char text[64];  // all fields together have 61 characters at most, but for a long fraction
   char* end = text;
   if (HasYear()) {
-    if (m_year < 0) *end++ = '-';
-    end = PutPadded(end, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
+    end = PutYear(end);
   } else if (m_type != dt_time && m_type <= dt_gMonthDay) {
     for (int dashes = HasMonth() ? 2 : 3; dashes != 0; --dashes) *end++ = '-';
   }
@@ -90,7 +92,18 @@ std::string CDateTime::ToString(char const* format) const {
   }
   if (m_type == dt_dateTime) *end++ = 'T';
   if (HasTime()) end = PutTime(end);
-  return std::string(text, PutZone(end));
+  std::string_view const fraction = LongFraction();
+  if (!HasTime() || fraction.empty()) return std::string(text, PutZone(end));
+  std::string result(text, end);
+  result += fraction;
+  return result.append(text, PutZone(text));
+}
+
+char* CDateTime::PutYear(char* to) const {
+  std::int64_t const year = Year();
+  if (year != m_year) return std::to_chars(to, to + 20, year).ptr;
+  if (m_year < 0) *to++ = '-';
+  return PutPadded(to, static_cast<unsigned>(m_year < 0 ? -m_year : m_year), 4);
 }
 
 char* CDateTime::PutTime(char* to) const {
@@ -99,9 +112,13 @@ char* CDateTime::PutTime(char* to) const {
   to = PutPadded(to, m_minute, 2);
   *to++ = ':';
   to = PutPadded(to, m_second, 2);
+  if (!LongFraction().empty()) {
+    *to++ = '.';
+    for (std::uint16_t const group : {m_milliSecond, m_microSecond, m_nanoSecond}) to = PutPadded(to, group, 3);
+    return to;
+  }
   if (m_milliSecond == 0 && m_microSecond == 0 && m_nanoSecond == 0) return to;
-  std::string const fraction = ToFracString(m_milliSecond, m_microSecond, m_nanoSecond);
-  return to + fraction.copy(to, fraction.size());
+  return PutFraction(to, m_milliSecond, m_microSecond, m_nanoSecond);
 }
 
 char* CDateTime::PutZone(char* to) const {
@@ -110,7 +127,7 @@ char* CDateTime::PutZone(char* to) const {
     *to++ = 'Z';
     return to;
   }
-  *to++ = m_zoneHour < 0 ? '-' : '+';
+  *to++ = HasNegativeOffset() ? '-' : '+';
   to = PutPadded(to, static_cast<unsigned>(m_zoneHour < 0 ? -m_zoneHour : m_zoneHour), 2);
   *to++ = ':';
   return PutPadded(to, m_zoneMinute, 2);
@@ -149,6 +166,7 @@ void CDateTime::SetXSDTime(char const* text) {
   m_hour = hour;
   m_minute = minute;
   m_second = second;
+  DropLongFraction();
   char const* at = text + 8;
   if (*at == '.') {
     static constexpr int weights[] = {100, 10, 1};
@@ -219,6 +237,7 @@ bool CDateTime::ReadFullDate(char const* text, long length, bool negative) {
   if (length >= 7 && (text[4] != '-' || !ReadDigits(text + 5, 2, month))) return false;
   if (length == 10 && (text[7] != '-' || !ReadDigits(text + 8, 2, day))) return false;
   m_year = static_cast<std::int16_t>(negative ? -year : year);
+  if (m_rest.Find() != nullptr) m_rest.Make().year = 0;
   if (length >= 7) m_month = month;
   if (length == 10) m_day = day;
   m_type = length == 4 ? dt_gYear : length == 7 ? dt_gYearMonth : dt_date;

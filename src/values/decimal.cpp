@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "quillon9/base/exceptions.h"
+#include "values/decimal_access.h"
 #include "values/decimal_parts.h"
 #include "values/limbs.h"
 #include "values/number_text.h"
@@ -320,6 +321,13 @@ bool CDecimal::operator<=(CDecimal const& other) const {
 
 bool CDecimal::operator>(CDecimal const& other) const { return other < *this; }
 bool CDecimal::operator>=(CDecimal const& other) const { return other <= *this; }
+
+// A sum is exact, and normal where its operands are not.
+int DecimalAccess::CompareLong(CDecimal const& left, CDecimal const& right) {
+  CDecimal const difference = left - right;
+  CDecimal const zero;
+  return difference == zero ? 0 : difference < zero ? -1 : 1;
+}
 
 // ---- Conversions
 

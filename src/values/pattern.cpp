@@ -84,8 +84,7 @@ CompiledPattern Compile(std::string const& pattern) { return CompiledPattern(pat
 
 bool Matches(CompiledPattern& pattern, std::string_view subject) {
   subject = subject.substr(0, subject.find('\0'));
-  if (subject.size() > INT_MAX)
-    throw OfKind(FailureKind_BrokenFacet, CQnException("The value is too long to be matched"));
+  if (subject.size() > INT_MAX) ThrowTooLongToMatch();
   return pattern.Matches(subject.data(), static_cast<int>(subject.size()));
 }
 
@@ -107,6 +106,10 @@ bool MatchesPattern(std::string const& utf8Pattern, std::string const& value) {
     return matches == MatchesLocal(fresh, value);
   });
   return matches;
+}
+
+void ThrowTooLongToMatch() {
+  throw OfKind(FailureKind_BrokenFacet, CQnException("The value is too long to be matched"));
 }
 
 bool TestRegEx(std::string pattern, std::string value) { return MatchesPattern(pattern, value); }

@@ -13,19 +13,30 @@ namespace Quillon9 {
 /// A pattern that the regular expression library has compiled. There is one source file for each generation of PCRE,
 /// and the build uses one of them: pattern_engine_pcre.cpp or pattern_engine_pcre2.cpp.
 ///
-/// An object belongs to one thread.
+/// An object belongs to one thread until it is shared.
 class CompiledPattern {
  public:
+  enum class Answer { kNo, kYes, kGaveUp };
+
   /// Compile \p translated, UTF-8 up to the first zero byte, to be tried only at the start of a subject.
   /// \throws CQnException as ThrowInvalidPattern() does for \p given; std::bad_alloc.
   CompiledPattern(std::string const& given, std::string const& translated);
   ~CompiledPattern();
   CompiledPattern(CompiledPattern&&) noexcept;
 
-  /// Return whether the first match found at the start of \p subject, which has \p length bytes, reaches its end. A
-  /// subject that is not UTF-8, or needs more than the bounds below, does not match.
+  /// Return whether the first match found at the start of \p subject, which has \p length bytes, reaches its end. The
+  /// engine gives up where the subject is not UTF-8 or needs more than the bounds below.
   /// \throws std::bad_alloc
-  bool Matches(char const* subject, int length);
+  Answer Try(char const* subject, int length);
+  /// The same, where giving up counts as no match.
+  bool Matches(char const* subject, int length) { return Try(subject, length) == Answer::kYes; }
+
+  /// Prepare for TryInAnyThread(), once.
+  void Share();
+  /// Try() for any number of threads at once, for a pattern without groups that have numbers. The engine may give up
+  /// earlier on long subjects.
+  /// \throws std::bad_alloc
+  Answer TryInAnyThread(char const* subject, int length) const;
 
  private:
   struct Engine;

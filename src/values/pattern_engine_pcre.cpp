@@ -26,6 +26,12 @@ unsigned long RecursionLimit() {
   return left > 2 * kStackReserve ? static_cast<unsigned long>((left - kStackReserve) / kInterpreterLevel) : 64;
 }
 
+CompiledPattern::Answer AnswerOf(int result, int const* offsets, int length) {
+  if (result < 0 && result != PCRE_ERROR_NOMATCH) return CompiledPattern::Answer::kGaveUp;
+  bool const isWhole = result > 0 && offsets[0] == 0 && offsets[1] == length;
+  return isWhole ? CompiledPattern::Answer::kYes : CompiledPattern::Answer::kNo;
+}
+
 }  // namespace
 
 struct CompiledPattern::Engine {
@@ -36,6 +42,7 @@ struct CompiledPattern::Engine {
   int triesLeft = kMachineCodeTries;
 
   void TryMachineCode();
+  pcre_extra WithLimits(int length) const;
   int Execute(pcre_extra const& extra, char const* subject, int length);
   int ExecuteOnLargeStack(pcre_extra const& extra, char const* subject, int length);
 };
@@ -65,6 +72,17 @@ void CompiledPattern::Engine::TryMachineCode() {
   --triesLeft;
 }
 
+pcre_extra CompiledPattern::Engine::WithLimits(int length) const {
+  pcre_extra extra = study != nullptr ? *study : pcre_extra{};
+  extra.flags |= PCRE_EXTRA_MATCH_LIMIT;
+  extra.match_limit = MatchLimit(length);
+  if (!isMachineCode) {
+    extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
+    extra.match_limit_recursion = RecursionLimit();
+  }
+  return extra;
+}
+
 int CompiledPattern::Engine::Execute(pcre_extra const& extra, char const* subject, int length) {
   return pcre_exec(code.get(), &extra, subject, length, 0, 0, offsets.data(), static_cast<int>(offsets.size()));
 }
@@ -79,21 +97,26 @@ int CompiledPattern::Engine::ExecuteOnLargeStack(pcre_extra const& extra, char c
   return result;
 }
 
-bool CompiledPattern::Matches(char const* subject, int length) {
+void CompiledPattern::Share() {
+  while (!m_engine->isMachineCode && m_engine->triesLeft > 0) m_engine->TryMachineCode();
+}
+
+// A larger stack for machine code would have to be assigned to what the threads share.
+CompiledPattern::Answer CompiledPattern::TryInAnyThread(char const* subject, int length) const {
+  pcre_extra const extra = m_engine->WithLimits(length);
+  int offsets[3] = {0, 0, 0};
+  return AnswerOf(pcre_exec(m_engine->code.get(), &extra, subject, length, 0, 0, offsets, 3), offsets, length);
+}
+
+CompiledPattern::Answer CompiledPattern::Try(char const* subject, int length) {
   Engine& engine = *m_engine;
   if (!engine.isMachineCode && engine.triesLeft > 0) engine.TryMachineCode();
-  pcre_extra extra = engine.study != nullptr ? *engine.study : pcre_extra{};
-  extra.flags |= PCRE_EXTRA_MATCH_LIMIT;
-  extra.match_limit = MatchLimit(length);
-  if (!engine.isMachineCode) {
-    extra.flags |= PCRE_EXTRA_MATCH_LIMIT_RECURSION;
-    extra.match_limit_recursion = RecursionLimit();
-  }
+  pcre_extra const extra = engine.WithLimits(length);
   // The 32 KiB that PCRE takes from the thread's stack are enough for all but long values, which pay for a stack of
   // their own.
   int result = engine.Execute(extra, subject, length);
   if (result == PCRE_ERROR_JIT_STACKLIMIT) result = engine.ExecuteOnLargeStack(extra, subject, length);
-  return result > 0 && engine.offsets[0] == 0 && engine.offsets[1] == length;
+  return AnswerOf(result, engine.offsets.data(), length);
 }
 
 }  // namespace Quillon9

@@ -79,10 +79,12 @@ std::string ForPcre2(std::string_view pattern) {
                       static_cast<int>(std::min<std::size_t>(offset, INT_MAX)));
 }
 
-bool IsWhole(int result, pcre2_match_data* data, int length) {
+CompiledPattern::Answer AnswerOf(int result, pcre2_match_data* data, int length) {
   if (result == PCRE2_ERROR_NOMEMORY) throw std::bad_alloc();
+  if (result < 0 && result != PCRE2_ERROR_NOMATCH) return CompiledPattern::Answer::kGaveUp;
   std::size_t const* const offsets = pcre2_get_ovector_pointer(data);
-  return result > 0 && offsets[0] == 0 && offsets[1] == static_cast<std::size_t>(length);
+  bool const isWhole = result > 0 && offsets[0] == 0 && offsets[1] == static_cast<std::size_t>(length);
+  return isWhole ? CompiledPattern::Answer::kYes : CompiledPattern::Answer::kNo;
 }
 
 }  // namespace
@@ -95,8 +97,11 @@ struct CompiledPattern::Engine {
   int triesLeft = kMachineCodeTries;
 
   void TryMachineCode();
-  int Execute(pcre2_match_data* results, char const* subject, int length);
-  int ExecuteOnLargeStack(char const* subject, int length);
+  int Execute(pcre2_match_data* results, char const* subject, int length) const {
+    return ExecuteIn(context.get(), results, subject, length);
+  }
+  int ExecuteIn(pcre2_match_context* with, pcre2_match_data* results, char const* subject, int length) const;
+  int ExecuteOnLargeStack(pcre2_match_context* with, pcre2_match_data* results, char const* subject, int length) const;
 };
 
 // Anchored here and not at the match, where an option would keep PCRE2 from using machine code.
@@ -120,20 +125,40 @@ void CompiledPattern::Engine::TryMachineCode() {
   --triesLeft;
 }
 
-int CompiledPattern::Engine::Execute(pcre2_match_data* results, char const* subject, int length) {
+int CompiledPattern::Engine::ExecuteIn(pcre2_match_context* with, pcre2_match_data* results, char const* subject,
+                                       int length) const {
   return pcre2_match(code.get(), reinterpret_cast<PCRE2_SPTR>(subject), static_cast<std::size_t>(length), 0, 0, results,
-                     context.get());
+                     with);
 }
 
-int CompiledPattern::Engine::ExecuteOnLargeStack(char const* subject, int length) {
+int CompiledPattern::Engine::ExecuteOnLargeStack(pcre2_match_context* with, pcre2_match_data* results,
+                                                 char const* subject, int length) const {
   auto const stack = Owned(pcre2_jit_stack_create(kFirstJitStack, MaxJitStack(length), nullptr));
-  pcre2_jit_stack_assign(context.get(), nullptr, stack.get());
-  int const result = Execute(data.get(), subject, length);
-  pcre2_jit_stack_assign(context.get(), nullptr, nullptr);
+  pcre2_jit_stack_assign(with, nullptr, stack.get());
+  int const result = ExecuteIn(with, results, subject, length);
+  pcre2_jit_stack_assign(with, nullptr, nullptr);
   return result;
 }
 
-bool CompiledPattern::Matches(char const* subject, int length) {
+void CompiledPattern::Share() {
+  while (!m_engine->isMachineCode && m_engine->triesLeft > 0) m_engine->TryMachineCode();
+  pcre2_set_match_limit(m_engine->context.get(), MatchLimit(0));
+  pcre2_set_depth_limit(m_engine->context.get(), MatchLimit(0));
+  pcre2_set_heap_limit(m_engine->context.get(), kMaxBacktracking / 1024);
+}
+
+CompiledPattern::Answer CompiledPattern::TryInAnyThread(char const* subject, int length) const {
+  auto const results = Owned(pcre2_match_data_create(1, nullptr));
+  int result = m_engine->Execute(results.get(), subject, length);
+  if (result == PCRE2_ERROR_JIT_STACKLIMIT) {
+    auto const own = Owned(pcre2_match_context_copy(m_engine->context.get()));
+    pcre2_set_match_limit(own.get(), MatchLimit(length));
+    result = m_engine->ExecuteOnLargeStack(own.get(), results.get(), subject, length);
+  }
+  return AnswerOf(result, results.get(), length);
+}
+
+CompiledPattern::Answer CompiledPattern::Try(char const* subject, int length) {
   Engine& engine = *m_engine;
   if (!engine.isMachineCode && engine.triesLeft > 0) engine.TryMachineCode();
   pcre2_set_match_limit(engine.context.get(), MatchLimit(length));
@@ -142,13 +167,15 @@ bool CompiledPattern::Matches(char const* subject, int length) {
     pcre2_set_depth_limit(engine.context.get(), MatchLimit(length));
     pcre2_set_heap_limit(engine.context.get(), kMaxBacktracking / 1024);
     auto const results = Owned(pcre2_match_data_create_from_pattern(engine.code.get(), nullptr));
-    return IsWhole(engine.Execute(results.get(), subject, length), results.get(), length);
+    return AnswerOf(engine.Execute(results.get(), subject, length), results.get(), length);
   }
   // The 32 KiB that PCRE2 takes from the thread's stack are enough for all but long values, which pay for a stack of
   // their own.
   int result = engine.Execute(engine.data.get(), subject, length);
-  if (result == PCRE2_ERROR_JIT_STACKLIMIT) result = engine.ExecuteOnLargeStack(subject, length);
-  return IsWhole(result, engine.data.get(), length);
+  if (result == PCRE2_ERROR_JIT_STACKLIMIT) {
+    result = engine.ExecuteOnLargeStack(engine.context.get(), engine.data.get(), subject, length);
+  }
+  return AnswerOf(result, engine.data.get(), length);
 }
 
 }  // namespace Quillon9

@@ -31,7 +31,7 @@ std::size_t ChargeOf(CXmlName const& name) { return static_cast<TreeName const&>
 CXmlDocument::~CXmlDocument() { CXmlDocument::Cleanup(); }
 
 CTreeMemory& CXmlDocument::Memory() {
-  if (m_memory == nullptr) m_memory = new CTreeMemory(this);
+  if (m_memory == nullptr) m_memory = CTreeMemory::For(*this);
   return *m_memory;
 }
 
@@ -64,11 +64,28 @@ std::string CXmlDocument::LookupNamespaceFromAlias(char const* prefix) const {
 }
 
 // A filter may remove the elements by which the place of a declaration is known.
-void XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
-                                  NamespaceDeclarations::Kind kind) {
-  if (document.m_filter != nullptr) return;
+std::string const* XmlNodeAccess::NoteNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri,
+                                                NamespaceDeclarations::Kind kind) {
+  if (document.m_filter != nullptr) return nullptr;
   CXmlElement* const parent = document.GetOpenElement();
-  document.Memory().Declarations().Add(parent, parent != nullptr ? LastChild(*parent) : nullptr, prefix, uri, kind);
+  CXmlElement* const before = parent != nullptr ? LastChild(*parent) : nullptr;
+  return &document.Memory().Declarations().Add(parent, before, prefix, uri, kind);
+}
+
+std::string const* XmlNodeAccess::DeclareNamespace(CXmlDocument& document, std::string_view prefix,
+                                                   std::string_view uri) {
+  document.CountContent(CTreeMemory::kNodeCharge + prefix.size() + uri.size());
+  std::string const* const kept = NoteNamespace(document, prefix, uri);
+  document.m_namespaceAliases.insert_or_assign(std::string(prefix), uri);
+  return kept;
+}
+
+void XmlNodeAccess::AddMarkup(CXmlDocument& document, std::string target, std::string text) {
+  document.CountContent(TreeMarkup::kCharge + target.size() + text.size());
+  CXmlElement const* const parent = document.GetOpenElement();
+  CXmlElement const* const after = parent != nullptr ? LastChild(*parent) : document.m_documentElement;
+  std::size_t const textInFront = parent != nullptr ? TextOf(*parent).size() : 0;
+  document.Memory().MarkupToChange().Add(parent, after, textInFront, std::move(target), std::move(text));
 }
 
 std::vector<std::pair<std::string, std::string>> XmlNodeAccess::PrefixesOf(CXmlDocument const& document) {
@@ -108,7 +125,7 @@ CXmlElement* CXmlDocument::AddDocElement(CXmlName const* name) {
   m_elementStack.reserve(kUsualDepth);
   m_documentElement = XmlNodeAccess::NewElement(*name, Memory());
   if (m_filter != nullptr) m_previous.push_back(nullptr);
-  return PushOpen(m_documentElement);
+  return XmlNodeAccess::Open(*this, m_documentElement);
 }
 
 CXmlElement* CXmlDocument::AddChildElement(char const* namespaceUri, char const* localName) {
@@ -122,16 +139,8 @@ CXmlElement* CXmlDocument::AddChildElement(std::string_view namespaceUri, std::s
 CXmlElement* CXmlDocument::AddChildElement(CXmlName const* name) {
   CXmlElement* const parent = OpenElementOrThrow();
   CheckDepth();
-  CountContent(ChargeOf(*name));
-  m_elementStack.back().hadChildren = true;
-  if (XmlNodeAccess::HasText(*parent)) NotePlace(*parent);
   if (m_filter != nullptr) m_previous.push_back(XmlNodeAccess::LastChild(*parent));
-  return PushOpen(XmlNodeAccess::AddChild(*parent, *name));
-}
-
-CXmlElement* CXmlDocument::PushOpen(CXmlElement* element) {
-  m_elementStack.push_back({element, 0, false});
-  return element;
+  return XmlNodeAccess::Open(*this, XmlNodeAccess::AddCountedChild(*this, *parent, *name));
 }
 
 void CXmlDocument::NotePlace(CXmlElement const& parent) {
@@ -242,9 +251,7 @@ void CXmlDocument::AppendTextExcludingCR(CXmlElement* element, char const* text)
 }
 
 void CXmlDocument::SetNamespaceAlias(std::string prefix, std::string namespaceUri) {
-  CountContent(CTreeMemory::kNodeCharge + prefix.size() + namespaceUri.size());
-  XmlNodeAccess::NoteNamespace(*this, prefix, namespaceUri);
-  m_namespaceAliases.insert_or_assign(std::move(prefix), std::move(namespaceUri));
+  XmlNodeAccess::DeclareNamespace(*this, prefix, namespaceUri);
 }
 
 }  // namespace Quillon9

@@ -292,6 +292,8 @@ CXmlElement* XmlNodeAccess::RemoveLastChild(CXmlElement& parent, CXmlElement* be
     }
   }
   CXmlElement* const removed = std::exchange(parent.m_lastChild, before);
+  CTreeMemory const* const memory = MemoryOf(parent);
+  if (memory != nullptr && memory->Markup() != nullptr) memory->Markup()->ForgetChild(parent, *removed, before);
   if (before != nullptr) before->m_next = removed->m_next;
   removed->m_next = CXmlElement::kIsLast;
   return removed;
@@ -324,7 +326,9 @@ void XmlNodeAccess::FreeContents(CXmlElement& element) noexcept {
     Dispose(attribute);
   }
   delete TableOf(element.m_attributes);
-  NodeText::Free(element.m_text, MemoryOf(element));
+  CTreeMemory* const memory = MemoryOf(element);
+  if (memory != nullptr && memory->Markup() != nullptr) memory->Markup()->Forget(element);
+  NodeText::Free(element.m_text, memory);
 }
 
 void XmlNodeAccess::Dispose(CXmlElement* element) noexcept {

@@ -56,6 +56,11 @@ void CExpatReader::CreateParser() {
   if (!m_document.StripsCDATA()) {
     XML_SetCdataSectionHandler(m_parser.get(), FnStartCDATA, FnEndCDATA);
   }
+  if (XmlNodeAccess::KeepsMarkup(m_document)) {
+    XML_SetEndDoctypeDeclHandler(m_parser.get(), FnEndDocumentType);
+    XML_SetCommentHandler(m_parser.get(), FnComment);
+    XML_SetProcessingInstructionHandler(m_parser.get(), FnInstruction);
+  }
 }
 
 void CExpatReader::Parse(bool isFinal) {
@@ -121,7 +126,26 @@ void CExpatReader::AppendMark(std::string_view mark) {
 }
 
 void CExpatReader::FnStartDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {
-  Guarded(self, [](CExpatReader&) { CXmlDocument::CheckDocumentType(); });
+  Guarded(self, [](CExpatReader& reader) {
+    CXmlDocument::CheckDocumentType();
+    reader.m_isInDocumentType = true;
+  });
+}
+
+void CExpatReader::FnEndDocumentType(void* self) {
+  Guarded(self, [](CExpatReader& reader) { reader.m_isInDocumentType = false; });
+}
+
+void CExpatReader::FnComment(void* self, XML_Char const* text) {
+  Guarded(self, [=](CExpatReader& reader) { reader.AddMarkup("", text); });
+}
+
+void CExpatReader::FnInstruction(void* self, XML_Char const* target, XML_Char const* text) {
+  Guarded(self, [=](CExpatReader& reader) { reader.AddMarkup(target, text); });
+}
+
+void CExpatReader::AddMarkup(XML_Char const* target, XML_Char const* text) {
+  if (!m_isInDocumentType) XmlNodeAccess::AddMarkup(m_document, m_toLocal(target), m_toLocal(text));
 }
 
 void CExpatReader::FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const*, XML_Char const*,

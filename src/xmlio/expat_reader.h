@@ -50,6 +50,9 @@ class CExpatReader {
   static void XMLCALL FnEndCDATA(void* self);
   static void XMLCALL FnStartDocumentType(void* self, XML_Char const* name, XML_Char const* systemId,
                                           XML_Char const* publicId, int hasInternalSubset);
+  static void XMLCALL FnEndDocumentType(void* self);
+  static void XMLCALL FnComment(void* self, XML_Char const* text);
+  static void XMLCALL FnInstruction(void* self, XML_Char const* target, XML_Char const* text);
   static void XMLCALL FnAttributeDeclaration(void* self, XML_Char const* element, XML_Char const* attribute,
                                              XML_Char const* type, XML_Char const* value, int isRequired);
 
@@ -64,6 +67,7 @@ class CExpatReader {
   void StartElement(XML_Char const* name, XML_Char const** attributes);
   void AddAttributes(CXmlElement* element, XML_Char const** attributes);
   void AppendMark(std::string_view mark);
+  void AddMarkup(XML_Char const* target, XML_Char const* text);
   void CountDeclaredAttribute(XML_Char const* element);
 
   CXmlDocument& m_document;
@@ -72,6 +76,7 @@ class CExpatReader {
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
   std::map<std::string, std::uint32_t> m_declaredAttributes;  // their number, by element name
+  bool m_isInDocumentType = false;
 };
 
 }  // namespace Quillon9

@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_to_local.h"
+#include "values/rules_in_use.h"
 #include "xmlio/markup_scan.h"
 #include "xmlio/markup_skip.h"
 #include "xmlio/node_access.h"
@@ -23,6 +25,7 @@ using MarkupScan::Within;
 
 constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
 constexpr std::string_view kDeclarationsNamespace = "http://www.w3.org/2000/xmlns/";
+constexpr std::string_view kDocumentTypeStart = "<!DOCTYPE";
 constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";
 /// The parser refuses a comment, a value or the like of a gibibyte; a document that may have one is left to it.
@@ -69,6 +72,7 @@ bool FastReader::Read(CXmlDocument& document) {
 FastReader::FastReader(CXmlDocument& document, bool takesAll)
     : m_document(document),
       m_takesAll(takesAll),
+      m_keepsMarkup(XmlNodeAccess::KeepsMarkup(document)),
       m_end(InputStart(document) + document.GetInputSize()),
       m_names(takesAll) {
   m_open.reserve(kUsualDepth);
@@ -79,13 +83,33 @@ bool FastReader::ReadAll() {
   char const* at = InputStart(m_document);
   while (m_end != at && Is(MarkupScan::kSpace, m_end[-1])) --m_end;
   if (m_end == at || m_end[-1] != '>') return false;
-  at = MarkupSkip::Declaration(at, m_end);
-  if (at != nullptr) at = MarkupSkip::Miscellaneous(at, m_end);
+  at = ReadProlog(at);
   if (at == nullptr || at == m_end || *at != '<') return false;
   at = ReadStartTag(at + 1);
   if (at != nullptr && !m_open.empty()) at = ReadContent(at);
-  if (at != nullptr) at = MarkupSkip::Miscellaneous(at, m_end);
+  if (at != nullptr) at = ReadMiscellaneous(at);
   return at == m_end;
+}
+
+/// Reads what is in front of the document element.
+char const* FastReader::ReadProlog(char const* at) {
+  at = MarkupSkip::Declaration(at, m_end);
+  if (at != nullptr) at = ReadMiscellaneous(at);
+  if (at == nullptr || !StartsWith(at, m_end, kDocumentTypeStart)) return at;
+  if (!CLimits::GetAllowDocumentType()) return nullptr;
+  at = MarkupSkip::DocumentType(at + kDocumentTypeStart.size(), m_end);
+  return at != nullptr ? ReadMiscellaneous(at) : nullptr;
+}
+
+/// Reads what stands around the document element.
+char const* FastReader::ReadMiscellaneous(char const* at) {
+  if (!m_keepsMarkup) return MarkupSkip::Miscellaneous(at, m_end);
+  while (at != nullptr) {
+    while (at != m_end && Is(MarkupScan::kSpace, *at)) ++at;
+    if (!StartsWith(at, m_end, "<!--") && !StartsWith(at, m_end, "<?")) break;
+    at = ReadMarkup(at + 1);
+  }
+  return at;
 }
 
 // ---- Content
@@ -164,10 +188,43 @@ char const* FastReader::ReadReference(char const* at) {
 
 /// Reads what begins with "<!" or "<?", from behind the '<' on.
 char const* FastReader::ReadMarkup(char const* at) {
-  if (*at == '?') return MarkupSkip::Instruction(at + 1, m_end);
+  if (*at == '?') return ReadInstruction(at + 1);
   ++at;
-  if (StartsWith(at, m_end, "--")) return MarkupSkip::Comment(at + 2, m_end);
+  if (StartsWith(at, m_end, "--")) return ReadComment(at + 2);
   return StartsWith(at, m_end, kCDataStart) ? ReadCData(at + kCDataStart.size()) : nullptr;
+}
+
+char const* FastReader::ReadComment(char const* at) {
+  char const* const end = MarkupSkip::Comment(at, m_end);
+  if (!m_keepsMarkup || end == nullptr) return end;
+  return KeepMarkup({}, TextOf(at, end - 3)) ? end : nullptr;
+}
+
+char const* FastReader::ReadInstruction(char const* at) {
+  char const* const end = MarkupSkip::Instruction(at, m_end);
+  if (!m_keepsMarkup || end == nullptr) return end;
+  std::string_view text = TextOf(at, end - 2);
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::string_view const target = text.substr(0, text.find_first_of(kBlanks));
+  text.remove_prefix(target.size());
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
+  return KeepMarkup(target, text) ? end : nullptr;
+}
+
+/// Returns false if the text has to be converted.
+bool FastReader::KeepMarkup(std::string_view target, std::string_view text) {
+  auto const isConverted = [this](std::string_view part) {
+    return !m_takesAll && std::any_of(part.begin(), part.end(), IsBeyondAscii);
+  };
+  if (isConverted(target) || isConverted(text)) return false;
+  std::string lines;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    bool const isLineEnd = text[i] == '\r';
+    if (isLineEnd && i + 1 < text.size() && text[i + 1] == '\n') continue;
+    lines += isLineEnd ? '\n' : text[i];
+  }
+  XmlNodeAccess::AddMarkup(m_document, std::string(target), std::move(lines));
+  return true;
 }
 
 char const* FastReader::ReadCData(char const* at) {
@@ -202,10 +259,10 @@ void FastReader::AppendText(char const* start, char const* end) {
   XmlNodeAccess::AppendText(*m_document.GetOpenElement(), text);
 }
 
-/// Appends what does not stand in the input like this. A carriage return counts, but is left out.
+/// Appends what does not stand in the input like this. A carriage return counts, but is left out by the classic rules.
 void FastReader::AppendCharacter(std::string_view character) {
   m_document.CountContent(character.size());
-  if (character != "\r") XmlNodeAccess::AppendText(*m_document.GetOpenElement(), character);
+  if (character != "\r" || RulesInUse::AreSchema()) XmlNodeAccess::AppendText(*m_document.GetOpenElement(), character);
 }
 
 // ---- Tags
@@ -366,10 +423,9 @@ bool FastReader::Declare(FastName& prefix, std::string_view uri) {
   bool const isReserved = prefix.text == "xmlns" || uri == kDeclarationsNamespace ||
                           (prefix.text == "xml") != (uri == kXmlNamespace) || uri.find('|') != std::string_view::npos;
   if (isReserved || (uri.empty() && !prefix.text.empty())) return false;
-  std::string const& known = *m_uris.emplace(uri).first;
-  m_document.SetNamespaceAlias(std::string(prefix.text), known);
+  std::string const* const kept = XmlNodeAccess::DeclareNamespace(m_document, prefix.text, uri);
   m_bindings.push_back({&prefix, prefix.bound, m_open.size()});
-  prefix.bound = uri.empty() ? nullptr : &known;
+  prefix.bound = uri.empty() ? nullptr : kept;
   return true;
 }
 

@@ -3,10 +3,8 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
-#include "base/seeded_hash.h"
 #include "quillon9/xmlio/document.h"
 #include "xmlio/character_reference.h"
 #include "xmlio/fast_names.h"
@@ -15,7 +13,7 @@ namespace Quillon9 {
 
 /// Builds the tree of a document from plain XML text without the parser, which takes most of the time of a read.
 ///
-/// Plain text is UTF-8 without a document type declaration. At anything that is not certainly right, the reader gives
+/// Plain text is UTF-8 without the declarations of a document type. At anything that is not certainly right, the reader gives
 /// up and leaves nothing behind; the parser then reads the input from its beginning. So all failures are the parser's,
 /// and a tree of this reader equals the parser's.
 class FastReader {
@@ -31,9 +29,6 @@ class FastReader {
     std::string_view value;  // in the input
     bool isPlain;            // as it is in the tree
   };
-  struct Hash {  // the document chooses the namespaces
-    std::size_t operator()(std::string const& text) const { return SeededHash::OfText(text); }
-  };
   /// What the end of an element undoes.
   struct Binding {
     FastName* prefix;
@@ -45,13 +40,17 @@ class FastReader {
 
   bool ReadAll();
   // Each of these reads what begins at its argument and returns its end, or null to give up.
+  char const* ReadProlog(char const* at);
   char const* ReadContent(char const* at);
   char const* ReadText(char const* at);
   char const* ReadOtherText(char const* start, char const* at);
   char const* ReadBeyondAscii(char const* at) const;
   char const* ReadReference(char const* at);
   bool IsTaken(CharacterReference const& reference) const;
+  char const* ReadMiscellaneous(char const* at);
   char const* ReadMarkup(char const* at);
+  char const* ReadComment(char const* at);
+  char const* ReadInstruction(char const* at);
   char const* ReadCData(char const* at);
   char const* ReadStartTag(char const* at);
   char const* ReadAttributes(char const* at);
@@ -67,11 +66,13 @@ class FastReader {
   CXmlName const* SharedName(FastName& name);
   CXmlName const* SharedAttributeName(FastName& name);
   bool Declare(FastName& prefix, std::string_view uri);
+  bool KeepMarkup(std::string_view target, std::string_view text);
   std::string_view Normalized(Attribute const& attribute);
 
   CXmlDocument& m_document;
   bool const m_takesAll;  // also characters beyond ASCII
-  char const* m_end;      // of the input, behind its last '>': each other byte is followed by one more
+  bool const m_keepsMarkup;
+  char const* m_end;  // of the input, behind its last '>': each other byte is followed by one more
   FastNames m_names;
   std::vector<FastName*> m_open;
   std::vector<Binding> m_bindings;
@@ -79,7 +80,6 @@ class FastReader {
   std::vector<CXmlName const*> m_prefixed;  // those of them that have a prefix
   std::uint32_t m_tag = 0;                  // the number of the present start tag with attributes
   std::string m_value;
-  std::unordered_set<std::string, Hash> m_uris;
 };
 
 }  // namespace Quillon9

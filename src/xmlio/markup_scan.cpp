@@ -1,6 +1,6 @@
 #include "xmlio/markup_scan.h"
 
-#include "xmlio/name_characters.h"
+#include "text/name_characters.h"
 
 namespace Quillon9::MarkupScan {
 

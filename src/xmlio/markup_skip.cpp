@@ -31,6 +31,41 @@ char const* SpaceEnd(char const* at, char const* end) {
   return at;
 }
 
+/// Return the end of the white space at \p at; null if there is none or \p at is null.
+char const* Separated(char const* at, char const* end) {
+  if (at == nullptr || at == end || !Is(MarkupScan::kSpace, *at)) return nullptr;
+  return SpaceEnd(at, end);
+}
+
+bool IsQuote(char const* at, char const* end) { return at != end && (*at == '"' || *at == '\''); }
+
+/// Whether \p byte may be part of a public identifier. Line ends may be as well, but are rare.
+bool IsInPublicId(char byte) {
+  return Is(MarkupScan::kPlainPart, byte) || std::string_view(" '()+,/:=?;!*#@$%").find(byte) != std::string_view::npos;
+}
+
+/// Return the end of the text in quotation marks at \p at; null if it is none or \p at is null.
+char const* Literal(char const* at, char const* end, bool isPublicId) {
+  if (at == nullptr || !IsQuote(at, end)) return nullptr;
+  char const quote = *at++;
+  while (at != nullptr && at != end && *at != quote) {
+    if (isPublicId && !IsInPublicId(*at)) return nullptr;
+    at = MarkupScan::SkipCharacter(at, end);
+  }
+  return at != nullptr && at != end ? at + 1 : nullptr;
+}
+
+/// Return the end of the external identifier at \p at (XML 1.0, W3C, section 4.2.2); null if it is none.
+char const* ExternalId(char const* at, char const* end) {
+  constexpr std::string_view kPublic = "PUBLIC";
+  constexpr std::string_view kSystem = "SYSTEM";
+  bool const isPublic = StartsWith(at, end, kPublic);
+  if (!isPublic && !StartsWith(at, end, kSystem)) return nullptr;
+  at = Separated(at + kPublic.size(), end);
+  if (isPublic) at = Separated(Literal(at, end, true), end);
+  return Literal(at, end, false);
+}
+
 /// Reads the XML declaration (XML 1.0, W3C, section 2.8) from behind its first five characters on.
 class Declared {
  public:
@@ -54,7 +89,7 @@ class Declared {
     at = SpaceEnd(at + name.size(), m_end);
     if (at == m_end || *at != '=') return false;
     at = SpaceEnd(at + 1, m_end);
-    if (at == m_end || (*at != '"' && *at != '\'')) return false;
+    if (!IsQuote(at, m_end)) return false;
     char const* const start = at + 1;
     for (char const quote = *at++; *at != quote; ++at) {
       if (at + 1 == m_end) return false;
@@ -91,6 +126,18 @@ char const* Instruction(char const* at, char const* end) {
     at = MarkupScan::SkipCharacter(at, end);
   }
   return nullptr;
+}
+
+char const* DocumentType(char const* at, char const* end) {
+  char const* const name = Separated(at, end);
+  if (name == nullptr) return nullptr;
+  char const* const nameEnd = NameEnd(name, end);
+  if (MarkupScan::FindColon({name, static_cast<std::size_t>(nameEnd - name)}) != 0) return nullptr;
+  at = SpaceEnd(nameEnd, end);
+  if (at != nameEnd && !StartsWith(at, end, ">")) at = ExternalId(at, end);
+  if (at == nullptr) return nullptr;
+  at = SpaceEnd(at, end);
+  return StartsWith(at, end, ">") ? at + 1 : nullptr;
 }
 
 char const* Miscellaneous(char const* at, char const* end) {

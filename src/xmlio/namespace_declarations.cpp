@@ -6,15 +6,17 @@
 
 namespace Quillon9 {
 
-void NamespaceDeclarations::Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix,
-                                std::string const& uri, Kind kind) {
+std::string const& NamespaceDeclarations::Add(CXmlElement const* parent, CXmlElement const* before,
+                                              std::string_view prefix, std::string_view uri, Kind kind) {
   bool const isInside = parent != nullptr && kind == Kind::Declaration;
   Binding* const last = m_declarations.empty() ? nullptr : m_declarations.back().binding;
   bool const isRepeated = last != nullptr && last->first.first == prefix && last->first.second == uri;
-  Binding* const binding = isRepeated ? last : &*m_bindings.emplace(std::make_pair(prefix, uri), isInside).first;
+  Binding* const binding =
+      isRepeated ? last : &*m_bindings.emplace(std::make_pair(std::string(prefix), std::string(uri)), isInside).first;
   binding->second = binding->second && isInside;
   m_declarations.push_back({parent, before, binding});
   m_indexed = nullptr;
+  return binding->first.second;
 }
 
 std::string const* NamespaceDeclarations::Find(CXmlElement const* root, CXmlElement const& element,

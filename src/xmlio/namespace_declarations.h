@@ -24,9 +24,9 @@ class NamespaceDeclarations {
   };
 
   /// Note a declaration on the next child of \p parent, which follows \p before, or on the document element if
-  /// \p parent is null. Neither is looked at.
-  void Add(CXmlElement const* parent, CXmlElement const* before, std::string const& prefix, std::string const& uri,
-           Kind kind);
+  /// \p parent is null. Neither is looked at. Returns \p uri as it is kept.
+  std::string const& Add(CXmlElement const* parent, CXmlElement const* before, std::string_view prefix,
+                         std::string_view uri, Kind kind);
   /// The URI to which \p prefix (empty for the default namespace) is bound at \p element of the tree \p root; null if
   /// it is not declared. Valid until the next declaration.
   std::string const* Find(CXmlElement const* root, CXmlElement const& element, std::string_view prefix) const;

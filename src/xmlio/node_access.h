@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
+#include "base/text_copy.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "xmlio/node_text.h"
@@ -38,6 +41,16 @@ struct XmlNodeAccess {
   static CChildPlaces* PlacesOf(CXmlElement const& element) { return NodeText::FindPlaces(element.m_text); }
   static CXmlAttribute* LastAttribute(CXmlElement const& element);
   static CXmlAttribute* FirstAttribute(CXmlElement const& element);
+  /// The comments and processing instructions in the element; none unless its document keeps them.
+  static std::vector<CMarkup> MarkupIn(CXmlElement const& element) {
+    CTreeMemory const* const memory = MemoryOf(element);
+    return memory != nullptr && memory->Markup() != nullptr ? memory->Markup()->In(element) : std::vector<CMarkup>();
+  }
+  /// Those around the document element.
+  static std::vector<CMarkup> MarkupIn(CXmlDocument const& document) {
+    CTreeMemory const* const memory = document.m_memory;
+    return memory != nullptr && memory->Markup() != nullptr ? memory->Markup()->InDocument() : std::vector<CMarkup>();
+  }
   /// The prefixes, each with its URI, that can be declared on the document element without a change of their meaning
   /// further in; those of a document that was read with a filter are not known.
   static std::vector<std::pair<std::string, std::string>> PrefixesOf(CXmlDocument const& document);
@@ -46,8 +59,17 @@ struct XmlNodeAccess {
   /// \name Changing a tree
   /// @{
   /// Note that \p prefix stands for \p uri in the next child of the innermost open element, or in the document element.
-  static void NoteNamespace(CXmlDocument& document, std::string const& prefix, std::string const& uri,
-                            NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
+  /// Returns \p uri as the tree keeps it, the same string for equal arguments; null if the document has a filter.
+  static std::string const* NoteNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri,
+                                          NamespaceDeclarations::Kind kind = NamespaceDeclarations::Kind::Declaration);
+  /// The same with what else CXmlDocument::SetNamespaceAlias() does.
+  static std::string const* DeclareNamespace(CXmlDocument& document, std::string_view prefix, std::string_view uri);
+  /// Whether a reader of \p document is to keep comments and processing instructions.
+  static bool KeepsMarkup(CXmlDocument const& document);
+  /// Keep a comment (without a target) or processing instruction in the innermost open element, or around the document
+  /// element.
+  /// \throws what CXmlDocument::CountContent() throws.
+  static void AddMarkup(CXmlDocument& document, std::string target, std::string text);
   /// Create an element with a name that the tree shares.
   static CXmlElement* NewElement(CXmlName const& name, CTreeMemory& memory) {
     return ::new (memory.Allocate(sizeof(CXmlElement))) CXmlElement(name);
@@ -106,11 +128,14 @@ struct XmlNodeAccess {
   /// @{
   /// Give \p document the input of another one, which must outlive it, for a second tree under the same limits.
   static void LendInput(CXmlDocument& document, CXmlDocument const& from) {
-    document.m_inputData = from.m_inputData;
-    document.m_inputSize = from.m_inputSize;
     document.m_schemaType = from.m_schemaType;
-    document.StartCounting();
+    LendInput(document, from.m_inputData, from.m_inputSize);
   }
+  /// CXmlDocument::LoadXmlStream() and LoadXml() without a copy of the input, which must outlive \p document.
+  ///@{
+  static void LoadLentStream(CXmlDocument& document, unsigned char const* data, unsigned long size);
+  static void LoadLentText(CXmlDocument& document, char const* text);
+  ///@}
   /// Whether nothing has been built or declared in \p document.
   static bool IsUntouched(CXmlDocument const& document) {
     return document.m_memory == nullptr && document.m_documentElement == nullptr && document.m_elementStack.empty() &&
@@ -119,6 +144,37 @@ struct XmlNodeAccess {
   static bool HasFilter(CXmlDocument const& document) { return document.m_filter != nullptr; }
   /// Drop what has been built or declared, but not the input.
   static void DropTree(CXmlDocument& document) noexcept;
+  /// The steps of CXmlDocument::AddChildElement(), inline, for readers that check the depth themselves: add a child to
+  /// \p parent, the innermost open element, and open it. A document with a filter needs more.
+  ///@{
+  static CXmlElement* AddCountedChild(CXmlDocument& document, CXmlElement& parent, CXmlName const& name) {
+    document.CountContent(static_cast<TreeName const&>(name).charge);
+    document.m_elementStack.back().hadChildren = true;
+    if (HasText(parent)) document.NotePlace(parent);
+    return AddChild(parent, name);
+  }
+  /// Both together with the end of the element, for one that has only \p text. Return null, with nothing changed, if the
+  /// text is not plain or not short, or if the two are too much for the document.
+  static CXmlElement* AddTextChild(CXmlDocument& document, CXmlElement& parent, CXmlName const& name,
+                                   std::string_view text) {
+    TreeName const& treeName = static_cast<TreeName const&>(name);
+    std::uint64_t const size = document.m_contentSize + treeName.charge + text.size();
+    std::uintptr_t place = 0;
+    if (size > document.m_contentLimit || !NodeText::SetFirst(place, text, *treeName.memory, HasUnplain())) {
+      return nullptr;
+    }
+    document.m_contentSize = size;
+    document.m_elementStack.back().hadChildren = true;
+    if (HasText(parent)) document.NotePlace(parent);
+    CXmlElement* const element = AddChild(parent, NewElement(name, *treeName.memory));
+    element->m_text = place;
+    return element;
+  }
+  static CXmlElement* Open(CXmlDocument& document, CXmlElement* element) {
+    document.m_elementStack.push_back({element, 0, false});
+    return element;
+  }
+  ///@}
   /// CXmlDocument::EndElement() and CloseElement(), inline, because they run for every element.
   ///@{
   static void EndElement(CXmlDocument& document) {
@@ -139,6 +195,13 @@ struct XmlNodeAccess {
   /// What CXmlDocument::CountContent() has counted.
   static std::uint64_t& ContentSize(CXmlDocument& document) { return document.m_contentSize; }
   /// @}
+
+ private:
+  static void LendInput(CXmlDocument& document, unsigned char const* data, unsigned long size) {
+    document.m_inputData = data;
+    document.m_inputSize = size;
+    document.StartCounting();
+  }
 };
 
 }  // namespace Quillon9

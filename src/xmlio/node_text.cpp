@@ -7,16 +7,10 @@
 #include <utility>
 
 #include "base/text_copy.h"
-#include "xmlio/tree_memory.h"
 
 namespace Quillon9::NodeText {
 
 namespace {
-
-/// The two bytes in front of a text.
-constexpr std::size_t kHead = 2;
-/// A longer text is a string from the start: it moves less often when it grows, and its destruction frees the memory.
-constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 3;
 
 bool IsString(std::uintptr_t place) { return (place & kIsString) != 0; }
 CTreeString* StringAt(std::uintptr_t place) { return reinterpret_cast<CTreeString*>(place & ~kIsString); }
@@ -41,9 +35,6 @@ void Place(std::uintptr_t& place, char* bytes, std::size_t granules) {
   place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
   bytes[1] = static_cast<char>(static_cast<unsigned char>(granules * CTreeMemory::kGranule - kHead - 1));
 }
-
-/// The number of granules for a text of \p size bytes with its head and its zero.
-std::size_t GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
 
 /// Make the bytes up to \p end part of the text.
 void Commit(std::uintptr_t place, char* end) {
@@ -110,26 +101,6 @@ void AppendMore(std::uintptr_t& place, std::string_view text, CTreeMemory* memor
   if (!IsString(place)) BecomeString(place, memory, GetView(place).size() + text.size());
   StringAt(place)->text.append(text);
 }
-
-namespace {
-
-/// Set the first text, which is nearly always the only one. Return false, with nothing changed, if the text is too long
-/// or \p stops finds something in it.
-template <class Stops>
-bool SetFirst(std::uintptr_t& place, std::string_view text, CTreeMemory& memory, Stops stops) {
-  if (text.size() > kMostBytes) return false;
-  std::size_t const granules = GranulesFor(text.size());
-  auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
-  if (CopyBlocks(bytes + kHead, text, stops) != text.size()) {
-    memory.Free(bytes, granules * CTreeMemory::kGranule);
-    return false;
-  }
-  Place(place, bytes, granules);
-  Commit(place, BytesAt(place) + text.size());
-  return true;
-}
-
-}  // namespace
 
 bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory) {
   return SetFirst(place, text, memory, HasUnplain());

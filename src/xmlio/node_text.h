@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-namespace Quillon9 {
+#include "base/text_copy.h"
+#include "xmlio/tree_memory.h"
 
-struct CChildPlaces;
-class CTreeMemory;
+namespace Quillon9 {
 
 /// The text of a node of a tree: bytes in the tree's memory, followed by a zero. It becomes a std::string only on
 /// request and when it is long. Nearly all texts are short and only looked at: a std::string in each node would double
@@ -20,12 +20,38 @@ class CTreeMemory;
 namespace NodeText {
 
 constexpr std::uintptr_t kIsString = 1;
+/// The two bytes in front of a text.
+constexpr std::size_t kHead = 2;
+/// A longer text is a string from the start: it moves less often when it grows, and its destruction frees the memory.
+constexpr std::size_t kMostBytes = CTreeMemory::kLargest - 3;
 
 std::string_view ViewOfString(std::uintptr_t place);
 bool SetPlain(std::uintptr_t& place, std::string_view text, CTreeMemory& memory);
 void AppendMore(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
 bool SetWhole(std::uintptr_t& place, std::string_view text, CTreeMemory& memory);
 bool AppendMorePlain(std::uintptr_t& place, std::string_view text, CTreeMemory* memory);
+
+/// The number of granules for a text of \p size bytes with its head and its zero.
+constexpr std::size_t GranulesFor(std::size_t size) { return (kHead + size) / CTreeMemory::kGranule + 1; }
+
+/// Set the first text of a node, which is nearly always the only one. Return false, with nothing changed, if the text
+/// is too long or \p stops finds something in it. Inline, because readers create most texts here.
+template <class Stops>
+inline bool SetFirst(std::uintptr_t& place, std::string_view text, CTreeMemory& memory, Stops stops) {
+  std::size_t const size = text.size();
+  if (size > kMostBytes) return false;
+  std::size_t const granules = GranulesFor(size);
+  auto* const bytes = static_cast<char*>(memory.AllocateGranules(granules));
+  if (CopyBlocks(bytes + kHead, text, stops) != size) {
+    memory.Free(bytes, granules * CTreeMemory::kGranule);
+    return false;
+  }
+  bytes[0] = static_cast<char>(static_cast<unsigned char>(size));
+  bytes[1] = static_cast<char>(static_cast<unsigned char>(granules * CTreeMemory::kGranule - kHead - 1));
+  bytes[kHead + size] = '\0';
+  place = reinterpret_cast<std::uintptr_t>(bytes + kHead);
+  return true;
+}
 
 /// Return the bytes, until the next call of another operation.
 inline std::string_view GetView(std::uintptr_t place) {

@@ -6,12 +6,15 @@
 #include <string_view>
 #include <typeinfo>
 
+#include "base/failure_detail.h"
 #include "base/fast_paths.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "base/text_cursor.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/streams.h"
+#include "values/rules_in_use.h"
 #include "xmlio/child_prefix.h"
 #include "xmlio/writer_access.h"
 
@@ -25,11 +28,13 @@ constexpr std::string_view kCdataStart = "<![CDATA[";
 constexpr std::size_t kLongestPiece = 1024;  // of text copied at once: a block of the stream may leave this much unused
 
 /// How PadAndAppend treats a byte.
-enum class ByteClass : unsigned char { Plain, End, LineFeed, CarriageReturn, Escaped };
+enum class ByteClass : unsigned char { Plain, End, Tab, LineFeed, CarriageReturn, Control, Escaped };
 
 constexpr std::array<ByteClass, 256> MakeByteClasses() {
   std::array<ByteClass, 256> classes{};
+  for (unsigned char control = 1; control < ' '; ++control) classes[control] = ByteClass::Control;
   classes['\0'] = ByteClass::End;
+  classes['\t'] = ByteClass::Tab;
   classes['\n'] = ByteClass::LineFeed;
   classes['\r'] = ByteClass::CarriageReturn;
   for (char const escaped : {'"', '&', '<', '>'}) classes[static_cast<unsigned char>(escaped)] = ByteClass::Escaped;
@@ -47,6 +52,18 @@ char const* EntityFor(char byte) {
     case '<': return "&lt;";
     default: return "&gt;";
   }
+}
+
+/// What stands for a byte that only the rules of XML Schema treat in a special way; null if it stands for itself. A parser
+/// makes line feeds of carriage returns, and blanks of both and of tabs in attributes.
+char const* ReferenceFor(ByteClass byteClass, bool inAttribute) {
+  if (byteClass == ByteClass::CarriageReturn) return "&#xD;";
+  return byteClass == ByteClass::Tab && inAttribute ? "&#x9;" : nullptr;
+}
+
+[[noreturn]] void ThrowNotInXml(char character) {
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                         "The character U+%04X cannot stand in an XML document", character)));
 }
 
 // Room for a name and a string of markup around it; `prefix` is null for a name without one.
@@ -139,6 +156,7 @@ void CXmlTextWriter::WriteHeaderDirective(std::string const& text) {
 
 void CXmlTextWriter::WriteComment(std::string const& text) {
   m_stream->Append("<!--");
+  RulesInUse::Scope const classic(ValueRules_Classic);  // a comment has no references
   PadAndAppend(text.c_str(), false);
   m_stream->Append("-->");
   AppendLineEnd();
@@ -267,7 +285,7 @@ void CXmlTextWriter::WriteString(std::string const& value, ItemType /*type*/) {
 
 // Append the text up to the first zero byte.
 void CXmlTextWriter::AppendText(std::string_view text) {
-  if (text[0] == '<' && StartsWith(text, kCdataStart)) {
+  if (text[0] == '<' && StartsWith(text, kCdataStart) && !RulesInUse::AreSchema()) {
     m_stream->Append(text.data(), text.substr(0, text.find('\0')).size());
   } else {
     AppendEscaped(text, false);
@@ -359,6 +377,52 @@ void CXmlTextWriter::PreserveSpace() {
   m_preserved = m_context;
 }
 
+namespace {
+
+/// \p text with a blank inside each \p mark.
+std::string Parted(std::string text, std::string_view mark) {
+  for (std::size_t at = text.find(mark); at != std::string::npos; at = text.find(mark, at + 1))
+    text.insert(at + 1, " ");
+  return text;
+}
+
+}  // namespace
+
+void CXmlTextWriter::WriteMarkup(CMarkup const& markup) {
+  if (m_context != nullptr) {
+    ++m_context->m_childCount;  // its end tag is on a line of its own
+    if (m_context->m_tagOpen) {
+      CloseTag();
+      if (m_format) AppendLineEnd();
+    }
+    if (m_format) m_stream->Append(std::string(m_context->m_depth + std::size_t{1}, '\t'));
+  }
+  std::string const text = markup.text.c_str();
+  if (markup.IsComment()) {
+    m_stream->Append("<!--");
+    AppendLines(Parted(text, "--"));
+    m_stream->Append(!text.empty() && text.back() == '-' ? " -->" : "-->");
+  } else {
+    m_stream->Append("<?");
+    m_stream->Append(markup.target);
+    if (!text.empty()) m_stream->Append(' ');
+    AppendLines(Parted(text, "?>"));
+    m_stream->Append("?>");
+  }
+  if (m_format || m_context == nullptr) AppendLineEnd();
+  FlushIfFull();
+}
+
+void CXmlTextWriter::AppendLines(std::string_view text) {
+  for (char const c : text) {
+    if (c == '\n') {
+      AppendLineEnd();
+    } else {
+      m_stream->Append(c);
+    }
+  }
+}
+
 void CXmlTextWriter::WriteRawElement(std::string const& text) {
   m_stream->Append(text);
   if (m_format) AppendLineEnd();
@@ -382,15 +446,22 @@ void CXmlTextWriter::AppendEscaped(std::string_view text, bool inAttribute) {
     m_stream->Append(text.data(), run);
     text.remove_prefix(run);
     if (text.empty()) return;
-    switch (ClassOf(text.front())) {
-      case ByteClass::End: return;
-      case ByteClass::LineFeed: m_stream->Append(inAttribute ? "&#xA;" : m_lineEnd.c_str()); break;
-      case ByteClass::Escaped: m_stream->Append(EntityFor(text.front())); break;
-      case ByteClass::Plain:
-      case ByteClass::CarriageReturn: break;
-    }
+    if (ClassOf(text.front()) == ByteClass::End && !RulesInUse::AreSchema()) return;
+    AppendSpecial(text.front(), inAttribute);
     text.remove_prefix(1);
   }
+}
+
+// Append a byte that is not plain. Nobody writes what a reader refuses or changes under the rules of XML Schema.
+void CXmlTextWriter::AppendSpecial(char byte, bool inAttribute) {
+  ByteClass const byteClass = ClassOf(byte);
+  if (byteClass == ByteClass::LineFeed) return m_stream->Append(inAttribute ? "&#xA;" : m_lineEnd.c_str());
+  if (byteClass == ByteClass::Escaped) return m_stream->Append(EntityFor(byte));
+  bool const isSchema = RulesInUse::AreSchema();
+  if (isSchema && (byteClass == ByteClass::Control || byteClass == ByteClass::End)) ThrowNotInXml(byte);
+  char const* const reference = isSchema ? ReferenceFor(byteClass, inAttribute) : nullptr;
+  if (reference != nullptr) return m_stream->Append(reference);
+  if (byteClass != ByteClass::CarriageReturn) m_stream->Append(byte);
 }
 
 void CXmlTextWriter::CloseTag() {

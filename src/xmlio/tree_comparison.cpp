@@ -1,5 +1,6 @@
 #include "xmlio/tree_comparison.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdio>
 #include <new>
@@ -41,6 +42,13 @@ bool HasSameAttributes(CXmlElement const& left, CXmlElement const& right) {
     other = other->GetNextAttribute();
   }
   return one == other;
+}
+
+bool HasSameMarkup(std::vector<CMarkup> const& left, std::vector<CMarkup> const& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](CMarkup const& one, CMarkup const& other) {
+    return one.target == other.target && one.text == other.text && one.childrenInFront == other.childrenInFront &&
+           one.textInFront == other.textInFront;
+  });
 }
 
 /// Compares two trees in document order.
@@ -89,6 +97,8 @@ class Comparison {
       Report("the text", left);
     } else if (!HasSamePlaces(left, right)) {
       Report("the places of the children", left);
+    } else if (!HasSameMarkup(XmlNodeAccess::MarkupIn(left), XmlNodeAccess::MarkupIn(right))) {
+      Report("the comments", left);
     } else if (!HasSameNamespaces(left, right)) {
       Report("the namespaces in scope", left);
     }
@@ -122,6 +132,9 @@ class Comparison {
 std::string FirstDifference(CXmlDocument& left, CXmlDocument& right) {
   if (left.GetNamespaceAliases() != right.GetNamespaceAliases()) return "the aliases";
   if (XmlNodeAccess::ContentSize(left) != XmlNodeAccess::ContentSize(right)) return "the size of the content";
+  if (!HasSameMarkup(XmlNodeAccess::MarkupIn(left), XmlNodeAccess::MarkupIn(right))) {
+    return "the comments around the document element";
+  }
   return Comparison(left, right).Run();
 }
 

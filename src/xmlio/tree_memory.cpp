@@ -1,7 +1,7 @@
 #include "xmlio/tree_memory.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -11,36 +11,6 @@
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
-
-namespace {
-
-// Large enough that the allocator of the process does not trim its memory at the end of each block.
-constexpr std::size_t kBlockSize = 256 * 1024;
-using Block = std::unique_ptr<char[]>;
-
-/// Keeps blocks between two documents of a thread, at most 4 MiB. Reading small documents one after the other then
-/// requests no memory from the system. Giving a block back never fails, because destructors do it.
-class BlockCache {
- public:
-  static Block Take() {
-    BlockCache* const cache = PerThread<BlockCache>::Find();
-    if (cache == nullptr || cache->m_count == 0) return Block(new char[kBlockSize]);
-    return std::move(cache->m_blocks[--cache->m_count]);
-  }
-  static void Give(Block block) noexcept {
-    BlockCache* const cache = kBlockCache.IsOn() ? PerThread<BlockCache>::Find() : nullptr;
-    if (cache == nullptr || cache->m_count == kMost) return;
-    cache->m_blocks[cache->m_count++] = std::move(block);
-  }
-
- private:
-  static constexpr std::size_t kMost = 16;
-
-  std::size_t m_count = 0;
-  std::array<Block, kMost> m_blocks;
-};
-
-}  // namespace
 
 CTreeExtra::CTreeExtra(CTreeMemory* memory) noexcept {
   if (memory == nullptr) return;
@@ -55,19 +25,70 @@ CTreeExtra::~CTreeExtra() {
   if (m_next != nullptr) m_next->m_link = m_link;
 }
 
-CTreeMemory::~CTreeMemory() {
-  while (m_extras != nullptr) delete m_extras;
-  for (Block& block : m_blocks) {
-    ASAN_UNPOISON_MEMORY_REGION(block.get(), kBlockSize);
-    BlockCache::Give(std::move(block));
+/// The memory that a thread keeps for its next document.
+class KeptTreeMemory {
+ public:
+  /// Return it, or null if there is none.
+  static CTreeMemory* Take() {
+    KeptTreeMemory* const kept = kTreeNames.IsOn() ? PerThread<KeptTreeMemory>::Find() : nullptr;
+    return kept != nullptr ? std::exchange(kept->m_memory, nullptr) : nullptr;
   }
+  /// Keep \p memory and return true, or return false.
+  static bool Give(CTreeMemory* memory) noexcept {
+    KeptTreeMemory* const kept = kTreeNames.IsOn() ? PerThread<KeptTreeMemory>::Find() : nullptr;
+    if (kept == nullptr || kept->m_memory != nullptr) return false;
+    kept->m_memory = memory;
+    return true;
+  }
+  ~KeptTreeMemory() { delete m_memory; }
+
+ private:
+  CTreeMemory* m_memory = nullptr;
+};
+
+CTreeMemory* CTreeMemory::For(CXmlDocument& document) {
+  CTreeMemory* memory = KeptTreeMemory::Take();
+  if (memory == nullptr) memory = new CTreeMemory;
+  memory->Begin(document);
+  return memory;
 }
+
+void CTreeMemory::Begin(CXmlDocument& document) {
+  m_document = m_counting = &document;
+  ++m_use;
+}
+
+bool CTreeMemory::IsWorthKeeping() const {
+  return !m_names.empty() && m_names.size() <= kMostKeptNames && m_nameText <= kMostKeptText;
+}
+
+/// The last use of the nodes has ended.
+void CTreeMemory::End() noexcept {
+  DropNodes();
+  if (!IsWorthKeeping()) return delete this;
+  for (TreeName const& name : m_names) name.user.reset();  // it may share more than names
+  if (!KeptTreeMemory::Give(this)) delete this;
+}
+
+void CTreeMemory::DropNodes() noexcept {
+  while (m_extras != nullptr) delete m_extras;
+  m_document = nullptr;
+  m_isAbandoned = false;
+  m_plainClasses = {};
+  m_declarations = {};
+  m_markup.reset();
+  std::fill(std::begin(m_free), std::end(m_free), nullptr);
+  m_blockAt = m_blockEnd = nullptr;
+  m_blocks.clear();
+}
+
+CTreeMemory::~CTreeMemory() { DropNodes(); }
 
 void CTreeMemory::Abandon(CXmlElement* root) noexcept {
   m_isAbandoned = true;
-  m_counting = nullptr;
+  m_document = m_counting = nullptr;
   if (m_detached == 0) {
-    delete this;
+    End();
   } else if (root != nullptr) {
     XmlNodeAccess::Dispose(root);  // what it has outside this memory need not wait
   }
@@ -75,8 +96,10 @@ void CTreeMemory::Abandon(CXmlElement* root) noexcept {
 
 void CTreeMemory::FreeDetached(void* node) noexcept {
   Free(node, sizeof(CXmlElement));
-  if (--m_detached == 0 && m_isAbandoned) delete this;
+  if (--m_detached == 0 && m_isAbandoned) End();
 }
+
+TreeName::User::~User() = default;
 
 TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::string_view localName) {
   // The document chooses the names.
@@ -85,10 +108,18 @@ TreeName const* CTreeMemory::ShareName(std::string_view namespaceUri, std::strin
   if (!m_nameBuckets.empty()) {
     for (TreeName* name = BucketOf(hash); name != nullptr; name = name->nextInBucket) {
       bool const isFound = name->hash == hash && name->localName == localName && name->namespaceUri == namespaceUri;
-      if (isFound) return name;
+      if (!isFound) continue;
+      if (name->use != m_use) CountName(*name);
+      return name;
     }
   }
   return AddName(namespaceUri, localName, hash);
+}
+
+/// Count a name of an earlier document as one that is new.
+void CTreeMemory::CountName(TreeName& name) {
+  CountContent(kNameCharge + 2 * (name.namespaceUri.size() + name.localName.size()));
+  name.use = m_use;
 }
 
 TreeName* CTreeMemory::AddName(std::string_view namespaceUri, std::string_view localName, std::uint64_t hash) {
@@ -96,6 +127,8 @@ TreeName* CTreeMemory::AddName(std::string_view namespaceUri, std::string_view l
   CountContent(kNameCharge + 2 * size);
   if (m_names.size() == m_nameBuckets.size()) AddNameBuckets();
   TreeName* const name = &m_names.emplace_back(namespaceUri, localName, this, ChargeOfNode(size));
+  m_nameText += size;
+  name->use = m_use;
   name->hash = hash;
   name->nextInBucket = std::exchange(BucketOf(hash), name);
   return name;
@@ -114,10 +147,9 @@ void* CTreeMemory::TakeFreed(std::size_t granules) {
 }
 
 void CTreeMemory::StartBlock() {
-  m_blocks.push_back(BlockCache::Take());
-  m_blockAt = m_blocks.back().get();
-  m_blockEnd = m_blockAt + kBlockSize;
-  ASAN_POISON_MEMORY_REGION(m_blockAt, kBlockSize);
+  TreeBlock const& block = m_blocks.emplace_back(m_blocks.size());
+  m_blockAt = block.Start();
+  m_blockEnd = m_blockAt + block.Size();
 }
 
 void CTreeMemory::Free(void* storage, std::size_t size) noexcept {

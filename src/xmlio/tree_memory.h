@@ -14,6 +14,8 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/element.h"
 #include "xmlio/namespace_declarations.h"
+#include "xmlio/tree_block.h"
+#include "xmlio/tree_markup.h"
 
 namespace Quillon9 {
 
@@ -28,12 +30,22 @@ struct TreeName final : CXmlName {
   TreeName(std::string uri, std::string name, CXmlDocument const* itsDocument)
       : CXmlName(std::move(uri), std::move(name)), document(itsDocument) {}
 
+  /// What higher floors keep for a name of a document, until the tree is destroyed.
+  struct User {
+    User() = default;
+    User(User const&) = delete;
+    User& operator=(User const&) = delete;
+    virtual ~User();
+  };
+
   CTreeMemory* memory = nullptr;           ///< of the document that shares it; null for a standalone node's name
   CXmlDocument const* document = nullptr;  ///< of a standalone element
   mutable std::uint64_t member = 0;        ///< the number of the class member that is known to have both names
   std::size_t charge = 0;                  ///< what each node with this name counts for against CLimits, in a document
   std::uint64_t hash = 0;                  ///< of both names, in a document
+  std::uint64_t use = 0;                   ///< the last use of the memory that had this name
   TreeName* nextInBucket = nullptr;        ///< another one of the document
+  mutable std::unique_ptr<User> user;      ///< null for most
 };
 
 /// Data that a node has outside the memory of its tree. It is freed with its node or with the memory.
@@ -75,19 +87,20 @@ struct CTreeAttributes : CTreeExtra {
 /// visit to the nodes.
 ///
 /// It belongs to its document, and outlives it as long as a node that a caller detached exists. Only one thread at a
-/// time may use it, as with the tree.
+/// time may use it, as with the tree. A thread keeps the last one with its names, if these are few, for its next
+/// document, because documents that are read one after the other have mostly the same names.
 class CTreeMemory {
  public:
-  /// For the nodes of \p document. Allocate it with new; the document releases it with Abandon().
-  explicit CTreeMemory(CXmlDocument* document)
-      : m_document(document), m_counting(document), m_noName({}, {}, this, kNodeCharge) {}
+  /// Return memory for the nodes of \p document, which releases it with Abandon().
+  /// \throws std::bad_alloc.
+  static CTreeMemory* For(CXmlDocument& document);
   CTreeMemory(CTreeMemory const&) = delete;
   CTreeMemory& operator=(CTreeMemory const&) = delete;
 
   CXmlDocument const* GetDocument() const { return m_document; }
 
-  /// Report that the document no longer needs this memory and the tree \p root, which may be null. It is destroyed now,
-  /// or with the last detached element.
+  /// Report that the document no longer needs this memory and the tree \p root, which may be null. The nodes are
+  /// destroyed now, or with the last detached element.
   void Abandon(CXmlElement* root) noexcept;
   /// Count an element that was passed to a caller.
   void CountDetached() { ++m_detached; }
@@ -96,6 +109,15 @@ class CTreeMemory {
 
   /// Which namespaces are declared in the document.
   NamespaceDeclarations& Declarations() { return m_declarations; }
+
+  /// The comments and processing instructions that are kept; null for none.
+  ///@{
+  TreeMarkup* Markup() const { return m_markup.get(); }
+  TreeMarkup& MarkupToChange() {
+    if (m_markup == nullptr) m_markup = std::make_unique<TreeMarkup>();
+    return *m_markup;
+  }
+  ///@}
 
   /// The classes read from this tree that are not nillable.
   PlainClasses& PlainTypes() { return m_plainClasses; }
@@ -147,6 +169,7 @@ class CTreeMemory {
 
  private:
   friend class CTreeExtra;
+  friend class KeptTreeMemory;
   static constexpr std::size_t kFreeName = 1024;
   static constexpr std::size_t kFirstNameBuckets = 32;
   /// The charge for a name besides its texts: it is in the map and in a table of the reader.
@@ -156,27 +179,40 @@ class CTreeMemory {
   };
   static constexpr std::size_t Granules(std::size_t size) { return (size + kGranule - 1) / kGranule; }
 
+  CTreeMemory() : m_noName({}, {}, this, kNodeCharge) {}
   ~CTreeMemory();
+  void Begin(CXmlDocument& document);
+  void End() noexcept;
+  void DropNodes() noexcept;
+  bool IsWorthKeeping() const;
+  void CountName(TreeName& name);
   TreeName* AddName(std::string_view namespaceUri, std::string_view localName, std::uint64_t hash);
   void AddNameBuckets();
   TreeName*& BucketOf(std::uint64_t hash) { return m_nameBuckets[hash & (m_nameBuckets.size() - 1)]; }
   void* TakeFreed(std::size_t granules);
   void StartBlock();
 
-  CXmlDocument const* m_document;
-  CXmlDocument* m_counting;
+  /// What a thread keeps at most: this many names, and texts of names of this size.
+  static constexpr std::size_t kMostKeptNames = 256;
+  static constexpr std::size_t kMostKeptText = 16 * 1024;
+
+  CXmlDocument const* m_document = nullptr;
+  CXmlDocument* m_counting = nullptr;
+  std::uint64_t m_use = 0;  // the number of documents so far
   TreeName m_noName;
   PlainClasses m_plainClasses;
   NamespaceDeclarations m_declarations;
+  std::unique_ptr<TreeMarkup> m_markup;
   std::size_t m_detached = 0;
   bool m_isAbandoned = false;
   Freed* m_free[kLargest / kGranule + 1] = {};
   char* m_blockAt = nullptr;
   char* m_blockEnd = nullptr;
-  std::vector<std::unique_ptr<char[]>> m_blocks;
+  std::vector<TreeBlock> m_blocks;
   CTreeExtra* m_extras = nullptr;
   std::deque<TreeName> m_names;  // their places do not change
   std::vector<TreeName*> m_nameBuckets;
+  std::size_t m_nameText = 0;  // bytes in all names
 };
 
 }  // namespace Quillon9

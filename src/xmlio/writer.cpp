@@ -310,6 +310,8 @@ void CXmlWriter::WriteTextBeforeChild() {
 
 void CXmlWriter::PreserveSpace() {}
 
+void CXmlWriter::WriteMarkup(CMarkup const& /*markup*/) {}
+
 void CXmlWriter::PopContext() { XmlWriterAccess::Release(*this, std::exchange(m_context, m_context->m_parent)); }
 
 XmlWriterAccess::Context* XmlWriterAccess::NewChild(CXmlWriter& writer, std::string const& localName,

@@ -467,4 +467,37 @@ TEST(Places, OfAllNodesAreFoundAtOnce) {
   EXPECT_EQ(number, kCount);
 }
 
+/// Owns the bytes that it is read from, and clears them before it fails.
+class Owner : public Probe {
+ public:
+  CXmlElement* FromXml_Int(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                           bool inChoice) override {
+    m_bytes.Clear();
+    std::string().swap(m_text);
+    return Probe::FromXml_Int(parent, cursor, ctx, inChoice);
+  }
+
+  CBinaryData m_bytes{"<a>\n<b>BAD</b></a>"};
+  std::string m_text = "<a>\n<b>BAD</b><!-- more than a string holds without memory of its own --></a>";
+};
+
+TEST(Places, AreFoundInBytesThatTheReadHasCleared) {
+  void (*const reads[])(Owner&) = {
+      [](Owner& owner) { owner.FromXmlStream(owner.m_bytes); },
+      [](Owner& owner) { owner.FromXml(owner.m_text.c_str()); },
+      [](Owner& owner) {
+        owner.FromXmlStream(reinterpret_cast<unsigned char*>(owner.m_text.data()), owner.m_text.size());
+      },
+  };
+  for (auto const read : reads) {
+    CSmartPtr<Owner> const owner(new Owner);
+    try {
+      read(*owner);
+      ADD_FAILURE();
+    } catch (CQnException const& failure) {
+      EXPECT_EQ("2:1@4 /a/b", Show(failure.GetPlace()));
+    }
+  }
+}
+
 }  // namespace Quillon9::Testing

@@ -76,6 +76,64 @@ TEST(Element, ReadingAppendsAndCopyingReplaces) {
   EXPECT_EQ("first", base.GetName());
 }
 
+TEST(Element, SharesNamesUntilTheyChange) {
+  CElement root("");
+  root.FromXml("<r xmlns='urn:a' k='1'><a k='2'/><a k='3'/><r/></r>");
+  CElementCol const& children = *root.GetElements();
+  CSmartPtr<CElement> const first = children.Item(0);
+  EXPECT_EQ(&first->GetName(), &children.Item(1)->GetName());
+  CSmartPtr<CElement> const clone = first->Clone();
+  first->SetName("b");
+  first->GetAttributes()->Item(0)->SetName("l");
+  children.Item(1)->SetNamespace("urn:b");
+  children.Item(2)->SetDefaultNamespace("urn:a");
+  EXPECT_EQ(
+      "<AA:r xmlns:AA=\"urn:a\" k=\"1\"><AA:b l=\"2\"/><AB:a xmlns:AB=\"urn:b\" k=\"3\"/><r xmlns=\"urn:a\"/></AA:r>",
+      Text(root));
+  EXPECT_EQ("<AA:a xmlns:AA=\"urn:a\" k=\"2\"/>", Text(*clone));
+  EXPECT_EQ("urn:a", children.Item(1)->GetElements()->Add("new")->GetNamespace()) << "the first namespace";
+}
+
+// A document in many namespaces keeps about its size, where each element would declare its own.
+TEST(Element, DeclaresKeptPrefixesOnlyOnce) {
+  std::string text = "<r";
+  for (int i = 0; i < 300; ++i) text += " xmlns:p" + std::to_string(i) + "=\"urn:example:" + std::to_string(i) + "\"";
+  text += '>';
+  for (int i = 0; i < 3000; ++i) text += "<p" + std::to_string(i % 300) + ":a/>";
+  text += "</r>";
+  CXmlDocument document;
+  document.LoadXml(text.c_str());
+  CXmlSerializationContext context;
+  CElement element("");
+  element.CopyXmlElement(document.GetDocumentElement(), context);
+  EXPECT_GT(Text(element).size(), 2 * text.size());
+  context.SetKeepPrefixes(true);
+  element.CopyXmlElement(document.GetDocumentElement(), context);
+  EXPECT_EQ(text.size(), Text(element).size());
+  CElement again("");
+  again.FromXml(Text(element).c_str());
+  EXPECT_EQ("urn:example:299", again.GetElements()->Item(299)->GetNamespace());
+}
+
+TEST(Element, KeepsThePrefixesOfItsLastDocumentOnly) {
+  CXmlSerializationContext context;
+  context.SetKeepPrefixes(true);
+  CElement element("");
+  auto document = std::make_unique<CXmlDocument>();
+  document->LoadXml("<r xmlns:p='urn:p'/>");
+  element.CopyXmlElement(document->GetDocumentElement(), context);
+  unsigned char const undeclared[] = {0xE0, 0, 0, 1, 0, 0x38, 0xCE, 0, 'p', 0xF0, 0x3C, 0, 'r', 0xF0, 0xF0};
+  document->LoadXmlStream(undeclared, sizeof undeclared);
+  element.CopyXmlElement(document->GetDocumentElement(), context);
+  EXPECT_EQ("<r/>", Text(element));
+  document->LoadXml("<r xmlns:q='urn:q'><c/></r>");
+  CXmlElement* const child = document->GetDocumentElement()->RemoveLastChildElement();
+  document.reset();
+  element.CopyXmlElement(child, context);
+  EXPECT_EQ("<c/>", Text(element));
+  delete child;
+}
+
 TEST(Element, WithADefaultNamespaceIsWrittenApart) {
   CElement element("a", "urn:d");
   element.GetAttributes()->Add("lost", "1", "");

@@ -22,6 +22,8 @@
 #include "support/expect_failure.h"
 #include "support/octets.h"
 #include "support/scoped_locale.h"
+#include "xmlio/document_outline.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 namespace {
@@ -53,6 +55,26 @@ struct Row {
   std::string octets;
   std::string outcome;
 };
+
+TEST(FastInfosetReader, CommentsAndInstructionsAreKeptOnWish) {
+  // A notation, then comments and instructions that repeat strings of two tables, also of a document type.
+  std::string const octets = Octets(
+      "E0 00 00 01 10 C0 00'n' F0 E2 40'x' C4 E1 01'pi' 40'y' F0"
+      "3C 00'a' E2 80 E1 80 81 82 01'text' 3C 00'b' F0 E1 81 FF F0"
+      "E2 FF F0");
+  CXmlSerializationContext ctx;
+  ctx.SetKeepUnknown(true);
+  CXmlDocument document(ctx);
+  Load(document, octets);
+  std::string shown;
+  auto const show = [&](CMarkup const& markup) {
+    shown += std::to_string(markup.childrenInFront) + std::to_string(markup.textInFront) + markup.target + ':' +
+             markup.text + ' ';
+  };
+  for (CMarkup const& markup : XmlNodeAccess::MarkupIn(*document.GetDocumentElement())) show(markup);
+  for (CMarkup const& markup : XmlNodeAccess::MarkupIn(document)) show(markup);
+  EXPECT_EQ(shown, "00:x 00n:y 14pi: 00:x 10: ");
+}
 
 TEST(FastInfosetReader, Trees) {
   Row const rows[] = {
@@ -342,6 +364,44 @@ std::string DocumentOfAllConstructs() {
   std::string const children = " 3C 80 3C 02'bcd' FF 40 FF 82 00'end'";
   return "<?xml encoding='finf'?>" + Octets(header + prolog + " 78 CF 00'q' 00'u' CD 81 F0 3F 81 81 00'a'" +
                                             attributes + content + children + " FF");
+}
+
+/// Return the tree of \p octets, or the text of the failure, as a reader gives it that opens and closes each element.
+std::string OutcomeInSteps(std::string const& octets) {
+  CXmlDocument document;
+  CXmlDocument steps;
+  try {
+    Load(document, octets);
+  } catch (CQnException const&) {  // the second tree shows the failure as well
+  }
+  XmlNodeAccess::LendInput(steps, document);
+  CXmlSerializationContext const context;
+  CFastInfosetReader reader(*context.GetFIContext(), steps);
+  DocumentOutline outline;
+  try {
+    reader.ParseWithOutline(outline);
+  } catch (CQnException const& failure) {
+    return failure.GetFullMessage();
+  }
+  return Dump(*steps.GetDocumentElement());
+}
+
+TEST(FastInfosetReader, TextElementsAtOnceAreReadAsInSteps) {
+  std::string const sample = Document(
+      "3C 00'a' 3C 00'b' 92 02'value' F0"             // names are spelled out, the text enters the table
+      "01 A0 F0 01 A1 F0 01 82 02'value' F0"          // an index, one beyond the table, a text
+      "01 81 C3 A9 F0 01 80'x' 80'y' F0"              // beyond ASCII, two chunks
+      "01 81 0D'x' F0 01 91 00'y' F0 01 A1 F0"        // a carriage return, a zero, and that by its index
+      "01 80'x' 01 80'y' FF 01 80'z' E1 00'p' FF F0"  // a child behind the text, an instruction
+      "01 F0 41 78 00'n' 40'v' F0 80'x' F0 01 80'x' FF F0");
+  ASSERT_EQ(OutcomeInSteps(sample), Outcome(sample));
+  for (std::size_t at = 5; at < sample.size(); ++at) {
+    for (int const octet : {0x00, 0x01, 0x41, 0x80, 0x82, 0x83, 0x91, 0xA0, 0xA1, 0xB0, 0xBF, 0xF0, 0xFF}) {
+      std::string changed = sample;
+      changed[at] = static_cast<char>(octet);
+      ASSERT_EQ(OutcomeInSteps(changed), Outcome(changed)) << at << ' ' << octet;
+    }
+  }
 }
 
 TEST(FastInfosetReader, EveryTruncationFails) {

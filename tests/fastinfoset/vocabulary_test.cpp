@@ -110,6 +110,27 @@ TEST(Vocabulary, MapFindsWhatItHolds) {
   EXPECT_EQ(0U, map.Find("xxy"));
 }
 
+TEST(Vocabulary, MapsAndTheirCopiesFindNamesAfterEachGrowth) {
+  CFIIndexMap map;
+  CFIIndexMap copy;
+  std::string key;
+  auto const name = [](unsigned number) { return "name" + std::to_string(number); };
+  for (unsigned i = 0; i < 3000; ++i) {
+    if (i == 1500) copy = map;
+    CFIIndexMap::MakeQNameKey(i % 3 == 0 ? "p" : "", "urn:namespace", name(i), key);
+    map.Insert(key);
+    ASSERT_EQ(0U, map.FindName("q", "urn:namespace", name(i)));
+    for (unsigned const old : {i, i / 2, i / 7}) {
+      ASSERT_EQ(old + 1, map.FindName(old % 3 == 0 ? "p" : "", "urn:namespace", name(old)));
+    }
+  }
+  EXPECT_EQ(1500U, copy.size());
+  EXPECT_EQ(1500U, copy.FindName("", "urn:namespace", name(1499)));
+  copy.Insert(std::string(100000, 'x'));
+  EXPECT_EQ(1501U, copy.Find(std::string(100000, 'x')));
+  EXPECT_EQ(0U, map.Find(std::string(100000, 'x')));
+}
+
 // Texts that collide under other common hashes. In a chain they would take more than a minute.
 TEST(Vocabulary, MapStaysFastForTextsChosenToCollide) {
   CFIIndexMap map;

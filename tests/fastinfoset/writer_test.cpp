@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "expect_failure.h"
@@ -391,6 +392,29 @@ TEST(FastInfosetWriter, TextIsConvertedFromTheLocalCodePage) {
   std::string const ascii = Doc().Start("\xE4").Text("\xFF").End().Hexed();
   ASCIIOnly(false);
   EXPECT_EQ(ascii, Expected("38F0 3C 00E4 90FF FF"));
+}
+
+// Names and values of other documents must not come back, whether those have ended or not.
+TEST(FastInfosetWriter, TablesOfAnEarlierWriterAreForgotten) {
+  CFastInfosetContext const context;
+  auto const write = [&](int first) {
+    Doc doc(context);
+    doc.Start("root");
+    for (int i = first; i < first + 40; ++i) {
+      std::string const number = std::to_string(i);
+      doc.Start(("a-name-that-is-long-" + number).c_str()).Text(number).End();
+      doc.Start(("n" + number).c_str()).Text(number).End();
+    }
+    return doc.End().Done();
+  };
+  std::string expected;
+  std::thread([&] { expected = write(20); }).join();
+  write(0);
+  Doc open(context);
+  open.Start("n20").Text("20");
+  EXPECT_EQ(Hex(expected), Hex(write(20)));
+  EXPECT_EQ(Hex(expected), Hex(write(20)));
+  open.End();
 }
 
 TEST(FastInfosetWriter, AFullTableIsReferredToAndTakesNoMore) {

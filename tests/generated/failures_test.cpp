@@ -190,6 +190,7 @@ TEST(BoundFailures, StrictReading) {
   Expect(broken, {}, " version='2'", [] {
     CXmlSerializationContext lax;
     lax.SetChecksFixedValuesOnReading(false);
+    lax.SetValueRules(ValueRules_Classic);
     return lax;
   }());
   Expect(broken, {{FailureKind_BrokenFacet, "/order/amount"}, {FailureKind_BrokenFacet, "/order/line/price"}},

@@ -16,6 +16,7 @@ using Stations::EDay;
 CSmartPtr<CStation> Read(std::string const& text, bool checks = false) {
   Quillon9::CXmlSerializationContext ctx;
   ctx.SetChecksFacetsOnReading(checks);
+  if (!checks) ctx.SetValueRules(Quillon9::ValueRules_Classic);
   return Stations::ReadStation(Quillon9::XmlText(text), ctx);
 }
 
@@ -125,7 +126,7 @@ TEST(Lists, RandomOnesComeBack) {
     for (int i = number(0, 5); i > 0; --i) {
       dates.emplace_back(number(1900, 2100), number(1, 12), number(1, 28));
       codes.push_back(static_cast<std::uint8_t>(number(0, 255)));
-      names.push_back(std::string(static_cast<std::size_t>(number(1, 4)), static_cast<char>(number('!', '~'))));
+      names.push_back(std::string(static_cast<std::size_t>(number(1, 4)), static_cast<char>(number('a', 'z'))));
     }
     station->SetDates(dates);
     station->CreateCodes().SetValue(codes);

@@ -16,8 +16,8 @@
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/unicode.h"
 #include "support/scoped_locale.h"
+#include "text/name_characters.h"
 #include "xmlio/fast_reader_mode.h"
-#include "xmlio/name_characters.h"
 
 namespace Quillon9 {
 namespace {
@@ -36,6 +36,7 @@ class FastReaderTest : public testing::Test {
   FastReaderTest() { ASCIIOnly(true); }
   ~FastReaderTest() override {
     ASCIIOnly(false);
+    CLimits::SetAllowDocumentType(true);
     CLimits::SetMaxElementDepth(m_depth);
     CLimits::SetMaxContentSize(m_size);
     CLimits::SetMaxContentGrowth(m_growth);
@@ -50,7 +51,7 @@ class FastReaderTest : public testing::Test {
 /// A document with everything that is plain.
 constexpr char kRich[] =
     "\xEF\xBB\xBF<?xml version=\"1.0\" encoding='UTF-8' standalone = \"no\" ?>\r\n<!-- \xC3\xA9 - --><!---->"
-    "<?target \xE2\x82\xAC ?\?>\n"
+    "<?target \xE2\x82\xAC ?\?>\n<!DOCTYPE r PUBLIC '-//A_1/' \"\xC3\xA9'>\">"
     "<p:root xmlns:p='urn:p' xmlns = \"urn:d\"\txmlns:q='urn:q&#x41;' a='1' p:a='2'\n "
     "q:a=\"&lt;'&#9;&#10;>\r\n\t\xC3\xA9\">"
     "text &amp; &quot;more&#xD;&#8364;&gt; ]] ]> \xF0\x9F\x98\x80\r\nline\rline\ttab"
@@ -70,14 +71,20 @@ TEST_F(FastReaderTest, TakesPlainText) {
       "<a xmlns='u'><a xmlns='v'><a/><a xmlns=''><a/></a></a><a a=''/></a>",
       "<a><b><c>x</c></b><b>1<c/>2<c/>3</b><b> <c/>\n<c/>&#13;</b></a>",
       "<a b='1' c='2' d='3' e='4' f='5'/>",
+      "<?p \r\n x\ry\r\nz ?>\r<a>1<!--\r\n-\r--><?p?><b/>2<!-- --><!----></a><?p  ?>",
       "<p xmlns:p='u'><p:p p:p='1' p='2'/></p>",
       "<a xmlns:xml='http://www.w3.org/XML/1998/namespace' xml:lang='en'><xml:b/></a>",
+      "<!DOCTYPE html>\n<html/>",
+      "<?xml version='1.0' standalone='yes'?><!-- --><!DOCTYPE\n\xC3\xA9\t><?x?> <a/>",
+      "<!DOCTYPE a SYSTEM\r'' ><a b='&lt;'>&amp;</a>",
+      "<!DOCTYPE a PUBLIC \"-//A//B 1.0:(x),=?;!*#@$_%'+\"  'x'><a/>",
       "<?xml-stylesheet href='a.xsl'?><a/>",
       "\xEF\xBB\xBF<?xmlx?><?xml-x ?><a/>",
       "<a>&#x9;&#10;&#xD7FF;&#xE000;&#xFFFD;&#x10000;&#x10FFFF;&#0000065;\x7F\xC2\x80</a>",
   };
   CXmlSerializationContext keeping;
   keeping.SetStripCDATA(false);
+  keeping.SetKeepUnknown(true);
   for (std::string const& row : rows) {
     for (CXmlSerializationContext const* const context : {&CXmlSerializationContext::m_defaultContext, &keeping}) {
       BothReaders const result = ReadByBoth(row, *context);
@@ -93,11 +100,39 @@ TEST_F(FastReaderTest, LeavesToTheParserWhatIsNotPlain) {
     std::string text;
     bool isWellFormed = false;
   } const rows[] = {
-      {"<!DOCTYPE a><a/>", true},
+      {"<!DOCTYPE a []><a/>", true},
+      {"<!DOCTYPE p:a><a/>", true},
+      {"<!DOCTYPE a PUBLIC '\n' ''><a/>", true},
+      {"<!DOCTYPE a SYSTEM ''><a>&e;</a>", true},
       {"<?xml version='1.0' encoding='ISO-8859-1'?><a/>", true},
       {"<?xml version='1.1'?><a/>", true},
       {std::string("\xFF\xFE<\0a\0/\0>\0", 10), true},
       {"<a b='&#00000000000000000065;'/>", true},
+      {"<!DOCTYPE a><a>&e;</a>"},
+      {"<!DOCTYPE><a/>"},
+      {"<!DOCTYPEa><a/>"},
+      {"<!doctype a><a/>"},
+      {"<!DOCTYPE 1><a/>"},
+      {"<!DOCTYPE a:><a/>"},
+      {"<!DOCTYPE a b><a/>"},
+      {"<!DOCTYPE a ''><a/>"},
+      {"<!DOCTYPE aSYSTEM ''><a/>"},
+      {"<!DOCTYPE a system ''><a/>"},
+      {"<!DOCTYPE a SYSTEM><a/>"},
+      {"<!DOCTYPE a SYSTEM''><a/>"},
+      {"<!DOCTYPE a SYSTEM '\x01'><a/>"},
+      {"<!DOCTYPE a SYSTEM '\xC0\x80'><a/>"},
+      {"<!DOCTYPE a SYSTEM '' ''><a/>"},
+      {"<!DOCTYPE a SYSTEM '><a/>"},
+      {"<!DOCTYPE a PUBLIC ''><a/>"},
+      {"<!DOCTYPE a PUBLIC ''''><a/>"},
+      {"<!DOCTYPE a PUBLIC '\t' ''><a/>"},
+      {"<!DOCTYPE a PUBLIC '\xC3\xA9' ''><a/>"},
+      {"<!DOCTYPE a><!DOCTYPE a><a/>"},
+      {"<!DOCTYPE a"},
+      {"<!DOCTYPE a>"},
+      {"<a><!DOCTYPE a></a>"},
+      {"<a/><!DOCTYPE a>"},
       {"<a>"},
       {"<a></a"},
       {"<a></b>"},
@@ -298,6 +333,13 @@ TEST_F(FastReaderTest, LimitsAreThoseOfTheParser) {
     taken += result.isTaken ? 1 : 0;
   }
   EXPECT_GT(taken, 0);
+}
+
+TEST_F(FastReaderTest, DocumentTypesAreLeftToTheParserWhereNotAllowed) {
+  CLimits::SetAllowDocumentType(false);
+  BothReaders const result = ReadByBoth("<!DOCTYPE a><a/>");
+  EXPECT_EQ(result.difference, "");
+  EXPECT_EQ(result.failure, "The document has a document type declaration, which is not allowed");
 }
 
 TEST_F(FastReaderTest, TextThatHasToBeConvertedIsLeftToTheParser) {

@@ -139,6 +139,7 @@ Plan::Plan MakePlan(GenerateOptions const& options, Schema::SchemaSet const& set
   planOptions.names = options.names;
   planOptions.namespaces = options.namespaces;
   planOptions.roots = options.roots;
+  planOptions.classicValues = options.classicValues;
   return Plan::MakePlan(set, planOptions, diagnostics);
 }
 

@@ -114,6 +114,11 @@ SCHEMA may also be a WSDL description, for the schemas that are embedded in it.
       --split[=type|schema]
                            divide the classes among a header for each type, or
                            for each schema document, and several sources
+      --value-rules=schema|classic
+                           read, check and write values exactly as XML Schema
+                           does, which is the default, or with the differences
+                           of the library's classic rules. A context may say
+                           otherwise.
       --dependency-file=FILE
                            write a rule for make or ninja to FILE: the generated
                            files depend on all schemas that were read.

@@ -36,6 +36,7 @@ enum LongOnly {
   kNamespaceOf,
   kRoot,
   kSplit,
+  kValueRules,
   kDependencyFile,
   kDependencyTarget,
   kListOutputs,
@@ -70,6 +71,7 @@ constexpr option kGenerateOptions[] = {{"namespace", required_argument, nullptr,
                                        {"catalog", required_argument, nullptr, 'c'},
                                        {"include-path", required_argument, nullptr, 'I'},
                                        {"split", optional_argument, nullptr, kSplit},
+                                       {"value-rules", required_argument, nullptr, kValueRules},
                                        {"dependency-file", required_argument, nullptr, kDependencyFile},
                                        {"dependency-target", required_argument, nullptr, kDependencyTarget},
                                        {"list-outputs", no_argument, nullptr, kListOutputs},
@@ -196,6 +198,12 @@ Split SplitCalled(std::string const& name) {
   throw UsageError("--split=" + name + " is neither type nor schema");
 }
 
+/// Whether "classic" rules of values are asked for; the other ones are "schema".
+bool IsClassic(std::string const& rules) {
+  if (rules == "classic" || rules == "schema") return rules == "classic";
+  throw UsageError("--value-rules=" + rules + " is neither schema nor classic");
+}
+
 }  // namespace
 
 std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
@@ -213,6 +221,7 @@ std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv) {
     if (option == kSplit) options.split = SplitCalled(value);
     if (option == kDependencyFile) options.dependencyFile = value;
     if (option == kDependencyTarget) options.dependencyTarget = value;
+    if (option == kValueRules) options.classicValues = IsClassic(value);
     if (option == kListOutputs) options.listOutputs = true;
     if (option == kReport) options.report = value.empty() ? "-" : value;
     if (option == kExample) options.example = value;

@@ -47,6 +47,7 @@ struct GenerateOptions {
   Quillon9Generator::Code::Split split = Quillon9Generator::Code::Split::None;
   std::string dependencyFile;    ///< empty for none
   std::string dependencyTarget;  ///< empty for the generated files
+  bool classicValues = false;    ///< from --value-rules
   bool listOutputs = false;
   bool hasOutput = false;              ///< --output was given
   std::optional<std::string> report;   ///< the file for it; "-" for standard output

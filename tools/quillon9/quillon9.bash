@@ -3,7 +3,7 @@
 _quillon9_options() {
   case $1 in
     generate) echo '--namespace= --namespace-of= --root= --output= --map= --rename= --catalog= --include-path=
-                    --split --split=schema --dependency-file= --dependency-target= --list-outputs --report --report=
+                    --split --split=schema --value-rules= --dependency-file= --dependency-target= --list-outputs --report --report=
                     --documentation= --example --example= --help' ;;
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --quiet --help' ;;
@@ -29,6 +29,7 @@ _quillon9() {
   case $command:$before in
     convert:--to | convert:-t) words='xml finf' ;;
     convert:--compress | convert:-z) words='none gzip zlib' ;;
+    generate:--value-rules) words='schema classic' ;;
     *) [[ $word != -* ]] || words=$(_quillon9_options "$command") ;;
   esac
   case $command:$before in

@@ -27,7 +27,7 @@ class QUILLON9_API CLimits {
   /// The size admits harmless documents that arrive in few octets: a gzip wrapper shrinks repetitive text to a
   /// thirtieth, and Fast Infoset shrinks elements to two octets. It does not depend on the form, so a document within
   /// it can be read in each form. The growth admits large documents, whose trees have up to 20 times the size of their
-  /// text, and up to 100 times as CElement. The total keeps large inputs from multiplying.
+  /// text, and up to 50 times as CElement. The total keeps large inputs from multiplying.
   ///
   /// A document beyond the bound fails with "The content of the document exceeds the limit of %llu bytes".
   ///@{
@@ -64,9 +64,10 @@ class QUILLON9_API CLimits {
 
   /// Whether the library reads plain XML text by itself instead of by expat, which is several times as fast. Default
   /// true. Results and failures are the same in either case: expat reads everything that is not certainly well-formed.
-  /// It always reads documents of 1 GiB or more, documents that have a document type declaration or an encoding other
-  /// than UTF-8, those of a CXmlDocument with an ElementFilter or with SchemaType_DTD, and those with characters beyond
-  /// ASCII where the locale is not in UTF-8 and ASCIIOnly() is off. With false, it reads all text.
+  /// It always reads documents of 1 GiB or more, documents whose document type declaration has a part in brackets,
+  /// documents in an encoding other than UTF-8, those of a CXmlDocument with an ElementFilter or with SchemaType_DTD,
+  /// and those with characters beyond ASCII where the locale is not in UTF-8 and ASCIIOnly() is off. With false, it
+  /// reads all text.
   ///@{
   static bool GetUseFastReader();
   static void SetUseFastReader(bool use);

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -88,9 +89,11 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   /// group, and has reached its maximum.
   bool IsFull() const { return m_stopsAt >= 0 && GetCount() >= m_stopsAt; }
   /// Whether any listener is registered.
-  bool HasListeners() const { return !m_listeners.empty(); }
+  bool HasListeners() const { return m_listeners != nullptr && !m_listeners->empty(); }
   /// Remove every listener.
-  void RemoveAllListeners() { m_listeners.clear(); }
+  void RemoveAllListeners() {
+    if (m_listeners != nullptr) m_listeners->clear();
+  }
 
  private:
   template <class Fire>
@@ -98,11 +101,11 @@ class QUILLON9_API CXmlCollectionBase : public CXmlObjectBase {
   template <class Fire>
   void TellListeners(Fire fire);
 
-  std::string m_namespace;
-  std::vector<IEventSink*> m_listeners;
   int m_minOccurs = 0;
   int m_maxOccurs = -1;
-  int m_stopsAt = -1;  // the count at which a read ends; -1 for none
+  int m_stopsAt = -1;                                     // the count at which a read ends; -1 for none
+  std::unique_ptr<char[]> m_namespace;                    // null for none
+  std::unique_ptr<std::vector<IEventSink*>> m_listeners;  // null before the first one
 
   friend struct ObjectAccess;
 };
@@ -179,11 +182,13 @@ class QUILLON9_API CXmlCollection : public CXmlCollectionBase {
   void RemoveNode(CNode* node, int index);
   void Unlink(CNode* node, int index = -1);
 
+  friend struct ObjectAccess;
+
   NodePool* m_nodes = nullptr;  // owned; null without nodes
   CNode* m_head = nullptr;
   CNode* m_tail = nullptr;
   int m_count = 0;
-  std::uint64_t m_removals = 0;  // number of removals so far
+  std::uint32_t m_removals = 0;  // number of removals so far, modulo 2^32: compared before and after one call
   /// The last place that GetNodeAtIndex() found, as a NodePlace, while it is valid. Any number of threads may search at
   /// once.
   mutable std::atomic<std::uint64_t> m_lastPlace{0};

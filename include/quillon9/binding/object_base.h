@@ -200,6 +200,10 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// read or write of this object then behaves as under TextEncoding_UTF8, and facets count the lengths of strings in
   /// characters. False here; only the object that is read or written is asked, not the objects inside it.
   virtual bool HoldsUtf8Text() const;
+  /// The rules of values for a read, write or check of this object under a context that does not say which. Classic here;
+  /// those of XML Schema for generated classes that derive from CBoundObject, unless they were generated with
+  /// `--value-rules=classic`. Only the object that is read or written is asked.
+  virtual ValueRules GetDefaultValueRules() const;
 
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.

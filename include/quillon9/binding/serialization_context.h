@@ -10,6 +10,7 @@
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/fwd.h"
 #include "quillon9/text/text_encoding.h"
+#include "quillon9/values/value_rules.h"
 #include "quillon9/xmlio/schema_type.h"
 
 namespace Quillon9 {
@@ -29,7 +30,7 @@ class QUILLON9_API CXmlSerializationContext {
   ///@}
   virtual ~CXmlSerializationContext();
 
-  /// Drop an attribute that no descriptor takes, instead of failing. Default false.
+  /// Accept an attribute that no descriptor takes, instead of failing. Default false. SetKeepUnknown() keeps it.
   ///@{
   bool GetIgnoreUnknownAttributes() const { return m_ignoreUnknownAttributes; }
   void SetIgnoreUnknownAttributes(bool ignore) { m_ignoreUnknownAttributes = ignore; }
@@ -105,10 +106,19 @@ class QUILLON9_API CXmlSerializationContext {
   /// Whether the document element of a read, if its class derives from CBoundObject, remembers the prefixes of the
   /// document and declares them when it is written; false by default. For documents that have prefixes in texts whose
   /// type does not say so, such as paths. A prefix is kept if the document element declares it, or if it has one
-  /// meaning in the whole document; the default namespace is not.
+  /// meaning in the whole document; the default namespace is not. CElement::CopyXmlElement() heeds this, too.
   ///@{
   bool GetKeepPrefixes() const { return m_keepPrefixes; }
   void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }
+  ///@}
+  /// Whether objects of generated classes keep what no descriptor takes, and write it back where it stood; false by
+  /// default. Kept are the elements and attributes that the options for unknown ones let pass, attributes that a class
+  /// accepts without an option, and the comments and processing instructions between children, in generic content and
+  /// around the document element. CXmlGeneratedClass::GetUnknownContent() returns it. CXmlDocument uses this option
+  /// too: only a tree that was loaded with it has comments and processing instructions for objects.
+  ///@{
+  bool GetKeepUnknown() const { return m_keepUnknown; }
+  void SetKeepUnknown(bool keep) { m_keepUnknown = keep; }
   ///@}
   /// The encoding of all text of the read or write in memory: TextEncoding_Locale (the default), or TextEncoding_UTF8,
   /// in which no character is lost in any locale, and text that is not well-formed is refused on writing. Classes whose
@@ -116,6 +126,18 @@ class QUILLON9_API CXmlSerializationContext {
   ///@{
   TextEncoding GetTextEncoding() const { return m_textEncoding; }
   void SetTextEncoding(TextEncoding encoding) { m_textEncoding = encoding; }
+  ///@}
+
+  /// The rules of values: ValueRules_XmlSchema converts, checks and writes them exactly as XML Schema does, and checks
+  /// facets on reading too; docs/values.md compares the two. Default ValueRules_Classic. A context that has not been told
+  /// leaves the choice to the object that is read or written: see CXmlObjectBase::GetDefaultValueRules().
+  ///@{
+  ValueRules GetValueRules() const { return m_valueRules; }
+  void SetValueRules(ValueRules rules) {
+    m_valueRules = rules;
+    m_hasValueRules = true;
+  }
+  bool HasValueRules() const { return m_hasValueRules; }
   ///@}
 
   /// \name Failures
@@ -198,6 +220,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_writeTypeAttribute = true;
   bool m_keepMixedContent = false;
   bool m_keepPrefixes = false;
+  bool m_keepUnknown = false;
   CNamespaceAliasMap m_namespaceAliases;
   mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;
@@ -213,6 +236,8 @@ class QUILLON9_API CXmlSerializationContext {
   CFastInfosetContext m_fiContext;
   bool m_stripCDATA = true;
   TextEncoding m_textEncoding = TextEncoding_Locale;
+  ValueRules m_valueRules = ValueRules_Classic;
+  bool m_hasValueRules = false;
   IFailureSink* m_failureSink = nullptr;
   std::uint32_t m_maxFailures = 1000;
   bool m_checksFacetsOnReading = false;

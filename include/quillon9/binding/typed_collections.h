@@ -54,11 +54,19 @@ class QUILLON9_API CXmlTypeCollection : public CXmlCollectionBase {
   void CheckItemIndex(int index) const;
   /// \throws CQnInvalidStateException "The collection [%s] was changed while values were removed from it" always.
   [[noreturn]] void ThrowChangedDuringRemoval() const;
+  /// By the rules of XML Schema: check \p value, whose text is \p text; check it, and return its text.
+  ///@{
+  void CheckBySchema(QnVariant const& value, std::string_view text) const;
+  std::string CheckedText(QnVariant const& value) const;
+  ///@}
 
   CPrimitiveRestrictions m_restrictions;              ///< the facets, copied
   ItemType m_itemType;                                ///< kind of the values
   char const* m_format;                               ///< not owned; see the constructor
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule;  ///< for AddFromString()
+
+ private:
+  detail::LazySchemaFacets m_schemaFacets;
 };
 
 namespace detail {

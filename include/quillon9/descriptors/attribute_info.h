@@ -89,6 +89,8 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
 
  private:
   void CheckFacets(QnVariant const& value) const;
+  void WriteBySchema(CXmlSerializationContext const& ctx, QnVariant const& value, CXmlWriter& writer) const;
+  void CheckBySchema(QnVariant const& value, std::string_view text) const;
 
   friend struct DescriptorAccess;
   CPrimitiveRestrictions m_restrictions;
@@ -96,6 +98,7 @@ class QUILLON9_API CAttributeInfoPrimitive : public CAttributeInfo {
   char const* m_format;
   CWhitespaceUtils::WhitespaceRule m_whitespaceRule;
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for rare facets
+  Quillon9::detail::LazySchemaFacets m_schemaFacets;
 };
 
 /// An attribute that holds an enumerator. The generated function gets the text exactly as the document contains it.

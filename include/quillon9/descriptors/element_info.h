@@ -231,8 +231,12 @@ class QUILLON9_API CElementInfo {
   bool m_primitive;  ///< set by the constructor for primitive members
 
  private:
+  bool WriteBySchema(QnVariant const& value, CXmlWriter& writer) const;
+  void CheckBySchema(QnVariant const& value, std::string_view text) const;
+
   friend struct DescriptorAccess;
   std::unique_ptr<Quillon9::CFacetFilter const> m_filter;  // null for other members, and for rare facets
+  Quillon9::detail::LazySchemaFacets m_schemaFacets;
   std::uint64_t const m_number;  // which no other member ever has; readers use it to recognise members
 };
 

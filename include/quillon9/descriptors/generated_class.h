@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "quillon9/base/critical_section.h"
@@ -51,8 +52,11 @@ class QUILLON9_API CParentElementInfo {
 namespace Quillon9 {
 
 class CheckingWriter;
+class CUnknownContent;
 class FailedScans;
 class FlagSet;
+struct FormAccess;  // for internal use
+struct ObjectForm;  // for internal use
 class PlainClasses;
 
 /// Base of every generated class. Reads and writes any class by the description that the class gives of itself through
@@ -89,6 +93,17 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   /// Whether a choice may stay empty: one of its members is optional, or repeated with a minimum of 0. Fetches the
   /// collections of repeated members with ReadProperty().
   bool DoesElementContainOptionalElements() const;
+
+  /// The attributes, elements, comments and processing instructions that this object has kept although its class does
+  /// not know them; null for none. A read replaces them; only one that asks for it by
+  /// CXmlSerializationContext::SetKeepUnknown() keeps any. They live as long as this object, until the next read or
+  /// DropUnknownContent().
+  ///@{
+  CUnknownContent* GetUnknownContent();
+  CUnknownContent const* GetUnknownContent() const;
+  ///@}
+  /// Forget them, so that they are not written. Objects inside this one keep theirs.
+  void DropUnknownContent();
 
   /// Look for faults in the record and the tables of the class which reading and writing show late or not at all. The
   /// section "Checked tables" of docs/generated-classes.md lists them. Nothing is changed. The properties of this object
@@ -176,6 +191,10 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   ///@}
 
  private:
+  friend struct FormAccess;
+
+  CXmlElement* ReadAndKeepUnknown(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
+                                  bool inChoice);
   CXmlElement* ReadElement(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx,
                            bool inChoice);
   CXmlElement* ReadMembers(Quillon9Data::CParentElementInfo const& info, CXmlElement* parent, CXmlElement* cursor,
@@ -213,6 +232,13 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   INillable const* AsNillable(PlainClasses* plainClasses) const;
   void WriteStart(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                   bool inChoice) const;
+  void WriteWithUnknown(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
+                        bool inChoice) const;
+
+  struct FormDeleter {  // apart, so that objects without a form are destroyed quickly
+    void operator()(ObjectForm* form) const noexcept;
+  };
+  std::unique_ptr<ObjectForm, FormDeleter> m_form;  // null where nothing is kept that the schema does not say
 };
 
 }  // namespace Quillon9

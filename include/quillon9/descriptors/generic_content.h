@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "quillon9/base/instance_monitor.h"
 #include "quillon9/base/smart_ptr.h"
@@ -16,6 +17,7 @@
 #include "quillon9/export.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/content_item.h"
+#include "quillon9/xmlio/markup.h"
 
 /// Content without generated classes: a generic element, its attributes and its children. Wildcards of generated
 /// classes are read into it, programs build it by hand, and any bound object can be converted to it.
@@ -26,6 +28,63 @@
 /// copied, and a null one counts as an empty text unless documented otherwise.
 namespace Quillon9 {
 
+namespace detail {
+
+/// Counts the owners of an object that none of them changes. Any thread may call these.
+template <class Object>
+class SharedRecord {
+ public:
+  /// A new object has no owner.
+  SharedRecord() = default;
+  /// Neither has a copy of one.
+  SharedRecord(SharedRecord const&) : SharedRecord() {}
+  SharedRecord& operator=(SharedRecord const&) = delete;
+
+  /// One more owner.
+  void AddRef() const { m_owners.fetch_add(1, std::memory_order_relaxed); }
+  /// One owner less; the last one deletes the object.
+  void Release() const {
+    if (m_owners.fetch_sub(1, std::memory_order_acq_rel) == 1) delete static_cast<Object const*>(this);
+  }
+  /// Whether there is only one owner, which may then change the object.
+  bool HasOneOwner() const { return m_owners.load(std::memory_order_acquire) == 1; }
+
+ protected:
+  ~SharedRecord() = default;
+
+ private:
+  mutable std::atomic<int> m_owners{0};
+};
+
+/// Which namespaces elements or attributes may have.
+struct GenericRules : SharedRecord<GenericRules> {
+  /// Takes over the texts.
+  GenericRules(std::string itsRestriction, std::string itsTarget)
+      : restriction(std::move(itsRestriction)), target(std::move(itsTarget)) {}
+
+  std::string const restriction;  ///< as CXmlObjectHelper::IsNamespaceValid() takes it
+  std::string const target;       ///< the target namespace
+};
+
+/// What many elements of a document have in common, so that they hold it together: names and rules. Attributes and
+/// collections have one, too, of which they use a part.
+struct GenericNames : SharedRecord<GenericNames> {
+  /// Takes over the texts, and shares the rules.
+  GenericNames(std::string itsName, std::string itsNamespace, CSmartPtr<GenericRules const> const& itsRules)
+      : name(std::move(itsName)), ns(std::move(itsNamespace)), rules(itsRules), hadNoNamespace(ns.empty()) {}
+
+  std::string name;                     ///< the local name
+  std::string ns;                       ///< the namespace
+  CSmartPtr<GenericRules const> rules;  ///< null for an attribute
+  std::string defaultNamespace;         ///< that the element declares; mostly none
+  bool hadNoNamespace;                  ///< when the element was made
+};
+
+/// An owner of such a record.
+using GenericNamesPtr = CSmartPtr<GenericNames const>;
+
+}  // namespace detail
+
 /// One attribute: a name, a value, a namespace.
 class QUILLON9_API CAttribute : public CXmlObjectBase {
  public:
@@ -35,10 +94,10 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   /// A new attribute with the same name, value and namespace.
   CSmartPtr<CAttribute> Clone() const;
 
-  /// The local name.
+  /// The local name. The reference is valid until this object changes or ends.
   ///@{
-  std::string const& GetName() const { return m_name; }
-  void SetName(std::string name) { m_name = std::move(name); }
+  std::string const& GetName() const { return m_names->name; }
+  void SetName(std::string name);
   ///@}
   /// The value, without any escaping.
   ///@{
@@ -46,14 +105,14 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
   void SetValue(std::string value) { m_value = std::move(value); }
   ///@}
   /// Set the namespace. It is not checked against the restriction of a collection that holds this attribute.
-  void SetNamespace(std::string ns) { m_namespace = std::move(ns); }
+  void SetNamespace(std::string ns);
 
   using CXmlObjectBase::GetBase;
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of the attribute.
-  std::string GetTargetNamespace() const override { return m_namespace; }
-  std::string GetNamespace() const override { return m_namespace; }
+  std::string GetTargetNamespace() const override { return m_names->ns; }
+  std::string GetNamespace() const override { return m_names->ns; }
 
   /// Notifications of changes. Nothing calls them.
   ///@{
@@ -69,9 +128,11 @@ class QUILLON9_API CAttribute : public CXmlObjectBase {
                            bool inChoice) override;
 
  private:
-  std::string m_name;
+  friend class CAttributeCol;
+  CAttribute(detail::GenericNamesPtr names, char const* value);
+
+  detail::GenericNamesPtr m_names;
   std::string m_value;
-  std::string m_namespace;
 };
 
 namespace detail {
@@ -97,9 +158,11 @@ class MadeOnDemand {
   }
   /// Become empty, and return the reference that was held here. Only for a thread that has sole use of this.
   CSmartPtr<Object> Release() {
-    Object* const object = m_object.exchange(nullptr);
+    Object* const object = Get();
+    if (object == nullptr) return nullptr;
+    m_object.store(nullptr, std::memory_order_relaxed);
     CSmartPtr<Object> reference(object);
-    if (object != nullptr) object->Release();
+    object->Release();
     return reference;
   }
 
@@ -158,7 +221,8 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of attributes that are added without one.
-  std::string GetTargetNamespace() const override { return GetNamespace(); }
+  std::string GetTargetNamespace() const override { return Namespace(); }
+  std::string GetNamespace() const override { return Namespace(); }
 
  protected:
   void ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
@@ -170,8 +234,12 @@ class QUILLON9_API CAttributeCol : public CXmlCollection {
                            bool inChoice) override;
 
  private:
-  std::string m_namespaceRestriction;
-  std::string m_targetNamespace;
+  friend class CElement;
+  explicit CAttributeCol(detail::GenericNamesPtr const& names);
+  std::string const& Namespace() const;
+  void Take(CXmlElement const& parent, CXmlAttribute const& attribute);
+
+  detail::GenericNamesPtr m_names;  // those of the element that made this collection, or its own
   std::unique_ptr<std::map<std::string, std::string>> m_prefixes;
 };
 
@@ -206,7 +274,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// \throws CQnInvalidParamException "The object to copy from may not be NULL"; what writing \p source and parsing the
   ///         result throw.
   template <class = void>  // so that a literal null is a null name, instead of ambiguous
-  CElement(CXmlObjectBase* source, char const* defaultNamespace) : CInstanceMonitor("CElement") {
+  CElement(CXmlObjectBase* source, char const* defaultNamespace) : CElement("") {
     CopyObject(source, defaultNamespace);
   }
   /// Uses constant stack, however deep the children are nested.
@@ -221,17 +289,19 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// element stays and is not applied. The value of an attribute "xmlns" becomes the default namespace.
   /// \throws CQnInvalidParamException "The element to copy from may not be NULL".
   void CopyXmlElement(CXmlElement const* element);
-  /// The same with the options of \p ctx, of which only GetKeepMixedContent() counts.
+  /// The same with the options of \p ctx, of which only GetKeepMixedContent() and GetKeepPrefixes() count. With the
+  /// latter, a copy of the document element of a document notes its prefixes with CAttributeCol::SetPrefix(), so that it
+  /// declares them when it is written, in place of each element below it.
   void CopyXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx);
   /// Create a copy without the default namespace.
   /// \throws CQnInvalidNamespaceException as the constructor, where CopyXmlElement() brought a namespace that the
   ///         restriction refuses.
   CSmartPtr<CElement> Clone() const;
 
-  /// The local name.
+  /// The local name. The reference is valid until this object changes or ends.
   ///@{
-  std::string const& GetName() const { return m_name; }
-  void SetName(std::string name) { m_name = std::move(name); }
+  std::string const& GetName() const { return m_names->name; }
+  void SetName(std::string name);
   ///@}
   /// Set the namespace.
   /// \throws CQnInvalidNamespaceException as CXmlObjectHelper::TestNamespace() when the restriction refuses \p ns; the
@@ -242,7 +312,7 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   std::string const& GetText() const { return m_text; }
   void SetText(std::string text) {
     m_text = std::move(text);
-    m_isMixed = false;
+    m_isMixed = 0;
   }
   ///@}
   /// Whether the element keeps where its text stands between its children, and is written that way, without layout
@@ -251,19 +321,27 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   ///
   /// When a child is removed, the texts around it become neighbours. A child that is added at the end follows all
   /// text; another one that was not there stands directly in front of the next child.
-  bool IsMixed() const { return m_isMixed; }
+  bool IsMixed() const { return m_isMixed != 0; }
   /// Append text after everything that is in the element now, and keep it there.
   void AppendText(std::string_view text);
   /// The runs of text and the children in the order in which they are written. The runs are parts of GetText().
   CContentList<CElement> Content() const;
+  /// The comments and processing instructions between the children and in the text, in the order in which they are
+  /// written; none unless this element was read from a tree that keeps them: see
+  /// CXmlSerializationContext::SetKeepUnknown(). They keep their places in the text and by the number of children in
+  /// front, and a copy has them too.
+  std::vector<CMarkup> const& GetMarkup() const;
+  /// Forget them. The children keep theirs.
+  void DropMarkup() { m_markup.reset(); }
   /// The default namespace that this element declares when it is written; none when empty. An element that has one can
-  /// only be written as text, is written without its attributes, and does not pass the context on to its children.
+  /// only be written as text, is written without its attributes, and does not pass the context on to its children. The
+  /// reference is valid until this object changes or ends.
   ///@{
-  std::string const& GetDefaultNamespace() const { return m_defaultNamespace; }
-  void SetDefaultNamespace(std::string ns) { m_defaultNamespace = std::move(ns); }
+  std::string const& GetDefaultNamespace() const { return m_names->defaultNamespace; }
+  void SetDefaultNamespace(std::string ns);
   ///@}
   /// The namespaces that SetNamespace() and reading admit; see CXmlObjectHelper::IsNamespaceValid() for the form.
-  std::string const& GetNamespaceRestriction() const { return m_namespaceRestriction; }
+  std::string const& GetNamespaceRestriction() const { return m_names->rules->restriction; }
 
   /// The attributes and the children (see CElementCol::Add() for the namespace of new ones), which live as long as this
   /// element; never null. Both admit every namespace, whatever the restriction of this element is.
@@ -288,8 +366,8 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the namespace of the element.
-  std::string GetTargetNamespace() const override { return m_namespace; }
-  std::string GetNamespace() const override { return m_namespace; }
+  std::string GetTargetNamespace() const override { return m_names->ns; }
+  std::string GetNamespace() const override { return m_names->ns; }
 
   /// Notifications of changes. Nothing calls them.
   ///@{
@@ -315,38 +393,36 @@ class QUILLON9_API CElement : public CXmlObjectBase, public CInstanceMonitor {
   void FromXml(char const* text, CXmlSerializationContext const& ctx) override;
   void FromXml(wchar_t const* text, CXmlSerializationContext const& ctx) override;
 
+  explicit CElement(detail::GenericNamesPtr names);
   void Init(char const* name, char const* ns, char const* restriction, char const* targetNamespace);
   void CopyObject(CXmlObjectBase* source, char const* defaultNamespace);
   CAttributeCol* MakeAttributes() const;
   CElementCol* MakeElements() const;
-  /// The namespace of the collections: the one that this element had when it was created.
-  char const* FirstNamespace() const { return m_hadNoNamespace ? "" : m_namespace.c_str(); }
-  void ChangeNamespace(std::string ns);
+  void KeepFirstNamespace(std::string const& newNamespace);
+  void TakeNames(CXmlElement const& element);
   bool HasMixedParts() const;
   void CopyWhole(CXmlElement const* element, bool keepsMixed);
   void CopyFrom(CXmlElement const& element, bool keepsMixed);
   void KeepPlaces(CXmlElement const& source);
+  void KeepPrefixes(CXmlElement const& element);
+  void KeepMarkup(CXmlElement const& source);
+  void WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx) const;
   void WriteChildrenAndText(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx,
                             bool inChoice) const;
   void WriteContent(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx, bool inChoice) const;
   void WriteApart(CXmlTextWriter& writer, bool inChoice) const;
   void WriteApartTo(CXmlWriter& writer, bool inChoice) const;
 
-  std::string m_name;
+  // The size of an element determines much of what generic content takes, so these are in the order that leaves no gaps.
+  static constexpr std::uint32_t kNoPlace = ~std::uint32_t{0} >> 1;
+  std::uint32_t m_isMixed : 1;
+  std::uint32_t m_place : 31;  // in a mixed element around this one: the size of the text in front
+  detail::GenericNamesPtr m_names;
   std::string m_text;
-  std::string m_namespace;
-  std::string m_namespaceRestriction;
-  std::string m_targetNamespace;
-  // Created on first use: most elements of a document have no attributes or no children, and the two collections take
-  // more memory than the rest.
+  // Created on first use, because most elements of a document have no attributes or no children.
   detail::MadeOnDemand<CAttributeCol> m_attributes;
   detail::MadeOnDemand<CElementCol> m_elements;
-  std::string m_defaultNamespace;
-  bool m_hadNoNamespace = true;
-  bool m_isMixed = false;
-  // In a mixed element around this one: the size of the text in front.
-  static constexpr std::uint32_t kNoPlace = ~std::uint32_t{0};
-  std::uint32_t m_place = kNoPlace;
+  std::unique_ptr<std::vector<CMarkup>> m_markup;  // null for none
 };
 
 /// The children of a CElement, or the content of a repeated element wildcard.
@@ -389,8 +465,8 @@ class QUILLON9_API CElementCol : public CXmlCollection {
   /// This object as a CXmlObjectBase.
   CXmlObjectBase* GetBase() override { return this; }
   /// Both are the target namespace.
-  std::string GetTargetNamespace() const override { return m_targetNamespace; }
-  std::string GetNamespace() const override { return m_targetNamespace; }
+  std::string GetTargetNamespace() const override { return m_names->rules->target; }
+  std::string GetNamespace() const override { return m_names->rules->target; }
 
  protected:
   /// \throws CQnValidationException for a count outside its limits.
@@ -407,13 +483,13 @@ class QUILLON9_API CElementCol : public CXmlCollection {
                                                   CXmlElement* cursor, CXmlSerializationContext const& ctx);
 
  private:
+  friend class CElement;
+  explicit CElementCol(detail::GenericNamesPtr const& names);
+  std::string const& Namespace() const;
   /// Append an element that takes \p cursor, and return the element after it; return \p cursor if it took nothing.
-  CXmlElement* Take(char const* restriction, CXmlElement* parent, CXmlElement* cursor,
-                    CXmlSerializationContext const& ctx);
+  CXmlElement* Take(CXmlElement* parent, CXmlElement* cursor, CXmlSerializationContext const& ctx);
 
-  std::string m_namespaceRestriction;
-  std::string m_namespace;
-  std::string m_targetNamespace;
+  detail::GenericNamesPtr m_names;  // those of the element that made this collection, or its own
 };
 
 }  // namespace Quillon9

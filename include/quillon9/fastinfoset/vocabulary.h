@@ -32,7 +32,7 @@ class QUILLON9_API CFIIndexMap {
   /// vocabulary stop at CFIVocabulary::kMaxEntries.
   void Insert(std::string_view text);
   /// Return the number of entries.
-  std::size_t size() const { return m_texts.size(); }
+  std::size_t size() const { return m_size; }
   /// Return the index of the name whose key, as MakeQNameKey() builds it, is present; 0 if it is absent. A recently
   /// found name is found again without building the key.
   unsigned long FindName(std::string_view prefix, std::string_view namespaceUri, std::string_view localName);
@@ -41,20 +41,33 @@ class QUILLON9_API CFIIndexMap {
                            std::string& key);
 
  private:
+  friend struct VocabularyAccess;
+
+  /// A text of up to eight bytes is identified by the slot; a longer one is in m_texts.
   struct Slot {
-    std::uint64_t m_word = 0;    // the bytes of a text of up to eight, the hash of a longer one
+    std::uint64_t m_word = 0;    // the bytes of a short text; the upper half of a long one's hash, and its place
     std::uint32_t m_length = 0;  // of the text
     std::uint32_t m_index = 0;   // 0: free
   };
+  struct Place {
+    std::uint32_t m_block;
+    std::uint32_t m_offset;
+  };
 
-  static Slot MakeSlot(std::string_view text, std::size_t index);
+  static Slot MakeSlot(std::string_view text);
   static std::uint64_t HashOf(Slot const& slot);
+  std::string_view TextAt(Slot const& slot) const;
   std::size_t SlotFor(std::string_view text, Slot const& wanted) const;
   void Grow();
+  Place Store(std::string_view text);
+  bool IsSmall() const;
+  void Clear();
 
-  std::vector<std::string> m_texts;
-  std::vector<Slot> m_slots;            // a power of two of them, at most half of them taken
-  std::vector<std::uint32_t> m_recent;  // indices of names, by the hash of the local name
+  std::size_t m_size = 0;
+  std::vector<Slot> m_slots;            // a power of two of them, at most three quarters of them taken
+  std::vector<Place> m_places;          // of the long texts
+  std::vector<std::string> m_texts;     // blocks, which do not grow once they have been allocated
+  std::vector<std::uint32_t> m_recent;  // slots of names, counted from 1, by the hash of the local name
   std::string m_key;
 };
 
@@ -183,7 +196,7 @@ class QUILLON9_API CFIVocabulary {
   CFIStringTable& GetPrefixNamesTable() { return m_prefixNames; }
   ///@}
   /// The texts of the restricted alphabets.
-  std::vector<std::string> const& GetRestrictedAlphabets() const { return m_restrictedAlphabets; }
+  std::vector<std::string> const& GetRestrictedAlphabets() const;
 
   /// The maps in which a writer looks up names and values. CFIIndexMap::MakeQNameKey() builds the key of a name.
   ///@{
@@ -204,10 +217,10 @@ class QUILLON9_API CFIVocabulary {
   ///@}
 
  private:
+  friend struct VocabularyAccess;
   void AddToTable(std::string const& value, CFIIndexMap& map, CFIStringTable& table);
   unsigned long FindOrAdd(std::string const& value, CFIIndexMap& map, CFIStringTable& table);
 
-  std::vector<std::string> m_restrictedAlphabets;
   CFIIndexMap m_attributeNameIndex;
   CFIIndexMap m_attributeValueIndex;
   CFIIndexMap m_elementNameIndex;

@@ -19,17 +19,17 @@ namespace Quillon9 {
 /// The URI that a document carries when its context has a vocabulary but no URI for it. It does not name a resource.
 inline constexpr char QUILLON_URI[] = "urn:quillon9:external-vocabulary";
 
-class CKnownNames;
 class COctetSink;
+struct WriterTables;
 
 /// Writes a document as Fast Infoset (Rec. ITU-T X.891) into a binary stream. See CXmlWriter for the order of calls;
 /// WriteStartDocument() follows Open(), and WriteEndDocument() comes before Close().
 ///
 /// Each name is written in full once and as an index from then on, and so are short values. The ItemType of a value
 /// selects its encoding, as the context specifies. The value itself does not influence that choice, so a value that
-/// does not fit is a failure. Comments, processing instructions and in-line schemas are left out. The document element
-/// declares namespaces; below it, names carry their prefixes, and only DeclarePrefix() and PrefixForValues() declare
-/// any.
+/// does not fit is a failure. Of comments and processing instructions, only those of WriteMarkup() are written, and
+/// in-line schemas are left out. The document element declares namespaces; below it, names carry their prefixes, and
+/// only DeclarePrefix() and PrefixForValues() declare any.
 ///
 /// Text may stand in front of, between and after child elements.
 ///
@@ -77,6 +77,8 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   void WriteAttributeType(std::string const& namespaceUri, std::string const& typeName, ItemType type) override;
   void WriteAttributeNil() override;
   bool DeclarePrefix(std::string const& prefix, std::string const& uri) override;
+  /// Write it. The text is UTF-8 whatever the context specifies, and enters no table.
+  void WriteMarkup(CMarkup const& markup) override;
   /// Let text that follows a child be text of the open element or of those in it, until the element ends. Otherwise it
   /// becomes text of that child.
   void PreserveSpace() override;
@@ -115,9 +117,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
                    std::string const& localName);
   void LiteralName(std::uint32_t leading, std::string const& prefix, std::string const& uri,
                    std::string const& localName, CFIIndexMap& map);
-  void Prefix(std::string const& prefix);
-  void NamespaceName(std::string const& uri);
-  void LocalName(std::string const& localName);
+  void IdentifyingString(std::string const& text, CFIIndexMap& map);
   void NonEmptyOctetUTF8StringBit2(std::uint32_t leading, std::string const& text);
   void NonIdentifyingStringOrIndexBit1(std::string_view value, ItemType type);
   void NonIdentifyingStringOrIndexBit3(std::uint32_t leading, std::string_view value, ItemType type);
@@ -132,8 +132,7 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CXmlWriterContext const* m_mixed = nullptr;     // the outermost open element that has text between its children
   bool m_terminatorPending = false;               // the end of one element is noted but not yet written
   std::vector<std::pair<std::string, std::string>> m_declared;  // prefixes and URIs for the pending element
-  CFIVocabulary m_vocabulary;
-  std::unique_ptr<CKnownNames> m_knownNames;
+  std::unique_ptr<WriterTables> m_tables;
   bool m_isAsciiUtf8;     // in the local code page; determined once per document
   std::string m_scratch;  // octets of the current value, or key of a new name
 };

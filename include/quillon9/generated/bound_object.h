@@ -16,7 +16,6 @@
 namespace Quillon9 {
 
 struct BoundAccess;  // for internal use
-struct BoundForm;    // for internal use
 
 namespace detail {
 
@@ -83,6 +82,8 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
   void Init() override;
   /// True.
   bool HoldsUtf8Text() const override;
+  /// What the row of the class says.
+  ValueRules GetDefaultValueRules() const override;
 
   /// The object with this value of type xs:ID in an attribute, an element or its text: this one or one below it, the
   /// first in the order of the members; null for none. What stands in wildcards is not searched. Goes through all
@@ -206,7 +207,6 @@ class QUILLON9_API CBoundObject : public CXmlGeneratedClass {
 
   CClassTables const* m_tables;
   char const* m_elementNamespace = nullptr;  // of the global element that it was made for; null unless that is known
-  std::unique_ptr<BoundForm> m_form;         // null where the document needs nothing that the schema does not say
   bool m_writesType = false;
   bool m_isNew = false;  // made for a read, so that there is nothing to empty
 };

@@ -18,7 +18,9 @@ class QUILLON9_API CEnumTexts {
  public:
   /// \p name is that of the enumeration, for failures; \p texts has the text of each enumerator. Both are kept.
   template <int count>
-  constexpr CEnumTexts(char const* name, char const* const (&texts)[count])
+  constexpr CEnumTexts(char const* name, char const* const (&texts)[count]) : CEnumTexts(name, texts, count) {}
+  /// The same for \p count texts.
+  constexpr CEnumTexts(char const* name, char const* const* texts, int count)
       : m_name(name), m_texts(texts), m_count(count) {}
 
   /// The text of an enumerator; null for a number that is not one.

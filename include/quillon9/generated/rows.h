@@ -4,6 +4,8 @@
 
 #include "quillon9/text/whitespace.h"
 #include "quillon9/values/item_type.h"
+#include "quillon9/values/schema_form.h"
+#include "quillon9/values/value_rules.h"
 
 namespace Quillon9 {
 
@@ -13,7 +15,7 @@ struct CTypeParts;
 
 /// The facets of a simple type. Null and -1 stand for a facet that is not set.
 struct CFacets {
-  char const* pattern = nullptr;       ///< a regular expression, for texts and whole lists
+  char const* pattern = nullptr;       ///< a regular expression as the generator has rewritten it for PCRE
   int length = -1;                     ///< of a text in characters, of binary data in bytes, or of a list in items
   int minLength = -1;                  ///< at least so many of them
   int maxLength = -1;                  ///< at most so many of them
@@ -33,6 +35,7 @@ struct CValueType {
   CFacets const* facets = nullptr;                ///< null for none
   CEnumTexts const* enumeration = nullptr;        ///< null unless the values are enumerators; kind is ItemType_i4 then
   CTypeParts const* parts = nullptr;              ///< null unless there is more to say
+  SchemaForm form = SchemaForm::Any;              ///< which texts are values, by the rules of XML Schema
 
   /// How the C++ value or, of a list, each of its items is held.
   constexpr ItemType HeldKind() const;
@@ -143,6 +146,7 @@ using ElementRow = CElementRow;
 using AttributeRow = CAttributeRow;
 using ValueType = CValueType;
 using TypeParts = CTypeParts;
+using Quillon9::SchemaForm;
 using Quillon9::ValueRole;
 using Facets = CFacets;
 using NamespaceRule = CNamespaceRule;
@@ -244,6 +248,8 @@ struct CClassRow {
   std::uint8_t block = 0;               ///< derivations that an xsi:type must not use where this type is declared
   char const* textDefault = nullptr;    ///< the text of an empty element; null for none
   char const* textFixed = nullptr;      ///< the only text that there is; null for none
+  /// The rules of values where the context does not say.
+  ValueRules valueRules = ValueRules_XmlSchema;
 };
 
 namespace Rows {

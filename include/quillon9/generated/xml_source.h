@@ -13,6 +13,8 @@
 
 namespace Quillon9 {
 
+struct XmlSourceAccess;
+
 /// A document as text; see XmlText().
 struct CXmlText {
   std::string_view text;  ///< borrowed
@@ -43,6 +45,7 @@ class QUILLON9_API CXmlSource {
   char const* GetPath() const { return m_kind == Kind::File ? static_cast<char const*>(m_data) : nullptr; }
 
  private:
+  friend struct XmlSourceAccess;
   enum class Kind { File, Bytes, Stream };
 
   Kind m_kind;

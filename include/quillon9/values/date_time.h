@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "quillon9/export.h"
 #include "quillon9/values/date_time_span.h"
+#include "quillon9/values/rare_part.h"
 
 namespace Quillon9 {
 
@@ -42,6 +44,11 @@ QUILLON9_API std::string ToFracString(unsigned short milli, unsigned short micro
 /// there is no 24:00:00 and no second 60; a zone may reach 23:59, and a zone of minus zero hours counts as positive;
 /// adding a duration does not cut the day to the length of the month; months are not compared with each other (see
 /// CompareTo()).
+///
+/// Reading by the rules of XML Schema (CSchemaValues) also makes values that the parsers of this class refuse: years of
+/// up to eighteen digits, any number of fraction digits, and negative zones of less than an hour. ToString() prints
+/// them whole. The getters of fields that are too narrow for such a value throw CQnInvalidValueException "The value
+/// [%s] does not fit into %s()"; GetNanoSecond() returns the seventh to ninth digit whatever follows.
 class QUILLON9_API CDateTime {
  public:
   /// The eight types, and one for a clear object.
@@ -139,8 +146,15 @@ class QUILLON9_API CDateTime {
   std::uint16_t GetMicroSecond() const;
   std::uint16_t GetNanoSecond() const;
   ///@}
-  /// The second with its fraction.
+  /// The second with the first nine digits of its fraction.
   double GetRealSecond() const;
+  /// GetYear() and SetYear() for any year.
+  /// \throws CQnInvalidStateException as GetYear() does; SetLongYear() also CQnInvalidValueException "Invalid Year
+  ///         [%lld] (more than %d digits)".
+  ///@{
+  std::int64_t GetLongYear() const;
+  void SetLongYear(std::int64_t year);
+  ///@}
   /// Set one field. The value is not validated: Validate() does that.
   /// \throws CQnInvalidStateException as the getter of the field does.
   ///@{
@@ -185,6 +199,9 @@ class QUILLON9_API CDateTime {
   std::int16_t GetZoneHour() const;
   std::uint8_t GetZoneMinute() const;
   ///@}
+  /// The whole offset in minutes, with its sign.
+  /// \throws CQnInvalidStateException "TimeZone is not been used" without an offset.
+  int GetZoneOffset() const;
   /// Set the zone from the text that follows a date or time: "Z" and anything after it, or "+hh:mm" or "-hh:mm", where
   /// hour 24 counts as 0; any other text changes nothing.
   /// \throws CQnInvalidValueException "Invalid XSD Time Zone [%s]"; as SetTimeZone().
@@ -279,8 +296,28 @@ class QUILLON9_API CDateTime {
   void ValidateTime() const;
   bool ReadShortDate(char const* text, long length);
   bool ReadFullDate(char const* text, long length, bool negative);
+  char* PutYear(char* to) const;
   char* PutTime(char* to) const;
   char* PutZone(char* to) const;
+
+  /// What the other members cannot hold.
+  struct Rest {
+    std::int64_t year = 0;           // where m_year is too narrow; otherwise 0
+    std::string fraction;            // the digits after the ninth, without zeros at the end
+    bool hasNegativeOffset = false;  // of less than an hour, so that m_zoneHour is 0
+  };
+  std::int64_t Year() const {
+    return m_rest.Find() != nullptr && m_rest.Find()->year != 0 ? m_rest.Find()->year : m_year;
+  }
+  void StoreYear(std::int64_t year);
+  std::string_view LongFraction() const {
+    return m_rest.Find() == nullptr ? std::string_view() : m_rest.Find()->fraction;
+  }
+  void DropLongFraction() {
+    if (m_rest.Find() != nullptr) m_rest.Make().fraction.clear();
+  }
+  bool HasNegativeOffset() const;
+  [[noreturn]] void ThrowTooNarrow(char const* operation) const;
 
   DTType m_type = dt_yearZero;
   std::uint8_t m_reserved = 0;
@@ -290,14 +327,16 @@ class QUILLON9_API CDateTime {
   std::uint8_t m_hour = 0;
   std::uint8_t m_minute = 0;
   std::uint8_t m_second = 0;
+  std::uint8_t m_zoneMinute = 0;
   std::uint16_t m_milliSecond = 0;
   std::uint16_t m_microSecond = 0;
   std::uint16_t m_nanoSecond = 0;
   bool m_isUTC = false;
   bool m_hasTimeZone = false;
   std::int16_t m_zoneHour = 0;
-  std::uint8_t m_zoneMinute = 0;
+  detail::RarePart<Rest> m_rest;
 
+  friend struct MomentAccess;
   friend QUILLON9_API int Compare(CDateTime const& left, CDateTime const& right);
 };
 

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "quillon9/export.h"
+#include "quillon9/values/rare_part.h"
 
 namespace Quillon9 {
 
@@ -13,6 +14,10 @@ namespace Quillon9 {
 /// It differs from XML Schema as follows: an all-zero span prints "P", which no parser accepts; numbers wrap at 32
 /// bits; of the seventh to ninth fraction digit only the last is kept, as nanoseconds. Comparison uses calendar days
 /// and ignores months; see CompareTo().
+///
+/// Reading by the rules of XML Schema (CSchemaValues) also makes spans that ParseXSDDuration() cannot: with larger
+/// numbers, up to 64 bits, and any number of fraction digits. ToString() prints them whole; GetNanoSeconds() returns
+/// the seventh to ninth digit whatever follows.
 class QUILLON9_API CDateTimeSpan {
  public:
   /// All zero, positive.
@@ -44,25 +49,30 @@ class QUILLON9_API CDateTimeSpan {
 
   /// The fields as they were set: nothing is normalised. Each part of the fraction counts 0 to 999; setters check
   /// nothing.
+  /// \throws CQnInvalidValueException "The value [%s] does not fit into %s()" for a number that was read by the rules
+  ///         of XML Schema and is too large for its getter.
   ///@{
-  std::uint16_t GetYears() const { return m_years; }
-  std::uint32_t GetMonths() const { return m_months; }
-  std::uint32_t GetDays() const { return m_days; }
-  std::uint32_t GetHours() const { return m_hours; }
+  std::uint16_t GetYears() const { return Narrow(m_years, &Rest::years, "GetYears"); }
+  std::uint32_t GetMonths() const { return Narrow(m_months, &Rest::months, "GetMonths"); }
+  std::uint32_t GetDays() const { return Narrow(m_days, &Rest::days, "GetDays"); }
+  std::uint32_t GetHours() const { return Narrow(m_hours, &Rest::hours, "GetHours"); }
   std::uint64_t GetMinutes() const { return m_minutes; }
   std::uint64_t GetSeconds() const { return m_seconds; }
   std::uint16_t GetMilliSeconds() const { return m_milliSeconds; }
   std::uint16_t GetMicroSeconds() const { return m_microSeconds; }
   std::uint16_t GetNanoSeconds() const { return m_nanoSeconds; }
-  void SetYears(std::uint16_t years) { m_years = years; }
-  void SetMonths(std::uint32_t months) { m_months = months; }
-  void SetDays(std::uint32_t days) { m_days = days; }
-  void SetHours(std::uint32_t hours) { m_hours = hours; }
+  void SetYears(std::uint16_t years) { Set(m_years, years, &Rest::years); }
+  void SetMonths(std::uint32_t months) { Set(m_months, months, &Rest::months); }
+  void SetDays(std::uint32_t days) { Set(m_days, days, &Rest::days); }
+  void SetHours(std::uint32_t hours) { Set(m_hours, hours, &Rest::hours); }
   void SetMinutes(std::uint64_t minutes) { m_minutes = minutes; }
   void SetSeconds(std::uint64_t seconds) { m_seconds = seconds; }
   void SetMilliSeconds(std::uint16_t milli) { m_milliSeconds = milli; }
   void SetMicroSeconds(std::uint16_t micro) { m_microSeconds = micro; }
-  void SetNanoSeconds(std::uint16_t nano) { m_nanoSeconds = nano; }
+  void SetNanoSeconds(std::uint16_t nano) {
+    m_nanoSeconds = nano;
+    if (m_rest.Find() != nullptr) m_rest.Make().fraction.clear();
+  }
   ///@}
 
   /// Whether the whole span is negative.
@@ -99,6 +109,32 @@ class QUILLON9_API CDateTimeSpan {
  private:
   void ReadFraction(char const*& at, char const* text);
 
+  /// What the other members cannot hold: the bits of the numbers above their width, and the digits of the fraction
+  /// after the ninth, without zeros at the end.
+  struct Rest {
+    std::uint64_t years = 0;
+    std::uint64_t months = 0;
+    std::uint64_t days = 0;
+    std::uint64_t hours = 0;
+    std::string fraction;
+  };
+  template <class Field>
+  Field Narrow(Field low, std::uint64_t Rest::*high, char const* getter) const {
+    if (m_rest.Find() != nullptr && m_rest.Find()->*high != 0) ThrowTooNarrow(getter);
+    return low;
+  }
+  template <class Field>
+  std::uint64_t Whole(Field low, std::uint64_t Rest::*high) const {
+    return m_rest.Find() == nullptr ? low : (m_rest.Find()->*high << (8 * sizeof low)) | low;
+  }
+  template <class Field>
+  void Set(Field& field, Field value, std::uint64_t Rest::*high) {
+    field = value;
+    if (m_rest.Find() != nullptr) m_rest.Make().*high = 0;
+  }
+  std::string FractionText() const;
+  [[noreturn]] void ThrowTooNarrow(char const* operation) const;
+
   std::uint16_t m_years = 0;
   std::uint32_t m_months = 0;
   std::uint32_t m_days = 0;
@@ -109,6 +145,10 @@ class QUILLON9_API CDateTimeSpan {
   std::uint16_t m_microSeconds = 0;
   std::uint16_t m_nanoSeconds = 0;
   bool m_negative = false;
+  detail::RarePart<Rest> m_rest;
+
+  friend class CDateTime;
+  friend struct MomentAccess;
 };
 
 }  // namespace Quillon9

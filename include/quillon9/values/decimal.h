@@ -10,6 +10,7 @@
 namespace Quillon9 {
 
 struct CDecimalParts;
+struct DecimalAccess;
 
 /// Holds a value of xs:decimal (W3C XML Schema Part 2, 3.2.3) exactly: a whole part, a fraction part and the number of
 /// digits in the fraction, its divider. Parsing, multiplying and dividing keep m_maxDivider fraction digits; sums keep
@@ -159,6 +160,8 @@ class QUILLON9_API CDecimal {
   static int Normalize(CDecimal& a, CDecimal& b);
 
  private:
+  friend struct DecimalAccess;
+
   bool IsShortWith(CDecimal const& other) const { return m_parts == nullptr && other.m_parts == nullptr; }
   bool IsLongWith(CDecimal const& other) const { return m_parts != nullptr && other.m_parts != nullptr; }
   std::unique_ptr<CDecimalParts> CopyParts() const;

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
 #include "quillon9/export.h"
+#include "quillon9/values/item_type.h"
+#include "quillon9/values/schema_form.h"
 
 namespace Quillon9 {
 
@@ -40,6 +43,35 @@ class QUILLON9_API CPrimitiveRestrictions {
   /// Whether the bounds of dates count months as XML Schema does. CDateTime::CompareTo(), which decides otherwise, does
   /// not.
   bool comparesMonths = false;
+  /// Which texts are values by the rules of XML Schema. The classic rules know nothing of it.
+  SchemaForm form = SchemaForm::Any;
 };
+
+class SchemaFacets;
+
+namespace detail {
+
+/// The facets of one place as the rules of XML Schema check them, made when they are first needed. Any number of threads
+/// may ask at the same time, always with the same kind and facets.
+class QUILLON9_API LazySchemaFacets {
+ public:
+  LazySchemaFacets() = default;
+  ~LazySchemaFacets();
+  LazySchemaFacets(LazySchemaFacets const&) = delete;
+  LazySchemaFacets& operator=(LazySchemaFacets const&) = delete;
+
+  /// The facets for values of the kind \p type.
+  SchemaFacets const& Get(ItemType type, CPrimitiveRestrictions const& restrictions) const {
+    SchemaFacets const* const made = m_made.load(std::memory_order_acquire);
+    return made != nullptr ? *made : Make(type, restrictions);
+  }
+
+ private:
+  SchemaFacets const& Make(ItemType type, CPrimitiveRestrictions const& restrictions) const;
+
+  mutable std::atomic<SchemaFacets const*> m_made{nullptr};
+};
+
+}  // namespace detail
 
 }  // namespace Quillon9

@@ -20,7 +20,8 @@ namespace Quillon9 {
 class CTreeMemory;
 
 /// A document in memory: the bytes it was read from and the tree of its elements. An object can be loaded repeatedly;
-/// each load drops the previous contents. Comments, processing instructions and the document type are not kept.
+/// each load drops the previous contents. The tree has no comments, processing instructions and document type; under
+/// CXmlSerializationContext::SetKeepUnknown(), the document keeps the first two for objects that are read from it.
 /// External DTDs and entities are never fetched. The supported encodings are those built into expat and
 /// every single-byte encoding that extends ASCII and that iconv() knows.
 ///
@@ -172,7 +173,6 @@ class QUILLON9_API CXmlDocument {
     return m_elementStack.back().element;
   }
   [[noreturn]] static void ThrowNoneOpen();
-  CXmlElement* PushOpen(CXmlElement* element);
   void NotePlace(CXmlElement const& parent);
   void EndFilteredElement();
   bool AskFilter(CXmlElement* element);

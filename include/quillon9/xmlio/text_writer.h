@@ -56,6 +56,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Write no line ends and tabs inside the open element from now on, because white space counts there. Its end tag is
   /// again followed by a line end. Does nothing when no element is open.
   void PreserveSpace() override;
+  /// Write it on a line of its own where line ends are written. A blank parts what would end it: "--" and "?>".
+  void WriteMarkup(CMarkup const& markup) override;
   /// Return whether line ends and tabs are written, which PreserveSpace() affects.
   bool GetFormat() const { return m_format; }
   /// Set whether line ends and tabs are written between elements. Call this, like SetEOLType(), before any output.
@@ -84,9 +86,11 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();
+  void AppendLines(std::string_view text);
   void AppendText(std::string_view text);
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
+  void AppendSpecial(char byte, bool inAttribute);
   void AppendDocumentDeclarations();
   void FlushIfFull();
 

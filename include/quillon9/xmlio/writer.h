@@ -15,6 +15,7 @@ class CNamespaceScope;
 class CheckingWriter;
 class MixedTexts;
 class PlainClasses;
+struct CMarkup;
 
 /// Abstract target of everything that produces a document; callers do not learn which format comes out. The base class
 /// holds the stack of open elements, the namespace bindings with their scopes, and the generated prefixes (Namespaces
@@ -93,6 +94,9 @@ class QUILLON9_API CXmlWriter {
   /// Say, after its attributes, that the open element has text between its children, so that white space counts in it
   /// and its contents. The base class does nothing.
   virtual void PreserveSpace();
+  /// Write a comment or processing instruction into the open element, after its attributes, or into the document around
+  /// its element. The base class writes nothing.
+  virtual void WriteMarkup(CMarkup const& markup);
   /// Return a prefix for names of the namespace \p uri, which is not empty, in values of the element that was started
   /// last: the one that is bound, or else \p preferred where DeclarePrefix() accepts it, or else a generated one, which
   /// is declared.

@@ -20,11 +20,12 @@ constexpr ValueType kDate{Quillon9::ItemType_date};
 constexpr ValueType kDecimal{Quillon9::ItemType_decimal};
 constexpr Facets kScaleFacets{nullptr, -1, -1, -1, nullptr, "1e3", "0"};
 constexpr ValueType kScale{Quillon9::ItemType_r4, kCollapse, &kScaleFacets};
+constexpr ValueType kNMTOKEN{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, nullptr, SchemaForm::NMToken};
 constexpr ValueType kGYear{Quillon9::ItemType_year};
 constexpr Facets kNameFacets{"(?:[^\\\\\"]*)\\z", -1, -1, 40};
 constexpr ValueType kName{Quillon9::ItemType_string, kPreserve, &kNameFacets};
 constexpr TypeParts kIDParts{nullptr, nullptr, 0, nullptr, 0, ValueRole::Identifier};
-constexpr ValueType kID{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kIDParts};
+constexpr ValueType kID{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, &kIDParts, SchemaForm::NCName};
 constexpr ValueType kDouble{Quillon9::ItemType_r8};
 
 constexpr ClassRow kDateElement = Quillon9::ValueElementRow(kDate);
@@ -55,7 +56,7 @@ constexpr ElementRow kDrawing_Elements[] = {
 constexpr AttributeRow kDrawing_Attributes[] = {
     Attribute("version", "", 8, kOptional, kDecimal, nullptr, "1.0"),
     Attribute("scale", "", 9, kOptional, kScale, "1"),
-    Attribute("palette", "", 10, kOptional, kToken),
+    Attribute("palette", "", 10, kOptional, kNMTOKEN),
     AnyAttributes(11, kOtherNamespace)};
 constexpr ClassRow kDrawing_Class{"Drawing", kNs, kNs, nullptr, kDrawing_Elements, 12, kDrawing_Attributes, 4, 0, 12};
 constexpr AttributeRow kPerson_Attributes[] = {

@@ -11,7 +11,7 @@ constexpr ValueType kString{Quillon9::ItemType_string, kPreserve};
 constexpr ValueType kDate{Quillon9::ItemType_date};
 constexpr Facets kZipFacets{"[\\p{Nd}]{5}"};
 constexpr ValueType kZip{Quillon9::ItemType_string, kCollapse, &kZipFacets};
-constexpr ValueType kNMTOKEN{Quillon9::ItemType_string};
+constexpr ValueType kNMTOKEN{Quillon9::ItemType_string, kCollapse, nullptr, nullptr, nullptr, SchemaForm::NMToken};
 constexpr Facets kQuantityFacets{nullptr, -1, -1, -1, "1", nullptr, nullptr, "100"};
 constexpr ValueType kQuantity{Quillon9::ItemType_i4, kCollapse, &kQuantityFacets};
 constexpr ValueType kDecimal{Quillon9::ItemType_decimal};

@@ -1,6 +1,6 @@
-#include "schema/patterns.h"
+#include "values/unicode_blocks.h"
 
-namespace Quillon9Generator::Schema {
+namespace Quillon9 {
 
 namespace {
 
@@ -116,4 +116,4 @@ std::optional<std::pair<char32_t, char32_t>> UnicodeBlockRange(std::string_view 
   return std::nullopt;
 }
 
-}  // namespace Quillon9Generator::Schema
+}  // namespace Quillon9

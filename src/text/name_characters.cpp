@@ -1,4 +1,4 @@
-#include "xmlio/name_characters.h"
+#include "text/name_characters.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,13 +1,16 @@
-#include "generated/generic_reading.h"
+#include "descriptors/generic_reading.h"
 
 #include <utility>
 #include <vector>
 
 #include "descriptors/mixed_access.h"
-#include "generated/type_attribute.h"
 #include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
+
+CXmlAttribute const* FindTypeAttribute(CXmlElement const& element) {
+  return element.FindAttribute("type", "http://www.w3.org/2001/XMLSchema-instance");
+}
 
 bool HasOnlyLayout(CXmlElement const& element) {
   return element.GetFirstElement() != nullptr &&
@@ -44,20 +47,34 @@ bool HasPrefixes(CXmlElement const& element) {
 
 }  // namespace
 
+namespace {
+
+void NotePrefix(CXmlElement const& element, std::string_view prefix, CAttributeCol& attributes) {
+  auto const* const known = attributes.GetPrefixes();
+  if (known != nullptr && known->count(std::string(prefix)) != 0) return;
+  std::string uri;
+  if (prefix != "xml" && element.GetDocument()->LookupNamespace(element, prefix, uri)) {
+    attributes.SetPrefix(std::string(prefix), uri);
+  }
+}
+
+}  // namespace
+
+void NotePrefixes(CXmlElement const& element, std::string_view value, CAttributeCol& attributes) {
+  if (element.GetDocument() == nullptr) return;
+  ForEachPrefix(value, [&](std::string_view prefix) { NotePrefix(element, prefix, attributes); });
+}
+
 void NotePrefixes(CXmlElement const& element, CAttributeCol& attributes) {
   if (element.GetDocument() == nullptr) return;
-  std::string uri;
-  auto const note = [&](std::string_view prefix) {
-    auto const* const known = attributes.GetPrefixes();
-    if (known != nullptr && known->count(std::string(prefix)) != 0) return;
-    if (prefix != "xml" && element.GetDocument()->LookupNamespace(element, prefix, uri)) {
-      attributes.SetPrefix(std::string(prefix), uri);
-    }
-  };
-  for (CXmlAttribute const& attribute : element.Attributes()) ForEachPrefix(attribute.GetValueView(), note);
-  ForEachPrefix(element.GetTextView(), note);
+  for (CXmlAttribute const& attribute : element.Attributes()) {
+    NotePrefixes(element, attribute.GetValueView(), attributes);
+  }
+  NotePrefixes(element, element.GetTextView(), attributes);
   CXmlAttribute const* const type = element.GetFirstAttribute() != nullptr ? FindTypeAttribute(element) : nullptr;
-  if (type != nullptr && type->GetValueView().find(':') == std::string_view::npos) note("");
+  if (type != nullptr && type->GetValueView().find(':') == std::string_view::npos) {
+    NotePrefix(element, "", attributes);
+  }
 }
 
 namespace {

@@ -1,0 +1,150 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "constructs.h"
+#include "dynamic_class.h"
+#include "quillon9/quillon9.h"
+
+using namespace Quillon9;
+
+namespace {
+
+CXmlSerializationContext Under(ValueRules rules) {
+  CXmlSerializationContext ctx;
+  ctx.SetValueRules(rules);
+  return ctx;
+}
+
+using Testing::DynamicClass;
+using Testing::Shape;
+
+/// An object of a class written by hand, with one value of the kind.
+Shape ShapeOf(ItemType kind, CWhitespaceUtils::WhitespaceRule rule) {
+  return {{}, {new Quillon9Data::CElementInfoSeqPrimOpt("v", "", 0, kind, nullptr, rule, CPrimitiveRestrictions())}};
+}
+
+std::string Written(std::string const& text, CXmlSerializationContext const& ctx) {
+  Shape const shape = ShapeOf(ItemType_string, CWhitespaceUtils::WhitespaceRule_Preserve);
+  DynamicClass object(shape);
+  object.m_properties[0].SetString(text);
+  return object.Text(ctx);
+}
+
+std::string ReadAndWritten(ItemType kind, std::string const& text, CXmlSerializationContext const& ctx) {
+  Shape const shape = ShapeOf(kind, CWhitespaceUtils::WhitespaceRule_Preserve);
+  DynamicClass object(shape);
+  try {
+    object.FromXml(("<root><v>" + text + "</v></root>").c_str(), ctx);
+    return object.Text(ctx);
+  } catch (CQnException const& failure) {
+    return failure.GetFullMessage();
+  }
+}
+
+}  // namespace
+
+TEST(ValueRules, TextsComeBackAsTheyWere) {
+  CXmlSerializationContext const classic = Under(ValueRules_Classic);
+  CXmlSerializationContext const schema = Under(ValueRules_XmlSchema);
+  EXPECT_EQ(Written("<![CDATA[x]]>", classic), "<root><v><![CDATA[x]]></v></root>");
+  EXPECT_EQ(Written("<![CDATA[x]]>", schema), "<root><v>&lt;![CDATA[x]]&gt;</v></root>");
+  EXPECT_EQ(Written("a\r\n\tb", classic), "<root><v>a\n\tb</v></root>");
+  EXPECT_EQ(Written("a\r\n\tb", schema), "<root><v>a&#xD;\n\tb</v></root>");
+  EXPECT_NO_THROW(Written(std::string("a\x01"), classic));
+  EXPECT_THROW(Written(std::string("a\x01"), schema), CQnException);
+  EXPECT_EQ(Written(std::string("a\0b", 3), classic), "<root><v>a</v></root>");
+  EXPECT_THROW(Written(std::string("a\0b", 3), schema), CQnException);
+}
+
+TEST(ValueRules, ReferencesToCarriageReturnsAreKept) {
+  CXmlSerializationContext const classic = Under(ValueRules_Classic);
+  CXmlSerializationContext const schema = Under(ValueRules_XmlSchema);
+  std::string const end = "<root><v>a&#13;\r\nb</v></root>";
+  for (std::string const start : {"", "<?xml version='1.0' encoding='ISO-8859-1'?>"}) {  // each has a reader of its own
+    Shape const shape = ShapeOf(ItemType_string, CWhitespaceUtils::WhitespaceRule_Preserve);
+    DynamicClass object(shape);
+    object.FromXml((start + end).c_str(), classic);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\nb");
+    object.FromXml((start + end).c_str(), schema);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\r\nb");
+    object.FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, schema), schema);
+    EXPECT_EQ(object.m_properties[0].GetString(), "a\r\nb");
+  }
+}
+
+TEST(ValueRules, DocumentsAreParsedByTheRulesOfTheirRoots) {
+  auto const document = XmlText("<named xmlns='urn:t'><one>x</one><said>a&#13;b</said></named>");
+  std::string const kept = Constructs::ReadRoot(document)->ToXml();
+  EXPECT_NE(kept.find(">a&#xD;b<"), kept.npos) << kept;
+  std::string const classic = Constructs::ReadRoot(document, Under(ValueRules_Classic))->ToXml();
+  EXPECT_NE(classic.find(">ab<"), classic.npos) << classic;
+}
+
+TEST(ValueRules, ClassesByHandFollowTheContext) {
+  struct Row {
+    ItemType kind;
+    char const* text;
+    char const* classic;
+    char const* schema;
+  };
+  Row const rows[] = {
+      {ItemType_integer, "12-3", "<v>3</v>", "The value [12-3] is not a valid integer"},
+      {ItemType_boolean, "TRUE", "<v>true</v>", "The value [TRUE] is not a valid boolean"},
+      {ItemType_r8, "8.72", "<v>8.720000000000001</v>", "<v>8.72</v>"},
+      {ItemType_base64Binary, "TQ==", "<v>TQ=</v>", "<v>TQ==</v>"},
+      {ItemType_duration, "PT0S", "<v>P</v>", "<v>PT0S</v>"},
+      {ItemType_date, "12026-01-02", "", "<v>12026-01-02</v>"},
+      {ItemType_i4, " 7 ", "", "<v>7</v>"},
+  };
+  for (Row const& row : rows) {
+    std::string const classic = ReadAndWritten(row.kind, row.text, Under(ValueRules_Classic));
+    EXPECT_NE(classic.find(row.classic), classic.npos) << classic;
+    std::string const schema = ReadAndWritten(row.kind, row.text, Under(ValueRules_XmlSchema));
+    EXPECT_NE(schema.find(row.schema), schema.npos) << schema;
+  }
+}
+
+TEST(ValueRules, CollectionsFollowTheContext) {
+  Cr8Col numbers("v", "", 0, -1, "\\d\\.\\d", -1, -1, "", "5", "", "", -1, CWhitespaceUtils::WhitespaceRule_Collapse,
+                 nullptr);
+  numbers.FromXml("<r><v>0x4</v></r>", Under(ValueRules_Classic));
+  EXPECT_EQ(numbers.GetCount(), 1);
+  for (char const* const refused : {"0x4", "6.0", "4", "4.00"}) {
+    EXPECT_THROW(numbers.FromXml(("<r><v>" + std::string(refused) + "</v></r>").c_str(), Under(ValueRules_XmlSchema)),
+                 CQnException)
+        << refused;
+  }
+  numbers.FromXml("<r><v> 4.5 </v></r>", Under(ValueRules_XmlSchema));
+  EXPECT_EQ(numbers.Item(1), 4.5);
+}
+
+TEST(ValueRules, NilIsANumberToo) {
+  Shape const shape = ShapeOf(ItemType_string, CWhitespaceUtils::WhitespaceRule_Preserve);
+  Testing::NillableClass object(shape);
+  char const* const text = "<root xmlns:xsi='http://www.w3.org/2001/XMLSchema-instance' xsi:nil=' 1 '/>";
+  EXPECT_THROW(object.FromXml(text, Under(ValueRules_Classic)), CQnException);
+  object.FromXml(text, Under(ValueRules_XmlSchema));
+  EXPECT_TRUE(object.IsNil());
+}
+
+TEST(ValueRules, GeneratedClassesAskForThoseOfXmlSchema) {
+  auto const order = Constructs::CreateHolder();
+  EXPECT_EQ(order->GetDefaultValueRules(), ValueRules_XmlSchema);
+  CXmlSerializationContext const unset;
+  EXPECT_FALSE(unset.HasValueRules());
+  EXPECT_EQ(unset.GetValueRules(), ValueRules_Classic);
+}
+
+TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {
+  auto const read = [](std::string const& name, std::string const& list) {
+    return Constructs::ReadRoot(
+        XmlText("<t:named xmlns:t='urn:t' all='" + list + "'><t:one>" + name + "</t:one></t:named>"));
+  };
+  EXPECT_NO_THROW(read(" t:a ", ""));
+  EXPECT_NO_THROW(read("a.1", " a  t:b "));
+  for (char const* const refused : {"", "1a", ":a", "t:", "t:a:b", "t:a b", "no:a"}) {
+    EXPECT_THROW(read(refused, ""), CQnException) << refused;
+  }
+  EXPECT_THROW(read("a", "a 1b"), CQnException);
+}
