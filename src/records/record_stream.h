@@ -1,38 +1,51 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 
 #include "binding/failure_report.h"
 #include "quillon9/base/failures.h"
-#include "quillon9/binding/serialization_context.h"
 #include "quillon9/fwd.h"
 #include "text/utf8_text.h"
 
 namespace Quillon9 {
 
-/// The selected elements of a document as trees, one after the other.
+/// How a stream of records cuts a document.
+struct RecordLimits {
+  std::size_t batchSize = 0x10000;  ///< bytes of records that are loaded together
+  std::size_t mostRecord = std::size_t{256} << 20;
+};
+
+/// Some records in a row. One thread at a time uses a batch, which need not be the one that took it from its stream.
+class RecordBatch {
+ public:
+  virtual ~RecordBatch();
+
+  virtual std::size_t Size() const = 0;
+  /// Which of the paths selects \p record.
+  virtual std::size_t Selection(std::size_t record) const = 0;
+  /// Where \p record begins.
+  virtual CFailurePlace Place(std::size_t record) const = 0;
+  /// The tree of \p record, which does not stand in front of the one of the last call, with text that is held as \p use
+  /// says. It lives until the next call.
+  /// \throws CQnException for a record that cannot be loaded.
+  virtual CXmlElement const* Load(std::size_t record, Utf8Text::Use use) = 0;
+  /// Whether a document that is not well-formed was the reason why the last Load() threw, so that there are no more
+  /// records.
+  virtual bool IsAtEnd() const = 0;
+  /// Finds the places of the nodes of the tree that was loaded last.
+  virtual PlaceFinder& Places() = 0;
+};
+
+/// The selected elements of a document.
 class RecordStream {
  public:
   virtual ~RecordStream();
 
-  /// Go to the next element, whose text is held as \p use says; false at the end.
-  /// \throws CQnException for an element that cannot be loaded; the next call goes on with the one after it, unless the
-  ///         document is not well-formed: then every call throws that failure.
-  virtual bool Next(Utf8Text::Use use) = 0;
-
-  /// \name The present element, between two calls of Next()
-  /// @{
-  /// Its tree; null if it could not be loaded. With another use of text, it may be another tree.
-  virtual CXmlElement const* Element(Utf8Text::Use use) = 0;
-  /// Which of the paths selects it.
-  virtual std::size_t Selection() const = 0;
-  /// Where it begins.
-  virtual CFailurePlace Place() const = 0;
-  /// Finds the places of its nodes.
-  virtual PlaceFinder& Places() = 0;
-  /// @}
+  /// The next records; null at the end. \p use is how the text of most of them will be asked for.
+  /// \throws CQnException for a document that is not well-formed, after the records in front of the fault: then there
+  ///         are no more.
+  virtual std::unique_ptr<RecordBatch> Next(Utf8Text::Use use) = 0;
 };
 
 }  // namespace Quillon9

@@ -9,6 +9,8 @@
 
 namespace Quillon9 {
 
+RecordBatch::~RecordBatch() = default;
+
 RecordStream::~RecordStream() = default;
 
 // ---- LoadedChunk
@@ -31,13 +33,8 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
   } catch (CQnException& failure) {
     ThrowCorrected(failure);
   }
-  CXmlElement const* parent = nullptr;
-  CXmlElement const* element = m_document.GetDocumentElement();
-  for (std::size_t depth = 0; depth < chunk.ancestors->depth && element != nullptr; ++depth) {
-    parent = std::exchange(element, element->GetFirstElement());
-  }
-  static_cast<void>(parent);
-  m_cursor = element;
+  m_cursor = m_document.GetDocumentElement();
+  for (std::size_t depth = 0; depth < chunk.ancestors->depth; ++depth) m_cursor = m_cursor->GetFirstElement();
   m_next = record.value_or(0);
 }
 
@@ -77,9 +74,7 @@ std::string LoadedChunk::CorrectedPath(std::string const& path, RecordSpan const
   for (std::size_t step = 0; step <= m_chunk.ancestors->depth && at < path.size(); ++step) {
     at = std::min(path.find('/', at + 1), path.size());
   }
-  std::string corrected = m_chunk.ancestors->path + "/" + span.name;
-  if (span.number > 1) corrected += "[" + std::to_string(span.number) + "]";
-  return corrected + path.substr(at);
+  return m_chunk.PathOf(span) + path.substr(at);
 }
 
 void LoadedChunk::ThrowCorrected(CQnException& failure) const {
@@ -100,92 +95,68 @@ void LoadedChunk::ThrowCorrected(CQnException& failure) const {
   throw corrected;
 }
 
+// ---- TextBatch
+
+CXmlElement const* TextBatch::Load(std::size_t record, Utf8Text::Use use) {
+  if (m_chunk.records[record].isTooLarge) ThrowTooLarge(record);
+  if (!m_isSingle && (m_loaded == nullptr || m_loaded->GetUse() != use)) LoadAll(use);
+  if (m_isSingle) LoadOne(record, use);
+  return m_loaded->Element(record);
+}
+
+void TextBatch::LoadAll(Utf8Text::Use use) {
+  try {
+    Parse(use, std::nullopt);
+  } catch (CQnException const&) {
+    m_isSingle = true;  // the records in front of the fault are right
+  }
+}
+
+void TextBatch::LoadOne(std::size_t record, Utf8Text::Use use) {
+  try {
+    Parse(use, record);
+  } catch (CQnException const& failure) {
+    // What is beyond a limit is a fault of this record only.
+    m_isAtEnd = failure.GetKind() != FailureKind_Limit || !m_chunk.records[record].isWhole;
+    throw;
+  }
+}
+
+void TextBatch::Parse(Utf8Text::Use use, std::optional<std::size_t> record) {
+  m_loaded.reset();
+  m_loaded = std::make_unique<LoadedChunk>(m_shared.ctx, use, m_chunk, record, m_shared.file, m_shared.hasOffsets);
+}
+
+CFailurePlace TextBatch::Place(std::size_t record) const {
+  RecordSpan const& span = m_chunk.records[record];
+  CFailurePlace place = RecordPlace::At(span.at, m_chunk.PathOf(span));
+  if (!m_shared.hasOffsets) place.SetOffset(-1);
+  place.SetFile(m_shared.file);
+  return place;
+}
+
+void TextBatch::ThrowTooLarge(std::size_t record) const {
+  auto failure = OfKind(FailureKind_Limit, CQnException(FormatString("The record exceeds the limit of %zu bytes",
+                                                                     m_shared.limits.mostRecord)));
+  RecordPlace::Set(failure, Place(record));
+  throw failure;
+}
+
 // ---- TextRecords
 
 TextRecords::TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
                          CXmlSerializationContext const& ctx, std::string const& file)
-    : m_ctx(ctx),
-      m_file(file),
-      m_input(std::move(document)),
-      m_limits(limits),
-      m_window(*m_input.input, m_input.markSize),
-      m_splitter(m_window, std::move(paths), limits.chunkSize, limits.mostRecord) {}
+    : m_input(std::move(document)),
+      m_shared{ctx, file, limits, !m_input.isConverted},
+      m_window(*m_input.input, m_input.markSize, limits.mostRecord),
+      m_splitter(m_window, std::move(paths), limits.batchSize) {}
 
 TextRecords::~TextRecords() = default;
 
-bool TextRecords::Next(Utf8Text::Use use) {
-  if (m_end != nullptr) std::rethrow_exception(m_end);
-  m_element = nullptr;
-  if (m_chunk && m_present + 1 < m_chunk->records.size()) {
-    ++m_present;
-  } else if (!NextChunk(use)) {
-    return false;
-  }
-  if (Span().isTooLarge) ThrowTooLarge();
-  if (m_isSingle) LoadPresent(use);
-  m_element = m_loaded->Element(m_present);
-  return true;
-}
-
-bool TextRecords::NextChunk(Utf8Text::Use use) {
-  m_loaded.reset();
-  m_chunk.reset();
-  try {
-    m_chunk = m_splitter.Next();
-  } catch (...) {
-    m_end = std::current_exception();
-    throw;
-  }
-  if (!m_chunk) return false;
-  m_present = 0;
-  m_isSingle = false;
-  try {
-    Load(use, std::nullopt);
-  } catch (CQnException const&) {
-    m_isSingle = true;  // the records in front of the fault are right
-  }
-  return true;
-}
-
-void TextRecords::LoadPresent(Utf8Text::Use use) {
-  try {
-    Load(use, m_present);
-  } catch (CQnException const& failure) {
-    // What is beyond a limit is a fault of this record only.
-    bool const endsRead = failure.GetKind() != FailureKind_Limit || !Span().isWhole;
-    if (endsRead) m_end = std::current_exception();
-    throw;
-  }
-}
-
-void TextRecords::Load(Utf8Text::Use use, std::optional<std::size_t> record) {
-  m_loaded.reset();
-  m_loaded = std::make_unique<LoadedChunk>(m_ctx, use, *m_chunk, record, m_file, !m_input.isConverted);
-}
-
-CXmlElement const* TextRecords::Element(Utf8Text::Use use) {
-  if (m_element == nullptr || m_loaded->GetUse() == use) return m_element;
-  Load(use, m_present);
-  m_isSingle = true;
-  m_element = m_loaded->Element(m_present);
-  return m_element;
-}
-
-CFailurePlace TextRecords::Place() const {
-  RecordSpan const& span = Span();
-  std::string path = m_chunk->ancestors->path + "/" + span.name;
-  if (span.number > 1) path += "[" + std::to_string(span.number) + "]";
-  CFailurePlace place = RecordPlace::At(span.at, std::move(path));
-  if (m_input.isConverted) place.SetOffset(-1);
-  place.SetFile(m_file);
-  return place;
-}
-
-void TextRecords::ThrowTooLarge() const {
-  auto failure = OfKind(FailureKind_Limit,
-                        CQnException(FormatString("The record exceeds the limit of %zu bytes", m_limits.mostRecord)));
-  RecordPlace::Set(failure, Place());
-  throw failure;
+std::unique_ptr<RecordBatch> TextRecords::Next(Utf8Text::Use) {
+  std::optional<RecordChunk> chunk = m_splitter.Next();
+  if (!chunk) return nullptr;
+  return std::make_unique<TextBatch>(std::move(*chunk), m_shared);
 }
 
 }  // namespace Quillon9

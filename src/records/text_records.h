@@ -1,6 +1,5 @@
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,12 +12,6 @@
 #include "records/utf8_input.h"
 
 namespace Quillon9 {
-
-/// How a stream of records cuts a document.
-struct RecordLimits {
-  std::size_t chunkSize = 0x10000;
-  std::size_t mostRecord = std::size_t{256} << 20;
-};
 
 /// A chunk as a document, of which one record after the other is looked at.
 class LoadedChunk final : public PlaceFinder {
@@ -52,41 +45,56 @@ class LoadedChunk final : public PlaceFinder {
   CXmlElement const* m_cursor = nullptr;
 };
 
-/// The records of XML text.
-class TextRecords final : public RecordStream, private PlaceFinder {
- public:
-  /// \p ctx and \p file are borrowed. \p file is empty if the input is no file.
-  TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
-              CXmlSerializationContext const& ctx, std::string const& file);
-  ~TextRecords() override;
+/// What the batches of a document share. It outlives them.
+struct TextRecordsContext {
+  CXmlSerializationContext const& ctx;
+  std::string const& file;
+  RecordLimits limits;
+  bool hasOffsets;  ///< positions in the text are positions in the input
+};
 
-  bool Next(Utf8Text::Use use) override;
-  CXmlElement const* Element(Utf8Text::Use use) override;
-  std::size_t Selection() const override { return Span().selection; }
-  CFailurePlace Place() const override;
+/// Records of XML text. They are loaded together, or one by one if that fails.
+class TextBatch final : public RecordBatch, private PlaceFinder {
+ public:
+  TextBatch(RecordChunk chunk, TextRecordsContext const& shared) : m_chunk(std::move(chunk)), m_shared(shared) {}
+
+  std::size_t Size() const override { return m_chunk.records.size(); }
+  std::size_t Selection(std::size_t record) const override { return m_chunk.records[record].selection; }
+  CFailurePlace Place(std::size_t record) const override;
+  CXmlElement const* Load(std::size_t record, Utf8Text::Use use) override;
+  bool IsAtEnd() const override { return m_isAtEnd; }
   PlaceFinder& Places() override { return *this; }
 
  private:
   CFailurePlace Find(FailurePoint const& point) override { return m_loaded->Find(point); }
   bool HasPositionsOf(CXmlElement const* element) override { return m_loaded->HasPositionsOf(element); }
-  RecordSpan const& Span() const { return m_chunk->records[m_present]; }
-  bool NextChunk(Utf8Text::Use use);
-  void LoadPresent(Utf8Text::Use use);
-  void Load(Utf8Text::Use use, std::optional<std::size_t> record);
-  [[noreturn]] void ThrowTooLarge() const;
+  void LoadAll(Utf8Text::Use use);
+  void LoadOne(std::size_t record, Utf8Text::Use use);
+  void Parse(Utf8Text::Use use, std::optional<std::size_t> record);
+  [[noreturn]] void ThrowTooLarge(std::size_t record) const;
 
-  CXmlSerializationContext const& m_ctx;
-  std::string const& m_file;
+  RecordChunk m_chunk;
+  TextRecordsContext const& m_shared;
+  std::unique_ptr<LoadedChunk> m_loaded;
+  bool m_isSingle = false;  // the records are loaded one by one
+  bool m_isAtEnd = false;
+};
+
+/// The records of XML text.
+class TextRecords final : public RecordStream {
+ public:
+  /// \p ctx and \p file are borrowed, and outlive the batches. \p file is empty if the input is no file.
+  TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
+              CXmlSerializationContext const& ctx, std::string const& file);
+  ~TextRecords() override;
+
+  std::unique_ptr<RecordBatch> Next(Utf8Text::Use use) override;
+
+ private:
   Utf8Document m_input;
-  RecordLimits m_limits;
+  TextRecordsContext m_shared;
   TextWindow m_window;
   RecordSplitter m_splitter;
-  std::optional<RecordChunk> m_chunk;
-  std::unique_ptr<LoadedChunk> m_loaded;  // null where each record is loaded by itself, and failed
-  CXmlElement const* m_element = nullptr;
-  std::size_t m_present = 0;
-  bool m_isSingle = false;   // the records of this chunk are loaded one by one
-  std::exception_ptr m_end;  // why there are no more records
 };
 
 }  // namespace Quillon9
