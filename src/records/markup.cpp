@@ -1,5 +1,8 @@
 #include "records/markup.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -47,7 +50,7 @@ std::size_t EndOfTag(TextWindow& window, std::size_t at) {
   return kNone;
 }
 
-/// The end of a document type declaration, from behind its name's start on.
+/// The end of a document type declaration that goes on at \p at.
 std::size_t EndOfDocumentType(TextWindow& window, std::size_t at) {
   bool isInside = false;  // of the brackets
   while (window.Has(at)) {
@@ -94,7 +97,7 @@ std::size_t EndOfName(TextWindow& window, std::size_t at) {
   return at;
 }
 
-ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag, std::size_t most) {
+ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag) {
   using Kind = Markup::Kind;
   if (tag.kind == Kind::kEmptyTag) return {tag.end, true};
   struct Name {
@@ -107,7 +110,7 @@ ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag, 
   at = tag.end;
   while (!open.empty()) {
     at = window.Find("<", at);
-    if (at == kNone || at > most) return {at == kNone ? window.Size() : at, false};
+    if (at == kNone) return {window.Size(), false};
     Markup const markup = ReadMarkup(window, at);
     if (markup.end == kNone) return {window.Size(), false};
     if (markup.kind == Kind::kStartTag) open.push_back(nameAt(at + 1));
@@ -118,6 +121,69 @@ ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag, 
     at = markup.end;
   }
   return {at, true};
+}
+
+// ---- SkipElement
+
+namespace {
+
+/// Drop what is in front of \p wanted, and that. False if the text ends before.
+bool DropPast(TextWindow& window, std::string_view wanted) {
+  while (window.Has(wanted.size() - 1)) {
+    std::size_t const found = window.Text(0, window.Size()).find(wanted);
+    bool const isFound = found != std::string_view::npos;
+    window.Drop(isFound ? found + wanted.size() : window.Size() - (wanted.size() - 1));
+    if (isFound) return true;
+  }
+  return false;
+}
+
+/// Drop the rest of a tag. Return how much deeper its element is; nothing if the text ends before.
+std::optional<int> DropTag(TextWindow& window, bool isEnd) {
+  bool isEmpty = false;
+  while (window.Has(0)) {
+    std::string_view const text = window.Text(0, window.Size());
+    std::size_t const length = LengthOfPlain(text);
+    if (length != 0) isEmpty = text[length - 1] == '/';
+    if (length == text.size()) {
+      window.Drop(length);
+      continue;
+    }
+    char const stop[] = {text[length]};
+    window.Drop(length + 1);
+    if (stop[0] == '>') return isEnd ? -1 : (isEmpty ? 0 : 1);
+    isEmpty = false;
+    if (!DropPast(window, {stop, 1})) return std::nullopt;
+  }
+  return std::nullopt;
+}
+
+/// The same for any markup.
+std::optional<int> DropMarkup(TextWindow& window) {
+  auto const dropped = [&](std::size_t start, std::string_view end) -> std::optional<int> {
+    window.Drop(start);
+    if (!DropPast(window, end)) return std::nullopt;
+    return 0;
+  };
+  if (StartsWith(window, 0, "<!--")) return dropped(4, "-->");
+  if (StartsWith(window, 0, "<![CDATA[")) return dropped(9, "]]>");
+  if (StartsWith(window, 0, "<?")) return dropped(2, "?>");
+  return DropTag(window, StartsWith(window, 0, "</"));
+}
+
+}  // namespace
+
+bool SkipElement(TextWindow& window) {
+  std::int64_t depth = 0;
+  do {
+    std::optional<int> const change = DropMarkup(window);
+    if (!change) return false;
+    depth += *change;
+    while (depth > 0 && window.Has(0) && window.At(0) != '<') {
+      window.Drop(std::min(window.Text(0, window.Size()).find('<'), window.Size()));
+    }
+  } while (depth > 0);
+  return true;
 }
 
 }  // namespace Quillon9

@@ -9,13 +9,15 @@ namespace Quillon9 {
 
 namespace {
 
+constexpr std::size_t kMostSteps = 63;  // a state has a bit for each, and one for the start
+
 [[noreturn]] void ThrowNoPath(std::string const& path, char const* reason) {
   throw CQnInvalidParamException(FormatString("The path [%s] is not a path of elements: %s", path.c_str(), reason));
 }
 
 }  // namespace
 
-RecordPath::RecordPath(std::string const& text, CNamespaceAliasMap const& aliases) {
+RecordPath::RecordPath(std::string const& text, CNamespaceAliasMap const& aliases) : m_text(text) {
   if (text.empty() || text[0] != '/') ThrowNoPath(text, "it must begin with \"/\"");
   std::size_t at = 0;
   while (at < text.size()) {
@@ -31,6 +33,7 @@ RecordPath::RecordPath(std::string const& text, CNamespaceAliasMap const& aliase
     if (isUri) ThrowNoPath(text, "a \"}\" is missing");
     Step step = StepOf(std::string_view(text).substr(at, end - at), text, aliases);
     step.isAnywhere = isAnywhere;
+    if (m_steps.size() == kMostSteps) ThrowNoPath(text, "it has too many steps");
     m_steps.push_back(std::move(step));
     at = end;
   }
@@ -59,18 +62,18 @@ RecordPath::Step RecordPath::StepOf(std::string_view text, std::string const& pa
   return step;
 }
 
-bool RecordPath::Matches(std::size_t steps, std::vector<ElementName> const& open, std::size_t count) const {
-  if (steps == 0) return count == 0;
-  if (count < steps) return false;
-  Step const& step = m_steps[steps - 1];
-  ElementName const& name = open[count - 1];
-  if (!step.isAnyName && step.name.local != name.local) return false;
-  if (!step.isAnyNamespace && step.name.uri != name.uri) return false;
-  if (!step.isAnywhere) return Matches(steps - 1, open, count - 1);
-  for (std::size_t before = count; before-- > 0;) {
-    if (Matches(steps - 1, open, before)) return true;
+// Bit n of a state is set where the first n steps lead to the innermost element, or to an outer one if any number of
+// elements may follow.
+RecordPath::State RecordPath::Enter(State outside, ElementName const& name) const {
+  State inside = 0;
+  for (std::size_t i = 0; i < m_steps.size(); ++i) {
+    if ((outside >> i & 1) == 0) continue;
+    Step const& step = m_steps[i];
+    if (step.isAnywhere) inside |= State{1} << i;
+    bool const hasName = step.isAnyName || step.name.local == name.local;
+    if (hasName && (step.isAnyNamespace || step.name.uri == name.uri)) inside |= State{1} << (i + 1);
   }
-  return false;
+  return inside;
 }
 
 }  // namespace Quillon9

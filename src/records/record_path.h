@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,13 +18,21 @@ struct ElementName {
 /// Says which elements are records: `/orders/order`, `/o:orders/*`, `//{urn:o}order`.
 class RecordPath {
  public:
+  /// How far the names of the open elements, from the root on, follow the path.
+  using State = std::uint64_t;
+
   /// The prefixes of \p text stand for the namespaces that \p aliases gives them. A name without a prefix is that of
   /// elements in any namespace, `{}name` of those in none.
   /// \throws CQnInvalidParamException "The path [%s] is not a path of elements: %s".
   RecordPath(std::string const& text, CNamespaceAliasMap const& aliases);
 
-  /// Whether the innermost of \p open, the names of the open elements from the root on, is a record.
-  bool Matches(std::vector<ElementName> const& open) const { return Matches(m_steps.size(), open, open.size()); }
+  /// The state outside of the root.
+  static constexpr State kStart = 1;
+  /// The state inside of an element \p name whose parent has the state \p outside.
+  State Enter(State outside, ElementName const& name) const;
+  /// Whether the innermost element is a record.
+  bool IsRecord(State state) const { return (state >> m_steps.size() & 1) != 0; }
+  std::string const& Text() const { return m_text; }
 
  private:
   struct Step {
@@ -34,8 +43,8 @@ class RecordPath {
   };
 
   static Step StepOf(std::string_view text, std::string const& path, CNamespaceAliasMap const& aliases);
-  bool Matches(std::size_t steps, std::vector<ElementName> const& open, std::size_t count) const;
 
+  std::string m_text;
   std::vector<Step> m_steps;
 };
 

@@ -6,12 +6,6 @@
 
 namespace Quillon9 {
 
-std::string RecordPlace::PathOf(std::vector<ElementName> const& open) {
-  std::string path;
-  for (ElementName const& name : open) path += "/" + name.local;
-  return path;
-}
-
 CFailurePlace RecordPlace::At(TextPosition const& at, std::string path) {
   CFailurePlace place;
   place.SetOffset(static_cast<std::int64_t>(at.offset));
@@ -25,6 +19,11 @@ void RecordPlace::Set(CQnException& failure, CFailurePlace place) {
   CFailureDetail& detail = FailureAccess::DetailOf(failure);
   detail.place = std::move(place);
   detail.hasPlace = true;
+}
+
+void RecordPlace::SetPath(CQnException& failure, std::string path) {
+  CFailureDetail& detail = FailureAccess::DetailOf(failure);
+  if (detail.hasPlace) detail.place.SetPath(std::move(path));
 }
 
 }  // namespace Quillon9

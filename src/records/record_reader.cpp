@@ -1,6 +1,7 @@
 #include "quillon9/records/record_reader.h"
 
 #include <algorithm>
+#include <exception>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -11,10 +12,10 @@
 #include "descriptors/object_reading.h"
 #include "generated/bound_access.h"
 #include "quillon9/base/exceptions.h"
-#include "quillon9/xmlio/document.h"
 #include "records/octet_input.h"
+#include "records/record_opening.h"
 #include "records/record_path.h"
-#include "records/text_records.h"
+#include "records/record_stream.h"
 
 namespace Quillon9 {
 
@@ -59,33 +60,28 @@ class CXmlRecordReader::Work {
 
   void SetMaxRecordSize(std::size_t bytes) {
     if (m_stream != nullptr) ThrowBegun();
-    m_limits.mostRecord = std::min(bytes, kMostDocument);
+    m_limits.mostRecord = std::min(bytes, kMostRecord);
   }
 
   bool Advance(CXmlRecordReader& reader, bool holdsUtf8) {
+    if (m_end != nullptr) std::rethrow_exception(m_end);
     m_use = UseFor(holdsUtf8);
     Open();
     for (;;) {
-      m_isThere = false;
-      if (!NextElement()) return false;
-      m_isThere = true;
-      Handler const& handler = m_handlers[m_stream->Selection()];
-      if (!handler) break;
+      m_element = nullptr;
+      if (!NextPlace()) return false;
+      Handler const& handler = m_handlers[m_batch->Selection(m_record)];
+      if (!handler) ++m_count;
+      Load();
+      if (!handler) return true;
       handler(reader);
     }
-    ++m_count;
-    return true;
-  }
-
-  template <class Action>
-  auto WithPlaces(Action action) {
-    return ReadWithReport(m_ctx, m_stream->Places(), action);
   }
 
   CSmartPtr<CXmlObjectBase> Read(detail::RecordMaker make) {
     RequireRecord();
-    return WithPlaces([&] {
-      CSmartPtr<CXmlObjectBase> object = make(*m_stream->Element(m_use));
+    return ReadWithReport(m_ctx, m_batch->Places(), [&] {
+      CSmartPtr<CXmlObjectBase> object = make(*m_element);
       ReadPresent(*object);
       return object;
     });
@@ -93,20 +89,17 @@ class CXmlRecordReader::Work {
 
   void ReadInto(CXmlObjectBase& object) {
     RequireRecord();
-    WithPlaces([&] {
-      ReadPresent(object);
-      return true;
-    });
+    ReadWithReport(m_ctx, m_batch->Places(), [&] { ReadPresent(object); });
   }
 
-  CXmlElement const* Element() { return m_isThere ? m_stream->Element(m_use) : nullptr; }
-  std::size_t Selection() const { return m_isThere ? m_selections[m_stream->Selection()] : 0; }
+  CXmlElement const* Element() const { return m_element; }
+  std::size_t Selection() const { return m_batch != nullptr ? m_selections[m_batch->Selection(m_record)] : 0; }
   std::uint64_t Count() const { return m_count; }
-  CFailurePlace Place() const { return m_isThere ? m_stream->Place() : CFailurePlace(); }
+  CFailurePlace Place() const { return m_batch != nullptr ? m_batch->Place(m_record) : CFailurePlace(); }
   std::uint64_t InputOffset() const { return m_inputOffset; }
 
  private:
-  static constexpr std::size_t kMostDocument = 0xFFFF0000;
+  static constexpr std::size_t kMostRecord = 0xFFFF0000;
 
   Utf8Text::Use UseFor(bool holdsUtf8) const {
     if (holdsUtf8) return Utf8Text::Use::kCountingCharacters;
@@ -114,31 +107,48 @@ class CXmlRecordReader::Work {
   }
 
   void RequireRecord() const {
-    if (!m_isThere) throw CQnInvalidStateException("There is no record");
+    if (m_element == nullptr) throw CQnInvalidStateException("There is no record");
   }
 
   void Open() {
     if (m_stream != nullptr) return;
-    auto input = Decompressed(std::make_unique<CountedInput>(std::move(m_source.m_input), m_inputOffset));
-    m_stream = std::make_unique<TextRecords>(OpenUtf8(std::move(input)), m_paths, m_limits, m_ctx, m_source.m_path);
+    auto input = std::make_unique<CountedInput>(std::move(m_source.m_input), m_inputOffset);
+    m_stream = OpenRecords(std::move(input), m_paths, m_limits, m_ctx, m_source.m_path);
   }
 
-  bool NextElement() {
+  bool NextPlace() {
+    if (m_batch != nullptr && m_record + 1 < m_batch->Size()) {
+      ++m_record;
+      return true;
+    }
+    m_record = 0;
+    m_batch.reset();
     try {
-      return m_stream->Next(m_use);
-    } catch (CQnException const&) {
-      ++m_count;
+      m_batch = m_stream->Next(m_use);
+    } catch (...) {
+      m_end = std::current_exception();
+      throw;
+    }
+    return m_batch != nullptr;
+  }
+
+  void Load() {
+    try {
+      m_element = m_batch->Load(m_record, m_use);
+    } catch (...) {
+      if (m_batch->IsAtEnd()) m_end = std::current_exception();
       throw;
     }
   }
 
   void ReadPresent(CXmlObjectBase& object) {
-    Utf8Text::Scope const scope(TextUse(object, m_ctx));
-    CXmlElement const* const element = m_stream->Element(TextUse(object, m_ctx));
+    TextScope const scope(object, m_ctx);
+    Utf8Text::Use const use = TextUse(object, m_ctx);
+    if (use != m_use) m_element = m_batch->Load(m_record, m_use = use);
     try {
-      ReadObject(*element, object, m_ctx);
+      ReadObject(*m_element, object, m_ctx);
     } catch (CQnException& failure) {
-      FailureReport::Note(failure, {element});
+      FailureReport::Note(failure, {m_element});
       throw;
     }
   }
@@ -151,8 +161,11 @@ class CXmlRecordReader::Work {
   std::vector<std::size_t> m_selections;  // the numbers of those that select records
   std::size_t m_selectionCount = 0;
   std::unique_ptr<RecordStream> m_stream;
-  Utf8Text::Use m_use = Utf8Text::Use::kNo;  // of the present element
-  bool m_isThere = false;
+  std::unique_ptr<RecordBatch> m_batch;
+  std::size_t m_record = 0;                // of the batch
+  CXmlElement const* m_element = nullptr;  // the tree of that record
+  Utf8Text::Use m_use = Utf8Text::Use::kNo;
+  std::exception_ptr m_end;  // why there are no more records
   std::uint64_t m_count = 0;
   std::uint64_t m_inputOffset = 0;
 };

@@ -50,7 +50,7 @@ void RecordSkeleton::ThrowFailure(std::string_view text, TextPosition const& at)
   auto failure = OfKind(FailureKind_Parse,
                         CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(m_parser.get())),
                                                   static_cast<unsigned long>(place.line))));
-  RecordPlace::Set(failure, RecordPlace::At(place, RecordPlace::PathOf(m_open)));
+  RecordPlace::Set(failure, RecordPlace::At(place, {}));
   throw failure;
 }
 

@@ -4,6 +4,7 @@
 
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
+#include "records/record_place.h"
 
 namespace Quillon9 {
 
@@ -21,6 +22,11 @@ std::string Opened(std::string_view tag, Markup::Kind kind) {
 
 std::string EndTagOf(std::string const& name) { return "</" + name + ">"; }
 
+void AddStep(std::string& path, std::string const& name, std::uint64_t number) {
+  path += "/" + name;
+  if (number > 1) path += "[" + std::to_string(number) + "]";
+}
+
 }  // namespace
 
 std::string_view RecordChunk::TextOf(std::size_t record) const {
@@ -35,9 +41,14 @@ std::string RecordChunk::Document(std::size_t record) const {
   return document;
 }
 
-RecordSplitter::RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize,
-                               std::size_t mostRecord)
-    : m_window(window), m_paths(std::move(paths)), m_chunkSize(chunkSize), m_mostRecord(mostRecord) {}
+std::string RecordChunk::PathOf(RecordSpan const& record) const {
+  std::string path = ancestors->path;
+  AddStep(path, record.name, record.number);
+  return path;
+}
+
+RecordSplitter::RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize)
+    : m_window(window), m_paths(std::move(paths)), m_chunkSize(chunkSize) {}
 
 std::optional<RecordChunk> RecordSplitter::Next() {
   if (m_failure != nullptr) std::rethrow_exception(m_failure);
@@ -45,15 +56,18 @@ std::optional<RecordChunk> RecordSplitter::Next() {
   m_isChunkDone = false;
   try {
     while (!m_isChunkDone && !m_isAtEnd) Step(chunk);
+  } catch (CQnException& failure) {
+    RecordPlace::SetPath(failure, PathOfLevels());
+    m_failure = std::current_exception();
   } catch (...) {
     m_failure = std::current_exception();
-    if (chunk.records.empty()) throw;
   }
-  if (chunk.records.empty()) return std::nullopt;
-  return chunk;
+  if (!chunk.records.empty()) return chunk;
+  if (m_failure != nullptr) std::rethrow_exception(m_failure);
+  return std::nullopt;
 }
 
-// Go on by one piece of markup with the text in front of it.
+// Go on by one piece of markup or by the text in front of it.
 void RecordSplitter::Step(RecordChunk& chunk) {
   if (!m_window.Has(0)) {
     m_isAtEnd = true;
@@ -61,10 +75,14 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   }
   std::size_t const at = m_window.Text(0, m_window.Size()).find('<');
   if (at != 0) return PassText(at != std::string_view::npos ? at : m_window.Size());
-  Markup const markup = ReadMarkup(m_window, 0);
+  Markup markup;
+  try {
+    markup = ReadMarkup(m_window, 0);
+  } catch (TextWindow::Full const&) {
+    ThrowMarkupTooLarge();
+  }
   if (markup.end == kNone) return PassText(m_window.Size());
-  bool const isTag = markup.kind == Markup::Kind::kStartTag || markup.kind == Markup::Kind::kEmptyTag;
-  if (isTag) return StartElement(chunk, markup);
+  if (markup.IsStart()) return StartElement(chunk, markup);
   if (markup.kind == Markup::Kind::kEndTag && !chunk.records.empty()) {
     m_isChunkDone = true;
     return;
@@ -74,7 +92,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
 
 void RecordSplitter::PassText(std::size_t end) {
   m_skeleton.Feed(m_window.Text(0, end), m_window.Start());
-  Drop(end);
+  m_window.Drop(end);
 }
 
 void RecordSplitter::PassMarkup(Markup const& markup) {
@@ -85,81 +103,82 @@ void RecordSplitter::PassMarkup(Markup const& markup) {
     m_levels.pop_back();
     m_ancestors.reset();
   }
-  Drop(markup.end);
+  m_window.Drop(markup.end);
 }
 
 void RecordSplitter::StartElement(RecordChunk& chunk, Markup const& tag) {
-  std::size_t const nameEnd = EndOfName(m_window, 1);
-  std::string name(m_window.Text(1, nameEnd));
-  std::string startTag = Opened(m_window.Text(0, tag.end), tag.kind);
-  m_skeleton.Feed(startTag, m_window.Start(), 1);
-  std::uint64_t const number = CountChild(name);
-  if (std::optional<std::size_t> const selection = SelectionOfInnermost()) {
+  Level level;
+  level.name = m_window.Text(1, EndOfName(m_window, 1));
+  level.startTag = Opened(m_window.Text(0, tag.end), tag.kind);
+  m_skeleton.Feed(level.startTag, m_window.Start(), 1);
+  level.number = CountChild(level.name);
+  level.states = StatesOfInnermost();
+  if (std::optional<std::size_t> const selection = SelectionOf(level.states)) {
     RecordSpan span;
     span.at = m_window.Start();
-    span.name = std::move(name);
-    span.number = number;
+    span.name = std::move(level.name);
+    span.number = level.number;
     span.selection = *selection;
     return AddRecord(chunk, tag, std::move(span));
   }
-  if (tag.kind == Markup::Kind::kEmptyTag) {
-    m_skeleton.Feed(EndTagOf(name), m_window.Start());
-  } else {
-    m_levels.push_back({std::move(startTag), std::move(name), number, {}});
-    m_ancestors.reset();
-    m_isChunkDone = !chunk.records.empty();
-  }
-  Drop(tag.end);
+  // The records of a chunk have the same ancestors, and they are siblings in a row.
+  m_isChunkDone = !chunk.records.empty() && tag.kind != Markup::Kind::kEmptyTag;
+  StartLevel(tag, std::move(level));
 }
 
-void RecordSplitter::AddRecord(RecordChunk& chunk, Markup const& tag, RecordSpan span) {
-  RecordAncestors const& ancestors = Ancestors(chunk);
-  ElementExtent const extent = ReadExtent(m_window, 0, tag, m_mostRecord);
-  if (chunk.text.empty()) chunk.text = ancestors.startTags;
-  span.start = chunk.text.size();
-  span.isTooLarge = extent.end > m_mostRecord;
-  span.isWhole = extent.isWhole;
-  if (!span.isTooLarge) chunk.text += m_window.Text(0, extent.end);
-  // A record that is not whole ends the document, but the failure of its own text says why.
-  if (span.isTooLarge && !extent.isWhole) {
-    SkipRest(extent.end);
+void RecordSplitter::StartLevel(Markup const& tag, Level level) {
+  if (tag.kind == Markup::Kind::kEmptyTag) {
+    m_skeleton.Feed(EndTagOf(level.name), m_window.Start());
   } else {
-    if (!extent.isWhole) m_isAtEnd = true;
-    Drop(extent.end);
+    m_levels.push_back(std::move(level));
+    m_ancestors.reset();
   }
-  m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
+  m_window.Drop(tag.end);
+}
+
+// A record that is not whole ends the document, and the failure of loading it says why.
+void RecordSplitter::AddRecord(RecordChunk& chunk, Markup const& tag, RecordSpan span) {
+  if (chunk.ancestors == nullptr) {
+    chunk.ancestors = Ancestors();
+    chunk.text = chunk.ancestors->startTags;
+  }
+  span.start = chunk.text.size();
+  try {
+    ElementExtent const extent = ReadExtent(m_window, 0, tag);
+    span.isWhole = extent.isWhole;
+    chunk.text += m_window.Text(0, extent.end);
+    m_window.Drop(extent.end);
+  } catch (TextWindow::Full const&) {
+    span.isTooLarge = true;
+    span.isWhole = SkipElement(m_window);
+  }
+  if (span.isWhole) {
+    m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
+  } else {
+    m_isAtEnd = true;
+  }
   chunk.records.push_back(std::move(span));
   if (chunk.text.size() >= m_chunkSize || m_isAtEnd) m_isChunkDone = true;
 }
 
-// Pass over the rest of a record without keeping it. The window begins at its start tag.
-void RecordSplitter::SkipRest(std::size_t at) {
-  std::size_t depth = 0;
-  static_cast<void>(at);
-  for (;;) {
-    std::size_t const next = m_window.Has(0) ? m_window.Text(0, m_window.Size()).find('<') : kNone;
-    if (next == std::string_view::npos && m_window.Has(0)) {
-      Drop(m_window.Size());
-      continue;
-    }
-    if (!m_window.Has(0)) return;
-    Drop(next);
-    Markup const markup = ReadMarkup(m_window, 0);
-    if (markup.end == kNone) return Drop(m_window.Size());
-    if (markup.kind == Markup::Kind::kStartTag) ++depth;
-    if (markup.kind == Markup::Kind::kEndTag) --depth;
-    Drop(markup.end);
-    if (depth == 0) return;
+std::vector<RecordPath::State> RecordSplitter::StatesOfInnermost() const {
+  std::vector<RecordPath::State> states;
+  ElementName const& name = m_skeleton.Open().back();
+  for (std::size_t i = 0; i < m_paths.size(); ++i) {
+    RecordPath::State const outside = m_levels.empty() ? RecordPath::kStart : m_levels.back().states[i];
+    states.push_back(m_paths[i].Enter(outside, name));
   }
+  return states;
 }
 
-std::optional<std::size_t> RecordSplitter::SelectionOfInnermost() const {
+std::optional<std::size_t> RecordSplitter::SelectionOf(std::vector<RecordPath::State> const& states) const {
   for (std::size_t i = 0; i < m_paths.size(); ++i) {
-    if (m_paths[i].Matches(m_skeleton.Open())) return i;
+    if (m_paths[i].IsRecord(states[i])) return i;
   }
   return std::nullopt;
 }
 
+// The children of an element can have any number of names, so that some are not counted.
 std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   if (m_levels.empty()) return 1;
   auto& children = m_levels.back().children;
@@ -170,21 +189,31 @@ std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   return 1;
 }
 
-RecordAncestors const& RecordSplitter::Ancestors(RecordChunk& chunk) {
-  if (m_ancestors == nullptr) {
-    auto made = std::make_shared<RecordAncestors>();
-    made->startTags = m_documentType;
-    made->depth = m_levels.size();
-    for (Level const& level : m_levels) {
-      made->startTags += level.startTag;
-      made->endTags.insert(0, EndTagOf(level.name));
-      made->path += "/" + level.name;
-      if (level.number > 1) made->path += "[" + std::to_string(level.number) + "]";
-    }
-    m_ancestors = std::move(made);
+std::string RecordSplitter::PathOfLevels() const {
+  std::string path;
+  for (Level const& level : m_levels) AddStep(path, level.name, level.number);
+  return path;
+}
+
+std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
+  if (m_ancestors != nullptr) return m_ancestors;
+  auto made = std::make_shared<RecordAncestors>();
+  made->startTags = m_documentType;
+  made->depth = m_levels.size();
+  made->path = PathOfLevels();
+  for (Level const& level : m_levels) {
+    made->startTags += level.startTag;
+    made->endTags.insert(0, EndTagOf(level.name));
   }
-  if (chunk.ancestors == nullptr) chunk.ancestors = m_ancestors;
-  return *m_ancestors;
+  m_ancestors = std::move(made);
+  return m_ancestors;
+}
+
+void RecordSplitter::ThrowMarkupTooLarge() const {
+  auto failure = OfKind(FailureKind_Limit,
+                        CQnException(FormatString("The markup exceeds the limit of %zu bytes", m_window.Most())));
+  RecordPlace::Set(failure, RecordPlace::At(m_window.Start(), {}));
+  throw failure;
 }
 
 }  // namespace Quillon9

@@ -33,7 +33,7 @@ struct RecordSpan {
   std::uint64_t number = 0;   ///< among its siblings of this name, from 1; 0 if unknown
   std::size_t selection = 0;  ///< which of the paths it matches
   bool isWhole = true;        ///< its end tag is there
-  bool isTooLarge = false;    ///< it was skipped
+  bool isTooLarge = false;    ///< it was passed over, so that its text is not here
 };
 
 /// Records that are children of one element, as a document: the tags around them, the records, and the end tags.
@@ -44,22 +44,25 @@ struct RecordChunk {
 
   /// The text of one of the records.
   std::string_view TextOf(std::size_t record) const;
-  /// A document with all records, or with \p record only.
-  ///@{
+  /// A document with all records.
   std::string Document() const { return text + ancestors->endTags; }
+  /// A document with one of the records.
   std::string Document(std::size_t record) const;
-  ///@}
+  /// Where a record is in the tree of the whole document.
+  std::string PathOf(RecordSpan const& record) const;
 };
 
 /// Divides a document into chunks of records. What is not part of a record is checked and passed over.
 class RecordSplitter {
  public:
-  /// \p window begins at the start of the document, and is borrowed. A record of more than \p mostRecord bytes is too
-  /// large.
-  RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize, std::size_t mostRecord);
+  /// \p window begins at the start of the document, and is borrowed. Records that do not fit in it are too large.
+  /// Records are put together until they have \p chunkSize bytes.
+  RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
 
-  /// The next records; nothing at the end of the document. After a failure there are no more.
-  /// \throws what RecordSkeleton throws, after the records in front of the fault have been returned.
+  /// The next records; nothing at the end of the document.
+  /// \throws what RecordSkeleton and the window throw, after the records in front of the fault have been returned, and
+  ///         then at every call; CQnException "The markup exceeds the limit of %zu bytes" for a tag, comment or the like
+  ///         outside of records that does not fit in the window.
   std::optional<RecordChunk> Next();
 
  private:
@@ -67,6 +70,7 @@ class RecordSplitter {
     std::string startTag;
     std::string name;  // as spelled
     std::uint64_t number = 0;
+    std::vector<RecordPath::State> states;                       // one for each path
     std::map<std::string, std::uint64_t, std::less<>> children;  // how many of each name there have been
   };
 
@@ -74,17 +78,18 @@ class RecordSplitter {
   void PassText(std::size_t end);
   void PassMarkup(Markup const& markup);
   void StartElement(RecordChunk& chunk, Markup const& tag);
+  void StartLevel(Markup const& tag, Level level);
   void AddRecord(RecordChunk& chunk, Markup const& tag, RecordSpan span);
-  void SkipRest(std::size_t at);
-  std::optional<std::size_t> SelectionOfInnermost() const;
+  std::vector<RecordPath::State> StatesOfInnermost() const;
+  std::optional<std::size_t> SelectionOf(std::vector<RecordPath::State> const& states) const;
   std::uint64_t CountChild(std::string const& name);
-  RecordAncestors const& Ancestors(RecordChunk& chunk);
-  void Drop(std::size_t count) { m_window.Drop(count); }
+  std::string PathOfLevels() const;
+  std::shared_ptr<RecordAncestors const> const& Ancestors();
+  [[noreturn]] void ThrowMarkupTooLarge() const;
 
   TextWindow& m_window;
   std::vector<RecordPath> m_paths;
   std::size_t m_chunkSize;
-  std::size_t m_mostRecord;
   RecordSkeleton m_skeleton;
   std::string m_documentType;
   std::vector<Level> m_levels;

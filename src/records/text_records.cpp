@@ -144,11 +144,21 @@ void TextBatch::ThrowTooLarge(std::size_t record) const {
 
 // ---- TextRecords
 
+namespace {
+
+TextPosition StartAt(std::size_t offset) {
+  TextPosition start;
+  start.offset = offset;
+  return start;
+}
+
+}  // namespace
+
 TextRecords::TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
                          CXmlSerializationContext const& ctx, std::string const& file)
     : m_input(std::move(document)),
       m_shared{ctx, file, limits, !m_input.isConverted},
-      m_window(*m_input.input, m_input.markSize, limits.mostRecord),
+      m_window(*m_input.input, StartAt(m_input.markSize), limits.mostRecord),
       m_splitter(m_window, std::move(paths), limits.batchSize) {}
 
 TextRecords::~TextRecords() = default;

@@ -27,18 +27,24 @@ class TextWindow {
  public:
   static constexpr std::size_t kNone = ~std::size_t{0};
 
-  /// \p input delivers UTF-8 from \p offset of the document on, and is borrowed.
-  TextWindow(OctetInput& input, std::size_t offset) : m_input(input) { m_start.offset = offset; }
+  /// What a window throws that would have to become larger than it may be.
+  struct Full {};
 
+  /// \p input delivers UTF-8 from \p start of the document on, and is borrowed. The window has not much more than \p most
+  /// bytes at any time.
+  TextWindow(OctetInput& input, TextPosition const& start, std::size_t most)
+      : m_input(input), m_most(most), m_start(start) {}
+
+  std::size_t Most() const { return m_most; }
   /// Return whether there is a byte at \p at, after reading as much as that takes.
+  /// \throws Full; what the input throws.
   bool Has(std::size_t at) { return at < Size() || Fill(at); }
   char At(std::size_t at) const { return m_bytes[m_first + at]; }
   /// What has been read from \p from on, up to \p to.
   std::string_view Text(std::size_t from, std::size_t to) const { return {m_bytes.data() + m_first + from, to - from}; }
   /// How much has been read.
   std::size_t Size() const { return m_last - m_first; }
-  /// Where \p wanted begins from \p from on; kNone if the text ends before. A long search does not look at any byte
-  /// more than twice.
+  /// Where \p wanted begins from \p from on; kNone if the text ends before. A long search looks at each byte about once.
   std::size_t Find(std::string_view wanted, std::size_t from);
 
   /// Drop the first \p count bytes, which have been read.
@@ -50,6 +56,7 @@ class TextWindow {
   bool Fill(std::size_t at);
 
   OctetInput& m_input;
+  std::size_t m_most;
   std::vector<char> m_bytes;
   std::size_t m_first = 0;
   std::size_t m_last = 0;
