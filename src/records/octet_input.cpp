@@ -104,7 +104,7 @@ class InflatingInput final : public OctetInput {
         if (m_isInside) ThrowBadCompression();
         return 0;
       }
-      Inflate();
+      if (!Inflate()) return 0;
     }
     return wanted - m_stream.avail_out;
   }
@@ -118,22 +118,28 @@ class InflatingInput final : public OctetInput {
     return m_stream.avail_in != 0;
   }
 
-  void Inflate() {
+  /// False at the end: octets that follow compressed data and are none themselves are ignored.
+  bool Inflate() {
     m_isInside = true;
     int const result = inflate(&m_stream, Z_NO_FLUSH);
     if (result == Z_MEM_ERROR) throw std::bad_alloc();
     if (result == Z_STREAM_END) {
       m_isInside = false;
+      m_hasEnded = true;
       inflateReset(&m_stream);
     } else if (result != Z_OK && result != Z_BUF_ERROR) {
-      ThrowBadCompression();
+      if (!m_hasEnded || m_stream.total_out != 0) ThrowBadCompression();
+      m_isInside = false;
+      return false;
     }
+    return true;
   }
 
   std::unique_ptr<OctetInput> m_input;
   std::vector<char> m_block;
   z_stream m_stream{};
-  bool m_isInside = true;  // of a stream that has not ended
+  bool m_isInside = true;   // of a stream that has not ended
+  bool m_hasEnded = false;  // a first one has
 };
 
 /// Keeps alive what it looks at.

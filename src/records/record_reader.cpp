@@ -2,17 +2,20 @@
 
 #include <algorithm>
 #include <exception>
+#include <mutex>
 #include <optional>
+#include <thread>
 #include <utility>
 #include <vector>
 
 #include "base/failure_detail.h"
-#include "binding/reported_read.h"
-#include "binding/text_scope.h"
-#include "descriptors/object_reading.h"
+#include "binding/failure_report.h"
 #include "generated/bound_access.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/xmlio/document.h"
 #include "records/octet_input.h"
+#include "records/parallel_read.h"
+#include "records/present_record.h"
 #include "records/record_opening.h"
 #include "records/record_path.h"
 #include "records/record_stream.h"
@@ -43,56 +46,100 @@ class CountedInput final : public OctetInput {
   std::uint64_t& m_count;
 };
 
+/// Passes failures on, one at a time.
+class LockedSink final : public IFailureSink {
+ public:
+  explicit LockedSink(IFailureSink& sink) : m_sink(sink) {}
+
+  bool OnFailure(CFailure const& failure) override {
+    std::lock_guard<std::mutex> const lock(m_mutex);
+    return m_sink.OnFailure(failure);
+  }
+
+ private:
+  IFailureSink& m_sink;
+  std::mutex m_mutex;
+};
+
+/// Knows the file only.
+class NoPlaces final : public PlaceFinder {
+ public:
+  explicit NoPlaces(std::string const& file) : m_file(file) {}
+
+  CFailurePlace Find(FailurePoint const&) override {
+    CFailurePlace place;
+    place.SetFile(m_file);
+    return place;
+  }
+  bool HasPositionsOf(CXmlElement const*) override { return false; }
+
+ private:
+  std::string const& m_file;
+};
+
 }  // namespace
 
 class CXmlRecordReader::Work {
  public:
   using Handler = std::function<void(CXmlRecordReader&)>;
 
-  Work(CRecordSource source, CXmlSerializationContext const& ctx) : m_source(std::move(source)), m_ctx(ctx) {}
+  Work(CRecordSource source, CXmlSerializationContext const& ctx) : m_source(std::move(source)), m_ctx(ctx) {
+    if (ctx.GetFailureSink() == nullptr) return;
+    m_sink.emplace(*ctx.GetFailureSink());
+    m_ctx.SetFailureSink(&*m_sink);
+  }
 
   void Select(std::string const& path, Handler handler) {
-    if (m_stream != nullptr) ThrowBegun();
+    RequireStart();
     m_paths.emplace_back(path, *m_ctx.GetNamespaceAliases());
+    m_isRecord.push_back(!handler);
     m_selections.push_back(handler ? 0 : m_selectionCount++);
     m_handlers.push_back(std::move(handler));
   }
 
   void SetMaxRecordSize(std::size_t bytes) {
-    if (m_stream != nullptr) ThrowBegun();
+    RequireStart();
     m_limits.mostRecord = std::min(bytes, kMostRecord);
   }
 
   bool Advance(CXmlRecordReader& reader, bool holdsUtf8) {
     if (m_end != nullptr) std::rethrow_exception(m_end);
-    m_use = UseFor(holdsUtf8);
-    Open();
-    for (;;) {
-      m_element = nullptr;
-      if (!NextPlace()) return false;
-      Handler const& handler = m_handlers[m_batch->Selection(m_record)];
-      if (!handler) ++m_count;
-      Load();
-      if (!handler) return true;
-      handler(reader);
+    Utf8Text::Use const use = UseFor(holdsUtf8);
+    do {
+      m_present = {};
+      if (!NextPlace(use)) return false;
+    } while (RunHandler(reader, use));
+    ++m_count;
+    Load(use);
+    return true;
+  }
+
+  std::uint64_t ForEach(CXmlRecordReader& reader, unsigned threads, RecordOrder order, bool holdsUtf8,
+                        detail::RecordMaker make, detail::RecordTask const& task) {
+    if (m_end != nullptr) std::rethrow_exception(m_end);
+    std::uint64_t const before = m_count;
+    Utf8Text::Use const use = UseFor(holdsUtf8);
+    try {
+      ParallelRead read({m_ctx, use, order, make, task, m_isRecord}, ThreadsFor(threads));
+      AddBatches(reader, use, read.Workers());
+    } catch (...) {
+      m_end = std::current_exception();
+      throw;
     }
+    return m_count - before;
   }
 
   CSmartPtr<CXmlObjectBase> Read(detail::RecordMaker make) {
     RequireRecord();
-    return ReadWithReport(m_ctx, m_batch->Places(), [&] {
-      CSmartPtr<CXmlObjectBase> object = make(*m_element);
-      ReadPresent(*object);
-      return object;
-    });
+    return m_present.Read(make, m_ctx);
   }
 
   void ReadInto(CXmlObjectBase& object) {
     RequireRecord();
-    ReadWithReport(m_ctx, m_batch->Places(), [&] { ReadPresent(object); });
+    m_present.ReadInto(object, m_ctx);
   }
 
-  CXmlElement const* Element() const { return m_element; }
+  CXmlElement const* Element() const { return m_present.Element(); }
   std::size_t Selection() const { return m_batch != nullptr ? m_selections[m_batch->Selection(m_record)] : 0; }
   std::uint64_t Count() const { return m_count; }
   CFailurePlace Place() const { return m_batch != nullptr ? m_batch->Place(m_record) : CFailurePlace(); }
@@ -106,8 +153,12 @@ class CXmlRecordReader::Work {
     return m_ctx.GetTextEncoding() == TextEncoding_UTF8 ? Utf8Text::Use::kYes : Utf8Text::Use::kNo;
   }
 
+  void RequireStart() const {
+    if (m_stream != nullptr || m_end != nullptr) ThrowBegun();
+  }
+
   void RequireRecord() const {
-    if (m_element == nullptr) throw CQnInvalidStateException("There is no record");
+    if (m_present.Element() == nullptr) throw CQnInvalidStateException("There is no record");
   }
 
   void Open() {
@@ -116,56 +167,99 @@ class CXmlRecordReader::Work {
     m_stream = OpenRecords(std::move(input), m_paths, m_limits, m_ctx, m_source.m_path);
   }
 
-  bool NextPlace() {
+  /// Go to the next element that a path selects; false at the end.
+  bool NextPlace(Utf8Text::Use use) {
     if (m_batch != nullptr && m_record + 1 < m_batch->Size()) {
       ++m_record;
       return true;
     }
+    if (m_isAtEnd) return false;
     m_record = 0;
     m_batch.reset();
     try {
-      m_batch = m_stream->Next(m_use);
+      Open();
+      m_batch = m_stream->Next(use);
     } catch (...) {
       m_end = std::current_exception();
       throw;
     }
-    return m_batch != nullptr;
+    m_isAtEnd = m_batch == nullptr;
+    if (m_isAtEnd) RemarkOnNothing();
+    return !m_isAtEnd;
   }
 
-  void Load() {
+  void Load(Utf8Text::Use use) {
     try {
-      m_element = m_batch->Load(m_record, m_use);
+      m_present = PresentRecord(*m_batch, m_record, use);
     } catch (...) {
       if (m_batch->IsAtEnd()) m_end = std::current_exception();
       throw;
     }
   }
 
-  void ReadPresent(CXmlObjectBase& object) {
-    TextScope const scope(object, m_ctx);
-    Utf8Text::Use const use = TextUse(object, m_ctx);
-    if (use != m_use) m_element = m_batch->Load(m_record, m_use = use);
-    try {
-      ReadObject(*m_element, object, m_ctx);
-    } catch (CQnException& failure) {
-      FailureReport::Note(failure, {m_element});
-      throw;
+  /// False if the present element is a record.
+  bool RunHandler(CXmlRecordReader& reader, Utf8Text::Use use) {
+    std::size_t const path = m_batch->Selection(m_record);
+    if (m_isRecord[path]) return false;
+    Load(use);
+    m_handlers[path](reader);
+    return true;
+  }
+
+  /// If not even one record was there, that is worth a remark.
+  void RemarkOnNothing() const {
+    if (m_count != 0) return;
+    NoPlaces places(m_source.m_path);
+    FailureReport const report(m_ctx, places);
+    for (std::size_t i = 0; i < m_paths.size(); ++i) {
+      if (!m_isRecord[i]) continue;
+      FailureReport::Remark(m_ctx, FailureKind_NoRecord, {nullptr},
+                            FormatString("No element matches the path [%s]", m_paths[i].Text().c_str()));
     }
   }
 
+  static unsigned ThreadsFor(unsigned threads) {
+    return threads != 0 ? threads : std::max(std::thread::hardware_concurrency(), 1U);
+  }
+
+  // A failure of the document comes after those of the records in front of it.
+  void AddBatches(CXmlRecordReader& reader, Utf8Text::Use use, RecordWorkers& workers) {
+    std::exception_ptr end;
+    try {
+      while (NextPlace(use) && AddBatch(reader, use, workers)) {
+      }
+    } catch (...) {
+      end = std::current_exception();
+    }
+    workers.Finish();
+    if (end != nullptr) std::rethrow_exception(end);
+  }
+
+  // One thread at a time uses a batch, so that the elements between the records are read first.
+  bool AddBatch(CXmlRecordReader& reader, Utf8Text::Use use, RecordWorkers& workers) {
+    std::size_t const first = m_record;
+    for (; m_record < m_batch->Size(); ++m_record) {
+      if (!RunHandler(reader, use)) ++m_count;
+    }
+    m_present = {};
+    return workers.Add(std::move(m_batch), first);
+  }
+
   CRecordSource m_source;
-  CXmlSerializationContext const& m_ctx;
+  CXmlSerializationContext m_ctx;
+  std::optional<LockedSink> m_sink;
   RecordLimits m_limits;
   std::vector<RecordPath> m_paths;
   std::vector<Handler> m_handlers;        // one for each path; empty for records
-  std::vector<std::size_t> m_selections;  // the numbers of those that select records
+  std::vector<bool> m_isRecord;           // one for each path
+  std::vector<std::size_t> m_selections;  // the numbers of the paths of records
   std::size_t m_selectionCount = 0;
   std::unique_ptr<RecordStream> m_stream;
   std::unique_ptr<RecordBatch> m_batch;
-  std::size_t m_record = 0;                // of the batch
-  CXmlElement const* m_element = nullptr;  // the tree of that record
-  Utf8Text::Use m_use = Utf8Text::Use::kNo;
-  std::exception_ptr m_end;  // why there are no more records
+  std::size_t m_record = 0;  // of the batch
+  PresentRecord m_present;
+  bool m_isAtEnd = false;
+  std::exception_ptr m_end;  // the failure that every call throws
   std::uint64_t m_count = 0;
   std::uint64_t m_inputOffset = 0;
 };
@@ -187,6 +281,11 @@ void CXmlRecordReader::SetMaxRecordSize(std::size_t bytes) { m_work->SetMaxRecor
 bool CXmlRecordReader::Advance(bool holdsUtf8) { return m_work->Advance(*this, holdsUtf8); }
 
 CSmartPtr<CXmlObjectBase> CXmlRecordReader::ReadPresent(detail::RecordMaker make) { return m_work->Read(make); }
+
+std::uint64_t CXmlRecordReader::ForEach(unsigned threads, RecordOrder order, bool holdsUtf8, detail::RecordMaker make,
+                                        detail::RecordTask const& task) {
+  return m_work->ForEach(*this, threads, order, holdsUtf8, make, task);
+}
 
 void CXmlRecordReader::ReadInto(CXmlObjectBase& object) { m_work->ReadInto(object); }
 

@@ -26,6 +26,7 @@ RecordSkeleton::RecordSkeleton() {
   if (m_parser == nullptr) throw std::bad_alloc();
   XML_SetUserData(m_parser.get(), this);
   XML_SetElementHandler(m_parser.get(), FnStartElement, FnEndElement);
+  XML_SetXmlDeclHandler(m_parser.get(), FnXmlDeclaration);
   XML_SetStartDoctypeDeclHandler(m_parser.get(), FnStartDocumentType);
 }
 
@@ -72,6 +73,10 @@ void RecordSkeleton::FnStartElement(void* self, XML_Char const* name, XML_Char c
 
 void RecordSkeleton::FnEndElement(void* self, XML_Char const*) {
   Guarded(self, [](RecordSkeleton& skeleton) { skeleton.m_open.pop_back(); });
+}
+
+void RecordSkeleton::FnXmlDeclaration(void* self, XML_Char const*, XML_Char const*, int standalone) {
+  static_cast<RecordSkeleton*>(self)->m_isStandalone = standalone == 1;
 }
 
 void RecordSkeleton::FnStartDocumentType(void* self, XML_Char const*, XML_Char const*, XML_Char const*, int) {

@@ -29,10 +29,12 @@ class RecordSkeleton {
   ///         elements in an entity, which cannot be read as records"; as CXmlDocument does for a document type
   ///         declaration that is not allowed, and for nesting beyond the limit.
   void Feed(std::string_view text, TextPosition const& at, std::size_t tags = 0) { Parse(text, at, tags, false); }
-  /// The document ends at \p at.
+  /// Parse \p text, with which the document ends.
   /// \throws as Feed() does.
-  void Finish(TextPosition const& at) { Parse({}, at, 0, true); }
+  void Finish(std::string_view text, TextPosition const& at) { Parse(text, at, 0, true); }
 
+  /// Whether the XML declaration says that the document stands alone.
+  bool IsStandalone() const { return m_isStandalone; }
   /// The names of the open elements, from the root on.
   std::vector<ElementName> const& Open() const { return m_open; }
 
@@ -45,6 +47,7 @@ class RecordSkeleton {
   static void Guarded(void* self, Action action) noexcept;
   static void XMLCALL FnStartElement(void* self, XML_Char const* name, XML_Char const** attributes);
   static void XMLCALL FnEndElement(void* self, XML_Char const* name);
+  static void XMLCALL FnXmlDeclaration(void* self, XML_Char const* version, XML_Char const* encoding, int standalone);
   static void XMLCALL FnStartDocumentType(void* self, XML_Char const* name, XML_Char const* systemId,
                                           XML_Char const* publicId, int hasInternalSubset);
   void Parse(std::string_view text, TextPosition const& at, std::size_t tags, bool isFinal);
@@ -54,6 +57,7 @@ class RecordSkeleton {
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
   std::vector<ElementName> m_open;
+  bool m_isStandalone = false;
   std::int64_t m_fed = 0;
   std::size_t m_started = 0;  // by the present text
 };

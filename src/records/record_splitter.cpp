@@ -11,6 +11,7 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::size_t kNone = TextWindow::kNone;
+constexpr char kStandalone[] = R"(<?xml version="1.0" standalone="yes"?>)";
 constexpr std::size_t kMostNames = 1000;  // of children that are counted
 
 /// A start tag as one that has content.
@@ -69,10 +70,7 @@ std::optional<RecordChunk> RecordSplitter::Next() {
 
 // Go on by one piece of markup or by the text in front of it.
 void RecordSplitter::Step(RecordChunk& chunk) {
-  if (!m_window.Has(0)) {
-    m_isAtEnd = true;
-    return m_skeleton.Finish(m_window.Start());
-  }
+  if (!m_window.Has(0)) return PassRest();
   std::size_t const at = m_window.Text(0, m_window.Size()).find('<');
   if (at != 0) return PassText(at != std::string_view::npos ? at : m_window.Size());
   Markup markup;
@@ -81,13 +79,18 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   } catch (TextWindow::Full const&) {
     ThrowMarkupTooLarge();
   }
-  if (markup.end == kNone) return PassText(m_window.Size());
+  if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
   if (markup.kind == Markup::Kind::kEndTag && !chunk.records.empty()) {
     m_isChunkDone = true;
     return;
   }
   PassMarkup(markup);
+}
+
+void RecordSplitter::PassRest() {
+  m_isAtEnd = true;
+  m_skeleton.Finish(m_window.Text(0, m_window.Size()), m_window.Start());
 }
 
 void RecordSplitter::PassText(std::size_t end) {
@@ -198,7 +201,8 @@ std::string RecordSplitter::PathOfLevels() const {
 std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   if (m_ancestors != nullptr) return m_ancestors;
   auto made = std::make_shared<RecordAncestors>();
-  made->startTags = m_documentType;
+  if (m_skeleton.IsStandalone()) made->startTags = kStandalone;
+  made->startTags += m_documentType;
   made->depth = m_levels.size();
   made->path = PathOfLevels();
   for (Level const& level : m_levels) {

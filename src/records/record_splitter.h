@@ -19,7 +19,7 @@ namespace Quillon9 {
 
 /// What stands around a record.
 struct RecordAncestors {
-  std::string startTags;  ///< with the document type declaration in front of them, as they are in the document
+  std::string startTags;  ///< with the document type declaration, as they are in the document
   std::string endTags;
   std::string path;  ///< with the numbers of the elements among their siblings of the same name
   std::size_t depth = 0;
@@ -75,6 +75,7 @@ class RecordSplitter {
   };
 
   void Step(RecordChunk& chunk);
+  void PassRest();
   void PassText(std::size_t end);
   void PassMarkup(Markup const& markup);
   void StartElement(RecordChunk& chunk, Markup const& tag);

@@ -26,8 +26,8 @@ class RecordBatch {
   virtual std::size_t Selection(std::size_t record) const = 0;
   /// Where \p record begins.
   virtual CFailurePlace Place(std::size_t record) const = 0;
-  /// The tree of \p record, which does not stand in front of the one of the last call, with text that is held as \p use
-  /// says. It lives until the next call.
+  /// The tree of \p record, with text that is held as \p use says. It lives until the next call. It is quickest to ask
+  /// for one record after the other.
   /// \throws CQnException for a record that cannot be loaded.
   virtual CXmlElement const* Load(std::size_t record, Utf8Text::Use use) = 0;
   /// Whether a document that is not well-formed was the reason why the last Load() threw, so that there are no more

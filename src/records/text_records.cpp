@@ -33,8 +33,9 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
   } catch (CQnException& failure) {
     ThrowCorrected(failure);
   }
-  m_cursor = m_document.GetDocumentElement();
-  for (std::size_t depth = 0; depth < chunk.ancestors->depth; ++depth) m_cursor = m_cursor->GetFirstElement();
+  m_first = m_document.GetDocumentElement();
+  for (std::size_t depth = 0; depth < chunk.ancestors->depth; ++depth) m_first = m_first->GetFirstElement();
+  m_cursor = m_first;
   m_next = record.value_or(0);
 }
 
@@ -43,6 +44,10 @@ bool LoadedChunk::IsThere(std::size_t record) const {
 }
 
 CXmlElement const* LoadedChunk::Element(std::size_t record) {
+  if (record < m_next) {
+    m_cursor = m_first;
+    m_next = 0;
+  }
   for (; m_next < record; ++m_next) {
     if (IsThere(m_next)) m_cursor = m_cursor->GetNextSiblingElement();
   }
@@ -136,8 +141,9 @@ CFailurePlace TextBatch::Place(std::size_t record) const {
 }
 
 void TextBatch::ThrowTooLarge(std::size_t record) const {
-  auto failure = OfKind(FailureKind_Limit, CQnException(FormatString("The record exceeds the limit of %zu bytes",
-                                                                     m_shared.limits.mostRecord)));
+  auto failure =
+      OfKind(FailureKind_Limit,
+             CQnException(FormatString("The record exceeds the limit of %zu bytes", m_shared.limits.mostRecord)));
   RecordPlace::Set(failure, Place(record));
   throw failure;
 }

@@ -21,7 +21,7 @@ class LoadedChunk final : public PlaceFinder {
   LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use, RecordChunk const& chunk,
               std::optional<std::size_t> record, std::string const& file, bool hasOffsets);
 
-  /// The tree of record \p record, which is behind the last one that was asked for.
+  /// The tree of \p record.
   CXmlElement const* Element(std::size_t record);
   Utf8Text::Use GetUse() const { return m_use; }
 
@@ -42,6 +42,7 @@ class LoadedChunk final : public PlaceFinder {
   CXmlDocument m_document;
   DocumentPlaces m_places;
   std::size_t m_next = 0;
+  CXmlElement const* m_first = nullptr;
   CXmlElement const* m_cursor = nullptr;
 };
 

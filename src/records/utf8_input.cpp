@@ -9,6 +9,7 @@
 
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/xmlio/document.h"
 #include "xmlio/single_byte_encoding.h"
 
 namespace Quillon9 {
@@ -127,7 +128,12 @@ bool IsNamed(std::string_view name, std::string_view wanted) {
                     [](unsigned char a, unsigned char b) { return std::toupper(a) == std::toupper(b); });
 }
 
-[[noreturn]] void ThrowUnknown() { throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1")); }
+/// \p start is the start of a text whose encoding is unknown. The parser finds out what is wrong with it.
+[[noreturn]] void ThrowUnknown(std::string const& start) {
+  CXmlDocument document;
+  document.LoadXmlStream(reinterpret_cast<unsigned char const*>(start.data()), start.size());
+  throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1"));
+}
 
 /// Peeks at an input that it owns.
 class OpenedInput final : public OctetInput {
@@ -147,6 +153,7 @@ class OpenedInput final : public OctetInput {
 Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
   auto opened = std::make_unique<OpenedInput>(std::move(input));
   std::string const start = opened->Peek(4);
+  if (start.empty()) throw OfKind(FailureKind_Input, CQnException("XML Stream is empty!"));
   std::string_view const two = std::string_view(start).substr(0, 2);
   std::string_view constexpr kLittle("<\0", 2);
   std::string_view constexpr kBig("\0<", 2);
@@ -164,7 +171,7 @@ Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
   std::string const encoding = DeclaredEncoding(opened->Peek(kLongestDeclaration));
   if (encoding.empty() || IsNamed(encoding, "UTF-8")) return {std::move(opened), 0, false};
   int table[256];
-  if (!FillSingleByteTable(encoding, table)) ThrowUnknown();
+  if (!FillSingleByteTable(encoding, table)) ThrowUnknown(opened->Peek(kLongestDeclaration));
   return {std::make_unique<SingleByteInput>(std::move(opened), table), 0, true};
 }
 

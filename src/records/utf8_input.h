@@ -13,8 +13,8 @@ struct Utf8Document {
   bool isConverted = false;  ///< the bytes are not those of the document
 };
 
-/// \throws CQnException "unknown encoding at line 1" for an encoding that is unknown, or in which a character can have
-///         several bytes but for UTF-8 and UTF-16; what \p input throws.
+/// \throws CQnException "XML Stream is empty!"; "unknown encoding at line 1" for an encoding that is unknown, or in
+///         which a character can have several bytes, except for UTF-8 and UTF-16; what \p input throws.
 Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input);
 
 }  // namespace Quillon9

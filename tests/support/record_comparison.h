@@ -40,21 +40,28 @@ inline std::string TextOf(CQnException const& failure) {
   return text;
 }
 
+/// A context whose trees hold all characters.
+inline CXmlSerializationContext Utf8Context() {
+  CXmlSerializationContext ctx;
+  ctx.SetTextEncoding(TextEncoding_UTF8);
+  return ctx;
+}
+
 /// The outermost elements \p name of a document, read as records.
 inline RecordsRead ReadAsRecords(std::string const& octets, std::string const& name, std::size_t pieceSize,
-                                 std::size_t batchSize,
-                                 CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext) {
+                                 std::size_t batchSize) {
+  CXmlSerializationContext const ctx = Utf8Context();
   RecordsRead result;
   std::string const file;
   RecordLimits limits;
   limits.batchSize = batchSize;
   std::unique_ptr<RecordBatch> batch;
   try {
-    auto const stream =
-        OpenRecords(InPieces(octets, pieceSize), {RecordPath("//" + name, *ctx.GetNamespaceAliases())}, limits, ctx, file);
-    while ((batch = stream->Next(Utf8Text::Use::kNo)) != nullptr) {
+    auto const stream = OpenRecords(InPieces(octets, pieceSize), {RecordPath("//" + name, *ctx.GetNamespaceAliases())},
+                                    limits, ctx, file);
+    while ((batch = stream->Next(Utf8Text::Use::kYes)) != nullptr) {
       for (std::size_t i = 0; i < batch->Size(); ++i) {
-        result.records.push_back(Dump(*batch->Load(i, Utf8Text::Use::kNo)));
+        result.records.push_back(Dump(*batch->Load(i, Utf8Text::Use::kYes)));
       }
     }
   } catch (CQnException const& failure) {

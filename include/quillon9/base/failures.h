@@ -30,7 +30,8 @@ enum FailureKind {
   FailureKind_DroppedElement = 16,       ///< a remark: an option let the reader skip an element
   FailureKind_DroppedAttribute = 17,     ///< a remark: an option let the reader skip an attribute
   FailureKind_DroppedText = 18,          ///< a remark: text where the class has no member for text
-  FailureKind_LostCharacter = 19         ///< a remark: a character became "?" because the target encoding lacks it
+  FailureKind_LostCharacter = 19,        ///< a remark: a character became "?" because the target encoding lacks it
+  FailureKind_NoRecord = 20              ///< a remark: a document has no record
 };
 
 /// Whether something went wrong, or was only lost.

@@ -39,6 +39,9 @@ CSmartPtr<CXmlObjectBase> MakeRecord(CXmlElement const& element) {
   }
 }
 
+/// Gets the object of a record.
+using RecordTask = std::function<void(CSmartPtr<CXmlObjectBase> const& object)>;
+
 /// How a class holds its text.
 template <class Class>
 constexpr bool HoldsUtf8() {
@@ -46,6 +49,12 @@ constexpr bool HoldsUtf8() {
 }
 
 }  // namespace detail
+
+/// How CXmlRecordReader::ForEachRecord() calls its function.
+enum RecordOrder {
+  RecordOrder_Any = 0,      ///< from several threads at once, as soon as a record has been read
+  RecordOrder_Document = 1  ///< from several threads, but one call after the other, in the order of the document
+};
 
 /// Reads a long document record by record: `while (auto order = reader.Next<Orders::COrder>())`. Its memory is that of
 /// the largest record, or of a block of about 64 KiB of small ones, whatever the length of the document.
@@ -58,7 +67,7 @@ constexpr bool HoldsUtf8() {
 /// A reader belongs to one thread at a time.
 class QUILLON9_API CXmlRecordReader {
  public:
-  /// Read from \p source under the options of \p ctx, which must outlive the reader.
+  /// Read from \p source under a copy of \p ctx. Its failure sink is borrowed, and is called by one thread at a time.
   explicit CXmlRecordReader(CRecordSource source,
                             CXmlSerializationContext const& ctx = CXmlSerializationContext::m_defaultContext);
   ~CXmlRecordReader();
@@ -87,6 +96,22 @@ class QUILLON9_API CXmlRecordReader {
   CSmartPtr<Class> Next() {
     if (!Advance(detail::HoldsUtf8<Class>())) return nullptr;
     return Read<Class>();
+  }
+  /// Read all records that are left in \p threads threads of their own, one for each processor if it is 0, and call
+  /// `function(CSmartPtr<Class>)` for each of them in these threads. The calling thread divides the document, and waits
+  /// while the others have enough to do. It calls the handlers of OnElement(), which can be before or after the calls for
+  /// the records around them. Return the number of records.
+  ///
+  /// The first failure stops the read, after the calls that are running: with RecordOrder_Document, it is the first one of
+  /// the document, and \p function has been called for all records in front of it. Then every further call of the reader
+  /// throws it.
+  /// \throws as Next(); what \p function and the handlers throw; std::system_error if no thread can be started.
+  template <class Class, class Function>
+  std::uint64_t ForEachRecord(unsigned threads, Function function, RecordOrder order = RecordOrder_Any) {
+    auto const task = [&function](CSmartPtr<CXmlObjectBase> const& object) {
+      function(CSmartPtr<Class>(static_cast<Class*>(object.Get())));
+    };
+    return ForEach(threads, order, detail::HoldsUtf8<Class>(), &detail::MakeRecord<Class>, task);
   }
   /// Pass over the next record. False if there is none.
   bool Skip() { return Advance(false); }
@@ -160,6 +185,8 @@ class QUILLON9_API CXmlRecordReader {
  private:
   class Work;
 
+  std::uint64_t ForEach(unsigned threads, RecordOrder order, bool holdsUtf8, detail::RecordMaker make,
+                        detail::RecordTask const& task);
   bool Advance(bool holdsUtf8);
   CSmartPtr<CXmlObjectBase> ReadPresent(detail::RecordMaker make);
 
