@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 #include "quillon9/base/smart_ptr.h"
 #include "quillon9/binding/object_base.h"
@@ -20,6 +21,9 @@ class PresentRecord {
 
   /// Null for none.
   CXmlElement const* Element() const { return m_element; }
+  std::vector<CXmlElement const*> Ancestors() const {
+    return m_element != nullptr ? m_batch->Ancestors() : std::vector<CXmlElement const*>();
+  }
   /// Read it into a new object.
   /// \throws what CXmlObjectBase::FromXmlElement() throws, with the place in the whole document.
   CSmartPtr<CXmlObjectBase> Read(detail::RecordMaker make, CXmlSerializationContext const& ctx);

@@ -139,7 +139,7 @@ class CXmlRecordReader::Work {
     m_present.ReadInto(object, m_ctx);
   }
 
-  CXmlElement const* Element() const { return m_present.Element(); }
+  PresentRecord const& Present() const { return m_present; }
   std::size_t Selection() const { return m_batch != nullptr ? m_selections[m_batch->Selection(m_record)] : 0; }
   std::uint64_t Count() const { return m_count; }
   CFailurePlace Place() const { return m_batch != nullptr ? m_batch->Place(m_record) : CFailurePlace(); }
@@ -289,7 +289,9 @@ std::uint64_t CXmlRecordReader::ForEach(unsigned threads, RecordOrder order, boo
 
 void CXmlRecordReader::ReadInto(CXmlObjectBase& object) { m_work->ReadInto(object); }
 
-CXmlElement const* CXmlRecordReader::GetElement() const { return m_work->Element(); }
+CXmlElement const* CXmlRecordReader::GetElement() const { return m_work->Present().Element(); }
+
+std::vector<CXmlElement const*> CXmlRecordReader::GetAncestors() const { return m_work->Present().Ancestors(); }
 
 std::size_t CXmlRecordReader::GetSelection() const { return m_work->Selection(); }
 

@@ -56,7 +56,7 @@ std::optional<RecordChunk> RecordSplitter::Next() {
   RecordChunk chunk;
   m_isChunkDone = false;
   try {
-    while (!m_isChunkDone && !m_isAtEnd) Step(chunk);
+    GoOn(chunk);
   } catch (CQnException& failure) {
     RecordPlace::SetPath(failure, PathOfLevels());
     m_failure = std::current_exception();
@@ -66,6 +66,19 @@ std::optional<RecordChunk> RecordSplitter::Next() {
   if (!chunk.records.empty()) return chunk;
   if (m_failure != nullptr) std::rethrow_exception(m_failure);
   return std::nullopt;
+}
+
+// Records that are there are not kept waiting for an input that delivers the next ones later.
+void RecordSplitter::GoOn(RecordChunk& chunk) {
+  try {
+    m_window.SetMayRead(true);
+    if (m_opened) AddRecord(chunk);
+    while (!m_isChunkDone && !m_isAtEnd) {
+      m_window.SetMayRead(chunk.records.empty());
+      Step(chunk);
+    }
+  } catch (TextWindow::NeedsMore const&) {
+  }
 }
 
 // Go on by one piece of markup or by the text in front of it.
@@ -122,7 +135,8 @@ void RecordSplitter::StartElement(RecordChunk& chunk, Markup const& tag) {
     span.name = std::move(level.name);
     span.number = level.number;
     span.selection = *selection;
-    return AddRecord(chunk, tag, std::move(span));
+    m_opened.emplace(OpenedRecord{tag, std::move(span)});
+    return AddRecord(chunk);
   }
   // The records of a chunk have the same ancestors, and they are siblings in a row.
   m_isChunkDone = !chunk.records.empty() && tag.kind != Markup::Kind::kEmptyTag;
@@ -139,29 +153,32 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   m_window.Drop(tag.end);
 }
 
-// A record that is not whole ends the document, and the failure of loading it says why.
-void RecordSplitter::AddRecord(RecordChunk& chunk, Markup const& tag, RecordSpan span) {
+// Add the record whose start tag the skeleton knows. One that is not whole ends the document, and the failure of loading
+// it says why.
+void RecordSplitter::AddRecord(RecordChunk& chunk) {
+  RecordSpan& span = m_opened->span;
+  std::size_t end = 0;
+  try {
+    ElementExtent const extent = ReadExtent(m_window, 0, m_opened->tag);
+    span.isWhole = extent.isWhole;
+    end = extent.end;
+  } catch (TextWindow::Full const&) {
+    m_window.SetMayRead(true);
+    span.isTooLarge = true;
+    span.isWhole = SkipElement(m_window);
+  }
   if (chunk.ancestors == nullptr) {
     chunk.ancestors = Ancestors();
     chunk.text = chunk.ancestors->startTags;
   }
   span.start = chunk.text.size();
-  try {
-    ElementExtent const extent = ReadExtent(m_window, 0, tag);
-    span.isWhole = extent.isWhole;
-    chunk.text += m_window.Text(0, extent.end);
-    m_window.Drop(extent.end);
-  } catch (TextWindow::Full const&) {
-    span.isTooLarge = true;
-    span.isWhole = SkipElement(m_window);
-  }
-  if (span.isWhole) {
-    m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
-  } else {
-    m_isAtEnd = true;
-  }
+  chunk.text += m_window.Text(0, end);
+  m_window.Drop(end);
+  if (span.isWhole) m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
+  m_isAtEnd = !span.isWhole && !span.isTooLarge;
+  m_isChunkDone = chunk.text.size() >= m_chunkSize || m_isAtEnd;
   chunk.records.push_back(std::move(span));
-  if (chunk.text.size() >= m_chunkSize || m_isAtEnd) m_isChunkDone = true;
+  m_opened.reset();
 }
 
 std::vector<RecordPath::State> RecordSplitter::StatesOfInnermost() const {

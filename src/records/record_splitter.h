@@ -74,13 +74,20 @@ class RecordSplitter {
     std::map<std::string, std::uint64_t, std::less<>> children;  // how many of each name there have been
   };
 
+  /// The record at the start of the window.
+  struct OpenedRecord {
+    Markup tag;
+    RecordSpan span;
+  };
+
+  void GoOn(RecordChunk& chunk);
   void Step(RecordChunk& chunk);
   void PassRest();
   void PassText(std::size_t end);
   void PassMarkup(Markup const& markup);
   void StartElement(RecordChunk& chunk, Markup const& tag);
   void StartLevel(Markup const& tag, Level level);
-  void AddRecord(RecordChunk& chunk, Markup const& tag, RecordSpan span);
+  void AddRecord(RecordChunk& chunk);
   std::vector<RecordPath::State> StatesOfInnermost() const;
   std::optional<std::size_t> SelectionOf(std::vector<RecordPath::State> const& states) const;
   std::uint64_t CountChild(std::string const& name);
@@ -95,6 +102,7 @@ class RecordSplitter {
   std::string m_documentType;
   std::vector<Level> m_levels;
   std::shared_ptr<RecordAncestors const> m_ancestors;  // null after a change of the levels
+  std::optional<OpenedRecord> m_opened;
   bool m_isChunkDone = false;
   bool m_isAtEnd = false;
   std::exception_ptr m_failure;

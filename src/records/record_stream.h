@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 #include "binding/failure_report.h"
 #include "quillon9/base/failures.h"
@@ -30,6 +31,8 @@ class RecordBatch {
   /// for one record after the other.
   /// \throws CQnException for a record that cannot be loaded.
   virtual CXmlElement const* Load(std::size_t record, Utf8Text::Use use) = 0;
+  /// The elements around the record that was loaded last, from the root on.
+  virtual std::vector<CXmlElement const*> Ancestors() const = 0;
   /// Whether a document that is not well-formed was the reason why the last Load() threw, so that there are no more
   /// records.
   virtual bool IsAtEnd() const = 0;

@@ -33,10 +33,19 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
   } catch (CQnException& failure) {
     ThrowCorrected(failure);
   }
-  m_first = m_document.GetDocumentElement();
-  for (std::size_t depth = 0; depth < chunk.ancestors->depth; ++depth) m_first = m_first->GetFirstElement();
+  std::vector<CXmlElement const*> const ancestors = Ancestors();
+  m_first = ancestors.empty() ? m_document.GetDocumentElement() : ancestors.back()->GetFirstElement();
   m_cursor = m_first;
   m_next = record.value_or(0);
+}
+
+std::vector<CXmlElement const*> LoadedChunk::Ancestors() const {
+  std::vector<CXmlElement const*> ancestors;
+  CXmlElement const* element = m_document.GetDocumentElement();
+  for (std::size_t depth = 0; depth < m_chunk.ancestors->depth; ++depth, element = element->GetFirstElement()) {
+    ancestors.push_back(element);
+  }
+  return ancestors;
 }
 
 bool LoadedChunk::IsThere(std::size_t record) const {

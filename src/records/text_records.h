@@ -23,6 +23,7 @@ class LoadedChunk final : public PlaceFinder {
 
   /// The tree of \p record.
   CXmlElement const* Element(std::size_t record);
+  std::vector<CXmlElement const*> Ancestors() const;
   Utf8Text::Use GetUse() const { return m_use; }
 
   CFailurePlace Find(FailurePoint const& point) override;
@@ -63,6 +64,7 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
   std::size_t Selection(std::size_t record) const override { return m_chunk.records[record].selection; }
   CFailurePlace Place(std::size_t record) const override;
   CXmlElement const* Load(std::size_t record, Utf8Text::Use use) override;
+  std::vector<CXmlElement const*> Ancestors() const override { return m_loaded->Ancestors(); }
   bool IsAtEnd() const override { return m_isAtEnd; }
   PlaceFinder& Places() override { return *this; }
 

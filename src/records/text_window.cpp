@@ -58,6 +58,7 @@ void TextWindow::Drop(std::size_t count) {
 // Bytes move to the front when that is cheaper than the bytes that are read for it.
 bool TextWindow::Fill(std::size_t at) {
   if (!m_isAtEnd && at > m_most) throw Full();
+  if (!m_isAtEnd && !m_mayRead) throw NeedsMore();
   while (!m_isAtEnd && at >= Size()) {
     if (m_first != 0 && m_first >= Size()) {
       std::memmove(m_bytes.data(), m_bytes.data() + m_first, Size());

@@ -29,6 +29,8 @@ class TextWindow {
 
   /// What a window throws that would have to become larger than it may be.
   struct Full {};
+  /// What a window throws that would have to read while it may not.
+  struct NeedsMore {};
 
   /// \p input delivers UTF-8 from \p start of the document on, and is borrowed. The window has not much more than \p most
   /// bytes at any time.
@@ -36,8 +38,10 @@ class TextWindow {
       : m_input(input), m_most(most), m_start(start) {}
 
   std::size_t Most() const { return m_most; }
+  /// Whether it may read from the input, which can mean to wait.
+  void SetMayRead(bool may) { m_mayRead = may; }
   /// Return whether there is a byte at \p at, after reading as much as that takes.
-  /// \throws Full; what the input throws.
+  /// \throws Full; NeedsMore; what the input throws.
   bool Has(std::size_t at) { return at < Size() || Fill(at); }
   char At(std::size_t at) const { return m_bytes[m_first + at]; }
   /// What has been read from \p from on, up to \p to.
@@ -57,6 +61,7 @@ class TextWindow {
 
   OctetInput& m_input;
   std::size_t m_most;
+  bool m_mayRead = true;
   std::vector<char> m_bytes;
   std::size_t m_first = 0;
   std::size_t m_last = 0;

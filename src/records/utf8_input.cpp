@@ -110,6 +110,30 @@ class Utf16Input final : public ConvertingInput {
   std::uint32_t m_high = 0;  // the first half of a pair
 };
 
+/// Peeks at an input that it owns.
+class OpenedInput final : public OctetInput {
+ public:
+  explicit OpenedInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)), m_peeked(*m_input) {}
+
+  std::size_t Read(char* to, std::size_t size) override { return m_peeked.Read(to, size); }
+  std::string const& Peek(std::size_t size) { return m_peeked.Peek(size); }
+
+ private:
+  std::unique_ptr<OctetInput> m_input;
+  PeekedInput m_peeked;
+};
+
+/// The start of \p input up to the end of an XML declaration. Nothing more is read if there is none.
+std::string const& PeekDeclaration(OpenedInput& input) {
+  std::string const* start = &input.Peek(4);
+  for (std::size_t size = 5; size <= kLongestDeclaration; ++size) {
+    bool const canBeOne = start->compare(0, 5, "<?xml", std::min<std::size_t>(start->size(), 5)) == 0;
+    if (!canBeOne || start->size() + 1 != size || start->find("?>") != std::string::npos) break;
+    start = &input.Peek(size);
+  }
+  return *start;
+}
+
 /// The encoding that the XML declaration at the start of \p text names; empty for none.
 std::string DeclaredEncoding(std::string_view text) {
   if (text.substr(0, 5) != "<?xml") return {};
@@ -135,19 +159,6 @@ bool IsNamed(std::string_view name, std::string_view wanted) {
   throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1"));
 }
 
-/// Peeks at an input that it owns.
-class OpenedInput final : public OctetInput {
- public:
-  explicit OpenedInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)), m_peeked(*m_input) {}
-
-  std::size_t Read(char* to, std::size_t size) override { return m_peeked.Read(to, size); }
-  std::string const& Peek(std::size_t size) { return m_peeked.Peek(size); }
-
- private:
-  std::unique_ptr<OctetInput> m_input;
-  PeekedInput m_peeked;
-};
-
 }  // namespace
 
 Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
@@ -168,10 +179,11 @@ Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
     opened->Read(mark, 3);
     return {std::move(opened), 3, false};
   }
-  std::string const encoding = DeclaredEncoding(opened->Peek(kLongestDeclaration));
+  std::string const& declaration = PeekDeclaration(*opened);
+  std::string const encoding = DeclaredEncoding(declaration);
   if (encoding.empty() || IsNamed(encoding, "UTF-8")) return {std::move(opened), 0, false};
   int table[256];
-  if (!FillSingleByteTable(encoding, table)) ThrowUnknown(opened->Peek(kLongestDeclaration));
+  if (!FillSingleByteTable(encoding, table)) ThrowUnknown(declaration);
   return {std::make_unique<SingleByteInput>(std::move(opened), table), 0, true};
 }
 

@@ -8,6 +8,7 @@
 #include <string>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 #include "quillon9/base/failures.h"
 #include "quillon9/base/smart_ptr.h"
@@ -128,9 +129,11 @@ class QUILLON9_API CXmlRecordReader {
   void ReadInto(CXmlObjectBase& object);
 
   /// The present record as a tree; null in front of the first one and after the last one. It lives until the next call
-  /// that goes on. Its parents are those of the document, with their attributes, but have no other children than some
-  /// records.
+  /// that goes on or reads.
   CXmlElement const* GetElement() const;
+  /// The elements around the present record, from the root on, for their names and attributes; none where there is no
+  /// record. They live as long as the tree of the record, and have no other children than some records.
+  std::vector<CXmlElement const*> GetAncestors() const;
   /// Which of the calls of SelectRecords() the present record matches, from 0.
   std::size_t GetSelection() const;
   /// How many records there have been so far, those that failed included.

@@ -1,0 +1,303 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "expect_failure.h"
+#include "orders.h"
+#include "quillon9/quillon9.h"
+#include "record_comparison.h"
+
+using namespace Quillon9;
+using Orders::CItems;
+using Testing::TextOf;
+using Testing::Utf8Context;
+
+namespace {
+
+using Item = CItems::CItem;
+
+std::string ItemText(std::string const& number, std::string const& quantity = "1") {
+  return "<item partNum='" + number + "'><productName>Trowel</productName><quantity>" + quantity +
+         "</quantity><USPrice>12.50</USPrice></item>\n";
+}
+
+std::string Order(std::string const& items) {
+  return "<purchaseOrder orderDate='2024-03-18'>\n<items>\n" + items + "</items></purchaseOrder>";
+}
+
+std::string Utf16(std::u16string const& text) {
+  std::string octets;
+  for (char16_t const unit : text) octets += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
+  return octets;
+}
+
+/// The part numbers of the records, or what went wrong with them.
+std::vector<std::string> PartNumbers(CXmlRecordReader& reader) {
+  std::vector<std::string> numbers;
+  for (std::string last;;) {
+    try {
+      CSmartPtr<Item> const item = reader.Next<Item>();
+      if (!item) return numbers;
+      numbers.push_back(item->GetPartNum());
+    } catch (CQnException const& failure) {
+      std::string const text = failure.GetReport();
+      if (text == last) return numbers;
+      numbers.push_back(last = text);
+    }
+  }
+}
+
+}  // namespace
+
+TEST(CXmlRecordReader, ReadsRecordsAndGoesOnAfterABadOne) {
+  std::string const text = Order(ItemText("111-AA") + ItemText("222-BB", "many") + ItemText("333-CC") + "<other/>" +
+                                 ItemText("4") + ItemText("555-EE"));
+  CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+  reader.SelectRecords("/purchaseOrder/items/item");
+  std::vector<std::string> const numbers = PartNumbers(reader);
+  ASSERT_EQ(numbers.size(), 5U);
+  EXPECT_EQ(numbers[0], "111-AA");
+  EXPECT_NE(numbers[1].find("4:57"), std::string::npos) << numbers[1];
+  EXPECT_NE(numbers[1].find("/purchaseOrder/items/item[2]/quantity"), std::string::npos) << numbers[1];
+  EXPECT_EQ(numbers[2], "333-CC");
+  EXPECT_NE(numbers[3].find("/purchaseOrder/items/item[4]/@partNum"), std::string::npos) << numbers[3];
+  EXPECT_EQ(numbers[4], "555-EE");
+  EXPECT_EQ(reader.GetCount(), 5U);
+  EXPECT_EQ(reader.GetInputOffset(), text.size());
+}
+
+TEST(CXmlRecordReader, EndsWithADocumentThatIsNotWellFormed) {
+  struct {
+    char const* what;
+    std::string text;
+    std::size_t records;
+    std::string failure;
+  } const rows[] = {
+      {"a wrong tag in a record", Order(ItemText("111-AA") + "<item>\n</itm>" + ItemText("333-CC")), 1,
+       "mismatched tag at line 5 (5)"},
+      {"a wrong tag between records", Order(ItemText("111-AA") + "</x>" + ItemText("333-CC")), 1,
+       "mismatched tag at line 4 (4)"},
+      {"cut off in a record", Order(ItemText("111-AA") + ItemText("222-BB")).substr(0, 180), 1,
+       "no element found at line 4 (4)"},
+      {"cut off between records", "<purchaseOrder><items>" + ItemText("111-AA"), 1, "no element found at line 2 (2)"},
+      {"cut off in a comment", "<purchaseOrder><items>" + ItemText("111-AA") + "<!-- ", 1,
+       "unclosed token at line 2 (2)"},
+      {"an undeclared entity in a record", Order(ItemText("111-AA") + "<item>&x;</item>"), 1,
+       "undefined entity at line 4 (4)"},
+      {"an undeclared prefix", Order(ItemText("111-AA") + "<p:item/>"), 1, "unbound prefix at line 4 (4)"},
+      {"two roots", Order(ItemText("111-AA")) + "<x/>", 1, "junk after document element at line 4 (4)"},
+      {"nothing", "", 0, "XML Stream is empty!"},
+  };
+  for (auto const& row : rows) {
+    CXmlRecordReader reader(CRecordSource::Memory(row.text.data(), row.text.size()));
+    reader.SelectRecords("//item");
+    std::size_t count = 0;
+    std::string failure;
+    try {
+      while (reader.Next<Item>()) ++count;
+    } catch (CQnException const& thrown) {
+      failure = TextOf(thrown);
+    }
+    EXPECT_EQ(failure, row.failure) << row.what;
+    EXPECT_EQ(count, row.records) << row.what;
+    EXPECT_FAILURE(CQnException, failure.substr(0, failure.find(" (")), reader.Next<Item>());
+  }
+}
+
+TEST(CXmlRecordReader, FindsTheElementsOfAPath) {
+  std::string const text =
+      "<a:list xmlns:a='urn:a' xmlns='urn:b'><row n='1'/><a:row n='2'/><group><row n='3'><row n='4'/></row>"
+      "<x xmlns=''><row n='5'/></x></group><row n='6'/></a:list>";
+  struct {
+    char const* path;
+    char const* rows;
+  } const rows[] = {
+      {"/list/row", "1 2 6 "},      {"/a:list/a:row", "2 "},
+      {"/*/row", "1 2 6 "},         {"/list/{urn:b}row", "1 6 "},
+      {"//row", "1 2 3 5 6 "},      {"//{}row", "5 "},
+      {"/list//x/row", "5 "},       {"/list/row/row", ""},
+      {"//group//row", "3 5 "},     {"//row/row", "4 "},
+      {"/list/group/*", "3  "},     {"//*//a:*", "2 "},
+      {"/list/{urn:a}*", "2 "},     {"/row", ""},
+      {"/{urn:a}list//x//*", "5 "}, {"//list", " "},
+  };
+  for (auto const& row : rows) {
+    CXmlSerializationContext ctx;
+    ctx.GetNamespaceAliases()->Add("a", "urn:a");
+    CFailureList failures;
+    ctx.SetFailureSink(&failures);
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()), ctx);
+    reader.SelectRecords(row.path);
+    std::string found;
+    while (reader.Advance()) found += reader.GetElement()->GetAttribute("n", "") + " ";
+    EXPECT_EQ(found, row.rows) << row.path;
+    EXPECT_EQ(failures.GetReport(),
+              found.empty() ? "remark: No element matches the path [" + std::string(row.path) + "]\n" : "");
+  }
+  for (char const* path : {"", "row", "/", "//", "/a/", "/{urn:a/row", "/{urn:a}", "/p:row", "/a///b"}) {
+    CXmlRecordReader reader(CRecordSource::Memory("<a/>", 4));
+    EXPECT_THROW(reader.SelectRecords(path), CQnInvalidParamException) << path;
+  }
+}
+
+TEST(CXmlRecordReader, ReadsWhatSurroundsTheRecords) {
+  std::string const text =
+      "<!DOCTYPE log [<!ENTITY e 'Zo&#xEB;'><!ATTLIST head d CDATA 'x'>]><log v='1'><head n='&e;'/><day d='Mon'>"
+      "<r>&e;</r><r/></day><day d='Tue'><r>3</r></day><tail>4</tail></log>";
+  CXmlRecordReader reader(CRecordSource(CBinaryData(text.c_str())), Utf8Context());
+  std::string seen;
+  reader.SelectRecords("/log/day/r");
+  reader.OnElement("/log/head", [&](CXmlRecordReader& at) {
+    seen += at.GetElement()->GetAttribute("n", "") + at.GetElement()->GetAttribute("d", "") + ";";
+  });
+  reader.OnElement("/log/tail", [&](CXmlRecordReader& at) { seen += at.GetElement()->GetText() + ";"; });
+  EXPECT_FAILURE(CQnInvalidStateException, "There is no record", reader.Read<Item>());
+  while (reader.Advance()) {
+    std::vector<CXmlElement const*> const around = reader.GetAncestors();
+    ASSERT_EQ(around.size(), 2U);
+    seen += around[1]->GetAttribute("d", "") + around[0]->GetAttribute("v", "") + reader.GetElement()->GetText() +
+            reader.GetPlace().GetPath() + ";";
+  }
+  EXPECT_EQ(seen, "Zo\xC3\xABx;Mon1Zo\xC3\xAB/log/day/r;Mon1/log/day/r[2];Tue13/log/day[2]/r;4;");
+  EXPECT_FAILURE(CQnInvalidStateException, "The read has begun", reader.SelectRecords("//x"));
+}
+
+TEST(CXmlRecordReader, PassesOverARecordThatIsTooLarge) {
+  std::string const huge = "<item partNum='222-BB'><!-- > ' " + std::string(300000, 'x') +
+                           "--><a b='>'/><![CDATA[</item>" + std::string(300000, 'y') + "]]><?p </item>?></item>";
+  for (std::string const& text :
+       {Order(ItemText("111-AA") + huge + ItemText("333-CC")), Order(huge.substr(0, 250000))}) {
+    CXmlRecordReader reader{CRecordSource([&text, at = std::size_t{0}](char* to, std::size_t size) mutable {
+      std::size_t const count = text.copy(to, std::min<std::size_t>(size, 1000), at);
+      at += count;
+      return count;
+    })};
+    reader.SelectRecords("//item");
+    reader.SetMaxRecordSize(200000);
+    std::vector<std::string> const numbers = PartNumbers(reader);
+    bool const isWhole = text.size() > 300000;
+    ASSERT_EQ(numbers.size(), isWhole ? 3U : 2U);
+    EXPECT_NE(numbers[isWhole ? 1 : 0].find("The record exceeds the limit of 200000 bytes"), std::string::npos);
+    EXPECT_EQ(numbers.back().find("333-CC") == 0, isWhole) << numbers.back();
+  }
+  std::string const comment = "<a><!--" + std::string(300000, 'x') + "--><item/></a>";
+  CXmlRecordReader reader(CRecordSource::Memory(comment.data(), comment.size()));
+  reader.SelectRecords("//item");
+  reader.SetMaxRecordSize(200000);
+  EXPECT_FAILURE(CQnException, "The markup exceeds the limit of 200000 bytes", reader.Skip());
+}
+
+TEST(CXmlRecordReader, ThrowsWhatASourceThrows) {
+  std::string const start = "<purchaseOrder><items>" + ItemText("111-AA");
+  CXmlRecordReader reader{CRecordSource([&start, at = std::size_t{0}](char* to, std::size_t size) mutable {
+    if (at == start.size()) throw std::runtime_error("line dropped");
+    std::size_t const count = start.copy(to, size, at);
+    at += count;
+    return count;
+  })};
+  reader.SelectRecords("//item");
+  EXPECT_TRUE(reader.Next<Item>());
+  EXPECT_THROW(reader.Next<Item>(), std::runtime_error);
+  EXPECT_THROW(reader.Skip(), std::runtime_error);
+  EXPECT_EQ(reader.GetCount(), 1U);
+}
+
+TEST(CXmlRecordReader, ReadsInSeveralThreads) {
+  constexpr int kCount = 5000;
+  std::string items;
+  std::vector<std::string> numbers;
+  for (int i = 0; i < kCount; ++i) {
+    numbers.push_back(std::to_string(100 + i % 900) + "-AB");
+    items += ItemText(numbers.back(), std::to_string(i % 90 + 1));
+  }
+  std::string const good = Order("<note>n</note>" + items);
+  std::string const bad = Order(items + ItemText("1") + ItemText("2") + items);
+  struct {
+    std::string const& text;
+    RecordOrder order;
+    unsigned threads;
+    bool throws;
+  } const rows[] = {
+      {good, RecordOrder_Any, 3, false},    {good, RecordOrder_Document, 3, false}, {good, RecordOrder_Any, 1, false},
+      {bad, RecordOrder_Document, 4, true}, {bad, RecordOrder_Any, 0, true},
+  };
+  for (auto const& row : rows) {
+    CXmlRecordReader reader(CRecordSource::Memory(row.text.data(), row.text.size()));
+    reader.SelectRecords("//item");
+    bool hasNote = false;
+    reader.OnElement("//note", [&](CXmlRecordReader& at) { hasNote = at.GetElement()->GetText() == "n"; });
+    ASSERT_TRUE(reader.Skip());
+    std::mutex mutex;
+    std::vector<std::string> seen;
+    auto const collect = [&](CSmartPtr<Item> const& item) {
+      std::lock_guard<std::mutex> const lock(mutex);
+      seen.push_back(item->GetPartNum());
+    };
+    if (row.throws) {
+      EXPECT_THROW(reader.ForEachRecord<Item>(row.threads, collect, row.order), CQnException);
+      EXPECT_THROW(reader.Skip(), CQnException);
+    } else {
+      EXPECT_EQ(reader.ForEachRecord<Item>(row.threads, collect, row.order), kCount - 1U);
+      EXPECT_FALSE(reader.Skip());
+    }
+    EXPECT_EQ(hasNote, !row.throws);
+    std::vector<std::string> expected(numbers.begin() + 1, numbers.end());
+    if (row.order == RecordOrder_Any) {
+      std::sort(seen.begin(), seen.end());
+      std::sort(expected.begin(), expected.end());
+    }
+    if (!row.throws || row.order == RecordOrder_Document) {
+      EXPECT_EQ(seen, expected);
+    }
+  }
+}
+
+TEST(CXmlRecordReader, StopsItsThreadsWhenTheFunctionThrows) {
+  std::string items;
+  for (int i = 0; i < 20000; ++i) items += ItemText("111-AA");
+  std::string const text = Order(items);
+  for (RecordOrder const order : {RecordOrder_Any, RecordOrder_Document}) {
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+    reader.SelectRecords("//item");
+    std::atomic<int> calls{0};
+    auto const fail = [&](CSmartPtr<Item> const&) {
+      if (++calls >= 100) throw std::runtime_error("enough");
+    };
+    EXPECT_THROW(reader.ForEachRecord<Item>(2, fail, order), std::runtime_error);
+    EXPECT_LT(calls, 20000);
+    EXPECT_THROW(reader.Next<Item>(), std::runtime_error);
+  }
+}
+
+/// The same for each element name of a document, however the input comes and the records are put together.
+TEST(RecordStream, GivesWhatAWholeReadGives) {
+  std::string const documents[] = {
+      "<a><b>1</b><b>2</b><c><b/></c><b>3</b></a>",
+      "<?xml version='1.0' encoding='ISO-8859-1'?>\r\n<!-- x --><l:a xmlns:l='u' b='\xE9'><l:b "
+      "c='\xFC'>\xDF</l:b>\r<l:b/></l:a><?p?>",
+      "<!DOCTYPE a [<!ENTITY e '1'><!ATTLIST b k CDATA '>'>]><a><b>&e;</b><b "
+      "k=\"'\"/><b><![CDATA[<b>]]></b></a>",
+      Utf16(u"\uFEFF<a><b/>\u20AC<b>\U0001F600</b></a>"),
+      "\xEF\xBB\xBF<a xmlns='u' xmlns:p='v'><p:b xmlns:p='w'><p:c/></p:b><p:b p:x='1'/><b xmlns=''><c/></b></a>",
+  };
+  for (std::string const& octets : documents) {
+    CXmlSerializationContext const ctx = Utf8Context();
+    CXmlDocument whole(ctx);
+    whole.LoadXmlStream(reinterpret_cast<unsigned char const*>(octets.data()), octets.size());
+    std::set<std::string> names;
+    Testing::CollectNames(*whole.GetDocumentElement(), names);
+    for (std::string const& name : names) {
+      for (std::size_t const piece : {1U, 2U, 3U, 7U, 64U, 100000U}) {
+        for (std::size_t const batch : {1U, 20U, 100000U}) {
+          EXPECT_EQ(Testing::DifferenceOfRecords(whole, octets, name, piece, batch), "") << octets;
+        }
+      }
+    }
+  }
+}
