@@ -19,6 +19,8 @@ namespace Quillon9 {
 
 OctetInput::~OctetInput() = default;
 
+bool OctetInput::Seek(std::uint64_t) { return false; }
+
 namespace {
 
 [[noreturn]] void ThrowUnreadable(std::string const& path, int error) {
@@ -43,6 +45,7 @@ class DescriptorInput final : public OctetInput {
       if (errno != EINTR) ThrowUnreadable(m_path, errno);
     }
   }
+  bool Seek(std::uint64_t offset) override { return lseek(m_descriptor, static_cast<off_t>(offset), SEEK_CUR) != -1; }
 
  private:
   int m_descriptor;
@@ -60,6 +63,12 @@ class MemoryInput final : public OctetInput {
     m_at += count;
     m_left -= count;
     return count;
+  }
+  bool Seek(std::uint64_t offset) override {
+    if (offset > m_left) return false;
+    m_at += offset;
+    m_left -= static_cast<std::size_t>(offset);
+    return true;
   }
 
  private:
@@ -161,14 +170,12 @@ std::unique_ptr<OctetInput> InputOfDescriptor(int descriptor, bool owns, std::st
   return std::make_unique<DescriptorInput>(descriptor, owns, std::move(path));
 }
 
-std::unique_ptr<OctetInput> InputOfFile(std::string const& path, std::uint64_t offset) {
+std::unique_ptr<OctetInput> InputOfFile(std::string const& path) {
   int const descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (descriptor == -1) {
     throw OfKind(FailureKind_Input, CQnException(FormatString("Failed to open the file [%s]", path.c_str())));
   }
-  auto input = std::make_unique<DescriptorInput>(descriptor, true, path);
-  if (offset != 0 && lseek(descriptor, static_cast<off_t>(offset), SEEK_SET) == -1) ThrowUnreadable(path, errno);
-  return input;
+  return std::make_unique<DescriptorInput>(descriptor, true, path);
 }
 
 std::unique_ptr<OctetInput> InputOfMemory(void const* data, std::size_t size) {
@@ -179,11 +186,12 @@ std::unique_ptr<OctetInput> InputOfFunction(std::function<std::size_t(char*, std
   return std::make_unique<FunctionInput>(std::move(function));
 }
 
-std::unique_ptr<OctetInput> Decompressed(std::unique_ptr<OctetInput> input) {
+PlainInput Decompressed(std::unique_ptr<OctetInput> input) {
   auto peeked = std::make_unique<OwningPeek>(std::move(input));
   std::string const& start = peeked->Peek(2);
-  if (!HasCompressedHeader(reinterpret_cast<unsigned char const*>(start.data()), start.size())) return peeked;
-  return std::make_unique<InflatingInput>(std::move(peeked));
+  if (!HasCompressedHeader(reinterpret_cast<unsigned char const*>(start.data()), start.size()))
+    return {std::move(peeked), false};
+  return {std::make_unique<InflatingInput>(std::move(peeked)), true};
 }
 
 std::string const& PeekedInput::Peek(std::size_t size) {

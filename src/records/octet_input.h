@@ -15,23 +15,30 @@ class OctetInput {
   /// Put one to \p size octets at \p to and return their number; 0 at the end. \p size is not 0.
   /// \throws CQnException where they come from a file that cannot be read; what a function of the caller throws.
   virtual std::size_t Read(char* to, std::size_t size) = 0;
+  /// Go to \p offset, counted from where the input began; false if it cannot. Nothing has been read.
+  virtual bool Seek(std::uint64_t offset);
 };
 
 /// The octets of an open file, from its present position on. Owns \p descriptor if \p owns is true. \p path names it in
 /// failures.
 std::unique_ptr<OctetInput> InputOfDescriptor(int descriptor, bool owns, std::string path);
-/// The octets of the file \p path from \p offset on.
-/// \throws CQnException "Failed to open the file [%s]"; "Failed to read the contents of the file [%s] Error [%s]" where
-///         the file has no such position.
-std::unique_ptr<OctetInput> InputOfFile(std::string const& path, std::uint64_t offset);
+/// The octets of the file \p path.
+/// \throws CQnException "Failed to open the file [%s]".
+std::unique_ptr<OctetInput> InputOfFile(std::string const& path);
 /// Octets in memory, which are borrowed.
 std::unique_ptr<OctetInput> InputOfMemory(void const* data, std::size_t size);
 /// Octets that \p function puts at its first argument, up to its second one, until it returns 0.
 std::unique_ptr<OctetInput> InputOfFunction(std::function<std::size_t(char*, std::size_t)> function);
 
+/// An input without compression.
+struct PlainInput {
+  std::unique_ptr<OctetInput> input;  ///< after decompression
+  bool isCompressed = false;
+};
+
 /// What \p input delivers, after decompression if it begins as gzip or zlib data. Members of gzip data may follow one
 /// another.
-std::unique_ptr<OctetInput> Decompressed(std::unique_ptr<OctetInput> input);
+PlainInput Decompressed(std::unique_ptr<OctetInput> input);
 
 /// An input that can be looked at before it is read.
 class PeekedInput final : public OctetInput {

@@ -10,8 +10,13 @@ namespace Quillon9 {
 std::unique_ptr<RecordStream> OpenRecords(std::unique_ptr<OctetInput> input, std::vector<RecordPath> paths,
                                           RecordLimits const& limits, CXmlSerializationContext const& ctx,
                                           std::string const& file) {
-  Utf8Document document = OpenUtf8(Decompressed(std::move(input)));
-  return std::make_unique<TextRecords>(std::move(document), std::move(paths), limits, ctx, file);
+  if (limits.start) {
+    Utf8Document rest{std::move(input), limits.start->at, false};
+    return std::make_unique<TextRecords>(std::move(rest), std::move(paths), limits, ctx, file, true);
+  }
+  PlainInput plain = Decompressed(std::move(input));
+  Utf8Document document = OpenUtf8(std::move(plain.input));
+  return std::make_unique<TextRecords>(std::move(document), std::move(paths), limits, ctx, file, !plain.isCompressed);
 }
 
 }  // namespace Quillon9

@@ -30,6 +30,8 @@ namespace {
 
 [[noreturn]] void ThrowBegun() { throw CQnInvalidStateException("The read has begun"); }
 
+[[noreturn]] void ThrowNoRecord() { throw CQnInvalidStateException("There is no record"); }
+
 /// Counts what passes.
 class CountedInput final : public OctetInput {
  public:
@@ -102,6 +104,16 @@ class CXmlRecordReader::Work {
     m_limits.mostRecord = std::min(bytes, kMostRecord);
   }
 
+  void SetStart(std::string const& point) {
+    RequireStart();
+    m_limits.start = ResumePoint::Of(point);
+  }
+
+  void SetEnd(std::uint64_t offset) {
+    RequireStart();
+    m_limits.end = offset;
+  }
+
   bool Advance(CXmlRecordReader& reader, bool holdsUtf8) {
     if (m_end != nullptr) std::rethrow_exception(m_end);
     Utf8Text::Use const use = UseFor(holdsUtf8);
@@ -141,6 +153,10 @@ class CXmlRecordReader::Work {
 
   PresentRecord const& Present() const { return m_present; }
   std::size_t Selection() const { return m_batch != nullptr ? m_selections[m_batch->Selection(m_record)] : 0; }
+  std::string ResumePointHere() const {
+    if (m_batch == nullptr) ThrowNoRecord();
+    return m_batch->ResumePointOf(m_record);
+  }
   std::uint64_t Count() const { return m_count; }
   CFailurePlace Place() const { return m_batch != nullptr ? m_batch->Place(m_record) : CFailurePlace(); }
   std::uint64_t InputOffset() const { return m_inputOffset; }
@@ -158,11 +174,17 @@ class CXmlRecordReader::Work {
   }
 
   void RequireRecord() const {
-    if (m_present.Element() == nullptr) throw CQnInvalidStateException("There is no record");
+    if (m_present.Element() == nullptr) ThrowNoRecord();
   }
 
   void Open() {
     if (m_stream != nullptr) return;
+    if (m_limits.start) {
+      m_inputOffset = m_limits.start->at.offset;
+      if (!m_source.m_input->Seek(m_inputOffset)) {
+        throw CQnInvalidStateException("The input cannot be read from a place in the middle");
+      }
+    }
     auto input = std::make_unique<CountedInput>(std::move(m_source.m_input), m_inputOffset);
     m_stream = OpenRecords(std::move(input), m_paths, m_limits, m_ctx, m_source.m_path);
   }
@@ -277,6 +299,12 @@ void CXmlRecordReader::OnElement(std::string const& path, std::function<void(CXm
 }
 
 void CXmlRecordReader::SetMaxRecordSize(std::size_t bytes) { m_work->SetMaxRecordSize(bytes); }
+
+void CXmlRecordReader::SetStart(std::string const& point) { m_work->SetStart(point); }
+
+void CXmlRecordReader::SetEnd(std::uint64_t offset) { m_work->SetEnd(offset); }
+
+std::string CXmlRecordReader::GetResumePoint() const { return m_work->ResumePointHere(); }
 
 bool CXmlRecordReader::Advance(bool holdsUtf8) { return m_work->Advance(*this, holdsUtf8); }
 

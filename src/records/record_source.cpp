@@ -6,7 +6,7 @@
 
 namespace Quillon9 {
 
-CRecordSource::CRecordSource(char const* path) : m_path(path != nullptr ? path : ""), m_input(InputOfFile(m_path, 0)) {}
+CRecordSource::CRecordSource(char const* path) : m_path(path != nullptr ? path : ""), m_input(InputOfFile(m_path)) {}
 
 CRecordSource::CRecordSource(Function function) : m_input(InputOfFunction(std::move(function))) {}
 

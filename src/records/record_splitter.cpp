@@ -48,8 +48,24 @@ std::string RecordChunk::PathOf(RecordSpan const& record) const {
   return path;
 }
 
+ResumePoint RecordChunk::PointOf(RecordSpan const& record) const {
+  return {record.at, ancestors->prolog, ancestors->elements, record.name, record.number};
+}
+
 RecordSplitter::RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize)
     : m_window(window), m_paths(std::move(paths)), m_chunkSize(chunkSize) {}
+
+void RecordSplitter::Resume(ResumePoint const& point) {
+  m_skeleton.Feed(point.prolog, point.at);
+  m_documentType = point.prolog.substr(m_skeleton.IsStandalone() ? sizeof kStandalone - 1 : 0);
+  for (ResumePoint::Element const& element : point.elements) {
+    m_skeleton.Feed(element.startTag, point.at, 1);
+    std::size_t const nameEnd = element.startTag.find_first_of(" \t\r\n>");
+    m_levels.push_back(
+        {element.startTag, element.startTag.substr(1, nameEnd - 1), element.number, StatesOfInnermost(), {}});
+  }
+  if (!m_levels.empty() && point.number > 0) m_levels.back().children.emplace(point.name, point.number - 1);
+}
 
 std::optional<RecordChunk> RecordSplitter::Next() {
   if (m_failure != nullptr) std::rethrow_exception(m_failure);
@@ -130,6 +146,8 @@ void RecordSplitter::StartElement(RecordChunk& chunk, Markup const& tag) {
   level.number = CountChild(level.name);
   level.states = StatesOfInnermost();
   if (std::optional<std::size_t> const selection = SelectionOf(level.states)) {
+    m_isAtEnd = m_window.Start().offset >= m_end;
+    if (m_isAtEnd) return;
     RecordSpan span;
     span.at = m_window.Start();
     span.name = std::move(level.name);
@@ -215,14 +233,16 @@ std::string RecordSplitter::PathOfLevels() const {
   return path;
 }
 
+std::string RecordSplitter::Prolog() const { return (m_skeleton.IsStandalone() ? kStandalone : "") + m_documentType; }
+
 std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   if (m_ancestors != nullptr) return m_ancestors;
   auto made = std::make_shared<RecordAncestors>();
-  if (m_skeleton.IsStandalone()) made->startTags = kStandalone;
-  made->startTags += m_documentType;
-  made->depth = m_levels.size();
+  made->prolog = Prolog();
+  made->startTags = made->prolog;
   made->path = PathOfLevels();
   for (Level const& level : m_levels) {
+    made->elements.push_back({level.startTag, level.number});
     made->startTags += level.startTag;
     made->endTags.insert(0, EndTagOf(level.name));
   }

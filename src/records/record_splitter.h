@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <limits>
 #include <map>
 #include <memory>
 #include <optional>
@@ -13,16 +14,18 @@
 #include "records/markup.h"
 #include "records/record_path.h"
 #include "records/record_skeleton.h"
+#include "records/resume_point.h"
 #include "records/text_window.h"
 
 namespace Quillon9 {
 
 /// What stands around a record.
 struct RecordAncestors {
-  std::string startTags;  ///< with the document type declaration, as they are in the document
+  std::string prolog;  ///< as in ResumePoint
+  std::vector<ResumePoint::Element> elements;
+  std::string startTags;  ///< the prolog and the start tags of the elements
   std::string endTags;
-  std::string path;  ///< with the numbers of the elements among their siblings of the same name
-  std::size_t depth = 0;
+  std::string path;
 };
 
 /// One record of a chunk.
@@ -50,6 +53,8 @@ struct RecordChunk {
   std::string Document(std::size_t record) const;
   /// Where a record is in the tree of the whole document.
   std::string PathOf(RecordSpan const& record) const;
+  /// For a read that begins with this record.
+  ResumePoint PointOf(RecordSpan const& record) const;
 };
 
 /// Divides a document into chunks of records. What is not part of a record is checked and passed over.
@@ -58,6 +63,12 @@ class RecordSplitter {
   /// \p window begins at the start of the document, and is borrowed. Records that do not fit in it are too large.
   /// Records are put together until they have \p chunkSize bytes.
   RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
+
+  /// Begin at \p point, where the window begins. Nothing has been read.
+  /// \throws what RecordSkeleton throws for tags that are not those of a document.
+  void Resume(ResumePoint const& point);
+  /// End in front of the first record that begins at \p offset of the document or after it, and leave the rest unread.
+  void SetEnd(std::uint64_t offset) { m_end = offset; }
 
   /// The next records; nothing at the end of the document.
   /// \throws what RecordSkeleton and the window throw, after the records in front of the fault have been returned, and
@@ -87,6 +98,7 @@ class RecordSplitter {
   void PassMarkup(Markup const& markup);
   void StartElement(RecordChunk& chunk, Markup const& tag);
   void StartLevel(Markup const& tag, Level level);
+  std::string Prolog() const;
   void AddRecord(RecordChunk& chunk);
   std::vector<RecordPath::State> StatesOfInnermost() const;
   std::optional<std::size_t> SelectionOf(std::vector<RecordPath::State> const& states) const;
@@ -98,6 +110,7 @@ class RecordSplitter {
   TextWindow& m_window;
   std::vector<RecordPath> m_paths;
   std::size_t m_chunkSize;
+  std::uint64_t m_end = std::numeric_limits<std::uint64_t>::max();
   RecordSkeleton m_skeleton;
   std::string m_documentType;
   std::vector<Level> m_levels;

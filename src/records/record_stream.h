@@ -1,20 +1,27 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <memory>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "binding/failure_report.h"
 #include "quillon9/base/failures.h"
 #include "quillon9/fwd.h"
+#include "records/resume_point.h"
 #include "text/utf8_text.h"
 
 namespace Quillon9 {
 
-/// How a stream of records cuts a document.
+/// What a stream of records reads, and how it cuts it.
 struct RecordLimits {
   std::size_t batchSize = 0x10000;  ///< bytes of records that are loaded together
   std::size_t mostRecord = std::size_t{256} << 20;
+  std::optional<ResumePoint> start;                               ///< where the input begins; none for the document
+  std::uint64_t end = std::numeric_limits<std::uint64_t>::max();  ///< records that begin here or later are not read
 };
 
 /// Some records in a row. One thread at a time uses a batch, which need not be the one that took it from its stream.
@@ -27,6 +34,9 @@ class RecordBatch {
   virtual std::size_t Selection(std::size_t record) const = 0;
   /// Where \p record begins.
   virtual CFailurePlace Place(std::size_t record) const = 0;
+  /// A text with which another read can begin at \p record.
+  /// \throws CQnInvalidStateException "A read can begin in the middle of uncompressed text in UTF-8 only".
+  virtual std::string ResumePointOf(std::size_t record) const = 0;
   /// The tree of \p record, with text that is held as \p use says. It lives until the next call. It is quickest to ask
   /// for one record after the other.
   /// \throws CQnException for a record that cannot be loaded.

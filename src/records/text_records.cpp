@@ -42,7 +42,8 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
 std::vector<CXmlElement const*> LoadedChunk::Ancestors() const {
   std::vector<CXmlElement const*> ancestors;
   CXmlElement const* element = m_document.GetDocumentElement();
-  for (std::size_t depth = 0; depth < m_chunk.ancestors->depth; ++depth, element = element->GetFirstElement()) {
+  for (std::size_t depth = 0; depth < m_chunk.ancestors->elements.size();
+       ++depth, element = element->GetFirstElement()) {
     ancestors.push_back(element);
   }
   return ancestors;
@@ -85,7 +86,7 @@ CFailurePlace LoadedChunk::Corrected(CFailurePlace const& place) const {
 // The first steps are those of the ancestors and of the record.
 std::string LoadedChunk::CorrectedPath(std::string const& path, RecordSpan const& span) const {
   std::size_t at = 0;
-  for (std::size_t step = 0; step <= m_chunk.ancestors->depth && at < path.size(); ++step) {
+  for (std::size_t step = 0; step <= m_chunk.ancestors->elements.size() && at < path.size(); ++step) {
     at = std::min(path.find('/', at + 1), path.size());
   }
   return m_chunk.PathOf(span) + path.substr(at);
@@ -149,6 +150,13 @@ CFailurePlace TextBatch::Place(std::size_t record) const {
   return place;
 }
 
+std::string TextBatch::ResumePointOf(std::size_t record) const {
+  if (!m_shared.canResume) {
+    throw CQnInvalidStateException("A read can begin in the middle of uncompressed text in UTF-8 only");
+  }
+  return m_chunk.PointOf(m_chunk.records[record]).ToText();
+}
+
 void TextBatch::ThrowTooLarge(std::size_t record) const {
   auto failure =
       OfKind(FailureKind_Limit,
@@ -159,22 +167,15 @@ void TextBatch::ThrowTooLarge(std::size_t record) const {
 
 // ---- TextRecords
 
-namespace {
-
-TextPosition StartAt(std::size_t offset) {
-  TextPosition start;
-  start.offset = offset;
-  return start;
-}
-
-}  // namespace
-
 TextRecords::TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
-                         CXmlSerializationContext const& ctx, std::string const& file)
+                         CXmlSerializationContext const& ctx, std::string const& file, bool canResume)
     : m_input(std::move(document)),
-      m_shared{ctx, file, limits, !m_input.isConverted},
-      m_window(*m_input.input, StartAt(m_input.markSize), limits.mostRecord),
-      m_splitter(m_window, std::move(paths), limits.batchSize) {}
+      m_shared{ctx, file, limits, !m_input.isConverted, canResume && !m_input.isConverted},
+      m_window(*m_input.input, m_input.start, limits.mostRecord),
+      m_splitter(m_window, std::move(paths), limits.batchSize) {
+  m_splitter.SetEnd(limits.end);
+  if (limits.start) m_splitter.Resume(*limits.start);
+}
 
 TextRecords::~TextRecords() = default;
 

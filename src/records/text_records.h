@@ -53,6 +53,7 @@ struct TextRecordsContext {
   std::string const& file;
   RecordLimits limits;
   bool hasOffsets;  ///< positions in the text are positions in the input
+  bool canResume;   ///< and the input is not compressed
 };
 
 /// Records of XML text. They are loaded together, or one by one if that fails.
@@ -63,6 +64,7 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
   std::size_t Size() const override { return m_chunk.records.size(); }
   std::size_t Selection(std::size_t record) const override { return m_chunk.records[record].selection; }
   CFailurePlace Place(std::size_t record) const override;
+  std::string ResumePointOf(std::size_t record) const override;
   CXmlElement const* Load(std::size_t record, Utf8Text::Use use) override;
   std::vector<CXmlElement const*> Ancestors() const override { return m_loaded->Ancestors(); }
   bool IsAtEnd() const override { return m_isAtEnd; }
@@ -86,9 +88,10 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
 /// The records of XML text.
 class TextRecords final : public RecordStream {
  public:
-  /// \p ctx and \p file are borrowed, and outlive the batches. \p file is empty if the input is no file.
+  /// \p ctx and \p file are borrowed, and outlive the batches. \p file is empty if the input is no file. \p canResume
+  /// says whether the input is not compressed.
   TextRecords(Utf8Document document, std::vector<RecordPath> paths, RecordLimits const& limits,
-              CXmlSerializationContext const& ctx, std::string const& file);
+              CXmlSerializationContext const& ctx, std::string const& file, bool canResume);
   ~TextRecords() override;
 
   std::unique_ptr<RecordBatch> Next(Utf8Text::Use use) override;

@@ -159,6 +159,12 @@ bool IsNamed(std::string_view name, std::string_view wanted) {
   throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1"));
 }
 
+TextPosition StartAt(std::size_t offset) {
+  TextPosition start;
+  start.offset = offset;
+  return start;
+}
+
 }  // namespace
 
 Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
@@ -173,18 +179,18 @@ Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
     bool const isBig = two == "\xFE\xFF" || two == kBig;
     std::size_t const markSize = two == kLittle || two == kBig ? 0 : 2;
     if (markSize != 0) opened->Read(mark, markSize);
-    return {std::make_unique<Utf16Input>(std::move(opened), isBig), markSize, true};
+    return {std::make_unique<Utf16Input>(std::move(opened), isBig), StartAt(markSize), true};
   }
   if (start.compare(0, 3, "\xEF\xBB\xBF") == 0) {
     opened->Read(mark, 3);
-    return {std::move(opened), 3, false};
+    return {std::move(opened), StartAt(3), false};
   }
   std::string const& declaration = PeekDeclaration(*opened);
   std::string const encoding = DeclaredEncoding(declaration);
-  if (encoding.empty() || IsNamed(encoding, "UTF-8")) return {std::move(opened), 0, false};
+  if (encoding.empty() || IsNamed(encoding, "UTF-8")) return {std::move(opened), {}, false};
   int table[256];
   if (!FillSingleByteTable(encoding, table)) ThrowUnknown(declaration);
-  return {std::make_unique<SingleByteInput>(std::move(opened), table), 0, true};
+  return {std::make_unique<SingleByteInput>(std::move(opened), table), {}, true};
 }
 
 }  // namespace Quillon9

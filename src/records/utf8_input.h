@@ -3,13 +3,14 @@
 #include <memory>
 
 #include "records/octet_input.h"
+#include "records/text_window.h"
 
 namespace Quillon9 {
 
 /// The text of a document in UTF-8, whatever encoding its byte order mark and its XML declaration name, without the mark.
 struct Utf8Document {
   std::unique_ptr<OctetInput> input;
-  std::size_t markSize = 0;  ///< of the byte order mark
+  TextPosition start;        ///< past the byte order mark
   bool isConverted = false;  ///< the bytes are not those of the document
 };
 

@@ -301,3 +301,48 @@ TEST(RecordStream, GivesWhatAWholeReadGives) {
     }
   }
 }
+
+TEST(CXmlRecordReader, BeginsAtAnyRecordAndEndsAtAnyOffset) {
+  std::string text =
+      "<?xml version='1.0' standalone='yes'?><!DOCTYPE a [<!ENTITY e 'x\"y'>]>\n<p:a xmlns:p='u' t='%:\xE2\x82\xAC'>";
+  for (int day = 0; day < 5; ++day) {
+    text += "<day n='" + std::to_string(day) + "'>";
+    for (int i = 0; i < 7; ++i) text += "<p:r>&e;" + std::to_string(i) + "</p:r>\n";
+    text += "</day><p:r/>";
+  }
+  text += "</p:a>";
+  auto const read = [&](std::string const& start, std::uint64_t end, std::vector<std::string>& points) {
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()), Utf8Context());
+    reader.SelectRecords("//r");
+    if (!start.empty()) reader.SetStart(start);
+    reader.SetEnd(end);
+    std::string seen;
+    while (reader.Advance()) {
+      points.push_back(reader.GetResumePoint());
+      for (CXmlElement const* const element : reader.GetAncestors()) {
+        seen += element->GetAttribute("n", "") + element->GetAttribute("t", "");
+      }
+      seen += reader.GetElement()->GetText() + std::to_string(reader.GetPlace().GetOffset()) + "/" +
+              std::to_string(reader.GetPlace().GetLine()) + "/" + std::to_string(reader.GetPlace().GetColumn()) + ";";
+    }
+    return seen;
+  };
+  std::vector<std::string> points;
+  std::vector<std::string> unused;
+  std::string const whole = read("", text.size(), points);
+  ASSERT_EQ(points.size(), 40U);
+  for (std::string const& point : points) {
+    std::size_t const offset = std::stoul(point.substr(point.find(':') + 1));
+    EXPECT_EQ(read("", offset, unused) + read(point, text.size(), unused), whole) << point;
+    EXPECT_EQ(read("", offset - 1, unused) + read(point, offset + 1, unused) + read(point, text.size(), unused),
+              read("", offset + 1, unused) + read(point, text.size(), unused))
+        << point;
+  }
+  for (char const* point : {"", "records1", "records1:1:2:3:x:r:", "records1:1:2:3:4:r:%4", "records1:1:2:3:4:r::1"}) {
+    CXmlRecordReader reader(CRecordSource::Memory("<a/>", 4));
+    EXPECT_THROW(reader.SetStart(point), CQnInvalidParamException) << point;
+  }
+  CXmlRecordReader reader{CRecordSource([](char*, std::size_t) { return std::size_t{0}; })};
+  reader.SetStart(points[3]);
+  EXPECT_FAILURE(CQnInvalidStateException, "The input cannot be read from a place in the middle", reader.Skip());
+}

@@ -89,6 +89,16 @@ class QUILLON9_API CXmlRecordReader {
   /// A record of more than \p bytes is a failure, and passed over; 256 MiB unless this is called, and less than 4 GiB.
   void SetMaxRecordSize(std::size_t bytes);
 
+  /// Begin at a record in the middle of the document, instead of at its start. \p point is what GetResumePoint() of
+  /// another reader of the same document said there. The source must be a file or bytes in memory, not compressed.
+  /// \throws CQnInvalidParamException "The text [%s] does not describe the place of a record"; as SelectRecords(). The
+  ///         first call that reads throws CQnInvalidStateException "The input cannot be read from a place in the middle".
+  void SetStart(std::string const& point);
+  /// End in front of the first record that begins at the byte \p offset of the document or after it. What follows is not
+  /// read. So a document can be cut at any offsets: a record belongs to the piece in which it begins.
+  /// \throws as SelectRecords().
+  void SetEnd(std::uint64_t offset);
+
   /// Read the next record into a new object of \p Class; null after the last one. For a generated class, the object may
   /// be of a derived class that xsi:type names.
   /// \throws what CXmlObjectBase::FromXmlElement() throws for the record, with its place in the whole document; what
@@ -140,6 +150,11 @@ class QUILLON9_API CXmlRecordReader {
   std::uint64_t GetCount() const;
   /// Where the present record begins.
   CFailurePlace GetPlace() const;
+  /// A word that describes the place of the present record with the start tags of the elements around it, for
+  /// SetStart(). It consists of ASCII characters without white space and quotation marks.
+  /// \throws CQnInvalidStateException "There is no record"; "A read can begin in the middle of uncompressed text in UTF-8
+  ///         only".
+  std::string GetResumePoint() const;
   /// How many bytes of the input have been read.
   std::uint64_t GetInputOffset() const;
 
