@@ -128,7 +128,9 @@ void UnknownReading::KeepChildren(CUnknownContent& unknown, CXmlSerializationCon
     } else {
       CXmlElement* cursor = child;
       ObjectContent::Count(m_element, sizeof(CUnknownItem));
-      keep({{}, TakeGeneric(parent, &cursor, ctx)}, index < places.size() ? places[index] : 0);
+      CUnknownItem item;
+      item.element = TakeGeneric(parent, &cursor, ctx);
+      keep(std::move(item), index < places.size() ? places[index] : 0);
     }
     ++index;
   }
