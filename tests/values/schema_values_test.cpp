@@ -417,6 +417,13 @@ TEST(SchemaFacets, TextsOfAnotherCodePage) {
   SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xE4\xF6]")).Check("a", value);
   EXPECT_FALSE(
       Passes([&] { SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xF6]")).Check("a", value); }));
+
+  // The two bytes are one character in one code page, and end in a backslash in the other.
+  SchemaFacets const madeHere(ItemType_string, Restrictions(Facet::Pattern, "\x83\\"));
+  value.SetString("\x83\\");
+  EXPECT_THROW(madeHere.Check("a", value), CQnException);
+  Testing::ScopedLocale const japanese("ja_JP.SJIS");
+  if (japanese.IsThere()) madeHere.Check("a", value);
 }
 
 TEST(SchemaFacets, WhatDoesNotParseFailsAtEachCheck) {
