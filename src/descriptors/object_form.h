@@ -20,6 +20,7 @@ struct ObjectForm {
   std::optional<std::vector<std::size_t>> places = std::vector<std::size_t>();
   std::vector<std::pair<std::string, std::string>> prefixes;  ///< of the document, each with its URI
   std::unique_ptr<CUnknownContent> unknown;                   ///< null for none
+  std::size_t textSize = 0;  ///< of the element that the unknown content is from; places in another text mean nothing
 };
 
 }  // namespace Quillon9

@@ -49,7 +49,9 @@ void UnknownReading::KeepIn(CXmlGeneratedClass& object, CXmlSerializationContext
     for (CMarkup const& markup : unknown->GetDocumentMarkup()) GenericSize::CountMarkup(m_element, markup);
   }
   ObjectContent::Count(m_element, sizeof(CUnknownContent) + sizeof(ObjectForm) + sizeof(CAttributeCol));
-  FormAccess::ToChange(object).unknown = std::move(unknown);
+  ObjectForm& form = FormAccess::ToChange(object);
+  form.unknown = std::move(unknown);
+  form.textSize = m_element.GetTextView().size();
 }
 
 bool UnknownReading::HasRest() const {

@@ -404,7 +404,7 @@ void CXmlTextWriter::WriteMarkup(CMarkup const& markup) {
     m_stream->Append(!text.empty() && text.back() == '-' ? " -->" : "-->");
   } else {
     m_stream->Append("<?");
-    m_stream->Append(markup.target);
+    m_stream->Append(Parted(markup.target.c_str(), "?>"));
     if (!text.empty()) m_stream->Append(' ');
     AppendLines(Parted(text, "?>"));
     m_stream->Append("?>");
