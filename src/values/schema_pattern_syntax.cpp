@@ -255,7 +255,7 @@ class PatternParser {
   std::vector<Part> TakeRange(bool isFirst) {
     if (IsNext("-")) return TakeHyphen(isFirst);
     Item first = TakeItem();
-    bool const isRange = IsNext("-") && m_rest.size() > 1 && m_rest[1] != ']' && m_rest[1] != '[';
+    bool const isRange = IsNext("-") && !IsNext("-]") && !IsNext("-[") && !IsNext("--[") && m_rest.size() > 1;
     if (!first.parts.empty()) {
       if (!isRange) return first.parts;
       m_rest.remove_prefix(1);
@@ -263,7 +263,7 @@ class PatternParser {
       Append(first.parts, RangeOf('-', '-'));
       return first.parts;
     }
-    if (!isRange || IsNext("--[")) return RangeOf(first.character, first.character);
+    if (!isRange) return RangeOf(first.character, first.character);
     m_rest.remove_prefix(1);
     if (IsNext("-")) Fail("\"-\" cannot be the end of a range");
     Item const last = TakeItem();
