@@ -12,6 +12,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/kept_form.h"
 #include "descriptors/object_form.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
@@ -168,6 +169,8 @@ void WriteRootPrologue(CXmlWriter* writer, CUnknownContent const* unknown, CXmlS
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(writer, GetUnknownContent(), ctx);
+  CDocumentForm const* const documentForm = isRoot && ctx.GetKeepForm() ? GetDocumentForm() : nullptr;
+  if (documentForm != nullptr) KeptForm::BindPrefix(documentForm, *writer);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!kNamespaceText.IsOn()) text = std::string();
@@ -182,6 +185,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (m_form != nullptr && m_form->unknown != nullptr) {
     WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
   }
+  if (documentForm != nullptr) KeptForm::WriteLocations(documentForm, additional, *writer, ctx);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
