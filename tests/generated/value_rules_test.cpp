@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "article.h"
 #include "constructs.h"
 #include "dynamic_class.h"
 #include "quillon9/quillon9.h"
@@ -207,6 +208,12 @@ TEST(ValueRules, GeneratedClassesAskForThoseOfXmlSchema) {
   CXmlSerializationContext const unset;
   EXPECT_FALSE(unset.HasValueRules());
   EXPECT_EQ(unset.GetValueRules(), ValueRules_Classic);
+}
+
+TEST(ValueRules, CollectionsAskForThoseOfTheirItems) {
+  auto const article = Article::ReadArticle(XmlText("<article><item/></article>"));
+  article->GetChoice().begin()->GetItem()->GetNote().FromXml("<item><note>a&#13;b</note></item>");
+  EXPECT_EQ(article->ToXml(false, false), "<article><item><note>a&#xD;b</note></item></article>");
 }
 
 TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {
