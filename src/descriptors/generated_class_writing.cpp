@@ -1,6 +1,7 @@
 // How a generated class is written. The code that writes something also checks the rules for it, so an object that
 // breaks one fails in the middle of the output.
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/kept_form.h"
 #include "descriptors/object_form.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
@@ -129,8 +131,31 @@ class UnknownItems : public InsertedItems {
 
 namespace {
 
-void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) {
-  for (std::string const& instruction : ctx.GetProcessingInstructions()) writer->WritePI(instruction);
+/// Whether \p text, a whole `<?...?>`, is \p instruction.
+bool IsSameInstruction(std::string_view text, CMarkup const& instruction) {
+  constexpr std::string_view kStart = "<?";
+  constexpr std::string_view kEnd = "?>";
+  std::size_t const end = text.find(kEnd);
+  if (!StartsWith(text, kStart) || end == text.npos) return false;
+  text = text.substr(kStart.size(), end - kStart.size());
+  std::size_t const blank = std::min(text.find_first_of(" \t\r\n"), text.size());
+  std::size_t const data = std::min(text.find_first_not_of(" \t\r\n", blank), text.size());
+  return text.substr(0, blank) == instruction.target && text.substr(data) == instruction.text;
+}
+
+/// Whether \p unknown, which may be null, has \p instruction in front of the document element, where it is written.
+bool HasInstruction(CUnknownContent const* unknown, std::string const& instruction) {
+  if (unknown == nullptr) return false;
+  std::vector<CMarkup> const& kept = unknown->GetDocumentMarkup();
+  return std::any_of(kept.begin(), kept.end(), [&](CMarkup const& markup) {
+    return markup.childrenInFront == 0 && !markup.IsComment() && IsSameInstruction(instruction, markup);
+  });
+}
+
+void WriteRootPrologue(CXmlWriter* writer, CUnknownContent const* unknown, CXmlSerializationContext const& ctx) {
+  for (std::string const& instruction : ctx.GetProcessingInstructions()) {
+    if (!HasInstruction(unknown, instruction)) writer->WritePI(instruction);
+  }
   CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
   for (int i = 0; i < aliases.GetNamespaceCount(); ++i) {
     std::string const ns = aliases.GetNamespaceAt(i);
@@ -143,7 +168,9 @@ void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) 
 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
-  if (isRoot) WriteRootPrologue(writer, ctx);
+  if (isRoot) WriteRootPrologue(writer, GetUnknownContent(), ctx);
+  CDocumentForm const* const documentForm = isRoot && ctx.GetKeepForm() ? GetDocumentForm() : nullptr;
+  if (documentForm != nullptr) KeptForm::BindPrefix(documentForm, *writer);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!kNamespaceText.IsOn()) text = std::string();
@@ -158,6 +185,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (m_form != nullptr && m_form->unknown != nullptr) {
     WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
   }
+  if (documentForm != nullptr) KeptForm::WriteLocations(documentForm, additional, *writer, ctx);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
@@ -175,8 +203,9 @@ void CXmlGeneratedClass::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationC
   ReadProperty(info.m_textPropertyIndex, text);
   bool const hasItems = m_form != nullptr && m_form->unknown != nullptr && !m_form->unknown->GetItems().empty();
   MixedTexts* const items = hasItems ? MixedTexts::Of(*writer) : nullptr;
-  if (items != nullptr) items->BeforeText();
-  writer->WriteString(text.GetString(), text.GetItemType());
+  if (items == nullptr) return writer->WriteString(text.GetString(), text.GetItemType());
+  bool const isOfSameSize = text.GetString().size() == m_form->textSize;
+  items->WriteText(text.GetString(), text.GetItemType(), isOfSameSize);
 }
 
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {

@@ -9,6 +9,7 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "text/utf8_text.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
@@ -73,7 +74,8 @@ void CElement::WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializa
   for (CContentItem<CElement> const& item : Content()) {
     std::string_view run = item.GetText();
     while (isHere() && (!item.IsText() || next->textInFront < passed + run.size())) {
-      std::size_t const size = item.IsText() ? std::max(next->textInFront, passed) - passed : 0;
+      std::size_t const place = std::max(next->textInFront, passed) - passed;
+      std::size_t const size = item.IsText() ? Utf8Text::OutsideCharacters(run, place) : 0;
       writer->WriteString(std::string(run.substr(0, size)), ItemType_string);
       run.remove_prefix(size);
       passed += size;
