@@ -20,7 +20,7 @@
 #include <vector>
 
 #include "orders/generator.h"
-#include "orders_generated.h"
+#include "generatedorders.h"
 #include "quillon9/quillon9.h"
 
 namespace {
@@ -110,7 +110,7 @@ void Copy(char const* file) {
 
 void ReadWhole(char const* file) {
   Report report;
-  CSmartPtr<GeneratedOrders::COrdersType> const orders = GeneratedOrders::ReadOrders(XmlFile(file));
+  CSmartPtr<GeneratedOrders::COrders> const orders = GeneratedOrders::ReadOrders(XmlFile(file));
   report.records = orders->GetOrder().GetCount();
   if (std::FILE* const opened = std::fopen(file, "rb")) {
     std::fseek(opened, 0, SEEK_END);

@@ -13,21 +13,20 @@
 
 namespace Quillon9 {
 
-namespace {
-
-/// \p failure ended a write. Of no effect if that was before the root.
-void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
-              CXmlSerializationContext const& ctx) noexcept {
+void WriteFailure::AddPlaceInInfoset(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
+                                     CXmlSerializationContext const& ctx) noexcept {
   try {
     TextScope const scope(object, ctx);
     CBinaryStream stream;
     CFastInfosetWriter encoder(*ctx.GetFIContext(), stream);
     encoder.Open();
     encoder.WriteStartDocument(decl);
-    WriteFailure::AddPlace(failure, object, ctx, encoder);
+    AddPlace(failure, object, ctx, encoder);
   } catch (...) {  // the failure that ended the write counts
   }
 }
+
+namespace {
 
 /// The declaration that the form of \p object has, or \p wanted if it has no form.
 FInfoDecl DeclarationFor(CXmlObjectBase const& object, FInfoDecl wanted, CXmlSerializationContext const& ctx) {
@@ -61,7 +60,7 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
 } catch (CQnException& failure) {
-  AddPlace(failure, *this, decl, ctx);
+  WriteFailure::AddPlaceInInfoset(failure, *this, decl, ctx);
   throw;
 }
 

@@ -14,6 +14,7 @@
 #include "base/text_copy.h"
 #include "descriptors/kept_form.h"
 #include "descriptors/object_form.h"
+#include "descriptors/root_prologue.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -129,46 +130,9 @@ class UnknownItems : public InsertedItems {
   if (isRoot) WriteDocumentMarkup(*writer, unknown, 1);
 }
 
-namespace {
-
-/// Whether \p text, a whole `<?...?>`, is \p instruction.
-bool IsSameInstruction(std::string_view text, CMarkup const& instruction) {
-  constexpr std::string_view kStart = "<?";
-  constexpr std::string_view kEnd = "?>";
-  std::size_t const end = text.find(kEnd);
-  if (!StartsWith(text, kStart) || end == text.npos) return false;
-  text = text.substr(kStart.size(), end - kStart.size());
-  std::size_t const blank = std::min(text.find_first_of(" \t\r\n"), text.size());
-  std::size_t const data = std::min(text.find_first_not_of(" \t\r\n", blank), text.size());
-  return text.substr(0, blank) == instruction.target && text.substr(data) == instruction.text;
-}
-
-/// Whether \p unknown, which may be null, has \p instruction in front of the document element, where it is written.
-bool HasInstruction(CUnknownContent const* unknown, std::string const& instruction) {
-  if (unknown == nullptr) return false;
-  std::vector<CMarkup> const& kept = unknown->GetDocumentMarkup();
-  return std::any_of(kept.begin(), kept.end(), [&](CMarkup const& markup) {
-    return markup.childrenInFront == 0 && !markup.IsComment() && IsSameInstruction(instruction, markup);
-  });
-}
-
-void WriteRootPrologue(CXmlWriter* writer, CUnknownContent const* unknown, CXmlSerializationContext const& ctx) {
-  for (std::string const& instruction : ctx.GetProcessingInstructions()) {
-    if (!HasInstruction(unknown, instruction)) writer->WritePI(instruction);
-  }
-  CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
-  for (int i = 0; i < aliases.GetNamespaceCount(); ++i) {
-    std::string const ns = aliases.GetNamespaceAt(i);
-    writer->AddNamespace(aliases.GetAliasFromNamespace(ns.c_str()), ns);
-  }
-  if (!ctx.GetDefaultNamespaceURI().empty()) writer->SetDefaultNamespace(ctx.GetDefaultNamespaceURI());
-}
-
-}  // namespace
-
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
-  if (isRoot) WriteRootPrologue(writer, GetUnknownContent(), ctx);
+  if (isRoot) WriteRootPrologue(*writer, GetUnknownContent(), ctx);
   CDocumentForm const* const documentForm = isRoot && ctx.GetKeepForm() ? GetDocumentForm() : nullptr;
   if (documentForm != nullptr) KeptForm::BindPrefix(documentForm, *writer);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory

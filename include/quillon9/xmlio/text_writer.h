@@ -93,6 +93,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void SetPlainQuotes(bool plain) { m_hasPlainQuotes = plain; }
 
  private:
+  friend struct XmlWriterAccess;
+
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();
