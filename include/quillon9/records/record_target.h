@@ -34,8 +34,8 @@ class QUILLON9_API CRecordTarget {
   CRecordTarget& operator=(CRecordTarget&& other) noexcept;
   ~CRecordTarget();
 
-  /// The end of the file \p path, which is created where it is missing, for a log of records. See
-  /// CXmlRecordWriter for what is written.
+  /// The end of the file \p path, which is created where it is missing, for a log of records. See CXmlRecordWriter for
+  /// what is written. Where a write fails, as on a full disk, the file may end inside of a record.
   /// \throws CQnException as for a file.
   static CRecordTarget EndOfFile(std::string const& path);
   /// An open file or pipe, such as descriptor 1 for the standard output. The descriptor stays open. A pipe whose reader

@@ -88,8 +88,8 @@ class QUILLON9_API CXmlRecordWriter {
   /// Write an attribute of the element that was opened last, before its content. \p type may select the encoding in Fast
   /// Infoset.
   /// \throws CQnInvalidStateException "There is no open element", "The attribute [%s] comes after the content of its
-  ///         element"; CQnInvalidParamException "The element has two attributes [%s]"; CQnInvalidValueException "The
-  ///         character U+%04X cannot stand in an XML document", and "The text is not well-formed UTF-8 after [%s]".
+  ///         element"; CQnInvalidParamException "The element has two attributes [%s]", "The attribute [%s] would declare a
+  ///         namespace"; CQnInvalidValueException "The character U+%04X cannot stand in an XML document", and "The text is not well-formed UTF-8 after [%s]".
   void WriteAttribute(std::string const& localName, std::string const& value, std::string const& namespaceUri = {},
                       ItemType type = ItemType_string);
   /// Write text into the open element. Text around records counts, so no line ends and tabs are added until that element
@@ -111,7 +111,7 @@ class QUILLON9_API CXmlRecordWriter {
   /// \throws what CXmlObjectBase::ToXml() throws, with the path from the record; nothing of it is written then.
   void Write(CXmlObjectBase const& object);
   /// Write \p object, which has this element name in the meantime, in its target namespace or in \p namespaceUri, which
-  /// is empty for none.
+  /// is empty for none. A CElement keeps its own name and namespace.
   /// \throws as Write(object), and CQnInvalidParamException "The name [%s] is not a name in XML".
   ///@{
   void Write(CXmlObjectBase& object, std::string const& localName);
