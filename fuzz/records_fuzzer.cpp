@@ -33,7 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   } catch (CQnException const& failure) {
     if (failure.GetKind() == FailureKind_Limit) return 0;
     Fuzzing::Require(!Testing::ReadAsRecords(octets, "{}none", piece, batch).failure.empty(), "a failure is found");
-    Fuzzing::Require(!Testing::ReadAsRecords(octets, "*", piece, batch).failure.empty(), "a failure of a record is found");
+    Fuzzing::Require(!Testing::ReadAsRecords(octets, "*", piece, batch).failure.empty(),
+                     "a failure of a record is found");
     return 0;
   }
   std::set<std::string> names;

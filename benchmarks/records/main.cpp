@@ -19,8 +19,8 @@
 #include <string>
 #include <vector>
 
-#include "orders/generator.h"
 #include "generatedorders.h"
+#include "orders/generator.h"
 #include "quillon9/quillon9.h"
 
 namespace {
@@ -141,7 +141,8 @@ bool Run(int argc, char** argv) {
 int main(int argc, char** argv) {
   try {
     if (Run(argc, argv)) return 0;
-    std::fprintf(stderr, "usage: %s make|make-infoset MEGABYTES | read FILE [THREADS] | copy FILE | whole FILE\n", argv[0]);
+    std::fprintf(stderr, "usage: %s make|make-infoset MEGABYTES | read FILE [THREADS] | copy FILE | whole FILE\n",
+                 argv[0]);
     return 2;
   } catch (CQnException const& failure) {
     std::fprintf(stderr, "%s\n", failure.GetReport().c_str());

@@ -30,6 +30,7 @@ using RecordMaker = CSmartPtr<CXmlObjectBase> (*)(CXmlElement const& element);
 /// A new object of a generated class with these tables, or of the derived one that xsi:type names.
 QUILLON9_API CSmartPtr<CXmlObjectBase> MakeBoundRecord(CClassTables const& tables, CXmlElement const& element);
 
+/// A new object of \p Class for the record \p element.
 template <class Class>
 CSmartPtr<CXmlObjectBase> MakeRecord(CXmlElement const& element) {
   if constexpr (std::is_base_of_v<CBoundObject, Class>) {
@@ -43,7 +44,7 @@ CSmartPtr<CXmlObjectBase> MakeRecord(CXmlElement const& element) {
 /// Gets the object of a record.
 using RecordTask = std::function<void(CSmartPtr<CXmlObjectBase> const& object)>;
 
-/// How a class holds its text.
+/// Whether \p Class holds its text in UTF-8, as generated classes do.
 template <class Class>
 constexpr bool HoldsUtf8() {
   return std::is_base_of_v<CBoundObject, Class>;
@@ -166,21 +167,29 @@ class QUILLON9_API CXmlRecordReader {
     /// Moves on when it is incremented.
     class iterator {
      public:
+      /// For algorithms that go through records once.
       using iterator_category = std::input_iterator_tag;
       using value_type = CSmartPtr<Class>;
       using difference_type = std::ptrdiff_t;
       using pointer = CSmartPtr<Class>*;
       using reference = CSmartPtr<Class>&;
 
+      /// The end.
       iterator() = default;
+      /// The next record of \p reader.
       explicit iterator(CXmlRecordReader& reader) : m_reader(&reader) { ++*this; }
+      /// The record.
       reference operator*() { return m_record; }
+      /// Go to the next record.
+      /// \throws as Next().
       iterator& operator++() {
         m_record = m_reader->Next<Class>();
         if (!m_record) m_reader = nullptr;
         return *this;
       }
+      /// Whether both are at the end, or at the present record of one reader.
       bool operator==(iterator const& other) const { return m_reader == other.m_reader; }
+      /// The opposite.
       bool operator!=(iterator const& other) const { return m_reader != other.m_reader; }
 
      private:
@@ -188,13 +197,17 @@ class QUILLON9_API CXmlRecordReader {
       CSmartPtr<Class> m_record;
     };
 
+    /// The records of \p reader, which is borrowed.
     explicit Range(CXmlRecordReader& reader) : m_reader(reader) {}
+    /// The next record. Reads it.
     iterator begin() const { return iterator(m_reader); }
+    /// Past the last record.
     iterator end() const { return {}; }
 
    private:
     CXmlRecordReader& m_reader;
   };
+  /// The records that are left, as objects of \p Class.
   template <class Class>
   Range<Class> Records() {
     return Range<Class>(*this);
