@@ -1,5 +1,6 @@
 #include "fastinfoset/octet_source.h"
 
+#include <algorithm>
 #include <string>
 
 #include "base/failure_detail.h"
@@ -12,6 +13,37 @@ void ThrowFastInfosetFailure(char const* reason, FailureKind kind) {
 }
 
 void COctetSource::ThrowEndOfFile() { ThrowFastInfosetFailure("Unexpected End of File."); }
+
+bool COctetSource::Fill(std::uint64_t count) {
+  if (m_supply == nullptr) return false;
+  OctetSupply::Octets const octets = m_supply->Supply(m_position, GetLeft(), count);
+  m_passed = GetOffset();
+  m_begin = m_position = octets.begin;
+  m_end = octets.end;
+  return count <= GetLeft();
+}
+
+std::string_view COctetSource::Piece(std::uint64_t most) {
+  if (!Has(1)) return {};
+  std::size_t const size = std::min<std::uint64_t>(most, GetLeft());
+  return {reinterpret_cast<char const*>(Move(size)), size};
+}
+
+void COctetSource::SkipPieces(std::uint64_t count) {
+  if (m_supply == nullptr) ThrowEndOfFile();
+  std::size_t const start = GetOffset();
+  while (count > 0) {
+    std::size_t const size = Piece(count).size();
+    if (size == 0) ThrowEndAt(start);
+    count -= size;
+  }
+}
+
+void COctetSource::ThrowEndAt(std::size_t offset) {
+  m_begin = m_position = m_end;
+  m_passed = offset;
+  ThrowEndOfFile();
+}
 
 /// Return the value of \p form whose leading bits are \p leading and whose other bits are the next \p count octets.
 std::uint32_t COctetSource::Continue(fi::Form const& form, std::uint32_t leading, std::uint32_t count) {

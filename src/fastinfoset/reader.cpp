@@ -72,16 +72,14 @@ struct PlainChunk {
   return true;
 }
 
-[[noreturn]] void ThrowInvalidElement() { ThrowFastInfosetFailure("Invalid Encoding of Element type."); }
-
 }  // namespace
 
 void ThrowBeyondTable() { ThrowFastInfosetFailure("Invalid Index beyond its table."); }
 
 CFastInfosetReader::CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document)
-    : m_options(options),
+    : InfosetParser(COctetSource(document.GetInputData(), document.GetInputSize())),
+      m_options(options),
       m_document(document),
-      m_source(document.GetInputData(), document.GetInputSize()),
       m_keepsMarkup(XmlNodeAccess::KeepsMarkup(document)) {}
 
 CFastInfosetReader::~CFastInfosetReader() = default;
@@ -91,7 +89,8 @@ bool CFastInfosetReader::Parse() {
   StartTables();
   m_maxDepth = CLimits::GetMaxElementDepth();
   ReadOptionalData();
-  ReadChildren();
+  while (ReadChild()) {
+  }
   return true;
 }
 
@@ -109,28 +108,6 @@ void CFastInfosetReader::StartTables() {
   m_attributeValues.Begin(vocabulary.GetAttributeValuesTable().GetVector());
   m_elementNames.Begin(vocabulary.GetElementNamesTable().GetVector());
   m_attributeNames.Begin(vocabulary.GetAttributeNamesTable().GetVector());
-}
-
-// A missing last terminator is not a failure once the element is complete, and anything after a terminator is ignored.
-void CFastInfosetReader::ReadChildren() {
-  bool hasElement = false;
-  while (!m_doubleTerminator && !(hasElement && m_source.GetLeft() == 0)) {
-    std::uint32_t const octet = m_source.Octet();
-    if (octet == fi::kTerminator || octet == fi::kDoubleTerminator) break;
-    if (octet < fi::kCharacterChunk) {
-      if (hasElement) ThrowFastInfosetFailure("Invalid Document type with more than one Element.");
-      ElementBit2(octet);
-      hasElement = true;
-    } else if (octet == fi::kProcessingInstruction) {
-      ProcessingInstruction();
-    } else if (octet == fi::kComment) {
-      Comment();
-    } else if ((octet & fi::kTopSixBits) == fi::kDocumentTypeDeclaration) {
-      if (hasElement) ThrowFastInfosetFailure("Invalid Document type with Document Type Declaration behind Element.");
-      DocumentTypeDeclarationBit7(octet);
-    }
-  }
-  if (!hasElement) ThrowFastInfosetFailure("Invalid Document type without Element.");
 }
 
 // Iterative, because the document determines the depth of the nesting: the document keeps the open elements.
@@ -152,16 +129,11 @@ void CFastInfosetReader::StartElement(std::uint32_t octet) {
     NamespaceAttributes();
     octet = m_source.Octet();
   }
-  if (m_document.GetOpenElementCount() >= m_maxDepth) ThrowNestedTooDeep();
+  if (m_document.GetOpenElementCount() >= m_maxDepth) ThrowNestedTooDeep(m_maxDepth);
   CXmlName const* const name = ElementNameBit3(octet);
   CXmlElement* const element =
       m_document.GetDocumentElement() == nullptr ? m_document.AddDocElement(name) : m_document.AddChildElement(name);
   if (hasAttributes) Attributes(element);
-}
-
-void CFastInfosetReader::ThrowNestedTooDeep() const {
-  std::string const reason = FormatString("The element nesting exceeds the limit of %u levels", m_maxDepth);
-  ThrowFastInfosetFailure(reason.c_str(), FailureKind_Limit);
 }
 
 void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) {
@@ -173,8 +145,8 @@ void CFastInfosetReader::ReadContent(CXmlElement* element, std::uint32_t octet) 
     XmlNodeAccess::CloseElement(m_document);
   } else if (octet == fi::kDoubleTerminator) {
     XmlNodeAccess::CloseElement(m_document);
-    m_doubleTerminator = m_document.GetOpenElement() == nullptr;
-    if (!m_doubleTerminator) XmlNodeAccess::CloseElement(m_document);
+    if (m_document.GetOpenElement() == nullptr) return NoteDoubleTerminator();
+    XmlNodeAccess::CloseElement(m_document);
   } else if (octet == fi::kProcessingInstruction) {
     ProcessingInstruction();
   } else if (octet == fi::kComment) {
@@ -299,7 +271,7 @@ CXmlName const* CFastInfosetReader::SharedName(ReadName const& name) {
 CXmlName const* CFastInfosetReader::ReadQName(std::uint32_t octet, ReadNames& table) {
   bool const hasPrefix = (octet & fi::kHasPrefix) != 0;
   bool const hasNamespace = (octet & fi::kHasNamespaceName) != 0;
-  if (hasPrefix && !hasNamespace) ThrowFastInfosetFailure("Invalid QName type Prefix without Namespace.");
+  if (hasPrefix && !hasNamespace) ThrowPrefixWithoutNamespace();
   std::uint32_t const prefix = hasPrefix ? IdentifyingStringOrIndex(m_prefixes) : 0;
   std::uint32_t const uri = hasNamespace ? IdentifyingStringOrIndex(m_namespaces) : 0;
   ReadName const parts(prefix, uri, IdentifyingStringOrIndex(m_localNames));
@@ -382,30 +354,6 @@ std::string_view CFastInfosetReader::Local(std::string_view utf8) {
   return m_text;
 }
 
-CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit3(std::uint32_t octet) {
-  EncodedString string{static_cast<EncodedString::Kind>(octet >> 4 & 0x03), 0, nullptr, 0};
-  if ((octet & fi::kRestrictedAlphabetBit3) != 0) {  // set for an encoding algorithm, too
-    std::uint32_t const next = m_source.Octet();
-    string.m_index = ((octet & 0x0F) << 4 | next >> 4) + 1;
-    octet = next;
-  }
-  string.m_length = m_source.NonEmptyOctetStringBit5Length(octet);
-  string.m_octets = m_source.Move(string.m_length);
-  return string;
-}
-
-CFastInfosetReader::EncodedString CFastInfosetReader::EncodedCharacterStringBit5(std::uint32_t octet) {
-  EncodedString string{static_cast<EncodedString::Kind>(octet >> 2 & 0x03), 0, nullptr, 0};
-  if ((octet & fi::kRestrictedAlphabetBit5) != 0) {
-    std::uint32_t const next = m_source.Octet();
-    string.m_index = ((octet & 0x03) << 6 | next >> 2) + 1;
-    octet = next;
-  }
-  string.m_length = m_source.NonEmptyOctetStringBit7Length(octet);
-  string.m_octets = m_source.Move(string.m_length);
-  return string;
-}
-
 /// Fail before octets are decoded if their text would be too long in any case.
 void CFastInfosetReader::CheckLeastTextSize(EncodedString const& source) const {
   std::uint64_t const least = LeastTextSize(source.m_index, source.m_length);
@@ -417,25 +365,8 @@ void CFastInfosetReader::Decode(EncodedString const& source, std::string& target
     m_toLocal.Append(target, {Characters(source.m_octets), source.m_length});
     return;
   }
-  switch (source.m_kind) {
-    case EncodedString::Kind::kUtf8: return;
-    case EncodedString::Kind::kUtf16: {
-      std::size_t const length = std::min<std::size_t>(source.m_length, INT_MAX);
-      target += CEncoder::Utf16ToLocalCodePage(source.m_octets, static_cast<int>(length));
-      return;
-    }
-    case EncodedString::Kind::kRestrictedAlphabet: {
-      auto const& alphabets = m_options.GetVocabulary().GetRestrictedAlphabets();  // the same in each vocabulary
-      if (source.m_index > alphabets.size()) ThrowBeyondTable();
-      AppendRestrictedAlphabetText(target, source.m_octets, source.m_length, alphabets[source.m_index - 1],
-                                   m_document.GetContentLeft() + 1);
-      return;
-    }
-    case EncodedString::Kind::kEncodingAlgorithm:
-      CheckLeastTextSize(source);
-      target += DecodedText(source.m_index, source.m_octets, source.m_length);
-      return;
-  }
+  if (source.m_kind == EncodedString::Kind::kEncodingAlgorithm) CheckLeastTextSize(source);
+  AppendDecoded(source, m_options.GetVocabulary(), m_document.GetContentLeft() + 1, target);
 }
 
 }  // namespace Quillon9

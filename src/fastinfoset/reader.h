@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "fastinfoset/octet_source.h"
+#include "fastinfoset/infoset_parser.h"
 #include "fastinfoset/reader_tables.h"
 #include "quillon9/fwd.h"
 #include "quillon9/xmlio/document.h"
@@ -17,15 +17,14 @@
 
 namespace Quillon9 {
 
-/// Recognises a Fast Infoset document (Rec. ITU-T X.891) in a document's input and builds the document's tree from it,
-/// with one operation for each construct of the standard. Numbers in their names say on which bit a construct begins;
-/// these operations get that octet as argument. A reader lives for one parse, on the stack of the load.
+/// Recognises a Fast Infoset document (Rec. ITU-T X.891) in a document's input and builds the document's tree from it.
+/// A reader lives for one parse, on the stack of the load.
 ///
 /// Constructs that have no place in the tree (all components of the header, the document type, unexpanded entity
 /// references, and comments and processing instructions unless the document keeps them) are skipped by their lengths,
 /// whatever they contain. A document's own initial vocabulary is among them, so an index can refer only to entries from
 /// the context's vocabulary or from the document itself.
-class CFastInfosetReader {
+class CFastInfosetReader : private InfosetParser {
  public:
   /// Both arguments are kept by reference. \p document must not have a tree yet.
   CFastInfosetReader(CFastInfosetContext const& options, CXmlDocument& document);
@@ -44,58 +43,24 @@ class CFastInfosetReader {
   /// that are open at a failure stay so.
   /// \returns, \throws as Parse() does.
   bool ParseWithOutline(DocumentOutline& outline);
-  /// The offset of the next octet.
-  std::size_t GetOffset() const { return m_source.GetOffset(); }
+  using InfosetParser::GetOffset;
   /// After ParseWithOutline(): the name of an attribute as the document spells it.
   std::string GetSpelledAttribute(CXmlName const& name);
 
  private:
-  /// An encoded character string: the meaning of its octets and their position.
-  struct EncodedString {
-    enum class Kind : std::uint8_t { kUtf8, kUtf16, kRestrictedAlphabet, kEncodingAlgorithm };
-    Kind m_kind;
-    std::uint32_t m_index;  ///< of the alphabet or the algorithm
-    std::uint8_t const* m_octets;
-    std::size_t m_length;
-
-    bool IsUtf8() const {
-      return m_kind == Kind::kUtf8 || (m_kind == Kind::kEncodingAlgorithm && m_index == fi::kCdata);
-    }
-  };
-
-  // The header, defined in reader_header.cpp.
-  bool ReadHeader();
-  bool CheckHeader();
-  bool CheckDeclaration(char const* text);
-  void ReadOptionalData();
-  void AdditionalData();
-  void InitialVocabulary();
-  void Notations();
-  void UnparsedEntities();
-  void SkipSequence(std::uint32_t isPresent, void (CFastInfosetReader::*skipItem)());
-  void SkipNonEmptyOctetString();
-  void SkipEncodedCharacterString();
-  void SkipNameSurrogate();
-
-  // Items skipped both in the header and among the elements.
-  void SkipIdentifyingStringsOrIndices(std::uint32_t count);
-  void SkipNonIdentifyingStringOrIndex();
-  void ProcessingInstruction(bool isKept = true);
-  void Comment();
+  // Comments, processing instructions and the like, defined in reader_markup.cpp.
+  void ProcessingInstruction() override;
+  void Comment() override;
+  void PassOtherName() override { OtherName(); }
+  void PassOtherString() override { OtherString(); }
   std::string OtherName();
   std::string OtherString();
-  void DocumentTypeDeclarationBit7(std::uint32_t octet);
-  void NotationBit7(std::uint32_t octet);
-  void UnparsedEntityBit8(std::uint32_t octet);
-  void UnexpandedEntityReferenceBit7(std::uint32_t octet);
 
   // Structure.
   void StartTables();
-  void ReadChildren();
-  void ElementBit2(std::uint32_t octet);
+  void ElementBit2(std::uint32_t octet) override;
   bool ReadTextElement(CXmlElement& parent, CXmlName const& name);
   void StartElement(std::uint32_t octet);
-  [[noreturn]] void ThrowNestedTooDeep() const;
   void ReadContent(CXmlElement* element, std::uint32_t octet);
   void ReadCharacterChunk(CXmlElement* element, std::uint32_t octet);
   void AppendText(CXmlElement* element, std::string_view text);
@@ -125,15 +90,18 @@ class CFastInfosetReader {
   std::string_view NonIdentifyingStringOrIndexBit1(ReadStrings& table);
   std::string_view AddToTable(std::string_view text, ReadStrings& table);
   std::string_view Local(std::string_view utf8);
-  EncodedString EncodedCharacterStringBit3(std::uint32_t octet);
-  EncodedString EncodedCharacterStringBit5(std::uint32_t octet);
+  EncodedString EncodedCharacterStringBit3(std::uint32_t octet) { return WithOctets(HeadBit3(octet)); }
+  EncodedString EncodedCharacterStringBit5(std::uint32_t octet) { return WithOctets(HeadBit5(octet)); }
+  EncodedString WithOctets(EncodedString string) {
+    string.m_octets = m_source.Move(string.m_length);
+    return string;
+  }
   void CheckLeastTextSize(EncodedString const& source) const;
   void Decode(EncodedString const& source, std::string& target) const;
 
   CFastInfosetContext const& m_options;
   CXmlDocument& m_document;
   CUtf8ToLocal const m_toLocal;
-  COctetSource m_source;
   ReadStrings m_prefixes;
   ReadStrings m_namespaces;
   ReadStrings m_localNames;
@@ -150,8 +118,6 @@ class CFastInfosetReader {
   bool const m_keepsMarkup;
   ReadStrings m_otherNames;
   ReadStrings m_otherStrings;
-  /// The last octet also ended the construct around the innermost element: the document, if no other element is open.
-  bool m_doubleTerminator = false;
   DocumentOutline* m_outline = nullptr;
   /// The spelling of names, by namespace and local name, and the number of entries of the table that it has.
   ///@{

@@ -32,11 +32,10 @@ void CFastInfosetReader::Comment() {
   if (m_keepsMarkup) XmlNodeAccess::AddMarkup(m_document, {}, std::move(text));
 }
 
-/// Read the target and the content. Those in a document type are not kept.
-void CFastInfosetReader::ProcessingInstruction(bool isKept) {
+void CFastInfosetReader::ProcessingInstruction() {
   std::string target = OtherName();
   std::string text = OtherString();
-  if (m_keepsMarkup && isKept) XmlNodeAccess::AddMarkup(m_document, std::move(target), std::move(text));
+  if (m_keepsMarkup) XmlNodeAccess::AddMarkup(m_document, std::move(target), std::move(text));
 }
 
 }  // namespace Quillon9

@@ -10,8 +10,8 @@
 
 namespace Quillon9 {
 
-/// The indices of what a writer has written, which begin with those of a vocabulary. A thread keeps small tables for
-/// its next writer, because most of the time of a small document would go into their growth.
+/// The indices of what a writer has written, which begin with those of a vocabulary. A thread keeps small tables for its
+/// next writer, because most of the time of a small document would go into their growth.
 struct WriterTables {
   CFIIndexMap prefixes;
   CFIIndexMap namespaces;

@@ -151,19 +151,6 @@ class InflatingInput final : public OctetInput {
   bool m_hasEnded = false;  // a first one has
 };
 
-/// Keeps alive what it looks at.
-class OwningPeek final : public OctetInput {
- public:
-  explicit OwningPeek(std::unique_ptr<OctetInput> input) : m_input(std::move(input)), m_peeked(*m_input) {}
-
-  std::size_t Read(char* to, std::size_t size) override { return m_peeked.Read(to, size); }
-  std::string const& Peek(std::size_t size) { return m_peeked.Peek(size); }
-
- private:
-  std::unique_ptr<OctetInput> m_input;
-  PeekedInput m_peeked;
-};
-
 }  // namespace
 
 std::unique_ptr<OctetInput> InputOfDescriptor(int descriptor, bool owns, std::string path) {
@@ -187,7 +174,7 @@ std::unique_ptr<OctetInput> InputOfFunction(std::function<std::size_t(char*, std
 }
 
 PlainInput Decompressed(std::unique_ptr<OctetInput> input) {
-  auto peeked = std::make_unique<OwningPeek>(std::move(input));
+  auto peeked = std::make_unique<PeekedInput>(std::move(input));
   std::string const& start = peeked->Peek(2);
   if (!HasCompressedHeader(reinterpret_cast<unsigned char const*>(start.data()), start.size()))
     return {std::move(peeked), false};
@@ -198,7 +185,7 @@ std::string const& PeekedInput::Peek(std::size_t size) {
   while (m_start.size() < size) {
     std::size_t const before = m_start.size();
     m_start.resize(size);
-    std::size_t const count = m_input.Read(m_start.data() + before, size - before);
+    std::size_t const count = m_input->Read(m_start.data() + before, size - before);
     m_start.resize(before + count);
     if (count == 0) break;
   }
@@ -206,7 +193,7 @@ std::string const& PeekedInput::Peek(std::size_t size) {
 }
 
 std::size_t PeekedInput::Read(char* to, std::size_t size) {
-  if (m_read == m_start.size()) return m_input.Read(to, size);
+  if (m_read == m_start.size()) return m_input->Read(to, size);
   std::size_t const count = std::min(size, m_start.size() - m_read);
   std::copy_n(m_start.data() + m_read, count, to);
   m_read += count;

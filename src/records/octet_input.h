@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Quillon9 {
 
@@ -43,14 +44,14 @@ PlainInput Decompressed(std::unique_ptr<OctetInput> input);
 /// An input that can be looked at before it is read.
 class PeekedInput final : public OctetInput {
  public:
-  explicit PeekedInput(OctetInput& input) : m_input(input) {}
+  explicit PeekedInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)) {}
 
   std::size_t Read(char* to, std::size_t size) override;
   /// The first octets, up to \p size of them, which stay to be read. Fewer only where the input has no more.
   std::string const& Peek(std::size_t size);
 
  private:
-  OctetInput& m_input;
+  std::unique_ptr<OctetInput> m_input;
   std::string m_start;
   std::size_t m_read = 0;  // of these
 };

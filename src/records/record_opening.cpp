@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "records/infoset_records.h"
 #include "records/text_records.h"
 #include "records/utf8_input.h"
 
@@ -15,7 +16,11 @@ std::unique_ptr<RecordStream> OpenRecords(std::unique_ptr<OctetInput> input, std
     return std::make_unique<TextRecords>(std::move(rest), std::move(paths), limits, ctx, file, true);
   }
   PlainInput plain = Decompressed(std::move(input));
-  Utf8Document document = OpenUtf8(std::move(plain.input));
+  auto peeked = std::make_unique<PeekedInput>(std::move(plain.input));
+  if (InfosetSplitter::Recognises(*peeked)) {
+    return std::make_unique<InfosetRecords>(std::move(peeked), std::move(paths), limits, ctx, file);
+  }
+  Utf8Document document = OpenUtf8(std::move(peeked));
   return std::make_unique<TextRecords>(std::move(document), std::move(paths), limits, ctx, file, !plain.isCompressed);
 }
 

@@ -26,4 +26,13 @@ void RecordPlace::SetPath(CQnException& failure, std::string path) {
   if (detail.hasPlace) detail.place.SetPath(std::move(path));
 }
 
+void RecordPlace::ThrowTooLarge(std::size_t limit, CFailurePlace place) {
+  throw Noted(std::move(place), OfKind(FailureKind_Limit,
+                                       CQnException(FormatString("The record exceeds the limit of %zu bytes", limit))));
+}
+
+void RecordPlace::ThrowNotResumable() {
+  throw CQnInvalidStateException("A read can begin in the middle of uncompressed text in UTF-8 only");
+}
+
 }  // namespace Quillon9

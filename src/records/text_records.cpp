@@ -6,7 +6,6 @@
 #include "binding/lost_text.h"
 #include "quillon9/base/exceptions.h"
 #include "records/record_place.h"
-#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -26,11 +25,10 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
       m_document(ctx),
       m_places(m_document, InputForm::kBytes) {
   Utf8Text::Scope const scope(use);
-  if (record) m_single = chunk.Document(*record);
-  std::string const& text = record ? m_single : chunk.text;
+  std::string const text = record ? chunk.Document(*record) : chunk.Document();
   try {
     LossesOfReading losses(m_document);
-    XmlNodeAccess::LoadLentStream(m_document, reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    m_document.LoadXmlStream(reinterpret_cast<unsigned char const*>(text.data()), text.size());
     losses.Tell();
   } catch (CQnException& failure) {
     ThrowCorrected(failure);
@@ -115,7 +113,7 @@ void LoadedChunk::ThrowCorrected(CQnException& failure) const {
 // ---- TextBatch
 
 CXmlElement const* TextBatch::Load(std::size_t record, Utf8Text::Use use) {
-  if (m_chunk.records[record].isTooLarge) ThrowTooLarge(record);
+  if (m_chunk.records[record].isTooLarge) RecordPlace::ThrowTooLarge(m_shared.limits.mostRecord, Place(record));
   if (!m_isSingle && (m_loaded == nullptr || m_loaded->GetUse() != use)) LoadAll(use);
   if (m_isSingle) LoadOne(record, use);
   return m_loaded->Element(record);
@@ -153,18 +151,8 @@ CFailurePlace TextBatch::Place(std::size_t record) const {
 }
 
 std::string TextBatch::ResumePointOf(std::size_t record) const {
-  if (!m_shared.canResume) {
-    throw CQnInvalidStateException("A read can begin in the middle of uncompressed text in UTF-8 only");
-  }
+  if (!m_shared.canResume) RecordPlace::ThrowNotResumable();
   return m_chunk.PointOf(m_chunk.records[record]).ToText();
-}
-
-void TextBatch::ThrowTooLarge(std::size_t record) const {
-  auto failure =
-      OfKind(FailureKind_Limit,
-             CQnException(FormatString("The record exceeds the limit of %zu bytes", m_shared.limits.mostRecord)));
-  RecordPlace::Set(failure, Place(record));
-  throw failure;
 }
 
 // ---- TextRecords

@@ -36,7 +36,6 @@ class LoadedChunk final : public PlaceFinder {
   [[noreturn]] void ThrowCorrected(CQnException& failure) const;
 
   RecordChunk const& m_chunk;
-  std::string m_single;  // the document of a single record
   std::optional<std::size_t> m_only;
   Utf8Text::Use m_use;
   std::string const& m_file;
@@ -77,7 +76,6 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
   void LoadAll(Utf8Text::Use use);
   void LoadOne(std::size_t record, Utf8Text::Use use);
   void Parse(Utf8Text::Use use, std::optional<std::size_t> record);
-  [[noreturn]] void ThrowTooLarge(std::size_t record) const;
 
   RecordChunk m_chunk;
   TextRecordsContext const& m_shared;

@@ -110,21 +110,8 @@ class Utf16Input final : public ConvertingInput {
   std::uint32_t m_high = 0;  // the first half of a pair
 };
 
-/// Peeks at an input that it owns.
-class OpenedInput final : public OctetInput {
- public:
-  explicit OpenedInput(std::unique_ptr<OctetInput> input) : m_input(std::move(input)), m_peeked(*m_input) {}
-
-  std::size_t Read(char* to, std::size_t size) override { return m_peeked.Read(to, size); }
-  std::string const& Peek(std::size_t size) { return m_peeked.Peek(size); }
-
- private:
-  std::unique_ptr<OctetInput> m_input;
-  PeekedInput m_peeked;
-};
-
 /// The start of \p input up to the end of an XML declaration. Nothing more is read if there is none.
-std::string const& PeekDeclaration(OpenedInput& input) {
+std::string const& PeekDeclaration(PeekedInput& input) {
   std::string const* start = &input.Peek(4);
   for (std::size_t size = 5; size <= kLongestDeclaration; ++size) {
     bool const canBeOne = start->compare(0, 5, "<?xml", std::min<std::size_t>(start->size(), 5)) == 0;
@@ -168,7 +155,7 @@ TextPosition StartAt(std::size_t offset) {
 }  // namespace
 
 Utf8Document OpenUtf8(std::unique_ptr<OctetInput> input) {
-  auto opened = std::make_unique<OpenedInput>(std::move(input));
+  auto opened = std::make_unique<PeekedInput>(std::move(input));
   std::string const start = opened->Peek(4);
   if (start.empty()) throw OfKind(FailureKind_Input, CQnException("XML Stream is empty!"));
   std::string_view const two = std::string_view(start).substr(0, 2);

@@ -1,6 +1,7 @@
 #include <cstring>
 
-#include "fastinfoset/reader.h"
+#include "fastinfoset/infoset_parser.h"
+#include "quillon9/xmlio/document.h"
 
 namespace Quillon9 {
 
@@ -21,7 +22,7 @@ std::uint32_t CountIdentifiers(std::uint32_t octet) {
 
 }  // namespace
 
-bool CFastInfosetReader::ReadHeader() {
+bool InfosetParser::ReadHeader() {
   if (CheckHeader()) return true;
   for (char const* declaration : FI_DECLARATION_LIST) {
     if (CheckDeclaration(declaration)) return CheckHeader();
@@ -29,21 +30,21 @@ bool CFastInfosetReader::ReadHeader() {
   return false;
 }
 
-bool CFastInfosetReader::CheckHeader() {
-  if (m_source.GetLeft() <= sizeof fi::kHeader) return false;
+bool InfosetParser::CheckHeader() {
+  if (!m_source.Has(sizeof fi::kHeader + 1)) return false;
   if (std::memcmp(m_source.GetPosition(), fi::kHeader, sizeof fi::kHeader) != 0) return false;
   m_source.Move(sizeof fi::kHeader);
   return true;
 }
 
-bool CFastInfosetReader::CheckDeclaration(char const* text) {
+bool InfosetParser::CheckDeclaration(char const* text) {
   std::size_t const length = std::strlen(text);
-  if (m_source.GetLeft() <= length || std::memcmp(m_source.GetPosition(), text, length) != 0) return false;
+  if (!m_source.Has(length + 1) || std::memcmp(m_source.GetPosition(), text, length) != 0) return false;
   m_source.Move(length);
   return true;
 }
 
-void CFastInfosetReader::ReadOptionalData() {
+void InfosetParser::ReadOptionalData() {
   std::uint32_t const components = m_source.Octet();
   if ((components & fi::kAdditionalData) != 0) AdditionalData();
   if ((components & fi::kInitialVocabulary) != 0) InitialVocabulary();
@@ -51,19 +52,19 @@ void CFastInfosetReader::ReadOptionalData() {
   if ((components & fi::kUnparsedEntities) != 0) UnparsedEntities();
   if ((components & fi::kCharacterEncodingScheme) != 0) SkipNonEmptyOctetString();
   if ((components & fi::kStandalone) != 0) m_source.Move(1);
-  if ((components & fi::kVersion) != 0) OtherString();
+  if ((components & fi::kVersion) != 0) PassOtherString();
 }
 
 /// Skip pairs of a URI and data, both of which are octet strings.
-void CFastInfosetReader::AdditionalData() {
+void InfosetParser::AdditionalData() {
   for (std::uint32_t left = m_source.LengthOfSequence(); left > 0; --left) {
     SkipNonEmptyOctetString();
     SkipNonEmptyOctetString();
   }
 }
 
-void CFastInfosetReader::InitialVocabulary() {
-  using Self = CFastInfosetReader;
+void InfosetParser::InitialVocabulary() {
+  using Self = InfosetParser;
   std::uint32_t const first = m_source.Octet();
   std::uint32_t const second = m_source.Octet();
   if ((first & fi::kExternalVocabulary) != 0) SkipNonEmptyOctetString();
@@ -81,79 +82,82 @@ void CFastInfosetReader::InitialVocabulary() {
   SkipSequence(second & fi::kAttributeNameSurrogates, &Self::SkipNameSurrogate);
 }
 
-void CFastInfosetReader::Notations() {
+void InfosetParser::Notations() {
   std::uint32_t octet = m_source.Octet();
   for (; (octet & fi::kTopSixBits) == kNotation; octet = m_source.Octet()) NotationBit7(octet);
   if (octet != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Notation type.");
 }
 
-void CFastInfosetReader::UnparsedEntities() {
+void InfosetParser::UnparsedEntities() {
   std::uint32_t octet = m_source.Octet();
   for (; (octet & kTopSevenBits) == kUnparsedEntity; octet = m_source.Octet()) UnparsedEntityBit8(octet);
   if (octet != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Unparsed Entity type.");
 }
 
-void CFastInfosetReader::SkipSequence(std::uint32_t isPresent, void (CFastInfosetReader::*skipItem)()) {
+void InfosetParser::SkipSequence(std::uint32_t isPresent, void (InfosetParser::*skipItem)()) {
   if (isPresent == 0) return;
   for (std::uint32_t left = m_source.LengthOfSequence(); left > 0; --left) (this->*skipItem)();
 }
 
-void CFastInfosetReader::SkipNonEmptyOctetString() {
-  m_source.Move(m_source.NonEmptyOctetStringBit2Length(m_source.Octet()));
+void InfosetParser::SkipNonEmptyOctetString() {
+  m_source.Skip(m_source.NonEmptyOctetStringBit2Length(m_source.Octet()));
 }
 
-void CFastInfosetReader::SkipEncodedCharacterString() { EncodedCharacterStringBit3(m_source.Octet()); }
+void InfosetParser::SkipEncodedCharacterString() { m_source.Skip(HeadBit3(m_source.Octet()).m_length); }
 
-void CFastInfosetReader::SkipNameSurrogate() {
+void InfosetParser::SkipNameSurrogate() {
   std::uint32_t const parts = m_source.Octet();
   if ((parts & fi::kHasPrefix) != 0) m_source.Integer1To2pw20Bit2(m_source.Octet());
   if ((parts & fi::kHasNamespaceName) != 0) m_source.Integer1To2pw20Bit2(m_source.Octet());
   m_source.Integer1To2pw20Bit2(m_source.Octet());
 }
 
-void CFastInfosetReader::SkipIdentifyingStringsOrIndices(std::uint32_t count) {
+void InfosetParser::SkipIdentifyingStringsOrIndices(std::uint32_t count) {
   for (; count > 0; --count) {
     std::uint32_t const octet = m_source.Octet();
     if ((octet & fi::kIndexBit1) != 0) {
       m_source.Integer1To2pw20Bit2(octet);
     } else {
-      m_source.Move(m_source.NonEmptyOctetStringBit2Length(octet));
+      m_source.Skip(m_source.NonEmptyOctetStringBit2Length(octet));
     }
   }
 }
 
-void CFastInfosetReader::SkipNonIdentifyingStringOrIndex() {
+void InfosetParser::SkipNonIdentifyingStringOrIndex() {
   std::uint32_t const octet = m_source.Octet();
   if ((octet & fi::kIndexBit1) != 0) {
     m_source.Integer0To2pw20Bit2(octet);
   } else {
-    EncodedCharacterStringBit3(octet);
+    m_source.Skip(HeadBit3(octet).m_length);
   }
 }
 
 /// Skip the system and public identifier if the octet announces them, then processing instructions.
-void CFastInfosetReader::DocumentTypeDeclarationBit7(std::uint32_t octet) {
+void InfosetParser::DocumentTypeDeclarationBit7(std::uint32_t octet) {
   CXmlDocument::CheckDocumentType();
   SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
   std::uint32_t child = m_source.Octet();
-  for (; child == fi::kProcessingInstruction; child = m_source.Octet()) ProcessingInstruction(false);
+  for (; child == fi::kProcessingInstruction; child = m_source.Octet()) {
+    PassOtherName();
+    PassOtherString();
+  }
   if (child != fi::kTerminator) ThrowFastInfosetFailure("Invalid Encoding of Document Type Declaration type.");
 }
 
 /// Skip the name, then the system and public identifier if the octet announces them.
-void CFastInfosetReader::NotationBit7(std::uint32_t octet) {
-  OtherName();
+void InfosetParser::NotationBit7(std::uint32_t octet) {
+  PassOtherName();
   SkipIdentifyingStringsOrIndices(CountIdentifiers(octet));
 }
 
 /// Skip the name, the system identifier, the public identifier if the octet announces it, and the notation's name.
-void CFastInfosetReader::UnparsedEntityBit8(std::uint32_t octet) {
-  OtherName();
+void InfosetParser::UnparsedEntityBit8(std::uint32_t octet) {
+  PassOtherName();
   SkipIdentifyingStringsOrIndices(1 + (octet & kHasPublicIdentifier));
-  OtherName();
+  PassOtherName();
 }
 
 /// Has the form of a notation.
-void CFastInfosetReader::UnexpandedEntityReferenceBit7(std::uint32_t octet) { NotationBit7(octet); }
+void InfosetParser::UnexpandedEntityReferenceBit7(std::uint32_t octet) { NotationBit7(octet); }
 
 }  // namespace Quillon9
