@@ -48,11 +48,11 @@ void RecordSkeleton::ThrowFailure(std::string_view text, TextPosition const& at)
   std::int64_t const index = std::max<std::int64_t>(XML_GetCurrentByteIndex(m_parser.get()) - m_fed, 0);
   TextPosition place = at;
   place.Pass(text.substr(0, static_cast<std::size_t>(index)));
-  auto failure = OfKind(FailureKind_Parse,
-                        CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(m_parser.get())),
-                                                  static_cast<unsigned long>(place.line))));
-  RecordPlace::Set(failure, RecordPlace::At(place, {}));
-  throw failure;
+  throw RecordPlace::Noted(
+      RecordPlace::At(place, {}),
+      OfKind(FailureKind_Parse,
+             CQnException(FormatString("%s at line %lu", XML_ErrorString(XML_GetErrorCode(m_parser.get())),
+                                       static_cast<unsigned long>(place.line)))));
 }
 
 template <class Action>

@@ -251,10 +251,10 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
 }
 
 void RecordSplitter::ThrowMarkupTooLarge() const {
-  auto failure = OfKind(FailureKind_Limit,
-                        CQnException(FormatString("The markup exceeds the limit of %zu bytes", m_window.Most())));
-  RecordPlace::Set(failure, RecordPlace::At(m_window.Start(), {}));
-  throw failure;
+  throw RecordPlace::Noted(
+      RecordPlace::At(m_window.Start(), {}),
+      OfKind(FailureKind_Limit,
+             CQnException(FormatString("The markup exceeds the limit of %zu bytes", m_window.Most()))));
 }
 
 }  // namespace Quillon9

@@ -104,10 +104,10 @@ void LoadedChunk::ThrowCorrected(CQnException& failure) const {
     RecordPlace::Set(failure, place);
     throw;
   }
-  auto corrected = OfKind(FailureKind_Parse, CQnException(message.substr(0, message.size() - inChunk.size()) +
-                                                          " at line " + std::to_string(place.GetLine())));
-  RecordPlace::Set(corrected, place);
-  throw corrected;
+  std::string const reason = message.substr(0, message.size() - inChunk.size());
+  throw RecordPlace::Noted(
+      place, OfKind(FailureKind_Parse, CQnException(FormatString("%s at line %lu", reason.c_str(),
+                                                                 static_cast<unsigned long>(place.GetLine())))));
 }
 
 // ---- TextBatch

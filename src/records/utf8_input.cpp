@@ -143,7 +143,7 @@ bool IsNamed(std::string_view name, std::string_view wanted) {
 [[noreturn]] void ThrowUnknown(std::string const& start) {
   CXmlDocument document;
   document.LoadXmlStream(reinterpret_cast<unsigned char const*>(start.data()), start.size());
-  throw OfKind(FailureKind_Parse, CQnException("unknown encoding at line 1"));
+  throw OfKind(FailureKind_Parse, CQnException(FormatString("%s at line %lu", "unknown encoding", 1UL)));
 }
 
 TextPosition StartAt(std::size_t offset) {
