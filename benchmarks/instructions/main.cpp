@@ -4,7 +4,8 @@
 //   orders_rounds OPERATION CLASSES SETTING LAYOUT ROUNDS
 //
 //   OPERATION  expat, tree, read, write, finf_read or finf_write
-//   CLASSES    hand, generated or generic; expat and tree use none
+//   CLASSES    hand, generated, classic (generated, by the classic rules of values) or generic; expat and tree use
+//              none
 //   SETTING    posix or utf8
 //   LAYOUT     compact or indented
 //
@@ -30,8 +31,10 @@ Operation const* FindOperation(char const* name) {
 }
 
 Classes const& FindClasses(char const* name) {
-  if (std::strcmp(name, "generated") == 0) return kGenerated;
-  return std::strcmp(name, "generic") == 0 ? kGeneric : kByHand;
+  for (Classes const* const classes : {&kGenerated, &kClassic, &kGeneric}) {
+    if (std::strcmp(name, classes->name) == 0) return *classes;
+  }
+  return kByHand;
 }
 
 bool SelectSetting(char const* name) {
@@ -45,7 +48,8 @@ bool SelectSetting(char const* name) {
 int main(int argc, char** argv) {
   Operation const* const operation = argc == 6 ? FindOperation(argv[1]) : nullptr;
   if (operation == nullptr || !SelectSetting(argv[3])) {
-    std::fprintf(stderr, "usage: %s OPERATION hand|generated|generic posix|utf8 compact|indented ROUNDS\n", argv[0]);
+    std::fprintf(stderr, "usage: %s OPERATION hand|generated|classic|generic posix|utf8 compact|indented ROUNDS\n",
+                 argv[0]);
     return 2;
   }
   try {

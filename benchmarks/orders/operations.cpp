@@ -144,6 +144,25 @@ CSmartPtr<CXmlObjectBase> ReadInfosetGenerated(CBinaryData const& infoset) {
   return GeneratedOrders::ReadOrders(infoset).Get();
 }
 
+CXmlSerializationContext ContextOf(Classes const& classes) {
+  CXmlSerializationContext context;
+  if (classes.areClassic) context.SetValueRules(ValueRules_Classic);
+  return context;
+}
+
+CXmlSerializationContext const& ClassicContext() {
+  static CXmlSerializationContext const context = ContextOf(kClassic);
+  return context;
+}
+
+CSmartPtr<CXmlObjectBase> ReadTextClassic(std::string& text) {
+  return GeneratedOrders::ReadOrders(XmlText(text), ClassicContext()).Get();
+}
+
+CSmartPtr<CXmlObjectBase> ReadInfosetClassic(CBinaryData const& infoset) {
+  return GeneratedOrders::ReadOrders(infoset, ClassicContext()).Get();
+}
+
 CSmartPtr<CXmlObjectBase> ReadTextGeneric(std::string& text) {
   CSmartPtr<CElement> const orders(new CElement(""));
   orders->FromXml(text.c_str());
@@ -194,11 +213,8 @@ Sums ProveRead(Workload& load) { return load.classes->sumUp(*load.classes->readT
 
 /// Writes as in the original document: the namespace of the schema is the default one.
 CBinaryData Write(Workload const& load) {
-  static CXmlSerializationContext const context = [] {
-    CXmlSerializationContext ctx;
-    ctx.SetDefaultNamespaceURI(kNamespace);
-    return ctx;
-  }();
+  CXmlSerializationContext context = ContextOf(*load.classes);
+  context.SetDefaultNamespaceURI(kNamespace);
   return load.objects->ToXmlStream(true, load.indented, XmlEncoding_UTF8, EOLType_LF, context);
 }
 
@@ -214,7 +230,7 @@ void SuggestEncodings(CFastInfosetContext& context) {
 
 CBinaryData WriteAsInfoset(Workload const& load, bool suggested = false,
                            CompressionType compression = CompressionType_None) {
-  CXmlSerializationContext context;
+  CXmlSerializationContext context = ContextOf(*load.classes);
   if (suggested) SuggestEncodings(*context.GetFIContext());
   return load.objects->ToFastInfosetStream(FInfoDecl_None, context, compression);
 }
@@ -263,9 +279,10 @@ void Workload::UseClasses(Classes const& boundClasses) {
 
 void Workload::ReadObjects() { objects = classes->readText(document.text); }
 
-Classes const kByHand = {"by hand", ReadTextByHand, ReadInfosetByHand, SumUpByHand};
-Classes const kGenerated = {"generated", ReadTextGenerated, ReadInfosetGenerated, SumUpGenerated};
-Classes const kGeneric = {"generic", ReadTextGeneric, ReadInfosetGeneric, SumUpGeneric};
+Classes const kByHand = {"by hand", ReadTextByHand, ReadInfosetByHand, SumUpByHand, false};
+Classes const kGenerated = {"generated", ReadTextGenerated, ReadInfosetGenerated, SumUpGenerated, false};
+Classes const kClassic = {"classic", ReadTextClassic, ReadInfosetClassic, SumUpGenerated, true};
+Classes const kGeneric = {"generic", ReadTextGeneric, ReadInfosetGeneric, SumUpGeneric, false};
 
 Operation const kRawExpat = {"expat", false, false, false, RunExpat, ProveExpat};
 Operation const kLoadTree = {"tree", false, false, false, RunTree, ProveTree};

@@ -15,12 +15,15 @@ struct Classes {
   CSmartPtr<Quillon9::CXmlObjectBase> (*readText)(std::string& text);
   CSmartPtr<Quillon9::CXmlObjectBase> (*readInfoset)(Quillon9::CBinaryData const& infoset);
   Sums (*sumUp)(Quillon9::CXmlObjectBase const& orders);
+  bool areClassic;  ///< read and written by the classic rules of values, whatever rules the classes ask for
 };
 
 /// Those of orders/orders.h.
 extern Classes const kByHand;
 /// Those that `quillon9 generate` makes of orders.xsd, read by the functions that it makes for the document element.
 extern Classes const kGenerated;
+/// The same, by the classic rules of values.
+extern Classes const kClassic;
 /// No classes: the document is a CElement.
 extern Classes const kGeneric;
 

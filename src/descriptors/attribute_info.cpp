@@ -113,7 +113,7 @@ bool CAttributeInfoPrimitive::AttributeFromXml(CXmlSerializationContext const& c
   QnVariant value;
   std::string_view const text = XmlNodeAccess::TextOf(*attribute);
   if (RulesInUse::AreSchema()) {
-    value = CSchemaValues::FromText(text, m_itemType, m_whitespaceRule);
+    SchemaConversions::Convert(value, text, m_itemType, m_whitespaceRule);
     CheckBySchema(value, text);
   } else {
     VariantAccess::FromText(value, text, m_itemType, m_whitespaceRule);

@@ -2,8 +2,9 @@
 
 #include "quillon9/xmlio/document_form.h"
 
+#include <algorithm>
 #include <memory>
-#include <optional>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -12,6 +13,8 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/descriptors/generated_class.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/xmlio/streams.h"
+#include "quillon9/xmlio/text_writer.h"
 #include "xmlio/form_scan.h"
 #include "xmlio/writer_access.h"
 
@@ -43,26 +46,52 @@ std::string const& SchemaInstance() {
   return uri;
 }
 
-bool HasLocations(CDocumentForm const* form) {
-  return form != nullptr && (form->schemaLocation || form->noNamespaceSchemaLocation);
-}
+/// Notes the attributes of xsi that an object writes.
+class AttributeNotes : public CXmlTextWriter {
+ public:
+  explicit AttributeNotes(CTextStream& unused) : CXmlTextWriter(unused) {}
+
+  bool Has(char const* name) const { return m_names.count(name) != 0; }
+
+  void WriteAttributeString(std::string const& localName, std::string const& namespaceUri, std::string const&,
+                            ItemType) override {
+    if (namespaceUri == SchemaInstance()) m_names.insert(localName);
+  }
+
+ private:
+  std::set<std::string> m_names;
+};
 
 }  // namespace
 
-void KeptForm::BindPrefix(CDocumentForm const* form, CXmlWriter& writer) {
-  if (!HasLocations(form) || !XmlWriterAccess::IsFreeForDocument(writer, "xsi", SchemaInstance())) return;
-  writer.AddNamespace("xsi", SchemaInstance());
+KeptForm::Locations KeptForm::LocationsFor(CXmlGeneratedClass const& object, CXmlWriter& writer,
+                                           CXmlSerializationContext const& ctx) {
+  Locations locations;
+  CDocumentForm const& form = *object.GetDocumentForm();
+  if (form.schemaLocation) locations.emplace_back("schemaLocation", *form.schemaLocation);
+  if (form.noNamespaceSchemaLocation) {
+    locations.emplace_back("noNamespaceSchemaLocation", *form.noNamespaceSchemaLocation);
+  }
+  if (locations.empty() || ctx.GetInLineSchema().find("chemaLocation") != std::string::npos) return {};
+  CTextStream unused;
+  AttributeNotes notes(unused);
+  notes.Open();
+  notes.WriteStartElement(object.GetElementName(), "");
+  CXmlObjectBase::AttributesToXml_Int(&object, &notes, ctx);
+  CAttributeCol const* const additional = ctx.FindAdditionalRootAttributes();
+  auto const isThere = [&](Locations::value_type const& location) {
+    if (notes.Has(location.first)) return true;
+    return additional != nullptr && additional->Find(location.first, SchemaInstance().c_str());
+  };
+  locations.erase(std::remove_if(locations.begin(), locations.end(), isThere), locations.end());
+  if (XmlWriterAccess::IsFreeForDocument(writer, "xsi", SchemaInstance())) writer.AddNamespace("xsi", SchemaInstance());
+  return locations;
 }
 
-void KeptForm::WriteLocations(CDocumentForm const* form, CAttributeCol const* additional, CXmlWriter& writer,
-                              CXmlSerializationContext const& ctx) {
-  if (!HasLocations(form) || ctx.GetInLineSchema().find("chemaLocation") != std::string::npos) return;
-  auto const write = [&](char const* name, std::optional<std::string> const& value) {
-    bool const isThere = additional != nullptr && additional->Find(name, SchemaInstance().c_str());
-    if (!isThere && value) writer.WriteAttributeString(name, SchemaInstance(), *value, ItemType_string);
-  };
-  write("schemaLocation", form->schemaLocation);
-  write("noNamespaceSchemaLocation", form->noNamespaceSchemaLocation);
+void KeptForm::Write(Locations const& locations, CXmlWriter& writer) {
+  for (auto const& [name, value] : locations) {
+    writer.WriteAttributeString(name, SchemaInstance(), value, ItemType_string);
+  }
 }
 
 }  // namespace Quillon9

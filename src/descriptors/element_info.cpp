@@ -253,7 +253,7 @@ bool CElementInfo::TakePrimitive(CXmlSerializationContext const& ctx, CXmlGenera
   QnVariant value;
   std::string_view const text = XmlNodeAccess::TextOf(**cursor);
   if (RulesInUse::AreSchema()) {
-    value = CSchemaValues::FromText(text, m_itemType, m_whitespaceRule);
+    SchemaConversions::Convert(value, text, m_itemType, m_whitespaceRule);
     CheckBySchema(value, text);
   } else {
     VariantAccess::FromText(value, text, m_itemType, m_whitespaceRule);

@@ -133,8 +133,10 @@ class UnknownItems : public InsertedItems {
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
   if (isRoot) WriteRootPrologue(*writer, GetUnknownContent(), ctx);
-  CDocumentForm const* const documentForm = isRoot && ctx.GetKeepForm() ? GetDocumentForm() : nullptr;
-  if (documentForm != nullptr) KeptForm::BindPrefix(documentForm, *writer);
+  KeptForm::Locations locations;
+  if (isRoot && ctx.GetKeepForm() && GetDocumentForm() != nullptr) {
+    locations = KeptForm::LocationsFor(*this, *writer, ctx);
+  }
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!kNamespaceText.IsOn()) text = std::string();
@@ -149,7 +151,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (m_form != nullptr && m_form->unknown != nullptr) {
     WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
   }
-  if (documentForm != nullptr) KeptForm::WriteLocations(documentForm, additional, *writer, ctx);
+  KeptForm::Write(locations, *writer);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "quillon9/fwd.h"
 
 namespace Quillon9 {
@@ -9,12 +13,13 @@ struct KeptForm {
   /// Let \p object, which was read from \p root, keep the form of the document if \p root is its document element.
   static void Keep(CXmlElement const& root, CXmlObjectBase& object);
 
-  /// Before the document element: bind a prefix for WriteLocations(). \p form may be null.
-  static void BindPrefix(CDocumentForm const* form, CXmlWriter& writer);
-  /// Write the locations of schemas as attributes of the document element, without those that \p additional, which may
-  /// be null, or \p ctx has as well.
-  static void WriteLocations(CDocumentForm const* form, CAttributeCol const* additional, CXmlWriter& writer,
-                             CXmlSerializationContext const& ctx);
+  /// Attributes of xsi, by their local names.
+  using Locations = std::vector<std::pair<char const*, std::string>>;
+  /// The locations of schemas that the form of \p object has, without those that the object has as attributes of its
+  /// own, or that \p ctx adds. Call this before the document element of \p writer, which gets the prefix for them.
+  static Locations LocationsFor(CXmlGeneratedClass const& object, CXmlWriter& writer,
+                                CXmlSerializationContext const& ctx);
+  static void Write(Locations const& locations, CXmlWriter& writer);
 };
 
 }  // namespace Quillon9

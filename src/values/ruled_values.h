@@ -6,6 +6,7 @@
 #include "quillon9/values/schema_values.h"
 #include "quillon9/values/variant.h"
 #include "values/rules_in_use.h"
+#include "values/schema_conversions.h"
 #include "values/variant_access.h"
 
 namespace Quillon9 {
@@ -15,7 +16,7 @@ struct RuledValues {
   /// The value of a text that is followed by a zero.
   static void FromText(QnVariant& value, std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
     if (RulesInUse::AreSchema()) {
-      value = CSchemaValues::FromText(text, type, rule);
+      SchemaConversions::Convert(value, text, type, rule);
     } else {
       VariantAccess::FromText(value, text, type, rule);
     }

@@ -15,6 +15,7 @@ namespace {
 constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::size_t kLongestKept = 65536;  // of each text that is kept as it is spelled
 constexpr std::size_t kLookedAt = 65536;     // of the document, for its tags
+constexpr std::size_t kWidestIndent = 16;    // of a level: a deep document has it often in each line
 constexpr std::string_view kSpace = " \t\r\n";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view kInfosetStart("\xE0\0\0\1", 4);
@@ -224,7 +225,7 @@ void FormScan::TakeIndentation(std::string_view space, std::string_view next, st
   }
   auto const tabs = static_cast<std::size_t>(std::count(indent.begin(), indent.end(), '\t'));
   m_form.indentCharacter = tabs != 0 ? '\t' : ' ';
-  m_form.indentWidth = static_cast<std::uint8_t>(std::min<std::size_t>(tabs != 0 ? tabs : indent.size(), UINT8_MAX));
+  m_form.indentWidth = static_cast<std::uint8_t>(std::min(tabs != 0 ? tabs : indent.size(), kWidestIndent));
   m_form.flatLevels = m_flatLevels;
   m_isIndentKnown = true;
 }
@@ -237,12 +238,8 @@ bool FormScan::TakeStartTag(std::string_view spelled) {
     ++m_emptyElements[IsSpace(spelled[spelled.size() - 3]) ? EmptyElementForm_Blank : EmptyElementForm_Short];
   StartTag const tag(spelled);
   if (!m_form.startTags.empty() && !(tag.IsRight() && tag.HasAttributes())) return isEmpty;
-  auto const known = m_known.emplace(tag.Name(), tag);
-  if (!known.second) {
-    if (!known.first->second.LacksAttributeOf(tag)) return isEmpty;
-    known.first->second.Learn(tag);
-  }
-  m_form.startTags.push_back(Kept(spelled));
+  bool const isNew = m_known[tag.Name()].Learn(tag);
+  if (isNew || m_form.startTags.empty()) m_form.startTags.push_back(Kept(spelled));
   return isEmpty;
 }
 

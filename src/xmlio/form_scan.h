@@ -50,7 +50,7 @@ class FormScan {
   std::array<int, 3> m_emptyElements{};  // how often each form occurs
   std::uint8_t m_flatLevels = 0;
   bool m_isIndentKnown = false;
-  std::map<std::string_view, StartTag> m_known;  // by name, each with the attributes of all tags so far
+  std::map<std::string_view, TagModel> m_known;  // by name
   CDocumentForm& m_form;
 };
 

@@ -56,7 +56,7 @@ std::string WithDocumentType(std::string prolog, std::string const& documentType
 }  // namespace
 
 FormWriter::FormWriter(CTextStream& stream, CDocumentForm const& form, bool usesDefault)
-    : CXmlTextWriter(stream), m_stream(stream), m_form(form) {
+    : CXmlTextWriter(stream), m_stream(stream), m_form(form), m_usesDefault(usesDefault) {
   if (usesDefault) SetDefaultNamespace(form.defaultNamespace);
   SetPlainQuotes(form.hasPlainQuotes);
 }
@@ -67,9 +67,11 @@ void FormWriter::TakeModels() {
   for (std::string const& spelled : m_spelled) {
     StartTag const tag(spelled);
     if (!tag.IsRight()) continue;
-    auto const known = m_models.emplace(tag.Name(), tag);
-    if (!known.second) known.first->second.Learn(tag);
+    if (&spelled == &m_spelled.front()) m_rootModel.Learn(tag);
+    m_models[tag.Name()].Learn(tag);
   }
+  m_rootModel.Number();
+  for (auto& model : m_models) model.second.Number();
 }
 
 void FormWriter::WriteHeader(bool isWanted, std::string_view name) {
@@ -86,10 +88,10 @@ void FormWriter::WriteHeader(bool isWanted, std::string_view name) {
 
 void FormWriter::WriteStartElement(std::string const& localName, std::string const& namespaceUri) {
   bool const isRoot = m_context == nullptr;
-  if (isRoot && namespaceUri.empty()) SetDefaultNamespace("");
+  if (m_usesDefault && isRoot && namespaceUri.empty()) SetDefaultNamespace("");
   CXmlTextWriter::WriteStartElement(localName, namespaceUri);
   m_tags.push_back(m_stream.GetLength());  // what stands in front of the element may have been written just now
-  if (!namespaceUri.empty() || m_context->GetDefaultNamespace().empty()) return;
+  if (!m_usesDefault || !namespaceUri.empty() || m_context->GetDefaultNamespace().empty()) return;
   m_context->SetDefaultNamespace("");
   m_stream.Append(" xmlns=\"\"");
 }
@@ -152,13 +154,10 @@ std::string FormWriter::FormedTags(std::string_view written, std::size_t root) c
 std::string FormWriter::FormedTag(std::string_view written, bool isRoot) const {
   StartTag const tag(written);
   if (!tag.IsRight()) return std::string(written);
-  if (isRoot && !m_spelled.empty()) {
-    StartTag const root(m_spelled.front());
-    if (root.IsRight()) return tag.Like(root, StartTag::Declarations::kAll);
-  }
+  if (isRoot) return m_rootModel.Shaped(tag, TagModel::Declarations::kAll);
   auto const model = m_models.find(tag.Name());
   bool const isModelled = model != m_models.end() && tag.HasAttributes();
-  return isModelled ? tag.Like(model->second, StartTag::Declarations::kOwn) : std::string(written);
+  return isModelled ? model->second.Shaped(tag, TagModel::Declarations::kOwn) : std::string(written);
 }
 
 std::string FormWriter::FormedText() const {

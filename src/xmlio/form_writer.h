@@ -42,12 +42,14 @@ class FormWriter : public CXmlTextWriter {
 
   CTextStream& m_stream;
   CDocumentForm const& m_form;
+  bool const m_usesDefault;
   bool m_isInDefault = false;
   std::size_t m_headerEnd = 0;
   std::vector<std::size_t> m_tags;  // a place inside each start tag, after its name
   std::size_t m_rootEnd = 0;
   std::vector<std::string> m_spelled;
-  std::map<std::string_view, StartTag> m_models;  // by name; they refer to m_spelled
+  TagModel m_rootModel;                           // like the others, it refers to m_spelled
+  std::map<std::string_view, TagModel> m_models;  // by name
 };
 
 }  // namespace Quillon9

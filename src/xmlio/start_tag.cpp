@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <set>
+#include <iterator>
+#include <utility>
 
+#include "text/utf8_text.h"
 #include "xmlio/character_reference.h"
 
 namespace Quillon9 {
@@ -28,7 +30,7 @@ std::string_view TakeUntil(std::string_view& text, std::string_view bytes) {
 ///@}
 
 /// The value that an attribute spelled \p spelled has (XML 1.0, W3C, section 3.3.3); false if it has other references
-/// than those that need no declaration.
+/// than those that need no declaration, or references that are no text in the encoding in use.
 bool Decode(std::string_view spelled, std::string& value) {
   char const* at = spelled.data();
   char const* const end = at + spelled.size();
@@ -36,7 +38,7 @@ bool Decode(std::string_view spelled, std::string& value) {
     if (*at == '&') {
       CharacterReference reference;
       at = reference.Read(at, end);
-      if (at == nullptr) return false;
+      if (at == nullptr || (reference.Text().size() > 1 && !Utf8Text::IsInUse())) return false;
       value += reference.Text();
     } else {
       bool const isHalfLineEnd = *at == '\r' && at + 1 != end && at[1] == '\n';
@@ -52,6 +54,15 @@ bool SayTheSame(std::string_view one, std::string_view other) {
   std::string oneValue;
   std::string otherValue;
   return Decode(one, oneValue) && Decode(other, otherValue) && oneValue == otherValue;
+}
+
+/// Whether a document in any encoding, without a document type, may declare a prefix by the attribute \p name with
+/// \p value.
+bool IsPlainDeclaration(std::string_view name, std::string_view value) {
+  auto const isPlain = [](char c) { return c > ' ' && c < '\x7F' && c != '<'; };
+  std::string decoded;
+  return name.substr(0, kDeclaration.size()) == kDeclaration && std::all_of(name.begin(), name.end(), isPlain) &&
+         std::all_of(value.begin(), value.end(), isPlain) && Decode(value, decoded);
 }
 
 }  // namespace
@@ -78,7 +89,7 @@ bool StartTag::TakeAttribute(std::string_view& rest) {
   char const* const start = left.data();
   taken.name = TakeUntil(left, " \t\r\n=\"'");
   TakeAll(left, kSpace);
-  if (taken.name.empty() || left.empty() || left.front() != '=') return false;
+  if (taken.space.empty() || taken.name.empty() || left.empty() || left.front() != '=') return false;
   left.remove_prefix(1);
   TakeAll(left, kSpace);
   if (left.empty() || (left.front() != '"' && left.front() != '\'')) return false;
@@ -92,30 +103,31 @@ bool StartTag::TakeAttribute(std::string_view& rest) {
   return true;
 }
 
-StartTag::Attribute const* StartTag::Find(std::string_view name) const {
-  auto const found = std::find_if(m_attributes.begin(), m_attributes.end(),
-                                  [&](Attribute const& attribute) { return attribute.name == name; });
-  return found != m_attributes.end() ? &*found : nullptr;
-}
-
-bool StartTag::LacksAttributeOf(StartTag const& other) const {
-  return std::any_of(other.m_attributes.begin(), other.m_attributes.end(),
-                     [this](Attribute const& attribute) { return Find(attribute.name) == nullptr; });
-}
-
-void StartTag::Learn(StartTag const& other) {
-  std::size_t place = 0;
-  for (Attribute const& attribute : other.m_attributes) {
-    if (Attribute const* const own = Find(attribute.name)) {
-      place = static_cast<std::size_t>(own - m_attributes.data()) + 1;
+bool TagModel::Learn(StartTag const& tag) {
+  if (m_entries.empty()) {
+    m_space = tag.m_space;
+    m_end = tag.m_end;
+  }
+  std::size_t const known = m_entries.size();
+  auto place = m_entries.begin();
+  for (Attribute const& attribute : tag.m_attributes) {
+    auto const found = m_byName.find(attribute.name);
+    if (found != m_byName.end()) {
+      place = std::next(found->second);
     } else {
-      m_attributes.insert(m_attributes.begin() + static_cast<std::ptrdiff_t>(place++), attribute);
+      m_byName.emplace(attribute.name, m_entries.insert(place, Entry{attribute, 0}));
     }
   }
+  return m_entries.size() != known;
+}
+
+void TagModel::Number() {
+  std::size_t last = 0;
+  for (Entry& entry : m_entries) entry.number = ++last;
 }
 
 /// A value that says something else gets the quotes of the model.
-void StartTag::AppendValue(std::string& tag, Attribute const& own, Attribute const& model) {
+void TagModel::AppendValue(std::string& tag, Attribute const& own, Attribute const& model) {
   char const quote = model.spelled.back();
   if (SayTheSame(own.value, model.value)) {
     tag += model.spelled;
@@ -128,28 +140,38 @@ void StartTag::AppendValue(std::string& tag, Attribute const& own, Attribute con
   }
 }
 
-std::string StartTag::Like(StartTag const& model, Declarations declarations) const {
-  std::string tag = "<";
-  tag += m_name;
-  std::set<Attribute const*> written;
-  for (Attribute const& attribute : model.m_attributes) {
-    if (Attribute const* const own = Find(attribute.name)) {
-      tag += attribute.space;
-      AppendValue(tag, *own, attribute);
-      written.insert(own);
-    } else if (declarations == Declarations::kAll && attribute.name.substr(0, kDeclaration.size()) == kDeclaration) {
-      tag += attribute.space;
-      tag += attribute.spelled;
+std::string TagModel::Shaped(StartTag const& tag, Declarations declarations) const {
+  std::map<std::size_t, std::pair<Attribute const*, Attribute const*>> placed;  // its own one, which may be null
+  std::vector<Attribute const*> others;
+  for (Attribute const& attribute : tag.m_attributes) {
+    auto const found = m_byName.find(attribute.name);
+    if (found == m_byName.end()) {
+      others.push_back(&attribute);
+    } else {
+      placed.emplace(found->second->number, std::pair(&attribute, &found->second->attribute));
     }
   }
-  for (Attribute const& attribute : m_attributes) {
-    if (written.count(&attribute) != 0) continue;
-    tag += attribute.space;
-    tag += attribute.spelled;
+  if (declarations == Declarations::kAll) {
+    for (Entry const& entry : m_entries) {
+      bool const isAdded = IsPlainDeclaration(entry.attribute.name, entry.attribute.value);
+      if (isAdded) placed.emplace(entry.number, std::pair(nullptr, &entry.attribute));
+    }
   }
-  tag += model.m_end == m_end ? model.m_space : m_space;
-  tag += m_end;
-  return tag;
+  std::string text = "<";
+  text += tag.m_name;
+  for (auto const& [number, pair] : placed) {
+    auto const& [own, model] = pair;
+    text += model->space;
+    if (own != nullptr) AppendValue(text, *own, *model);
+    if (own == nullptr) text += model->spelled;
+  }
+  for (Attribute const* const attribute : others) {
+    text += attribute->space;
+    text += attribute->spelled;
+  }
+  text += m_end == tag.m_end ? m_space : tag.m_space;
+  text += tag.m_end;
+  return text;
 }
 
 }  // namespace Quillon9

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <list>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,18 +20,9 @@ class StartTag {
   /// The name with its prefix.
   std::string_view Name() const { return m_name; }
   bool HasAttributes() const { return !m_attributes.empty(); }
-  /// Whether \p other has an attribute that this tag does not have.
-  bool LacksAttributeOf(StartTag const& other) const;
-  /// Add the attributes of \p other that this tag does not have, each after its neighbour, for a model.
-  void Learn(StartTag const& other);
-
-  /// Which declarations of prefixes of a model are added.
-  enum class Declarations { kOwn, kAll };
-  /// This tag, with the order of attributes, the white space and the spelling of values that \p model has wherever both
-  /// say the same. Both are right.
-  std::string Like(StartTag const& model, Declarations declarations) const;
 
  private:
+  friend class TagModel;
   struct Attribute {
     std::string_view space;  // in front
     std::string_view name;
@@ -38,13 +31,45 @@ class StartTag {
   };
 
   bool TakeAttribute(std::string_view& rest);
-  Attribute const* Find(std::string_view name) const;
-  static void AppendValue(std::string& tag, Attribute const& own, Attribute const& model);
 
   bool m_isRight = false;
   std::string_view m_name;
   std::vector<Attribute> m_attributes;
   std::string_view m_space;  // in front of the end
+  std::string_view m_end;
+};
+
+/// What the start tags of one name look like. It refers to their texts, which must outlive it. A document determines
+/// how many attributes it has, so nothing here takes time in proportion to them for each tag.
+class TagModel {
+ public:
+  TagModel() = default;
+  TagModel(TagModel const&) = delete;
+  TagModel& operator=(TagModel const&) = delete;
+
+  /// Add the attributes of \p tag that were in no tag so far, each after its neighbour. Returns whether there were any.
+  bool Learn(StartTag const& tag);
+  /// Call this between Learn() and Shaped().
+  void Number();
+
+  /// Which declarations of prefixes are added.
+  enum class Declarations { kOwn, kAll };
+  /// \p tag, with the order of attributes, the white space and the spelling of values that this model has wherever both
+  /// say the same. Both are right.
+  std::string Shaped(StartTag const& tag, Declarations declarations) const;
+
+ private:
+  using Attribute = StartTag::Attribute;
+  struct Entry {
+    Attribute attribute;
+    std::size_t number = 0;
+  };
+
+  static void AppendValue(std::string& tag, Attribute const& own, Attribute const& model);
+
+  std::list<Entry> m_entries;
+  std::map<std::string_view, std::list<Entry>::iterator> m_byName;
+  std::string_view m_space;  // in front of the end of the first tag
   std::string_view m_end;
 };
 

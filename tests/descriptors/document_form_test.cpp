@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "dynamic_class.h"
@@ -111,6 +114,10 @@ TEST(DocumentForm, WhatCannotBeKeptIsWrittenAsEver) {
       {"<root><a> <![CDATA[1]]></a ></root >", "<root><a> 1</a></root>"},
       {"<root>\t <a>1</a></root>", "<root><a>1</a></root>"},
       {"<root>\n  <a>1</a>\r\n\n  <b>2</b></root>", "<root>\n  <a>1</a>\n  <b>2</b>\n</root>"},
+      {"<!DOCTYPE root [<!ENTITY e 'u'>]><root xmlns:p='urn:&e;' xmlns:q='urn:&amp;'/>", "<root xmlns:q='urn:&amp;'/>"},
+      {"<?xml version='1.0' encoding='ISO-8859-1'?><root xmlns:p='urn:\xE9' xmlns:\xE9='urn:q' k='\xE9'/>",
+       "<?xml version='1.0' encoding='UTF-8'?><root k='\xC3\xA9'/>"},
+      {"<root>\n" + std::string(200, ' ') + "<a/></root>", "<root>\n                <a/>\n</root>"},
   };
   ASCIIOnly(true);
   for (auto const& row : rows) EXPECT_EQ(RoundTrip(row.document), row.expected) << row.document;
@@ -156,8 +163,40 @@ TEST(DocumentForm, TheProgramMayChangeIt) {
   CXmlSerializationContext ctx = Keeping();
   ctx.GetAdditionalRootAttributes()->Add("schemaLocation", "urn:b b", "http://www.w3.org/2001/XMLSchema-instance");
   EXPECT_EQ(Written(object, ctx).find("urn:a"), std::string::npos);
+  form.startTags = {"<root x='1' x='1'y='2'>", "<a x='1' x='2'>"};
+  object.SetDocumentForm(form);
+  CXmlDocument().LoadXml(Written(object).c_str());
   object.DropDocumentForm();
   EXPECT_EQ(Written(object), "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<root>\n\t<a>1</a>\n</root>\n");
+}
+
+TEST(DocumentForm, AttributesOfTheClassStandOnce) {
+  static char const xsi[] = "http://www.w3.org/2001/XMLSchema-instance";
+  static Shape const shape({}, {}, {Attribute("schemaLocation", 0, true, ItemType_string, NoFacets(), nullptr, xsi)});
+  DynamicClass object(shape);
+  std::string const document = std::string("<root xmlns:xsi='") + xsi + "' xsi:schemaLocation='a b'/>";
+  object.FromXml(document.c_str(), Keeping());
+  EXPECT_EQ(Written(object), document);
+  object.With(0, "c d");
+  EXPECT_EQ(Written(object), std::string("<root xmlns:xsi='") + xsi + "' xsi:schemaLocation='c d'/>");
+  DynamicClass again(shape);
+  again.FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, Keeping()), Keeping());
+  EXPECT_EQ(again.GetDocumentForm()->schemaLocation, "c d");
+}
+
+TEST(DocumentForm, FilesHaveItHoweverTheyAreWritten) {
+  std::string const document = "<root ><a>1</a></root>";
+  Object object;
+  object.FromXml(document.c_str(), Keeping());
+  std::string const path = testing::TempDir() + "document_form.xml";
+  for (bool const isAsync : {false, true}) {
+    AsyncToXmlFile(isAsync);
+    object.ToXmlFile(path.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, Keeping());
+    AsyncToXmlFile(false);
+    std::ifstream file(path, std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), document) << isAsync;
+  }
+  std::remove(path.c_str());
 }
 
 TEST(DocumentForm, CountsOnlyUnderTheOption) {

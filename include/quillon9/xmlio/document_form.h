@@ -43,7 +43,7 @@ struct CDocumentForm {
   EOLType lineEnd = EOLType_LF;  ///< the first one of the document
   bool isFormatted = true;       ///< whether elements are on lines of their own; false if all are on one line
   char indentCharacter = '\t';   ///< of one level: a tab or a blank
-  std::uint8_t indentWidth = 1;  ///< how many of these a level has
+  std::uint8_t indentWidth = 1;  ///< how many of these a level has; a read keeps 16 at most
   std::uint8_t flatLevels = 0;   ///< how many levels inside the document element are not indented
   bool hasPlainQuotes = false;   ///< whether double quotes in text are written as they are
   EmptyElementForm emptyElements = EmptyElementForm_Short;  ///< the most frequent one at the start of the document
