@@ -115,9 +115,11 @@ std::optional<InfosetChunk> InfosetSplitter::Next() {
     while (!m_isChunkDone && !m_isPastEnd && (m_chunk.records.empty() || m_source.GetLeft() != 0) && Step()) {
     }
   } catch (CQnException& failure) {
-    if (failure.GetKind() == FailureKind_Parse || failure.GetKind() == FailureKind_Limit) EndBroken(failure);
+    bool const isOfDocument = failure.GetKind() == FailureKind_Parse || failure.GetKind() == FailureKind_Limit;
+    isOfDocument ? EndBroken(failure) : DropUnread();
     m_failure = std::current_exception();
   } catch (...) {
+    DropUnread();
     m_failure = std::current_exception();
   }
   if (!m_chunk.records.empty()) return TakeChunk();
@@ -370,10 +372,20 @@ void InfosetSplitter::NoteItem() {
 }
 
 void InfosetSplitter::DropTooLarge() {
+  DropRecord();
+  m_record.isTooLarge = true;
+}
+
+/// Take what there is of the record out of the chunk.
+void InfosetSplitter::DropRecord() {
   m_copy.Pause();
   m_copy.Return(m_chunk.octets, m_mark);
   m_chunk.shifts.resize(m_record.firstShift);
-  m_record.isTooLarge = true;
+}
+
+/// The same for a record that will not be read to its end.
+void InfosetSplitter::DropUnread() {
+  if (m_open != 0 && m_copy.IsWriting()) DropRecord();
 }
 
 /// Let the record end in an element that its reader refuses before it reads its name.

@@ -134,6 +134,8 @@ class InfosetSplitter : private InfosetParser {
   void WriteAncestors();
   void NoteItem();
   void DropTooLarge();
+  void DropRecord();
+  void DropUnread();
   void CutTooDeep();
   void EndRecord();
   void EndBroken(CQnException& failure);

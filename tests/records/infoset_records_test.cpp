@@ -6,7 +6,9 @@
 #include <functional>
 #include <memory>
 #include <set>
+#include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "quillon9/base/limits.h"
@@ -235,6 +237,16 @@ TEST(InfosetRecords, RecordsBeyondALimitArePassedOver) {
                                          "b '" + std::string(259, 'L') + "'"};
   EXPECT_EQ(read.records, kept);
 
+  // One that is too large by the end of its last item.
+  limits.mostRecord = 3;
+  read = ReadRecords(Document("3C 00'a' 3C 00'b' F0 01 A0 F0 01 81'xy' F0 01 F0 FF"), "/a/b", limits);
+  EXPECT_EQ(read.failure.substr(0, 60), "Failed to parse FastInfoset. Invalid Index beyond its table.");
+  read = ReadRecords(Document("3C 00'a' 3C 00'b' F0 01 90'x' F0 01 A0 F0 01 81'xy' F0 01 F0 FF"), "/a/b", limits);
+  std::string const tooLarge = "The record exceeds the limit of 3 bytes @";
+  std::vector<std::string> const withoutLarge = {tooLarge + "8 /a/b 3", tooLarge + "12 /a/b[2] 3", "b 'x'",
+                                                 tooLarge + "19 /a/b[4] 3", "b"};
+  EXPECT_EQ(read.records, withoutLarge);
+
   CLimits::SetMaxElementDepth(4);
   std::string const deep = Document("3C 00'a' 3C 00'b' F0 01 3C 00'c' 02 38 F0 02 FF FF 01 3C 00'n' FF F0");
   read = ReadRecords(deep, "/a/b");
@@ -386,6 +398,26 @@ TEST(InfosetRecords, RecordsThatAreThereDoNotWait) {
   std::string const file;
   auto const stream = OpenRecords(std::move(input), {RecordPath("/a/b", *ctx.GetNamespaceAliases())}, {}, ctx, file);
   EXPECT_EQ(stream->Next(Utf8Text::Use::kNo)->Size(), 2u);
+}
+
+TEST(InfosetRecords, AnInputThatFailsEndsTheRead) {
+  std::string const octets = Octets("E0 00 00 01 00 3C 00'a' 3C 00'b' F0 01 3C 00'c' 90'1'");
+  bool isRead = false;
+  auto input = InputOfFunction([&](char* to, std::size_t size) {
+    if (std::exchange(isRead, true)) throw std::runtime_error("the line is dead");
+    octets.copy(to, std::min(size, octets.size()));
+    return std::min(size, octets.size());
+  });
+  CXmlSerializationContext const ctx;
+  std::string const file;
+  auto buffered = std::make_unique<PeekedInput>(std::move(input));
+  buffered->Peek(octets.size());
+  auto const stream = OpenRecords(std::move(buffered), {RecordPath("/a/b", *ctx.GetNamespaceAliases())}, {}, ctx, file);
+  auto const batch = stream->Next(Utf8Text::Use::kNo);
+  ASSERT_EQ(batch->Size(), 1u);
+  EXPECT_EQ(Dump(*batch->Load(0, Utf8Text::Use::kNo)), "b");
+  EXPECT_THROW(stream->Next(Utf8Text::Use::kNo), std::runtime_error);
+  EXPECT_THROW(stream->Next(Utf8Text::Use::kNo), std::runtime_error);
 }
 
 TEST(InfosetRecords, TextIsHeldAsAskedFor) {
