@@ -70,6 +70,8 @@
 #include "quillon9/generated/rows.h"
 #include "quillon9/generated/value_element.h"
 #include "quillon9/generated/xml_source.h"
+#include "quillon9/records/record_target.h"
+#include "quillon9/records/record_writer.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/string_buffer.h"
 #include "quillon9/text/text_encoding.h"
