@@ -132,7 +132,7 @@ class CXmlRecordWriter::Work {
     RequireRoomForElement();
     EndStart();
     Begin(false);
-    Recordlike(object, [&] {
+    WritePartOf(object, [&] {
       bool const isRoot = m_depth == 0;
       if (isRoot) {
         BindDeclared();
@@ -198,8 +198,8 @@ class CXmlRecordWriter::Work {
   void Write(CXmlObjectBase const& object, std::string const& namespaceUri) {
     BeginRecord();
     LossesOfWriting losses(m_ctx);
-    Recordlike(object,
-               [&] { CXmlObjectBase::ToXml_Int(&object, &Writer(), false, namespaceUri.c_str(), m_ctx, false); });
+    WritePartOf(object,
+                [&] { CXmlObjectBase::ToXml_Int(&object, &Writer(), false, namespaceUri.c_str(), m_ctx, false); });
     EndRecord();
     losses.Tell(object);
   }
@@ -297,7 +297,6 @@ class CXmlRecordWriter::Work {
       if (!withPrologue || std::exchange(m_hasPrologue, true)) return;
       OwnTextScope const scope;
       WriteRootPrologue(Writer(), m_ctx);
-      if (!m_ctx.GetDefaultNamespaceURI().empty()) m_tree->SetDefaultNamespace(m_ctx.GetDefaultNamespaceURI());
       BindDeclared();
     });
   }
@@ -310,6 +309,7 @@ class CXmlRecordWriter::Work {
     m_encoder->Begin();
   }
   void BindDeclared() {
+    if (!m_ctx.GetDefaultNamespaceURI().empty()) m_tree->SetDefaultNamespace(m_ctx.GetDefaultNamespaceURI());
     for (auto const& [prefix, uri] : m_declared) {
       if (prefix.empty()) {
         m_tree->SetDefaultNamespace(uri);
@@ -369,7 +369,7 @@ class CXmlRecordWriter::Work {
 
   /// Do \p action, which writes \p object or a part of it, so that a failure leaves nothing of it.
   template <class Action>
-  void Recordlike(CXmlObjectBase const& object, Action action) {
+  void WritePartOf(CXmlObjectBase const& object, Action action) {
     TextScope const scope(object, m_ctx);
     CheckingWriter::Pause const pause;
     try {
