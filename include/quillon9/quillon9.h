@@ -72,6 +72,8 @@
 #include "quillon9/generated/xml_source.h"
 #include "quillon9/records/record_reader.h"
 #include "quillon9/records/record_source.h"
+#include "quillon9/records/record_target.h"
+#include "quillon9/records/record_writer.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/text/string_buffer.h"
 #include "quillon9/text/text_encoding.h"

@@ -12,23 +12,18 @@
 
 namespace Quillon9 {
 
-namespace {
-
-/// \p failure ended a write. Of no effect if that was before the root.
-void AddPlace(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
-              CXmlSerializationContext const& ctx) noexcept {
+void WriteFailure::AddPlaceInInfoset(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
+                                     CXmlSerializationContext const& ctx) noexcept {
   try {
     TextScope const scope(object, ctx);
     CBinaryStream stream;
     CFastInfosetWriter encoder(*ctx.GetFIContext(), stream);
     encoder.Open();
     encoder.WriteStartDocument(decl);
-    WriteFailure::AddPlace(failure, object, ctx, encoder);
+    AddPlace(failure, object, ctx, encoder);
   } catch (...) {  // the failure that ended the write counts
   }
 }
-
-}  // namespace
 
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
                                                 CompressionType compression) const try {
@@ -48,7 +43,7 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
 } catch (CQnException& failure) {
-  AddPlace(failure, *this, decl, ctx);
+  WriteFailure::AddPlaceInInfoset(failure, *this, decl, ctx);
   throw;
 }
 

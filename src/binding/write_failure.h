@@ -16,6 +16,9 @@ class WriteFailure {
   /// The same for a write that \p encoder did, which is a new one in the state in which the root is written to it.
   static void AddPlace(CQnException& failure, CXmlObjectBase const& object, CXmlSerializationContext const& ctx,
                        CXmlWriter& encoder) noexcept;
+  /// The same for a write of Fast Infoset with the declaration \p decl. Of no effect if that is the failure.
+  static void AddPlaceInInfoset(CQnException& failure, CXmlObjectBase const& object, FInfoDecl decl,
+                                CXmlSerializationContext const& ctx) noexcept;
 };
 
 }  // namespace Quillon9

@@ -5,7 +5,7 @@
 
 namespace Quillon9 {
 
-/// The only friend of the base of generated classes: the form that objects keep.
+/// The only friend of the base of generated classes: the form that objects keep, and their start tags.
 struct FormAccess {
   /// Null for none.
   static ObjectForm* Find(CXmlGeneratedClass const& object) { return object.m_form.get(); }
@@ -14,6 +14,11 @@ struct FormAccess {
     return *object.m_form;
   }
   static void Drop(CXmlGeneratedClass& object) { object.m_form.reset(); }
+  /// Start the element of \p object with its attributes; for a document element, what stands in front of it first.
+  static void WriteStart(CXmlGeneratedClass const& object, CXmlWriter& writer, bool isRoot, char const* ns,
+                         CXmlSerializationContext const& ctx) {
+    object.WriteStart(&writer, isRoot, ns, ctx, false);
+  }
 };
 
 }  // namespace Quillon9

@@ -12,6 +12,7 @@
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
 #include "descriptors/object_form.h"
+#include "descriptors/root_prologue.h"
 #include "descriptors/table_check.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/collection.h"
@@ -127,23 +128,9 @@ class UnknownItems : public InsertedItems {
   if (isRoot) WriteDocumentMarkup(*writer, unknown, 1);
 }
 
-namespace {
-
-void WriteRootPrologue(CXmlWriter* writer, CXmlSerializationContext const& ctx) {
-  for (std::string const& instruction : ctx.GetProcessingInstructions()) writer->WritePI(instruction);
-  CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
-  for (int i = 0; i < aliases.GetNamespaceCount(); ++i) {
-    std::string const ns = aliases.GetNamespaceAt(i);
-    writer->AddNamespace(aliases.GetAliasFromNamespace(ns.c_str()), ns);
-  }
-  if (!ctx.GetDefaultNamespaceURI().empty()) writer->SetDefaultNamespace(ctx.GetDefaultNamespaceURI());
-}
-
-}  // namespace
-
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
-  if (isRoot) WriteRootPrologue(writer, ctx);
+  if (isRoot) WriteRootPrologue(*writer, ctx);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!kNamespaceText.IsOn()) text = std::string();

@@ -9,6 +9,7 @@
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
+#include "xmlio/content_writing.h"
 #include "xmlio/node_access.h"
 
 namespace Quillon9 {
@@ -66,28 +67,8 @@ std::vector<CMarkup> const& CElement::GetMarkup() const {
 
 void CElement::WriteWithMarkup(CXmlWriter* writer, char const* ns, CXmlSerializationContext const& ctx) const {
   if (!m_text.empty()) writer->PreserveSpace();
-  auto next = m_markup->begin();
-  std::size_t child = 0;
-  std::size_t passed = 0;
-  auto const isHere = [&] { return next != m_markup->end() && next->childrenInFront <= child; };
-  for (CContentItem<CElement> const& item : Content()) {
-    std::string_view run = item.GetText();
-    while (isHere() && (!item.IsText() || next->textInFront < passed + run.size())) {
-      std::size_t const size = item.IsText() ? std::max(next->textInFront, passed) - passed : 0;
-      writer->WriteString(std::string(run.substr(0, size)), ItemType_string);
-      run.remove_prefix(size);
-      passed += size;
-      writer->WriteMarkup(*next++);
-    }
-    if (item.IsText()) {
-      writer->WriteString(std::string(run), ItemType_string);
-      passed += run.size();
-    } else {
-      CXmlObjectBase::ToXml_Int(item.GetElement(), writer, false, ns, ctx, false);
-      ++child;
-    }
-  }
-  while (next != m_markup->end()) writer->WriteMarkup(*next++);
+  WriteContentItems(*writer, Content(), *m_markup,
+                    [&](CElement const& child) { CXmlObjectBase::ToXml_Int(&child, writer, false, ns, ctx, false); });
 }
 
 void CElement::AppendText(std::string_view text) {

@@ -14,8 +14,8 @@ void ThrowFastInfosetWriteFailure(std::string const& reason) {
 }
 
 void COctetSink::Flush() {
-  if (m_size == 0) return;
-  m_stream.Append(reinterpret_cast<unsigned char const*>(m_octets.get()), m_size);
+  if (m_size == 0 || m_stream == nullptr) return;
+  m_stream->Append(reinterpret_cast<unsigned char const*>(m_octets.get()), m_size);
   m_size = 0;
 }
 

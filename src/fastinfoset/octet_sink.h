@@ -23,7 +23,7 @@ namespace Quillon9 {
 class COctetSink {
  public:
   /// \p stream is borrowed.
-  explicit COctetSink(CBinaryStream& stream) : m_stream(stream) {}
+  explicit COctetSink(CBinaryStream& stream) : m_stream(&stream) {}
   COctetSink(COctetSink const&) = delete;
   COctetSink& operator=(COctetSink const&) = delete;
 
@@ -39,6 +39,12 @@ class COctetSink {
   }
   /// Pass the collected octets to the stream.
   void Flush();
+  /// From now on, keep the octets instead, until Drop().
+  ///@{
+  void Hold() { m_stream = nullptr; }
+  std::string_view Held() const { return {m_octets.get(), m_size}; }
+  void Drop() { m_size = 0; }
+  ///@}
   /// Do so when a block of 4,096 octets is full. Each append to a stream locks, so octets go there in blocks.
   void FlushIfFull() {
     if (m_size >= kBlockSize) Flush();
@@ -84,7 +90,7 @@ class COctetSink {
   void Commit(CTextCursor const& written) { m_size += written.Written(); }
   void Grow(std::size_t more);
 
-  CBinaryStream& m_stream;
+  CBinaryStream* m_stream;  // null: the octets stay here
   // A buffer like std::string, but with fewer steps for each octet.
   std::unique_ptr<char[]> m_octets;
   std::size_t m_size = 0;

@@ -189,6 +189,42 @@ void CFIIndexMap::Clear() {
   m_texts.front().clear();
 }
 
+/// Remove all entries but the first \p size ones, and give the others new slots, because a search ends at a free one.
+void CFIIndexMap::ShrinkTo(std::size_t size) {
+  if (m_size <= size) return;
+  std::vector<Slot> kept(m_slots.size());
+  std::size_t const mask = kept.size() - 1;
+  Slot const* lastLong = nullptr;  // the texts are in the order of the entries
+  std::size_t longCount = 0;
+  for (Slot const& slot : m_slots) {
+    if (slot.m_index == 0 || slot.m_index > size) continue;
+    if (slot.m_length > kShort) {
+      ++longCount;
+      if (lastLong == nullptr || slot.m_index > lastLong->m_index) lastLong = &slot;
+    }
+    std::size_t at = HashOf(slot) & mask;
+    while (kept[at].m_index != 0) at = (at + 1) & mask;
+    kept[at] = slot;
+  }
+  ForgetTextsAfter(lastLong, longCount);
+  m_slots.swap(kept);
+  m_size = size;
+  std::fill(m_recent.begin(), m_recent.end(), 0);
+}
+
+/// \p last is the slot of the last text that is kept, of \p count; null for none.
+void CFIIndexMap::ForgetTextsAfter(Slot const* last, std::size_t count) {
+  if (last == nullptr) {
+    m_texts.clear();
+  } else {
+    Place const& place = m_places[last->m_word & kPlaceBits];
+    std::size_t const end = place.m_offset + TextAt(*last).size();
+    m_texts.resize(place.m_block + std::size_t{1});
+    m_texts.back().resize(end);
+  }
+  m_places.resize(count);
+}
+
 // ---- Tables
 
 CFIVocabulary::CFIStringTable::CFIStringTable() = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "fastinfoset/writer_tables.h"
 #include "quillon9/fastinfoset/vocabulary.h"
 
@@ -21,6 +23,8 @@ struct VocabularyAccess {
   static bool IsSmall(CFIIndexMap const& map) { return map.IsSmall(); }
   /// Empty the map and keep its memory.
   static void Clear(CFIIndexMap& map) { map.Clear(); }
+  /// Remove all entries but the first \p size ones.
+  static void ShrinkTo(CFIIndexMap& map, std::size_t size) { map.ShrinkTo(size); }
 };
 
 }  // namespace Quillon9

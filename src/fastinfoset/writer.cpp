@@ -11,6 +11,7 @@
 #include "fastinfoset/constants.h"
 #include "fastinfoset/octet_sink.h"
 #include "fastinfoset/restricted_alphabet_packing.h"
+#include "fastinfoset/writer_access.h"
 #include "fastinfoset/writer_tables.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/fastinfoset/context.h"
@@ -104,6 +105,35 @@ void CFastInfosetWriter::WritePI(std::string const&) {
 }
 
 void CFastInfosetWriter::WriteInlineSchema(std::string const&) {}
+
+// ---- Records
+
+void InfosetWriterAccess::HoldOctets(CFastInfosetWriter& writer) { writer.m_output->Hold(); }
+
+std::string_view InfosetWriterAccess::HeldOctets(CFastInfosetWriter const& writer) { return writer.m_output->Held(); }
+
+void InfosetWriterAccess::DropOctets(CFastInfosetWriter& writer) { writer.m_output->Drop(); }
+
+void InfosetWriterAccess::LimitValues(CFastInfosetWriter& writer, WriterTables::ValueLimits const& limits) {
+  writer.m_tables->limits = limits;
+}
+
+InfosetWriterAccess::Mark InfosetWriterAccess::GetMark(CFastInfosetWriter& writer) {
+  writer.WriteElement(false);
+  return {XmlWriterAccess::GetMark(writer), writer.m_tables->GetMark(), writer.m_mixed, writer.m_terminatorPending};
+}
+
+void InfosetWriterAccess::ReturnTo(CFastInfosetWriter& writer, Mark const& mark) {
+  if (writer.m_pendingElement != nullptr) {
+    writer.m_pendingElement->m_parent = nullptr;
+    delete std::exchange(writer.m_pendingElement, nullptr);
+  }
+  writer.m_declared.clear();
+  writer.m_mixed = mark.mixed;
+  writer.m_terminatorPending = mark.terminatorPending;
+  XmlWriterAccess::ReturnTo(writer, mark.elements);
+  writer.m_tables->ReturnTo(mark.tables);
+}
 
 // ---- Document
 
@@ -452,22 +482,24 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit1(std::string_view value,
   } else if (unsigned long const index = map.Find(value); index != 0) {
     m_output->Integer1To2pw20Bit2(fi::kIndexBit1, index);
   } else {
-    EncodedCharacterStringBit3(fi::kAddToTableBit1, value, type);
-    AddToIndex(map, value);
+    bool const isAdded = m_tables->Takes(map, value);
+    EncodedCharacterStringBit3(isAdded ? fi::kAddToTableBit1 : 0, value, type);
+    if (isAdded) m_tables->AddValue(map, value);
   }
 }
 
 void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, std::string_view value, ItemType type) {
   CFIIndexMap& map = m_tables->chunks;
-  bool const isShort = value.size() < m_options->GetElementMaxAddLength();
-  if (isShort) {
+  bool isAdded = value.size() < m_options->GetElementMaxAddLength();
+  if (isAdded) {
     if (unsigned long const index = map.Find(value)) {
       return m_output->Integer1To2pw20Bit4(leading | fi::kIndexBit3, index);
     }
-    leading |= fi::kAddToTableBit3;
+    isAdded = m_tables->Takes(map, value);
   }
+  if (isAdded) leading |= fi::kAddToTableBit3;
   EncodedCharacterStringBit5(leading, value, type);
-  if (isShort) AddToIndex(map, value);
+  if (isAdded) m_tables->AddValue(map, value);
 }
 
 // Return the octets of a value under an alphabet or algorithm, which live until the next string.

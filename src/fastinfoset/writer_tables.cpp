@@ -14,10 +14,10 @@ struct SpareTables {
   std::unique_ptr<WriterTables> tables;
 };
 
-template <class Visit>
-void ForEachMap(WriterTables& tables, Visit visit) {
-  for (CFIIndexMap* const map : {&tables.prefixes, &tables.namespaces, &tables.localNames, &tables.elementNames,
-                                 &tables.attributeNames, &tables.chunks, &tables.attributeValues}) {
+template <class Tables, class Visit>
+void ForEachMap(Tables& tables, Visit visit) {
+  for (auto* const map : {&tables.prefixes, &tables.namespaces, &tables.localNames, &tables.elementNames,
+                          &tables.attributeNames, &tables.chunks, &tables.attributeValues}) {
     visit(*map);
   }
 }
@@ -45,7 +45,23 @@ void WriterTables::Give(std::unique_ptr<WriterTables> tables) noexcept {
   if (!isSmall) return;
   ForEachMap(*tables, [](CFIIndexMap& map) { VocabularyAccess::Clear(map); });
   tables->knownNames = {};
+  tables->limits = {};
   spare->tables = std::move(tables);
+}
+
+WriterTables::Mark WriterTables::GetMark() const {
+  Mark mark;
+  std::size_t* size = mark.sizes.data();
+  ForEachMap(*this, [&](CFIIndexMap const& map) { *size++ = map.size(); });
+  mark.limits = limits;
+  return mark;
+}
+
+void WriterTables::ReturnTo(Mark const& mark) {
+  std::size_t const* size = mark.sizes.data();
+  ForEachMap(*this, [&](CFIIndexMap& map) { VocabularyAccess::ShrinkTo(map, *size++); });
+  knownNames = {};
+  limits = mark.limits;
 }
 
 }  // namespace Quillon9

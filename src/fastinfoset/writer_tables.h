@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <memory>
 #include <string_view>
 
@@ -20,6 +22,31 @@ struct WriterTables {
   CFIIndexMap attributeValues;
   CKnownNames knownNames;
 
+  /// How much of the values of elements and attributes enters a table. Usually everything does, until a table is full.
+  struct ValueLimits {
+    static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+    std::size_t entries = kNone;     ///< of each table
+    std::size_t octetsLeft = kNone;  ///< of further values in both
+  };
+  ValueLimits limits;
+
+  /// Whether \p value is to enter \p values, one of the tables of values.
+  bool Takes(CFIIndexMap const& values, std::string_view value) const {
+    return values.size() < limits.entries && value.size() <= limits.octetsLeft;
+  }
+  /// Add it.
+  void AddValue(CFIIndexMap& values, std::string_view value);
+
+  /// The sizes of the tables, for ReturnTo().
+  struct Mark {
+    std::array<std::size_t, 7> sizes{};
+    ValueLimits limits;
+  };
+  Mark GetMark() const;
+  /// Remove what was added after \p mark.
+  void ReturnTo(Mark const& mark);
+
   /// Return tables with the entries of \p vocabulary, or only the built-in ones for null.
   static std::unique_ptr<WriterTables> Take(CFIVocabulary const* vocabulary);
   /// Keep \p tables for the next call of Take() in this thread, or delete them.
@@ -29,6 +56,11 @@ struct WriterTables {
 /// Add \p text unless the table is full.
 inline void AddToIndex(CFIIndexMap& map, std::string_view text) {
   if (map.size() < CFIVocabulary::kMaxEntries) map.Insert(text);
+}
+
+inline void WriterTables::AddValue(CFIIndexMap& values, std::string_view value) {
+  AddToIndex(values, value);
+  if (limits.octetsLeft != ValueLimits::kNone) limits.octetsLeft -= value.size();
 }
 
 }  // namespace Quillon9

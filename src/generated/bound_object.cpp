@@ -6,6 +6,7 @@
 #include "base/failure_detail.h"
 #include "binding/failure_report.h"
 #include "descriptors/generic_reading.h"
+#include "descriptors/root_prologue.h"
 #include "generated/bound_access.h"
 #include "generated/built_class.h"
 #include "generated/content_reader.h"
@@ -157,26 +158,9 @@ void CBoundObject::KeepPrefixes(CXmlElement const& element) {
   BoundAccess::SetPrefixes(*this, isRoot ? XmlNodeAccess::PrefixesOf(*document) : ObjectForm().prefixes);
 }
 
-namespace {
-
-/// Bind \p prefixes while the document element has not started, so that its name has one of them. What \p ctx binds
-/// comes first.
-void BindForDocument(std::vector<std::pair<std::string, std::string>> const& prefixes,
-                     CXmlSerializationContext const& ctx, CXmlWriter& writer) {
-  CNamespaceAliasMap const& aliases = *ctx.GetNamespaceAliases();
-  for (auto const& [prefix, uri] : prefixes) {
-    bool const isPlain = uri.find_first_of("&<\"") == std::string::npos;
-    if (!isPlain || aliases.DoesAliasExist(prefix.c_str()) || aliases.DoesNamespaceExist(uri.c_str())) continue;
-    if (XmlWriterAccess::IsFreeForDocument(writer, prefix, uri)) writer.AddNamespace(prefix, uri);
-  }
-}
-
-}  // namespace
-
 void CBoundObject::ToXml_Int(CXmlWriter* writer, bool isRoot, char const* ns, CXmlSerializationContext const& ctx,
                              bool inChoice) const {
-  ObjectForm const* const form = isRoot ? FormAccess::Find(*this) : nullptr;
-  if (form != nullptr) BindForDocument(form->prefixes, ctx, *writer);
+  if (isRoot) BindKeptPrefixes(*this, ctx, *writer);
   CXmlGeneratedClass::ToXml_Int(writer, isRoot, ns, ctx, inChoice);
 }
 

@@ -15,6 +15,7 @@
 #include "quillon9/base/limits.h"
 #include "quillon9/values/binary_data.h"
 #include "xmlio/compressed_header.h"
+#include "xmlio/deflate.h"
 
 namespace Quillon9 {
 
@@ -22,9 +23,6 @@ namespace {
 
 using Buffer = std::unique_ptr<unsigned char[]>;
 
-constexpr int kFastLevel = Z_BEST_SPEED;
-constexpr int kGZipWindowBits = MAX_WBITS + 16;
-constexpr int kMemoryLevel = 8;
 constexpr int kDetectWindowBits = MAX_WBITS + 32;  // gzip or zlib, whichever the header says
 constexpr std::size_t kBlockSize = 0x10000;
 
@@ -54,11 +52,6 @@ class ZStream {
  private:
   z_stream m_stream{};
 };
-
-int InitDeflate(z_stream* stream, CompressionType type) {
-  if (type == CompressionType_ZLib) return deflateInit(stream, kFastLevel);
-  return deflateInit2(stream, kFastLevel, Z_DEFLATED, kGZipWindowBits, kMemoryLevel, Z_DEFAULT_STRATEGY);
-}
 
 /// Collects inflated bytes block by block, so that the output is copied once, when its size is known.
 class Collector {

@@ -154,8 +154,10 @@ std::string RandomName() {
   return name;
 }
 
+}  // namespace
+
 /// A new file in a folder. The destructor removes it unless it has been renamed.
-class TemporaryFile {
+class CFileReplacement::TemporaryFile {
  public:
   TemporaryFile(std::string const& folder, mode_t mode)
       : m_folder(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)), m_file(Create(mode)) {}
@@ -176,7 +178,7 @@ class TemporaryFile {
     if (!m_folder.IsOpen()) ThrowSystemError();
     for (int i = 0; i < kMaxNames; ++i) {
       std::string name = RandomName();
-      int const file = ::openat(m_folder.Get(), name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+      int const file = ::openat(m_folder.Get(), name.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
       if (file == -1 && errno == EEXIST) continue;
       if (file == -1) ThrowSystemError();
       m_name = std::move(name);
@@ -189,6 +191,8 @@ class TemporaryFile {
   std::string m_name;
   CFileDescriptor m_file;
 };
+
+namespace {
 
 /// Return whether \p error means that the folder or the file system does not allow a replacement, such as that of
 /// another user's file in a folder like /tmp, or of a file that is a mount point. In /proc no file can be created, and
@@ -211,7 +215,22 @@ void Check(CFileReplacement::Checkpoint const& checkpoint) {
   if (checkpoint) checkpoint();
 }
 
+/// Append all of \p from to \p to.
+void Copy(CFileDescriptor const& from, CFileDescriptor const& to) {
+  std::string block(kBlock, '\0');
+  for (off_t at = 0;;) {
+    ssize_t const count = ::pread(from.Get(), block.data(), block.size(), at);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) ThrowSystemError();
+    if (count == 0) return;
+    to.Write({block.data(), static_cast<std::size_t>(count)});
+    at += count;
+  }
+}
+
 }  // namespace
+
+CFileReplacement::~CFileReplacement() = default;
 
 CFileReplacement::CFileReplacement(std::string const& path) : m_old(OpenExisting(path)) {
   if (m_old.IsOpen() && !IsRegular(m_old)) return;
@@ -239,24 +258,68 @@ bool CFileReplacement::WriteBeside(Pieces pieces, Sync sync, Checkpoint const& c
         file.Write(piece.substr(0, kBlock));
       }
     }
-    if (m_old.IsOpen()) TakeOverRights(m_old, file);
-    if (sync == Sync::Yes) file.Sync();
-    file.Close();
-    Check(checkpoint);
-    temporary.Rename(m_name);
+    PutInPlace(temporary, sync, checkpoint);
     return true;
   } catch (std::system_error const& failure) {
-    if (!m_old.IsOpen() || !IsRefusal(failure.code().value())) throw;
+    if (!IsRefused(failure)) throw;
     return false;
   }
 }
 
 void CFileReplacement::WriteDirectly(Pieces pieces, Sync sync) {
-  bool const isRegular = IsRegular(m_old);
-  if (isRegular && ::ftruncate(m_old.Get(), 0) != 0) ThrowSystemError();
+  BeginDirectly();
   for (std::string_view const piece : pieces) m_old.Write(piece);
-  if (isRegular && sync == Sync::Yes) m_old.Sync();
+  FinishDirectly(sync);
+}
+
+bool CFileReplacement::IsRefused(std::system_error const& failure) const {
+  return m_old.IsOpen() && IsRefusal(failure.code().value());
+}
+
+void CFileReplacement::PutInPlace(TemporaryFile& temporary, Sync sync, Checkpoint const& checkpoint) const {
+  CFileDescriptor& file = temporary.GetFile();
+  if (m_old.IsOpen()) TakeOverRights(m_old, file);
+  if (sync == Sync::Yes) file.Sync();
+  file.Close();
+  Check(checkpoint);
+  temporary.Rename(m_name);
+}
+
+void CFileReplacement::BeginDirectly() const {
+  if (IsRegular(m_old) && ::ftruncate(m_old.Get(), 0) != 0) ThrowSystemError();
+}
+
+void CFileReplacement::FinishDirectly(Sync sync) {
+  if (sync == Sync::Yes && IsRegular(m_old)) m_old.Sync();
   m_old.Close();
+}
+
+void CFileReplacement::Begin() {
+  try {
+    if (NeedsTemporaryFile()) m_begun = std::make_unique<TemporaryFile>(m_folder, m_old.IsOpen() ? 0600 : 0666);
+  } catch (std::system_error const& failure) {
+    if (!IsRefused(failure)) throw;
+  }
+  if (m_begun == nullptr) BeginDirectly();
+}
+
+void CFileReplacement::Add(std::string_view piece) const {
+  (m_begun != nullptr ? m_begun->GetFile() : m_old).Write(piece);
+}
+
+void CFileReplacement::Finish(Sync sync) {
+  std::unique_ptr<TemporaryFile> const temporary = std::move(m_begun);
+  if (temporary == nullptr) return FinishDirectly(sync);
+  CFileDescriptor const contents(::dup(temporary->GetFile().Get()));
+  if (!contents.IsOpen()) ThrowSystemError();
+  try {
+    return PutInPlace(*temporary, sync, nullptr);
+  } catch (std::system_error const& failure) {
+    if (!IsRefused(failure)) throw;
+  }
+  BeginDirectly();
+  Copy(contents, m_old);
+  FinishDirectly(sync);
 }
 
 }  // namespace Quillon9

@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <initializer_list>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "xmlio/file_descriptor.h"
 
@@ -31,6 +33,9 @@ class CFileReplacement {
   /// is created or changed.
   /// \throws std::system_error if the path leads to a directory, to nowhere or to a file that may not be written.
   explicit CFileReplacement(std::string const& path);
+  CFileReplacement(CFileReplacement const&) = delete;
+  CFileReplacement& operator=(CFileReplacement const&) = delete;
+  ~CFileReplacement();
 
   /// Return whether Write() creates a temporary file.
   bool NeedsTemporaryFile() const { return !m_name.empty(); }
@@ -41,15 +46,30 @@ class CFileReplacement {
   ///         gone then, and a regular file is unchanged, unless it was written directly.
   void Write(std::initializer_list<std::string_view> pieces, Sync sync, Checkpoint const& checkpoint = nullptr);
 
+  /// The same for contents of any length: Begin() once, Add() for each piece, and Finish(). Without Finish(), a regular
+  /// file stays as it was, unless it is written directly.
+  /// \throws std::system_error as Write().
+  ///@{
+  void Begin();
+  void Add(std::string_view piece) const;
+  void Finish(Sync sync);
+  ///@}
+
  private:
+  class TemporaryFile;
   using Pieces = std::initializer_list<std::string_view>;
 
   bool WriteBeside(Pieces pieces, Sync sync, Checkpoint const& checkpoint) const;
   void WriteDirectly(Pieces pieces, Sync sync);
+  bool IsRefused(std::system_error const& failure) const;
+  void PutInPlace(TemporaryFile& temporary, Sync sync, Checkpoint const& checkpoint) const;
+  void BeginDirectly() const;
+  void FinishDirectly(Sync sync);
 
-  CFileDescriptor m_old;  // the existing file at the path, if any
-  std::string m_folder;   // of the file that is replaced
-  std::string m_name;     // of the file that is replaced, in its folder; empty for direct writing
+  CFileDescriptor m_old;                   // the existing file at the path, if any
+  std::string m_folder;                    // of the file that is replaced
+  std::string m_name;                      // of the file that is replaced, in its folder; empty for direct writing
+  std::unique_ptr<TemporaryFile> m_begun;  // between Begin() and Finish(); null for direct writing
 };
 
 }  // namespace Quillon9

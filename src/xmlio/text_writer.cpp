@@ -17,6 +17,7 @@
 #include "values/rules_in_use.h"
 #include "xmlio/child_prefix.h"
 #include "xmlio/writer_access.h"
+#include "xmlio/xml_characters.h"
 
 namespace Quillon9 {
 
@@ -61,11 +62,6 @@ char const* ReferenceFor(ByteClass byteClass, bool inAttribute) {
   return byteClass == ByteClass::Tab && inAttribute ? "&#x9;" : nullptr;
 }
 
-[[noreturn]] void ThrowNotInXml(char character) {
-  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
-                                         "The character U+%04X cannot stand in an XML document", character)));
-}
-
 // Room for a name and a string of markup around it; `prefix` is null for a name without one.
 std::size_t RoomFor(std::string_view markup, std::string const* prefix, std::string const& localName) {
   return markup.size() + (prefix != nullptr ? prefix->size() + 1 : 0) + localName.size();
@@ -104,6 +100,18 @@ char const* EncodingDeclaration(XmlEncoding encoding) {
 }
 
 }  // namespace
+
+void ThrowNotInXml(char character) {
+  throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
+                                         "The character U+%04X cannot stand in an XML document", character)));
+}
+
+void RequireXmlCharacters(std::string_view text) {
+  for (char const character : text) {
+    ByteClass const byteClass = ClassOf(character);
+    if (byteClass == ByteClass::Control || byteClass == ByteClass::End) ThrowNotInXml(character);
+  }
+}
 
 CXmlTextWriter::CXmlTextWriter(CTextStream& stream)
     : CXmlWriter("CXmlTextWriter"),
@@ -369,6 +377,16 @@ void CXmlTextWriter::AppendEndTag() {
   to.PutName(localName);
   to.Put('>');
   Commit(*m_stream, to);
+}
+
+XmlWriterAccess::TextMark XmlWriterAccess::GetMark(CXmlTextWriter const& writer) {
+  return {GetMark(static_cast<CXmlWriter const&>(writer)), writer.m_format, writer.m_preserved};
+}
+
+void XmlWriterAccess::ReturnTo(CXmlTextWriter& writer, TextMark const& mark) {
+  ReturnTo(static_cast<CXmlWriter&>(writer), mark.elements);
+  writer.m_format = mark.format;
+  writer.m_preserved = mark.preserved;
 }
 
 void CXmlTextWriter::PreserveSpace() {

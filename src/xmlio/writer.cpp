@@ -335,6 +335,25 @@ void XmlWriterAccess::Release(CXmlWriter& writer, Context* context) {
   delete context;
 }
 
+XmlWriterAccess::Mark XmlWriterAccess::GetMark(CXmlWriter const& writer) {
+  Context* const open = writer.m_context;
+  if (open == nullptr) return {};
+  return {open, open->m_childCount, open->m_tagOpen};
+}
+
+// Spare contexts may remember what no longer holds.
+void XmlWriterAccess::ReturnTo(CXmlWriter& writer, Mark const& mark) {
+  while (writer.m_context != mark.open) {
+    Context* const left = std::exchange(writer.m_context, writer.m_context->m_parent);
+    left->m_parent = nullptr;
+    delete left;
+  }
+  delete std::exchange(writer.m_spare, nullptr);
+  if (mark.open == nullptr) return;
+  mark.open->m_childCount = mark.childCount;
+  mark.open->m_tagOpen = mark.isTagOpen;
+}
+
 void CXmlWriter::RequireOpenTag() const {
   if (m_context == nullptr || !m_context->m_tagOpen) throw CQnException("Attributes must be added before elements");
 }

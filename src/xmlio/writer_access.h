@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "quillon9/fwd.h"
 #include "quillon9/xmlio/writer.h"
 
 namespace Quillon9 {
@@ -10,7 +11,7 @@ namespace Quillon9 {
 class CNamespaceScope;
 class CheckingWriter;
 
-/// The only friend of CXmlWriter and its open elements: what the library does with them and other writers must not, and
+/// The only friend of CXmlWriter, its open elements and the text writer: what the library does with them and other writers must not, and
 /// what it does so often that it has to be inline.
 struct XmlWriterAccess {
   using Context = CXmlWriter::CXmlWriterContext;
@@ -41,6 +42,27 @@ struct XmlWriterAccess {
   static void SetMixed(Context& context, bool isMixed) { context.m_isMixed = isMixed; }
   static Context* OpenElement(CXmlWriter& writer) { return writer.m_context; }
   static MixedTexts*& Texts(CXmlWriter& writer) { return writer.m_mixedTexts; }
+  ///@}
+
+  /// \name Taking back what was written into the open element
+  ///@{
+  /// What the open element, or the document, has had so far.
+  struct Mark {
+    Context* open = nullptr;
+    unsigned long childCount = 0;
+    bool isTagOpen = false;
+  };
+  static Mark GetMark(CXmlWriter const& writer);
+  /// Leave the elements that were started since \p mark, as if they had never been. The output is the caller's.
+  static void ReturnTo(CXmlWriter& writer, Mark const& mark);
+
+  struct TextMark {
+    Mark elements;
+    bool format = true;
+    Context const* preserved = nullptr;
+  };
+  static TextMark GetMark(CXmlTextWriter const& writer);
+  static void ReturnTo(CXmlTextWriter& writer, TextMark const& mark);
   ///@}
 
   /// Check that the element may have children.

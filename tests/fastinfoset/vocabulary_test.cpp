@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "expect_failure.h"
+#include "fastinfoset/vocabulary_access.h"
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/fastinfoset/context.h"
 #include "quillon9/values/item_type.h"
@@ -199,6 +200,28 @@ TEST(FastInfosetContext, TravelsInTheSerializationContextAndIsCopiedDeep) {
   EXPECT_EQ((Strings{"xml", "p"}), Entries(copy.GetFIContext()->GetVocabulary().GetPrefixNamesTable()));
   EXPECT_EQ("urn:v", copy.GetFIContext()->GetExternalVocabularyURI());
   EXPECT_TRUE(copy.GetFIContext()->GetUseGeneratedVocabulary());
+}
+
+TEST(IndexMap, ForgetsItsLastEntries) {
+  auto const text = [](std::size_t number) { return std::string(number % 23, 'x') + std::to_string(number); };
+  auto const find = [&](CFIIndexMap const& map, std::size_t count) {
+    std::vector<unsigned long> indices;
+    for (std::size_t i = 0; i < count; ++i) indices.push_back(map.Find(text(i)));
+    return indices;
+  };
+  for (std::size_t const kept : {0, 1, 20, 500, 2000}) {
+    CFIIndexMap expected;
+    for (std::size_t i = 0; i < kept; ++i) expected.Insert(text(i));
+    CFIIndexMap map;
+    for (int round = 0; round < 3; ++round) {
+      for (std::size_t i = 0; i < 3000; ++i) map.Insert(text(i));
+      VocabularyAccess::ShrinkTo(map, kept);
+      EXPECT_EQ(kept, map.size());
+      EXPECT_EQ(find(expected, 3000), find(map, 3000)) << kept;
+    }
+    map.Insert("a name that is new");
+    EXPECT_EQ(kept + 1, map.Find("a name that is new"));
+  }
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 
 #include "expect_failure.h"
 #include "quillon9/xmlio/streams.h"
+#include "xmlio/file_replacement.h"
 
 namespace Quillon9 {
 namespace {
@@ -83,6 +84,13 @@ class SizeLimit {
 
 void WriteWithStream(std::string const& path, std::string const& bytes) {
   CFileBinaryStream(path.c_str(), XmlEncoding_Default, CBinaryData(bytes.c_str())).ToFile();
+}
+
+void WriteInPieces(std::string const& path, std::string const& bytes) {
+  CFileReplacement file(path);
+  file.Begin();
+  for (char const byte : bytes) file.Add({&byte, 1});
+  file.Finish(CFileReplacement::Sync::Yes);
 }
 
 std::string NotWritten(std::string const& path) { return "Failed to write data to the file [" + path + "]"; }
@@ -167,6 +175,24 @@ TEST_F(FileReplacement, ReadersSeeWholeFilesOnly) {
   second.join();
   EXPECT_EQ(0, torn);
   EXPECT_EQ(1U, CountFiles());
+}
+
+TEST_F(FileReplacement, PiecesBecomeAFileWhenTheyAreComplete) {
+  std::string const path = Make("a.xml", "old", 0640);
+  std::string const missing = PathOf("new.xml");
+  for (std::string const& file : {path, missing}) {
+    CFileReplacement replacement(file);
+    replacement.Begin();
+    replacement.Add("lost");
+  }
+  EXPECT_EQ("old", Read(path));
+  EXPECT_EQ(1U, CountFiles());
+  WriteInPieces(missing, "new");
+  EXPECT_EQ("new", Read(missing));
+  WriteInPieces(path, "new");
+  EXPECT_EQ("new", Read(path));
+  EXPECT_EQ(0640U, ModeOf(path));
+  EXPECT_EQ(2U, CountFiles());
 }
 
 TEST_F(FileReplacement, RightsAreThoseOfTheOldFileOrOfANewOne) {
@@ -342,9 +368,12 @@ TEST_F(FileReplacement, ProtectedFilesAreRefusedAndProtectedFoldersWrittenInPlac
   EXPECT_EQ("old", Read(path));
   ASSERT_EQ(0, ::chmod(path.c_str(), 0644));
   ino_t const inode = StatusOf(path).st_ino;
-  WriteWithStream(path, "n");
-  EXPECT_EQ("n", Read(path));
-  EXPECT_EQ(inode, StatusOf(path).st_ino);
+  for (auto* const write : {&WriteWithStream, &WriteInPieces}) {
+    write(path, "n");
+    EXPECT_EQ("n", Read(path));
+    EXPECT_EQ(inode, StatusOf(path).st_ino);
+    write(path, "longer");
+  }
   EXPECT_FAILURE(CQnException, NotWritten(PathOf("new")), WriteWithStream(PathOf("new"), "new"));
   identity.reset();
   EXPECT_EQ(0, ::chmod(m_folder.c_str(), 0755));
@@ -367,7 +396,10 @@ TEST_F(FileReplacement, FilesAndLinksOfOthersInAStickyFolderAreLeftToTheSystem) 
   ino_t const inode = StatusOf(target).st_ino;
   {
     Identity const identity(kUser, kGroup);
+    WriteInPieces(path, "longer than new");
+    EXPECT_EQ("longer than new", Read(path));
     WriteWithStream(path, "new");
+    WriteInPieces(PathOf("link"), "new");
     WriteWithStream(PathOf("link"), "new");
     EXPECT_FAILURE(CQnException, NotWritten(PathOf("dangling")), WriteWithStream(PathOf("dangling"), "new"));
   }

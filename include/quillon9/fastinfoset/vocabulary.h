@@ -62,6 +62,8 @@ class QUILLON9_API CFIIndexMap {
   Place Store(std::string_view text);
   bool IsSmall() const;
   void Clear();
+  void ShrinkTo(std::size_t size);
+  void ForgetTextsAfter(Slot const* last, std::size_t count);
 
   std::size_t m_size = 0;
   std::vector<Slot> m_slots;            // a power of two of them, at most three quarters of them taken

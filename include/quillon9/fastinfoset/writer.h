@@ -20,6 +20,7 @@ namespace Quillon9 {
 inline constexpr char QUILLON_URI[] = "urn:quillon9:external-vocabulary";
 
 class COctetSink;
+struct InfosetWriterAccess;
 struct WriterTables;
 
 /// Writes a document as Fast Infoset (Rec. ITU-T X.891) into a binary stream. See CXmlWriter for the order of calls;
@@ -96,6 +97,8 @@ class QUILLON9_API CFastInfosetWriter : public CXmlWriter {
   CXmlWriterContext* StartedElement() const override;
 
  private:
+  friend struct InfosetWriterAccess;
+
   void WriteElement(bool hasAttributes) {
     if (m_pendingElement != nullptr) WritePendingElement(hasAttributes);
   }

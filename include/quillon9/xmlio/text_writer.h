@@ -83,6 +83,8 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void PadAndAppend(char const* text, bool inAttribute);
 
  private:
+  friend struct XmlWriterAccess;
+
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string_view>
+
+namespace Quillon9 {
+
+/// \throws CQnInvalidValueException "The character U+%04X cannot stand in an XML document".
+[[noreturn]] void ThrowNotInXml(char character);
+
+/// Check that no character below U+0020 is in \p text but tabs, line feeds and carriage returns (XML 1.0, W3C, 2.2).
+/// \throws as ThrowNotInXml().
+void RequireXmlCharacters(std::string_view text);
+
+}  // namespace Quillon9
