@@ -6,11 +6,9 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
-#include <optional>
+#include <utility>
 
 #include "failure.h"
-#include "held_signals.h"
-#include "xmlio/file_replacement.h"
 
 namespace Quillon9Tool {
 
@@ -82,6 +80,31 @@ void WriteOutput(std::string const& path, std::string_view bytes) {
 
 void WriteDerivedOutput(std::string const& path, std::string_view bytes) {
   WriteFile(path, bytes, CFileReplacement::Sync::No);
+}
+
+OutputFile::OutputFile(std::string path, CFileReplacement::Sync sync) : m_path(std::move(path)), m_sync(sync) {
+  if (m_path == "-") return;
+  Named(OutputName(m_path), [this] {
+    m_file.emplace(m_path);
+    if (m_file->NeedsTemporaryFile()) m_signals.emplace();
+    m_file->Begin();
+  });
+}
+
+void OutputFile::Write(std::string_view bytes) {
+  Named(OutputName(m_path), [&] {
+    if (!m_file) return Quillon9::WriteAll(STDOUT_FILENO, bytes);
+    if (m_signals) m_signals->ThrowIfInterrupted();
+    m_file->Add(bytes);
+  });
+}
+
+void OutputFile::Finish() {
+  Named(OutputName(m_path), [this] {
+    if (!m_file) return;
+    if (m_signals) m_signals->ThrowIfInterrupted();
+    m_file->Finish(m_sync);
+  });
 }
 
 void CloseStandardOutput() {

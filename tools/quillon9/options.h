@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -34,6 +35,24 @@ struct InspectOptions {
   bool full = false;
 };
 
+struct RecordsOptions {
+  std::string input = "-";
+  std::vector<std::string> paths;
+  std::map<std::string, std::string> prefixes;  ///< with their namespaces, for the paths
+  bool count = false;
+  std::optional<std::uint64_t> plan;  ///< how many ranges are asked for
+  std::string range;                  ///< a word of such a plan; empty for the whole input
+  std::optional<std::uint64_t> each;  ///< how many records a file gets
+  std::string output;                 ///< with --each, a format for one number; empty for standard output
+  std::optional<DocumentKind> to;
+  Quillon9::CompressionType compression = Quillon9::CompressionType_None;
+  bool format = true;
+  std::optional<bool> declaration;
+  bool suggestedEncodings = false;
+  bool keepGoing = false;
+  bool quiet = false;
+};
+
 struct GenerateOptions {
   std::vector<std::string> schemas;
   std::string cppNamespace;  ///< Company::Orders
@@ -63,6 +82,7 @@ struct GenerateOptions {
 /// Return what the arguments \p argv of a command ask for, argv[0] being its name; nothing if they ask for help.
 /// \throws UsageError
 std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv);
+std::optional<RecordsOptions> ParseRecordsOptions(int argc, char** argv);
 std::optional<TreeOptions> ParseTreeOptions(int argc, char** argv);
 std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv);
 std::optional<InspectOptions> ParseInspectOptions(int argc, char** argv);
