@@ -50,6 +50,10 @@ is created or replaced only when all of it has been written.
                            times in binary or packed form, where that is
                            shorter and gives exactly the same text back.
       --keep-space         keep white space between elements as text
+      --large              for a document larger than memory: convert one child
+                           of the root after the other. Text, comments and
+                           processing instructions between them are lost, and
+                           those in them are kept.
   -q, --quiet              do not warn about what is lost
   -h, --help               print this
 

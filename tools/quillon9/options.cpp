@@ -49,6 +49,7 @@ enum LongOnly {
   kReport,
   kExample,
   kDocumentation,
+  kLarge,
   kPrefix,
   kCount,
   kPlan,
@@ -68,6 +69,7 @@ constexpr option kConvertOptions[] = {{"to", required_argument, nullptr, 't'},
                                       {"no-declaration", no_argument, nullptr, kNoDeclaration},
                                       {"suggested-encodings", no_argument, nullptr, kSuggestedEncodings},
                                       {"keep-space", no_argument, nullptr, kKeepSpace},
+                                      {"large", no_argument, nullptr, kLarge},
                                       {"quiet", no_argument, nullptr, 'q'},
                                       kHelp,
                                       kEnd};
@@ -324,6 +326,7 @@ std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
     if (option == kDeclaration || option == kNoDeclaration) options.declaration = option == kDeclaration;
     if (option == kSuggestedEncodings) options.suggestedEncodings = true;
     if (option == kKeepSpace) options.keepSpace = true;
+    if (option == kLarge) options.large = true;
     if (option == 'q') options.quiet = true;
   });
   if (!operands) return std::nullopt;
@@ -335,6 +338,8 @@ std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
     options.input = TakeOnlyOperand(*operands);
   }
   TakeEndings(options, compression);
+  if (options.large && options.keepSpace) throw UsageError("--large and --keep-space exclude each other");
+  if (options.large && options.output == "-" && !options.to) throw UsageError("--large needs --to=xml or --to=finf");
   if (options.output != "-" && !options.to) {
     throw UsageError("the ending of " + options.output + " is neither .xml nor .finf: give --to=xml or --to=finf");
   }

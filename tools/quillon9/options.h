@@ -22,6 +22,7 @@ struct ConvertOptions {
   std::optional<bool> declaration;
   bool suggestedEncodings = false;
   bool keepSpace = false;
+  bool large = false;  ///< one child of the root after the other
   bool quiet = false;
 };
 
@@ -50,6 +51,7 @@ struct RecordsOptions {
   std::optional<bool> declaration;
   bool suggestedEncodings = false;
   bool keepGoing = false;
+  bool needsRecord = false;  ///< an input without records is a failure
   bool quiet = false;
 };
 

@@ -55,7 +55,8 @@ void RecordPrinter::Write(CXmlRecordReader const& reader) {
 
 // ---- RecordParts
 
-RecordParts::RecordParts(RecordsOptions const& options) : m_options(options), m_ctx(ContextOfRecords()) {
+RecordParts::RecordParts(RecordsOptions const& options, bool mayUseDefaultNamespace)
+    : m_options(options), m_ctx(ContextOfRecords()), m_needsPrefixes(!mayUseDefaultNamespace) {
   m_ctx.SetKeepPrefixes(true);
   if (options.suggestedEncodings) m_ctx.GetFIContext()->SetSuggestedValues();
 }
@@ -66,16 +67,22 @@ void RecordParts::Write(CXmlRecordReader const& reader) {
   CXmlElement const& record = *reader.GetElement();
   std::vector<CXmlElement const*> const around = reader.GetAncestors();
   m_needsPrefixes = m_needsPrefixes || HasNameWithoutNamespace(record);
-  bool const isFull = m_writer != nullptr && m_options.each && m_writer->GetCount() == *m_options.each;
-  if (isFull || (m_hasDefaultNamespace && m_needsPrefixes) || (m_writer != nullptr && around.empty())) Finish();
+  if (m_hasDefaultNamespace && m_needsPrefixes) EndAtNameWithoutNamespace();
   if (m_writer == nullptr) Begin(around);
   Open(around, StepsAround(reader, around));
   m_writer->Write(record);
+  if (m_options.each && m_writer->GetCount() == *m_options.each) Finish();
+}
+
+void RecordParts::EndAtNameWithoutNamespace() {
+  if (m_options.each) return Finish();
+  m_mustHavePrefixes = true;
+  throw Failure(OutputName(m_options.output), "an element without a namespace is within a default namespace");
 }
 
 void RecordParts::Begin(std::vector<CXmlElement const*> const& around) {
   std::map<std::string, std::string> const namespaces = NamespacesAround(around, m_needsPrefixes);
-  m_hasDefaultNamespace = namespaces.count("") != 0;
+  m_hasDefaultNamespace = namespaces.count("") != 0 && m_options.to != DocumentKind::FastInfoset;
   m_file = std::make_unique<OutputFile>(NextPath(), CFileReplacement::Sync::No);
   m_writer = std::make_unique<CXmlRecordWriter>(CRecordTarget([this](char const* bytes, std::size_t size) {
                                                   m_file->Write({bytes, size});
@@ -123,12 +130,7 @@ void RecordParts::Finish() {
 
 std::string RecordParts::NextPath() {
   ++m_parts;
-  if (!m_options.each) {
-    // Without a default namespace, or without an element around the records, a document cannot go on.
-    if (m_parts > 1)
-      throw Failure(OutputName(m_options.output), "the records need more than one document: give --each");
-    return m_options.output;
-  }
+  if (!m_options.each) return m_options.output;
   return FormatString(m_options.output.c_str(), static_cast<unsigned long long>(m_parts));
 }
 

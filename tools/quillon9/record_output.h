@@ -44,17 +44,21 @@ class RecordPrinter final : public RecordOutput {
 /// Files, which have the elements around the records, too.
 class RecordParts final : public RecordOutput {
  public:
-  /// \p options are borrowed.
-  explicit RecordParts(RecordsOptions const& options);
+  /// \p options are borrowed. Without \p mayUseDefaultNamespace, all namespaces have prefixes.
+  RecordParts(RecordsOptions const& options, bool mayUseDefaultNamespace);
   ~RecordParts() override;
   void Write(Quillon9::CXmlRecordReader const& reader) override;
   void Finish() override;
+  /// Whether Write() has failed because an element without a namespace stands where there is a default namespace, which
+  /// XML text in one document would have to be written without.
+  bool MustHavePrefixes() const { return m_mustHavePrefixes; }
   HeldSignals const* GetHeldSignals() const override { return m_file != nullptr ? m_file->GetHeldSignals() : nullptr; }
 
  private:
   void Begin(std::vector<Quillon9::CXmlElement const*> const& around);
   void Open(std::vector<Quillon9::CXmlElement const*> const& around, std::vector<std::string> const& steps);
   void SetForm();
+  void EndAtNameWithoutNamespace();
   std::string NextPath();
 
   RecordsOptions const& m_options;
@@ -63,7 +67,8 @@ class RecordParts final : public RecordOutput {
   std::unique_ptr<Quillon9::CXmlRecordWriter> m_writer;  // null between two files
   std::vector<std::string> m_open;                       // the open elements
   bool m_hasDefaultNamespace = false;                    // of the present file
-  bool m_needsPrefixes = false;                          // some record has names without a namespace
+  bool m_needsPrefixes;                                  // there are names without a namespace
+  bool m_mustHavePrefixes = false;
   std::uint64_t m_parts = 0;
 };
 

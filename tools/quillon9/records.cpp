@@ -153,7 +153,7 @@ class RecordRun final : private IFailureSink {
   }
 
   bool OnFailure(CFailure const& failure) override {
-    if (m_options.quiet || failure.GetSeverity() != FailureSeverity_Remark) return false;
+    if (m_options.quiet || m_options.needsRecord || failure.GetSeverity() != FailureSeverity_Remark) return false;
     m_progress.Clear();
     std::fprintf(stderr, "quillon9: %s: remark: %s\n", m_name.c_str(), failure.GetText().c_str());
     return true;
@@ -208,7 +208,7 @@ void PrintCount(RecordRun& run) {
   console.Finish();
 }
 
-void WriteRecords(RecordOutput&& output, RecordRun& run) {
+void WriteRecords(RecordOutput& output, RecordRun& run) {
   try {
     run.Run(&output, [&output](CXmlRecordReader const& reader) { output.Write(reader); });
   } catch (...) {
@@ -216,6 +216,19 @@ void WriteRecords(RecordOutput&& output, RecordRun& run) {
     throw;
   }
   output.Finish();
+}
+
+/// A file is read again where a default namespace turns out to be wrong.
+void WriteDocuments(RecordsOptions const& options, RecordRun& run) {
+  RecordParts parts(options, true);
+  try {
+    return WriteRecords(parts, run);
+  } catch (Failure const&) {
+    if (!parts.MustHavePrefixes() || !run.GetInputSize()) throw;
+  }
+  RecordRun again(options);
+  RecordParts partsWithPrefixes(options, false);
+  WriteRecords(partsWithPrefixes, again);
 }
 
 }  // namespace
@@ -227,11 +240,15 @@ void ReadRecords(RecordsOptions const& options) {
   } else if (options.count) {
     PrintCount(run);
   } else if (options.output.empty()) {
-    WriteRecords(RecordPrinter(options.format), run);
+    RecordPrinter printer(options.format);
+    WriteRecords(printer, run);
   } else {
-    WriteRecords(RecordParts(options), run);
+    WriteDocuments(options, run);
   }
   run.ThrowIfBad();
+  if (options.needsRecord && run.GetCount() == 0) {
+    throw Failure(InputName(options.input), "the document element has no elements, so it must be converted as a whole");
+  }
 }
 
 }  // namespace Quillon9Tool
