@@ -20,7 +20,14 @@ using namespace Quillon9::Testing;
 using Fuzzing::Require;
 
 /// The second octet; the first one contains the options of reading.
-enum Options : unsigned { kClassMask = 3, kFormatted = 4, kCompressed = 8, kNoDefaults = 16, kSuggested = 32 };
+enum Options : unsigned {
+  kClassMask = 3,
+  kFormatted = 4,
+  kCompressed = 8,
+  kNoDefaults = 16,
+  kSuggested = 32,
+  kInForm = 64
+};
 
 // ---- Classes with members of every kind
 
@@ -251,8 +258,9 @@ bool IsFormattable(DynamicClass& object) {
          object.m_properties[kUntypedRun].GetXmlCollection()->GetCount() == 0;
 }
 
-CBinaryData AsText(DynamicClass& object, unsigned writing, CXmlSerializationContext const& context) {
+CBinaryData AsText(DynamicClass& object, unsigned writing, CXmlSerializationContext context) {
   bool const isFormatted = (writing & kFormatted) != 0 && IsFormattable(object);
+  context.SetKeepForm((writing & kInForm) != 0 && IsFormattable(object));
   if ((writing & kCompressed) != 0) {
     try {
       return object.ToXmlStream(true, isFormatted, XmlEncoding_UTF8, EOLType_LF, context, CompressionType_GZip);
@@ -300,9 +308,11 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   document.Append(input.Data(), static_cast<unsigned long>(input.Size()));
   CSmartPtr<DynamicClass> const object = MakeRoot(classId);
   CXmlDocument tree(context);
+  CXmlSerializationContext keeping = context;
+  keeping.SetKeepForm((writing & kInForm) != 0);
   try {
     tree.LoadXmlStream(input.Data(), input.Size());
-    object->FromXmlStream(document, context);
+    object->FromXmlStream(document, keeping);
   } catch (CQnException const&) {
     return 0;
   }

@@ -90,6 +90,22 @@ void Keep() {
   // [keep]
 }
 
+void Form() {
+  std::cout << "[form]\n";
+  // [form]
+  char const* const text =
+      "<?xml version='1.0'?>\n<note\n  xmlns='urn:example:note' lang='en'>\n  <title>Milk</title>\n</note>\n";
+  CXmlSerializationContext ctx;
+  ctx.SetKeepForm(true);
+  ctx.SetKeepPrefixes(true);
+  ctx.SetKeepUnknown(true);
+  CNote note;
+  note.FromXml(text, ctx);
+  note.m_title = "Cream";
+  std::cout << note.ToXml(true, true, EOLType_LF, ctx);
+  // [form]
+}
+
 void Root() {
   std::cout << "[root]\n";
   // [root]
@@ -112,5 +128,6 @@ void Root() {
 int main() {
   Lenient();
   Keep();
+  Form();
   Root();
 }

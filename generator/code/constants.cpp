@@ -184,14 +184,15 @@ std::string Constants::ValueElement(Plan::ValueType const& type, ValueTexts cons
     return m_main->m_ns.cppName == m_ns.cppName ? shared : "::" + m_main->m_ns.cppName + "::" + shared;
   }
   std::string const value = ValueType(type, hint);
-  std::string arguments = value;
-  if (texts.defaultValue || texts.fixedValue) {
-    arguments += std::string(", \"\", ") + (texts.defaultValue ? Literal(*texts.defaultValue) : "nullptr");
-  }
-  if (texts.fixedValue) arguments += ", " + Literal(*texts.fixedValue);
+  std::string const arguments =
+      WithoutDefaults({value, "\"\"", texts.defaultValue ? Literal(*texts.defaultValue) : "nullptr",
+                       texts.fixedValue ? Literal(*texts.fixedValue) : "nullptr",
+                       m_ns.classicValues ? "Quillon9::ValueRules_Classic" : ""},
+                      {"", "\"\"", "nullptr", "nullptr", ""});
   auto const [entry, added] = m_valueElements.emplace(arguments, "");
   if (added) {
-    std::string const name = (arguments == value ? value.substr(1) : hint) + "Element";
+    bool const hasTexts = texts.defaultValue || texts.fixedValue;
+    std::string const name = (hasTexts ? hint : value.substr(1)) + "Element";
     std::string const row = Unique("k" + name);
     entry->second = Unique("g_" + name);
     std::string const cpp = ValueElementType(type, {&m_ns, nullptr, nullptr});

@@ -102,6 +102,7 @@ Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::
   OrderClasses(plan);
   SettleBlocking(plan);
   AssignNamespaces(set, options, plan, diagnostics);
+  for (Namespace& ns : plan.namespaces) ns.classicValues = options.classicValues;
   GiveNames(plan);
   NumberRestatedMembers(plan);
   CheckValues(plan, diagnostics);

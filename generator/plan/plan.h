@@ -219,6 +219,7 @@ struct Namespace {
   std::vector<Enumeration const*> enumerations;  ///< those that are not nested
   std::vector<Class const*> classes;  ///< those that are not nested; a base stands before what derives from it
   std::vector<Root> roots;            ///< those that documents may begin with come first
+  bool classicValues = false;         ///< as of a class, for elements of simple type
 };
 
 struct Plan {

@@ -81,6 +81,7 @@ class IEventSink;
 class IFailureSink;
 class INillable;
 class QnVariant;
+struct CDocumentForm;
 struct CMarkup;
 struct CUnknownItem;
 template <class Enum>

@@ -100,6 +100,7 @@
 #include "quillon9/xmlio/compression.h"
 #include "quillon9/xmlio/content_item.h"
 #include "quillon9/xmlio/document.h"
+#include "quillon9/xmlio/document_form.h"
 #include "quillon9/xmlio/element.h"
 #include "quillon9/xmlio/element_ranges.h"
 #include "quillon9/xmlio/markup.h"

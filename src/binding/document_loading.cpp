@@ -107,6 +107,12 @@ Utf8Text::Use TextUse(CXmlSerializationContext const& context) {
   return mustBeUtf8 ? Utf8Text::Use::kYes : Utf8Text::Current();
 }
 
+/// The rules by which a tree is parsed: those of its context, or else of the read of an object around it.
+ValueRules RulesOf(CXmlSerializationContext const& context) {
+  if (context.HasValueRules()) return context.GetValueRules();
+  return RulesInUse::AreSchema() ? ValueRules_XmlSchema : ValueRules_Classic;
+}
+
 /// Read \p document without the parser, and return whether that was possible.
 /// \throws CQnException as RequireExpat() does; std::bad_alloc.
 bool ReadPlainText(CXmlDocument& document) {
@@ -214,7 +220,7 @@ void CXmlDocument::CopyInput(void const* data, unsigned long size) { std::memcpy
 void CXmlDocument::Parse(char const* file) {
   DecompressInput();
   Utf8Text::Scope const scope(TextUse(m_context));
-  RulesInUse::Scope const rules(RulesInUse::AreSchema() ? ValueRules_XmlSchema : m_context.GetValueRules());
+  RulesInUse::Scope const rules(RulesOf(m_context));
   if (!ParseInfoset(file)) ParseText(false, file);
 }
 
@@ -243,6 +249,7 @@ bool CXmlDocument::ParseInfoset(char const* file) {
 
 void CXmlDocument::ParseText(bool isWide, char const* file) {
   Utf8Text::Scope const scope(TextUse(m_context));
+  RulesInUse::Scope const rules(RulesOf(m_context));
   if (!isWide && ReadPlainText(*this)) return;
   CExpatReader reader(*this);
   reader.CreateParser();

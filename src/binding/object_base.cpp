@@ -19,6 +19,8 @@ bool CXmlObjectBase::HoldsUtf8Text() const { return false; }
 
 ValueRules CXmlObjectBase::GetDefaultValueRules() const { return ValueRules_Classic; }
 
+CDocumentForm const* CXmlObjectBase::GetDocumentForm() const { return nullptr; }
+
 void CXmlObjectBase::AttributesToXml_Int(CXmlWriter*, CXmlSerializationContext const&) const {}
 
 bool CXmlObjectBase::DoesElementNameMatch(CXmlSerializationContext const& ctx, CXmlElement const* element,

@@ -7,6 +7,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/fastinfoset/writer.h"
+#include "quillon9/xmlio/document_form.h"
 #include "quillon9/xmlio/streams.h"
 #include "xmlio/checking_writer.h"
 
@@ -25,6 +26,22 @@ void WriteFailure::AddPlaceInInfoset(CQnException& failure, CXmlObjectBase const
   }
 }
 
+namespace {
+
+/// The declaration that the form of \p object has, or \p wanted if it has no form.
+FInfoDecl DeclarationFor(CXmlObjectBase const& object, FInfoDecl wanted, CXmlSerializationContext const& ctx) {
+  CDocumentForm const* const form = ctx.GetKeepForm() ? object.GetDocumentForm() : nullptr;
+  if (form == nullptr) return wanted;
+  auto const has = [&](char const* part) { return form->declaration.find(part) != std::string::npos; };
+  if (form->declaration.empty()) return FInfoDecl_None;
+  bool const isLater = has("1.1");
+  if (!has("standalone")) return isLater ? FInfoDecl_Version11 : FInfoDecl_Version10;
+  if (has("yes")) return isLater ? FInfoDecl_Version11_StandaloneYes : FInfoDecl_Version10_StandaloneYes;
+  return isLater ? FInfoDecl_Version11_StandaloneNo : FInfoDecl_Version10_StandaloneNo;
+}
+
+}  // namespace
+
 CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializationContext const& ctx,
                                                 CompressionType compression) const try {
   TextScope const scope(*this, ctx);
@@ -33,7 +50,7 @@ CBinaryData CXmlObjectBase::ToFastInfosetStream(FInfoDecl decl, CXmlSerializatio
   CFastInfosetWriter writer(*ctx.GetFIContext(), stream);
   LossesOfWriting losses(ctx);
   writer.Open();
-  writer.WriteStartDocument(decl);
+  writer.WriteStartDocument(DeclarationFor(*this, decl, ctx));
   std::string const targetNamespace = GetTargetNamespace();
   ToXml_Int(&writer, true, targetNamespace.c_str(), ctx, false);
   writer.WriteEndDocument();

@@ -6,9 +6,11 @@
 #include "binding/write_failure.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
+#include "quillon9/xmlio/document_form.h"
 #include "quillon9/xmlio/streams.h"
 #include "quillon9/xmlio/text_writer.h"
 #include "xmlio/checking_writer.h"
+#include "xmlio/form_writer.h"
 
 namespace Quillon9 {
 
@@ -26,6 +28,70 @@ void WriteTo(CTextStream& stream, CXmlObjectBase const& object, bool includeHead
   writer.Close();
 }
 
+CDocumentForm const* FormFor(CXmlObjectBase const& object, CXmlSerializationContext const& ctx) {
+  return ctx.GetKeepForm() ? object.GetDocumentForm() : nullptr;
+}
+
+/// The name of the encoding in which text is returned as \p encoding; empty if the text must not say one.
+char const* NameOf(XmlEncoding encoding) {
+  switch (encoding) {
+    case XmlEncoding_UTF8: return "UTF-8";
+    case XmlEncoding_UTF16: return "UTF-16";
+    case XmlEncoding_Default: return Utf8Text::IsInUse() ? "UTF-8" : "";
+    case XmlEncoding_Unicode: break;
+  }
+  return "";
+}
+
+/// The arguments of a writing operation.
+struct Wanted {
+  bool includeHeader;
+  bool formatted;
+  EOLType eol;
+  XmlEncoding encoding;
+};
+
+/// Write \p object in \p form; returns false if that is not possible with the default namespace of the form.
+bool WriteInForm(CDocumentForm const& form, bool usesDefault, CXmlObjectBase const& object, Wanted const& wanted,
+                 CXmlSerializationContext const& ctx, std::string& text) {
+  CTextStream stream(wanted.encoding);
+  FormWriter writer(stream, form, usesDefault);
+  writer.Open();
+  writer.SetFormat(form.hasLayout ? form.isFormatted : wanted.formatted);
+  writer.SetEOLType(form.hasLayout ? form.lineEnd : wanted.eol);
+  if (form.hasLayout) writer.SetIndent(form.indentCharacter, form.indentWidth, form.flatLevels);
+  writer.WriteHeader(wanted.includeHeader, NameOf(wanted.encoding));
+  std::string const targetNamespace = object.GetTargetNamespace();
+  try {
+    CXmlObjectBase::ToXml_Int(&object, &writer, true, targetNamespace.c_str(), ctx, false);
+  } catch (CQnException const&) {  // perhaps a name in a value that has no namespace
+    if (usesDefault) return false;
+    throw;
+  }
+  writer.Close();
+  if (usesDefault && writer.IsTypeInDefault()) return false;
+  text = writer.FormedText();
+  return true;
+}
+
+std::string TextInForm(CDocumentForm const& form, CXmlObjectBase const& object, Wanted const& wanted,
+                       CXmlSerializationContext const& ctx) {
+  bool const hasDefault = !form.defaultNamespace.empty() && ctx.GetDefaultNamespaceURI().empty() &&
+                          !ctx.GetNamespaceAliases()->DoesNamespaceExist(form.defaultNamespace.c_str());
+  std::string text;
+  bool const isDone = hasDefault && WriteInForm(form, true, object, wanted, ctx, text);
+  if (!isDone) static_cast<void>(WriteInForm(form, false, object, wanted, ctx, text));
+  return text;
+}
+
+CBinaryData WithByteOrderMark(CBinaryData const& text) {
+  constexpr unsigned char kMark[] = {0xEF, 0xBB, 0xBF};
+  CBinaryData data;
+  data.Append(kMark, sizeof kMark);
+  data.Append(text);
+  return data;
+}
+
 }  // namespace
 
 std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eol,
@@ -33,8 +99,13 @@ std::string CXmlObjectBase::ToXml(bool includeHeader, bool formatted, EOLType eo
   TextScope const scope(*this, ctx);
   CheckingWriter::Pause const pause;
   CTextStream stream;
-  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
-  std::string text = stream.CopyText();
+  std::string text;
+  if (CDocumentForm const* const form = FormFor(*this, ctx)) {
+    text = TextInForm(*form, *this, {includeHeader, formatted, eol, XmlEncoding_Default}, ctx);
+  } else {
+    WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+    text = stream.CopyText();
+  }
   Utf8Text::Check(text);
   return text;
 } catch (CQnException& failure) {
@@ -47,10 +118,16 @@ CBinaryData CXmlObjectBase::ToXmlStream(bool includeHeader, bool formatted, XmlE
   TextScope const scope(*this, ctx);
   CheckingWriter::Pause const pause;
   CTextStream stream(encoding);
-  WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  CDocumentForm const* const form = FormFor(*this, ctx);
+  if (form != nullptr) {
+    stream.Append(TextInForm(*form, *this, {includeHeader, formatted, eol, encoding}, ctx));
+  } else {
+    WriteTo(stream, *this, includeHeader, formatted, eol, ctx);
+  }
   LossesOfWriting losses(ctx);
   CBinaryData data = stream.GetEncodedStream();
   losses.Tell(*this);
+  if (form != nullptr && form->hasByteOrderMark && encoding == XmlEncoding_UTF8) data = WithByteOrderMark(data);
   if (compression != CompressionType_None) CQnZip::CompressData(data, compression);
   return data;
 } catch (CQnException& failure) {

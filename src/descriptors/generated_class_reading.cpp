@@ -56,7 +56,10 @@ CXmlElement* CXmlGeneratedClass::FromXml_Int(CXmlElement* parent, CXmlElement* c
 
 CXmlElement* CXmlGeneratedClass::ReadElement(CXmlElement* parent, CXmlElement* cursor,
                                              CXmlSerializationContext const& ctx, bool inChoice) {
-  if (m_form != nullptr) DropUnknownContent();
+  if (m_form != nullptr) {
+    DropUnknownContent();
+    DropDocumentForm();
+  }
   Init();
   if constexpr (kChecksTables) CheckTablesOnce(*this);
   CParentElementInfo const& info = *GetClassInfo();

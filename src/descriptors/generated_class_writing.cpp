@@ -1,6 +1,7 @@
 // How a generated class is written. The code that writes something also checks the rules for it, so an object that
 // breaks one fails in the middle of the output.
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "base/nesting_guard.h"
 #include "base/text_arguments.h"
 #include "base/text_copy.h"
+#include "descriptors/kept_form.h"
 #include "descriptors/object_form.h"
 #include "descriptors/root_prologue.h"
 #include "descriptors/table_check.h"
@@ -130,7 +132,9 @@ class UnknownItems : public InsertedItems {
 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
-  if (isRoot) WriteRootPrologue(*writer, ctx);
+  if (isRoot) WriteRootPrologue(*writer, GetUnknownContent(), ctx);
+  CDocumentForm const* const documentForm = isRoot && ctx.GetKeepForm() ? GetDocumentForm() : nullptr;
+  if (documentForm != nullptr) KeptForm::BindPrefix(documentForm, *writer);
   std::string text = std::move(XmlWriterAccess::NamespaceText(*writer));  // reuses its memory
   std::string_view const wanted = OrEmpty(ns);
   if (!kNamespaceText.IsOn()) text = std::string();
@@ -145,6 +149,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (m_form != nullptr && m_form->unknown != nullptr) {
     WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
   }
+  if (documentForm != nullptr) KeptForm::WriteLocations(documentForm, additional, *writer, ctx);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 
@@ -162,8 +167,9 @@ void CXmlGeneratedClass::ContentToXml_Int(CXmlWriter* writer, CXmlSerializationC
   ReadProperty(info.m_textPropertyIndex, text);
   bool const hasItems = m_form != nullptr && m_form->unknown != nullptr && !m_form->unknown->GetItems().empty();
   MixedTexts* const items = hasItems ? MixedTexts::Of(*writer) : nullptr;
-  if (items != nullptr) items->BeforeText();
-  writer->WriteString(text.GetString(), text.GetItemType());
+  if (items == nullptr) return writer->WriteString(text.GetString(), text.GetItemType());
+  bool const isOfSameSize = text.GetString().size() == m_form->textSize;
+  items->WriteText(text.GetString(), text.GetItemType(), isOfSameSize);
 }
 
 void CXmlGeneratedClass::AttributesToXml_Int(CXmlWriter* writer, CXmlSerializationContext const& ctx) const {

@@ -95,6 +95,7 @@ void CElement::CopyObject(CXmlObjectBase* source, char const* defaultNamespace) 
   CXmlSerializationContext context;
   context.SetDefaultNamespaceURI(GetDefaultNamespace().c_str());
   context.SetKeepUnknown(true);  // what the source has kept of its document
+  context.SetValueRules(RulesInUse::AreSchema() ? ValueRules_XmlSchema : source->GetDefaultValueRules());
   if (source->HoldsUtf8Text() || Utf8Text::IsInUse()) context.SetTextEncoding(TextEncoding_UTF8);
   CBinaryData const text = source->ToXmlStream(false, false, XmlEncoding_UTF8, EOLType_LF, context);
   CXmlDocument document(context);

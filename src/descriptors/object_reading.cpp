@@ -11,6 +11,7 @@
 #include "binding/reported_read.h"
 #include "binding/text_scope.h"
 #include "descriptors/failed_scans.h"
+#include "descriptors/kept_form.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/binding/object_base.h"
 #include "quillon9/descriptors/generic_content.h"
@@ -30,9 +31,11 @@ void ReadObject(CXmlElement const& element, CXmlObjectBase& object, CXmlSerializ
 
 namespace {
 
-void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerializationContext const& ctx) {
+/// \p isSeen says whether the program knows the document; its form counts only then.
+void ReadFrom(CXmlElement const* root, CXmlObjectBase& object, CXmlSerializationContext const& ctx, bool isSeen) {
   if (root == nullptr) throw CQnInvalidParamException("The element to read from may not be NULL");
   ReadObject(*root, object, ctx);
+  if (isSeen && ctx.GetKeepForm()) KeptForm::Keep(*root, object);
 }
 
 /// The caller has never seen \p text, so a place in it means nothing.
@@ -79,7 +82,7 @@ void ReadDocument(CXmlObjectBase& object, CXmlSerializationContext const& ctx, I
     LossesOfReading losses(document);
     load(document);
     losses.Tell();
-    ReadFrom(document.GetDocumentElement(), object, ctx);
+    ReadFrom(document.GetDocumentElement(), object, ctx, form != InputForm::kUnseen);
   });
 }
 
@@ -114,7 +117,7 @@ void CXmlObjectBase::FromXmlStream(CBinaryData const& data, CXmlSerializationCon
 void CXmlObjectBase::FromXmlElement(CXmlElement const* element, CXmlSerializationContext const& ctx) {
   TextScope const scope(*this, ctx);
   DocumentPlaces places(element);
-  ReadWithReport(ctx, places, [&] { ReadFrom(element, *this, ctx); });
+  ReadWithReport(ctx, places, [&] { ReadFrom(element, *this, ctx, true); });
 }
 
 void CXmlObjectBase::FromXmlElement(CElement const* element, CXmlSerializationContext const& ctx) {

@@ -49,7 +49,9 @@ void UnknownReading::KeepIn(CXmlGeneratedClass& object, CXmlSerializationContext
     for (CMarkup const& markup : unknown->GetDocumentMarkup()) GenericSize::CountMarkup(m_element, markup);
   }
   ObjectContent::Count(m_element, sizeof(CUnknownContent) + sizeof(ObjectForm) + sizeof(CAttributeCol));
-  FormAccess::ToChange(object).unknown = std::move(unknown);
+  ObjectForm& form = FormAccess::ToChange(object);
+  form.unknown = std::move(unknown);
+  form.textSize = m_element.GetTextView().size();
 }
 
 bool UnknownReading::HasRest() const {
@@ -128,7 +130,9 @@ void UnknownReading::KeepChildren(CUnknownContent& unknown, CXmlSerializationCon
     } else {
       CXmlElement* cursor = child;
       ObjectContent::Count(m_element, sizeof(CUnknownItem));
-      keep({{}, TakeGeneric(parent, &cursor, ctx)}, index < places.size() ? places[index] : 0);
+      CUnknownItem item;
+      item.element = TakeGeneric(parent, &cursor, ctx);
+      keep(std::move(item), index < places.size() ? places[index] : 0);
     }
     ++index;
   }

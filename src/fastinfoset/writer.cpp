@@ -1,8 +1,11 @@
 #include "quillon9/fastinfoset/writer.h"
 
 #include <iterator>
+#include <string>
+#include <string_view>
 #include <typeinfo>
 #include <utility>
+#include <vector>
 
 #include "base/byte_blocks.h"
 #include "base/fast_paths.h"
@@ -19,6 +22,7 @@
 #include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/streams.h"
 #include "text/utf8_scan.h"
+#include "values/rules_in_use.h"
 #include "xmlio/child_prefix.h"
 #include "xmlio/namespace_scope.h"
 #include "xmlio/writer_access.h"
@@ -39,9 +43,30 @@ std::string const& NoPrefix() {
   return none;
 }
 
-// Return false for UTF-8 and true for another encoding; throw for an encoding that cannot be written.
-bool IsEncoded(CFastInfosetContext const& options, CFastInfosetContext::EncodedCharacterString encoding,
-               char const* unknownKind) {
+using Encoding = CFastInfosetContext::EncodedCharacterString;
+
+void AppendOctets(CFastInfosetContext const& options, Encoding encoding, std::string_view value, std::string& target) {
+  if (encoding.m_kind == kEncodingAlgorithm) return AppendEncoded(encoding.m_index, value.data(), target);
+  std::vector<std::string> const& alphabets = options.GetVocabulary().GetRestrictedAlphabets();
+  AppendRestrictedAlphabetString(target, value, alphabets[encoding.m_index - 1]);
+}
+
+/// Whether a reader gets \p value as it is. An algorithm keeps the number of `007`, but not the text, which a facet of
+/// XML Schema may demand.
+bool ComesBack(CFastInfosetContext const& options, Encoding encoding, std::string_view value) {
+  try {
+    std::string octets;
+    AppendOctets(options, encoding, value, octets);
+    if (encoding.m_kind != kEncodingAlgorithm) return true;
+    return DecodedText(encoding.m_index, reinterpret_cast<unsigned char const*>(octets.data()), octets.size()) == value;
+  } catch (CQnException const&) {
+    return false;
+  }
+}
+
+// Return false for UTF-8 and true for another encoding; throw for an encoding that cannot be written. Under the rules
+// of XML Schema, a value is written in UTF-8 if it would not come back from the other encoding.
+bool IsEncoded(CFastInfosetContext const& options, Encoding encoding, std::string_view value, char const* unknownKind) {
   auto const invalid = [&](char const* what) {
     ThrowFastInfosetWriteFailure(FormatString("Invalid %s value [%d]", what, static_cast<int>(encoding.m_index)));
   };
@@ -52,12 +77,13 @@ bool IsEncoded(CFastInfosetContext const& options, CFastInfosetContext::EncodedC
       ThrowFastInfosetWriteFailure("Unsupported Feature UTF16BE in EncodedCharacterStringBit5.");
     case kRestrictedAlphabet:
       if (isZero || encoding.m_index > kAlphabets) invalid("Restricted Alphabet");
-      return true;
+      break;
     case kEncodingAlgorithm:
       if (isZero || encoding.m_index > kAlgorithms) invalid("Encoding Algorithm");
-      return true;
+      break;
     default: ThrowFastInfosetWriteFailure(FormatString("Unknown encoding in %s.", unknownKind));
   }
+  return !RulesInUse::AreSchema() || ComesBack(options, encoding, value);
 }
 
 // The slow answer of both memories of names: the index of the name in the scope of `context`, 0 if it has none.
@@ -505,17 +531,13 @@ void CFastInfosetWriter::NonIdentifyingStringOrIndexBit3(std::uint32_t leading, 
 // Return the octets of a value under an alphabet or algorithm, which live until the next string.
 std::string_view CFastInfosetWriter::Encoded(unsigned long kind, unsigned long index, std::string_view value) {
   m_scratch.clear();
-  if (kind == kRestrictedAlphabet) {
-    AppendRestrictedAlphabetString(m_scratch, value, m_options->GetVocabulary().GetRestrictedAlphabets()[index - 1]);
-  } else {
-    AppendEncoded(index, value.data(), m_scratch);
-  }
+  AppendOctets(*m_options, {kind, index}, value, m_scratch);
   return m_scratch;
 }
 
 void CFastInfosetWriter::EncodedCharacterStringBit3(std::uint32_t leading, std::string_view value, ItemType type) {
   auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
-  if (!IsEncoded(*m_options, encoding, "EncodedCharacterStringBit5")) {
+  if (!IsEncoded(*m_options, encoding, value, "EncodedCharacterStringBit5")) {
     m_output->NonEmptyOctetStringBit5(leading, Utf8(value));
     return;
   }
@@ -527,7 +549,7 @@ void CFastInfosetWriter::EncodedCharacterStringBit3(std::uint32_t leading, std::
 
 void CFastInfosetWriter::EncodedCharacterStringBit5(std::uint32_t leading, std::string_view value, ItemType type) {
   auto const encoding = m_options->GetEncoding(static_cast<unsigned long>(type));
-  if (!IsEncoded(*m_options, encoding, "EncodedCharacterStringBit7")) {
+  if (!IsEncoded(*m_options, encoding, value, "EncodedCharacterStringBit7")) {
     if (m_isAsciiUtf8 && m_output->AsciiStringBit7(leading, value)) return;
     m_output->NonEmptyOctetStringBit7(leading, Utf8(value));
     return;

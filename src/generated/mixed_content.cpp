@@ -11,6 +11,7 @@
 #include "quillon9/xmlio/document.h"
 #include "quillon9/xmlio/writer.h"
 #include "text/utf8_text.h"
+#include "values/rules_in_use.h"
 #include "xmlio/mixed_texts.h"
 #include "xmlio/node_access.h"
 #include "xmlio/object_content.h"
@@ -235,6 +236,7 @@ std::string CBoundItem::GetName() const {
 std::string CBoundItem::GetValue() const {
   if (m_holder == nullptr || m_object != nullptr) return {};
   Utf8Text::Scope const scope(Utf8Text::Use::kCountingCharacters);
+  RulesInUse::Scope const rules(m_holder->GetDefaultValueRules());
   TextCollector texts;
   VisitMembers(*m_holder, [&](CElementRow const& row, Quillon9Data::CElementInfo const& info) {
     if (row.property == m_property) info.ElementToXml(CXmlSerializationContext::m_defaultContext, m_holder, &texts);

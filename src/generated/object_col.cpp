@@ -30,6 +30,14 @@ CObjectCollection::CObjectCollection(CElementRow const& row)
 
 CObjectCollection::~CObjectCollection() = default;
 
+ValueRules CObjectCollection::GetDefaultValueRules() const {
+  CClassTables const* tables = m_tables;
+  for (int i = 0; tables == nullptr && HasGroup() && i < m_row->group->count; ++i) {
+    tables = m_row->group->elements[i].type;
+  }
+  return tables != nullptr ? tables->GetRow().valueRules : CXmlCollection::GetDefaultValueRules();
+}
+
 void CObjectCollection::ValidateCount(CXmlSerializationContext const& ctx) const {
   if (!m_hasRounds || m_tables == nullptr || IsValidCount(ctx)) return CXmlCollection::ValidateCount(ctx);
   std::string names;  // rounds have none of their own

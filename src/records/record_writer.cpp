@@ -296,7 +296,7 @@ class CXmlRecordWriter::Work {
       if (m_encoder == nullptr) BeginDocument();
       if (!withPrologue || std::exchange(m_hasPrologue, true)) return;
       OwnTextScope const scope;
-      WriteRootPrologue(Writer(), m_ctx);
+      WriteRootPrologue(Writer(), nullptr, m_ctx);
       BindDeclared();
     });
   }

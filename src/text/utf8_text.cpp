@@ -14,6 +14,16 @@ std::size_t Utf8Text::CountCharacters(std::string_view text) {
       std::count_if(text.begin(), text.end(), [](char c) { return !IsTrailByte(static_cast<std::uint8_t>(c)); }));
 }
 
+std::size_t Utf8Text::OutsideCharacters(std::string_view text, std::size_t place) {
+  if (place >= text.size()) return text.size();
+  constexpr std::size_t kLongestSequence = 4;
+  std::size_t start = place;
+  auto const isTrail = [&] { return IsTrailByte(static_cast<std::uint8_t>(text[start])); };
+  while (start > 0 && place - start < kLongestSequence - 1 && isTrail()) --start;
+  bool const isCut = SequenceLength(CodePage::Bytes(text.data()) + start, text.size() - start) > place - start;
+  return isCut ? start : place;
+}
+
 bool Utf8Text::IsIllFormed(std::string_view message) {
   constexpr std::string_view kStart = "The text is not well-formed UTF-8 ";
   return message.substr(0, kStart.size()) == kStart;

@@ -43,6 +43,9 @@ class Utf8Text {
     return Current() == Use::kCountingCharacters ? CountCharacters(text) : text.size();
   }
 
+  /// \p place in \p text, at most its end, or the start of the well-formed UTF-8 sequence that it would cut.
+  static std::size_t OutsideCharacters(std::string_view text, std::size_t place);
+
   /// Do nothing unless \p text is ill-formed while UTF-8 is in use.
   /// \throws CQnInvalidValueException "The text is not well-formed UTF-8 after [%s]" with the end of the part that is.
   static void Check(std::string_view text) {

@@ -175,24 +175,28 @@ void SchemaFacets::RefuseValue(char const* name, QnVariant const& value) {
   throw OfKind(FailureKind_BrokenFacet, CQnException(FormatString("Invalid Value for %s [%s]", name, shown.c_str())));
 }
 
+// What did not parse does so again here. It may succeed: where the thread has another code page or a larger stack.
 bool SchemaFacets::Keeps(QnVariant const& value, std::string_view text) const {
-  if (m_isBroken) Parse();  // fails again
-  if (m_type == ItemType_string) return KeepsText(value.GetString());
-  if (m_parsed.bounds != nullptr && !m_parsed.bounds->Contain(value)) return false;
+  return m_isBroken ? KeepsTo(Parse(), value, text) : KeepsTo(m_parsed, value, text);
+}
+
+bool SchemaFacets::KeepsTo(Parsed const& parsed, QnVariant const& value, std::string_view text) const {
+  if (m_type == ItemType_string) return KeepsText(parsed, value.GetString());
+  if (parsed.bounds != nullptr && !parsed.bounds->Contain(value)) return false;
   if (m_isMeasured && !IsAllowedLength(value.GetHexBinary().GetLength())) return false;
   if (m_hasDigits && !HasAllowedDigits(value)) return false;
-  return !m_hasPattern || m_parsed.pattern->Matches(text);
+  return !m_hasPattern || parsed.pattern->Matches(text);
 }
 
-bool SchemaFacets::KeepsText(std::string const& value) const {
+bool SchemaFacets::KeepsText(Parsed const& parsed, std::string const& value) const {
   if (m_isMeasured && !HasAllowedLength(value)) return false;
   if (!m_hasPattern && m_others.form == SchemaForm::Any) return true;
-  return WithUtf8(value, [this](std::string_view utf8) { return KeepsForm(utf8); });
+  return WithUtf8(value, [&](std::string_view utf8) { return KeepsForm(parsed, utf8); });
 }
 
-bool SchemaFacets::KeepsForm(std::string_view utf8) const {
+bool SchemaFacets::KeepsForm(Parsed const& parsed, std::string_view utf8) const {
   if (m_others.form != SchemaForm::Any && !CSchemaValues::HasForm(utf8, m_others.form)) return false;
-  return !m_hasPattern || m_parsed.pattern->Matches(utf8);
+  return !m_hasPattern || parsed.pattern->Matches(utf8);
 }
 
 bool SchemaFacets::HasAllowedLength(std::string const& value) const {

@@ -86,11 +86,12 @@ class SchemaFacets {
   Parsed Parse() const;
   bool IsMeasured() const;
   bool Keeps(QnVariant const& value, std::string_view text) const;
-  bool KeepsText(std::string const& value) const;
+  bool KeepsTo(Parsed const& parsed, QnVariant const& value, std::string_view text) const;
+  bool KeepsText(Parsed const& parsed, std::string const& value) const;
   bool HasAllowedLength(std::string const& value) const;
   bool IsAllowedLength(std::size_t length) const;
   bool HasAllowedDigits(QnVariant const& number) const;
-  bool KeepsForm(std::string_view utf8) const;
+  bool KeepsForm(Parsed const& parsed, std::string_view utf8) const;
   void CheckOther(char const* name, QnVariant const& value) const;
   [[noreturn]] static void RefuseValue(char const* name, QnVariant const& value);
 

@@ -33,10 +33,11 @@ bool IsLetterOrDigit(char32_t c) { return (c >= '0' && c <= '9') || (c >= 'a' &&
 
 bool IsHexDigit(char32_t c) { return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'F'); }
 
-bool IsCategory(std::string const& name) {
-  static constexpr std::string_view kCategories =
-      " L Lu Ll Lt Lm Lo M Mn Mc Me N Nd Nl No P Pc Pd Ps Pe Pi Pf Po Z Zs Zl Zp S Sm Sc Sk So C Cc Cf Co Cn ";
-  return !name.empty() && kCategories.find(" " + name + " ") != std::string_view::npos;
+bool IsCategory(std::string_view name) {
+  static constexpr std::string_view kCategories[] = {
+      "L",  "Lu", "Ll", "Lt", "Lm", "Lo", "M",  "Mn", "Mc", "Me", "N",  "Nd", "Nl", "No", "P",  "Pc", "Pd", "Ps",
+      "Pe", "Pi", "Pf", "Po", "Z",  "Zs", "Zl", "Zp", "S",  "Sm", "Sc", "Sk", "So", "C",  "Cc", "Cf", "Co", "Cn"};
+  return std::find(std::begin(kCategories), std::end(kCategories), name) != std::end(kCategories);
 }
 
 /// One character, or the parts of a set.
@@ -80,7 +81,9 @@ class PatternParser {
 
  private:
   bool IsNext(std::string_view start) const { return m_rest.substr(0, start.size()) == start; }
-  bool IsNextOneOf(std::string_view characters) const { return m_rest.find_first_of(characters) == 0; }
+  bool IsNextOneOf(std::string_view characters) const {
+    return !m_rest.empty() && characters.find(m_rest.front()) != std::string_view::npos;
+  }
   bool Skip(std::string_view start) {
     if (!IsNext(start)) return false;
     m_rest.remove_prefix(start.size());
@@ -252,7 +255,7 @@ class PatternParser {
   std::vector<Part> TakeRange(bool isFirst) {
     if (IsNext("-")) return TakeHyphen(isFirst);
     Item first = TakeItem();
-    bool const isRange = IsNext("-") && m_rest.size() > 1 && m_rest[1] != ']' && m_rest[1] != '[';
+    bool const isRange = IsNext("-") && !IsNext("-]") && !IsNext("-[") && !IsNext("--[") && m_rest.size() > 1;
     if (!first.parts.empty()) {
       if (!isRange) return first.parts;
       m_rest.remove_prefix(1);
@@ -260,7 +263,7 @@ class PatternParser {
       Append(first.parts, RangeOf('-', '-'));
       return first.parts;
     }
-    if (!isRange || IsNext("--[")) return RangeOf(first.character, first.character);
+    if (!isRange) return RangeOf(first.character, first.character);
     m_rest.remove_prefix(1);
     if (IsNext("-")) Fail("\"-\" cannot be the end of a range");
     Item const last = TakeItem();
@@ -334,10 +337,10 @@ class PatternParser {
     if (!Skip("{") || end == std::string_view::npos) Fail("\"\\p\" needs a name in \"{}\"");
     std::string const name(m_rest.substr(0, end - 1));
     if (name.substr(0, 2) == "Is") {
-      auto const block = UnicodeBlockRange(std::string_view(name).substr(2));
-      if (!block) Fail("there is no block \"" + name + "\"");
+      CharacterRanges block = UnicodeBlock(std::string_view(name).substr(2));
+      if (block.empty()) Fail("there is no block \"" + name + "\"");
       m_rest.remove_prefix(end);
-      return Item(isComplement ? Complement({*block}) : CharacterRanges{*block});
+      return Item(isComplement ? Complement(block) : std::move(block));
     }
     if (!IsCategory(name)) Fail("there is no category \"" + name + "\"");
     m_rest.remove_prefix(end);

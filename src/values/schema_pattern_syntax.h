@@ -47,8 +47,8 @@ struct PatternNode {
   std::unique_ptr<CharacterSet> set;
   std::uint64_t least = 0;
   std::uint64_t most = 0;
-  bool isForNothing =
-      false;  ///< whether the child of a repetition matches the empty text, so that least does not count
+  /// Whether the child of a repetition matches the empty text, so that least does not count.
+  bool isForNothing = false;
   std::vector<PatternNode> children;
 };
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <string_view>
 
 #include "values/number_text.h"
 
@@ -30,21 +31,72 @@ Spelling WithZeros(std::string text, std::size_t at, bool needsPoint, Accepts co
   return std::nullopt;
 }
 
-/// Zeros after the point of a number; none for a number with an exponent, INF and NaN.
+/// Zeros after the point of a number.
 Spelling WithFraction(std::string const& number, Accepts const& accepts) {
-  if (number.find_first_not_of("+-.0123456789") != std::string::npos) return std::nullopt;
   return WithZeros(number, number.size(), number.find('.') == std::string::npos, accepts);
 }
 
 /// Zeros in front of a number, and after its point if \p hasFraction.
 Spelling OfNumber(std::string number, bool hasFraction, Accepts const& accepts) {
   std::size_t const first = number.front() == '-' ? 1 : 0;
-  if (!IsDigit(number[first])) return std::nullopt;
   for (std::size_t count = 0; count <= kMostZeros; ++count) {
     if (count != 0) number.insert(first, 1, '0');
     if (count != 0 && accepts(number)) return number;
     if (!hasFraction) continue;
     if (Spelling found = WithFraction(number, accepts)) return found;
+  }
+  return std::nullopt;
+}
+
+/// A finite floating-point number as its digits, without zeros at either end, and the power of ten of the first one.
+struct Scientific {
+  explicit Scientific(std::string_view text) : isNegative(text.front() == '-') {
+    text.remove_prefix(isNegative ? 1 : 0);
+    std::string_view const mantissa = text.substr(0, text.find('e'));
+    std::size_t const point = std::min(mantissa.find('.'), mantissa.size());
+    digits.assign(mantissa.substr(0, point)).append(mantissa.substr(std::min(point + 1, mantissa.size())));
+    std::size_t const first = digits.find_first_not_of('0');
+    if (first == std::string::npos) {
+      digits = "0";
+      return;
+    }
+    digits = digits.substr(first, digits.find_last_not_of('0') + 1 - first);
+    power = static_cast<int>(point) - 1 - static_cast<int>(first);
+    if (mantissa.size() < text.size()) power += std::stoi(std::string(text.substr(mantissa.size() + 1)));
+  }
+
+  std::string WithoutExponent() const {
+    auto const zeros = [](int count) { return std::string(static_cast<std::size_t>(count), '0'); };
+    auto const size = static_cast<int>(digits.size());
+    std::string const sign = isNegative ? "-" : "";
+    if (power < 0) return sign + "0." + zeros(-power - 1) + digits;
+    if (power >= size - 1) return sign + digits + zeros(power - size + 1);
+    return sign + std::string(digits).insert(static_cast<std::size_t>(power) + 1, ".");
+  }
+
+  /// \p mark is "e" or "E". With \p hasPoint and "E", the text is the canonical one.
+  std::string WithExponent(char const* mark, bool hasPoint) const {
+    std::string mantissa = digits;
+    if (hasPoint && mantissa.size() == 1) mantissa += '0';
+    if (mantissa.size() > 1) mantissa.insert(1, ".");
+    return (isNegative ? "-" : "") + mantissa + mark + std::to_string(power);
+  }
+
+  bool isNegative;
+  std::string digits;
+  int power = 0;
+};
+
+Spelling OfFloating(std::string const& text, Accepts const& accepts) {
+  if (!IsDigit(text[text.front() == '-' ? 1 : 0])) return std::nullopt;
+  Scientific const number(text);
+  std::string const plain = number.WithoutExponent();
+  if (accepts(plain)) return plain;
+  if (Spelling found = OfNumber(plain, true, accepts)) return found;
+  for (char const* mark : {"E", "e"}) {
+    for (bool const hasPoint : {true, false}) {
+      if (Spelling found = IfAccepted(number.WithExponent(mark, hasPoint), accepts)) return found;
+    }
   }
   return std::nullopt;
 }
@@ -91,9 +143,9 @@ Spelling Find(std::string const& text, ItemType type, Accepts const& accepts) {
     case ItemType_ui4:
     case ItemType_ui8:
     case ItemType_integer: return OfNumber(text, false, accepts);
-    case ItemType_decimal:
+    case ItemType_decimal: return OfNumber(text, true, accepts);
     case ItemType_r4:
-    case ItemType_r8: return OfNumber(text, true, accepts);
+    case ItemType_r8: return OfFloating(text, accepts);
     case ItemType_date:
     case ItemType_datetime:
     case ItemType_time:

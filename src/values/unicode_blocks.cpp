@@ -4,13 +4,13 @@ namespace Quillon9 {
 
 namespace {
 
-struct UnicodeBlock {
+struct BlockRow {
   std::string_view name;
   char32_t first, last;
 };
 
-// The table of XML Schema Part 2, appendix F.1.1. Greek has its later name too.
-constexpr UnicodeBlock kBlocks[] = {
+// The table of XML Schema Part 2, appendix F.1.1, where a name may stand twice. Greek has its later name too.
+constexpr BlockRow kBlocks[] = {
     {"BasicLatin", 0x0000, 0x007F},
     {"Latin-1Supplement", 0x0080, 0x00FF},
     {"LatinExtended-A", 0x0100, 0x017F},
@@ -94,8 +94,9 @@ constexpr UnicodeBlock kBlocks[] = {
     {"CJKCompatibilityForms", 0xFE30, 0xFE4F},
     {"SmallFormVariants", 0xFE50, 0xFE6F},
     {"ArabicPresentationForms-B", 0xFE70, 0xFEFE},
-    {"Specials", 0xFFF0, 0xFFFD},
+    {"Specials", 0xFEFF, 0xFEFF},
     {"HalfwidthandFullwidthForms", 0xFF00, 0xFFEF},
+    {"Specials", 0xFFF0, 0xFFFD},
     {"OldItalic", 0x10300, 0x1032F},
     {"Gothic", 0x10330, 0x1034F},
     {"Deseret", 0x10400, 0x1044F},
@@ -109,11 +110,12 @@ constexpr UnicodeBlock kBlocks[] = {
 
 }  // namespace
 
-std::optional<std::pair<char32_t, char32_t>> UnicodeBlockRange(std::string_view name) {
-  for (UnicodeBlock const& block : kBlocks) {
-    if (block.name == name) return std::pair(block.first, block.last);
+CharacterRanges UnicodeBlock(std::string_view name) {
+  CharacterRanges ranges;
+  for (BlockRow const& row : kBlocks) {
+    if (row.name == name) ranges.emplace_back(row.first, row.last);
   }
-  return std::nullopt;
+  return ranges;
 }
 
 }  // namespace Quillon9

@@ -9,6 +9,7 @@
 #include "quillon9/xmlio/content_item.h"
 #include "quillon9/xmlio/markup.h"
 #include "quillon9/xmlio/writer.h"
+#include "text/utf8_text.h"
 
 namespace Quillon9 {
 
@@ -24,7 +25,8 @@ void WriteContentItems(CXmlWriter& writer, CContentList<Node> const& content, st
   for (CContentItem<Node> const& item : content) {
     std::string_view run = item.GetText();
     while (isHere() && (!item.IsText() || next->textInFront < passed + run.size())) {
-      std::size_t const size = item.IsText() ? std::max(next->textInFront, passed) - passed : 0;
+      std::size_t const place = std::max(next->textInFront, passed) - passed;
+      std::size_t const size = item.IsText() ? Utf8Text::OutsideCharacters(run, place) : 0;
       writer.WriteString(std::string(run.substr(0, size)), ItemType_string);
       run.remove_prefix(size);
       passed += size;

@@ -1,10 +1,10 @@
 #include "xmlio/mixed_texts.h"
 
-#include <algorithm>
 #include <limits>
 #include <string>
 #include <utility>
 
+#include "text/utf8_text.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -60,8 +60,20 @@ void MixedTexts::WriteItems(std::size_t childrenInFront, std::size_t textInFront
   }
 }
 
+void MixedTexts::WriteText(std::string const& text, ItemType type, bool hasItemsInside) {
+  m_text = text;
+  WriteItems(m_child, hasItemsInside && !text.empty() ? text.size() - 1 : 0);
+  if (m_written == 0) {
+    m_writer.WriteString(text, type);
+  } else {
+    WriteUpTo(text.size());
+  }
+  m_text = {};
+}
+
+// The text may have changed since the places were noted.
 void MixedTexts::WriteUpTo(std::size_t place) {
-  place = std::min(place, m_text.size());
+  place = Utf8Text::OutsideCharacters(m_text, place);
   if (place <= m_written) return;
   std::string const run(m_text.substr(m_written, place - m_written));
   m_written = place;

@@ -40,8 +40,9 @@ class MixedTexts {
 
   /// Write what stands in front of the next child.
   void BeforeChild();
-  /// Write the items in front of text that something else writes after the children.
-  void BeforeText() { WriteItems(m_child, 0); }
+  /// Write \p text, which follows the children, and the items in front of it. Those inside stand at their places if
+  /// \p hasItemsInside, and otherwise follow it.
+  void WriteText(std::string const& text, ItemType type, bool hasItemsInside);
   /// Write the rest, after the children.
   void Finish();
 

@@ -147,6 +147,12 @@ void CXmlTextWriter::SetEOLType(EOLType type) {
   throw CQnException("Invalid EOL type.");
 }
 
+void CXmlTextWriter::SetIndent(char character, std::uint8_t width, std::uint8_t flatLevels) {
+  m_indentCharacter = character == '\t' ? '\t' : ' ';
+  m_indentWidth = width;
+  m_flatLevels = flatLevels;
+}
+
 void CXmlTextWriter::WriteStartDocument() {
   m_stream->Append("<?xml version=\"1.0\"");
   m_stream->Append(EncodingDeclaration(m_stream->GetEncoding()));
@@ -202,9 +208,9 @@ void CXmlTextWriter::WriteStartElement(std::string const& localName, std::string
   bool isNew = false;
   std::string const* const prefix =
       m_context->NeedsNoPrefix() ? nullptr : &FindOrBindPrefix(*m_context, namespaceUri, isNew);
-  std::size_t const tabs = m_format ? m_context->m_depth : 0;
-  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("<", prefix, localName));
-  to.Put('\t', tabs);
+  std::size_t const indent = IndentOf(m_context->m_depth);
+  CTextCursor to = Reserve(*m_stream, indent + RoomFor("<", prefix, localName));
+  to.Put(m_indentCharacter, indent);
   to.Put('<');
   PutQName(to, prefix, localName);
   Commit(*m_stream, to);
@@ -312,12 +318,12 @@ void CXmlTextWriter::WriteTextElement(std::string const& localName, std::string 
   }
   CloseParentElm();
   XmlWriterAccess::RequireRoomForChild(*m_context);
-  std::size_t const tabs = m_format ? m_context->m_depth + 1 : 0;
+  std::size_t const indent = IndentOf(m_context->m_depth + std::size_t{1});
   std::string_view const lineEnd = m_format ? std::string_view(m_lineEnd) : std::string_view();
   std::size_t const endTag = RoomFor("</>", prefix, localName) + lineEnd.size() + CTextCursor::kOverrun;
   std::size_t const copied = value.size() <= kLongestPiece ? value.size() : 0;
-  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("<>", prefix, localName) + copied + endTag);
-  to.Put('\t', tabs);
+  CTextCursor to = Reserve(*m_stream, indent + RoomFor("<>", prefix, localName) + copied + endTag);
+  to.Put(m_indentCharacter, indent);
   to.Put('<');
   char const* const name = to.At();
   PutQName(to, prefix, localName);
@@ -369,9 +375,9 @@ void CXmlTextWriter::AppendEndTag() {
   bool const hasPrefix = !m_context->NeedsNoPrefix();
   // If the default namespace has changed in the meantime, there is no prefix.
   std::string const* const prefix = hasPrefix ? m_context->FindPrefix(m_context->m_namespace) : nullptr;
-  std::size_t const tabs = m_format && m_context->m_childCount != 0 ? m_context->m_depth : 0;
-  CTextCursor to = Reserve(*m_stream, tabs + RoomFor("</:>", prefix, localName));
-  to.Put('\t', tabs);
+  std::size_t const indent = m_context->m_childCount != 0 ? IndentOf(m_context->m_depth) : 0;
+  CTextCursor to = Reserve(*m_stream, indent + RoomFor("</:>", prefix, localName));
+  to.Put(m_indentCharacter, indent);
   to.Put("</");
   if (hasPrefix) PutPrefix(to, prefix != nullptr ? std::string_view(*prefix) : std::string_view());
   to.PutName(localName);
@@ -413,7 +419,7 @@ void CXmlTextWriter::WriteMarkup(CMarkup const& markup) {
       CloseTag();
       if (m_format) AppendLineEnd();
     }
-    if (m_format) m_stream->Append(std::string(m_context->m_depth + std::size_t{1}, '\t'));
+    m_stream->Append(std::string(IndentOf(m_context->m_depth + std::size_t{1}), m_indentCharacter));
   }
   std::string const text = markup.text.c_str();
   if (markup.IsComment()) {
@@ -422,7 +428,7 @@ void CXmlTextWriter::WriteMarkup(CMarkup const& markup) {
     m_stream->Append(!text.empty() && text.back() == '-' ? " -->" : "-->");
   } else {
     m_stream->Append("<?");
-    m_stream->Append(markup.target);
+    m_stream->Append(Parted(markup.target.c_str(), "?>"));
     if (!text.empty()) m_stream->Append(' ');
     AppendLines(Parted(text, "?>"));
     m_stream->Append("?>");
@@ -474,7 +480,10 @@ void CXmlTextWriter::AppendEscaped(std::string_view text, bool inAttribute) {
 void CXmlTextWriter::AppendSpecial(char byte, bool inAttribute) {
   ByteClass const byteClass = ClassOf(byte);
   if (byteClass == ByteClass::LineFeed) return m_stream->Append(inAttribute ? "&#xA;" : m_lineEnd.c_str());
-  if (byteClass == ByteClass::Escaped) return m_stream->Append(EntityFor(byte));
+  if (byteClass == ByteClass::Escaped) {
+    bool const isPlain = byte == '"' && !inAttribute && m_hasPlainQuotes;
+    return isPlain ? m_stream->Append(byte) : m_stream->Append(EntityFor(byte));
+  }
   bool const isSchema = RulesInUse::AreSchema();
   if (isSchema && (byteClass == ByteClass::Control || byteClass == ByteClass::End)) ThrowNotInXml(byte);
   char const* const reference = isSchema ? ReferenceFor(byteClass, inAttribute) : nullptr;

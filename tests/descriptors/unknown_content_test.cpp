@@ -81,6 +81,7 @@ TEST(UnknownContent, IsWrittenWhereItStood) {
       {Choice(), "<root><x/><b>2</b><!--c--><a>1</a></root>"},
       {Text(), "<root x=\"1\" y=\"2\"><!--c-->text<?p?></root>", "A"},
       {Text(), "<root><y/>text<!--c--></root>", "U"},
+      {Text(), "<root>t<y/><?p?>ex<!--c-->t</root>", "U"},
       {Holder(), "<root><a x=\"1\" y=\"2\">text</a><!--c--><b>1</b><z/></root>"},
       {Group(), "<root pa=\"3\" k=\"1\"><a>1</a><p>1</p><x/><q>2</q></root>"},
       {Group(), "<root><a>1</a><q>2</q></root>"},  // no group without p
@@ -133,12 +134,40 @@ TEST(UnknownContent, AttributesOfTheContextComeFirst) {
   EXPECT_EQ(object.Text(ctx), "<root k=\"3\" l=\"2\"><b>2</b></root>");
 }
 
+TEST(UnknownContent, InstructionsOfTheContextAreNotWrittenTwice) {
+  DynamicClass object(Sequence());
+  object.FromXml("<?style  sheet?><!--head--><root><b>2</b></root><?p?>", Keeping());
+  CXmlSerializationContext ctx;
+  ctx.GetProcessingInstructions() = {"<?style sheet?>", "<?p?>"};
+  EXPECT_EQ(object.Text(ctx), "<?style sheet?>\n<!--head-->\n<?p?>\n\n<root><b>2</b></root><?p?>\n");
+}
+
+TEST(UnknownContent, TextOfAnotherSizeIsWrittenInOnePiece) {
+  DynamicClass object(Text());
+  object.FromXml("<root><!--1-->10<!--2-->00<!--3--></root>", Keeping());
+  object.With(0, "1500");
+  EXPECT_EQ(object.Text(), "<root><!--1-->15<!--2-->00<!--3--></root>");
+  object.With(0, "15000");
+  EXPECT_EQ(object.Text(), "<root><!--1-->15000<!--2--><!--3--></root>");
+  object.With(0, "1\xE2\x82\xAC");
+  EXPECT_EQ(object.Text(), "<root><!--1-->1<!--2-->\xE2\x82\xAC<!--3--></root>");
+  CXmlSerializationContext ctx = Keeping();
+  ctx.SetTextEncoding(TextEncoding_UTF8);
+  CXmlDocument tree(ctx);
+  tree.LoadXml("<e>a<!--c-->b</e>");
+  CElement element("");
+  element.CopyXmlElement(tree.GetDocumentElement());
+  element.SetText("\xC3\xA4");
+  EXPECT_EQ(element.ToXml(false, false, EOLType_LF, ctx), "<e><!--c-->\xC3\xA4</e>");
+}
+
 TEST(UnknownContent, WhatWouldEndACommentIsParted) {
   DynamicClass object(Sequence());
   object.FromXml("<root><b>2</b><!--c--><?p i?></root>", Keeping());
   object.GetUnknownContent()->GetItems()[0].text = "a--b---";
   object.GetUnknownContent()->GetItems()[1].text = "a?>b";
-  EXPECT_EQ(object.Text(), "<root><b>2</b><!--a- -b- - - --><?p a? >b?></root>");
+  object.GetUnknownContent()->GetItems()[1].target = "p?>";
+  EXPECT_EQ(object.Text(), "<root><b>2</b><!--a- -b- - - --><?p? > a? >b?></root>");
 }
 
 TEST(UnknownContent, IsBoundedByTheLimits) {

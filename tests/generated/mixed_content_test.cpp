@@ -291,6 +291,11 @@ TEST(BoundMixedContent, ProgramsBuildAndChangeIt) {
   EXPECT_EQ("<p>5<code>b</code>6</p>\n", para->ToXml(false));
 }
 
+TEST(BoundMixedContent, ValuesAreShownAsTheyAreWritten) {
+  auto const article = Article::ReadArticle(XmlText("<article><p>a<three>007</three></p></article>"));
+  EXPECT_EQ(Shown(*article), "article{p{[a]three{[007]}}}");
+}
+
 TEST(BoundMixedContent, ElementsThatAReadLeavesOutDoNotMoveText) {
   CXmlSerializationContext ctx;
   ctx.SetIgnoreUnknownElements(true);

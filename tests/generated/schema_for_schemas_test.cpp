@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include "quillon9/quillon9.h"
 #include "schemas.h"
@@ -84,6 +90,53 @@ TEST(SchemaForSchemas, RealSchemasComeBack) {
   fs::path const folder = corpus != nullptr ? fs::path(corpus).parent_path() / "schemas" : fs::path();
   if (!fs::is_directory(folder)) GTEST_SKIP() << "there is no folder of real schemas next to the corpus";
   ExpectRoundTrips(folder, 800);
+}
+
+std::vector<std::string> LinesOf(std::string const& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  std::sort(lines.begin(), lines.end());
+  return lines;
+}
+
+/// Adds the lines of \p document, and those that it has not any more after a read and a write in its form.
+void CountLines(std::string const& document, std::size_t& all, std::size_t& different) {
+  CXmlSerializationContext ctx;
+  ctx.SetKeepForm(true);
+  ctx.SetKeepPrefixes(true);
+  ctx.SetKeepUnknown(true);
+  CBinaryData const bytes =
+      Schemas::ReadSchema(XmlText(document), ctx)->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx);
+  EXPECT_EQ(DifferenceBetween(XmlText(document), bytes), "") << document.substr(0, 200);
+  std::vector<std::string> const before = LinesOf(document);
+  std::vector<std::string> const after = LinesOf({reinterpret_cast<char const*>(bytes.GetData()), bytes.GetLength()});
+  std::vector<std::string> lost;
+  std::set_difference(before.begin(), before.end(), after.begin(), after.end(), std::back_inserter(lost));
+  all += before.size();
+  different += lost.size();
+}
+
+TEST(SchemaForSchemas, RealSchemasKeepTheirForm) {
+  char const* const corpus = std::getenv("QUILLON9_CORPUS");
+  fs::path const folder = corpus != nullptr ? fs::path(corpus).parent_path() / "schemas" : fs::path();
+  if (!fs::is_directory(folder)) GTEST_SKIP() << "there is no folder of real schemas next to the corpus";
+  std::set<fs::path> schemas;
+  for (fs::directory_entry const& entry : fs::recursive_directory_iterator(folder)) {
+    bool const isValid = entry.path().filename() != "mock-taxonomy.xsd";
+    if (isValid && entry.path().extension() == ".xsd") schemas.insert(entry.path());
+  }
+  std::size_t all = 0;
+  std::size_t different = 0;
+  std::size_t count = 0;
+  for (fs::path const& path : schemas) {
+    if (count++ % 8 != 0) continue;
+    std::ifstream file(path, std::ios::binary);
+    CountLines({std::istreambuf_iterator<char>(file), {}}, all, different);
+  }
+  RecordProperty("lines", std::to_string(all));
+  RecordProperty("different", std::to_string(different));
+  EXPECT_LT(different * 4, all);
 }
 
 }  // namespace

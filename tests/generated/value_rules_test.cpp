@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "article.h"
 #include "constructs.h"
 #include "dynamic_class.h"
 #include "quillon9/quillon9.h"
@@ -73,6 +74,79 @@ TEST(ValueRules, ReferencesToCarriageReturnsAreKept) {
   }
 }
 
+TEST(ValueRules, TreesAreParsedByTheRulesOfTheirContext) {
+  std::string const text = "<a>x&#13;y</a>";
+  for (ValueRules const rules : {ValueRules_Classic, ValueRules_XmlSchema}) {
+    CXmlSerializationContext const ctx = Under(rules);
+    std::string const expected = rules == ValueRules_Classic ? "xy" : "x\ry";
+    CXmlDocument tree(ctx);
+    tree.LoadXml(text.c_str());
+    EXPECT_EQ(tree.GetDocumentElement()->GetText(), expected);
+    tree.LoadXml(std::wstring(text.begin(), text.end()).c_str());
+    EXPECT_EQ(tree.GetDocumentElement()->GetText(), expected);
+    tree.LoadXmlStream(reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    EXPECT_EQ(tree.GetDocumentElement()->GetText(), expected);
+  }
+}
+
+// What a program reads while an object is read around it.
+TEST(ValueRules, TreesOfTheProgramKeepTheRulesThatItAskedFor) {
+  struct Sink : IFailureSink {
+    bool OnFailure(CFailure const&) override {
+      CXmlSerializationContext const ctx = Under(ValueRules_Classic);
+      CXmlDocument tree(ctx);
+      tree.LoadXml("<a>x&#13;y</a>");
+      text = tree.GetDocumentElement()->GetText();
+      return true;
+    }
+    std::string text;
+  } sink;
+  CXmlSerializationContext ctx = Under(ValueRules_XmlSchema);
+  ctx.SetFailureSink(&sink);
+  ReadAndWritten(ItemType_i4, "x", ctx);
+  EXPECT_EQ(sink.text, "xy");
+}
+
+TEST(ValueRules, GenericCopiesHaveTheTextsOfTheObject) {
+  auto const named = Constructs::ReadRoot(XmlText("<named xmlns='urn:t'><one>x</one><said>a&#13;b</said></named>"));
+  std::string const copy = CElement(named.Get(), nullptr).GetElements()->Item(1)->GetText();
+  EXPECT_EQ(copy, "a\rb");
+}
+
+TEST(ValueRules, ShortFormsOfFastInfosetLoseNoText) {
+  struct Row {
+    ItemType kind;
+    char const* pattern;
+    char const* text;
+  };
+  Row const rows[] = {
+      {ItemType_i4, "\\d{3}", "007"},
+      {ItemType_boolean, "[01]", "1"},
+      {ItemType_r4, "", "1.5"},
+      {ItemType_r8, "\\d\\.\\d\\d", "1.50"},
+      {ItemType_ui8, "", "18446744073709551615"},
+      {ItemType_duration, "", "P1D"},
+      {ItemType_datetime, "", "2026-01-02T03:04:05.5+01:00"},
+      {ItemType_hexBinary, "[0-9a-f]*", "0aff"},
+      {ItemType_base64Binary, "", "TQ=="},
+  };
+  CXmlSerializationContext ctx = Under(ValueRules_XmlSchema);
+  ctx.GetFIContext()->SetSuggestedValues();
+  for (Row const& row : rows) {
+    CPrimitiveRestrictions const facets(row.pattern, -1, -1, "", "", "", "", -1);
+    auto const rule = CWhitespaceUtils::WhitespaceRule_Collapse;
+    Shape const shape(
+        {}, {new Quillon9Data::CElementInfoSeqPrimOpt("v", "", 0, row.kind, nullptr, rule, facets)},
+        {new Quillon9Data::CAttributeInfoPrimitive("w", "", 1, true, row.kind, nullptr, rule, facets, nullptr)});
+    std::string const text = row.text;
+    std::string const document = "<root w=\"" + text + "\"><v>" + text + "</v></root>";
+    DynamicClass object(shape);
+    object.FromXml(document.c_str(), ctx);
+    EXPECT_NO_THROW(object.FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, ctx), ctx));
+    EXPECT_EQ(object.Text(ctx), document);
+  }
+}
+
 TEST(ValueRules, DocumentsAreParsedByTheRulesOfTheirRoots) {
   auto const document = XmlText("<named xmlns='urn:t'><one>x</one><said>a&#13;b</said></named>");
   std::string const kept = Constructs::ReadRoot(document)->ToXml();
@@ -134,6 +208,12 @@ TEST(ValueRules, GeneratedClassesAskForThoseOfXmlSchema) {
   CXmlSerializationContext const unset;
   EXPECT_FALSE(unset.HasValueRules());
   EXPECT_EQ(unset.GetValueRules(), ValueRules_Classic);
+}
+
+TEST(ValueRules, CollectionsAskForThoseOfTheirItems) {
+  auto const article = Article::ReadArticle(XmlText("<article><item/></article>"));
+  article->GetChoice().begin()->GetItem()->GetNote().FromXml("<item><note>a&#13;b</note></item>");
+  EXPECT_EQ(article->ToXml(false, false), "<article><item><note>a&#xD;b</note></item></article>");
 }
 
 TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {

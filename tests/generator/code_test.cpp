@@ -67,6 +67,25 @@ char const kDrawing[] =
     "<reviewed xsi:nil='true'/><palette>red</palette><palette>light-green</palette>"
     "<x:other xmlns:x='urn:x'>5</x:other></drawing>";
 
+TEST(Code, ClassicValuesAreAskedForByAllClasses) {
+  Plan::PlanOptions options;
+  options.cppNamespace = "Stations";
+  options.classicValues = true;
+  std::size_t rows = 0;
+  std::size_t classic = 0;
+  for (Code::GeneratedFile const& file : Generate(QUILLON9_GOLDEN "/station.xsd", options)) {
+    auto const count = [&](std::string const& part) {
+      std::size_t found = 0;
+      for (auto at = file.content.find(part); at != file.content.npos; at = file.content.find(part, at + 1)) ++found;
+      return found;
+    };
+    rows += count("constexpr ClassRow ");
+    classic += count("ValueRules_Classic");
+  }
+  EXPECT_GT(rows, 0u);
+  EXPECT_EQ(classic, rows);
+}
+
 TEST(Code, GoldenClassesReadAndWriteWhatTheSchemaSays) {
   CSmartPtr<CDrawing> drawing = Company::Drawings::ReadDrawing(Quillon9::XmlText(kDrawing));
   EXPECT_EQ(drawing->GetChoice2(), CDrawing::EChoice2::Author);

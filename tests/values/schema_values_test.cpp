@@ -384,6 +384,13 @@ TEST(SchemaFacets, TextsThatAPatternDemands) {
       {ItemType_decimal, "[0-9]{2}", "1.5", "1.5"},
       {ItemType_r8, "[0-9]\\.[0-9]{3}", "1.5", "1.500"},
       {ItemType_r8, "[0-9]*", "INF", "INF"},
+      {ItemType_r8, "-?[0-9.]+", "-0.00001234", "-0.00001234"},
+      {ItemType_r8, "[0-9]{6}", "100000", "100000"},
+      {ItemType_r4, "0*[0-9]+\\.[0-9]{2}", "1.5e10", "15000000000.00"},
+      {ItemType_r8, "-[0-9]\\.[0-9]E-?[0-9]+", "-5e-22", "-5.0E-22"},
+      {ItemType_r8, "[0-9.]+E[0-9]", "0", "0.0E0"},
+      {ItemType_r8, "[0-9]e[0-9]+", "1e300", "1e300"},
+      {ItemType_r8, "[0-9]\\.[0-9]*E2", "123.456", "1.23456E2"},
       {ItemType_hexBinary, "[0-9a-f]*", "0A", "0a"},
       {ItemType_datetime, ".*\\.[0-9]{3}Z", "2000-01-01T00:00:00Z", "2000-01-01T00:00:00.000Z"},
       {ItemType_datetime, ".*\\.[0-9]{3}Z", "2000-01-01T00:00:00.5+00:00", "2000-01-01T00:00:00.500Z"},
@@ -417,6 +424,13 @@ TEST(SchemaFacets, TextsOfAnotherCodePage) {
   SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xE4\xF6]")).Check("a", value);
   EXPECT_FALSE(
       Passes([&] { SchemaFacets(ItemType_string, Restrictions(Facet::Pattern, "[\xF6]")).Check("a", value); }));
+
+  // The two bytes are one character in one code page, and end in a backslash in the other.
+  SchemaFacets const madeHere(ItemType_string, Restrictions(Facet::Pattern, "\x83\\"));
+  value.SetString("\x83\\");
+  EXPECT_THROW(madeHere.Check("a", value), CQnException);
+  Testing::ScopedLocale const japanese("ja_JP.SJIS");
+  if (japanese.IsThere()) madeHere.Check("a", value);
 }
 
 TEST(SchemaFacets, WhatDoesNotParseFailsAtEachCheck) {

@@ -79,12 +79,15 @@ class RecordRun final : private IFailureSink {
   template <class Use>
   void Run(RecordOutput* output, Use use) {
     m_output = output;
-    try {
-      Named(m_name, [&] { RunToEnd(use); });
-    } catch (Failure const& failure) {
-      if (GetCount() == 0) throw;
-      throw Failure(m_name, failure.Reason() + " (after " + std::to_string(GetCount()) + " records)", failure.Report());
-    }
+    Named(m_name, [&] {
+      try {
+        RunToEnd(use);
+      } catch (CQnException const& failure) {
+        if (GetCount() == 0) throw;
+        throw Failure(m_name, failure.GetFullMessage() + " (after " + std::to_string(GetCount()) + " records)",
+                      ReportOn(failure, m_name));
+      }
+    });
     m_progress.Clear();
   }
   /// \throws Reported if there was a record that could not be read or used.

@@ -204,6 +204,9 @@ class QUILLON9_API CXmlObjectBase : public IEventSink {
   /// those of XML Schema for generated classes that derive from CBoundObject, unless they were generated with
   /// `--value-rules=classic`. Only the object that is read or written is asked.
   virtual ValueRules GetDefaultValueRules() const;
+  /// The form in which a write under CXmlSerializationContext::SetKeepForm() puts this object as a document; null for
+  /// none, as here. It lives as long as this object does not change.
+  virtual CDocumentForm const* GetDocumentForm() const;
 
   /// The local name under which this object is written. Empty in a new object unless its constructor sets it;
   /// reading sets it to the name found.

@@ -111,6 +111,15 @@ class QUILLON9_API CXmlSerializationContext {
   bool GetKeepPrefixes() const { return m_keepPrefixes; }
   void SetKeepPrefixes(bool keep) { m_keepPrefixes = keep; }
   ///@}
+  /// Whether the document element of a read, if its class is a generated one, keeps the form of the document, and a
+  /// write of such an object uses it; false by default. CXmlGeneratedClass::GetDocumentForm() returns it. CDocumentForm
+  /// says what belongs to it, docs/options.md what a write makes of it. It then counts in place of the arguments of
+  /// ToXml(), ToXmlStream(), ToXmlFile() and ToFastInfosetStream() that say whether there is a declaration, whether the
+  /// text is formatted, and which line ends it has.
+  ///@{
+  bool GetKeepForm() const { return m_keepForm; }
+  void SetKeepForm(bool keep) { m_keepForm = keep; }
+  ///@}
   /// Whether objects of generated classes keep what no descriptor takes, and write it back where it stood; false by
   /// default. Kept are the elements and attributes that the options for unknown ones let pass, attributes that a class
   /// accepts without an option, and the comments and processing instructions between children, in generic content and
@@ -221,6 +230,7 @@ class QUILLON9_API CXmlSerializationContext {
   bool m_keepMixedContent = false;
   bool m_keepPrefixes = false;
   bool m_keepUnknown = false;
+  bool m_keepForm = false;
   CNamespaceAliasMap m_namespaceAliases;
   mutable CSmartPtr<CAttributeCol> m_additionalRootAttributes;
   std::vector<std::string> m_processingInstructions;

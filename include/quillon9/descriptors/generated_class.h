@@ -105,6 +105,15 @@ class QUILLON9_API CXmlGeneratedClass : public CXmlObjectBase {
   /// Forget them, so that they are not written. Objects inside this one keep theirs.
   void DropUnknownContent();
 
+  /// The form of the document that this object was read from as its document element; null for none. A read replaces
+  /// it, and only one that asks for it by CXmlSerializationContext::SetKeepForm() keeps any. It lives as long as this
+  /// object, until the next read or one of the following two.
+  CDocumentForm const* GetDocumentForm() const override;
+  /// Give this object \p form, of which it keeps a copy.
+  void SetDocumentForm(CDocumentForm form);
+  /// Forget the form, so that the arguments of a writing operation decide.
+  void DropDocumentForm();
+
   /// Look for faults in the record and the tables of the class which reading and writing show late or not at all. The
   /// section "Checked tables" of docs/generated-classes.md lists them. Nothing is changed. The properties of this object
   /// are read where an entry needs a collection and where two optional entries share an index. A library that was built

@@ -77,7 +77,8 @@ class QUILLON9_API CFastInfosetContext {
   /// Write numbers, booleans and binary values with encoding algorithms, and dates, durations, decimals and integers in
   /// restricted alphabets. The output is short, but some values can no longer be written or read: a value with a
   /// character outside its alphabet is refused (any duration, and a date and time with `.` or `+`), so is a ui8 above
-  /// the largest i8, and a float does not read back as the value that was written.
+  /// the largest i8, and a float does not read back as the value that was written. Under ValueRules_XmlSchema, a value
+  /// for which that holds, or that would read back as another text, is written as text, and a float is not changed.
   void SetSuggestedValues();
 
  private:

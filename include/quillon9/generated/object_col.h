@@ -21,6 +21,8 @@ class QUILLON9_API CObjectCollection : public CXmlCollection {
   ~CObjectCollection() override;
   /// Whether it belongs to a generated class.
   bool HoldsUtf8Text() const override { return m_tables != nullptr || m_row != nullptr; }
+  /// Those of the class of its items, if that is a CBoundObject.
+  ValueRules GetDefaultValueRules() const override;
   /// As for any collection. The failure names rounds, which have no name, by those of the elements that begin them.
   void ValidateCount(CXmlSerializationContext const& ctx) const override;
 

@@ -8,9 +8,10 @@ namespace Quillon9 {
 
 /// The row of a class CValueElement whose value is of the type \p value; \p targetNamespace is that of its element
 /// where it is the document root. An empty element has the value \p defaultText, and each one the value \p fixedText,
-/// if these are not null.
+/// if these are not null. \p rules are those of values where the context does not say.
 constexpr CClassRow ValueElementRow(CValueType const& value, char const* targetNamespace = "",
-                                    char const* defaultText = nullptr, char const* fixedText = nullptr) {
+                                    char const* defaultText = nullptr, char const* fixedText = nullptr,
+                                    ValueRules rules = ValueRules_XmlSchema) {
   CClassRow row;
   row.textDefault = defaultText;
   row.textFixed = fixedText;
@@ -18,6 +19,7 @@ constexpr CClassRow ValueElementRow(CValueType const& value, char const* targetN
   row.propertyCount = 1;
   row.textProperty = 0;
   row.text = &value;
+  row.valueRules = rules;
   return row;
 }
 

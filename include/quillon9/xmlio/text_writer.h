@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,7 +15,8 @@ namespace Quillon9 {
 /// Writes a document as XML 1.0 text (W3C) into a text stream. See CXmlWriter for the order of calls. Item types have
 /// no effect here.
 ///
-/// In formatted output, each element without text stands on its own lines, indented by one tab per level. Text is
+/// In formatted output, each element without text stands on its own lines, indented by one tab per level unless
+/// SetIndent() was called. Text is
 /// written in place, with no line end added. Inside an object that keeps the places of its text, the library adds no
 /// layout, as after PreserveSpace(). When 4,096 bytes are pending in the stream after an operation, the stream
 /// is flushed; its failures reach the caller.
@@ -62,6 +64,10 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   bool GetFormat() const { return m_format; }
   /// Set whether line ends and tabs are written between elements. Call this, like SetEOLType(), before any output.
   void SetFormat(bool format) { m_format = format; }
+  /// Set what a level of formatted output is indented by: \p width blanks, or tabs if \p character is a tab. Any other
+  /// character counts as a blank. The document element and \p flatLevels levels inside it are not indented. Call this
+  /// before any output.
+  void SetIndent(char character, std::uint8_t width, std::uint8_t flatLevels = 0);
   /// Return the line end in use.
   EOLType GetEOLType() const { return m_eolType; }
   /// Set the line end.
@@ -82,12 +88,19 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// elsewhere.
   void PadAndAppend(char const* text, bool inAttribute);
 
+ protected:
+  /// Write double quotes in text as they are, which is the same for every reader, instead of as `&quot;`.
+  void SetPlainQuotes(bool plain) { m_hasPlainQuotes = plain; }
+
  private:
   friend struct XmlWriterAccess;
 
   void CloseTag();
   void AppendEndTag();
   void AppendLineEnd();
+  std::size_t IndentOf(std::size_t level) const {
+    return m_format && level > m_flatLevels ? (level - m_flatLevels) * m_indentWidth : 0;
+  }
   void AppendLines(std::string_view text);
   void AppendText(std::string_view text);
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
@@ -99,6 +112,10 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   std::string m_lineEnd;
   EOLType m_eolType;
   bool m_format;
+  char m_indentCharacter = '\t';
+  std::uint8_t m_indentWidth = 1;
+  std::uint8_t m_flatLevels = 0;
+  bool m_hasPlainQuotes = false;
   CXmlWriterContext const* m_preserved = nullptr;  // the element whose end switches m_format on again
   CTextStream* m_stream;                           // not owned
   bool m_streamFlushes;                            // whether flushing the stream may have an effect
