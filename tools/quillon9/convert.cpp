@@ -212,7 +212,8 @@ void ConvertLarge(ConvertOptions const& options) {
 void Convert(ConvertOptions const& options) {
   if (options.to) RefuseTerminal(options, *options.to);  // before a long input is read
   if (options.large) return ConvertLarge(options);
-  InputDocument const document(options.input);
+  Progress progress(options.quiet);
+  InputDocument const document(options.input, &progress);
   DocumentKind const kind = ChooseKind(options, document);
   RefuseTerminal(options, kind);
   Warnings warnings(InputName(options.input));

@@ -21,7 +21,7 @@ namespace {
 constexpr std::size_t kBlock = 0x10000;
 constexpr std::string_view kGzipMagic = "\x1F\x8B";
 
-CBinaryData ReadAll(int descriptor) {
+CBinaryData ReadAll(int descriptor, Progress* progress) {
   CBinaryData data;
   auto const block = std::make_unique<unsigned char[]>(kBlock);
   for (;;) {
@@ -29,6 +29,7 @@ CBinaryData ReadAll(int descriptor) {
     if (count == 0) return data;
     if (count > 0) {
       data.Append(block.get(), static_cast<unsigned long>(count));
+      if (progress != nullptr) progress->Update(data.GetLength());
     } else if (errno != EINTR) {
       Quillon9::ThrowSystemError();
     }
@@ -65,12 +66,12 @@ void WriteFile(std::string const& path, std::string_view bytes, CFileReplacement
 
 }  // namespace
 
-CBinaryData ReadInput(std::string const& path) {
+CBinaryData ReadInput(std::string const& path, Progress* progress) {
   return Named(InputName(path), [&] {
-    if (path == "-") return Decompressed(ReadAll(STDIN_FILENO));
+    if (path == "-") return Decompressed(ReadAll(STDIN_FILENO, progress));
     CFileDescriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.IsOpen()) Quillon9::ThrowSystemError();
-    return Decompressed(ReadAll(file.Get()));
+    return Decompressed(ReadAll(file.Get(), progress));
   });
 }
 

@@ -5,14 +5,16 @@
 #include <string_view>
 
 #include "held_signals.h"
+#include "progress.h"
 #include "quillon9/quillon9.h"
 #include "xmlio/file_replacement.h"
 
 namespace Quillon9Tool {
 
-/// Return all bytes of the file \p path (`-` is standard input), decompressed if they are gzip or zlib.
+/// Return all bytes of the file \p path (`-` is standard input), decompressed if they are gzip or zlib. \p progress, if
+/// it is not null, shows how many have been read.
 /// \throws Failure
-Quillon9::CBinaryData ReadInput(std::string const& path);
+Quillon9::CBinaryData ReadInput(std::string const& path, Progress* progress = nullptr);
 
 /// Write \p bytes to the file \p path (`-` is standard output). A regular file appears, or changes, only when all of
 /// them are on the disk, except where Quillon9::CFileReplacement has to write it directly.

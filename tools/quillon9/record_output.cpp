@@ -83,7 +83,8 @@ void RecordParts::EndAtNameWithoutNamespace() {
 void RecordParts::Begin(std::vector<CXmlElement const*> const& around) {
   std::map<std::string, std::string> const namespaces = NamespacesAround(around, m_needsPrefixes);
   m_hasDefaultNamespace = namespaces.count("") != 0 && m_options.to != DocumentKind::FastInfoset;
-  m_file = std::make_unique<OutputFile>(NextPath(), CFileReplacement::Sync::No);
+  auto const sync = m_options.each ? CFileReplacement::Sync::No : CFileReplacement::Sync::Yes;
+  m_file = std::make_unique<OutputFile>(NextPath(), sync);
   m_writer = std::make_unique<CXmlRecordWriter>(CRecordTarget([this](char const* bytes, std::size_t size) {
                                                   m_file->Write({bytes, size});
                                                 }),
