@@ -191,11 +191,29 @@ DocumentKind ChooseKind(ConvertOptions const& options, InputDocument const& docu
   return document.IsFastInfoset() ? DocumentKind::XmlText : DocumentKind::FastInfoset;
 }
 
+/// Convert one child of the root after the other.
+void ConvertLarge(ConvertOptions const& options) {
+  RecordsOptions records;
+  records.paths = {"/*/*"};
+  records.input = options.input;
+  records.output = options.output;
+  records.to = options.to;
+  records.compression = options.compression;
+  records.format = options.format;
+  records.declaration = options.declaration;
+  records.suggestedEncodings = options.suggestedEncodings;
+  records.quiet = options.quiet;
+  records.needsRecord = true;
+  ReadRecords(records);
+}
+
 }  // namespace
 
 void Convert(ConvertOptions const& options) {
   if (options.to) RefuseTerminal(options, *options.to);  // before a long input is read
-  InputDocument const document(options.input);
+  if (options.large) return ConvertLarge(options);
+  Progress progress(options.quiet);
+  InputDocument const document(options.input, &progress);
   DocumentKind const kind = ChooseKind(options, document);
   RefuseTerminal(options, kind);
   Warnings warnings(InputName(options.input));

@@ -6,11 +6,9 @@
 #include <cerrno>
 #include <cstddef>
 #include <memory>
-#include <optional>
+#include <utility>
 
 #include "failure.h"
-#include "held_signals.h"
-#include "xmlio/file_replacement.h"
 
 namespace Quillon9Tool {
 
@@ -23,7 +21,7 @@ namespace {
 constexpr std::size_t kBlock = 0x10000;
 constexpr std::string_view kGzipMagic = "\x1F\x8B";
 
-CBinaryData ReadAll(int descriptor) {
+CBinaryData ReadAll(int descriptor, Progress* progress) {
   CBinaryData data;
   auto const block = std::make_unique<unsigned char[]>(kBlock);
   for (;;) {
@@ -31,6 +29,7 @@ CBinaryData ReadAll(int descriptor) {
     if (count == 0) return data;
     if (count > 0) {
       data.Append(block.get(), static_cast<unsigned long>(count));
+      if (progress != nullptr) progress->Update(data.GetLength());
     } else if (errno != EINTR) {
       Quillon9::ThrowSystemError();
     }
@@ -67,12 +66,12 @@ void WriteFile(std::string const& path, std::string_view bytes, CFileReplacement
 
 }  // namespace
 
-CBinaryData ReadInput(std::string const& path) {
+CBinaryData ReadInput(std::string const& path, Progress* progress) {
   return Named(InputName(path), [&] {
-    if (path == "-") return Decompressed(ReadAll(STDIN_FILENO));
+    if (path == "-") return Decompressed(ReadAll(STDIN_FILENO, progress));
     CFileDescriptor const file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.IsOpen()) Quillon9::ThrowSystemError();
-    return Decompressed(ReadAll(file.Get()));
+    return Decompressed(ReadAll(file.Get(), progress));
   });
 }
 
@@ -82,6 +81,31 @@ void WriteOutput(std::string const& path, std::string_view bytes) {
 
 void WriteDerivedOutput(std::string const& path, std::string_view bytes) {
   WriteFile(path, bytes, CFileReplacement::Sync::No);
+}
+
+OutputFile::OutputFile(std::string path, CFileReplacement::Sync sync) : m_path(std::move(path)), m_sync(sync) {
+  if (m_path == "-") return;
+  Named(OutputName(m_path), [this] {
+    m_file.emplace(m_path);
+    if (m_file->NeedsTemporaryFile()) m_signals.emplace();
+    m_file->Begin();
+  });
+}
+
+void OutputFile::Write(std::string_view bytes) {
+  Named(OutputName(m_path), [&] {
+    if (!m_file) return Quillon9::WriteAll(STDOUT_FILENO, bytes);
+    if (m_signals) m_signals->ThrowIfInterrupted();
+    m_file->Add(bytes);
+  });
+}
+
+void OutputFile::Finish() {
+  Named(OutputName(m_path), [this] {
+    if (!m_file) return;
+    if (m_signals) m_signals->ThrowIfInterrupted();
+    m_file->Finish(m_sync);
+  });
 }
 
 void CloseStandardOutput() {

@@ -1,6 +1,12 @@
 #include "held_signals.h"
 
+#include <poll.h>
+#include <sys/signalfd.h>
+
+#include <cerrno>
+
 #include "quillon9/quillon9.h"
+#include "xmlio/file_descriptor.h"
 
 namespace Quillon9Tool {
 
@@ -33,6 +39,16 @@ void HeldSignals::ThrowIfInterrupted() const {
       throw Quillon9::CQnException("interrupted");
     }
   }
+}
+
+void HeldSignals::WaitToRead(int descriptor) const {
+  Quillon9::CFileDescriptor const signals(::signalfd(-1, &m_held, SFD_CLOEXEC));
+  if (!signals.IsOpen()) Quillon9::ThrowSystemError();
+  pollfd both[] = {{descriptor, POLLIN, 0}, {signals.Get(), POLLIN, 0}};
+  while (::poll(both, 2, -1) == -1) {
+    if (errno != EINTR) Quillon9::ThrowSystemError();
+  }
+  ThrowIfInterrupted();
 }
 
 }  // namespace Quillon9Tool

@@ -15,6 +15,9 @@ class HeldSignals {
 
   /// \throws CQnException if such a signal is pending.
   void ThrowIfInterrupted() const;
+  /// Wait until something can be read from \p descriptor, or its end has been reached.
+  /// \throws CQnException if such a signal is pending; std::system_error.
+  void WaitToRead(int descriptor) const;
 
  private:
   sigset_t m_held;

@@ -14,6 +14,7 @@ uncompressed or in gzip or zlib, and shows or converts them.
 
   generate  write C++ classes for the documents of a schema
   convert   write a document in another of these forms
+  records   print or split the records of a document of any length
   tree      print its elements, attributes and texts as a tree
   inspect   print the octets of a Fast Infoset document, construct by construct
 
@@ -49,6 +50,10 @@ is created or replaced only when all of it has been written.
                            times in binary or packed form, where that is
                            shorter and gives exactly the same text back.
       --keep-space         keep white space between elements as text
+      --large              for a document larger than memory: convert one child
+                           of the root after the other. Text, comments and
+                           processing instructions between them are lost, and
+                           those in them are kept.
   -q, --quiet              do not warn about what is lost
   -h, --help               print this
 
@@ -56,6 +61,43 @@ What is lost, with a warning on standard error: comments, processing
 instructions and the document type declaration; a second prefix of one namespace.
 All namespaces are declared on the root element, under the prefixes of the
 input if each prefix stands for only one namespace.
+)";
+
+char const kRecordsHelp[] =
+    R"(usage: quillon9 records --path=PATH [OPTION]... [INPUT]
+
+Prints the elements of INPUT that PATH selects, one after the other, each with
+the namespaces that it needs, in UTF-8. Memory does not grow with the length of
+INPUT, which may be a pipe. Without INPUT, standard input is read.
+
+  -p, --path=PATH          the records: /orders/order, where * stands for any
+                           name and // for any elements in between. A name
+                           without a prefix has any namespace; {uri}name has
+                           that one, and {}name none. May be repeated.
+      --prefix=P=URI       let P:name in a path stand for {URI}name. May be
+                           repeated.
+      --count              print only the number of records
+  -o, --output=FILE        write a document with all records and the elements
+                           around them to FILE
+      --each=N             write one such file for N records each; FILE has a
+                           place for the number, such as part-%05d.xml
+      --plan=N             print N words for parts of INPUT of about equal size,
+                           which must be uncompressed XML text in UTF-8
+      --range=WORD         read only the part that a word of --plan describes
+  -t, --to=xml|finf, -z, --compress=none|gzip|zlib,
+      --declaration, --no-declaration, --suggested-encodings
+                           the form of the files, as for convert. Default: XML
+                           text, unless the extension of FILE says otherwise
+      --format, --no-format
+                           put elements on lines of their own, indented
+                           (default), or not
+  -k, --keep-going         report a record that cannot be read, such as one
+                           beyond a limit, and go on with the next one
+  -q, --quiet              do not show progress and remarks
+  -h, --help               print this
+
+Progress is shown if standard error is a terminal. The exit status is 1, too, if
+there was a record that could not be read.
 )";
 
 char const kTreeHelp[] =

@@ -12,8 +12,9 @@ namespace Quillon9Tool {
 using Quillon9::CBinaryData;
 using Quillon9::CQnException;
 
-InputDocument::InputDocument(std::string const& path) {
-  CBinaryData const bytes = ReadInput(path);
+InputDocument::InputDocument(std::string const& path, Progress* progress) {
+  CBinaryData const bytes = ReadInput(path, progress);
+  if (progress != nullptr) progress->Clear();
   Named(InputName(path), [&] {
     m_isFastInfoset = InfosetParser::Recognises(View(bytes));
     if (m_isFastInfoset) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "losses.h"
+#include "progress.h"
 #include "quillon9/quillon9.h"
 
 namespace Quillon9Tool {
@@ -13,9 +14,9 @@ namespace Quillon9Tool {
 /// A document as the library reads it, in any form: XML text or Fast Infoset, compressed or not.
 class InputDocument {
  public:
-  /// Read the file \p path (`-` is standard input).
+  /// Read the file \p path (`-` is standard input). \p progress, if it is not null, shows how much has been read.
   /// \throws Failure
-  explicit InputDocument(std::string const& path);
+  explicit InputDocument(std::string const& path, Progress* progress = nullptr);
   InputDocument(InputDocument const&) = delete;
   InputDocument& operator=(InputDocument const&) = delete;
 

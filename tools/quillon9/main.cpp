@@ -1,5 +1,5 @@
-// The program quillon9: generates classes from schemas, converts documents between XML text and Fast Infoset, and shows
-// what is in them.
+// The program quillon9: generates classes from schemas, converts documents between XML text and Fast Infoset, takes them
+// apart, and shows what is in them.
 
 #include <langinfo.h>
 
@@ -54,6 +54,7 @@ void Run(int argc, char** argv) {
   --argc;
   ++argv;
   if (command == "convert") return RunCommand(ParseConvertOptions(argc, argv), &Convert, kConvertHelp);
+  if (command == "records") return RunCommand(ParseRecordsOptions(argc, argv), &ReadRecords, kRecordsHelp);
   if (command == "tree") return RunCommand(ParseTreeOptions(argc, argv), &PrintTree, kTreeHelp);
   if (command == "inspect") return RunCommand(ParseInspectOptions(argc, argv), &Inspect, kInspectHelp);
   if (command == "generate") return RunCommand(ParseGenerateOptions(argc, argv), &Generate, kGenerateHelp);

@@ -2,7 +2,11 @@
 
 #include <getopt.h>
 
+#include <algorithm>
+#include <charconv>
+#include <limits>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -21,6 +25,8 @@ using Quillon9::StartsWith;
 using Quillon9Generator::Code::Split;
 
 namespace {
+
+constexpr std::uint64_t kMostRanges = 1000000;
 
 // Options without a short form.
 enum LongOnly {
@@ -42,7 +48,14 @@ enum LongOnly {
   kListOutputs,
   kReport,
   kExample,
-  kDocumentation
+  kDocumentation,
+  kLarge,
+  kPrefix,
+  kCount,
+  kPlan,
+  kRange,
+  kEach,
+  kKeepGoing
 };
 
 constexpr option kHelp = {"help", no_argument, nullptr, 'h'};
@@ -56,6 +69,25 @@ constexpr option kConvertOptions[] = {{"to", required_argument, nullptr, 't'},
                                       {"no-declaration", no_argument, nullptr, kNoDeclaration},
                                       {"suggested-encodings", no_argument, nullptr, kSuggestedEncodings},
                                       {"keep-space", no_argument, nullptr, kKeepSpace},
+                                      {"large", no_argument, nullptr, kLarge},
+                                      {"quiet", no_argument, nullptr, 'q'},
+                                      kHelp,
+                                      kEnd};
+constexpr option kRecordsOptions[] = {{"path", required_argument, nullptr, 'p'},
+                                      {"prefix", required_argument, nullptr, kPrefix},
+                                      {"count", no_argument, nullptr, kCount},
+                                      {"plan", required_argument, nullptr, kPlan},
+                                      {"range", required_argument, nullptr, kRange},
+                                      {"each", required_argument, nullptr, kEach},
+                                      {"output", required_argument, nullptr, 'o'},
+                                      {"to", required_argument, nullptr, 't'},
+                                      {"compress", required_argument, nullptr, 'z'},
+                                      {"format", no_argument, nullptr, kFormat},
+                                      {"no-format", no_argument, nullptr, kNoFormat},
+                                      {"declaration", no_argument, nullptr, kDeclaration},
+                                      {"no-declaration", no_argument, nullptr, kNoDeclaration},
+                                      {"suggested-encodings", no_argument, nullptr, kSuggestedEncodings},
+                                      {"keep-going", no_argument, nullptr, 'k'},
                                       {"quiet", no_argument, nullptr, 'q'},
                                       kHelp,
                                       kEnd};
@@ -131,12 +163,9 @@ bool TakeEnding(std::string_view& name, std::string_view ending) {
   return true;
 }
 
-/// Fill in from the name of the output what no option specified.
-void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compression) {
-  if (options.output == "-") {
-    options.compression = compression.value_or(CompressionType_None);
-    return;
-  }
+/// Fill in from the name of the output what no option specified. It has at least one character.
+template <class Options>
+void TakeEndings(Options& options, std::optional<CompressionType> compression) {
   std::string_view name = options.output;
   CompressionType byEnding = CompressionType_None;
   if (TakeEnding(name, ".gz")) {
@@ -150,9 +179,50 @@ void TakeEndings(ConvertOptions& options, std::optional<CompressionType> compres
     options.to = DocumentKind::XmlText;
   } else if (TakeEnding(name, ".finf")) {
     options.to = DocumentKind::FastInfoset;
-  } else {
-    throw UsageError("the ending of " + options.output + " is neither .xml nor .finf: give --to=xml or --to=finf");
   }
+}
+
+/// A whole number from 1 to \p most.
+std::uint64_t NumberOf(std::string const& name, std::string const& value, std::uint64_t most) {
+  std::uint64_t number = 0;
+  auto const result = std::from_chars(value.data(), value.data() + value.size(), number);
+  bool const isNumber = result.ec == std::errc() && result.ptr == value.data() + value.size();
+  if (isNumber && number != 0 && number <= most) return number;
+  throw UsageError(name + "=" + value + " is not a number from 1 to " + std::to_string(most));
+}
+
+/// Return \p pattern, in which one `%d`, also with digits such as `%05d`, stands for the number of a file, and `%%` for
+/// a percent sign, as a format for an unsigned long long.
+std::string FormatOfNames(std::string const& pattern) {
+  std::string format;
+  int numbers = 0;
+  for (std::size_t at = 0; at < pattern.size(); ++at) {
+    format += pattern[at];
+    if (pattern[at] != '%') continue;
+    std::size_t const end = std::min(pattern.find_first_not_of("0123456789", at + 1), pattern.size());
+    std::string const digits = pattern.substr(at + 1, end - at - 1);
+    char const kind = end < pattern.size() ? pattern[end] : '\0';
+    bool const isPercent = kind == '%' && digits.empty();
+    if (!isPercent && (kind != 'd' || digits.size() > 3)) {
+      throw UsageError("--output=" + pattern + ": %" + digits + (kind != '\0' ? std::string(1, kind) : "") +
+                       " is neither the place of a number, such as %05d, nor %%");
+    }
+    format += isPercent ? "%" : digits + "llu";
+    if (!isPercent) ++numbers;
+    at = end;
+  }
+  if (numbers != 1) throw UsageError("--output=" + pattern + " needs one place for a number, such as %05d");
+  return format;
+}
+
+void CheckCombination(RecordsOptions const& options) {
+  if (options.paths.empty()) throw UsageError("a path is missing: give one such as --path=/orders/order");
+  int const tasks = (options.count ? 1 : 0) + (options.plan ? 1 : 0) + (options.output.empty() ? 0 : 1);
+  if (tasks > 1) throw UsageError("--count, --plan and --output exclude each other");
+  if (options.plan && !options.range.empty()) throw UsageError("--plan and --range exclude each other");
+  if (options.plan && options.input == "-") throw UsageError("--plan needs a file");
+  if (!options.range.empty() && options.input == "-") throw UsageError("--range needs a file");
+  if (options.each && options.output.empty()) throw UsageError("--each needs --output");
 }
 
 /// The two sides of the last `=` in \p value; a namespace may contain others. \p form shows what the sides are.
@@ -176,6 +246,14 @@ void AddKind(GenerateOptions& options, std::string const& value) {
   std::optional<Quillon9::ItemType> const number = Quillon9Generator::Plan::KindFromName(kind);
   if (!number) throw UsageError("--map " + value + ": there is no kind of value " + kind);
   options.kinds[type] = *number;
+}
+
+std::pair<std::string, std::string> BoundPrefix(std::string const& value) {
+  std::size_t const equals = value.find('=');
+  if (equals == value.npos || equals == 0 || equals + 1 == value.size()) {
+    throw UsageError("--prefix " + value + " has not the form PREFIX=URI");
+  }
+  return {value.substr(0, equals), value.substr(equals + 1)};
 }
 
 void AddName(GenerateOptions& options, std::string const& value) {
@@ -248,6 +326,7 @@ std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
     if (option == kDeclaration || option == kNoDeclaration) options.declaration = option == kDeclaration;
     if (option == kSuggestedEncodings) options.suggestedEncodings = true;
     if (option == kKeepSpace) options.keepSpace = true;
+    if (option == kLarge) options.large = true;
     if (option == 'q') options.quiet = true;
   });
   if (!operands) return std::nullopt;
@@ -259,6 +338,39 @@ std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
     options.input = TakeOnlyOperand(*operands);
   }
   TakeEndings(options, compression);
+  if (options.large && options.keepSpace) throw UsageError("--large and --keep-space exclude each other");
+  if (options.large && options.output == "-" && !options.to) throw UsageError("--large needs --to=xml or --to=finf");
+  if (options.output != "-" && !options.to) {
+    throw UsageError("the ending of " + options.output + " is neither .xml nor .finf: give --to=xml or --to=finf");
+  }
+  return options;
+}
+
+std::optional<RecordsOptions> ParseRecordsOptions(int argc, char** argv) {
+  RecordsOptions options;
+  std::optional<CompressionType> compression;
+  auto const take = [&](int option, std::string const& value) {
+    if (option == 'p') options.paths.push_back(value);
+    if (option == kPrefix) options.prefixes.insert(BoundPrefix(value));
+    if (option == kCount) options.count = true;
+    if (option == kPlan) options.plan = NumberOf("--plan", value, kMostRanges);
+    if (option == kRange) options.range = value;
+    if (option == kEach) options.each = NumberOf("--each", value, std::numeric_limits<std::uint64_t>::max());
+    if (option == 'o') options.output = value;
+    if (option == 't') options.to = KindCalled(value);
+    if (option == 'z') compression = CompressionCalled(value);
+    if (option == kFormat || option == kNoFormat) options.format = option == kFormat;
+    if (option == kDeclaration || option == kNoDeclaration) options.declaration = option == kDeclaration;
+    if (option == kSuggestedEncodings) options.suggestedEncodings = true;
+    if (option == 'k') options.keepGoing = true;
+    if (option == 'q') options.quiet = true;
+  };
+  auto const operands = ReadOptions(argc, argv, ":p:o:t:z:kqh", kRecordsOptions, take);
+  if (!operands) return std::nullopt;
+  if (!operands->empty()) options.input = TakeOnlyOperand(*operands);
+  CheckCombination(options);
+  TakeEndings(options, compression);
+  if (options.each) options.output = FormatOfNames(options.output);
   return options;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,6 +22,7 @@ struct ConvertOptions {
   std::optional<bool> declaration;
   bool suggestedEncodings = false;
   bool keepSpace = false;
+  bool large = false;  ///< one child of the root after the other
   bool quiet = false;
 };
 
@@ -32,6 +34,25 @@ struct TreeOptions {
 struct InspectOptions {
   std::string input;
   bool full = false;
+};
+
+struct RecordsOptions {
+  std::string input = "-";
+  std::vector<std::string> paths;
+  std::map<std::string, std::string> prefixes;  ///< with their namespaces, for the paths
+  bool count = false;
+  std::optional<std::uint64_t> plan;  ///< how many ranges are asked for
+  std::string range;                  ///< a word of such a plan; empty for the whole input
+  std::optional<std::uint64_t> each;  ///< how many records a file gets
+  std::string output;                 ///< with --each, a format for one number; empty for standard output
+  std::optional<DocumentKind> to;
+  Quillon9::CompressionType compression = Quillon9::CompressionType_None;
+  bool format = true;
+  std::optional<bool> declaration;
+  bool suggestedEncodings = false;
+  bool keepGoing = false;
+  bool needsRecord = false;  ///< an input without records is a failure
+  bool quiet = false;
 };
 
 struct GenerateOptions {
@@ -63,6 +84,7 @@ struct GenerateOptions {
 /// Return what the arguments \p argv of a command ask for, argv[0] being its name; nothing if they ask for help.
 /// \throws UsageError
 std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv);
+std::optional<RecordsOptions> ParseRecordsOptions(int argc, char** argv);
 std::optional<TreeOptions> ParseTreeOptions(int argc, char** argv);
 std::optional<GenerateOptions> ParseGenerateOptions(int argc, char** argv);
 std::optional<InspectOptions> ParseInspectOptions(int argc, char** argv);
