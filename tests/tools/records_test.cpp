@@ -65,7 +65,8 @@ TEST_F(RecordsTest, SplitsADocumentWithTheElementsAroundIts) {
   EXPECT_EQ(Read("part-02.xml"), root + "<l:e id=\"4\"><z/></l:e></l:day></l:log>");
   EXPECT_EQ(Files().size(), 2U);
   EXPECT_EQ(Run("records -p //e -o all.finf.gz", kLog).errors, "");
-  EXPECT_EQ(Run("records -p //e --no-format all.finf.gz").output, Run("records -p //e --no-format", kLog).output);
+  EXPECT_EQ(Run("records -p //day --count all.finf.gz").output, "2\n");
+  EXPECT_EQ(Run("records -p //n -p //z all.finf.gz").output, Run("records -p //n -p //z", kLog).output);
 }
 
 TEST_F(RecordsTest, ElementsWithoutNamespaceAreNotPutInADefaultNamespace) {
@@ -84,7 +85,8 @@ TEST_F(RecordsTest, ElementsWithoutNamespaceAreNotPutInADefaultNamespace) {
 
 TEST_F(RecordsTest, RangesOfAPlanGiveTheWholeDocument) {
   std::string text = "<list k='v'>";
-  for (int i = 0; i < 500; ++i) text += "<r n='" + std::to_string(i) + "'>" + std::string(i % 7 * 10, 'x') + "</r>\n";
+  for (unsigned i = 0; i < 500; ++i)
+    text += "<r n='" + std::to_string(i) + "'>" + std::string(i % 7 * 10, 'x') + "</r>\n";
   Write("in.xml", text + "</list>");
   std::string const whole = Run("records -p //r in.xml").output;
   for (int const parts : {1, 2, 7, 5000}) {
@@ -160,6 +162,7 @@ TEST_F(RecordsTest, ConvertsChildByChild) {
   std::string const text = "<a xmlns='u' x='1'>\n<b>1</b><c><d>2</d></c></a>";
   EXPECT_EQ(Run("convert --large - a.finf.gz", text).errors, "");
   EXPECT_EQ(Run("convert --large --to=xml a.finf.gz").output, Run("convert --quiet --to=xml -", text).output);
+  EXPECT_EQ(Run("convert --large --keep-space --to=xml -", text).status, 2);
   EXPECT_EQ(Run("convert --large --to=xml -", "<a/>").errors,
             "quillon9: standard input: the document element has no elements, so it must be converted as a whole\n");
 }

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include <cstddef>
 #include <map>
 #include <string>
@@ -29,8 +27,7 @@ bool IsBinary(DocumentKind kind, CompressionType compression) {
 }
 
 void RefuseTerminal(ConvertOptions const& options, DocumentKind kind) {
-  if (options.output != "-" || !IsBinary(kind, options.compression) || ::isatty(STDOUT_FILENO) == 0) return;
-  throw UsageError("the result is binary and not for a terminal: name an output file");
+  if (options.output == "-" && IsBinary(kind, options.compression)) RefuseBinaryOnTerminal();
 }
 
 /// What must be known about all elements before the first one is written.
@@ -201,7 +198,6 @@ void ConvertLarge(ConvertOptions const& options) {
   records.compression = options.compression;
   records.format = options.format;
   records.declaration = options.declaration;
-  records.suggestedEncodings = options.suggestedEncodings;
   records.quiet = options.quiet;
   records.needsRecord = true;
   ReadRecords(records);

@@ -108,6 +108,11 @@ void OutputFile::Finish() {
   });
 }
 
+void RefuseBinaryOnTerminal() {
+  if (::isatty(STDOUT_FILENO) == 0) return;
+  throw UsageError("the result is binary and not for a terminal: name an output file");
+}
+
 void CloseStandardOutput() {
   Named(OutputName("-"), [] {
     if (::close(STDOUT_FILENO) != 0 && errno != EBADF) Quillon9::ThrowSystemError();

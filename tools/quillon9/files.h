@@ -43,6 +43,9 @@ class OutputFile {
   std::optional<Quillon9::CFileReplacement> m_file;
 };
 
+/// \throws UsageError if standard output is a terminal, which cannot take a binary result.
+void RefuseBinaryOnTerminal();
+
 /// Close standard output at the end of the program: network file systems report only then that the disk is full.
 /// \throws Failure
 void CloseStandardOutput();

@@ -53,7 +53,8 @@ is created or replaced only when all of it has been written.
       --large              for a document larger than memory: convert one child
                            of the root after the other. Text, comments and
                            processing instructions between them are lost, and
-                           those in them are kept.
+                           those in them are kept. Not with --keep-space and
+                           --suggested-encodings.
   -q, --quiet              do not warn about what is lost
   -h, --help               print this
 
@@ -85,7 +86,7 @@ INPUT, which may be a pipe. Without INPUT, standard input is read.
                            which must be uncompressed XML text in UTF-8
       --range=WORD         read only the part that a word of --plan describes
   -t, --to=xml|finf, -z, --compress=none|gzip|zlib,
-      --declaration, --no-declaration, --suggested-encodings
+      --declaration, --no-declaration
                            the form of the files, as for convert. Default: XML
                            text, unless the extension of FILE says otherwise
       --format, --no-format

@@ -86,7 +86,6 @@ constexpr option kRecordsOptions[] = {{"path", required_argument, nullptr, 'p'},
                                       {"no-format", no_argument, nullptr, kNoFormat},
                                       {"declaration", no_argument, nullptr, kDeclaration},
                                       {"no-declaration", no_argument, nullptr, kNoDeclaration},
-                                      {"suggested-encodings", no_argument, nullptr, kSuggestedEncodings},
                                       {"keep-going", no_argument, nullptr, 'k'},
                                       {"quiet", no_argument, nullptr, 'q'},
                                       kHelp,
@@ -338,7 +337,9 @@ std::optional<ConvertOptions> ParseConvertOptions(int argc, char** argv) {
     options.input = TakeOnlyOperand(*operands);
   }
   TakeEndings(options, compression);
-  if (options.large && options.keepSpace) throw UsageError("--large and --keep-space exclude each other");
+  if (options.large && (options.keepSpace || options.suggestedEncodings)) {
+    throw UsageError("--large excludes --keep-space and --suggested-encodings");
+  }
   if (options.large && options.output == "-" && !options.to) throw UsageError("--large needs --to=xml or --to=finf");
   if (options.output != "-" && !options.to) {
     throw UsageError("the ending of " + options.output + " is neither .xml nor .finf: give --to=xml or --to=finf");
@@ -361,7 +362,6 @@ std::optional<RecordsOptions> ParseRecordsOptions(int argc, char** argv) {
     if (option == 'z') compression = CompressionCalled(value);
     if (option == kFormat || option == kNoFormat) options.format = option == kFormat;
     if (option == kDeclaration || option == kNoDeclaration) options.declaration = option == kDeclaration;
-    if (option == kSuggestedEncodings) options.suggestedEncodings = true;
     if (option == 'k') options.keepGoing = true;
     if (option == 'q') options.quiet = true;
   };

@@ -49,7 +49,6 @@ struct RecordsOptions {
   Quillon9::CompressionType compression = Quillon9::CompressionType_None;
   bool format = true;
   std::optional<bool> declaration;
-  bool suggestedEncodings = false;
   bool keepGoing = false;
   bool needsRecord = false;  ///< an input without records is a failure
   bool quiet = false;

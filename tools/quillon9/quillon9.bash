@@ -8,7 +8,7 @@ _quillon9_options() {
     convert) echo '--to= --compress= --format --no-format --declaration --no-declaration --suggested-encodings
                    --keep-space --large --quiet --help' ;;
     records) echo '--path= --prefix= --count --output= --each= --plan= --range= --to= --compress= --format --no-format
-                   --declaration --no-declaration --suggested-encodings --keep-going --quiet --help' ;;
+                   --declaration --no-declaration --keep-going --quiet --help' ;;
     tree) echo '--keep-space --help' ;;
     inspect) echo '--full --help' ;;
   esac

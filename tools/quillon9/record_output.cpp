@@ -58,7 +58,6 @@ void RecordPrinter::Write(CXmlRecordReader const& reader) {
 RecordParts::RecordParts(RecordsOptions const& options, bool mayUseDefaultNamespace)
     : m_options(options), m_ctx(ContextOfRecords()), m_needsPrefixes(!mayUseDefaultNamespace) {
   m_ctx.SetKeepPrefixes(true);
-  if (options.suggestedEncodings) m_ctx.GetFIContext()->SetSuggestedValues();
 }
 
 RecordParts::~RecordParts() = default;

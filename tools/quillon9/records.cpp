@@ -53,6 +53,11 @@ Range RangeOf(std::string const& word) {
   }
 }
 
+void RefuseTerminal(RecordsOptions const& options) {
+  bool const isBinary = options.to == DocumentKind::FastInfoset || options.compression != CompressionType_None;
+  if (options.output == "-" && isBinary) RefuseBinaryOnTerminal();
+}
+
 /// Reads the records of one input, and reports those that cannot be read.
 class RecordRun final : private IFailureSink {
  public:
@@ -97,7 +102,8 @@ class RecordRun final : private IFailureSink {
 
  private:
   bool PrintsOnTerminal() const {
-    return !m_options.count && !m_options.plan && m_options.output.empty() && ::isatty(STDOUT_FILENO) != 0;
+    bool const prints = !m_options.count && !m_options.plan && (m_options.output.empty() || m_options.output == "-");
+    return prints && ::isatty(STDOUT_FILENO) != 0;
   }
 
   void SelectRecords() {
@@ -237,6 +243,7 @@ void WriteDocuments(RecordsOptions const& options, RecordRun& run) {
 }  // namespace
 
 void ReadRecords(RecordsOptions const& options) {
+  RefuseTerminal(options);
   RecordRun run(options);
   if (options.plan) {
     PrintPlan(options, run);
