@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdint>
+#include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -165,6 +167,16 @@ TEST_F(RecordsTest, ConvertsChildByChild) {
   EXPECT_EQ(Run("convert --large --keep-space --to=xml -", text).status, 2);
   EXPECT_EQ(Run("convert --large --to=xml -", "<a/>").errors,
             "quillon9: standard input: the document element has no elements, so it must be converted as a whole\n");
+}
+
+TEST_F(RecordsTest, ConvertsAFileThatIsTooLongForATreeChildByChild) {
+  Write("in.xml", "<a>\n<b/></c>");
+  std::filesystem::resize_file(Folder() / "in.xml", std::uintmax_t{5} << 30);  // mostly a hole
+  EXPECT_EQ(Run("convert in.xml out.finf").errors,
+            "quillon9: in.xml: warning: what is between the children of the document element is left out, as with "
+            "--large\nquillon9: in.xml: mismatched tag at line 2 (after 1 records)\n"
+            "in.xml:2:7: error: /a: mismatched tag at line 2\n");
+  EXPECT_EQ(Files().size(), 1U);
 }
 
 /// Runs the program with a terminal as its standard error.

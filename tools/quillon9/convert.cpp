@@ -1,7 +1,11 @@
 #include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "base/text_arguments.h"
 #include "commands.h"
@@ -188,6 +192,14 @@ DocumentKind ChooseKind(ConvertOptions const& options, InputDocument const& docu
   return document.IsFastInfoset() ? DocumentKind::XmlText : DocumentKind::FastInfoset;
 }
 
+/// Whether the input is a file that is too long for a tree, and the options do not need one.
+bool IsTooLong(ConvertOptions const& options) {
+  if (!options.to || options.keepSpace || options.suggestedEncodings || options.input == "-") return false;
+  std::error_code failure;
+  std::uintmax_t const size = std::filesystem::file_size(options.input, failure);
+  return !failure && size > std::numeric_limits<std::uint32_t>::max();
+}
+
 /// Convert one child of the root after the other.
 void ConvertLarge(ConvertOptions const& options) {
   RecordsOptions records;
@@ -208,6 +220,12 @@ void ConvertLarge(ConvertOptions const& options) {
 void Convert(ConvertOptions const& options) {
   if (options.to) RefuseTerminal(options, *options.to);  // before a long input is read
   if (options.large) return ConvertLarge(options);
+  if (IsTooLong(options)) {
+    Warnings warnings(InputName(options.input));
+    warnings.Add("what is between the children of the document element is left out, as with --large");
+    if (!options.quiet) warnings.Print();
+    return ConvertLarge(options);
+  }
   Progress progress(options.quiet);
   InputDocument const document(options.input, &progress);
   DocumentKind const kind = ChooseKind(options, document);
