@@ -118,7 +118,7 @@ TEST_F(RecordsTest, BadRecordsAreReported) {
       {start + "<r>" + deep + "</r><r>4</r></l>", "-p //r", "<r>1</r>\n<r>2</r>\n", "exceeds the limit"},
       {start + "<r>" + deep + "</r><r>4</r></l>", "-k -p //r", "<r>1</r>\n<r>2</r>\n<r>4</r>\n", "exceeds the limit"},
       {start + "<r>", "-k -p //r", "<r>1</r>\n<r>2</r>\n",
-       "quillon9: standard input: no element found at line 2 (after 3 records)\nstandard input:2:"},
+       "quillon9: standard input: no element found at line 2 (after 2 records)\nstandard input:2:"},
       {start + "</x>", "-p //r", "<r>1</r>\n<r>2</r>\n", "mismatched tag at line 2 (after 2 records)\n"},
       {"", "-p //r", "", "XML Stream is empty!"},
   };

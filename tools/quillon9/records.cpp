@@ -88,8 +88,8 @@ class RecordRun final : private IFailureSink {
       try {
         RunToEnd(use);
       } catch (CQnException const& failure) {
-        if (GetCount() == 0) throw;
-        throw Failure(m_name, failure.GetFullMessage() + " (after " + std::to_string(GetCount()) + " records)",
+        if (m_used == 0) throw;
+        throw Failure(m_name, failure.GetFullMessage() + " (after " + std::to_string(m_used) + " records)",
                       ReportOn(failure, m_name));
       }
     });
@@ -141,6 +141,7 @@ class RecordRun final : private IFailureSink {
     try {
       if (!m_reader->Advance()) return false;
       use(*m_reader);
+      ++m_used;
     } catch (CQnException const& failure) {
       // Other failures are those of the document, where nothing follows.
       bool const isOfRecord = m_reader->GetCount() != before && failure.GetKind() != FailureKind_Parse;
@@ -185,6 +186,7 @@ class RecordRun final : private IFailureSink {
   std::uint64_t m_end;  // of what is read; 0 if unknown
   std::optional<CXmlRecordReader> m_reader;
   RecordOutput* m_output = nullptr;
+  std::uint64_t m_used = 0;  // records without a failure
   bool m_hasBad = false;
   std::string m_lastBad;
 };
