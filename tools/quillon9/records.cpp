@@ -165,7 +165,7 @@ class RecordRun final : private IFailureSink {
   bool OnFailure(CFailure const& failure) override {
     if (m_options.quiet || m_options.needsRecord || failure.GetSeverity() != FailureSeverity_Remark) return false;
     m_progress.Clear();
-    std::fprintf(stderr, "quillon9: %s: remark: %s\n", m_name.c_str(), failure.GetText().c_str());
+    std::fprintf(stderr, "quillon9: %s: remark: %s\n", m_name.c_str(), Escaped(failure.GetText()).c_str());
     return true;
   }
 
