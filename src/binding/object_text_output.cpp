@@ -140,7 +140,7 @@ void CXmlObjectBase::ToXmlFile(char const* path, bool includeHeader, bool format
   if (compression == CompressionType_ZLib) {
     throw CQnException("ZLIB Compression only available for To Stream methods.");
   }
-  if (!ASYNC_TOXMLFILE || compression == CompressionType_GZip || FormFor(*this, ctx) != nullptr) {
+  if (!ASYNC_TOXMLFILE || compression == CompressionType_GZip) {
     // Qualified, so that a derived class that overrides the stream form does not change the file form.
     CBinaryData const data = CXmlObjectBase::ToXmlStream(includeHeader, formatted, encoding, eol, ctx, compression);
     CFileBinaryStream(path, encoding, data).ToFile();

@@ -151,7 +151,7 @@ void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const*
   if (m_form != nullptr && m_form->unknown != nullptr) {
     WriteUnknownAttributes(*writer, *m_form->unknown, additional, ctx);
   }
-  KeptForm::Write(locations, *writer);
+  if (!locations.empty()) KeptForm::Write(locations, *writer);
   if (isRoot && !ctx.GetInLineSchema().empty()) writer->WriteInlineSchema(ctx.GetInLineSchema());
 }
 

@@ -2,9 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "dynamic_class.h"
@@ -182,21 +179,6 @@ TEST(DocumentForm, AttributesOfTheClassStandOnce) {
   DynamicClass again(shape);
   again.FromXmlStream(object.ToFastInfosetStream(FInfoDecl_None, Keeping()), Keeping());
   EXPECT_EQ(again.GetDocumentForm()->schemaLocation, "c d");
-}
-
-TEST(DocumentForm, FilesHaveItHoweverTheyAreWritten) {
-  std::string const document = "<root ><a>1</a></root>";
-  Object object;
-  object.FromXml(document.c_str(), Keeping());
-  std::string const path = testing::TempDir() + "document_form.xml";
-  for (bool const isAsync : {false, true}) {
-    AsyncToXmlFile(isAsync);
-    object.ToXmlFile(path.c_str(), true, true, XmlEncoding_UTF8, EOLType_LF, Keeping());
-    AsyncToXmlFile(false);
-    std::ifstream file(path, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), document) << isAsync;
-  }
-  std::remove(path.c_str());
 }
 
 TEST(DocumentForm, CountsOnlyUnderTheOption) {
