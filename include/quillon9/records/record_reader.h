@@ -169,9 +169,13 @@ class QUILLON9_API CXmlRecordReader {
      public:
       /// For algorithms that go through records once.
       using iterator_category = std::input_iterator_tag;
+      /// The object of a record.
       using value_type = CSmartPtr<Class>;
+      /// Not used.
       using difference_type = std::ptrdiff_t;
+      /// To the record.
       using pointer = CSmartPtr<Class>*;
+      /// To the record.
       using reference = CSmartPtr<Class>&;
 
       /// The end.
