@@ -38,15 +38,12 @@ void GoOn() {
   // [bad]
   CXmlRecordReader reader("sales.xml");
   reader.SelectRecords("//order");
-  for (bool isAtEnd = false; !isAtEnd;) {
-    std::uint64_t const before = reader.GetCount();
+  while (!reader.IsAtEnd()) {
     try {
       auto const order = reader.Next<Orders::COrder>();
-      isAtEnd = !order;
       if (order) std::cout << order->GetNumber() << ": " << order->GetProduct() << '\n';
     } catch (CQnException const& failure) {
       std::cout << failure.GetReport() << '\n';
-      isAtEnd = reader.GetCount() == before;  // the document is at fault, not a record
     }
   }
   // [bad]

@@ -121,8 +121,8 @@ class CXmlRecordReader::Work {
       m_present = {};
       if (!NextPlace(use)) return false;
     } while (RunHandler(reader, use));
-    ++m_count;
     Load(use);
+    ++m_count;
     return true;
   }
 
@@ -157,6 +157,7 @@ class CXmlRecordReader::Work {
     if (m_batch == nullptr) ThrowNoRecord();
     return m_batch->ResumePointOf(m_record);
   }
+  bool IsAtEnd() const { return m_isAtEnd || m_end != nullptr; }
   std::uint64_t Count() const { return m_count; }
   CFailurePlace Place() const { return m_batch != nullptr ? m_batch->Place(m_record) : CFailurePlace(); }
   std::uint64_t InputOffset() const { return m_inputOffset; }
@@ -214,7 +215,11 @@ class CXmlRecordReader::Work {
     try {
       m_present = PresentRecord(*m_batch, m_record, use);
     } catch (...) {
-      if (m_batch->IsAtEnd()) m_end = std::current_exception();
+      if (m_batch->IsAtEnd()) {
+        m_end = std::current_exception();
+      } else if (m_isRecord[m_batch->Selection(m_record)]) {
+        ++m_count;
+      }
       throw;
     }
   }
@@ -322,6 +327,8 @@ CXmlElement const* CXmlRecordReader::GetElement() const { return m_work->Present
 std::vector<CXmlElement const*> CXmlRecordReader::GetAncestors() const { return m_work->Present().Ancestors(); }
 
 std::size_t CXmlRecordReader::GetSelection() const { return m_work->Selection(); }
+
+bool CXmlRecordReader::IsAtEnd() const { return m_work->IsAtEnd(); }
 
 std::uint64_t CXmlRecordReader::GetCount() const { return m_work->Count(); }
 

@@ -105,6 +105,8 @@ TEST(CXmlRecordReader, EndsWithADocumentThatIsNotWellFormed) {
       failure = TextOf(thrown);
     }
     EXPECT_EQ(failure, row.failure) << row.what;
+    EXPECT_TRUE(reader.IsAtEnd()) << row.what;
+    EXPECT_EQ(reader.GetCount(), row.records) << row.what;
     EXPECT_EQ(count, row.records) << row.what;
     EXPECT_FAILURE(CQnException, failure.substr(0, failure.find(" (")), reader.Next<Item>());
   }

@@ -137,17 +137,14 @@ class RecordRun final : private IFailureSink {
   /// Go to the next record and use it; false at the end.
   template <class Use>
   bool Next(Use use) {
-    std::uint64_t const before = m_reader->GetCount();
     try {
       if (!m_reader->Advance()) return false;
       use(*m_reader);
       ++m_used;
     } catch (CQnException const& failure) {
-      // Other failures are those of the document, where nothing follows.
-      bool const isOfRecord = m_reader->GetCount() != before && failure.GetKind() != FailureKind_Parse;
-      if (!isOfRecord && (!m_hasBad || failure.GetFullMessage() != m_lastBad)) throw;
-      if (isOfRecord) Report(failure);
-      if (!isOfRecord || !m_options.keepGoing) throw Reported();
+      if (m_reader->IsAtEnd()) throw;  // of the document, where nothing follows
+      Report(failure);
+      if (!m_options.keepGoing) throw Reported();
     }
     return true;
   }
@@ -155,10 +152,9 @@ class RecordRun final : private IFailureSink {
   void Report(CQnException const& failure) {
     m_progress.Clear();
     m_hasBad = true;
-    m_lastBad = failure.GetFullMessage();
     CFailurePlace place = failure.GetPlace() != nullptr ? *failure.GetPlace() : m_reader->GetPlace();
     place.SetFile(m_name);
-    CFailure const report(failure.GetKind(), FailureSeverity_Error, place, m_lastBad);
+    CFailure const report(failure.GetKind(), FailureSeverity_Error, place, failure.GetFullMessage());
     std::fprintf(stderr, "quillon9: %s\n", report.GetReport().c_str());
   }
 
@@ -188,7 +184,6 @@ class RecordRun final : private IFailureSink {
   RecordOutput* m_output = nullptr;
   std::uint64_t m_used = 0;  // records without a failure
   bool m_hasBad = false;
-  std::string m_lastBad;
 };
 
 /// Print words for ranges of about the same size. Records are found from the start of the file.

@@ -147,7 +147,10 @@ class QUILLON9_API CXmlRecordReader {
   std::vector<CXmlElement const*> GetAncestors() const;
   /// Which of the calls of SelectRecords() the present record matches, from 0.
   std::size_t GetSelection() const;
-  /// How many records there have been so far, those that failed included.
+  /// Whether there are no more records: after the last one, and after a failure that has ended the read.
+  bool IsAtEnd() const;
+  /// How many records there have been so far, including those that could not be read. Text that is not well-formed is no
+  /// record.
   std::uint64_t GetCount() const;
   /// Where the present record begins.
   CFailurePlace GetPlace() const;
