@@ -7,6 +7,7 @@
 #include <iterator>
 #include <map>
 #include <random>
+#include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -19,6 +20,7 @@
 #include "quillon9/binding/serialization_context.h"
 #include "quillon9/text/encoder.h"
 #include "quillon9/xmlio/document.h"
+#include "record_comparison.h"
 #include "support/scoped_locale.h"
 
 /// Real documents and the W3C conformance suite, read in place from the folder that the environment variable
@@ -209,6 +211,28 @@ TEST_P(Corpus, DocumentsAndDamagedOnesAreReadAlikeByBothReaders) {
     }
   }
   EXPECT_GT(taken, 100);
+}
+
+TEST_P(Corpus, RecordsOfEachNameAreTheElementsOfAWholeRead) {
+  CXmlSerializationContext const context = Testing::Utf8Context();
+  constexpr std::size_t kWhole = 1 << 20;
+  constexpr std::size_t kLongest = 20000;
+  int compared = 0;
+  for (Row const& row : ReadTable(CorpusFolder() / "manifest.tsv")) {
+    if (row.at(2) != "accept") continue;
+    std::string const octets = BytesOf(CorpusFolder() / row.at(0));
+    CXmlDocument whole(context);
+    whole.LoadXmlStream(reinterpret_cast<unsigned char const*>(octets.data()), octets.size());
+    std::set<std::string> names;
+    Testing::CollectNames(*whole.GetDocumentElement(), names);
+    for (std::string const& name : names) {
+      EXPECT_EQ(Testing::DifferenceOfRecords(whole, octets, name, kWhole, kWhole), "") << row.at(0);
+      ++compared;
+      if (octets.size() > kLongest) continue;
+      EXPECT_EQ(Testing::DifferenceOfRecords(whole, octets, name, 7, 1), "") << row.at(0);
+    }
+  }
+  EXPECT_GT(compared, 500);
 }
 
 INSTANTIATE_TEST_SUITE_P(TextModels, Corpus,
