@@ -110,7 +110,7 @@ void Copy(char const* file) {
 
 void ReadWhole(char const* file) {
   Report report;
-  CSmartPtr<GeneratedOrders::COrders> const orders = GeneratedOrders::ReadOrders(XmlFile(file));
+  CSmartPtr<GeneratedOrders::COrders> const orders = GeneratedOrders::ReadOrders(file);
   report.records = orders->GetOrder().GetCount();
   if (std::FILE* const opened = std::fopen(file, "rb")) {
     std::fseek(opened, 0, SEEK_END);
