@@ -32,7 +32,9 @@ class QUILLON9_API CRecordSource {
   CRecordSource(Function function);
   /// Bytes in memory.
   CRecordSource(CBinaryData const& bytes);
+  /// Take over what \p other is; it can only be destroyed or assigned to after that.
   CRecordSource(CRecordSource&& other) noexcept;
+  /// As the constructor.
   CRecordSource& operator=(CRecordSource&& other) noexcept;
   ~CRecordSource();
 

@@ -30,7 +30,9 @@ class QUILLON9_API CRecordTarget {
   ///@}
   /// A function that sends the bytes on: to a socket, for example.
   CRecordTarget(Function function);
+  /// Take over what \p other is; it can only be destroyed or assigned to after that.
   CRecordTarget(CRecordTarget&& other) noexcept;
+  /// As the constructor.
   CRecordTarget& operator=(CRecordTarget&& other) noexcept;
   ~CRecordTarget();
 
