@@ -131,7 +131,7 @@ std::string DescribeFacets(ValueType const& value) {
   std::string text;
   for (std::string const& part : parts) text += (text.empty() ? "Facets: " : ", ") + part;
   if (!text.empty()) text += '.';
-  if (!value.values.empty() && value.values.size() <= kMostValues) {
+  if (!value.values.empty() && value.values.size() <= kMostValues && value.remark.empty()) {
     std::string list;
     for (std::string const& each : value.values) list += (list.empty() ? "" : ", ") + each;
     text += (text.empty() ? "One of: " : " One of: ") + list + ".";

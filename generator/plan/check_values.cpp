@@ -41,6 +41,7 @@ class ValueCheck {
     ValueType& type = declaration.value;
     CheckText(type, declaration.name, place, declaration.defaultValue, "default");
     CheckText(type, declaration.name, place, declaration.fixedValue, "fixed");
+    if (declaration.fixedValue) type.CompareByMember();
     if (!type.Single().isQualifiedName || (!declaration.defaultValue && !declaration.fixedValue)) return;
     m_diagnostics.Warning(place, "the qualified name in \"" + declaration.name.local +
                                      "\", which has a default or fixed value, is kept as text; its prefix is not "
@@ -68,9 +69,11 @@ class ValueCheck {
 
   static void KeepAsText(ValueType& value) {
     value.isQualifiedName = false;
+    value.values.clear();  // a text does not say what they are compared with
     if (value.item == nullptr) return;
     ValueType item = *value.item;
     item.isQualifiedName = false;
+    item.values.clear();
     value.item = std::make_shared<ValueType const>(std::move(item));
   }
 
@@ -93,6 +96,9 @@ void CheckValues(Plan& plan, Schema::Diagnostics& diagnostics) {
   ValueCheck check(diagnostics);
   for (auto const& cls : plan.classStorage) {
     for (Member& member : cls->members) check.Check(member);
+    for (Member& member : cls->restated) {
+      if (member.fixedValue) member.value.CompareByMember();
+    }
   }
   for (auto const& group : plan.groupStorage) {
     for (ElementGroup::Element& element : group->elements) check.CheckDeclaration(element, element.place);

@@ -91,6 +91,15 @@ bool ValueType::HasSameRules(ValueType const& other) const {
                     [](ValueType const& a, ValueType const& b) { return a.HasSameRules(b); });
 }
 
+void ValueType::CompareByMember() {
+  if (members.empty()) members = std::move(uncheckedMembers);
+  for (ValueType& member : members) member.CompareByMember();
+  if (item == nullptr) return;
+  ValueType itemCompared = *item;
+  itemCompared.CompareByMember();
+  item = std::make_shared<ValueType const>(std::move(itemCompared));
+}
+
 Plan MakePlan(Schema::SchemaSet const& set, PlanOptions const& options, Schema::Diagnostics& diagnostics) {
   Plan plan;
   CheckOptions(set, options, diagnostics);

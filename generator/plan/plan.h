@@ -51,9 +51,11 @@ struct ValueType {
   Enumeration const* enumeration = nullptr;  ///< held as its enumerator; kind is then ItemType_i4
   std::shared_ptr<ValueType const> item;     ///< of a list, which is held as a vector; kind is ItemType_string then
   std::vector<ValueType> members;            ///< of a union: one of them has to accept the value; empty for no check
-  std::vector<std::string> values;           ///< all values, where they are no enumerators; empty for no limit
-  bool isQualifiedName = false;              ///< QName or NOTATION, held as CQName; kind is ItemType_string then
-  bool isIdentifier = false;                 ///< xs:ID
+  std::vector<ValueType> uncheckedMembers;   ///< of a union that accepts any text, in place of members
+  /// All values, where they are no enumerators: texts, or "{namespace}name" for qualified names; empty for no limit.
+  std::vector<std::string> values;
+  bool isQualifiedName = false;  ///< QName or NOTATION, held as CQName; kind is ItemType_string then
+  bool isIdentifier = false;     ///< xs:ID
   Quillon9::SchemaForm form = Quillon9::SchemaForm::Any;  ///< of texts, by the rules of XML Schema
   std::string remark;      ///< for comments: a sentence about what is not a facet; or empty
   std::string schemaName;  ///< for comments: "xs:int", "po:SKU"; empty for an anonymous type
@@ -66,6 +68,8 @@ struct ValueType {
   bool HasSameRules(ValueType const& other) const;
   /// Whether both have the same C++ type and are read and written in the same way, but for checks.
   bool IsHeldLike(ValueType const& other) const;
+  /// Have unions find out which of their members a value belongs to, because it is compared with another one.
+  void CompareByMember();
 };
 
 struct Class;

@@ -28,7 +28,7 @@ std::string ChecksText(ValueType const& value);
 std::string ValueText(ValueType const& value) {
   if (value.item != nullptr) return "list of (" + ValueText(*value.item) + ")" + ChecksText(value);
   if (value.enumeration != nullptr) return value.enumeration->cppName + WhiteSpaceText(value.whiteSpace);
-  if (value.isQualifiedName) return "qualified name";
+  if (value.isQualifiedName) return "qualified name" + ChecksText(value);
   if (value.isIdentifier) return "identifier" + ChecksText(value);
   return std::string(KindName(value.kind)) + WhiteSpaceText(value.whiteSpace) + ChecksText(value);
 }

@@ -12,6 +12,10 @@
 
 namespace Quillon9Generator::Plan {
 
+std::string KeyOf(Schema::QualifiedName const& name) {
+  return name.ns.empty() ? name.local : "{" + name.ns + "}" + name.local;
+}
+
 namespace {
 
 using namespace Quillon9;
@@ -255,6 +259,13 @@ void AppendEnumerators(SimpleType const& type, std::vector<Enumerator>& enumerat
   for (SimpleType const* member : type.memberTypes) AppendEnumerators(*member, enumerators);
 }
 
+/// "{namespace}name" for each name in \p value, with blanks between them.
+std::string NamesText(Schema::EnumerationValue const& value) {
+  std::string text;
+  for (Schema::QualifiedName const& name : value.names) text += (text.empty() ? "" : " ") + KeyOf(name);
+  return text;
+}
+
 std::vector<std::string> TextsOf(SimpleType const& type) {
   std::vector<Enumerator> enumerators;
   AppendEnumerators(type, enumerators);
@@ -295,10 +306,6 @@ char const* KindName(ItemType kind) {
     if (each.kind == kind) return each.name;
   }
   return "";
-}
-
-std::string KeyOf(Schema::QualifiedName const& name) {
-  return name.ns.empty() ? name.local : "{" + name.ns + "}" + name.local;
 }
 
 std::string NameOf(Schema::QualifiedName const& name, PlanOptions const& options) {
@@ -359,15 +366,16 @@ void ValueTypes::WarnOfUnchecked(SimpleType const& type, ValueType const& value)
   Schema::Facets const& base = type.base->facets;
   std::string names;
   auto const note = [&names](char const* name) { names += (names.empty() ? "" : ", ") + std::string(name); };
-  if (value.isQualifiedName && !own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
+  bool const ignoresNames = value.isQualifiedName && m_options.classicValues;
+  if (ignoresNames && !own.enumeration.empty() && !HasSameTexts(type, *type.base)) note("enumeration");
   bool const hasLengths = own.length || own.minLength || own.maxLength;
   Facets const& kept = value.facets;
   bool const keepsLengths = kept.length >= 0 || kept.minLength >= 0 || kept.maxLength >= 0;
   bool const isInherited =
       own.length == base.length && own.minLength == base.minLength && own.maxLength == base.maxLength;
-  if (hasLengths && !keepsLengths && !isInherited) note("length");
+  if (hasLengths && !keepsLengths && !isInherited && !value.isQualifiedName) note("length");
   bool const hasPattern = own.patterns.size() > base.patterns.size();
-  bool const ignoresPattern = value.isQualifiedName || (m_options.classicValues && value.kind != ItemType_string);
+  bool const ignoresPattern = ignoresNames || (m_options.classicValues && value.kind != ItemType_string);
   if (hasPattern && ignoresPattern) note("pattern");
   if (names.empty()) return;
   m_diagnostics.Warning(type.place, (type.IsAnonymous() ? "a facet" : "a facet of \"" + type.name.local + "\"") +
@@ -395,7 +403,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   if (mapped == nullptr && type.variety == Schema::Variety::List) SetItem(type, use, value);
   if (mapped == nullptr && type.variety == Schema::Variety::Union) SetMembers(type, value);
   bool const hasOwnText = value.kind == ItemType_string || mapped == nullptr;
-  if (hasOwnText && !isName && !type.facets.patterns.empty()) SetPattern(type, value.facets);
+  if (hasOwnText && !type.facets.patterns.empty()) SetPattern(type, value.facets);
   bool const hasBytes = value.kind == ItemType_hexBinary || value.kind == ItemType_base64Binary;
   bool const isTextOrAddress = IsText(type) || (isAtomic && type.ancestor == BuiltIn::AnyURI);
   bool const hasItems = value.item != nullptr && type.builtIn == BuiltIn::None;
@@ -403,7 +411,7 @@ ValueType ValueTypes::Decide(SimpleType const& type, Use const& use, bool isMemb
   bool const keepsBounds =
       value.kind == natural ? IsNumber(natural) || IsDateOrTime(natural) : IsNumber(natural) && IsNumber(value.kind);
   if (keepsBounds && isAtomic) SetBounds(type, value.kind, value.facets);
-  if (mapped == nullptr && !isName) SetValues(type, value);
+  if (mapped == nullptr && !(isName && isMember)) SetValues(type, value);
   if (mapped == nullptr) WarnOfUnchecked(type, value);
   return value;
 }
@@ -426,12 +434,19 @@ void ValueTypes::SetMembers(SimpleType const& type, ValueType& value) {
   bool const acceptsAll = std::any_of(value.members.begin(), value.members.end(), [&value](ValueType const& member) {
     return member.kind == value.kind && AcceptsAnything(member);
   });
-  if (acceptsAll) value.members.clear();
+  if (!acceptsAll) return;
+  value.uncheckedMembers = std::move(value.members);
+  value.members.clear();
+  if (!type.facets.enumeration.empty()) value.CompareByMember();
 }
 
 // What the library cannot hold is no value that it could find.
 void ValueTypes::SetValues(SimpleType const& type, ValueType& value) {
   if (type.facets.enumeration.empty()) return;
+  if (value.Single().isQualifiedName) {
+    for (Schema::EnumerationValue const& each : type.facets.enumeration) value.values.push_back(NamesText(each));
+    return;
+  }
   for (std::string& text : TextsOf(type)) {
     if (value.kind == ItemType_string || IsReadable(value.kind, text)) value.values.push_back(std::move(text));
   }

@@ -158,7 +158,8 @@ class Builder {
   static bool HasFacets(Node const& node);
   void ApplyFacets(SimpleType& type, Document const& document, Node const& node);
   void CheckPatternOf(Node const& facet);
-  void TakeNotation(Document const& document, Node const& facet, EnumerationValue& value);
+  void TakeNames(Document const& document, Node const& facet, SimpleType const& type, EnumerationValue& value);
+  void TakeNotation(Node const& facet, EnumerationValue& value);
   bool CheckFacet(SimpleType const& type, Node const& facet);
   void ApplyWhiteSpace(SimpleType& type, Node const& facet);
   void ApplyFacet(SimpleType& type, Node const& facet, std::string const& value);

@@ -94,6 +94,7 @@ enum class WhiteSpace { Preserve, Replace, Collapse };
 /// One value of an enumeration facet.
 struct EnumerationValue : Component {
   std::string text;
+  std::vector<QualifiedName> names;  ///< of xs:QName, xs:NOTATION and lists of them: what the text stands for
 };
 
 /// The constraining facets of one simple type with all those of its base types: a narrower one has replaced a wider one.

@@ -5,6 +5,7 @@
 #include "quillon9/values/schema_pattern.h"
 #include "schema/builder.h"
 #include "schema/facet_rules.h"
+#include "schema/lexical.h"
 #include "schema/simple_values.h"
 #include "schema/values.h"
 
@@ -70,7 +71,7 @@ void Builder::ApplyFacets(SimpleType& type, Document const& document, Node const
     } else if (facet.tag == Tag::Enumeration) {
       Describe(values.emplace_back(), facet);
       values.back().text = Normalized(text, type.facets.whiteSpace);
-      if (PrimitiveOf(type) == BuiltIn::Notation) TakeNotation(document, facet, values.back());
+      TakeNames(document, facet, type, values.back());
     } else if (!known.insert(facet.tag).second) {
       m_diagnostics.Error(facet.place, "a second " + TextOf(facet));
     } else {
@@ -91,14 +92,21 @@ void Builder::CheckPatternOf(Node const& facet) {
   if (!faults.warning.empty()) m_diagnostics.Warning(facet.place, start + faults.warning);
 }
 
+void Builder::TakeNames(Document const& document, Node const& facet, SimpleType const& type, EnumerationValue& value) {
+  bool const isList = type.variety == Variety::List && type.itemType != nullptr;
+  BuiltIn const primitive = PrimitiveOf(isList ? *type.itemType : type);
+  if (primitive != BuiltIn::QName && primitive != BuiltIn::Notation) return;
+  for (std::string_view const word : Words(value.text)) {
+    if (std::optional<QualifiedName> const name = Resolve(document, facet, word)) value.names.push_back(*name);
+  }
+  if (primitive == BuiltIn::Notation && !isList && value.names.size() == 1) TakeNotation(facet, value);
+}
+
 /// What a notation stands for documents the value that names it.
-void Builder::TakeNotation(Document const& document, Node const& facet, EnumerationValue& value) {
-  std::string_view const text = Trimmed(*facet.Find("value"));
-  std::optional<QualifiedName> const name = Resolve(document, facet, text);
-  if (!name) return;
-  auto const notation = m_notations.find(*name);
+void Builder::TakeNotation(Node const& facet, EnumerationValue& value) {
+  auto const notation = m_notations.find(value.names.front());
   if (notation == m_notations.end()) {
-    return m_diagnostics.Error(facet.place, "no notation \"" + std::string(text) + "\"");
+    return m_diagnostics.Error(facet.place, "no notation \"" + value.text + "\"");
   }
   if (!value.documentation.empty()) return;
   Node const& declaration = *notation->second;

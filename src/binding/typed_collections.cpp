@@ -45,6 +45,20 @@ void WriteItem(CXmlWriter* writer, std::string const& name, std::string const& n
   writer->WriteEndElement();
 }
 
+/// What a collection that asks for the rules of XML Schema needs while a program adds a value. A read has it already.
+class SchemaScope {
+ public:
+  explicit SchemaScope(CXmlTypeCollection const& collection) {
+    if (RulesInUse::AreSchema()) return;
+    m_rules.emplace(ValueRules_XmlSchema);
+    if (collection.HoldsUtf8Text()) m_text.emplace(Utf8Text::Use::kCountingCharacters);
+  }
+
+ private:
+  std::optional<RulesInUse::Scope> m_rules;
+  std::optional<Utf8Text::Scope> m_text;
+};
+
 }  // namespace
 
 CXmlTypeCollection::CXmlTypeCollection(ItemType type, char const* name, char const* ns, int minOccurs, int maxOccurs,
@@ -127,7 +141,8 @@ void CTypedColImpl<Kind>::Add(Argument value) {
 template <class Kind>
 void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
   this->Insert(index, std::forward<Argument>(value), [this](Value const& held) {
-    if (RulesInUse::AreSchema()) {
+    if (RulesInUse::AreSchemaFor(*this)) {
+      SchemaScope const rules(*this);
       static_cast<void>(this->CheckedText(InVariant<Kind::kItemType>::Of(held)));
       return;
     }
@@ -139,7 +154,8 @@ void CTypedColImpl<Kind>::AddAt(int index, Argument value) {
 
 template <class Kind>
 void CTypedColImpl<Kind>::AddFromString(std::string text) {
-  if (!RulesInUse::AreSchema()) return Add(Kind::FromText(text, this->m_whitespaceRule));
+  if (!RulesInUse::AreSchemaFor(*this)) return Add(Kind::FromText(text, this->m_whitespaceRule));
+  SchemaScope const rules(*this);
   this->Insert(this->GetCount(), InVariant<Kind::kItemType>::FromText(text, this->m_whitespaceRule),
                [&](Value const& held) { this->CheckBySchema(InVariant<Kind::kItemType>::Of(held), text); });
 }
@@ -244,14 +260,16 @@ void CdatetimeBaseCol::CheckType(CDateTime const& value, CDateTime::DTType type,
                          maxInclusive, minExclusive, maxExclusive, length, rule, format) {}                            \
   C##stem##Col::~C##stem##Col() = default;                                                                             \
   void C##stem##Col::AddFromString(std::string text) {                                                                 \
-    if (!RulesInUse::AreSchema()) return Add(CConversions::stem##FromString(text, m_whitespaceRule));                  \
+    if (!RulesInUse::AreSchemaFor(*this)) return Add(CConversions::stem##FromString(text, m_whitespaceRule));          \
+    SchemaScope const rules(*this);                                                                                    \
     CDateTime const value = InVariant<ItemType_##stem>::FromText(text, m_whitespaceRule);                              \
     CheckBySchema(InVariant<ItemType_##stem>::Of(value), text);                                                        \
     BaseAddAt(GetCount(), value);                                                                                      \
   }                                                                                                                    \
   void C##stem##Col::AddAt(int index, CDateTime const& value) {                                                        \
     CheckType(value, CDateTime::type, #type);                                                                          \
-    if (RulesInUse::AreSchema()) {                                                                                     \
+    if (RulesInUse::AreSchemaFor(*this)) {                                                                             \
+      SchemaScope const rules(*this);                                                                                  \
       static_cast<void>(CheckedText(InVariant<ItemType_##stem>::Of(value)));                                           \
     } else {                                                                                                           \
       CXmlObjectHelper::CheckRestrictionFor##stem(GetElementName().c_str(), value, m_restrictions);                    \

@@ -32,7 +32,7 @@ class ValueAttribute : public CAttributeInfo {
     ReadProperty(holder, value);
     if (!value.IsValid() && m_optional) return;
     bool const hasNames = value.IsValid() && ValueRule::HasNames(m_rule.GetType());
-    std::string const text = hasNames ? m_rule.Declare(value, *writer) : Print(value);
+    std::string const text = hasNames ? m_rule.NamesText(value, *writer) : Print(value);
     if (IsSuppressedDefault(ctx, text)) return;
     m_rule.Check(value);
     bool const isEnumerator = m_rule.GetType().enumeration != nullptr;

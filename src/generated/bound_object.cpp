@@ -88,7 +88,7 @@ thread_local NamesInText t_namesInText;
   if (!held.IsValid()) CheckEmptyText(rule);
   if (t_namesInText.holder == &holder && ValueRule::HasNames(rule.GetType())) {
     CXmlWriter& writer = *std::exchange(t_namesInText, {}).writer;
-    return value.SetString(held.IsValid() ? rule.Declare(held, writer) : std::string());
+    return value.SetString(held.IsValid() ? rule.NamesText(held, writer) : std::string());
   }
   value.SetString(held.IsValid() ? rule.Print(held) : std::string());
 }
@@ -172,7 +172,11 @@ void CBoundObject::ResolvePrefixes(CXmlElement const& element, CXmlSerialization
     try {
       QnVariant held;
       property.Read(held);
-      if (held.IsValid()) property.Store(built.At(number).rule->Resolve(held, element));
+      if (!held.IsValid()) return;
+      ValueRule const& rule = *built.At(number).rule;
+      QnVariant const resolved = rule.Resolve(held, element);
+      if (place.attribute != nullptr) rule.CheckResolved(resolved);  // a text is checked unless it is nil
+      property.Store(resolved);
     } catch (CQnException& failure) {
       if (!FailureReport::GoesOn(ctx, failure, place)) throw;
       property.Clear();
@@ -219,7 +223,10 @@ void CBoundObject::CheckText(CXmlElement const& element, CXmlSerializationContex
   try {
     QnVariant held;
     property.Read(held);
-    if (held.IsValid()) built.TextRule()->CheckRead(held, element.GetTextView(), &ctx);
+    ValueRule const& rule = *built.TextRule();
+    if (!held.IsValid()) return;
+    rule.CheckRead(held, rule.TextOf(element.GetTextView(), true), &ctx);
+    if (ValueRule::HasNames(rule.GetType())) rule.CheckResolved(held);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {&element})) {
       throw CQnValidationException(FormatString("Failed to process the element [%s]", element.GetLocalName().c_str()),
@@ -342,6 +349,7 @@ CSmartPtr<CXmlObjectBase> CBoundObject::NewObject(int property) const {
 }
 
 CSmartPtr<CXmlObjectBase> CBoundObject::NewCollection(int property, CPropertyRef const& member) const {
+  RulesInUse::Scope const rules(GetDefaultValueRules());
   return member.Make(m_tables->Built().At(property).element);
 }
 

@@ -17,6 +17,7 @@
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
 #include "quillon9/xmlio/document.h"
+#include "values/rules_in_use.h"
 #include "xmlio/writer_access.h"
 
 namespace Quillon9 {
@@ -168,7 +169,7 @@ QN_ELEMENT_TO_XML(ValueMember) {
 
 bool ValueMember::WriteNames(QnVariant const& value, CXmlWriter& writer) const {
   writer.WriteStartElement(m_row.name, m_namespace);
-  writer.WriteString(m_rule.Declare(value, writer), ItemType_string);
+  writer.WriteString(m_rule.NamesText(value, writer), ItemType_string);
   writer.WriteEndElement();
   return true;
 }
@@ -179,7 +180,10 @@ QN_ELEMENT_FROM_XML(ValueMember) {
   CXmlElement* const element = *cursor;
   try {
     QnVariant value = m_rule.Read(element->GetTextView(), true, &ctx);
-    if (ValueRule::HasNames(*m_row.value)) value = m_rule.Resolve(value, *element);
+    if (ValueRule::HasNames(*m_row.value)) {
+      value = m_rule.Resolve(value, *element);
+      m_rule.CheckResolved(value);
+    }
     AccessProperty(holder, false, value);
   } catch (CQnException& failure) {
     if (!FailureReport::GoesOn(ctx, failure, {element})) throw;
@@ -309,6 +313,7 @@ CXmlElement* CollectionMember::ReadItems(CXmlSerializationContext const& ctx, CX
   CPropertyRef const property = BoundAccess::Property(holder, m_propertyIndex);
   CSmartPtr<CXmlObjectBase> held = property.Look();
   if (!held) {
+    RulesInUse::Scope const rules(holder->GetDefaultValueRules());
     held = property.Make(&m_row);
     property.Hold(held.Get());
   }

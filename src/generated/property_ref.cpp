@@ -264,6 +264,11 @@ class PlainCol : public Collection {
 
   /// The lengths of texts are numbers of characters.
   bool HoldsUtf8Text() const override { return std::is_same_v<Collection, CstringCol> || Collection::HoldsUtf8Text(); }
+  /// Those of the object that holds it.
+  ValueRules GetDefaultValueRules() const override { return m_rules; }
+
+ private:
+  ValueRules m_rules = RulesInUse::AreSchema() ? ValueRules_XmlSchema : ValueRules_Classic;
 };
 
 /// A collection of values whose type has rules that the library's own collections do not know. They are checked when

@@ -61,6 +61,18 @@ ValueRule::ValueRule(char const* name, CValueType const& type, char const* defau
 
 namespace {
 
+bool IsSameName(std::string_view a, std::string_view b) {
+  CQName const one = QualifiedNameText::Parse(a);
+  CQName const other = QualifiedNameText::Parse(b);
+  return one.GetLocalName() == other.GetLocalName() && one.GetNamespace() == other.GetNamespace();
+}
+
+/// "{namespace}name" for a name as it is held.
+std::string WithoutPrefix(std::string_view held) {
+  CQName const name = QualifiedNameText::Parse(held);
+  return name.GetNamespace().empty() ? name.GetLocalName() : '{' + name.GetNamespace() + '}' + name.GetLocalName();
+}
+
 /// The items of \p list as \p convert returns them, with one blank between them.
 template <class Convert>
 std::string Joined(std::string_view list, Convert convert) {
@@ -99,8 +111,14 @@ QnVariant ValueRule::Read(std::string_view text, bool isElement, CXmlSerializati
 
 void ValueRule::CheckRead(QnVariant const& value, std::string_view text, CXmlSerializationContext const* ctx) const {
   if (m_fixed != nullptr && (ctx == nullptr || ctx->GetChecksFixedValuesOnReading())) CheckFixed(value);
-  if (ctx != nullptr && ChecksFacets(*ctx)) CheckFacets(value, text);
-  if (ctx != nullptr && RulesInUse::AreSchema() && HasNames(m_type)) RequireNames(text);
+  if (ctx == nullptr || !ChecksFacets(*ctx)) return;
+  if (!HasNames(m_type) || !RulesInUse::AreSchema()) return CheckFacets(value, text);
+  RequireNames(text);
+  CheckPatternOfNames(text);
+}
+
+void ValueRule::CheckResolved(QnVariant const& value) const {
+  if (RulesInUse::AreSchema()) CheckFacets(value);
 }
 
 // Other names are refused with the facets; the prefixes of these are replaced, and all that remains would be a name.
@@ -115,6 +133,15 @@ void ValueRule::RequireNames(std::string_view text) const {
                                                                            std::string(text).c_str(), "QName")));
 }
 
+void ValueRule::CheckPatternOfNames(std::string_view text) const {
+  auto const hasPattern = [](CValueType const& type) {
+    return type.facets != nullptr && type.facets->pattern != nullptr;
+  };
+  if (hasPattern(m_type)) CheckBySchema(Convert(text), text);
+  if (m_item == nullptr || !hasPattern(m_item->m_type)) return;
+  for (ListItems items(text); items.Next();) m_item->CheckPatternOfNames(items.Text());
+}
+
 bool ValueRule::ChecksFacets(CXmlSerializationContext const& ctx) {
   return ctx.GetChecksFacetsOnReading() || RulesInUse::AreSchema();
 }
@@ -122,6 +149,7 @@ bool ValueRule::ChecksFacets(CXmlSerializationContext const& ctx) {
 // Whether two values are equal, however they are written.
 bool ValueRule::IsSame(QnVariant const& a, QnVariant const& b) const {
   if (m_item != nullptr) return IsSameList(a.GetString(), b.GetString());
+  if (IsName(m_type)) return IsSameName(a.GetString(), b.GetString());
   if (RulesInUse::AreSchema()) {
     if (!m_members.empty() && a.GetItemType() == ItemType_string) return IsSameInUnion(a.GetString(), b.GetString());
     return CSchemaValues::Compare(a, b) == ValueOrder_Equal;
@@ -166,8 +194,8 @@ QnVariant ValueRule::Held(std::string_view item) const {
 }
 
 void ValueRule::RefuseValue(QnVariant const& value) const {
-  throw OfKind(FailureKind_BrokenFacet,
-               CQnException(FormatString("Invalid Value for %s [%s]", m_name, Print(value).c_str())));
+  std::string const text = HasNames(m_type) ? Joined(value.GetString(), WithoutPrefix) : Print(value);
+  throw OfKind(FailureKind_BrokenFacet, CQnException(FormatString("Invalid Value for %s [%s]", m_name, text.c_str())));
 }
 
 void ValueRule::CheckFixed(QnVariant const& value) const {
@@ -181,7 +209,7 @@ void ValueRule::CheckParts(QnVariant const& value) const {
   CTypeParts const& parts = *m_type.parts;
   if (m_item != nullptr) CheckList(value);
   if (!m_members.empty() && !IsAcceptedByMember(Print(value))) RefuseValue(value);
-  if (parts.valueCount == 0) return;
+  if (parts.valueCount == 0 || (HasNames(m_type) && !RulesInUse::AreSchema())) return;
   bool const isThere = std::any_of(parts.values, parts.values + parts.valueCount,
                                    [&](char const* each) { return IsSame(value, Convert(each)); });
   if (!isThere) RefuseValue(value);
@@ -232,10 +260,12 @@ void ValueRule::CheckBySchema(QnVariant const& value, std::string_view text) con
 }
 
 void ValueRule::CheckFacets(QnVariant const& value, std::string_view text) const {
-  bool const hasNumbers = m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
-  if (!hasNumbers && RulesInUse::AreSchema()) {
+  // The text of names is checked where it is at hand.
+  bool const hasOtherText =
+      HasNames(m_type) || m_type.enumeration != nullptr || (m_item != nullptr && m_item->m_type.enumeration != nullptr);
+  if (!hasOtherText && RulesInUse::AreSchema()) {
     CheckBySchema(value, text);
-  } else if (!hasNumbers && (m_filter == nullptr || !m_filter->Passes(value))) {
+  } else if (!hasOtherText && (m_filter == nullptr || !m_filter->Passes(value))) {
     CXmlObjectHelper::CheckRestriction(m_name, value, m_type.kind, m_restrictions);
   }
   if (HasDigits(m_type)) CheckDigits(m_name, *m_type.facets, value);
@@ -272,6 +302,12 @@ QnVariant ValueRule::Resolve(QnVariant const& value, CXmlElement const& element)
   resolved.SetString(
       Joined(value.GetString(), [&](std::string_view name) { return QualifiedNameText::Resolved(name, element); }));
   return resolved;
+}
+
+std::string ValueRule::NamesText(QnVariant const& value, CXmlWriter& writer) const {
+  std::string text = Declare(value, writer);
+  if (RulesInUse::AreSchema()) CheckPatternOfNames(text);
+  return text;
 }
 
 std::string ValueRule::Declare(QnVariant const& value, CXmlWriter& writer) const {

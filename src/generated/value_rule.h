@@ -30,8 +30,12 @@ class ValueRule {
   QnVariant Read(std::string_view text, bool isElement, CXmlSerializationContext const* ctx = nullptr) const;
   /// The same without any check of the value.
   QnVariant ValueOf(std::string_view text, bool isElement) const { return Convert(TextOf(text, isElement)); }
-  /// The checks of Read() for the value of \p text.
+  /// The checks of Read() for the value of \p text, which is TextOf() what stands in the document.
   void CheckRead(QnVariant const& value, std::string_view text, CXmlSerializationContext const* ctx) const;
+  /// What \p text stands for: the default or fixed value for an empty text of an element.
+  std::string_view TextOf(std::string_view text, bool isElement) const {
+    return isElement && text.empty() && m_default != nullptr ? m_default : text;
+  }
   /// Whether a read under \p ctx checks facets.
   static bool ChecksFacets(CXmlSerializationContext const& ctx);
   /// \throws as CBoundObject::Assign() does.
@@ -48,9 +52,14 @@ class ValueRule {
   /// Put the namespaces of prefixes at \p element into a value that has names.
   /// \throws CQnInvalidValueException "The prefix of the name [%s] is not declared".
   QnVariant Resolve(QnVariant const& value, CXmlElement const& element) const;
+  /// The part of CheckRead() for which a value that has names must have their namespaces, too.
+  void CheckResolved(QnVariant const& value) const;
   /// The text of a value that has names, in the element that was started last.
   /// \throws what QualifiedNameText::Declared() throws.
   std::string Declare(QnVariant const& value, CXmlWriter& writer) const;
+  /// The same for a text that is written.
+  /// \throws CQnException "Invalid Value for %s [%s]" for one that does not match the pattern.
+  std::string NamesText(QnVariant const& value, CXmlWriter& writer) const;
 
   CValueType const& GetType() const { return m_type; }
   bool HasFixedValue() const { return m_fixed != nullptr; }
@@ -79,9 +88,6 @@ class ValueRule {
   }
   QnVariant Convert(std::string_view text) const;
   QnVariant Held(std::string_view item) const;
-  std::string_view TextOf(std::string_view text, bool isElement) const {
-    return isElement && text.empty() && m_default != nullptr ? m_default : text;
-  }
   void CheckFacets(QnVariant const& value, std::string_view text) const;
   void CheckFacets(QnVariant const& value) const;
   void CheckBySchema(QnVariant const& value, std::string_view text) const;
@@ -89,6 +95,7 @@ class ValueRule {
   void CheckList(QnVariant const& list) const;
   void RequireItems(std::string const& list) const;
   void RequireNames(std::string_view text) const;
+  void CheckPatternOfNames(std::string_view text) const;
   bool Accepts(std::string const& text) const;
   bool IsAcceptedByMember(std::string const& text) const;
   void CheckFixed(QnVariant const& value) const;  // there must be one

@@ -97,30 +97,79 @@ std::size_t EndOfName(TextWindow& window, std::size_t at) {
   return at;
 }
 
-ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag) {
-  using Kind = Markup::Kind;
-  if (tag.kind == Kind::kEmptyTag) return {tag.end, true};
-  struct Name {
-    std::size_t start;
-    std::size_t length;
-  };
-  auto const nameAt = [&window](std::size_t start) { return Name{start, EndOfName(window, start) - start}; };
-  auto const text = [&window](Name const& name) { return window.Text(name.start, name.start + name.length); };
-  std::vector<Name> open{nameAt(at + 1)};
-  at = tag.end;
-  while (!open.empty()) {
-    at = window.Find("<", at);
-    if (at == kNone) return {window.Size(), false};
-    Markup const markup = ReadMarkup(window, at);
-    if (markup.end == kNone) return {window.Size(), false};
-    if (markup.kind == Kind::kStartTag) open.push_back(nameAt(at + 1));
-    if (markup.kind == Kind::kEndTag) {
-      if (text(nameAt(at + 2)) != text(open.back())) return {markup.end, false};
-      open.pop_back();
-    }
-    at = markup.end;
+// ---- ReadExtent
+
+namespace {
+
+/// The position past the tag in \p text that goes on at \p at; kNone if it ends beyond the text.
+std::size_t EndOfTagIn(std::string_view text, std::size_t at) {
+  for (;; ++at) {
+    at += LengthOfPlain(text.substr(at));
+    if (at >= text.size()) return kNone;
+    if (text[at] == '>') return at + 1;
+    at = text.find(text[at], at + 1);
+    if (at == kNone) return kNone;
   }
-  return {at, true};
+}
+
+/// Finds the end of an element by its tags.
+class ExtentScan {
+ public:
+  ExtentScan(TextWindow& window, std::size_t start, std::size_t startTagEnd)
+      : m_window(window), m_at(startTagEnd), m_open{start} {}
+
+  ElementExtent Run() {
+    while (!m_open.empty()) {
+      m_at = m_window.Find("<", m_at);
+      if (m_at == kNone) return {m_window.Size(), false};
+      Markup const markup = NextMarkup();
+      if (markup.end == kNone) return {m_window.Size(), false};
+      if (markup.kind == Markup::Kind::kStartTag) m_open.push_back(m_at);
+      if (markup.kind == Markup::Kind::kEndTag) {
+        if (!Closes()) return {markup.end, false};
+        m_open.pop_back();
+      }
+      m_at = markup.end;
+    }
+    return {m_at, true};
+  }
+
+ private:
+  /// What ReadMarkup() finds, found quickly for a tag that is in the window already.
+  Markup NextMarkup() {
+    using Kind = Markup::Kind;
+    std::string_view const text = m_window.Text(0, m_window.Size());
+    char const next = m_at + 1 < text.size() ? text[m_at + 1] : '!';
+    if (next == '/') {
+      std::size_t const end = text.find('>', m_at + 2);
+      if (end != kNone) return {Kind::kEndTag, end + 1};
+    } else if (next != '!' && next != '?') {
+      std::size_t const end = EndOfTagIn(text, m_at + 1);
+      if (end != kNone) return {text[end - 2] == '/' ? Kind::kEmptyTag : Kind::kStartTag, end};
+    }
+    return ReadMarkup(m_window, m_at);
+  }
+
+  /// Whether the end tag has the name of the innermost start tag.
+  bool Closes() {
+    std::size_t const start = m_at + 2;
+    std::size_t const length = EndOfName(m_window, start) - start;
+    std::size_t const opened = m_open.back() + 1;
+    std::string_view const text = m_window.Text(0, m_window.Size());
+    return text.compare(opened, length, text, start, length) == 0 &&
+           !MarkupScan::Is(MarkupScan::kNamePart, text[opened + length]);
+  }
+
+  TextWindow& m_window;
+  std::size_t m_at;
+  std::vector<std::size_t> m_open;  // where the start tags begin
+};
+
+}  // namespace
+
+ElementExtent ReadExtent(TextWindow& window, std::size_t at, Markup const& tag) {
+  if (tag.kind == Markup::Kind::kEmptyTag) return {tag.end, true};
+  return ExtentScan(window, at, tag.end).Run();
 }
 
 // ---- SkipElement

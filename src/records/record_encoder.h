@@ -43,8 +43,8 @@ class RecordEncoder {
 
 /// An encoder for XML text.
 std::unique_ptr<RecordEncoder> EncoderOfText(RecordLayout const& layout);
-/// One for Fast Infoset, with the options of \p ctx. The tables of values stay small, so that its memory does not grow with
-/// the document.
+/// One for Fast Infoset, with the options of \p ctx. The tables of values stay small, so that its memory does not grow
+/// with the document.
 std::unique_ptr<RecordEncoder> EncoderOfInfoset(FInfoDecl decl, CXmlSerializationContext const& ctx);
 
 }  // namespace Quillon9

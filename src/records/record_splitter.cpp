@@ -31,7 +31,7 @@ void AddStep(std::string& path, std::string const& name, std::uint64_t number) {
 }  // namespace
 
 std::string_view RecordChunk::TextOf(std::size_t record) const {
-  std::size_t const end = record + 1 < records.size() ? records[record + 1].start : text.size();
+  std::size_t const end = record + 1 < records.size() ? records[record + 1].start : recordsEnd;
   return std::string_view(text).substr(records[record].start, end - records[record].start);
 }
 
@@ -79,7 +79,11 @@ std::optional<RecordChunk> RecordSplitter::Next() {
   } catch (...) {
     m_failure = std::current_exception();
   }
-  if (!chunk.records.empty()) return chunk;
+  if (!chunk.records.empty()) {
+    chunk.recordsEnd = chunk.text.size();
+    chunk.text += chunk.ancestors->endTags;
+    return chunk;
+  }
   if (m_failure != nullptr) std::rethrow_exception(m_failure);
   return std::nullopt;
 }
@@ -187,6 +191,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
   }
   if (chunk.ancestors == nullptr) {
     chunk.ancestors = Ancestors();
+    chunk.text.reserve(chunk.ancestors->startTags.size() + m_chunkSize * 5 / 4 + chunk.ancestors->endTags.size());
     chunk.text = chunk.ancestors->startTags;
   }
   span.start = chunk.text.size();

@@ -42,13 +42,12 @@ struct RecordSpan {
 /// Records that are children of one element, as a document: the tags around them, the records, and the end tags.
 struct RecordChunk {
   std::shared_ptr<RecordAncestors const> ancestors;
-  std::string text;  ///< without the end tags
+  std::string text;
+  std::size_t recordsEnd = 0;  ///< in the text
   std::vector<RecordSpan> records;
 
   /// The text of one of the records.
   std::string_view TextOf(std::size_t record) const;
-  /// A document with all records.
-  std::string Document() const { return text + ancestors->endTags; }
   /// A document with one of the records.
   std::string Document(std::size_t record) const;
   /// Where a record is in the tree of the whole document.

@@ -39,6 +39,8 @@ void RequireText(std::string const& text) {
   Utf8Text::Check(text);
 }
 
+constexpr char kDeclarations[] = "http://www.w3.org/2000/xmlns/";
+
 /// Namespaces in XML 1.0 (W3C), section 3, "Reserved Prefixes and Namespace Names".
 bool IsReserved(std::string const& prefix, std::string const& uri) {
   std::string start = prefix.substr(0, 3);
@@ -116,6 +118,7 @@ class CXmlRecordWriter::Work {
       throw CQnInvalidParamException(
           FormatString("The prefix [%s] cannot stand for [%s]", prefix.c_str(), uri.c_str()));
     }
+    if (prefix.empty() && m_pending) TreeWriting::RequireElementName(m_pending->first, m_pending->second, !m_infoset);
     if (known == m_declared.end()) m_declared.emplace_back(prefix, uri);
   }
 
@@ -154,6 +157,9 @@ class CXmlRecordWriter::Work {
     if (!m_takesAttributes) {
       throw CQnInvalidStateException(
           FormatString("The attribute [%s] comes after the content of its element", localName.c_str()));
+    }
+    if (namespaceUri == kDeclarations || (namespaceUri.empty() && localName == "xmlns")) {
+      throw CQnInvalidParamException(FormatString("The attribute [%s] would declare a namespace", localName.c_str()));
     }
     StartPending();
     std::pair<std::string, std::string> name(localName, namespaceUri);

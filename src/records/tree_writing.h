@@ -7,8 +7,8 @@
 
 namespace Quillon9 {
 
-/// Writes trees and single elements with what the writers leave to their callers: names are checked, and what is special
-/// in namespace URIs is escaped.
+/// Writes trees and single elements with what the writers leave to their callers: names are checked, and what is
+/// special in namespace URIs is escaped.
 class TreeWriting {
  public:
   /// \p writer is borrowed. \p isText says that it writes text.
@@ -25,8 +25,8 @@ class TreeWriting {
   void Write(CXmlElement const& element, bool keepsPrefixes);
 
   /// Check that an element of this name can be written as text.
-  /// \throws CQnInvalidParamException "The name [%s] is not a name in XML", also for attributes and prefixes; "The element
-  ///         [%s] has no namespace, which cannot be written where there is a default namespace".
+  /// \throws CQnInvalidParamException "The name [%s] is not a name in XML", also for attributes and prefixes; "The
+  ///         element [%s] has no namespace, which cannot be written where there is a default namespace".
   ///@{
   static void RequireElementName(std::string const& localName, std::string const& namespaceUri,
                                  bool hasDefaultNamespace);

@@ -251,6 +251,22 @@ Subject WritingFile() {
           }};
 }
 
+/// A record that fails for want of memory is written again.
+Subject WritingRecords(bool isInfoset) {
+  return Writing([=](CXmlObjectBase& order) {
+    std::string output;
+    CXmlRecordWriter writer(CRecordTarget::Memory(output));
+    if (isInfoset) writer.SetFastInfoset();
+    writer.OpenElement("orders");
+    writer.WriteAttribute("a", "1", "urn:a:namespace:without:a:prefix");
+    for (int i = 0; i < 3; ++i) {
+      if (!FailureOf([&] { writer.Write(order, "order"); }).empty()) writer.Write(order, "order");
+    }
+    writer.Finish();
+    return output;
+  });
+}
+
 TEST(Allocation, Writing) {
   Row const rows[] = {
       {"text", [] { return Writing([](CXmlObjectBase& order) { return order.ToXml(); }); }},
@@ -262,6 +278,8 @@ TEST(Allocation, Writing) {
       {"Fast Infoset in gzip", [] { return WritingFastInfoset(CompressionType_GZip); }},
       {"many options", [] { return Writing(&WriteUnderManyOptions); }},
       {"file", &WritingFile},
+      {"records", [] { return WritingRecords(false); }},
+      {"records in Fast Infoset", [] { return WritingRecords(true); }},
   };
   ExpectAllShortagesReported(rows);
   std::remove(OrderFile().c_str());

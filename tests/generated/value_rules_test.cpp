@@ -216,6 +216,50 @@ TEST(ValueRules, CollectionsAskForThoseOfTheirItems) {
   EXPECT_EQ(article->ToXml(false, false), "<article><item><note>a&#xD;b</note></item></article>");
 }
 
+namespace {
+
+/// The first cause of the failure of a read, or "" if there is none.
+std::string FailureOf(std::string const& document, CXmlSerializationContext const& ctx = {}) {
+  try {
+    Constructs::ReadRoot(XmlText(document), ctx);
+    return "";
+  } catch (CQnException const& failure) {
+    CQnException const* cause = &failure;
+    while (cause->GetInnerException() != nullptr) cause = cause->GetInnerException();
+    return cause->GetMessage();
+  }
+}
+
+std::string WrittenAgain(std::string const& document) {
+  try {
+    CXmlSerializationContext ctx;
+    ctx.SetKeepPrefixes(true);
+    return Constructs::ReadRoot(XmlText(document), ctx)->ToXml();
+  } catch (CQnException const& failure) {
+    return failure.GetFullMessage();
+  }
+}
+
+}  // namespace
+
+TEST(ValueRules, ValuesOfUnionsAreComparedByTheirMembers) {
+  auto const document = [](std::string const& two, std::string const& some) {
+    return "<compared xmlns='urn:t' some='" + some + "'><two>" + two + "</two></compared>";
+  };
+  EXPECT_EQ(FailureOf(document("+02", " 1.50 ")), "");
+  EXPECT_EQ(FailureOf(document("", "all  of it")), "");
+  EXPECT_EQ(FailureOf(document("2.0", "1.5")), "The value [2.0] of [two] is not the fixed value [2]");
+  EXPECT_EQ(FailureOf(document("2", "1.50")), "");
+  EXPECT_EQ(FailureOf(document("2", "1")), "Invalid Value for some [1]");
+  EXPECT_EQ(FailureOf(document("2", "all")), "Invalid Value for some [all]");
+}
+
+TEST(ValueRules, EmptyElementsAreCheckedAsTheirDefault) {
+  EXPECT_EQ(FailureOf("<padded xmlns='urn:t'/>"), "");
+  EXPECT_EQ(FailureOf("<padded xmlns='urn:t'>08</padded>"), "Invalid Value for text [8]");
+  EXPECT_NE(Constructs::ReadRoot(XmlText("<padded xmlns='urn:t'/>"))->ToXml().find(">007<"), std::string::npos);
+}
+
 TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {
   auto const read = [](std::string const& name, std::string const& list) {
     return Constructs::ReadRoot(
@@ -227,4 +271,74 @@ TEST(ValueRules, QualifiedNamesHaveTheFormOfNames) {
     EXPECT_THROW(read(refused, ""), CQnException) << refused;
   }
   EXPECT_THROW(read("a", "a 1b"), CQnException);
+}
+
+TEST(ValueRules, FacetsOfQualifiedNames) {
+  struct {
+    char const* content;
+    char const* failure;
+  } const rows[] = {
+      {"><t:one>t:a</t:one>", ""},
+      {"><one xmlns='urn:t'>a</one>", ""},
+      {"><t:one xmlns:other='urn:o'> other:b </t:one>", ""},
+      {"><t:one>t:b</t:one>", "Invalid Value for one [{urn:t}b]"},
+      {"><t:one xmlns:other='urn:t'>other:b</t:one>", "Invalid Value for one [{urn:t}b]"},
+      {"><t:one>a</t:one>", "Invalid Value for one [a]"},
+      {"><t:short>t:a</t:short><t:short>o:b</t:short>", ""},
+      {"><t:short>t:a</t:short><t:short xmlns:other='urn:o'>other:b</t:short>", "Invalid Value for text [other:b]"},
+      {"><t:short>o:a</t:short>", "Invalid Value for text [{urn:o}a]"},
+      {" xmlns:x='urn:o' pairs=' t:a  x:b '>", ""},
+      {" pairs='t:a'>", ""},
+      {" pairs='o:b t:a'>", "Invalid Value for pairs [{urn:o}b {urn:t}a]"},
+      {" pairs='t:a t:b'>", "Invalid Value for pairs [{urn:t}b]"},
+  };
+  for (auto const& row : rows) {
+    std::string const document = "<t:marked xmlns:t='urn:t' xmlns:o='urn:o'" + std::string(row.content) + "</t:marked>";
+    EXPECT_EQ(FailureOf(document), row.failure) << document;
+    EXPECT_EQ(FailureOf(document, Under(ValueRules_Classic)), "") << document;
+    if (*row.failure != '\0') continue;
+    EXPECT_EQ(FailureOf(WrittenAgain(document)), "") << document;
+  }
+}
+
+TEST(ValueRules, QualifiedNamesThatAProgramSetsAreChecked) {
+  auto const marked = Constructs::CreateMarked();
+  auto const written = [&marked](char const* prefix) {
+    try {
+      CXmlSerializationContext ctx;
+      ctx.GetNamespaceAliases()->Add(prefix, "urn:t");
+      return marked->ToXml(true, false, EOLType_LF, ctx);
+    } catch (CQnException const& failure) {
+      return failure.GetFullMessage();
+    }
+  };
+  marked->SetOne(CQName("urn:o", "b", "any"));
+  EXPECT_THROW(marked->SetOne(CQName("urn:t", "b", "t")), CQnException);
+  EXPECT_NE(written("t").find(">any:b<"), std::string::npos);
+  auto& mark = marked->GetShort().Add();
+  mark.SetValue(CQName("urn:t", "a"));
+  EXPECT_NE(written("long").find("Invalid Value for text [long:a]"), std::string::npos);
+  EXPECT_NE(written("s").find(">s:a<"), std::string::npos);
+}
+
+TEST(ValueRules, CollectionsCheckWhatAProgramAddsByTheRulesOfTheirClass) {
+  CXmlSerializationContext const classic = Under(ValueRules_Classic);
+  auto const made = Constructs::CreateNumbers();
+  auto const read = Constructs::ReadNumbers(XmlText("<numbers xmlns='urn:t'><n>12</n></numbers>"), classic);
+  for (auto const& object : {made, read}) {
+    auto& numbers = object->GetN();
+    int const count = numbers.GetCount();
+    EXPECT_THROW(numbers.Add(1000), CQnException);
+    EXPECT_THROW(numbers.AddFromString("07"), CQnException);
+    EXPECT_EQ(numbers.GetCount(), count);
+    numbers.Add(7);
+    numbers.AddFromString(" 008 ");
+    EXPECT_EQ(numbers.GetCount(), count + 2);
+  }
+  std::string const written = made->ToXml();
+  EXPECT_LT(written.find(">007<"), written.find(">008<")) << written;
+  Ci4Col byHand("n", "", 0, -1, "\\d{3}", -1, -1, "", "", "", "", -1, CWhitespaceUtils::WhitespaceRule_Collapse,
+                nullptr);
+  byHand.Add(1000);
+  EXPECT_EQ(byHand.GetCount(), 1);
 }

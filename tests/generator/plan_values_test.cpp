@@ -101,6 +101,35 @@ class CA of A
   4 E m_e: value @e? string or (date) or (year)
   5 F m_f: value @f? string or (decimal) or (string "all")
 )"},
+    {"UnionsOfAnyText",
+     R"(
+<simpleType name='any'><union memberTypes='int string'/></simpleType>
+<complexType name='A'><attribute name='a' type='t:any' default='1'/><attribute name='b' type='t:any' fixed='1'/>
+  <attribute name='c' fixed='1 x'><simpleType><list><simpleType><union memberTypes='t:any anyURI'/></simpleType></list>
+  </simpleType></attribute>
+  <attribute name='d'><simpleType><restriction base='t:any'><enumeration value='1'/></restriction></simpleType>
+  </attribute></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value @a? string preserve default="1"
+  1 B m_b: value @b? string preserve or (i4) or (string preserve) fixed="1"
+  2 C m_c: value @c? list of (string preserve or (string preserve or (i4) or (string preserve)) or (string)) fixed="1 x"
+  3 D m_d: value @d? string preserve or (i4) or (string preserve) "1"
+)"},
+    {"QualifiedNames",
+     R"(
+<simpleType name='n'><restriction base='QName'><length value='9'/><pattern value='[a-z]:.*'/><enumeration value='t:a'/>
+  <enumeration value='b'/></restriction></simpleType>
+<complexType name='A'><attribute name='a' type='t:n'/><attribute name='b' type='t:n' default='t:a'/>
+  <attribute name='c'><simpleType><restriction><simpleType><list itemType='QName'/></simpleType>
+  <enumeration value='a t:b'/></restriction></simpleType></attribute></complexType>)",
+     R"(
+class CA of A
+  0 A m_a: value @a? qualified name pattern=(?:[a-z]:[^\n\r]*)\z "a" "{http://www.w3.org/2001/XMLSchema}b"
+  1 B m_b: value @b? string pattern=(?:[a-z]:[^\n\r]*)\z default="t:a"
+  2 C m_c: value @c? list of (qualified name) "{http://www.w3.org/2001/XMLSchema}a b"
+a.xsd:4:55: warning: the qualified name in "b", which has a default or fixed value, is kept as text; its prefix is not declared on writing
+)"},
     {"Enumerations",
      R"(
 <simpleType name='colour'><restriction base='string'><enumeration value='red'/><enumeration value='blue'/></restriction>

@@ -171,6 +171,9 @@ TEST(RecordWriter, RecordsThatFailLeaveNothing) {
       EXPECT_FAILURE(CQnValidationException, kBadEntry, writer.Write(*bad));
       EXPECT_FAILURE(CQnInvalidParamException, "The name [not a name] is not a name in XML",
                      writer.Write(*wrong.GetDocumentElement()));
+      bad->SetPlace(Log::CPlace::CreateInstance());
+      bad->SetMessage("\xFF");
+      EXPECT_THROW(writer.Write(*bad), CQnException);
     };
     fail();
     for (Log::CEntry const& entry : log->GetEntry()) {
@@ -252,6 +255,10 @@ TEST(RecordWriter, KeepsDocumentsWellFormed) {
       {{}, named("\xC3\x97"), "The name [\xC3\x97] is not a name in XML"},
       {{declare("", "u")},
        open,
+       "The element [a] has no namespace, which cannot be written where there is a default namespace"},
+      {{open}, value("xmlns", "u"), "The attribute [xmlns] would declare a namespace"},
+      {{open},
+       declare("", "u"),
        "The element [a] has no namespace, which cannot be written where there is a default namespace"},
       {{open}, value("x y", ""), "The name [x y] is not a name in XML"},
       {{open}, value("x", std::string("a\0", 2)), "The character U+0000 cannot stand in an XML document"},

@@ -218,7 +218,7 @@ void InstanceCheck::CheckValue(Element const& element, std::string_view text, bo
                                Texts const& texts) {
   auto const read = [&](Quillon9::ValueRule const& rule) {
     Quillon9::QnVariant const value = rule.Read(text, isElement, &m_context);
-    if (Quillon9::ValueRule::HasNames(rule.GetType())) rule.Resolve(value, element);
+    if (Quillon9::ValueRule::HasNames(rule.GetType())) rule.CheckResolved(rule.Resolve(value, element));
   };
   if (!texts.defaultValue && !texts.fixedValue) return read(m_rows.RuleOf(type));
   read(m_rows.RuleOf(type, TextOrNull(texts.defaultValue), TextOrNull(texts.fixedValue)));

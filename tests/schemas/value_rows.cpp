@@ -65,20 +65,23 @@ CValueType const& ValueRows::MakeRow(Plan::ValueType const& type) {
   return m_rows.emplace_back(row);
 }
 
-CValueType const& ValueRows::RowOf(Schema::SimpleType const* type) {
-  CValueType const*& row = m_rowOf[type];
-  if (row == nullptr) row = &MakeRow(m_planned.emplace_back(m_types.Of(type, {nullptr, "Values", ""})));
+CValueType const& ValueRows::RowOf(Schema::SimpleType const* type, bool isFixed) {
+  CValueType const*& row = m_rowOf[{type, isFixed}];
+  if (row != nullptr) return *row;
+  Plan::ValueType& planned = m_planned.emplace_back(m_types.Of(type, {nullptr, "Values", ""}));
+  if (isFixed) planned.CompareByMember();
+  row = &MakeRow(planned);
   return *row;
 }
 
 ValueRule const& ValueRows::RuleOf(Schema::SimpleType const* type) {
   auto& rule = m_rules[type];
-  if (rule == nullptr) rule = std::make_unique<ValueRule const>("value", RowOf(type), nullptr, nullptr);
+  if (rule == nullptr) rule = std::make_unique<ValueRule const>("value", RowOf(type, false), nullptr, nullptr);
   return *rule;
 }
 
 ValueRule ValueRows::RuleOf(Schema::SimpleType const* type, char const* defaultText, char const* fixedText) {
-  return ValueRule("value", RowOf(type), defaultText, fixedText);
+  return ValueRule("value", RowOf(type, fixedText != nullptr), defaultText, fixedText);
 }
 
 }  // namespace SchemaTests

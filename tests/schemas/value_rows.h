@@ -4,6 +4,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "generated/value_rule.h"
@@ -32,7 +33,7 @@ class ValueRows {
  private:
   using Texts = std::vector<char const*>;
 
-  Quillon9::CValueType const& RowOf(Schema::SimpleType const* type);
+  Quillon9::CValueType const& RowOf(Schema::SimpleType const* type, bool isFixed);
   Quillon9::CValueType const& MakeRow(Plan::ValueType const& type);
   Quillon9::CFacets const* MakeFacets(Plan::Facets const& facets);
   Quillon9::CEnumTexts const* MakeEnum(Plan::Enumeration const* enumeration);
@@ -49,7 +50,7 @@ class ValueRows {
   std::deque<Quillon9::CFacets> m_facets;
   std::deque<Quillon9::CTypeParts> m_parts;
   std::deque<Quillon9::CValueType> m_rows;
-  std::map<Schema::SimpleType const*, Quillon9::CValueType const*> m_rowOf;
+  std::map<std::pair<Schema::SimpleType const*, bool>, Quillon9::CValueType const*> m_rowOf;
   std::map<Schema::SimpleType const*, std::unique_ptr<Quillon9::ValueRule const>> m_rules;
 };
 

@@ -53,9 +53,10 @@ struct CTypeParts {
   CValueType const* item = nullptr;  ///< of a list: the type of its items; the kind of the list is ItemType_string then
   CValueType const* const* members = nullptr;  ///< of a union: one of these types has to accept the value
   int memberCount = 0;                         ///< of a union
-  char const* const* values = nullptr;         ///< all values there are, where they are not held as enumerators
-  int valueCount = 0;                          ///< of these
-  ValueRole role = ValueRole::None;            ///< of the value, not of the items of a list
+  /// All values there are, where they are not held as enumerators; "{namespace}name" for qualified names.
+  char const* const* values = nullptr;
+  int valueCount = 0;                ///< of these
+  ValueRole role = ValueRole::None;  ///< of the value, not of the items of a list
 };
 
 constexpr ItemType CValueType::HeldKind() const {

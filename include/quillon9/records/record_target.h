@@ -19,10 +19,10 @@ class QUILLON9_API CRecordTarget {
   /// caller.
   using Function = std::function<void(char const*, std::size_t)>;
 
-  /// The file \p path. It appears or changes only when the document is complete; until then the bytes are in a temporary
-  /// file in the same folder, which is removed if they do not become complete. The new file gets the owner, group and
-  /// rights of the old one. Pipes, devices, and files that the system does not allow to be replaced are written
-  /// directly.
+  /// The file \p path. It appears or changes only when the document is complete; until then the bytes are in a
+  /// temporary file in the same folder, which is removed if they do not become complete. The new file gets the owner,
+  /// group and rights of the old one. Pipes, devices, and files that the system does not allow to be replaced are
+  /// written directly.
   /// \throws CQnException "Failed to write data to the file [%s]" if the file cannot be created or may not be written.
   ///@{
   CRecordTarget(char const* path);
@@ -36,8 +36,8 @@ class QUILLON9_API CRecordTarget {
   CRecordTarget& operator=(CRecordTarget&& other) noexcept;
   ~CRecordTarget();
 
-  /// The end of the file \p path, which is created where it is missing, for a log of records. See
-  /// CXmlRecordWriter for what is written.
+  /// The end of the file \p path, which is created where it is missing, for a log of records. See CXmlRecordWriter for
+  /// what is written. Where a write fails, as on a full disk, the file may end inside of a record.
   /// \throws CQnException as for a file.
   static CRecordTarget EndOfFile(std::string const& path);
   /// An open file or pipe, such as descriptor 1 for the standard output. The descriptor stays open. A pipe whose reader

@@ -32,14 +32,14 @@ namespace Quillon9 {
 /// instructions of the document element, among others.
 ///
 /// A record that cannot be written, such as one with a value that breaks a facet, leaves nothing in the output: Write()
-/// throws, and the next call goes on. A failure of the target ends the writer, and so does one of the elements around
-/// the records: from then on, every call throws it again. A document whose Finish() has not been called does not exist,
-/// where the target is a file or memory.
+/// throws, and the next call goes on. A failure of the target ends the writer: from then on, every call throws it
+/// again. So does a shortage of memory outside of a record. A file or memory gets its contents in Finish(), and stays as
+/// it was without that call.
 ///
-/// With CRecordTarget::EndOfFile(), each record is an element of its own: there are neither a header nor elements around
-/// the records, and each declares its namespaces. Such a file is an external parsed entity (XML 1.0, W3C, 4.3.2), which
-/// becomes a document with a start tag in front of it and the end tag after it. What has been written is kept without
-/// Finish(), too.
+/// With CRecordTarget::EndOfFile(), each record is an element of its own: there are neither a header nor elements
+/// around the records, and each declares its namespaces. Such a file is an external parsed entity (XML 1.0, W3C,
+/// 4.3.2), which becomes a document with a start tag in front of it and the end tag after it. What has been written is
+/// kept without Finish(), too.
 ///
 /// Names and texts that a program passes to the operations are UTF-8. A writer belongs to one thread at a time.
 class QUILLON9_API CXmlRecordWriter {
@@ -85,15 +85,16 @@ class QUILLON9_API CXmlRecordWriter {
   /// further attributes.
   /// \throws as the other form, and what a write of \p object throws; the element is not open then.
   void OpenElement(CXmlGeneratedClass const& object);
-  /// Write an attribute of the element that was opened last, before its content. \p type may select the encoding in Fast
-  /// Infoset.
+  /// Write an attribute of the element that was opened last, before its content. \p type may select the encoding in
+  /// Fast Infoset.
   /// \throws CQnInvalidStateException "There is no open element", "The attribute [%s] comes after the content of its
-  ///         element"; CQnInvalidParamException "The element has two attributes [%s]"; CQnInvalidValueException "The
-  ///         character U+%04X cannot stand in an XML document", and "The text is not well-formed UTF-8 after [%s]".
+  ///         element"; CQnInvalidParamException "The element has two attributes [%s]", "The attribute [%s] would
+  ///         declare a namespace"; CQnInvalidValueException "The character U+%04X cannot stand in an XML document", and
+  ///         "The text is not well-formed UTF-8 after [%s]".
   void WriteAttribute(std::string const& localName, std::string const& value, std::string const& namespaceUri = {},
                       ItemType type = ItemType_string);
-  /// Write text into the open element. Text around records counts, so no line ends and tabs are added until that element
-  /// is closed.
+  /// Write text into the open element. Text around records counts, so no line ends and tabs are added until that
+  /// element is closed.
   /// \throws CQnInvalidStateException "There is no open element"; CQnInvalidValueException as WriteAttribute().
   void WriteText(std::string const& text, ItemType type = ItemType_string);
   /// Close the element that was opened last.
@@ -102,8 +103,8 @@ class QUILLON9_API CXmlRecordWriter {
   /// @}
 
   /// \name Records
-  /// A record without an open element is the document element. Each throws CQnInvalidStateException "A document has only
-  /// one element" after it.
+  /// A record without an open element is the document element. Each throws CQnInvalidStateException "A document has
+  /// only one element" after it.
   /// @{
 
   /// Write \p object under its element name, in its target namespace: what GetElementName() and GetTargetNamespace()
@@ -111,7 +112,7 @@ class QUILLON9_API CXmlRecordWriter {
   /// \throws what CXmlObjectBase::ToXml() throws, with the path from the record; nothing of it is written then.
   void Write(CXmlObjectBase const& object);
   /// Write \p object, which has this element name in the meantime, in its target namespace or in \p namespaceUri, which
-  /// is empty for none.
+  /// is empty for none. A CElement keeps its own name and namespace.
   /// \throws as Write(object), and CQnInvalidParamException "The name [%s] is not a name in XML".
   ///@{
   void Write(CXmlObjectBase& object, std::string const& localName);
@@ -128,8 +129,8 @@ class QUILLON9_API CXmlRecordWriter {
   std::uint64_t GetCount() const;
   /// @}
 
-  /// Pass on to the target what has been written so far: to a reader that waits at the other end of a pipe, for example.
-  /// Without this call, that happens when a block is full. Compressed data become a little longer.
+  /// Pass on to the target what has been written so far: to a reader that waits at the other end of a pipe, for
+  /// example. Without this call, that happens when a block is full. Compressed data become a little longer.
   void Flush();
   /// Close the open elements and complete the document. Further calls of this do nothing; others throw
   /// CQnInvalidStateException "The document is finished".
