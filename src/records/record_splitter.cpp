@@ -57,12 +57,17 @@ RecordSplitter::RecordSplitter(TextWindow& window, std::vector<RecordPath> paths
 
 void RecordSplitter::Resume(ResumePoint const& point) {
   m_skeleton.Feed(point.prolog, point.at);
-  m_documentType = point.prolog.substr(m_skeleton.IsStandalone() ? sizeof kStandalone - 1 : 0);
+  std::string_view constexpr kDeclaration = kStandalone;
+  bool const hasDeclaration = point.prolog.compare(0, kDeclaration.size(), kDeclaration) == 0;
+  m_documentType = point.prolog.substr(hasDeclaration ? kDeclaration.size() : 0);
   for (ResumePoint::Element const& element : point.elements) {
     m_skeleton.Feed(element.startTag, point.at, 1);
-    std::size_t const nameEnd = element.startTag.find_first_of(" \t\r\n>");
-    m_levels.push_back(
-        {element.startTag, element.startTag.substr(1, nameEnd - 1), element.number, StatesOfInnermost(), {}});
+    if (element.startTag.front() != '<' || m_skeleton.Depth() != m_levels.size() + 1) {
+      ResumePoint::ThrowInvalid(point.ToText());
+    }
+    std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
+    if (!m_levels.empty() && element.number > 0) m_levels.back().children.emplace(name, element.number);
+    m_levels.push_back({element.startTag, name, element.number, StatesOfInnermost(), {}});
   }
   if (!m_levels.empty() && point.number > 0) m_levels.back().children.emplace(point.name, point.number - 1);
 }
@@ -206,7 +211,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
 
 std::vector<RecordPath::State> RecordSplitter::StatesOfInnermost() const {
   std::vector<RecordPath::State> states;
-  ElementName const& name = m_skeleton.Open().back();
+  ElementName const& name = m_skeleton.Opened();
   for (std::size_t i = 0; i < m_paths.size(); ++i) {
     RecordPath::State const outside = m_levels.empty() ? RecordPath::kStart : m_levels.back().states[i];
     states.push_back(m_paths[i].Enter(outside, name));

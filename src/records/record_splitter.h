@@ -64,7 +64,8 @@ class RecordSplitter {
   RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
 
   /// Begin at \p point, where the window begins. Nothing has been read.
-  /// \throws what RecordSkeleton throws for tags that are not those of a document.
+  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowInvalid() for
+  ///         others that do not open one element each.
   void Resume(ResumePoint const& point);
   /// End in front of the first record that begins at \p offset of the document or after it, and leave the rest unread.
   void SetEnd(std::uint64_t offset) { m_end = offset; }
