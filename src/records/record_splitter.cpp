@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t kNone = TextWindow::kNone;
 constexpr char kStandalone[] = R"(<?xml version="1.0" standalone="yes"?>)";
-constexpr std::size_t kMostNames = 1000;  // of children that are counted
+constexpr std::size_t kMostNames = 1000;      // of children that are counted
+constexpr std::size_t kLongestName = 256;     // of these
+constexpr std::size_t kMostOpen = 0x1000000;  // octets of start tags that are repeated for each chunk
 
 /// A start tag as one that has content.
 std::string Opened(std::string_view tag, Markup::Kind kind) {
@@ -66,10 +68,14 @@ void RecordSplitter::Resume(ResumePoint const& point) {
       ResumePoint::ThrowInvalid(point.ToText());
     }
     std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
-    if (!m_levels.empty() && element.number > 0) m_levels.back().children.emplace(name, element.number);
+    if (!m_levels.empty() && element.number > 0) {
+      m_nameCount += m_levels.back().children.emplace(name, element.number).second ? 1U : 0U;
+    }
+    m_openSize += element.startTag.size();
     m_levels.push_back({element.startTag, name, element.number, StatesOfInnermost(), {}});
   }
-  if (!m_levels.empty() && point.number > 0) m_levels.back().children.emplace(point.name, point.number - 1);
+  if (m_levels.empty() || point.number == 0) return;
+  m_nameCount += m_levels.back().children.emplace(point.name, point.number - 1).second ? 1U : 0U;
 }
 
 std::optional<RecordChunk> RecordSplitter::Next() {
@@ -115,7 +121,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   try {
     markup = ReadMarkup(m_window, 0);
   } catch (TextWindow::Full const&) {
-    ThrowMarkupTooLarge();
+    ThrowTooLarge("The markup exceeds the limit of %zu bytes", m_window.Most());
   }
   if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
@@ -141,6 +147,8 @@ void RecordSplitter::PassMarkup(Markup const& markup) {
   m_skeleton.Feed(text, m_window.Start());
   if (markup.kind == Markup::Kind::kDocumentType) m_documentType = text;
   if (markup.kind == Markup::Kind::kEndTag && !m_levels.empty()) {
+    m_openSize -= m_levels.back().startTag.size();
+    m_nameCount -= m_levels.back().children.size();
     m_levels.pop_back();
     m_ancestors.reset();
   }
@@ -174,6 +182,9 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   if (tag.kind == Markup::Kind::kEmptyTag) {
     m_skeleton.Feed(EndTagOf(level.name), m_window.Start());
   } else {
+    m_openSize += level.startTag.size();
+    if (m_openSize > kMostOpen)
+      ThrowTooLarge("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
     m_levels.push_back(std::move(level));
     m_ancestors.reset();
   }
@@ -189,6 +200,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
     ElementExtent const extent = ReadExtent(m_window, 0, m_opened->tag);
     span.isWhole = extent.isWhole;
     end = extent.end;
+    if (end > m_window.Most()) throw TextWindow::Full();  // although it is in the window already
   } catch (TextWindow::Full const&) {
     m_window.SetMayRead(true);
     span.isTooLarge = true;
@@ -232,7 +244,8 @@ std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   auto& children = m_levels.back().children;
   auto const found = children.find(name);
   if (found != children.end()) return ++found->second;
-  if (children.size() >= kMostNames) return 0;
+  if (m_nameCount >= kMostNames || name.size() > kLongestName) return 0;
+  ++m_nameCount;
   children.emplace(name, 1);
   return 1;
 }
@@ -260,11 +273,9 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   return m_ancestors;
 }
 
-void RecordSplitter::ThrowMarkupTooLarge() const {
-  throw RecordPlace::Noted(
-      RecordPlace::At(m_window.Start(), {}),
-      OfKind(FailureKind_Limit,
-             CQnException(FormatString("The markup exceeds the limit of %zu bytes", m_window.Most()))));
+void RecordSplitter::ThrowTooLarge(char const* message, std::size_t limit) const {
+  throw RecordPlace::Noted(RecordPlace::At(m_window.Start(), {}),
+                           OfKind(FailureKind_Limit, CQnException(FormatString(message, limit))));
 }
 
 }  // namespace Quillon9

@@ -31,6 +31,17 @@ std::string Order(std::string const& items) {
   return "<purchaseOrder orderDate='2024-03-18'>\n<items>\n" + items + "</items></purchaseOrder>";
 }
 
+std::string Repeated(std::string const& text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+/// Takes any content.
+struct AnyElement : CElement {
+  AnyElement() : CElement("") {}
+};
+
 std::string Utf16(std::u16string const& text) {
   std::string octets;
   for (char16_t const unit : text) octets += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
@@ -392,5 +403,48 @@ TEST(RecordStream, FindsTheStartOfAReferenceThatComesInPieces) {
       EXPECT_EQ(failure.GetPlace()->GetOffset(), 7) << piece;
       EXPECT_EQ(failure.GetPlace()->GetColumn(), 3U) << piece;
     }
+  }
+}
+
+TEST(CXmlRecordReader, HasLimitsForWhatItKeeps) {
+  std::string const three = Order(ItemText("111-AA") + ItemText("222-BB", std::string(90, '1')) + ItemText("333-CC"));
+  CXmlRecordReader reader(CRecordSource::Memory(three.data(), three.size()));
+  reader.SelectRecords("//item");
+  reader.SetMaxRecordSize(150);
+  std::vector<std::string> const numbers = PartNumbers(reader);
+  ASSERT_EQ(numbers.size(), 3U);
+  EXPECT_NE(numbers[1].find("The record exceeds the limit of 150 bytes"), std::string::npos) << numbers[1];
+  std::string const tags = "<a b='" + std::string(9000000, 'x') + "'><a b='" + std::string(9000000, 'x') + "'><item/>";
+  CXmlRecordReader nested(CRecordSource::Memory(tags.data(), tags.size()));
+  nested.SelectRecords("//item");
+  EXPECT_FAILURE(CQnException, "The start tags of the open elements exceed the limit of 16777216 bytes", nested.Skip());
+  std::string const deep = "<a><item>" + Repeated("<b>", 3000) + Repeated("</b>", 3000) + "</item><item/></a>";
+  CXmlRecordReader levels(CRecordSource::Memory(deep.data(), deep.size()));
+  levels.SelectRecords("//item");
+  EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 1000 levels", levels.Skip());
+  EXPECT_TRUE(levels.Skip());
+}
+
+TEST(CXmlRecordReader, RefusesToGoOnInAHandler) {
+  std::string const text = "<a><h/><r/><r/><h/><r/></a>";
+  for (bool const isParallel : {false, true}) {
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+    reader.SelectRecords("//r");
+    int failures = 0;
+    reader.OnElement("//h", [&](CXmlRecordReader& at) {
+      EXPECT_FAILURE(CQnInvalidStateException, "A handler of the reader cannot go on with the read", at.Skip());
+      EXPECT_EQ(at.GetElement()->GetLocalName(), "h");
+      if (++failures == 2) throw std::runtime_error("no more");
+    });
+    std::atomic<int> count{0};
+    auto const read = [&] {
+      if (isParallel)
+        return void(reader.ForEachRecord<AnyElement>(
+            2, [&](auto const&) { ++count; }, RecordOrder_Document));
+      while (reader.Skip()) ++count;
+    };
+    EXPECT_THROW(read(), std::runtime_error);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(failures, 2);
   }
 }
