@@ -142,11 +142,14 @@ CFailurePlace InfosetBatch::Place(std::size_t record) const {
 }
 
 CFailurePlace InfosetBatch::Find(FailurePoint const& point) {
+  if (m_tree == nullptr) return {};
   CFailurePlace const place = m_tree->places.Find(point);
   return PlaceAt(place.GetOffset(), place.GetPath());
 }
 
-bool InfosetBatch::HasPositionsOf(CXmlElement const* element) { return m_tree->places.HasPositionsOf(element); }
+bool InfosetBatch::HasPositionsOf(CXmlElement const* element) {
+  return m_tree != nullptr && m_tree->places.HasPositionsOf(element);
+}
 
 /// The place in the whole document of one in the tree.
 CFailurePlace InfosetBatch::PlaceAt(std::int64_t offset, std::string const& path) const {

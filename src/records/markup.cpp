@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "quillon9/base/limits.h"
 #include "xmlio/markup_scan.h"
 
 namespace Quillon9 {
@@ -124,11 +125,8 @@ class ExtentScan {
       if (m_at == kNone) return {m_window.Size(), false};
       Markup const markup = NextMarkup();
       if (markup.end == kNone) return {m_window.Size(), false};
-      if (markup.kind == Markup::Kind::kStartTag) m_open.push_back(m_at);
-      if (markup.kind == Markup::Kind::kEndTag) {
-        if (!Closes()) return {markup.end, false};
-        m_open.pop_back();
-      }
+      if (markup.kind == Markup::Kind::kStartTag) Open();
+      if (markup.kind == Markup::Kind::kEndTag && !Close()) return {markup.end, false};
       m_at = markup.end;
     }
     return {m_at, true};
@@ -150,6 +148,25 @@ class ExtentScan {
     return ReadMarkup(m_window, m_at);
   }
 
+  // A record that is too deep cannot be loaded, whatever the names of its tags.
+  void Open() {
+    if (m_open.size() < m_mostOpen) {
+      m_open.push_back(m_at);
+    } else {
+      ++m_tooDeep;
+    }
+  }
+
+  bool Close() {
+    if (m_tooDeep != 0) {
+      --m_tooDeep;
+      return true;
+    }
+    if (!Closes()) return false;
+    m_open.pop_back();
+    return true;
+  }
+
   /// Whether the end tag has the name of the innermost start tag.
   bool Closes() {
     std::size_t const start = m_at + 2;
@@ -162,7 +179,9 @@ class ExtentScan {
 
   TextWindow& m_window;
   std::size_t m_at;
+  std::size_t const m_mostOpen = std::size_t{CLimits::GetMaxElementDepth()} + 1;
   std::vector<std::size_t> m_open;  // where the start tags begin
+  std::size_t m_tooDeep = 0;        // how many more are open
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <utility>
 #include <vector>
@@ -45,7 +46,10 @@ class DescriptorInput final : public OctetInput {
       if (errno != EINTR) ThrowUnreadable(m_path, errno);
     }
   }
-  bool Seek(std::uint64_t offset) override { return lseek(m_descriptor, static_cast<off_t>(offset), SEEK_CUR) != -1; }
+  bool Seek(std::uint64_t offset) override {
+    if (offset > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max())) return false;
+    return lseek(m_descriptor, static_cast<off_t>(offset), SEEK_CUR) != -1;
+  }
 
  private:
   int m_descriptor;

@@ -32,7 +32,7 @@ void ParallelRead::DoInTurn(RecordWork const& work) {
 
 template <class Action>
 void ParallelRead::ForEach(RecordWork const& work, Action action) {
-  for (std::size_t i = work.first; i < work.batch->Size() && !m_workers.IsStopped(); ++i) {
+  for (std::size_t i = work.first; i < work.end && !m_workers.IsStopped(); ++i) {
     if (!m_options.isRecord[work.batch->Selection(i)]) continue;
     action(PresentRecord(*work.batch, i, m_options.use).Read(m_options.make, m_options.ctx));
   }

@@ -24,7 +24,10 @@ void PresentRecord::ReadInto(CXmlObjectBase& object, CXmlSerializationContext co
 void PresentRecord::ReadElement(CXmlObjectBase& object, CXmlSerializationContext const& ctx) {
   TextScope const scope(object, ctx);
   Utf8Text::Use const use = TextUse(object, ctx);
-  if (use != m_use) *this = PresentRecord(*m_batch, m_record, use);
+  if (use != m_use) {
+    m_element = nullptr;  // the tree ends even where the record cannot be loaded again
+    *this = PresentRecord(*m_batch, m_record, use);
+  }
   try {
     ReadObject(*m_element, object, ctx);
   } catch (CQnException& failure) {

@@ -30,6 +30,10 @@ namespace {
 
 [[noreturn]] void ThrowBegun() { throw CQnInvalidStateException("The read has begun"); }
 
+[[noreturn]] void ThrowInHandler() {
+  throw CQnInvalidStateException("A handler of the reader cannot go on with the read");
+}
+
 [[noreturn]] void ThrowNoRecord() { throw CQnInvalidStateException("There is no record"); }
 
 /// Counts what passes.
@@ -115,6 +119,7 @@ class CXmlRecordReader::Work {
   }
 
   bool Advance(CXmlRecordReader& reader, bool holdsUtf8) {
+    if (m_isInHandler) ThrowInHandler();
     if (m_end != nullptr) std::rethrow_exception(m_end);
     Utf8Text::Use const use = UseFor(holdsUtf8);
     do {
@@ -128,6 +133,7 @@ class CXmlRecordReader::Work {
 
   std::uint64_t ForEach(CXmlRecordReader& reader, unsigned threads, RecordOrder order, bool holdsUtf8,
                         detail::RecordMaker make, detail::RecordTask const& task) {
+    if (m_isInHandler) ThrowInHandler();
     if (m_end != nullptr) std::rethrow_exception(m_end);
     std::uint64_t const before = m_count;
     Utf8Text::Use const use = UseFor(holdsUtf8);
@@ -229,7 +235,14 @@ class CXmlRecordReader::Work {
     std::size_t const path = m_batch->Selection(m_record);
     if (m_isRecord[path]) return false;
     Load(use);
-    m_handlers[path](reader);
+    m_isInHandler = true;
+    try {
+      m_handlers[path](reader);
+    } catch (...) {
+      m_isInHandler = false;
+      throw;
+    }
+    m_isInHandler = false;
     return true;
   }
 
@@ -265,11 +278,18 @@ class CXmlRecordReader::Work {
   // One thread at a time uses a batch, so that the elements between the records are read first.
   bool AddBatch(CXmlRecordReader& reader, Utf8Text::Use use, RecordWorkers& workers) {
     std::size_t const first = m_record;
-    for (; m_record < m_batch->Size(); ++m_record) {
-      if (!RunHandler(reader, use)) ++m_count;
+    std::exception_ptr failure;
+    try {
+      for (; m_record < m_batch->Size(); ++m_record) {
+        if (!RunHandler(reader, use)) ++m_count;
+      }
+    } catch (...) {
+      failure = std::current_exception();  // of an element that comes after other records of the batch
     }
     m_present = {};
-    return workers.Add(std::move(m_batch), first);
+    bool const goesOn = workers.Add(std::move(m_batch), first, m_record);
+    if (failure != nullptr) std::rethrow_exception(failure);
+    return goesOn;
   }
 
   CRecordSource m_source;
@@ -286,6 +306,7 @@ class CXmlRecordReader::Work {
   std::size_t m_record = 0;  // of the batch
   PresentRecord m_present;
   bool m_isAtEnd = false;
+  bool m_isInHandler = false;
   std::exception_ptr m_end;  // the failure that every call throws
   std::uint64_t m_count = 0;
   std::uint64_t m_inputOffset = 0;

@@ -9,6 +9,7 @@
 #include "quillon9/base/limits.h"
 #include "quillon9/xmlio/document.h"
 #include "records/record_place.h"
+#include "text/utf8_to_local.h"
 #include "xmlio/expat_input.h"
 #include "xmlio/expat_version.h"
 
@@ -28,6 +29,7 @@ RecordSkeleton::RecordSkeleton() {
   XML_SetElementHandler(m_parser.get(), FnStartElement, FnEndElement);
   XML_SetXmlDeclHandler(m_parser.get(), FnXmlDeclaration);
   XML_SetStartDoctypeDeclHandler(m_parser.get(), FnStartDocumentType);
+  XML_SetAttlistDeclHandler(m_parser.get(), FnDeclareAttribute);
 }
 
 RecordSkeleton::~RecordSkeleton() = default;
@@ -45,9 +47,13 @@ void RecordSkeleton::Parse(std::string_view text, TextPosition const& at, std::s
 }
 
 void RecordSkeleton::ThrowFailure(std::string_view text, TextPosition const& at) const {
-  std::int64_t const index = std::max<std::int64_t>(XML_GetCurrentByteIndex(m_parser.get()) - m_fed, 0);
+  std::int64_t const index = XML_GetCurrentByteIndex(m_parser.get()) - m_fed;
   TextPosition place = at;
-  place.Pass(text.substr(0, static_cast<std::size_t>(index)));
+  place.Pass(text.substr(0, static_cast<std::size_t>(std::max<std::int64_t>(index, 0))));
+  // A token that began in an earlier text is a reference or a part of a character, so it is on this line.
+  auto const before = static_cast<std::uint64_t>(std::max<std::int64_t>(-index, 0));
+  place.offset -= std::min(before, place.offset);
+  place.column -= std::min(before, place.column - 1);
   throw RecordPlace::Noted(
       RecordPlace::At(place, {}),
       OfKind(FailureKind_Parse,
@@ -72,7 +78,7 @@ void RecordSkeleton::FnStartElement(void* self, XML_Char const* name, XML_Char c
 }
 
 void RecordSkeleton::FnEndElement(void* self, XML_Char const*) {
-  Guarded(self, [](RecordSkeleton& skeleton) { skeleton.m_open.pop_back(); });
+  Guarded(self, [](RecordSkeleton& skeleton) { --skeleton.m_depth; });
 }
 
 void RecordSkeleton::FnXmlDeclaration(void* self, XML_Char const*, XML_Char const*, int standalone) {
@@ -83,16 +89,31 @@ void RecordSkeleton::FnStartDocumentType(void* self, XML_Char const*, XML_Char c
   Guarded(self, [](RecordSkeleton&) { CXmlDocument::CheckDocumentType(); });
 }
 
+void RecordSkeleton::FnDeclareAttribute(void* self, XML_Char const* element, XML_Char const*, XML_Char const*,
+                                        XML_Char const*, int) {
+  Guarded(self, [=](RecordSkeleton& skeleton) { skeleton.DeclareAttribute(element); });
+}
+
+// The parser goes through all of them at each start tag of the element.
+void RecordSkeleton::DeclareAttribute(std::string const& element) {
+  std::uint32_t const limit = CLimits::GetMaxDeclaredAttributes();
+  if (++m_declaredAttributes[element] <= limit) return;
+  throw OfKind(FailureKind_Limit,
+               CQnException(FormatString("The document type declares more than %u attributes for the element [%s]",
+                                         limit, CUtf8ToLocal()(element).c_str())));
+}
+
 void RecordSkeleton::StartElement(std::string_view name) {
   std::uint32_t const limit = CLimits::GetMaxElementDepth();
-  if (m_open.size() >= limit) {
+  if (m_depth >= limit) {
     throw OfKind(FailureKind_Limit,
                  CQnException(FormatString("The element nesting exceeds the limit of %u levels", limit)));
   }
   std::size_t const separator = name.find(kSeparator);
   bool const hasUri = separator != std::string_view::npos;
-  m_open.push_back({std::string(hasUri ? name.substr(0, separator) : std::string_view()),
-                    std::string(hasUri ? name.substr(separator + 1) : name)});
+  m_opened.uri = hasUri ? name.substr(0, separator) : std::string_view();
+  m_opened.local = hasUri ? name.substr(separator + 1) : name;
+  ++m_depth;
   ++m_started;
 }
 

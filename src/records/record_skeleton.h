@@ -5,10 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <exception>
+#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "records/record_path.h"
 #include "records/text_window.h"
@@ -16,7 +16,7 @@
 namespace Quillon9 {
 
 /// What remains of a document without the content of its records. A parser checks that it is well-formed, and tells the
-/// names of the open elements.
+/// names of the elements.
 class RecordSkeleton {
  public:
   RecordSkeleton();
@@ -35,8 +35,10 @@ class RecordSkeleton {
 
   /// Whether the XML declaration says that the document stands alone.
   bool IsStandalone() const { return m_isStandalone; }
-  /// The names of the open elements, from the root on.
-  std::vector<ElementName> const& Open() const { return m_open; }
+  /// How many elements are open.
+  std::size_t Depth() const { return m_depth; }
+  /// The name of the element that was opened last.
+  ElementName const& Opened() const { return m_opened; }
 
  private:
   struct ParserDeleter {
@@ -50,13 +52,18 @@ class RecordSkeleton {
   static void XMLCALL FnXmlDeclaration(void* self, XML_Char const* version, XML_Char const* encoding, int standalone);
   static void XMLCALL FnStartDocumentType(void* self, XML_Char const* name, XML_Char const* systemId,
                                           XML_Char const* publicId, int hasInternalSubset);
+  static void XMLCALL FnDeclareAttribute(void* self, XML_Char const* element, XML_Char const* attribute,
+                                         XML_Char const* type, XML_Char const* value, int isRequired);
+  void DeclareAttribute(std::string const& element);
   void Parse(std::string_view text, TextPosition const& at, std::size_t tags, bool isFinal);
   void StartElement(std::string_view name);
   [[noreturn]] void ThrowFailure(std::string_view text, TextPosition const& at) const;
 
   std::unique_ptr<XML_ParserStruct, ParserDeleter> m_parser;
   std::exception_ptr m_failure;
-  std::vector<ElementName> m_open;
+  std::map<std::string, std::uint32_t> m_declaredAttributes;  // of elements
+  std::size_t m_depth = 0;
+  ElementName m_opened;
   bool m_isStandalone = false;
   std::int64_t m_fed = 0;
   std::size_t m_started = 0;  // by the present text

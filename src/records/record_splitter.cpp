@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t kNone = TextWindow::kNone;
 constexpr char kStandalone[] = R"(<?xml version="1.0" standalone="yes"?>)";
-constexpr std::size_t kMostNames = 1000;  // of children that are counted
+constexpr std::size_t kMostNames = 1000;      // of children that are counted
+constexpr std::size_t kLongestName = 256;     // of these
+constexpr std::size_t kMostOpen = 0x1000000;  // octets of start tags that are repeated for each chunk
 
 /// A start tag as one that has content.
 std::string Opened(std::string_view tag, Markup::Kind kind) {
@@ -57,14 +59,23 @@ RecordSplitter::RecordSplitter(TextWindow& window, std::vector<RecordPath> paths
 
 void RecordSplitter::Resume(ResumePoint const& point) {
   m_skeleton.Feed(point.prolog, point.at);
-  m_documentType = point.prolog.substr(m_skeleton.IsStandalone() ? sizeof kStandalone - 1 : 0);
+  std::string_view constexpr kDeclaration = kStandalone;
+  bool const hasDeclaration = point.prolog.compare(0, kDeclaration.size(), kDeclaration) == 0;
+  m_documentType = point.prolog.substr(hasDeclaration ? kDeclaration.size() : 0);
   for (ResumePoint::Element const& element : point.elements) {
     m_skeleton.Feed(element.startTag, point.at, 1);
-    std::size_t const nameEnd = element.startTag.find_first_of(" \t\r\n>");
-    m_levels.push_back(
-        {element.startTag, element.startTag.substr(1, nameEnd - 1), element.number, StatesOfInnermost(), {}});
+    if (element.startTag.front() != '<' || m_skeleton.Depth() != m_levels.size() + 1) {
+      ResumePoint::ThrowInvalid(point.ToText());
+    }
+    std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
+    if (!m_levels.empty() && element.number > 0) {
+      m_nameCount += m_levels.back().children.emplace(name, element.number).second ? 1U : 0U;
+    }
+    m_openSize += element.startTag.size();
+    m_levels.push_back({element.startTag, name, element.number, StatesOfInnermost(), {}});
   }
-  if (!m_levels.empty() && point.number > 0) m_levels.back().children.emplace(point.name, point.number - 1);
+  if (m_levels.empty() || point.number == 0) return;
+  m_nameCount += m_levels.back().children.emplace(point.name, point.number - 1).second ? 1U : 0U;
 }
 
 std::optional<RecordChunk> RecordSplitter::Next() {
@@ -110,7 +121,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   try {
     markup = ReadMarkup(m_window, 0);
   } catch (TextWindow::Full const&) {
-    ThrowMarkupTooLarge();
+    ThrowTooLarge("The markup exceeds the limit of %zu bytes", m_window.Most());
   }
   if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
@@ -136,6 +147,8 @@ void RecordSplitter::PassMarkup(Markup const& markup) {
   m_skeleton.Feed(text, m_window.Start());
   if (markup.kind == Markup::Kind::kDocumentType) m_documentType = text;
   if (markup.kind == Markup::Kind::kEndTag && !m_levels.empty()) {
+    m_openSize -= m_levels.back().startTag.size();
+    m_nameCount -= m_levels.back().children.size();
     m_levels.pop_back();
     m_ancestors.reset();
   }
@@ -169,6 +182,9 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   if (tag.kind == Markup::Kind::kEmptyTag) {
     m_skeleton.Feed(EndTagOf(level.name), m_window.Start());
   } else {
+    m_openSize += level.startTag.size();
+    if (m_openSize > kMostOpen)
+      ThrowTooLarge("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
     m_levels.push_back(std::move(level));
     m_ancestors.reset();
   }
@@ -184,6 +200,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
     ElementExtent const extent = ReadExtent(m_window, 0, m_opened->tag);
     span.isWhole = extent.isWhole;
     end = extent.end;
+    if (end > m_window.Most()) throw TextWindow::Full();  // although it is in the window already
   } catch (TextWindow::Full const&) {
     m_window.SetMayRead(true);
     span.isTooLarge = true;
@@ -206,7 +223,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
 
 std::vector<RecordPath::State> RecordSplitter::StatesOfInnermost() const {
   std::vector<RecordPath::State> states;
-  ElementName const& name = m_skeleton.Open().back();
+  ElementName const& name = m_skeleton.Opened();
   for (std::size_t i = 0; i < m_paths.size(); ++i) {
     RecordPath::State const outside = m_levels.empty() ? RecordPath::kStart : m_levels.back().states[i];
     states.push_back(m_paths[i].Enter(outside, name));
@@ -227,7 +244,8 @@ std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   auto& children = m_levels.back().children;
   auto const found = children.find(name);
   if (found != children.end()) return ++found->second;
-  if (children.size() >= kMostNames) return 0;
+  if (m_nameCount >= kMostNames || name.size() > kLongestName) return 0;
+  ++m_nameCount;
   children.emplace(name, 1);
   return 1;
 }
@@ -255,11 +273,9 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   return m_ancestors;
 }
 
-void RecordSplitter::ThrowMarkupTooLarge() const {
-  throw RecordPlace::Noted(
-      RecordPlace::At(m_window.Start(), {}),
-      OfKind(FailureKind_Limit,
-             CQnException(FormatString("The markup exceeds the limit of %zu bytes", m_window.Most()))));
+void RecordSplitter::ThrowTooLarge(char const* message, std::size_t limit) const {
+  throw RecordPlace::Noted(RecordPlace::At(m_window.Start(), {}),
+                           OfKind(FailureKind_Limit, CQnException(FormatString(message, limit))));
 }
 
 }  // namespace Quillon9

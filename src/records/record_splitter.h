@@ -64,7 +64,8 @@ class RecordSplitter {
   RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
 
   /// Begin at \p point, where the window begins. Nothing has been read.
-  /// \throws what RecordSkeleton throws for tags that are not those of a document.
+  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowInvalid() for
+  ///         others that do not open one element each.
   void Resume(ResumePoint const& point);
   /// End in front of the first record that begins at \p offset of the document or after it, and leave the rest unread.
   void SetEnd(std::uint64_t offset) { m_end = offset; }
@@ -72,7 +73,8 @@ class RecordSplitter {
   /// The next records; nothing at the end of the document.
   /// \throws what RecordSkeleton and the window throw, after the records in front of the fault have been returned, and
   ///         then at every call; CQnException "The markup exceeds the limit of %zu bytes" for a tag, comment or the like
-  ///         outside of records that does not fit in the window.
+  ///         outside of records that does not fit in the window; "The start tags of the open elements exceed the limit
+  ///         of %zu bytes".
   std::optional<RecordChunk> Next();
 
  private:
@@ -104,7 +106,7 @@ class RecordSplitter {
   std::uint64_t CountChild(std::string const& name);
   std::string PathOfLevels() const;
   std::shared_ptr<RecordAncestors const> const& Ancestors();
-  [[noreturn]] void ThrowMarkupTooLarge() const;
+  [[noreturn]] void ThrowTooLarge(char const* message, std::size_t limit) const;
 
   TextWindow& m_window;
   std::vector<RecordPath> m_paths;
@@ -113,6 +115,8 @@ class RecordSplitter {
   RecordSkeleton m_skeleton;
   std::string m_documentType;
   std::vector<Level> m_levels;
+  std::size_t m_openSize = 0;                          // of their start tags
+  std::size_t m_nameCount = 0;                         // of their counted children
   std::shared_ptr<RecordAncestors const> m_ancestors;  // null after a change of the levels
   std::optional<OpenedRecord> m_opened;
   bool m_isChunkDone = false;

@@ -14,11 +14,11 @@ RecordWorkers::RecordWorkers(unsigned count, Function function)
   }
 }
 
-bool RecordWorkers::Add(std::unique_ptr<RecordBatch> batch, std::size_t first) {
+bool RecordWorkers::Add(std::unique_ptr<RecordBatch> batch, std::size_t first, std::size_t end) {
   std::unique_lock<std::mutex> lock(m_mutex);
   m_changed.wait(lock, [this] { return m_isStopped || m_waiting.size() < m_most; });
   if (m_isStopped) return false;
-  m_waiting.push_back({std::move(batch), first, m_added++});
+  m_waiting.push_back({std::move(batch), first, end, m_added++});
   m_changed.notify_all();
   return true;
 }

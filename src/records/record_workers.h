@@ -20,6 +20,7 @@ namespace Quillon9 {
 struct RecordWork {
   std::unique_ptr<RecordBatch> batch;
   std::size_t first = 0;     ///< of the batch
+  std::size_t end = 0;       ///< of the batch: where the records stop
   std::uint64_t number = 0;  ///< of the work in the order of the document, from 0
 };
 
@@ -36,8 +37,8 @@ class RecordWorkers {
   RecordWorkers(RecordWorkers const&) = delete;
   RecordWorkers& operator=(RecordWorkers const&) = delete;
 
-  /// Hand over the next records. False if a thread has failed, so that no more are needed.
-  bool Add(std::unique_ptr<RecordBatch> batch, std::size_t first);
+  /// Hand over the next records, those from \p first up to \p end of \p batch. False if a thread has failed, so that no more are needed.
+  bool Add(std::unique_ptr<RecordBatch> batch, std::size_t first, std::size_t end);
   /// Wait until all work is done.
   /// \throws what the function threw first.
   void Finish();

@@ -58,10 +58,7 @@ class Parts {
   }
   std::uint64_t NextNumber() { return Number<std::uint64_t>(Next(), 10); }
   bool IsAtEnd() const { return m_isAtEnd; }
-  [[noreturn]] void Throw() const {
-    throw CQnInvalidParamException(
-        FormatString("The text [%s] does not describe the place of a record", m_text.c_str()));
-  }
+  [[noreturn]] void Throw() const { ResumePoint::ThrowInvalid(m_text); }
 
  private:
   template <class Integer>
@@ -90,6 +87,10 @@ std::string ResumePoint::ToText() const {
     add(element.startTag);
   }
   return text;
+}
+
+void ResumePoint::ThrowInvalid(std::string const& text) {
+  throw CQnInvalidParamException(FormatString("The text [%s] does not describe the place of a record", text.c_str()));
 }
 
 ResumePoint ResumePoint::Of(std::string const& text) {

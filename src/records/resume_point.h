@@ -27,6 +27,8 @@ struct ResumePoint {
   /// \throws CQnInvalidParamException "The text [%s] does not describe the place of a record" unless \p text is one of
   ///         ToText().
   static ResumePoint Of(std::string const& text);
+  /// \throws CQnInvalidParamException "The text [%s] does not describe the place of a record", always.
+  [[noreturn]] static void ThrowInvalid(std::string const& text);
 };
 
 }  // namespace Quillon9

@@ -10,6 +10,7 @@
 #include "base/failure_detail.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/xmlio/document.h"
+#include "xmlio/markup_scan.h"
 #include "xmlio/single_byte_encoding.h"
 
 namespace Quillon9 {
@@ -39,8 +40,13 @@ class ConvertingInput : public OctetInput {
       m_given = 0;
       std::array<char, 4096> block{};
       std::size_t const count = m_input->Read(block.data(), block.size());
-      if (count == 0) return 0;
-      Convert({block.data(), count}, m_text);
+      if (count != 0) {
+        Convert({block.data(), count}, m_text);
+      } else if (!EndsWithCharacter()) {
+        m_text = kNoCharacter;
+      } else {
+        return 0;
+      }
     }
     std::size_t const count = std::min(size, m_text.size() - m_given);
     std::copy_n(m_text.data() + m_given, count, to);
@@ -50,6 +56,8 @@ class ConvertingInput : public OctetInput {
 
  private:
   virtual void Convert(std::string_view octets, std::string& text) = 0;
+  /// Whether what has been converted ends where a character does. Where it does not, that is said once.
+  virtual bool EndsWithCharacter() { return true; }
 
   std::unique_ptr<OctetInput> m_input;
   std::string m_text;
@@ -90,6 +98,11 @@ class Utf16Input final : public ConvertingInput {
     }
   }
 
+  bool EndsWithCharacter() override {
+    bool const isHalf = std::exchange(m_hasHalf, false);
+    return std::exchange(m_high, 0) == 0 && !isHalf;
+  }
+
   void AddUnit(std::uint32_t unit, std::string& text) {
     bool const isHigh = unit >= 0xD800 && unit < 0xDC00;
     bool const isLow = unit >= 0xDC00 && unit < 0xE000;
@@ -123,7 +136,7 @@ std::string const& PeekDeclaration(PeekedInput& input) {
 
 /// The encoding that the XML declaration at the start of \p text names; empty for none.
 std::string DeclaredEncoding(std::string_view text) {
-  if (text.substr(0, 5) != "<?xml") return {};
+  if (text.substr(0, 5) != "<?xml" || text.size() < 6 || !MarkupScan::Is(MarkupScan::kSpace, text[5])) return {};
   text = text.substr(0, text.find("?>"));
   std::size_t at = text.find("encoding");
   if (at == std::string_view::npos) return {};

@@ -31,6 +31,17 @@ std::string Order(std::string const& items) {
   return "<purchaseOrder orderDate='2024-03-18'>\n<items>\n" + items + "</items></purchaseOrder>";
 }
 
+std::string Repeated(std::string const& text, int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+/// Takes any content.
+struct AnyElement : CElement {
+  AnyElement() : CElement("") {}
+};
+
 std::string Utf16(std::u16string const& text) {
   std::string octets;
   for (char16_t const unit : text) octets += {static_cast<char>(unit & 0xFF), static_cast<char>(unit >> 8)};
@@ -73,6 +84,8 @@ TEST(CXmlRecordReader, ReadsRecordsAndGoesOnAfterABadOne) {
 }
 
 TEST(CXmlRecordReader, EndsWithADocumentThatIsNotWellFormed) {
+  std::string attributes;
+  for (int i = 0; i < 1001; ++i) attributes += "a" + std::to_string(i) + " CDATA #IMPLIED\n";
   struct {
     char const* what;
     std::string text;
@@ -93,6 +106,11 @@ TEST(CXmlRecordReader, EndsWithADocumentThatIsNotWellFormed) {
       {"an undeclared prefix", Order(ItemText("111-AA") + "<p:item/>"), 1, "unbound prefix at line 4 (4)"},
       {"two roots", Order(ItemText("111-AA")) + "<x/>", 1, "junk after document element at line 4 (4)"},
       {"nothing", "", 0, "XML Stream is empty!"},
+      {"half a character", Utf16(u"\uFEFF<purchaseOrder/>\n") + " ", 0,
+       "not well-formed (invalid token) at line 2 (2)"},
+      {"half a pair", Utf16(u"\uFEFF<purchaseOrder/>\n\xD83D"), 0, "not well-formed (invalid token) at line 2 (2)"},
+      {"too many default attributes", "<!DOCTYPE a [<!ATTLIST x " + attributes + ">]><a><x/></a>", 0,
+       "The document type declares more than 1000 attributes for the element [x]"},
   };
   for (auto const& row : rows) {
     CXmlRecordReader reader(CRecordSource::Memory(row.text.data(), row.text.size()));
@@ -108,7 +126,7 @@ TEST(CXmlRecordReader, EndsWithADocumentThatIsNotWellFormed) {
     EXPECT_TRUE(reader.IsAtEnd()) << row.what;
     EXPECT_EQ(reader.GetCount(), row.records) << row.what;
     EXPECT_EQ(count, row.records) << row.what;
-    EXPECT_FAILURE(CQnException, failure.substr(0, failure.find(" (")), reader.Next<Item>());
+    EXPECT_FAILURE(CQnException, failure.substr(0, failure.rfind(" (")), reader.Next<Item>());
   }
 }
 
@@ -286,6 +304,7 @@ TEST(RecordStream, GivesWhatAWholeReadGives) {
       "<!DOCTYPE a [<!ENTITY e '1'><!ATTLIST b k CDATA '>'>]><a><b>&e;</b><b "
       "k=\"'\"/><b><![CDATA[<b>]]></b></a>",
       Utf16(u"\uFEFF<a><b/>\u20AC<b>\U0001F600</b></a>"),
+      "<?xml-stylesheet href='encoding.xsl' type='text/xsl'?><a><b/></a>",
       "\xEF\xBB\xBF<a xmlns='u' xmlns:p='v'><p:b xmlns:p='w'><p:c/></p:b><p:b p:x='1'/><b xmlns=''><c/></b></a>",
   };
   for (std::string const& octets : documents) {
@@ -347,4 +366,85 @@ TEST(CXmlRecordReader, BeginsAtAnyRecordAndEndsAtAnyOffset) {
   CXmlRecordReader reader{CRecordSource([](char*, std::size_t) { return std::size_t{0}; })};
   reader.SetStart(points[3]);
   EXPECT_FAILURE(CQnInvalidStateException, "The input cannot be read from a place in the middle", reader.Skip());
+}
+
+TEST(CXmlRecordReader, RefusesAStartThatOpensNoElements) {
+  std::string const text = "<a><g><r/></g><g><r/></g><g><r/></g></a>";
+  for (char const* point : {"records1:3:1:4:1:r::1:%3Ca%2F%3E", "records1:3:1:4:1:r::1:%3Ca%3E:1:%3Cb%3E%3C/b%3E",
+                            "records1:3:1:4:1:r::1:%3Ca%3E:1:t%3Cb%3E", "records1:3:1:4:1:r::1:%3Ca",
+                            "records1:3:1:4:1:r:%3C%3Fxml%20version%3D%271%27%20standalone%3D%27yes%27%3F%3E",
+                            "records1:18446744073709551615:1:4:1:r::1:%3Ca%3E"}) {
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+    reader.SelectRecords("//r");
+    reader.SetStart(point);
+    EXPECT_THROW(while (reader.Skip()){}, CQnException) << point;
+  }
+  CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+  reader.SelectRecords("//r");
+  reader.SetStart("records1:17:1:18:1:r::1:%3Ca%3E:2:%3Cg%3E");
+  ASSERT_TRUE(reader.Skip() && reader.Skip());
+  EXPECT_EQ(reader.GetPlace().GetPath(), "/a/g[3]/r");
+}
+
+TEST(RecordStream, FindsTheStartOfAReferenceThatComesInPieces) {
+  std::string const text = "<a>\n\n  &undeclared;</a>";
+  for (std::size_t const piece : {1U, 3U, 100U}) {
+    std::size_t at = 0;
+    CXmlRecordReader reader{CRecordSource([&](char* to, std::size_t size) {
+      std::size_t const count = text.copy(to, std::min(size, piece), at);
+      at += count;
+      return count;
+    })};
+    reader.SelectRecords("//r");
+    try {
+      reader.Skip();
+      ADD_FAILURE();
+    } catch (CQnException const& failure) {
+      EXPECT_EQ(failure.GetPlace()->GetOffset(), 7) << piece;
+      EXPECT_EQ(failure.GetPlace()->GetColumn(), 3U) << piece;
+    }
+  }
+}
+
+TEST(CXmlRecordReader, HasLimitsForWhatItKeeps) {
+  std::string const three = Order(ItemText("111-AA") + ItemText("222-BB", std::string(90, '1')) + ItemText("333-CC"));
+  CXmlRecordReader reader(CRecordSource::Memory(three.data(), three.size()));
+  reader.SelectRecords("//item");
+  reader.SetMaxRecordSize(150);
+  std::vector<std::string> const numbers = PartNumbers(reader);
+  ASSERT_EQ(numbers.size(), 3U);
+  EXPECT_NE(numbers[1].find("The record exceeds the limit of 150 bytes"), std::string::npos) << numbers[1];
+  std::string const tags = "<a b='" + std::string(9000000, 'x') + "'><a b='" + std::string(9000000, 'x') + "'><item/>";
+  CXmlRecordReader nested(CRecordSource::Memory(tags.data(), tags.size()));
+  nested.SelectRecords("//item");
+  EXPECT_FAILURE(CQnException, "The start tags of the open elements exceed the limit of 16777216 bytes", nested.Skip());
+  std::string const deep = "<a><item>" + Repeated("<b>", 3000) + Repeated("</b>", 3000) + "</item><item/></a>";
+  CXmlRecordReader levels(CRecordSource::Memory(deep.data(), deep.size()));
+  levels.SelectRecords("//item");
+  EXPECT_FAILURE(CQnException, "The element nesting exceeds the limit of 1000 levels", levels.Skip());
+  EXPECT_TRUE(levels.Skip());
+}
+
+TEST(CXmlRecordReader, RefusesToGoOnInAHandler) {
+  std::string const text = "<a><h/><r/><r/><h/><r/></a>";
+  for (bool const isParallel : {false, true}) {
+    CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+    reader.SelectRecords("//r");
+    int failures = 0;
+    reader.OnElement("//h", [&](CXmlRecordReader& at) {
+      EXPECT_FAILURE(CQnInvalidStateException, "A handler of the reader cannot go on with the read", at.Skip());
+      EXPECT_EQ(at.GetElement()->GetLocalName(), "h");
+      if (++failures == 2) throw std::runtime_error("no more");
+    });
+    std::atomic<int> count{0};
+    auto const read = [&] {
+      if (isParallel)
+        return void(reader.ForEachRecord<AnyElement>(
+            2, [&](auto const&) { ++count; }, RecordOrder_Document));
+      while (reader.Skip()) ++count;
+    };
+    EXPECT_THROW(read(), std::runtime_error);
+    EXPECT_EQ(count, 2);
+    EXPECT_EQ(failures, 2);
+  }
 }

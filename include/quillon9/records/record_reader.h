@@ -85,6 +85,7 @@ class QUILLON9_API CXmlRecordReader {
   void SelectRecords(std::string const& path);
   /// Call \p handler for the elements of \p path, which are no records, where they stand between the records: for the
   /// header of a list, for example. The handler may call Read() for an object. It gets the element with its content.
+  /// What goes on with the read throws CQnInvalidStateException "A handler of the reader cannot go on with the read" in it.
   /// \throws as SelectRecords().
   void OnElement(std::string const& path, std::function<void(CXmlRecordReader&)> handler);
   /// A record of more than \p bytes is a failure, and passed over; 256 MiB unless this is called, and less than 4 GiB.
