@@ -6,6 +6,7 @@
 #include "binding/lost_text.h"
 #include "quillon9/base/exceptions.h"
 #include "records/record_place.h"
+#include "xmlio/node_access.h"
 
 namespace Quillon9 {
 
@@ -25,10 +26,11 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
       m_document(ctx),
       m_places(m_document, InputForm::kBytes) {
   Utf8Text::Scope const scope(use);
-  std::string const text = record ? chunk.Document(*record) : chunk.Document();
+  if (record) m_single = chunk.Document(*record);
+  std::string const& text = record ? m_single : chunk.text;
   try {
     LossesOfReading losses(m_document);
-    m_document.LoadXmlStream(reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    XmlNodeAccess::LoadLentStream(m_document, reinterpret_cast<unsigned char const*>(text.data()), text.size());
     losses.Tell();
   } catch (CQnException& failure) {
     ThrowCorrected(failure);

@@ -36,6 +36,7 @@ class LoadedChunk final : public PlaceFinder {
   [[noreturn]] void ThrowCorrected(CQnException& failure) const;
 
   RecordChunk const& m_chunk;
+  std::string m_single;  // the document of a single record
   std::optional<std::size_t> m_only;
   Utf8Text::Use m_use;
   std::string const& m_file;
