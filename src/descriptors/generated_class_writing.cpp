@@ -111,7 +111,6 @@ class UnknownItems : public InsertedItems {
 [[gnu::noinline]] void CXmlGeneratedClass::WriteWithUnknown(CXmlWriter* writer, bool isRoot, char const* ns,
                                                             CXmlSerializationContext const& ctx, bool inChoice) const {
   CUnknownContent const& unknown = *m_form->unknown;
-  if (isRoot) WriteDocumentMarkup(*writer, unknown, 0);
   WriteStart(writer, isRoot, ns, ctx, inChoice);
   INillable const* const nillable = AsNillable(&XmlWriterAccess::PlainTypes(*writer));
   bool const isNil = nillable != nullptr && nillable->IsNil();
@@ -132,7 +131,10 @@ class UnknownItems : public InsertedItems {
 
 void CXmlGeneratedClass::WriteStart(CXmlWriter* writer, bool isRoot, char const* ns,
                                     CXmlSerializationContext const& ctx, bool inChoice) const {
-  if (isRoot) WriteRootPrologue(*writer, GetUnknownContent(), ctx);
+  if (isRoot) {
+    if (m_form != nullptr && m_form->unknown != nullptr) WriteDocumentMarkup(*writer, *m_form->unknown, 0);
+    WriteRootPrologue(*writer, GetUnknownContent(), ctx);
+  }
   KeptForm::Locations locations;
   if (isRoot && ctx.GetKeepForm() && GetDocumentForm() != nullptr) {
     locations = KeptForm::LocationsFor(*this, *writer, ctx);

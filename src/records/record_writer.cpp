@@ -12,7 +12,9 @@
 #include "descriptors/root_prologue.h"
 #include "quillon9/base/exceptions.h"
 #include "quillon9/descriptors/generic_content.h"
+#include "quillon9/descriptors/unknown_content.h"
 #include "quillon9/xmlio/element.h"
+#include "quillon9/xmlio/markup.h"
 #include "records/octet_output.h"
 #include "records/record_encoder.h"
 #include "records/tree_writing.h"
@@ -142,7 +144,9 @@ class CXmlRecordWriter::Work {
         BindKeptPrefixes(object, m_ctx, Writer());
       }
       FormAccess::WriteStart(object, Writer(), isRoot, object.GetTargetNamespace().c_str(), m_ctx);
+      if (isRoot) DeclareAll();
     });
+    if (m_depth == 0) KeepMarkupAfter(object);
     m_hasPrologue = true;
     NoteOpened(false);
     SendIfFull();
@@ -193,6 +197,9 @@ class CXmlRecordWriter::Work {
     Guarded([this] {
       OwnTextScope const scope;
       Writer().WriteEndElement();
+      if (m_depth == 1) {
+        for (CMarkup const& markup : m_markupAfter) Writer().WriteMarkup(markup);
+      }
       m_encoder->MoveTo(m_block);
       --m_depth;
     });
@@ -202,16 +209,19 @@ class CXmlRecordWriter::Work {
   // ---- Records
 
   void Write(CXmlObjectBase const& object, std::string const& namespaceUri) {
-    BeginRecord();
+    bool const isRoot = m_depth == 0 && !m_isAppended;
+    BeginRecord(!isRoot);
     LossesOfWriting losses(m_ctx);
-    WritePartOf(object,
-                [&] { CXmlObjectBase::ToXml_Int(&object, &Writer(), false, namespaceUri.c_str(), m_ctx, false); });
+    WritePartOf(object, [&] {
+      if (isRoot) BindDeclared();
+      CXmlObjectBase::ToXml_Int(&object, &Writer(), isRoot, namespaceUri.c_str(), m_ctx, false);
+    });
     EndRecord();
     losses.Tell(object);
   }
 
   void Write(CXmlElement const& element) {
-    BeginRecord();
+    BeginRecord(true);
     Utf8Text::Scope const use(m_ctx.GetTextEncoding() == TextEncoding_UTF8 ? Utf8Text::Use::kYes : Utf8Text::Use::kNo);
     // Sections of character data that a tree keeps as they are written are text under other rules.
     RulesInUse::Scope const rules(m_ctx.GetStripCDATA() ? ValueRules_XmlSchema : ValueRules_Classic);
@@ -325,6 +335,13 @@ class CXmlRecordWriter::Work {
     }
   }
 
+  /// What BindDeclared() leaves, because one namespace may have several prefixes.
+  void DeclareAll() {
+    for (auto const& [prefix, uri] : m_declared) {
+      if (!prefix.empty()) Writer().DeclarePrefix(prefix, uri);
+    }
+  }
+
   void NoteOpened(bool takesAttributes) {
     ++m_depth;
     m_hasRoot = true;
@@ -341,9 +358,7 @@ class CXmlRecordWriter::Work {
       m_tree->Start(m_pending->first, m_pending->second);
       m_pending.reset();
       if (m_depth != 1) return;
-      for (auto const& [prefix, uri] : m_declared) {  // one namespace may have several
-        if (!prefix.empty()) Writer().DeclarePrefix(prefix, uri);
-      }
+      DeclareAll();
       WriteContextAttributes();
     });
   }
@@ -362,15 +377,24 @@ class CXmlRecordWriter::Work {
     Guarded([this] { Writer().WriteInlineSchema(m_ctx.GetInLineSchema()); });
   }
 
-  void BeginRecord() {
+  void BeginRecord(bool withPrologue) {
     RequireNoRoot();
     EndStart();
-    Begin(true);
+    Begin(withPrologue);
   }
   void EndRecord() {
     ++m_count;
     m_hasRoot = m_hasRoot || !m_isAppended;
     SendIfFull();
+  }
+
+  /// \p object is the document element. It may be gone when the element is closed.
+  void KeepMarkupAfter(CXmlGeneratedClass const& object) {
+    CUnknownContent const* const unknown = object.GetUnknownContent();
+    if (unknown == nullptr) return;
+    for (CMarkup const& markup : unknown->GetDocumentMarkup()) {
+      if (markup.childrenInFront == 1) m_markupAfter.push_back(markup);
+    }
   }
 
   /// Do \p action, which writes \p object or a part of it, so that a failure leaves nothing of it.
@@ -424,7 +448,8 @@ class CXmlRecordWriter::Work {
   std::optional<std::pair<std::string, std::string>> m_pending;   // the open element, if it has not been started
   std::vector<std::pair<std::string, std::string>> m_attributes;  // of the open element, until its content begins
   bool m_takesAttributes = false;
-  std::size_t m_depth = 0;  // of the open element
+  std::vector<CMarkup> m_markupAfter;  // the document element
+  std::size_t m_depth = 0;             // of the open element
   bool m_hasRoot = false;
   bool m_isFinished = false;
   std::uint64_t m_count = 0;

@@ -327,6 +327,34 @@ TEST(RecordWriter, WritesElementsAroundRecordsAndTrees) {
   }
 }
 
+TEST(RecordWriter, WritesWhatSurroundsADocumentElement) {
+  CXmlSerializationContext ctx;
+  ctx.SetKeepUnknown(true);
+  ctx.GetProcessingInstructions().emplace_back("<?style a?>");
+  ctx.GetAdditionalRootAttributes()->Add("more", "m", "urn:kinds");
+  auto const log = Log::CreateLog();
+  log->FromXml("<?style a?><!--f--><log xmlns='urn:example:log' host='h'/><!--b-->", ctx);
+  for (Form const& form : kForms) {
+    for (bool const isRecord : {false, true}) {
+      std::string records;
+      CXmlRecordWriter writer(CRecordTarget::Memory(records), ctx);
+      SetForm(writer, form);
+      EXPECT_THROW(writer.Write(*MakeBadEntry(1)), CQnException);
+      isRecord ? writer.Write(*log) : writer.OpenElement(*log);
+      writer.Finish();
+      EXPECT_EQ(Whole(*log, form, ctx), Plain(records, form)) << (&form - kForms) << isRecord;
+    }
+  }
+  std::string records;
+  CXmlRecordWriter writer(CRecordTarget::Memory(records));
+  writer.SetText(false, false);
+  writer.DeclareNamespace("m", "urn:m");
+  writer.DeclareNamespace("m2", "urn:m");
+  writer.OpenElement(*Log::CreateLog());
+  writer.Finish();
+  EXPECT_EQ("<AA:log xmlns:AA=\"urn:example:log\" xmlns:m2=\"urn:m\" xmlns:m=\"urn:m\"/>", records);
+}
+
 int Count(std::string const& text, std::string const& part) {
   int count = 0;
   for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++count;

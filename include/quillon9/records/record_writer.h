@@ -82,7 +82,8 @@ class QUILLON9_API CXmlRecordWriter {
   ///         there is a default namespace".
   void OpenElement(std::string const& localName, std::string const& namespaceUri = {});
   /// Open an element with the name and the attributes of \p object, whose other content is not written. It gets no
-  /// further attributes.
+  /// further attributes. The comments and processing instructions that \p object has kept around the document element
+  /// are written if it becomes that.
   /// \throws as the other form, and what a write of \p object throws; the element is not open then.
   void OpenElement(CXmlGeneratedClass const& object);
   /// Write an attribute of the element that was opened last, before its content. \p type may select the encoding in
