@@ -65,7 +65,7 @@ void RecordSplitter::Resume(ResumePoint const& point) {
   for (ResumePoint::Element const& element : point.elements) {
     m_skeleton.Feed(element.startTag, point.at, 1);
     if (element.startTag.front() != '<' || m_skeleton.Depth() != m_levels.size() + 1) {
-      ResumePoint::ThrowInvalid(point.ToText());
+      ResumePoint::ThrowNoPlace(point.ToText());
     }
     std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
     if (!m_levels.empty() && element.number > 0) {

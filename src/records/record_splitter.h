@@ -64,7 +64,7 @@ class RecordSplitter {
   RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
 
   /// Begin at \p point, where the window begins. Nothing has been read.
-  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowInvalid() for
+  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowNoPlace() for
   ///         others that do not open one element each.
   void Resume(ResumePoint const& point);
   /// End in front of the first record that begins at \p offset of the document or after it, and leave the rest unread.

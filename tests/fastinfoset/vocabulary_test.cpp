@@ -209,7 +209,7 @@ TEST(IndexMap, ForgetsItsLastEntries) {
     for (std::size_t i = 0; i < count; ++i) indices.push_back(map.Find(text(i)));
     return indices;
   };
-  for (std::size_t const kept : {0, 1, 20, 500, 2000}) {
+  for (std::size_t const kept : {0U, 1U, 20U, 500U, 2000U}) {
     CFIIndexMap expected;
     for (std::size_t i = 0; i < kept; ++i) expected.Insert(text(i));
     CFIIndexMap map;
