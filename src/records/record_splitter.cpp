@@ -121,7 +121,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   try {
     markup = ReadMarkup(m_window, 0);
   } catch (TextWindow::Full const&) {
-    ThrowTooLarge("The markup exceeds the limit of %zu bytes", m_window.Most());
+    ThrowOverLimit("The markup exceeds the limit of %zu bytes", m_window.Most());
   }
   if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
@@ -184,7 +184,7 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   } else {
     m_openSize += level.startTag.size();
     if (m_openSize > kMostOpen)
-      ThrowTooLarge("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
+      ThrowOverLimit("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
     m_levels.push_back(std::move(level));
     m_ancestors.reset();
   }
@@ -273,7 +273,7 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   return m_ancestors;
 }
 
-void RecordSplitter::ThrowTooLarge(char const* message, std::size_t limit) const {
+void RecordSplitter::ThrowOverLimit(char const* message, std::size_t limit) const {
   throw RecordPlace::Noted(RecordPlace::At(m_window.Start(), {}),
                            OfKind(FailureKind_Limit, CQnException(FormatString(message, limit))));
 }

@@ -106,7 +106,7 @@ class RecordSplitter {
   std::uint64_t CountChild(std::string const& name);
   std::string PathOfLevels() const;
   std::shared_ptr<RecordAncestors const> const& Ancestors();
-  [[noreturn]] void ThrowTooLarge(char const* message, std::size_t limit) const;
+  [[noreturn]] void ThrowOverLimit(char const* message, std::size_t limit) const;
 
   TextWindow& m_window;
   std::vector<RecordPath> m_paths;
