@@ -1,5 +1,6 @@
 #include "records/record_splitter.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/failure_detail.h"
@@ -65,7 +66,7 @@ void RecordSplitter::Resume(ResumePoint const& point) {
   for (ResumePoint::Element const& element : point.elements) {
     m_skeleton.Feed(element.startTag, point.at, 1);
     if (element.startTag.front() != '<' || m_skeleton.Depth() != m_levels.size() + 1) {
-      ResumePoint::ThrowInvalid(point.ToText());
+      ResumePoint::ThrowNoResumePoint(point.ToText());
     }
     std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
     if (!m_levels.empty() && element.number > 0) {
@@ -74,6 +75,7 @@ void RecordSplitter::Resume(ResumePoint const& point) {
     m_openSize += element.startTag.size();
     m_levels.push_back({element.startTag, name, element.number, StatesOfInnermost(), {}});
   }
+  m_resumedLevels = m_levels.size();
   if (m_levels.empty() || point.number == 0) return;
   m_nameCount += m_levels.back().children.emplace(point.name, point.number - 1).second ? 1U : 0U;
 }
@@ -121,7 +123,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   try {
     markup = ReadMarkup(m_window, 0);
   } catch (TextWindow::Full const&) {
-    ThrowTooLarge("The markup exceeds the limit of %zu bytes", m_window.Most());
+    ThrowLimitExceeded("The markup exceeds the limit of %zu bytes", m_window.Most());
   }
   if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
@@ -150,6 +152,7 @@ void RecordSplitter::PassMarkup(Markup const& markup) {
     m_openSize -= m_levels.back().startTag.size();
     m_nameCount -= m_levels.back().children.size();
     m_levels.pop_back();
+    m_resumedLevels = std::min(m_resumedLevels, m_levels.size());
     m_ancestors.reset();
   }
   m_window.Drop(markup.end);
@@ -184,7 +187,7 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   } else {
     m_openSize += level.startTag.size();
     if (m_openSize > kMostOpen)
-      ThrowTooLarge("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
+      ThrowLimitExceeded("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
     m_levels.push_back(std::move(level));
     m_ancestors.reset();
   }
@@ -244,6 +247,7 @@ std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   auto& children = m_levels.back().children;
   auto const found = children.find(name);
   if (found != children.end()) return ++found->second;
+  if (m_levels.size() <= m_resumedLevels) return 0;  // some have been in front of the place where the read began
   if (m_nameCount >= kMostNames || name.size() > kLongestName) return 0;
   ++m_nameCount;
   children.emplace(name, 1);
@@ -273,7 +277,7 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   return m_ancestors;
 }
 
-void RecordSplitter::ThrowTooLarge(char const* message, std::size_t limit) const {
+void RecordSplitter::ThrowLimitExceeded(char const* message, std::size_t limit) const {
   throw RecordPlace::Noted(RecordPlace::At(m_window.Start(), {}),
                            OfKind(FailureKind_Limit, CQnException(FormatString(message, limit))));
 }
