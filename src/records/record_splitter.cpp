@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t kNone = TextWindow::kNone;
 constexpr char kStandalone[] = R"(<?xml version="1.0" standalone="yes"?>)";
 constexpr std::size_t kMostNames = 1000;      // of children that are counted
+constexpr std::size_t kShortTags = 0x10000;   // start tags that may be longer than the records between them
 constexpr std::size_t kLongestName = 256;     // of these
 constexpr std::size_t kMostOpen = 0x1000000;  // octets of start tags that are repeated for each chunk
 
@@ -219,7 +220,10 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
   m_window.Drop(end);
   if (span.isWhole) m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
   m_isAtEnd = !span.isWhole && !span.isTooLarge;
-  m_isChunkDone = chunk.text.size() >= m_chunkSize || m_isAtEnd;
+  // Long start tags are repeated for as many records as would take the same time.
+  std::size_t const startTags = chunk.ancestors->startTags.size();
+  std::size_t const size = chunk.text.size() - startTags;
+  m_isChunkDone = (size >= m_chunkSize && size + kShortTags >= startTags) || m_isAtEnd;
   chunk.records.push_back(std::move(span));
   m_opened.reset();
 }
