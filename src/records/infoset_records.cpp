@@ -58,7 +58,11 @@ InfosetBatch::~InfosetBatch() = default;
 
 CXmlElement const* InfosetBatch::Load(std::size_t record, Utf8Text::Use use) {
   if (m_chunk.records[record].isTooLarge) RecordPlace::ThrowTooLarge(m_limits.mostRecord, Place(record));
-  if (m_single == nullptr && (m_tree == nullptr || m_tree->use != use)) LoadAll(use);
+  if (m_single == nullptr && (m_tree == nullptr || m_tree->use != use)) {
+    std::swap(m_tree, m_other);  // for a program that looks at each tree and then reads it into an object
+    if (Size() == 1) m_other.reset();
+    if (m_tree == nullptr || m_tree->use != use) LoadAll(use);
+  }
   if (m_single != nullptr) LoadSingle(record, use);
   GoTo(record);
   return m_tree->cursor;

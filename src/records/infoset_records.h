@@ -52,6 +52,7 @@ class InfosetBatch final : public RecordBatch, private PlaceFinder {
   CXmlSerializationContext const& m_ctx;
   std::string const& m_file;
   std::unique_ptr<Tree> m_tree;
+  std::unique_ptr<Tree> m_other;     // with its text held otherwise; not always there
   std::unique_ptr<Single> m_single;  // once the records are loaded one by one
   bool m_isAtEnd = false;
 };

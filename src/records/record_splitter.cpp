@@ -1,5 +1,6 @@
 #include "records/record_splitter.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/failure_detail.h"
@@ -13,6 +14,7 @@ namespace {
 constexpr std::size_t kNone = TextWindow::kNone;
 constexpr char kStandalone[] = R"(<?xml version="1.0" standalone="yes"?>)";
 constexpr std::size_t kMostNames = 1000;      // of children that are counted
+constexpr std::size_t kShortTags = 0x10000;   // start tags that may be longer than the records between them
 constexpr std::size_t kLongestName = 256;     // of these
 constexpr std::size_t kMostOpen = 0x1000000;  // octets of start tags that are repeated for each chunk
 
@@ -65,7 +67,7 @@ void RecordSplitter::Resume(ResumePoint const& point) {
   for (ResumePoint::Element const& element : point.elements) {
     m_skeleton.Feed(element.startTag, point.at, 1);
     if (element.startTag.front() != '<' || m_skeleton.Depth() != m_levels.size() + 1) {
-      ResumePoint::ThrowNoPlace(point.ToText());
+      ResumePoint::ThrowNoResumePoint(point.ToText());
     }
     std::string const name = element.startTag.substr(1, element.startTag.find_first_of(" \t\r\n>") - 1);
     if (!m_levels.empty() && element.number > 0) {
@@ -74,6 +76,7 @@ void RecordSplitter::Resume(ResumePoint const& point) {
     m_openSize += element.startTag.size();
     m_levels.push_back({element.startTag, name, element.number, StatesOfInnermost(), {}});
   }
+  m_resumedLevels = m_levels.size();
   if (m_levels.empty() || point.number == 0) return;
   m_nameCount += m_levels.back().children.emplace(point.name, point.number - 1).second ? 1U : 0U;
 }
@@ -121,7 +124,7 @@ void RecordSplitter::Step(RecordChunk& chunk) {
   try {
     markup = ReadMarkup(m_window, 0);
   } catch (TextWindow::Full const&) {
-    ThrowOverLimit("The markup exceeds the limit of %zu bytes", m_window.Most());
+    ThrowLimitExceeded("The markup exceeds the limit of %zu bytes", m_window.Most());
   }
   if (markup.end == kNone) return PassRest();
   if (markup.IsStart()) return StartElement(chunk, markup);
@@ -150,6 +153,7 @@ void RecordSplitter::PassMarkup(Markup const& markup) {
     m_openSize -= m_levels.back().startTag.size();
     m_nameCount -= m_levels.back().children.size();
     m_levels.pop_back();
+    m_resumedLevels = std::min(m_resumedLevels, m_levels.size());
     m_ancestors.reset();
   }
   m_window.Drop(markup.end);
@@ -184,7 +188,7 @@ void RecordSplitter::StartLevel(Markup const& tag, Level level) {
   } else {
     m_openSize += level.startTag.size();
     if (m_openSize > kMostOpen)
-      ThrowOverLimit("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
+      ThrowLimitExceeded("The start tags of the open elements exceed the limit of %zu bytes", kMostOpen);
     m_levels.push_back(std::move(level));
     m_ancestors.reset();
   }
@@ -216,7 +220,10 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
   m_window.Drop(end);
   if (span.isWhole) m_skeleton.Feed(EndTagOf(span.name), m_window.Start());
   m_isAtEnd = !span.isWhole && !span.isTooLarge;
-  m_isChunkDone = chunk.text.size() >= m_chunkSize || m_isAtEnd;
+  // Long start tags are repeated for as many records as would take the same time.
+  std::size_t const startTags = chunk.ancestors->startTags.size();
+  std::size_t const size = chunk.text.size() - startTags;
+  m_isChunkDone = (size >= m_chunkSize && size + kShortTags >= startTags) || m_isAtEnd;
   chunk.records.push_back(std::move(span));
   m_opened.reset();
 }
@@ -244,6 +251,7 @@ std::uint64_t RecordSplitter::CountChild(std::string const& name) {
   auto& children = m_levels.back().children;
   auto const found = children.find(name);
   if (found != children.end()) return ++found->second;
+  if (m_levels.size() <= m_resumedLevels) return 0;  // some have been in front of the place where the read began
   if (m_nameCount >= kMostNames || name.size() > kLongestName) return 0;
   ++m_nameCount;
   children.emplace(name, 1);
@@ -273,7 +281,7 @@ std::shared_ptr<RecordAncestors const> const& RecordSplitter::Ancestors() {
   return m_ancestors;
 }
 
-void RecordSplitter::ThrowOverLimit(char const* message, std::size_t limit) const {
+void RecordSplitter::ThrowLimitExceeded(char const* message, std::size_t limit) const {
   throw RecordPlace::Noted(RecordPlace::At(m_window.Start(), {}),
                            OfKind(FailureKind_Limit, CQnException(FormatString(message, limit))));
 }

@@ -64,7 +64,7 @@ class RecordSplitter {
   RecordSplitter(TextWindow& window, std::vector<RecordPath> paths, std::size_t chunkSize);
 
   /// Begin at \p point, where the window begins. Nothing has been read.
-  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowNoPlace() for
+  /// \throws what RecordSkeleton throws for tags that are not those of a document; as ResumePoint::ThrowNoResumePoint() for
   ///         others that do not open one element each.
   void Resume(ResumePoint const& point);
   /// End in front of the first record that begins at \p offset of the document or after it, and leave the rest unread.
@@ -106,7 +106,7 @@ class RecordSplitter {
   std::uint64_t CountChild(std::string const& name);
   std::string PathOfLevels() const;
   std::shared_ptr<RecordAncestors const> const& Ancestors();
-  [[noreturn]] void ThrowOverLimit(char const* message, std::size_t limit) const;
+  [[noreturn]] void ThrowLimitExceeded(char const* message, std::size_t limit) const;
 
   TextWindow& m_window;
   std::vector<RecordPath> m_paths;
@@ -115,6 +115,7 @@ class RecordSplitter {
   RecordSkeleton m_skeleton;
   std::string m_documentType;
   std::vector<Level> m_levels;
+  std::size_t m_resumedLevels = 0;                     // of these, those that were open where the read began
   std::size_t m_openSize = 0;                          // of their start tags
   std::size_t m_nameCount = 0;                         // of their counted children
   std::shared_ptr<RecordAncestors const> m_ancestors;  // null after a change of the levels

@@ -58,7 +58,7 @@ class Parts {
   }
   std::uint64_t NextNumber() { return Number<std::uint64_t>(Next(), 10); }
   bool IsAtEnd() const { return m_isAtEnd; }
-  [[noreturn]] void Throw() const { ResumePoint::ThrowNoPlace(m_text); }
+  [[noreturn]] void Throw() const { ResumePoint::ThrowNoResumePoint(m_text); }
 
  private:
   template <class Integer>
@@ -89,7 +89,7 @@ std::string ResumePoint::ToText() const {
   return text;
 }
 
-void ResumePoint::ThrowNoPlace(std::string const& text) {
+void ResumePoint::ThrowNoResumePoint(std::string const& text) {
   throw CQnInvalidParamException(FormatString("The text [%s] does not describe the place of a record", text.c_str()));
 }
 

@@ -28,7 +28,7 @@ struct ResumePoint {
   ///         ToText().
   static ResumePoint Of(std::string const& text);
   /// \throws CQnInvalidParamException "The text [%s] does not describe the place of a record", always.
-  [[noreturn]] static void ThrowNoPlace(std::string const& text);
+  [[noreturn]] static void ThrowNoResumePoint(std::string const& text);
 };
 
 }  // namespace Quillon9

@@ -1,10 +1,12 @@
 #include "records/text_records.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "base/failure_detail.h"
 #include "binding/lost_text.h"
 #include "quillon9/base/exceptions.h"
+#include "quillon9/base/limits.h"
 #include "records/record_place.h"
 #include "xmlio/node_access.h"
 
@@ -17,7 +19,8 @@ RecordStream::~RecordStream() = default;
 // ---- LoadedChunk
 
 LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use, RecordChunk const& chunk,
-                         std::optional<std::size_t> record, std::string const& file, bool hasOffsets)
+                         std::optional<std::size_t> record, std::string const& file, bool hasOffsets,
+                         std::uint64_t& content)
     : m_chunk(chunk),
       m_only(record),
       m_use(use),
@@ -31,8 +34,10 @@ LoadedChunk::LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use,
   try {
     LossesOfReading losses(m_document);
     XmlNodeAccess::LoadLentStream(m_document, reinterpret_cast<unsigned char const*>(text.data()), text.size());
+    content = XmlNodeAccess::ContentSize(m_document);
     losses.Tell();
   } catch (CQnException& failure) {
+    content = XmlNodeAccess::ContentSize(m_document);
     ThrowCorrected(failure);
   }
   std::vector<CXmlElement const*> const ancestors = Ancestors();
@@ -116,9 +121,34 @@ void LoadedChunk::ThrowCorrected(CQnException& failure) const {
 
 CXmlElement const* TextBatch::Load(std::size_t record, Utf8Text::Use use) {
   if (m_chunk.records[record].isTooLarge) RecordPlace::ThrowTooLarge(m_shared.limits.mostRecord, Place(record));
-  if (!m_isSingle && (m_loaded == nullptr || m_loaded->GetUse() != use)) LoadAll(use);
+  if (!m_isSingle && (m_loaded == nullptr || m_loaded->GetUse() != use)) {
+    std::swap(m_loaded, m_other);  // for a program that looks at each tree and then reads it into an object
+    if (Size() == 1) m_other.reset();
+    if (m_loaded == nullptr || m_loaded->GetUse() != use) LoadAll(use);
+  }
   if (m_isSingle) LoadOne(record, use);
   return m_loaded->Element(record);
+}
+
+// What is in front of the records is parsed again for each chunk, and an entity can multiply each of them, so that
+// all of it together has the bounds of one document.
+void TextBatch::RequireContent(std::size_t record) {
+  std::uint64_t const grown = CLimits::GetMaxContentGrowth() * m_chunk.records[record].at.offset;
+  std::uint64_t const limit = std::max(CLimits::GetMaxContentSize(), grown);
+  if (m_shared.excess <= limit) return;
+  m_isAtEnd = true;
+  throw RecordPlace::Noted(
+      Place(record),
+      OfKind(FailureKind_Limit, CQnException(FormatString("The content of the document exceeds the limit of %llu bytes",
+                                                          static_cast<unsigned long long>(limit)))));
+}
+
+void TextBatch::Charge(std::optional<std::size_t> record, std::uint64_t content) {
+  constexpr std::uint64_t kFree = 0x4000;  // as much work as there is for any chunk
+  std::size_t const startTags = m_chunk.ancestors->startTags.size();
+  std::size_t const text = record ? m_chunk.TextOf(*record).size() : m_chunk.recordsEnd - startTags;
+  std::uint64_t const fair = kFree + std::uint64_t{CLimits::GetMaxContentGrowth()} * text;
+  if (startTags + content > fair) m_shared.excess += startTags + content - fair;
 }
 
 void TextBatch::LoadAll(Utf8Text::Use use) {
@@ -134,14 +164,23 @@ void TextBatch::LoadOne(std::size_t record, Utf8Text::Use use) {
     Parse(use, record);
   } catch (CQnException const& failure) {
     // What is beyond a limit is a fault of this record only.
-    m_isAtEnd = failure.GetKind() != FailureKind_Limit || !m_chunk.records[record].isWhole;
+    m_isAtEnd = m_isAtEnd || failure.GetKind() != FailureKind_Limit || !m_chunk.records[record].isWhole;
     throw;
   }
 }
 
 void TextBatch::Parse(Utf8Text::Use use, std::optional<std::size_t> record) {
   m_loaded.reset();
-  m_loaded = std::make_unique<LoadedChunk>(m_shared.ctx, use, m_chunk, record, m_shared.file, m_shared.hasOffsets);
+  RequireContent(record.value_or(0));
+  std::uint64_t content = 0;
+  try {
+    m_loaded =
+        std::make_unique<LoadedChunk>(m_shared.ctx, use, m_chunk, record, m_shared.file, m_shared.hasOffsets, content);
+  } catch (...) {
+    Charge(record, content);
+    throw;
+  }
+  Charge(record, content);
 }
 
 CFailurePlace TextBatch::Place(std::size_t record) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <atomic>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,10 +18,10 @@ namespace Quillon9 {
 /// A chunk as a document, of which one record after the other is looked at.
 class LoadedChunk final : public PlaceFinder {
  public:
-  /// Load all records of \p chunk, or only \p record.
+  /// Load all records of \p chunk, or only \p record. \p content becomes what that has taken, as the limits count it.
   /// \throws what CXmlDocument::LoadXmlStream() throws, with places in the whole document.
   LoadedChunk(CXmlSerializationContext const& ctx, Utf8Text::Use use, RecordChunk const& chunk,
-              std::optional<std::size_t> record, std::string const& file, bool hasOffsets);
+              std::optional<std::size_t> record, std::string const& file, bool hasOffsets, std::uint64_t& content);
 
   /// The tree of \p record.
   CXmlElement const* Element(std::size_t record);
@@ -53,8 +55,9 @@ struct TextRecordsContext {
   CXmlSerializationContext const& ctx;
   std::string const& file;
   RecordLimits limits;
-  bool hasOffsets;  ///< positions in the text are positions in the input
-  bool canResume;   ///< and the input is not compressed
+  bool hasOffsets;                               ///< positions in the text are positions in the input
+  bool canResume;                                ///< and the input is not compressed
+  mutable std::atomic<std::uint64_t> excess{0};  ///< what loading has taken beyond a fair multiple of the records
 };
 
 /// Records of XML text. They are loaded together, or one by one if that fails.
@@ -72,8 +75,14 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
   PlaceFinder& Places() override { return *this; }
 
  private:
-  CFailurePlace Find(FailurePoint const& point) override { return m_loaded->Find(point); }
-  bool HasPositionsOf(CXmlElement const* element) override { return m_loaded->HasPositionsOf(element); }
+  CFailurePlace Find(FailurePoint const& point) override {
+    return m_loaded != nullptr ? m_loaded->Find(point) : CFailurePlace();
+  }
+  bool HasPositionsOf(CXmlElement const* element) override {
+    return m_loaded != nullptr && m_loaded->HasPositionsOf(element);
+  }
+  void RequireContent(std::size_t record);
+  void Charge(std::optional<std::size_t> record, std::uint64_t content);
   void LoadAll(Utf8Text::Use use);
   void LoadOne(std::size_t record, Utf8Text::Use use);
   void Parse(Utf8Text::Use use, std::optional<std::size_t> record);
@@ -81,7 +90,8 @@ class TextBatch final : public RecordBatch, private PlaceFinder {
   RecordChunk m_chunk;
   TextRecordsContext const& m_shared;
   std::unique_ptr<LoadedChunk> m_loaded;
-  bool m_isSingle = false;  // the records are loaded one by one
+  std::unique_ptr<LoadedChunk> m_other;  // with its text held otherwise; not always there
+  bool m_isSingle = false;               // the records are loaded one by one
   bool m_isAtEnd = false;
 };
 

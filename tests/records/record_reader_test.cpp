@@ -448,3 +448,45 @@ TEST(CXmlRecordReader, RefusesToGoOnInAHandler) {
     EXPECT_EQ(failures, 2);
   }
 }
+
+TEST(CXmlRecordReader, EndsWhereWhatIsAroundTheRecordsIsReadTooOften) {
+  std::uint64_t const before = CLimits::GetMaxContentSize();
+  CLimits::SetMaxContentSize(0x100000);
+  std::string const type = "<!DOCTYPE a [<!ENTITY e '" + std::string(100000, 'x') + "'>]>";
+  struct {
+    std::string text;
+    bool isRead;
+  } const rows[] = {
+      {type + "<a>" + Repeated("<g><r/></g>", 1000) + "</a>", false},
+      {type + "<a>" + Repeated("<r/>", 1000) + "</a>", true},
+      {"<a>" + Repeated("<g><r/></g>", 10000) + "</a>", true},
+      {type.substr(0, type.size() - 2) + "<!ENTITY f '&e;&e;&e;&e;&e;'>]><a>" + Repeated("<g><r>&f;</r></g>", 1000) +
+           "</a>",
+       false},
+  };
+  for (auto const& row : rows) {
+    CXmlRecordReader reader(CRecordSource::Memory(row.text.data(), row.text.size()));
+    reader.SelectRecords("//r");
+    std::string failure;
+    try {
+      while (reader.Skip()) {
+      }
+    } catch (CQnException const& thrown) {
+      failure = thrown.GetMessage();
+    }
+    EXPECT_EQ(failure.find("The content of the document exceeds the limit of ") == 0, !row.isRead) << failure;
+    EXPECT_TRUE(reader.IsAtEnd());
+  }
+  CLimits::SetMaxContentSize(before);
+}
+
+TEST(CXmlRecordReader, ShowsTreesOfRecordsThatItReads) {
+  std::string const text = Order(Repeated(ItemText("111-AA"), 1000));
+  CXmlRecordReader reader(CRecordSource::Memory(text.data(), text.size()));
+  reader.SelectRecords("//item");
+  int count = 0;
+  for (; reader.Advance(); ++count) {
+    ASSERT_EQ(reader.GetElement()->GetAttribute("partNum", ""), reader.Read<Item>()->GetPartNum());
+  }
+  EXPECT_EQ(count, 1000);
+}
