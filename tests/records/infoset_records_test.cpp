@@ -110,7 +110,7 @@ TEST(InfosetRecords, AllFormsOfItems) {
       // What has no place in a tree.
       "C4 E1 01'pi' 40'y' F0 E2 00'c' 3C 00'a' E2 40'c' 3C 00'b' C8 00'e' E1 80 80 90'1' F0 01 E2 80 A0 FF E2 00'd' F0",
   };
-  for (char const* row : rows) ExpectRecordsOfAllNames(Document(row), {1, 0x10000});
+  for (char const* row : rows) ExpectRecordsOfAllNames(Document(row), {1U, 0x10000U});
   // A header with an initial vocabulary, notations and a version.
   ExpectRecordsOfAllNames(Octets("E0 00 00 01 31 18 80 04'urn:v' 00 00'z' 00 00'l' C0 00'n' F0 02'1.0' 3C 00'a' 3C "
                                  "00'b' F0 01 F0 FF"),
@@ -127,7 +127,7 @@ TEST(InfosetRecords, TablesThatGrowFromRecordToRecord) {
   std::string const octets = Written(WriteOrders, options);
   Load(whole, octets);
   for (char const* name : {"{urn:o}order", "{urn:o}list", "{urn:o}note", "{urn:o}n7", "{}n3"}) {
-    for (std::size_t const batchSize : {1, 500, 0x10000}) {
+    for (std::size_t const batchSize : {1U, 500U, 0x10000U}) {
       EXPECT_EQ(DifferenceOfRecords(whole, octets, name, 1000, batchSize), "") << batchSize;
     }
   }
@@ -183,7 +183,7 @@ void ExpectSameEnd(std::string const& octets, std::string const& what) {
   }
   std::vector<std::string> expected;
   if (whole.GetDocumentElement() != nullptr) CollectRecords(*whole.GetDocumentElement(), "{}b", expected);
-  for (std::size_t const batchSize : {1, 0x10000}) {
+  for (std::size_t const batchSize : {1U, 0x10000U}) {
     RecordLimits limits;
     limits.batchSize = batchSize;
     Outcome const read = ReadRecords(octets, "//{}b", limits);
@@ -294,7 +294,7 @@ TEST(InfosetRecords, CommentsAreKeptOnWish) {
   std::string const octets = Document(
       "C4 E1 01'pi' 40'y' F0 3C 00'a' E2 42'one' 3C 00'b' C8 00'e' E1 80 80 F0 01 E2 81 E1 81 00'z' FF E2 81 F0");
   RecordPath const path("/a/b", *ctx.GetNamespaceAliases());
-  for (std::size_t const batchSize : {1, 0x10000}) {
+  for (std::size_t const batchSize : {1U, 0x10000U}) {
     RecordLimits limits;
     limits.batchSize = batchSize;
     std::string const file;
@@ -325,7 +325,7 @@ TEST(InfosetRecords, VocabularyOfTheContext) {
   Load(whole, octets);
   std::vector<std::string> expected;
   CollectRecords(*whole.GetDocumentElement(), "{urn:o}order", expected);
-  for (std::size_t const batchSize : {1, 0x10000}) {
+  for (std::size_t const batchSize : {1U, 0x10000U}) {
     RecordLimits limits;
     limits.batchSize = batchSize;
     Outcome const read = ReadRecords(octets, "/*/{urn:o}list/{urn:o}order", limits, ctx);
@@ -375,7 +375,7 @@ TEST(InfosetRecords, AreLoadedInAnyOrder) {
         OpenRecords(InPieces(octets, kWhole), {RecordPath("/a/b", *ctx.GetNamespaceAliases())}, {}, ctx, file);
     auto const batch = stream->Next(Utf8Text::Use::kNo);
     ASSERT_EQ(batch->Size(), 4u);
-    for (std::size_t const record : {3, 1, 2, 2, 0, 3}) {
+    for (std::size_t const record : {3U, 1U, 2U, 2U, 0U, 3U}) {
       CXmlElement const* const element = batch->Load(record, Utf8Text::Use::kNo);
       EXPECT_EQ(Dump(*element), wanted[record]);
       ASSERT_EQ(batch->Ancestors().size(), 1u);
