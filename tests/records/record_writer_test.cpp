@@ -334,6 +334,24 @@ TEST(RecordWriter, WritesElementsAroundRecordsAndTrees) {
   }
 }
 
+TEST(RecordWriter, DocumentElementsThatFailLeaveNoPrefixes) {
+  CXmlSerializationContext ctx;
+  ctx.SetKeepPrefixes(true);
+  auto const bad = Log::CreateEntry();
+  bad->FromXml("<b:entry xmlns:b='urn:example:log'><b:level/><b:message/><b:place/></b:entry>", ctx);
+  bad->SetMessage("\xFF");
+  auto const good = MakeEntry(2);
+  for (bool const isOpened : {false, true}) {
+    std::string records;
+    CXmlRecordWriter writer(CRecordTarget::Memory(records), ctx);
+    if (isOpened) bad->SetId("\xFF");
+    EXPECT_THROW(isOpened ? writer.OpenElement(*bad) : writer.Write(*bad), CQnException);
+    writer.Write(*good);
+    writer.Finish();
+    EXPECT_EQ(Octets(good->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx)), records);
+  }
+}
+
 TEST(RecordWriter, WritesWhatSurroundsADocumentElement) {
   CXmlSerializationContext ctx;
   ctx.SetKeepUnknown(true);
