@@ -41,8 +41,6 @@ void RequireText(std::string const& text) {
   Utf8Text::Check(text);
 }
 
-constexpr char kDeclarations[] = "http://www.w3.org/2000/xmlns/";
-
 /// Namespaces in XML 1.0 (W3C), section 3, "Reserved Prefixes and Namespace Names".
 bool IsReserved(std::string const& prefix, std::string const& uri) {
   std::string start = prefix.substr(0, 3);
@@ -53,6 +51,11 @@ bool IsReserved(std::string const& prefix, std::string const& uri) {
 void RequireName(std::string const& name) {
   OwnTextScope const scope;
   TreeWriting::RequireName(name);
+}
+
+void RequireAttributeName(std::string const& name, std::string const& namespaceUri) {
+  OwnTextScope const scope;
+  TreeWriting::RequireAttributeName(name, namespaceUri);
 }
 
 /// Gives an object another element name for a time.
@@ -162,9 +165,7 @@ class CXmlRecordWriter::Work {
       throw CQnInvalidStateException(
           FormatString("The attribute [%s] comes after the content of its element", localName.c_str()));
     }
-    if (namespaceUri == kDeclarations || (namespaceUri.empty() && localName == "xmlns")) {
-      throw CQnInvalidParamException(FormatString("The attribute [%s] would declare a namespace", localName.c_str()));
-    }
+    RequireAttributeName(localName, namespaceUri);
     StartPending();
     std::pair<std::string, std::string> name(localName, namespaceUri);
     if (std::find(m_attributes.begin(), m_attributes.end(), name) != m_attributes.end()) {
@@ -495,7 +496,10 @@ void CXmlRecordWriter::Write(CXmlObjectBase& object, std::string const& localNam
 }
 
 void CXmlRecordWriter::Write(CXmlObjectBase& object, std::string const& localName, std::string const& namespaceUri) {
-  RequireName(localName);
+  {
+    OwnTextScope const scope;
+    TreeWriting::RequireElementName(localName, namespaceUri, false);
+  }
   Renamed const renamed(object, localName);
   m_work->Write(object, namespaceUri);
 }

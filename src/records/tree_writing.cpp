@@ -15,6 +15,7 @@ namespace Quillon9 {
 
 namespace {
 
+constexpr char kDeclarations[] = "http://www.w3.org/2000/xmlns/";
 constexpr std::string_view kSpecialInUri = "&<\"\t\n\r";
 
 std::string EscapedUri(std::string_view uri) {
@@ -52,10 +53,21 @@ void TreeWriting::RequireName(std::string const& name) {
 void TreeWriting::RequireElementName(std::string const& localName, std::string const& namespaceUri,
                                      bool hasDefaultNamespace) {
   RequireName(localName);
+  if (namespaceUri == kDeclarations) {
+    throw CQnInvalidParamException(
+        FormatString("The element [%s] is in the namespace of declarations", localName.c_str()));
+  }
   if (!hasDefaultNamespace || !namespaceUri.empty()) return;
   throw CQnInvalidParamException(
       FormatString("The element [%s] has no namespace, which cannot be written where there is a default namespace",
                    localName.c_str()));
+}
+
+void TreeWriting::RequireAttributeName(std::string const& localName, std::string const& namespaceUri) {
+  RequireName(localName);
+  if (namespaceUri == kDeclarations || (namespaceUri.empty() && localName == "xmlns")) {
+    throw CQnInvalidParamException(FormatString("The attribute [%s] would declare a namespace", localName.c_str()));
+  }
 }
 
 /// The text writer does not escape namespace names.
@@ -77,7 +89,7 @@ void TreeWriting::Start(std::string const& localName, std::string const& namespa
 
 void TreeWriting::WriteAttribute(std::string const& localName, std::string const& namespaceUri,
                                  std::string const& value, ItemType type) {
-  RequireName(localName);
+  RequireAttributeName(localName, namespaceUri);
   m_writer.WriteAttributeString(localName, Spelled(namespaceUri), value, type);
 }
 

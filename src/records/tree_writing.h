@@ -24,12 +24,14 @@ class TreeWriting {
   /// Write the element, its attributes and its content, and the prefixes of its document if \p keepsPrefixes is true.
   void Write(CXmlElement const& element, bool keepsPrefixes);
 
-  /// Check that an element of this name can be written as text.
+  /// Check that an element or attribute of this name can be written as text.
   /// \throws CQnInvalidParamException "The name [%s] is not a name in XML", also for attributes and prefixes; "The
   ///         element [%s] has no namespace, which cannot be written where there is a default namespace".
   ///@{
   static void RequireElementName(std::string const& localName, std::string const& namespaceUri,
                                  bool hasDefaultNamespace);
+  /// \throws also CQnInvalidParamException "The attribute [%s] would declare a namespace".
+  static void RequireAttributeName(std::string const& localName, std::string const& namespaceUri);
   static void RequireName(std::string const& name);
   ///@}
 

@@ -101,7 +101,7 @@ char const* EncodingDeclaration(XmlEncoding encoding) {
 
 }  // namespace
 
-void ThrowNotInXml(char character) {
+void ThrowNotInXml(unsigned character) {
   throw OfKind(FailureKind_BadValue, CQnInvalidValueException(FormatString(
                                          "The character U+%04X cannot stand in an XML document", character)));
 }
@@ -109,7 +109,14 @@ void ThrowNotInXml(char character) {
 void RequireXmlCharacters(std::string_view text) {
   for (char const character : text) {
     ByteClass const byteClass = ClassOf(character);
-    if (byteClass == ByteClass::Control || byteClass == ByteClass::End) ThrowNotInXml(character);
+    if (byteClass == ByteClass::Control || byteClass == ByteClass::End) {
+      ThrowNotInXml(static_cast<unsigned char>(character));
+    }
+  }
+  // U+FFFE and U+FFFF in UTF-8.
+  for (std::size_t at = text.find("\xEF\xBF"); at != text.npos; at = text.find("\xEF\xBF", at + 1)) {
+    unsigned const last = at + 2 < text.size() ? static_cast<unsigned char>(text[at + 2]) : 0;
+    if (last >= 0xBE) ThrowNotInXml(0xFF40 + last);
   }
 }
 
@@ -485,7 +492,9 @@ void CXmlTextWriter::AppendSpecial(char byte, bool inAttribute) {
     return isPlain ? m_stream->Append(byte) : m_stream->Append(EntityFor(byte));
   }
   bool const isSchema = RulesInUse::AreSchema();
-  if (isSchema && (byteClass == ByteClass::Control || byteClass == ByteClass::End)) ThrowNotInXml(byte);
+  if (isSchema && (byteClass == ByteClass::Control || byteClass == ByteClass::End)) {
+    ThrowNotInXml(static_cast<unsigned char>(byte));
+  }
   char const* const reference = isSchema ? ReferenceFor(byteClass, inAttribute) : nullptr;
   if (reference != nullptr) return m_stream->Append(reference);
   if (byteClass != ByteClass::CarriageReturn) m_stream->Append(byte);

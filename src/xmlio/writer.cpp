@@ -337,8 +337,8 @@ void XmlWriterAccess::Release(CXmlWriter& writer, Context* context) {
 
 XmlWriterAccess::Mark XmlWriterAccess::GetMark(CXmlWriter const& writer) {
   Context* const open = writer.m_context;
-  if (open == nullptr) return {};
-  return {open, open->m_childCount, open->m_tagOpen};
+  if (open == nullptr) return {nullptr, 0, false, writer.m_namespaceMap, writer.m_defaultNamespace};
+  return {open, open->m_childCount, open->m_tagOpen, {}, {}};
 }
 
 // Spare contexts may remember what no longer holds.
@@ -349,7 +349,11 @@ void XmlWriterAccess::ReturnTo(CXmlWriter& writer, Mark const& mark) {
     delete left;
   }
   delete std::exchange(writer.m_spare, nullptr);
-  if (mark.open == nullptr) return;
+  if (mark.open == nullptr) {
+    writer.m_namespaceMap = mark.namespaces;
+    writer.m_defaultNamespace = mark.defaultNamespace;
+    return;
+  }
   mark.open->m_childCount = mark.childCount;
   mark.open->m_tagOpen = mark.isTagOpen;
 }

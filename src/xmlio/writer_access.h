@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 
 #include "quillon9/fwd.h"
@@ -51,6 +52,8 @@ struct XmlWriterAccess {
     Context* open = nullptr;
     unsigned long childCount = 0;
     bool isTagOpen = false;
+    std::map<std::string, std::string> namespaces;  ///< of the document element, if it has not been started
+    std::string defaultNamespace;                   ///< the same
   };
   static Mark GetMark(CXmlWriter const& writer);
   /// Leave the elements that were started since \p mark, as if they had never been. The output is the caller's.

@@ -263,6 +263,13 @@ TEST(RecordWriter, KeepsDocumentsWellFormed) {
       {{open}, value("x y", ""), "The name [x y] is not a name in XML"},
       {{open}, value("x", std::string("a\0", 2)), "The character U+0000 cannot stand in an XML document"},
       {{open}, value("x", "a\xFF"), "The text is not well-formed UTF-8 after [a]"},
+      {{open}, text("a\xEF\xBF\xBE"), "The character U+FFFE cannot stand in an XML document"},
+      {{open},
+       [](CXmlRecordWriter& writer) { writer.OpenElement("a", "http://www.w3.org/2000/xmlns/"); },
+       "The element [a] is in the namespace of declarations"},
+      {{open},
+       [](CXmlRecordWriter& writer) { writer.Write(*MakeEntry(1), "a", "http://www.w3.org/2000/xmlns/"); },
+       "The element [a] is in the namespace of declarations"},
       {{open}, text("a\x01"), "The character U+0001 cannot stand in an XML document"},
       {{open, finish}, record, "The document is finished"},
       {{open}, [](CXmlRecordWriter& writer) { writer.SetText(); }, "The write has begun"},
@@ -324,6 +331,24 @@ TEST(RecordWriter, WritesElementsAroundRecordsAndTrees) {
     writer.Finish();
     EXPECT_EQ(DumpOf(expected), DumpOf(output));
     EXPECT_EQ(isInfoset, expected != output);
+  }
+}
+
+TEST(RecordWriter, DocumentElementsThatFailLeaveNoPrefixes) {
+  CXmlSerializationContext ctx;
+  ctx.SetKeepPrefixes(true);
+  auto const bad = Log::CreateEntry();
+  bad->FromXml("<b:entry xmlns:b='urn:example:log'><b:level/><b:message/><b:place/></b:entry>", ctx);
+  bad->SetMessage("\xFF");
+  auto const good = MakeEntry(2);
+  for (bool const isOpened : {false, true}) {
+    std::string records;
+    CXmlRecordWriter writer(CRecordTarget::Memory(records), ctx);
+    if (isOpened) bad->SetId("\xFF");
+    EXPECT_THROW(isOpened ? writer.OpenElement(*bad) : writer.Write(*bad), CQnException);
+    writer.Write(*good);
+    writer.Finish();
+    EXPECT_EQ(Octets(good->ToXmlStream(true, true, XmlEncoding_UTF8, EOLType_LF, ctx)), records);
   }
 }
 

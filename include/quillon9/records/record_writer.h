@@ -66,7 +66,8 @@ class QUILLON9_API CXmlRecordWriter {
   /// @}
 
   /// \name Elements around the records
-  /// Each throws CQnInvalidParamException "The name [%s] is not a name in XML".
+  /// Each throws CQnInvalidParamException "The name [%s] is not a name in XML" and, for elements, "The element [%s] is
+  /// in the namespace of declarations".
   /// @{
 
   /// Declare \p prefix for \p uri on the document element, so that everything in the document can use it; an empty
@@ -114,7 +115,8 @@ class QUILLON9_API CXmlRecordWriter {
   void Write(CXmlObjectBase const& object);
   /// Write \p object, which has this element name in the meantime, in its target namespace or in \p namespaceUri, which
   /// is empty for none. A CElement keeps its own name and namespace.
-  /// \throws as Write(object), and CQnInvalidParamException "The name [%s] is not a name in XML".
+  /// \throws as Write(object), and CQnInvalidParamException "The name [%s] is not a name in XML", "The element [%s] is in
+  ///         the namespace of declarations".
   ///@{
   void Write(CXmlObjectBase& object, std::string const& localName);
   void Write(CXmlObjectBase& object, std::string const& localName, std::string const& namespaceUri);
