@@ -16,6 +16,12 @@ bool IsOfRecords(std::string const& failure) {
   return failure.find("elements in an entity") != std::string::npos || failure.find("limit") != std::string::npos;
 }
 
+/// Whether a path can say \p name, which has its namespace in braces. Names in Fast Infoset can have any characters.
+bool CanBeSaid(std::string const& name) {
+  std::size_t const end = name.rfind('}');
+  return end + 1 < name.size() && name.find('}') == end && name.find_first_of("/*{", end) == std::string::npos;
+}
+
 }  // namespace
 
 /// The elements of a name, read as records from an input in pieces, are those of a whole read; a document that a whole
@@ -41,6 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size
   Testing::CollectNames(*whole.GetDocumentElement(), names);
   std::size_t left = 8;
   for (auto name = names.begin(); name != names.end() && left-- > 0; ++name) {
+    if (!CanBeSaid(*name)) continue;
     std::string const difference = Testing::DifferenceOfRecords(whole, octets, *name, piece, batch);
     if (!IsOfRecords(difference)) Fuzzing::RequireEqual(difference, "", "records are the elements of a whole read");
   }

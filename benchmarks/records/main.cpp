@@ -112,7 +112,7 @@ void Copy(char const* file) {
 void ReadWhole(char const* file) {
   Report report;
   CSmartPtr<GeneratedOrders::COrders> const orders = GeneratedOrders::ReadOrders(file);
-  report.records = orders->GetOrder().GetCount();
+  report.records = static_cast<std::uint64_t>(orders->GetOrder().GetCount());
   if (std::FILE* const opened = std::fopen(file, "rb")) {
     std::fseek(opened, 0, SEEK_END);
     report.megabytes = static_cast<double>(std::ftell(opened)) / 1e6;
