@@ -206,6 +206,7 @@ void RecordSplitter::AddRecord(RecordChunk& chunk) {
     end = extent.end;
     if (end > m_window.Most()) throw TextWindow::Full();  // although it is in the window already
   } catch (TextWindow::Full const&) {
+    end = 0;  // the window begins past the record then
     m_window.SetMayRead(true);
     span.isTooLarge = true;
     span.isWhole = SkipElement(m_window);
