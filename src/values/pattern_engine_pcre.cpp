@@ -1,6 +1,9 @@
 #include <pcre.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "base/stack_left.h"
@@ -20,10 +23,23 @@ struct FreePcre {
 // of 500 bytes for each character that a repeated group takes.
 constexpr std::size_t kInterpreterLevel = 1024;
 constexpr std::size_t kStackReserve = 64 * 1024;
+constexpr std::size_t kUnknownStack = 256 * 1024;
 
 unsigned long RecursionLimit() {
   std::size_t const left = StackLeft().value_or(0);
   return left > 2 * kStackReserve ? static_cast<unsigned long>((left - kStackReserve) / kInterpreterLevel) : 64;
+}
+
+// PCRE makes machine code by recursion on the thread's stack, with a level for each group around a group. A repeated
+// group is compiled into copies, the optional ones within each other, of at least 15 bytes each.
+std::size_t StackToStudy(std::string const& pattern, pcre const* code) {
+  constexpr std::size_t kStudyLevel = 640;
+  constexpr std::size_t kCopy = 15;
+  std::size_t size = 0;
+  pcre_fullinfo(code, nullptr, PCRE_INFO_SIZE, &size);
+  auto const groups = static_cast<std::size_t>(std::count(pattern.begin(), pattern.end(), '('));
+  bool const hasCopies = pattern.find("){") != std::string::npos;
+  return kStackReserve + kStudyLevel * (groups + (hasCopies ? size / kCopy : 0));
 }
 
 CompiledPattern::Answer AnswerOf(int result, int const* offsets, int length) {
@@ -40,7 +56,9 @@ struct CompiledPattern::Engine {
   std::vector<int> offsets;
   bool isMachineCode = false;
   int triesLeft = kMachineCodeTries;
+  std::size_t stackToStudy = 0;
 
+  bool WantsMachineCode() const;
   void TryMachineCode();
   pcre_extra WithLimits(int length) const;
   int Execute(pcre_extra const& extra, char const* subject, int length);
@@ -54,6 +72,7 @@ CompiledPattern::CompiledPattern(std::string const& given, std::string const& tr
   int offset = 0;
   m_engine->code.reset(pcre_compile(translated.c_str(), PCRE_UTF8 | PCRE_ANCHORED, &message, &offset, nullptr));
   if (m_engine->code == nullptr) ThrowInvalidPattern(given, message, offset);
+  m_engine->stackToStudy = StackToStudy(translated, m_engine->code.get());
   int groups = 0;
   pcre_fullinfo(m_engine->code.get(), nullptr, PCRE_INFO_CAPTURECOUNT, &groups);
   m_engine->offsets.resize((static_cast<std::size_t>(groups) + 1) * 3);
@@ -61,6 +80,11 @@ CompiledPattern::CompiledPattern(std::string const& given, std::string const& tr
 
 CompiledPattern::~CompiledPattern() = default;
 CompiledPattern::CompiledPattern(CompiledPattern&&) noexcept = default;
+
+// The stack of a coroutine is unknown: only large patterns are left to the interpreter there.
+bool CompiledPattern::Engine::WantsMachineCode() const {
+  return !isMachineCode && triesLeft > 0 && StackLeft().value_or(kUnknownStack) >= stackToStudy;
+}
 
 void CompiledPattern::Engine::TryMachineCode() {
   char const* message = nullptr;
@@ -98,7 +122,7 @@ int CompiledPattern::Engine::ExecuteOnLargeStack(pcre_extra const& extra, char c
 }
 
 void CompiledPattern::Share() {
-  while (!m_engine->isMachineCode && m_engine->triesLeft > 0) m_engine->TryMachineCode();
+  while (m_engine->WantsMachineCode()) m_engine->TryMachineCode();
 }
 
 // A larger stack for machine code would have to be assigned to what the threads share.
@@ -110,7 +134,7 @@ CompiledPattern::Answer CompiledPattern::TryInAnyThread(char const* subject, int
 
 CompiledPattern::Answer CompiledPattern::Try(char const* subject, int length) {
   Engine& engine = *m_engine;
-  if (!engine.isMachineCode && engine.triesLeft > 0) engine.TryMachineCode();
+  if (engine.WantsMachineCode()) engine.TryMachineCode();
   pcre_extra const extra = engine.WithLimits(length);
   // The 32 KiB that PCRE takes from the thread's stack are enough for all but long values, which pay for a stack of
   // their own.
