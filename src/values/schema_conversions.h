@@ -20,8 +20,17 @@ namespace Quillon9 {
 /// Each function that reads fails as CSchemaValues::FromText() does.
 namespace SchemaConversions {
 
+/// CSchemaValues::FromText(), into \p value: for strings, and for values of other kinds.
+///@{
+void SetNormalized(QnVariant& value, std::string_view text, CWhitespaceUtils::WhitespaceRule rule);
+void ConvertOther(QnVariant& value, std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
+///@}
+
 /// CSchemaValues::FromText(), into \p value.
-void Convert(QnVariant& value, std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule);
+inline void Convert(QnVariant& value, std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
+  if (type == ItemType_string) return SetNormalized(value, text, rule);
+  ConvertOther(value, text, type, rule);
+}
 
 /// \p type names the type in a failure.
 template <class Integer>

@@ -25,10 +25,19 @@ bool HasBounds(CPrimitiveRestrictions const& r) {
   return !r.minInclusive.empty() || !r.maxInclusive.empty() || !r.minExclusive.empty() || !r.maxExclusive.empty();
 }
 
+/// Most texts with a pattern or an exact length are: codes and numbers.
+bool IsShortAscii(std::string const& text) {
+  constexpr std::size_t kShort = 32;
+  return text.size() <= kShort &&
+         std::all_of(text.begin(), text.end(), [](char c) { return static_cast<signed char>(c) > 0; });
+}
+
 /// What \p use makes of \p text in UTF-8, which is a copy only where the code page is another one.
 template <class Use>
 auto WithUtf8(std::string const& text, Use use) {
-  if (CEncoder::IsUtf8SameInLocalCodePage(text.data(), text.size())) return use(std::string_view(text));
+  bool const isSame =
+      (Utf8Text::IsInUse() && IsShortAscii(text)) || CEncoder::IsUtf8SameInLocalCodePage(text.data(), text.size());
+  if (isSame) return use(std::string_view(text));
   LostCharacters::Scope const unobserved(nullptr);  // the copy serves only the comparison
   CBinaryData const utf8 = CEncoder::LocalCodePageToUtf8Binary(text.c_str());
   return use(std::string_view(reinterpret_cast<char const*>(utf8.GetData()), utf8.GetLength()));
@@ -129,13 +138,19 @@ SchemaFacets::SchemaFacets(ItemType type, CPrimitiveRestrictions const& restrict
   } catch (CQnException const&) {
     m_isBroken = true;
   }
-  bool const hasMore = m_isBroken || m_hasPattern || m_hasDigits || m_isMeasured || others.form != SchemaForm::Any;
-  m_extent = hasMore ? Extent::All : m_parsed.bounds != nullptr ? Extent::Bounds : Extent::Nothing;
+  m_extent = FindExtent();
 }
 
 SchemaFacets::~SchemaFacets() = default;
 SchemaFacets::SchemaFacets(SchemaFacets&&) noexcept = default;
 SchemaFacets& SchemaFacets::operator=(SchemaFacets&&) noexcept = default;
+
+SchemaFacets::Extent SchemaFacets::FindExtent() const {
+  if (m_isBroken || m_hasPattern || m_hasDigits || m_others.form != SchemaForm::Any) return Extent::All;
+  if (m_type == ItemType_string) return m_isMeasured ? Extent::LengthOfText : Extent::Nothing;
+  if (m_isMeasured) return Extent::All;
+  return m_parsed.bounds != nullptr ? Extent::Bounds : Extent::Nothing;
+}
 
 SchemaFacets::Parsed SchemaFacets::Parse() const {
   Parsed parsed;
@@ -165,6 +180,11 @@ std::string SchemaFacets::TextOf(QnVariant const& value) const {
   return FirstSpelling(text, m_type, [this](std::string const& other) { return m_parsed.pattern->Matches(other); });
 }
 
+void SchemaFacets::CheckWithSpace(char const* name, QnVariant const& value, std::string_view text) const {
+  std::string scratch;
+  Check(name, value, ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule_Collapse, text, scratch));
+}
+
 void SchemaFacets::CheckOther(char const* name, QnVariant const& value) const {
   std::string const text = CSchemaValues::ToText(value);
   Check(name, CSchemaValues::FromText(text, m_type, CWhitespaceUtils::WhitespaceRule_None), text);
@@ -176,7 +196,7 @@ void SchemaFacets::RefuseValue(char const* name, QnVariant const& value) {
 }
 
 // What did not parse does so again here. It may succeed: where the thread has another code page or a larger stack.
-bool SchemaFacets::Keeps(QnVariant const& value, std::string_view text) const {
+bool SchemaFacets::KeepsToAll(QnVariant const& value, std::string_view text) const {
   return m_isBroken ? KeepsTo(Parse(), value, text) : KeepsTo(m_parsed, value, text);
 }
 

@@ -47,15 +47,13 @@ class SchemaFacets {
   void Check(char const* name, QnVariant const& value, std::string_view text) const {
     if (value.GetItemType() != m_type) return CheckOther(name, value);
     if (m_extent == Extent::Nothing) return;
-    bool const keeps = m_extent == Extent::Bounds ? m_parsed.bounds->Contain(value) : Keeps(value, text);
-    if (!keeps) RefuseValue(name, value);
+    if (!Keeps(value, text)) RefuseValue(name, value);
   }
 
   /// The same for a text as it stands in a document, with all its white space.
   void CheckRead(char const* name, QnVariant const& value, std::string_view text) const {
-    if (!UsesText()) return Check(name, value, text);
-    std::string scratch;
-    Check(name, value, ApplyWhitespaceRule(CWhitespaceUtils::WhitespaceRule_Collapse, text, scratch));
+    if (UsesText()) return CheckWithSpace(name, value, text);
+    Check(name, value, text);
   }
 
   /// The text of \p value for a document: that of CSchemaValues::ToText(), or another one of the same value if only
@@ -68,7 +66,7 @@ class SchemaFacets {
   void Check(char const* name, QnVariant const& value) const;
 
  private:
-  enum class Extent : std::uint8_t { Nothing, Bounds, All };
+  enum class Extent : std::uint8_t { Nothing, Bounds, LengthOfText, All };
 
   class Bounds {
    public:
@@ -84,14 +82,25 @@ class SchemaFacets {
 
   std::unique_ptr<Bounds const> MakeBounds() const;
   Parsed Parse() const;
+  Extent FindExtent() const;
   bool IsMeasured() const;
-  bool Keeps(QnVariant const& value, std::string_view text) const;
+  bool Keeps(QnVariant const& value, std::string_view text) const {
+    switch (m_extent) {
+      case Extent::Nothing: return true;
+      case Extent::Bounds: return m_parsed.bounds->Contain(value);
+      case Extent::LengthOfText: return HasAllowedLength(value.GetString());
+      case Extent::All: break;
+    }
+    return KeepsToAll(value, text);
+  }
+  bool KeepsToAll(QnVariant const& value, std::string_view text) const;
   bool KeepsTo(Parsed const& parsed, QnVariant const& value, std::string_view text) const;
   bool KeepsText(Parsed const& parsed, std::string const& value) const;
   bool HasAllowedLength(std::string const& value) const;
   bool IsAllowedLength(std::size_t length) const;
   bool HasAllowedDigits(QnVariant const& number) const;
   bool KeepsForm(Parsed const& parsed, std::string_view utf8) const;
+  void CheckWithSpace(char const* name, QnVariant const& value, std::string_view text) const;
   void CheckOther(char const* name, QnVariant const& value) const;
   [[noreturn]] static void RefuseValue(char const* name, QnVariant const& value);
 

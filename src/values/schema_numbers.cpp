@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <cstring>
@@ -138,11 +139,20 @@ std::uint64_t AppendDigits(std::uint64_t number, std::string_view digits) {
   return number;
 }
 
-CDecimal ShortDecimal(DecimalForm const& form) {
+/// The short form of a decimal.
+struct ShortDecimal {
+  bool isNegative = false;
+  std::uint64_t units = 0;
+  std::int32_t divider = 1;
+
+  CDecimal Get() const { return DecimalAccess::Make(isNegative, units, divider); }
+};
+
+ShortDecimal ShortDecimalOf(DecimalForm const& form) {
   std::string_view const fraction =
       form.fraction.empty() ? "0" : form.fraction;  // the short form has one digit or more
   std::uint64_t const units = AppendDigits(AppendDigits(0, form.whole), fraction);
-  return DecimalAccess::Make(form.isNegative, units, static_cast<std::int32_t>(fraction.size()));
+  return {form.isNegative, units, static_cast<std::int32_t>(fraction.size())};
 }
 
 CDecimal ParsedDecimal(DecimalForm const& form) {
@@ -151,14 +161,44 @@ CDecimal ParsedDecimal(DecimalForm const& form) {
   return CDecimal(text.c_str());
 }
 
+/// The form of most texts: digits with a point among or before them, perhaps after a minus, and few enough for the short
+/// form. False for any other text, and for zero.
+bool ReadPlainDecimal(std::string_view text, ShortDecimal& value) {
+  value.isNegative = !text.empty() && text.front() == '-';
+  if (value.isNegative) text.remove_prefix(1);
+  if (text.empty() || text.size() >= kMostPower || !IsDigit(text.back())) return false;
+  std::size_t fraction = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (IsDigit(text[i])) {
+      value.units = value.units * 10 + static_cast<std::uint64_t>(text[i] - '0');
+    } else if (text[i] == '.' && fraction == 0) {
+      fraction = text.size() - i - 1;
+    } else {
+      return false;
+    }
+  }
+  if (fraction == 0) value.units *= 10;
+  for (; fraction > 1 && value.units % 10 == 0; --fraction) value.units /= 10;
+  value.divider = static_cast<std::int32_t>(std::max<std::size_t>(fraction, 1));
+  return value.units != 0;
+}
+
 CDecimal DecimalOf(DecimalForm const& form) {
   if (form.IsZero()) return CDecimal();
-  if (form.whole.size() + form.fraction.size() < kMostPower) return ShortDecimal(form);
+  if (form.whole.size() + form.fraction.size() < kMostPower) return ShortDecimalOf(form).Get();
   if (form.fraction.size() <= kMostParsed) return ParsedDecimal(form);
   CBigInteger whole = BigInteger(form.isNegative, form.whole);
   if (form.whole.empty() && form.isNegative) whole.Negate();
   CBigInteger const fraction = BigInteger(form.isNegative, WithoutLeadingZeros(form.fraction));
   return CDecimal(whole, fraction, static_cast<int>(form.fraction.size()));
+}
+
+CDecimal AnyDecimal(std::string_view text) {
+  std::string_view rest = text;
+  DecimalForm form;
+  if (!TakeDecimal(rest, form) || !rest.empty()) ThrowNotValid(text, ItemType_decimal);
+  if (form.whole.size() > kMostWhole || form.fraction.size() > kMostFraction) ThrowTooLarge(text, ItemType_decimal);
+  return DecimalOf(form);
 }
 
 }  // namespace
@@ -175,11 +215,8 @@ CBigInteger SchemaConversions::IntegerFromText(std::string_view text) {
 }
 
 CDecimal SchemaConversions::DecimalFromText(std::string_view text) {
-  std::string_view rest = text;
-  DecimalForm form;
-  if (!TakeDecimal(rest, form) || !rest.empty()) ThrowNotValid(text, ItemType_decimal);
-  if (form.whole.size() > kMostWhole || form.fraction.size() > kMostFraction) ThrowTooLarge(text, ItemType_decimal);
-  return DecimalOf(form);
+  ShortDecimal plain;
+  return ReadPlainDecimal(text, plain) ? plain.Get() : AnyDecimal(text);
 }
 
 std::string SchemaConversions::DecimalText(CDecimal const& value) {

@@ -22,18 +22,9 @@ using WhitespaceRule = CWhitespaceUtils::WhitespaceRule;
   throw CQnException(FormatString("Invalid Type %d to convert to string", static_cast<int>(type)));
 }
 
-/// Hold the text under the facet whiteSpace (4.3.6). The classic rules drop carriage returns, but do the same for all
-/// other texts.
-void SetNormalized(QnVariant& value, std::string_view text, WhitespaceRule rule) {
-  bool const hasReturn = text.find('\r') != std::string_view::npos;
-  if (!hasReturn) return VariantAccess::FromText(value, text, ItemType_string, rule);
-  std::string replaced(text);
-  if (rule == CWhitespaceUtils::WhitespaceRule_Preserve) rule = CWhitespaceUtils::WhitespaceRule_None;
-  if (rule != CWhitespaceUtils::WhitespaceRule_None) std::replace(replaced.begin(), replaced.end(), '\r', ' ');
-  VariantAccess::FromText(value, replaced, ItemType_string, rule);
-}
-
 std::string_view Trimmed(std::string_view text) {
+  bool const isTrimmed = !text.empty() && text.front() > ' ' && text.back() > ' ';
+  if (isTrimmed) return text;
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.front())) text.remove_prefix(1);
   while (!text.empty() && CWhitespaceUtils::IsWhiteSpace(text.back())) text.remove_suffix(1);
   return text;
@@ -41,7 +32,7 @@ std::string_view Trimmed(std::string_view text) {
 
 char CharFromText(std::string_view text, WhitespaceRule rule) {
   QnVariant normalized;
-  SetNormalized(normalized, text, rule);
+  SchemaConversions::SetNormalized(normalized, text, rule);
   std::string const& character = normalized.GetString();
   if (character.size() != 1) SchemaFailures::ThrowNotValid(character, ItemType_char);
   return character[0];
@@ -66,9 +57,19 @@ CDateTimeSpan DurationFromText(std::string_view text) {
 
 }  // namespace
 
+// Hold the text under the facet whiteSpace (4.3.6). The classic rules drop carriage returns, but do the same for all
+// other texts.
+void SchemaConversions::SetNormalized(QnVariant& value, std::string_view text, WhitespaceRule rule) {
+  bool const hasReturn = text.find('\r') != std::string_view::npos;
+  if (!hasReturn) return VariantAccess::FromText(value, text, ItemType_string, rule);
+  std::string replaced(text);
+  if (rule == CWhitespaceUtils::WhitespaceRule_Preserve) rule = CWhitespaceUtils::WhitespaceRule_None;
+  if (rule != CWhitespaceUtils::WhitespaceRule_None) std::replace(replaced.begin(), replaced.end(), '\r', ' ');
+  VariantAccess::FromText(value, replaced, ItemType_string, rule);
+}
+
 // clang-format off
-void SchemaConversions::Convert(QnVariant& value, std::string_view text, ItemType type, WhitespaceRule rule) {
-  if (type == ItemType_string) return SetNormalized(value, text, rule);
+void SchemaConversions::ConvertOther(QnVariant& value, std::string_view text, ItemType type, WhitespaceRule rule) {
   if (type == ItemType_char) return value.SetChar(CharFromText(text, rule));
   text = Trimmed(text);
   switch (type) {
