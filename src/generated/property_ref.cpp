@@ -106,7 +106,8 @@ std::vector<Value> ListOf(QnVariant const& value) {
   std::vector<Value> list;
   std::string const text = value.GetString();
   for (ListItems items(text); items.Next();) {
-    QnVariant const item = RuledValues::FromPart(items.Text(), number, CWhitespaceUtils::WhitespaceRule_Preserve);
+    QnVariant item;
+    RuledValues::FromPart(item, items.Text(), number, CWhitespaceUtils::WhitespaceRule_Preserve);
     Value held{};
     Held<number>::Get(item, held);
     list.push_back(std::move(held));

@@ -94,7 +94,7 @@ QnVariant ValueRule::Convert(std::string_view text) const {
       return hasNumbers ? m_item->Convert(item).ToString() : std::string(item);
     }));
   } else if (m_type.enumeration == nullptr) {
-    value = RuledValues::FromPart(text, m_type.kind, m_type.whitespace);
+    RuledValues::FromPart(value, text, m_type.kind, m_type.whitespace);
   } else {
     std::string scratch;
     value.SetI4(m_type.enumeration->FromText(ApplyWhitespaceRule(m_type.whitespace, text, scratch)));

@@ -23,11 +23,12 @@ struct RuledValues {
   }
 
   /// The value of a text that need not be followed by a zero.
-  static QnVariant FromPart(std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
-    if (RulesInUse::AreSchema()) return CSchemaValues::FromText(text, type, rule);
-    QnVariant value;
-    value.FromString(std::string(text), type, rule);
-    return value;
+  static void FromPart(QnVariant& value, std::string_view text, ItemType type, CWhitespaceUtils::WhitespaceRule rule) {
+    if (RulesInUse::AreSchema()) {
+      SchemaConversions::Convert(value, text, type, rule);
+    } else {
+      value.FromString(std::string(text), type, rule);
+    }
   }
 
   /// \p format counts under the classic rules only.
