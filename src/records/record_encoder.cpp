@@ -19,6 +19,7 @@ class TextEncoder final : public RecordEncoder {
       : m_hasHeader(layout.hasHeader), m_stream(XmlEncoding_UTF8), m_writer(m_stream) {
     m_writer.SetFormat(layout.isFormatted);
     m_writer.SetEOLType(layout.eol);
+    m_writer.SetEscapesNamespaces(true);
     m_stream.Reserve(kBlock);
   }
 

@@ -16,23 +16,6 @@ namespace Quillon9 {
 namespace {
 
 constexpr char kDeclarations[] = "http://www.w3.org/2000/xmlns/";
-constexpr std::string_view kSpecialInUri = "&<\"\t\n\r";
-
-std::string EscapedUri(std::string_view uri) {
-  std::string escaped;
-  for (char const character : uri) {
-    switch (character) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '"': escaped += "&quot;"; break;
-      case '\t': escaped += "&#x9;"; break;
-      case '\n': escaped += "&#xA;"; break;
-      case '\r': escaped += "&#xD;"; break;
-      default: escaped += character;
-    }
-  }
-  return escaped;
-}
 
 bool IsName(std::string const& name) {
   if (CEncoder::IsUtf8SameInLocalCodePage(name.data(), name.size())) {
@@ -70,27 +53,20 @@ void TreeWriting::RequireAttributeName(std::string const& localName, std::string
   }
 }
 
-/// The text writer does not escape namespace names.
-std::string const& TreeWriting::Spelled(std::string const& uri) {
-  if (!m_isText || uri.find_first_of(kSpecialInUri) == std::string::npos) return uri;
-  m_spelled = EscapedUri(uri);
-  return m_spelled;
-}
-
 void TreeWriting::SetDefaultNamespace(std::string const& uri) {
-  m_writer.SetDefaultNamespace(Spelled(uri));
+  m_writer.SetDefaultNamespace(uri);
   m_hasDefaultNamespace = m_isText && !uri.empty();
 }
 
 void TreeWriting::Start(std::string const& localName, std::string const& namespaceUri) {
   RequireElementName(localName, namespaceUri, m_hasDefaultNamespace);
-  m_writer.WriteStartElement(localName, Spelled(namespaceUri));
+  m_writer.WriteStartElement(localName, namespaceUri);
 }
 
 void TreeWriting::WriteAttribute(std::string const& localName, std::string const& namespaceUri,
                                  std::string const& value, ItemType type) {
   RequireAttributeName(localName, namespaceUri);
-  m_writer.WriteAttributeString(localName, Spelled(namespaceUri), value, type);
+  m_writer.WriteAttributeString(localName, namespaceUri, value, type);
 }
 
 // The prefixes that stand for something else here are left out: nothing that is certain needs them.
@@ -107,7 +83,7 @@ void TreeWriting::Write(CXmlElement const& element, bool keepsPrefixes) {
   std::string const& uri = element.GetNamespaceURI();
   if (hasOnlyText && document == nullptr && XmlNodeAccess::MarkupIn(element).empty()) {
     RequireElementName(element.GetLocalName(), uri, m_hasDefaultNamespace);
-    return m_writer.WriteTextElement(element.GetLocalName(), Spelled(uri), element.GetTextView(), ItemType_string);
+    return m_writer.WriteTextElement(element.GetLocalName(), uri, element.GetTextView(), ItemType_string);
   }
   Start(element.GetLocalName(), uri);
   if (document != nullptr) DeclarePrefixesOf(*document);

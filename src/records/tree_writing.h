@@ -7,16 +7,15 @@
 
 namespace Quillon9 {
 
-/// Writes trees and single elements with what the writers leave to their callers: names are checked, and what is
-/// special in namespace URIs is escaped.
+/// Writes trees and single elements with checked names, which the writers leave to their callers.
 class TreeWriting {
  public:
-  /// \p writer is borrowed. \p isText says that it writes text.
+  /// \p writer is borrowed. \p isText says that it writes text, with namespaces escaped.
   TreeWriting(CXmlWriter& writer, bool isText) : m_writer(writer), m_isText(isText) {}
 
   /// The default namespace of the document. Text cannot have elements without a namespace then.
   void SetDefaultNamespace(std::string const& uri);
-  void AddNamespace(std::string const& prefix, std::string const& uri) { m_writer.AddNamespace(prefix, Spelled(uri)); }
+  void AddNamespace(std::string const& prefix, std::string const& uri) { m_writer.AddNamespace(prefix, uri); }
   /// \throws as RequireElementName(), and what CXmlWriter throws.
   void Start(std::string const& localName, std::string const& namespaceUri);
   void WriteAttribute(std::string const& localName, std::string const& namespaceUri, std::string const& value,
@@ -36,14 +35,12 @@ class TreeWriting {
   ///@}
 
  private:
-  std::string const& Spelled(std::string const& uri);
   void WriteContentOf(CXmlElement const& element);
   void DeclarePrefixesOf(CXmlDocument const& document);
 
   CXmlWriter& m_writer;
   bool m_isText;
   bool m_hasDefaultNamespace = false;
-  std::string m_spelled;
   std::string m_value;
 };
 

@@ -229,7 +229,7 @@ void CXmlTextWriter::WriteStartElement(std::string const& localName, std::string
 void CXmlTextWriter::AppendDocumentDeclarations() {
   if (!m_defaultNamespace.empty()) {
     m_stream->Append(" xmlns=\"");
-    m_stream->Append(m_defaultNamespace);
+    AppendNamespace(m_defaultNamespace);
     m_stream->Append('"');
   }
   for (auto const& binding : m_namespaceMap) {
@@ -241,8 +241,15 @@ void CXmlTextWriter::AppendDeclaration(std::string const& prefix, std::string co
   m_stream->Append(" xmlns:");
   m_stream->Append(prefix);
   m_stream->Append("=\"");
-  m_stream->Append(uri);
+  AppendNamespace(uri);
   m_stream->Append('"');
+}
+
+void CXmlTextWriter::AppendNamespace(std::string const& uri) {
+  bool const isPlain = std::all_of(uri.begin(), uri.end(), [](char byte) { return ClassOf(byte) == ByteClass::Plain; });
+  if (isPlain || (!m_escapesNamespaces && !RulesInUse::AreSchema())) return m_stream->Append(uri);
+  RulesInUse::Scope const rules(ValueRules_XmlSchema);  // nothing is dropped
+  AppendEscaped(uri, true);
 }
 
 bool CXmlTextWriter::DeclarePrefix(std::string const& prefix, std::string const& uri) {

@@ -58,6 +58,15 @@ TEST(ValueRules, TextsComeBackAsTheyWere) {
   EXPECT_THROW(Written(std::string("a\0b", 3), schema), CQnException);
 }
 
+TEST(ValueRules, NamespacesComeBackAsTheyWere) {
+  CElement element("e");
+  element.FromXml("<n:e xmlns:n='u:&lt;&amp;&quot;' n:a='1'/>");
+  CXmlSerializationContext const classic = Under(ValueRules_Classic);
+  CXmlSerializationContext const schema = Under(ValueRules_XmlSchema);
+  EXPECT_EQ(element.ToXml(false, false, EOLType_LF, classic), "<AA:e xmlns:AA=\"u:<&\"\" AA:a=\"1\"/>");
+  EXPECT_EQ(element.ToXml(false, false, EOLType_LF, schema), "<AA:e xmlns:AA=\"u:&lt;&amp;&quot;\" AA:a=\"1\"/>");
+}
+
 TEST(ValueRules, ReferencesToCarriageReturnsAreKept) {
   CXmlSerializationContext const classic = Under(ValueRules_Classic);
   CXmlSerializationContext const schema = Under(ValueRules_XmlSchema);

@@ -34,6 +34,7 @@ class Doc {
   Doc& Comment(char const* text) { return m_writer.WriteComment(text), *this; }
   Doc& PI(char const* text) { return m_writer.WritePI(text), *this; }
   Doc& Alias(char const* alias, char const* uri) { return m_writer.AddNamespace(alias, uri), *this; }
+  Doc& EscapeNamespaces() { return m_writer.SetEscapesNamespaces(true), *this; }
   Doc& Default(char const* uri) { return m_writer.SetDefaultNamespace(uri), *this; }
   Doc& Start(char const* name, char const* ns = "") { return m_writer.WriteStartElement(name, ns), *this; }
   Doc& Attr(char const* name, char const* ns, char const* value) {
@@ -167,6 +168,12 @@ TEST(TextWriter, Namespaces) {
   EXPECT_EQ(Doc().Start("a").Alias("p", "u").Start("b", "u").End(2).Close(), "<a><p:b/></a>");
   EXPECT_EQ(Doc().Default("u").Start("a", "u").Attr("m", "u", "1").Attr("n", "u", "2").End().Close(),
             "<a xmlns=\"u\" xmlns:AA=\"u\" AA:m=\"1\" AA:n=\"2\"/>");
+  EXPECT_EQ(Doc().Default("u&").Alias("p", "v\"").Start("a", "w<").End().Close(),
+            "<AA:a xmlns:AA=\"w<\" xmlns=\"u&\" xmlns:p=\"v\"\"/>");
+  EXPECT_EQ(Doc().EscapeNamespaces().Default("u&").Alias("p", "v\"\t").Start("a", "w<\r\n").End().Close(),
+            "<AA:a xmlns:AA=\"w&lt;&#xD;&#xA;\" xmlns=\"u&amp;\" xmlns:p=\"v&quot;&#x9;\"/>");
+  EXPECT_FAILURE(CQnInvalidValueException, "The character U+0001 cannot stand in an XML document",
+                 Doc().EscapeNamespaces().Start("a", "\1"));
 }
 
 // What is cached for a name from its start to its end, and for the next element, follows the default namespace.

@@ -2,7 +2,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <limits>
-#include <map>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -59,23 +58,6 @@ Survey Look(CXmlElement const& root, bool keepSpace) {
   return survey;
 }
 
-/// The text writer does not escape namespace names.
-std::string EscapedUri(std::string_view uri) {
-  std::string escaped;
-  for (char const character : uri) {
-    switch (character) {
-      case '&': escaped += "&amp;"; break;
-      case '<': escaped += "&lt;"; break;
-      case '"': escaped += "&quot;"; break;
-      case '\t': escaped += "&#x9;"; break;
-      case '\n': escaped += "&#xA;"; break;
-      case '\r': escaped += "&#xD;"; break;
-      default: escaped += character;
-    }
-  }
-  return escaped;
-}
-
 /// Writes a tree with any writer, with all namespaces on the root. Where white space between elements is kept, it stands
 /// before the children.
 class TreeWriter {
@@ -87,9 +69,9 @@ class TreeWriter {
         m_choosesTypes(!m_isText && options.suggestedEncodings) {}
 
   void Write(CXmlElement const& root, Namespaces const& namespaces) {
-    if (!namespaces.GetDefault().empty()) m_writer.SetDefaultNamespace(Spelled(namespaces.GetDefault()));
+    if (!namespaces.GetDefault().empty()) m_writer.SetDefaultNamespace(namespaces.GetDefault());
     for (auto const& [uri, prefix] : namespaces.GetPrefixes()) {
-      if (uri != CXmlWriter::XML_NAMESPACE) m_writer.AddNamespace(prefix, Spelled(uri));
+      if (uri != CXmlWriter::XML_NAMESPACE) m_writer.AddNamespace(prefix, uri);
     }
     WalkContent(
         root, [this](CXmlElement const& element) { Start(element); },
@@ -99,10 +81,10 @@ class TreeWriter {
 
  private:
   void Start(CXmlElement const& element) {
-    m_writer.WriteStartElement(element.GetLocalName(), Spelled(element.GetNamespaceURI()));
+    m_writer.WriteStartElement(element.GetLocalName(), element.GetNamespaceURI());
     for (CXmlAttribute const* const attribute : element.GetAttributes()) {
-      m_writer.WriteAttributeString(attribute->GetLocalName(), Spelled(attribute->GetNamespaceURI()),
-                                    attribute->GetValue(), TypeOf(attribute->GetValue()));
+      m_writer.WriteAttributeString(attribute->GetLocalName(), attribute->GetNamespaceURI(), attribute->GetValue(),
+                                    TypeOf(attribute->GetValue()));
     }
     if (!element.IsMixed()) return WriteText(TextOf(element, m_keepSpace));
     m_writer.PreserveSpace();
@@ -121,18 +103,10 @@ class TreeWriter {
 
   ItemType TypeOf(std::string const& value) const { return m_choosesTypes ? ShortestType(value) : ItemType_string; }
 
-  std::string const& Spelled(std::string const& uri) {
-    if (!m_isText || uri.find_first_of("&<\"\t\n\r") == std::string::npos) return uri;
-    std::string& spelled = m_spelledUris[uri];
-    if (spelled.empty()) spelled = EscapedUri(uri);
-    return spelled;
-  }
-
   CXmlWriter& m_writer;
   bool m_keepSpace;
   bool m_isText;
   bool m_choosesTypes;
-  std::map<std::string, std::string> m_spelledUris;
 };
 
 /// \throws CQnException for a document that XML text cannot express, such as one with control characters.
@@ -141,6 +115,7 @@ CBinaryData ToXmlText(InputDocument const& document, Namespaces const& namespace
   CTextStream stream(XmlEncoding_UTF8);
   CXmlTextWriter writer(stream);
   writer.SetFormat(format);
+  writer.SetEscapesNamespaces(true);
   writer.Open();
   if (options.declaration.value_or(true)) writer.WriteStartDocument();
   TreeWriter(writer, options, DocumentKind::XmlText).Write(document.GetRoot(), namespaces);

@@ -73,6 +73,11 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Set the line end.
   /// \throws CQnException "Invalid EOL type." for an unknown value, which leaves the old one in place.
   void SetEOLType(EOLType type);
+  /// Choose whether namespaces in declarations are escaped, like other attribute values. By default they are written as
+  /// they are, so that the caller must escape what is special in them, unless an object is written by the rules of XML
+  /// Schema. An escaped namespace with a character that XML does not allow fails with CQnInvalidValueException "The
+  /// character U+%04X cannot stand in an XML document".
+  void SetEscapesNamespaces(bool escapes) { m_escapesNamespaces = escapes; }
 
   /// Write the XML declaration, which names the stream's encoding, and a line end.
   void WriteStartDocument();
@@ -104,6 +109,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   void AppendLines(std::string_view text);
   void AppendText(std::string_view text);
   void AppendDeclaration(std::string const& prefix, std::string const& uri);
+  void AppendNamespace(std::string const& uri);
   void AppendEscaped(std::string_view text, bool inAttribute);
   void AppendSpecial(char byte, bool inAttribute);
   void AppendDocumentDeclarations();
@@ -116,6 +122,7 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   std::uint8_t m_indentWidth = 1;
   std::uint8_t m_flatLevels = 0;
   bool m_hasPlainQuotes = false;
+  bool m_escapesNamespaces = false;
   CXmlWriterContext const* m_preserved = nullptr;  // the element whose end switches m_format on again
   CTextStream* m_stream;                           // not owned
   bool m_streamFlushes;                            // whether flushing the stream may have an effect
