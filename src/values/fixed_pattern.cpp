@@ -1,5 +1,7 @@
 #include "values/fixed_pattern.h"
 
+#include <algorithm>
+
 #include <cstddef>
 
 #include "values/number_text.h"
@@ -89,10 +91,8 @@ std::optional<CFixedPattern::CharacterSet> CFixedPattern::TakeClass(std::string_
 
 bool CFixedPattern::Matches(std::string_view value) const {
   if (value.size() != m_sets.size()) return false;
-  for (std::size_t i = 0; i < value.size(); ++i) {
-    if (!m_sets[i].Has(static_cast<unsigned char>(value[i]))) return false;
-  }
-  return true;
+  auto set = m_sets.begin();
+  return std::all_of(value.begin(), value.end(), [&](char c) { return (set++)->Has(static_cast<unsigned char>(c)); });
 }
 
 }  // namespace Quillon9

@@ -146,9 +146,10 @@ SchemaFacets::SchemaFacets(SchemaFacets&&) noexcept = default;
 SchemaFacets& SchemaFacets::operator=(SchemaFacets&&) noexcept = default;
 
 SchemaFacets::Extent SchemaFacets::FindExtent() const {
-  if (m_isBroken || m_hasPattern || m_hasDigits || m_others.form != SchemaForm::Any) return Extent::All;
-  if (m_type == ItemType_string) return m_isMeasured ? Extent::LengthOfText : Extent::Nothing;
-  if (m_isMeasured) return Extent::All;
+  bool const isOneOfText = m_type == ItemType_string && m_hasPattern != m_isMeasured;
+  if (m_isBroken || m_hasDigits || m_others.form != SchemaForm::Any) return Extent::All;
+  if (isOneOfText) return m_hasPattern ? Extent::PatternOfText : Extent::LengthOfText;
+  if (m_hasPattern || m_isMeasured) return Extent::All;
   return m_parsed.bounds != nullptr ? Extent::Bounds : Extent::Nothing;
 }
 
@@ -212,6 +213,10 @@ bool SchemaFacets::KeepsText(Parsed const& parsed, std::string const& value) con
   if (m_isMeasured && !HasAllowedLength(value)) return false;
   if (!m_hasPattern && m_others.form == SchemaForm::Any) return true;
   return WithUtf8(value, [&](std::string_view utf8) { return KeepsForm(parsed, utf8); });
+}
+
+bool SchemaFacets::KeepsPattern(std::string const& value) const {
+  return WithUtf8(value, [this](std::string_view utf8) { return m_parsed.pattern->Matches(utf8); });
 }
 
 bool SchemaFacets::KeepsForm(Parsed const& parsed, std::string_view utf8) const {

@@ -52,7 +52,7 @@ class SchemaFacets {
 
   /// The same for a text as it stands in a document, with all its white space.
   void CheckRead(char const* name, QnVariant const& value, std::string_view text) const {
-    if (UsesText()) return CheckWithSpace(name, value, text);
+    if (m_extent == Extent::All && UsesText()) return CheckWithSpace(name, value, text);
     Check(name, value, text);
   }
 
@@ -66,7 +66,7 @@ class SchemaFacets {
   void Check(char const* name, QnVariant const& value) const;
 
  private:
-  enum class Extent : std::uint8_t { Nothing, Bounds, LengthOfText, All };
+  enum class Extent : std::uint8_t { Nothing, Bounds, LengthOfText, PatternOfText, All };
 
   class Bounds {
    public:
@@ -89,6 +89,7 @@ class SchemaFacets {
       case Extent::Nothing: return true;
       case Extent::Bounds: return m_parsed.bounds->Contain(value);
       case Extent::LengthOfText: return HasAllowedLength(value.GetString());
+      case Extent::PatternOfText: return KeepsPattern(value.GetString());
       case Extent::All: break;
     }
     return KeepsToAll(value, text);
@@ -96,6 +97,7 @@ class SchemaFacets {
   bool KeepsToAll(QnVariant const& value, std::string_view text) const;
   bool KeepsTo(Parsed const& parsed, QnVariant const& value, std::string_view text) const;
   bool KeepsText(Parsed const& parsed, std::string const& value) const;
+  bool KeepsPattern(std::string const& value) const;
   bool HasAllowedLength(std::string const& value) const;
   bool IsAllowedLength(std::size_t length) const;
   bool HasAllowedDigits(QnVariant const& number) const;
