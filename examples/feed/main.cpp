@@ -33,8 +33,10 @@ CXmlSerializationContext Utf8Context() {
 // ---- The children of feeds, entries, sources and persons, of which one is set in each round
 
 CXmlObjectBase const* FirstOf(std::initializer_list<CXmlObjectBase const*> alternatives) {
-  auto const isSet = [](CXmlObjectBase const* object) { return object != nullptr; };
-  return *std::find_if(alternatives.begin(), alternatives.end(), isSet);
+  for (CXmlObjectBase const* const object : alternatives) {
+    if (object != nullptr) return object;
+  }
+  return nullptr;
 }
 
 CXmlObjectBase const* ChildIn(CFeedType::CChoice const& round) {

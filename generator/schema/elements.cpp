@@ -112,9 +112,9 @@ void Builder::CollectStandIns() {
     if ((head.block & kSubstitution) != 0) continue;
     std::vector<ElementDeclaration const*> group = head.substitutes;
     for (std::size_t i = 0; i < group.size(); ++i) {  // no element is in its own group
-      std::vector<ElementDeclaration const*> const& next = group[i]->substitutes;
-      if (MayStandFor(head, *group[i])) head.standIns.push_back(group[i]);
-      group.insert(group.end(), next.begin(), next.end());
+      ElementDeclaration const* const member = group[i];
+      if (MayStandFor(head, *member)) head.standIns.push_back(member);
+      for (ElementDeclaration const* const next : member->substitutes) group.push_back(next);
     }
   }
 }

@@ -48,15 +48,17 @@ void WriteItem(CXmlWriter* writer, std::string const& name, std::string const& n
 /// What a collection that asks for the rules of XML Schema needs while a program adds a value. A read has it already.
 class SchemaScope {
  public:
-  explicit SchemaScope(CXmlTypeCollection const& collection) {
-    if (RulesInUse::AreSchema()) return;
-    m_rules.emplace(ValueRules_XmlSchema);
-    if (collection.HoldsUtf8Text()) m_text.emplace(Utf8Text::Use::kCountingCharacters);
-  }
+  explicit SchemaScope(CXmlTypeCollection const& collection)
+      : m_text(TextOf(collection)), m_rules(ValueRules_XmlSchema) {}
 
  private:
-  std::optional<RulesInUse::Scope> m_rules;
-  std::optional<Utf8Text::Scope> m_text;
+  static Utf8Text::Use TextOf(CXmlTypeCollection const& collection) {
+    bool const isByProgram = !RulesInUse::AreSchema();
+    return isByProgram && collection.HoldsUtf8Text() ? Utf8Text::Use::kCountingCharacters : Utf8Text::Current();
+  }
+
+  Utf8Text::Scope m_text;
+  RulesInUse::Scope m_rules;
 };
 
 }  // namespace

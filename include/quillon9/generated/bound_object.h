@@ -32,8 +32,9 @@ QUILLON9_API CXmlObjectBase const& KeepForever(CSmartPtr<CXmlObjectBase> const& 
 template <class Collection>
 Collection const& EmptyCollection() {
   static constexpr CElementRow kRow;
-  static auto const& empty = static_cast<Collection const&>(KeepForever(NewCollection<Collection>::ForRow(&kRow)));
-  return empty;
+  static auto const* const empty =
+      static_cast<Collection const*>(&KeepForever(NewCollection<Collection>::ForRow(&kRow)));
+  return *empty;
 }
 
 }  // namespace detail
