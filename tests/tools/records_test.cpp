@@ -174,7 +174,7 @@ TEST_F(RecordsTest, ConvertsAFileThatIsTooLongForATreeChildByChild) {
   std::filesystem::resize_file(Folder() / "in.xml", std::uintmax_t{5} << 30);  // mostly a hole
   EXPECT_EQ(Run("convert in.xml out.finf").errors,
             "quillon9: in.xml: warning: what is between the children of the document element is left out, as with "
-            "--large\nquillon9: in.xml: mismatched tag at line 2 (after 1 records)\n"
+            "--large\nquillon9: in.xml: mismatched tag at line 2 (after 1 record)\n"
             "in.xml:2:7: error: /a: mismatched tag at line 2\n");
   EXPECT_EQ(Files().size(), 1U);
 }

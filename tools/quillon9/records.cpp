@@ -89,8 +89,8 @@ class RecordRun final : private IFailureSink {
         RunToEnd(use);
       } catch (CQnException const& failure) {
         if (m_used == 0) throw;
-        throw Failure(m_name, failure.GetFullMessage() + " (after " + std::to_string(m_used) + " records)",
-                      ReportOn(failure, m_name));
+        std::string const count = std::to_string(m_used) + (m_used == 1 ? " record" : " records");
+        throw Failure(m_name, failure.GetFullMessage() + " (after " + count + ")", ReportOn(failure, m_name));
       }
     });
     m_progress.Clear();
