@@ -46,7 +46,6 @@ class SchemaFacets {
   ///         parse, what CSchemaValues::FromText() or CSchemaPattern throws.
   void Check(char const* name, QnVariant const& value, std::string_view text) const {
     if (value.GetItemType() != m_type) return CheckOther(name, value);
-    if (m_extent == Extent::Nothing) return;
     if (!Keeps(value, text)) RefuseValue(name, value);
   }
 
