@@ -19,6 +19,7 @@
 #include "records/record_encoder.h"
 #include "records/tree_writing.h"
 #include "xmlio/checking_writer.h"
+#include "xmlio/reserved_namespaces.h"
 #include "xmlio/xml_characters.h"
 
 namespace Quillon9 {
@@ -45,12 +46,17 @@ void RequireText(std::string const& text) {
 bool IsReserved(std::string const& prefix, std::string const& uri) {
   std::string start = prefix.substr(0, 3);
   for (char& c : start) c = static_cast<char>(c | 0x20);
-  return start == "xml" || uri.empty() || uri == CXmlWriter::XML_NAMESPACE || uri == "http://www.w3.org/2000/xmlns/";
+  return start == "xml" || uri.empty() || uri == CXmlWriter::XML_NAMESPACE || uri == kDeclarationsNamespace;
 }
 
 void RequireName(std::string const& name) {
   OwnTextScope const scope;
   TreeWriting::RequireName(name);
+}
+
+void RequireElementName(std::string const& name, std::string const& namespaceUri, bool hasDefaultNamespace) {
+  OwnTextScope const scope;
+  TreeWriting::RequireElementName(name, namespaceUri, hasDefaultNamespace);
 }
 
 void RequireAttributeName(std::string const& name, std::string const& namespaceUri) {
@@ -123,7 +129,7 @@ class CXmlRecordWriter::Work {
       throw CQnInvalidParamException(
           FormatString("The prefix [%s] cannot stand for [%s]", prefix.c_str(), uri.c_str()));
     }
-    if (prefix.empty() && m_pending) TreeWriting::RequireElementName(m_pending->first, m_pending->second, !m_infoset);
+    if (prefix.empty() && m_pending) RequireElementName(m_pending->first, m_pending->second, !m_infoset);
     if (known == m_declared.end()) m_declared.emplace_back(prefix, uri);
   }
 
@@ -286,8 +292,7 @@ class CXmlRecordWriter::Work {
   void CheckElementName(std::string const& localName, std::string const& namespaceUri) const {
     bool hasDefault = !m_ctx.GetDefaultNamespaceURI().empty();
     for (auto const& declared : m_declared) hasDefault = hasDefault || declared.first.empty();
-    OwnTextScope const scope;
-    TreeWriting::RequireElementName(localName, namespaceUri, hasDefault && !m_infoset);
+    RequireElementName(localName, namespaceUri, hasDefault && !m_infoset);
   }
   bool IsTakenByContext(std::string const& prefix, std::string const& uri) const {
     if (prefix.empty()) return !m_ctx.GetDefaultNamespaceURI().empty() && m_ctx.GetDefaultNamespaceURI() != uri;
@@ -496,10 +501,7 @@ void CXmlRecordWriter::Write(CXmlObjectBase& object, std::string const& localNam
 }
 
 void CXmlRecordWriter::Write(CXmlObjectBase& object, std::string const& localName, std::string const& namespaceUri) {
-  {
-    OwnTextScope const scope;
-    TreeWriting::RequireElementName(localName, namespaceUri, false);
-  }
+  RequireElementName(localName, namespaceUri, false);
   Renamed const renamed(object, localName);
   m_work->Write(object, namespaceUri);
 }

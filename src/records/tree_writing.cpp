@@ -10,12 +10,11 @@
 #include "quillon9/xmlio/document.h"
 #include "xmlio/content_writing.h"
 #include "xmlio/node_access.h"
+#include "xmlio/reserved_namespaces.h"
 
 namespace Quillon9 {
 
 namespace {
-
-constexpr char kDeclarations[] = "http://www.w3.org/2000/xmlns/";
 
 bool IsName(std::string const& name) {
   if (CEncoder::IsUtf8SameInLocalCodePage(name.data(), name.size())) {
@@ -36,7 +35,7 @@ void TreeWriting::RequireName(std::string const& name) {
 void TreeWriting::RequireElementName(std::string const& localName, std::string const& namespaceUri,
                                      bool hasDefaultNamespace) {
   RequireName(localName);
-  if (namespaceUri == kDeclarations) {
+  if (namespaceUri == kDeclarationsNamespace) {
     throw CQnInvalidParamException(
         FormatString("The element [%s] is in the namespace of declarations", localName.c_str()));
   }
@@ -48,7 +47,7 @@ void TreeWriting::RequireElementName(std::string const& localName, std::string c
 
 void TreeWriting::RequireAttributeName(std::string const& localName, std::string const& namespaceUri) {
   RequireName(localName);
-  if (namespaceUri == kDeclarations || (namespaceUri.empty() && localName == "xmlns")) {
+  if (namespaceUri == kDeclarationsNamespace || (namespaceUri.empty() && localName == "xmlns")) {
     throw CQnInvalidParamException(FormatString("The attribute [%s] would declare a namespace", localName.c_str()));
   }
 }

@@ -8,6 +8,7 @@
 #include "text/blank_text.h"
 #include "xmlio/node_access.h"
 #include "xmlio/node_text.h"
+#include "xmlio/reserved_namespaces.h"
 #include "xmlio/tree_memory.h"
 
 namespace Quillon9 {
@@ -15,10 +16,9 @@ namespace Quillon9 {
 namespace {
 
 constexpr std::string_view kSchemaInstance = "http://www.w3.org/2001/XMLSchema-instance";
-constexpr std::string_view kNamespaceDeclarations = "http://www.w3.org/2000/xmlns/";
 
 bool IsSchemaMachinery(std::string_view namespaceUri) {
-  return namespaceUri == kSchemaInstance || namespaceUri == kNamespaceDeclarations;
+  return namespaceUri == kSchemaInstance || namespaceUri == kDeclarationsNamespace;
 }
 
 /// The bit in CXmlElement::m_attributes that marks a pointer to the table instead of the last attribute.

@@ -12,6 +12,7 @@
 #include "xmlio/markup_scan.h"
 #include "xmlio/markup_skip.h"
 #include "xmlio/node_access.h"
+#include "xmlio/reserved_namespaces.h"
 
 namespace Quillon9 {
 
@@ -24,7 +25,6 @@ using MarkupScan::StartsWith;
 using MarkupScan::Within;
 
 constexpr std::string_view kXmlNamespace = CXmlWriter::XML_NAMESPACE;
-constexpr std::string_view kDeclarationsNamespace = "http://www.w3.org/2000/xmlns/";
 constexpr std::string_view kDocumentTypeStart = "<!DOCTYPE";
 constexpr std::string_view kCDataStart = "[CDATA[";
 constexpr std::string_view kCDataEnd = "]]>";

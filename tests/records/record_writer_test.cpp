@@ -334,6 +334,17 @@ TEST(RecordWriter, WritesElementsAroundRecordsAndTrees) {
   }
 }
 
+TEST(RecordWriter, NamesAreUtf8InAnyLocale) {
+  std::string records;
+  CXmlRecordWriter writer(CRecordTarget::Memory(records));
+  writer.SetText(false, false);
+  writer.OpenElement("\xC3\x84", "urn:a");
+  writer.DeclareNamespace("", "urn:a");
+  writer.WriteAttribute("\xC3\xA4", "1");
+  writer.Finish();
+  EXPECT_EQ(records, "<\xC3\x84 xmlns=\"urn:a\" \xC3\xA4=\"1\"/>");
+}
+
 TEST(RecordWriter, DocumentElementsThatFailLeaveNoPrefixes) {
   CXmlSerializationContext ctx;
   ctx.SetKeepPrefixes(true);
