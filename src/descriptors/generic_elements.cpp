@@ -344,6 +344,7 @@ void CElement::WriteApart(CXmlTextWriter& writer, bool inChoice) const {
   CXmlTextWriter inner(stream);
   inner.SetEOLType(writer.GetEOLType());
   inner.SetFormat(writer.GetFormat());
+  inner.SetEscapesNamespaces(writer.GetEscapesNamespaces());
   inner.SetDefaultNamespace(GetDefaultNamespace());
   WriteApartTo(inner, inChoice);
   stream.Flush();

@@ -1,7 +1,6 @@
 #include "values/fixed_pattern.h"
 
 #include <algorithm>
-
 #include <cstddef>
 
 #include "values/number_text.h"

@@ -161,8 +161,8 @@ CDecimal ParsedDecimal(DecimalForm const& form) {
   return CDecimal(text.c_str());
 }
 
-/// The form of most texts: digits with a point among or before them, perhaps after a minus, and few enough for the short
-/// form. False for any other text, and for zero.
+/// The form of most texts: digits, perhaps with a point among or before them, perhaps after a minus, and few enough for
+/// the short form. False for any other text, and for zero.
 bool ReadPlainDecimal(std::string_view text, ShortDecimal& value) {
   value.isNegative = !text.empty() && text.front() == '-';
   if (value.isNegative) text.remove_prefix(1);

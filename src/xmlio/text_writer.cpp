@@ -257,6 +257,10 @@ bool CXmlTextWriter::DeclarePrefix(std::string const& prefix, std::string const&
   bool isNew = false;
   bool const isBound = BindPrefix(*m_context, prefix, uri, isNew);
   if (!isNew) return isBound;
+  if (m_escapesNamespaces) {
+    AppendDeclaration(prefix, uri);
+    return true;
+  }
   m_stream->Append(" xmlns:");
   m_stream->Append(prefix);
   m_stream->Append("=\"");

@@ -334,6 +334,20 @@ TEST(RecordWriter, WritesElementsAroundRecordsAndTrees) {
   }
 }
 
+TEST(RecordWriter, NamespacesOfObjectsAreEscapedByAnyRules) {
+  CXmlSerializationContext ctx;
+  ctx.SetValueRules(ValueRules_Classic);
+  CElement element("a", "urn:&\t");
+  element.SetDefaultNamespace("urn:&\t");
+  std::string records;
+  CXmlRecordWriter writer(CRecordTarget::Memory(records), ctx);
+  writer.SetText(false, false);
+  writer.OpenElement("list");
+  writer.Write(static_cast<CXmlObjectBase const&>(element));
+  writer.Finish();
+  EXPECT_EQ(records, "<list><a xmlns=\"urn:&amp;&#x9;\"/></list>");
+}
+
 TEST(RecordWriter, NamesAreUtf8InAnyLocale) {
   std::string records;
   CXmlRecordWriter writer(CRecordTarget::Memory(records));

@@ -34,6 +34,7 @@ class Doc {
   Doc& Comment(char const* text) { return m_writer.WriteComment(text), *this; }
   Doc& PI(char const* text) { return m_writer.WritePI(text), *this; }
   Doc& Alias(char const* alias, char const* uri) { return m_writer.AddNamespace(alias, uri), *this; }
+  Doc& Declare(char const* prefix, char const* uri) { return m_writer.DeclarePrefix(prefix, uri), *this; }
   Doc& EscapeNamespaces() { return m_writer.SetEscapesNamespaces(true), *this; }
   Doc& Default(char const* uri) { return m_writer.SetDefaultNamespace(uri), *this; }
   Doc& Start(char const* name, char const* ns = "") { return m_writer.WriteStartElement(name, ns), *this; }
@@ -172,6 +173,9 @@ TEST(TextWriter, Namespaces) {
             "<AA:a xmlns:AA=\"w<\" xmlns=\"u&\" xmlns:p=\"v\"\"/>");
   EXPECT_EQ(Doc().EscapeNamespaces().Default("u&").Alias("p", "v\"\t").Start("a", "w<\r\n").End().Close(),
             "<AA:a xmlns:AA=\"w&lt;&#xD;&#xA;\" xmlns=\"u&amp;\" xmlns:p=\"v&quot;&#x9;\"/>");
+  EXPECT_EQ(Doc().EscapeNamespaces().Start("a").Declare("p", "u\t\r").Start("p", "u\t\r").End(2).Close(),
+            "<a xmlns:p=\"u&#x9;&#xD;\"><p:p/></a>");
+  EXPECT_EQ(Doc().Start("a").Declare("p", "u\t\r&").End().Close(), "<a xmlns:p=\"u\t&amp;\"/>");
   EXPECT_FAILURE(CQnInvalidValueException, "The character U+0001 cannot stand in an XML document",
                  Doc().EscapeNamespaces().Start("a", "\1"));
 }

@@ -73,9 +73,11 @@ class QUILLON9_API CXmlTextWriter : public CXmlWriter {
   /// Set the line end.
   /// \throws CQnException "Invalid EOL type." for an unknown value, which leaves the old one in place.
   void SetEOLType(EOLType type);
-  /// Choose whether namespaces in declarations are escaped, like other attribute values. By default they are written as
-  /// they are, so that the caller must escape what is special in them, unless an object is written by the rules of XML
-  /// Schema. An escaped namespace with a character that XML does not allow fails with CQnInvalidValueException "The
+  /// Whether SetEscapesNamespaces() has asked for it.
+  bool GetEscapesNamespaces() const { return m_escapesNamespaces; }
+  /// Choose whether namespaces in declarations are escaped, so that a parser returns each character. By default they are
+  /// written as they are, so that the caller must escape what is special in them, unless an object is written by the
+  /// rules of XML Schema; only DeclarePrefix() always escapes, like an attribute value of the rules in use. An escaped namespace with a character that XML does not allow fails with CQnInvalidValueException "The
   /// character U+%04X cannot stand in an XML document".
   void SetEscapesNamespaces(bool escapes) { m_escapesNamespaces = escapes; }
 
